@@ -1,0 +1,68 @@
+#ifndef VESK_APP_MESSAGES_H
+#define VESK_APP_MESSAGES_H
+
+#include "app/types.h"
+
+VESK_BEGIN_DECLS
+
+/* Shows a line on the status area: evaluates `display_message "<text>"`. Formats into 2048 bytes
+   (longer texts are cut); `%s` arguments may hold any text, nothing in them is evaluated. */
+VESK_API void display_message(const char *format, ...) VESK_PRINTF(1, 2);
+
+/* Refreshes the script side after a change: evaluates "sync_ui". */
+VESK_API void display_status(void);
+
+/* Modal message box titled "VESK Message" with one OK button; without a display the text goes to
+   standard error and the call returns at once. Formats into 2048 bytes. Returns 1. */
+VESK_API int windows_message_dialog(const char *format, ...) VESK_PRINTF(1, 2);
+
+/* Console output in debug mode (-debug), nothing otherwise. Formats into 2048 bytes. */
+VESK_API void debugf(const char *format, ...) VESK_PRINTF(1, 2);
+
+/* Evaluates a formatted script (2048 bytes, raw: the caller answers for what it inserts) and
+   returns the interpreter's result, valid until the next call. An error is traced to the console;
+   the result is then the error text. */
+VESK_API const char *tcl_command(const char *format, ...) VESK_PRINTF(1, 2);
+
+/* Evaluates a script file; errors are traced to the console. Returns the interpreter's result. */
+VESK_API const char *tcl_eval_file(const char *file);
+
+/* Prints the interpreter's result and stack trace to the console; `context` says where. */
+VESK_API void tcl_trace_error(const char *context);
+
+/* Shows the label of the newest undo record; null or "" for none. */
+VESK_API void set_undo_string(const char *label);
+
+/* Sets the progress bar, 0 to 100; 0 hides it. */
+VESK_API void set_progress_bar(int percent);
+
+/* Opens the context menu of the 3D view at window pixel x, y. */
+VESK_API void popup_3d_menu(int x, int y);
+
+/* Adds texture `index` to the texture menu; before index 0 a separator. */
+VESK_API void create_texture_menubutton(const char *label, int index);
+
+/* Global script variables: a null value sets the empty text; reading gives null for none. */
+VESK_API void tcl_set_string(const char *name, const char *value);
+VESK_API const char *tcl_get_string(const char *name);
+VESK_API void tcl_set_int(const char *name, int value);
+
+/* Processes pending events and redraws now. */
+VESK_API void tcl_update(void);
+
+/* Processes pending events until none is left; long work calls it to keep the interface alive. */
+VESK_API void handle_tcl_events(void);
+
+/* Coordinate display, the variables "coors" and "size". */
+VESK_API void display_coor_data(const char *coordinates, const char *size);
+VESK_API void show_coors(const point3_t *point);
+VESK_API void show_coors_and_point(const point3_t *point, const point3_t *vector);
+VESK_API void show_coors_and_bb(const point3_t *point, const point3_t *a, const point3_t *b);
+VESK_API void show_coors_and_dim(const point3_t *point, const point3_t *a, const point3_t *b);
+VESK_API void show_size(const point3_t *a, const point3_t *b);
+VESK_API void show_coors_and_len(const point3_t *point, const point3_t *p, const point3_t *q);
+VESK_API void show_angle(float degrees);
+
+VESK_END_DECLS
+
+#endif

@@ -1,0 +1,3 @@
+# Files of app/: the core's first, then (where there are any) the shell's.
+target_sources(vesk_core PRIVATE
+)

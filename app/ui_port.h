@@ -1,0 +1,56 @@
+#ifndef VESK_APP_UI_PORT_H
+#define VESK_APP_UI_PORT_H
+
+// The only way from the core to the toolkit: one record of functions. The start value does nothing
+// (linked texts come from malloc); the shell installs the Tk one or the batch one before the
+// preferences are first set, tests install one that records.
+
+struct ui_port_t {
+    // ---- script ----
+    // Evaluates a script text; its result (valid until the next call) and whether it succeeded.
+    const char *(*eval)(const char *script, bool *ok);
+    const char *(*eval_file)(const char *file, bool *ok);
+    // After a failure: the global variable errorInfo, or null.
+    const char *(*error_info)();
+    void (*set_var)(const char *name, const char *value);
+    const char *(*get_var)(const char *name); // null when there is none
+    // Array element; null when there is none.
+    const char *(*get_element)(const char *array, const char *element);
+    void (*update_linked)(const char *name); // traces fire after a change from the program
+    // Texts that are linked as string variables; the toolkit frees and replaces them itself.
+    char *(*alloc_text)(const char *text);
+    void (*free_text)(char *text);
+
+    // ---- dialogue ----
+    void (*message_box)(const char *title, const char *text); // modal; batch: standard error
+    void (*console_write)(const char *text);
+    void (*busy_cursor)(int on);
+
+    // ---- view ----
+    void (*post_redisplay)(int view);
+    void (*draw_now)(int view);
+    void (*make_current)(int view);
+    void (*swap_buffers)(int view);
+    void (*texture_upload)(int texture_id); // (again) after a load, in every window
+    void (*set_cursor)(int view, const char *tk_cursor); // null: the view's default cursor
+    bool (*window_geometry)(int view, int out_xywh[4]);  // false when there is no window
+
+    // ---- time ----
+    void (*pump_events)();        // until none is pending
+    void (*update)();             // pending events and redraws now
+    double (*now_seconds)();      // monotonic
+
+    // ---- desktop ----
+    bool (*start_program)(const char *command_line);
+    bool (*open_address)(const char *url);
+    bool (*clipboard_set)(const char *text);
+    const char *(*clipboard_get)();
+};
+
+// The installed port; its functions are never null.
+ui_port_t &ui_port();
+// Installs `port`; null functions keep the start value, which does nothing.
+void ui_port_install(const ui_port_t &port);
+void ui_port_reset_for_test();
+
+#endif

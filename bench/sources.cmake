@@ -1,0 +1,1 @@
+# One vesk_bench(name source...) line for each benchmark.

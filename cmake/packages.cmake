@@ -1,0 +1,12 @@
+# What the program is built from; every package comes from the distribution (tools/packages.txt).
+find_package(TCL REQUIRED)
+find_package(X11 REQUIRED)
+find_package(Threads REQUIRED)
+set(OpenGL_GL_PREFERENCE GLVND)
+find_package(OpenGL REQUIRED COMPONENTS OpenGL GLX)
+find_path(TOGL_INCLUDE_DIR togl.h REQUIRED)
+find_library(TOGL_LIBRARY Togl REQUIRED)
+find_program(TCLSH NAMES tclsh8.6 tclsh REQUIRED)
+if(VESK_MIMALLOC)
+    find_package(mimalloc REQUIRED)
+endif()

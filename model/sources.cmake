@@ -1,0 +1,3 @@
+# Files of model/: the core's first, then (where there are any) the shell's.
+target_sources(vesk_core PRIVATE
+)
