@@ -1,0 +1,60 @@
+# batch.tcl --
+#   What the executable calls and reads, for runs without a window (-batch, -convert, -thumbnail):
+#   messages go to standard error, so that standard output carries only what scripts write;
+#   everything that would show or ask does nothing and answers with the empty text.
+
+namespace eval ::vesk {
+    # What set_undo_string told last, for scripts that want to know.
+    variable undo_label ""
+    # Menu items of plug-ins: {menu label command help} rows, so that scripts can list them.
+    variable plugin_items {}
+}
+
+namespace eval ::vesk::batch {
+    # Procedures without an effect here; the executable ignores what they return.
+    variable silent {
+        sync_ui set_progress_bar popup_3d_menu update_savefile_name show_tip add_palette_button
+        edit_colour_ui set_select_mode_ui set_draw_mode_ui .mbar.object.menu.texture
+    }
+    # Questions that nobody can answer: an empty name means cancelled.
+    variable unanswered {
+        get_opentexturename get_loadfilename get_importfilename get_savefilename
+        get_exportfilename get_exportfolder
+    }
+}
+
+# define --
+#   Defines the procedures of the two lists and sets the variables that the executable reads.
+proc ::vesk::batch::define {} {
+    variable silent
+    variable unanswered
+    foreach name [concat $silent $unanswered] {
+        proc ::$name {args} {return ""}
+    }
+    foreach {name value} {::coors "" ::size "" ::fsBox(currentfilter) 0} {
+        set $name $value
+    }
+    foreach view {xy zy xz xyz} {
+        set ::ToglWinName($view) ""
+    }
+    if {![info exists ::viewsetting] || $::viewsetting eq ""} {
+        set ::viewsetting all
+    }
+}
+
+# add_item --
+#   Notes a menu item that a plug-in offers.
+#   menu   "export", "tools" or "surface"
+#   words  label, command and, where there is one, the help text
+proc ::vesk::batch::add_item {menu words} {
+    lassign $words label command help
+    lappend ::vesk::plugin_items [list $menu $label $command $help]
+    return ""
+}
+
+proc display_message {text} {puts stderr $text}
+proc set_undo_string {text} {set ::vesk::undo_label $text}
+proc add_export_menu_item {args} {::vesk::batch::add_item export $args}
+proc add_tools_menu_item {args} {::vesk::batch::add_item tools $args}
+proc add_surface_menu_item {args} {::vesk::batch::add_item surface $args}
+::vesk::batch::define
