@@ -53,16 +53,6 @@ VESK_API void tcl_update(void);
 /* Processes pending events until none is left; long work calls it to keep the interface alive. */
 VESK_API void handle_tcl_events(void);
 
-/* Coordinate display, the variables "coors" and "size". */
-VESK_API void display_coor_data(const char *coordinates, const char *size);
-VESK_API void show_coors(const point3_t *point);
-VESK_API void show_coors_and_point(const point3_t *point, const point3_t *vector);
-VESK_API void show_coors_and_bb(const point3_t *point, const point3_t *a, const point3_t *b);
-VESK_API void show_coors_and_dim(const point3_t *point, const point3_t *a, const point3_t *b);
-VESK_API void show_size(const point3_t *a, const point3_t *b);
-VESK_API void show_coors_and_len(const point3_t *point, const point3_t *p, const point3_t *q);
-VESK_API void show_angle(float degrees);
-
 VESK_END_DECLS
 
 #endif

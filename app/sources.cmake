@@ -1,3 +1,18 @@
-# Files of app/: the core's first, then (where there are any) the shell's.
+# Files of app/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
+    app/command_registry.cpp
+    app/command_result.cpp
+    app/coor_display.cpp
+    app/crash_guard.cpp
+    app/current_file.cpp
+    app/filename.cpp
+    app/home.cpp
+    app/messages.cpp
+    app/numbers.cpp
+    app/prefs.cpp
+    app/prefs_file.cpp
+    app/progress.cpp
+    app/session_state.cpp
+    app/tokens.cpp
+    app/ui_port.cpp
 )

@@ -10,6 +10,7 @@ struct ui_port_t {
     // Evaluates a script text; its result (valid until the next call) and whether it succeeded.
     const char *(*eval)(const char *script, bool *ok);
     const char *(*eval_file)(const char *file, bool *ok);
+    const char *(*result)(); // the interpreter's result
     // After a failure: the global variable errorInfo, or null.
     const char *(*error_info)();
     void (*set_var)(const char *name, const char *value);
@@ -31,14 +32,14 @@ struct ui_port_t {
     void (*draw_now)(int view);
     void (*make_current)(int view);
     void (*swap_buffers)(int view);
-    void (*texture_upload)(int texture_id); // (again) after a load, in every window
+    void (*texture_upload)(int texture_id);              // (again) after a load, in every window
     void (*set_cursor)(int view, const char *tk_cursor); // null: the view's default cursor
     bool (*window_geometry)(int view, int out_xywh[4]);  // false when there is no window
 
     // ---- time ----
-    void (*pump_events)();        // until none is pending
-    void (*update)();             // pending events and redraws now
-    double (*now_seconds)();      // monotonic
+    void (*pump_events)();   // until none is pending
+    void (*update)();        // pending events and redraws now
+    double (*now_seconds)(); // monotonic
 
     // ---- desktop ----
     bool (*start_program)(const char *command_line);

@@ -1,3 +1,4 @@
-# Files of fileio/: the core's first, then (where there are any) the shell's.
+# Files of fileio/.
 target_sources(vesk_core PRIVATE
+    fileio/atomic_file.cpp
 )

@@ -1,0 +1,19 @@
+#ifndef VESK_APP_HOME_H
+#define VESK_APP_HOME_H
+
+#include "app/types.h"
+
+VESK_BEGIN_DECLS
+
+/* The home directory: scripts, plug-ins, icons, font, default settings. Owned by the program. */
+VESK_API const char *vesk_get_vesk_homedir(void);
+
+VESK_END_DECLS
+
+#ifdef __cplusplus
+// A linked script text: its address is handed to the interpreter, which may replace the text.
+char **vesk_homedir_address();
+void vesk_set_homedir(const char *directory);
+#endif
+
+#endif
