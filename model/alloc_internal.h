@@ -1,0 +1,26 @@
+#ifndef VESK_MODEL_ALLOC_INTERNAL_H
+#define VESK_MODEL_ALLOC_INTERNAL_H
+
+#include "model/alloc.h"
+
+#include <cstddef>
+#include <string_view>
+
+// Asks for guarded blocks (`tracking`), and for a console line for each block besides (`debug`).
+// Takes effect only before the first allocation: from then on the mode is fixed for the run, since
+// a block taken in one mode and freed in the other would be misread.
+void alloc_set_mode(bool debug, bool tracking);
+// Bytes in live blocks; counted in guarded mode only, else 0.
+long long alloc_total();
+// What the process holds, for "memory used": from the allocator, else from the system.
+std::size_t alloc_process_bytes();
+// A test sets the mode at will; the blocks it takes it must free before it sets another.
+void alloc_set_mode_for_test(bool debug, bool tracking);
+
+// Texts of records: owned copies from myalloc; a null text stays null.
+char *text_copy(const char *text);
+char *text_copy(std::string_view text);
+// Frees the text at `slot` and stores a copy of `text` there.
+void text_set(char **slot, const char *text);
+
+#endif

@@ -1,0 +1,50 @@
+#ifndef VESK_MODEL_CHANGE_MARKS_H
+#define VESK_MODEL_CHANGE_MARKS_H
+
+// Every object has a stamp and marks for what changed since its flat mesh was built. Whoever
+// changes an object through anything but the functions that say they do it, marks it. Foreign code
+// (plug-ins, replaced handlers) cannot be trusted to: when it returns, every object is made
+// suspect, and a suspect object is compared once with its flat mesh and then marked exactly.
+
+#include "model/object.h"
+
+#include <cstdint>
+
+enum change_aspect : unsigned {
+    CHANGED_POSITIONS = 1,
+    CHANGED_TOPOLOGY = 2, // vertices or surfaces came or went, corners changed
+    CHANGED_TEXTURE_COORDS = 4,
+    CHANGED_ATTRIBUTES = 8, // material, type, shading, sides of surfaces
+    CHANGED_NORMALS = 16,   // of vertices and surfaces
+    CHANGED_RECORD = 32,    // name, texts, texture, frame, flags, properties of the object itself
+    CHANGED_GEOMETRY = 31,
+    CHANGED_ALL = 63
+};
+
+// The object differs from its flat mesh in these aspects. Cheap: may be called for every vertex.
+void object_mark(object_t *object, unsigned aspects);
+// The object and all its descendants.
+void object_mark_tree(object_t *top, unsigned aspects);
+// The tree's links changed (objects came, went or moved).
+void tree_mark();
+// Material values changed in place.
+void palette_mark();
+
+// Grows with every mark of the object; equal stamps mean an unchanged object. Compares a suspect
+// object first. 0 for an object that was never marked or built.
+std::uint64_t object_stamp(object_t *object);
+
+// Grow with every change: of anything in the model; of the tree, names and flags; of the palette.
+std::uint64_t model_change_count();
+std::uint64_t tree_change_count();
+std::uint64_t palette_change_count();
+
+// After foreign code.
+void mark_all_suspect();
+
+// Compares every object of the world with its flat mesh and prints those that changed without a
+// mark ("unmarked change in object '%s': %s, after %s"). Returns how many there are; they are
+// marked then. Builds with VESK_CHECK_MARKS run it after every command.
+int marks_check(const char *after);
+
+#endif

@@ -1,0 +1,77 @@
+#ifndef VESK_MODEL_FLAT_MESH_H
+#define VESK_MODEL_FLAT_MESH_H
+
+// The one immutable form of an object's geometry: separate shared arrays. Undo, drawing, picking,
+// exporters and operations take it from object_flat, which rebuilds only the arrays whose aspect
+// is marked: an array whose pointer is the same as before has not changed. It is the one reader of
+// raw lists: corners without a vertex, or with one of another object, are left out.
+
+#include "model/object.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+struct flat_uv {
+    float u, v;
+    bool operator==(const flat_uv &) const = default;
+};
+
+struct flat_surface {
+    std::int32_t material; // palette index as stored: may lie outside the palette
+    std::uint8_t type;     // SURFACE_POLYGON, ...
+    std::uint8_t smooth;   // 0 or 1
+    std::uint8_t twosided; // 0 or 1
+    std::uint8_t unused;
+    bool operator==(const flat_surface &) const = default;
+};
+
+template <class T>
+using flat_array = std::shared_ptr<const std::vector<T>>;
+
+struct flat_mesh {
+    // one element a vertex, in list order
+    flat_array<point3_t> positions;
+    flat_array<point3_t> normals;
+    // one element a surface, in list order
+    flat_array<point3_t> face_normals;
+    flat_array<flat_surface> surfaces;
+    // corners of surface i: corner_offsets[i] .. corner_offsets[i + 1] - 1
+    flat_array<std::int32_t> corner_offsets; // num_surfaces() + 1 elements
+    flat_array<std::int32_t> corners;        // vertex indices
+    flat_array<flat_uv> texture_coords;      // one a corner
+    // the live records; null in a copy that outlives them (without_records)
+    flat_array<vertex *> vertex_records;
+    flat_array<surface_t *> surface_records;
+    // of the object when this was built
+    std::uint64_t stamp = 0;
+
+    [[nodiscard]] int num_vertices() const { return static_cast<int>(positions->size()); }
+    [[nodiscard]] int num_surfaces() const { return static_cast<int>(surfaces->size()); }
+    [[nodiscard]] int num_corners() const { return static_cast<int>(corners->size()); }
+    // Vertex indices of one surface.
+    [[nodiscard]] std::span<const std::int32_t> surface_corners(int surface) const
+    {
+        const auto i = static_cast<std::size_t>(surface);
+        const auto begin = static_cast<std::size_t>((*corner_offsets)[i]);
+        const auto end = static_cast<std::size_t>((*corner_offsets)[i + 1]);
+        return {corners->data() + begin, end - begin};
+    }
+    [[nodiscard]] flat_mesh without_records() const;
+    [[nodiscard]] std::size_t bytes() const;
+};
+
+using flat_ptr = std::shared_ptr<const flat_mesh>;
+
+// The object's own geometry (not its children's); never null. Stays valid and unchanged for as
+// long as the pointer is held. An unchanged object costs a look-up.
+flat_ptr object_flat(object_t *object);
+
+// True when a flat mesh is kept and nothing is marked: object_flat would cost nothing.
+bool object_flat_is_current(const object_t *object);
+
+// Drops the kept flat meshes that nobody else holds, of all objects: to win memory.
+void flat_drop_unused();
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef VESK_MODEL_WORLD_CHECK_H
+#define VESK_MODEL_WORLD_CHECK_H
+
+// One walk of the world that repairs what faults and foreign code may leave behind, and says what
+// it found: counts that differ from their lists, cycles, wrong parents, null and shared records,
+// corners whose vertex belongs to no or another object. References held outside the scene
+// (selection, undo records) are then filtered against what lives.
+
+#include "model/object.h"
+
+#include <string>
+#include <vector>
+
+struct world_fault {
+    object_t *object;
+    std::string text; // "vertex count 7, list has 5"
+};
+
+// Repairs the tree below `top`; marks and announces what changed. Empty when all is well.
+std::vector<world_fault> world_check(object_t *top);
+
+#endif
