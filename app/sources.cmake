@@ -5,8 +5,10 @@ target_sources(vesk_core PRIVATE
     app/coor_display.cpp
     app/crash_guard.cpp
     app/current_file.cpp
+    app/entry_guard.cpp
     app/filename.cpp
     app/home.cpp
+    app/linked_vars.cpp
     app/messages.cpp
     app/numbers.cpp
     app/prefs.cpp
@@ -15,4 +17,5 @@ target_sources(vesk_core PRIVATE
     app/session_state.cpp
     app/tokens.cpp
     app/ui_port.cpp
+    app/version.cpp
 )

@@ -1,3 +1,8 @@
-# Files of view/: the core's first, then (where there are any) the shell's.
+# Files of view/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
+    view/camera.cpp
+    view/camera_eye.cpp
+    view/projection.cpp
+    view/redraw.cpp
+    view/views.cpp
 )

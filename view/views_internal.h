@@ -1,0 +1,50 @@
+#ifndef VESK_VIEW_VIEWS_INTERNAL_H
+#define VESK_VIEW_VIEWS_INTERNAL_H
+
+#include "view/views.h"
+
+// The screen axes of an orthographic view as indices of world axes.
+struct view_axes_t {
+    int horizontal, vertical, depth;
+};
+constexpr view_axes_t view_axes[3] = {{0, 1, 2}, {2, 1, 0}, {0, 2, 1}};
+
+// World axes on the screen: y grows upwards, x and z to the right or downwards.
+constexpr float axis_sign[3] = {1.0f, -1.0f, 1.0f};
+
+constexpr int num_views = 4;
+constexpr int orthographic_order[3] = {0, 2, 1}; // in which the views are zoomed, panned and fitted
+
+inline bool is_orthographic(int view) { return view >= 0 && view <= 2; }
+
+inline float axis_of(const point3_t &point, int axis)
+{
+    return axis == 0 ? point.x : axis == 1 ? point.y : point.z;
+}
+
+inline float &axis_of(point3_t &point, int axis)
+{
+    return axis == 0 ? point.x : axis == 1 ? point.y : point.z;
+}
+
+// Per view: names of the script's array element with the widget's path and of its kind.
+const char *view_short_name(int view); // "xy", "zy", "xz", "xyz"
+
+// Sizes the four windows as the preferences say; called before any window exists.
+void views_take_geometry_from_prefs();
+
+// The geometry table of a drawing window, as the toolkit reported it.
+void view_set_position(int view, int x, int y);
+
+// The drawing window that holds the pointer, and the one that was last made current for drawing.
+int view_under_pointer();
+void set_view_under_pointer(int view);
+int current_draw_win();
+void set_current_draw_win(int view);
+
+// The script variable that says which views are laid out, a text of the toolkit's allocator.
+char **views_viewsetting();
+
+void views_reset_for_test();
+
+#endif
