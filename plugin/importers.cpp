@@ -1,0 +1,210 @@
+#include "plugin/importers.h"
+
+#include "app/crash_guard.h"
+#include "app/filename.h"
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "edit/selection.h"
+#include "fileio/vesk_reader.h"
+#include "model/alloc.h"
+#include "model/change_marks.h"
+#include "model/each.h"
+#include "model/list.h"
+#include "model/object_tree.h"
+#include "model/text.h"
+#include "model/world.h"
+#include "plugin/dialogs.h"
+#include "view/fit.h"
+#include "view/redraw.h"
+
+#include <strings.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+listitem *importers = nullptr;
+
+vesk_importer_t *new_importer(const char *suffix, const char *description, vesk_import_func_t load,
+                              const char *info)
+{
+    auto *importer = static_cast<vesk_importer_t *>(myalloc(sizeof(vesk_importer_t)));
+    if (importer == nullptr)
+        return nullptr;
+    *importer = {text_copy(suffix), text_copy(description == nullptr ? "-" : description),
+                 text_copy(info == nullptr ? "-" : info), load};
+    return importer;
+}
+
+std::string known_formats()
+{
+    std::string text = "I can import these files:\n";
+    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
+        text += std::string(importer->suffix) + " (" + importer->description + ")\n";
+    return text;
+}
+
+// An importer may be a plug-in's: a fault in it costs a message, not the session.
+object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
+{
+    object_t *object = nullptr;
+    fault_t fault;
+    if (guarded_with_recovery([&] { object = importer->load(filename); }, &fault))
+        return object;
+    windows_message_dialog("The importer for %s files failed on %s\n%s", importer->suffix, filename,
+                           fault.kind == fault_t::CODE ? vesk_exception_get_message(fault.code)
+                                                       : fault.what.c_str());
+    return nullptr;
+}
+
+void adopt_children(object_t *container)
+{
+    const owned_list children(list_clone(container->children)); // the list changes on the way
+    for (object_t *child : each<object_t>(children.get())) {
+        object_reparent(child, vesk_get_world());
+        select_object(child);
+    }
+    // The container itself stays as it is; nothing refers to it any more.
+    object_free(container);
+}
+
+} // namespace
+
+vesk_importer_t *vesk_register_file_importer(const char *suffix, const char *description,
+                                             vesk_import_func_t load, const char *info)
+{
+    vesk_importer_t *importer = new_importer(suffix, description, load, info);
+    if (importer != nullptr)
+        list_add_item(&importers, importer);
+    return importer;
+}
+
+vesk_importer_t *vesk_replace_importer_function(const char *suffix, vesk_import_func_t load)
+{
+    for (vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
+        if (strcasecmp(importer->suffix, suffix) == 0) {
+            importer->load = load;
+            return importer;
+        }
+    }
+    return nullptr;
+}
+
+vesk_importer_t *vesk_get_file_importer_by_suffix(const char *suffix)
+{
+    for (vesk_importer_t *importer : each<vesk_importer_t>(importers))
+        if (strcasecmp(importer->suffix, suffix) == 0)
+            return importer;
+    for (vesk_importer_t *importer : each<vesk_importer_t>(importers))
+        if (std::strstr(importer->suffix, suffix) != nullptr)
+            return importer;
+    return nullptr;
+}
+
+char *vesk_get_all_importer_info(void)
+{
+    std::string text = "Importers:\n\n";
+    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
+        text += std::string(importer->suffix) + "\t\t" + importer->description + "\t\t" +
+                importer->info + "\n";
+    return text_copy(text.c_str());
+}
+
+object_t *vesk_import_file(const char *filename)
+{
+    const char *suffix = string_get_suffix(filename);
+    if (suffix == nullptr) {
+        windows_message_dialog(
+            "import file: I need a filename with a suffix (e.g. file.vesk) - got '%s'", filename);
+        return nullptr;
+    }
+    const vesk_importer_t *importer = vesk_get_file_importer_by_suffix(suffix);
+    if (importer == nullptr) {
+        windows_message_dialog("Sorry, there is no geometry importer for %s files\n%s", suffix,
+                               known_formats().c_str());
+        return nullptr;
+    }
+    return load_guarded(importer, filename);
+}
+
+int world_adopt_import(object_t *object)
+{
+    if (object == nullptr)
+        return 0;
+    clear_selection();
+    if (object->type == OBJECT_WORLD) {
+        adopt_children(object);
+    } else {
+        object_add_child(vesk_get_world(), object);
+        select_object(object);
+    }
+    find_bounding_box();
+    if (prefs.fit_view_after_load != 0) {
+        fit_selected_all();
+        redraw_3d();
+    } else {
+        redraw_all();
+    }
+    display_status();
+    return 1;
+}
+
+int vesk_world_import_file(const char *filename)
+{
+    return world_adopt_import(vesk_import_file(filename));
+}
+
+void command_load_vesk(const char *filename)
+{
+    static_cast<void>(world_adopt_import(vesk_import_vesk(filename)));
+}
+
+const char *vesk_file_select_import_name(const char *title)
+{
+    std::string all_suffixes;
+    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
+        all_suffixes += std::string(importer->suffix) + " ";
+    std::vector<const char *> filters = {"Geometry files", all_suffixes.c_str()};
+    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
+        filters.insert(filters.end(), {importer->description, importer->suffix});
+    filters.insert(filters.end(), {"All files", "*", nullptr});
+    return vesk_get_import_filename(title, filters.data());
+}
+
+const char *vesk_file_select_import(const char *title)
+{
+    const char *name = vesk_file_select_import_name(title);
+    if (name == nullptr || name[0] == '\0')
+        return name;
+    static std::string kept; // the load lets scripts run, which replace the interpreter's result
+    kept = name;
+    vesk_world_import_file(kept.c_str());
+    return kept.c_str();
+}
+
+void vesk_register_internal_file_importers(void)
+{
+    struct row_t {
+        const char *suffix, *description;
+        vesk_import_func_t load;
+    };
+    static const row_t rows[] = {
+        {".vesk", "VESK files", vesk_import_vesk},
+    };
+    for (const row_t &row : rows)
+        vesk_register_file_importer(row.suffix, row.description, row.load,
+                                    "internal importer, version 3.6");
+}
+
+void importers_reset_for_test()
+{
+    for (vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
+        myfree(importer->suffix);
+        myfree(importer->description);
+        myfree(importer->info);
+        myfree(importer);
+    }
+    list_free(&importers);
+}
