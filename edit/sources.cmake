@@ -1,3 +1,10 @@
-# Files of edit/: the core's first, then (where there are any) the shell's.
+# Files of edit/.
 target_sources(vesk_core PRIVATE
+    edit/current_object.cpp
+    edit/modes.cpp
+    edit/primitives.cpp
+    edit/selection.cpp
+    edit/selection_scan.cpp
+    edit/transform.cpp
+    edit/undo.cpp
 )

@@ -1,3 +1,6 @@
-# Files of plugin/: the core's first, then (where there are any) the shell's.
+# Files of plugin/.
 target_sources(vesk_core PRIVATE
+    plugin/dialogs.cpp
+    plugin/importers.cpp
+    plugin/loader.cpp
 )

@@ -1,0 +1,15 @@
+#ifndef VESK_EDIT_CURRENT_OBJECT_H
+#define VESK_EDIT_CURRENT_OBJECT_H
+
+#include "app/types.h"
+
+VESK_BEGIN_DECLS
+
+/* Texts of the current object (the one that is selected alone); nothing without one. */
+VESK_API void set_current_object_name(const char *name);
+VESK_API void set_current_object_url(const char *url);
+VESK_API void set_current_object_data(const char *data);
+
+VESK_END_DECLS
+
+#endif

@@ -1,0 +1,352 @@
+#include "edit/transform.h"
+
+#include "app/messages.h"
+#include "edit/selection_internal.h"
+#include "edit/selection_scan.h"
+#include "edit/undo.h"
+#include "model/change_marks.h"
+#include "model/matrix.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/vector.h"
+#include "view/redraw.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr float pi = 3.1415927f;
+
+float radians(float degrees) { return degrees * pi / 180.0f; }
+
+void multiply(point3_t *p, const point3_t &factors)
+{
+    p->x *= factors.x;
+    p->y *= factors.y;
+    p->z *= factors.z;
+}
+
+// The selected vertices and those of the selected surfaces: every selected vertex once as such, and
+// once as part of a surface (the two lists are never filled together).
+struct selected_points_t {
+    std::vector<vertex *> vertices;
+    std::vector<vertex *> of_surfaces;
+    std::vector<object_t *> owners; // of all of them: to be marked
+
+    selected_points_t()
+    {
+        const selection_t &all = selection();
+        append_elements(all.vertices, &vertices);
+        const owned_list unique(selected_surfaces_get_unique_vertices());
+        append_elements(unique.get(), &of_surfaces);
+        if (vertices.empty() && of_surfaces.empty())
+            return;
+        owners = owners_of_vertices(vertices);
+        const std::vector<object_t *> more = owners_of_vertices(of_surfaces);
+        owners.insert(owners.end(), more.begin(), more.end());
+        std::erase(owners, nullptr);
+        owners = unique_objects(owners);
+    }
+
+    // Changes every point and marks whose it is.
+    template <class Change> void change(Change &&change_point) const
+    {
+        for (vertex *v : vertices)
+            change_point(&v->position);
+        for (vertex *v : of_surfaces)
+            change_point(&v->position);
+        for (object_t *owner : owners)
+            object_mark(owner, CHANGED_POSITIONS);
+    }
+};
+
+// Points, then objects by `change_object`.
+template <class ChangePoint, class ChangeObject>
+void change_selected(const selected_points_t &points, ChangePoint &&change_point,
+                     ChangeObject &&change_object)
+{
+    points.change(change_point);
+    for (object_t *object : each<object_t>(selection().objects))
+        change_object(object);
+}
+
+void translate_selected(const selected_points_t &points, const point3_t &offset)
+{
+    change_selected(
+        points, [&](point3_t *p) { *p = point_add(*p, offset); },
+        [&](object_t *object) { translate_object(object, &offset); });
+}
+
+point3_t negated(const point3_t &p) { return {-p.x, -p.y, -p.z}; }
+
+// Deliberate: corner A plus half the absolute size.
+point3_t rotation_centre()
+{
+    const selection_t &all = selection();
+    const point3_t &a = all.box_min;
+    const point3_t &b = all.box_max;
+    return {a.x + std::fabs((b.x - a.x) / 2), a.y + std::fabs((b.y - a.y) / 2),
+            a.z + std::fabs((b.z - a.z) / 2)};
+}
+
+void finish_rotation()
+{
+    selected_calc_normals();
+    find_bounding_box();
+    display_status();
+}
+
+} // namespace
+
+// ---- objects ----
+
+void translate_object_only(object_t *object, const point3_t *offset)
+{
+    object->centre = point_add(object->centre, *offset);
+    for (vertex *v : each<vertex>(object->vertices))
+        v->position = point_add(v->position, *offset);
+    object_mark(object, CHANGED_POSITIONS | CHANGED_RECORD);
+}
+
+void translate_object(object_t *object, const point3_t *offset)
+{
+    for_each_object(object, [&](object_t *o) { translate_object_only(o, offset); });
+}
+
+void translate_objectlist(const listitem *objects, const point3_t *offset)
+{
+    for (object_t *object : each<object_t>(objects))
+        translate_object(object, offset);
+}
+
+void translate_object_abs(object_t *object, const point3_t *point)
+{
+    const point3_t offset = point_sub(*point, object->centre);
+    translate_object(object, &offset);
+}
+
+void rotate_object(object_t *object)
+{
+    for_each_object(object, [](object_t *o) {
+        rotate_point_3d(&o->centre);
+        float turned[9];
+        matrix_multiply(global_matrix(), o->rotation, turned); // m := m x G
+        matrix_copy(turned, o->rotation);
+        for (vertex *v : each<vertex>(o->vertices))
+            rotate_point_3d(&v->position);
+        object_mark(o, CHANGED_POSITIONS | CHANGED_RECORD);
+    });
+}
+
+void object_scale(object_t *object, float sx, float sy, float sz)
+{
+    const point3_t factors = {sx, sy, sz};
+    for_each_object(object, [&](object_t *o) {
+        multiply(&o->centre, factors);
+        for (vertex *v : each<vertex>(o->vertices))
+            multiply(&v->position, factors);
+        object_mark(o, CHANGED_POSITIONS | CHANGED_RECORD);
+    });
+}
+
+// ---- the selection ----
+
+listitem *selected_surfaces_get_unique_vertices(void)
+{
+    std::vector<vertex *> vertices;
+    for (const surface_t *surface : each<surface_t>(selection().surfaces))
+        append_surface_vertices(surface, &vertices);
+    listitem *list = nullptr;
+    add_unique(&list, vertices);
+    return list;
+}
+
+void translate_all_selected(const point3_t *offset)
+{
+    translate_selected(selected_points_t(), *offset);
+}
+
+void move_selection(const point3_t *offset)
+{
+    selection_t &all = selection();
+    translate_all_selected(offset);
+    all.box_min = point_add(all.box_min, *offset);
+    all.box_max = point_add(all.box_max, *offset);
+    if (all.num_objects == 0)
+        selected_calc_normals();
+    recalc_bb_info();
+    display_status();
+}
+
+void translate_multiply_selected(const point3_t *first, const point3_t *factors,
+                                 const point3_t *second)
+{
+    const selected_points_t points;
+    translate_selected(points, *first);
+    change_selected(
+        points, [&](point3_t *p) { multiply(p, *factors); },
+        [&](object_t *object) { object_scale(object, factors->x, factors->y, factors->z); });
+    translate_selected(points, *second);
+}
+
+void rotate_selected_with_global_matrix(const point3_t *centre)
+{
+    const selection_t &all = selection();
+    if (centre == nullptr && all.box_valid == 0)
+        return;
+    const point3_t middle = centre == nullptr ? rotation_centre() : *centre;
+    const selected_points_t points;
+    translate_selected(points, negated(middle));
+    change_selected(points, rotate_point_3d, rotate_object);
+    translate_selected(points, middle);
+}
+
+void rotate_selection(float rx, float ry, float rz)
+{
+    set_global_matrix_rotate(radians(rx), radians(ry), radians(rz));
+    rotate_selected_with_global_matrix(nullptr);
+    finish_rotation();
+}
+
+void rotate_selection_about(float rx, float ry, float rz, const point3_t *centre)
+{
+    set_global_matrix_rotate(radians(rx), radians(ry), radians(rz));
+    rotate_selected_with_global_matrix(centre);
+    finish_rotation();
+}
+
+void rotate_selection_axis_angle(int axis, float degrees)
+{
+    rotate_selection(axis == 0 ? degrees : 0.0f, axis == 1 ? degrees : 0.0f,
+                     axis == 2 ? degrees : 0.0f);
+}
+
+void rotate_selected(float degrees, int view, const point3_t *centre)
+{
+    display_message("rotating...");
+    const float a = radians(degrees);
+    // Deliberate: the signs differ between the views.
+    set_global_matrix_rotate(view == VIEW_ZY ? a : 0.0f, view == VIEW_XZ ? -a : 0.0f,
+                             view == VIEW_XY ? -a : 0.0f);
+    rotate_selected_with_global_matrix(centre);
+    finish_rotation();
+    display_message("rotation done");
+}
+
+void find_box_centre(const point3_t *a, const point3_t *b, point3_t *out)
+{
+    *out = {a->x + (b->x - a->x) / 2, a->y + (b->y - a->y) / 2, a->z + (b->z - a->z) / 2};
+}
+
+void scale_selection(float sx, float sy, float sz)
+{
+    const selection_t &all = selection();
+    point3_t centre;
+    find_box_centre(&all.box_min, &all.box_max, &centre);
+    const point3_t back = negated(centre);
+    const point3_t factors = {sx, sy, sz};
+    translate_multiply_selected(&back, &factors, &centre);
+    selected_calc_normals();
+    find_bounding_box();
+}
+
+void selected_calc_normals(void)
+{
+    const selection_t &all = selection();
+    if (all.objects != nullptr)
+        objectlist_calc_normals(all.objects);
+    if (all.vertices == nullptr && all.surfaces == nullptr)
+        return;
+    for (object_t *owner : selected_points_t().owners)
+        object_calc_normals(owner);
+}
+
+// ---- commands ----
+
+void move_selection_f(float x, float y, float z)
+{
+    const point3_t offset = {x, y, z};
+    if (nothing_is_selected() == 0)
+        move_selection(&offset);
+    redraw_all();
+}
+
+void selection_move_to_f(float x, float y, float z)
+{
+    const selection_t &all = selection();
+    if (all.box_valid == 0)
+        return;
+    const point3_t offset = {x - all.box_centre.x, y - all.box_centre.y, z - all.box_centre.z};
+    new_undo(UNDO_MOVE, "move to");
+    set_undo_vert(offset.x, offset.y, offset.z);
+    move_selection(&offset);
+    redraw_all();
+}
+
+void rotate_selection_f(float rx, float ry, float rz)
+{
+    rotate_selection(rx, ry, rz);
+    redraw_all();
+}
+
+void rotate_selection_about_f(float rx, float ry, float rz, float x, float y, float z)
+{
+    const point3_t centre = {x, y, z};
+    rotate_selection_about(rx, ry, rz, &centre);
+    redraw_all();
+}
+
+void selection_rotate_axis_angle(float axis, float degrees)
+{
+    rotate_selection_axis_angle(static_cast<int>(axis), degrees);
+    redraw_all();
+}
+
+void selected_scale(float sx, float sy, float sz)
+{
+    if (selection().box_valid == 0)
+        return;
+    new_undo(UNDO_SCALE, "size selection");
+    const auto reciprocal = [](float s) { return s == 0.0f ? 1.0f : 1.0f / s; };
+    set_undo_vert(reciprocal(sx), reciprocal(sy), reciprocal(sz));
+    scale_selection(sx, sy, sz);
+    redraw_all();
+    display_status();
+}
+
+void selection_size_to(const point3_t *size)
+{
+    const selection_t &all = selection();
+    if (all.box_valid == 0)
+        return;
+    const auto factor = [](float wanted, float now) {
+        return now > 0.0f && wanted >= 0.0f ? wanted / now : 1.0f;
+    };
+    selected_scale(factor(size->x, all.box_size.x), factor(size->y, all.box_size.y),
+                   factor(size->z, all.box_size.z));
+}
+
+void selection_size_to_f(float x, float y, float z)
+{
+    const point3_t size = {x, y, z};
+    selection_size_to(&size);
+}
+
+void mirror_selected(int axis)
+{
+    const selection_t &all = selection();
+    if (all.box_valid != 0) {
+        const float a[3] = {all.box_min.x, all.box_min.y, all.box_min.z};
+        const float b[3] = {all.box_max.x, all.box_max.y, all.box_max.z};
+        const auto on_axis = [&](int i, float value, float otherwise) {
+            return axis == i ? value : otherwise;
+        };
+        const point3_t first = {on_axis(0, -a[0], 0), on_axis(1, -a[1], 0), on_axis(2, -a[2], 0)};
+        const point3_t factors = {on_axis(0, -1, 1), on_axis(1, -1, 1), on_axis(2, -1, 1)};
+        const point3_t second = {on_axis(0, b[0], 0), on_axis(1, b[1], 0), on_axis(2, b[2], 0)};
+        translate_multiply_selected(&first, &factors, &second);
+    }
+    selected_calc_normals();
+    find_bounding_box();
+    redraw_all();
+}
