@@ -35,7 +35,7 @@ point3_t on_plane(int plane, float first, float second, float depth)
 
 // Vertices and surfaces of a filler, appended to the object with the last node in hand.
 class filler_t {
-  public:
+public:
     explicit filler_t(object_t *filled) : object(filled) {}
 
     vertex *add_vertex(const point3_t &p)
@@ -54,7 +54,7 @@ class filler_t {
     }
     void finish() { object_calc_normals_force(object); }
 
-  private:
+private:
     object_t *object;
 };
 
@@ -63,7 +63,8 @@ struct corner_t {
     float u, v;
 };
 
-template <size_t N> void add_corners(surface_t *surface, const std::array<corner_t, N> &corners)
+template <size_t N>
+void add_corners(surface_t *surface, const std::array<corner_t, N> &corners)
 {
     for (const corner_t &corner : corners)
         surface_add_vertex(surface, corner.point, corner.u, corner.v);
@@ -121,8 +122,8 @@ void object_add_cube_view(object_t *object, float width, float height, float dep
     filler_t filler(object);
     vertex *p[8];
     for (int i = 0; i < 8; ++i)
-        p[i] = filler.add_vertex({signs[i][0] * width / 2, signs[i][1] * height / 2,
-                                  signs[i][2] * depth / 2});
+        p[i] = filler.add_vertex(
+            {signs[i][0] * width / 2, signs[i][1] * height / 2, signs[i][2] * depth / 2});
     for (const auto &face : faces) {
         surface_t *surface = new_surface();
         object_add_surface(object, surface);
@@ -152,11 +153,11 @@ void object_add_sphere_view(object_t *object, float radius)
             add_sphere_cell(filler, corner(i, j), corner(i + 1, j), corner(i + 1, j + 1),
                             corner(i, j + 1), (i + j) % 2 == 0);
     for (int j = 0; j < n; ++j)
-        add_corners(filler.add_surface(true), std::array{corner(0, j), corner(1, j),
-                                                         corner(1, j + 1)});
+        add_corners(filler.add_surface(true),
+                    std::array{corner(0, j), corner(1, j), corner(1, j + 1)});
     for (int j = 0; j < n; ++j)
-        add_corners(filler.add_surface(true), std::array{corner(n, j + 1), corner(n - 1, j + 1),
-                                                         corner(n - 1, j)});
+        add_corners(filler.add_surface(true),
+                    std::array{corner(n, j + 1), corner(n - 1, j + 1), corner(n - 1, j)});
     filler.finish();
 }
 
@@ -221,9 +222,9 @@ void object_add_disk_view(object_t *object, int plane, float radius_a, float rad
     for (size_t k = 0; k < rim.size(); ++k) {
         surface_t *surface = new_surface();
         object_add_surface(object, surface);
-        add_corners(surface, std::array<corner_t, 3>{{{rim[k], 0, 0},
-                                                      {rim[(k + 1) % rim.size()], 0, 0},
-                                                      {centre, 0, 0}}});
+        add_corners(surface,
+                    std::array<corner_t, 3>{
+                        {{rim[k], 0, 0}, {rim[(k + 1) % rim.size()], 0, 0}, {centre, 0, 0}}});
     }
     filler.finish();
 }

@@ -1,7 +1,6 @@
-#include "edit/selection_internal.h"
-
 #include "app/coor_display.h"
 #include "app/messages_internal.h"
+#include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
 #include "model/alloc.h"
 #include "model/bounds.h"
@@ -52,7 +51,8 @@ bool selectable(const object_t *object) { return object->visible != 0 && object-
 // ---- the object rule ----
 
 // Calls visit(object) for `top` and its descendants, not below those for which it is false.
-template <class Visit> void walk_while(object_t *top, Visit &&visit)
+template <class Visit>
+void walk_while(object_t *top, Visit &&visit)
 {
     std::vector<object_t *> stack = {top};
     while (!stack.empty()) {
@@ -475,8 +475,8 @@ void find_bounding_box(void)
         bounds_add(high, &all.box_min, &all.box_max);
     }
     // A box of coordinates that are no numbers is none.
-    all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x && all.box_min.y <= all.box_max.y &&
-                            all.box_min.z <= all.box_max.z
+    all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x &&
+                            all.box_min.y <= all.box_max.y && all.box_min.z <= all.box_max.z
                         ? 1
                         : 0;
     recalc_bb_info();
@@ -490,8 +490,7 @@ void recalc_bb_info(void)
     const point3_t &a = all.box_min;
     const point3_t &b = all.box_max;
     all.box_size = {b.x - a.x, b.y - a.y, b.z - a.z};
-    all.box_centre = {a.x + all.box_size.x / 2, a.y + all.box_size.y / 2,
-                      a.z + all.box_size.z / 2};
+    all.box_centre = {a.x + all.box_size.x / 2, a.y + all.box_size.y / 2, a.z + all.box_size.z / 2};
     show_coors_and_dim(&all.box_centre, &a, &b);
 }
 

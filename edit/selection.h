@@ -12,7 +12,7 @@ VESK_BEGIN_DECLS
 
 enum { SELECT_TREE = 0, SELECT_OBJECT, SELECT_SURFACE, SELECT_VERTEX, SELECT_LIGHT };
 
-typedef struct selection {
+typedef struct selection_record {
     listitem *vertices; /* of vertex */
     listitem *surfaces; /* of surface_t */
     listitem *objects;  /* of object_t */

@@ -15,8 +15,8 @@ struct saved_selection_t {
     listitem *objects = nullptr;
     int mode = SELECT_TREE;
 };
-saved_selection_t selection_take();  // the live selection is empty afterwards
-saved_selection_t selection_clone(); // new nodes
+saved_selection_t selection_take();               // the live selection is empty afterwards
+saved_selection_t selection_clone();              // new nodes
 void selection_restore(saved_selection_t *saved); // gives its lists up, sets mode and counts
 void selection_free(saved_selection_t *saved);
 

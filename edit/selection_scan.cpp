@@ -11,14 +11,16 @@ namespace {
 
 // Numbers the elements from 0 by their place; is_in then tells membership whatever stands in the
 // scratch words of others.
-template <class T> void number_all(const std::vector<T *> &elements)
+template <class T>
+void number_all(const std::vector<T *> &elements)
 {
     uint32_t number = 0;
     for (T *element : elements)
         set_scratch(element, number++);
 }
 
-template <class T> bool is_in(const std::vector<T *> &elements, const T *element)
+template <class T>
+bool is_in(const std::vector<T *> &elements, const T *element)
 {
     const uint32_t number = scratch(element);
     return number < elements.size() && elements[number] == element;

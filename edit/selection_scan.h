@@ -9,13 +9,15 @@
 
 #include <vector>
 
-template <class T> void append_elements(const listitem *head, std::vector<T *> *out)
+template <class T>
+void append_elements(const listitem *head, std::vector<T *> *out)
 {
     for (T *element : each<T>(head))
         out->push_back(element);
 }
 
-template <class T> std::vector<T *> elements_of(const listitem *head)
+template <class T>
+std::vector<T *> elements_of(const listitem *head)
 {
     std::vector<T *> elements;
     append_elements(head, &elements);
@@ -34,7 +36,8 @@ inline void set_scratch(object_t *o, uint32_t value) { o->extra_word2 = static_c
 
 // Appends those elements that the list does not hold yet, each once, in order. Linear. Returns how
 // many were added.
-template <class T> int add_unique(listitem **head, const std::vector<T *> &elements)
+template <class T>
+int add_unique(listitem **head, const std::vector<T *> &elements)
 {
     if (elements.empty())
         return 0;

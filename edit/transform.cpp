@@ -49,7 +49,8 @@ struct selected_points_t {
     }
 
     // Changes every point and marks whose it is.
-    template <class Change> void change(Change &&change_point) const
+    template <class Change>
+    void change(Change &&change_point) const
     {
         for (vertex *v : vertices)
             change_point(&v->position);

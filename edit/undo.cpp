@@ -76,7 +76,8 @@ void drop_newest()
 }
 
 // Runs `change` on what was selected when the record was made; the live selection comes back.
-template <class Change> void on_saved_selection(undo_record &record, Change &&change)
+template <class Change>
+void on_saved_selection(undo_record &record, Change &&change)
 {
     saved_selection_t live = selection_take();
     const int mode = select_mode();
@@ -135,8 +136,8 @@ const kind_row_t kinds[] = {
 
 const kind_row_t *row_of(int kind)
 {
-    const auto *found =
-        std::find_if(std::begin(kinds), std::end(kinds), [&](const auto &r) { return r.kind == kind; });
+    const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
+                                     [&](const auto &r) { return r.kind == kind; });
     return found == std::end(kinds) ? nullptr : found;
 }
 

@@ -11,11 +11,7 @@ VESK_BEGIN_DECLS
    kept; with undo_levels 0 nothing is recorded. */
 
 /* Kinds of records. */
-enum {
-    UNDO_SELECTION = 4,
-    UNDO_MOVE = 8,
-    UNDO_SCALE = 0x40000
-};
+enum { UNDO_SELECTION = 4, UNDO_MOVE = 8, UNDO_SCALE = 0x40000 };
 
 /* Opens a record with a copy of the description; the oldest goes when there are too many. */
 VESK_API void new_undo(int kind, const char *description);

@@ -8,27 +8,25 @@
 
 namespace {
 
-// A script that waits for the user lets events in: what edits meanwhile is refused.
-template <class... A> const char *ask(const char *format, A... arguments)
+// Calls one of the scripts' dialog procedures. It waits for the user and so lets events in: what
+// edits meanwhile is refused.
+const char *ask(const char *procedure, const char *title, const char *const *filters)
 {
+    const char *filter_text = vesk_filter_array_to_string(filters);
     pump_begin();
-    const char *answer = script_call(format, arguments...);
+    const char *answer = script_call("%s \"%s\" \"%s\"", procedure, title, filter_text);
     pump_end();
     return answer;
 }
 
 } // namespace
 
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-
 const char *vesk_filter_array_to_string(const char *const *filters)
 {
     static std::string text;
     text.clear();
     for (const char *const *p = filters; *p != nullptr; p += 2) {
-        std::string patterns;
-        for (const char *c = p[1]; *c != '\0'; ++c)
-            patterns += *c;
+        std::string patterns = p[1];
         while (!patterns.empty() && patterns.back() == ' ')
             patterns.pop_back();
         if (!text.empty())
@@ -41,32 +39,35 @@ const char *vesk_filter_array_to_string(const char *const *filters)
 
 const char *vesk_get_open_texturefilename(const char *title, const char *const *filters)
 {
-    return ask("get_opentexturename \"%s\" \"%s\"", title, vesk_filter_array_to_string(filters));
+    return ask("get_opentexturename", title, filters);
 }
 
 const char *vesk_get_load_filename(const char *title, const char *const *filters)
 {
-    return ask("get_loadfilename \"%s\" \"%s\"", title, vesk_filter_array_to_string(filters));
+    return ask("get_loadfilename", title, filters);
 }
 
 const char *vesk_get_import_filename(const char *title, const char *const *filters)
 {
-    return ask("get_importfilename \"%s\" \"%s\"", title, vesk_filter_array_to_string(filters));
+    return ask("get_importfilename", title, filters);
 }
 
 const char *vesk_get_save_filename(const char *title, const char *const *filters)
 {
     tcl_command("set fsBox(currentfilter) 0");
-    return ask("get_savefilename \"%s\" \"%s\"", title, vesk_filter_array_to_string(filters));
+    return ask("get_savefilename", title, filters);
 }
 
 const char *vesk_get_export_filename(const char *title, const char *const *filters)
 {
     tcl_command("set fsBox(currentfilter) 0");
-    return ask("get_exportfilename \"%s\" \"%s\"", title, vesk_filter_array_to_string(filters));
+    return ask("get_exportfilename", title, filters);
 }
 
 const char *vesk_get_export_folder(const char *title)
 {
-    return ask("get_exportfolder \"%s\"", title);
+    pump_begin();
+    const char *answer = script_call("get_exportfolder \"%s\"", title);
+    pump_end();
+    return answer;
 }

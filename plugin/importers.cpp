@@ -6,21 +6,19 @@
 #include "app/prefs.h"
 #include "edit/selection.h"
 #include "fileio/vesk_reader.h"
-#include "model/alloc.h"
+#include "model/alloc_internal.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/list.h"
 #include "model/object_tree.h"
-#include "model/text.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
 #include "view/fit.h"
 #include "view/redraw.h"
 
-#include <strings.h>
-
 #include <cstring>
 #include <string>
+#include <strings.h>
 #include <vector>
 
 namespace {

@@ -6,11 +6,10 @@
 #include "app/messages_internal.h"
 #include "model/change_marks.h"
 
-#include <dirent.h>
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cstring>
+#include <dirent.h>
+#include <dlfcn.h>
 #include <string>
 #include <vector>
 
@@ -33,18 +32,20 @@ void tell_error(const char *path, const std::string &text)
     windows_message_dialog("Error loading plugin - %s\n%s", path, text.c_str());
 }
 
-template <class F> bool find_entry(const plugin_t &plugin, const char *name, F *function)
+template <class F>
+bool find_entry(const plugin_t &plugin, const char *name, F *function)
 {
     *function = reinterpret_cast<F>(dlsym(plugin.library, name));
     return *function != nullptr;
 }
 
 // A call into a plug-in; after it the scene may have changed in any way.
-template <class F> bool call_guarded(const plugin_t &plugin, const char *what, F &&function)
+template <class F>
+bool call_guarded(const plugin_t &plugin, const char *what, F &&function)
 {
     fault_t fault;
     const bool whole = guarded_with_recovery(function, &fault);
-    model_suspect_all();
+    mark_all_suspect();
     if (!whole)
         tell_error(plugin.path.c_str(),
                    std::string("fault in ") + what + ": " +
@@ -90,8 +91,7 @@ bool initialise(const plugin_t &plugin)
     if (!call_guarded(plugin, "VESKPluginInit", [&] { result = plugin.init(); }))
         return false;
     if (result == 0)
-        tell_error(plugin.path.c_str(),
-                   "Initialisation of plugin " + plugin.path + " failed\n");
+        tell_error(plugin.path.c_str(), "Initialisation of plugin " + plugin.path + " failed\n");
     return result != 0;
 }
 
@@ -99,8 +99,7 @@ bool initialise(const plugin_t &plugin)
 
 void load_all_plugins(void)
 {
-    const std::string folder =
-        vesk_filename_concat_path_file(vesk_get_vesk_homedir(), "plugins");
+    const std::string folder = vesk_filename_concat_path_file(vesk_get_vesk_homedir(), "plugins");
     debugf("Loading plugins from: %s\n", folder.c_str());
     std::vector<std::string> names;
     if (DIR *directory = opendir(folder.c_str())) {
