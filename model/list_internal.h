@@ -6,7 +6,6 @@
 // list_add_item remembers the last node of some 256 lists by their first node, and walks on from
 // there. Our own code that cuts a list by hand, or turns nodes round, calls this with its head.
 void list_forget_tail(const listitem *head);
-void list_forget_all_tails();
 // For myfree: a block that goes may be a node that is remembered.
 void list_block_freed(const void *block);
 

@@ -47,11 +47,4 @@ VESK_API void create_palette(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
-// Appends that follow are not told one by one but once at the end: the reader's way of adding many.
-// An entry is found through a hash of its hundredths, so that adding many is no quadratic work.
-void palette_reset_for_test();
-int palette_capacity();
-#endif
-
 #endif

@@ -13,4 +13,8 @@ VESK_API object_t *vesk_get_world(void);
 
 VESK_END_DECLS
 
+#ifdef __cplusplus
+void world_reset_for_test();
+#endif
+
 #endif

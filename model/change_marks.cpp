@@ -1,0 +1,238 @@
+#include "app/messages_internal.h"
+#include "model/change_marks_internal.h"
+#include "model/each.h"
+#include "model/property.h"
+#include "model/world.h"
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace {
+
+struct marks_record {
+    std::unordered_map<const object_t *, object_state> states;
+    const object_t *last = nullptr; // the object asked for last, and its state
+    object_state *last_state = nullptr;
+    std::uint64_t stamps = 0;
+    std::uint64_t model = 0;
+    std::uint64_t tree = 0;
+    std::uint64_t palette = 0;
+    std::uint64_t suspicion = 0; // counts mark_all_suspect
+};
+
+marks_record &record()
+{
+    static marks_record marks;
+    return marks;
+}
+
+class checksum {
+public:
+    void add(const void *bytes, std::size_t size)
+    {
+        const auto *p = static_cast<const unsigned char *>(bytes);
+        for (std::size_t i = 0; i < size; ++i)
+            sum_ = (sum_ ^ p[i]) * 0x100000001B3ULL;
+    }
+    void add(const char *text)
+    {
+        const std::string_view view = text ? std::string_view(text) : std::string_view("\1", 1);
+        add(view.data(), view.size());
+        add("", 1);
+    }
+    template <class T>
+    void value(const T &value)
+    {
+        add(&value, sizeof value);
+    }
+    [[nodiscard]] std::uint64_t sum() const { return sum_; }
+
+private:
+    std::uint64_t sum_ = 0xCBF29CE484222325ULL;
+};
+
+// Everything of the record but the geometry, with its place in the tree.
+std::uint64_t record_sum(const object_t *object)
+{
+    checksum sum;
+    sum.add(object->name);
+    sum.add(object->data);
+    sum.add(object->url);
+    sum.value(object->parent);
+    sum.value(object->has_texture);
+    sum.value(object->texture);
+    sum.value(object->texture_repeat_x);
+    sum.value(object->texture_repeat_y);
+    sum.value(object->texture_offset_x);
+    sum.value(object->texture_offset_y);
+    sum.value(object->centre);
+    sum.value(object->rotation);
+    sum.value(object->type);
+    sum.value(object->visible);
+    sum.value(object->locked);
+    for (const object_t *child : each<object_t>(object->children))
+        sum.value(child);
+    for (const vesk_prop_t *prop : each<vesk_prop_t>(object->properties)) {
+        sum.add(prop->name);
+        sum.add(prop->kind);
+        sum.add(prop->value);
+    }
+    return sum.sum();
+}
+
+void mark_state(object_state &state, unsigned aspects)
+{
+    marks_record &marks = record();
+    state.marks |= aspects;
+    state.stamp = ++marks.stamps;
+    ++marks.model;
+    if ((aspects & CHANGED_RECORD) != 0) {
+        ++marks.tree;
+        state.record_summed = false;
+    }
+}
+
+// What differs from what is known of the object: its flat mesh and the sum of its record.
+unsigned differences(const object_t *object, object_state &state)
+{
+    unsigned found = 0;
+    if (state.flat)
+        found = flat_compare(object, *state.flat) & ~state.marks;
+    if (state.record_summed && state.record_sum != record_sum(object))
+        found |= CHANGED_RECORD;
+    return found;
+}
+
+const char *aspect_names(unsigned aspects)
+{
+    static std::string text;
+    constexpr std::pair<unsigned, const char *> names[] = {
+        {CHANGED_POSITIONS, "positions"},
+        {CHANGED_TOPOLOGY, "topology"},
+        {CHANGED_TEXTURE_COORDS, "texture coordinates"},
+        {CHANGED_ATTRIBUTES, "attributes"},
+        {CHANGED_NORMALS, "normals"},
+        {CHANGED_RECORD, "record"},
+    };
+    text.clear();
+    for (const auto &[aspect, name] : names) {
+        if ((aspects & aspect) != 0)
+            text += (text.empty() ? "" : ", ") + std::string(name);
+    }
+    return text.c_str();
+}
+
+} // namespace
+
+void state_new(object_t *object)
+{
+    marks_record &marks = record();
+    object_state &state = marks.states[object];
+    state = {};
+    state.compared = marks.suspicion;
+    state.stamp = ++marks.stamps;
+    marks.last = object;
+    marks.last_state = &state;
+}
+
+void state_forget(const object_t *object)
+{
+    marks_record &marks = record();
+    if (marks.last == object)
+        marks.last = nullptr;
+    marks.states.erase(object);
+}
+
+bool state_is_alive(const object_t *object) { return record().states.count(object) != 0; }
+
+object_state &state_of(const object_t *object)
+{
+    marks_record &marks = record();
+    if (marks.last != object) {
+        marks.last_state = &marks.states[object];
+        marks.last = object;
+    }
+    return *marks.last_state;
+}
+
+void for_each_state(const std::function<void(const object_t *, object_state &)> &visit)
+{
+    for (auto &[object, state] : record().states)
+        visit(object, state);
+}
+
+void state_resolve(const object_t *object, object_state &state)
+{
+    if (state.compared == record().suspicion)
+        return;
+    state.compared = record().suspicion;
+    const unsigned found =
+        state.flat && state.record_summed
+            ? differences(object, state)
+            : static_cast<unsigned>(CHANGED_ALL); // nothing to compare with: taken as changed
+    if (found != 0)
+        mark_state(state, found);
+}
+
+void object_mark(object_t *object, unsigned aspects) { mark_state(state_of(object), aspects); }
+
+void object_mark_tree(object_t *top, unsigned aspects)
+{
+    for_each_object(top, [aspects](object_t *object) { object_mark(object, aspects); });
+}
+
+void tree_mark()
+{
+    ++record().tree;
+    ++record().model;
+}
+
+void palette_mark()
+{
+    ++record().palette;
+    ++record().model;
+}
+
+std::uint64_t object_stamp(object_t *object)
+{
+    object_state &state = state_of(object);
+    state_resolve(object, state);
+    if (!state.record_summed) {
+        state.record_sum = record_sum(object);
+        state.record_summed = true;
+    }
+    return state.stamp;
+}
+
+std::uint64_t model_change_count() { return record().model; }
+std::uint64_t tree_change_count() { return record().tree; }
+std::uint64_t palette_change_count() { return record().palette; }
+
+void mark_all_suspect()
+{
+    marks_record &marks = record();
+    ++marks.suspicion;
+    ++marks.model;
+    ++marks.tree;
+    ++marks.palette;
+}
+
+int marks_check(const char *after)
+{
+    int unmarked = 0;
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        object_state &state = state_of(object);
+        state_resolve(object, state);
+        const unsigned found = differences(object, state);
+        if (found != 0) {
+            console_printf("unmarked change in object '%s': %s, after %s\n", object->name,
+                           aspect_names(found), after);
+            mark_state(state, found);
+            ++unmarked;
+        }
+        object_flat(object); // what the next check compares with
+        object_stamp(object);
+    });
+    return unmarked;
+}

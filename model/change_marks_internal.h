@@ -1,0 +1,33 @@
+#ifndef VESK_MODEL_CHANGE_MARKS_INTERNAL_H
+#define VESK_MODEL_CHANGE_MARKS_INTERNAL_H
+
+// What is known about each live object beside its record: kept in a table of its own, because the
+// record's layout is public and foreign code may copy it byte by byte.
+
+#include "model/change_marks.h"
+#include "model/flat_mesh.h"
+
+#include <functional>
+
+struct object_state {
+    std::uint64_t stamp = 0;
+    unsigned marks = CHANGED_ALL;
+    std::uint64_t compared = 0;   // the suspicion that was looked into last
+    flat_ptr flat;                // null before the first request
+    std::uint64_t record_sum = 0; // of name, texts, frame, flags; when `record_summed`
+    bool record_summed = false;
+};
+
+void state_new(object_t *object);          // forgets what an earlier object of this address left
+void state_forget(const object_t *object); // before the record is freed
+bool state_is_alive(const object_t *object);
+object_state &state_of(const object_t *object);
+void for_each_state(const std::function<void(const object_t *, object_state &)> &visit);
+
+// Looks into a suspicion that is not yet looked into: marks what differs.
+void state_resolve(const object_t *object, object_state &state);
+
+// Which aspects of the raw lists differ from a flat mesh (geometry only).
+unsigned flat_compare(const object_t *object, const flat_mesh &flat);
+
+#endif

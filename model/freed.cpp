@@ -1,0 +1,180 @@
+#include "model/freed.h"
+
+#include "model/alloc_internal.h"
+#include "model/change_marks_internal.h"
+#include "model/freed_internal.h"
+#include "model/object_internal.h"
+#include "model/property.h"
+#include "model/world.h"
+
+namespace {
+
+struct freed_record {
+    std::vector<freed_listener> listeners;
+    std::vector<freed_holder> holders;
+    freed_things pending;
+    int depth = 0;
+};
+
+freed_record &record()
+{
+    static freed_record freed;
+    return freed;
+}
+
+void announce(const freed_things &freed)
+{
+    for (freed_listener listener : record().listeners)
+        listener(freed);
+}
+
+void free_object_record(object_t *object)
+{
+    state_forget(object);
+    for (surface_t *surface : each<surface_t>(object->surfaces))
+        surface_free_record(surface);
+    for (vertex *point : each<vertex>(object->vertices))
+        vertex_free_record(point);
+    list_free(&object->surfaces);
+    list_free(&object->vertices);
+    list_free(&object->children);
+    proplist_free(&object->properties);
+    myfree(object->name);
+    myfree(object->data);
+    myfree(object->url);
+    myfree(object);
+}
+
+// Everything that `freed` names, with what its objects own.
+freed_things with_contents(const freed_things &freed)
+{
+    freed_things all = freed;
+    for (const object_t *object : freed.objects) {
+        for (surface_t *surface : each<surface_t>(object->surfaces))
+            all.surfaces.push_back(surface);
+        for (vertex *point : each<vertex>(object->vertices))
+            all.vertices.push_back(point);
+    }
+    return all;
+}
+
+void finish(const freed_things &freed)
+{
+    if (freed.empty())
+        return;
+    if (!record().listeners.empty())
+        announce(with_contents(freed));
+    for (object_t *object : freed.objects)
+        free_object_record(object);
+    for (surface_t *surface : freed.surfaces)
+        surface_free_record(surface);
+    for (vertex *point : freed.vertices)
+        vertex_free_record(point);
+}
+
+// What is held but was not met in a walk of the living.
+class missing_things {
+public:
+    explicit missing_things(const freed_things &held)
+        : objects_(held.objects.begin(), held.objects.end()),
+          surfaces_(held.surfaces.begin(), held.surfaces.end()),
+          vertices_(held.vertices.begin(), held.vertices.end())
+    {
+    }
+
+    void met(object_t *object)
+    {
+        objects_.erase(object);
+        if (!surfaces_.empty()) {
+            for (surface_t *surface : each<surface_t>(object->surfaces))
+                surfaces_.erase(surface);
+        }
+        if (!vertices_.empty()) {
+            for (vertex *point : each<vertex>(object->vertices))
+                vertices_.erase(point);
+        }
+    }
+
+    [[nodiscard]] const std::unordered_set<object_t *> &objects() const { return objects_; }
+    [[nodiscard]] freed_things rest() const
+    {
+        return {{objects_.begin(), objects_.end()},
+                {surfaces_.begin(), surfaces_.end()},
+                {vertices_.begin(), vertices_.end()}};
+    }
+
+private:
+    std::unordered_set<object_t *> objects_;
+    std::unordered_set<surface_t *> surfaces_;
+    std::unordered_set<vertex *> vertices_;
+};
+
+} // namespace
+
+void freed_add_listener(freed_listener listener) { record().listeners.push_back(listener); }
+
+void freed_add_holder(freed_holder holder) { record().holders.push_back(holder); }
+
+void freed_filter_foreign()
+{
+    freed_things held;
+    for (freed_holder holder : record().holders)
+        holder(held);
+    if (held.empty())
+        return;
+    missing_things missing(held);
+    for_each_object(vesk_get_world(), [&](object_t *object) { missing.met(object); });
+    // Objects that a holder keeps outside the world (a clipboard) live on while they are known.
+    const std::vector<object_t *> outside(missing.objects().begin(), missing.objects().end());
+    for (object_t *top : outside) {
+        if (state_is_alive(top))
+            for_each_object(top, [&](object_t *object) { missing.met(object); });
+    }
+    const freed_things gone = missing.rest();
+    if (!gone.empty())
+        announce(gone);
+}
+
+void freed_announce_left(object_t *top)
+{
+    if (record().listeners.empty())
+        return;
+    freed_things left;
+    for_each_object(top, [&](object_t *object) { left.objects.push_back(object); });
+    announce(with_contents(left));
+}
+
+void freed_reset_after_fault()
+{
+    // What was pending may still be linked somewhere: it is left alone.
+    record().pending = {};
+    record().depth = 0;
+}
+
+freed_batch::freed_batch() { ++record().depth; }
+
+freed_batch::~freed_batch()
+{
+    freed_record &freed = record();
+    if (freed.depth == 0 || --freed.depth > 0) // 0: a fault came between
+        return;
+    const freed_things things = std::exchange(freed.pending, {});
+    finish(things); // a listener that frees has a batch of its own
+}
+
+void freed_batch::add(vertex *point)
+{
+    if (point)
+        record().pending.vertices.push_back(point);
+}
+
+void freed_batch::add(surface_t *surface)
+{
+    if (surface)
+        record().pending.surfaces.push_back(surface);
+}
+
+void freed_batch::add(object_t *object)
+{
+    for_each_object(object, [](object_t *part) { record().pending.objects.push_back(part); });
+}

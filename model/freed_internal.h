@@ -1,0 +1,12 @@
+#ifndef VESK_MODEL_FREED_INTERNAL_H
+#define VESK_MODEL_FREED_INTERNAL_H
+
+#include "model/freed.h"
+
+// Tells the holders that a tree has left the scene, though it is not freed.
+void freed_announce_left(object_t *top);
+
+// A fault skipped the ends of the batches that were open.
+void freed_reset_after_fault();
+
+#endif
