@@ -1,4 +1,12 @@
 # Files of fileio/.
 target_sources(vesk_core PRIVATE
     fileio/atomic_file.cpp
+    fileio/file_text.cpp
+    fileio/tree_reader.cpp
+    fileio/tree_reader_geometry.cpp
+    fileio/tree_reader_keywords.cpp
+    fileio/vesk_old.cpp
+    fileio/vesk_reader.cpp
+    fileio/vesk_reader_messages.cpp
+    fileio/vesk_scan.cpp
 )

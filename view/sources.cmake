@@ -4,5 +4,7 @@ target_sources(vesk_core PRIVATE
     view/camera_eye.cpp
     view/projection.cpp
     view/redraw.cpp
+    view/texture_search.cpp
+    view/textures.cpp
     view/views.cpp
 )

@@ -90,8 +90,14 @@ VESK_END_DECLS
 #ifdef __cplusplus
 // The name of a texture that was not found when the object was loaded, or null.
 const char *object_missing_texture(const object_t *object);
-// A load begins: at most one message box about textures until the next one.
-void textures_begin_load();
+// While one lives (a load), at most one message box about textures is shown; others go to the console.
+class texture_load_scope {
+public:
+    texture_load_scope();
+    ~texture_load_scope();
+    texture_load_scope(const texture_load_scope &) = delete;
+    texture_load_scope &operator=(const texture_load_scope &) = delete;
+};
 void textures_reset_for_test();
 #endif
 

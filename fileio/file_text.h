@@ -1,0 +1,19 @@
+#ifndef VESK_FILEIO_FILE_TEXT_H
+#define VESK_FILEIO_FILE_TEXT_H
+
+#include <cstddef>
+#include <memory>
+
+// The bytes of a file, read whole (not mapped: another program may cut a mapped file short).
+struct file_text {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size = 0;
+
+    [[nodiscard]] const char *begin() const { return bytes.get(); }
+    [[nodiscard]] const char *end() const { return bytes.get() + size; }
+};
+
+// False when the file cannot be opened; errno tells why. Where reading fails the text ends.
+bool file_text_read(const char *filename, file_text *text);
+
+#endif
