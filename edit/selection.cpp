@@ -276,6 +276,22 @@ void selection_add_by_rule(const std::vector<object_t *> &objects)
     selection_add_objects(found);
 }
 
+void selection_drop_owned_by(const std::vector<object_t *> &objects)
+{
+    selection_t &all = selection();
+    std::vector<vertex *> vertices;
+    std::vector<surface_t *> surfaces;
+    for (const object_t *object : objects) {
+        if (all.vertices != nullptr)
+            append_elements(object->vertices, &vertices);
+        if (all.surfaces != nullptr)
+            append_elements(object->surfaces, &surfaces);
+    }
+    all.num_vertices -= list_drop_freed(&all.vertices, vertices);
+    all.num_surfaces -= list_drop_freed(&all.surfaces, surfaces);
+    all.num_objects -= list_drop_freed(&all.objects, objects);
+}
+
 void select_vertices(const listitem *vertices)
 {
     if (state.mode != SELECT_VERTEX) {

@@ -39,6 +39,9 @@ std::vector<surface_t *> surfaces_within(const std::vector<vertex *> &vertices);
 // Adds by the object rule, without announcing.
 void selection_add_by_rule(const std::vector<object_t *> &objects);
 
+// Takes out, without announcing, these objects and the vertices and surfaces they own themselves.
+void selection_drop_owned_by(const std::vector<object_t *> &objects);
+
 // Grows with every announced change.
 unsigned selection_change_count();
 void selection_reset_for_test();

@@ -1,0 +1,8 @@
+#ifndef VESK_APP_ADDED_COMMANDS_H
+#define VESK_APP_ADDED_COMMANDS_H
+
+// Commands that are registered at start beside the fixed table: what panels and scripts need to
+// show and change the model. They stand first in "list".
+void register_added_commands();
+
+#endif

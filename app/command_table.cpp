@@ -1,0 +1,278 @@
+#include "app/command_table.h"
+
+#include "app/added_commands.h"
+#include "app/command_handlers.h"
+#include "app/command_row.h"
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "app/session_state.h"
+#include "edit/current_object.h"
+#include "edit/modes.h"
+#include "edit/object_flags.h"
+#include "edit/primitives.h"
+#include "edit/selection.h"
+#include "edit/transform.h"
+#include "edit/undo.h"
+#include "model/change_marks.h"
+#include "model/freed.h"
+#include "model/palette.h"
+#include "plugin/importers.h"
+#include "plugin/loader.h"
+#include "view/camera.h"
+#include "view/fit.h"
+#include "view/redraw.h"
+#include "view/views.h"
+
+namespace {
+
+// The one handler of the rows whose operation lands later.
+void not_in_this_build()
+{
+    display_message("%s: not in this build yet", session().command);
+}
+
+vesk_command_t pending_row(const char *name, const char *argtypes, const char *usage = nullptr,
+                           const char *help = nullptr)
+{
+    int nargs = 0;
+    for (const char *p = argtypes; p != nullptr && *p != '\0'; ++p)
+        ++nargs;
+    return {name, not_in_this_build, nargs, argtypes, usage, help};
+}
+
+// clang-format off
+// Never reordered. Deliberate: some usage and help texts are wrong or misspelt and stand as they
+// are.
+vesk_command_t rows[] = {
+    pending_row("add_text", "s", "<string text>"),
+    command_row("clear_all", command_clear_all, nullptr, "delete everything"),
+    pending_row("clear_background_image", "d", "<windownum>", "clear the background image of a window"),
+    command_row("clear_selection", command_clear_selection),
+    pending_row("clipboard_copy", nullptr, nullptr, "copy the selection to the clipboard"),
+    pending_row("clipboard_cut", nullptr, nullptr, "cut the selection to the clipboard"),
+    pending_row("clipboard_paste", nullptr, nullptr, "paste from the clipboard"),
+    pending_row("clone_selection", nullptr, nullptr, "clone the selection in place, returns the new object ids"),
+    pending_row("convexhull", nullptr, nullptr, "convex hull of the selected vertices"),
+    pending_row("copy_3d_win_to_clipboard", nullptr, nullptr, "copy the 3D view to the clipboard"),
+    pending_row("createsurface", "d", "<int type (0 polygon, 1 closed line, 2 line)>", "create a surface from the selected vertices"),
+    pending_row("create_text", "s", "<string text>"),
+    pending_row("delaunay", nullptr, nullptr, "delaunay triangulation of the selected vertices"),
+    command_row("edit_palette_entry", edit_palette_entry, "<int entrynum>", "open the material editor"),
+    pending_row("execute", "s", "<string system-command>"),
+    pending_row("extrude_along_path", nullptr, nullptr, "extrude the selected surfaces along the path object"),
+    pending_row("define_extrude_path", nullptr, nullptr, "define the selected object as the extrusion path"),
+    pending_row("delete", nullptr, nullptr, "delete the selection"),
+    command_row("do_perspective", do_perspective, "<int 0 parallel, 1 perspective>", "projection of the 3D view"),
+    pending_row("duplicate", nullptr, nullptr, "duplicate the selection"),
+    pending_row("execute_surface_filter", "s", "<string filter>", "run a surface filter on the selection"),
+    pending_row("file_select_texture", nullptr, nullptr, "choose a texture for the selection"),
+    pending_row("file_select_background_image", "d", "<windownum>", "choose a background image for a window"),
+    command_row("fit_selected_all", fit_selected_all, nullptr, "Fit selection to orth views"),
+    command_row("fit_all", fit_all, nullptr, "Fit model to orth views"),
+    command_row("get_3d_cursor", command_get_3d_cursor, nullptr, "returns the 3D cursor"),
+    command_row("get_app_mode", command_get_app_mode, nullptr, "returns select mode and draw mode"),
+    command_row("get_world", command_get_world, nullptr, "returns the id of the world"),
+    command_row("get_info", command_get_info, nullptr, "returns counts of the model and of the selection"),
+    command_row("get_importer_info", command_get_importer_info, nullptr, "returns a list of all importers"),
+    command_row("get_plugin_info_all", command_get_plugin_info_all, nullptr, "returns the information of all plugins"),
+    command_row("get_plugin_info", command_get_plugin_info, "<string plugin>", "returns the information of a plugin"),
+    command_row("get_plugin_about", command_get_plugin_about, "<string plugin>", "returns the about text of a plugin"),
+    command_row("get_plugin_list", command_get_plugin_list, nullptr, "returns the list of plugins"),
+    command_row("get_lights", command_get_lights, nullptr, "returns the ids of all lights"),
+    command_row("get_platform", command_get_platform, nullptr, "returns a string indicating the OS/machine type"),
+    command_row("get_selected_objects", command_get_selected_objects, nullptr, "returns the ids of the selected objects"),
+    command_row("get_selection_size", command_get_selection_size, nullptr, "returns the size of the selection"),
+    command_row("get_selection_centre", command_get_selection_centre, nullptr, "returns the centre of the selection"),
+    command_row("get_texture_repoff", command_get_texture_repoff, nullptr, "returns texture repeats and offsets of the selection"),
+    command_row("get_version_string", command_get_version_string, nullptr, "returns the version text"),
+    command_row("get_version_number", command_get_version_number, nullptr, "returns the version number"),
+    command_row("goto_selected_all", goto_selected_all, nullptr, "Centre orth views about selection"),
+    pending_row("group", nullptr, "group", "group selected objects"),
+    command_row("hide_selected", command_hide_selected, nullptr, "hide the selection"),
+    command_row("hide_unselected", command_hide_unselected, nullptr, "hide everything else"),
+    pending_row("insert_vertex", nullptr, nullptr, "insert vertices in the middle of the selected edges"),
+    pending_row("inituv", nullptr, nullptr, "set initial texture coordinates"),
+    pending_row("keypress", "dsd", "<win> <key> <qual>", "handle keypress"),
+    command_row("list", command_list),
+    command_row("load_vesk", command_load_vesk, "<filename>", "load an VESK format file"),
+    command_row("load_file", vesk_world_import_file, "<filename>", "load a geometry file (uses file suffix to determine importer)"),
+    command_row("load_file_select", vesk_file_select_import, "<string title>", "choose a geometry file and load it"),
+    command_row("add_new_texture", command_add_new_texture, "<filename>", "add a texture, returns its id"),
+    command_row("search_and_set_new_texture", command_search_and_set_new_texture, "<geometryfilename> <texturename>"),
+    pending_row("load_background_image", "sd", "<filename> <windownum>", "Load named picture file into the bcakground of window"),
+    command_row("lock_selected", command_lock_selected, nullptr, "lock the selection"),
+    command_row("lock_unselected", command_lock_unselected, nullptr, "lock everything else"),
+    pending_row("menu_about", nullptr, nullptr, "show the about box"),
+    command_row("mirror", mirror_selected, "<int axis>", "mirror the selection"),
+    command_row("move", move_selection_f, "<float x> <float y> <float z>", "translate selection (relative)"),
+    command_row("move_to", selection_move_to_f, "<float x> <float y> <float z>", "translate selection (absolute - based on centre point)"),
+    command_row("new_cube", command_new_cube, nullptr, "add a regular cube centred at the origin"),
+    command_row("new_palette_entry", command_new_palette_entry, "<int entrynum>", "append a copy of a palette entry, returns its index"),
+    command_row("prefs_set_defaults", command_prefs_set_defaults, nullptr, "set all preferences to their defaults"),
+    pending_row("object_explode", nullptr, nullptr, "one object for each surface"),
+    command_row("object_get_children", command_object_get_children, "<int object_id>", "returns the ids of the children"),
+    command_row("object_get_name", command_object_get_name, "<int object_id>", "returns the name"),
+    command_row("object_get_surfaces", command_object_get_surfaces, "<int object_id>", "returns list of surface ids"),
+    command_row("object_get_vertices", command_object_get_vertices, "<int object_id>", "returns list of surfaces ids"),
+    command_row("object_get_centre", command_object_get_centre, "<int object_id>", "returns the centre"),
+    command_row("object_get_url", command_object_get_url, "<int object_id>", "returns the url"),
+    command_row("object_get_data", command_object_get_data, "<int object_id>", "returns the data"),
+    command_row("object_set_data", command_object_set_data, "<int object_id> <string data>", "set object data"),
+    pending_row("object_fragment", nullptr, nullptr, "one object for each connected piece"),
+    pending_row("object_merge", nullptr, nullptr, "merge the selected objects"),
+    command_row("object_move_to_head", tcl_object_move_to_head, "<int objectid>", "move object to the head in it's parents list of children"),
+    pending_row("object_recentre", nullptr, nullptr, "set the centre to the middle of the box"),
+    command_row("object_is_selected", command_object_is_selected, "<int object_id>", "returns 1 when the object is selected"),
+    command_row("object_is_hidden", command_object_is_hidden, "<int object_id>", "returns 1 when the object is hidden"),
+    command_row("object_hide", command_object_hide, "<int object_id>", "hide an object"),
+    command_row("object_unhide", command_object_unhide, "<int object_id>", "show an object"),
+    command_row("object_select", command_object_select, "<int object_id>", "select an object"),
+    command_row("object_deselect", command_object_deselect, "<int object_id>", "deselect an object"),
+    pending_row("object_mincentre", nullptr, nullptr, "set the centre to the minimum corner of the box"),
+    pending_row("object_snap_together_by_vertices", nullptr, nullptr, "snap objects together by their selected vertices"),
+    pending_row("optimize", nullptr, nullptr, "merge vertices at the same place"),
+    pending_row("optimize_surfaces", nullptr, nullptr, "remove duplicate and degenerate surfaces"),
+    command_row("person_get_loc_dir", command_person_get_loc_dir, nullptr, "returns location and direction of the viewer"),
+    command_row("person_set_loc_dir", person_set_loc_dir_string, "<string - 6 floats>", "set the person location and direction"),
+    command_row("person_level", viewer_level, nullptr, "set the viewpoint to be level"),
+    command_row("plugin_load", plugin_load, "<filename>", "load a plugin"),
+    command_row("recalc_normals_all", command_recalc_normals_all, nullptr, "recalculate all normals"),
+    command_row("redraw_all", redraw_all, nullptr, "redraw all windows"),
+    command_row("redraw_3d", redraw_3d, nullptr, "redraw the 3D window"),
+    command_row("redraw_orth", redraw_orth, nullptr, "redraw orthograpic windows"),
+    pending_row("reduce", "d", "<int target percentage vertex loss>", "reduce polys"),
+    command_row("reset_views", reset_views, nullptr, "reset window views to initial setup"),
+    pending_row("remap_textures", "d", "<int window>", "map textures onto the selection"),
+    pending_row("removesurface", nullptr, nullptr, "remove the selected surfaces, keep their vertices"),
+    pending_row("revolve", "d", "<int axis>", "Revolve selected around an axis"),
+    command_row("rotate", rotate_selection_f, "<float rx-degs> <float ry-degs> <float rz-degs>", "rotate selection about origin"),
+    command_row("rotate_axis_angle", selection_rotate_axis_angle, "<float axis> <float angle>", "Rotate selected around an axis, with angle"),
+    command_row("rotate_about", rotate_selection_about_f, "<float rx-degs> <float ry-degs> <float rz-degs> <float x_ <float y> <float z>", "rotate selection about a point"),
+    command_row("save_vesk", command_save_vesk, "<filename>", "save an VESK format file"),
+    pending_row("save_selection_vesk", "s", "<filename>", "save the selection in an VESK format file"),
+    command_row("save_settings", save_prefs, nullptr, "save the preferences"),
+    pending_row("set_no_texture", nullptr, nullptr, "take the texture off the selection"),
+    command_row("scale", selected_scale, "<float scale-x> <float scale-y> <float scale-z>"),
+    command_row("select_all", select_all, nullptr, "select everything"),
+    command_row("select_by_name", select_by_name, "<string name>", "select objects by name"),
+    command_row("select_part_selected_surfaces", select_part_selected_surfaces, nullptr, "select whole surfaces of the selected vertices"),
+    command_row("selection_get_num_vertices", command_selection_get_num_vertices, nullptr, "returns the number of selected vertices"),
+    command_row("selection_get_num_surfaces", command_selection_get_num_surfaces, nullptr, "returns the number of selected surfaces"),
+    command_row("selection_get_num_objects", command_selection_get_num_objects, nullptr, "returns the number of selected objects"),
+    pending_row("selected_texture_off", nullptr, nullptr, "take the texture off the selection"),
+    pending_row("set_col", "d", "<int entrynum>", "set the material of the selection"),
+    command_row("set_current_object_data", set_current_object_data, "<string data>", "set the data of the current object"),
+    command_row("set_current_object_name", set_current_object_name, "<string name>", "set the name of the current object"),
+    command_row("set_current_object_url", set_current_object_url, "<string url>", "set the url of the current object"),
+    command_row("set_draw_mode", command_set_draw_mode, "<string mode>", "set the draw mode"),
+    command_row("set_view_3d_selection", set_3d_view_selection, nullptr, "centre view about selection"),
+    command_row("set_view_3d_cursor", set_3d_view_cursor, nullptr, "centre view about cursor"),
+    command_row("set_view_3d_origin", set_3d_view_origin, nullptr, "centre view about origin"),
+    command_row("set_select_mode", command_set_select_mode, "<string mode>", "set the select mode"),
+    pending_row("set_texture", "d", "<texture id>", "set the texture of the selection"),
+    pending_row("set_texture_repeats", "ff", "<float x> <float y>", "set the texture repeats of the selection"),
+    pending_row("set_texture_offsets", "ff", "<float x> <float y>", "set the texture offsets of the selection"),
+    command_row("set_palette_entry", command_set_palette_entry, "<int entrynum> <float red> <float green> <float blue>  <float ambient-red> <float ambient-green> <float ambient-blue> <float emissive-red> <float emissive-green> <float emissive-blue> <float specular-red> <float specular-green> <float specular-blue> <float shininess> <float transp>"),
+    pending_row("set_surface_type", "d", "<int type>", "set the type of the selected surfaces"),
+    command_row("set_walk_viewer", person_set_walk, nullptr, "viewer to walk mode"),
+    command_row("set_spin_viewer", person_set_spin, nullptr, "viewer to spin mode"),
+    command_row("size_to", selection_size_to_f, "<float x> <float y> <float z>", "size selection (absolute)"),
+    pending_row("snaptogether", nullptr, nullptr, "snap the selected vertices together"),
+    pending_row("snaptogetherdistance", "f", "<float distance>", "snap the selected vertices within a distance together"),
+    pending_row("snaptogrid", nullptr, nullptr, "snap the selected vertices to the grid"),
+    pending_row("surface_bevel", nullptr, nullptr, "bevel the selected surfaces"),
+    pending_row("start_web_browser", "s", "<string url>", "start up a web browser with this URL"),
+    pending_row("surface_change_vertex_order", nullptr, nullptr, "change the first vertex of the selected surfaces"),
+    pending_row("surface_create_object", nullptr, nullptr, "make an object of the selected surfaces"),
+    pending_row("surface_flip_normals", nullptr, nullptr, "reverse the selected surfaces"),
+    pending_row("surface_make_hole", nullptr, nullptr, "make holes in the selected surfaces"),
+    pending_row("surface_set_shaded", "d", "<int 0 flat, 1 smooth>", "set the shading of the selected surfaces"),
+    pending_row("surface_set_twosided", "d", "<int 0 or 1>", "set the sides of the selected surfaces"),
+    pending_row("surface_spike", nullptr, nullptr, "spike the selected surfaces"),
+    pending_row("surface_spline", nullptr, nullptr, "spline the selected lines"),
+    pending_row("surface_subdivide", nullptr, nullptr, "subdivide the selected surfaces"),
+    pending_row("surface_triangulate", nullptr, nullptr, "triangulate the selected surfaces"),
+    pending_row("surface_loop_subdivision", "f", "<0.0 -> 1.0 smoothing factor>"),
+    pending_row("texture_set", "d", "<texture id>", "set the texture of the selection"),
+    pending_row("ungroup", nullptr, nullptr, "ungroup the selected groups"),
+    command_row("undo", UNDO, nullptr, "undo"),
+    command_row("unhide", show_all, nullptr, "undo"),
+    command_row("unlock", command_unlock, nullptr, "unlock everything"),
+    command_row("unselect_by_name", unselect_by_name, "<string name>", "unselect objects by name"),
+    pending_row("unshare_vertices", nullptr, nullptr, "give each selected surface its own vertices"),
+    command_row("viewer_flyto", person_flyto, "<steps> (pos x y x> <dir x y z>", "fly viewer to this pos/dir"),
+    pending_row("window_draw_texture", "ds", "<texture id> <window>", "draw a texture in a window"),
+    pending_row("write_dive", "s", "<filename>", "write the scene in Dive format"),
+    pending_row("write_inventor", "s", "<filename>", "write the scene in Inventor format"),
+    pending_row("write_massive", "s", "<filename>", "write the scene in MASSIVE format"),
+    pending_row("write_vrml", "s", "<filename>", "write the scene in VRML 1 format"),
+    pending_row("write_vrml2", "s", "<filename>", "write the scene in VRML 2 format"),
+    pending_row("write_vrml2_proto", "s", "<filename>", "write the scene in VRML 2 (PROTO) format"),
+    pending_row("write_rib", "s", "<filename>", "write the scene in RIB format"),
+    pending_row("write_POV", "s", "<filename>", "write the scene in POV format"),
+    pending_row("write_dvs", "s", "<filename>", "write the scene in dVS format"),
+    pending_row("write_tri", "s", "<filename>", "write the scene in triangle list format"),
+    command_row("zoom_in", zoom_in, nullptr, "zoom in the orth views"),
+    command_row("zoom_out", zoom_out, nullptr, "zoom out of the orth views"),
+    command_row("zoomview", zoom_view, "<view id (0-3)> <direction>", "zoom a view"),
+};
+
+using enum command_kind;
+// Every row that is not an edit.
+const command_kind_row_t kinds[] = {
+    {"get_3d_cursor", query}, {"get_app_mode", query}, {"get_world", query}, {"get_info", query},
+    {"get_importer_info", query}, {"get_plugin_info_all", query}, {"get_plugin_info", query},
+    {"get_plugin_about", query}, {"get_plugin_list", query}, {"get_lights", query},
+    {"get_platform", query}, {"get_selected_objects", query}, {"get_selection_size", query},
+    {"get_selection_centre", query}, {"get_texture_repoff", query}, {"get_version_string", query},
+    {"get_version_number", query}, {"list", query}, {"object_get_children", query},
+    {"object_get_name", query}, {"object_get_surfaces", query}, {"object_get_vertices", query},
+    {"object_get_centre", query}, {"object_get_url", query}, {"object_get_data", query},
+    {"object_is_selected", query}, {"object_is_hidden", query}, {"person_get_loc_dir", query},
+    {"selection_get_num_vertices", query}, {"selection_get_num_surfaces", query},
+    {"selection_get_num_objects", query},
+    {"clear_background_image", view}, {"clipboard_copy", view}, {"copy_3d_win_to_clipboard", view},
+    {"do_perspective", view}, {"edit_palette_entry", view}, {"execute", view},
+    {"fit_selected_all", view}, {"fit_all", view}, {"goto_selected_all", view},
+    {"keypress", view}, {"menu_about", view}, {"person_set_loc_dir", view},
+    {"person_level", view}, {"prefs_set_defaults", view}, {"redraw_all", view},
+    {"redraw_3d", view}, {"redraw_orth", view}, {"reset_views", view}, {"save_settings", view},
+    {"set_view_3d_selection", view}, {"set_view_3d_cursor", view}, {"set_view_3d_origin", view},
+    {"set_walk_viewer", view}, {"set_spin_viewer", view}, {"start_web_browser", view},
+    {"viewer_flyto", view}, {"window_draw_texture", view}, {"zoom_in", view}, {"zoom_out", view},
+    {"zoomview", view},
+    // added at start
+    {"object_tree", query}, {"model_state", query}, {"get_counts", query}, {"object_info", query},
+    {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view},
+};
+// clang-format on
+
+void after_command(const vesk_command_t *command)
+{
+    if (command_is_foreign(command)) {
+        mark_all_suspect();
+        freed_filter_foreign();
+        return;
+    }
+#ifdef VESK_CHECK_MARKS
+    marks_check(command->name);
+#endif
+}
+
+} // namespace
+
+std::span<const vesk_command_t> command_table() { return rows; }
+
+bool command_is_available(const vesk_command_t *command)
+{
+    return command->func != not_in_this_build;
+}
+
+void register_commands()
+{
+    command_registry_install(rows, kinds);
+    command_registry_set_hooks({.before = nullptr, .after = after_command});
+    register_added_commands();
+    // Its writer lands later; the row is there from the start.
+    command_add_own(pending_row("export_3ds", nullptr, nullptr, "user command"));
+}

@@ -1,0 +1,19 @@
+#ifndef VESK_APP_COMMAND_TABLE_H
+#define VESK_APP_COMMAND_TABLE_H
+
+#include <span>
+
+#include "app/command_registry.h"
+
+// Hands the built-in rows to the registry, adds the rows that are registered at start, and sets the
+// hooks that keep marks and references right after foreign handlers. Once, before the first
+// command.
+void register_commands();
+
+// The built-in rows, in the order that "list" prints.
+std::span<const vesk_command_t> command_table();
+
+// False for a row whose operation is not part of this build: it only says so.
+bool command_is_available(const vesk_command_t *command);
+
+#endif

@@ -1,0 +1,172 @@
+#include "tests/support/scene_test.h"
+
+#include "app/command_result.h"
+#include "app/command_table.h"
+#include "app/messages_internal.h"
+#include "app/prefs.h"
+#include "app/session_state.h"
+#include "app/ui_port.h"
+#include "edit/modes.h"
+#include "edit/primitives.h"
+#include "edit/selection_internal.h"
+#include "edit/undo.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "plugin/importers.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+recording_t record;
+
+const char *answer_to(const char *script)
+{
+    for (const auto &[start, answer] : record.answers)
+        if (std::strncmp(script, start.c_str(), start.size()) == 0)
+            return answer.c_str();
+    return "";
+}
+
+ui_port_t recording_port()
+{
+    ui_port_t port = {};
+    port.eval = [](const char *script, bool *ok) {
+        record.scripts.emplace_back(script);
+        *ok = true;
+        return answer_to(script);
+    };
+    port.set_var = [](const char *name, const char *value) { record.variables[name] = value; };
+    port.get_var = [](const char *name) -> const char * {
+        const auto found = record.variables.find(name);
+        return found == record.variables.end() ? nullptr : found->second.c_str();
+    };
+    port.message_box = [](const char *, const char *text) { record.boxes.emplace_back(text); };
+    port.console_write = [](const char *text) { record.console += text; };
+    port.pump_events = [] {
+        if (record.while_pumping != nullptr)
+            record.while_pumping();
+    };
+    port.now_seconds = [] { return record.clock += record.clock_step; };
+    return port;
+}
+
+const std::filesystem::path &temporary_folder()
+{
+    struct folder_t {
+        std::filesystem::path path;
+        folder_t()
+        {
+            std::string name = (std::filesystem::temp_directory_path() / "vesk-XXXXXX").string();
+            path = mkdtemp(name.data());
+        }
+        ~folder_t()
+        {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+    };
+    static const folder_t folder;
+    return folder.path;
+}
+
+} // namespace
+
+recording_t &recording() { return record; }
+
+void SceneTest::SetUp()
+{
+    ui_port_install(recording_port());
+    prefs_set_defaults();
+    set_debug_mode(false);
+    session() = {};
+    command_registry_reset_for_test();
+    register_commands();
+    if (vesk_get_world() == nullptr)
+        new_world();
+    create_palette();
+    importers_reset_for_test();
+    vesk_register_internal_file_importers();
+    selection_reset_for_test();
+    modes_reset_for_test();
+    record = {};
+}
+
+void SceneTest::TearDown()
+{
+    clear_all_undos();
+    while (vesk_get_world()->children != nullptr)
+        object_delete(reinterpret_cast<object_t *>(vesk_get_world()->children->data));
+    selection_reset_for_test();
+}
+
+std::string run_words(const std::vector<std::string> &words)
+{
+    std::vector<const char *> pointers;
+    for (const std::string &word : words)
+        pointers.push_back(word.c_str());
+    do_command(static_cast<int>(pointers.size()), pointers.data());
+    const char *result = command_result_get();
+    return result == nullptr ? "" : result;
+}
+
+std::string last_call(const std::string &procedure)
+{
+    const std::string start = procedure + " ";
+    for (auto script = record.scripts.rbegin(); script != record.scripts.rend(); ++script) {
+        if (!script->starts_with(start))
+            continue;
+        std::string text = script->substr(start.size());
+        if (text.size() >= 2 && text.front() == '"' && text.back() == '"')
+            text = text.substr(1, text.size() - 2);
+        return text;
+    }
+    return "";
+}
+
+std::string last_message() { return last_call("display_message"); }
+
+std::string last_undo() { return undo_label() == nullptr ? "" : undo_label(); }
+
+object_t *add_square(float half_size)
+{
+    object_t *square = new_object(OBJECT_POLY);
+    surface_t *surface = new_surface();
+    const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
+    for (const auto &corner : corners)
+        surface_add_vertex(
+            surface,
+            object_add_new_vertex(square, corner[0] * half_size, corner[1] * half_size, 0), 0, 0);
+    object_add_surface(square, surface);
+    object_calc_normals_force(square);
+    object_add_child(vesk_get_world(), square);
+    return square;
+}
+
+object_t *add_cube(const char *name)
+{
+    const point3_t origin = {0, 0, 0};
+    object_t *cube = create_regular_cube(&origin);
+    object_set_name(cube, name);
+    object_add_child(vesk_get_world(), cube);
+    return cube;
+}
+
+std::string temporary_file(const std::string &name) { return (temporary_folder() / name).string(); }
+
+void write_text(const std::string &file, const std::string &text)
+{
+    std::ofstream(file, std::ios::binary) << text;
+}
+
+std::string read_text(const std::string &file)
+{
+    std::ostringstream text;
+    text << std::ifstream(file, std::ios::binary).rdbuf();
+    return text.str();
+}
