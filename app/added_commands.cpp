@@ -4,12 +4,14 @@
 #include "app/command_row.h"
 #include "app/command_table.h"
 #include "app/current_file.h"
+#include "app/messages.h"
 #include "app/progress.h"
 #include "edit/object_flags.h"
 #include "edit/selection_internal.h"
 #include "fileio/vesk_writer.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
+#include "model/each.h"
 #include "model/identity.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
@@ -70,11 +72,10 @@ void command_object_tree()
 // Counts that grow when the model, the tree, the selection or the palette change.
 void command_model_state()
 {
-    command_result_append_string((std::to_string(model_change_count()) + " " +
-                                  std::to_string(tree_change_count()) + " " +
-                                  std::to_string(selection_change_count()) + " " +
-                                  std::to_string(palette_change_count()))
-                                     .c_str());
+    command_result_append_string(
+        (std::to_string(model_change_count()) + " " + std::to_string(tree_change_count()) + " " +
+         std::to_string(selection_change_count()) + " " + std::to_string(palette_change_count()))
+            .c_str());
 }
 
 // Selected and all objects, surfaces, vertices.

@@ -26,10 +26,7 @@
 namespace {
 
 // The one handler of the rows whose operation lands later.
-void not_in_this_build()
-{
-    display_message("%s: not in this build yet", session().command);
-}
+void not_in_this_build() { display_message("%s: not in this build yet", session().command); }
 
 vesk_command_t pending_row(const char *name, const char *argtypes, const char *usage = nullptr,
                            const char *help = nullptr)

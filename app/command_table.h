@@ -1,9 +1,9 @@
 #ifndef VESK_APP_COMMAND_TABLE_H
 #define VESK_APP_COMMAND_TABLE_H
 
-#include <span>
-
 #include "app/command_registry.h"
+
+#include <span>
 
 // Hands the built-in rows to the registry, adds the rows that are registered at start, and sets the
 // hooks that keep marks and references right after foreign handlers. Once, before the first

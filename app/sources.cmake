@@ -1,7 +1,10 @@
 # Files of app/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
+    app/added_commands.cpp
+    app/command_handlers.cpp
     app/command_registry.cpp
     app/command_result.cpp
+    app/command_table.cpp
     app/coor_display.cpp
     app/crash_guard.cpp
     app/current_file.cpp

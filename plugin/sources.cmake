@@ -1,5 +1,5 @@
-# Files of plugin/.
 target_sources(vesk_core PRIVATE
     plugin/dialogs.cpp
+    plugin/importers.cpp
     plugin/loader.cpp
 )

@@ -140,8 +140,8 @@ object_t *add_square(float half_size)
     const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
     for (const auto &corner : corners)
         surface_add_vertex(
-            surface,
-            object_add_new_vertex(square, corner[0] * half_size, corner[1] * half_size, 0), 0, 0);
+            surface, object_add_new_vertex(square, corner[0] * half_size, corner[1] * half_size, 0),
+            0, 0);
     object_add_surface(square, surface);
     object_calc_normals_force(square);
     object_add_child(vesk_get_world(), square);

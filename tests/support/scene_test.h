@@ -26,13 +26,14 @@ recording_t &recording();
 // An empty world, default preferences, the standard palette, all commands, and a port that records.
 // In any order and in one process.
 class SceneTest : public testing::Test {
-  protected:
+protected:
     void SetUp() override;
     void TearDown() override;
 };
 
 // Runs a command with its arguments as text and returns the result text ("" for none).
-template <class... A> std::string run(const char *name, A... arguments);
+template <class... A>
+std::string run(const char *name, A... arguments);
 std::string run_words(const std::vector<std::string> &words);
 
 // The text of the newest script that begins with `procedure`, its quotes taken off; "" for none.
@@ -52,9 +53,14 @@ std::string read_text(const std::string &file);
 
 inline std::string word_text(const char *text) { return text; }
 inline std::string word_text(const std::string &text) { return text; }
-template <class Number> std::string word_text(Number number) { return std::to_string(number); }
+template <class Number>
+std::string word_text(Number number)
+{
+    return std::to_string(number);
+}
 
-template <class... A> std::string run(const char *name, A... arguments)
+template <class... A>
+std::string run(const char *name, A... arguments)
 {
     return run_words({name, word_text(arguments)...});
 }

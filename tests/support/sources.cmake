@@ -1,4 +1,4 @@
 target_sources(vesk_tests PRIVATE
-    tests/support/main.cpp
-    tests/support/scene_test.cpp
+    support/main.cpp
+    support/scene_test.cpp
 )
