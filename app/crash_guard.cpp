@@ -220,4 +220,6 @@ void run_after_fault()
     in_after_fault = false;
 }
 
+void forget_faults_for_test() { fault_count = 0; }
+
 } // namespace crash_guard

@@ -56,6 +56,8 @@ void run_after_fault();
 // Writes the rescue copy from memory without allocating; used when the heap cannot be trusted.
 void set_rescue(void (*hook)());
 
+void forget_faults_for_test();
+
 } // namespace crash_guard
 
 // Runs `callable`; false, with `fault` filled, when it faulted.

@@ -1,2 +1,6 @@
 target_sources(vesk_tests PRIVATE
+    app/atomic_file_test.cpp
+    app/command_test.cpp
+    app/prefs_test.cpp
+    app/text_test.cpp
 )

@@ -1,2 +1,4 @@
 target_sources(vesk_tests PRIVATE
+    edit/selection_test.cpp
+    edit/transform_test.cpp
 )

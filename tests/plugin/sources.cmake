@@ -1,2 +1,18 @@
 target_sources(vesk_tests PRIVATE
+    plugin/plugin_test.cpp
 )
+
+# Plug-ins for the tests, in plain C against the one public header.
+function(vesk_test_plugin name source)
+    add_library(${name} MODULE plugin/${source})
+    vesk_warnings(${name})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_compile_definitions(${name} PRIVATE ${ARGN})
+    set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".p"
+        LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    add_dependencies(vesk_tests ${name})
+endfunction()
+vesk_test_plugin(sample_plugin sample_plugin.c)
+vesk_test_plugin(plugin_without_exit broken_plugin.c)
+vesk_test_plugin(plugin_refusing broken_plugin.c REFUSES)
+vesk_test_plugin(plugin_faulting broken_plugin.c FAULTS)

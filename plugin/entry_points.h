@@ -1,0 +1,17 @@
+#ifndef VESK_PLUGIN_ENTRY_POINTS_H
+#define VESK_PLUGIN_ENTRY_POINTS_H
+
+#include "app/types.h"
+
+VESK_BEGIN_DECLS
+
+/* What a plug-in defines itself. Non-zero from the initialisation means success. About and Info
+   may be missing; their texts stay the plug-in's. */
+VESK_API int VESKPluginInit(void);
+VESK_API void VESKPluginExit(void);
+VESK_API const char *VESKPluginAbout(void);
+VESK_API const char *VESKPluginInfo(void);
+
+VESK_END_DECLS
+
+#endif

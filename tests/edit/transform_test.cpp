@@ -1,0 +1,258 @@
+// Moving, turning, scaling and mirroring the selection, and undoing what can be undone.
+
+#include "edit/transform.h"
+
+#include "app/prefs.h"
+#include "edit/modes.h"
+#include "edit/primitives.h"
+#include "edit/selection_internal.h"
+#include "edit/selection_scan.h"
+#include "edit/undo.h"
+#include "model/change_marks.h"
+#include "model/object_tree.h"
+#include "model/vector.h"
+#include "model/world.h"
+#include "tests/support/scene_test.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+class Transform : public SceneTest {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        cube = add_cube("cube");
+        select_object(cube);
+    }
+    object_t *cube;
+};
+
+point3_t first_point(const object_t *object) { return object_get_vertex_at(object, 0)->position; }
+
+void expect_point(const point3_t &p, float x, float y, float z)
+{
+    EXPECT_NEAR(p.x, x, 1e-5);
+    EXPECT_NEAR(p.y, y, 1e-5);
+    EXPECT_NEAR(p.z, z, 1e-5);
+}
+
+TEST_F(Transform, MoveLeavesNoUndoAndMoveToDoes)
+{
+    run("move", 1, 2, 3);
+    EXPECT_EQ(run("get_selection_centre"), "1 2 3");
+    EXPECT_EQ(*undo_count_address(), 0);
+
+    run("move_to", -1, 0, 0);
+    EXPECT_EQ(run("get_selection_centre"), "-1 0 0");
+    EXPECT_EQ(last_undo(), "move to");
+    run("undo");
+    EXPECT_EQ(run("get_selection_centre"), "1 2 3");
+    EXPECT_EQ(last_message(), "undo done");
+    run("undo");
+    EXPECT_EQ(last_message(), "nothing to undo.");
+}
+
+TEST_F(Transform, UndoWorksOnWhatWasSelectedThen)
+{
+    object_t *other = add_cube("other");
+    run("move_to", 5, 0, 0);
+    run("clear_selection");
+    run("select_by_name", "other");
+    run("undo");
+    expect_point(first_point(cube), -0.5f, -0.5f, -0.5f);
+    expect_point(first_point(other), -0.5f, -0.5f, -0.5f);
+    EXPECT_EQ(get_current_object(), other);
+
+    run("move_to", 9, 9, 9);
+    object_delete(other);
+    run("undo"); // its target is gone: nothing is touched
+    EXPECT_EQ(*undo_count_address(), 0);
+}
+
+TEST_F(Transform, SharedVerticesMoveOnce)
+{
+    set_new_select_mode(SELECT_SURFACE); // all six surfaces of the cube
+    run("move", 1, 0, 0);
+    expect_point(first_point(cube), 0.5f, -0.5f, -0.5f);
+    set_new_select_mode(SELECT_VERTEX);
+    run("move", 1, 0, 0);
+    expect_point(first_point(cube), 1.5f, -0.5f, -0.5f);
+}
+
+TEST_F(Transform, RotateTurnsInPlaceAboutTheBox)
+{
+    run("move", 3, 0, 0);
+    run("scale", 2, 1, 1);
+    run("rotate", 0, 0, 90);
+    EXPECT_EQ(run("get_selection_centre"), "3 0 0");
+    EXPECT_NEAR(selection().box_size.y, 2, 1e-5);
+    run("rotate_about", 0, 0, 90, 0, 0, 0); // from +x to +y
+    EXPECT_NEAR(selection().box_centre.y, 3, 1e-5);
+    run("rotate_axis_angle", 1.9, 45); // axis 1: about y
+    EXPECT_NEAR(selection().box_size.y, 1, 1e-5);
+    EXPECT_NEAR(selection().box_size.x, 3 / std::sqrt(2.0), 1e-4);
+}
+
+struct drawn_case {
+    const char *name;
+    int view;
+    point3_t before, after; // of a point turned by 90 degrees about the origin
+};
+// clang-format off
+const drawn_case drawn_cases[] = {
+    {"front", VIEW_XY, {1, 0, 0}, {0, -1, 0}},
+    {"side",  VIEW_ZY, {0, 1, 0}, {0, 0, 1}},
+    {"plan",  VIEW_XZ, {1, 0, 0}, {0, 0, 1}},
+};
+// clang-format on
+void PrintTo(const drawn_case &c, std::ostream *out) { *out << c.name; }
+class DrawnRotation : public Transform, public testing::WithParamInterface<drawn_case> {};
+
+TEST_P(DrawnRotation, HasTheSignOfItsView)
+{
+    const drawn_case &c = GetParam();
+    vertex *v = object_get_vertex_at(cube, 0);
+    v->position = c.before;
+    object_mark(cube, CHANGED_POSITIONS);
+    const point3_t origin = {0, 0, 0};
+    rotate_selected(90, c.view, &origin);
+    expect_point(v->position, c.after.x, c.after.y, c.after.z);
+}
+INSTANTIATE_TEST_SUITE_P(Views, DrawnRotation, testing::ValuesIn(drawn_cases));
+
+TEST_F(Transform, ScaleIsUndoneButForFlattenedAxes)
+{
+    run("move", 1, 1, 1);
+    run("scale", 2, 0, 4);
+    EXPECT_EQ(run("get_selection_size"), "2 0 4");
+    EXPECT_EQ(last_undo(), "size selection");
+    run("undo");
+    EXPECT_EQ(run("get_selection_size"), "1 0 1");
+    EXPECT_EQ(run("get_selection_centre"), "1 1 1");
+}
+
+TEST_F(Transform, SizeToKeepsAxesThatAreFlatOrAskedBelowZero)
+{
+    run("size_to", 3, -1, 0.5);
+    EXPECT_EQ(run("get_selection_size"), "3 1 0.5");
+    run("scale", 1, 0, 1);
+    run("size_to", 1, 7, 1);
+    EXPECT_EQ(run("get_selection_size"), "1 0 1");
+}
+
+TEST_F(Transform, MirrorSwapsTheSidesOfTheBox)
+{
+    run("move", 2, 0, 0);
+    const float before = first_point(cube).x; // 1.5
+    run("mirror", 0);
+    EXPECT_NEAR(first_point(cube).x, 4 - before, 1e-5);
+    EXPECT_EQ(run("get_selection_centre"), "2 0 0");
+    run("mirror", 7);
+    EXPECT_NEAR(first_point(cube).x, 4 - before, 1e-5);
+}
+
+TEST_F(Transform, NothingSelectedOrNoBoxChangesNothing)
+{
+    run("clear_selection");
+    for (const char *command : {"move", "move_to", "rotate", "scale", "size_to"})
+        run(command, 2, 2, 2);
+    run("mirror", 1);
+    expect_point(first_point(cube), -0.5f, -0.5f, -0.5f);
+    EXPECT_EQ(*undo_count_address(), 0);
+}
+
+TEST_F(Transform, UndoLevelsBoundTheRecords)
+{
+    for (int i = 0; i < 25; ++i)
+        run("move_to", i, 0, 0);
+    EXPECT_EQ(*undo_count_address(), 20);
+    prefs.undo_levels = 3;
+    run("move_to", 0, 0, 0);
+    EXPECT_EQ(*undo_count_address(), 3);
+    prefs.undo_levels = 0;
+    recording().scripts.clear();
+    run("undo");
+    EXPECT_TRUE(recording().scripts.empty());
+    set_undo_selection(nullptr, nullptr, nullptr, 1);
+    EXPECT_TRUE(nothing_is_selected());
+}
+
+// ---- fillers ----
+
+class Filler : public SceneTest {};
+
+// Volume by the divergence theorem: positive when every face looks outwards.
+double volume(const object_t *object)
+{
+    double sum = 0;
+    for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+        std::vector<vertex *> corners;
+        append_surface_vertices(surface, &corners);
+        for (size_t i = 2; i < corners.size(); ++i) {
+            const point3_t c = point_cross(corners[i - 1]->position, corners[i]->position);
+            sum += point_dot(corners[0]->position, c) / 6;
+        }
+    }
+    return sum;
+}
+
+TEST_F(Filler, CubeIsClosedAndLooksOutwards)
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_add_cube_view(object, 1, 2, 3);
+    EXPECT_EQ(object->num_vertices, 8);
+    EXPECT_NEAR(volume(object), 6, 1e-5);
+    object_free(object);
+    EXPECT_NE(run("new_cube"), "");
+    EXPECT_EQ(vesk_get_world()->num_children, 1);
+    EXPECT_EQ(*undo_count_address(), 0);
+}
+
+TEST_F(Filler, SphereHasItsRingsForEverySegmentCount)
+{
+    for (const int n : {3, 4, 7, 12}) {
+        for (const int triangles : {0, 1}) {
+            prefs.num_surface_div = n;
+            prefs.sphere_triangles = triangles;
+            object_t *object = new_object(OBJECT_POLY);
+            object_add_sphere_view(object, 2);
+            EXPECT_EQ(object->num_vertices, n * (n - 1) + 2);
+            EXPECT_EQ(object->num_surfaces, 2 * n + n * (n - 2) * (triangles + 1));
+            EXPECT_GT(volume(object), 0);
+            for (const vertex *v : each<vertex>(object->vertices))
+                EXPECT_NEAR(point_length(v->position), 2, 1e-5);
+            object_free(object);
+        }
+    }
+}
+
+TEST_F(Filler, CylinderEndsStandWhereThePlaneSays)
+{
+    for (int plane = 0; plane < 3; ++plane) {
+        object_t *object = new_object(OBJECT_POLY);
+        object_add_cylinder_view(object, plane, 1, 2, 1, 1);
+        EXPECT_EQ(object->num_vertices, 24);
+        EXPECT_EQ(object->num_surfaces, 26);
+        const point3_t first = first_point(object);
+        const float depth = plane == 0 ? first.z : plane == 1 ? first.x : first.y;
+        EXPECT_EQ(depth, plane == 0 ? -1 : 1);
+        EXPECT_NEAR(std::abs(volume(object)), 2 * 12 * 0.5 * std::sin(2 * M_PI / 12), 1e-4);
+        object_free(object);
+    }
+}
+
+TEST_F(Filler, DiskIsAFanAboutItsLastVertex)
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_add_disk_view(object, 0, 2, 1, 8);
+    EXPECT_EQ(object->num_vertices, 9);
+    EXPECT_EQ(object->num_surfaces, 8);
+    expect_point(object_get_vertex_at(object, 8)->position, 0, 0, 0);
+    expect_point(first_point(object), 2, 0, 0);
+    object_free(object);
+}
+
+} // namespace

@@ -1,0 +1,20 @@
+/* Faults while it initialises (FAULTS), refuses to (REFUSES), or lacks its exit entry point. */
+
+#include "plugin/vesk.h"
+
+int VESKPluginInit(void)
+{
+#ifdef FAULTS
+    volatile int *volatile nowhere = 0;
+    *nowhere = 1;
+#endif
+#ifdef REFUSES
+    return 0;
+#else
+    return 1;
+#endif
+}
+
+#if defined FAULTS || defined REFUSES
+void VESKPluginExit(void) {}
+#endif
