@@ -146,7 +146,7 @@ vesk_command_t rows[] = {
     command_row("rotate_axis_angle", selection_rotate_axis_angle, "<float axis> <float angle>", "Rotate selected around an axis, with angle"),
     command_row("rotate_about", rotate_selection_about_f, "<float rx-degs> <float ry-degs> <float rz-degs> <float x_ <float y> <float z>", "rotate selection about a point"),
     command_row("save_vesk", command_save_vesk, "<filename>", "save an VESK format file"),
-    pending_row("save_selection_vesk", "s", "<filename>", "save the selection in an VESK format file"),
+    command_row("save_selection_vesk", command_save_selection_vesk, "<filename>", "save the selection in an VESK format file"),
     command_row("save_settings", save_prefs, nullptr, "save the preferences"),
     pending_row("set_no_texture", nullptr, nullptr, "take the texture off the selection"),
     command_row("scale", selected_scale, "<float scale-x> <float scale-y> <float scale-z>"),

@@ -267,7 +267,7 @@ void save_prefs(void)
         text += '\n';
     }
     const std::string name = prefs_get_prefs_filename();
-    if (!atomic_file_write(name.c_str(), text).ok) {
+    if (!atomic_file_write(name.c_str(), text)) {
         windows_message_dialog(
             "can't open preferences file '%s' for writing - settings not saved\n", name.c_str());
         return;

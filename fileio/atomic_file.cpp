@@ -9,8 +9,6 @@
 
 namespace {
 
-using pieces_t = std::span<const std::string_view>;
-
 // The file behind any links; the name itself when nothing exists there.
 std::string resolved(const char *name)
 {
@@ -29,20 +27,17 @@ std::string resolved(const char *name)
     return slash == std::string::npos ? target : link.substr(0, slash + 1) + target;
 }
 
-// Writes everything; false on failure with the number of bytes that went out.
-bool write_all(int fd, pieces_t pieces, size_t *written)
+// Writes everything and adds what went out to `written`; false on failure.
+bool write_all(int fd, std::string_view text, size_t *written)
 {
-    *written = 0;
-    for (const std::string_view piece : pieces) {
-        for (size_t at = 0; at < piece.size();) {
-            const ssize_t n = write(fd, piece.data() + at, piece.size() - at);
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0)
-                return false;
-            at += static_cast<size_t>(n);
-            *written += static_cast<size_t>(n);
-        }
+    for (size_t at = 0; at < text.size();) {
+        const ssize_t n = ::write(fd, text.data() + at, text.size() - at);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
+        at += static_cast<size_t>(n);
+        *written += static_cast<size_t>(n);
     }
     return true;
 }
@@ -58,86 +53,129 @@ void sync_folder_of(const std::string &file)
     close(fd);
 }
 
-atomic_write_t write_directly(const std::string &target, pieces_t pieces)
+unsigned new_file_mode()
 {
-    atomic_write_t result;
-    const int fd = open(target.c_str(), O_WRONLY | O_TRUNC | O_CREAT | O_CLOEXEC, 0666);
-    if (fd < 0) {
-        result.opened = false;
-        return result;
-    }
-    result.ok = write_all(fd, pieces, &result.failed_at);
-    if (close(fd) != 0)
-        result.ok = false;
-    return result;
-}
-
-// The folder takes no temporary file: keep a copy of the old bytes elsewhere, write in place, and
-// put the old bytes back when that fails.
-atomic_write_t write_in_place(const std::string &target, pieces_t pieces)
-{
-    atomic_write_t result;
-    std::string old;
-    if (access(target.c_str(), W_OK) != 0 || !read_whole_file(target.c_str(), &old)) {
-        result.opened = false;
-        return result;
-    }
-    const char *folder = std::getenv("TMPDIR");
-    std::string backup = std::string(folder == nullptr ? "/tmp" : folder) + "/vesk-backup-XXXXXX";
-    const int fd = mkstemp(backup.data());
-    const std::string_view old_piece = old;
-    size_t written = 0;
-    const bool kept = fd >= 0 && write_all(fd, pieces_t(&old_piece, 1), &written) && fsync(fd) == 0;
-    if (fd >= 0)
-        close(fd);
-    if (!kept) { // no copy, no write
-        if (fd >= 0)
-            unlink(backup.c_str());
-        result.opened = false;
-        return result;
-    }
-    result = write_directly(target, pieces);
-    const bool whole = result.ok || write_directly(target, pieces_t(&old_piece, 1)).ok;
-    if (whole) // else the backup is the only whole copy: it stays
-        unlink(backup.c_str());
-    return result;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
 }
 
 } // namespace
 
-atomic_write_t atomic_file_write(const char *name, pieces_t pieces)
+atomic_writer_t::atomic_writer_t(const char *name) : target(resolved(name))
 {
-    const std::string target = resolved(name);
     struct stat old = {};
     const bool exists = stat(target.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode))
-        return write_directly(target, pieces);
-    if (exists && access(target.c_str(), W_OK) != 0) // read-only: do not replace it behind its back
-        return {.opened = false};
+        open_target(way::direct);
+    else if (!exists || access(target.c_str(), W_OK) == 0) // a read-only file is not replaced
+        open_temporary(exists, exists ? old.st_mode & 07777 : new_file_mode());
+}
 
-    std::string temporary = target + ".XXXXXX";
-    const int fd = mkostemp(temporary.data(), O_CLOEXEC);
-    if (fd < 0)
-        return exists ? write_in_place(target, pieces) : atomic_write_t{.opened = false};
-    mode_t mode = old.st_mode & 07777;
-    if (!exists) {
-        const mode_t mask = umask(0);
-        umask(mask);
-        mode = 0666 & ~mask;
+void atomic_writer_t::open_temporary(bool exists, unsigned mode)
+{
+    other = target + ".XXXXXX";
+    fd = mkostemp(other.data(), O_CLOEXEC);
+    if (fd >= 0) {
+        is_open = true;
+        failed = fchmod(fd, mode) != 0;
+    } else if (exists) {
+        open_in_place();
     }
-    atomic_write_t result;
-    result.ok = fchmod(fd, mode) == 0 && write_all(fd, pieces, &result.failed_at) && fsync(fd) == 0;
+}
+
+void atomic_writer_t::open_target(way chosen)
+{
+    how = chosen;
+    fd = open(target.c_str(), O_WRONLY | O_TRUNC | O_CREAT | O_CLOEXEC, 0666);
+    is_open = fd >= 0;
+}
+
+// The folder takes no temporary file: a copy of the old bytes is kept elsewhere first.
+void atomic_writer_t::open_in_place()
+{
+    std::string old;
+    if (!read_whole_file(target.c_str(), &old))
+        return;
+    const char *folder = std::getenv("TMPDIR");
+    other = std::string(folder == nullptr ? "/tmp" : folder) + "/vesk-backup-XXXXXX";
+    const int copy = mkstemp(other.data());
+    if (copy < 0)
+        return;
+    size_t copied = 0;
+    const bool kept = write_all(copy, old, &copied) && fsync(copy) == 0;
+    close(copy);
+    if (!kept) { // no copy, no write
+        unlink(other.c_str());
+        return;
+    }
+    open_target(way::in_place);
+    if (!is_open)
+        unlink(other.c_str());
+}
+
+bool atomic_writer_t::write(std::string_view text)
+{
+    if (!is_open || failed)
+        return false;
+    failed = !write_all(fd, text, &bytes);
+    return !failed;
+}
+
+void atomic_writer_t::take_back()
+{
+    if (how == way::temporary) {
+        unlink(other.c_str());
+    } else if (how == way::in_place) {
+        std::string old;
+        size_t restored = 0;
+        const int again = open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+        const bool whole = again >= 0 && read_whole_file(other.c_str(), &old) &&
+                           write_all(again, old, &restored) && fsync(again) == 0;
+        if (again >= 0)
+            close(again);
+        if (whole) // else the backup is the only whole copy: it stays
+            unlink(other.c_str());
+    }
+}
+
+bool atomic_writer_t::commit()
+{
+    if (!is_open)
+        return false;
+    if (!failed && how != way::direct)
+        failed = fsync(fd) != 0;
     if (close(fd) != 0)
-        result.ok = false;
-    if (result.ok && rename(temporary.c_str(), target.c_str()) != 0) {
-        result.ok = false;
-        result.opened = false;
+        failed = true;
+    fd = -1;
+    if (!failed && how == way::temporary && rename(other.c_str(), target.c_str()) != 0) {
+        failed = true;
+        is_open = false; // told like a file that could not be opened
     }
-    if (result.ok)
+    if (failed) {
+        take_back();
+        return false;
+    }
+    if (how == way::temporary)
         sync_folder_of(target);
-    else
-        unlink(temporary.c_str());
-    return result;
+    else if (how == way::in_place)
+        unlink(other.c_str());
+    return true;
+}
+
+atomic_writer_t::~atomic_writer_t()
+{
+    if (fd < 0)
+        return;
+    close(fd);
+    take_back();
+}
+
+bool atomic_file_write(const char *name, std::string_view text)
+{
+    atomic_writer_t file(name);
+    file.write(text);
+    return file.commit();
 }
 
 bool read_whole_file(const char *name, std::string *out)

@@ -1,7 +1,6 @@
 #ifndef VESK_FILEIO_ATOMIC_FILE_H
 #define VESK_FILEIO_ATOMIC_FILE_H
 
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,19 +12,40 @@
 // A symbolic link is followed and its target replaced. Mode bits are kept. A target that exists and
 // is no regular file is written directly. Where the folder takes no temporary file but the target
 // can be written, a backup copy is made elsewhere first and the target written in place.
+class atomic_writer_t {
+public:
+    explicit atomic_writer_t(const char *name);
+    ~atomic_writer_t(); // without commit: the old file is as it was
+    atomic_writer_t(const atomic_writer_t &) = delete;
+    atomic_writer_t &operator=(const atomic_writer_t &) = delete;
 
-struct atomic_write_t {
-    bool opened = true;   // something could be opened for writing, and the rename worked
-    size_t failed_at = 0; // when the write itself failed: how many bytes had been written
-    bool ok = false;
+    // False when nothing could be opened for writing, or the rename failed.
+    [[nodiscard]] bool opened() const { return is_open; }
+    // After the first failure nothing more is written.
+    bool write(std::string_view text);
+    // True when the target is complete.
+    bool commit();
+    // Bytes that went out before the first failure.
+    [[nodiscard]] size_t written() const { return bytes; }
+
+private:
+    enum class way { temporary, direct, in_place };
+    void open_temporary(bool exists, unsigned mode);
+    void open_in_place();
+    void open_target(way how);
+    void take_back();
+
+    std::string target;
+    std::string other; // the temporary file, or the backup
+    way how = way::temporary;
+    int fd = -1;
+    bool is_open = false;
+    bool failed = false;
+    size_t bytes = 0;
 };
 
-atomic_write_t atomic_file_write(const char *name, std::span<const std::string_view> pieces);
-
-inline atomic_write_t atomic_file_write(const char *name, std::string_view text)
-{
-    return atomic_file_write(name, std::span(&text, 1));
-}
+// A whole file at once; false when it could not be written completely.
+bool atomic_file_write(const char *name, std::string_view text);
 
 // The whole content of a file that can be read; false (and `out` untouched) otherwise.
 bool read_whole_file(const char *name, std::string *out);

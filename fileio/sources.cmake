@@ -9,4 +9,5 @@ target_sources(vesk_core PRIVATE
     fileio/vesk_reader.cpp
     fileio/vesk_reader_messages.cpp
     fileio/vesk_scan.cpp
+    fileio/vesk_writer.cpp
 )

@@ -33,7 +33,7 @@ TEST_F(AtomicFile, ReplacesAndKeepsModeBitsAndLeavesNothingBeside)
     write_text(file, "old");
     chmod(file.c_str(), 0640);
 
-    EXPECT_TRUE(atomic_file_write(file.c_str(), "new text").ok);
+    EXPECT_TRUE(atomic_file_write(file.c_str(), "new text"));
 
     EXPECT_EQ(read_text(file), "new text");
     struct stat info = {};
@@ -48,7 +48,7 @@ TEST_F(AtomicFile, FollowsALink)
     const std::string link = folder + "/link";
     std::filesystem::create_symlink("a", link);
 
-    EXPECT_TRUE(atomic_file_write(link.c_str(), "new").ok);
+    EXPECT_TRUE(atomic_file_write(link.c_str(), "new"));
 
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(read_text(file), "new");
@@ -56,18 +56,30 @@ TEST_F(AtomicFile, FollowsALink)
 
 TEST_F(AtomicFile, WritesToADeviceDirectly)
 {
-    EXPECT_TRUE(atomic_file_write("/dev/null", "text").ok);
+    EXPECT_TRUE(atomic_file_write("/dev/null", "text"));
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
-    const atomic_write_t full = atomic_file_write("/dev/full", "text");
-    EXPECT_TRUE(full.opened);
-    EXPECT_FALSE(full.ok);
+    atomic_writer_t full("/dev/full");
+    EXPECT_TRUE(full.opened());
+    EXPECT_FALSE(full.write("text"));
+    EXPECT_FALSE(full.commit());
+}
+
+TEST_F(AtomicFile, AnUnfinishedWriteLeavesTheOldFile)
+{
+    write_text(file, "old");
+    {
+        atomic_writer_t writer(file.c_str());
+        EXPECT_TRUE(writer.write("half of it"));
+    }
+    EXPECT_EQ(read_text(file), "old");
+    EXPECT_EQ(files_in(folder), 1);
 }
 
 TEST_F(AtomicFile, AMissingFolderIsAFailureToOpen)
 {
-    const atomic_write_t result = atomic_file_write((folder + "/no/b").c_str(), "text");
-    EXPECT_FALSE(result.opened);
-    EXPECT_FALSE(result.ok);
+    atomic_writer_t writer((folder + "/no/b").c_str());
+    EXPECT_FALSE(writer.opened());
+    EXPECT_FALSE(writer.commit());
     EXPECT_EQ(files_in(folder), 0);
 }
 

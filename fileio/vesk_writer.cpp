@@ -1,0 +1,550 @@
+// The native writer. The model's world coordinates become coordinates relative to the parent; the
+// text of big objects is formatted in blocks by two threads and written in order.
+
+#include "fileio/vesk_writer.h"
+
+#include "app/current_file.h"
+#include "app/messages_internal.h"
+#include "app/numbers.h"
+#include "fileio/atomic_file.h"
+#include "model/alloc_internal.h"
+#include "model/each.h"
+#include "model/flat_mesh.h"
+#include "model/frame.h"
+#include "model/list.h"
+#include "model/matrix.h"
+#include "model/object_internal.h"
+#include "model/palette.h"
+#include "model/vector.h"
+#include "model/world.h"
+#include "view/textures.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr int file_revision = 11;
+constexpr int block_size = 4096;    // vertices or surfaces formatted at a time
+constexpr int threads_from = 20000; // smaller files are not worth a second thread
+constexpr size_t blocks_ahead = 64; // finished blocks that may wait to be written
+
+// ---- used materials ----
+
+// Palette indices of the file's materials, ascending. Deliberate: kept after a failed save, whose
+// entries the next save then writes too.
+std::vector<int> used_materials;
+
+int place_of_material(int material)
+{
+    const auto found = std::lower_bound(used_materials.begin(), used_materials.end(), material);
+    return static_cast<int>(found - used_materials.begin());
+}
+
+void collect_materials(object_t *top)
+{
+    std::set<int> used(used_materials.begin(), used_materials.end());
+    for_each_object(top, [&](object_t *object) {
+        int last = -1; // neighbours mostly share their material
+        for (const flat_surface &surface : *object_flat(object)->surfaces)
+            if (std::exchange(last, surface.material) != surface.material)
+                used.insert(surface.material);
+    });
+    used_materials.assign(used.begin(), used.end());
+}
+
+// ---- text ----
+
+void append_g(std::string &out, float value)
+{
+    char buffer[16];
+    out.append(buffer, static_cast<size_t>(write_g(buffer, value) - buffer));
+}
+
+void append_int(std::string &out, int value)
+{
+    char buffer[12];
+    out.append(buffer, static_cast<size_t>(write_int(buffer, value) - buffer));
+}
+
+void append_floats(std::string &out, const float *values, int n)
+{
+    for (int i = 0; i < n; ++i) {
+        if (i > 0)
+            out += ' ';
+        append_g(out, values[i]);
+    }
+}
+
+void append_point(std::string &out, const point3_t &p)
+{
+    const float values[] = {p.x, p.y, p.z};
+    append_floats(out, values, 3);
+}
+
+void append_quoted(std::string &out, const char *text)
+{
+    out += '"';
+    for (const char *p = text; *p != '\0'; ++p) {
+        if (*p == '\\' || *p == '"')
+            out += '\\';
+        out += *p;
+    }
+    out += '"';
+}
+
+void append_material(std::string &out, const material &m)
+{
+    out += "MATERIAL \"";
+    out += m.name == nullptr ? "" : m.name; // Deliberate: not escaped
+    out += "\" rgb ";
+    append_floats(out, m.diffuse, 3);
+    out += "  amb ";
+    append_floats(out, m.ambient, 3);
+    out += "  emis ";
+    append_floats(out, m.emissive, 3);
+    out += "  spec ";
+    append_floats(out, m.specular, 3);
+    out += "  shi ";
+    append_g(out, m.shininess);
+    out += "  trans ";
+    append_g(out, m.transparency);
+    out += '\n';
+}
+
+std::string palette_text()
+{
+    std::string text;
+    for (const int index : used_materials) {
+        if (index >= 0 && index < vesk_get_num_palette()) {
+            append_material(text, *vesk_palette_get_material(index));
+            continue;
+        }
+        material missing; // a surface names an entry that is not there: keep the numbering
+        material_init(&missing);
+        append_material(text, missing);
+        text_set(&missing.name, nullptr);
+    }
+    return text;
+}
+
+// ---- frames ----
+
+// What a reader will rebuild of an object: its orientation and its centre. An object without a rot
+// line takes its parent's orientation, whatever its own matrix says.
+struct rebuilt_t {
+    float rotation[9];
+    point3_t centre;
+};
+
+struct local_frame_t {
+    point3_t location;
+    float rotation[9];
+    bool has_rotation; // writes a rot line
+};
+
+// `rebuilt` starts as the parent's and becomes the object's own.
+local_frame_t to_local(const object_t *object, rebuilt_t *rebuilt)
+{
+    local_frame_t local;
+    float inverse[9];
+    rotinvert(inverse, rebuilt->rotation);
+    local.location = point_sub(object->centre, rebuilt->centre);
+    matrix_rotate_point(inverse, &local.location);
+    // Deliberate: the test is made on the world matrix.
+    local.has_rotation = matrix_is_identity(object->rotation) == 0;
+    if (local.has_rotation) {
+        matrix_multiply(inverse, object->rotation, local.rotation);
+        matrix_copy(object->rotation, rebuilt->rotation);
+    }
+    rebuilt->centre = object->centre;
+    return local;
+}
+
+// ---- one object ----
+
+// Vertices and surfaces of one object, formatted in blocks.
+struct geometry_t {
+    const object_t *object;
+    flat_ptr mesh;
+    rebuilt_t frame;
+    bool as_they_are; // the top object: its coordinates are not converted
+};
+
+struct block_t {
+    std::string text;                     // ready, or made by format_block
+    const geometry_t *geometry = nullptr; // null: the text is ready
+    bool surfaces = false;
+    int begin = 0, end = 0;
+    std::atomic<bool> done = false;
+};
+
+void format_vertices(block_t &block)
+{
+    const geometry_t &g = *block.geometry;
+    float inverse[9];
+    rotinvert(inverse, g.frame.rotation);
+    const bool turned = matrix_is_identity(inverse) == 0;
+    for (int i = block.begin; i < block.end; ++i) {
+        point3_t p = (*g.mesh->positions)[static_cast<size_t>(i)];
+        if (!g.as_they_are) {
+            p = point_sub(p, g.frame.centre);
+            if (turned)
+                matrix_rotate_point(inverse, &p);
+        }
+        append_point(block.text, p);
+        block.text += '\n';
+    }
+}
+
+// References that the flat mesh left out are told; their count stands in the file all the same.
+int reference_count(const geometry_t &g, int i, int corners)
+{
+    const surface_t *surface = (*g.mesh->surface_records)[static_cast<size_t>(i)];
+    if (surface->num_refs == corners)
+        return corners;
+    return std::max(list_count(surface->refs), corners);
+}
+
+void format_surfaces(block_t &block)
+{
+    static constexpr char digits[] = "0123456789ABCDEF";
+    const geometry_t &g = *block.geometry;
+    std::string &out = block.text;
+    auto corner = static_cast<size_t>((*g.mesh->corner_offsets)[static_cast<size_t>(block.begin)]);
+    for (int i = block.begin; i < block.end; ++i) {
+        const flat_surface &surface = (*g.mesh->surfaces)[static_cast<size_t>(i)];
+        const int flags = (surface.type & SURFACE_TYPE_MASK) |
+                          (surface.smooth != 0 ? SURFACE_SMOOTH : 0) |
+                          (surface.twosided != 0 ? SURFACE_TWOSIDED : 0);
+        out += "SURF 0x";
+        if (flags > 15)
+            out += digits[flags >> 4];
+        out += digits[flags & 15];
+        out += "\nmat ";
+        append_int(out, place_of_material(surface.material));
+        out += "\nrefs ";
+        const auto vertices = g.mesh->surface_corners(i);
+        append_int(out, reference_count(g, i, static_cast<int>(vertices.size())));
+        out += '\n';
+        for (const int vertex_index : vertices) {
+            const flat_uv &uv = (*g.mesh->texture_coords)[corner++];
+            append_int(out, vertex_index);
+            out += ' ';
+            append_g(out, uv.u);
+            out += ' ';
+            append_g(out, uv.v);
+            out += '\n';
+        }
+    }
+}
+
+void format_block(block_t &block)
+{
+    if (block.geometry == nullptr)
+        return;
+    block.text.reserve(static_cast<size_t>(block.end - block.begin) * (block.surfaces ? 80 : 30));
+    if (block.surfaces)
+        format_surfaces(block);
+    else
+        format_vertices(block);
+}
+
+// ---- the file as blocks ----
+
+struct plan_t {
+    std::vector<std::unique_ptr<geometry_t>> geometries;
+    std::vector<std::unique_ptr<block_t>> blocks;
+    int elements = 0;
+
+    std::string &text() // of a block that is ready
+    {
+        if (blocks.empty() || blocks.back()->geometry != nullptr)
+            blocks.push_back(std::make_unique<block_t>());
+        return blocks.back()->text;
+    }
+    void add(const geometry_t *geometry, bool surfaces, int count)
+    {
+        elements += count;
+        for (int begin = 0; begin < count; begin += block_size) {
+            auto block = std::make_unique<block_t>();
+            block->geometry = geometry;
+            block->surfaces = surfaces;
+            block->begin = begin;
+            block->end = std::min(count, begin + block_size);
+            blocks.push_back(std::move(block));
+        }
+    }
+};
+
+void tell_bad_references(const geometry_t &g)
+{
+    for (int i = 0; i < g.mesh->num_surfaces(); ++i) {
+        const surface_t *surface = (*g.mesh->surface_records)[static_cast<size_t>(i)];
+        const auto kept = static_cast<int>(g.mesh->surface_corners(i).size());
+        for (int bad = reference_count(g, i, kept) - kept; bad > 0; --bad)
+            debugf("save_vesk_object: bad surface vertex index in object %x, Surface %x (numvert "
+                   "%d)\n",
+                   static_cast<unsigned>(reinterpret_cast<uintptr_t>(g.object)),
+                   static_cast<unsigned>(reinterpret_cast<uintptr_t>(surface)),
+                   g.object->num_vertices);
+    }
+}
+
+void append_texture(std::string &out, const object_t *object)
+{
+    const char *name = nullptr;
+    if (object->has_texture != 0) {
+        const char *file = texture_id_to_name(object->texture);
+        if (file != nullptr)
+            name = search_texture_save(current_file().name.c_str(), file);
+    } else {
+        name = object_missing_texture(object); // not found at load: nothing is lost
+    }
+    if (name == nullptr)
+        return;
+    debugf("OUTNAME %s\n", name);
+    out += std::string("texture \"") + name + "\"\n"; // Deliberate: not escaped
+}
+
+void append_pair(std::string &out, const char *keyword, float x, float y, float default_value)
+{
+    if (x == default_value && y == default_value)
+        return;
+    const float values[] = {x, y};
+    out += keyword;
+    append_floats(out, values, 2);
+    out += '\n';
+}
+
+void append_header(std::string &out, const object_t *object, const local_frame_t *local)
+{
+    out += std::string("OBJECT ") + object_type_word(object->type) + "\n";
+    if (object->name != nullptr && object->name[0] != '\0') {
+        out += "name ";
+        append_quoted(out, object->name);
+        out += '\n';
+    }
+    if (local->location.x != 0 || local->location.y != 0 || local->location.z != 0) {
+        out += "loc ";
+        append_point(out, local->location);
+        out += '\n';
+    }
+    if (local->has_rotation) {
+        out += "rot ";
+        append_floats(out, local->rotation, 3);
+        out += "  ";
+        append_floats(out, local->rotation + 3, 3);
+        out += "  ";
+        append_floats(out, local->rotation + 6, 3);
+        out += '\n';
+    }
+    if (object->url != nullptr && object->url[0] != '\0')
+        out += std::string("url \"") + object->url + "\"\n"; // Deliberate: not escaped
+    if (object->data != nullptr && object->data[0] != '\0')
+        out += "data " + std::to_string(std::strlen(object->data)) + "\n" + object->data + "\n";
+    append_texture(out, object);
+    append_pair(out, "texrep ", object->texture_repeat_x, object->texture_repeat_y, 1);
+    append_pair(out, "texoff ", object->texture_offset_x, object->texture_offset_y, 0);
+    debugf("TEXTURE OFFSET save %f %f\n", static_cast<double>(object->texture_offset_x),
+           static_cast<double>(object->texture_offset_y));
+}
+
+// Adds an object without its children; `rebuilt` is the parent's and becomes its own.
+void plan_object(plan_t &plan, object_t *object, bool top, rebuilt_t *rebuilt)
+{
+    local_frame_t local = {};
+    if (top) { // "identity and 0 0 0 before the call"
+        matrix_set_identity(local.rotation);
+        local.has_rotation = matrix_is_identity(object->rotation) == 0;
+    } else {
+        local = to_local(object, rebuilt);
+    }
+    append_header(plan.text(), object, &local);
+
+    const flat_ptr mesh = object_flat(object);
+    plan.geometries.push_back(
+        std::make_unique<geometry_t>(geometry_t{object, mesh, *rebuilt, top}));
+    const geometry_t *geometry = plan.geometries.back().get();
+    tell_bad_references(*geometry);
+    if (mesh->num_vertices() != 0) {
+        plan.text() += "numvert " + std::to_string(mesh->num_vertices()) + "\n";
+        plan.add(geometry, false, mesh->num_vertices());
+    }
+    if (mesh->num_surfaces() != 0) {
+        plan.text() += "numsurf " + std::to_string(mesh->num_surfaces()) + "\n";
+        plan.add(geometry, true, mesh->num_surfaces());
+    }
+    plan.text() += "kids " + std::to_string(list_count(object->children)) + "\n";
+}
+
+void plan_tree(plan_t &plan, object_t *top)
+{
+    rebuilt_t start = {{}, {0, 0, 0}};
+    matrix_set_identity(start.rotation);
+    std::unordered_map<const object_t *, rebuilt_t> rebuilt; // of objects with children
+    for_each_object(top, [&](object_t *object) {
+        rebuilt_t frame = object == top ? start : rebuilt.at(object->parent);
+        plan_object(plan, object, object == top, &frame);
+        if (object->children != nullptr)
+            rebuilt.emplace(object, frame);
+    });
+}
+
+// ---- formatting beside writing ----
+
+// Formats blocks in order on a second thread, and on the calling thread while it waits for one.
+class formatter_t {
+public:
+    explicit formatter_t(plan_t &formatted) : plan(formatted)
+    {
+        if (plan.elements >= threads_from)
+            worker = std::thread([this] { work(); });
+    }
+    ~formatter_t()
+    {
+        {
+            const std::lock_guard lock(mutex);
+            stopped = true;
+        }
+        changed.notify_all();
+        if (worker.joinable())
+            worker.join();
+    }
+    formatter_t(const formatter_t &) = delete;
+    formatter_t &operator=(const formatter_t &) = delete;
+
+    // The text of block `i`, which is asked for in order; it is dropped with the next call.
+    const std::string &text(size_t i)
+    {
+        if (i > 0)
+            plan.blocks[i - 1]->text = std::string();
+        while (!plan.blocks[i]->done.load(std::memory_order_acquire))
+            if (!format_next(i))
+                wait_for(i);
+        {
+            const std::lock_guard lock(mutex);
+            written = i + 1;
+        }
+        changed.notify_all();
+        return plan.blocks[i]->text;
+    }
+
+private:
+    // Takes the next block that nobody formats; false when there is none near enough.
+    bool format_next(size_t wanted)
+    {
+        size_t mine = 0;
+        {
+            const std::lock_guard lock(mutex);
+            if (next >= plan.blocks.size() || next > wanted + blocks_ahead)
+                return false;
+            mine = next++;
+        }
+        format_block(*plan.blocks[mine]);
+        {
+            const std::lock_guard lock(mutex);
+            plan.blocks[mine]->done.store(true, std::memory_order_release);
+        }
+        changed.notify_all();
+        return true;
+    }
+    void wait_for(size_t i)
+    {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return plan.blocks[i]->done.load(); });
+    }
+    void work()
+    {
+        for (;;) {
+            size_t at = 0;
+            {
+                std::unique_lock lock(mutex);
+                changed.wait(lock, [&] {
+                    return stopped || next >= plan.blocks.size() || next <= written + blocks_ahead;
+                });
+                if (stopped || next >= plan.blocks.size())
+                    return;
+                at = written;
+            }
+            format_next(at);
+        }
+    }
+
+    plan_t &plan;
+    std::thread worker;
+    std::mutex mutex;
+    std::condition_variable changed;
+    size_t next = 0;    // first block that nobody has taken
+    size_t written = 0; // blocks that are out of the way
+    bool stopped = false;
+};
+
+void tell_failure(const atomic_writer_t &file, const char *name, size_t header, size_t palette)
+{
+    if (!file.opened())
+        windows_message_dialog("can't open file '%s' for writing", name);
+    else if (file.written() < header)
+        windows_message_dialog("An error occured when first writing the .vesk file \"%s\"", name);
+    else if (file.written() < header + palette)
+        windows_message_dialog("An error occured when writing the palette to the .vesk file \"%s\"",
+                               name);
+    else
+        windows_message_dialog("An error occured when writing the .vesk file \"%s\"", name);
+}
+
+} // namespace
+
+int write_vesk(const char *filename)
+{
+    current_file_set(filename);
+    write_vesk_object(current_file().name.c_str(), vesk_get_world());
+    return 1;
+}
+
+int write_vesk_object(const char *filename, object_t *object)
+{
+    const std::string name = filename; // messages let scripts run
+    atomic_writer_t file(name.c_str());
+    if (!file.opened()) {
+        tell_failure(file, name.c_str(), 0, 0);
+        return 0;
+    }
+    const std::string header = "VESK" + std::string(1, "0123456789abcdef"[file_revision]) + "\n";
+    collect_materials(object);
+    const std::string palette = palette_text();
+    bool whole = file.write(header) && file.write(palette);
+    if (whole) {
+        plan_t plan;
+        plan_tree(plan, object);
+        formatter_t formatter(plan);
+        for (size_t i = 0; whole && i < plan.blocks.size(); ++i)
+            whole = file.write(formatter.text(i));
+    }
+    if (!file.commit()) {
+        tell_failure(file, name.c_str(), header.size(), palette.size());
+        return 0;
+    }
+    used_materials.clear();
+    debugf("written file %s OK\n", name.c_str());
+    display_message("written file %s", name.c_str());
+    return 1;
+}
+
+int output_string(FILE *stream, const char *text)
+{
+    std::string quoted;
+    append_quoted(quoted, text);
+    fwrite(quoted.data(), 1, quoted.size(), stream);
+    return 1;
+}
