@@ -1,10 +1,11 @@
 # The home directory, staged so that the executable runs from it without any environment variable,
 # and its installation under a prefix.
 set(VESK_STAGE ${CMAKE_BINARY_DIR}/home)
-execute_process(COMMAND ${CMAKE_COMMAND} -E echo "puts [info library]"
-    COMMAND ${TCLSH} OUTPUT_VARIABLE VESK_TCL_LIBRARY OUTPUT_STRIP_TRAILING_WHITESPACE)
-string(REGEX REPLACE "tcl8" "tk8" VESK_TK_LIBRARY "${VESK_TCL_LIBRARY}")
-string(REGEX REPLACE "/tcltk/tk8" "/tcltk/tk8" VESK_TK_LIBRARY "${VESK_TK_LIBRARY}")
+set(VESK_LIBDIR lib/vesk)
+file(WRITE ${CMAKE_BINARY_DIR}/library.tcl "puts [info library]")
+execute_process(COMMAND ${TCLSH} ${CMAKE_BINARY_DIR}/library.tcl
+    OUTPUT_VARIABLE VESK_TCL_LIBRARY OUTPUT_STRIP_TRAILING_WHITESPACE)
+string(REGEX REPLACE "/tcl([0-9.]+)$" "/tk\\1" VESK_TK_LIBRARY "${VESK_TCL_LIBRARY}")
 
 # Links and never copies: init.tcl requires the exact patch level of the linked library.
 file(MAKE_DIRECTORY ${VESK_STAGE}/lib ${VESK_STAGE}/plugins)
@@ -21,3 +22,16 @@ endif()
 if(EXISTS ${CMAKE_SOURCE_DIR}/examples/CMakeLists.txt)
     add_subdirectory(examples)
 endif()
+
+# The same under a prefix. The links are made where the program will run.
+install(TARGETS vesk RUNTIME DESTINATION ${VESK_LIBDIR})
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/tcl DESTINATION ${VESK_LIBDIR})
+foreach(folder plugins icons examples)
+    install(DIRECTORY ${VESK_STAGE}/${folder} DESTINATION ${VESK_LIBDIR} OPTIONAL)
+endforeach()
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/links)
+file(CREATE_LINK ${VESK_TCL_LIBRARY} ${CMAKE_BINARY_DIR}/links/tcl8.3 SYMBOLIC)
+file(CREATE_LINK ${VESK_TK_LIBRARY} ${CMAKE_BINARY_DIR}/links/tk8.3 SYMBOLIC)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/links/ DESTINATION ${VESK_LIBDIR}/lib)
+configure_file(${CMAKE_SOURCE_DIR}/packaging/vesk.in ${CMAKE_BINARY_DIR}/launcher/vesk @ONLY)
+install(PROGRAMS ${CMAKE_BINARY_DIR}/launcher/vesk DESTINATION bin)
