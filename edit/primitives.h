@@ -32,8 +32,44 @@ VESK_API void object_add_disk_view(object_t *object, int plane, float radius_a, 
 
 /* ---- free-standing objects; the caller owns them ---- */
 
-/* A unit cube about a point. */
+/* From a box given by two opposite corners, in any order. Named "rect", "grid", "mesh", "ellipse",
+   "disk", "cube", "sphere", "cone". */
+
+/* One four-sided polygon. */
+VESK_API object_t *add_rect(int plane, const point3_t *c1, const point3_t *c2);
+/* Lines: grid_object_x + 1 and grid_object_y + 1 of them; counts below 1 are 1. No normals. */
+VESK_API object_t *add_grid(int plane, const point3_t *c1, const point3_t *c2);
+/* meshx by meshy cells of quads, or of triangles (mesh_triangles), materials 0 and 1 in turn. */
+VESK_API object_t *add_mesh(int plane, const point3_t *c1, const point3_t *c2);
+/* Outline of an ellipse of ellipse_segments corners, and a filled one of disk_segments, about the
+   origin: the caller moves them. Below 3 segments: 3, told on the console. */
+VESK_API object_t *add_circle(int plane, const point3_t *c1, const point3_t *c2);
+VESK_API object_t *add_disk(int plane, const point3_t *c1, const point3_t *c2);
+/* A box that fills the box; the plane is not used. */
+VESK_API object_t *add_cube(int plane, const point3_t *c1, const point3_t *c2);
+/* An ellipsoid of num_surface_div segments; the plane is not used. Below 3 segments: a message box
+   and null. */
+VESK_API object_t *add_sphere(int plane, const point3_t *c1, const point3_t *c2);
+/* A cone about its axis's middle at the origin, its base fitted to the box. */
+VESK_API object_t *create_cone(int plane, const point3_t *c1, const point3_t *c2);
+
+/* Outline of an ellipse about the origin, of `segments` corners. */
+VESK_API object_t *new_circle(int plane, float radius_a, float radius_b, int segments);
+/* An open line along a circle, in degrees; equal angles give the whole turn. */
+VESK_API object_t *new_arc(int plane, float radius, float start, float end, int segments);
+VESK_API object_t *new_disk(int plane, float radius_a, float radius_b, int segments);
+VESK_API object_t *new_cone(int plane, float radius_a, float radius_b, float height, int segments);
+VESK_API object_t *new_cylinder(int plane);
+/* An empty object of the sphere type. */
+VESK_API object_t *new_sphere(void);
+/* The unit icosahedron. */
+VESK_API object_t *create_ico(void);
+
+/* Of unit size: about the origin, or about a point. */
+VESK_API object_t *create_regular_elipse(int plane);
+VESK_API object_t *create_regular_disk(int plane);
 VESK_API object_t *create_regular_cube(const point3_t *centre);
+VESK_API object_t *create_regular_sphere(const point3_t *centre);
 
 VESK_END_DECLS
 

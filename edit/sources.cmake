@@ -4,9 +4,11 @@ target_sources(vesk_core PRIVATE
     edit/modes.cpp
     edit/object_flags.cpp
     edit/primitives.cpp
+    edit/primitives_flat.cpp
     edit/selection.cpp
     edit/selection_scan.cpp
     edit/surface_copy.cpp
     edit/transform.cpp
     edit/undo.cpp
+    edit/uvmap.cpp
 )

@@ -1,0 +1,71 @@
+#ifndef VESK_EDIT_PRIMITIVES_INTERNAL_H
+#define VESK_EDIT_PRIMITIVES_INTERNAL_H
+
+#include "edit/primitives.h"
+#include "model/object.h"
+
+namespace primitive {
+
+constexpr float two_pi = 6.2831855f;
+constexpr float pi = 3.1415927f;
+
+// The point at (first, second) on the plane's two axes and `depth` on the constant one.
+inline point3_t on_plane(int plane, float first, float second, float depth)
+{
+    switch (plane) {
+    case 0:
+        return {first, second, depth};
+    case 1:
+        return {depth, second, first};
+    case 2:
+        return {first, depth, second};
+    default:
+        return {0, 0, 0};
+    }
+}
+
+// The plane's first and second coordinate of a point, and the constant one; 0 for no plane.
+struct flat_point_t {
+    float first, second, depth;
+};
+inline flat_point_t to_plane(int plane, const point3_t &p)
+{
+    switch (plane) {
+    case 0:
+        return {p.x, p.y, p.z};
+    case 1:
+        return {p.z, p.y, p.x};
+    case 2:
+        return {p.x, p.z, p.y};
+    default:
+        return {0, 0, 0};
+    }
+}
+
+struct corner_t {
+    vertex *point;
+    float u, v;
+};
+
+inline vertex *add_vertex(object_t *object, const point3_t &p)
+{
+    return object_add_new_vertex(object, p.x, p.y, p.z);
+}
+
+template <size_t N>
+surface_t *add_corners(surface_t *surface, const corner_t (&corners)[N])
+{
+    for (const corner_t &corner : corners)
+        surface_add_vertex(surface, corner.point, corner.u, corner.v);
+    return surface;
+}
+
+// A one-sided surface, not yet in an object.
+surface_t *new_side(bool smooth);
+
+object_t *new_named(const char *name);
+void set_middle(object_t *object, const point3_t &c1, const point3_t &c2);
+
+} // namespace primitive
+
+#endif

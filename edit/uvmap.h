@@ -1,0 +1,32 @@
+#ifndef VESK_EDIT_UVMAP_H
+#define VESK_EDIT_UVMAP_H
+
+#include "app/types.h"
+#include "model/object.h"
+
+VESK_BEGIN_DECLS
+
+/* Texture coordinates from positions. Modes 0, 1, 2: planar in the front, side and plan view, the
+   extent of a box mapped to 0..1; mode 3: spherical about the box's middle. All set change marks
+   of objects they are given; the list forms do so for the surfaces' owners. */
+
+/* Planar, by the object's own extent; its children each by theirs. */
+VESK_API void calc_texture_coors(object_t *object, int plane);
+
+/* By a given box. */
+VESK_API void surfaces_calc_texture_coors_bound(const listitem *surfaces, int mode,
+                                                const point3_t *min, const point3_t *max);
+
+/* By the box of the selection. */
+VESK_API void surfaces_calc_texture_coors(const listitem *surfaces, int mode);
+
+/* Command "remap_textures": the selected whole surfaces and all surfaces of the selected objects,
+   by the box of the selection. No undo. */
+VESK_API void selected_calc_texture_coors(int mode);
+
+/* A diagnostic: prints each vertex and stores a cylindrical coordinate. */
+VESK_API void crap_calc_texture_coors(object_t *object);
+
+VESK_END_DECLS
+
+#endif
