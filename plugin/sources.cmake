@@ -1,5 +1,7 @@
 target_sources(vesk_core PRIVATE
     plugin/dialogs.cpp
+    plugin/filters.cpp
     plugin/importers.cpp
     plugin/loader.cpp
+    plugin/menus.cpp
 )
