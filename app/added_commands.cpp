@@ -135,9 +135,10 @@ void command_get_material(int i)
         return;
     const material *m = vesk_palette_get_material(i);
     command_result_append_element(std::string_view(text_or_empty(m->name)));
-    for (const float *colour : {m->diffuse, m->ambient, m->emissive, m->specular})
+    for (const float *colour : {m->diffuse, m->ambient, m->emissive, m->specular}) {
         for (int c = 0; c < 3; ++c)
             command_result_append_element(std::string_view(number_text(colour[c])));
+    }
     command_result_append_element(std::string_view(number_text(m->shininess)));
     command_result_append_element(std::string_view(number_text(m->transparency)));
 }

@@ -100,9 +100,11 @@ int is_untrusted_module(dl_phdr_info *info, size_t, void *data)
         if (header.p_type != PT_LOAD || search->address < start ||
             search->address >= start + header.p_memsz)
             continue;
-        for (const char *part : {"mimalloc", "_dri.so", "libGL", "libgallium", "libLLVM", "nvidia"})
+        for (const char *part :
+             {"mimalloc", "_dri.so", "libGL", "libgallium", "libLLVM", "nvidia"}) {
             if (strstr(info->dlpi_name, part) != nullptr)
                 search->untrusted = true;
+        }
         return 1;
     }
     return 0;
@@ -147,9 +149,10 @@ void on_fault(int signal_number, siginfo_t *info, void *raw_context)
 
 const char *vesk_exception_get_message(unsigned code)
 {
-    for (const fault_name_t &row : fault_names)
+    for (const fault_name_t &row : fault_names) {
         if (row.code == code)
             return row.name;
+    }
     return "Unknown exception type";
 }
 

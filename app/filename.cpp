@@ -11,9 +11,10 @@ namespace {
 const char *last_separator(const char *name)
 {
     const char *found = nullptr;
-    for (const char *p = name; *p != '\0'; ++p)
+    for (const char *p = name; *p != '\0'; ++p) {
         if (*p == '/' || *p == '\\')
             found = p;
+    }
     return found;
 }
 
@@ -23,11 +24,12 @@ const char *vesk_filename_get_path(const char *filename)
 {
     static std::string path;
     const char *separator = last_separator(filename);
-    if (separator == nullptr)
+    if (separator == nullptr) {
         path.clear();
-    else
+    } else {
         path.assign(filename,
                     separator == filename ? 1 : static_cast<size_t>(separator - filename));
+    }
     return path.c_str();
 }
 

@@ -233,10 +233,11 @@ void tcl_trace_error(const char *context)
 {
     console_printf("TCL ERROR IN VESK in %s:\n%s\n", context, ui_port().result());
     const char *trace = ui_port().error_info();
-    if (trace == nullptr)
+    if (trace == nullptr) {
         console_printf("NO Stack Trace\n");
-    else
+    } else {
         console_printf("Stack Trace:\n%s\n\n", trace);
+    }
 }
 
 void set_undo_string(const char *label)

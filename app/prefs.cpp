@@ -66,13 +66,14 @@ const vesk_pref_t *row_of_kind(const char *key, int kind, const char *getter,
                                const char *kind_words)
 {
     const vesk_pref_t *row = vesk_prefs_get_spec(key);
-    if (row == nullptr)
+    if (row == nullptr) {
         fprintf(stderr, "%s: %s not found in preferences\n", unknown_getter, key);
-    else if (row->kind != kind)
+    } else if (row->kind != kind) {
         fprintf(stderr, "%s: pref %s is not type '%s' (%s %d)\n", getter, key, kind_text,
                 kind_words, row->kind);
-    else
+    } else {
         return row;
+    }
     return nullptr;
 }
 
@@ -82,9 +83,10 @@ std::span<const vesk_pref_t> prefs_table() { return table; }
 
 const vesk_pref_t *vesk_prefs_get_spec(const char *key)
 {
-    for (const vesk_pref_t &row : table)
+    for (const vesk_pref_t &row : table) {
         if (strcasecmp(row.key, key) == 0)
             return &row;
+    }
     return nullptr;
 }
 

@@ -107,12 +107,13 @@ bool read_setting(const std::string &line, int number)
     }
     debugf("%d '%s' '%s'\n", number, tokens[0], tokens[1]);
     const vesk_pref_t *row = vesk_prefs_get_spec(tokens[0]);
-    if (row == nullptr)
+    if (row == nullptr) {
         console_printf("prefs token '%s' in prefs file (line %d) - ignored (it's probably no "
                        "longer used)\n",
                        tokens[0], number);
-    else
+    } else {
         set_value(*row, tokens[1]);
+    }
     return true;
 }
 
@@ -150,9 +151,10 @@ void read_settings(const std::string &text, const char *name)
     size_t at = 0;
     if (!accept_header(next_line(text, &at), name))
         return;
-    for (int number = 1; at < text.size(); ++number)
+    for (int number = 1; at < text.size(); ++number) {
         if (!read_setting(next_line(text, &at), number))
             return;
+    }
     console_printf("prefs file %s loaded OK.\n", name);
 }
 
@@ -205,9 +207,10 @@ void append_value(std::string &out, const vesk_pref_t &row)
 const char *prefs_key_name(unsigned char code)
 {
     static char character[2];
-    for (const key_name_t &key : key_names)
+    for (const key_name_t &key : key_names) {
         if (key.code == code)
             return key.name;
+    }
     character[0] = static_cast<char>(code);
     return character;
 }
@@ -216,9 +219,10 @@ unsigned char prefs_key_code(const char *name)
 {
     if (std::strlen(name) == 1)
         return static_cast<unsigned char>(name[0]);
-    for (const key_name_t &key : key_names)
+    for (const key_name_t &key : key_names) {
         if (std::strcmp(key.name, name) == 0)
             return key.code;
+    }
     return 0;
 }
 

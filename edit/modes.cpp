@@ -44,17 +44,19 @@ void (*cancel_half_drawn)() = nullptr;
 
 const draw_mode_t *find_mode(int code)
 {
-    for (const draw_mode_t &row : draw_modes)
+    for (const draw_mode_t &row : draw_modes) {
         if (row.code == code)
             return &row;
+    }
     return nullptr;
 }
 
 const draw_mode_t *find_mode(const char *name)
 {
-    for (const draw_mode_t &row : draw_modes)
+    for (const draw_mode_t &row : draw_modes) {
         if (std::strcmp(row.name, name) == 0)
             return &row;
+    }
     return nullptr;
 }
 
@@ -110,10 +112,12 @@ void add_top_ancestors(const objects_t &objects, bool make_visible)
     for (object_t *object : objects)
         tops.push_back(object_top_ancestor(object));
     tops = unique_objects(tops);
-    if (make_visible)
-        for (object_t *top : tops)
+    if (make_visible) {
+        for (object_t *top : tops) {
             if (top->visible == 0)
                 object_set_visible(top, 1);
+        }
+    }
     selection_add_objects(tops);
 }
 
@@ -129,21 +133,21 @@ void carry_over(const saved_selection_t &old, int to)
 {
     const int from = old.mode;
     const bool from_objects = from == SELECT_TREE || from == SELECT_OBJECT;
-    if (from_objects && to == SELECT_SURFACE)
+    if (from_objects && to == SELECT_SURFACE) {
         selection_add_by_rule(elements_of<object_t>(old.objects));
-    else if (from == SELECT_OBJECT && to == SELECT_VERTEX)
+    } else if (from == SELECT_OBJECT && to == SELECT_VERTEX) {
         selection_add_by_rule(elements_of<object_t>(old.objects));
-    else if (from == SELECT_TREE && (to == SELECT_VERTEX || to == SELECT_OBJECT))
+    } else if (from == SELECT_TREE && (to == SELECT_VERTEX || to == SELECT_OBJECT)) {
         add_with_descendants(elements_of<object_t>(old.objects));
-    else if (from == SELECT_OBJECT && to == SELECT_TREE)
+    } else if (from == SELECT_OBJECT && to == SELECT_TREE) {
         add_top_ancestors(elements_of<object_t>(old.objects), true);
-    else if (from == SELECT_VERTEX && to == SELECT_OBJECT)
+    } else if (from == SELECT_VERTEX && to == SELECT_OBJECT) {
         selection_add_objects(owners(elements_of<vertex>(old.vertices)));
-    else if (from == SELECT_VERTEX && to == SELECT_TREE)
+    } else if (from == SELECT_VERTEX && to == SELECT_TREE) {
         add_top_ancestors(owners(elements_of<vertex>(old.vertices)), false);
-    else if (from == SELECT_VERTEX && to == SELECT_SURFACE)
+    } else if (from == SELECT_VERTEX && to == SELECT_SURFACE) {
         selection_add_surfaces(surfaces_within(elements_of<vertex>(old.vertices)));
-    else if (from == SELECT_SURFACE && to != SELECT_LIGHT) {
+    } else if (from == SELECT_SURFACE && to != SELECT_LIGHT) {
         select_surfacelist(old.surfaces);
         return; // announced
     } else {
@@ -185,20 +189,22 @@ void set_new_draw_mode(int mode)
 {
     drop_half_drawn();
     const draw_mode_t *row = find_mode(mode);
-    if (row == nullptr) // Deliberate: names the other function
+    if (row == nullptr) { // Deliberate: names the other function
         console_printf("ERROR!!! set_new_draw_mode_string %d has no equiv string!\n", mode);
-    else
+    } else {
         take_draw_mode(*row);
+    }
 }
 
 void set_new_draw_mode_string(const char *name)
 {
     drop_half_drawn();
     const draw_mode_t *row = find_mode(name);
-    if (row == nullptr) // Deliberate: names the other function
+    if (row == nullptr) { // Deliberate: names the other function
         console_printf("ERROR!!! set_new_draw_mode %s has no equiv number!\n", name);
-    else
+    } else {
         take_draw_mode(*row);
+    }
 }
 
 const char *mode_to_string(int mode)
@@ -228,9 +234,10 @@ int mode_is_selectable(int mode)
 void command_set_select_mode(const char *text)
 {
     int code = -1;
-    for (int i = SELECT_TREE; i <= SELECT_LIGHT; ++i)
+    for (int i = SELECT_TREE; i <= SELECT_LIGHT; ++i) {
         if (std::strcmp(select_names[i], text) == 0)
             code = i;
+    }
     if (code < 0 && std::isdigit(static_cast<unsigned char>(text[0])) != 0)
         code = int_of(text);
     if (select_mode_name(code) == nullptr) {
@@ -244,10 +251,11 @@ void command_set_select_mode(const char *text)
 
 void command_set_draw_mode(const char *text)
 {
-    if (std::isdigit(static_cast<unsigned char>(text[0])) != 0)
+    if (std::isdigit(static_cast<unsigned char>(text[0])) != 0) {
         set_new_draw_mode(int_of(text));
-    else
+    } else {
         set_new_draw_mode_string(text);
+    }
     redraw_orth();
 }
 

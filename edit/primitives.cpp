@@ -48,18 +48,20 @@ public:
 
     void add_body(const add_surface_t &add) const
     {
-        for (int i = 1; i <= n - 2; ++i)
+        for (int i = 1; i <= n - 2; ++i) {
             for (int j = 0; j < n; ++j)
                 add_cell(i, j, add);
+        }
     }
 
     void add_caps(const add_surface_t &add) const
     {
         for (int j = 0; j < n; ++j)
             add(add_corners(new_side(true), {corner(0, j), corner(1, j), corner(1, j + 1)}));
-        for (int j = 0; j < n; ++j)
+        for (int j = 0; j < n; ++j) {
             add(add_corners(new_side(true),
                             {corner(n, j + 1), corner(n - 1, j + 1), corner(n - 1, j)}));
+        }
     }
 
 private:
@@ -143,9 +145,10 @@ void object_add_cube_view(object_t *object, float width, float height, float dep
     static constexpr int faces[6][4] = {{0, 1, 2, 3}, {7, 4, 5, 6}, {4, 3, 2, 5},
                                         {6, 1, 0, 7}, {7, 0, 3, 4}, {5, 2, 1, 6}};
     vertex *p[8];
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
         p[i] = add_vertex(
             object, {signs[i][0] * width / 2, signs[i][1] * height / 2, signs[i][2] * depth / 2});
+    }
     for (const auto &face : faces) {
         surface_t *surface = new_surface();
         object_add_surface(object, surface);

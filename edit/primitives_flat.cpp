@@ -136,8 +136,8 @@ object_t *add_mesh(int plane, const point3_t *c1, const point3_t *c2)
     const flat_point_t p = to_plane(plane, *c1);
     const flat_point_t q = to_plane(plane, *c2);
     std::vector<vertex *> grid;
-    for (int r = 0; r <= ny; ++r)
-        for (int c = 0; c <= nx; ++c)
+    for (int r = 0; r <= ny; ++r) {
+        for (int c = 0; c <= nx; ++c) {
             grid.push_back(add_vertex(
                 object, on_plane(plane,
                                  p.first + static_cast<float>(c) * (q.first - p.first) /
@@ -145,6 +145,8 @@ object_t *add_mesh(int plane, const point3_t *c1, const point3_t *c2)
                                  p.second + static_cast<float>(r) * (q.second - p.second) /
                                                 static_cast<float>(ny),
                                  p.depth)));
+        }
+    }
     const auto at = [&](int r, int c) {
         return grid[static_cast<size_t>(r) * static_cast<size_t>(nx + 1) + static_cast<size_t>(c)];
     };
@@ -216,11 +218,12 @@ object_t *new_arc(int plane, float radius, float start, float end, int segments)
     const float e = end * pi / 180.0f;
     const float first = e < s ? s - two_pi : s;
     const float step = std::fmin(two_pi / static_cast<float>(segments), std::fabs(e - first));
-    for (float angle = first; angle <= e && step > 0; angle += step)
+    for (float angle = first; angle <= e && step > 0; angle += step) {
         surface_add_vertex(line,
                            add_vertex(object, on_plane(plane, radius * std::cos(angle),
                                                        radius * std::sin(angle), 0)),
                            0, 0);
+    }
     object_calc_normals_force(object);
     return object;
 }

@@ -32,9 +32,10 @@ std::vector<object_t *> owners_of(const std::vector<T *> &elements, Head head_of
     number_all(elements);
     std::vector<object_t *> owners(elements.size(), nullptr);
     for_each_object(vesk_get_world(), [&](object_t *object) {
-        for (const T *element : each<T>(head_of(object)))
+        for (const T *element : each<T>(head_of(object))) {
             if (is_in(elements, element))
                 owners[scratch(element)] = object;
+        }
     });
     return owners;
 }
@@ -76,11 +77,12 @@ std::vector<object_t *> part_selected_objects()
     std::vector<object_t *> owners = owners_of_vertices(elements_of<vertex>(all.vertices));
     std::erase(owners, nullptr);
     for (object_t *owner : owners_of_surfaces(elements_of<surface_t>(all.surfaces))) {
-        if (owner == nullptr)
+        if (owner == nullptr) {
             console_printf("error in selection_get_part_selected_objects (selected surface has no "
                            "valid parent object) - report to Dovan\n");
-        else
+        } else {
             owners.push_back(owner);
+        }
     }
     return unique_objects(owners);
 }
@@ -89,18 +91,20 @@ std::vector<object_t *> part_selected_objects()
 
 void append_surface_vertices(const surface_t *surface, std::vector<vertex *> *out)
 {
-    for (const svertex *corner : each<svertex>(surface->refs))
+    for (const svertex *corner : each<svertex>(surface->refs)) {
         if (corner->vertex != nullptr)
             out->push_back(corner->vertex);
+    }
 }
 
 std::vector<object_t *> unique_objects(const std::vector<object_t *> &objects)
 {
     std::unordered_set<const object_t *> seen;
     std::vector<object_t *> once;
-    for (object_t *object : objects)
+    for (object_t *object : objects) {
         if (seen.insert(object).second)
             once.push_back(object);
+    }
     return once;
 }
 

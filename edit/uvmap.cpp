@@ -45,10 +45,11 @@ struct mapping_t {
         const double theta = std::atan2(-static_cast<double>(d.x), static_cast<double>(d.z));
         const double across = std::hypot(static_cast<double>(d.x), static_cast<double>(d.z));
         double phi = 0; // on the axis the sign of y decides, at the middle nothing
-        if (across > 0)
+        if (across > 0) {
             phi = std::atan(static_cast<double>(d.y) / across);
-        else if (d.y != 0)
+        } else if (d.y != 0) {
             phi = d.y > 0 ? pi / 2 : -pi / 2;
+        }
         const double w = 1 - theta / (2 * pi);
         corner->u = static_cast<float>(w - std::floor(w));
         corner->v = static_cast<float>(1 - std::fabs(0.5 - phi / pi));
@@ -59,10 +60,11 @@ struct mapping_t {
         for (svertex *corner : each<svertex>(surface->refs)) {
             if (corner->vertex == nullptr)
                 continue;
-            if (mode == 3)
+            if (mode == 3) {
                 map_spherical(corner);
-            else
+            } else {
                 map_planar(corner);
+            }
         }
         if (mode == 3)
             repair_seam(surface);
@@ -78,9 +80,10 @@ struct mapping_t {
         }
         if (high - low < 0.5f)
             return;
-        for (svertex *corner : each<svertex>(surface->refs))
+        for (svertex *corner : each<svertex>(surface->refs)) {
             if (corner->u < 0.5f)
                 corner->u += 1.0f;
+        }
     }
 };
 
@@ -115,9 +118,10 @@ void surfaces_calc_texture_coors_bound(const listitem *surfaces, int mode, const
     const std::vector<surface_t *> all = elements_of<surface_t>(surfaces);
     for (const surface_t *surface : all)
         mapping.map(surface);
-    for (object_t *owner : unique_objects(owners_of_surfaces(all)))
+    for (object_t *owner : unique_objects(owners_of_surfaces(all))) {
         if (owner != nullptr)
             object_mark(owner, CHANGED_TEXTURE_COORDS);
+    }
 }
 
 void surfaces_calc_texture_coors(const listitem *surfaces, int mode)

@@ -66,10 +66,11 @@ atomic_writer_t::atomic_writer_t(const char *name) : target(resolved(name))
 {
     struct stat old = {};
     const bool exists = stat(target.c_str(), &old) == 0;
-    if (exists && !S_ISREG(old.st_mode))
+    if (exists && !S_ISREG(old.st_mode)) {
         open_target(way::direct);
-    else if (!exists || access(target.c_str(), W_OK) == 0) // a read-only file is not replaced
+    } else if (!exists || access(target.c_str(), W_OK) == 0) { // a read-only file is not replaced
         open_temporary(exists, exists ? old.st_mode & 07777 : new_file_mode());
+    }
 }
 
 void atomic_writer_t::open_temporary(bool exists, unsigned mode)
@@ -156,10 +157,11 @@ bool atomic_writer_t::commit()
         take_back();
         return false;
     }
-    if (how == way::temporary)
+    if (how == way::temporary) {
         sync_folder_of(target);
-    else if (how == way::in_place)
+    } else if (how == way::in_place) {
         unlink(other.c_str());
+    }
     return true;
 }
 
@@ -189,9 +191,10 @@ bool read_whole_file(const char *name, std::string *out)
         text.reserve(static_cast<size_t>(info.st_size));
     char buffer[65536];
     ssize_t n = 0;
-    while ((n = read(fd, buffer, sizeof buffer)) > 0 || (n < 0 && errno == EINTR))
+    while ((n = read(fd, buffer, sizeof buffer)) > 0 || (n < 0 && errno == EINTR)) {
         if (n > 0)
             text.append(buffer, static_cast<size_t>(n));
+    }
     close(fd);
     if (n < 0)
         return false;

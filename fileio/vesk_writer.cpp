@@ -56,9 +56,10 @@ void collect_materials(object_t *top)
     std::set<int> used(used_materials.begin(), used_materials.end());
     for_each_object(top, [&](object_t *object) {
         int last = -1; // neighbours mostly share their material
-        for (const flat_surface &surface : *object_flat(object)->surfaces)
+        for (const flat_surface &surface : *object_flat(object)->surfaces) {
             if (std::exchange(last, surface.material) != surface.material)
                 used.insert(surface.material);
+        }
     });
     used_materials.assign(used.begin(), used.end());
 }
@@ -254,10 +255,11 @@ void format_block(block_t &block)
     if (block.geometry == nullptr)
         return;
     block.text.reserve(static_cast<size_t>(block.end - block.begin) * (block.surfaces ? 80 : 30));
-    if (block.surfaces)
+    if (block.surfaces) {
         format_surfaces(block);
-    else
+    } else {
         format_vertices(block);
+    }
 }
 
 // ---- the file as blocks ----
@@ -292,12 +294,13 @@ void tell_bad_references(const geometry_t &g)
     for (int i = 0; i < g.mesh->num_surfaces(); ++i) {
         const surface_t *surface = (*g.mesh->surface_records)[static_cast<size_t>(i)];
         const auto kept = static_cast<int>(g.mesh->surface_corners(i).size());
-        for (int bad = reference_count(g, i, kept) - kept; bad > 0; --bad)
+        for (int bad = reference_count(g, i, kept) - kept; bad > 0; --bad) {
             debugf("save_vesk_object: bad surface vertex index in object %x, Surface %x (numvert "
                    "%d)\n",
                    static_cast<unsigned>(reinterpret_cast<uintptr_t>(g.object)),
                    static_cast<unsigned>(reinterpret_cast<uintptr_t>(surface)),
                    g.object->num_vertices);
+        }
     }
 }
 
@@ -429,9 +432,10 @@ public:
     {
         if (i > 0)
             plan.blocks[i - 1]->text = std::string();
-        while (!plan.blocks[i]->done.load(std::memory_order_acquire))
+        while (!plan.blocks[i]->done.load(std::memory_order_acquire)) {
             if (!format_next(i))
                 wait_for(i);
+        }
         {
             const std::lock_guard lock(mutex);
             written = i + 1;
@@ -492,15 +496,16 @@ private:
 
 void tell_failure(const atomic_writer_t &file, const char *name, size_t header, size_t palette)
 {
-    if (!file.opened())
+    if (!file.opened()) {
         windows_message_dialog("can't open file '%s' for writing", name);
-    else if (file.written() < header)
+    } else if (file.written() < header) {
         windows_message_dialog("An error occured when first writing the .vesk file \"%s\"", name);
-    else if (file.written() < header + palette)
+    } else if (file.written() < header + palette) {
         windows_message_dialog("An error occured when writing the palette to the .vesk file \"%s\"",
                                name);
-    else
+    } else {
         windows_message_dialog("An error occured when writing the .vesk file \"%s\"", name);
+    }
 }
 
 } // namespace

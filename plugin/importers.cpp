@@ -92,21 +92,24 @@ vesk_importer_t *vesk_replace_importer_function(const char *suffix, vesk_import_
 
 vesk_importer_t *vesk_get_file_importer_by_suffix(const char *suffix)
 {
-    for (vesk_importer_t *importer : each<vesk_importer_t>(importers))
+    for (vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
         if (strcasecmp(importer->suffix, suffix) == 0)
             return importer;
-    for (vesk_importer_t *importer : each<vesk_importer_t>(importers))
+    }
+    for (vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
         if (std::strstr(importer->suffix, suffix) != nullptr)
             return importer;
+    }
     return nullptr;
 }
 
 char *vesk_get_all_importer_info(void)
 {
     std::string text = "Importers:\n\n";
-    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
+    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
         text += std::string(importer->suffix) + "\t\t" + importer->description + "\t\t" +
                 importer->info + "\n";
+    }
     return text_copy(text.c_str());
 }
 
@@ -191,9 +194,10 @@ void vesk_register_internal_file_importers(void)
     static const row_t rows[] = {
         {".vesk", "VESK files", vesk_import_vesk},
     };
-    for (const row_t &row : rows)
+    for (const row_t &row : rows) {
         vesk_register_file_importer(row.suffix, row.description, row.load,
                                     "internal importer, version 3.6");
+    }
 }
 
 void importers_reset_for_test()

@@ -46,11 +46,12 @@ bool call_guarded(const plugin_t &plugin, const char *what, F &&function)
     fault_t fault;
     const bool whole = guarded_with_recovery(function, &fault);
     mark_all_suspect();
-    if (!whole)
+    if (!whole) {
         tell_error(plugin.path.c_str(),
                    std::string("fault in ") + what + ": " +
                        (fault.kind == fault_t::CODE ? vesk_exception_get_message(fault.code)
                                                     : fault.what));
+    }
     return whole;
 }
 

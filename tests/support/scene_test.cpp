@@ -27,9 +27,10 @@ recording_t record;
 
 const char *answer_to(const char *script)
 {
-    for (const auto &[start, answer] : record.answers)
+    for (const auto &[start, answer] : record.answers) {
         if (std::strncmp(script, start.c_str(), start.size()) == 0)
             return answer.c_str();
+    }
     return "";
 }
 
@@ -138,10 +139,11 @@ object_t *add_square(float half_size)
     object_t *square = new_object(OBJECT_POLY);
     surface_t *surface = new_surface();
     const float corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-    for (const auto &corner : corners)
+    for (const auto &corner : corners) {
         surface_add_vertex(
             surface, object_add_new_vertex(square, corner[0] * half_size, corner[1] * half_size, 0),
             0, 0);
+    }
     object_add_surface(square, surface);
     object_calc_normals_force(square);
     object_add_child(vesk_get_world(), square);
