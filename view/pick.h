@@ -1,0 +1,34 @@
+#ifndef VESK_VIEW_PICK_H
+#define VESK_VIEW_PICK_H
+
+// What lies under a window position or inside a rubber band, from the flat meshes: nothing is kept
+// between calls, so there is no build that could be felt. Hidden and locked objects are never
+// found. Positions are window pixels.
+
+#include "model/object.h"
+
+#include <vector>
+
+enum class pick_kind { object, surface, vertex, light };
+
+struct pick_hit_t {
+    object_t *object = nullptr; // owner, also of the surface or vertex
+    surface_t *surface = nullptr;
+    vertex *point = nullptr;
+    float pixels = 0; // how far the pointer is from it; 0 inside a face
+    float depth = 0;  // from the viewer; smaller is nearer
+};
+
+// Everything of that kind within `range` pixels of (x, y), best first: what the pointer is on comes
+// before what is merely near, and then what is in front. Objects are told once.
+std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int range);
+
+struct band_t {
+    int x0, y0, x1, y1;
+    bool touching; // else only what is wholly inside
+};
+
+// In tree order. Elements by `kind`; objects by their own geometry, lights by their centre.
+std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band);
+
+#endif
