@@ -308,12 +308,12 @@ bool object_in_band(const projected_t &p, const window_t &w, bool touching)
 void band_elements(const projected_t &p, pick_kind kind, const window_t &w, bool touching,
                    std::vector<pick_hit_t> *hits)
 {
-    if (kind == pick_kind::vertex) {
+    if (kind == pick_kind::VERTEX) {
         for (size_t i = 0; i < p.sides.size(); ++i) {
             if (p.sides[i] == 0)
                 hits->push_back({p.object, nullptr, (*p.mesh->vertex_records)[i], 0, 0});
         }
-    } else if (kind == pick_kind::surface) {
+    } else if (kind == pick_kind::SURFACE) {
         for (int i = 0; i < p.mesh->num_surfaces(); ++i) {
             if (surface_in_band(p, i, w, touching))
                 hits->push_back(
@@ -333,26 +333,26 @@ std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int rang
     const auto py = static_cast<float>(y);
     const auto reach = static_cast<float>(range);
     const window_t window = {px - reach, py - reach, px + reach, py + reach};
-    const bool faces = kind == pick_kind::surface || view_is_filled(view);
+    const bool faces = kind == pick_kind::SURFACE || view_is_filled(view);
     std::vector<pick_hit_t> hits;
     projected_t projected; // its arrays are reused from object to object
     for_each_object(vesk_get_world(), [&](object_t *object) {
         if (!pickable(object))
             return;
-        if (object->type == OBJECT_LIGHT && kind != pick_kind::surface && kind != pick_kind::vertex)
+        if (object->type == OBJECT_LIGHT && kind != pick_kind::SURFACE && kind != pick_kind::VERTEX)
             pick_centre(object, projector, px, py, std::max(reach, light_icon_pixels), &hits);
-        if (kind == pick_kind::light || object->vertices == nullptr)
+        if (kind == pick_kind::LIGHT || object->vertices == nullptr)
             return;
         projected.project(object, projector, window);
         if (!projected.any_inside)
             return;
-        if (kind == pick_kind::vertex)
+        if (kind == pick_kind::VERTEX)
             pick_vertices(projected, px, py, reach, &hits);
         else
             pick_surfaces(projected, px, py, reach, faces, &hits);
     });
     std::stable_sort(hits.begin(), hits.end(), nearer);
-    if (kind == pick_kind::object || kind == pick_kind::light)
+    if (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT)
         keep_objects_once(&hits);
     return hits;
 }
@@ -370,10 +370,10 @@ std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band)
         if (!pickable(object))
             return;
         if (object->type == OBJECT_LIGHT &&
-            (kind == pick_kind::object || kind == pick_kind::light) &&
+            (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT) &&
             window.sides(projector(object->centre)) == 0)
             hits.push_back({object, nullptr, nullptr, 0, 0});
-        if (kind == pick_kind::light || object->vertices == nullptr)
+        if (kind == pick_kind::LIGHT || object->vertices == nullptr)
             return;
         projected.project(object, projector, window);
         if (projected.any_inside)

@@ -9,7 +9,7 @@
 
 #include <vector>
 
-enum class pick_kind { object, surface, vertex, light };
+enum class pick_kind { OBJECT, SURFACE, VERTEX, LIGHT };
 
 struct pick_hit_t {
     object_t *object = nullptr; // owner, also of the surface or vertex
