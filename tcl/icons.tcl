@@ -1,0 +1,106 @@
+# icons.tcl --
+#   Pictures: one sheet a theme, scale and variant, loaded once; an icon is cropped from it when it
+#   is first asked for. Switching the theme refills the same images, so every widget follows.
+
+namespace eval ::vesk::icons {
+    variable theme dark
+    variable scale 1
+    variable index {icons {} elements {}}
+    variable sheets {}      ;# loaded sheets: file name -> image
+    variable made {}        ;# icons handed out: image -> {name variant}
+}
+
+# open --
+#   Reads the index and fixes the scale: the available one that is nearest to `wanted`.
+proc ::vesk::icons::open {wanted} {
+    variable index
+    variable scale
+    set file [file join $::VESK_HOME icons index]
+    if {[catch {::open $file} channel]} {
+        puts stderr "no icons at $file: $channel"
+        return
+    }
+    set index [read $channel]
+    close $channel
+    set best 1e9
+    foreach candidate [dict keys [dict get $index icons]] {
+        set distance [expr {abs($candidate - $wanted)}]
+        if {$distance < $best} {
+            set best $distance
+            set scale $candidate
+        }
+    }
+}
+
+# set_theme --
+#   Chooses the sheets of `name` and refills every icon handed out.
+proc ::vesk::icons::set_theme {name} {
+    variable theme
+    variable made
+    set theme $name
+    dict for {image what} $made {
+        crop $image icons-$theme-$::vesk::icons::scale-[lindex $what 1] icons [lindex $what 0]
+    }
+    drop_sheets
+}
+
+# get --
+#   The image of an icon.
+#   name     as in icons/svg
+#   variant  normal, active (on the selection colour), dim or disabled
+proc ::vesk::icons::get {name {variant normal}} {
+    variable made
+    variable theme
+    variable scale
+    set image ::vesk::icons::$name-$variant
+    if {![dict exists $made $image]} {
+        image create photo $image
+        dict set made $image [list $name $variant]
+        crop $image icons-$theme-$scale-$variant icons $name
+    }
+    return $image
+}
+
+# element --
+#   The image of a frame in one theme; these are never refilled, for a ttk theme keeps its elements.
+proc ::vesk::icons::element {theme_name name} {
+    variable scale
+    set image ::vesk::icons::$theme_name/$name
+    if {$image ni [image names]} {
+        image create photo $image
+        crop $image elements-$theme_name-$scale elements $name
+    }
+    return $image
+}
+
+# crop --
+#   Fills an image from its place on a sheet.
+proc ::vesk::icons::crop {image sheet kind name} {
+    variable index
+    variable scale
+    if {![dict exists $index $kind $scale $name]} {
+        $image configure -width 16 -height 16
+        return
+    }
+    lassign [dict get $index $kind $scale $name] x y width height
+    $image blank
+    $image copy [sheet $sheet] -from $x $y [expr {$x + $width}] [expr {$y + $height}] \
+        -to 0 0 -compositingrule set
+}
+
+proc ::vesk::icons::sheet {name} {
+    variable sheets
+    if {![dict exists $sheets $name]} {
+        set file [file join $::VESK_HOME icons $name.png]
+        dict set sheets $name [image create photo -file $file -format png]
+    }
+    return [dict get $sheets $name]
+}
+
+# drop_sheets --
+#   Frees the sheets; the icons cropped from them stay.
+proc ::vesk::icons::drop_sheets {} {
+    variable sheets
+    image delete {*}[dict values $sheets]
+    set sheets {}
+}
