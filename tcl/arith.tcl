@@ -109,7 +109,8 @@ proc ::vesk::arith::shown {number} {
     set size [expr {abs($number)}]
     if {!($size < 1e6) || ($size > 0 && $size < 0.0005)} {return [format %.4g $number]}
     set text [format %.3f $number]
-    return [expr {$text eq "-0.000" ? "0.000" : $text}]
+    if {$text eq "-0.000"} {return 0.000}
+    return $text
 }
 
 # grouped --

@@ -1,0 +1,377 @@
+# dialogs.tcl --
+#   Small windows: a question with buttons, the options of an operation at the lower left of the
+#   focused view, and a window that shows a text. Plus the fields that panels share.
+
+namespace eval ::vesk::dialogs {
+    variable answer ""
+    variable kept               ;# last typed values: command -> list
+    array set kept {}
+}
+
+# ---- fields ----
+
+# axis_field --
+#   A field with a bold axis letter and a right-aligned number. Returns its entry.
+#   axis      x, y or z (colour and letter)
+#   variable  global name of the variable that the entry shows
+#   prefix    surface it lies on: "", Panel.
+proc ::vesk::dialogs::axis_field {path axis variable {prefix ""} {width 8}} {
+    ttk::frame $path -style ${prefix}Axis.TFrame -padding [::vesk::theme::pad 6 3 4 3]
+    ttk::label $path.letter -text [string toupper $axis] -style ${axis}Field.TLabel
+    entry $path.value -textvariable $variable -justify right -borderwidth 0 \
+        -highlightthickness 0 -width $width -font VeskNumber
+    ::vesk::theme::recolour $path.value
+    pack $path.letter -side left
+    pack $path.value -side left -fill x -expand 1 -padx [::vesk::theme::pad 4 0]
+    bind $path.value <FocusIn> +[list $path state focus]
+    bind $path.value <FocusOut> +[list $path state !focus]
+    foreach part [list $path $path.letter] {
+        bind $part <Button-1> [list focus $path.value]
+        bind $path <Enter> [list $path state active]
+        bind $path <Leave> [list $path state !active]
+    }
+    return $path.value
+}
+
+# number_keys --
+#   Makes an entry a number field: Return and leaving apply, Escape restores, Up and Down step
+#   (Shift x 10, Control x 0.1), sums are computed. `apply` is called with the new number.
+#   variable  the entry's variable
+#   apply     words; the number is appended
+proc ::vesk::dialogs::number_keys {entry variable apply} {
+    bind $entry <FocusIn> +[list ::vesk::dialogs::number_begin %W $variable]
+    bind $entry <Return> [list ::vesk::dialogs::number_done %W $variable $apply]
+    bind $entry <KP_Enter> [list ::vesk::dialogs::number_done %W $variable $apply]
+    bind $entry <FocusOut> +[list ::vesk::dialogs::number_done %W $variable $apply]
+    bind $entry <Escape> [list ::vesk::dialogs::number_escape %W $variable]
+    foreach {key step} {Up 1 Down -1} {
+        foreach {modifier factor} {{} 1 Shift- 10 Control- 0.1} {
+            bind $entry <${modifier}Key-$key> [list ::vesk::dialogs::number_step %W $variable \
+                $apply [expr {$step * $factor}]]
+        }
+    }
+}
+
+# number_begin --
+#   Remembers what the field showed, for Escape and to see whether anything was typed.
+proc ::vesk::dialogs::number_begin {w variable} {
+    variable before
+    set before($w) [set $variable]
+    if {[winfo class $w] in {Entry TEntry}} {$w selection range 0 end}
+}
+
+proc ::vesk::dialogs::number_done {w variable apply} {
+    variable before
+    set text [set $variable]
+    if {[info exists before($w)] && $before($w) eq $text} {return}
+    set current [expr {[info exists before($w)] ? $before($w) : ""}]
+    if {![string is double -strict $current]} {set current ""}
+    if {[catch {::vesk::arith::value $text $current} number]} {
+        mark_invalid $w 1
+        display_message $number
+        return
+    }
+    mark_invalid $w 0
+    {*}$apply $number
+    set before($w) [set $variable]
+}
+
+proc ::vesk::dialogs::number_escape {w variable} {
+    variable before
+    if {[info exists before($w)]} {set $variable $before($w)}
+    mark_invalid $w 0
+    $w selection range 0 end
+    return -code break
+}
+
+proc ::vesk::dialogs::number_step {w variable apply step} {
+    if {[catch {::vesk::arith::value [set $variable]} number]} {return}
+    set size [expr {[info exists ::prefs_grid] && $::prefs_grid > 0 ? $::prefs_grid : 0.1}]
+    set number [expr {$number + $step * $size}]
+    set $variable [::vesk::arith::shown $number]
+    {*}$apply $number
+    number_begin $w $variable
+    return -code break
+}
+
+# mark_invalid --
+#   Shows or clears the error outline of a field, whichever kind it is.
+proc ::vesk::dialogs::mark_invalid {w invalid} {
+    set state [expr {$invalid ? "invalid" : "!invalid"}]
+    if {[winfo class $w] eq "Entry"} {
+        [winfo parent $w] state $state
+    } else {
+        $w state $state
+    }
+}
+
+# ---- a question ----
+
+# question --
+#   Asks; returns the name of the chosen answer.
+#   answers   name label pairs from left to right
+#   default   answer of Return;  escape  answer of Escape and of closing the window
+proc ::vesk::dialogs::question {title text answers default escape} {
+    variable answer
+    set w .question
+    destroy $w
+    toplevel $w -class Dialog
+    wm withdraw $w
+    wm title $w VESK
+    wm transient $w .
+    wm protocol $w WM_DELETE_WINDOW [list set ::vesk::dialogs::answer $escape]
+    ::vesk::theme::on $w panel
+    ttk::frame $w.in -style Panel.TFrame -padding [::vesk::theme::px 20]
+    pack $w.in -fill both -expand 1
+    ttk::label $w.in.title -text $title -style Panel.Bold.TLabel
+    ttk::label $w.in.text -text $text -style Panel.Dim.TLabel \
+        -wraplength [::vesk::theme::px 380] -justify left
+    pack $w.in.title $w.in.text -anchor w -pady [::vesk::theme::pad 0 8]
+    ttk::frame $w.in.row -style Panel.TFrame
+    pack $w.in.row -fill x -pady [::vesk::theme::pad 10 0]
+    set side left
+    foreach {name label} $answers {
+        set style [expr {$name eq $default ? "Panel.Default.TButton" : "Panel.TButton"}]
+        ttk::button $w.in.row.$name -text $label -style $style \
+            -command [list set ::vesk::dialogs::answer $name]
+    }
+    # The answers that do not go on stand apart at the left.
+    set names [dict keys $answers]
+    if {[llength $names] > 2} {
+        pack $w.in.row.[lindex $names 0] -side left -padx [::vesk::theme::pad 0 40]
+        set names [lrange $names 1 end]
+    }
+    foreach name [lreverse $names] {
+        pack $w.in.row.$name -side right -padx [::vesk::theme::pad 8 0]
+    }
+    bind $w <Return> [list ::vesk::dialogs::press_focused $w $default]
+    bind $w <Escape> [list set ::vesk::dialogs::answer $escape]
+    set answer ""
+    show_modal $w $w.in.row.$default
+    vwait ::vesk::dialogs::answer
+    close_modal $w
+    return $answer
+}
+
+# press_focused --
+#   Return presses the focused button, else the default one.
+proc ::vesk::dialogs::press_focused {w default} {
+    set focus [focus]
+    if {$focus ne "" && [winfo class $focus] eq "TButton"} {
+        $focus invoke
+    } else {
+        set ::vesk::dialogs::answer $default
+    }
+}
+
+# show_modal, close_modal --
+#   A window over the middle of the main one, with a grab; the focus goes back afterwards.
+proc ::vesk::dialogs::show_modal {w focus} {
+    variable focus_before
+    set focus_before($w) [focus]
+    update idletasks
+    place_over $w
+    wm deiconify $w
+    # A grab fails while the window is not yet viewable.
+    tkwait visibility $w
+    catch {grab set $w}
+    raise $w
+    focus -force $focus
+}
+proc ::vesk::dialogs::close_modal {w} {
+    variable focus_before
+    grab release $w
+    destroy $w
+    if {[winfo exists $focus_before($w)]} {focus $focus_before($w)}
+}
+proc ::vesk::dialogs::place_over {w} {
+    set x [expr {[winfo rootx .] + ([winfo width .] - [winfo reqwidth $w]) / 2}]
+    set y [expr {[winfo rooty .] + ([winfo height .] - [winfo reqheight $w]) / 3}]
+    wm geometry $w +[expr {max(0, $x)}]+[expr {max(0, $y)}]
+}
+
+# ---- a text to read ----
+
+# show_text --
+#   A window with a text; one per title.
+proc ::vesk::dialogs::show_text {title text {columns 72} {lines 24}} {
+    set w .text[string tolower [regsub -all {[^A-Za-z]} $title ""]]
+    destroy $w
+    toplevel $w -class Dialog
+    wm withdraw $w
+    wm title $w "$title - VESK"
+    wm transient $w .
+    ::vesk::theme::on $w panel
+    ttk::label $w.title -text $title -style Panel.Title.TLabel
+    text $w.text -width $columns -height $lines -font VeskMono -wrap word \
+        -padx [::vesk::theme::px 10] -pady [::vesk::theme::px 8] \
+        -yscrollcommand [list ::vesk::theme::autohide $w.bar]
+    ::vesk::theme::recolour $w.text
+    ttk::scrollbar $w.bar -style Panel.Vertical.TScrollbar -command [list $w.text yview]
+    ttk::button $w.close -text Close -style Panel.Default.TButton -command [list destroy $w]
+    grid $w.title -sticky w -padx [::vesk::theme::px 20] -pady [::vesk::theme::pad 16 8]
+    grid $w.text $w.bar -sticky nswe
+    grid $w.close - -sticky e -padx [::vesk::theme::px 20] -pady [::vesk::theme::px 12]
+    grid columnconfigure $w 0 -weight 1
+    grid rowconfigure $w 1 -weight 1
+    $w.text insert end $text
+    $w.text configure -state disabled
+    bind $w <Escape> [list destroy $w]
+    bind $w <Return> [list destroy $w]
+    update idletasks
+    place_over $w
+    wm deiconify $w
+    focus $w.close
+}
+
+# ---- the options of an operation ----
+
+# ask --
+#   Shows the options of a command at the lower left of the focused view: Return and Apply run it,
+#   Escape closes.
+#   target  command, then fields {label kind default ...}:
+#             number, int, text   typed, an argument each
+#             from KEY            a number, first the preference's value
+#             choice {text value ...}
+#             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
+#             pref KEY number|int|bool   edits a preference, is no argument
+proc ::vesk::dialogs::ask {title target help} {
+    variable fields
+    set command [lindex $target 0]
+    set specs [lrange $target 1 end]
+    # A lone file name needs no panel around its dialog.
+    if {[llength $specs] == 1 && [lindex $specs 0 1] in {open_file save_file}} {
+        set name [ask_file [lindex $specs 0] $title]
+        if {$name ne ""} {::vesk::ops::run $command $name}
+        return
+    }
+    set w [::vesk::view::area].options
+    destroy $w
+    array unset fields
+    ttk::frame $w -style Raise.TFrame -padding 1
+    ttk::frame $w.in -style Panel.TFrame -padding [::vesk::theme::px 12]
+    pack $w.in -fill both -expand 1
+    ttk::label $w.in.title -text $title -style Panel.Bold.TLabel
+    grid $w.in.title - -sticky w -pady [::vesk::theme::pad 0 6]
+    set row 0
+    foreach spec $specs {
+        add_field $w.in $row $spec $command
+        incr row
+    }
+    set run [list ::vesk::dialogs::run_options $w $command $specs]
+    ttk::frame $w.in.row -style Panel.TFrame
+    ttk::button $w.in.row.apply -text Apply -style Panel.Default.TButton -command $run
+    ttk::button $w.in.row.close -text Close -style Panel.TButton \
+        -command [list ::vesk::dialogs::close_options $w]
+    pack $w.in.row.close $w.in.row.apply -side right -padx [::vesk::theme::pad 8 0]
+    grid $w.in.row - -sticky we -pady [::vesk::theme::pad 10 0]
+    grid columnconfigure $w.in 1 -weight 1
+    foreach child [concat [winfo children $w.in] [winfo children $w.in.row]] {
+        bind $child <Escape> [list ::vesk::dialogs::close_options $w]
+        if {[winfo class $child] ne "TButton"} {bind $child <Return> $run}
+    }
+    bind $w.in.row.apply <Return> $run
+    bind $w.in.row.close <Return> [list ::vesk::dialogs::close_options $w]
+    ::vesk::view::place_options $w
+    if {$row > 0} {focus $w.in.f0} else {focus $w.in.row.apply}
+    display_message $help
+}
+
+# add_field --
+#   One row of the options: label left, field right.
+proc ::vesk::dialogs::add_field {w row spec command} {
+    variable fields
+    variable kept
+    lassign $spec label kind default extra
+    set variable ::vesk::dialogs::fields($row)
+    set path $w.f$row
+    if {[info exists kept($command)] && $kind in {number int text choice}} {
+        set fields($row) [lindex $kept($command) $row]
+    } else {
+        set fields($row) $default
+    }
+    if {$kind eq "from"} {set fields($row) [::vesk::arith::shown [set ::prefs_$default]]}
+    if {$kind eq "pref"} {
+        set fields($row) [set ::prefs_$default]
+        set kind $extra
+    }
+    switch -- $kind {
+        bool {
+            ttk::checkbutton $path -text $label -variable $variable -style Panel.TCheckbutton
+            grid $path - -sticky w -pady [::vesk::theme::px 4]
+            return
+        }
+        choice {
+            set texts [dict keys $default]
+            if {$fields($row) ni $texts} {set fields($row) [lindex $texts 0]}
+            ttk::combobox $path -values $texts -state readonly -width 9 -textvariable $variable \
+                -style Panel.TCombobox
+        }
+        text - open_file - save_file {
+            ttk::entry $path -textvariable $variable -width 24 -style Panel.TEntry
+        }
+        default {
+            ttk::entry $path -textvariable $variable -width 9 -justify right \
+                -font VeskNumber -style Panel.TEntry
+        }
+    }
+    ttk::label $w.l$row -text $label -style Panel.Dim.TLabel
+    grid $w.l$row $path -sticky we -pady [::vesk::theme::px 2]
+    grid configure $w.l$row -padx [::vesk::theme::pad 0 12]
+}
+
+# ask_file --
+#   The file dialog of one field.
+proc ::vesk::dialogs::ask_file {spec title} {
+    lassign $spec label kind suffixes
+    set patterns [lmap suffix $suffixes {string cat * $suffix}]
+    if {$kind eq "open_file"} {
+        return [::vesk::filebox::ask open $title $::prefs_default_dir \
+            [list [list $title $patterns] {"All files" *}]]
+    }
+    if {$suffixes eq ""} {set patterns *.vesk}
+    set name [::vesk::filebox::ask save $title $::prefs_export_file_path \
+        [list [list $title $patterns] {"All files" *}]]
+    if {$name ne ""} {set ::prefs_export_file_path [file dirname $name]}
+    return $name
+}
+
+# run_options --
+#   Reads the fields, sets the preferences among them and runs the command.
+proc ::vesk::dialogs::run_options {w command specs} {
+    variable fields
+    variable kept
+    set words {}
+    set typed {}
+    set row -1
+    foreach spec $specs {
+        incr row
+        lassign $spec label kind default extra
+        set text $fields($row)
+        lappend typed $text
+        set wanted [expr {$kind eq "pref" ? $extra : $kind}]
+        if {$wanted in {number int from}} {
+            if {[catch {::vesk::arith::value $text} text]} {
+                mark_invalid $w.in.f$row 1
+                display_message "$label: $text"
+                focus $w.in.f$row
+                return
+            }
+            mark_invalid $w.in.f$row 0
+            if {$wanted eq "int"} {set text [expr {int($text)}]}
+        }
+        if {$kind eq "choice"} {set text [dict get $default $text]}
+        if {$kind eq "pref"} {
+            set ::prefs_$default $text
+        } else {
+            lappend words $text
+        }
+    }
+    set kept($command) $typed
+    ::vesk::ops::run $command {*}$words
+}
+
+proc ::vesk::dialogs::close_options {w} {
+    destroy $w
+    ::vesk::view::focus_last
+}

@@ -1,0 +1,283 @@
+# filebox.tcl --
+#   The file dialog: places at the left, a list of the folder, the name, the filter. It never
+#   changes the current directory.
+
+namespace eval ::vesk::filebox {
+    variable result ""
+    variable folder ""
+    variable how open
+    variable name ""
+    variable filters {}
+    variable filter ""
+}
+
+# ask --
+#   Returns the chosen absolute name, or "" when the dialog was left.
+#   how      open (an existing file), save (a new name; asks before replacing) or folder
+#   start    folder to begin in; "" the home folder
+#   filters  {{description patterns} ...}; the number of the chosen one is fsBox(currentfilter)
+#   wanted   name to begin with
+proc ::vesk::filebox::ask {how_wanted title start filters_wanted {wanted ""}} {
+    variable result
+    variable folder
+    variable how $how_wanted
+    variable name $wanted
+    variable filters [cleaned $filters_wanted]
+    variable filter
+    if {$start eq "" || ![file isdirectory $start]} {set start $::prefs_default_dir}
+    if {$start eq "" || ![file isdirectory $start]} {set start [file normalize ~]}
+    set folder [file normalize $start]
+    set number $::fsBox(currentfilter)
+    if {![string is integer -strict $number] || $number < 0 || $number >= [llength $filters]} {
+        set number 0
+        set ::fsBox(currentfilter) 0
+    }
+    set filter [lindex $filters $number 0]
+    set result ""
+    build .filebox $title
+    fill .filebox
+    ::vesk::dialogs::show_modal .filebox .filebox.name
+    .filebox.name icursor end
+    .filebox.name selection range 0 end
+    vwait ::vesk::filebox::result
+    ::vesk::dialogs::close_modal .filebox
+    return [string range $result 1 end]
+}
+
+# cleaned --
+#   The filters as {description patterns} pairs; a text that is no such list means all files.
+proc ::vesk::filebox::cleaned {wanted} {
+    set pairs {}
+    if {![catch {llength $wanted}]} {
+        foreach pair $wanted {
+            if {[catch {llength $pair} count] || $count < 2} {continue}
+            lassign $pair description patterns
+            if {[catch {llength $patterns}]} {continue}
+            set globs {}
+            foreach pattern $patterns {
+                lappend globs [expr {[string match .* $pattern] ? "*$pattern" : $pattern}]
+            }
+            lappend pairs [list $description $globs]
+        }
+    }
+    if {[llength $pairs] == 0} {set pairs {{"All files" *}}}
+    return $pairs
+}
+
+proc ::vesk::filebox::build {w title} {
+    variable how
+    variable filters
+    destroy $w
+    toplevel $w -class Dialog
+    wm withdraw $w
+    wm title $w "$title - VESK"
+    wm transient $w .
+    wm protocol $w WM_DELETE_WINDOW {set ::vesk::filebox::result " "}
+    ::vesk::theme::on $w panel
+    set p [::vesk::theme::px 8]
+    ttk::frame $w.top -style Panel.TFrame
+    ttk::entry $w.top.folder -textvariable ::vesk::filebox::folder -style Panel.TEntry
+    ttk::button $w.top.up -text "Up" -style Panel.TButton -command [list ::vesk::filebox::up $w]
+    pack $w.top.up -side right -padx [list $p 0]
+    pack $w.top.folder -side left -fill x -expand 1
+    ttk::treeview $w.places -show tree -selectmode browse -height 14
+    $w.places column #0 -width [::vesk::theme::px 150]
+    ttk::treeview $w.list -columns {size time} -show {tree} -selectmode browse -height 14 \
+        -yscrollcommand [list ::vesk::theme::autohide $w.bar]
+    $w.list column #0 -width [::vesk::theme::px 330]
+    $w.list column size -width [::vesk::theme::px 80] -anchor e -stretch 0
+    $w.list column time -width [::vesk::theme::px 130] -anchor e -stretch 0
+    ttk::scrollbar $w.bar -style Field.Vertical.TScrollbar -command [list $w.list yview]
+    ttk::frame $w.bottom -style Panel.TFrame
+    ttk::label $w.label -text [expr {$how eq "folder" ? "Folder" : "Name"}] -style Panel.Dim.TLabel
+    ttk::entry $w.name -textvariable ::vesk::filebox::name -style Panel.TEntry
+    ttk::combobox $w.filter -state readonly -textvariable ::vesk::filebox::filter \
+        -values [lmap pair $filters {lindex $pair 0}] -style Panel.TCombobox -width 24
+    ttk::label $w.message -style Panel.Dim.TLabel
+    ttk::button $w.bottom.cancel -text Cancel -style Panel.TButton \
+        -command {set ::vesk::filebox::result " "}
+    ttk::button $w.bottom.ok -style Panel.Default.TButton \
+        -text [dict get {open Open save Save folder Choose} $how] \
+        -command [list ::vesk::filebox::accept $w]
+    pack $w.bottom.ok $w.bottom.cancel -side right -padx [list $p 0]
+    grid $w.top - - - -sticky we -padx $p -pady $p
+    grid $w.places $w.list - $w.bar -sticky nswe
+    grid $w.label $w.name $w.filter - -sticky we -padx $p -pady $p
+    grid $w.message - $w.bottom - -sticky we -padx $p -pady [list 0 $p]
+    grid columnconfigure $w 1 -weight 1
+    grid rowconfigure $w 1 -weight 1
+    if {$how eq "folder"} {grid remove $w.filter}
+    bind $w.filter <<ComboboxSelected>> [list ::vesk::filebox::choose_filter $w]
+    bind $w.list <<TreeviewSelect>> [list ::vesk::filebox::selected $w]
+    bind $w.list <Double-1> [list ::vesk::filebox::accept $w]
+    bind $w.list <Return> [list ::vesk::filebox::accept $w]
+    bind $w.list <BackSpace> [list ::vesk::filebox::up $w]
+    bind $w.places <<TreeviewSelect>> [list ::vesk::filebox::place_chosen $w]
+    bind $w.name <Return> [list ::vesk::filebox::accept $w]
+    bind $w.name <Down> [list ::vesk::filebox::to_list $w]
+    bind $w.top.folder <Return> [list ::vesk::filebox::go $w]
+    bind $w <Escape> {set ::vesk::filebox::result " "}
+    foreach {label path} [places] {
+        $w.places insert {} end -text " $label" -image [::vesk::icons::get folder dim] \
+            -values [list $path]
+    }
+}
+
+# places --
+#   Where models usually lie: {label folder ...}, each once.
+proc ::vesk::filebox::places {} {
+    set result {}
+    set seen {}
+    foreach {label path} [list Home [file normalize ~] Documents [file normalize ~/Documents] \
+            Examples [file join $::VESK_HOME examples] "Opened last" $::prefs_load_file_path \
+            "Saved last" $::prefs_save_file_path "Imported last" $::prefs_import_file_path \
+            "File system" /] {
+        if {$path eq "" || $path in $seen || ![file isdirectory $path]} {continue}
+        lappend seen $path
+        lappend result $label $path
+    }
+    return $result
+}
+
+# fill --
+#   Lists the folder: sub-folders first, then the files of the filter.
+proc ::vesk::filebox::fill {w} {
+    variable folder
+    variable how
+    variable filters
+    variable filter
+    variable shown {}
+    $w.list delete [$w.list children {}]
+    set folders [lsort -dictionary [glob -nocomplain -directory $folder -types d -tails -- *]]
+    set patterns [lindex [lsearch -inline -exact -index 0 $filters $filter] 1]
+    set files {}
+    if {$how ne "folder"} {
+        foreach name [glob -nocomplain -directory $folder -types {f} -tails -- *] {
+            foreach pattern $patterns {
+                if {[string match -nocase $pattern $name]} {
+                    lappend files $name
+                    break
+                }
+            }
+        }
+    }
+    set image [::vesk::icons::get o-group dim]
+    foreach name $folders {
+        dict set shown [$w.list insert {} end -text " $name" -image $image] [list folder $name]
+    }
+    set image [::vesk::icons::get o-poly dim]
+    foreach name [lsort -dictionary -unique $files] {
+        set path [file join $folder $name]
+        # The file may be gone by now.
+        if {[catch {list [size_text [file size $path]] \
+                [clock format [file mtime $path] -format "%Y-%m-%d %H:%M"]} values]} {continue}
+        dict set shown [$w.list insert {} end -text " $name" -image $image -values $values] \
+            [list file $name]
+    }
+    $w.message configure -text [expr {[file readable $folder] ? "" : "This folder cannot be read."}]
+}
+
+proc ::vesk::filebox::size_text {bytes} {
+    if {$bytes < 1000} {return "$bytes B"}
+    if {$bytes < 1000000} {return "[format %.1f [expr {$bytes / 1000.0}]] kB"}
+    return "[format %.1f [expr {$bytes / 1e6}]] MB"
+}
+
+proc ::vesk::filebox::enter {w path} {
+    variable folder
+    set folder [file normalize $path]
+    fill $w
+}
+proc ::vesk::filebox::up {w} {
+    variable folder
+    enter $w [file dirname $folder]
+}
+proc ::vesk::filebox::go {w} {
+    variable folder
+    if {[file isdirectory $folder]} {
+        enter $w $folder
+    } else {
+        $w.message configure -text "There is no folder of this name."
+    }
+}
+proc ::vesk::filebox::place_chosen {w} {
+    set item [$w.places selection]
+    if {$item ne ""} {enter $w [lindex [$w.places item $item -values] 0]}
+}
+proc ::vesk::filebox::to_list {w} {
+    set item [lindex [$w.list children {}] 0]
+    if {$item ne ""} {
+        $w.list selection set [list $item]
+        $w.list focus $item
+        focus $w.list
+    }
+}
+proc ::vesk::filebox::choose_filter {w} {
+    set ::fsBox(currentfilter) [$w.filter current]
+    fill $w
+}
+proc ::vesk::filebox::selected {w} {
+    variable shown
+    variable name
+    set item [lindex [$w.list selection] 0]
+    if {$item eq "" || ![dict exists $shown $item]} {return}
+    lassign [dict get $shown $item] kind text
+    if {$kind eq "file"} {set name $text}
+}
+
+# accept --
+#   Enters a chosen folder, else answers with the name when it will do.
+proc ::vesk::filebox::accept {w} {
+    variable shown
+    variable folder
+    variable name
+    variable how
+    variable result
+    set item [lindex [$w.list selection] 0]
+    if {[focus] eq "$w.list" && $item ne "" && [lindex [dict get $shown $item] 0] eq "folder"} {
+        enter $w [file join $folder [lindex [dict get $shown $item] 1]]
+        return
+    }
+    set path [expr {$name eq "" ? $folder : [file join $folder $name]}]
+    if {$how eq "folder"} {
+        if {[file isdirectory $path]} {
+            set result " $path"
+        } else {
+            $w.message configure -text "There is no folder of this name."
+        }
+        return
+    }
+    if {$name eq ""} {
+        $w.message configure -text "A name is missing."
+    } elseif {[file isdirectory $path]} {
+        set name ""
+        enter $w $path
+    } elseif {$how eq "open" && ![file exists $path]} {
+        $w.message configure -text "There is no file of this name."
+    } elseif {$how eq "save" && ![file isdirectory [file dirname $path]]} {
+        $w.message configure -text "There is no folder of this name."
+    } elseif {$how eq "save" && [file exists [with_suffix $path]]
+            && ![replace_confirmed [with_suffix $path]]} {
+        $w.message configure -text ""
+    } else {
+        set result " [expr {$how eq "save" ? [with_suffix $path] : $path}]"
+    }
+}
+
+# with_suffix --
+#   A name without suffix gets the first one of the filter.
+proc ::vesk::filebox::with_suffix {path} {
+    variable filters
+    variable filter
+    if {[file extension $path] ne ""} {return $path}
+    set pattern [lindex [lsearch -inline -exact -index 0 $filters $filter] 1 0]
+    return $path[file extension $pattern]
+}
+
+proc ::vesk::filebox::replace_confirmed {path} {
+    set answer [::vesk::dialogs::question "Replace [file tail $path]?" \
+        "A file of this name exists in [file dirname $path]." \
+        {cancel Cancel replace Replace} cancel cancel]
+    if {[winfo exists .filebox]} {catch {grab set .filebox}}
+    return [expr {$answer eq "replace"}]
+}

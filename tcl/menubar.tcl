@@ -1,0 +1,335 @@
+# menubar.tcl --
+#   Builds menus from the table: the bar (real Tk menus below .mbar, so that Alt+letter and F10
+#   work), context menus, accelerators. What fits the selection and what this build can do is asked
+#   when a menu is opened: entries are greyed, never hidden.
+
+namespace eval ::vesk::menus {
+    variable bound {}       ;# accelerators bound: event -> row
+    variable info           ;# cache of command_info: name -> list
+    variable paths {}       ;# menu name -> widget, for menus of the bar
+    array set info {}
+}
+
+# rows, label --
+#   A menu's rows, and its label without the mark of the underlined letter.
+proc ::vesk::menus::rows {name} {
+    variable table
+    if {![dict exists $table $name]} {return {}}
+    return [lindex [dict get $table $name] 1]
+}
+proc ::vesk::menus::label {name} {
+    variable table
+    return [string map {& {}} [lindex [dict get $table $name] 0]]
+}
+
+# build_bar --
+#   Makes the bar and all its menus inside the frame `bar_frame`.
+proc ::vesk::menus::build_bar {bar_frame} {
+    variable bar
+    variable table
+    foreach name $bar {
+        lassign [split_label [lindex [dict get $table $name] 0]] text underline
+        set button $bar_frame.$name
+        menubutton $button -text $text -underline $underline -relief flat -borderwidth 0 \
+            -highlightthickness 0 -padx [::vesk::theme::px 8] -pady [::vesk::theme::px 4] \
+            -menu $button.menu -takefocus 0
+        pack $button -side left -fill y
+        build $name $button.menu
+    }
+    bind_accelerators
+}
+
+# build --
+#   Makes one menu and the menus below it.
+proc ::vesk::menus::build {name path} {
+    variable paths
+    dict set paths $name $path
+    menu $path -tearoff 0 -postcommand [list ::vesk::menus::refresh $name $path]
+    ::vesk::theme::recolour $path
+    foreach row [rows $name] {
+        add_row $path $row
+    }
+}
+
+# split_label --
+#   {text underline} of a label with "&" before the underlined letter.
+proc ::vesk::menus::split_label {label} {
+    set underline [string first & $label]
+    return [list [string map {& {}} $label] $underline]
+}
+
+# add_row --
+#   Appends one row. Blanks round label and key make the margins that Tk leaves out.
+proc ::vesk::menus::add_row {path row} {
+    lassign $row kind label target key needs help
+    if {$kind eq "line"} {
+        $path add separator
+        return
+    }
+    lassign [split_label $label] text underline
+    set options [list -label "  $text" -image [::vesk::theme::menu_row_image] -compound left]
+    if {$underline >= 0} {lappend options -underline [expr {$underline + 2}]}
+    if {$key ne ""} {lappend options -accelerator "   $key   "} else {
+        lappend options -accelerator "   "
+    }
+    switch -- $kind {
+        menu {
+            set child $path.[menu_widget_name $target]
+            build $target $child
+            $path add cascade {*}$options -menu $child
+        }
+        check {
+            $path add checkbutton {*}$options -variable [lindex $target 0] \
+                -command [list ::vesk::menus::changed [lindex $target 0] [lrange $target 1 end]]
+        }
+        radio {
+            $path add radiobutton {*}$options -variable [lindex $target 0] \
+                -value [lindex $target 1] \
+                -command [list ::vesk::menus::changed [lindex $target 0] [lrange $target 2 end]]
+        }
+        default {
+            $path add command {*}$options -command [list ::vesk::menus::invoke $row]
+        }
+    }
+}
+
+# menu_widget_name --
+#   The last part of a submenu's path; the texture list keeps the name the executable adds to.
+proc ::vesk::menus::menu_widget_name {name} {
+    return [expr {$name eq "texture_list" ? "texture" : $name}]
+}
+
+# invoke --
+#   Does what a row says.
+proc ::vesk::menus::invoke {row} {
+    lassign $row kind label target key needs help
+    switch -- $kind {
+        run  {::vesk::ops::run {*}$target}
+        ask  {::vesk::dialogs::ask [string map {& {} ... {}} $label] $target $help}
+        call {{*}$target}
+        show {::vesk::help::show_result {*}$target}
+        check {
+            set variable [lindex $target 0]
+            set ::[string trimleft $variable :] [expr {![set ::[string trimleft $variable :]]}]
+            changed $variable [lrange $target 1 end]
+        }
+        radio {
+            set ::[string trimleft [lindex $target 0] :] [lindex $target 1]
+            changed [lindex $target 0] [lrange $target 2 end]
+        }
+    }
+}
+
+# changed --
+#   After a check or radio entry changed its variable: calls a procedure of these scripts, or an
+#   executable command.
+proc ::vesk::menus::changed {variable words} {
+    if {[llength $words] == 0} {
+        ::vesk::ops::echo set ::[string trimleft $variable :] [set ::[string trimleft $variable :]]
+        return
+    }
+    if {[string match ::vesk::* [lindex $words 0]]} {
+        {*}$words
+        return
+    }
+    ::vesk::ops::run {*}$words
+}
+
+# ---- what can be done now ----
+
+# known --
+#   Whether the executable has a command, and does something for it in this build.
+proc ::vesk::menus::known {command} {
+    variable info
+    if {![info exists info($command)]} {
+        set info($command) [vesk command_info $command]
+    }
+    set row $info($command)
+    return [expr {[llength $row] > 0 && [lindex $row 4] ne "0"}]
+}
+
+# forget_known --
+#   Plug-ins may have added commands.
+proc ::vesk::menus::forget_known {} {
+    variable info
+    array unset info
+}
+
+# row_command --
+#   The executable command that a row depends on, or "".
+proc ::vesk::menus::row_command {row} {
+    lassign $row kind label target
+    switch -- $kind {
+        run - ask - show {return [lindex $target 0]}
+        radio {
+            set command [lindex $target 2]
+            return [expr {[string match ::* $command] ? "" : $command}]
+        }
+        call {
+            if {[lindex $target 0] eq "::vesk::tools::choose"} {
+                return [::vesk::tools::needed [lindex $target 1]]
+            }
+            if {[lindex $target 0] eq "::vesk::hier::to_head"} {return object_move_to_head}
+            if {[lindex $target 0] eq "::vesk::palette::apply_current"} {return set_col}
+            if {[lindex $target 0] eq "::vesk::files::new"} {return clear_all}
+            if {[lindex $target 0] eq "::vesk::plugins::about"} {return get_plugin_list}
+        }
+    }
+    return ""
+}
+
+# possible --
+#   1 when a row can be chosen now.
+#   state  dictionary as `now` makes it
+proc ::vesk::menus::possible {row state} {
+    lassign $row kind label target key needs
+    set command [row_command $row]
+    if {$command ne "" && ![known $command]} {return 0}
+    switch -- $needs {
+        some    {return [expr {[dict get $state selected] > 0}]}
+        object  {return [expr {[dict get $state objects] > 0}]}
+        surface {return [expr {[dict get $state surfaces] > 0}]}
+        vertex  {return [expr {[dict get $state vertices] > 0}]}
+        undo    {return [expr {$::undo_count > 0}]}
+        hidden  {return [expr {!!$::objects_are_hidden}]}
+        locked  {return [expr {!!$::objects_are_locked}]}
+        model   {return [expr {[dict get $state total] > 0}]}
+    }
+    return 1
+}
+
+# now --
+#   What is selected and how much there is.
+proc ::vesk::menus::now {} {
+    lassign [vesk get_counts] objects total surfaces all_surfaces vertices all_vertices
+    set chosen [llength [vesk get_selected_objects]]
+    return [dict create objects $chosen surfaces [expr {$chosen ? 0 : $surfaces}] \
+        vertices [expr {$chosen || $::vesk::select_mode ne "vertex" ? 0 : $vertices}] \
+        selected [expr {$objects + $surfaces + $vertices + $chosen}] total $total]
+}
+
+# refresh --
+#   Greys what cannot be chosen; called when a menu opens. Rows that others appended stay.
+proc ::vesk::menus::refresh {name path} {
+    set state [now]
+    set entry 0
+    foreach row [rows $name] {
+        if {[lindex $row 0] ni {line menu}} {
+            set possible [possible $row $state]
+            $path entryconfigure $entry -state [expr {$possible ? "normal" : "disabled"}]
+        }
+        if {[lindex $row 0] eq "menu" && [lindex $row 2] eq "recent"} {
+            ::vesk::files::fill_recent $path.recent
+        }
+        incr entry
+    }
+}
+
+# ---- keys ----
+
+# event_of --
+#   The Tk event of a key text such as Ctrl+Shift+S or F12; "" for keys that belong to the views.
+proc ::vesk::menus::event_of {key} {
+    set parts [split $key +]
+    if {[string match *++ $key]} {set parts [concat [split [string range $key 0 end-2] +] plus]}
+    set last [lindex $parts end]
+    set modifiers [lrange $parts 0 end-1]
+    if {"Ctrl" ni $modifiers && ![regexp {^F\d+$} $last]} {return ""}
+    set last [string map {, comma - minus Space space} $last]
+    if {[string length $last] == 1} {
+        set last [expr {"Shift" in $modifiers ? [string toupper $last] : [string tolower $last]}]
+    }
+    set event ""
+    if {"Ctrl" in $modifiers} {append event Control-}
+    if {"Shift" in $modifiers && [string length $last] > 1} {append event Shift-}
+    return <${event}Key-$last>
+}
+
+# bind_accelerators --
+#   Binds the keys of the table in the main window.
+proc ::vesk::menus::bind_accelerators {} {
+    variable table
+    variable bound
+    dict for {name menu} $table {
+        foreach row [lindex $menu 1] {
+            set event [event_of [lindex $row 3]]
+            if {$event eq "" || [dict exists $bound $event]} {continue}
+            dict set bound $event $row
+            bind . $event [list ::vesk::menus::key %W $row]
+        }
+    }
+}
+
+# key --
+#   An accelerator. While text is edited the editing keys are the field's; disabled rows refuse.
+proc ::vesk::menus::key {w row} {
+    if {[winfo toplevel $w] ne "."} {return}
+    set key [lindex $row 3]
+    if {[winfo class $w] in {Entry TEntry Text TCombobox}
+            && $key in {Ctrl+X Ctrl+C Ctrl+V Ctrl+A Ctrl+Z Ctrl+Shift+Z Ctrl+D Ctrl+I Ctrl+O}} {
+        if {$key ne "Ctrl+O" && $key ne "Ctrl+I"} {return}
+    }
+    if {![possible $row [now]]} {
+        display_message "[string map {& {} ... {}} [lindex $row 1]] - not possible now"
+        return -code break
+    }
+    invoke $row
+    return -code break
+}
+
+# ---- context menus ----
+
+# find --
+#   The row of a menu whose target begins with some words.
+proc ::vesk::menus::find {name words} {
+    foreach row [rows $name] {
+        if {[lrange [lindex $row 2] 0 [llength $words]-1] eq [lrange $words 0 end]} {return $row}
+    }
+    return ""
+}
+
+# popup --
+#   Shows the context menu of a select mode at a place of the screen.
+proc ::vesk::menus::popup {mode x y} {
+    variable context
+    if {![dict exists $context $mode]} {set mode object}
+    set path .popup
+    destroy $path
+    menu $path -tearoff 0
+    ::vesk::theme::recolour $path
+    set state [now]
+    foreach item [dict get $context $mode] {
+        if {$item eq "-"} {
+            $path add separator
+            continue
+        }
+        set row [find [lindex $item 0] [lindex $item 1]]
+        add_row $path $row
+        if {![possible $row $state]} {$path entryconfigure end -state disabled}
+    }
+    tk_popup $path $x $y
+}
+
+# all --
+#   Every row that does something, as {menu-path row} pairs, for the search and the key table.
+proc ::vesk::menus::all {} {
+    variable bar
+    set result {}
+    foreach name $bar {
+        collect $name [label $name] result
+    }
+    return $result
+}
+proc ::vesk::menus::collect {name trail result_var} {
+    upvar 1 $result_var result
+    foreach row [rows $name] {
+        switch -- [lindex $row 0] {
+            line {}
+            menu {
+                set text [string map {& {}} [lindex $row 1]]
+                collect [lindex $row 2] "$trail > $text" result
+            }
+            default {lappend result [list $trail $row]}
+        }
+    }
+}

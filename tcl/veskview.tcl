@@ -1,0 +1,337 @@
+# veskview.tcl --
+#   The four views: Togl widgets in cells that share an area. The borders of the cells are the
+#   dividers; the frame of the focused view is its border in the view ring's colour. Keys are bound
+#   on the Togl widgets only and handed to the executable.
+
+namespace eval ::vesk::view {
+    # Name of a view -> view id, and where it stands: column, row.
+    variable ids {xy 0 zy 1 xz 2 xyz 3}
+    variable places {xy {0 0} zy {1 0} xz {0 1} xyz {1 1}}
+    variable area_path ""
+    variable left 0.5           ;# width of the left column, share of the area
+    variable top 0.5            ;# height of the upper row
+    variable focused xyz
+    variable dragging ""
+    variable waiting ""         ;# a chip's menu that opens unless a second click follows
+}
+
+proc ::vesk::view::area {} {
+    variable area_path
+    return $area_path
+}
+
+# build --
+#   Makes the area and the four views in it.
+proc ::vesk::view::build {path} {
+    variable ids
+    variable area_path $path
+    variable left
+    variable top
+    ::vesk::theme::on [frame $path] gap
+    set left [bounded [expr {1 - $::prefs_window_3d_width_percent / 100.0}]]
+    set top [bounded [expr {1 - $::prefs_window_3d_height_percent / 100.0}]]
+    foreach name [dict keys $ids] {build_cell $name}
+    trace add variable ::viewsetting write ::vesk::view::layout
+    if {$::viewsetting ni {all xy zy xz xyz}} {
+        set ::viewsetting all
+    } else {
+        layout
+    }
+    ::vesk::theme::follow {::vesk::view::colour_frames}
+}
+
+proc ::vesk::view::bounded {share} {
+    return [expr {min(0.9, max(0.1, $share))}]
+}
+
+# build_cell --
+#   One view: frame, Togl widget, and the chip that names it and opens its menu.
+proc ::vesk::view::build_cell {name} {
+    variable ids
+    variable area_path
+    set cell $area_path.$name
+    ::vesk::theme::on [frame $cell] -
+    set options {-rgba 1 -depth 1 -stencil 1 -width 300 -height 220}
+    # The first widget owns what the others share; the name is its -ident.
+    lappend options -ident view$name
+    if {$name ne "xy"} {lappend options -sharelist viewxy}
+    lappend options -double [expr {$name eq "xyz" || $::prefs_doublebuffer_orth ? 1 : 0}]
+    togl $cell.togl {*}$options
+    pack $cell.togl -fill both -expand 1 -padx [ring] -pady [ring]
+    set ::ToglWinName($name) $cell.togl
+    ttk::menubutton $cell.chip -style Chip.TMenubutton -takefocus 0 -cursor hand2 \
+        -text [string trim [set ::prefs_window_label_$name]] -menu $cell.chip.menu
+    place $cell.chip -x [expr {[ring] + [::vesk::theme::px 7]}] \
+        -y [expr {[ring] + [::vesk::theme::px 6]}]
+    build_chip_menu $name $cell.chip.menu
+    trace add variable ::prefs_window_label_$name write [list ::vesk::view::relabel $name]
+    bind_view $name $cell
+}
+
+# ring --
+#   Width of a view's frame.
+proc ::vesk::view::ring {} {
+    return [::vesk::theme::px [expr {$::vesk::theme::current eq "contrast" ? 3 : 2}]]
+}
+
+proc ::vesk::view::relabel {name args} {
+    variable area_path
+    $area_path.$name.chip configure -text [string trim [set ::prefs_window_label_$name]]
+}
+
+# build_chip_menu --
+#   The menu of one view: its layout and what it draws.
+proc ::vesk::view::build_chip_menu {name path} {
+    menu $path -tearoff 0
+    ::vesk::theme::recolour $path
+    set rows [list [list call "&Maximise or restore" [list ::vesk::view::toggle $name] Ctrl+Space]]
+    lappend rows [list call "&Equal sizes" ::vesk::view::equal] {line}
+    foreach row [::vesk::menus::rows [expr {$name eq "xyz" ? "view3d" : "show"}]] {
+        if {[lindex $row 0] in {check radio line}} {lappend rows $row}
+    }
+    if {$name eq "xyz"} {
+        foreach words {do_perspective set_spin_viewer set_walk_viewer} {
+            lappend rows [::vesk::menus::find view3d $words]
+        }
+    }
+    foreach row $rows {::vesk::menus::add_row $path $row}
+    $path configure -postcommand [list ::vesk::view::refresh_chip_menu $path $rows]
+}
+
+proc ::vesk::view::refresh_chip_menu {path rows} {
+    set state [::vesk::menus::now]
+    set entry 0
+    foreach row $rows {
+        if {[lindex $row 0] ne "line"} {
+            $path entryconfigure $entry -state \
+                [expr {[::vesk::menus::possible $row $state] ? "normal" : "disabled"}]
+        }
+        incr entry
+    }
+}
+
+# ---- layout ----
+
+# layout --
+#   Places the cells by `viewsetting` and the two shares.
+proc ::vesk::view::layout {args} {
+    variable ids
+    variable places
+    variable area_path
+    variable left
+    variable top
+    foreach name [dict keys $ids] {
+        set cell $area_path.$name
+        if {$::viewsetting eq $name} {
+            place $cell -relx 0 -rely 0 -relwidth 1 -relheight 1
+            continue
+        }
+        # An unknown text shows nothing else than the four views.
+        if {$::viewsetting in [dict keys $ids]} {
+            place forget $cell
+            continue
+        }
+        lassign [dict get $places $name] column row
+        place $cell -relx [expr {$column ? $left : 0}] -rely [expr {$row ? $top : 0}] \
+            -relwidth [expr {$column ? 1 - $left : $left}] \
+            -relheight [expr {$row ? 1 - $top : $top}]
+    }
+}
+
+# set_shares --
+#   Moves the dividers and notes the 3D view's share for the next start.
+proc ::vesk::view::set_shares {new_left new_top} {
+    variable left [bounded $new_left]
+    variable top [bounded $new_top]
+    set ::prefs_window_3d_width_percent [expr {round(100 * (1 - $left))}]
+    set ::prefs_window_3d_height_percent [expr {round(100 * (1 - $top))}]
+    layout
+}
+
+proc ::vesk::view::equal {} {
+    set ::viewsetting all
+    set_shares 0.5 0.5
+}
+
+# toggle --
+#   Shows one view alone, or the four again.
+proc ::vesk::view::toggle {name} {
+    set ::viewsetting [expr {$::viewsetting eq $name ? "all" : $name}]
+    focus_view $name
+}
+proc ::vesk::view::toggle_focused {} {
+    variable focused
+    toggle $focused
+}
+
+# ---- dividers ----
+
+# edge --
+#   Which dividers a place of a cell's border belongs to: x, y, both or none.
+proc ::vesk::view::edge {name x y} {
+    variable places
+    variable area_path
+    if {$::viewsetting ne "all"} {return ""}
+    set cell $area_path.$name
+    lassign [dict get $places $name] column row
+    set ring [ring]
+    set result ""
+    set near [expr {$ring + [::vesk::theme::px 4]}]
+    set on_x [expr {$column ? $x < $near : $x >= [winfo width $cell] - $near}]
+    set on_y [expr {$row ? $y < $near : $y >= [winfo height $cell] - $near}]
+    if {$on_x} {append result x}
+    if {$on_y} {append result y}
+    return $result
+}
+
+proc ::vesk::view::edge_cursor {name x y} {
+    variable area_path
+    set cursor [dict get {{} {} x sb_h_double_arrow y sb_v_double_arrow xy fleur} [edge $name $x $y]]
+    if {[$area_path.$name cget -cursor] ne $cursor} {
+        $area_path.$name configure -cursor $cursor
+    }
+}
+
+proc ::vesk::view::drag {root_x root_y} {
+    variable dragging
+    variable area_path
+    variable left
+    variable top
+    set new_left $left
+    set new_top $top
+    if {[string match *x* $dragging]} {
+        set new_left [expr {($root_x - [winfo rootx $area_path]) / double([winfo width $area_path])}]
+    }
+    if {[string match *y* $dragging]} {
+        set new_top [expr {($root_y - [winfo rooty $area_path]) / double([winfo height $area_path])}]
+    }
+    if {$dragging ne ""} {set_shares $new_left $new_top}
+}
+
+# ---- focus, mouse and keys ----
+
+proc ::vesk::view::bind_view {name cell} {
+    variable ids
+    set id [dict get $ids $name]
+    set togl $cell.togl
+    bind $cell <Motion> [list ::vesk::view::edge_cursor $name %x %y]
+    bind $cell <Button-1> "set ::vesk::view::dragging \[::vesk::view::edge $name %x %y\]"
+    bind $cell <B1-Motion> {::vesk::view::drag %X %Y}
+    bind $cell <ButtonRelease-1> {set ::vesk::view::dragging ""}
+    bind $cell <Double-Button-1> {::vesk::view::equal}
+    bind $togl <Enter> [list ::vesk::view::entered $name]
+    bind $togl <FocusIn> [list ::vesk::view::focus_changed $name 1]
+    bind $togl <FocusOut> [list ::vesk::view::focus_changed $name 0]
+    bind $togl <Button> [list focus $togl]
+    bind $togl <Button-4> [list vesk zoomview $id 1]
+    bind $togl <Button-5> [list vesk zoomview $id -1]
+    bind $togl <Key> [list ::vesk::view::key $id %A %K %s]
+    # Tab and the accelerators go on to the window's own bindings.
+    foreach event {<Tab> <Shift-Tab> <ISO_Left_Tab>} {bind $togl $event {#}}
+    bind $cell.chip <Button-1> "::vesk::view::chip_pressed $name %x; break"
+    bind $cell.chip <ButtonRelease-1> break
+    bind $cell.chip <B1-Motion> break
+    bind $cell.chip <Double-Button-1> "::vesk::view::chip_double $name; break"
+}
+
+# key --
+#   Hands a key to the executable: the character itself, or the keysym's name for keys without
+#   one. The space bar is a character, Shift+space the keysym "space".
+#   text  %A, keysym  %K, state  %s
+proc ::vesk::view::key {id text keysym state} {
+    if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]} {return}
+    if {$keysym eq "Delete" || ($keysym eq "space" && $state & 1)} {
+        set key $keysym
+    } elseif {$state & 4 && [string length $keysym] == 1} {
+        # With Control the character would be a control code.
+        set key $keysym
+    } elseif {$text ne "" && [string length $text] == 1} {
+        set key $text
+    } else {
+        set key $keysym
+    }
+    vesk keypress $id $key $state
+}
+
+# entered --
+#   The pointer came into a view: it takes the focus, unless a text is being edited.
+proc ::vesk::view::entered {name} {
+    variable area_path
+    set now [focus]
+    if {$now ne "" && [winfo class $now] in {Entry TEntry Text TCombobox}} {return}
+    if {$now eq "" || [winfo toplevel $now] ne "."} {return}
+    focus $area_path.$name.togl
+}
+
+proc ::vesk::view::focus_changed {name on} {
+    variable focused
+    if {$on} {set focused $name}
+    colour_frames
+}
+
+# colour_frames --
+#   The focused view's frame is lit; the others lie in the gap.
+proc ::vesk::view::colour_frames {} {
+    variable ids
+    variable area_path
+    set now [focus]
+    foreach name [dict keys $ids] {
+        set cell $area_path.$name
+        set colour [expr {$now eq "$cell.togl" ? "view_ring" : "gap"}]
+        if {$::vesk::theme::current eq "contrast" && $colour eq "gap"} {set colour line}
+        $cell configure -background [::vesk::theme::colour $colour]
+        pack configure $cell.togl -padx [ring] -pady [ring]
+    }
+    ttk::style configure Chip.TMenubutton -background [::vesk::theme::view_background]
+}
+
+proc ::vesk::view::focus_view {name} {
+    variable area_path
+    focus $area_path.$name.togl
+}
+proc ::vesk::view::focus_last {} {
+    variable focused
+    focus_view $focused
+}
+
+# chip_pressed --
+#   A click on the arrow opens the menu at once; on the text it waits for a second click.
+proc ::vesk::view::chip_pressed {name x} {
+    variable area_path
+    variable waiting
+    after cancel $waiting
+    set chip $area_path.$name.chip
+    if {$x > [winfo width $chip] - [::vesk::theme::px 20]} {
+        post_chip $name
+    } else {
+        set waiting [after 220 [list ::vesk::view::post_chip $name]]
+    }
+}
+proc ::vesk::view::chip_double {name} {
+    variable waiting
+    after cancel $waiting
+    toggle $name
+}
+proc ::vesk::view::post_chip {name} {
+    variable area_path
+    set chip $area_path.$name.chip
+    tk_popup $chip.menu [winfo rootx $chip] [expr {[winfo rooty $chip] + [winfo height $chip]}]
+}
+
+# place_options --
+#   Puts the options of an operation at the lower left of the focused view, inside the area.
+proc ::vesk::view::place_options {w} {
+    variable area_path
+    variable focused
+    set cell $area_path.$focused
+    update idletasks
+    set x [expr {[winfo x $cell] + [ring] + [::vesk::theme::px 8]}]
+    set y [expr {[winfo y $cell] + [winfo height $cell] - [ring] - [::vesk::theme::px 8]
+        - [winfo reqheight $w]}]
+    place $w -x $x -y [expr {max(0, $y)}]
+    raise $w
+}
+
+proc popup_3d_menu {x y} {
+    ::vesk::menus::popup $::vesk::select_mode {*}[winfo pointerxy .]
+}
