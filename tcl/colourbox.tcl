@@ -1,0 +1,185 @@
+# colourbox.tcl --
+#   Choosing a colour: a field of saturation and brightness, a strip of hues, the colour as text.
+
+namespace eval ::vesk::colourbox {
+    variable answer ""
+    variable hex "#000000"
+    variable hue 0.0
+    variable saturation 0.0
+    variable brightness 0.0
+    variable side 128
+}
+
+# ask --
+#   Returns the chosen "#RRGGBB", or "" when the window was left.
+proc ::vesk::colourbox::ask {start} {
+    variable answer
+    variable hex $start
+    variable side
+    set w .colour
+    destroy $w
+    toplevel $w -class Dialog
+    wm withdraw $w
+    wm title $w "Colour - VESK"
+    wm transient $w .
+    wm protocol $w WM_DELETE_WINDOW {set ::vesk::colourbox::answer " "}
+    ::vesk::theme::on $w panel
+    set s [::vesk::theme::px [expr {$side * 2}]]
+    foreach {name width height} [list field $s $s hues [::vesk::theme::px 20] $s] {
+        ::vesk::theme::on [canvas $w.$name -width $width -height $height] panel
+        image create photo ::vesk::colourbox::$name -width $width -height $height
+        $w.$name create image 0 0 -anchor nw -image ::vesk::colourbox::$name
+    }
+    ::vesk::theme::on [frame $w.old -width [::vesk::theme::px 40] -height [::vesk::theme::px 26]] -
+    ::vesk::theme::on [frame $w.new -width [::vesk::theme::px 40] -height [::vesk::theme::px 26]] -
+    ttk::entry $w.hex -style Panel.TEntry -width 9 -justify right -font VeskNumber \
+        -textvariable ::vesk::colourbox::hex
+    ttk::button $w.ok -text Choose -style Panel.Default.TButton \
+        -command {set ::vesk::colourbox::answer " $::vesk::colourbox::hex"}
+    ttk::button $w.cancel -text Cancel -style Panel.TButton \
+        -command {set ::vesk::colourbox::answer " "}
+    set p [::vesk::theme::px 12]
+    grid $w.field - - $w.hues - -padx $p -pady $p -sticky w
+    grid $w.old $w.new $w.hex $w.cancel $w.ok -pady [list 0 $p] -padx [list $p 0] -sticky w
+    grid configure $w.ok -padx $p
+    $w.old configure -background $start
+    from_hex
+    draw_hues $w
+    show $w
+    bind $w.field <Button-1> [list ::vesk::colourbox::field_moved $w %x %y]
+    bind $w.field <B1-Motion> [list ::vesk::colourbox::field_moved $w %x %y]
+    bind $w.hues <Button-1> [list ::vesk::colourbox::hue_moved $w %y]
+    bind $w.hues <B1-Motion> [list ::vesk::colourbox::hue_moved $w %y]
+    bind $w.hex <Return> "::vesk::colourbox::typed $w; break"
+    bind $w.hex <FocusOut> [list ::vesk::colourbox::typed $w]
+    bind $w <Escape> {set ::vesk::colourbox::answer " "}
+    bind $w.ok <Return> {%W invoke}
+    set answer ""
+    ::vesk::dialogs::show_modal $w $w.hex
+    vwait ::vesk::colourbox::answer
+    ::vesk::dialogs::close_modal $w
+    image delete ::vesk::colourbox::field ::vesk::colourbox::hues
+    set chosen [string trim $answer]
+    if {![regexp {^#[0-9A-Fa-f]{6}$} $chosen]} {return ""}
+    return [string toupper $chosen]
+}
+
+# to_rgb --
+#   Hue, saturation, brightness (0 to 1) as three numbers from 0 to 255.
+proc ::vesk::colourbox::to_rgb {h s v} {
+    set result {}
+    foreach offset {5 3 1} {
+        set k [expr {fmod($offset + $h * 6, 6)}]
+        lappend result [expr {int(255 * ($v - $v * $s * max(0, min($k, 4 - $k, 1))) + 0.5)}]
+    }
+    return $result
+}
+
+# from_hex --
+#   Takes hue, saturation and brightness from the text; greys keep the last hue.
+proc ::vesk::colourbox::from_hex {} {
+    variable hex
+    variable hue
+    variable saturation
+    variable brightness
+    if {[scan $hex "#%2x%2x%2x" r g b] != 3} {return 0}
+    set top [expr {max($r, $g, $b)}]
+    set spread [expr {$top - min($r, $g, $b)}]
+    set brightness [expr {$top / 255.0}]
+    set saturation [expr {$top ? $spread / double($top) : 0}]
+    if {$spread} {
+        if {$top == $r} {
+            set hue [expr {($g - $b) / (6.0 * $spread)}]
+        } elseif {$top == $g} {
+            set hue [expr {1 / 3.0 + ($b - $r) / (6.0 * $spread)}]
+        } else {
+            set hue [expr {2 / 3.0 + ($r - $g) / (6.0 * $spread)}]
+        }
+        if {$hue < 0} {set hue [expr {$hue + 1}]}
+    }
+    return 1
+}
+
+# show --
+#   Draws the field of the hue and the marks.
+proc ::vesk::colourbox::show {w} {
+    variable hue
+    variable saturation
+    variable brightness
+    variable side
+    variable hex
+    set cells 32
+    set rows {}
+    for {set y 0} {$y < $cells} {incr y} {
+        set row {}
+        for {set x 0} {$x < $cells} {incr x} {
+            lappend row [format #%02x%02x%02x {*}[to_rgb $hue [expr {$x / ($cells - 1.0)}] \
+                [expr {1 - $y / ($cells - 1.0)}]]]
+        }
+        lappend rows $row
+    }
+    set small [image create photo -width $cells -height $cells]
+    $small put $rows
+    set size [image width ::vesk::colourbox::field]
+    ::vesk::colourbox::field copy $small -zoom [expr {($size + $cells - 1) / $cells}] \
+        -to 0 0 $size $size
+    image delete $small
+    $w.field delete mark
+    $w.hues delete mark
+    set x [expr {$saturation * $size}]
+    set y [expr {(1 - $brightness) * $size}]
+    set r [::vesk::theme::px 5]
+    foreach {colour grow} {#141414 1 #ffffff 0} {
+        $w.field create oval [expr {$x - $r - $grow}] [expr {$y - $r - $grow}] \
+            [expr {$x + $r + $grow}] [expr {$y + $r + $grow}] -outline $colour -tags mark
+    }
+    set y [expr {$hue * $size}]
+    $w.hues create rectangle 0 [expr {$y - 2}] [image width ::vesk::colourbox::hues] \
+        [expr {$y + 2}] -outline #ffffff -fill #141414 -tags mark
+    $w.new configure -background $hex
+}
+
+proc ::vesk::colourbox::draw_hues {w} {
+    set height [image height ::vesk::colourbox::hues]
+    set lines {}
+    for {set y 0} {$y < $height} {incr y} {
+        lappend lines [list [format #%02x%02x%02x {*}[to_rgb [expr {$y / double($height)}] 1 1]]]
+    }
+    ::vesk::colourbox::hues put $lines -to 0 0 [image width ::vesk::colourbox::hues] $height
+}
+
+proc ::vesk::colourbox::field_moved {w x y} {
+    variable hue
+    variable saturation
+    variable brightness
+    variable hex
+    set size [expr {double([image width ::vesk::colourbox::field])}]
+    set saturation [expr {min(1, max(0, $x / $size))}]
+    set brightness [expr {min(1, max(0, 1 - $y / $size))}]
+    set hex [format #%02X%02X%02X {*}[to_rgb $hue $saturation $brightness]]
+    show $w
+}
+
+proc ::vesk::colourbox::hue_moved {w y} {
+    variable hue
+    variable saturation
+    variable brightness
+    variable hex
+    set size [image height ::vesk::colourbox::hues]
+    set hue [expr {min(0.999, max(0, $y / double($size)))}]
+    set hex [format #%02X%02X%02X {*}[to_rgb $hue $saturation $brightness]]
+    show $w
+}
+
+proc ::vesk::colourbox::typed {w} {
+    variable hex
+    if {![winfo exists $w.hex]} {return}
+    if {[regexp {^#?([0-9A-Fa-f]{6})$} $hex -> digits]} {
+        set hex "#[string toupper $digits]"
+        $w.hex state !invalid
+        from_hex
+        show $w
+    } else {
+        $w.hex state invalid
+    }
+}

@@ -1,0 +1,276 @@
+# status.tcl --
+#   The status line: message or hint, coordinates, size, counts, next undo, badges, progress.
+#   When it gets narrow W H D go first, then the undo name, then the counts' totals.
+
+namespace eval ::vesk::status {
+    variable path ""
+    variable message ""         ;# what the line shows at the left
+    variable history {}         ;# older messages, newest first
+    variable undo_label ""
+    variable progress 0
+    variable busy_since 0       ;# milliseconds; 0 while nothing runs
+    variable idle_timer ""
+}
+
+proc ::vesk::status::build {line} {
+    variable path $line
+    ttk::frame $line -padding [::vesk::theme::pad 12 4 8 4] -height [::vesk::theme::px 32]
+    pack propagate $line 0
+    ttk::label $line.message -textvariable ::vesk::status::message -anchor w
+    build_badges $line
+    build_undo $line
+    build_counts $line
+    build_triple $line.size {w dim h dim d dim}
+    build_triple $line.coors {x axis y axis z axis}
+    build_progress $line.progress
+    foreach part {console locked hidden} {pack $line.$part -side right -padx [::vesk::theme::pad 8 0]}
+    foreach part {undo counts size coors} {
+        pack $line.line$part -side right
+        lower $line.line$part
+        pack $line.$part -side right -before $line.line$part
+    }
+    pack $line.message -side left -fill x -expand 1
+    trace add variable ::coors write ::vesk::status::show_coors
+    trace add variable ::size write ::vesk::status::show_size
+    bind $line <Configure> ::vesk::status::fit
+    ::vesk::tips::attach $line.message "Messages" "" ::vesk::status::older
+    ::vesk::ops::listen any ::vesk::status::refresh
+    show_coors
+    show_size
+    return $line
+}
+
+proc ::vesk::status::divider {path} {
+    return [::vesk::optionbar::hairline $path]
+}
+
+# build_triple --
+#   Three letters with numbers, or one text when the variable holds something else.
+#   letters  letter and style of it: axis (in the axis colour) or dim
+proc ::vesk::status::build_triple {path letters} {
+    set line [winfo parent $path]
+    divider $line.line[winfo name $path]
+    ttk::frame $path
+    foreach {letter kind} $letters {
+        set style [expr {$kind eq "axis" ? "${letter}Axis.TLabel" : "Dim.TLabel"}]
+        ttk::label $path.l$letter -text [string toupper $letter] -style $style
+        ttk::label $path.$letter -style Status.TLabel -anchor e -width 6
+        pack $path.l$letter $path.$letter -side left
+        pack configure $path.$letter -padx [::vesk::theme::pad 2 6]
+    }
+    ttk::label $path.text -style Status.TLabel
+    return $path
+}
+
+proc ::vesk::status::build_counts {line} {
+    divider $line.linecounts
+    set path $line.counts
+    ttk::frame $path
+    foreach {name label} {obj Obj surf Surf vert Vert} {
+        ttk::label $path.l$name -text $label -style Dim.TLabel
+        ttk::label $path.$name -style Status.TLabel
+        pack $path.l$name $path.$name -side left
+        pack configure $path.$name -padx [::vesk::theme::pad 4 8]
+    }
+}
+
+proc ::vesk::status::build_undo {line} {
+    divider $line.lineundo
+    ttk::button $line.undo -style Icon.Toolbutton -image [list [::vesk::icons::get undo dim] \
+        disabled [::vesk::icons::get undo disabled]] -compound left \
+        -command {::vesk::ops::run undo} -takefocus 0
+    ::vesk::tips::attach $line.undo Undo Ctrl+Z "Takes the last change back."
+}
+
+proc ::vesk::status::build_badges {line} {
+    ttk::button $line.hidden -style Icon.Toolbutton -image [::vesk::icons::get eye-off dim] \
+        -compound left -command {::vesk::ops::run unhide} -takefocus 0
+    ttk::button $line.locked -style Icon.Toolbutton -image [::vesk::icons::get lock dim] \
+        -compound left -command {::vesk::ops::run unlock} -takefocus 0
+    ttk::button $line.console -style Icon.Toolbutton -image [::vesk::icons::get console dim] \
+        -command ::vesk::console::toggle -takefocus 0
+    ::vesk::tips::attach $line.hidden "Hidden objects" "" "Click to show all."
+    ::vesk::tips::attach $line.locked "Locked objects" "" "Click to unlock all."
+    ::vesk::tips::attach $line.console Console F12 "Commands by name."
+}
+
+proc ::vesk::status::build_progress {path} {
+    ttk::frame $path
+    ttk::progressbar $path.bar -maximum 100 -length [::vesk::theme::px 150] \
+        -variable ::vesk::status::progress
+    ttk::button $path.cancel -style Icon.Toolbutton -image [::vesk::icons::get close dim] \
+        -compound left -text "Cancel  Esc" -command {vesk cancel}
+    pack $path.bar $path.cancel -side left -padx [::vesk::theme::pad 0 8]
+}
+
+# ---- messages ----
+
+# show --
+#   Shows a message and keeps it for the list of older ones.
+proc ::vesk::status::show {text} {
+    variable message
+    variable history
+    variable idle_timer
+    set message [string map {\n " "} $text]
+    if {$text ne ""} {
+        set history [lrange [linsert $history 0 [clock format [clock seconds] -format %H:%M:%S]\ $text] 0 19]
+        ::vesk::console::say $text note
+    }
+    after cancel $idle_timer
+    set idle_timer [after 8000 ::vesk::status::hint]
+}
+
+# older --
+#   The last messages, for the tooltip.
+proc ::vesk::status::older {} {
+    variable history
+    if {[llength $history] == 0} {return "No messages yet."}
+    return [join [lrange $history 0 9] \n]
+}
+
+# hint --
+#   When nothing is told: what the mouse does with the current tool.
+proc ::vesk::status::hint {} {
+    variable message
+    variable idle_timer
+    variable path
+    if {$path eq ""} {return}
+    after cancel $idle_timer
+    set message [dict get [::vesk::tools::row $::vesk::tools::current] hint]
+}
+
+# ---- numbers ----
+
+proc ::vesk::status::show_coors {args} {
+    variable path
+    show_triple $path.coors {x y z} $::coors {^X(\S+)\s+Y(\S+)\s+Z(\S+)\s*$}
+}
+proc ::vesk::status::show_size {args} {
+    variable path
+    show_triple $path.size {w h d} $::size {^W\s*(\S+)\s+H\s*(\S+)\s+D\s*(\S+)\s*$}
+}
+
+# show_triple --
+#   Splits what the executable told into its three numbers; other texts are shown as they are.
+proc ::vesk::status::show_triple {path letters text pattern} {
+    if {![winfo exists $path]} {return}
+    if {[string trim $text] eq "" || [regexp $pattern $text -> a b c]} {
+        if {[string trim $text] eq ""} {lassign {\u2013 \u2013 \u2013} a b c}
+        foreach letter $letters value [list $a $b $c] {
+            $path.$letter configure -text $value
+        }
+        if {[winfo manager $path.text] ne ""} {
+            pack forget $path.text
+            foreach letter $letters {
+                pack $path.l$letter $path.$letter -side left
+                pack configure $path.$letter -padx [::vesk::theme::pad 2 6]
+            }
+        }
+        return
+    }
+    $path.text configure -text [string trim $text]
+    if {[winfo manager $path.text] eq ""} {
+        foreach letter $letters {pack forget $path.l$letter $path.$letter}
+        pack $path.text -side left
+    }
+}
+
+# refresh --
+#   Counts, badges and the undo name, from what the executable says now.
+proc ::vesk::status::refresh {} {
+    variable path
+    lassign [vesk get_counts] obj all_obj surf all_surf vert all_vert
+    foreach {name some all} [list obj $obj $all_obj surf $surf $all_surf vert $vert $all_vert] {
+        set text [::vesk::arith::grouped $some]/[::vesk::arith::grouped $all]
+        if {[$path.counts.$name cget -text] ne $text} {
+            $path.counts.$name configure -text $text
+        }
+    }
+    show_undo
+    fit
+}
+
+# show_badges --
+#   How many objects are hidden and locked; told by the objects panel, which knows the tree.
+proc ::vesk::status::show_badges {hidden locked} {
+    variable path
+    foreach {name count label} [list hidden $hidden hidden locked $locked locked] {
+        $path.$name configure -text "$count $label"
+        if {$count > 0 && [winfo manager $path.$name] eq ""} {
+            pack $path.$name -side right -padx [::vesk::theme::pad 8 0] -after $path.console
+        } elseif {$count == 0} {
+            pack forget $path.$name
+        }
+    }
+    fit
+}
+
+proc ::vesk::status::show_undo {} {
+    variable path
+    variable undo_label
+    set possible [expr {$undo_label ne "" && $::undo_count > 0}]
+    set text [expr {$possible ? "Undo: $undo_label" : "Nothing to undo"}]
+    $path.undo configure -text $text
+    $path.undo state [expr {$possible ? "!disabled" : "disabled"}]
+}
+
+# fit --
+#   Leaves out what the width does not hold: size first, then the undo name, then the console's
+#   neighbours keep their place.
+proc ::vesk::status::fit {} {
+    variable path
+    if {![winfo exists $path] || [winfo width $path] < 50} {return}
+    set room [expr {[winfo width $path] - [::vesk::theme::px 20]}]
+    foreach part {console locked hidden} {
+        if {[winfo manager $path.$part] ne ""} {
+            incr room -[expr {[winfo reqwidth $path.$part] + [::vesk::theme::px 8]}]
+        }
+    }
+    set wanted [::vesk::theme::px 170]
+    set keep {coors counts undo size}
+    foreach part {coors counts undo size} {
+        set width [expr {[winfo reqwidth $path.$part] + [winfo reqwidth $path.line$part]}]
+        if {$part eq "undo"} {
+            set short [expr {$room - $width < $wanted}]
+            $path.undo configure -compound [expr {$short ? "image" : "left"}]
+            set width [expr {[winfo reqwidth $path.undo] + [winfo reqwidth $path.lineundo]}]
+        }
+        if {$room - $width < $wanted && $part eq "size"} {
+            pack forget $path.size $path.linesize
+        } else {
+            if {$part eq "size" && [winfo manager $path.size] eq ""} {
+                pack $path.linesize -side right -before $path.linecoors
+                pack $path.size -side right -before $path.linesize
+            }
+            incr room -$width
+        }
+    }
+}
+
+# ---- progress ----
+
+# set_progress --
+#   Moves the bar; it appears when the work takes longer than 0.3 seconds and goes at 100 or 0.
+proc ::vesk::status::set_progress {percent} {
+    variable path
+    variable progress
+    variable busy_since
+    set progress $percent
+    if {$percent <= 0 || $percent >= 100} {
+        set busy_since 0
+        pack forget $path.progress
+        return
+    }
+    set now [clock milliseconds]
+    if {$busy_since == 0} {set busy_since $now}
+    if {$now - $busy_since >= 300 && [winfo manager $path.progress] eq ""} {
+        pack $path.progress -side left -before $path.message -padx [::vesk::theme::pad 0 12]
+    }
+}
+
+proc display_message {text} {::vesk::status::show $text}
+proc set_undo_string {text} {
+    set ::vesk::status::undo_label $text
+    ::vesk::ops::request
+}
+proc set_progress_bar {percent} {::vesk::status::set_progress $percent}

@@ -1,0 +1,439 @@
+# veskhier.tcl --
+#   The objects panel: the tree of objects with name, number of surfaces, eye and lock; filter;
+#   selection in step with the views both ways; rename in place. A treeview shows pictures only in
+#   its first column, so a canvas beside it draws the eyes and locks of the visible rows.
+
+namespace eval ::vesk::hier {
+    variable path ""
+    variable tree ""
+    variable strip ""           ;# the canvas with the two icons
+    variable rows {}            ;# id -> {parent type name surfaces visible locked}
+    variable flat {}            ;# what the executable told last
+    variable filter ""
+    variable syncing 0          ;# the tree's selection is being set by us
+    variable chosen {}          ;# ids selected in the model
+    variable strip_pending 0
+    variable icons {group o-group poly o-poly light o-light cube u-box sphere u-sphere
+        world o-world}
+}
+
+proc ::vesk::hier::build {panel} {
+    variable path $panel
+    variable tree $panel.tree
+    variable strip $panel.strip
+    ttk::frame $panel -style Chrome.TFrame
+    set head $panel.head
+    ttk::frame $head -padding [::vesk::theme::pad 12 5 8 5]
+    ttk::label $head.title -text Objects -style Bold.TLabel
+    ttk::label $head.count -style Dim.TLabel
+    build_filter $head.filter
+    pack $head.title $head.count -side left
+    pack configure $head.count -padx [::vesk::theme::pad 10 0]
+    pack $head.filter -side right
+    ttk::treeview $tree -columns {surfaces} -show tree -selectmode extended \
+        -yscrollcommand ::vesk::hier::scrolled
+    $tree column #0 -stretch 1 -width [::vesk::theme::px 170] -minwidth [::vesk::theme::px 60]
+    $tree column surfaces -stretch 0 -anchor e -width [::vesk::theme::px 58]
+    ::vesk::theme::on [canvas $strip -width [::vesk::theme::px 52] -height 10] field
+    ttk::scrollbar $panel.bar -style Field.Vertical.TScrollbar -command [list $tree yview]
+    ttk::frame $panel.ground -style Field.TFrame
+    grid $head - - -sticky we
+    grid $tree $strip $panel.bar -sticky nswe
+    grid columnconfigure $panel 0 -weight 1
+    grid columnconfigure $panel 2 -minsize [::vesk::theme::px 10]
+    grid rowconfigure $panel 1 -weight 1
+    place $panel.ground -in $panel -relx 1 -x -[::vesk::theme::px 10] -y 0 \
+        -width [::vesk::theme::px 10] -relheight 1
+    lower $panel.ground
+    bind_tree
+    ::vesk::ops::listen tree ::vesk::hier::refresh
+    ::vesk::ops::listen selection ::vesk::hier::show_selection
+    ::vesk::theme::follow ::vesk::hier::strip_later
+    return $panel
+}
+
+# build_filter --
+#   The field that keeps only matching rows.
+proc ::vesk::hier::build_filter {path} {
+    ttk::frame $path -style Axis.TFrame -padding [::vesk::theme::pad 6 2 6 2]
+    ttk::label $path.icon -style Field.TLabel -image [::vesk::icons::get filter dim]
+    entry $path.value -textvariable ::vesk::hier::filter -borderwidth 0 -highlightthickness 0 \
+        -width 16
+    ::vesk::theme::recolour $path.value
+    ttk::label $path.hint -style Field.Dim.TLabel -text Filter
+    pack $path.icon -side left
+    pack $path.value -side left -fill x -expand 1 -padx [::vesk::theme::pad 5 0]
+    place $path.hint -in $path.value -x 0 -rely 0.5 -anchor w
+    bind $path.hint <Button-1> [list focus $path.value]
+    bind $path.value <FocusIn> [list $path state focus]
+    bind $path.value <FocusOut> [list $path state !focus]
+    bind $path.value <Escape> {set ::vesk::hier::filter ""; break}
+    bind $path.value <Down> {focus $::vesk::hier::tree; break}
+    trace add variable ::vesk::hier::filter write ::vesk::hier::filter_changed
+}
+
+proc ::vesk::hier::filter_changed {args} {
+    variable path
+    variable filter
+    variable filter_timer
+    if {$filter eq ""} {
+        place $path.head.filter.hint -in $path.head.filter.value -x 0 -rely 0.5 -anchor w
+    } else {
+        place forget $path.head.filter.hint
+    }
+    if {[info exists filter_timer]} {after cancel $filter_timer}
+    set filter_timer [after 120 ::vesk::hier::fill]
+}
+
+proc ::vesk::hier::bind_tree {} {
+    variable tree
+    variable strip
+    bind $tree <<TreeviewSelect>> ::vesk::hier::selected
+    bind $tree <<TreeviewOpen>> ::vesk::hier::strip_later
+    bind $tree <<TreeviewClose>> ::vesk::hier::strip_later
+    bind $tree <Configure> ::vesk::hier::strip_later
+    bind $tree <F2> {::vesk::hier::rename; break}
+    bind $tree <Delete> {::vesk::ops::run delete; break}
+    bind $tree <KeyPress-h> {::vesk::ops::run hide_selected; break}
+    bind $tree <KeyPress-l> {::vesk::ops::run lock_selected; break}
+    bind $tree <Escape> {::vesk::ops::run clear_selection; ::vesk::ops::run redraw_all; break}
+    bind $tree <Double-Button-1> {::vesk::hier::double %x %y; break}
+    bind $tree <Button-3> {::vesk::hier::context %x %y %X %Y}
+    bind $tree <Control-Key-a> {::vesk::ops::run select_all; break}
+    bind $tree <FocusIn> {::vesk::hier::frame 1}
+    bind $tree <FocusOut> {::vesk::hier::frame 0}
+    bind $strip <Button-1> {::vesk::hier::strip_click %x %y}
+    bind $strip <Button-4> "$tree yview scroll -3 units"
+    bind $strip <Button-5> "$tree yview scroll 3 units"
+    bind $tree <Button-4> "$tree yview scroll -3 units; break"
+    bind $tree <Button-5> "$tree yview scroll 3 units; break"
+}
+
+# frame --
+#   Keyboard focus shows as a frame of 2 pixels around the list.
+proc ::vesk::hier::frame {on} {
+    variable path
+    variable tree
+    destroy $path.f1 $path.f2 $path.f3 $path.f4
+    if {!$on} {return}
+    set width [::vesk::theme::px 2]
+    foreach {name options} [list \
+            f1 [list -relx 0 -rely 0 -relwidth 1 -height $width] \
+            f2 [list -relx 0 -rely 1 -relwidth 1 -height $width -anchor sw] \
+            f3 [list -relx 0 -rely 0 -relheight 1 -width $width] \
+            f4 [list -relx 1 -rely 0 -relheight 1 -width $width -anchor ne]] {
+        ::vesk::theme::on [::frame $path.$name] ring
+        place $path.$name -in $path.tree {*}$options
+        raise $path.$name
+    }
+    # The right edge belongs to the strip of icons.
+    place $path.f4 -in $path.strip
+    place $path.f1 -relwidth 1 -width [winfo width $path.strip]
+    place $path.f2 -relwidth 1 -width [winfo width $path.strip]
+}
+
+# ---- filling ----
+
+# refresh --
+#   The tree, names or flags changed: takes them over. When the same objects stand in the same
+#   order only the rows that differ are touched.
+proc ::vesk::hier::refresh {} {
+    variable flat
+    variable rows
+    variable tree
+    set told [vesk object_tree]
+    set same [expr {[llength $told] == [llength $flat]}]
+    if {$same} {
+        foreach {id parent type name surfaces visible locked} $told \
+                {old_id old_parent old_type old_name old_surfaces old_visible old_locked} $flat {
+            if {$id != $old_id || $parent != $old_parent || $type ne $old_type} {
+                set same 0
+                break
+            }
+            if {$name ne $old_name || $surfaces != $old_surfaces || $visible != $old_visible
+                    || $locked != $old_locked} {
+                dict set rows $id [list $parent $type $name $surfaces $visible $locked]
+                if {[$tree exists $id]} {
+                    $tree item $id -text [shown_name $name] \
+                        -values [list [::vesk::arith::grouped $surfaces]]
+                }
+            }
+        }
+    }
+    set flat $told
+    if {!$same} {fill}
+    show_count
+    strip_later
+}
+
+# fill --
+#   Makes all rows anew; what was open stays open, by identity.
+proc ::vesk::hier::fill {} {
+    variable flat
+    variable rows
+    variable tree
+    variable filter
+    variable icons
+    variable syncing 1
+    set open {}
+    foreach id [dict keys $rows] {
+        if {[$tree exists $id] && [$tree item $id -open]} {dict set open $id 1}
+    }
+    set top [$tree yview]
+    $tree delete [$tree children {}]
+    set rows {}
+    set wanted [string tolower $filter]
+    foreach {type icon} $icons {set image($type) [::vesk::icons::get $icon dim]}
+    set first_time [expr {[dict size $open] == 0}]
+    foreach {id parent type name surfaces visible locked} $flat {
+        dict set rows $id [list $parent $type $name $surfaces $visible $locked]
+        if {$wanted ne ""} {
+            if {[string first $wanted [string tolower $name]] < 0} {continue}
+            set parent {}
+        } elseif {![$tree exists $parent]} {
+            set parent {}
+        }
+        set opened [expr {[dict exists $open $id] || ($first_time && $parent eq {})}]
+        set picture ""
+        if {[info exists image($type)]} {set picture $image($type)}
+        $tree insert $parent end -id $id -text [shown_name $name] -image $picture -open $opened \
+            -values [list [::vesk::arith::grouped $surfaces]]
+    }
+    $tree yview moveto [lindex $top 0]
+    set syncing 0
+    show_selection
+    strip_later
+}
+
+proc ::vesk::hier::shown_name {name} {
+    if {$name eq ""} {return " (no name)"}
+    return " [string map {\n " "} $name]"
+}
+
+proc ::vesk::hier::show_count {} {
+    variable path
+    variable flat
+    set count [expr {[llength $flat] / 7}]
+    $path.head.count configure -text [::vesk::arith::grouped $count]
+    set hidden 0
+    set locked 0
+    foreach {id parent type name surfaces visible is_locked} $flat {
+        if {!$visible} {incr hidden}
+        if {$is_locked} {incr locked}
+    }
+    ::vesk::status::show_badges $hidden $locked
+}
+
+# ---- selection ----
+
+# show_selection --
+#   The model's selection, as the tree's.
+proc ::vesk::hier::show_selection {} {
+    variable tree
+    variable chosen
+    variable syncing
+    set chosen [vesk get_selected_objects]
+    set present {}
+    foreach id $chosen {
+        if {[$tree exists $id]} {lappend present $id}
+    }
+    if {[lsort $present] eq [lsort [$tree selection]]} {
+        strip_later
+        return
+    }
+    set syncing 1
+    $tree selection set $present
+    if {[llength $present] == 1} {
+        set id [lindex $present 0]
+        $tree see $id
+        $tree focus $id
+    }
+    strip_later
+    # The virtual event arrives later; by then the two agree.
+    after idle {set ::vesk::hier::syncing 0}
+}
+
+# selected --
+#   The user chose rows: the model follows. In tree mode only whole top-level objects can be
+#   selected, so a row below them first switches to object mode.
+proc ::vesk::hier::selected {} {
+    variable tree
+    variable chosen
+    variable syncing
+    variable rows
+    strip_later
+    if {$syncing} {return}
+    set wanted [$tree selection]
+    if {[lsort $wanted] eq [lsort $chosen]} {return}
+    set world [vesk get_world]
+    if {$::vesk::select_mode eq "tree"} {
+        foreach id $wanted {
+            if {[dict exists $rows $id] && [lindex [dict get $rows $id] 0] != $world} {
+                ::vesk::ops::run set_select_mode object
+                break
+            }
+        }
+    }
+    set now [vesk get_selected_objects]
+    set drop {}
+    set add {}
+    foreach id $now {dict set drop $id 1}
+    foreach id $wanted {
+        if {[dict exists $drop $id]} {dict unset drop $id} else {lappend add $id}
+    }
+    # Cheaper to begin anew when most goes.
+    if {[dict size $drop] > 0 && [dict size $drop] == [llength $now]
+            || $::vesk::select_mode in {surface vertex}} {
+        ::vesk::ops::run clear_selection
+        set drop {}
+        set add $wanted
+    }
+    foreach id [dict keys $drop] {::vesk::ops::run object_deselect $id}
+    foreach id $add {::vesk::ops::run object_select $id}
+    vesk redraw_all
+    show_selection
+}
+
+# double --
+#   A double click on a name renames; elsewhere it opens and closes as ever.
+proc ::vesk::hier::double {x y} {
+    variable tree
+    set row [$tree identify row $x $y]
+    if {$row eq ""} {return}
+    if {[string match *text [$tree identify element $x $y]]} {
+        rename
+    } else {
+        $tree item $row -open [expr {![$tree item $row -open]}]
+        strip_later
+    }
+}
+
+proc ::vesk::hier::context {x y root_x root_y} {
+    variable tree
+    set row [$tree identify row $x $y]
+    if {$row ne "" && $row ni [$tree selection]} {
+        $tree selection set [list $row]
+        selected
+    }
+    ::vesk::menus::popup object $root_x $root_y
+}
+
+proc ::vesk::hier::to_head {} {
+    foreach id [lreverse [vesk get_selected_objects]] {::vesk::ops::run object_move_to_head $id}
+}
+
+# ---- rename in place ----
+
+proc ::vesk::hier::rename {} {
+    variable tree
+    variable rows
+    set id [$tree focus]
+    if {$id eq "" || ![dict exists $rows $id]} {return}
+    $tree see $id
+    set box [$tree bbox $id #0]
+    if {$box eq ""} {return}
+    lassign $box x y width height
+    set w $tree.rename
+    destroy $w
+    # The name's own place: right of the indent, the mark and the icon.
+    set depth 0
+    for {set above [$tree parent $id]} {$above ne ""} {set above [$tree parent $above]} {incr depth}
+    set left [expr {$x + [::vesk::theme::px 36]}]
+    ttk::entry $w -style Field.TEntry
+    $w insert 0 [lindex [dict get $rows $id] 2]
+    $w selection range 0 end
+    place $w -x $left -y [expr {$y - [::vesk::theme::px 2]}] \
+        -width [expr {max([::vesk::theme::px 80], $x + $width - $left)}] \
+        -height [expr {$height + [::vesk::theme::px 4]}]
+    bind $w <Return> [list ::vesk::hier::renamed $id 1]
+    bind $w <Escape> [list ::vesk::hier::renamed $id 0]
+    bind $w <FocusOut> [list ::vesk::hier::renamed $id 1]
+    focus $w
+}
+
+proc ::vesk::hier::renamed {id keep} {
+    variable tree
+    variable rows
+    set w $tree.rename
+    if {![winfo exists $w]} {return}
+    set name [$w get]
+    # Destroying it raises <FocusOut> once more.
+    bind $w <FocusOut> {}
+    destroy $w
+    focus $tree
+    if {$keep && [dict exists $rows $id] && $name ne [lindex [dict get $rows $id] 2]} {
+        ::vesk::ops::run object_set_name $id $name
+    }
+}
+
+# ---- eye and lock ----
+
+proc ::vesk::hier::scrolled {first last} {
+    variable path
+    $path.bar set $first $last
+    if {$first <= 0 && $last >= 1} {grid remove $path.bar} else {grid $path.bar}
+    strip_later
+}
+
+# strip_later --
+#   Redraws the icons once, in the idle loop.
+proc ::vesk::hier::strip_later {} {
+    variable strip_pending
+    if {!$strip_pending} {
+        set strip_pending 1
+        after idle ::vesk::hier::draw_strip
+    }
+}
+
+# draw_strip --
+#   The icons of the rows that can be seen; the band of selected rows goes on below them.
+proc ::vesk::hier::draw_strip {} {
+    variable strip_pending 0
+    variable strip
+    variable tree
+    variable rows
+    $strip delete all
+    set height [winfo height $tree]
+    set row_height [ttk::style lookup Treeview -rowheight]
+    set width [winfo width $strip]
+    for {set y 2} {$y < $height} {incr y $row_height} {
+        set id [$tree identify row 5 $y]
+        if {$id eq "" || ![dict exists $rows $id]} {continue}
+        lassign [$tree bbox $id] x0 y0 w0 h0
+        if {$y0 eq ""} {continue}
+        lassign [dict get $rows $id] parent type name surfaces visible locked
+        set on [expr {$id in [$tree selection]}]
+        if {$on} {
+            $strip create rectangle 0 $y0 $width [expr {$y0 + $h0}] -width 0 \
+                -fill [::vesk::theme::colour sel]
+        }
+        set middle [expr {$y0 + $h0 / 2}]
+        set variant [expr {$on ? "active" : $visible ? "dim" : "disabled"}]
+        $strip create image [::vesk::theme::px 13] $middle \
+            -image [::vesk::icons::get [expr {$visible ? "eye" : "eye-off"}] $variant]
+        if {$locked || $on} {
+            $strip create image [::vesk::theme::px 38] $middle \
+                -image [::vesk::icons::get [expr {$locked ? "lock" : "unlock"}] \
+                    [expr {$on ? "active" : "normal"}]]
+        }
+    }
+}
+
+# strip_click --
+#   A click on an eye or a lock; with several rows selected it does all of them.
+proc ::vesk::hier::strip_click {x y} {
+    variable tree
+    variable rows
+    set id [$tree identify row 5 $y]
+    if {$id eq "" || ![dict exists $rows $id]} {return}
+    lassign [dict get $rows $id] parent type name surfaces visible locked
+    set ids [list $id]
+    if {$id in [$tree selection]} {set ids [$tree selection]}
+    if {$x < [::vesk::theme::px 26]} {
+        set command [expr {$visible ? "object_hide" : "object_unhide"}]
+    } else {
+        set command [expr {$locked ? "object_unlock" : "object_lock"}]
+    }
+    foreach other $ids {::vesk::ops::run $command $other}
+    vesk redraw_all
+}
