@@ -72,8 +72,6 @@ proc ::vesk::menus::define {name label rows} {
     {run "D&elete" {delete} Del some "Deletes the selection."}
     {line}
     {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
-    {line}
-    {call "Pre&ferences..." {::vesk::prefs::open} Ctrl+, "" "Everything that can be set."}
 }
 ::vesk::menus::define transform "Transform" {
     {ask "&Move..." {move {X number 0} {Y number 0} {Z number 0}} "" some "Moves the selection by a distance."}

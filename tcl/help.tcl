@@ -1,0 +1,101 @@
+# help.tcl --
+#   The key table, the command list, about, and windows for what a command answers.
+
+namespace eval ::vesk::help {
+    # Keys of the views, fixed in the executable: {keys what}.
+    variable views {
+        "Flat views" {
+            "Space" "all views back to where they start"
+            "Shift+Space" "3D view back to where it starts"
+            "C" "views back to the origin"
+            "O  S  V" "select objects, surfaces, vertices"
+            "M  R  E" "move, rotate, extrude (surfaces)"
+            "G  Shift+G" "centre the selection in this view, in all"
+            "F  Shift+F" "fit the selection in this view, in all"
+            "Z  X" "zoom in, zoom out"
+            "H" "hide the selected objects"
+            "W  T  L  N" "fill, textures, light, normals on and off"
+            ".  BackSpace  Delete" "delete what is selected"
+            "Escape" "select nothing"
+            "Arrows" "pan; Shift further; Control+Up and Down zoom"
+            "Alt+arrows" "move the background image; with Shift zoom it"
+        }
+        "3D view" {
+            "Space" "view back to where it starts"
+            "1  2" "spin the model, walk through the scene"
+            "Arrows" "turn the model, or walk and turn; Control and Alt: zoom, look, sidestep"
+            "F" "turn about the selection"
+            "G  L  T  N" "ground grid, headlight, textures, normals on and off"
+            "W" "filled or wireframe"
+            "O  S  V  M  R  E" "as in the flat views"
+            "Delete" "delete what is selected"
+        }
+        "Objects panel" {
+            "F2" "rename"
+            "Delete  H  L" "delete, hide, lock"
+            "Control+A" "select all"
+        }
+        "Number fields" {
+            "Return" "apply; sums such as 1/3, 2*0.5 and +=0.1 are computed"
+            "Escape" "as it was before"
+            "Up  Down" "step; Shift ten times, Control a tenth"
+        }
+    }
+}
+
+# keys --
+#   Every key: those of the menus from their table, and the fixed ones of the views.
+proc ::vesk::help::keys {} {
+    variable views
+    set text ""
+    foreach {title rows} $views {
+        append text "$title\n"
+        foreach {keys what} $rows {append text [format "  %-22s %s\n" $keys $what]}
+        append text \n
+    }
+    append text "Everywhere in the window\n"
+    foreach pair [::vesk::menus::all] {
+        lassign $pair trail row
+        set key [lindex $row 3]
+        if {[::vesk::menus::event_of $key] eq ""} {continue}
+        append text [format "  %-22s %s\n" $key [string map {& {} ... {}} [lindex $row 1]]]
+    }
+    append text [format "  %-22s %s\n" "Alt+letter, F10" "menus"]
+    ::vesk::dialogs::show_text Keys $text
+}
+
+proc ::vesk::help::commands {} {
+    ::vesk::dialogs::show_text Commands [vesk list] 90 30
+}
+
+# show_result --
+#   Runs a command and shows what it answers.
+proc ::vesk::help::show_result {command title} {
+    ::vesk::dialogs::show_text $title [::vesk::ops::run $command]
+}
+
+proc ::vesk::help::about {} {
+    set w .about
+    destroy $w
+    toplevel $w -class Dialog
+    wm withdraw $w
+    wm title $w "About VESK"
+    wm transient $w .
+    ::vesk::theme::on $w panel
+    ttk::frame $w.in -style Panel.TFrame -padding [::vesk::theme::px 24]
+    ttk::label $w.in.title -text $::vesk_version_string -style Panel.Title.TLabel
+    ttk::label $w.in.what -style Panel.TLabel \
+        -text "An interactive polygon modeller for real-time 3D content."
+    ttk::label $w.in.with -style Panel.Dim.TLabel -justify left \
+        -text "Tcl/Tk [info patchlevel]\nHome: $::VESK_HOME"
+    ttk::button $w.in.close -text Close -style Panel.Default.TButton -command [list destroy $w]
+    pack $w.in -fill both -expand 1
+    pack $w.in.title $w.in.what $w.in.with -anchor w -pady [::vesk::theme::pad 0 10]
+    pack $w.in.close -anchor e
+    bind $w <Escape> [list destroy $w]
+    bind $w <Return> [list destroy $w]
+    update idletasks
+    ::vesk::dialogs::place_over $w
+    wm deiconify $w
+    focus $w.in.close
+}

@@ -1,0 +1,82 @@
+# vesktips.tcl --
+#   Tips, and the start of the interface: the last script that is read.
+
+namespace eval ::vesk::tips {
+    variable list {
+        "Return in a number field applies it; sums such as 1/3 and +=0.1 are computed."
+        "F3 finds every command by name, menu, key or help text."
+        "A double click on a view's label shows it alone; Control+Space brings the others back."
+        "Drag the crossing of the dividers to size all four views at once; double click evens them."
+        "F12 opens the console. Every action is echoed there as the line that repeats it."
+        "The eye and the lock beside a name work on all selected rows."
+        "F6 goes from region to region: bar, tools, views, objects, tabs, console."
+        "Keys such as O, S, V, M and R work in the view under the pointer."
+        "Shift+F fits the selection in all views, F in one."
+        "Right-click a tool to go to its fields."
+        "In the Object tab \"by\" types how far things go, \"to\" where they go."
+        "F2 renames the object in the list."
+    }
+}
+
+# open --
+#   Shows the next tip; `current_tip` remembers where it stopped.
+proc ::vesk::tips::open {} {
+    variable list
+    set place [expr {$::prefs_current_tip % [llength $list]}]
+    set w .tips
+    destroy $w
+    toplevel $w -class Dialog
+    wm withdraw $w
+    wm title $w "Tip - VESK"
+    wm transient $w .
+    ::vesk::theme::on $w panel
+    ttk::frame $w.in -style Panel.TFrame -padding [::vesk::theme::px 20]
+    pack $w.in -fill both -expand 1
+    ttk::label $w.in.title -text "Did you know?" -style Panel.Bold.TLabel
+    ttk::label $w.in.text -style Panel.TLabel -text [lindex $list $place] \
+        -wraplength [::vesk::theme::px 340] -width 52 -justify left -anchor w
+    ttk::checkbutton $w.in.again -style Panel.TCheckbutton -text "Show tips at the start" \
+        -variable ::prefs_show_startup_tips
+    ttk::button $w.in.next -style Panel.TButton -text Next -command ::vesk::tips::open
+    ttk::button $w.in.close -style Panel.Default.TButton -text Close -command [list destroy $w]
+    grid $w.in.title - - -sticky w -pady [::vesk::theme::pad 0 8]
+    grid $w.in.text - - -sticky w -pady [::vesk::theme::pad 0 16]
+    grid $w.in.again $w.in.next $w.in.close -sticky e -padx [::vesk::theme::pad 8 0]
+    grid configure $w.in.again -sticky w -padx 0
+    grid columnconfigure $w.in 0 -weight 1
+    bind $w <Escape> [list destroy $w]
+    bind $w <Return> [list destroy $w]
+    set ::prefs_current_tip [expr {($place + 1) % [llength $list]}]
+    update idletasks
+    ::vesk::dialogs::place_over $w
+    wm deiconify $w
+    focus $w.in.close
+}
+
+proc show_tip {} {::vesk::tips::open}
+
+# init --
+#   Builds the window, names the Togl widgets and shows it once it is styled.
+proc ::vesk::init {} {
+    wm withdraw .
+    foreach name {coors size} {set ::$name ""}
+    ::vesk::prefs::take
+    ::vesk::theme::init $::vesk::theme_name [::vesk::settings::number interface_scale 75 300]
+    if {$::vesk::theme_name eq "contrast"} {
+        dict for {key value} $::vesk::palettes::contrast_views {set ::prefs_$key $value}
+    }
+    ::vesk::main::build
+    ::vesk::uv::build
+    ::vesk::prefs::watch
+    ::vesk::tools::refresh .main.tools
+    ::vesk::ops::listen any ::vesk::files::started
+    ::vesk::ops::listen model ::vesk::files::note_changes
+    ::vesk::files::show_title
+    ::vesk::status::hint
+    ::vesk::view::focus_last
+    update idletasks
+    wm deiconify .
+    update
+}
+
+::vesk::init
