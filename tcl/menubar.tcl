@@ -36,6 +36,7 @@ proc ::vesk::menus::build_bar {bar_frame} {
         pack $button -side left -fill y
         build $name $button.menu
     }
+    ::vesk::theme::recolour $bar_frame
     bind_accelerators
 }
 

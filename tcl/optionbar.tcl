@@ -187,7 +187,7 @@ proc ::vesk::optionbar::add_vector {frame start} {
             set event [regsub {(Up|Down)} $key Key-&]
             bind $entry <$event> [list ::vesk::optionbar::step_vector $axis $step]
         }
-        bind $entry <FocusIn> +{%W selection range 0 end}
+        bind $entry <FocusIn> {+%W selection range 0 end}
         bind $entry <FocusOut> +[list ::vesk::optionbar::tidy_vector $axis]
         pack $frame.$axis -side left -padx [::vesk::theme::pad 0 4]
     }
@@ -274,22 +274,23 @@ proc ::vesk::optionbar::needed_width {level} {
     variable modes
     set width [expr {[search_minimum $level] + [::vesk::theme::px 8]}]
     foreach group {line1 tool line2 snap} {incr width [winfo reqwidth $path.$group]}
-    set icons [expr {16 * $::vesk::theme::S + [::vesk::theme::px 15]}]
+    set icons [expr {[::vesk::theme::px 16] + [::vesk::theme::px 15]}]
     foreach {mode icon label key help} $modes {
         set text [expr {[font measure TkDefaultFont $label] + [::vesk::theme::px 6]}]
         if {$level >= 1 && $mode ne $::vesk::select_mode} {set text 0}
-        set width [expr {$width + $icons + $text}]
+        incr width [expr {$icons + $text}]
     }
     incr width [::vesk::theme::px 4]
     if {$level < 2} {
-        incr width [winfo reqwidth $path.pivot]
-        incr width [winfo reqwidth $path.line3]
+        incr width [expr {[winfo reqwidth $path.pivot] + [winfo reqwidth $path.line3]}]
     }
-    if {$level >= 3} {incr width -[winfo reqwidth $path.snap.near]}
+    if {$level == 3 && [winfo manager $path.snap.near] ne ""} {
+        incr width -[winfo reqwidth $path.snap.near]
+    }
     if {$level >= 4} {
-        incr width -[winfo reqwidth $path.snap]
+        incr width -[expr {[winfo reqwidth $path.snap] + [winfo reqwidth $path.line2]}]
     }
-    return [expr {int($width)}]
+    return $width
 }
 
 proc ::vesk::optionbar::apply_level {level} {

@@ -48,9 +48,8 @@ proc ::vesk::status::divider {path} {
 #   Three letters with numbers, or one text when the variable holds something else.
 #   letters  letter and style of it: axis (in the axis colour) or dim
 proc ::vesk::status::build_triple {path letters} {
-    set line [winfo parent $path]
-    divider $line.line[winfo name $path]
     ttk::frame $path
+    divider [winfo parent $path].line[winfo name $path]
     foreach {letter kind} $letters {
         set style [expr {$kind eq "axis" ? "${letter}Axis.TLabel" : "Dim.TLabel"}]
         ttk::label $path.l$letter -text [string toupper $letter] -style $style

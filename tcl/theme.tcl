@@ -135,9 +135,8 @@ proc ::vesk::theme::follow {script} {
 proc ::vesk::theme::image_element {theme name states options} {
     set words [list [::vesk::icons::element $theme [lindex $states 0]]]
     foreach {state picture} [lrange $states 1 end] {
-        lappend words [list {*}$state [::vesk::icons::element $theme $picture]]
+        lappend words $state [::vesk::icons::element $theme $picture]
     }
-    # The last picture of a state list stands after its states.
     set scaled {}
     foreach {option value} $options {
         if {$option in {-border -padding}} {set value [pad {*}$value]}
@@ -146,8 +145,8 @@ proc ::vesk::theme::image_element {theme name states options} {
     ttk::style element create $name image $words {*}$scaled
 }
 
-# elements --
-#   {name {picture {states} picture ...} options}; see the look of each in the palettes.
+# make_elements --
+#   {name {picture states picture ...} options} for every frame.
 proc ::vesk::theme::make_elements {theme} {
     foreach {name states options} {
         Fld.rr {field-normal disabled field-disabled invalid field-invalid focus field-focus
@@ -192,6 +191,9 @@ proc ::vesk::theme::make_elements {theme} {
     } {
         image_element $theme $name $states $options
     }
+    # What stands between a mark and its text.
+    ttk::style element create Gap.rr image [::vesk::icons::element $theme nothing] \
+        -width [px 6] -height 1 -border 0 -padding 0 -sticky {}
 }
 
 # make --
@@ -218,9 +220,9 @@ proc ::vesk::theme::make_layouts {} {
         Icon.Toolbutton {Icon.rr -sticky nswe -children {Toolbutton.label -sticky {}}}
         Segment.Toolbutton {Seg.rr -sticky nswe -children {Toolbutton.label -sticky nswe}}
         TCheckbutton {Checkbutton.padding -sticky nswe -children {Chk.indicator -side left
-            -sticky {} Checkbutton.label -side left -sticky nswe}}
+            -sticky {} Gap.rr -side left -sticky {} Checkbutton.label -side left -sticky nswe}}
         TRadiobutton {Radiobutton.padding -sticky nswe -children {Rad.indicator -side left
-            -sticky {} Radiobutton.label -side left -sticky nswe}}
+            -sticky {} Gap.rr -side left -sticky {} Radiobutton.label -side left -sticky nswe}}
         Horizontal.TScale {Sc.trough -sticky we -children {Sc.slider -side left -sticky {}}}
         Vertical.TScrollbar {Vs.trough -sticky ns -children {Vs.thumb -expand 1 -sticky ns}}
         Horizontal.TScrollbar {Hs.trough -sticky we -children {Hs.thumb -expand 1 -sticky we}}
@@ -267,7 +269,7 @@ proc ::vesk::theme::configure_base {c} {
         -foreground [list disabled $off selected $text active $text]
     ttk::style configure Tool.Toolbutton -background $chrome
     ttk::style configure Icon.Toolbutton -background $chrome -space [px 5]
-    ttk::style configure TCheckbutton -padding 0 -indicatormargin [pad 0 0 6 0]
+    ttk::style configure TCheckbutton -padding 0
     ttk::style configure TNotebook -background $chrome -tabmargins 0 -padding 0 -borderwidth 0
     ttk::style layout TNotebook {Notebook.client -sticky nswe}
     ttk::style configure TNotebook -bordercolor $panel -lightcolor $panel -darkcolor $panel \
@@ -296,6 +298,8 @@ proc ::vesk::theme::configure_base {c} {
             -font VeskBold
         ttk::style configure ${axis}Field.TLabel -foreground [dict get $c axis_$axis] \
             -font VeskBold -background $field
+        ttk::style map ${axis}Field.TLabel -background [list disabled $chrome] \
+            -foreground [list disabled $off]
     }
 }
 

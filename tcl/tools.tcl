@@ -50,6 +50,8 @@ namespace eval ::vesk::tools {
             "Tells the distance of two points." "Click two points."}
         {zoom zoom zoom create "" "Zoom" "Drag a rectangle to see it larger." "Drag a rectangle to see it larger."}
     }
+    # The same without the partings.
+    variable rows [lsearch -all -inline -not -exact $table {}]
     # Fields of the option bar: {label kind preference ...}, kinds as in dialogs.tcl; "vector" is
     # three axis fields with Apply.
     variable fields {
@@ -73,8 +75,8 @@ namespace eval ::vesk::tools {
 # row --
 #   One tool's row as a dictionary.
 proc ::vesk::tools::row {name} {
-    variable table
-    set words [lsearch -inline -exact -index 0 $table $name]
+    variable rows
+    set words [lsearch -inline -exact -index 0 $rows $name]
     set result {}
     foreach key {name icon mode needs key label help hint} word $words {
         dict set result $key $word
@@ -133,9 +135,8 @@ proc ::vesk::tools::build {path} {
 # refresh --
 #   Greys the tools that this build cannot do.
 proc ::vesk::tools::refresh {path} {
-    variable table
-    foreach words $table {
-        if {[llength $words] == 0} {continue}
+    variable rows
+    foreach words $rows {
         set known [::vesk::menus::known [lindex $words 3]]
         $path.[lindex $words 0] state [expr {$known ? "!disabled" : "disabled"}]
     }
@@ -144,8 +145,8 @@ proc ::vesk::tools::refresh {path} {
 # step --
 #   Arrow keys move the focus through the column.
 proc ::vesk::tools::step {name step} {
-    variable table
-    set names [lmap words $table {if {[llength $words] == 0} continue; lindex $words 0}]
+    variable rows
+    set names [lmap words $rows {lindex $words 0}]
     set place [lsearch -exact $names $name]
     for {set i 1} {$i < [llength $names]} {incr i} {
         set other .main.tools.[lindex $names [expr {($place + $i * $step) % [llength $names]}]]
@@ -208,8 +209,8 @@ proc ::vesk::tools::options {name} {
 }
 
 proc ::vesk::tools::tool_of_mode {mode} {
-    variable table
-    return [lindex [lsearch -inline -exact -index 2 $table $mode] 0]
+    variable rows
+    return [lindex [lsearch -inline -exact -index 2 $rows $mode] 0]
 }
 
 # apply --

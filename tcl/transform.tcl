@@ -34,7 +34,7 @@ proc ::vesk::transform::build {tab} {
             ::vesk::dialogs::number_keys $entry $variable \
                 [list ::vesk::transform::typed $what $axis]
             grid $tab.$what$axis -row $row -column [incr column] -sticky we \
-                -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::pad 0 4]
+                -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::px 2]
         }
     }
     ttk::checkbutton $tab.keep -style Panel.TCheckbutton -text "Keep proportions" \
@@ -71,7 +71,7 @@ proc ::vesk::transform::add_text_row {tab row key label} {
     ttk::entry $tab.$key -style Panel.TEntry -textvariable ::vesk::transform::text($key)
     grid $tab.l$key -row $row -column 0 -sticky w
     grid $tab.$key -row $row -column 1 -columnspan 3 -sticky we -padx [::vesk::theme::pad 4 0] \
-        -pady [::vesk::theme::pad 0 4]
+        -pady [::vesk::theme::px 2]
     bind $tab.$key <Return> [list ::vesk::transform::text_typed $key]
     bind $tab.$key <KP_Enter> [list ::vesk::transform::text_typed $key]
     bind $tab.$key <FocusOut> [list ::vesk::transform::text_typed $key]
@@ -108,7 +108,9 @@ proc ::vesk::transform::refresh {{force 0}} {
             set state [expr {$any ? "normal" : "disabled"}]
             if {[$entry cget -state] ne $state} {
                 $entry configure -state $state
-                $path.$what$axis state [expr {$any ? "!disabled" : "disabled"}]
+                foreach part [list $path.$what$axis $path.$what$axis.letter] {
+                    $part state [expr {$any ? "!disabled" : "disabled"}]
+                }
             }
         }
     }

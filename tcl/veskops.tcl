@@ -90,6 +90,18 @@ proc ::vesk::ops::change_count {} {
     return [lindex [vesk model_state] 0]
 }
 
+# failed --
+#   An error in a script of the interface: told in the status line, with its stack in the console.
+proc ::vesk::ops::failed {message options} {
+    set stack [dict get $options -errorinfo]
+    puts stderr $stack
+    catch {
+        ::vesk::console::say $stack error
+        display_message "script error: [lindex [split $message \n] 0]"
+    }
+}
+interp bgerror {} ::vesk::ops::failed
+
 # render --
 #   Tools > Render: the one preference whose text is a script.
 proc ::vesk::ops::render {} {
