@@ -52,14 +52,13 @@ private:
     std::uint64_t sum_ = 0xCBF29CE484222325ULL;
 };
 
-// Everything of the record but the geometry, with its place in the tree.
+// Everything of the record but the geometry and its place in the tree.
 std::uint64_t record_sum(const object_t *object)
 {
     checksum sum;
     sum.add(object->name);
     sum.add(object->data);
     sum.add(object->url);
-    sum.value(object->parent);
     sum.value(object->has_texture);
     sum.value(object->texture);
     sum.value(object->texture_repeat_x);
@@ -71,8 +70,6 @@ std::uint64_t record_sum(const object_t *object)
     sum.value(object->type);
     sum.value(object->visible);
     sum.value(object->locked);
-    for (const object_t *child : each<object_t>(object->children))
-        sum.value(child);
     for (const vesk_prop_t *prop : each<vesk_prop_t>(object->properties)) {
         sum.add(prop->name);
         sum.add(prop->kind);
