@@ -18,7 +18,13 @@ target_sources(vesk_core PRIVATE
     app/prefs_file.cpp
     app/progress.cpp
     app/session_state.cpp
+    app/startup.cpp
     app/tokens.cpp
     app/ui_port.cpp
     app/version.cpp
+)
+target_sources(vesk PRIVATE
+    app/bridge_tk.cpp
+    app/bridge_tk_port.cpp
+    app/main.cpp
 )

@@ -7,6 +7,7 @@ target_sources(vesk_core PRIVATE
     edit/primitives_flat.cpp
     edit/selection.cpp
     edit/selection_scan.cpp
+    edit/snap.cpp
     edit/surface_copy.cpp
     edit/transform.cpp
     edit/undo.cpp

@@ -1,12 +1,48 @@
 # Files of view/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
+    view/axis_cross.cpp
     view/camera.cpp
     view/camera_eye.cpp
+    view/draw_budget.cpp
     view/fit.cpp
+    view/grid.cpp
+    view/interaction.cpp
+    view/mesh_layout.cpp
     view/pick.cpp
     view/projection.cpp
     view/redraw.cpp
+    view/selection_marks.cpp
     view/texture_search.cpp
     view/textures.cpp
     view/views.cpp
 )
+target_sources(vesk PRIVATE
+    view/draw_3d_gl.cpp
+    view/draw_buffers_gl.cpp
+    view/draw_device_gl.cpp
+    view/draw_grid_gl.cpp
+    view/draw_orth_gl.cpp
+    view/draw_overlay_gl.cpp
+    view/draw_scene_gl.cpp
+    view/draw_text_gl.cpp
+    view/draw_view_gl.cpp
+    view/font_atlas.cpp
+    view/views_tk.cpp
+)
+
+# The texts inside the views: fonts rasterised at build time.
+find_package(Freetype REQUIRED)
+find_file(INTER_REGULAR Inter-Regular.otf REQUIRED
+    PATHS /usr/share/fonts/opentype/inter /usr/local/share/fonts)
+find_file(INTER_BOLD Inter-Bold.otf REQUIRED
+    PATHS /usr/share/fonts/opentype/inter /usr/local/share/fonts)
+add_executable(make_font_atlas tools/make_font_atlas.cpp)
+target_link_libraries(make_font_atlas PRIVATE Freetype::Freetype)
+add_custom_command(OUTPUT ${CMAKE_BINARY_DIR}/generated/font_atlas.inc
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/generated
+    COMMAND make_font_atlas ${INTER_REGULAR} ${INTER_BOLD}
+        > ${CMAKE_BINARY_DIR}/generated/font_atlas.inc
+    DEPENDS make_font_atlas VERBATIM)
+add_custom_target(font_atlas DEPENDS ${CMAKE_BINARY_DIR}/generated/font_atlas.inc)
+add_dependencies(vesk font_atlas)
+target_include_directories(vesk PRIVATE ${CMAKE_BINARY_DIR}/generated)

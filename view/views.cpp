@@ -29,13 +29,10 @@ views_t views;
 // The pan follows the scale, so that the middle of the window stays where it is.
 void zoom_about_middle(int view, float multiplier, float divisor)
 {
-    if (!is_orthographic(view))
-        return;
     VESKView &record = *vesk_get_view(view);
     for (float *value : {&record.scale, &record.pan[view_axes[view].horizontal],
                          &record.pan[view_axes[view].vertical]})
         *value = *value * multiplier / divisor;
-    redraw_view(view);
 }
 
 void zoom_win(int view, void (*zoom)(int, float))
@@ -180,6 +177,22 @@ VESKView *vesk_get_view(int view)
     return views.record[view];
 }
 
+void view_bind(int view, const char *name, void *togl, void *tk_window)
+{
+    VESKView *former = vesk_get_view(view);
+    VESKView *record = new_veskview(name);
+    record->id = view;
+    record->bound = 1;
+    record->togl = togl;
+    record->tk_window = tk_window;
+    record->scale = former->scale;
+    std::memcpy(record->pan, former->pan, sizeof record->pan);
+    std::memcpy(record->centre, former->centre, sizeof record->centre);
+    views.record[view] = record;
+    myfree(former->name);
+    myfree(former);
+}
+
 const char *view_short_name(int view)
 {
     constexpr const char *names[num_views] = {"xy", "zy", "xz", "xyz"};
@@ -313,6 +326,26 @@ void vesk_sync_zoom(int view)
     for (int each = 0; each < 3; ++each)
         vesk_get_view(each)->scale = source->scale;
     redraw_orth();
+}
+
+void view_zoom_by(int view, float factor)
+{
+    if (!is_orthographic(view))
+        return;
+    for (const int each : orthographic_order) {
+        if (prefs.independent_scaling != 0 && each != view)
+            continue;
+        zoom_about_middle(each, factor, 1.0f);
+        redraw(each);
+    }
+}
+
+void view_pan_by(int view, float dx, float dy)
+{
+    VESKView &record = *vesk_get_view(view);
+    record.pan[view_axes[view].horizontal] += dx;
+    record.pan[view_axes[view].vertical] += dy;
+    redraw(view);
 }
 
 void move_view(int view, int dx, int dy)

@@ -33,8 +33,16 @@ const char *view_short_name(int view); // "xy", "zy", "xz", "xyz"
 // Sizes the four windows as the preferences say; called before any window exists.
 void views_take_geometry_from_prefs();
 
+// A new record for a view whose widget exists; the former one is freed, its scale and pan are kept.
+void view_bind(int view, const char *name, void *togl, void *tk_window);
+
 // The geometry table of a drawing window, as the toolkit reported it.
 void view_set_position(int view, int x, int y);
+
+// Pan and zoom without drawing, for drags: the redraw is requested once. Zooming follows
+// independent_scaling.
+void view_pan_by(int view, float dx, float dy);
+void view_zoom_by(int view, float factor);
 
 // The drawing window that holds the pointer, and the one that was last made current for drawing.
 int view_under_pointer();

@@ -1,0 +1,244 @@
+#include "app/startup.h"
+
+#include "app/command_table.h"
+#include "app/crash_guard.h"
+#include "app/filename.h"
+#include "app/home.h"
+#include "app/linked_vars.h"
+#include "app/messages_internal.h"
+#include "app/prefs.h"
+#include "app/ui_port.h"
+#include "app/version.h"
+#include "edit/modes.h"
+#include "edit/undo.h"
+#include "model/object_internal.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "plugin/filters.h"
+#include "plugin/importers.h"
+#include "plugin/loader.h"
+#include "view/camera_internal.h"
+#include "view/textures.h"
+#include "view/views_internal.h"
+
+#include <climits>
+#include <cstring>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+constexpr int start_directory_size = 256;
+
+struct start_t {
+    std::string directory;
+    char *file_name = nullptr; // the last command-line file that loaded
+    char *version_text = nullptr;
+    double version_number = 0;
+    int unsaved_changes = 0;
+    int escape_pressed = 0;
+};
+start_t start;
+
+void read_start_directory()
+{
+    char buffer[start_directory_size];
+    start.directory = getcwd(buffer, sizeof buffer) != nullptr ? buffer : "";
+}
+
+std::string executable_path()
+{
+    char buffer[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", buffer, sizeof buffer);
+    return length > 0 ? std::string(buffer, static_cast<size_t>(length)) : std::string();
+}
+
+void find_home()
+{
+    const char *named = getenv("VESK_HOME");
+    vesk_set_homedir(named != nullptr ? named : directory_of_executable(executable_path()).c_str());
+}
+
+void print_banner()
+{
+    console_printf("%s - interactive polygon modeller\n", vesk_get_version_string());
+}
+
+void print_help(const command_line_t &line)
+{
+    print_banner();
+    console_printf("Build %s %s\n\n", __DATE__, __TIME__);
+    console_printf("usage: %s [-debug] [-dynamic] [file ...] \n\n", line.program.c_str());
+    console_printf("also: -noplugins            start without the plug-ins\n"
+                   "      -script FILE          evaluate a script once the window is there\n"
+                   "      -batch FILE [args]    run a script without a window and exit\n"
+                   "      -version              print the version and exit\n");
+}
+
+void link_program_variables()
+{
+    start.version_number = vesk_get_version_number();
+    start.version_text = ui_port().alloc_text(vesk_get_version_string());
+    *views_viewsetting() = ui_port().alloc_text("all");
+    using enum link_kind;
+    // clang-format off
+    static const linked_var_t rows[] = {
+        {"vesk_version_string", text,    true,  &start.version_text},
+        {"vesk_version_number", real,    true,  &start.version_number},
+        {"VESK_HOME",           text,    false, vesk_homedir_address()},
+        {"viewsetting",         text,    false, views_viewsetting()},
+        {"undo_count",          integer, true,  undo_count_address()},
+        {"objects_are_hidden",  boolean, true,  &objects_marks().hidden},
+        {"objects_are_locked",  boolean, true,  &objects_marks().locked},
+        {"person_walk_vehicle", boolean, false, camera_walk_indicator()},
+        {"unsaved_changes",     boolean, false, &start.unsaved_changes},
+        {"escape_pressed",      integer, false, &start.escape_pressed},
+    };
+    // clang-format on
+    linked_vars_install(rows);
+}
+
+void import_files(const std::vector<std::string> &files)
+{
+    for (const std::string &file : files) {
+        const std::string name = absolute_from_start(file);
+        console_printf("importing %s\n", name.c_str());
+        if (vesk_world_import_file(name.c_str()) != 0)
+            start.file_name = strdup(name.c_str()); // an earlier copy may still be in use
+    }
+    if (start.file_name != nullptr) {
+        std::string shown = start.file_name;
+        vesk_unbackslash_string(shown.data());
+        tcl_command("update_savefile_name %s", script_word(shown).c_str());
+    }
+}
+
+bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
+{
+    register_commands();
+    new_world();
+    if (!toolkit.init_tcl(line)) {
+        ui_port().message_box("Error starting VESK", "Failed to start TCL/TK - exiting.");
+        console_printf("failed to start TCL/TK - exiting\n");
+        return false;
+    }
+    if (line.batch)
+        views_take_geometry_from_prefs();
+    else
+        toolkit.create_windows();
+    init_view3d();
+    create_palette();
+    set_new_select_mode(0);
+    set_new_draw_mode(0);
+    vesk_register_builtin_texture_loaders();
+    vesk_register_internal_surface_filters();
+    vesk_register_internal_file_importers();
+    if (line.plugins)
+        load_all_plugins();
+    import_files(line.files);
+    display_status();
+    tcl_update();
+    return true;
+}
+
+int run_batch_script(const command_line_t &line, const startup_toolkit_t &toolkit)
+{
+    const std::string script = absolute_from_start(line.script);
+    // The script works where its user stands; start-up needed the home directory.
+    if (!start.directory.empty() && chdir(start.directory.c_str()) != 0)
+        console_printf("can't change to %s\n", start.directory.c_str());
+    return toolkit.run_script(script.c_str()) ? 0 : 1;
+}
+
+} // namespace
+
+command_line_t parse_command_line(int argc, char **argv)
+{
+    command_line_t line;
+    line.program = argc > 0 ? argv[0] : "vesk";
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        const bool more = i + 1 < argc;
+        if (word == "-debug") {
+            line.debug = true;
+            set_debug_mode(true);
+            console_printf("DEBUG mode enabled\n");
+        } else if (word == "-dynamic") {
+            console_printf("DYNAMIC TCL enabled\n");
+        } else if (word == "-help") {
+            line.help = true;
+            return line;
+        } else if (word == "-version") {
+            line.version = true;
+            return line;
+        } else if (word == "-noplugins") {
+            line.plugins = false;
+        } else if (word == "-script" && more) {
+            line.script = argv[++i];
+        } else if (word == "-batch" && more) {
+            line.batch = true;
+            line.script = argv[++i];
+            line.script_arguments.assign(argv + i + 1, argv + argc);
+            return line;
+        } else if (word.starts_with("-")) {
+            console_printf("unknown argument '%s'\n", argv[i]);
+        } else {
+            line.files.emplace_back(word);
+        }
+    }
+    return line;
+}
+
+const std::string &start_directory() { return start.directory; }
+
+std::string absolute_from_start(const std::string &name)
+{
+    if (filename_is_absolute(name.c_str()))
+        return name;
+    return vesk_filename_concat_path_file(start.directory.c_str(), name.c_str());
+}
+
+std::string directory_of_executable(const std::string &path)
+{
+    const size_t cut = path.rfind('/');
+    return cut == std::string::npos ? path : path.substr(0, cut);
+}
+
+void init_view3d(void) { person_reset(); }
+
+int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
+{
+    bool batch = false;
+    for (int i = 1; i + 1 < argc; ++i)
+        batch = batch || std::strcmp(argv[i], "-batch") == 0;
+    toolkit.install_port(batch);
+    crash_guard::install();
+    read_start_directory();
+
+    const command_line_t line = parse_command_line(argc, argv);
+    if (line.help) {
+        print_help(line);
+        return 0;
+    }
+    if (line.version) {
+        console_printf("%s\n", vesk_get_version_string());
+        return 0;
+    }
+    find_home();
+    print_banner();
+    console_printf("VESK_HOME is %s\n", vesk_get_vesk_homedir());
+    init_prefs();
+    if (prefs.windows_show_console == 0)
+        console_release();
+    link_program_variables();
+    if (!start_scene(line, toolkit))
+        return 1;
+    if (line.batch)
+        return run_batch_script(line, toolkit);
+    if (prefs.show_startup_tips != 0)
+        tcl_command("show_tip");
+    if (!line.script.empty())
+        toolkit.run_script(absolute_from_start(line.script).c_str());
+    toolkit.loop();
+    return 0;
+}

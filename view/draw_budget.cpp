@@ -1,0 +1,37 @@
+#include "view/draw_budget.h"
+
+namespace {
+constexpr double weight_of_new = 0.4; // of a running cost
+} // namespace
+
+void draw_budget::note(draw_layer layer, double seconds)
+{
+    double &cost = costs_[static_cast<std::size_t>(layer)];
+    cost = cost == 0 ? seconds : cost + (seconds - cost) * weight_of_new;
+}
+
+layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
+{
+    layer_choice_t choice;
+    if (!moving)
+        return choice;
+    // The costs are those of smoothed frames: smoothing is a part of them.
+    double total = cost(draw_layer::fill) + cost(draw_layer::edges) + cost(draw_layer::vertices) +
+                   cost(draw_layer::rest);
+    const auto leave_out = [&](bool &layer, draw_layer which) {
+        if (total <= frame_budget)
+            return;
+        layer = false;
+        total -= cost(which);
+    };
+    leave_out(choice.vertices, draw_layer::vertices);
+    leave_out(choice.smoothing, draw_layer::smoothing);
+    if (fill_goes_first)
+        leave_out(choice.fill, draw_layer::fill);
+    else
+        leave_out(choice.edges, draw_layer::edges);
+    // A view that is slow but usable is better than boxes.
+    constexpr double boxes_above = 10 * frame_budget;
+    choice.boxes_only = total > boxes_above;
+    return choice;
+}

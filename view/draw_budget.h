@@ -1,0 +1,40 @@
+#ifndef VESK_VIEW_DRAW_BUDGET_H
+#define VESK_VIEW_DRAW_BUDGET_H
+
+// What a view leaves out while something moves, so that it keeps up: each view keeps a running cost
+// of every layer, and layers go in a fixed order until the rest fits. When the motion has ended
+// everything is drawn in full.
+
+#include <array>
+#include <cstddef>
+
+enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
+
+constexpr double frame_budget = 0.033;      // seconds
+constexpr double settle_after = 0.15;       // of the last motion
+constexpr double other_view_interval = 0.1; // of the views that are not under the pointer
+
+struct layer_choice_t {
+    bool fill = true;
+    bool edges = true;
+    bool vertices = true;
+    bool smoothing = true;
+    bool boxes_only = false;
+};
+
+class draw_budget {
+public:
+    // A measured cost in seconds of one layer of a frame; smoothing is what it added.
+    void note(draw_layer layer, double seconds);
+
+    // What to draw: everything at rest, and while moving what fits. `fill_first` says whether the
+    // fill goes before the edges (flat views) or after them (3D).
+    [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
+
+    [[nodiscard]] double cost(draw_layer layer) const { return costs_[static_cast<std::size_t>(layer)]; }
+
+private:
+    std::array<double, static_cast<std::size_t>(draw_layer::count)> costs_ = {};
+};
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef VESK_VIEW_DRAW_LAYERS_GL_H
+#define VESK_VIEW_DRAW_LAYERS_GL_H
+
+// What the two kinds of view have in common while one picture is drawn.
+
+#include "view/draw_budget.h"
+#include "view/draw_scene_gl.h"
+
+struct picture_t {
+    int view;
+    int width, height;
+    double scale; // of the interface
+    scene_t scene;
+    layer_choice_t layers;
+    draw_budget *budget;
+    bool measure;   // wait after each layer and note what it cost
+    double started; // of the layer in hand
+};
+
+// Ends a layer: its cost goes into the budget while the picture is measured.
+void finish_layer(picture_t &picture, draw_layer layer);
+
+void draw_orthographic_view(picture_t &picture);
+void draw_3d_view(picture_t &picture);
+
+// Over the finished picture, in window pixels.
+void draw_orthographic_overlay(const picture_t &picture);
+void draw_3d_overlay(const picture_t &picture);
+
+void draw_ground_grid();
+
+constexpr float edge_alpha_filled = 0.75f;
+constexpr float edge_alpha_wire = 0.8f;
+
+#endif

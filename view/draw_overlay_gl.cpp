@@ -1,0 +1,186 @@
+#include "view/draw_overlay_gl.h"
+
+#include "app/prefs.h"
+#include "edit/selection_internal.h"
+#include "model/each.h"
+#include "model/lights.h"
+#include "model/world.h"
+#include "view/axis_cross.h"
+#include "view/camera_internal.h"
+#include "view/draw_device_gl.h"
+#include "view/draw_text_gl.h"
+#include "view/interaction.h"
+#include "view/projection.h"
+#include "view/selection_marks.h"
+#include "view/views_internal.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr float box_margin = 8; // between the true bounds and the box
+constexpr float shortest_side_with_handle = 36;
+constexpr int axis_colours[3] = {0xF07F76, 0x8CCB6B, 0x7CB4F5};
+constexpr int cross_disc_colour = 0x3A3A3A;
+constexpr int cross_letter_colour = 0x1B1C1E;
+constexpr int light_colour = 0xE5AC4D;
+constexpr colour_t rim_colour = {0x20 / 255.0f, 0x20 / 255.0f, 0x20 / 255.0f, 0.7f};
+
+float interface_scale() { return static_cast<float>(view_interface_scale()); }
+
+bool window_point(const point3_t &point, int view, float *x, float *y)
+{
+    if (view == VIEW_XYZ) {
+        double px = 0;
+        double py = 0;
+        if (!camera_project(point, &px, &py))
+            return false;
+        *x = static_cast<float>(px);
+        *y = static_cast<float>(py);
+        return true;
+    }
+    int px = 0;
+    int py = 0;
+    point2xy(&point, &px, &py, view);
+    *x = static_cast<float>(px) + 0.5f;
+    *y = static_cast<float>(py) + 0.5f;
+    return true;
+}
+
+struct box_t {
+    float x1, y1, x2, y2; // whole pixels
+};
+
+box_t selection_box(int view)
+{
+    int x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+    point2xy(&selection().box_min, &x1, &y1, view);
+    point2xy(&selection().box_max, &x2, &y2, view);
+    const float margin = std::round(box_margin * interface_scale());
+    return {static_cast<float>(std::min(x1, x2)) - margin,
+            static_cast<float>(std::min(y1, y2)) - margin,
+            static_cast<float>(std::max(x1, x2)) + margin + 1,
+            static_cast<float>(std::max(y1, y2)) + margin + 1};
+}
+
+std::vector<vertex2_t> handle_places(const box_t &box)
+{
+    const float mid_x = std::floor((box.x1 + box.x2) / 2);
+    const float mid_y = std::floor((box.y1 + box.y2) / 2);
+    const float shortest = shortest_side_with_handle * interface_scale();
+    std::vector<vertex2_t> places = {
+        {box.x1, box.y1}, {box.x2 - 1, box.y1}, {box.x1, box.y2 - 1}, {box.x2 - 1, box.y2 - 1}};
+    if (box.x2 - box.x1 >= shortest)
+        places.insert(places.end(), {{mid_x, box.y1}, {mid_x, box.y2 - 1}});
+    if (box.y2 - box.y1 >= shortest)
+        places.insert(places.end(), {{box.x1, mid_y}, {box.x2 - 1, mid_y}});
+    return places;
+}
+
+void draw_handles(const box_t &box)
+{
+    const float size = std::round(static_cast<float>(prefs.handle_size) * interface_scale());
+    const float half = std::floor(size / 2);
+    std::vector<vertex2_t> rims;
+    std::vector<vertex2_t> bodies;
+    for (const vertex2_t &place : handle_places(box)) {
+        const float x = place.x - half;
+        const float y = place.y - half;
+        add_quad(rims, x - 1, y - 1, x + size + 1, y + size + 1);
+        if (prefs.handles_hollow != 0)
+            add_frame(bodies, x, y, x + size, y + size, 1.5f);
+        else
+            add_quad(bodies, x, y, x + size, y + size);
+    }
+    if (prefs.handles_hollow == 0)
+        draw_array(GL_QUADS, rims, rim_colour);
+    draw_array(GL_QUADS, bodies, colour_of(prefs.col_box));
+}
+
+void draw_light_icon(float x, float y, const colour_t &colour)
+{
+    const float s = interface_scale();
+    draw_disc(x, y, 4 * s, 0, colour);
+    for (int ray = 0; ray < 8; ++ray) {
+        const float angle = static_cast<float>(ray) * 0.785398f;
+        const float dx = std::cos(angle);
+        const float dy = std::sin(angle);
+        draw_soft_line(x + dx * 6 * s, y + dy * 6 * s, x + dx * 9 * s, y + dy * 9 * s, 1.5f * s,
+                       colour);
+    }
+}
+
+// Darker behind, so that the cross reads as a body.
+float strength_at(double depth) { return static_cast<float>(0.7 + 0.3 * (depth + 1) / 2); }
+
+void draw_axis_end(const axis_cross_t &cross, const axis_end_t &end)
+{
+    constexpr const char *letters[3] = {"X", "Y", "Z"};
+    const colour_t colour = colour_of(axis_colours[end.axis], strength_at(end.depth));
+    const auto x = static_cast<float>(end.x);
+    const auto y = static_cast<float>(end.y);
+    const auto radius = static_cast<float>(end.radius);
+    if (!end.positive) {
+        draw_disc(x, y, radius, radius - 1.5f * interface_scale(), colour);
+        return;
+    }
+    draw_soft_line(static_cast<float>(cross.centre_x), static_cast<float>(cross.centre_y), x, y,
+                   2 * interface_scale(), colour);
+    draw_disc(x, y, radius, 0, colour);
+    draw_text_centred(x, y, letters[end.axis], colour_of(cross_letter_colour), atlas_font::bold);
+}
+
+} // namespace
+
+void draw_selection_box(int view)
+{
+    if (selection().box_valid == 0 || nothing_is_selected() != 0)
+        return;
+    const box_t box = selection_box(view);
+    std::vector<vertex2_t> frame;
+    const float width =
+        std::max(1.0f, std::round(static_cast<float>(prefs.bb_line_width) * interface_scale()));
+    add_frame(frame, box.x1, box.y1, box.x2, box.y2, width);
+    draw_array(GL_QUADS, frame, colour_of(prefs.col_box));
+    draw_handles(box);
+}
+
+void draw_light_icons(int view)
+{
+    for (const object_t *light : each<object_t>(world_lights())) {
+        float x = 0;
+        float y = 0;
+        if (light->visible == 0 || !window_point(light->centre, view, &x, &y))
+            continue;
+        const bool selected = selected_part(light) != nullptr;
+        draw_light_icon(x, y, colour_of(selected ? prefs.col_selline : light_colour));
+    }
+}
+
+void draw_object_centres(int view)
+{
+    if (prefs.show_objectcentres == 0)
+        return;
+    std::vector<vertex2_t> crosses;
+    const float size = static_cast<float>(prefs.object_centre_size) * interface_scale();
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        float x = 0;
+        float y = 0;
+        if (object == vesk_get_world() || object->visible == 0 ||
+            !window_point(object->centre, view, &x, &y))
+            return;
+        crosses.insert(crosses.end(), {{x - size, y}, {x + size, y}, {x, y - size}, {x, y + size}});
+    });
+    draw_set_line_width(1.0f);
+    draw_array(GL_LINES, crosses, colour_of(prefs.col_foreground));
+}
+
+void draw_axis_cross()
+{
+    const axis_cross_t cross = axis_cross(view_interface_scale());
+    draw_disc(static_cast<float>(cross.centre_x), static_cast<float>(cross.centre_y),
+              static_cast<float>(cross.radius), 0, colour_of(cross_disc_colour, 0.3f));
+    for (const axis_end_t &end : cross.ends)
+        draw_axis_end(cross, end);
+}

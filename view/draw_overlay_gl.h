@@ -1,0 +1,16 @@
+#ifndef VESK_VIEW_DRAW_OVERLAY_GL_H
+#define VESK_VIEW_DRAW_OVERLAY_GL_H
+
+// What lies over the model, in window pixels: the selection's box with its handles, the icons of
+// lights, object centres, the axis cross.
+
+// Of an orthographic view: box and handles of the selection, drawn outside its true bounds.
+void draw_selection_box(int view);
+
+// Icons of the lights, and the crosses of object centres while they are shown. Any view.
+void draw_light_icons(int view);
+void draw_object_centres(int view);
+
+void draw_axis_cross();
+
+#endif

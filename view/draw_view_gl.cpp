@@ -1,0 +1,119 @@
+#include "view/draw_view_gl.h"
+
+#include "app/prefs.h"
+#include "app/ui_port.h"
+#include "model/change_marks.h"
+#include "view/draw_layers_gl.h"
+#include "view/draw_text_gl.h"
+#include "view/interaction.h"
+#include "view/views_internal.h"
+
+namespace {
+
+constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
+constexpr float label_x = 8;
+constexpr float label_y = 17;
+
+struct view_state_t {
+    draw_budget budget;
+    bool partial = false;
+    bool distrusted = false;
+    std::uint64_t distrusted_at = 0; // change count of the model
+};
+view_state_t states[num_views];
+
+bool is_distrusted(view_state_t &state)
+{
+    if (state.distrusted && state.distrusted_at != model_change_count())
+        state.distrusted = false;
+    return state.distrusted;
+}
+
+colour_t background_of(int view)
+{
+    return colour_of(view == VIEW_XYZ ? prefs.col_3dbackground : prefs.col_background);
+}
+
+// What the present layers cost against what they would with smoothing.
+void learn_smoothing(picture_t &picture, double seconds)
+{
+    draw_budget &budget = *picture.budget;
+    double expected = budget.cost(draw_layer::rest);
+    if (picture.layers.fill)
+        expected += budget.cost(draw_layer::fill);
+    if (picture.layers.edges)
+        expected += budget.cost(draw_layer::edges);
+    if (picture.layers.vertices)
+        expected += budget.cost(draw_layer::vertices);
+    if (!picture.layers.smoothing && expected > seconds)
+        budget.note(draw_layer::smoothing, expected - seconds);
+}
+
+} // namespace
+
+void finish_layer(picture_t &picture, draw_layer layer)
+{
+    if (!picture.measure)
+        return;
+    const double now = seconds_until_drawn();
+    picture.budget->note(layer, now - picture.started);
+    picture.started = now;
+}
+
+void draw_view(int view, int width, int height, double seconds)
+{
+    view_state_t &state = states[view];
+    const bool moving = view_is_moving(view, seconds);
+    const bool flat = is_orthographic(view);
+    picture_t picture = {view, width,         height,  view_interface_scale(), {},
+                         {},   &state.budget, !moving, ui_port().now_seconds()};
+    const double started = picture.started;
+    picture.layers = state.budget.choose(moving, flat);
+    if (is_distrusted(state))
+        picture.layers.boxes_only = true;
+    else
+        picture.scene = gather_scene();
+    frame_begin(view, width, height, background_of(view), picture.layers.smoothing);
+    if (flat)
+        draw_orthographic_view(picture);
+    else
+        draw_3d_view(picture);
+    frame_end(view);
+    if (flat)
+        draw_orthographic_overlay(picture);
+    else
+        draw_3d_overlay(picture);
+    draw_window_label(view);
+    finish_layer(picture, draw_layer::rest);
+    if (moving)
+        learn_smoothing(picture, seconds_until_drawn() - started);
+    state.partial = moving;
+}
+
+bool drawn_view_is_partial(int view) { return states[view].partial; }
+
+void draw_view_distrust(int view)
+{
+    states[view].distrusted = true;
+    states[view].distrusted_at = model_change_count();
+}
+
+std::vector<layer_cost_t> drawn_view_costs(int view)
+{
+    const draw_budget &budget = states[view].budget;
+    return {{"fill", budget.cost(draw_layer::fill)},
+            {"edges", budget.cost(draw_layer::edges)},
+            {"vertices", budget.cost(draw_layer::vertices)},
+            {"rest", budget.cost(draw_layer::rest)},
+            {"smoothing", budget.cost(draw_layer::smoothing)}};
+}
+
+void draw_window_label(int view)
+{
+    const char *const labels[num_views] = {prefs.window_label_xy, prefs.window_label_zy,
+                                           prefs.window_label_xz, prefs.window_label_xyz};
+    if (prefs.show_window_labels == 0 || labels[view] == nullptr)
+        return;
+    const auto scale = static_cast<float>(view_interface_scale());
+    draw_text(label_x * scale, label_y * scale, labels[view], label_colour, atlas_font::regular);
+}

@@ -1,0 +1,392 @@
+#include "view/views_tk.h"
+
+#include "app/bridge_tk.h"
+#include "app/command_registry.h"
+#include "app/entry_guard.h"
+#include "app/messages_internal.h"
+#include "app/prefs.h"
+#include "app/ui_port.h"
+#include "view/camera.h"
+#include "view/draw_device_gl.h"
+#include "view/draw_view_gl.h"
+#include "view/interaction.h"
+#include "view/redraw.h"
+#include "view/views_internal.h"
+
+#include <togl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int settle_msecs = 160; // a little more than the motion's end takes to be known
+
+struct widgets_t {
+    Tcl_TimerToken settle[num_views] = {};
+    Tcl_TimerToken tick = nullptr;
+    bool drawing[num_views] = {};
+    double drawn_at[num_views] = {};
+};
+widgets_t widgets;
+
+Togl *togl_of(int view)
+{
+    const VESKView *record = vesk_get_view(view);
+    return record != nullptr ? static_cast<Togl *>(record->togl) : nullptr;
+}
+
+Tk_Window window_of(int view)
+{
+    const VESKView *record = vesk_get_view(view);
+    return record != nullptr ? static_cast<Tk_Window>(record->tk_window) : nullptr;
+}
+
+// View id + 1 as the widget's client data: null means that it is not bound yet.
+int view_of(const Togl *togl)
+{
+    return static_cast<int>(reinterpret_cast<intptr_t>(Togl_GetClientData(togl))) - 1;
+}
+
+// ---- drawing ----
+
+void settle(ClientData data)
+{
+    const int view = static_cast<int>(reinterpret_cast<intptr_t>(data));
+    widgets.settle[view] = nullptr;
+    if (togl_of(view) != nullptr)
+        Togl_PostRedisplay(togl_of(view));
+}
+
+void draw_again_at_rest(int view)
+{
+    if (widgets.settle[view] != nullptr)
+        Tcl_DeleteTimerHandler(widgets.settle[view]);
+    widgets.settle[view] = Tcl_CreateTimerHandler(
+        settle_msecs, settle, reinterpret_cast<ClientData>(static_cast<intptr_t>(view)));
+}
+
+void draw_now(int view)
+{
+    Togl *togl = togl_of(view);
+    if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
+        return;
+    widgets.drawing[view] = true; // a box shown from inside lets events in
+    Togl_MakeCurrent(togl);
+    fault_t fault;
+    const bool drawn = guarded_with_recovery(
+        [&] {
+            draw_view(view, Togl_Width(togl), Togl_Height(togl), ui_port().now_seconds());
+            Togl_SwapBuffers(togl);
+        },
+        &fault);
+    widgets.drawing[view] = false;
+    if (!drawn) {
+        draw_view_distrust(view);
+        tell_main_fault(fault);
+    } else if (drawn_view_is_partial(view)) {
+        draw_again_at_rest(view);
+    }
+}
+
+// ---- continuous motion ----
+
+void tick(ClientData);
+
+void keep_ticking()
+{
+    const int msecs = interaction_tick_msecs();
+    if (msecs > 0 && widgets.tick == nullptr)
+        widgets.tick = Tcl_CreateTimerHandler(msecs, tick, nullptr);
+}
+
+void tick(ClientData)
+{
+    widgets.tick = nullptr;
+    guarded_entry([] { interaction_tick(ui_port().now_seconds()); });
+    keep_ticking();
+}
+
+// ---- events ----
+
+int view_of_client(ClientData data) { return static_cast<int>(reinterpret_cast<intptr_t>(data)); }
+
+void on_button(ClientData data, XEvent *event)
+{
+    const XButtonEvent &button = event->xbutton;
+    const int view = view_of_client(data);
+    if (button.button > 3) {
+        // The scripts bind the wheel to "zoomview", which leaves the walking viewer alone.
+        if (event->type == ButtonPress && view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0 &&
+            button.button <= 5)
+            guarded_entry([&] { interaction_wheel(view, button.button == 4 ? 1 : -1); });
+        return;
+    }
+    const pointer_event_t pointer = {view,
+                                     button.x,
+                                     button.y,
+                                     static_cast<int>(button.button),
+                                     static_cast<int>(button.state),
+                                     ui_port().now_seconds()};
+    guarded_entry([&] {
+        if (event->type == ButtonPress)
+            interaction_press(pointer);
+        else
+            interaction_release(pointer);
+    });
+    keep_ticking();
+}
+
+void on_motion(ClientData data, XEvent *event)
+{
+    const XMotionEvent &motion = event->xmotion;
+    const pointer_event_t pointer = {
+        view_of_client(data),   motion.x, motion.y, 0, static_cast<int>(motion.state),
+        ui_port().now_seconds()};
+    guarded_entry([&] { interaction_motion(pointer); });
+}
+
+void on_crossing(ClientData data, XEvent *event)
+{
+    const int view = view_of_client(data);
+    guarded_entry([&] {
+        if (event->type == EnterNotify)
+            interaction_enter(view);
+        else
+            interaction_leave(view);
+    });
+}
+
+// ---- widget callbacks ----
+
+void take_size(Togl *togl, int view)
+{
+    int x = 0;
+    int y = 0;
+    Tk_GetRootCoords(Togl_TkWin(togl), &x, &y);
+    view_set_position(view, x, y);
+    handle_resize(view, Togl_Width(togl), Togl_Height(togl));
+}
+
+Togl *togl_argument(Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = nullptr;
+    if (argc < 2 || Togl_GetToglFromObj(interp, argv[1], &togl) != TCL_OK)
+        return nullptr;
+    return togl;
+}
+
+int display_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = togl_argument(interp, argc, argv);
+    if (togl != nullptr)
+        redisplay(togl);
+    return TCL_OK;
+}
+
+int reshape_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = togl_argument(interp, argc, argv);
+    if (togl == nullptr) {
+        debugf("togl is null!\n");
+        return TCL_OK;
+    }
+    const int view = view_of(togl);
+    if (view != VIEW_NONE)
+        guarded_entry([&] { take_size(togl, view); });
+    return TCL_OK;
+}
+
+// A widget that goes (with its window) is no longer drawn into.
+int destroy_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = togl_argument(interp, argc, argv);
+    const int view = togl != nullptr ? view_of(togl) : VIEW_NONE;
+    if (view != VIEW_NONE) {
+        VESKView *record = vesk_get_view(view);
+        record->togl = nullptr;
+        record->tk_window = nullptr;
+        record->bound = 0;
+    }
+    return TCL_OK;
+}
+
+constexpr const char *display_name = "::vesk::togl_display";
+constexpr const char *reshape_name = "::vesk::togl_reshape";
+constexpr const char *destroy_name = "::vesk::togl_destroy";
+
+void install_callbacks(const char *widget)
+{
+    Tcl_Interp *interp = bridge_interp();
+    tcl_command("namespace eval ::vesk {}");
+    Tcl_CreateObjCommand(interp, display_name, display_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, reshape_name, reshape_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, destroy_name, destroy_command, nullptr, nullptr);
+    tcl_command("%s configure -displaycommand %s -reshapecommand %s -destroycommand %s", widget,
+                display_name, reshape_name, destroy_name);
+}
+
+// Buffers and textures are made once: a widget that does not share would show nothing.
+void check_sharing()
+{
+    for (int view = 1; view < num_views; ++view)
+        if (Togl_ContextTag(togl_of(view)) != Togl_ContextTag(togl_of(0)))
+            console_printf("the OpenGL window %s does not share its objects with %s\n",
+                           vesk_get_view(view)->name, vesk_get_view(0)->name);
+}
+
+[[noreturn]] void fail(const char *format, const char *what)
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+    console_printf(format, what);
+#pragma GCC diagnostic pop
+    bridge_exit(1);
+}
+
+} // namespace
+
+void views_tk_fill_port(ui_port_t &port)
+{
+    port.post_redisplay = [](int view) {
+        if (togl_of(view) != nullptr)
+            Togl_PostRedisplay(togl_of(view));
+    };
+    port.draw_now = draw_now;
+    port.make_current = platform_make_window_current;
+    port.swap_buffers = [](int view) {
+        if (togl_of(view) != nullptr)
+            Togl_SwapBuffers(togl_of(view));
+    };
+    port.set_cursor = [](int view, const char *cursor) {
+        const Tk_Window window = window_of(view);
+        if (window == nullptr)
+            return;
+        if (cursor == nullptr) {
+            Tk_UndefineCursor(window);
+            return;
+        }
+        const Tk_Cursor shape = Tk_GetCursor(bridge_interp(), window, Tk_GetUid(cursor));
+        if (shape != nullptr)
+            Tk_DefineCursor(window, shape);
+    };
+}
+
+bool views_tk_geometry(int view, int out[4])
+{
+    const Tk_Window window = view == VIEW_MAIN ? Tk_MainWindow(bridge_interp()) : window_of(view);
+    if (window == nullptr)
+        return false;
+    Tk_GetRootCoords(window, &out[0], &out[1]);
+    out[2] = Tk_Width(window);
+    out[3] = Tk_Height(window);
+    return true;
+}
+
+bool views_tk_save_picture(int view, const char *ppm_file)
+{
+    Togl *togl = togl_of(view);
+    if (togl == nullptr)
+        return false;
+    const int width = Togl_Width(togl);
+    const int height = Togl_Height(togl);
+    Togl_MakeCurrent(togl);
+    draw_view(view, width, height, ui_port().now_seconds());
+    const size_t row = static_cast<size_t>(width) * 3;
+    std::vector<unsigned char> pixels(row * static_cast<size_t>(height));
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    Togl_SwapBuffers(togl);
+    std::FILE *file = std::fopen(ppm_file, "wb");
+    if (file == nullptr)
+        return false;
+    std::fprintf(file, "P6\n%d %d\n255\n", width, height);
+    for (int y = height; y-- > 0;)
+        std::fwrite(pixels.data() + row * static_cast<size_t>(y), 1, row, file);
+    return std::fclose(file) == 0;
+}
+
+void make_tcl_window(int x, int y, int width, int height, const char *, int view)
+{
+    const char *element = view_short_name(view);
+    const char *widget = ui_port().get_element("ToglWinName", element);
+    if (widget == nullptr)
+        fail("can't get value for TCL variable %s\n",
+             (std::string("ToglWinName(") + element + ")").c_str());
+    const std::string name = widget;
+    const Tk_Window window =
+        Tk_NameToWindow(bridge_interp(), name.c_str(), Tk_MainWindow(bridge_interp()));
+    if (window == nullptr)
+        fail("failed to get Tk windows ID for window named %s\n", name.c_str());
+    Togl *togl = nullptr;
+    if (Togl_GetToglFromName(bridge_interp(), name.c_str(), &togl) != TCL_OK)
+        fail("can't get togl id for window %s - it looks like the OpenGL window may have failed "
+             "to open/initialize\n",
+             name.c_str());
+    view_bind(view, name.c_str(), togl, window);
+    Togl_SetClientData(togl, reinterpret_cast<ClientData>(static_cast<intptr_t>(view) + 1));
+    const auto client = reinterpret_cast<ClientData>(static_cast<intptr_t>(view));
+    Tk_CreateEventHandler(window, ButtonPressMask, on_button, client);
+    Tk_CreateEventHandler(window, ButtonReleaseMask, on_button, client);
+    Tk_CreateEventHandler(window, PointerMotionMask, on_motion, client);
+    Tk_CreateEventHandler(window, EnterWindowMask, on_crossing, client);
+    Tk_CreateEventHandler(window, LeaveWindowMask, on_crossing, client);
+    install_callbacks(name.c_str());
+    // The widget was shaped before it was bound; files named on the command line are fitted soon.
+    view_set_position(view, x, y);
+    handle_resize(view, width, height);
+    take_size(togl, view);
+}
+
+void create_ui(void)
+{
+    make_tcl_window(prefs.frontwin_x, prefs.frontwin_y, prefs.frontwin_width, prefs.frontwin_height,
+                    prefs.window_label_xy, VIEW_XY);
+    make_tcl_window(prefs.sidewin_x, prefs.sidewin_y, prefs.sidewin_width, prefs.sidewin_height,
+                    prefs.window_label_zy, VIEW_ZY);
+    make_tcl_window(prefs.planwin_x, prefs.planwin_y, prefs.planwin_width, prefs.planwin_height,
+                    prefs.window_label_xz, VIEW_XZ);
+    make_tcl_window(prefs.win3d_x, prefs.win3d_y, prefs.win3d_width, prefs.win3d_height,
+                    prefs.window_label_xyz, VIEW_XYZ);
+    check_sharing();
+    constexpr double points_of_pixel = 72.0 / 96.0;
+    const std::string scaling = tcl_command("tk scaling");
+    view_set_interface_scale(
+        std::max(0.75, std::strtod(scaling.c_str(), nullptr) * points_of_pixel));
+}
+
+void init_ui(int, char **) {}
+
+void platform_make_window_current(int view)
+{
+    if (togl_of(view) != nullptr)
+        Togl_MakeCurrent(togl_of(view));
+}
+
+void set_draw_win(int view)
+{
+    Togl *togl = togl_of(view);
+    if (togl == nullptr)
+        return;
+    Togl_MakeCurrent(togl);
+    set_current_draw_win(view);
+    glViewport(0, 0, Togl_Width(togl), Togl_Height(togl));
+    use_pixel_projection(Togl_Width(togl), Togl_Height(togl));
+}
+
+void redisplay(void *togl)
+{
+    const int view = view_of(static_cast<Togl *>(togl));
+    if (view != VIEW_NONE)
+        draw_now(view);
+}
+
+void expose(int view, void *x_event)
+{
+    if (static_cast<XEvent *>(x_event)->xexpose.count == 0)
+        request_redisplay(view);
+}
