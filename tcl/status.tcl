@@ -55,7 +55,7 @@ proc ::vesk::status::build_triple {path letters} {
         ttk::label $path.l$letter -text [string toupper $letter] -style $style
         ttk::label $path.$letter -style Status.TLabel -anchor e -width 6
         pack $path.l$letter $path.$letter -side left
-        pack configure $path.$letter -padx [::vesk::theme::pad 2 6]
+        pack configure $path.$letter -padx [::vesk::theme::pad 2 10]
     }
     ttk::label $path.text -style Status.TLabel
     return $path
@@ -162,7 +162,7 @@ proc ::vesk::status::show_triple {path letters text pattern} {
             pack forget $path.text
             foreach letter $letters {
                 pack $path.l$letter $path.$letter -side left
-                pack configure $path.$letter -padx [::vesk::theme::pad 2 6]
+                pack configure $path.$letter -padx [::vesk::theme::pad 2 10]
             }
         }
         return

@@ -13,6 +13,7 @@ namespace eval ::vesk::hier {
     variable syncing 0          ;# the tree's selection is being set by us
     variable chosen {}          ;# ids selected in the model
     variable strip_pending 0
+    variable marked {}          ;# rows with the icon for selected ones
     variable icons {group o-group poly o-poly light o-light cube u-box sphere u-sphere
         world o-world}
 }
@@ -249,6 +250,7 @@ proc ::vesk::hier::show_selection {} {
         $tree focus $id
     }
     strip_later
+    mark_icons
     # The virtual event arrives later; by then the two agree.
     after idle {set ::vesk::hier::syncing 0}
 }
@@ -262,6 +264,7 @@ proc ::vesk::hier::selected {} {
     variable syncing
     variable rows
     strip_later
+    mark_icons
     if {$syncing} {return}
     set wanted [$tree selection]
     if {[lsort $wanted] eq [lsort $chosen]} {return}
@@ -292,6 +295,26 @@ proc ::vesk::hier::selected {} {
     foreach id $add {::vesk::ops::run object_select $id}
     vesk redraw_all
     show_selection
+}
+
+# mark_icons --
+#   Selected rows carry the icon that shows on the band, the others the dim one.
+proc ::vesk::hier::mark_icons {} {
+    variable tree
+    variable rows
+    variable marked
+    variable icons
+    set now [$tree selection]
+    foreach {ids variant} [list $marked dim $now active] {
+        foreach id $ids {
+            if {![$tree exists $id] || ![dict exists $rows $id]} {continue}
+            set type [lindex [dict get $rows $id] 1]
+            if {[dict exists $icons $type]} {
+                $tree item $id -image [::vesk::icons::get [dict get $icons $type] $variant]
+            }
+        }
+    }
+    set marked $now
 }
 
 # double --
@@ -371,7 +394,14 @@ proc ::vesk::hier::renamed {id keep} {
 proc ::vesk::hier::scrolled {first last} {
     variable path
     $path.bar set $first $last
-    if {$first <= 0 && $last >= 1} {grid remove $path.bar} else {grid $path.bar}
+    # Without the bar the band of selected rows goes on to the edge.
+    if {$first <= 0 && $last >= 1} {
+        grid remove $path.bar
+        grid configure $path.strip -columnspan 2
+    } else {
+        grid $path.bar
+        grid configure $path.strip -columnspan 1
+    }
     strip_later
 }
 

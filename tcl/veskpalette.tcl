@@ -57,6 +57,7 @@ proc ::vesk::palette::build_material {tab} {
     incr row
     add_number_row $tab.rows $row shininess Shininess 128
     add_number_row $tab.rows [incr row] transparency Transparency 1
+    grid columnconfigure $tab.rows 0 -minsize [::vesk::theme::px 96]
     grid columnconfigure $tab.rows 2 -weight 1
     ::vesk::theme::follow ::vesk::palette::draw_ball
     return $tab
@@ -453,8 +454,8 @@ proc ::vesk::palette::draw_swatches {} {
     if {![winfo exists $swatches]} {return}
     set canvas $swatches.grid
     $canvas delete all
-    set step [::vesk::theme::px 37]
-    set side [::vesk::theme::px 29]
+    set step [swatch_step]
+    set side [expr {$step - [::vesk::theme::px 8]}]
     set index 0
     foreach colour $colours {
         set x [expr {($index % $columns) * $step + [::vesk::theme::px 4]}]
@@ -491,9 +492,18 @@ proc ::vesk::palette::mark_swatch {} {
         [string toupper [lindex $colours $current]]"
 }
 
+# swatch_step --
+#   Distance of two swatches: eight fill the width, at most so large.
+proc ::vesk::palette::swatch_step {} {
+    variable swatches
+    variable columns
+    set step [expr {([winfo width $swatches.grid] - 1) / $columns}]
+    return [expr {min([::vesk::theme::px 37], max([::vesk::theme::px 16], $step))}]
+}
+
 proc ::vesk::palette::swatch_at {x y} {
     variable columns
-    set step [::vesk::theme::px 37]
+    set step [swatch_step]
     set column [expr {$x / $step}]
     if {$column < $columns} {select [expr {$y / $step * $columns + $column}]}
 }

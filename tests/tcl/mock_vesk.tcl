@@ -125,4 +125,4 @@ mock_touch 2
 mock_touch 0
 set mock_changes 0
 update
-if {$mock_script ne ""} {after 300 [list uplevel #0 $mock_script]}
+puts "script: $mock_script"; if {$mock_script ne ""} {after 300 [list uplevel #0 $mock_script]}
