@@ -30,19 +30,25 @@ proc ::vesk::colourbox::ask {start} {
         image create photo ::vesk::colourbox::$name -width $width -height $height
         $w.$name create image 0 0 -anchor nw -image ::vesk::colourbox::$name
     }
-    ::vesk::theme::on [frame $w.old -width [::vesk::theme::px 40] -height [::vesk::theme::px 26]] -
-    ::vesk::theme::on [frame $w.new -width [::vesk::theme::px 40] -height [::vesk::theme::px 26]] -
-    ttk::entry $w.hex -style Panel.TEntry -width 9 -justify right -font VeskNumber \
+    ttk::frame $w.row -style Panel.TFrame
+    foreach name {old new} {
+        ::vesk::theme::on [frame $w.row.$name -width [::vesk::theme::px 32] \
+            -height [::vesk::theme::px 25]] -
+    }
+    ttk::entry $w.row.hex -style Panel.TEntry -width 9 -justify right -font VeskNumber \
         -textvariable ::vesk::colourbox::hex
-    ttk::button $w.ok -text Choose -style Panel.Default.TButton \
+    ttk::button $w.row.ok -text Choose -style Panel.Default.TButton \
         -command {set ::vesk::colourbox::answer " $::vesk::colourbox::hex"}
-    ttk::button $w.cancel -text Cancel -style Panel.TButton \
+    ttk::button $w.row.cancel -text Cancel -style Panel.TButton \
         -command {set ::vesk::colourbox::answer " "}
     set p [::vesk::theme::px 12]
-    grid $w.field - - $w.hues - -padx $p -pady $p -sticky w
-    grid $w.old $w.new $w.hex $w.cancel $w.ok -pady [list 0 $p] -padx [list $p 0] -sticky w
-    grid configure $w.ok -padx $p
-    $w.old configure -background $start
+    grid $w.field $w.hues -padx [list $p 0] -pady $p
+    grid configure $w.hues -padx $p
+    grid $w.row - -sticky we -padx $p -pady [list 0 $p]
+    pack $w.row.old $w.row.new -side left
+    pack $w.row.hex -side left -padx [::vesk::theme::pad 8 12]
+    pack $w.row.ok $w.row.cancel -side right -padx [::vesk::theme::pad 8 0]
+    $w.row.old configure -background $start
     from_hex
     draw_hues $w
     show $w
@@ -50,12 +56,12 @@ proc ::vesk::colourbox::ask {start} {
     bind $w.field <B1-Motion> [list ::vesk::colourbox::field_moved $w %x %y]
     bind $w.hues <Button-1> [list ::vesk::colourbox::hue_moved $w %y]
     bind $w.hues <B1-Motion> [list ::vesk::colourbox::hue_moved $w %y]
-    bind $w.hex <Return> "::vesk::colourbox::typed $w; break"
-    bind $w.hex <FocusOut> [list ::vesk::colourbox::typed $w]
+    bind $w.row.hex <Return> "::vesk::colourbox::typed $w; break"
+    bind $w.row.hex <FocusOut> [list ::vesk::colourbox::typed $w]
     bind $w <Escape> {set ::vesk::colourbox::answer " "}
-    bind $w.ok <Return> {%W invoke}
+    bind $w.row.ok <Return> {%W invoke}
     set answer ""
-    ::vesk::dialogs::show_modal $w $w.hex
+    ::vesk::dialogs::show_modal $w $w.row.hex
     vwait ::vesk::colourbox::answer
     ::vesk::dialogs::close_modal $w
     image delete ::vesk::colourbox::field ::vesk::colourbox::hues
@@ -136,7 +142,7 @@ proc ::vesk::colourbox::show {w} {
     set y [expr {$hue * $size}]
     $w.hues create rectangle 0 [expr {$y - 2}] [image width ::vesk::colourbox::hues] \
         [expr {$y + 2}] -outline #ffffff -fill #141414 -tags mark
-    $w.new configure -background $hex
+    $w.row.new configure -background $hex
 }
 
 proc ::vesk::colourbox::draw_hues {w} {
@@ -173,13 +179,13 @@ proc ::vesk::colourbox::hue_moved {w y} {
 
 proc ::vesk::colourbox::typed {w} {
     variable hex
-    if {![winfo exists $w.hex]} {return}
+    if {![winfo exists $w.row.hex]} {return}
     if {[regexp {^#?([0-9A-Fa-f]{6})$} $hex -> digits]} {
         set hex "#[string toupper $digits]"
-        $w.hex state !invalid
+        $w.row.hex state !invalid
         from_hex
         show $w
     } else {
-        $w.hex state invalid
+        $w.row.hex state invalid
     }
 }

@@ -36,9 +36,9 @@ proc ::vesk::filebox::ask {how_wanted title start filters_wanted {wanted ""}} {
     set result ""
     build .filebox $title
     fill .filebox
-    ::vesk::dialogs::show_modal .filebox .filebox.name
-    .filebox.name icursor end
-    .filebox.name selection range 0 end
+    ::vesk::dialogs::show_modal .filebox .filebox.line.name
+    .filebox.line.name icursor end
+    .filebox.line.name selection range 0 end
     vwait ::vesk::filebox::result
     ::vesk::dialogs::close_modal .filebox
     return [string range $result 1 end]
@@ -89,32 +89,38 @@ proc ::vesk::filebox::build {w title} {
     $w.list column time -width [::vesk::theme::px 130] -anchor e -stretch 0
     ttk::scrollbar $w.bar -style Field.Vertical.TScrollbar -command [list $w.list yview]
     ttk::frame $w.bottom -style Panel.TFrame
-    ttk::label $w.label -text [expr {$how eq "folder" ? "Folder" : "Name"}] -style Panel.Dim.TLabel
-    ttk::entry $w.name -textvariable ::vesk::filebox::name -style Panel.TEntry
-    ttk::combobox $w.filter -state readonly -textvariable ::vesk::filebox::filter \
-        -values [lmap pair $filters {lindex $pair 0}] -style Panel.TCombobox -width 24
-    ttk::label $w.message -style Panel.Dim.TLabel
+    ttk::frame $w.line -style Panel.TFrame
+    ttk::label $w.line.label -style Panel.Dim.TLabel \
+        -text [expr {$how eq "folder" ? "Folder" : "Name"}]
+    ttk::entry $w.line.name -textvariable ::vesk::filebox::name -style Panel.TEntry
+    ttk::combobox $w.line.filter -state readonly -textvariable ::vesk::filebox::filter \
+        -values [lmap pair $filters {lindex $pair 0}] -style Panel.TCombobox -width 22
+    pack $w.line.label -side left -padx [list 0 $p]
+    if {$how ne "folder"} {pack $w.line.filter -side right -padx [list $p 0]}
+    pack $w.line.name -side left -fill x -expand 1
+    ttk::label $w.bottom.message -style Panel.Dim.TLabel
     ttk::button $w.bottom.cancel -text Cancel -style Panel.TButton \
         -command {set ::vesk::filebox::result " "}
     ttk::button $w.bottom.ok -style Panel.Default.TButton \
         -text [dict get {open Open save Save folder Choose} $how] \
         -command [list ::vesk::filebox::accept $w]
     pack $w.bottom.ok $w.bottom.cancel -side right -padx [list $p 0]
-    grid $w.top - - - -sticky we -padx $p -pady $p
-    grid $w.places $w.list - $w.bar -sticky nswe
-    grid $w.label $w.name $w.filter - -sticky we -padx $p -pady $p
-    grid $w.message - $w.bottom - -sticky we -padx $p -pady [list 0 $p]
+    grid $w.top - - -sticky we -padx $p -pady $p
+    grid $w.places $w.list $w.bar -sticky nswe
+    grid configure $w.places -padx [list 0 [::vesk::theme::px 1]]
+    grid $w.line - - -sticky we -padx $p -pady $p
+    grid $w.bottom - - -sticky we -padx $p -pady [list 0 $p]
+    pack $w.bottom.message -side left
     grid columnconfigure $w 1 -weight 1
     grid rowconfigure $w 1 -weight 1
-    if {$how eq "folder"} {grid remove $w.filter}
-    bind $w.filter <<ComboboxSelected>> [list ::vesk::filebox::choose_filter $w]
+    bind $w.line.filter <<ComboboxSelected>> [list ::vesk::filebox::choose_filter $w]
     bind $w.list <<TreeviewSelect>> [list ::vesk::filebox::selected $w]
     bind $w.list <Double-1> [list ::vesk::filebox::accept $w]
     bind $w.list <Return> [list ::vesk::filebox::accept $w]
     bind $w.list <BackSpace> [list ::vesk::filebox::up $w]
     bind $w.places <<TreeviewSelect>> [list ::vesk::filebox::place_chosen $w]
-    bind $w.name <Return> [list ::vesk::filebox::accept $w]
-    bind $w.name <Down> [list ::vesk::filebox::to_list $w]
+    bind $w.line.name <Return> [list ::vesk::filebox::accept $w]
+    bind $w.line.name <Down> [list ::vesk::filebox::to_list $w]
     bind $w.top.folder <Return> [list ::vesk::filebox::go $w]
     bind $w <Escape> {set ::vesk::filebox::result " "}
     foreach {label path} [places] {
@@ -174,7 +180,7 @@ proc ::vesk::filebox::fill {w} {
         dict set shown [$w.list insert {} end -text " $name" -image $image -values $values] \
             [list file $name]
     }
-    $w.message configure -text [expr {[file readable $folder] ? "" : "This folder cannot be read."}]
+    $w.bottom.message configure -text [expr {[file readable $folder] ? "" : "This folder cannot be read."}]
 }
 
 proc ::vesk::filebox::size_text {bytes} {
@@ -197,7 +203,7 @@ proc ::vesk::filebox::go {w} {
     if {[file isdirectory $folder]} {
         enter $w $folder
     } else {
-        $w.message configure -text "There is no folder of this name."
+        $w.bottom.message configure -text "There is no folder of this name."
     }
 }
 proc ::vesk::filebox::place_chosen {w} {
@@ -213,7 +219,7 @@ proc ::vesk::filebox::to_list {w} {
     }
 }
 proc ::vesk::filebox::choose_filter {w} {
-    set ::fsBox(currentfilter) [$w.filter current]
+    set ::fsBox(currentfilter) [$w.line.filter current]
     fill $w
 }
 proc ::vesk::filebox::selected {w} {
@@ -243,22 +249,22 @@ proc ::vesk::filebox::accept {w} {
         if {[file isdirectory $path]} {
             set result " $path"
         } else {
-            $w.message configure -text "There is no folder of this name."
+            $w.bottom.message configure -text "There is no folder of this name."
         }
         return
     }
     if {$name eq ""} {
-        $w.message configure -text "A name is missing."
+        $w.bottom.message configure -text "A name is missing."
     } elseif {[file isdirectory $path]} {
         set name ""
         enter $w $path
     } elseif {$how eq "open" && ![file exists $path]} {
-        $w.message configure -text "There is no file of this name."
+        $w.bottom.message configure -text "There is no file of this name."
     } elseif {$how eq "save" && ![file isdirectory [file dirname $path]]} {
-        $w.message configure -text "There is no folder of this name."
+        $w.bottom.message configure -text "There is no folder of this name."
     } elseif {$how eq "save" && [file exists [with_suffix $path]]
             && ![replace_confirmed [with_suffix $path]]} {
-        $w.message configure -text ""
+        $w.bottom.message configure -text ""
     } else {
         set result " [expr {$how eq "save" ? [with_suffix $path] : $path}]"
     }

@@ -158,7 +158,7 @@ proc ::vesk::search::find {} {
         lassign [lindex $entries $place] label trail key help row
         set tags [expr {[::vesk::menus::possible $row $state] ? "" : "off"}]
         lappend hits $place
-        $list insert {} end -id $place -text $label -values [list $trail $key] -tags $tags
+        $list insert {} end -id $place -text $label -values [list $trail "$key  "] -tags $tags
     }
     if {[llength $hits] > 0} {$list selection set [list [lindex $hits 0]]}
     show_help

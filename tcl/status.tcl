@@ -24,11 +24,7 @@ proc ::vesk::status::build {line} {
     build_triple $line.coors {x axis y axis z axis}
     build_progress $line.progress
     foreach part {console locked hidden} {pack $line.$part -side right -padx [::vesk::theme::pad 8 0]}
-    foreach part {undo counts size coors} {
-        pack $line.line$part -side right
-        lower $line.line$part
-        pack $line.$part -side right -before $line.line$part
-    }
+    foreach part {undo counts size coors} {pack $line.$part $line.line$part -side right}
     pack $line.message -side left -fill x -expand 1
     trace add variable ::coors write ::vesk::status::show_coors
     trace add variable ::size write ::vesk::status::show_size
@@ -214,8 +210,8 @@ proc ::vesk::status::show_undo {} {
 }
 
 # fit --
-#   Leaves out what the width does not hold: size first, then the undo name, then the console's
-#   neighbours keep their place.
+#   Leaves out what the width does not hold: size first, then the undo name; while a progress bar
+#   is shown the coordinates too.
 proc ::vesk::status::fit {} {
     variable path
     if {![winfo exists $path] || [winfo width $path] < 50} {return}
@@ -226,24 +222,31 @@ proc ::vesk::status::fit {} {
         }
     }
     set wanted [::vesk::theme::px 170]
-    set keep {coors counts undo size}
-    foreach part {coors counts undo size} {
-        set width [expr {[winfo reqwidth $path.$part] + [winfo reqwidth $path.line$part]}]
+    set working [expr {[winfo manager $path.progress] ne ""}]
+    if {$working} {set wanted [expr {[winfo reqwidth $path.progress] + [::vesk::theme::px 20]}]}
+    foreach part {counts undo coors size} {
         if {$part eq "undo"} {
-            set short [expr {$room - $width < $wanted}]
-            $path.undo configure -compound [expr {$short ? "image" : "left"}]
-            set width [expr {[winfo reqwidth $path.undo] + [winfo reqwidth $path.lineundo]}]
+            $path.undo configure -compound left
+            if {$room - [part_width undo] < $wanted} {$path.undo configure -compound image}
         }
-        if {$room - $width < $wanted && $part eq "size"} {
-            pack forget $path.size $path.linesize
-        } else {
-            if {$part eq "size" && [winfo manager $path.size] eq ""} {
-                pack $path.linesize -side right -before $path.linecoors
-                pack $path.size -side right -before $path.linesize
-            }
-            incr room -$width
+        set droppable [expr {$part eq "size" || $working && $part eq "coors"}]
+        if {$droppable && $room - [part_width $part] < $wanted} {
+            pack forget $path.$part $path.line$part
+            continue
         }
+        if {[winfo manager $path.$part] eq ""} {
+            # From right to left: undo, counts, size, coordinates.
+            set before [expr {$part eq "size" && [winfo manager $path.coors] ne ""
+                ? "$path.coors" : [lindex [pack slaves $path] end]}]
+            pack $path.$part $path.line$part -side right -before $before
+        }
+        incr room -[part_width $part]
     }
+}
+
+proc ::vesk::status::part_width {part} {
+    variable path
+    return [expr {[winfo reqwidth $path.$part] + [winfo reqwidth $path.line$part]}]
 }
 
 # ---- progress ----
@@ -257,13 +260,19 @@ proc ::vesk::status::set_progress {percent} {
     set progress $percent
     if {$percent <= 0 || $percent >= 100} {
         set busy_since 0
-        pack forget $path.progress
+        if {[winfo manager $path.progress] ne ""} {
+            pack forget $path.progress
+            pack $path.message -side left -fill x -expand 1
+            fit
+        }
         return
     }
     set now [clock milliseconds]
     if {$busy_since == 0} {set busy_since $now}
     if {$now - $busy_since >= 300 && [winfo manager $path.progress] eq ""} {
-        pack $path.progress -side left -before $path.message -padx [::vesk::theme::pad 0 12]
+        pack forget $path.message
+        pack $path.progress -side left
+        fit
     }
 }
 

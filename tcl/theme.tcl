@@ -368,7 +368,6 @@ proc ::vesk::theme::set_options {} {
         *Listbox.selectForeground on_sel *Text.background field *Text.foreground text
         *Text.selectBackground sel *Text.selectForeground on_sel *Text.insertBackground text
         *Canvas.background field *Toplevel.background chrome *Frame.background chrome
-        *Label.background chrome *Label.foreground text
     } {
         option add $pattern [colour $name] widgetDefault
     }
@@ -422,13 +421,11 @@ proc ::vesk::theme::recolour {w} {
                 -disabledforeground [colour off]
         }
         Canvas - Frame - Toplevel {
-            set name [expr {[info exists surface($w)] ? $surface($w) : "chrome"}]
-            if {$name ne "-"} {$w configure -background [colour $name]}
+            if {![info exists surface($w)]} {$w configure -background [colour chrome]}
         }
-        Label {
-            set name [expr {[info exists surface($w)] ? $surface($w) : "chrome"}]
-            $w configure -background [colour $name] -foreground [colour text]
-        }
+    }
+    if {[info exists surface($w)] && $surface($w) ne "-"} {
+        $w configure -background [colour $surface($w)]
     }
     foreach child [winfo children $w] {recolour $child}
 }
@@ -439,6 +436,7 @@ proc ::vesk::theme::recolour {w} {
 proc ::vesk::theme::on {w name} {
     variable surface
     set surface($w) $name
+    bind $w <Destroy> +[list unset -nocomplain ::vesk::theme::surface($w)]
     recolour $w
     return $w
 }

@@ -76,7 +76,7 @@ proc ::vesk::main::sash_moved {what x y} {
             set limit [expr {[winfo height .main.right] - [::vesk::theme::px 120]}]
             set height [expr {min($limit, max([::vesk::theme::px 90], $height))}]
             ::vesk::settings::set_value objects_height [expr {round($height / $::vesk::theme::S)}]
-            grid rowconfigure .main.right 0 -minsize $height
+            share_right
         }
     }
 }
@@ -100,11 +100,21 @@ proc ::vesk::main::build_right {path} {
     grid $path.sash -row 1 -sticky we
     grid $path.tabs -row 2 -sticky nswe
     grid columnconfigure $path 0 -weight 1
-    grid rowconfigure $path 0 -minsize \
-        [::vesk::theme::px [::vesk::settings::number objects_height 90 2000]]
     grid rowconfigure $path 2 -weight 1
     grid propagate $path 0
+    bind $path <Configure> ::vesk::main::share_right
     set_right_width [::vesk::theme::px [::vesk::settings::number panel_width 240 900]]
+}
+
+# share_right --
+#   Height of the objects panel: as it was dragged, as long as the tabs keep what they need.
+proc ::vesk::main::share_right {} {
+    set height [::vesk::theme::px [::vesk::settings::number objects_height 90 2000]]
+    set left [expr {[winfo height .main.right] - [::vesk::theme::px 335]}]
+    set height [expr {max([::vesk::theme::px 120], min($height, $left))}]
+    grid rowconfigure .main.right 0 -minsize $height
+    grid propagate .main.right.objects 0
+    .main.right.objects configure -height $height
 }
 
 proc ::vesk::main::set_right_width {width} {
