@@ -7,12 +7,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 git ls-files 'app/*' 'model/*' 'edit/*' 'view/*' 'fileio/*' 'plugin/*' | grep -E '\.(h|cpp|inc)$' |
     xargs awk '
     function level(path) {
-        if (path ~ /_(tk|gl)(_internal)?\.(h|cpp)$/ || path ~ /^app\/main\.cpp$/) return 8
+        if (path ~ /_(tk|gl)(_[a-z]+)?\.(h|cpp)$/ || path ~ /^app\/main\.cpp$/) return 8
         if (path ~ /^app\/(command_table|command_handlers|added_commands|startup)/) return 7
         if (path ~ /^fileio\/atomic_file/) return 1
         if (path ~ /^app\//) return 1
         if (path ~ /^model\//) return 2
-        if (path ~ /^view\/(views|projection|camera|textures|redraw|grid|image_)/) return 3
+        if (path ~ /^view\/(views|projection|camera|texture|redraw|image_)/) return 3
         if (path ~ /^edit\/(current_object|text_object|clipboard)/) return 5
         if (path ~ /^edit\//) return 4
         if (path ~ /^(fileio|view)\//) return 5

@@ -9,11 +9,14 @@ target_sources(vesk_core PRIVATE
     view/interaction.cpp
     view/mesh_layout.cpp
     view/pick.cpp
+    view/handles.cpp
+    view/overlay.cpp
     view/projection.cpp
     view/redraw.cpp
     view/selection_marks.cpp
     view/texture_search.cpp
     view/textures.cpp
+    view/tool_select.cpp
     view/views.cpp
 )
 target_sources(vesk PRIVATE

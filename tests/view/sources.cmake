@@ -1,2 +1,3 @@
 target_sources(vesk_tests PRIVATE
+    view/pick_test.cpp
 )

@@ -1,0 +1,24 @@
+#ifndef VESK_VIEW_OVERLAY_H
+#define VESK_VIEW_OVERLAY_H
+
+#include "app/types.h"
+
+#include <vector>
+
+// What a running tool shows over the model: written by the tools, read by the drawing.
+
+struct overlay_segment_t {
+    point3_t from, to; // world
+};
+
+struct overlay_t {
+    int band_view = VIEW_NONE;              // the rubber band's view
+    int x0 = 0, y0 = 0, x1 = 0, y1 = 0;     // its corners, from the press on; x1 < x0: touching
+    std::vector<overlay_segment_t> preview; // of a create tool, in all views
+    int locked_axis = -1;                   // 0 to 2 while a drag is locked to an axis
+    point3_t lock_point = {0, 0, 0};
+};
+
+overlay_t &overlay();
+
+#endif

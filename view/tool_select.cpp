@@ -1,0 +1,180 @@
+#include "view/tool_select.h"
+
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "edit/selection_internal.h"
+#include "edit/selection_scan.h"
+#include "model/object_tree.h"
+#include "model/world.h"
+#include "view/interaction.h"
+#include "view/redraw.h"
+#include "view/views_internal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <unordered_set>
+
+namespace {
+
+constexpr int same_place = 2; // pixels
+
+// The last click, for taking the next thing behind.
+struct last_click_t {
+    int view = VIEW_NONE, mode = -1;
+    int x = 0, y = 0;
+    size_t index = 0;
+};
+last_click_t last_click;
+
+pick_kind kind_of_mode()
+{
+    switch (select_mode()) {
+    case SELECT_SURFACE:
+        return pick_kind::SURFACE;
+    case SELECT_VERTEX:
+        return pick_kind::VERTEX;
+    case SELECT_LIGHT:
+        return pick_kind::LIGHT;
+    default:
+        return pick_kind::OBJECT;
+    }
+}
+
+// Hits as the select mode sees them: in tree mode ancestors instead of members, each once.
+std::vector<pick_hit_t> hits_of_mode(std::vector<pick_hit_t> hits)
+{
+    if (select_mode() != SELECT_TREE) {
+        return hits;
+    }
+    std::unordered_set<const object_t *> seen;
+    std::vector<pick_hit_t> tops;
+    for (pick_hit_t hit : hits) {
+        hit.object = object_top_ancestor(hit.object);
+        if (seen.insert(hit.object).second) {
+            tops.push_back(hit);
+        }
+    }
+    return tops;
+}
+
+std::vector<pick_hit_t> hits_at(int view, int x, int y)
+{
+    const int range =
+        static_cast<int>(std::lround(prefs.pick_pixel_range * view_interface_scale()));
+    return hits_of_mode(pick_at(view, kind_of_mode(), x, y, range));
+}
+
+bool is_selected(const pick_hit_t &hit)
+{
+    const selection_t &all = selection();
+    if (hit.point != nullptr) {
+        return list_index(all.vertices, hit.point) >= 0;
+    }
+    if (hit.surface != nullptr && select_mode() == SELECT_SURFACE) {
+        return list_index(all.surfaces, hit.surface) >= 0;
+    }
+    return list_index(all.objects, hit.object) >= 0;
+}
+
+void set_selected(const std::vector<pick_hit_t> &hits, bool on)
+{
+    owned_list list;
+    for (const pick_hit_t &hit : hits) {
+        if (select_mode() == SELECT_VERTEX) {
+            list.add(hit.point);
+        } else if (select_mode() == SELECT_SURFACE) {
+            list.add(hit.surface);
+        } else {
+            list.add(hit.object);
+        }
+    }
+    if (select_mode() == SELECT_VERTEX) {
+        (on ? select_vertices : unselect_vertices)(list.get());
+    } else if (select_mode() == SELECT_SURFACE) {
+        (on ? select_surfacelist : unselect_surfacelist)(list.get());
+    } else {
+        (on ? select_objectlist : unselect_objectlist)(list.get());
+    }
+}
+
+// Which of the hits a click takes.
+size_t index_of_click(int view, int x, int y, size_t count)
+{
+    last_click_t &last = last_click;
+    const bool again = last.view == view && last.mode == select_mode() &&
+                       std::abs(last.x - x) <= same_place && std::abs(last.y - y) <= same_place;
+    const size_t index = again ? (last.index + 1) % count : 0;
+    last = {view, select_mode(), x, y, index};
+    return index;
+}
+
+// Tree mode, wholly inside: every member with geometry must be.
+void keep_whole_trees(const std::vector<pick_hit_t> &members, std::vector<pick_hit_t> *tops)
+{
+    std::unordered_set<const object_t *> inside;
+    for (const pick_hit_t &hit : members) {
+        inside.insert(hit.object);
+    }
+    std::erase_if(*tops, [&](const pick_hit_t &top) {
+        return find_object_where(top.object, [&](const object_t *object) {
+                   return object->vertices != nullptr && object->visible != 0 &&
+                          object->locked == 0 && !inside.contains(object);
+               }) != nullptr;
+    });
+}
+
+void finish()
+{
+    redraw_all();
+    display_status();
+}
+
+} // namespace
+
+void select_click(int view, int x, int y, int state)
+{
+    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
+    const bool shift = qualifier_shift(state) != 0;
+    if (hits.empty()) {
+        last_click = {};
+        if (!shift) {
+            clear_selection();
+        }
+        finish();
+        return;
+    }
+    const pick_hit_t &hit = hits[index_of_click(view, x, y, hits.size())];
+    if (shift) {
+        set_selected({hit}, !is_selected(hit));
+    } else {
+        clear_selection();
+        set_selected({hit}, true);
+    }
+    finish();
+}
+
+void select_band(int view, const band_t &band, int state)
+{
+    const std::vector<pick_hit_t> found = pick_band(view, kind_of_mode(), band);
+    std::vector<pick_hit_t> hits = hits_of_mode(found);
+    if (select_mode() == SELECT_TREE && !band.touching) {
+        keep_whole_trees(found, &hits);
+    }
+    const bool remove = qualifier_control(state) != 0;
+    if (!remove && qualifier_shift(state) == 0) {
+        clear_selection();
+    }
+    if (!hits.empty()) {
+        set_selected(hits, !remove);
+    }
+    finish();
+}
+
+bool pointer_is_on_selection(int view, int x, int y)
+{
+    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
+    return std::any_of(hits.begin(), hits.end(), is_selected);
+}
+
+void tool_select_reset_for_test() { last_click = {}; }

@@ -1,0 +1,20 @@
+#ifndef VESK_VIEW_TOOL_SELECT_H
+#define VESK_VIEW_TOOL_SELECT_H
+
+#include "view/pick.h"
+
+// Selecting with the mouse, by the present select mode. Both redraw and refresh the status.
+
+// A click: selects what is under the pointer, nothing when there is nothing. Shift (in `state`)
+// adds or removes it. A second click at the same place takes the next thing behind.
+void select_click(int view, int x, int y, int state);
+
+// A rubber band: replaces the selection; Shift adds, Control removes.
+void select_band(int view, const band_t &band, int state);
+
+// Whether something selected lies under the pointer.
+bool pointer_is_on_selection(int view, int x, int y);
+
+void tool_select_reset_for_test();
+
+#endif
