@@ -3,6 +3,7 @@
 #include "app/messages_internal.h"
 #include "fileio/vesk_reader_internal.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdarg>
 #include <cstdio>
@@ -61,7 +62,7 @@ void complain(const char *format, ...)
     debugf("%s", text);
     if (record.count == 1) {
         record.first = text;
-        record.first.erase(record.first.find_last_not_of('\n') + 1);
+        record.first.erase(std::min(record.first.find('\n'), record.first.size()));
     }
 }
 

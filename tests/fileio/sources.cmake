@@ -1,3 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    fileio/vesk_reader_test.cpp
+    fileio/vesk_roundtrip_test.cpp
     fileio/writer_test.cpp
 )
