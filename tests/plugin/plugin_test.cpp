@@ -142,17 +142,4 @@ TEST_F(Plugins, DialogsGetTheirFiltersAsAList)
               "\\{VESK\\\\ files .vesk\\} \\{All\\\\ files *\\}\"");
 }
 
-TEST_F(Plugins, EveryPromisedFunctionOfThisBuildIsExported)
-{
-    std::ifstream names(VESK_TEST_DATA "/exported-names.txt");
-    int missing = 0;
-    for (std::string name; std::getline(names, name);) {
-        if (dlsym(dlopen(nullptr, RTLD_NOW), name.c_str()) != nullptr)
-            continue;
-        ADD_FAILURE() << name << " is not exported";
-        ++missing;
-    }
-    EXPECT_EQ(missing, 0);
-}
-
 } // namespace
