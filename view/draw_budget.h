@@ -31,7 +31,10 @@ public:
     // fill goes before the edges (flat views) or after them (3D).
     [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
 
-    [[nodiscard]] double cost(draw_layer layer) const { return costs_[static_cast<std::size_t>(layer)]; }
+    [[nodiscard]] double cost(draw_layer layer) const
+    {
+        return costs_[static_cast<std::size_t>(layer)];
+    }
 
 private:
     std::array<double, static_cast<std::size_t>(draw_layer::count)> costs_ = {};
