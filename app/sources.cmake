@@ -25,6 +25,6 @@ target_sources(vesk_core PRIVATE
 )
 target_sources(vesk PRIVATE
     app/bridge_tk.cpp
-    app/bridge_tk_port.cpp
+    app/bridge_port_tk.cpp
     app/main.cpp
 )

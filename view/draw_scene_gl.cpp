@@ -16,6 +16,7 @@ namespace {
 
 constexpr float locked_dim = 0.6f;
 constexpr float tint_alpha = 0.26f;
+constexpr double nearer_range = 0.9999; // of depths, for what lies on a surface
 
 // What is drawn in one call: one page and one state.
 struct batch_key_t {
@@ -390,7 +391,8 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
                                                            item.buffers->layout.num_vertices);
     }
     if (device_caps().samples > 0)
-        glEnable(GL_POINT_SPRITE); // several samples a pixel would make the squares round
+        glEnable(GL_POINT_SPRITE);   // several samples a pixel would make the squares round
+    glDepthRange(0.0, nearer_range); // before the edges that end in them
     set_point_size(options.vertex_mode ? options.size : options.size - 1);
     if (options.unselected) {
         set_colour(colour_of(prefs.col_vert, strength));
@@ -401,6 +403,7 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
         draw_points_of(selected);
         draw_rimmed_points(scene, options.size + 2);
     }
+    glDepthRange(0.0, 1.0);
     if (device_caps().samples > 0)
         glDisable(GL_POINT_SPRITE);
 }

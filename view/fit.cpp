@@ -64,19 +64,33 @@ float half_fov_tangent()
     return std::tan(static_cast<float>(prefs.fov / 2) * (3.1415927f / 180.0f));
 }
 
-// So that the ball round the box just fills the view from where the viewer stands.
+// So that the box, turned as it is, just fills the view from where the viewer stands.
 void fit_spin_view(const point3_t &half)
 {
-    const Person_t &person = *get_person();
-    const double radius = point_length(half);
     int geometry[4] = {};
     win_get_geom(VIEW_XYZ, geometry);
-    const double aspect =
-        geometry[3] > 0 ? std::min(1.0, static_cast<double>(geometry[2]) / geometry[3]) : 1.0;
-    const double half_angle = std::atan(static_cast<double>(half_fov_tangent()) * aspect);
-    const double distance = point_length(person.location);
-    if (radius > 0 && half_angle > 0 && distance > 0 && person.scale > 0)
-        camera_set_fit(distance * std::sin(half_angle) / (radius * person.scale));
+    const double aspect = geometry[3] > 0 ? static_cast<double>(geometry[2]) / geometry[3] : 1.0;
+    const double up = half_fov_tangent();
+    const double distance = point_length(get_person()->location);
+    const eye_transform_t t = camera_eye_transform();
+    double scale = 0;
+    for (int corner = 0; corner < 8; ++corner) {
+        const double c[3] = {(corner & 1) != 0 ? half.x : -half.x,
+                             (corner & 2) != 0 ? half.y : -half.y,
+                             (corner & 4) != 0 ? half.z : -half.z};
+        double turned[3] = {};
+        for (int row = 0; row < 3; ++row)
+            for (int k = 0; k < 3; ++k)
+                turned[row] += t.spin[row * 3 + k] * c[k];
+        double eye[3] = {};
+        for (int row = 0; row < 3; ++row)
+            for (int k = 0; k < 3; ++k)
+                eye[row] += t.axes[row * 3 + k] * turned[k];
+        const double across = std::max(std::fabs(eye[1]) / up, std::fabs(eye[0]) / (up * aspect));
+        scale = std::max(scale, (across + eye[2]) / distance);
+    }
+    if (scale > 0 && get_person()->scale > 0)
+        camera_set_fit(prefs.fit_view_factor / (scale * get_person()->scale));
 }
 
 void centre_on(int view, const point3_t &point)
