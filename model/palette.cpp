@@ -15,6 +15,7 @@ struct palette_record {
     material **entries;
     int count;
     int capacity;
+    listitem *retired; // entries of an earlier palette: somebody may still hold them
 };
 palette_record palette;
 
@@ -222,7 +223,8 @@ void create_palette(void)
         0x82004B, 0xEE80EE, 0x444444, 0x888888, 0xCCCCCC,
     };
     // clang-format on
-    palette.count = 0;
+    while (palette.count > 0)
+        list_add_item_head(&palette.retired, palette.entries[--palette.count]);
     for (const long colour : colours) {
         material *mat = new_material_rgb(colour);
         char name[24];

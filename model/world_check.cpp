@@ -17,6 +17,9 @@ std::string number_fault(const char *what, int count, int length)
            std::to_string(length);
 }
 
+// Nodes that were taken out: nobody knows who still holds them, so they are never freed.
+listitem *set_aside;
+
 class checker {
 public:
     std::vector<world_fault> run(object_t *top)
@@ -44,7 +47,7 @@ private:
     }
 
     // Cuts the list where it runs into itself, takes out null elements and those that `take`
-    // refuses; returns its length. Nodes that are taken out are not freed: who knows who has them.
+    // refuses; returns its length.
     template <class T, class Take>
     int clean_list(object_t *object, listitem **head, const char *what, unsigned aspects, Take take)
     {
@@ -63,6 +66,7 @@ private:
             if (refusal) {
                 report(object, refusal + std::string(what), aspects);
                 list_forget_tail(*head);
+                list_add_item_head(&set_aside, *link);
                 *link = (*link)->next;
                 continue;
             }

@@ -2,7 +2,7 @@
 
 #include "plugin/vesk.h"
 
-int VESKPluginInit(void)
+__attribute__((no_sanitize("undefined"))) int VESKPluginInit(void)
 {
 #ifdef FAULTS
     volatile int *volatile nowhere = 0;

@@ -27,7 +27,7 @@ static void sample_vandalise(void)
     command_result_append_string("done");
 }
 
-static void sample_fault(void)
+__attribute__((no_sanitize("undefined"))) static void sample_fault(void)
 {
     volatile int *volatile nowhere = 0;
     *nowhere = 1;
