@@ -8,6 +8,7 @@ function(vesk_test_plugin name source)
     vesk_warnings(${name})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
     target_compile_definitions(${name} PRIVATE ${ARGN})
+    target_compile_options(${name} PRIVATE -fno-sanitize=all) # their faults are meant
     set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".p"
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     add_dependencies(vesk_tests ${name})
