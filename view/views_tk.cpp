@@ -11,6 +11,7 @@
 #include "view/draw_view_gl.h"
 #include "view/interaction.h"
 #include "view/redraw.h"
+#include "view/view_commands_tk.h"
 #include "view/views_internal.h"
 
 #include <togl.h>
@@ -366,6 +367,7 @@ void create_ui(void)
                     prefs.window_label_xz, VIEW_XZ);
     make_tcl_window(prefs.win3d_x, prefs.win3d_y, prefs.win3d_width, prefs.win3d_height,
                     prefs.window_label_xyz, VIEW_XYZ);
+    register_view_commands();
     check_sharing();
     constexpr double points_of_pixel = 72.0 / 96.0;
     const std::string scaling = tcl_command("tk scaling");
