@@ -86,8 +86,8 @@ void register_view_commands()
 {
     command_add_own(command_row("view_benchmark", view_benchmark, "<view> <moving|rest> <frames>",
                                 "milliseconds a picture, and its layers"));
-    command_add_own(command_row("view_costs", view_costs, "<view>",
-                                "milliseconds of each layer of a view"));
+    command_add_own(
+        command_row("view_costs", view_costs, "<view>", "milliseconds of each layer of a view"));
     command_add_own(command_row("view_save_picture", view_save_picture, "<view> <file.ppm>",
                                 "save what a view shows"));
     command_add_own(command_row("view_limit_device", view_limit_device, "<all|fixed|oldest>",

@@ -273,6 +273,7 @@ void views_reset_for_test()
     if (views.viewsetting != nullptr)
         ui_port().free_text(views.viewsetting);
     views = views_t{};
+    views.viewsetting = ui_port().alloc_text("all");
     views_take_geometry_from_prefs();
 }
 
