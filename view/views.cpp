@@ -279,9 +279,17 @@ void views_reset_for_test()
 
 // ---- zoom and pan ----
 
-void scale_win(int view, float factor) { zoom_about_middle(view, factor, 1.0f); }
+void scale_win(int view, float factor)
+{
+    zoom_about_middle(view, factor, 1.0f);
+    redraw_view(view);
+}
 
-void scale_win2(int view, float factor) { zoom_about_middle(view, 1.0f, factor); }
+void scale_win2(int view, float factor)
+{
+    zoom_about_middle(view, 1.0f, factor);
+    redraw_view(view);
+}
 
 void zoom_in(void)
 {
