@@ -37,7 +37,7 @@ namespace {
 constexpr int file_revision = 11;
 constexpr int block_size = 4096;    // vertices or surfaces formatted at a time
 constexpr int threads_from = 20000; // smaller files are not worth a second thread
-constexpr size_t blocks_ahead = 16; // finished blocks that may wait to be written
+constexpr size_t blocks_ahead = 64; // finished blocks that may wait to be written
 
 // ---- used materials ----
 
@@ -431,7 +431,7 @@ public:
     const std::string &text(size_t i)
     {
         if (i > 0)
-            recycle(plan.blocks[i - 1]->text);
+            plan.blocks[i - 1]->text = std::string();
         while (!plan.blocks[i]->done.load(std::memory_order_acquire)) {
             if (!format_next(i))
                 wait_for(i);
@@ -445,14 +445,6 @@ public:
     }
 
 private:
-    // Buffers go from block to block: freed on another thread than took them they would pile up.
-    void recycle(std::string &text)
-    {
-        const std::lock_guard lock(mutex);
-        text.clear();
-        spare.push_back(std::move(text));
-        text = std::string();
-    }
     // Takes the next block that nobody formats; false when there is none near enough.
     bool format_next(size_t wanted)
     {
@@ -462,11 +454,6 @@ private:
             if (next >= plan.blocks.size() || next > wanted + blocks_ahead)
                 return false;
             mine = next++;
-            block_t &block = *plan.blocks[mine];
-            if (block.geometry != nullptr && !spare.empty()) {
-                block.text = std::move(spare.back());
-                spare.pop_back();
-            }
         }
         format_block(*plan.blocks[mine]);
         {
@@ -499,7 +486,6 @@ private:
     }
 
     plan_t &plan;
-    std::vector<std::string> spare;
     std::thread worker;
     std::mutex mutex;
     std::condition_variable changed;
