@@ -5,7 +5,9 @@ target_sources(vesk_core PRIVATE
     fileio/tree_reader.cpp
     fileio/tree_reader_geometry.cpp
     fileio/tree_reader_keywords.cpp
+    fileio/vesk_frames.cpp
     fileio/vesk_old.cpp
+    fileio/vesk_old_writer.cpp
     fileio/vesk_reader.cpp
     fileio/vesk_reader_messages.cpp
     fileio/vesk_scan.cpp

@@ -17,7 +17,7 @@
 
 namespace {
 // An element that a shape keyword makes counts more than one that is only visited.
-constexpr std::size_t cost_of_new = 40;
+constexpr std::size_t cost_of_new = 15;
 } // namespace
 
 void tree_reader::read_material(block &)

@@ -28,7 +28,7 @@ void tell_load_done();
 // take minutes. `spend` is false when the allowance is used up.
 class load_budget {
 public:
-    explicit load_budget(std::size_t file_size) : left_(60'000'000 + 100 * file_size) {}
+    explicit load_budget(std::size_t file_size) : left_(30'000'000 + 40 * file_size) {}
     bool spend(std::size_t elements)
     {
         if (elements > left_)

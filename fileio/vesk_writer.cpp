@@ -1,12 +1,11 @@
 // The native writer. The model's world coordinates become coordinates relative to the parent; the
 // text of big objects is formatted in blocks by two threads and written in order.
 
-#include "fileio/vesk_writer.h"
-
 #include "app/current_file.h"
 #include "app/messages_internal.h"
 #include "app/numbers.h"
 #include "fileio/atomic_file.h"
+#include "fileio/vesk_writer_internal.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
@@ -78,32 +77,6 @@ void append_int(std::string &out, int value)
     out.append(buffer, static_cast<size_t>(write_int(buffer, value) - buffer));
 }
 
-void append_floats(std::string &out, const float *values, int n)
-{
-    for (int i = 0; i < n; ++i) {
-        if (i > 0)
-            out += ' ';
-        append_g(out, values[i]);
-    }
-}
-
-void append_point(std::string &out, const point3_t &p)
-{
-    const float values[] = {p.x, p.y, p.z};
-    append_floats(out, values, 3);
-}
-
-void append_quoted(std::string &out, const char *text)
-{
-    out += '"';
-    for (const char *p = text; *p != '\0'; ++p) {
-        if (*p == '\\' || *p == '"')
-            out += '\\';
-        out += *p;
-    }
-    out += '"';
-}
-
 void append_material(std::string &out, const material &m)
 {
     out += "MATERIAL \"";
@@ -139,47 +112,13 @@ std::string palette_text()
     return text;
 }
 
-// ---- frames ----
-
-// What a reader will rebuild of an object: its orientation and its centre. An object without a rot
-// line takes its parent's orientation, whatever its own matrix says.
-struct rebuilt_t {
-    float rotation[9];
-    point3_t centre;
-};
-
-struct local_frame_t {
-    point3_t location;
-    float rotation[9];
-    bool has_rotation; // writes a rot line
-};
-
-// `rebuilt` starts as the parent's and becomes the object's own.
-local_frame_t to_local(const object_t *object, rebuilt_t *rebuilt)
-{
-    local_frame_t local;
-    float inverse[9];
-    rotinvert(inverse, rebuilt->rotation);
-    local.location = point_sub(object->centre, rebuilt->centre);
-    matrix_rotate_point(inverse, &local.location);
-    // Deliberate: the test is made on the world matrix.
-    local.has_rotation = matrix_is_identity(object->rotation) == 0;
-    if (local.has_rotation) {
-        matrix_multiply(inverse, object->rotation, local.rotation);
-        matrix_copy(object->rotation, rebuilt->rotation);
-    }
-    rebuilt->centre = object->centre;
-    return local;
-}
-
 // ---- one object ----
 
 // Vertices and surfaces of one object, formatted in blocks.
 struct geometry_t {
     const object_t *object;
     flat_ptr mesh;
-    rebuilt_t frame;
-    bool as_they_are; // the top object: its coordinates are not converted
+    local_frame_t frame;
 };
 
 struct block_t {
@@ -193,17 +132,8 @@ struct block_t {
 void format_vertices(block_t &block)
 {
     const geometry_t &g = *block.geometry;
-    float inverse[9];
-    rotinvert(inverse, g.frame.rotation);
-    const bool turned = matrix_is_identity(inverse) == 0;
     for (int i = block.begin; i < block.end; ++i) {
-        point3_t p = (*g.mesh->positions)[static_cast<size_t>(i)];
-        if (!g.as_they_are) {
-            p = point_sub(p, g.frame.centre);
-            if (turned)
-                matrix_rotate_point(inverse, &p);
-        }
-        append_point(block.text, p);
+        append_point(block.text, g.frame.local((*g.mesh->positions)[static_cast<size_t>(i)]));
         block.text += '\n';
     }
 }
@@ -330,7 +260,7 @@ void append_pair(std::string &out, const char *keyword, float x, float y, float 
     out += '\n';
 }
 
-void append_header(std::string &out, const object_t *object, const local_frame_t *local)
+void append_header(std::string &out, const object_t *object, const local_frame_t &local)
 {
     out += std::string("OBJECT ") + object_type_word(object->type) + "\n";
     if (object->name != nullptr && object->name[0] != '\0') {
@@ -338,18 +268,18 @@ void append_header(std::string &out, const object_t *object, const local_frame_t
         append_quoted(out, object->name);
         out += '\n';
     }
-    if (local->location.x != 0 || local->location.y != 0 || local->location.z != 0) {
+    if (local.location.x != 0 || local.location.y != 0 || local.location.z != 0) {
         out += "loc ";
-        append_point(out, local->location);
+        append_point(out, local.location);
         out += '\n';
     }
-    if (local->has_rotation) {
+    if (local.has_rotation) {
         out += "rot ";
-        append_floats(out, local->rotation, 3);
+        append_floats(out, local.rotation, 3);
         out += "  ";
-        append_floats(out, local->rotation + 3, 3);
+        append_floats(out, local.rotation + 3, 3);
         out += "  ";
-        append_floats(out, local->rotation + 6, 3);
+        append_floats(out, local.rotation + 6, 3);
         out += '\n';
     }
     if (object->url != nullptr && object->url[0] != '\0')
@@ -363,21 +293,13 @@ void append_header(std::string &out, const object_t *object, const local_frame_t
            static_cast<double>(object->texture_offset_y));
 }
 
-// Adds an object without its children; `rebuilt` is the parent's and becomes its own.
-void plan_object(plan_t &plan, object_t *object, bool top, rebuilt_t *rebuilt)
+// Adds an object without its children.
+void plan_object(plan_t &plan, object_t *object, const local_frame_t &frame)
 {
-    local_frame_t local = {};
-    if (top) { // "identity and 0 0 0 before the call"
-        matrix_set_identity(local.rotation);
-        local.has_rotation = matrix_is_identity(object->rotation) == 0;
-    } else {
-        local = to_local(object, rebuilt);
-    }
-    append_header(plan.text(), object, &local);
+    append_header(plan.text(), object, frame);
 
     const flat_ptr mesh = object_flat(object);
-    plan.geometries.push_back(
-        std::make_unique<geometry_t>(geometry_t{object, mesh, *rebuilt, top}));
+    plan.geometries.push_back(std::make_unique<geometry_t>(geometry_t{object, mesh, frame}));
     const geometry_t *geometry = plan.geometries.back().get();
     tell_bad_references(*geometry);
     if (mesh->num_vertices() != 0) {
@@ -389,19 +311,6 @@ void plan_object(plan_t &plan, object_t *object, bool top, rebuilt_t *rebuilt)
         plan.add(geometry, true, mesh->num_surfaces());
     }
     plan.text() += "kids " + std::to_string(list_count(object->children)) + "\n";
-}
-
-void plan_tree(plan_t &plan, object_t *top)
-{
-    rebuilt_t start = {{}, {0, 0, 0}};
-    matrix_set_identity(start.rotation);
-    std::unordered_map<const object_t *, rebuilt_t> rebuilt; // of objects with children
-    for_each_object(top, [&](object_t *object) {
-        rebuilt_t frame = object == top ? start : rebuilt.at(object->parent);
-        plan_object(plan, object, object == top, &frame);
-        if (object->children != nullptr)
-            rebuilt.emplace(object, frame);
-    });
 }
 
 // ---- formatting beside writing ----
@@ -531,7 +440,9 @@ int write_vesk_object(const char *filename, object_t *object)
     bool whole = file.write(header) && file.write(palette);
     if (whole) {
         plan_t plan;
-        plan_tree(plan, object);
+        for_each_written(object, [&](object_t *written, const local_frame_t &frame) {
+            plan_object(plan, written, frame);
+        });
         formatter_t formatter(plan);
         for (size_t i = 0; whole && i < plan.blocks.size(); ++i)
             whole = file.write(formatter.text(i));

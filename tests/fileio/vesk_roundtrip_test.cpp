@@ -168,6 +168,29 @@ TEST_F(RoundTrip, ScanningAheadGivesWhatScanningOnTheSpotGives)
     }
 }
 
+TEST_F(RoundTrip, OlderRevisionKeepsWhatItHasWordsFor)
+{
+    object_t *turned = child(vesk_get_world(), OBJECT_GROUP);
+    matrix_set_rotate(turned->rotation, 1, 0.5f, 0);
+    turned->centre = {1, 2, 3};
+    object_t *object = child(turned, OBJECT_POLY);
+    object_set_name(object, "a\"b");
+    object_set_url(object, "u v");
+    object_set_userdata(object, "x\ny");
+    for (int i = 0; i < 4; ++i)
+        object_add_new_vertex(object, static_cast<float>(i), 1, 0.25f);
+    surface_t *red = vesk_object_add_triangle(object, 0, 1, 2);
+    vesk_surface_set_flags(red, 0x31);
+    surface_set_col(red, 3);
+    vesk_object_add_triangle(object, 2, 1, 3);
+    const std::string file = temporary_file("old.vesk");
+    EXPECT_EQ(write_vesk_old(file.c_str()), 1);
+    object_t *read = readfile_vesk2(file.c_str());
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(describe(read), describe(vesk_get_world()));
+    object_free(read);
+}
+
 TEST_F(RoundTrip, OlderRevisionsLoad)
 {
     const std::string file = temporary_file("old.vesk");

@@ -1,0 +1,122 @@
+// The writer of the older line vocabulary; its grammar stands in vesk_old.cpp.
+
+#include "app/current_file.h"
+#include "app/messages_internal.h"
+#include "fileio/atomic_file.h"
+#include "fileio/vesk_writer_internal.h"
+#include "model/flat_mesh.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "view/textures.h"
+
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+void append_line(std::string &out, const char *word, const float *values, int n)
+{
+    out += word;
+    append_floats(out, values, n);
+    out += '\n';
+}
+
+void append_text(std::string &out, const char *word, const char *text)
+{
+    if (text == nullptr || text[0] == '\0')
+        return;
+    out += word;
+    append_quoted(out, text);
+    out += '\n';
+}
+
+void append_count(std::string &out, const char *word, size_t n)
+{
+    out += word + std::to_string(n) + '\n';
+}
+
+void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
+{
+    const flat_surface &surface = (*mesh.surfaces)[i];
+    if (surface.type != SURFACE_POLYGON)
+        append_count(out, "type ", surface.type);
+    char colour[32];
+    std::snprintf(colour, sizeof colour, "rgb 0x%x\n",
+                  static_cast<unsigned>(index_to_rgb(surface.material)));
+    out += colour;
+    out += surface.smooth != 0 ? "shaded\n" : "";
+    out += surface.twosided != 0 ? "twosided\n" : "";
+    const auto first = static_cast<size_t>((*mesh.corner_offsets)[i]);
+    const auto last = static_cast<size_t>((*mesh.corner_offsets)[i + 1]);
+    append_count(out, "points ", last - first);
+    for (size_t corner = first; corner < last; ++corner) {
+        const flat_uv &uv = (*mesh.texture_coords)[corner];
+        const float values[] = {uv.u, uv.v};
+        out += std::to_string((*mesh.corners)[corner]) + ' ';
+        append_line(out, "", values, 2);
+    }
+}
+
+void append_object(std::string &out, object_t *object, const local_frame_t &frame)
+{
+    out += "OBJECT ";
+    append_quoted(out, object->name == nullptr ? "" : object->name);
+    out += "\ntype " + std::to_string(object->type) + '\n';
+    const float location[] = {frame.location.x, frame.location.y, frame.location.z};
+    if (location[0] != 0 || location[1] != 0 || location[2] != 0)
+        append_line(out, "translation ", location, 3);
+    if (frame.has_rotation)
+        append_line(out, "rotation ", frame.rotation, 9);
+    const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
+    if (texture != nullptr)
+        texture = search_texture_save(current_file().name.c_str(), texture);
+    append_text(out, "texture ", texture);
+    const float repeat[] = {object->texture_repeat_x, object->texture_repeat_y};
+    if (repeat[0] != 1 || repeat[1] != 1)
+        append_line(out, "texturerep ", repeat, 2);
+    append_text(out, "url ", object->url);
+    if (object->data != nullptr && object->data[0] != '\0') {
+        const std::string_view data = object->data;
+        out += "dataitems 1\n";
+        append_count(out, "string ", data.size());
+        out += data;
+        out += '\n';
+    }
+    const flat_ptr mesh = object_flat(object);
+    if (mesh->num_vertices() != 0)
+        append_count(out, "points ", mesh->positions->size());
+    for (const point3_t &position : *mesh->positions) {
+        append_point(out, frame.local(position));
+        out += '\n';
+    }
+    if (mesh->num_surfaces() != 0)
+        append_count(out, "surfaces ", mesh->surfaces->size());
+    for (size_t i = 0; i < mesh->surfaces->size(); ++i)
+        append_surface(out, *mesh, i);
+    append_count(out, "children ", static_cast<size_t>(list_count(object->children)));
+}
+
+} // namespace
+
+int write_vesk_old(const char *filename)
+{
+    current_file_set(filename);
+    const std::string name = current_file().name;
+    std::string text = "VESKa\n";
+    for_each_written(vesk_get_world(), [&](object_t *object, const local_frame_t &frame) {
+        append_object(text, object, frame);
+    });
+    atomic_writer_t file(name.c_str());
+    if (!file.opened()) {
+        windows_message_dialog("can't open file '%s' for writing", name.c_str());
+        return 0;
+    }
+    file.write(text);
+    if (!file.commit()) {
+        windows_message_dialog("An error occured when writing the .vesk file \"%s\"", name.c_str());
+        return 0;
+    }
+    debugf("written file %s OK\n", name.c_str());
+    display_message("written file %s", name.c_str());
+    return 1;
+}

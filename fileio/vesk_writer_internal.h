@@ -1,0 +1,37 @@
+#ifndef VESK_FILEIO_VESK_WRITER_INTERNAL_H
+#define VESK_FILEIO_VESK_WRITER_INTERNAL_H
+
+#include "fileio/vesk_writer.h"
+
+#include <functional>
+#include <string>
+
+// What a reader will rebuild of an object: its orientation and its centre. An object without a rot
+// line takes its parent's orientation, whatever its own matrix says.
+struct rebuilt_t {
+    float rotation[9];
+    point3_t centre;
+};
+
+struct local_frame_t {
+    point3_t location;
+    float rotation[9];
+    bool has_rotation; // writes a rot line
+    bool top;          // its coordinates are written as they are
+    rebuilt_t rebuilt;
+    // A world point in the object's frame.
+    [[nodiscard]] point3_t local(const point3_t &world) const;
+};
+
+// Visits `top` and its descendants in the order of the file, each with the frame it is written in.
+// `top` has no frame of its own: when its matrix asks for a rot line, it is the identity's.
+void for_each_written(object_t *top,
+                      const std::function<void(object_t *, const local_frame_t &)> &visit);
+
+// Numbers as "%g" writes them, with blanks between.
+void append_floats(std::string &out, const float *values, int n);
+void append_point(std::string &out, const point3_t &p);
+// The text in double quotes, with a backslash before each double quote and backslash.
+void append_quoted(std::string &out, const char *text);
+
+#endif
