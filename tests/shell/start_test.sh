@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# What the program prints and answers without a display.
+#   start_test.sh PROGRAM
+set -u
+program=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+unset DISPLAY VESK_HOME
+export USERPROFILE=$work LANG=C.UTF-8
+failures=0
+
+# check WHAT EXPECTED_STATUS PATTERN -- arguments: the status, and a line of the whole output.
+check() {
+    local what=$1 status=$2 pattern=$3
+    shift 4
+    output=$("$program" "$@" 2>&1)
+    local got=$?
+    if [ "$got" = "$status" ] && grep -qE -- "$pattern" <<<"$output"; then
+        echo "ok   $what"
+    else
+        echo "FAIL $what: status $got, output:"
+        echo "$output"
+        failures=$((failures + 1))
+    fi
+}
+
+cd "$work" || exit 1
+here=$(dirname "$(readlink -f "$program")")
+cat >good.tcl <<'END'
+puts [list $argv [file tail [pwd]] [vesk get_version_string] $prefs_grid]
+END
+echo 'proc inner {} {error boom}; inner' >bad.tcl
+cat >two.tcl <<'END'
+puts "count [llength [vesk object_get_children [vesk get_world]]]"
+foreach id [vesk object_get_children [vesk get_world]] {puts "name [vesk object_get_name $id]"}
+END
+for n in one two; do
+    printf 'VESKb\nOBJECT poly\nname "%s"\nnumvert 1\n0 0 0\nkids 0\n' $n >$n.vesk
+done
+
+check "help names the options" 0 '^usage: .*\[-debug\] \[-dynamic\] \[file \.\.\.\] $' -- -help
+check "help tells the build" 0 '^Build ' -- -help
+check "the version" 0 '^VESK v3\.6$' -- -version
+check "an unknown option is told" 0 "^unknown argument '-x'$" -- -x -batch good.tcl
+check "debug mode is told" 0 '^DEBUG mode enabled$' -- -debug -batch good.tcl
+check "dynamic mode is told" 0 '^DYNAMIC TCL enabled$' -- -dynamic -batch good.tcl
+check "a batch script has its arguments and the start directory" 0 \
+    "^\{a \{b c\}\} $(basename "$work") \{VESK v3.6\} 0\.1$" -- -batch good.tcl a 'b c'
+check "an error of a batch script is its status" 1 'while executing' -- -batch bad.tcl
+check "a missing batch script too" 1 "couldn't read file" -- -batch nowhere.tcl
+check "two files load into one world, relative to the start directory" 0 '^count 2$' -- \
+    one.vesk two.vesk -batch two.tcl
+check "the second one stands last" 0 '^name two$' -- one.vesk two.vesk -batch two.tcl
+check "importing tells the absolute name" 0 "^importing $work/one.vesk$" -- one.vesk -batch two.tcl
+check "a broken file does not stop the start" 0 '^count 1$' -- good.tcl one.vesk -batch two.tcl
+check "without a display the start fails" 1 '^failed to start TCL/TK - exiting$' --
+check "and says why" 1 'no display name' --
+check "the executable's folder is the home directory" 0 "^VESK_HOME is $here$" -- -batch good.tcl
+
+mkdir empty
+export VESK_HOME=$work/empty
+check "a home directory without scripts is told" 1 "^Can't find lib/tcl8.3\." -- -batch good.tcl
+mkdir -p empty/lib
+ln -s "$here/lib/tcl8.3" empty/lib/tcl8.3
+ln -s "$here/lib/tk8.3" empty/lib/tk8.3
+check "a missing start script is told" 1 "^can't eval TCL file 'tcl/batch.tcl', tried " -- \
+    -batch good.tcl
+unset VESK_HOME
+
+"$program" -batch good.tcl >out.txt 2>err.txt
+[ "$(wc -l <out.txt)" = 1 ] || { echo "FAIL standard output is the script's alone"; failures=1; }
+exit $((failures != 0))
