@@ -29,6 +29,8 @@ views_t views;
 // The pan follows the scale, so that the middle of the window stays where it is.
 void zoom_about_middle(int view, float multiplier, float divisor)
 {
+    if (!is_orthographic(view))
+        return;
     VESKView &record = *vesk_get_view(view);
     for (float *value : {&record.scale, &record.pan[view_axes[view].horizontal],
                          &record.pan[view_axes[view].vertical]})
