@@ -1,1 +1,2 @@
 # One vesk_bench(name source...) line for each benchmark.
+vesk_bench(files_bench files_bench.cpp)

@@ -2,11 +2,15 @@
 #define VESK_FILEIO_FILE_TEXT_H
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 
 // The bytes of a file, read whole (not mapped: another program may cut a mapped file short).
 struct file_text {
-    std::unique_ptr<char[]> bytes;
+    struct release {
+        void operator()(char *block) const { std::free(block); }
+    };
+    std::unique_ptr<char[], release> bytes;
     std::size_t size = 0;
 
     [[nodiscard]] const char *begin() const { return bytes.get(); }

@@ -36,7 +36,7 @@ namespace {
 constexpr int file_revision = 11;
 constexpr int block_size = 4096;    // vertices or surfaces formatted at a time
 constexpr int threads_from = 20000; // smaller files are not worth a second thread
-constexpr size_t blocks_ahead = 64; // finished blocks that may wait to be written
+constexpr size_t blocks_ahead = 16; // finished blocks that may wait to be written
 
 // ---- used materials ----
 
@@ -340,7 +340,7 @@ public:
     const std::string &text(size_t i)
     {
         if (i > 0)
-            plan.blocks[i - 1]->text = std::string();
+            recycle(plan.blocks[i - 1]->text);
         while (!plan.blocks[i]->done.load(std::memory_order_acquire)) {
             if (!format_next(i))
                 wait_for(i);
@@ -354,6 +354,14 @@ public:
     }
 
 private:
+    // Buffers go from block to block: freed on another thread than took them they would pile up.
+    void recycle(std::string &text)
+    {
+        const std::lock_guard lock(mutex);
+        text.clear();
+        spare.push_back(std::move(text));
+        text = std::string();
+    }
     // Takes the next block that nobody formats; false when there is none near enough.
     bool format_next(size_t wanted)
     {
@@ -363,6 +371,11 @@ private:
             if (next >= plan.blocks.size() || next > wanted + blocks_ahead)
                 return false;
             mine = next++;
+            block_t &block = *plan.blocks[mine];
+            if (block.geometry != nullptr && !spare.empty()) {
+                block.text = std::move(spare.back());
+                spare.pop_back();
+            }
         }
         format_block(*plan.blocks[mine]);
         {
@@ -395,6 +408,7 @@ private:
     }
 
     plan_t &plan;
+    std::vector<std::string> spare;
     std::thread worker;
     std::mutex mutex;
     std::condition_variable changed;

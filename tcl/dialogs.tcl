@@ -64,6 +64,13 @@ proc ::vesk::dialogs::number_done {w variable apply} {
     variable before
     set text [set $variable]
     if {[info exists before($w)] && $before($w) eq $text} {return}
+    if {[string match *disabled* [$w cget -state]]} {return}
+    if {[string trim $text] eq "" && [info exists before($w)]} {
+        # An emptied field shows its number again.
+        set $variable $before($w)
+        mark_invalid $w 0
+        return
+    }
     set current [expr {[info exists before($w)] ? $before($w) : ""}]
     if {![string is double -strict $current]} {set current ""}
     if {[catch {::vesk::arith::value $text $current} number]} {
@@ -76,12 +83,16 @@ proc ::vesk::dialogs::number_done {w variable apply} {
     set before($w) [set $variable]
 }
 
+# number_escape --
+#   Escape shows what was there; a second one goes back to the views.
 proc ::vesk::dialogs::number_escape {w variable} {
     variable before
-    if {[info exists before($w)]} {set $variable $before($w)}
-    mark_invalid $w 0
-    $w selection range 0 end
-    return -code break
+    if {[info exists before($w)] && $before($w) ne [set $variable]} {
+        set $variable $before($w)
+        mark_invalid $w 0
+        $w selection range 0 end
+        return -code break
+    }
 }
 
 proc ::vesk::dialogs::number_step {w variable apply step} {

@@ -61,7 +61,7 @@ proc ::vesk::help::keys {} {
         append text [format "  %-22s %s\n" $key [string map {& {} ... {}} [lindex $row 1]]]
     }
     append text [format "  %-22s %s\n" "Alt+letter, F10" "menus"]
-    ::vesk::dialogs::show_text Keys $text
+    ::vesk::dialogs::show_text Keys $text 92 28
 }
 
 proc ::vesk::help::commands {} {

@@ -68,7 +68,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Copy" {clipboard_copy} Ctrl+C some "Copies the selection to the clipboard."}
     {run "&Paste" {clipboard_paste} Ctrl+V "" "Adds what the clipboard holds."}
     {run "&Duplicate" {duplicate} Ctrl+D some "Copies the selection beside itself."}
-    {run "Clo&ne" {clone_selection} "" some "Copies the selection in place."}
+    {run "C&lone" {clone_selection} "" some "Copies the selection in place."}
     {run "D&elete" {delete} Del some "Deletes the selection."}
     {line}
     {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
@@ -98,10 +98,10 @@ proc ::vesk::menus::define {name label rows} {
     {line}
     {run "&All" {select_all} Ctrl+A model "Selects everything of the current mode."}
     {run "&None" {clear_selection} Ctrl+Shift+A "" "Selects nothing."}
-    {ask "By &name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
-    {ask "&Unselect by name..." {unselect_by_name {Name text {}}} "" some
+    {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
+    {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
-    {run "Surfaces of the &vertices" {select_part_selected_surfaces} "" vertex
+    {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
 ::vesk::menus::define create "&Create" {
@@ -140,7 +140,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "Hide &others" {hide_unselected} "" some "Hides everything that is not selected."}
     {run "&Show all" {unhide} "" hidden "Shows everything again."}
     {run "&Lock" {lock_selected} L some "Keeps the selected objects from being picked."}
-    {run "Lock othe&rs" {lock_unselected} "" some "Locks everything that is not selected."}
+    {run "Loc&k others" {lock_unselected} "" some "Locks everything that is not selected."}
     {run "U&nlock all" {unlock} "" locked "Unlocks everything."}
     {line}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
@@ -159,7 +159,7 @@ proc ::vesk::menus::define {name label rows} {
         {"Keep the original" pref reduce_keep_original bool}} "" object
         "Takes vertices away and keeps the shape."}
     {run "O&ptimise" {optimize} "" object "Welds vertices that lie at the same place."}
-    {run "Opti&mise surfaces" {optimize_surfaces} "" object
+    {run "Optimise surf&aces" {optimize_surfaces} "" object
         "Deletes double and empty surfaces and objects."}
     {run "Snap together b&y vertices" {object_snap_together_by_vertices} "" vertex
         "Moves objects so that two chosen vertices meet."}
@@ -196,7 +196,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
     {run "Change vertex &order" {surface_change_vertex_order} "" some
         "Starts each selected surface at its next vertex."}
-    {menu "S&hading" shading "" "" "How the surfaces are lit."}
+    {menu "Shadin&g" shading "" "" "How the surfaces are lit."}
     {menu "T&ype" surfacetype "" "" "What the surfaces are drawn as."}
     {call "Set &colour" {::vesk::palette::apply_current} "" some
         "Gives the selection the current material."}

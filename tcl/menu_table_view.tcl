@@ -11,7 +11,7 @@
         "Shows the focused view alone, or all again."}
     {call "Equal si&zes" {::vesk::view::equal} "" "" "Gives the four views the same size."}
     {line}
-    {run "F&it all" {fit_all} Ctrl+Shift+F model "Shows the whole model."}
+    {run "Fi&t all" {fit_all} Ctrl+Shift+F model "Shows the whole model."}
     {run "Fit se&lection" {fit_selected_all} Shift+F some "Shows the selection as large as it fits."}
     {run "&Go to selection" {goto_selected_all} Shift+G some "Centres the views on the selection."}
     {run "Zoom &in" {zoom_in} Ctrl++ "" "Zooms into the flat views."}

@@ -51,6 +51,10 @@ proc ::vesk::theme::init {theme percent} {
     make_fonts
     ::vesk::icons::open $S
     apply $theme
+    # Control+A selects in a field, as everywhere else; not the start of the line.
+    foreach class {Entry TEntry} {
+        bind $class <Control-Key-a> {%W selection range 0 end; %W icursor end}
+    }
 }
 
 # make_fonts --

@@ -17,6 +17,7 @@ constexpr float label_y = 17;
 struct view_state_t {
     draw_budget budget;
     bool partial = false;
+    layer_choice_t layers;
     bool distrusted = false;
     std::uint64_t distrusted_at = 0; // change count of the model
 };
@@ -88,6 +89,24 @@ void draw_view(int view, int width, int height, double seconds)
     if (moving)
         learn_smoothing(picture, seconds_until_drawn() - started);
     state.partial = moving;
+    state.layers = picture.layers;
+}
+
+std::string drawn_view_layers(int view)
+{
+    const layer_choice_t &layers = states[view].layers;
+    if (layers.boxes_only)
+        return "boxes";
+    std::string words = "grid";
+    const bool wanted_fill = view == VIEW_XYZ ? prefs.view3dmode == 0 : prefs.filled_orth != 0;
+    words += layers.fill && wanted_fill ? " fill" : " wire";
+    if (layers.edges)
+        words += " edges";
+    if (layers.vertices)
+        words += " vertices";
+    if (layers.smoothing)
+        words += " smoothing";
+    return words;
 }
 
 bool drawn_view_is_partial(int view) { return states[view].partial; }

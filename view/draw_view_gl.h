@@ -23,6 +23,9 @@ struct layer_cost_t {
 };
 std::vector<layer_cost_t> drawn_view_costs(int view);
 
+// The layers of the last picture, as words.
+std::string drawn_view_layers(int view);
+
 VESK_BEGIN_DECLS
 
 /* The label of a view at pixel 8, 17, in grey. */

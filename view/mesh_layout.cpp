@@ -156,7 +156,7 @@ public:
                 static_cast<std::uint32_t>(out_.triangles.size()) - out_.groups[group].first;
         }
         std::sort(out_.concave.begin(), out_.concave.end());
-        std::sort(out_.reversed_faces.begin(), out_.reversed_faces.end());
+        std::sort(out_.odd_faces.begin(), out_.odd_faces.end());
         add_lines();
         out_.edges = unique_edges(flat_, nullptr);
     }
@@ -227,7 +227,9 @@ private:
         const bool smooth = surface_of(surface).smooth != 0;
         const bool ears = options_.cut_concave && !is_convex(flat_, corners);
         if (ears)
-            note_concave(surface, corners);
+            out_.concave.push_back(surface);
+        if (!smooth && corners.size() > 3)
+            note_odd_normal(surface, corners);
         slots_.assign(corners.begin(), corners.end());
         if (options_.texture_coords) {
             const std::int32_t first = (*flat_.corner_offsets)[static_cast<size_t>(surface)];
@@ -279,13 +281,13 @@ private:
             out_.triangles.push_back(slots_[static_cast<size_t>(corner)]);
     }
 
-    // The stored normal comes from the first three corners, which may turn against the outline.
-    void note_concave(int surface, std::span<const std::int32_t> corners)
+    // The stored normal comes from the first three corners, which may turn against the outline or
+    // lie on one line.
+    void note_odd_normal(int surface, std::span<const std::int32_t> corners)
     {
-        out_.concave.push_back(surface);
         const point3_t &stored = (*flat_.face_normals)[static_cast<size_t>(surface)];
-        if (point_dot(stored, outline_normal(flat_, corners)) < 0)
-            out_.reversed_faces.push_back(surface);
+        if (point_dot(stored, outline_normal(flat_, corners)) <= 0)
+            out_.odd_faces.push_back(surface);
     }
 
     void add_lines()
@@ -383,8 +385,11 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
         point3_t normal =
             face >= 0 ? (*flat.face_normals)[static_cast<size_t>(face)] : (*flat.normals)[owner];
         if (face >= 0 &&
-            std::binary_search(layout.reversed_faces.begin(), layout.reversed_faces.end(), face))
-            normal = point_scale(normal, -1.0f);
+            std::binary_search(layout.odd_faces.begin(), layout.odd_faces.end(), face)) {
+            normal = outline_normal(flat, flat.surface_corners(face));
+            const double length = point_length(normal);
+            normal = length > 0 ? point_scale(normal, static_cast<float>(1.0 / length)) : normal;
+        }
         out[slot * 4] = packed(normal.x);
         out[slot * 4 + 1] = packed(normal.y);
         out[slot * 4 + 2] = packed(normal.z);

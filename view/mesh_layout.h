@@ -30,7 +30,7 @@ struct mesh_layout_t {
     std::vector<std::int32_t> extra_vertices; // of the slots after the vertices' own
     std::vector<std::int32_t> slot_face;      // whose normal the slot carries; -1 its vertex's
     std::vector<std::int32_t> corner_of_slot; // with texture coordinates: corner index; else empty
-    std::vector<std::int32_t> reversed_faces; // whose stored normal looks against their outline
+    std::vector<std::int32_t> odd_faces;      // whose stored normal is none, or looks backwards
     std::vector<std::int32_t> concave;        // surfaces that were cut into ears
     std::uint32_t num_vertices = 0;
 

@@ -30,6 +30,7 @@ target_sources(vesk PRIVATE
     view/draw_text_gl.cpp
     view/draw_view_gl.cpp
     view/font_atlas.cpp
+    view/view_commands_tk.cpp
     view/views_tk.cpp
 )
 

@@ -275,14 +275,23 @@ void views_reset_for_test()
     if (views.viewsetting != nullptr)
         ui_port().free_text(views.viewsetting);
     views = views_t{};
+    views.viewsetting = ui_port().alloc_text("all");
     views_take_geometry_from_prefs();
 }
 
 // ---- zoom and pan ----
 
-void scale_win(int view, float factor) { zoom_about_middle(view, factor, 1.0f); }
+void scale_win(int view, float factor)
+{
+    zoom_about_middle(view, factor, 1.0f);
+    redraw_view(view);
+}
 
-void scale_win2(int view, float factor) { zoom_about_middle(view, 1.0f, factor); }
+void scale_win2(int view, float factor)
+{
+    zoom_about_middle(view, 1.0f, factor);
+    redraw_view(view);
+}
 
 void zoom_in(void)
 {

@@ -11,6 +11,7 @@
 #include "view/draw_view_gl.h"
 #include "view/interaction.h"
 #include "view/redraw.h"
+#include "view/view_commands_tk.h"
 #include "view/views_internal.h"
 
 #include <togl.h>
@@ -128,29 +129,36 @@ void tick(ClientData)
 
 int view_of_client(ClientData data) { return static_cast<int>(reinterpret_cast<intptr_t>(data)); }
 
-void on_button(ClientData data, XEvent *event)
+pointer_event_t pointer_of(int view, const XButtonEvent &button)
+{
+    return {view,
+            button.x,
+            button.y,
+            static_cast<int>(button.button),
+            static_cast<int>(button.state),
+            ui_port().now_seconds()};
+}
+
+void on_press(ClientData data, XEvent *event)
 {
     const XButtonEvent &button = event->xbutton;
     const int view = view_of_client(data);
     if (button.button > 3) {
         // The scripts bind the wheel to "zoomview", which leaves the walking viewer alone.
-        if (event->type == ButtonPress && view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0 &&
-            button.button <= 5)
+        if (view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0 && button.button <= 5)
             guarded_entry([&] { interaction_wheel(view, button.button == 4 ? 1 : -1); });
         return;
     }
-    const pointer_event_t pointer = {view,
-                                     button.x,
-                                     button.y,
-                                     static_cast<int>(button.button),
-                                     static_cast<int>(button.state),
-                                     ui_port().now_seconds()};
-    guarded_entry([&] {
-        if (event->type == ButtonPress)
-            interaction_press(pointer);
-        else
-            interaction_release(pointer);
-    });
+    guarded_entry([&] { interaction_press(pointer_of(view, button)); });
+    keep_ticking();
+}
+
+void on_release(ClientData data, XEvent *event)
+{
+    const XButtonEvent &button = event->xbutton;
+    if (button.button > 3)
+        return;
+    guarded_entry([&] { interaction_release(pointer_of(view_of_client(data), button)); });
     keep_ticking();
 }
 
@@ -163,15 +171,14 @@ void on_motion(ClientData data, XEvent *event)
     guarded_entry([&] { interaction_motion(pointer); });
 }
 
-void on_crossing(ClientData data, XEvent *event)
+void on_enter(ClientData data, XEvent *)
 {
-    const int view = view_of_client(data);
-    guarded_entry([&] {
-        if (event->type == EnterNotify)
-            interaction_enter(view);
-        else
-            interaction_leave(view);
-    });
+    guarded_entry([&] { interaction_enter(view_of_client(data)); });
+}
+
+void on_leave(ClientData data, XEvent *)
+{
+    guarded_entry([&] { interaction_leave(view_of_client(data)); });
 }
 
 // ---- widget callbacks ----
@@ -344,11 +351,12 @@ void make_tcl_window(int x, int y, int width, int height, const char *, int view
     view_bind(view, name.c_str(), togl, window);
     Togl_SetClientData(togl, reinterpret_cast<ClientData>(static_cast<intptr_t>(view) + 1));
     const auto client = reinterpret_cast<ClientData>(static_cast<intptr_t>(view));
-    Tk_CreateEventHandler(window, ButtonPressMask, on_button, client);
-    Tk_CreateEventHandler(window, ButtonReleaseMask, on_button, client);
+    // One function each: a second handler with the same function would replace the first.
+    Tk_CreateEventHandler(window, ButtonPressMask, on_press, client);
+    Tk_CreateEventHandler(window, ButtonReleaseMask, on_release, client);
     Tk_CreateEventHandler(window, PointerMotionMask, on_motion, client);
-    Tk_CreateEventHandler(window, EnterWindowMask, on_crossing, client);
-    Tk_CreateEventHandler(window, LeaveWindowMask, on_crossing, client);
+    Tk_CreateEventHandler(window, EnterWindowMask, on_enter, client);
+    Tk_CreateEventHandler(window, LeaveWindowMask, on_leave, client);
     install_callbacks(name.c_str());
     // The widget was shaped before it was bound; files named on the command line are fitted soon.
     view_set_position(view, x, y);
@@ -366,6 +374,7 @@ void create_ui(void)
                     prefs.window_label_xz, VIEW_XZ);
     make_tcl_window(prefs.win3d_x, prefs.win3d_y, prefs.win3d_width, prefs.win3d_height,
                     prefs.window_label_xyz, VIEW_XYZ);
+    register_view_commands();
     check_sharing();
     constexpr double points_of_pixel = 72.0 / 96.0;
     const std::string scaling = tcl_command("tk scaling");

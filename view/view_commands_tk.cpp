@@ -1,0 +1,97 @@
+#include "view/view_commands_tk.h"
+
+#include "app/command_result.h"
+#include "app/command_row.h"
+#include "app/messages.h"
+#include "app/ui_port.h"
+#include "view/camera.h"
+#include "view/draw_buffers_gl.h"
+#include "view/draw_device_gl.h"
+#include "view/draw_view_gl.h"
+#include "view/interaction.h"
+#include "view/redraw.h"
+#include "view/views_internal.h"
+#include "view/views_tk.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr int most_frames = 1000;
+
+// One step of a slow motion: the model turns, or a flat view is panned to and fro.
+void step_motion(int view, int frame)
+{
+    if (view == VIEW_XYZ)
+        person_add_spin_rotation(0, 1);
+    else
+        view_pan_by(view, frame % 2 == 0 ? 1.0f : -1.0f, 0);
+}
+
+} // namespace
+
+// Draws `frames` pictures of a view, moving (as in a drag) or at rest. Result: milliseconds a
+// picture, and the layers of the last one.
+static void view_benchmark(int view, const char *how, int frames)
+{
+    if (view < 0 || view >= num_views)
+        return;
+    const bool moving = std::strcmp(how, "moving") == 0;
+    const int count = std::clamp(frames, 1, most_frames);
+    redraw_view(view); // uploads, and tells what each layer costs
+    const double started = ui_port().now_seconds();
+    for (int frame = 0; frame < count; ++frame) {
+        step_motion(view, frame);
+        if (moving)
+            view_note_motion(view, ui_port().now_seconds());
+        redraw_view(view);
+        glFinish();
+    }
+    command_result_appendf("%.2f {%s}", (ui_port().now_seconds() - started) * 1000.0 / count,
+                           drawn_view_layers(view).c_str());
+}
+
+// Milliseconds of each layer of the view's last picture at rest.
+static void view_costs(int view)
+{
+    if (view < 0 || view >= num_views)
+        return;
+    for (const layer_cost_t &cost : drawn_view_costs(view))
+        command_result_appendf("%s %.2f ", cost.layer.c_str(), cost.seconds * 1000.0);
+}
+
+static void view_save_picture(int view, const char *file)
+{
+    if (!views_tk_save_picture(view, file))
+        display_message("can't write the picture %s", file);
+}
+
+// What the drawing may use: "all", "fixed" (no programs, no several samples a pixel) or "oldest" (no
+// buffers either).
+static void view_limit_device(const char *limit)
+{
+    const bool all = std::strcmp(limit, "all") == 0;
+    const bool oldest = std::strcmp(limit, "oldest") == 0;
+    device_limit(all, !oldest, all);
+    redraw_all();
+}
+
+static void view_uploaded_bytes()
+{
+    command_result_appendf("%llu", static_cast<unsigned long long>(buffers_uploaded_bytes()));
+}
+
+void register_view_commands()
+{
+    command_add_own(command_row("view_benchmark", view_benchmark, "<view> <moving|rest> <frames>",
+                                "milliseconds a picture, and its layers"));
+    command_add_own(
+        command_row("view_costs", view_costs, "<view>", "milliseconds of each layer of a view"));
+    command_add_own(command_row("view_save_picture", view_save_picture, "<view> <file.ppm>",
+                                "save what a view shows"));
+    command_add_own(command_row("view_limit_device", view_limit_device, "<all|fixed|oldest>",
+                                "draw with fewer means of the graphics device"));
+    command_add_own(command_row("view_uploaded_bytes", view_uploaded_bytes, nullptr,
+                                "bytes that were handed to the graphics device so far"));
+}
