@@ -230,5 +230,6 @@ void draw_3d_overlay(const picture_t &picture)
     use_pixel_projection(picture.width, picture.height);
     draw_object_centres(picture.view);
     draw_light_icons(picture.view);
+    draw_tool_overlay(picture.view, picture.width, picture.height);
     draw_axis_cross();
 }

@@ -128,4 +128,5 @@ void draw_orthographic_overlay(const picture_t &picture)
     draw_object_centres(picture.view);
     draw_light_icons(picture.view);
     draw_selection_box(picture.view);
+    draw_tool_overlay(picture.view, picture.width, picture.height);
 }

@@ -1,7 +1,6 @@
 #include "view/draw_overlay_gl.h"
 
 #include "app/prefs.h"
-#include "edit/selection_internal.h"
 #include "model/each.h"
 #include "model/lights.h"
 #include "model/world.h"
@@ -9,7 +8,9 @@
 #include "view/camera_internal.h"
 #include "view/draw_device_gl.h"
 #include "view/draw_text_gl.h"
+#include "view/handles.h"
 #include "view/interaction.h"
+#include "view/overlay.h"
 #include "view/projection.h"
 #include "view/selection_marks.h"
 #include "view/views_internal.h"
@@ -19,7 +20,6 @@
 
 namespace {
 
-constexpr float box_margin = 8; // between the true bounds and the box
 constexpr float shortest_side_with_handle = 36;
 constexpr int axis_colours[3] = {0xF07F76, 0x8CCB6B, 0x7CB4F5};
 constexpr int cross_disc_colour = 0x3A3A3A;
@@ -48,45 +48,15 @@ bool window_point(const point3_t &point, int view, float *x, float *y)
     return true;
 }
 
-struct box_t {
-    float x1, y1, x2, y2; // whole pixels
-};
-
-box_t selection_box(int view)
-{
-    int x1 = 0, y1 = 0, x2 = 0, y2 = 0;
-    point2xy(&selection().box_min, &x1, &y1, view);
-    point2xy(&selection().box_max, &x2, &y2, view);
-    const float margin = std::round(box_margin * interface_scale());
-    return {static_cast<float>(std::min(x1, x2)) - margin,
-            static_cast<float>(std::min(y1, y2)) - margin,
-            static_cast<float>(std::max(x1, x2)) + margin + 1,
-            static_cast<float>(std::max(y1, y2)) + margin + 1};
-}
-
-std::vector<vertex2_t> handle_places(const box_t &box)
-{
-    const float mid_x = std::floor((box.x1 + box.x2) / 2);
-    const float mid_y = std::floor((box.y1 + box.y2) / 2);
-    const float shortest = shortest_side_with_handle * interface_scale();
-    std::vector<vertex2_t> places = {
-        {box.x1, box.y1}, {box.x2 - 1, box.y1}, {box.x1, box.y2 - 1}, {box.x2 - 1, box.y2 - 1}};
-    if (box.x2 - box.x1 >= shortest)
-        places.insert(places.end(), {{mid_x, box.y1}, {mid_x, box.y2 - 1}});
-    if (box.y2 - box.y1 >= shortest)
-        places.insert(places.end(), {{box.x1, mid_y}, {box.x2 - 1, mid_y}});
-    return places;
-}
-
-void draw_handles(const box_t &box)
+void draw_handles(const handle_box_t &box)
 {
     const float size = std::round(static_cast<float>(prefs.handle_size) * interface_scale());
     const float half = std::floor(size / 2);
     std::vector<vertex2_t> rims;
     std::vector<vertex2_t> bodies;
-    for (const vertex2_t &place : handle_places(box)) {
-        const float x = place.x - half;
-        const float y = place.y - half;
+    for (int i = 0; i < box.num_places; ++i) {
+        const float x = static_cast<float>(box.places[i].x) - half;
+        const float y = static_cast<float>(box.places[i].y) - half;
         add_quad(rims, x - 1, y - 1, x + size + 1, y + size + 1);
         if (prefs.handles_hollow != 0)
             add_frame(bodies, x, y, x + size, y + size, 1.5f);
@@ -96,6 +66,64 @@ void draw_handles(const box_t &box)
     if (prefs.handles_hollow == 0)
         draw_array(GL_QUADS, rims, rim_colour);
     draw_array(GL_QUADS, bodies, colour_of(prefs.col_box));
+}
+
+// White over a wider black; dashed when it takes what it touches.
+void draw_rubber_band(const overlay_t &tool)
+{
+    constexpr float dash = 4;
+    const auto x1 = static_cast<float>(std::min(tool.x0, tool.x1));
+    const auto y1 = static_cast<float>(std::min(tool.y0, tool.y1));
+    const auto x2 = static_cast<float>(std::max(tool.x0, tool.x1)) + 1;
+    const auto y2 = static_cast<float>(std::max(tool.y0, tool.y1)) + 1;
+    const colour_t white = colour_of(prefs.col_foreground);
+    std::vector<vertex2_t> inside;
+    std::vector<vertex2_t> dark;
+    std::vector<vertex2_t> light;
+    add_quad(inside, x1, y1, x2, y2);
+    add_frame(dark, x1 - 1, y1 - 1, x2 + 1, y2 + 1, 3);
+    if (tool.x1 >= tool.x0) {
+        add_frame(light, x1, y1, x2, y2, 1);
+    } else {
+        for (float x = x1; x < x2; x += 2 * dash) {
+            add_quad(light, x, y1, std::min(x + dash, x2), y1 + 1);
+            add_quad(light, x, y2 - 1, std::min(x + dash, x2), y2);
+        }
+        for (float y = y1; y < y2; y += 2 * dash) {
+            add_quad(light, x1, y, x1 + 1, std::min(y + dash, y2));
+            add_quad(light, x2 - 1, y, x2, std::min(y + dash, y2));
+        }
+    }
+    draw_array(GL_QUADS, inside, {white.r, white.g, white.b, 0.08f});
+    draw_array(GL_QUADS, dark, {0, 0, 0, 0.55f});
+    draw_array(GL_QUADS, light, white);
+}
+
+// Across the whole view through the point where the drag began.
+void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
+{
+    point3_t other = tool.lock_point;
+    axis_of(other, tool.locked_axis) += 1.0f;
+    float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+    if (!window_point(tool.lock_point, view, &x1, &y1) || !window_point(other, view, &x2, &y2))
+        return;
+    const float dx = x2 - x1;
+    const float dy = y2 - y1;
+    const float length = std::hypot(dx, dy);
+    if (length < 1.0f) // the axis points at the viewer
+        return;
+    const float reach = static_cast<float>(width + height) / length;
+    draw_soft_line(x1 - dx * reach, y1 - dy * reach, x1 + dx * reach, y1 + dy * reach,
+                   interface_scale(), colour_of(axis_colours[tool.locked_axis]));
+}
+
+void draw_preview(const overlay_t &tool, int view)
+{
+    for (const overlay_segment_t &segment : tool.preview) {
+        float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+        if (window_point(segment.from, view, &x1, &y1) && window_point(segment.to, view, &x2, &y2))
+            draw_soft_line(x1, y1, x2, y2, 1.5f * interface_scale(), colour_of(prefs.col_box));
+    }
 }
 
 void draw_light_icon(float x, float y, const colour_t &colour)
@@ -135,15 +163,26 @@ void draw_axis_end(const axis_cross_t &cross, const axis_end_t &end)
 
 void draw_selection_box(int view)
 {
-    if (selection().box_valid == 0 || nothing_is_selected() != 0)
+    const handle_box_t box = handle_box(view);
+    if (!box.valid)
         return;
-    const box_t box = selection_box(view);
     std::vector<vertex2_t> frame;
     const float width =
         std::max(1.0f, std::round(static_cast<float>(prefs.bb_line_width) * interface_scale()));
-    add_frame(frame, box.x1, box.y1, box.x2, box.y2, width);
+    add_frame(frame, static_cast<float>(box.x0), static_cast<float>(box.y0),
+              static_cast<float>(box.x1) + 1, static_cast<float>(box.y1) + 1, width);
     draw_array(GL_QUADS, frame, colour_of(prefs.col_box));
     draw_handles(box);
+}
+
+void draw_tool_overlay(int view, int width, int height)
+{
+    const overlay_t &tool = overlay();
+    draw_preview(tool, view);
+    if (tool.locked_axis >= 0)
+        draw_axis_lock(tool, view, width, height);
+    if (tool.band_view == view)
+        draw_rubber_band(tool);
 }
 
 void draw_light_icons(int view)

@@ -7,6 +7,9 @@
 // Of an orthographic view: box and handles of the selection, drawn outside its true bounds.
 void draw_selection_box(int view);
 
+// What a running tool shows: rubber band, preview of what it makes, the axis it is locked to.
+void draw_tool_overlay(int view, int width, int height);
+
 // Icons of the lights, and the crosses of object centres while they are shown. Any view.
 void draw_light_icons(int view);
 void draw_object_centres(int view);

@@ -174,6 +174,9 @@ void click(const drag_t &drag, const pointer_event_t &event)
         camera_look_along(drag.cross_axis, drag.cross_positive);
     else if (drag.button == 3 && event.view == VIEW_XYZ)
         popup_3d_menu(event.x, event.y);
+    else if (drag.button == 1 && drag.kind != drag_kind::pan && interaction.tool != nullptr &&
+             interaction.tool->click != nullptr)
+        interaction.tool->click(event);
 }
 
 } // namespace
@@ -208,6 +211,9 @@ void interaction_press(const pointer_event_t &event)
 void interaction_motion(const pointer_event_t &event)
 {
     drag_t &drag = interaction.drag;
+    if (drag.kind == drag_kind::none && drag.button == 0 && interaction.tool != nullptr &&
+        interaction.tool->hover != nullptr)
+        interaction.tool->hover(event);
     if (drag.kind == drag_kind::none || event.view != drag.view)
         return;
     if (drag.kind == drag_kind::tool) {

@@ -48,13 +48,17 @@ void interaction_cancel();
 bool view_is_moving(int view, double seconds);
 void view_note_motion(int view, double seconds);
 
-// What the left button does where neither the camera nor the cross takes it. `press` answers
-// whether the tool wants the drag.
+// What the left button does where neither the camera nor the cross takes it; functions may be null.
+// `press` answers whether the tool wants the drag.
 struct left_tool_t {
     bool (*press)(const pointer_event_t &event);
     void (*motion)(const pointer_event_t &event);
     void (*release)(const pointer_event_t &event);
     void (*cancel)();
+    // A left click in the 3D view that was no drag and not on the cross.
+    void (*click)(const pointer_event_t &event);
+    // Motion without a button.
+    void (*hover)(const pointer_event_t &event);
 };
 void interaction_set_left_tool(const left_tool_t *tool);
 
