@@ -11,6 +11,7 @@
 #include "app/version.h"
 #include "edit/modes.h"
 #include "edit/undo.h"
+#include "model/alloc_internal.h"
 #include "model/object_internal.h"
 #include "model/palette.h"
 #include "model/world.h"
@@ -228,6 +229,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
     print_banner();
     console_printf("VESK_HOME is %s\n", vesk_get_vesk_homedir());
     init_prefs();
+    alloc_set_mode(debug_mode(), prefs.memory_checks != 0); // before the first block is taken
     if (prefs.windows_show_console == 0)
         console_release();
     link_program_variables();

@@ -145,7 +145,7 @@ void measure(int side, const std::string &folder)
 {
     const terrain_arrays terrain(side);
     const int n = terrain.num_vertices();
-    const int runs = n >= 1000000 ? 3 : 10;
+    const int runs = n >= 1000000 ? 6 : 10;
     const std::string file = folder + "/files_bench.vesk";
     std::printf("%d vertices, %d quads\n", n, terrain.num_surfaces());
 
@@ -201,6 +201,30 @@ void measure(int side, const std::string &folder)
     std::remove((file + ".copy").c_str());
 }
 
+// As many vertices in many objects.
+void measure_many(int objects, int side, const std::string &folder)
+{
+    const terrain_arrays terrain(side);
+    const int n = objects * terrain.num_vertices();
+    const std::string file = folder + "/files_bench.vesk";
+    std::printf("%d objects of %d vertices\n", objects, terrain.num_vertices());
+    object_t *group = new_group();
+    object_add_child(vesk_get_world(), group);
+    for (int i = 0; i < objects; ++i)
+        object_reparent(terrain.build(), group);
+    row("save", best_of(6, [&] { write_vesk(file.c_str()); }), 0, n);
+    timing load;
+    for (int i = 0; i < 6; ++i) {
+        object_t *top = nullptr;
+        const timing one = best_of(1, [&] { top = readfile_vesk2(file.c_str()); });
+        load = {std::min(load.wall, one.wall), std::min(load.cpu, one.cpu)};
+        object_free(top);
+    }
+    row("load with normals", load, 0, n);
+    object_delete(group);
+    std::remove(file.c_str());
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -212,5 +236,6 @@ int main(int argc, char **argv)
     }
     for (const int side : {100, 316, 1000})
         measure(side, argc > 1 ? argv[1] : ".");
+    measure_many(2000, 22, argc > 1 ? argv[1] : ".");
     return 0;
 }
