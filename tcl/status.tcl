@@ -182,7 +182,7 @@ proc ::vesk::status::refresh {} {
         }
     }
     show_undo
-    fit
+    fit_later
 }
 
 # show_badges --
@@ -197,7 +197,7 @@ proc ::vesk::status::show_badges {hidden locked} {
             pack forget $path.$name
         }
     }
-    fit
+    fit_later
 }
 
 proc ::vesk::status::show_undo {} {
@@ -207,6 +207,13 @@ proc ::vesk::status::show_undo {} {
     set text [expr {$possible ? "Undo: $undo_label" : "Nothing to undo"}]
     $path.undo configure -text $text
     $path.undo state [expr {$possible ? "!disabled" : "disabled"}]
+}
+
+# fit_later --
+#   Fits once the changed texts have told their sizes.
+proc ::vesk::status::fit_later {} {
+    after cancel ::vesk::status::fit
+    after 20 ::vesk::status::fit
 }
 
 # fit --
@@ -224,23 +231,25 @@ proc ::vesk::status::fit {} {
     set wanted [::vesk::theme::px 170]
     set working [expr {[winfo manager $path.progress] ne ""}]
     if {$working} {set wanted [expr {[winfo reqwidth $path.progress] + [::vesk::theme::px 20]}]}
-    foreach part {counts undo coors size} {
-        if {$part eq "undo"} {
-            $path.undo configure -compound left
-            if {$room - [part_width undo] < $wanted} {$path.undo configure -compound image}
+    # What always stays is counted first; the undo button keeps at least its picture.
+    incr room -[part_width counts]
+    if {!$working} {incr room -[part_width coors]}
+    $path.undo configure -compound left
+    if {$room - [part_width undo] < $wanted} {$path.undo configure -compound image}
+    incr room -[part_width undo]
+    foreach part {coors size} {
+        set fits [expr {$room - [part_width $part] >= $wanted}]
+        if {$part eq "coors" && !$working} {set fits 1} elseif {$fits} {
+            incr room -[part_width $part]
         }
-        set droppable [expr {$part eq "size" || $working && $part eq "coors"}]
-        if {$droppable && $room - [part_width $part] < $wanted} {
+        if {!$fits} {
             pack forget $path.$part $path.line$part
-            continue
-        }
-        if {[winfo manager $path.$part] eq ""} {
+        } elseif {[winfo manager $path.$part] eq ""} {
             # From right to left: undo, counts, size, coordinates.
             set before [expr {$part eq "size" && [winfo manager $path.coors] ne ""
                 ? "$path.coors" : [lindex [pack slaves $path] end]}]
             pack $path.$part $path.line$part -side right -before $before
         }
-        incr room -[part_width $part]
     }
 }
 
