@@ -60,6 +60,21 @@ proc ::vesk::dialogs::number_begin {w variable} {
     if {[winfo class $w] in {Entry TEntry}} {$w selection range 0 end}
 }
 
+# being_typed --
+#   Whether a field holds something that was not applied yet.
+proc ::vesk::dialogs::being_typed {w} {
+    variable before
+    return [expr {![info exists before($w)] || [$w get] ne $before($w)}]
+}
+
+# shown_again --
+#   A field got a new number from the model while it has the focus.
+proc ::vesk::dialogs::shown_again {w} {
+    variable before
+    set before($w) [$w get]
+    $w selection range 0 end
+}
+
 proc ::vesk::dialogs::number_done {w variable apply} {
     variable before
     set text [set $variable]

@@ -60,7 +60,7 @@ proc ::vesk::filebox::cleaned {wanted} {
             lappend pairs [list $description $globs]
         }
     }
-    if {[llength $pairs] == 0} {set pairs {{"All files" *}}}
+    if {[llength $pairs] == 0} {set pairs [list [list "All files" *]]}
     return $pairs
 }
 

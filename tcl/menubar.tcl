@@ -265,17 +265,21 @@ proc ::vesk::menus::bind_accelerators {} {
 #   An accelerator. While text is edited the editing keys are the field's; disabled rows refuse.
 proc ::vesk::menus::key {w row} {
     if {[winfo toplevel $w] ne "."} {return}
-    set key [lindex $row 3]
-    if {[winfo class $w] in {Entry TEntry Text TCombobox}
-            && $key in {Ctrl+X Ctrl+C Ctrl+V Ctrl+A Ctrl+Z Ctrl+Shift+Z Ctrl+D Ctrl+I Ctrl+O}} {
-        if {$key ne "Ctrl+O" && $key ne "Ctrl+I"} {return}
-    }
+    if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {return}
     if {![possible $row [now]]} {
         display_message "[string map {& {} ... {}} [lindex $row 1]] - not possible now"
         return -code break
     }
     invoke $row
     return -code break
+}
+
+# edits_text --
+#   Whether a key belongs to the field that has the focus. Undo is the model's again as soon as
+#   what was typed has been applied.
+proc ::vesk::menus::edits_text {key w} {
+    if {$key in {Ctrl+Z Ctrl+Shift+Z}} {return [::vesk::dialogs::being_typed $w]}
+    return [expr {$key in {Ctrl+X Ctrl+C Ctrl+V Ctrl+A Ctrl+D}}]
 }
 
 # ---- context menus ----

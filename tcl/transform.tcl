@@ -103,8 +103,12 @@ proc ::vesk::transform::refresh {{force 0}} {
         }
         foreach axis {x y z} number $numbers {
             set entry $path.$what$axis.value
-            if {!$force && $typing eq $entry && $any} {continue}
-            if {$value($what,$axis) ne $number} {set value($what,$axis) $number}
+            if {!$force && $any && $typing eq $entry
+                    && [::vesk::dialogs::being_typed $entry]} {continue}
+            if {$value($what,$axis) ne $number} {
+                set value($what,$axis) $number
+                if {$typing eq $entry} {::vesk::dialogs::shown_again $entry}
+            }
             set state [expr {$any ? "normal" : "disabled"}]
             if {[$entry cget -state] ne $state} {
                 $entry configure -state $state
