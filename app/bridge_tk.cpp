@@ -141,10 +141,13 @@ void set_library(Tcl_Interp *interp, const char *variable, const char *directory
     Tcl_SetVar(interp, variable, path.c_str(), TCL_GLOBAL_ONLY);
 }
 
+// A script gets its arguments; the interface the files that are about to be imported.
 void set_arguments(Tcl_Interp *interp, const command_line_t &line)
 {
+    const std::vector<std::string> &words =
+        line.batch || !line.script.empty() ? line.script_arguments : line.files;
     Tcl_Obj *arguments = Tcl_NewListObj(0, nullptr);
-    for (const std::string &word : line.script_arguments) {
+    for (const std::string &word : words) {
         Tcl_DString utf;
         Tcl_ExternalToUtfDString(nullptr, word.c_str(), -1, &utf);
         Tcl_ListObjAppendElement(nullptr, arguments,
@@ -152,8 +155,8 @@ void set_arguments(Tcl_Interp *interp, const command_line_t &line)
         Tcl_DStringFree(&utf);
     }
     Tcl_SetVar2Ex(interp, "argv", nullptr, arguments, TCL_GLOBAL_ONLY);
-    Tcl_SetVar2Ex(interp, "argc", nullptr,
-                  Tcl_NewIntObj(static_cast<int>(line.script_arguments.size())), TCL_GLOBAL_ONLY);
+    Tcl_SetVar2Ex(interp, "argc", nullptr, Tcl_NewIntObj(static_cast<int>(words.size())),
+                  TCL_GLOBAL_ONLY);
     Tcl_SetVar(interp, "argv0", line.batch ? line.script.c_str() : "vesk", TCL_GLOBAL_ONLY);
 }
 

@@ -95,8 +95,9 @@ proc ::vesk::hier::bind_tree {} {
     bind $tree <Configure> ::vesk::hier::strip_later
     bind $tree <F2> {::vesk::hier::rename; break}
     bind $tree <Delete> {::vesk::ops::run delete; break}
-    bind $tree <KeyPress-h> {::vesk::ops::run hide_selected; break}
-    bind $tree <KeyPress-l> {::vesk::ops::run lock_selected; break}
+    foreach {key command} {h hide_selected H hide_selected l lock_selected L lock_selected} {
+        bind $tree <KeyPress-$key> [list ::vesk::hier::key $command]
+    }
     bind $tree <Escape> {::vesk::ops::run clear_selection; ::vesk::ops::run redraw_all; break}
     bind $tree <Double-Button-1> {::vesk::hier::double %x %y; break}
     bind $tree <Button-3> {::vesk::hier::context %x %y %X %Y}
@@ -144,6 +145,7 @@ proc ::vesk::hier::refresh {} {
     variable tree
     set told [vesk object_tree]
     set same [expr {[llength $told] == [llength $flat]}]
+    set counts 0
     if {$same} {
         foreach {id parent type name surfaces visible locked} $told \
                 {old_id old_parent old_type old_name old_surfaces old_visible old_locked} $flat {
@@ -154,17 +156,36 @@ proc ::vesk::hier::refresh {} {
             if {$name ne $old_name || $surfaces != $old_surfaces || $visible != $old_visible
                     || $locked != $old_locked} {
                 dict set rows $id [list $parent $type $name $surfaces $visible $locked]
-                if {[$tree exists $id]} {
-                    $tree item $id -text [shown_name $name] \
-                        -values [list [::vesk::arith::grouped $surfaces]]
-                }
+                if {$surfaces != $old_surfaces} {set counts 1}
+                if {[$tree exists $id]} {$tree item $id -text [shown_name $name]}
             }
         }
     }
     set flat $told
-    if {!$same} {fill}
+    if {!$same} {fill} elseif {$counts} {show_totals}
     show_count
     strip_later
+}
+
+# totals --
+#   Surfaces of each object with those below it: id -> count.
+proc ::vesk::hier::totals {} {
+    variable flat
+    set total {}
+    # Children stand behind their parent, so from the end every sum is complete when it is passed on.
+    for {set at [expr {[llength $flat] - 7}]} {$at >= 0} {incr at -7} {
+        set id [lindex $flat $at]
+        dict incr total $id [lindex $flat $at+4]
+        dict incr total [lindex $flat $at+1] [dict get $total $id]
+    }
+    return $total
+}
+
+proc ::vesk::hier::show_totals {} {
+    variable tree
+    dict for {id count} [totals] {
+        if {[$tree exists $id]} {$tree set $id surfaces [::vesk::arith::grouped $count]}
+    }
 }
 
 # fill --
@@ -184,6 +205,7 @@ proc ::vesk::hier::fill {} {
     $tree delete [$tree children {}]
     set rows {}
     set wanted [string tolower $filter]
+    set total [totals]
     foreach {type icon} $icons {set image($type) [::vesk::icons::get $icon dim]}
     set first_time [expr {[dict size $open] == 0}]
     foreach {id parent type name surfaces visible locked} $flat {
@@ -198,7 +220,7 @@ proc ::vesk::hier::fill {} {
         set picture ""
         if {[info exists image($type)]} {set picture $image($type)}
         $tree insert $parent end -id $id -text [shown_name $name] -image $picture -open $opened \
-            -values [list [::vesk::arith::grouped $surfaces]]
+            -values [list [::vesk::arith::grouped [dict get $total $id]]]
     }
     $tree yview moveto [lindex $top 0]
     set syncing 0
@@ -339,6 +361,12 @@ proc ::vesk::hier::context {x y root_x root_y} {
         selected
     }
     ::vesk::menus::popup object $root_x $root_y
+}
+
+proc ::vesk::hier::key {command} {
+    ::vesk::ops::run $command
+    vesk redraw_all
+    return -code break
 }
 
 proc ::vesk::hier::to_head {} {
