@@ -483,8 +483,10 @@ proc backrest {half height thick} {
 proc rug {} {
     object group "rug" {-loc {-0.2 0 0.55}} {
         object poly "wool" {} {
-            lathe "blue-grey wool" {{0 0} {0.80 0} edge {0.80 0} {0.80 0.012} edge {0.80 0.012}
-                {0 0.012}} 48
+            set outline [lmap p [circle {0 0 0} {1 0 0} {0 0 -1} 0.80 48] {
+                list [lindex $p 0] [lindex $p 2]
+            }]
+            prism "blue-grey wool" $outline 0 0.012
         }
         object poly "stripe" {-loc {0 0.0135 0}} {
             set outer [circle {0 0 0} {1 0 0} {0 0 -1} 0.745 48]

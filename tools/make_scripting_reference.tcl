@@ -1,0 +1,51 @@
+# Writes the part of docs/scripting.md that lists the commands, from what the program tells about
+# itself; the text above the marker stays as it is.
+#   vesk -noplugins -batch tools/make_scripting_reference.tcl docs/scripting.md
+
+set marker "<!-- written by tools/make_scripting_reference.tcl: do not edit below -->"
+
+# cell -- a text as a cell of a table.
+proc cell {text} {
+    return [string map {| \\| < &lt; > &gt; \n " "} $text]
+}
+
+# row -- the table row of one command.
+proc row {name} {
+    lassign [vesk command_info $name] nargs template usage help available
+    set note [expr {$available ? "" : "not in this build yet"}]
+    set words [string trim "`$name` [cell $usage]"]
+    return "| $words | [cell $help] | $note |"
+}
+
+set names {}
+foreach line [split [string trim [vesk list]] \n] {
+    lappend names [lindex [split $line] 0]
+}
+set missing [lsearch -all -inline -not -exact [lmap name $names {
+    expr {[lindex [vesk command_info $name] end] ? "" : $name}
+}] ""]
+
+set file [lindex $argv 0]
+set channel [open $file]
+fconfigure $channel -encoding utf-8
+set text [read $channel]
+close $channel
+set kept [string first $marker $text]
+if {$kept < 0} {error "$file: no marker"}
+set out [string range $text 0 [expr {$kept - 1}]]$marker\n\n
+append out "## All commands\n\n"
+append out "[llength $names] commands, in the order of `vesk list`. An argument is a number or one word; a "
+append out "missing or\nwrong argument is told and nothing is done.\n\n"
+append out "| command and arguments | what it does | |\n|---|---|---|\n"
+foreach name $names {append out [row $name]\n}
+append out "\n## Not in this build yet\n\n"
+if {[llength $missing] == 0} {
+    append out "Nothing: every command is there.\n"
+} else {
+    append out "These [llength $missing] commands are known and answer `NAME: not in this build yet`:\n\n"
+    append out [join [lmap name $missing {string cat ` $name `}] ", "]\n
+}
+set channel [open $file w]
+fconfigure $channel -encoding utf-8
+puts -nonewline $channel $out
+close $channel
