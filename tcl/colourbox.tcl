@@ -56,7 +56,7 @@ proc ::vesk::colourbox::ask {start} {
     bind $w.field <B1-Motion> [list ::vesk::colourbox::field_moved $w %x %y]
     bind $w.hues <Button-1> [list ::vesk::colourbox::hue_moved $w %y]
     bind $w.hues <B1-Motion> [list ::vesk::colourbox::hue_moved $w %y]
-    bind $w.row.hex <Return> "::vesk::colourbox::typed $w; break"
+    bind $w.row.hex <Return> [list ::vesk::colourbox::entered $w]
     bind $w.row.hex <FocusOut> [list ::vesk::colourbox::typed $w]
     bind $w <Escape> {set ::vesk::colourbox::answer " "}
     bind $w.row.ok <Return> {%W invoke}
@@ -177,6 +177,10 @@ proc ::vesk::colourbox::hue_moved {w y} {
     show $w
 }
 
+proc ::vesk::colourbox::entered {w} {
+    typed $w
+    return -code break
+}
 proc ::vesk::colourbox::typed {w} {
     variable hex
     if {![winfo exists $w.row.hex]} {return}

@@ -264,10 +264,10 @@ proc ::vesk::dialogs::show_text {title text {columns 72} {lines 24}} {
 proc ::vesk::dialogs::ask {title target help} {
     variable fields
     set command [lindex $target 0]
-    set specs [lrange $target 1 end]
+    set items [lrange $target 1 end]
     # A lone file name needs no panel around its dialog.
-    if {[llength $specs] == 1 && [lindex $specs 0 1] in {open_file save_file}} {
-        set name [ask_file [lindex $specs 0] $title]
+    if {[llength $items] == 1 && [lindex $items 0 1] in {open_file save_file}} {
+        set name [ask_file [lindex $items 0] $title]
         if {$name ne ""} {::vesk::ops::run $command $name}
         return
     }
@@ -280,11 +280,11 @@ proc ::vesk::dialogs::ask {title target help} {
     ttk::label $w.in.title -text $title -style Panel.Bold.TLabel
     grid $w.in.title - -sticky w -pady [::vesk::theme::pad 0 6]
     set row 0
-    foreach spec $specs {
-        add_field $w.in $row $spec $command
+    foreach item $items {
+        add_field $w.in $row $item $command
         incr row
     }
-    set run [list ::vesk::dialogs::run_options $w $command $specs]
+    set run [list ::vesk::dialogs::run_options $w $command $items]
     ttk::frame $w.in.row -style Panel.TFrame
     ttk::button $w.in.row.apply -text Apply -style Panel.Default.TButton -command $run
     ttk::button $w.in.row.close -text Close -style Panel.TButton \
@@ -305,10 +305,10 @@ proc ::vesk::dialogs::ask {title target help} {
 
 # add_field --
 #   One row of the options: label left, field right.
-proc ::vesk::dialogs::add_field {w row spec command} {
+proc ::vesk::dialogs::add_field {w row item command} {
     variable fields
     variable kept
-    lassign $spec label kind default extra
+    lassign $item label kind default extra
     set variable ::vesk::dialogs::fields($row)
     set path $w.f$row
     if {[info exists kept($command)] && $kind in {number int text choice}} {
@@ -348,8 +348,8 @@ proc ::vesk::dialogs::add_field {w row spec command} {
 
 # ask_file --
 #   The file dialog of one field.
-proc ::vesk::dialogs::ask_file {spec title} {
-    lassign $spec label kind suffixes
+proc ::vesk::dialogs::ask_file {item title} {
+    lassign $item label kind suffixes
     set patterns [lmap suffix $suffixes {string cat * $suffix}]
     if {$kind eq "open_file"} {
         return [::vesk::filebox::ask open $title $::prefs_default_dir \
@@ -364,15 +364,15 @@ proc ::vesk::dialogs::ask_file {spec title} {
 
 # run_options --
 #   Reads the fields, sets the preferences among them and runs the command.
-proc ::vesk::dialogs::run_options {w command specs} {
+proc ::vesk::dialogs::run_options {w command items} {
     variable fields
     variable kept
     set words {}
     set typed {}
     set row -1
-    foreach spec $specs {
+    foreach item $items {
         incr row
-        lassign $spec label kind default extra
+        lassign $item label kind default extra
         set text $fields($row)
         lappend typed $text
         set wanted [expr {$kind eq "pref" ? $extra : $kind}]

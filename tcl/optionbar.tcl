@@ -146,17 +146,17 @@ proc ::vesk::optionbar::show_fields {tool} {
     set gap [::vesk::theme::px 6]
     ttk::label $frame.name -text [dict get [::vesk::tools::row $tool] label] -style Bold.TLabel
     pack $frame.name -side left -padx [::vesk::theme::pad 0 10]
-    set specs {}
+    set items {}
     if {[dict exists $::vesk::tools::fields $tool]} {
-        set specs [dict get $::vesk::tools::fields $tool]
+        set items [dict get $::vesk::tools::fields $tool]
     }
-    if {[lindex $specs 0] eq "vector"} {
-        add_vector $frame [lindex $specs 1]
-        set specs [lrange $specs 2 end]
+    if {[lindex $items 0] eq "vector"} {
+        add_vector $frame [lindex $items 1]
+        set items [lrange $items 2 end]
     }
     set number 0
-    foreach spec $specs {
-        lassign $spec label kind key
+    foreach item $items {
+        lassign $item label kind key
         set field $frame.f[incr number]
         if {$kind eq "bool"} {
             ttk::checkbutton $field -text $label -variable ::prefs_$key

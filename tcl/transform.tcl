@@ -146,24 +146,19 @@ proc ::vesk::transform::show_texts {force} {
 }
 
 proc ::vesk::transform::count_line {ids infos} {
+    lassign [vesk get_counts] objects all_objects surfaces all_surfaces vertices
     if {[llength $ids] == 0} {
-        lassign [vesk get_counts] objects all_objects surfaces all_surfaces vertices
         if {$surfaces + $vertices == 0} {return "Nothing selected"}
         return "[counted $surfaces surface], [counted $vertices vertex vertices]"
     }
-    if {[llength $ids] > 100} {return [counted [llength $ids] object]}
-    set surfaces 0
-    set vertices 0
     set children 0
     foreach info $infos {
-        foreach key {surfaces vertices children} {
-            if {[dict exists $info $key]} {incr $key [dict get $info $key]}
-        }
+        if {[dict exists $info children]} {incr children [dict get $info children]}
     }
     set line ""
     if {[llength $ids] > 1} {append line [counted [llength $ids] object] ", "}
     append line [counted $surfaces surface] ", " [counted $vertices vertex vertices]
-    if {$children > 0} {append line ", " [counted $children child children]}
+    if {$children > 0 && [llength $ids] <= 100} {append line ", " [counted $children child children]}
     return $line
 }
 

@@ -105,10 +105,10 @@ proc ::vesk::hier::bind_tree {} {
     bind $tree <FocusIn> {::vesk::hier::frame 1}
     bind $tree <FocusOut> {::vesk::hier::frame 0}
     bind $strip <Button-1> {::vesk::hier::strip_click %x %y}
-    bind $strip <Button-4> "$tree yview scroll -3 units"
-    bind $strip <Button-5> "$tree yview scroll 3 units"
-    bind $tree <Button-4> "$tree yview scroll -3 units; break"
-    bind $tree <Button-5> "$tree yview scroll 3 units; break"
+    foreach w [list $strip $tree] {
+        bind $w <Button-4> [list ::vesk::hier::scroll -3]
+        bind $w <Button-5> [list ::vesk::hier::scroll 3]
+    }
 }
 
 # frame --
@@ -418,6 +418,12 @@ proc ::vesk::hier::renamed {id keep} {
 }
 
 # ---- eye and lock ----
+
+proc ::vesk::hier::scroll {lines} {
+    variable tree
+    $tree yview scroll $lines units
+    return -code break
+}
 
 proc ::vesk::hier::scrolled {first last} {
     variable path

@@ -162,6 +162,9 @@ proc ::vesk::palette::show {} {
     set value(transparency,level) $transparency
     set picked [entry_name $current $name]
     $material.top.line configure -text "Material [expr {$current + 1}] of [llength $colours]"
+    variable swatches
+    set usable [expr {[::vesk::menus::known set_col] ? "!disabled" : "disabled"}]
+    foreach button [list $material.top.apply $swatches.row.apply] {$button state $usable}
     set loading 0
     draw_ball
     mark_swatch
@@ -394,6 +397,11 @@ proc ::vesk::palette::select {index} {
     show
 }
 
+proc ::vesk::palette::step {places} {
+    variable current
+    select [expr {$current + $places}]
+}
+
 proc ::vesk::palette::apply_current {} {
     variable current
     ::vesk::ops::run set_col $current
@@ -435,9 +443,9 @@ proc ::vesk::palette::build_swatches {tab} {
     bind $tab.grid <Button-1> {focus %W; ::vesk::palette::swatch_at %x %y}
     bind $tab.grid <Double-Button-1> {
         .main.right.tabs select .main.right.tabs.material}
-    bind $tab.grid <Key-Return> ::vesk::palette::apply_current
+    bind $tab.grid <Key-Return> [list $tab.row.apply invoke]
     foreach {key step} {Left -1 Right 1 Up -8 Down 8} {
-        bind $tab.grid <Key-$key> "::vesk::palette::select \[expr {\$::vesk::palette::current + $step}\]"
+        bind $tab.grid <Key-$key> [list ::vesk::palette::step $step]
     }
     bind $tab.grid <FocusIn> ::vesk::palette::mark_swatch
     bind $tab.grid <FocusOut> ::vesk::palette::mark_swatch

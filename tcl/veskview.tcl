@@ -192,6 +192,11 @@ proc ::vesk::view::edge_cursor {name x y} {
     }
 }
 
+# grip, drag --
+#   A press on a border takes hold of its dividers; moving moves them.
+proc ::vesk::view::grip {name x y} {
+    variable dragging [edge $name $x $y]
+}
 proc ::vesk::view::drag {root_x root_y} {
     variable dragging
     variable area_path
@@ -215,7 +220,7 @@ proc ::vesk::view::bind_view {name cell} {
     set id [dict get $ids $name]
     set togl $cell.togl
     bind $cell <Motion> [list ::vesk::view::edge_cursor $name %x %y]
-    bind $cell <Button-1> "set ::vesk::view::dragging \[::vesk::view::edge $name %x %y\]"
+    bind $cell <Button-1> [list ::vesk::view::grip $name %x %y]
     bind $cell <B1-Motion> {::vesk::view::drag %X %Y}
     bind $cell <ButtonRelease-1> {set ::vesk::view::dragging ""}
     bind $cell <Double-Button-1> {::vesk::view::equal}
@@ -228,10 +233,10 @@ proc ::vesk::view::bind_view {name cell} {
     bind $togl <Key> [list ::vesk::view::key $id %A %K %s]
     # Tab and the accelerators go on to the window's own bindings.
     foreach event {<Tab> <Shift-Tab> <ISO_Left_Tab>} {bind $togl $event {#}}
-    bind $cell.chip <Button-1> "::vesk::view::chip_pressed $name %x; break"
+    bind $cell.chip <Button-1> [list ::vesk::view::chip_pressed $name %x]
     bind $cell.chip <ButtonRelease-1> break
     bind $cell.chip <B1-Motion> break
-    bind $cell.chip <Double-Button-1> "::vesk::view::chip_double $name; break"
+    bind $cell.chip <Double-Button-1> [list ::vesk::view::chip_double $name]
 }
 
 # key --
@@ -239,7 +244,8 @@ proc ::vesk::view::bind_view {name cell} {
 #   one. The space bar is a character, Shift+space the keysym "space".
 #   text  %A, keysym  %K, state  %s
 proc ::vesk::view::key {id text keysym state} {
-    if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]} {return}
+    if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]
+            || ![::vesk::menus::known keypress]} {return}
     if {$keysym eq "Delete" || ($keysym eq "space" && $state & 1)} {
         set key $keysym
     } elseif {$state & 4 && [string length $keysym] == 1} {
@@ -306,11 +312,13 @@ proc ::vesk::view::chip_pressed {name x} {
     } else {
         set waiting [after 220 [list ::vesk::view::post_chip $name]]
     }
+    return -code break
 }
 proc ::vesk::view::chip_double {name} {
     variable waiting
     after cancel $waiting
     toggle $name
+    return -code break
 }
 proc ::vesk::view::post_chip {name} {
     variable area_path
