@@ -245,4 +245,5 @@ void register_added_commands()
     };
     for (const vesk_command_t &row : rows)
         command_add_own(row);
+    register_history_commands();
 }

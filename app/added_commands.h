@@ -4,5 +4,6 @@
 // Commands that are registered at start beside the fixed table: what panels and scripts need to
 // show and change the model. They stand first in "list".
 void register_added_commands();
+void register_history_commands(); // by the former
 
 #endif

@@ -242,7 +242,7 @@ int do_command(int count, const char *const *words)
     }
     const command_hooks_t &hooks = registry().hooks;
     if (hooks.before != nullptr)
-        hooks.before(command);
+        hooks.before(command, count, words);
     int result = 0;
     fault_t fault;
     const bool whole = guarded_with_recovery(
@@ -256,7 +256,7 @@ int do_command(int count, const char *const *words)
         },
         &fault);
     if (hooks.after != nullptr)
-        hooks.after(command);
+        hooks.after(command, whole);
     if (!whole) {
         const std::string kept = command_result_get() == nullptr ? "" : command_result_get();
         show_fault(command->name, fault);

@@ -80,10 +80,11 @@ command_kind command_kind_of(const vesk_command_t *command);
 // True when the handler is not ours: added by a plug-in, or replaced.
 bool command_is_foreign(const vesk_command_t *command);
 
-// Called round every handler: `before` outside the guard, `after` also when it faulted.
+// Called round every handler, outside its guard: `before` with its words, `after` with whether it
+// came to its end or faulted.
 struct command_hooks_t {
-    void (*before)(const vesk_command_t *command) = nullptr;
-    void (*after)(const vesk_command_t *command) = nullptr;
+    void (*before)(const vesk_command_t *command, int count, const char *const *words) = nullptr;
+    void (*after)(const vesk_command_t *command, bool whole) = nullptr;
 };
 void command_registry_set_hooks(const command_hooks_t &hooks);
 

@@ -3,6 +3,7 @@
 #include "app/added_commands.h"
 #include "app/command_handlers.h"
 #include "app/command_row.h"
+#include "app/command_watch.h"
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "app/session_state.h"
@@ -13,8 +14,6 @@
 #include "edit/selection.h"
 #include "edit/transform.h"
 #include "edit/undo.h"
-#include "model/change_marks.h"
-#include "model/freed.h"
 #include "model/palette.h"
 #include "plugin/importers.h"
 #include "plugin/loader.h"
@@ -241,20 +240,9 @@ const command_kind_row_t kinds[] = {
     // added at start
     {"object_tree", query}, {"model_state", query}, {"get_counts", query}, {"object_info", query},
     {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view},
+    {"change_count", query}, {"history_list", query}, {"history_limit", view},
 };
 // clang-format on
-
-void after_command(const vesk_command_t *command)
-{
-    if (command_is_foreign(command)) {
-        mark_all_suspect();
-        freed_filter_foreign();
-        return;
-    }
-#ifdef VESK_CHECK_MARKS
-    marks_check(command->name);
-#endif
-}
 
 } // namespace
 
@@ -268,7 +256,7 @@ bool command_is_available(const vesk_command_t *command)
 void register_commands()
 {
     command_registry_install(rows, kinds);
-    command_registry_set_hooks({.before = nullptr, .after = after_command});
+    command_watch_install();
     register_added_commands();
     // Its writer lands later; the row is there from the start.
     command_add_own(pending_row("export_3ds", nullptr, nullptr, "user command"));

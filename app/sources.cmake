@@ -1,10 +1,12 @@
 # Files of app/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
     app/added_commands.cpp
+    app/added_history.cpp
     app/command_handlers.cpp
     app/command_registry.cpp
     app/command_result.cpp
     app/command_table.cpp
+    app/command_watch.cpp
     app/coor_display.cpp
     app/crash_guard.cpp
     app/current_file.cpp

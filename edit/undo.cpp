@@ -1,183 +1,155 @@
+// The stack of undo records and the calls that fill them. What the kinds mean is in undo_kinds.cpp.
+
 #include "edit/undo.h"
 
 #include "app/messages_internal.h"
 #include "app/prefs.h"
 #include "app/ui_port.h"
+#include "edit/journal_internal.h"
 #include "edit/modes.h"
-#include "edit/selection_internal.h"
-#include "edit/transform.h"
+#include "edit/undo_internal.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/freed.h"
-#include "model/normals.h"
+#include "model/identity.h"
+#include "model/object_tree.h"
+#include "model/world.h"
 #include "view/redraw.h"
 
-#include <algorithm>
-#include <list>
-#include <memory>
-#include <string>
 #include <utility>
 
 namespace {
 
-struct undo_record {
-    int kind = 0;
-    std::string description;
-    point3_t vector = {0, 0, 0};
-    saved_selection_t saved; // of the time of the change
-
-    undo_record() = default;
-    undo_record(const undo_record &) = delete;
-    undo_record &operator=(const undo_record &) = delete;
-    ~undo_record() { selection_free(&saved); }
+struct undo_list {
+    undo_stack records; // oldest first
+    int count = 0;      // linked: what scripts read
 };
-
-using record_ptr = std::unique_ptr<undo_record>;
-
-std::list<record_ptr> records; // oldest first
-int record_count = 0;          // linked: what scripts read
-bool listening = false;
-
-void drop_freed(const freed_things &freed)
+undo_list &list()
 {
-    for (const record_ptr &record : records) {
-        list_drop_freed(&record->saved.vertices, freed.vertices);
-        list_drop_freed(&record->saved.surfaces, freed.surfaces);
-        list_drop_freed(&record->saved.objects, freed.objects);
-    }
-}
-
-void hold_saved(freed_things &held)
-{
-    for (const record_ptr &record : records) {
-        for (vertex *v : each<vertex>(record->saved.vertices))
-            held.vertices.push_back(v);
-        for (surface_t *surface : each<surface_t>(record->saved.surfaces))
-            held.surfaces.push_back(surface);
-        for (object_t *object : each<object_t>(record->saved.objects))
-            held.objects.push_back(object);
-    }
+    static auto *const record = new undo_list; // records are not freed at exit: the scene is gone
+    return *record;
 }
 
 bool undo_is_off() { return prefs.undo_levels <= 0; }
 
-undo_record *current() { return records.empty() ? nullptr : records.back().get(); }
+undo_record *current() { return list().records.empty() ? nullptr : list().records.back().get(); }
 
 void count_changed()
 {
-    record_count = static_cast<int>(records.size());
+    list().count = static_cast<int>(list().records.size());
     ui_port().update_linked("undo_count");
 }
 
-void drop_newest()
+// A plug-in's operation is destroyed when its record goes, even while the journal keeps the record.
+void discard(const undo_record_ptr &record)
 {
-    records.pop_back();
-    count_changed();
-    set_undo_string(undo_label());
+    if (!std::exchange(record->external, false))
+        return;
+    const vesk_undoable_t undoable = std::exchange(record->undoable, {});
+    record->broken = true;
+    if (undoable.destroy)
+        undoable.destroy(undoable.user_data, 1);
 }
 
-// Runs `change` on what was selected when the record was made; the live selection comes back.
-template <class Change>
-void on_saved_selection(undo_record &record, Change &&change)
+void drop_oldest()
 {
-    saved_selection_t live = selection_take();
-    const int mode = select_mode();
-    saved_selection_t then = std::exchange(record.saved, {});
-    selection_restore(&then);
-    find_bounding_box();
-    change();
-    saved_selection_t spent = selection_take();
-    selection_free(&spent);
-    live.mode = mode;
-    selection_restore(&live);
-    find_bounding_box();
+    const undo_record_ptr oldest = list().records.front();
+    list().records.erase(list().records.begin());
+    discard(oldest);
 }
 
-void reverse_selection(undo_record &record)
-{
-    clear_selection();
-    saved_selection_t saved = std::exchange(record.saved, {});
-    selection_restore(&saved);
-    find_bounding_box();
-    redraw_all();
-    tcl_command("set_select_mode_ui %s", select_mode_name(select_mode()));
-    drop_newest();
-    selection_changed("undo");
-}
-
-void reverse_move(undo_record &record)
-{
-    const point3_t v = record.vector;
-    on_saved_selection(record, [&] {
-        const point3_t back = {-v.x, -v.y, -v.z};
-        translate_all_selected(&back);
-        selected_calc_normals();
-    });
-    drop_newest();
-}
-
-void reverse_scale(undo_record &record)
-{
-    const point3_t v = record.vector;
-    on_saved_selection(record, [&] { scale_selection(v.x, v.y, v.z); });
-    drop_newest();
-}
-
-// Each reversal drops its record.
-struct kind_row_t {
-    int kind;
-    void (*reverse)(undo_record &record);
-    bool captures_selection; // when the record is opened: the reversal works on it
-};
-const kind_row_t kinds[] = {
-    {UNDO_SELECTION, reverse_selection, false},
-    {UNDO_MOVE, reverse_move, true},
-    {UNDO_SCALE, reverse_scale, true},
-};
-
-const kind_row_t *row_of(int kind)
-{
-    const auto *found = std::find_if(std::begin(kinds), std::end(kinds),
-                                     [&](const auto &r) { return r.kind == kind; });
-    return found == std::end(kinds) ? nullptr : found;
-}
-
-// The newest record for the setter `name` to fill; null when undo is off or there is none.
+// The newest record for a setter to fill; null when undo is off or there is none. `name` is told on
+// the console then, null tells nothing.
 undo_record *record_for(const char *name)
 {
     if (undo_is_off())
         return nullptr;
-    if (current() == nullptr)
+    if (!current() && name)
         console_printf("%s - cal new_undo first!\n", name);
+    if (current())
+        current()->filled = true;
     return current();
+}
+
+void note_selection(undo_record *record)
+{
+    selection_free(&record->saved);
+    record->saved = selection_clone();
+}
+
+void copy_list(listitem **to, const listitem *from)
+{
+    list_free(to);
+    *to = list_clone(from);
+}
+
+// Out of the world, told to all who hold it; where it stood is noted.
+removed_object take_out(object_t *object)
+{
+    removed_object removed = {object, nullptr, {}};
+    for_each_object(object,
+                    [&](object_t *part) { removed.identities.push_back(identity_known(part)); });
+    const listitem *node = vesk_get_world()->children;
+    while (node && item_of<object_t>(node) != object)
+        node = node->next;
+    if (node && node->next)
+        removed.before = item_of<object_t>(node->next);
+    object_remove_child(vesk_get_world(), object);
+    return removed;
 }
 
 } // namespace
 
-int *undo_count_address() { return &record_count; }
+int *undo_count_address() { return &list().count; }
 
-const char *undo_label() { return records.empty() ? nullptr : current()->description.c_str(); }
+const char *undo_label() { return current() ? current()->description.c_str() : nullptr; }
+
+const undo_stack &undo_records() { return list().records; }
+
+void undo_records_restore(const undo_stack &stack)
+{
+    list().records = stack;
+    while (static_cast<int>(list().records.size()) > std::max(prefs.undo_levels, 0))
+        drop_oldest();
+    count_changed();
+    set_undo_string(undo_label());
+}
+
+void undo_drop_newest()
+{
+    const undo_record_ptr newest = list().records.back();
+    list().records.pop_back();
+    discard(newest);
+    count_changed();
+    set_undo_string(undo_label());
+}
+
+void undo_drop_unfilled(unsigned serial)
+{
+    std::erase_if(list().records, [&](const undo_record_ptr &record) {
+        return record->serial > serial && !record->filled;
+    });
+    count_changed();
+    set_undo_string(undo_label());
+}
 
 void new_undo(int kind, const char *description)
 {
     if (undo_is_off())
         return;
     debugf("setting up undo for %s\n", description);
-    if (!std::exchange(listening, true)) {
-        freed_add_listener(drop_freed);
-        freed_add_holder(hold_saved);
-    }
-    auto record = std::make_unique<undo_record>();
-    record->kind = kind;
-    record->description = description;
-    const kind_row_t *row = row_of(kind);
-    if (row != nullptr && row->captures_selection)
+    auto record = std::make_shared<undo_record>(kind, description);
+    const undo_kind *row = undo_kind_of(kind);
+    if (row && row->notes_selection)
         record->saved = selection_clone();
-    records.push_back(std::move(record));
-    while (static_cast<int>(records.size()) > prefs.undo_levels)
-        records.pop_front();
+    list().records.push_back(std::move(record));
+    while (static_cast<int>(list().records.size()) > prefs.undo_levels)
+        drop_oldest();
     count_changed();
     set_undo_string(description);
 }
+
+// ---- filling ----
 
 void set_undo_vert(float x, float y, float z)
 {
@@ -185,10 +157,52 @@ void set_undo_vert(float x, float y, float z)
         record->vector = {x, y, z};
 }
 
+void set_undo_vertices(const listitem *vertices)
+{
+    if (undo_record *record = record_for("set_undo_vert"))
+        copy_list(&record->vertices, vertices);
+}
+
+void set_undo_vertex_positions(const listitem *vertices, const listitem *objects)
+{
+    undo_record *record = record_for("set_undo_vert");
+    if (!record)
+        return;
+    const auto save = [record](const listitem *points) {
+        for (vertex *point : each<vertex>(points))
+            record->positions.push_back({point, point->position});
+    };
+    save(vertices);
+    for (object_t *top : each<object_t>(objects))
+        for_each_object(top, [&](object_t *object) { save(object->vertices); });
+}
+
+void set_undo_object(object_t *object)
+{
+    if (undo_record *record = record_for("set_undo_object")) {
+        record->object = object;
+        note_selection(record);
+    }
+}
+
+void set_undo_objectlist(const listitem *objects)
+{
+    if (undo_record *record = record_for("set_undo_objectlist")) {
+        copy_list(&record->objects, objects);
+        note_selection(record);
+    }
+}
+
+void set_undo_vertref(svertex *reference)
+{
+    if (undo_record *record = record_for("set_undo_vert"))
+        record->reference = reference;
+}
+
 void set_undo_selection(listitem *vertices, listitem *surfaces, listitem *objects, int take)
 {
     undo_record *record = record_for("set_undo_selection(List");
-    if (record == nullptr) {
+    if (!record) {
         if (take != 0 && undo_is_off())
             clear_selection();
         return;
@@ -200,9 +214,127 @@ void set_undo_selection(listitem *vertices, listitem *surfaces, listitem *object
     record->saved.mode = select_mode();
 }
 
+void set_undo_surface(surface_t *surface)
+{
+    if (undo_record *record = record_for("set_undo_surface"))
+        record->surface = surface;
+}
+
+void set_undo_object_surfacelist(object_t *object, const listitem *surfaces)
+{
+    if (undo_record *record = record_for(nullptr)) {
+        record->object = object;
+        copy_list(&record->surfaces, surfaces);
+    }
+}
+
+void set_undo_all(void)
+{
+    if (undo_record *record = record_for(nullptr))
+        record->model = model_state_capture();
+}
+
+int set_undo_delete_selection(void)
+{
+    undo_record *record = record_for(nullptr);
+    if (!record)
+        return 0;
+    if (select_mode() != SELECT_TREE) {
+        record->kind = UNDO_WORLD;
+        record->model = model_state_capture();
+        return 0;
+    }
+    const owned_list selected(list_clone(selection().objects));
+    std::vector<removed_object> removed;
+    for (object_t *object : each<object_t>(selected.get())) {
+        if (object->parent == vesk_get_world())
+            removed.push_back(take_out(object));
+    }
+    record->removed = std::move(removed); // not before: each leaves the lists of all holders
+    return 1;
+}
+
+void set_undo_resize(const point3_t *old_a, const point3_t *old_b, const point3_t *new_a,
+                     const point3_t *new_b)
+{
+    if (undo_record *record = record_for(nullptr)) {
+        record->old_box[0] = *old_a;
+        record->old_box[1] = *old_b;
+        record->new_box[0] = *new_a;
+        record->new_box[1] = *new_b;
+    }
+}
+
+namespace {
+
+void set_rotation(undo_record *record, float degrees, const point3_t *centre)
+{
+    const selection_t &all = selection();
+    record->degrees = degrees;
+    record->has_centre = centre || all.box_valid != 0;
+    record->centre = centre ? *centre : all.box_centre;
+}
+
+} // namespace
+
+void set_undo_rotate(float degrees, int view, const point3_t *centre)
+{
+    if (undo_record *record = record_for(nullptr)) {
+        set_rotation(record, degrees, centre);
+        record->view = view;
+    }
+}
+
+void set_undo_rotate_axis_angle(const point3_t *axis, float degrees)
+{
+    if (undo_record *record = record_for(nullptr)) {
+        set_rotation(record, degrees, nullptr);
+        record->vector = *axis;
+    }
+}
+
+void set_undo_texture_coords(const listitem *surfaces)
+{
+    undo_record *record = record_for(nullptr);
+    if (!record)
+        return;
+    for (surface_t *surface : each<surface_t>(surfaces)) {
+        saved_texture_coords coords = {surface, {}};
+        for (svertex *reference : each<svertex>(surface->refs))
+            coords.corners.push_back({reference, reference->u, reference->v});
+        record->texture_coords.push_back(std::move(coords));
+    }
+}
+
+void set_undo_surface_colour(surface_t *, int) {}
+
+// ---- operations of plug-ins ----
+
+void add_undoable(const char *description, const vesk_undoable_t *undoable)
+{
+    const vesk_undoable_t operation = *undoable;
+    const bool recorded = !undo_is_off();
+    if (recorded) {
+        new_undo(UNDO_EXTERNAL, description);
+        current()->undoable = operation;
+        current()->external = true;
+        current()->filled = true;
+    }
+    if (operation.perform)
+        operation.perform(operation.user_data);
+    mark_all_suspect();
+    freed_filter_foreign();
+    if (!recorded && operation.destroy)
+        operation.destroy(operation.user_data, 1);
+}
+
+// ---- undoing ----
+
 void clear_all_undos(void)
 {
-    records.clear();
+    const undo_stack cleared = std::exchange(list().records, {});
+    for (const undo_record_ptr &record : cleared)
+        discard(record);
     count_changed();
     set_undo_string(nullptr);
 }
@@ -213,14 +345,23 @@ void UNDO(void)
 {
     if (undo_is_off())
         return;
-    if (current() == nullptr) {
+    if (!current()) {
         display_message("nothing to undo.");
         return;
     }
     display_message("undo...");
+    const undo_record_ptr record = list().records.back();
     // Records of an unknown kind stay where they are.
-    if (const kind_row_t *row = row_of(current()->kind)) {
-        row->reverse(*current());
+    if (const undo_kind *row = undo_kind_of(record->kind)) {
+        journal_settle();
+        if (record->broken) {
+            journal_restore_before(record);
+        } else {
+            undo_set_jumping(true); // what loses something now cannot reverse it after a redo
+            row->reverse(*record);
+            undo_set_jumping(false);
+        }
+        journal_undone(record);
         redraw_all();
     }
     display_message("undo done");

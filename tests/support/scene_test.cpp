@@ -6,6 +6,7 @@
 #include "app/prefs.h"
 #include "app/session_state.h"
 #include "app/ui_port.h"
+#include "edit/journal.h"
 #include "edit/modes.h"
 #include "edit/primitives.h"
 #include "edit/selection_internal.h"
@@ -95,6 +96,7 @@ void SceneTest::SetUp()
     vesk_register_internal_file_importers();
     selection_reset_for_test();
     modes_reset_for_test();
+    journal_reset_for_test();
     record = {};
 }
 
@@ -104,6 +106,7 @@ void SceneTest::TearDown()
     while (vesk_get_world()->children != nullptr)
         object_delete(reinterpret_cast<object_t *>(vesk_get_world()->children->data));
     selection_reset_for_test();
+    journal_reset_for_test();
 }
 
 std::string run_words(const std::vector<std::string> &words)

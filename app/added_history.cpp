@@ -1,0 +1,105 @@
+// Commands of the history: redo, its list, repeating, taking back.
+
+#include "app/added_commands.h"
+#include "app/command_result.h"
+#include "app/command_row.h"
+#include "app/messages_internal.h"
+#include "edit/journal.h"
+#include "edit/undo.h"
+#include "view/redraw.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace {
+
+void show_jump()
+{
+    redraw_all();
+    display_status();
+}
+
+void command_redo()
+{
+    if (!journal_redo()) {
+        display_message("nothing to redo.");
+        return;
+    }
+    show_jump();
+    display_message("redo done");
+}
+
+// For each state: its place, its label, 1 for the present one, 1 for an operation of a plug-in.
+void command_history_list()
+{
+    command_result_set("");
+    int place = 0;
+    for (const journal_item &item : journal_items()) {
+        const std::string words = std::to_string(place++) + " " + list_element(item.label) +
+                                  (item.current ? " 1" : " 0") + (item.foreign ? " 1" : " 0");
+        command_result_append_element(std::string_view(words));
+    }
+}
+
+void command_history_goto(int place)
+{
+    if (!journal_goto(place)) {
+        display_message("no such place in the history: %d", place);
+        return;
+    }
+    show_jump();
+    display_message("history: %s", journal_items()[static_cast<std::size_t>(place)].label);
+}
+
+void command_history_limit(int megabytes)
+{
+    if (megabytes > 0)
+        journal_set_limit(static_cast<std::size_t>(megabytes) << 20);
+}
+
+void command_repeat_last()
+{
+    const std::vector<std::string> words = journal_repeat_words(); // a copy: it is noted anew
+    if (words.empty()) {
+        display_message("nothing to repeat.");
+        return;
+    }
+    std::vector<const char *> pointers;
+    for (const std::string &word : words)
+        pointers.push_back(word.c_str());
+    do_command(static_cast<int>(pointers.size()), pointers.data());
+}
+
+// 1 when the model is as it was before the command that faulted.
+void command_take_back()
+{
+    const bool done = journal_take_back();
+    if (done)
+        show_jump();
+    command_result_set(done ? "1" : "0");
+}
+
+void command_change_count() { command_result_set(std::to_string(journal_change_number()).c_str()); }
+
+} // namespace
+
+void register_history_commands()
+{
+    const vesk_command_t rows[] = {
+        command_row("redo", command_redo, nullptr, "redo what was undone"),
+        command_row("history_list", command_history_list, nullptr,
+                    "returns place, label, present, plug-in of each state"),
+        command_row("history_goto", command_history_goto, "<int place>",
+                    "go to a state of the history"),
+        command_row("history_limit", command_history_limit, "<int megabytes>",
+                    "memory of the history"),
+        command_row("repeat_last", command_repeat_last, nullptr, "repeat the last command"),
+        command_row("take_back", command_take_back, nullptr,
+                    "take back the command that faulted, returns 1 or 0"),
+        command_row("change_count", command_change_count, nullptr,
+                    "returns a number that names the content of the model"),
+    };
+    for (const vesk_command_t &row : rows)
+        command_add_own(row);
+}

@@ -1,0 +1,78 @@
+#include "app/command_watch.h"
+
+#include "app/command_registry.h"
+#include "app/crash_guard.h"
+#include "app/session_state.h"
+#include "edit/journal.h"
+#include "edit/undo_internal.h"
+#include "model/change_marks.h"
+#include "model/freed.h"
+#include "model/world.h"
+#include "model/world_check.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+unsigned serial_before = 0; // of the undo records, when the running command began
+
+// Commands that "repeat_last" does not repeat.
+constexpr std::string_view not_repeated[] = {
+    "clear_all",        "file_load", "file_save",   "history_goto",  "load_file",
+    "load_file_select", "load_vesk", "plugin_load", "recovery_drop", "redo",
+    "repeat_last",      "save_vesk", "take_back",   "undo",
+};
+
+bool is_repeated(const vesk_command_t *command)
+{
+    return command_kind_of(command) == command_kind::edit &&
+           std::find(std::begin(not_repeated), std::end(not_repeated), command->name) ==
+               std::end(not_repeated);
+}
+
+void before_command(const vesk_command_t *command, int count, const char *const *words)
+{
+    const bool outermost = session().command_depth == 0;
+    if (outermost) {
+        journal_begin();
+        serial_before = undo_last_serial();
+        journal_note_words({});
+    }
+    if (is_repeated(command) && (outermost || std::string_view(session().command) == "repeat_last"))
+        journal_note_words({words, words + count});
+}
+
+void after_command(const vesk_command_t *command, bool whole)
+{
+    if (command_is_foreign(command) || !whole) {
+        mark_all_suspect();
+        freed_filter_foreign();
+    }
+#ifdef VESK_CHECK_MARKS
+    else
+        marks_check(command->name);
+#endif
+    if (session().command_depth > 0)
+        return;
+    if (whole)
+        journal_step(command->name);
+    else
+        journal_step_after_fault(command->name);
+    serial_before = undo_last_serial();
+}
+
+void after_fault()
+{
+    journal_reset_after_fault();
+    world_check(vesk_get_world());
+    undo_drop_unfilled(serial_before);
+}
+
+} // namespace
+
+void command_watch_install()
+{
+    command_registry_set_hooks({.before = before_command, .after = after_command});
+    crash_guard::set_after_fault(after_fault);
+}
