@@ -8,7 +8,7 @@ git ls-files 'app/*' 'model/*' 'edit/*' 'view/*' 'fileio/*' 'plugin/*' | grep -E
     xargs awk '
     function level(path) {
         if (path ~ /_(tk|gl)(_[a-z]+)?\.(h|cpp)$/ || path ~ /^app\/main\.cpp$/) return 8
-        if (path ~ /^app\/(command_table|command_handlers|added_commands|startup)/) return 7
+        if (path ~ /^app\/(command_(table|handlers|watch)|added_|startup)/) return 7
         if (path ~ /^fileio\/atomic_file/) return 1
         if (path ~ /^app\//) return 1
         if (path ~ /^model\//) return 2
