@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
@@ -19,6 +20,7 @@ struct marks_record {
     std::uint64_t tree = 0;
     std::uint64_t palette = 0;
     std::uint64_t suspicion = 0; // counts mark_all_suspect
+    int unmarked = 0;            // found by marks_check
 };
 
 marks_record &record()
@@ -231,5 +233,8 @@ int marks_check(const char *after)
         object_flat(object); // what the next check compares with
         object_stamp(object);
     });
+    record().unmarked += unmarked;
     return unmarked;
 }
+
+int marks_take_unmarked() { return std::exchange(record().unmarked, 0); }

@@ -92,6 +92,7 @@ TEST_P(FlatMesh, CheckFindsForgottenMarks)
     recording().console.clear();
     GetParam().change(cube);
     EXPECT_EQ(marks_check("the test"), 1);
+    EXPECT_EQ(marks_take_unmarked(), 1);
     EXPECT_EQ(recording().console.find("unmarked change in object 'cube': "), 0U);
     EXPECT_EQ(marks_check("nothing"), 0);
 }

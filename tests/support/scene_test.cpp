@@ -11,6 +11,7 @@
 #include "edit/primitives.h"
 #include "edit/selection_internal.h"
 #include "edit/undo.h"
+#include "model/change_marks.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
@@ -102,6 +103,7 @@ void SceneTest::SetUp()
 
 void SceneTest::TearDown()
 {
+    EXPECT_EQ(marks_take_unmarked(), 0) << record.console; // a command forgot to mark a change
     clear_all_undos();
     while (vesk_get_world()->children != nullptr)
         object_delete(reinterpret_cast<object_t *>(vesk_get_world()->children->data));
