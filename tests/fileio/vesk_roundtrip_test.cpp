@@ -13,8 +13,10 @@
 #include "tests/fileio/file_cases.h"
 #include "tests/support/scene_test.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <random>
@@ -79,6 +81,29 @@ TEST_F(RoundTrip, KeepsTextsAndFlags)
     EXPECT_EQ(describe(read), describe(vesk_get_world()));
     EXPECT_EQ(object_get_kid_at(read, 0)->texture_repeat_x, 2);
     object_free(read);
+}
+
+TEST_F(RoundTrip, KeepsTheExamples)
+{
+    for (const char *name : {"desk.vesk", "primitives.vesk"}) {
+        const std::string file = std::string(VESK_SOURCE_DIR "/examples/") + name;
+        object_t *top = readfile_vesk2(file.c_str());
+        ASSERT_NE(top, nullptr) << name;
+        EXPECT_EQ(vesk_reader_complaints(), 0) << vesk_reader_first_complaint();
+        object_t *read = through_a_file(top);
+        std::string first = describe(top), second = describe(read);
+        EXPECT_EQ(first.size() > 1000, true);
+        // Six digits of a number that was rounded twice may differ by one in the last.
+        const auto shape = [](std::string text) {
+            text.erase(std::remove_if(text.begin(), text.end(),
+                                      [](char c) { return std::strchr("0123456789.-e+", c); }),
+                       text.end());
+            return text;
+        };
+        EXPECT_EQ(shape(first), shape(second)) << name;
+        object_free(top);
+        object_free(read);
+    }
 }
 
 // More than the worker's threshold: blocks come in pieces from the other thread.
