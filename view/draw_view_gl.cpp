@@ -17,6 +17,7 @@ constexpr float label_y = 17;
 struct view_state_t {
     draw_budget budget;
     bool partial = false;
+    int width = 0, height = 0; // of the last picture
     layer_choice_t layers;
     bool distrusted = false;
     std::uint64_t distrusted_at = 0; // change count of the model
@@ -70,6 +71,14 @@ void draw_view(int view, int width, int height, double seconds)
                          {},   &state.budget, !moving, ui_port().now_seconds()};
     const double started = picture.started;
     picture.layers = state.budget.choose(moving, flat);
+    // The first picture of a size comes at once; it is drawn again when the size stays.
+    const bool resized = width != state.width || height != state.height;
+    if (resized) {
+        picture.layers.smoothing = false;
+        picture.measure = false;
+    }
+    state.width = width;
+    state.height = height;
     if (is_distrusted(state))
         picture.layers.boxes_only = true;
     else
@@ -88,7 +97,7 @@ void draw_view(int view, int width, int height, double seconds)
     finish_layer(picture, draw_layer::rest);
     if (moving)
         learn_smoothing(picture, seconds_until_drawn() - started);
-    state.partial = moving;
+    state.partial = moving || resized;
     state.layers = picture.layers;
 }
 

@@ -24,15 +24,14 @@
 
 namespace {
 
-constexpr int settle_msecs = 160; // a little more than the motion's end takes to be known
-constexpr int resize_msecs = 40;
+// A little more than the end of a motion takes to be known. Software drivers learn of a window's
+// new size only after the first picture in it, which is therefore never the last.
+constexpr int settle_msecs = 160;
 
 struct widgets_t {
     Tcl_TimerToken settle[num_views] = {};
     Tcl_TimerToken tick = nullptr;
     bool drawing[num_views] = {};
-    int drawn_width[num_views] = {};
-    int drawn_height[num_views] = {};
 };
 widgets_t widgets;
 
@@ -72,16 +71,6 @@ void draw_again(int view, int msecs)
         msecs, settle, reinterpret_cast<ClientData>(static_cast<intptr_t>(view)));
 }
 
-// A software driver learns of a window's new size only after the first picture in it.
-bool is_new_size(const Togl *togl, int view)
-{
-    const bool is_new = widgets.drawn_width[view] != Togl_Width(togl) ||
-                        widgets.drawn_height[view] != Togl_Height(togl);
-    widgets.drawn_width[view] = Togl_Width(togl);
-    widgets.drawn_height[view] = Togl_Height(togl);
-    return is_new;
-}
-
 void draw_now(int view)
 {
     Togl *togl = togl_of(view);
@@ -102,8 +91,6 @@ void draw_now(int view)
         tell_main_fault(fault);
     } else if (drawn_view_is_partial(view)) {
         draw_again(view, settle_msecs);
-    } else if (is_new_size(togl, view)) {
-        draw_again(view, resize_msecs);
     }
 }
 
