@@ -44,13 +44,11 @@ proc ::vesk::files::show_title {} {
 # confirmed --
 #   Asks what to do with unsaved changes; 1 when the caller may go on.
 proc ::vesk::files::confirmed {} {
-    variable saved_count
     variable saved_at
     variable title
     note_changes
     if {!$::unsaved_changes} {return 1}
-    set edits [expr {[::vesk::ops::change_count] - max(0, $saved_count)}]
-    set text "$edits change[expr {$edits == 1 ? "" : "s"}] since [since $saved_at]."
+    set text "It was edited since [since $saved_at]."
     set name "the untitled scene"
     if {$title ne ""} {set name [file tail $title]}
     switch -- [::vesk::dialogs::question "Save changes to $name?" $text \
