@@ -19,6 +19,7 @@
 #include "plugin/loader.h"
 #include "view/camera.h"
 #include "view/fit.h"
+#include "view/keys.h"
 #include "view/redraw.h"
 #include "view/views.h"
 
@@ -88,7 +89,7 @@ vesk_command_t rows[] = {
     command_row("hide_unselected", command_hide_unselected, nullptr, "hide everything else"),
     pending_row("insert_vertex", nullptr, nullptr, "insert vertices in the middle of the selected edges"),
     pending_row("inituv", nullptr, nullptr, "set initial texture coordinates"),
-    pending_row("keypress", "dsd", "<win> <key> <qual>", "handle keypress"),
+    command_row("keypress", handle_key_press, "<win> <key> <qual>", "handle keypress"),
     command_row("list", command_list),
     command_row("load_vesk", command_load_vesk, "<filename>", "load an VESK format file"),
     command_row("load_file", vesk_world_import_file, "<filename>", "load a geometry file (uses file suffix to determine importer)"),

@@ -20,6 +20,7 @@
 #include "plugin/loader.h"
 #include "view/camera_internal.h"
 #include "view/textures.h"
+#include "view/tool_left.h"
 #include "view/views_internal.h"
 
 #include <climits>
@@ -131,6 +132,7 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     create_palette();
     set_new_select_mode(0);
     set_new_draw_mode(0);
+    left_tool_install();
     vesk_register_builtin_texture_loaders();
     vesk_register_internal_surface_filters();
     vesk_register_internal_file_importers();

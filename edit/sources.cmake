@@ -5,6 +5,7 @@ target_sources(vesk_core PRIVATE
     edit/journal.cpp
     edit/model_restore.cpp
     edit/model_state.cpp
+    edit/drag_transform.cpp
     edit/modes.cpp
     edit/object_flags.cpp
     edit/primitives.cpp

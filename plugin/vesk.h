@@ -63,6 +63,7 @@
 #include "plugin/menus.h"
 #include "view/camera.h"
 #include "view/fit.h"
+#include "view/keys.h"
 #include "view/projection.h"
 #include "view/redraw.h"
 #include "view/textures.h"

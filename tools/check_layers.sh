@@ -12,7 +12,7 @@ git ls-files 'app/*' 'model/*' 'edit/*' 'view/*' 'fileio/*' 'plugin/*' | grep -E
         if (path ~ /^fileio\/atomic_file/) return 1
         if (path ~ /^app\//) return 1
         if (path ~ /^model\//) return 2
-        if (path ~ /^view\/(views|projection|camera|texture|redraw|image_)/) return 3
+        if (path ~ /^view\/(views|projection|camera|texture|redraw|background|image_)/) return 3
         if (path ~ /^edit\/(current_object|text_object|clipboard)/) return 5
         if (path ~ /^edit\//) return 4
         if (path ~ /^(fileio|view)\//) return 5

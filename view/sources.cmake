@@ -1,12 +1,14 @@
 # Files of view/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
     view/axis_cross.cpp
+    view/background.cpp
     view/camera.cpp
     view/camera_eye.cpp
     view/draw_budget.cpp
     view/fit.cpp
     view/grid.cpp
     view/interaction.cpp
+    view/keys.cpp
     view/mesh_layout.cpp
     view/pick.cpp
     view/handles.cpp
@@ -16,6 +18,8 @@ target_sources(vesk_core PRIVATE
     view/selection_marks.cpp
     view/texture_search.cpp
     view/textures.cpp
+    view/tool_create.cpp
+    view/tool_left.cpp
     view/tool_select.cpp
     view/views.cpp
 )

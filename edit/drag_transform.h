@@ -1,0 +1,60 @@
+#ifndef VESK_EDIT_DRAG_TRANSFORM_H
+#define VESK_EDIT_DRAG_TRANSFORM_H
+
+#include "model/object.h"
+
+#include <cstddef>
+#include <vector>
+
+// A transform of the selection that follows the mouse: every step is computed from the positions at
+// the press, so nothing accumulates, and taking it back gives the very same bits. Small selections
+// are changed at each step, large ones once at the end.
+
+struct drag_change_t {
+    enum kind_t { MOVE, ROTATE, RESIZE } kind = MOVE;
+    point3_t offset = {0, 0, 0}; // MOVE
+    point3_t centre = {0, 0, 0}; // ROTATE
+    float degrees = 0;           // ROTATE, in the sense of rotate_selected
+    int view = 0;                // ROTATE: about the axis that looks into it
+    point3_t from_min, from_max; // RESIZE: the box before
+    point3_t to_min, to_max;     // RESIZE: the box after
+};
+
+class drag_transform_t {
+public:
+    // Remembers what is selected now.
+    drag_transform_t();
+
+    [[nodiscard]] bool empty() const { return vertices.empty() && objects.empty(); }
+    // Whether steps change the model; else only finish does.
+    [[nodiscard]] bool is_live() const { return vertices.size() < live_limit; }
+    // The change so far, from the press on.
+    void step(const drag_change_t &change);
+    // As it was at the press.
+    void take_back();
+    // Makes the last change for good: one undo record with the tool's label.
+    void finish();
+
+private:
+    static constexpr size_t live_limit = 20000;
+    struct moved_object_t {
+        object_t *object;
+        point3_t centre;
+        float rotation[9];
+    };
+    void apply(const drag_change_t &change);
+    void mark() const;
+
+    std::vector<vertex *> vertices; // each once
+    std::vector<point3_t> positions;
+    std::vector<moved_object_t> objects;
+    std::vector<object_t *> owners; // of everything that moves
+    point3_t box_min, box_max;
+    drag_change_t last;
+    bool changed = false;
+};
+
+// Where a point of one box lies in another; an axis of no extent is only moved.
+point3_t map_between_boxes(const point3_t &p, const drag_change_t &change);
+
+#endif

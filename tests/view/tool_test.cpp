@@ -1,0 +1,242 @@
+// The left button as a person uses it: events in, the model out.
+
+#include "app/prefs.h"
+#include "edit/modes.h"
+#include "edit/selection_internal.h"
+#include "edit/transform.h"
+#include "edit/undo.h"
+#include "model/each.h"
+#include "model/world.h"
+#include "tests/support/scene_test.h"
+#include "view/camera_internal.h"
+#include "view/interaction.h"
+#include "view/overlay.h"
+#include "view/tool_left.h"
+#include "view/views_internal.h"
+
+namespace {
+
+constexpr int shift = 1, control = 4;
+
+// A unit cube at the origin; 100 pixels a unit, the origin at (200, 150) of each flat view.
+class Tools : public SceneTest {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        views_reset_for_test();
+        camera_reset_for_test();
+        interaction_reset_for_test();
+        left_tool_reset_for_test();
+        for (int view = 0; view < 4; ++view) {
+            handle_resize(view, 400, 300);
+        }
+        left_tool_install();
+        cube = add_cube("cube");
+    }
+    void press(int view, int x, int y, int state = 0)
+    {
+        interaction_press({view, x, y, 1, state, seconds += 1});
+    }
+    void move(int view, int x, int y, int state = 0)
+    {
+        interaction_motion({view, x, y, 0, state, seconds += 0.1});
+    }
+    void release(int view, int x, int y, int state = 0)
+    {
+        interaction_release({view, x, y, 1, state, seconds += 0.1});
+    }
+    void click(int view, int x, int y, int state = 0)
+    {
+        press(view, x, y, state);
+        release(view, x, y, state);
+    }
+    void drag(int view, int x0, int y0, int x1, int y1, int state = 0)
+    {
+        press(view, x0, y0, state);
+        move(view, (x0 + x1) / 2, (y0 + y1) / 2, state);
+        move(view, x1, y1, state);
+        release(view, x1, y1, state);
+    }
+    object_t *cube;
+    double seconds = 0;
+};
+
+TEST_F(Tools, AClickSelectsAndADragOnTheSelectionMoves)
+{
+    click(VIEW_XY, 200, 150);
+    EXPECT_EQ(get_current_object(), cube);
+    EXPECT_EQ(*undo_count_address(), 0);
+
+    drag(VIEW_XY, 200, 150, 300, 100);
+    EXPECT_EQ(run("get_selection_centre"), "1 0.5 0");
+    EXPECT_EQ(last_undo(), "move");
+    EXPECT_EQ(*undo_count_address(), 1);
+    run("undo");
+    EXPECT_EQ(run("get_selection_centre"), "0 0 0");
+}
+
+TEST_F(Tools, ADragOnEmptySpaceIsARubberBand)
+{
+    press(VIEW_XZ, 100, 50);
+    move(VIEW_XZ, 250, 200);
+    EXPECT_EQ(overlay().band_view, VIEW_XZ);
+    release(VIEW_XZ, 300, 250);
+    EXPECT_EQ(overlay().band_view, VIEW_NONE);
+    EXPECT_EQ(get_current_object(), cube);
+    drag(VIEW_XY, 10, 10, 60, 60);
+    EXPECT_TRUE(nothing_is_selected());
+}
+
+TEST_F(Tools, EscapePutsBackTheVeryBits)
+{
+    const point3_t odd = {0.1f, 0.2f, 0.3f};
+    translate_object(cube, &odd);
+    select_object(cube);
+    const point3_t before = object_get_vertex_at(cube, 3)->position;
+    press(VIEW_XY, 210, 130);
+    for (int i = 0; i < 50; ++i) {
+        move(VIEW_XY, 210 + i * 3, 130 + i);
+    }
+    EXPECT_TRUE(left_tool_key("Escape"));
+    const point3_t after = object_get_vertex_at(cube, 3)->position;
+    EXPECT_EQ(before.x, after.x);
+    EXPECT_EQ(before.y, after.y);
+    EXPECT_EQ(*undo_count_address(), 0);
+    EXPECT_EQ(interaction_drag(), drag_kind::none);
+}
+
+TEST_F(Tools, KeysLockAxesAndControlTogglesTheGrid)
+{
+    select_object(cube);
+    press(VIEW_XY, 200, 150);
+    move(VIEW_XY, 250, 110);
+    EXPECT_TRUE(left_tool_key("x"));
+    release(VIEW_XY, 250, 110);
+    EXPECT_EQ(run("get_selection_centre"), "0.5 0 0");
+
+    prefs.grid = 1;
+    drag(VIEW_XY, 250, 150, 293, 150, control); // to 0.93: its left side snaps from 0.43 to 0
+    EXPECT_EQ(run("get_selection_centre"), "0.5 0 0");
+}
+
+TEST_F(Tools, RotatingTurnsAboutTheBoxAndShiftStepsBy15Degrees)
+{
+    select_object(cube);
+    set_new_draw_mode(DRAW_ROTATE);
+    drag(VIEW_XY, 240, 150, 201, 111, shift); // from 3 o'clock to about 12 o'clock
+    EXPECT_NEAR(selection().box_size.x, 1, 1e-4);
+    EXPECT_EQ(last_undo(), "rotate");
+    const point3_t turned = object_get_vertex_at(cube, 0)->position; // was -0.5 -0.5
+    EXPECT_NEAR(turned.x, 0.5, 1e-4);
+    EXPECT_NEAR(turned.y, -0.5, 1e-4);
+    run("undo");
+    EXPECT_NEAR(object_get_vertex_at(cube, 0)->position.x, -0.5, 1e-5);
+}
+
+TEST_F(Tools, HandlesResizeFromTheOppositeSide)
+{
+    select_object(cube);
+    drag(VIEW_XY, 258, 150, 358, 150); // the right handle
+    EXPECT_EQ(run("get_selection_size"), "2 1 1");
+    EXPECT_EQ(run("get_selection_centre"), "0.5 0 0");
+    EXPECT_EQ(last_undo(), "resize");
+    run("undo");
+    EXPECT_EQ(run("get_selection_size"), "1 1 1");
+}
+
+TEST_F(Tools, InThe3dViewClicksSelectAndDragsBesideTurn)
+{
+    click(VIEW_XYZ, 200, 150);
+    EXPECT_EQ(get_current_object(), cube);
+    drag(VIEW_XYZ, 200, 150, 230, 150); // on the selection: moves in the plane of the screen
+    EXPECT_GT(selection().box_centre.x, 0.1f);
+    EXPECT_NEAR(selection().box_centre.z, 0, 1e-5);
+    const point3_t before = selection().box_centre;
+    drag(VIEW_XYZ, 20, 20, 60, 20);
+    EXPECT_EQ(selection().box_centre.x, before.x);
+    EXPECT_NE(get_person()->rotation.y, 0);
+}
+
+struct create_case {
+    const char *name;
+    const char *mode;
+    const char *label;
+    int surfaces, vertices;
+    const char *size; // of a drag by 200 x 100 pixels in the front view
+};
+// clang-format off
+const create_case create_cases[] = {
+    {"rect",     "rect",     "add rect",     1, 4,     "2 1 0"},
+    {"grid",     "grid",     "add grid",     18, 36,   "2 1 0"},
+    {"mesh",     "mesh",     "add mesh",     128, 81,  "2 1 0"},
+    {"ellipse",  "circle",   "add elipse",   1, 16,    "2 1 0"},
+    {"disk",     "disk",     "add disk",     12, 13,   "2 1 0"},
+    {"box",      "box",      "add cube",     6, 8,     "2 1 1.5"},
+    {"sphere",   "sphere",   "add sphere",   144, 134, "2 1 1.5"},
+    {"cylinder", "cylinder", "add cylinder", 24, 24,   "2 1 1.5"},
+};
+// clang-format on
+void PrintTo(const create_case &c, std::ostream *out) { *out << c.name; }
+class CreateTool : public Tools, public testing::WithParamInterface<create_case> {};
+
+TEST_P(CreateTool, DragsFromCornerToCornerAndIsUndone)
+{
+    const create_case &c = GetParam();
+    select_object(cube);
+    run("set_draw_mode", c.mode);
+    press(VIEW_XY, 100, 100);
+    move(VIEW_XY, 200, 150);
+    EXPECT_FALSE(overlay().preview.empty());
+    move(VIEW_XY, 300, 200);
+    release(VIEW_XY, 300, 200);
+
+    const object_t *made = get_current_object();
+    ASSERT_NE(made, nullptr);
+    ASSERT_NE(made, cube);
+    EXPECT_EQ(made->num_surfaces, c.surfaces);
+    EXPECT_EQ(made->num_vertices, c.vertices);
+    EXPECT_EQ(run("get_selection_size"), c.size);
+    EXPECT_EQ(run("get_selection_centre"), "0 0 0");
+    EXPECT_EQ(last_undo(), c.label);
+    EXPECT_TRUE(overlay().preview.empty());
+    run("undo");
+    EXPECT_EQ(vesk_get_world()->num_children, 1);
+    EXPECT_EQ(get_current_object(), cube);
+}
+INSTANTIATE_TEST_SUITE_P(Kinds, CreateTool, testing::ValuesIn(create_cases));
+
+TEST_F(Tools, AClickMakesTheRegularOneWhereThereIsOne)
+{
+    run("set_draw_mode", "box");
+    click(VIEW_XY, 300, 150);
+    EXPECT_EQ(run("get_selection_size"), "1 1 1");
+    EXPECT_EQ(run("get_selection_centre"), "1 0 0");
+}
+
+TEST_F(Tools, OutlinesGoClickByClick)
+{
+    run("set_draw_mode", "polygon");
+    click(VIEW_XY, 100, 100);
+    click(VIEW_XY, 200, 100);
+    click(VIEW_XY, 250, 120);
+    EXPECT_TRUE(left_tool_key("BackSpace"));
+    click(VIEW_XY, 200, 200);
+    click(VIEW_XY, 101, 101); // on the first point: closed
+    ASSERT_NE(get_current_object(), nullptr);
+    EXPECT_EQ(get_current_object()->num_vertices, 3);
+    EXPECT_EQ(last_undo(), "add polygon");
+
+    run("set_draw_mode", "line");
+    click(VIEW_XZ, 100, 100);
+    click(VIEW_XZ, 200, 100);
+    EXPECT_EQ(last_undo(), "add line");
+
+    run("set_draw_mode", "polyline");
+    click(VIEW_XY, 100, 100);
+    run("set_draw_mode", "move"); // drops what is half drawn
+    EXPECT_FALSE(left_tool_key("Return"));
+    EXPECT_EQ(vesk_get_world()->num_children, 3);
+}
+
+} // namespace
