@@ -3,4 +3,5 @@ target_sources(vesk_tests PRIVATE
     view/mesh_layout_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp
+    view/tool_test.cpp
 )
