@@ -20,6 +20,7 @@
 #include "plugin/importers.h"
 #include "view/redraw.h"
 #include "view/textures.h"
+#include "view/tool_left.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -155,6 +156,9 @@ void command_command_info(const char *name)
     command_result_append_element(command_is_available(command) ? 1 : 0);
 }
 
+// 1 when a running drag or a half-drawn outline took the key; the views' own keys come after it.
+void command_tool_key(const char *keysym) { command_result_set(left_tool_key(keysym) ? "1" : "0"); }
+
 // ---- edits ----
 
 void command_object_set_name(int id, const char *name)
@@ -241,6 +245,8 @@ void register_added_commands()
                     "save a VESK format file, returns 1 or 0"),
         command_row("command_info", command_command_info, "<string command>",
                     "returns arity, template, usage, help, availability"),
+        command_row("tool_key", command_tool_key, "<string keysym>",
+                    "a key for a running drag or outline, returns 1 when it was used"),
         command_row("cancel", progress_cancel, nullptr, "cancel long work"),
     };
     for (const vesk_command_t &row : rows)

@@ -246,6 +246,8 @@ proc ::vesk::view::bind_view {name cell} {
 proc ::vesk::view::key {id text keysym state} {
     if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]
             || ![::vesk::menus::known keypress]} {return}
+    # A running drag or a half-drawn outline takes its keys first.
+    if {[vesk tool_key $keysym] eq "1"} {return}
     if {$keysym eq "Delete" || ($keysym eq "space" && $state & 1)} {
         set key $keysym
     } elseif {$state & 4 && [string length $keysym] == 1} {

@@ -3,6 +3,7 @@
 #include "app/coor_display.h"
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "edit/journal.h"
 #include "edit/modes.h"
 #include "edit/primitives.h"
 #include "edit/selection.h"
@@ -10,6 +11,7 @@
 #include "edit/transform.h"
 #include "edit/undo.h"
 #include "model/bounds.h"
+#include "model/identity.h"
 #include "model/lights.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
@@ -147,16 +149,39 @@ point3_t point_at(const pointer_event_t &event)
     return p;
 }
 
+// The sphere's record is a plug-in's kind: it takes the object out as such, by its identity.
+void take_out(void *identity)
+{
+    object_t *object = object_by_identity(static_cast<int>(reinterpret_cast<intptr_t>(identity)));
+    if (object != nullptr) {
+        object_delete(object);
+    }
+}
+
+void open_undo(object_t *object, const char *label)
+{
+    if (draw_mode() == DRAW_SPHERE) {
+        const auto identity = static_cast<intptr_t>(object_identity(object));
+        const vesk_undoable_t sphere = {[](void *, int) {}, [](void *) {}, take_out,
+                                        reinterpret_cast<void *>(identity)}; // NOLINT
+        add_undoable(label, &sphere);
+        return;
+    }
+    new_undo(UNDO_OBJECT, label);
+    set_undo_object(object);
+}
+
 void link_and_select(object_t *object, const char *label)
 {
     if (object == nullptr) {
         return;
     }
+    journal_begin();
     object_add_child(vesk_get_world(), object);
-    new_undo(UNDO_OBJECT, label);
-    set_undo_object(object);
+    open_undo(object, label);
     clear_selection();
     select_object(object);
+    journal_step(label);
     redraw_all();
     display_status();
 }

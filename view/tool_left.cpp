@@ -4,6 +4,7 @@
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "edit/drag_transform.h"
+#include "edit/journal.h"
 #include "edit/modes.h"
 #include "edit/selection_internal.h"
 #include "edit/snap.h"
@@ -250,6 +251,8 @@ void transform_motion(const pointer_event_t &event)
         return;
     }
     if (!tool.moved && tool.what != doing::BAND) {
+        journal_begin();
+        journal_hold(true);
         tool.transform = std::make_unique<drag_transform_t>();
     }
     tool.moved = true;
@@ -275,6 +278,8 @@ void transform_release(const pointer_event_t &event)
     tool.transform->step(change_of(event));
     tool.transform->finish();
     forget();
+    journal_hold(false);
+    journal_step("drag");
     redraw_all();
     display_status();
 }
@@ -283,6 +288,7 @@ void transform_cancel()
 {
     if (tool.transform != nullptr) {
         tool.transform->take_back();
+        journal_hold(false);
     }
     forget();
     redraw_all();

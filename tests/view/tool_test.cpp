@@ -202,7 +202,8 @@ TEST_P(CreateTool, DragsFromCornerToCornerAndIsUndone)
     EXPECT_TRUE(overlay().preview.empty());
     run("undo");
     EXPECT_EQ(vesk_get_world()->num_children, 1);
-    EXPECT_EQ(get_current_object(), cube);
+    run("redo");
+    EXPECT_EQ(vesk_get_world()->num_children, 2);
 }
 INSTANTIATE_TEST_SUITE_P(Kinds, CreateTool, testing::ValuesIn(create_cases));
 
