@@ -54,7 +54,8 @@ proc ::vesk::transform::build {tab} {
     grid $tab.line -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::px 8]
     add_text_row $tab [incr row] data Data
     add_text_row $tab [incr row] url URL
-    ttk::label $tab.counts -style Panel.Dim.TLabel -anchor w
+    ttk::label $tab.counts -style Panel.Dim.TLabel -anchor w -justify left \
+        -wraplength [::vesk::theme::px 280]
     grid $tab.counts -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::pad 10 0]
     grid columnconfigure $tab 0 -minsize [::vesk::theme::px 68]
     grid columnconfigure $tab {1 2 3} -weight 1 -uniform axis
