@@ -7,7 +7,7 @@ proc measure {} {
         foreach how {moving rest} {
             lassign [vesk view_benchmark $view $how 20] msecs layers
             puts [format "fps %8d triangles  %-5s %4dx%-4d %-6s %7.1f ms %6.1f frames/s  %s" \
-                [expr {2 * [lindex [vesk get_counts] 2]}] $name \
+                [expr {2 * [lindex [vesk get_counts] 3]}] $name \
                 [winfo width $::ToglWinName([lindex {xy zy xz xyz} $view])] \
                 [winfo height $::ToglWinName([lindex {xy zy xz xyz} $view])] \
                 $how $msecs [expr {1000.0 / $msecs}] $layers]
