@@ -71,12 +71,14 @@ static object_t *import_heights(const char *filename)
     return object;
 }
 
-/* Moves each selected object, and answers with how many there were. */
+/* Moves each selected object, with undo, and answers with how many there were. */
 static void stand_on(float y)
 {
     listitem *objects = 0;
     int count = 0;
     vesk_get_current_selection(0, 0, &objects);
+    new_undo(UNDO_POSITIONS, "stand on");
+    set_undo_vertex_positions(0, objects);
     for (; objects; objects = objects->next, ++count) {
         object_t *object = (object_t *)objects->data;
         const point3_t lowest = find_object_min(object);

@@ -111,14 +111,16 @@ proc lighthouse {} {
     object group "lighthouse" [list -loc [list 4.6 [height 4.6 1.2] 1.2]] {
         object poly "tower" {} {
             set below {0.30 0}
-            foreach {kind r y} {"white wall" 0.27 0.36 "red stripe" 0.245 0.70 "white wall" 0.22 1.04
+            foreach {kind r y} {"white wall" 0.27 0.36 "red stripe" 0.245 0.70 "white wall" 0.22
+                1.04
                 "red stripe" 0.195 1.38} {
                 lathe $kind [list $below [list $r $y]] 28
                 set below [list $r $y]
             }
         }
         object poly "gallery" {} {
-            lathe "dark metal" {{0.195 1.38} {0.27 1.40} edge {0.27 1.40} {0.27 1.43} edge {0.27 1.43}
+            lathe "dark metal" {{0.195 1.38} {0.27 1.40} edge {0.27 1.40} {0.27 1.43} edge
+                {0.27 1.43}
                 {0.1 1.43}} 28
             line "dark metal" [circle {0 1.53 0} {1 0 0} {0 0 1} 0.26 28] 1
             foreach p [circle {0 1.43 0} {1 0 0} {0 0 1} 0.26 14] {
@@ -181,7 +183,8 @@ proc boat {} {
         object poly "hull" {} {
             # frames from stern to bow: half width at the rim, at the water, depth
             set rows {}
-            foreach {x rim water depth} {-0.5 0.15 0.11 -0.06 -0.25 0.19 0.15 -0.09 0.05 0.19 0.15 -0.1
+            foreach {x rim water depth} {-0.5 0.15 0.11 -0.06 -0.25 0.19 0.15 -0.09 0.05 0.19
+                0.15 -0.1
                     0.3 0.13 0.09 -0.08 0.52 0.02 0.01 -0.02} {
                 set row {}
                 foreach {z y} [list $rim 0.13 $water 0 0 $depth -$water 0 -$rim 0.13] {
@@ -191,7 +194,8 @@ proc boat {} {
             }
             foreach a [lrange $rows 0 end-1] b [lrange $rows 1 end] {
                 for {set i 0} {$i < 4} {incr i} {
-                    scene::surface "red stripe" 0x30 [list [lindex $a $i] [lindex $a [expr {$i + 1}]] \
+                    scene::surface "red stripe" 0x30 \
+                        [list [lindex $a $i] [lindex $a [expr {$i + 1}]] \
                         [lindex $b [expr {$i + 1}]] [lindex $b $i]]
                 }
             }

@@ -75,7 +75,8 @@ proc scene::rotation {turns} {
             for {set column 0} {$column < 3} {incr column} {
                 set sum 0.0
                 for {set k 0} {$k < 3} {incr k} {
-                    set sum [expr {$sum + [lindex $m [expr {$row + $k}]] * [lindex $turn [expr {3 * $k + $column}]]}]
+                    set sum [expr {$sum + [lindex $m [expr {$row + $k}]] *
+                        [lindex $turn [expr {3 * $k + $column}]]}]
                 }
                 lappend product $sum
             }
@@ -207,9 +208,12 @@ proc scene::box {material x0 y0 z0 x1 y1 z1 {bevel 0}} {
     foreach s {-1 1} {
         foreach t {-1 1} {
             set sign [expr {$s * $t}]
-            box_face $material $sign [list $v(-1,$s,$t,1) $v(-1,$s,$t,2) $v(1,$s,$t,2) $v(1,$s,$t,1)]
-            box_face $material $sign [list $v($s,-1,$t,2) $v($s,-1,$t,0) $v($s,1,$t,0) $v($s,1,$t,2)]
-            box_face $material $sign [list $v($s,$t,-1,0) $v($s,$t,-1,1) $v($s,$t,1,1) $v($s,$t,1,0)]
+            box_face $material $sign [list $v(-1,$s,$t,1) $v(-1,$s,$t,2) $v(1,$s,$t,2) \
+                $v(1,$s,$t,1)]
+            box_face $material $sign [list $v($s,-1,$t,2) $v($s,-1,$t,0) $v($s,1,$t,0) \
+                $v($s,1,$t,2)]
+            box_face $material $sign [list $v($s,$t,-1,0) $v($s,$t,-1,1) $v($s,$t,1,1) \
+                $v($s,$t,1,0)]
             foreach r {-1 1} {
                 box_face $material [expr {$s * $t * $r}] \
                     [list $v($s,$t,$r,0) $v($s,$t,$r,1) $v($s,$t,$r,2)]
@@ -256,7 +260,8 @@ proc scene::lathe {material profile {sides 24} {flags 0x10}} {
                 lappend ring [lindex $ring 0]
             }
             if {$below ne ""} {
-                join_rings $material $flags $below $ring [expr {($v - 1.0) / ([llength $run] - 1)}] \
+                join_rings $material $flags $below $ring \
+                    [expr {($v - 1.0) / ([llength $run] - 1)}] \
                     [expr {double($v) / ([llength $run] - 1)}]
             }
             set below $ring
@@ -389,7 +394,8 @@ proc scene::curve {p0 p1 p2 p3 steps} {
         set t [expr {double($i) / $steps}]
         set s [expr {1 - $t}]
         lappend points [lmap a $p0 b $p1 c $p2 d $p3 {
-            expr {$s * $s * $s * $a + 3 * $s * $s * $t * $b + 3 * $s * $t * $t * $c + $t * $t * $t * $d}
+            expr {$s * $s * $s * $a + 3 * $s * $s * $t * $b + 3 * $s * $t * $t * $c + $t * $t *
+                $t * $d}
         }]
     }
     return $points

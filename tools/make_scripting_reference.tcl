@@ -34,15 +34,16 @@ set kept [string first $marker $text]
 if {$kept < 0} {error "$file: no marker"}
 set out [string range $text 0 [expr {$kept - 1}]]$marker\n\n
 append out "## All commands\n\n"
-append out "[llength $names] commands, in the order of `vesk list`. An argument is a number or one word; a "
-append out "missing or\nwrong argument is told and nothing is done.\n\n"
+append out "[llength $names] commands, in the order of `vesk list`. An argument is a number or one "
+append out "word; a wrong number\nof arguments is told and nothing is done.\n\n"
 append out "| command and arguments | what it does | |\n|---|---|---|\n"
 foreach name $names {append out [row $name]\n}
 append out "\n## Not in this build yet\n\n"
 if {[llength $missing] == 0} {
     append out "Nothing: every command is there.\n"
 } else {
-    append out "These [llength $missing] commands are known and answer `NAME: not in this build yet`:\n\n"
+    append out "These [llength $missing] commands are known; each puts "
+    append out "`NAME: not in this build yet` on the message line\nand does nothing:\n\n"
     append out [join [lmap name $missing {string cat ` $name `}] ", "]\n
 }
 set channel [open $file w]

@@ -19,6 +19,9 @@ set hill [vesk object_get_children [vesk get_world]]
 expect "surfaces" [dict get [vesk object_info $hill] surfaces] 2
 expect "objects moved" [vesk stand_on 10] 1
 expect "middle" [lmap x [vesk get_selection_centre] {format %g $x}] {0 12 0}
+expect "undo's label" $::vesk::undo_label "stand on"
+vesk undo
+expect "middle after undo" [lmap x [vesk get_selection_centre] {format %g $x}] {0 3 0}
 
 set out [open $file w]
 puts $out "2000000000 2\n1 2"
