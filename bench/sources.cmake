@@ -1,2 +1,3 @@
 # One vesk_bench(name source...) line for each benchmark.
 vesk_bench(files_bench files_bench.cpp)
+vesk_bench(undo_bench undo_bench.cpp)

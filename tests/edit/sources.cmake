@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    edit/journal_test.cpp
     edit/selection_test.cpp
     edit/transform_test.cpp
     edit/undo_test.cpp

@@ -1,0 +1,382 @@
+#include "edit/journal.h"
+
+#include "app/crash_guard.h"
+#include "app/prefs.h"
+#include "edit/selection_internal.h"
+#include "edit/undo.h"
+#include "fileio/vesk_writer.h"
+#include "model/change_marks.h"
+#include "model/each.h"
+#include "model/identity.h"
+#include "model/object_tree.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "model/world_check.h"
+#include "tests/support/scene_test.h"
+
+#include <algorithm>
+#include <map>
+#include <random>
+#include <stdexcept>
+
+namespace {
+
+std::string scene()
+{
+    const std::string file = temporary_file("scene.vesk");
+    write_vesk_object(file.c_str(), vesk_get_world());
+    return read_text(file);
+}
+
+std::vector<std::string> labels()
+{
+    std::vector<std::string> all;
+    for (const journal_item &item : journal_items())
+        all.push_back((item.current ? "*" : "") + std::string(item.label));
+    return all;
+}
+using texts = std::vector<std::string>;
+
+class Journal : public SceneTest {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        add_cube("a");
+        add_cube("b");
+    }
+};
+
+// ---- places in the history ----
+
+TEST_F(Journal, HasAStateForEveryCommandThatChangesTheModel)
+{
+    run("select_all");
+    run("move", 1, 2, 3);
+    run("get_counts");
+    run("set_select_mode", "surface");
+    run("redraw_all");
+    run("new_cube");
+    EXPECT_EQ(labels(), (texts{"start", "move", "selection", "*new cube"}));
+    EXPECT_EQ(run("history_list"),
+              R"(0\ start\ 0\ 0 1\ move\ 0\ 0 2\ selection\ 0\ 0 3\ new\\\ cube\ 1\ 0)");
+}
+
+TEST_F(Journal, GoesWhereItIsTold)
+{
+    run("select_all");
+    texts seen = {scene()};
+    for (const char *name : {"x", "y", "z"}) {
+        run("object_set_name", object_identity(item_of<object_t>(vesk_get_world()->children)), name);
+        run("new_cube");
+        seen.push_back(scene());
+    }
+    for (const int step : {2, 0, 3, 1, 3}) {
+        run("history_goto", 2 * step);
+        EXPECT_EQ(scene(), seen[static_cast<std::size_t>(step)]) << step;
+    }
+    run("history_goto", 99);
+    EXPECT_EQ(last_message(), "no such place in the history: 99");
+}
+
+TEST_F(Journal, ANewChangeDropsWhatLiesAhead)
+{
+    run("select_all");
+    run("move_to", 1, 2, 3);
+    run("move_to", 4, 5, 6);
+    run("undo");
+    EXPECT_EQ(labels(), (texts{"start", "*move to", "move to"}));
+    run("new_cube");
+    EXPECT_EQ(labels(), (texts{"start", "move to", "*new cube"}));
+    run("redo");
+    EXPECT_EQ(last_message(), "nothing to redo.");
+}
+
+TEST_F(Journal, AnUndoAcrossUnrecordedChangesKeepsThem)
+{
+    run("select_all");
+    run("scale", 2, 2, 2);
+    run("new_cube"); // makes no undo record
+    const std::string whole = scene();
+    run("undo");
+    EXPECT_EQ(labels(), (texts{"start", "size selection", "*undo size selection", "new cube"}));
+    EXPECT_EQ(vesk_get_world()->num_children, 3);
+    run("redo");
+    EXPECT_EQ(scene(), whole);
+    run("undo"); // the record is as good as before
+    EXPECT_EQ(vesk_get_world()->num_children, 3);
+    EXPECT_NE(scene(), whole);
+}
+
+TEST_F(Journal, UndoLeavesNoRoundingBehind)
+{
+    run("select_all");
+    const point3_t before = item_of<vertex>(item_of<object_t>(vesk_get_world()->children)->vertices)->position;
+    run("move_to", "1000.1", "33333.3", "0.7");
+    run("undo");
+    const point3_t after = item_of<vertex>(item_of<object_t>(vesk_get_world()->children)->vertices)->position;
+    EXPECT_EQ(after.x, before.x);
+    EXPECT_EQ(after.y, before.y);
+    EXPECT_EQ(after.z, before.z);
+}
+
+TEST_F(Journal, AFlatteningThatUndoCannotReverseIsInTheHistory)
+{
+    run("select_all");
+    const std::string whole = scene();
+    run("scale", 1, 0, 1);
+    run("undo"); // stays flat
+    EXPECT_NE(scene(), whole);
+    run("history_goto", 0);
+    EXPECT_EQ(scene(), whole);
+}
+
+// ---- what a state holds ----
+
+TEST_F(Journal, BringsBackObjectsUnderTheirIdentitiesWithTheSelection)
+{
+    run("select_by_name", "a");
+    run("set_select_mode", "vertex");
+    const std::string selected = run("selection_get_num_vertices");
+    object_t *a = item_of<object_t>(vesk_get_world()->children);
+    const int id = object_identity(a);
+    object_delete(a);
+    run("new_cube");
+    EXPECT_EQ(object_by_identity(id), nullptr);
+    run("history_goto", 1);
+    ASSERT_NE(object_by_identity(id), nullptr);
+    EXPECT_STREQ(object_by_identity(id)->name, "a");
+    EXPECT_EQ(run("selection_get_num_vertices"), selected);
+    EXPECT_EQ(run("get_app_mode"), "vertex move");
+    // The order of the selection is kept.
+    EXPECT_EQ(item_of<vertex>(selection().vertices),
+              item_of<vertex>(object_by_identity(id)->vertices));
+}
+
+TEST_F(Journal, BringsBackThePalette)
+{
+    const std::string before = run("get_material", 3);
+    run("set_palette_entry", 3, "0.1", "0.2", "0.3", "0", "0", "0", "0", "0", "0", "0", "0", "0",
+        "5", "0.5");
+    run("material_set_name", 3, "glass");
+    const std::string after = run("get_material", 3);
+    EXPECT_NE(after, before);
+    run("history_goto", 0);
+    EXPECT_EQ(run("get_material", 3), before);
+    run("history_goto", 2);
+    EXPECT_EQ(run("get_material", 3), after);
+}
+
+TEST_F(Journal, LeavesUnchangedObjectsAsTheyAre)
+{
+    object_t *a = item_of<object_t>(vesk_get_world()->children);
+    vertex *point = item_of<vertex>(a->vertices);
+    run("new_cube");
+    run("select_all");
+    run("move", 1, 0, 0);
+    run("history_goto", 0);
+    EXPECT_EQ(item_of<object_t>(vesk_get_world()->children), a);
+    EXPECT_EQ(item_of<vertex>(a->vertices), point); // written, not made anew
+}
+
+TEST_F(Journal, KeepsItsLimitOfBytes)
+{
+    run("select_all");
+    const std::size_t one = model_state_bytes();
+    run("move", 1, 0, 0);
+    journal_set_limit(3 * one + 20000);
+    for (int i = 0; i < 200; ++i) {
+        run("move", 1, 0, 0);
+        run("scale", 2, 2, 2);
+        clear_all_undos();
+    }
+    EXPECT_LE(model_state_bytes(), journal_limit());
+    EXPECT_GT(journal_items().size(), 1u);
+    EXPECT_TRUE(journal_items().back().current);
+}
+
+TEST_F(Journal, NumbersTheContentsOfTheModel)
+{
+    run("select_all");
+    const std::string start = run("change_count");
+    run("move_to", 1, 2, 3);
+    const std::string moved = run("change_count");
+    EXPECT_NE(moved, start);
+    run("set_select_mode", "vertex"); // no change of the model
+    EXPECT_EQ(run("change_count"), moved);
+    run("undo");
+    run("undo");
+    EXPECT_EQ(run("change_count"), start);
+    run("redo");
+    EXPECT_EQ(run("change_count"), moved);
+}
+
+TEST_F(Journal, ACancelledDragLeavesNothing)
+{
+    run("select_all");
+    run("move", 1, 0, 0);
+    const std::string before = scene();
+    journal_hold(true);
+    new_undo(UNDO_MOVE, "drag");
+    run("move", 5, 5, 5);
+    journal_hold(false);
+    journal_revert();
+    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(last_undo(), "");
+    EXPECT_EQ(labels(), (texts{"start", "*move"}));
+}
+
+TEST_F(Journal, RepeatsTheLastCommand)
+{
+    run("repeat_last");
+    EXPECT_EQ(last_message(), "nothing to repeat.");
+    run("select_all");
+    run("move", 1, 0, 0);
+    run("get_counts");
+    run("repeat_last");
+    run("repeat_last");
+    EXPECT_EQ(run("get_selection_centre"), "3 0 0");
+    run("history_goto", 1);
+    EXPECT_EQ(run("get_selection_centre"), "1 0 0");
+}
+
+// ---- faults ----
+
+void fault_half_way()
+{
+    object_t *first = item_of<object_t>(vesk_get_world()->children);
+    new_undo(UNDO_MOVE, "half way"); // not filled
+    item_of<vertex>(first->vertices)->position.x = 77;
+    first->num_vertices = 3;
+    throw std::runtime_error("on purpose");
+}
+
+TEST_F(Journal, AFaultedCommandIsTakenBack)
+{
+    crash_guard::forget_faults_for_test();
+    run("select_all");
+    run("move", 1, 0, 0);
+    const std::string before = scene();
+    EXPECT_EQ(run("take_back"), "0");
+    vesk_add_command("fault", fault_half_way);
+    run("fault");
+    EXPECT_NE(scene(), before);
+    EXPECT_EQ(last_undo(), ""); // its record never was filled
+    EXPECT_EQ(run("take_back"), "1");
+    EXPECT_EQ(scene(), before);
+    EXPECT_TRUE(world_check(vesk_get_world()).empty());
+}
+
+// ---- any sequence ----
+
+class session_of_edits {
+public:
+    explicit session_of_edits(unsigned seed) : random_(seed) {}
+
+    void run_for(int steps)
+    {
+        for (int i = 0; i < steps; ++i) {
+            do_something();
+            check(i);
+            if (testing::Test::HasFailure())
+                return;
+        }
+    }
+
+private:
+    int pick(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
+    std::string number() { return std::to_string(0.25 * (pick(17) - 8) + 0.1); }
+    int any_object()
+    {
+        std::vector<int> ids;
+        for_each_object(vesk_get_world(), [&](object_t *object) {
+            if (object != vesk_get_world())
+                ids.push_back(object_identity(object));
+        });
+        return ids.empty() ? 0 : ids[static_cast<std::size_t>(pick(static_cast<int>(ids.size())))];
+    }
+
+    void do_something()
+    {
+        static constexpr const char *modes[] = {"tree", "object", "surface", "vertex", "light"};
+        const int what = pick(28);
+        last_ = std::to_string(what);
+        switch (what) {
+        case 0: run("select_all"); break;
+        case 1: run("clear_selection"); break;
+        case 2: run("set_select_mode", modes[pick(5)]); break;
+        case 3: run("object_select", any_object()); break;
+        case 4: run("move", number(), number(), number()); break;
+        case 5: run("move_to", number(), number(), number()); break;
+        case 6: run("scale", number(), number(), number()); break;
+        case 7: run("rotate", number(), number(), number()); break;
+        case 8: run("mirror", pick(3)); break;
+        case 9: run("size_to", number(), number(), number()); break;
+        case 10: run("new_cube"); break;
+        case 11: run("object_set_name", any_object(), number()); break;
+        case 12: run("object_reparent", any_object(), any_object()); break;
+        case 13: run("hide_selected"); break;
+        case 14: run("unhide"); break;
+        case 15: run("object_move_to_head", any_object()); break;
+        case 16: run("material_set_name", pick(15), number()); break;
+        case 17: run("object_set_data", any_object(), number()); break;
+        case 18: run("delete_some"); break;
+        case 19: run("rebuild_some"); break;
+        case 20: run("repeat_last"); break;
+        case 21: run("history_goto", pick(static_cast<int>(journal_items().size()))); break;
+        case 22: case 23: run("redo"); break;
+        default: run("undo"); break;
+        }
+    }
+
+    // The same number, the same text; and nothing is out of order.
+    void check(int step)
+    {
+        const std::string count = run("change_count");
+        const std::string text = scene() + run("get_palette");
+        const auto known = seen_.emplace(count, text);
+        ASSERT_EQ(known.first->second, text) << "step " << step << ", command " << last_;
+        for (const world_fault &fault : world_check(vesk_get_world()))
+            ADD_FAILURE() << fault.text << ", command " << last_;
+        ASSERT_EQ(marks_check("step"), 0) << last_ << recording().console;
+        ASSERT_EQ(list_count(selection().vertices), selection().num_vertices);
+    }
+
+    std::mt19937 random_;
+    std::map<std::string, std::string> seen_;
+    std::string last_;
+};
+
+void delete_some()
+{
+    new_undo(UNDO_DELETE, "delete");
+    if (set_undo_delete_selection() == 0) {
+        const owned_list objects(list_clone(selection().objects));
+        for (object_t *object : each<object_t>(objects.get())) {
+            if (object_exists(object) != 0)
+                object_delete(object);
+        }
+    }
+}
+
+void rebuild_some()
+{
+    new_undo(UNDO_WORLD, "rebuild");
+    set_undo_all();
+    for_each_object(vesk_get_world(), [](object_t *object) {
+        if (object->num_vertices > 2)
+            vesk_object_add_triangle(object, 0, 1, 2);
+    });
+}
+
+class AnySession : public Journal, public testing::WithParamInterface<unsigned> {};
+TEST_P(AnySession, GoesBackAndForthExactly)
+{
+    vesk_add_command("delete_some", delete_some);
+    vesk_add_command("rebuild_some", rebuild_some);
+    prefs.undo_levels = 6;
+    session_of_edits(GetParam()).run_for(150);
+}
+INSTANTIATE_TEST_SUITE_P(Seeds, AnySession, testing::Range(1u, 13u));
+
+} // namespace
