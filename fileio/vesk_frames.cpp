@@ -1,13 +1,10 @@
-// Frames and texts that both writers share.
+// The frames that objects are written in.
 
-#include "app/numbers.h"
 #include "fileio/vesk_writer_internal.h"
 #include "model/each.h"
 #include "model/matrix.h"
 
 #include <vector>
-
-namespace {
 
 local_frame_t frame_of(const object_t *object, const rebuilt_t *parent)
 {
@@ -31,8 +28,6 @@ local_frame_t frame_of(const object_t *object, const rebuilt_t *parent)
     }
     return frame;
 }
-
-} // namespace
 
 point3_t local_frame_t::local(const point3_t &world) const
 {
@@ -67,31 +62,4 @@ void for_each_written(object_t *top,
         const rebuilt_t parent = level.frame;
         enter(child, &parent);
     }
-}
-
-void append_floats(std::string &out, const float *values, int n)
-{
-    for (int i = 0; i < n; ++i) {
-        char buffer[16];
-        if (i > 0)
-            out += ' ';
-        out.append(buffer, write_g(buffer, values[i]));
-    }
-}
-
-void append_point(std::string &out, const point3_t &p)
-{
-    const float values[] = {p.x, p.y, p.z};
-    append_floats(out, values, 3);
-}
-
-void append_quoted(std::string &out, const char *text)
-{
-    out += '"';
-    for (const char *p = text; *p != '\0'; ++p) {
-        if (*p == '\\' || *p == '"')
-            out += '\\';
-        out += *p;
-    }
-    out += '"';
 }

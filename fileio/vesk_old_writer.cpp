@@ -3,7 +3,7 @@
 #include "app/current_file.h"
 #include "app/messages_internal.h"
 #include "fileio/atomic_file.h"
-#include "fileio/vesk_writer_internal.h"
+#include "fileio/vesk_format.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
 #include "model/world.h"

@@ -3,37 +3,29 @@
 
 #include "app/current_file.h"
 #include "app/messages_internal.h"
-#include "app/numbers.h"
 #include "fileio/atomic_file.h"
-#include "fileio/vesk_writer_internal.h"
+#include "fileio/vesk_format.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
-#include "model/frame.h"
 #include "model/list.h"
-#include "model/matrix.h"
-#include "model/object_internal.h"
 #include "model/palette.h"
-#include "model/vector.h"
 #include "model/world.h"
 #include "view/textures.h"
 
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
-#include <cstring>
 #include <memory>
 #include <mutex>
 #include <set>
 #include <string>
 #include <thread>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 namespace {
 
-constexpr int file_revision = 11;
 constexpr int block_size = 4096;    // vertices or surfaces formatted at a time
 constexpr int threads_from = 20000; // smaller files are not worth a second thread
 constexpr size_t blocks_ahead = 16; // finished blocks that may wait to be written
@@ -65,48 +57,18 @@ void collect_materials(object_t *top)
 
 // ---- text ----
 
-void append_g(std::string &out, float value)
-{
-    char buffer[16];
-    out.append(buffer, static_cast<size_t>(write_g(buffer, value) - buffer));
-}
-
-void append_int(std::string &out, int value)
-{
-    char buffer[12];
-    out.append(buffer, static_cast<size_t>(write_int(buffer, value) - buffer));
-}
-
-void append_material(std::string &out, const material &m)
-{
-    out += "MATERIAL \"";
-    out += m.name == nullptr ? "" : m.name; // Deliberate: not escaped
-    out += "\" rgb ";
-    append_floats(out, m.diffuse, 3);
-    out += "  amb ";
-    append_floats(out, m.ambient, 3);
-    out += "  emis ";
-    append_floats(out, m.emissive, 3);
-    out += "  spec ";
-    append_floats(out, m.specular, 3);
-    out += "  shi ";
-    append_g(out, m.shininess);
-    out += "  trans ";
-    append_g(out, m.transparency);
-    out += '\n';
-}
-
 std::string palette_text()
 {
     std::string text;
     for (const int index : used_materials) {
         if (index >= 0 && index < vesk_get_num_palette()) {
-            append_material(text, *vesk_palette_get_material(index));
+            const material *entry = vesk_palette_get_material(index);
+            append_material(text, *entry, entry->name);
             continue;
         }
         material missing; // a surface names an entry that is not there: keep the numbering
         material_init(&missing);
-        append_material(text, missing);
+        append_material(text, missing, missing.name);
         text_set(&missing.name, nullptr);
     }
     return text;
@@ -129,15 +91,6 @@ struct block_t {
     std::atomic<bool> done = false;
 };
 
-void format_vertices(block_t &block)
-{
-    const geometry_t &g = *block.geometry;
-    for (int i = block.begin; i < block.end; ++i) {
-        append_point(block.text, g.frame.local((*g.mesh->positions)[static_cast<size_t>(i)]));
-        block.text += '\n';
-    }
-}
-
 // References that the flat mesh left out are told; their count stands in the file all the same.
 int reference_count(const geometry_t &g, int i, int corners)
 {
@@ -147,48 +100,17 @@ int reference_count(const geometry_t &g, int i, int corners)
     return std::max(list_count(surface->refs), corners);
 }
 
-void format_surfaces(block_t &block)
-{
-    static constexpr char digits[] = "0123456789ABCDEF";
-    const geometry_t &g = *block.geometry;
-    std::string &out = block.text;
-    auto corner = static_cast<size_t>((*g.mesh->corner_offsets)[static_cast<size_t>(block.begin)]);
-    for (int i = block.begin; i < block.end; ++i) {
-        const flat_surface &surface = (*g.mesh->surfaces)[static_cast<size_t>(i)];
-        const int flags = (surface.type & SURFACE_TYPE_MASK) |
-                          (surface.smooth != 0 ? SURFACE_SMOOTH : 0) |
-                          (surface.twosided != 0 ? SURFACE_TWOSIDED : 0);
-        out += "SURF 0x";
-        if (flags > 15)
-            out += digits[flags >> 4];
-        out += digits[flags & 15];
-        out += "\nmat ";
-        append_int(out, place_of_material(surface.material));
-        out += "\nrefs ";
-        const auto vertices = g.mesh->surface_corners(i);
-        append_int(out, reference_count(g, i, static_cast<int>(vertices.size())));
-        out += '\n';
-        for (const int vertex_index : vertices) {
-            const flat_uv &uv = (*g.mesh->texture_coords)[corner++];
-            append_int(out, vertex_index);
-            out += ' ';
-            append_g(out, uv.u);
-            out += ' ';
-            append_g(out, uv.v);
-            out += '\n';
-        }
-    }
-}
-
 void format_block(block_t &block)
 {
     if (block.geometry == nullptr)
         return;
     block.text.reserve(static_cast<size_t>(block.end - block.begin) * (block.surfaces ? 80 : 30));
+    const geometry_t &g = *block.geometry;
     if (block.surfaces) {
-        format_surfaces(block);
+        append_surfaces(block.text, *g.mesh, block.begin, block.end, place_of_material,
+                        [&](int i, int corners) { return reference_count(g, i, corners); });
     } else {
-        format_vertices(block);
+        append_vertices(block.text, *g.mesh, g.frame, block.begin, block.end);
     }
 }
 
@@ -234,7 +156,8 @@ void tell_bad_references(const geometry_t &g)
     }
 }
 
-void append_texture(std::string &out, const object_t *object)
+// The name that stands in the file; null for none.
+const char *texture_of(const object_t *object)
 {
     const char *name = nullptr;
     if (object->has_texture != 0) {
@@ -244,51 +167,15 @@ void append_texture(std::string &out, const object_t *object)
     } else {
         name = object_missing_texture(object); // not found at load: nothing is lost
     }
-    if (name == nullptr)
-        return;
-    debugf("OUTNAME %s\n", name);
-    out += std::string("texture \"") + name + "\"\n"; // Deliberate: not escaped
-}
-
-void append_pair(std::string &out, const char *keyword, float x, float y, float default_value)
-{
-    if (x == default_value && y == default_value)
-        return;
-    const float values[] = {x, y};
-    out += keyword;
-    append_floats(out, values, 2);
-    out += '\n';
+    if (name != nullptr)
+        debugf("OUTNAME %s\n", name);
+    return name;
 }
 
 void append_header(std::string &out, const object_t *object, const local_frame_t &local)
 {
-    out += std::string("OBJECT ") + object_type_word(object->type) + "\n";
-    if (object->name != nullptr && object->name[0] != '\0') {
-        out += "name ";
-        append_quoted(out, object->name);
-        out += '\n';
-    }
-    if (local.location.x != 0 || local.location.y != 0 || local.location.z != 0) {
-        out += "loc ";
-        append_point(out, local.location);
-        out += '\n';
-    }
-    if (local.has_rotation) {
-        out += "rot ";
-        append_floats(out, local.rotation, 3);
-        out += "  ";
-        append_floats(out, local.rotation + 3, 3);
-        out += "  ";
-        append_floats(out, local.rotation + 6, 3);
-        out += '\n';
-    }
-    if (object->url != nullptr && object->url[0] != '\0')
-        out += std::string("url \"") + object->url + "\"\n"; // Deliberate: not escaped
-    if (object->data != nullptr && object->data[0] != '\0')
-        out += "data " + std::to_string(std::strlen(object->data)) + "\n" + object->data + "\n";
-    append_texture(out, object);
-    append_pair(out, "texrep ", object->texture_repeat_x, object->texture_repeat_y, 1);
-    append_pair(out, "texoff ", object->texture_offset_x, object->texture_offset_y, 0);
+    append_object_header(out, *object,
+                         {object->name, object->url, object->data, texture_of(object)}, local);
     debugf("TEXTURE OFFSET save %f %f\n", static_cast<double>(object->texture_offset_x),
            static_cast<double>(object->texture_offset_y));
 }
@@ -303,14 +190,14 @@ void plan_object(plan_t &plan, object_t *object, const local_frame_t &frame)
     const geometry_t *geometry = plan.geometries.back().get();
     tell_bad_references(*geometry);
     if (mesh->num_vertices() != 0) {
-        plan.text() += "numvert " + std::to_string(mesh->num_vertices()) + "\n";
+        append_count(plan.text(), "numvert ", mesh->num_vertices());
         plan.add(geometry, false, mesh->num_vertices());
     }
     if (mesh->num_surfaces() != 0) {
-        plan.text() += "numsurf " + std::to_string(mesh->num_surfaces()) + "\n";
+        append_count(plan.text(), "numsurf ", mesh->num_surfaces());
         plan.add(geometry, true, mesh->num_surfaces());
     }
-    plan.text() += "kids " + std::to_string(list_count(object->children)) + "\n";
+    append_count(plan.text(), "kids ", list_count(object->children));
 }
 
 // ---- formatting beside writing ----
@@ -448,7 +335,8 @@ int write_vesk_object(const char *filename, object_t *object)
         tell_failure(file, name.c_str(), 0, 0);
         return 0;
     }
-    const std::string header = "VESK" + std::string(1, "0123456789abcdef"[file_revision]) + "\n";
+    std::string header;
+    append_file_header(header);
     collect_materials(object);
     const std::string palette = palette_text();
     bool whole = file.write(header) && file.write(palette);

@@ -4,7 +4,6 @@
 #include "fileio/vesk_writer.h"
 
 #include <functional>
-#include <string>
 
 // What a reader will rebuild of an object: its orientation and its centre. An object without a rot
 // line takes its parent's orientation, whatever its own matrix says.
@@ -23,15 +22,13 @@ struct local_frame_t {
     [[nodiscard]] point3_t local(const point3_t &world) const;
 };
 
+// The frame that an object is written in; its parent's is null for the top object. Only centre and
+// rotation of the record are read.
+local_frame_t frame_of(const object_t *object, const rebuilt_t *parent);
+
 // Visits `top` and its descendants in the order of the file, each with the frame it is written in.
 // `top` has no frame of its own: when its matrix asks for a rot line, it is the identity's.
 void for_each_written(object_t *top,
                       const std::function<void(object_t *, const local_frame_t &)> &visit);
-
-// Numbers as "%g" writes them, with blanks between.
-void append_floats(std::string &out, const float *values, int n);
-void append_point(std::string &out, const point3_t &p);
-// The text in double quotes, with a backslash before each double quote and backslash.
-void append_quoted(std::string &out, const char *text);
 
 #endif
