@@ -232,6 +232,63 @@ void draw_points_of(const page_ranges_t &ranges)
 
 void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
 
+// Where vertices would cover the shape, they are left out: the mean distance between an object's
+// vertices on the screen tells.
+class crowding {
+public:
+    crowding()
+    {
+        double model[16];
+        double projection[16];
+        GLint viewport[4];
+        glGetDoublev(GL_MODELVIEW_MATRIX, model);
+        glGetDoublev(GL_PROJECTION_MATRIX, projection);
+        glGetIntegerv(GL_VIEWPORT, viewport);
+        for (int column = 0; column < 4; ++column)
+            for (int row = 0; row < 4; ++row) {
+                double sum = 0;
+                for (int k = 0; k < 4; ++k)
+                    sum += projection[k * 4 + row] * model[column * 4 + k];
+                matrix_[column * 4 + row] = sum;
+            }
+        width_ = viewport[2] / 2.0;
+        height_ = viewport[3] / 2.0;
+    }
+
+    [[nodiscard]] bool is_crowded(const object_buffers_t &b) const
+    {
+        double low[2] = {1e30, 1e30};
+        double high[2] = {-1e30, -1e30};
+        for (int corner = 0; corner < 8; ++corner) {
+            const double p[3] = {(corner & 1) != 0 ? b.max.x : b.min.x,
+                                 (corner & 2) != 0 ? b.max.y : b.min.y,
+                                 (corner & 4) != 0 ? b.max.z : b.min.z};
+            const double w = at(p, 3);
+            if (w <= 0)
+                return false; // partly behind the viewer: near
+            for (int axis = 0; axis < 2; ++axis) {
+                const double place = at(p, axis) / w * (axis == 0 ? width_ : height_);
+                low[axis] = std::min(low[axis], place);
+                high[axis] = std::max(high[axis], place);
+            }
+        }
+        const double area = (high[0] - low[0] + 1) * (high[1] - low[1] + 1);
+        return area < closest * closest * b.layout.num_vertices;
+    }
+
+private:
+    static constexpr double closest = 5; // pixels between vertices
+
+    [[nodiscard]] double at(const double p[3], int row) const
+    {
+        return matrix_[row] * p[0] + matrix_[4 + row] * p[1] + matrix_[8 + row] * p[2] +
+               matrix_[12 + row];
+    }
+
+    double matrix_[16];
+    double width_, height_;
+};
+
 // Selected vertices stand on a dark rim.
 void draw_rimmed_points(const scene_t &scene, float size)
 {
@@ -361,13 +418,17 @@ void draw_line_surfaces(const scene_t &scene, float width)
 
 void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width)
 {
-    draw_set_line_width(width);
+    const crowding screen;
     set_colour(colour);
     page_ranges_t whole;
+    page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
     for (const scene_item_t &item : scene.items)
         if (item.part != nullptr && item.part->whole && !item.hidden &&
             item.buffers->page != nullptr)
-            add_edges(whole, item, true);
+            add_edges(screen.is_crowded(*item.buffers) ? crowded : whole, item, true);
+    draw_set_line_width(width / 2);
+    draw_edge_ranges(crowded);
+    draw_set_line_width(width);
     draw_edge_ranges(whole);
     for (const scene_item_t &item : scene.items) {
         if (!has_selected_part(item) || item.part->surfaces.empty())
@@ -381,10 +442,12 @@ void draw_selected_edges(const scene_t &scene, const colour_t &colour, float wid
 void draw_vertices(const scene_t &scene, const vertex_options_t &options)
 {
     const float strength = options.vertex_mode ? 1.0f : 0.8f;
+    const crowding screen;
     page_ranges_t plain;
     page_ranges_t selected;
     for (const scene_item_t &item : scene.items) {
-        if (item.hidden || item.locked || item.buffers->page == nullptr)
+        if (item.hidden || item.locked || item.buffers->page == nullptr ||
+            (!options.vertex_mode && screen.is_crowded(*item.buffers)))
             continue;
         const bool whole = item.part != nullptr && item.part->whole;
         (whole ? selected : plain)[item.buffers->page].add(item.buffers->first_slot,
