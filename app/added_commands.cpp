@@ -5,7 +5,9 @@
 #include "app/command_table.h"
 #include "app/current_file.h"
 #include "app/messages.h"
+#include "app/numbers.h"
 #include "app/progress.h"
+#include "edit/create.h"
 #include "edit/object_flags.h"
 #include "edit/selection_internal.h"
 #include "fileio/vesk_writer.h"
@@ -24,6 +26,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -159,6 +162,23 @@ void command_command_info(const char *name)
 // 1 when a running drag or a half-drawn outline took the key; the views' own keys come after it.
 void command_tool_key(const char *keysym) { command_result_set(left_tool_key(keysym) ? "1" : "0"); }
 
+// Selects these objects and nothing else, by the rule of the present mode.
+void command_objects_select(const char *ids)
+{
+    owned_list objects;
+    const char *end = ids + std::strlen(ids);
+    int id = 0;
+    while ((ids = scan_int(ids, end, &id)) != nullptr) {
+        if (object_t *object = object_by_identity(id)) {
+            objects.add(object);
+        }
+    }
+    clear_selection();
+    select_objectlist(objects.get());
+    redraw_all();
+    display_status();
+}
+
 // ---- edits ----
 
 void command_object_set_name(int id, const char *name)
@@ -245,10 +265,16 @@ void register_added_commands()
                     "save a VESK format file, returns 1 or 0"),
         command_row("command_info", command_command_info, "<string command>",
                     "returns arity, template, usage, help, availability"),
+        command_row("objects_select", command_objects_select, "<string object_ids>",
+                    "select these objects only"),
         command_row("tool_key", command_tool_key, "<string keysym>",
                     "a key for a running drag or outline, returns 1 when it was used"),
         command_row("cancel", progress_cancel, nullptr, "cancel long work"),
     };
+    command_add_words("create", command_create, 8, 8,
+                      "<kind> <int plane> <float x1> <float y1> <float z1> <float x2> <float y2> "
+                      "<float z2>",
+                      "create circle, disk, rect, grid, mesh, box, cylinder, sphere, cone or ico");
     for (const vesk_command_t &row : rows)
         command_add_own(row);
     register_history_commands();

@@ -130,6 +130,8 @@ struct added_t {
     std::string name;
     std::optional<std::string> argtypes, usage, help;
     bool own;
+    command_words_t words = nullptr; // instead of the record's handler
+    int most = 0;                    // with `words`; the record's nargs is the fewest
 };
 
 struct registry_t {
@@ -158,7 +160,7 @@ std::optional<std::string> copy_of(const char *text)
     return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
 
-void add(const vesk_command_t &row, bool own)
+added_t *add(const vesk_command_t &row, bool own)
 {
     auto entry = std::make_unique<added_t>();
     entry->name = row.name;
@@ -174,6 +176,23 @@ void add(const vesk_command_t &row, bool own)
                      text_or_null(entry->help)};
     registry().added_by_name.emplace(entry->name, entry.get());
     registry().added.push_back(std::move(entry));
+    return registry().added.back().get();
+}
+
+// The entry of a row that takes its arguments as texts, else null.
+const added_t *words_entry(const vesk_command_t *command)
+{
+    const auto found = registry().added_by_name.find(command->name);
+    const bool fits = found != registry().added_by_name.end() &&
+                      &found->second->record == command && found->second->words != nullptr;
+    return fits ? found->second : nullptr;
+}
+
+bool arity_fits(const vesk_command_t *command, int given)
+{
+    const added_t *entry = words_entry(command);
+    return entry == nullptr ? given == command->nargs
+                            : given >= command->nargs && given <= entry->most;
 }
 
 void show_fault(const char *name, const fault_t &fault)
@@ -278,7 +297,7 @@ vesk_command_t *find_command(const char *name)
 int execute_command(int count, const char *const *words, vesk_command_t *command)
 {
     debugf("executing command '%s'\n", command->name);
-    if (count - 1 != command->nargs) {
+    if (!arity_fits(command, count - 1)) {
         const std::string text = std::string("incorrect number of args for ") + command->name +
                                  " (should be " + std::to_string(command->nargs) + ", got " +
                                  std::to_string(count - 1) + ") - usage:\n    " +
@@ -286,6 +305,10 @@ int execute_command(int count, const char *const *words, vesk_command_t *command
         console_printf("%s\n", text.c_str());
         command_result_set(text.c_str());
         return 0;
+    }
+    if (const added_t *entry = words_entry(command)) {
+        entry->words(count - 1, words + 1);
+        return 1;
     }
     slot_t slots[max_words] = {};
     const size_t letters = command->argtypes == nullptr ? 0 : std::strlen(command->argtypes);
@@ -349,6 +372,14 @@ void command_registry_install(std::span<vesk_command_t> rows,
         all.row_by_name.emplace(row.name, &row); // the topmost of a name stays
     for (const command_kind_row_t &row : kinds)
         all.kinds[row.name] = row.kind;
+}
+
+void command_add_words(const char *name, command_words_t handler, int fewest, int most,
+                       const char *usage, const char *help)
+{
+    added_t *entry = add({name, nullptr, fewest, nullptr, usage, help}, true);
+    entry->words = handler;
+    entry->most = most;
 }
 
 void command_add_own(const vesk_command_t &row) { add(row, true); }

@@ -72,6 +72,12 @@ struct command_kind_row_t {
 void command_registry_install(std::span<vesk_command_t> rows,
                               std::span<const command_kind_row_t> kinds);
 
+// Adds a row of our own whose number of arguments is free between two bounds and which gets its
+// arguments as texts: for what no template fits.
+using command_words_t = void (*)(int count, const char *const *words);
+void command_add_words(const char *name, command_words_t handler, int fewest, int most,
+                       const char *usage, const char *help);
+
 // Adds a row of our own after the built-in ones were installed; its kind as in the kinds table.
 void command_add_own(const vesk_command_t &row);
 

@@ -240,7 +240,7 @@ const command_kind_row_t kinds[] = {
     {"zoomview", view},
     // added at start
     {"object_tree", query}, {"model_state", query}, {"get_counts", query}, {"object_info", query},
-    {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view}, {"tool_key", view},
+    {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view}, {"tool_key", view}, {"objects_select", view},
     {"change_count", query}, {"history_list", query}, {"history_limit", view},
 };
 // clang-format on

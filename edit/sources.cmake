@@ -1,5 +1,6 @@
 # Files of edit/.
 target_sources(vesk_core PRIVATE
+    edit/create.cpp
     edit/current_object.cpp
     edit/geometry_image.cpp
     edit/journal.cpp

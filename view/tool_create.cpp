@@ -3,19 +3,13 @@
 #include "app/coor_display.h"
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "edit/create.h"
 #include "edit/journal.h"
 #include "edit/modes.h"
-#include "edit/primitives.h"
-#include "edit/selection.h"
 #include "edit/snap.h"
-#include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/bounds.h"
-#include "model/identity.h"
 #include "model/lights.h"
 #include "model/normals.h"
-#include "model/object_tree.h"
-#include "model/world.h"
 #include "view/interaction.h"
 #include "view/overlay.h"
 #include "view/projection.h"
@@ -34,75 +28,7 @@ constexpr int click_slack = 3;
 constexpr double double_click_seconds = 0.4;
 
 struct corners_t {
-    point3_t c1, c2;
-    bool zero; // the drag did not move
-};
-
-// ---- what each tool makes; the view is the plane ----
-
-point3_t middle_of(const corners_t &c)
-{
-    return {(c.c1.x + c.c2.x) / 2, (c.c1.y + c.c2.y) / 2, (c.c1.z + c.c2.z) / 2};
-}
-
-object_t *moved_to_middle(object_t *object, const corners_t &c)
-{
-    const point3_t middle = middle_of(c);
-    translate_object(object, &middle);
-    return object;
-}
-
-object_t *make_ellipse(int plane, const corners_t &c)
-{
-    return moved_to_middle(c.zero ? create_regular_elipse(plane) : add_circle(plane, &c.c1, &c.c2),
-                           c);
-}
-
-object_t *make_disk(int plane, const corners_t &c)
-{
-    return moved_to_middle(c.zero ? create_regular_disk(plane) : add_disk(plane, &c.c1, &c.c2), c);
-}
-
-object_t *make_rect(int plane, const corners_t &c) { return add_rect(plane, &c.c1, &c.c2); }
-object_t *make_grid(int plane, const corners_t &c) { return add_grid(plane, &c.c1, &c.c2); }
-object_t *make_mesh(int plane, const corners_t &c) { return add_mesh(plane, &c.c1, &c.c2); }
-
-object_t *make_box(int plane, const corners_t &c)
-{
-    return c.zero ? create_regular_cube(&c.c1) : add_cube(plane, &c.c1, &c.c2);
-}
-
-object_t *make_sphere(int plane, const corners_t &c)
-{
-    return c.zero ? create_regular_sphere(&c.c1) : add_sphere(plane, &c.c1, &c.c2);
-}
-
-object_t *make_cylinder(int plane, const corners_t &c)
-{
-    object_t *object = new_cylinder(plane);
-    if (!c.zero) {
-        object_scale(object, std::fabs(c.c2.x - c.c1.x), std::fabs(c.c2.y - c.c1.y),
-                     std::fabs(c.c2.z - c.c1.z));
-        object_calc_normals_force(object);
-    }
-    return moved_to_middle(object, c);
-}
-
-struct box_tool_t {
-    int mode;
-    const char *label; // of the undo record
-    object_t *(*make)(int plane, const corners_t &corners);
-    bool solid; // has a third extent
-};
-const box_tool_t box_tools[] = {
-    {DRAW_CIRCLE, "add elipse", make_ellipse, false}, // Deliberate: spelt so
-    {DRAW_DISK, "add disk", make_disk, false},
-    {DRAW_RECT, "add rect", make_rect, false},
-    {DRAW_GRID, "add grid", make_grid, false},
-    {DRAW_MESH, "add mesh", make_mesh, false},
-    {DRAW_BOX, "add cube", make_box, true},
-    {DRAW_CYLINDER, "add cylinder", make_cylinder, true},
-    {DRAW_SPHERE, "add sphere", make_sphere, true},
+    point3_t c1, c2; // equal when the drag did not move
 };
 
 struct outline_tool_t {
@@ -118,10 +44,9 @@ const outline_tool_t outline_tools[] = {
     {DRAW_LINE, "line", "add line", SURFACE_LINE, 2, 2},
 };
 
-template <class Row, size_t N>
-const Row *row_of_mode(const Row (&rows)[N])
+const outline_tool_t *outline_tool()
 {
-    for (const Row &row : rows) {
+    for (const outline_tool_t &row : outline_tools) {
         if (row.mode == draw_mode()) {
             return &row;
         }
@@ -149,41 +74,18 @@ point3_t point_at(const pointer_event_t &event)
     return p;
 }
 
-// The sphere's record is a plug-in's kind: it takes the object out as such, by its identity.
-void take_out(void *identity)
-{
-    object_t *object = object_by_identity(static_cast<int>(reinterpret_cast<intptr_t>(identity)));
-    if (object != nullptr) {
-        object_delete(object);
-    }
-}
+// The kind of the present draw mode; null when it is no box tool.
+const create_kind_t *box_tool() { return create_kind(mode_to_string(draw_mode())); }
 
-void open_undo(object_t *object, const char *label)
-{
-    if (draw_mode() == DRAW_SPHERE) {
-        const auto identity = static_cast<intptr_t>(object_identity(object));
-        const vesk_undoable_t sphere = {[](void *, int) {}, [](void *) {}, take_out,
-                                        reinterpret_cast<void *>(identity)}; // NOLINT
-        add_undoable(label, &sphere);
-        return;
-    }
-    new_undo(UNDO_OBJECT, label);
-    set_undo_object(object);
-}
-
-void link_and_select(object_t *object, const char *label)
+// A drag is no command: the history's step is taken here.
+void link_drawn(object_t *object, const char *label)
 {
     if (object == nullptr) {
         return;
     }
     journal_begin();
-    object_add_child(vesk_get_world(), object);
-    open_undo(object, label);
-    clear_selection();
-    select_object(object);
+    link_created(object, label, draw_mode() == DRAW_SPHERE);
     journal_step(label);
-    redraw_all();
-    display_status();
 }
 
 // ---- box tools ----
@@ -198,10 +100,9 @@ void keep_square(float *da, float *db)
 corners_t corners_of(const pointer_event_t &event, bool solid)
 {
     const view_axes_t axes = view_axes[event.view];
-    corners_t c = {point_at(state.start), point_at(event), false};
-    c.zero = std::abs(event.x - state.start.x) <= click_slack &&
-             std::abs(event.y - state.start.y) <= click_slack;
-    if (c.zero) {
+    corners_t c = {point_at(state.start), point_at(event)};
+    if (std::abs(event.x - state.start.x) <= click_slack &&
+        std::abs(event.y - state.start.y) <= click_slack) {
         c.c2 = c.c1;
         return c;
     }
@@ -287,7 +188,7 @@ void end_outline(const outline_tool_t &tool)
     object_add_surface(object, surface);
     object_calc_normals_force(object);
     object_calculate_centre(object);
-    link_and_select(object, tool.label);
+    link_drawn(object, tool.label);
 }
 
 bool is_on_first_point(const pointer_event_t &event)
@@ -337,7 +238,7 @@ void light_click(const pointer_event_t &event)
     object_t *light = new_light();
     const point3_t p = point_at(event);
     vesk_object_set_centre(light, p.x, p.y, p.z);
-    link_and_select(light, "add light");
+    link_drawn(light, "add light");
     register_light(light);
 }
 
@@ -348,8 +249,8 @@ bool create_press(const pointer_event_t &event)
     if (!is_orthographic(event.view)) {
         return false;
     }
-    const bool wanted = row_of_mode(box_tools) != nullptr ||
-                        row_of_mode(outline_tools) != nullptr || draw_mode() == DRAW_LIGHT;
+    const bool wanted =
+        box_tool() != nullptr || outline_tool() != nullptr || draw_mode() == DRAW_LIGHT;
     state.dragging = wanted;
     state.start = event;
     return wanted;
@@ -357,7 +258,7 @@ bool create_press(const pointer_event_t &event)
 
 void create_motion(const pointer_event_t &event)
 {
-    const box_tool_t *tool = row_of_mode(box_tools);
+    const create_kind_t *tool = box_tool();
     if (tool == nullptr) {
         create_hover(event);
         return;
@@ -373,9 +274,10 @@ void create_release(const pointer_event_t &event)
 {
     state.dragging = false;
     overlay().preview.clear();
-    if (const box_tool_t *tool = row_of_mode(box_tools)) {
-        link_and_select(tool->make(event.view, corners_of(event, tool->solid)), tool->label);
-    } else if (const outline_tool_t *outline = row_of_mode(outline_tools)) {
+    if (const create_kind_t *tool = box_tool()) {
+        const corners_t c = corners_of(event, tool->solid);
+        link_drawn(tool->make(event.view, c.c1, c.c2), tool->label);
+    } else if (const outline_tool_t *outline = outline_tool()) {
         outline_click(*outline, event);
     } else {
         light_click(event);
@@ -405,7 +307,7 @@ void create_hover(const pointer_event_t &event)
 
 bool create_key(const char *key)
 {
-    const outline_tool_t *tool = row_of_mode(outline_tools);
+    const outline_tool_t *tool = outline_tool();
     if (tool == nullptr || state.points.empty()) {
         return false;
     }

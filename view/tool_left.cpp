@@ -32,7 +32,7 @@ constexpr int click_slack = 3; // pixels that are still a click
 constexpr float angle_step = 15.0f;
 constexpr double degrees_per_radian = 57.29577951308232;
 
-enum class doing { NOTHING, BAND, MOVE, ROTATE, RESIZE };
+enum class doing { NOTHING, BAND, ZOOM, MOVE, ROTATE, RESIZE };
 
 struct tool_t {
     doing what = doing::NOTHING;
@@ -49,8 +49,13 @@ tool_t tool;
 
 bool acts_on_selection() { return mode_is_selectable(draw_mode()) != 0; }
 
+bool draws_band() { return tool.what == doing::BAND || tool.what == doing::ZOOM; }
+
 doing what_to_do(const pointer_event_t &event, int handle)
 {
+    if (draw_mode() == DRAW_ZOOM) {
+        return is_orthographic(event.view) ? doing::ZOOM : doing::NOTHING;
+    }
     if (handle > HANDLE_INSIDE_ROTATE) {
         return doing::RESIZE;
     }
@@ -197,7 +202,7 @@ void show(const drag_change_t &change)
 
 void step(const pointer_event_t &event)
 {
-    if (tool.what == doing::BAND) {
+    if (draws_band()) {
         overlay_t &shown = overlay();
         shown.band_view = event.view;
         shown.x0 = tool.start.x;
@@ -230,7 +235,8 @@ void forget()
 
 bool transform_press(const pointer_event_t &event)
 {
-    const int handle = handle_at(event.view, event.x, event.y);
+    const int handle =
+        draw_mode() == DRAW_ZOOM ? HANDLE_NONE : handle_at(event.view, event.x, event.y);
     const doing what = what_to_do(event, handle);
     if (what == doing::NOTHING) {
         return false; // the camera's
@@ -250,7 +256,7 @@ void transform_motion(const pointer_event_t &event)
         std::abs(event.y - tool.start.y) <= click_slack) {
         return;
     }
-    if (!tool.moved && tool.what != doing::BAND) {
+    if (!tool.moved && !draws_band()) {
         journal_begin();
         journal_hold(true);
         tool.transform = std::make_unique<drag_transform_t>();
@@ -260,8 +266,34 @@ void transform_motion(const pointer_event_t &event)
     step(event);
 }
 
+// A click zooms in (Shift: out), a rectangle is seen as large as it fits.
+void finish_zoom(const pointer_event_t &event)
+{
+    const pointer_event_t start = tool.start;
+    const bool clicked = !tool.moved;
+    forget();
+    if (clicked) {
+        qualifier_shift(event.state) != 0 ? zoom_out_win(start.view) : zoom_in_win(start.view);
+        return;
+    }
+    int geometry[4] = {};
+    win_get_geom(start.view, geometry);
+    const auto width = static_cast<float>(std::max(std::abs(event.x - start.x), 4));
+    const auto height = static_cast<float>(std::max(std::abs(event.y - start.y), 4));
+    view_pan_by(start.view,
+                static_cast<float>(geometry[2]) / 2 - static_cast<float>(event.x + start.x) / 2,
+                static_cast<float>(geometry[3]) / 2 - static_cast<float>(event.y + start.y) / 2);
+    view_zoom_by(start.view, std::min(static_cast<float>(geometry[2]) / width,
+                                      static_cast<float>(geometry[3]) / height));
+    redraw_orth();
+}
+
 void transform_release(const pointer_event_t &event)
 {
+    if (tool.what == doing::ZOOM) {
+        finish_zoom(event);
+        return;
+    }
     if (!tool.moved) {
         const pointer_event_t start = tool.start;
         forget();
@@ -300,7 +332,7 @@ bool creating = false;
 
 bool press(const pointer_event_t &event)
 {
-    creating = !acts_on_selection();
+    creating = !acts_on_selection() && draw_mode() != DRAW_ZOOM;
     return creating ? create_press(event) : transform_press(event);
 }
 

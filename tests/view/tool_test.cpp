@@ -11,6 +11,7 @@
 #include "view/camera_internal.h"
 #include "view/interaction.h"
 #include "view/overlay.h"
+#include "view/projection.h"
 #include "view/tool_left.h"
 #include "view/views_internal.h"
 
@@ -213,6 +214,36 @@ TEST_F(Tools, AClickMakesTheRegularOneWhereThereIsOne)
     click(VIEW_XY, 300, 150);
     EXPECT_EQ(run("get_selection_size"), "1 1 1");
     EXPECT_EQ(run("get_selection_centre"), "1 0 0");
+}
+
+TEST_F(Tools, TheZoomToolFitsARectangle)
+{
+    run("set_draw_mode", "zoom");
+    const float scale = vesk_get_view(VIEW_XY)->scale;
+    prefs.independent_scaling = 1;
+    drag(VIEW_XY, 250, 100, 350, 150);
+    EXPECT_FLOAT_EQ(vesk_get_view(VIEW_XY)->scale, scale * 4);
+    point3_t middle = {0, 0, 0};
+    mouse_to_point(200, 150, VIEW_XY, &middle);
+    EXPECT_NEAR(middle.x, 1, 1e-4); // what was at (300, 125)
+    EXPECT_NEAR(middle.y, 0.25, 1e-4);
+    click(VIEW_XY, 10, 10, shift);
+    EXPECT_LT(vesk_get_view(VIEW_XY)->scale, scale * 4);
+}
+
+TEST_F(Tools, TheCommandMakesWhatTheToolsMake)
+{
+    const std::string id = run("create", "box", 0, 0, 0, 0, 2, 1, 3);
+    EXPECT_EQ(run("get_selected_objects"), id);
+    EXPECT_EQ(run("get_selection_size"), "2 1 3");
+    EXPECT_EQ(last_undo(), "add cube");
+    EXPECT_TRUE(run("create", "box", 0).starts_with("incorrect number of args for create"));
+    EXPECT_EQ(run("create", "nothing", 0, 0, 0, 0, 1, 1, 1), "");
+    EXPECT_EQ(last_message(), "create - no kind named 'nothing'");
+    const std::string cone = run("create", "cone", 2, -1, 0, -1, 1, 2, 1);
+    EXPECT_EQ(run("get_selection_size"), "2 2 2");
+    run("objects_select", id + " " + cone);
+    EXPECT_EQ(run("selection_get_num_objects"), "2");
 }
 
 TEST_F(Tools, OutlinesGoClickByClick)

@@ -1,0 +1,173 @@
+#include "edit/create.h"
+
+#include "app/command_result.h"
+#include "app/messages.h"
+#include "app/numbers.h"
+#include "edit/journal.h"
+#include "edit/primitives.h"
+#include "edit/selection.h"
+#include "edit/transform.h"
+#include "edit/undo.h"
+#include "model/identity.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/vector.h"
+#include "model/world.h"
+#include "view/redraw.h"
+
+#include <cmath>
+#include <cstring>
+#include <string>
+#include <string>
+
+namespace {
+
+object_t *moved_to_middle(object_t *object, const point3_t &c1, const point3_t &c2)
+{
+    const point3_t middle = {(c1.x + c2.x) / 2, (c1.y + c2.y) / 2, (c1.z + c2.z) / 2};
+    translate_object(object, &middle);
+    return object;
+}
+
+object_t *make_ellipse(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return moved_to_middle(
+        point_equal(c1, c2) ? create_regular_elipse(plane) : add_circle(plane, &c1, &c2), c1, c2);
+}
+
+object_t *make_disk(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return moved_to_middle(
+        point_equal(c1, c2) ? create_regular_disk(plane) : add_disk(plane, &c1, &c2), c1, c2);
+}
+
+object_t *make_rect(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return add_rect(plane, &c1, &c2);
+}
+
+object_t *make_grid(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return add_grid(plane, &c1, &c2);
+}
+
+object_t *make_mesh(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return add_mesh(plane, &c1, &c2);
+}
+
+object_t *make_box(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return point_equal(c1, c2) ? create_regular_cube(&c1) : add_cube(plane, &c1, &c2);
+}
+
+object_t *make_sphere(int plane, const point3_t &c1, const point3_t &c2)
+{
+    return point_equal(c1, c2) ? create_regular_sphere(&c1) : add_sphere(plane, &c1, &c2);
+}
+
+object_t *make_cylinder(int plane, const point3_t &c1, const point3_t &c2)
+{
+    object_t *object = new_cylinder(plane);
+    if (!point_equal(c1, c2)) {
+        object_scale(object, std::fabs(c2.x - c1.x), std::fabs(c2.y - c1.y),
+                     std::fabs(c2.z - c1.z));
+        object_calc_normals_force(object);
+    }
+    return moved_to_middle(object, c1, c2);
+}
+
+object_t *make_cone(int plane, const point3_t &c1, const point3_t &c2)
+{
+    if (point_equal(c1, c2)) {
+        constexpr int segments = 12;
+        return moved_to_middle(new_cone(plane, 0.5f, 0.5f, 1.0f, segments), c1, c2);
+    }
+    return moved_to_middle(create_cone(plane, &c1, &c2), c1, c2);
+}
+
+object_t *make_ico(int, const point3_t &c1, const point3_t &c2)
+{
+    return moved_to_middle(create_ico(), c1, c2);
+}
+
+const create_kind_t kinds[] = {
+    {"circle", "add elipse", false, make_ellipse}, // Deliberate: spelt so
+    {"disk", "add disk", false, make_disk},
+    {"rect", "add rect", false, make_rect},
+    {"grid", "add grid", false, make_grid},
+    {"mesh", "add mesh", false, make_mesh},
+    {"box", "add cube", true, make_box},
+    {"cylinder", "add cylinder", true, make_cylinder},
+    {"sphere", "add sphere", true, make_sphere},
+    {"cone", "add cone", true, make_cone},
+    {"ico", "add icosahedron", true, make_ico},
+};
+
+// The sphere's record is a plug-in's kind: it takes the object out as such, by its identity.
+void take_out(void *identity)
+{
+    object_t *object = object_by_identity(static_cast<int>(reinterpret_cast<intptr_t>(identity)));
+    if (object != nullptr) {
+        object_delete(object);
+    }
+}
+
+void open_undo(object_t *object, const char *label, bool as_operation)
+{
+    if (!as_operation) {
+        new_undo(UNDO_OBJECT, label);
+        set_undo_object(object);
+        return;
+    }
+    const auto identity = static_cast<intptr_t>(object_identity(object));
+    const vesk_undoable_t operation = {[](void *, int) {}, [](void *) {}, take_out,
+                                       reinterpret_cast<void *>(identity)}; // NOLINT
+    add_undoable(label, &operation);
+}
+
+} // namespace
+
+const create_kind_t *create_kind(const char *name)
+{
+    for (const create_kind_t &kind : kinds) {
+        if (std::strcmp(kind.name, name) == 0) {
+            return &kind;
+        }
+    }
+    return nullptr;
+}
+
+void link_created(object_t *object, const char *label, bool as_operation)
+{
+    if (object == nullptr) {
+        return;
+    }
+    object_add_child(vesk_get_world(), object);
+    open_undo(object, label, as_operation);
+    clear_selection();
+    select_object(object);
+    redraw_all();
+    display_status();
+}
+
+// ---- commands ----
+
+void command_create(int, const char *const *words)
+{
+    const create_kind_t *kind = create_kind(words[0]);
+    if (kind == nullptr) {
+        display_message("create - no kind named '%s'", words[0]);
+        return;
+    }
+    float c[6];
+    for (int i = 0; i < 6; ++i) {
+        c[i] = static_cast<float>(double_of(words[2 + i]));
+    }
+    object_t *object = kind->make(int_of(words[1]), {c[0], c[1], c[2]}, {c[3], c[4], c[5]});
+    if (object == nullptr) {
+        return;
+    }
+    link_created(object, kind->label, kind->make == make_sphere);
+    command_result_set(std::to_string(object_identity(object)).c_str());
+}

@@ -1,0 +1,26 @@
+#ifndef VESK_EDIT_CREATE_H
+#define VESK_EDIT_CREATE_H
+
+#include "model/object.h"
+
+// What the create tools and the command "create" make from the two corners of a box: one table for
+// both. The plane is a view's (0 front, 1 side, 2 plan).
+
+struct create_kind_t {
+    const char *name;  // also the draw mode's, where there is one
+    const char *label; // of the undo record
+    bool solid;        // takes a third extent
+    object_t *(*make)(int plane, const point3_t &c1, const point3_t &c2);
+};
+
+// Null for an unknown name.
+const create_kind_t *create_kind(const char *name);
+
+// Links a new object under the world, opens its undo record, selects it and redraws. Null: nothing.
+void link_created(object_t *object, const char *label, bool as_operation = false);
+
+// Handler of "create": KIND PLANE x1 y1 z1 x2 y2 z2; equal corners make the regular one where there
+// is one. The result is the object's identity.
+void command_create(int count, const char *const *words);
+
+#endif
