@@ -29,6 +29,7 @@ public:
         glGenBuffers(1, &id_);
         glBindBuffer(target, id_);
         glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
+        glBindBuffer(target, 0); // or the next small array would be read from it
     }
 
     void write(GLenum target, size_t offset, const void *data, size_t bytes)
@@ -43,6 +44,7 @@ public:
         glBindBuffer(target, id_);
         glBufferSubData(target, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(bytes),
                         data);
+        glBindBuffer(target, 0);
     }
 
     // What a pointer call takes for `offset`, with the buffer bound.
