@@ -10,6 +10,7 @@
 #include "edit/create.h"
 #include "edit/object_flags.h"
 #include "edit/selection_internal.h"
+#include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
@@ -231,7 +232,9 @@ void command_file_save(const char *name)
 {
     const std::string kept = name; // the messages let scripts run
     current_file_set(kept.c_str());
+    const std::string aside = backup_begin(kept.c_str());
     const int done = write_vesk_object(kept.c_str(), vesk_get_world());
+    backup_end(kept.c_str(), aside, done != 0);
     command_result_set(done != 0 ? "1" : "0");
 }
 
@@ -278,4 +281,5 @@ void register_added_commands()
     for (const vesk_command_t &row : rows)
         command_add_own(row);
     register_history_commands();
+    register_safety_commands();
 }

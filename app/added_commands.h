@@ -4,6 +4,8 @@
 // Commands that are registered at start beside the fixed table: what panels and scripts need to
 // show and change the model. They stand first in "list".
 void register_added_commands();
-void register_history_commands(); // by the former
+// By the former.
+void register_history_commands();
+void register_safety_commands();
 
 #endif

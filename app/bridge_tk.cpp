@@ -10,6 +10,7 @@
 #include "app/prefs.h"
 #include "app/session_state.h"
 #include "app/startup.h"
+#include "fileio/rescue.h"
 
 #include <tk.h>
 #include <togl.h>
@@ -18,6 +19,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -55,7 +57,15 @@ int tcl_vesk_command(ClientData, Tcl_Interp *interp, int argc, const char *argv[
 
 // ---- signals that end the session ----
 
-int leave_on_signal(ClientData, Tcl_Interp *, int) { bridge_exit(0); }
+int leave_on_signal(ClientData, Tcl_Interp *, int)
+{
+    const char *unsaved = tcl_get_string("unsaved_changes");
+    if (unsaved != nullptr && std::strcmp(unsaved, "0") != 0) {
+        rescue_keep();
+        rescue_write_now();
+    }
+    bridge_exit(0);
+}
 
 void on_end_signal(int)
 {

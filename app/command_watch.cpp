@@ -5,6 +5,7 @@
 #include "app/session_state.h"
 #include "edit/journal.h"
 #include "edit/undo_internal.h"
+#include "fileio/rescue.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
 #include "model/world.h"
@@ -60,6 +61,7 @@ void after_command(const vesk_command_t *command, bool whole)
     else
         journal_step_after_fault(command->name);
     serial_before = undo_last_serial();
+    rescue_tell_failure();
 }
 
 void after_fault()
@@ -67,6 +69,7 @@ void after_fault()
     journal_reset_after_fault();
     world_check(vesk_get_world());
     undo_drop_unfilled(serial_before);
+    rescue_write();
 }
 
 } // namespace

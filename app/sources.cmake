@@ -2,6 +2,7 @@
 target_sources(vesk_core PRIVATE
     app/added_commands.cpp
     app/added_history.cpp
+    app/added_safety.cpp
     app/command_handlers.cpp
     app/command_registry.cpp
     app/command_result.cpp

@@ -11,6 +11,7 @@
 #include "app/version.h"
 #include "edit/modes.h"
 #include "edit/undo.h"
+#include "fileio/rescue.h"
 #include "model/alloc_internal.h"
 #include "model/object_internal.h"
 #include "model/palette.h"
@@ -239,6 +240,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
         return 1;
     if (line.batch)
         return run_batch_script(line, toolkit);
+    rescue_start();
     if (prefs.show_startup_tips != 0)
         tcl_command("show_tip");
     if (!line.script.empty())

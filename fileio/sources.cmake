@@ -1,7 +1,10 @@
 # Files of fileio/.
 target_sources(vesk_core PRIVATE
     fileio/atomic_file.cpp
+    fileio/backup.cpp
     fileio/file_text.cpp
+    fileio/rescue.cpp
+    fileio/state_writer.cpp
     fileio/tree_reader.cpp
     fileio/tree_reader_geometry.cpp
     fileio/tree_reader_keywords.cpp

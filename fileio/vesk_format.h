@@ -177,8 +177,7 @@ void append_surfaces(Out &out, const flat_mesh &mesh, int begin, int end, const 
                      const CountOf &count_of)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
-    auto corner =
-        static_cast<std::size_t>((*mesh.corner_offsets)[static_cast<std::size_t>(begin)]);
+    auto corner = static_cast<std::size_t>((*mesh.corner_offsets)[static_cast<std::size_t>(begin)]);
     for (int i = begin; i < end; ++i) {
         const flat_surface &surface = (*mesh.surfaces)[static_cast<std::size_t>(i)];
         const int flags = (surface.type & SURFACE_TYPE_MASK) |

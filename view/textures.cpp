@@ -14,7 +14,6 @@
 namespace {
 
 constexpr int growth = 20;
-constexpr const char *missing_key = "missing_texture";
 
 struct texture_record {
     listitem *loaders; // of texture_loader_t, the newest first
@@ -279,7 +278,7 @@ int search_and_set_texture(object_t *object, const char *model_filename, const c
     const char *found = search_texture(model_filename, texture_name);
     if (!found) {
         debugf("can't load texture file: %s\n", texture_name);
-        vesk_object_set_prop_value(object, missing_key, "text", texture_name);
+        vesk_object_set_prop_value(object, missing_texture_property, "text", texture_name);
         return 0;
     }
     const std::string file = found;
@@ -291,7 +290,7 @@ int search_and_set_texture(object_t *object, const char *model_filename, const c
     }
     if (object_set_init_texture(object, file.c_str(), texture_name) != 0)
         return 1;
-    vesk_object_set_prop_value(object, missing_key, "text", texture_name);
+    vesk_object_set_prop_value(object, missing_texture_property, "text", texture_name);
     return 0;
 }
 
@@ -311,7 +310,7 @@ void object_texture_set(object_t *object, int id)
 {
     object->has_texture = 1;
     object->texture = id;
-    proplist_remove(&object->properties, missing_key);
+    proplist_remove(&object->properties, missing_texture_property);
     object_mark(object, CHANGED_RECORD);
 }
 
@@ -319,11 +318,12 @@ void object_texture_clear(object_t *object)
 {
     object->has_texture = 0;
     object->texture = 0;
-    proplist_remove(&object->properties, missing_key);
+    proplist_remove(&object->properties, missing_texture_property);
     object_mark(object, CHANGED_RECORD);
 }
 
 const char *object_missing_texture(const object_t *object)
 {
-    return object->has_texture != 0 ? nullptr : vesk_object_get_prop_value(object, missing_key);
+    return object->has_texture != 0 ? nullptr
+                                    : vesk_object_get_prop_value(object, missing_texture_property);
 }

@@ -88,6 +88,8 @@ VESK_API void object_texture_clear(object_t *object);
 VESK_END_DECLS
 
 #ifdef __cplusplus
+// The property that keeps the name of a texture that was not found.
+constexpr const char *missing_texture_property = "missing_texture";
 // The name of a texture that was not found when the object was loaded, or null.
 const char *object_missing_texture(const object_t *object);
 // While one lives (a load), at most one message box about textures is shown; others go to the console.

@@ -67,7 +67,8 @@ TEST_F(Journal, GoesWhereItIsTold)
     run("select_all");
     texts seen = {scene()};
     for (const char *name : {"x", "y", "z"}) {
-        run("object_set_name", object_identity(item_of<object_t>(vesk_get_world()->children)), name);
+        run("object_set_name", object_identity(item_of<object_t>(vesk_get_world()->children)),
+            name);
         run("new_cube");
         seen.push_back(scene());
     }
@@ -111,10 +112,12 @@ TEST_F(Journal, AnUndoAcrossUnrecordedChangesKeepsThem)
 TEST_F(Journal, UndoLeavesNoRoundingBehind)
 {
     run("select_all");
-    const point3_t before = item_of<vertex>(item_of<object_t>(vesk_get_world()->children)->vertices)->position;
+    const point3_t before =
+        item_of<vertex>(item_of<object_t>(vesk_get_world()->children)->vertices)->position;
     run("move_to", "1000.1", "33333.3", "0.7");
     run("undo");
-    const point3_t after = item_of<vertex>(item_of<object_t>(vesk_get_world()->children)->vertices)->position;
+    const point3_t after =
+        item_of<vertex>(item_of<object_t>(vesk_get_world()->children)->vertices)->position;
     EXPECT_EQ(after.x, before.x);
     EXPECT_EQ(after.y, before.y);
     EXPECT_EQ(after.z, before.z);
@@ -301,6 +304,7 @@ private:
         static constexpr const char *modes[] = {"tree", "object", "surface", "vertex", "light"};
         const int what = pick(28);
         last_ = std::to_string(what);
+        // clang-format off
         switch (what) {
         case 0: run("select_all"); break;
         case 1: run("clear_selection"); break;
@@ -327,6 +331,7 @@ private:
         case 22: case 23: run("redo"); break;
         default: run("undo"); break;
         }
+        // clang-format on
     }
 
     // The same number, the same text; and nothing is out of order.

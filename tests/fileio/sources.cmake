@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    fileio/rescue_test.cpp
     fileio/vesk_reader_test.cpp
     fileio/vesk_roundtrip_test.cpp
     fileio/writer_test.cpp

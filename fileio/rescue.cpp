@@ -1,0 +1,294 @@
+#include "fileio/rescue.h"
+
+#include "app/crash_guard.h"
+#include "app/current_file.h"
+#include "app/messages.h"
+#include "edit/journal.h"
+#include "fileio/state_writer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char *session_suffix = ".session";
+constexpr const char *kinds[] = {"autosave", "rescue"};
+
+struct rescue_session {
+    fs::path base; // the session's files without their suffixes; empty: no session
+    int lock = -1;
+    bool kept = false;
+    // Where a fault writes to: made beforehand.
+    std::string rescue_file, temporary_file;
+
+    std::thread worker;
+    std::atomic<bool> busy = false;
+    std::atomic<bool> failed = false;
+    bool told = false;
+    std::string target; // of the worker's copy
+};
+
+rescue_session &session_files()
+{
+    static auto *const session = new rescue_session; // joined at the program's exit
+    return *session;
+}
+
+fs::path state_folder()
+{
+    const char *state = getenv("XDG_STATE_HOME");
+    if (state && state[0] == '/')
+        return fs::path(state) / "vesk";
+    const char *home = getenv("HOME");
+    return fs::path(home ? home : "/") / ".local/state/vesk";
+}
+
+std::string copy_name(const fs::path &base, const char *kind)
+{
+    return base.string() + "." + kind + ".vesk";
+}
+
+// The session's file tells what was being edited.
+void note_original()
+{
+    const rescue_session &session = session_files();
+    const std::string &name = current_file().name;
+    std::error_code error;
+    const std::string full = name.empty() ? name : fs::absolute(name, error).string();
+    if (ftruncate(session.lock, 0) == 0 && pwrite(session.lock, full.data(), full.size(), 0) < 0)
+        debugf("can't note the file being edited\n");
+}
+
+void on_fatal_fault()
+{
+    const rescue_session &session = session_files();
+    const state_ptr state = journal_state();
+    if (state && state->num_objects > 1)
+        write_model_state_bare(*state, session.temporary_file.c_str(), session.rescue_file.c_str());
+}
+
+void remove_files(const fs::path &base)
+{
+    std::error_code ignored;
+    for (const char *kind : kinds)
+        fs::remove(copy_name(base, kind), ignored);
+    fs::remove(base.string() + session_suffix, ignored);
+}
+
+// Signals go to the main thread.
+void work(const state_ptr &state, const std::string &file)
+{
+    rescue_session &session = session_files();
+    bool written = false;
+    try {
+        written = write_model_state(*state, file.c_str());
+    } catch (const std::exception &) {
+        written = false; // no memory
+    }
+    session.failed = !written;
+    session.busy = false;
+}
+
+bool start_worker(const state_ptr &state, const std::string &file)
+{
+    rescue_session &session = session_files();
+    if (session.busy || !state || state->num_objects < 2) // an empty world is no work
+        return false;
+    if (session.worker.joinable())
+        session.worker.join();
+    session.busy = true;
+    session.target = file;
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    session.worker = std::thread(work, state, file);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return true;
+}
+
+// True for a file of a session whose process is gone.
+bool is_left_behind(const fs::path &file, std::string *original)
+{
+    const int fd = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool left = flock(fd, LOCK_EX | LOCK_NB) == 0;
+    if (left) {
+        char text[4096];
+        const ssize_t size = read(fd, text, sizeof text);
+        original->assign(text, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    }
+    close(fd);
+    return left;
+}
+
+// Times of files, in seconds; 0 for none.
+std::time_t written_at(const fs::path &file)
+{
+    struct stat status;
+    return stat(file.c_str(), &status) == 0 ? status.st_mtime : 0;
+}
+
+// Visits each session that was left behind, with its copies.
+template <class Visit>
+void for_each_left(Visit &&visit)
+{
+    std::error_code error;
+    std::vector<fs::path> files;
+    for (const fs::directory_entry &entry : fs::directory_iterator(state_folder(), error)) {
+        if (entry.path().extension() == session_suffix)
+            files.push_back(entry.path());
+    }
+    for (const fs::path &file : files) {
+        std::string original;
+        if (!is_left_behind(file, &original))
+            continue;
+        fs::path base = file;
+        base.replace_extension();
+        std::vector<recovery_copy> copies;
+        for (const char *kind : kinds) {
+            const std::string name = copy_name(base, kind);
+            const std::time_t written = written_at(name);
+            if (written != 0)
+                copies.push_back({name, kind, original, written});
+        }
+        if (copies.empty())
+            remove_files(base);
+        else
+            visit(base, copies);
+    }
+}
+
+} // namespace
+
+void rescue_start()
+{
+    rescue_session &session = session_files();
+    if (!session.base.empty())
+        return;
+    std::error_code error;
+    const fs::path folder = state_folder();
+    fs::create_directories(folder, error);
+    fs::permissions(folder, fs::perms::owner_all, error);
+    const fs::path base =
+        folder / ("session-" + std::to_string(time(nullptr)) + "-" + std::to_string(getpid()));
+    const std::string file = base.string() + session_suffix;
+    session.lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (session.lock < 0 || flock(session.lock, LOCK_EX | LOCK_NB) != 0) {
+        debugf("no copies of unsaved work: can't write '%s'\n", file.c_str());
+        return;
+    }
+    session.base = base;
+    session.rescue_file = copy_name(base, "rescue");
+    session.temporary_file = session.rescue_file + ".part";
+    crash_guard::set_rescue(on_fatal_fault);
+    std::atexit(rescue_end);
+}
+
+void rescue_end()
+{
+    rescue_session &session = session_files();
+    rescue_wait();
+    if (session.base.empty())
+        return;
+    crash_guard::set_rescue(nullptr);
+    if (!session.kept)
+        remove_files(session.base);
+    close(session.lock);
+    session.base.clear();
+}
+
+void rescue_keep() { session_files().kept = true; }
+
+bool autosave_start(const char *file)
+{
+    rescue_session &session = session_files();
+    if (file[0] != '\0')
+        return start_worker(model_state_capture(), file);
+    if (session.base.empty())
+        return false;
+    note_original();
+    return start_worker(model_state_capture(), copy_name(session.base, "autosave"));
+}
+
+void rescue_write()
+{
+    rescue_session &session = session_files();
+    if (session.base.empty())
+        return;
+    note_original();
+    start_worker(journal_state(), session.rescue_file);
+}
+
+void rescue_write_now()
+{
+    rescue_wait();
+    rescue_write();
+    rescue_wait();
+}
+
+bool rescue_wait()
+{
+    rescue_session &session = session_files();
+    if (session.worker.joinable())
+        session.worker.join();
+    return !session.failed;
+}
+
+void rescue_tell_failure()
+{
+    rescue_session &session = session_files();
+    if (session.busy)
+        return;
+    if (session.failed && !session.told)
+        display_message("can't write the copy '%s'", session.target.c_str());
+    session.told = session.failed;
+}
+
+std::vector<recovery_copy> recovery_copies()
+{
+    std::vector<recovery_copy> found;
+    for_each_left([&](const fs::path &, const std::vector<recovery_copy> &copies) {
+        for (const recovery_copy &copy : copies) {
+            if (copy.original.empty() || written_at(copy.original) <= copy.written)
+                found.push_back(copy);
+        }
+    });
+    std::sort(found.begin(), found.end(),
+              [](const recovery_copy &a, const recovery_copy &b) { return a.written > b.written; });
+    return found;
+}
+
+bool recovery_drop(const char *file)
+{
+    bool dropped = false;
+    for_each_left([&](const fs::path &base, const std::vector<recovery_copy> &copies) {
+        for (const recovery_copy &copy : copies) {
+            if (copy.file != file)
+                continue;
+            std::error_code error;
+            dropped = fs::remove(copy.file, error);
+            if (copies.size() == 1)
+                remove_files(base);
+        }
+    });
+    return dropped;
+}
+
+void rescue_reset_for_test()
+{
+    session_files().kept = false;
+    rescue_end();
+    session_files().failed = false;
+    session_files().told = false;
+}

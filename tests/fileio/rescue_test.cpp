@@ -1,0 +1,229 @@
+#include "fileio/rescue.h"
+
+#include "app/crash_guard.h"
+#include "app/current_file.h"
+#include "edit/journal.h"
+#include "fileio/backup.h"
+#include "fileio/state_writer.h"
+#include "fileio/vesk_writer.h"
+#include "model/matrix.h"
+#include "model/object_tree.h"
+#include "model/world.h"
+#include "tests/support/scene_test.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string scene()
+{
+    const std::string file = temporary_file("scene.vesk");
+    write_vesk_object(file.c_str(), vesk_get_world());
+    return read_text(file);
+}
+
+class Rescue : public SceneTest {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        folder_ = temporary_file("state");
+        setenv("XDG_STATE_HOME", folder_.c_str(), 1);
+        current_file() = {};
+        object_t *group = new_group();
+        object_set_name(group, "a \"group\"");
+        const float quarter_turn[9] = {0, 1, 0, -1, 0, 0, 0, 0, 1}; // exact in every number
+        matrix_copy(quarter_turn, group->rotation);
+        object_add_child(vesk_get_world(), group);
+        object_t *cube = add_cube("turned");
+        object_reparent(cube, group);
+        vesk_object_set_centre(cube, 1, 2, 3);
+        object_set_userdata(cube, "some\ndata");
+        object_t *square = add_square(2);
+        object_reparent(square, cube);
+        for (object_t *turned : {cube, square})
+            matrix_copy(quarter_turn, turned->rotation);
+        surface_set_col(object_get_surface_at(cube, 0), 5);
+        journal_begin();
+    }
+    void TearDown() override
+    {
+        rescue_reset_for_test();
+        fs::remove_all(folder_);
+        unsetenv("XDG_STATE_HOME");
+        SceneTest::TearDown();
+    }
+    // Runs `work` in a process of its own; returns its status.
+    template <class Work>
+    int in_another_process(Work &&work)
+    {
+        const pid_t child = fork();
+        if (child == 0) {
+            if (freopen("/dev/null", "w", stderr) != nullptr)
+                work();
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return status;
+    }
+
+    std::string folder_;
+};
+
+TEST_F(Rescue, CopiesReadBackAsTheModel)
+{
+    const std::string whole = scene();
+    const std::string copy = temporary_file("copy.vesk");
+    current_file_set("/somewhere/mine.vesk");
+    recording().scripts.clear();
+    EXPECT_EQ(run("autosave", copy), "1");
+    EXPECT_TRUE(rescue_wait());
+    EXPECT_EQ(current_file().name, "/somewhere/mine.vesk");
+    EXPECT_TRUE(recording().scripts.empty()); // says nothing
+    EXPECT_EQ(read_text(copy), model_state_text(*model_state_capture()));
+    run("clear_all");
+    run("file_load", copy);
+    EXPECT_EQ(scene(), whole);
+}
+
+TEST_F(Rescue, TheBareWriterWritesTheSame)
+{
+    const state_ptr state = model_state_capture();
+    const std::string file = temporary_file("bare.vesk");
+    ASSERT_TRUE(write_model_state_bare(*state, (file + ".part").c_str(), file.c_str()));
+    EXPECT_EQ(read_text(file), model_state_text(*state));
+    EXPECT_FALSE(fs::exists(file + ".part"));
+    EXPECT_FALSE(write_model_state_bare(*state, "/nowhere/x", "/nowhere/y"));
+}
+
+struct end_case {
+    const char *name;
+    void (*end)();
+    const char *kind; // of the copy that is offered; null for none
+};
+void PrintTo(const end_case &c, std::ostream *out) { *out << c.name; }
+// clang-format off
+const end_case end_cases[] = {
+    {"killed",    [] { run("autosave", ""); rescue_wait(); raise(SIGKILL); }, "autosave"},
+    {"aborted",   [] { abort(); },                                            "rescue"},
+    {"asked",     [] { rescue_keep(); rescue_write_now(); rescue_end(); },    "rescue"},
+    {"well",      [] { run("autosave", ""); rescue_write_now(); rescue_end(); }, nullptr},
+    {"untouched", [] { raise(SIGKILL); },                                     nullptr},
+};
+// clang-format on
+class SessionEnd : public Rescue, public testing::WithParamInterface<end_case> {};
+
+TEST_P(SessionEnd, LeavesACopyOrNone)
+{
+    const std::string whole = scene();
+    in_another_process([] {
+        crash_guard::install();
+        rescue_start();
+        GetParam().end();
+    });
+    const std::vector<recovery_copy> copies = recovery_copies();
+    if (!GetParam().kind) {
+        EXPECT_TRUE(copies.empty());
+        EXPECT_TRUE(fs::is_empty(fs::path(folder_) / "vesk")); // nothing is left lying about
+        return;
+    }
+    ASSERT_EQ(copies.size(), 1u);
+    EXPECT_EQ(copies[0].kind, GetParam().kind);
+    EXPECT_EQ(copies[0].original, "");
+    run("clear_all");
+    run("file_load", copies[0].file);
+    EXPECT_EQ(scene(), whole);
+    EXPECT_EQ(run("recovery_drop", copies[0].file), "1");
+    EXPECT_EQ(run("recovery_list"), "");
+    EXPECT_TRUE(fs::is_empty(fs::path(folder_) / "vesk"));
+}
+INSTANTIATE_TEST_SUITE_P(Ways, SessionEnd, testing::ValuesIn(end_cases));
+
+TEST_F(Rescue, ALivingSessionsCopiesAreNotOffered)
+{
+    rescue_start();
+    run("autosave", "");
+    ASSERT_TRUE(rescue_wait());
+    EXPECT_TRUE(recovery_copies().empty());
+}
+
+TEST_F(Rescue, CopiesOlderThanTheirFileAreNotOffered)
+{
+    const std::string original = temporary_file("original.vesk");
+    write_text(original, "VESKb\n");
+    in_another_process([&] {
+        current_file_set(original.c_str());
+        rescue_start();
+        run("autosave", "");
+        rescue_wait();
+        raise(SIGKILL);
+    });
+    ASSERT_EQ(recovery_copies().size(), 1u);
+    EXPECT_EQ(recovery_copies()[0].original, original);
+    fs::last_write_time(original, fs::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_TRUE(recovery_copies().empty());
+}
+
+TEST_F(Rescue, AFailureIsToldOnce)
+{
+    const auto times_told = [] {
+        int told = 0;
+        for (const std::string &script : recording().scripts)
+            told += script.find("can't write the copy") != std::string::npos ? 1 : 0;
+        return told;
+    };
+    for (int i = 0; i < 3; ++i) {
+        run("autosave", "/nowhere/copy.vesk");
+        EXPECT_FALSE(rescue_wait());
+        run("get_counts");
+    }
+    EXPECT_EQ(times_told(), 1);
+}
+
+// ---- backups ----
+
+class Backup : public SceneTest {
+protected:
+    void TearDown() override
+    {
+        set_backup_versions(1);
+        SceneTest::TearDown();
+    }
+};
+
+TEST_F(Backup, PreviousVersionsAreKept)
+{
+    const std::string file = temporary_file("backup.vesk");
+    run("set_backup_versions", 2);
+    std::vector<std::string> saved;
+    for (int i = 0; i < 4; ++i) {
+        add_cube(std::to_string(i).c_str());
+        EXPECT_EQ(run("file_save", file), "1");
+        saved.push_back(read_text(file));
+    }
+    EXPECT_EQ(read_text(file + ".bak1"), saved[2]);
+    EXPECT_EQ(read_text(file + ".bak2"), saved[1]);
+    EXPECT_FALSE(fs::exists(file + ".bak3"));
+    EXPECT_FALSE(fs::exists(file + ".bak0"));
+}
+
+TEST_F(Backup, AFailedSaveLeavesThemAlone)
+{
+    const std::string file = temporary_file("kept.vesk");
+    write_text(file, "old");
+    write_text(file + ".bak1", "older");
+    backup_end(file.c_str(), backup_begin(file.c_str()), false);
+    EXPECT_EQ(read_text(file), "old");
+    EXPECT_EQ(read_text(file + ".bak1"), "older");
+    EXPECT_FALSE(fs::exists(file + ".bak0"));
+}
+
+} // namespace
