@@ -18,7 +18,6 @@
 #include <cmath>
 #include <cstring>
 #include <string>
-#include <string>
 
 namespace {
 
