@@ -103,6 +103,7 @@ proc ::vesk::files::started {} {
     set starting 0
     if {$saved_count < 0 && [lindex [vesk get_counts] 1] == 0} {mark_saved}
     show_title
+    ::vesk::recovery::start
 }
 
 # ---- commands of the menu ----

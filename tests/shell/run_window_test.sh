@@ -20,5 +20,6 @@ done
 printf 'VESKPR 12\nshow_startup_tips FALSE\ncpwin_width 1280\ncpwin_height 800\n' \
     >"$work/veskprefs.txt"
 export DISPLAY=":$(cat "$work/display")" USERPROFILE=$work LANG=C.UTF-8
+export XDG_STATE_HOME=$work/state
 export VESK_TEST_ARTEFACTS=$artefacts VESK_TEST_WORK=$work
 timeout 150 "$program" -noplugins -script "$script" "$@"
