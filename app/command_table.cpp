@@ -11,9 +11,12 @@
 #include "edit/modes.h"
 #include "edit/object_flags.h"
 #include "edit/primitives.h"
+#include "edit/revolve.h"
 #include "edit/selection.h"
+#include "edit/text_objects.h"
 #include "edit/transform.h"
 #include "edit/undo.h"
+#include "edit/uvmap.h"
 #include "model/palette.h"
 #include "plugin/importers.h"
 #include "plugin/loader.h"
@@ -41,7 +44,7 @@ vesk_command_t pending_row(const char *name, const char *argtypes, const char *u
 // Never reordered. Deliberate: some usage and help texts are wrong or misspelt and stand as they
 // are.
 vesk_command_t rows[] = {
-    pending_row("add_text", "s", "<string text>"),
+    command_row("add_text", add_text, "<string text>"),
     command_row("clear_all", command_clear_all, nullptr, "delete everything"),
     pending_row("clear_background_image", "d", "<windownum>", "clear the background image of a window"),
     command_row("clear_selection", command_clear_selection),
@@ -52,7 +55,7 @@ vesk_command_t rows[] = {
     pending_row("convexhull", nullptr, nullptr, "convex hull of the selected vertices"),
     pending_row("copy_3d_win_to_clipboard", nullptr, nullptr, "copy the 3D view to the clipboard"),
     pending_row("createsurface", "d", "<int type (0 polygon, 1 closed line, 2 line)>", "create a surface from the selected vertices"),
-    pending_row("create_text", "s", "<string text>"),
+    command_row("create_text", add_text, "<string text>"),
     pending_row("delaunay", nullptr, nullptr, "delaunay triangulation of the selected vertices"),
     command_row("edit_palette_entry", edit_palette_entry, "<int entrynum>", "open the material editor"),
     pending_row("execute", "s", "<string system-command>"),
@@ -139,9 +142,9 @@ vesk_command_t rows[] = {
     command_row("redraw_orth", redraw_orth, nullptr, "redraw orthograpic windows"),
     pending_row("reduce", "d", "<int target percentage vertex loss>", "reduce polys"),
     command_row("reset_views", reset_views, nullptr, "reset window views to initial setup"),
-    pending_row("remap_textures", "d", "<int window>", "map textures onto the selection"),
+    command_row("remap_textures", selected_calc_texture_coors, "<int window>", "map textures onto the selection"),
     pending_row("removesurface", nullptr, nullptr, "remove the selected surfaces, keep their vertices"),
-    pending_row("revolve", "d", "<int axis>", "Revolve selected around an axis"),
+    command_row("revolve", rotate_form_selected_objects, "<int axis>", "Revolve selected around an axis"),
     command_row("rotate", rotate_selection_f, "<float rx-degs> <float ry-degs> <float rz-degs>", "rotate selection about origin"),
     command_row("rotate_axis_angle", selection_rotate_axis_angle, "<float axis> <float angle>", "Rotate selected around an axis, with angle"),
     command_row("rotate_about", rotate_selection_about_f, "<float rx-degs> <float ry-degs> <float rz-degs> <float x_ <float y> <float z>", "rotate selection about a point"),

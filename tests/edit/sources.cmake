@@ -1,6 +1,8 @@
 target_sources(vesk_tests PRIVATE
     edit/journal_test.cpp
+    edit/revolve_test.cpp
     edit/selection_test.cpp
+    edit/text_objects_test.cpp
     edit/transform_test.cpp
     edit/undo_test.cpp
 )
