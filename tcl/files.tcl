@@ -83,6 +83,8 @@ proc ::vesk::files::told_name {name} {
     if {$starting} {
         add_recent $name
         if {!$many} {mark_saved}
+        # A model that was just opened is looked at, not edited: nothing of it is selected.
+        after idle {vesk clear_selection}
     }
     show_title
 }
@@ -151,6 +153,7 @@ proc ::vesk::files::open_file {name} {
         mark_saved
         return 0
     }
+    vesk clear_selection
     set title $name
     set target [expr {[string equal -nocase [file extension $name] .vesk] ? $name : ""}]
     mark_saved
