@@ -135,7 +135,7 @@ proc ::vesk::theme::follow {script} {
 # image_element --
 #   Makes an element from pictures.
 #   states   the picture without state, then {state picture} pairs in the order they are tried
-#   options  further options; -border and -padding are scaled here
+#   options  further options; -border, -padding, -width and -height are scaled here
 proc ::vesk::theme::image_element {theme name states options} {
     set words [list [::vesk::icons::element $theme [lindex $states 0]]]
     foreach {state picture} [lrange $states 1 end] {
@@ -144,6 +144,7 @@ proc ::vesk::theme::image_element {theme name states options} {
     set scaled {}
     foreach {option value} $options {
         if {$option in {-border -padding}} {set value [pad {*}$value]}
+        if {$option in {-width -height}} {set value [px $value]}
         lappend scaled $option $value
     }
     ttk::style element create $name image $words {*}$scaled
@@ -154,40 +155,40 @@ proc ::vesk::theme::image_element {theme name states options} {
 proc ::vesk::theme::make_elements {theme} {
     foreach {name states options} {
         Fld.rr {field-normal disabled field-disabled invalid field-invalid focus field-focus
-            active field-hover} {-border 5 -padding {6 5} -sticky nswe}
+            active field-hover} {-border 5 -padding {6 5} -width 16 -height 16 -sticky nswe}
         Btn.rr {button-normal disabled button-disabled pressed button-pressed focus button-focus
-            active button-hover} {-border 5 -padding {10 5} -sticky nswe}
+            active button-hover} {-border 5 -padding {10 5} -width 16 -height 16 -sticky nswe}
         Def.rr {default-normal disabled button-disabled pressed default-hover focus default-focus
-            active default-hover} {-border 5 -padding {12 5} -sticky nswe}
+            active default-hover} {-border 5 -padding {12 5} -width 16 -height 16 -sticky nswe}
         Tool.rr {tool-normal {selected focus} tool-on-focus selected tool-on
             {pressed !disabled} tool-hover {active !disabled} tool-hover focus tool-focus}
-            {-border 5 -padding 6 -sticky nswe}
+            {-border 5 -padding 6 -width 20 -height 20 -sticky nswe}
         Icon.rr {tool-normal {pressed !disabled} tool-hover {active !disabled} tool-hover
-            focus tool-focus} {-border 5 -padding 4 -sticky nswe}
+            focus tool-focus} {-border 5 -padding 4 -width 20 -height 20 -sticky nswe}
         Seg.rr {segment-normal {selected focus} segment-on-focus selected segment-on
             {active !disabled} segment-hover focus segment-focus}
-            {-border 6 -padding {7 5 8 5} -sticky nswe}
+            {-border 6 -padding {7 5 8 5} -width 20 -height 20 -sticky nswe}
         Chk.indicator {check-off {disabled selected} check-on-disabled disabled check-off-disabled
             {selected focus} check-on-focus {selected active} check-on-hover selected check-on
             focus check-off-focus active check-off-hover} {-sticky {}}
         Rad.indicator {radio-off {disabled selected} radio-on-disabled disabled radio-off-disabled
             {selected focus} radio-on-hover {selected active} radio-on-hover selected radio-on
             focus radio-off-hover active radio-off-hover} {-sticky {}}
-        Sc.trough {trough} {-border {3 0 3 0} -padding 0 -sticky we}
+        Sc.trough {trough} {-border {3 0 3 0} -padding 0 -width 12 -height 16 -sticky we}
         Sc.slider {knob-normal disabled knob-disabled focus knob-hover active knob-hover
             pressed knob-hover} {-sticky {}}
         Vs.trough {nothing} {-border 2 -padding 0 -sticky ns}
         Vs.thumb {thumb-normal pressed thumb-hover active thumb-hover}
-            {-border {3 6 3 6} -padding 0 -sticky ns}
+            {-border {3 6 3 6} -padding 0 -width 10 -height 16 -sticky ns}
         Hs.trough {nothing} {-border 2 -padding 0 -sticky we}
         Hs.thumb {hthumb-normal pressed hthumb-hover active hthumb-hover}
-            {-border {6 3 6 3} -padding 0 -sticky we}
-        Pr.trough {progress-trough} {-border {4 0 4 0} -padding 0 -sticky we}
-        Pr.pbar {progress-bar} {-border {4 0 4 0} -padding 0 -sticky we}
+            {-border {6 3 6 3} -padding 0 -width 16 -height 10 -sticky we}
+        Pr.trough {progress-trough} {-border {4 0 4 0} -padding 0 -width 12 -height 8 -sticky we}
+        Pr.pbar {progress-bar} {-border {4 0 4 0} -padding 0 -width 12 -height 8 -sticky we}
         Tab.rr {tab-normal {selected focus} tab-on-focus selected tab-on active tab-hover}
-            {-border 5 -padding {10 6} -sticky nswe}
+            {-border 5 -padding {10 6} -width 16 -height 16 -sticky nswe}
         Chip.rr {chip-normal focus chip-focus active chip-hover pressed chip-hover}
-            {-border 5 -padding {8 3 4 3} -sticky nswe}
+            {-border 5 -padding {8 3 4 3} -width 16 -height 16 -sticky nswe}
         Chip.arrow {chip-arrow} {-sticky {}}
         Cmb.arrow {arrow-normal disabled arrow-disabled} {-sticky {}}
         Vesk.indicator {tree-shut user2 tree-leaf {user1 selected} tree-open-on user1 tree-open
