@@ -1,12 +1,14 @@
 // Writes the geometry of an image into a live object.
 
 #include "edit/model_state_internal.h"
+#include "edit/selection_scan.h"
+#include "model/alloc.h"
 #include "model/change_marks_internal.h"
-#include "model/each.h"
-#include "model/object_internal.h"
+#include "model/freed_internal.h"
 #include "model/vector.h"
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -84,61 +86,123 @@ void write_values(const object_state &state, const flat_mesh &image)
         write_texture_coords(surfaces, vertices, image);
 }
 
-// ---- new lists ----
+// ---- other lists ----
 
-struct built_lists {
-    std::vector<vertex *> vertices;
-    std::vector<surface_t *> surfaces;
+// Goes along a list whose nodes and records are used again, in their order, for other elements: half
+// of what making a million of them anew costs is the allocator's work. `make` makes what is missing;
+// `is_used` tells records that stand in the list twice.
+template <class T>
+class refill {
+public:
+    explicit refill(listitem **head) : head_(head), node_(*head) {}
+
+    template <class IsUsed, class Make>
+    T *next(const IsUsed &is_used, const Make &make)
+    {
+        if (!node_) {
+            last_ = list_add_item_fast(head_, last_, make());
+            return item_of<T>(last_);
+        }
+        last_ = std::exchange(node_, node_->next);
+        if (!item_of<T>(last_) || is_used(item_of<T>(last_)))
+            last_->data = reinterpret_cast<std::intptr_t>(make());
+        return item_of<T>(last_);
+    }
+    // What is left over.
+    template <class IsUsed, class Free>
+    void finish(const IsUsed &is_used, const Free &free_record)
+    {
+        if (!node_)
+            return;
+        *(last_ ? &last_->next : head_) = nullptr;
+        for (T *record : each<T>(node_)) {
+            if (record && !is_used(record))
+                free_record(record);
+        }
+        list_free(&node_);
+    }
+
+private:
+    listitem **head_;
+    listitem *node_; // not used yet
+    listitem *last_ = nullptr;
 };
 
-listitem *build_vertices(const flat_mesh &image, std::vector<vertex *> *records)
+// True for records that were filled, which carry their places as numbers.
+template <class T>
+class filled_records {
+public:
+    explicit filled_records(std::size_t n) { records.reserve(n); }
+    bool operator()(const T *record) const
+    {
+        const std::uint32_t number = scratch(record);
+        return number < records.size() && records[number] == record;
+    }
+    void add(T *record)
+    {
+        set_scratch(record, static_cast<std::uint32_t>(records.size()));
+        records.push_back(record);
+    }
+    std::vector<T *> records;
+};
+
+std::vector<vertex *> fill_vertices(object_t *object, const flat_mesh &image)
 {
     const std::size_t n = image.positions->size();
-    records->reserve(n);
-    owned_list list;
+    filled_records<vertex> filled(n);
+    refill<vertex> list(&object->vertices);
     for (std::size_t i = 0; i < n; ++i) {
-        const point3_t &p = (*image.positions)[i];
-        vertex *point = new_vertex_set(p.x, p.y, p.z);
+        vertex *point = list.next(filled, new_vertex);
+        point->position = (*image.positions)[i];
         point->normal = (*image.normals)[i];
-        records->push_back(point);
-        list.add(point);
+        filled.add(point);
     }
-    return list.release();
-}
-
-listitem *build_surfaces(const flat_mesh &image, built_lists *built)
-{
-    const std::size_t n = image.surfaces->size();
-    built->surfaces.reserve(n);
-    owned_list list;
-    std::size_t corner = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-        surface_t *surface = new_surface();
-        write_attributes(surface, (*image.surfaces)[i]);
-        surface->normal = (*image.face_normals)[i];
-        const auto end = places((*image.corner_offsets)[i + 1]);
-        surface->num_refs = static_cast<int>(end - corner);
-        listitem *last = nullptr;
-        for (; corner < end; ++corner) {
-            const flat_uv &uv = (*image.texture_coords)[corner];
-            vertex *point = built->vertices[places((*image.corners)[corner])];
-            last = list_add_item_fast(&surface->refs, last, new_svertex(point, uv.u, uv.v));
-        }
-        built->surfaces.push_back(surface);
-        list.add(surface);
-    }
-    return list.release();
-}
-
-built_lists build_lists(object_t *object, const flat_mesh &image)
-{
-    object_free_geometry(object);
-    built_lists built;
-    object->vertices = build_vertices(image, &built.vertices);
+    list.finish(filled, vertex_free_record);
     object->num_vertices = image.num_vertices();
-    object->surfaces = build_surfaces(image, &built);
+    return std::move(filled.records);
+}
+
+void fill_corners(surface_t *surface, const flat_mesh &image, int place,
+                  const std::vector<vertex *> &vertices)
+{
+    const auto never = [](const svertex *) { return false; };
+    const auto make = [] { return new_svertex(nullptr, 0, 0); };
+    auto corner = places((*image.corner_offsets)[places(place)]);
+    refill<svertex> list(&surface->refs);
+    for (const int index : image.surface_corners(place)) {
+        const flat_uv &uv = (*image.texture_coords)[corner++];
+        *list.next(never, make) = {vertices[places(index)], uv.u, uv.v};
+    }
+    list.finish(never, [](svertex *reference) { myfree(reference); });
+    surface->num_refs = static_cast<int>(image.surface_corners(place).size());
+}
+
+std::vector<surface_t *> fill_surfaces(object_t *object, const flat_mesh &image,
+                                       const std::vector<vertex *> &vertices)
+{
+    filled_records<surface_t> filled(image.surfaces->size());
+    refill<surface_t> list(&object->surfaces);
+    for (int i = 0; i < image.num_surfaces(); ++i) {
+        surface_t *surface = list.next(filled, new_surface);
+        write_attributes(surface, (*image.surfaces)[places(i)]);
+        surface->normal = (*image.face_normals)[places(i)];
+        fill_corners(surface, image, i, vertices);
+        filled.add(surface);
+    }
+    list.finish(filled, surface_free_record);
     object->num_surfaces = image.num_surfaces();
-    return built;
+    return std::move(filled.records);
+}
+
+// Every vertex and surface that was there is gone for those who hold it.
+void fill_lists(object_t *object, flat_mesh *image)
+{
+    freed_announce_geometry(object);
+    list_prepare_fast(nullptr, 0); // its short cuts may lead to nodes that go
+    std::vector<vertex *> vertices = fill_vertices(object, *image);
+    std::vector<surface_t *> surfaces = fill_surfaces(object, *image, vertices);
+    image->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
+    image->surface_records = std::make_shared<const std::vector<surface_t *>>(std::move(surfaces));
 }
 
 } // namespace
@@ -171,11 +235,7 @@ void object_write_geometry(object_t *object, const flat_mesh &image)
         flat->vertex_records = state.flat->vertex_records;
         flat->surface_records = state.flat->surface_records;
     } else {
-        built_lists built = build_lists(object, *flat);
-        flat->vertex_records =
-            std::make_shared<const std::vector<vertex *>>(std::move(built.vertices));
-        flat->surface_records =
-            std::make_shared<const std::vector<surface_t *>>(std::move(built.surfaces));
+        fill_lists(object, flat.get());
     }
     object_mark(object, 0); // a new stamp: what others know of the object is out of date
     flat->stamp = state.stamp;

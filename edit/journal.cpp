@@ -1,6 +1,7 @@
 #include "edit/journal.h"
 
 #include "app/messages_internal.h"
+#include "app/session_state.h"
 #include "edit/journal_internal.h"
 #include "edit/modes.h"
 #include "model/change_marks.h"
@@ -115,13 +116,16 @@ bool take_step(const char *label, bool faulted)
     now.faulted = faulted;
     now.words = list.words;
     for (const undo_record_ptr &record : now.records)
-        now.foreign = now.foreign || (record->external && record->serial > first_serial);
+        now.foreign = now.foreign || (record->foreign && record->serial > first_serial);
     drop_ahead();
     list.entries.push_back(std::move(now));
     ++list.present;
     keep_limit();
     return true;
 }
+
+// Scripts that a command's messages run may ask: its step is not cut in two for that.
+bool inside_a_command() { return session().command_depth > 1; }
 
 // Model, selection and mode as in a state. Undo records that name what goes are noted as broken.
 void jump(const state_ptr &state)
@@ -226,7 +230,8 @@ bool journal_take_back()
 
 std::vector<journal_item> journal_items()
 {
-    journal_settle();
+    if (!inside_a_command())
+        journal_settle();
     std::vector<journal_item> items;
     for (int i = 0; i < num_entries(); ++i)
         items.push_back({entry(i).label.c_str(), i == journal().present, entry(i).foreign});
@@ -235,8 +240,11 @@ std::vector<journal_item> journal_items()
 
 std::uint64_t journal_change_number()
 {
-    journal_settle();
-    return entry(journal().present).change;
+    if (!inside_a_command())
+        journal_settle();
+    const bool behind = journal().model_count != model_change_count();
+    // What the running command has changed gets the next number when the command ends.
+    return behind ? journal().changes + 1 : entry(journal().present).change;
 }
 
 void journal_note_words(std::vector<std::string> words) { journal().words = std::move(words); }

@@ -104,9 +104,8 @@ image_ptr image_of(object_t *object, const object_image *before)
     image->properties = properties_of(object->properties);
     image->geometry = object_flat(object)->without_records();
     flat_mesh &mesh = image->geometry;
-    // Derived face normals are not kept. Those of the image before are known not to be.
-    const bool known_own = before && before->geometry.face_normals == mesh.face_normals;
-    if (!known_own && face_normals_follow(mesh))
+    // Derived face normals are not kept a second time. Those of the image before are known.
+    if (before && before->geometry.face_normals != mesh.face_normals && face_normals_follow(mesh))
         mesh.face_normals = nullptr;
     images_hold(mesh);
     return image;

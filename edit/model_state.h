@@ -86,7 +86,7 @@ using state_ptr = std::shared_ptr<const model_state>;
 state_ptr model_state_capture();
 
 // Makes the model as it was. Objects that did not change since stay as they are; where only values
-// changed they are written back; else the geometry is made anew, in list order. Identities are
+// changed they are written back; else the geometry is made anew. Identities are
 // kept, objects that the state does not have are freed, holders of references are told. The
 // selection becomes the state's and is announced with "undo", or stays with what lives on. Draws
 // nothing.

@@ -38,8 +38,9 @@ void selection_image_restore(const selection_image &image, const objects_by_iden
 
 // ---- geometry ----
 
-// Makes the object's vertices and surfaces those of the image. `current` is the geometry that the
-// object is known to have, or null. Sets the object's flat mesh.
+// Makes the object's vertices and surfaces those of the image and sets its flat mesh. Where the
+// lists are known to be the image's, values are written; else the holders of references are told
+// that all vertices and surfaces are gone, though their records are used again.
 void object_write_geometry(object_t *object, const flat_mesh &image);
 
 #endif

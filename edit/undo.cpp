@@ -16,6 +16,8 @@
 #include "model/world.h"
 #include "view/redraw.h"
 
+#include <algorithm>
+#include <dlfcn.h>
 #include <utility>
 
 namespace {
@@ -310,6 +312,19 @@ void set_undo_surface_colour(surface_t *, int) {}
 
 // ---- operations of plug-ins ----
 
+namespace {
+
+// True when it is not one of the program's own: its code lies in another file.
+bool is_foreign(const vesk_undoable_t &operation)
+{
+    Dl_info own, its;
+    return dladdr(reinterpret_cast<void *>(&add_undoable), &own) != 0 &&
+           dladdr(reinterpret_cast<void *>(operation.undo), &its) != 0 &&
+           own.dli_fbase != its.dli_fbase;
+}
+
+} // namespace
+
 void add_undoable(const char *description, const vesk_undoable_t *undoable)
 {
     const vesk_undoable_t operation = *undoable;
@@ -318,6 +333,7 @@ void add_undoable(const char *description, const vesk_undoable_t *undoable)
         new_undo(UNDO_EXTERNAL, description);
         current()->undoable = operation;
         current()->external = true;
+        current()->foreign = is_foreign(operation);
         current()->filled = true;
     }
     if (operation.perform)

@@ -54,7 +54,8 @@ struct undo_record {
     std::vector<saved_position> positions;
     std::vector<saved_texture_coords> texture_coords;
     vesk_undoable_t undoable = {};
-    bool external = false;
+    bool external = false; // `undoable` reverses it
+    bool foreign = false;  // and is a plug-in's
 
     undo_record(int new_kind, const char *text);
     ~undo_record();

@@ -144,6 +144,19 @@ void freed_announce_left(object_t *top)
     announce(with_contents(left));
 }
 
+void freed_announce_geometry(const object_t *object)
+{
+    if (record().listeners.empty())
+        return;
+    freed_things gone;
+    for (surface_t *surface : each<surface_t>(object->surfaces))
+        gone.surfaces.push_back(surface);
+    for (vertex *point : each<vertex>(object->vertices))
+        gone.vertices.push_back(point);
+    if (!gone.empty())
+        announce(gone);
+}
+
 void freed_reset_after_fault()
 {
     // What was pending may still be linked somewhere: it is left alone.

@@ -6,6 +6,10 @@
 // Tells the holders that a tree has left the scene, though it is not freed.
 void freed_announce_left(object_t *top);
 
+// Tells the holders that the object's own vertices and surfaces are gone: their records are about
+// to be used for others.
+void freed_announce_geometry(const object_t *object);
+
 // A fault skipped the ends of the batches that were open.
 void freed_reset_after_fault();
 

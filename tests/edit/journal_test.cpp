@@ -3,6 +3,7 @@
 #include "app/crash_guard.h"
 #include "app/prefs.h"
 #include "edit/selection_internal.h"
+#include "edit/transform.h"
 #include "edit/undo.h"
 #include "fileio/vesk_writer.h"
 #include "model/change_marks.h"
@@ -247,7 +248,11 @@ TEST_F(Journal, RepeatsTheLastCommand)
 
 void fault_half_way()
 {
+    if (!vesk_get_world()->children)
+        throw std::runtime_error("on purpose");
     object_t *first = item_of<object_t>(vesk_get_world()->children);
+    if (!first->vertices)
+        throw std::runtime_error("on purpose");
     new_undo(UNDO_MOVE, "half way"); // not filled
     item_of<vertex>(first->vertices)->position.x = 77;
     first->num_vertices = 3;
@@ -327,11 +332,42 @@ private:
         case 18: run("delete_some"); break;
         case 19: run("rebuild_some"); break;
         case 20: run("repeat_last"); break;
+        case 24: drag(); break;
+        case 25: fault(); break;
         case 21: run("history_goto", pick(static_cast<int>(journal_items().size()))); break;
         case 22: case 23: run("redo"); break;
         default: run("undo"); break;
         }
         // clang-format on
+    }
+
+    // As the mouse tools do: no state before the end, and none when it is cancelled.
+    void drag()
+    {
+        const std::string before = scene();
+        const point3_t offset = {0.3f, 0.7f, 0.1f};
+        journal_hold(true);
+        translate_all_selected(&offset);
+        journal_hold(false);
+        if (pick(2) == 0) {
+            journal_revert();
+            ASSERT_EQ(scene(), before);
+            return;
+        }
+        new_undo(UNDO_MOVE, "drag");
+        set_undo_vert(offset.x, offset.y, offset.z);
+        find_bounding_box();
+        journal_step("drag");
+    }
+
+    void fault()
+    {
+        const std::string before = scene();
+        crash_guard::forget_faults_for_test();
+        run("fault");
+        if (pick(2) == 0 && run("take_back") == "1") {
+            ASSERT_EQ(scene(), before);
+        }
     }
 
     // The same number, the same text; and nothing is out of order.
@@ -379,6 +415,7 @@ TEST_P(AnySession, GoesBackAndForthExactly)
 {
     vesk_add_command("delete_some", delete_some);
     vesk_add_command("rebuild_some", rebuild_some);
+    vesk_add_command("fault", fault_half_way);
     prefs.undo_levels = 6;
     session_of_edits(GetParam()).run_for(150);
 }
