@@ -326,6 +326,8 @@ int main(int argc, char **argv)
         if (printable && make_glyph(face, code, scale, &glyph))
             glyphs.push_back(std::move(glyph));
     }
+    FT_Done_Face(face);
+    FT_Done_FreeType(library);
     if (!write_font(argv[2], glyphs)) {
         std::fprintf(stderr, "can't write %s\n", argv[2]);
         return 1;
