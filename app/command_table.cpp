@@ -8,13 +8,17 @@
 #include "app/prefs.h"
 #include "app/session_state.h"
 #include "edit/current_object.h"
+#include "edit/delete.h"
+#include "edit/holes.h"
 #include "edit/modes.h"
 #include "edit/object_flags.h"
 #include "edit/primitives.h"
 #include "edit/revolve.h"
 #include "edit/selection.h"
+#include "edit/surface_attributes.h"
 #include "edit/text_objects.h"
 #include "edit/transform.h"
+#include "edit/triangulate.h"
 #include "edit/undo.h"
 #include "edit/uvmap.h"
 #include "model/palette.h"
@@ -61,7 +65,7 @@ vesk_command_t rows[] = {
     pending_row("execute", "s", "<string system-command>"),
     pending_row("extrude_along_path", nullptr, nullptr, "extrude the selected surfaces along the path object"),
     pending_row("define_extrude_path", nullptr, nullptr, "define the selected object as the extrusion path"),
-    pending_row("delete", nullptr, nullptr, "delete the selection"),
+    command_row("delete", delete_selected, nullptr, "delete the selection"),
     command_row("do_perspective", do_perspective, "<int 0 parallel, 1 perspective>", "projection of the 3D view"),
     pending_row("duplicate", nullptr, nullptr, "duplicate the selection"),
     pending_row("execute_surface_filter", "s", "<string filter>", "run a surface filter on the selection"),
@@ -143,7 +147,7 @@ vesk_command_t rows[] = {
     pending_row("reduce", "d", "<int target percentage vertex loss>", "reduce polys"),
     command_row("reset_views", reset_views, nullptr, "reset window views to initial setup"),
     command_row("remap_textures", selected_calc_texture_coors, "<int window>", "map textures onto the selection"),
-    pending_row("removesurface", nullptr, nullptr, "remove the selected surfaces, keep their vertices"),
+    command_row("removesurface", remove_selected_surfaces, nullptr, "remove the selected surfaces, keep their vertices"),
     command_row("revolve", rotate_form_selected_objects, "<int axis>", "Revolve selected around an axis"),
     command_row("rotate", rotate_selection_f, "<float rx-degs> <float ry-degs> <float rz-degs>", "rotate selection about origin"),
     command_row("rotate_axis_angle", selection_rotate_axis_angle, "<float axis> <float angle>", "Rotate selected around an axis, with angle"),
@@ -160,7 +164,7 @@ vesk_command_t rows[] = {
     command_row("selection_get_num_surfaces", command_selection_get_num_surfaces, nullptr, "returns the number of selected surfaces"),
     command_row("selection_get_num_objects", command_selection_get_num_objects, nullptr, "returns the number of selected objects"),
     pending_row("selected_texture_off", nullptr, nullptr, "take the texture off the selection"),
-    pending_row("set_col", "d", "<int entrynum>", "set the material of the selection"),
+    command_row("set_col", command_set_col, "<int entrynum>", "set the material of the selection"),
     command_row("set_current_object_data", set_current_object_data, "<string data>", "set the data of the current object"),
     command_row("set_current_object_name", set_current_object_name, "<string name>", "set the name of the current object"),
     command_row("set_current_object_url", set_current_object_url, "<string url>", "set the url of the current object"),
@@ -173,25 +177,25 @@ vesk_command_t rows[] = {
     pending_row("set_texture_repeats", "ff", "<float x> <float y>", "set the texture repeats of the selection"),
     pending_row("set_texture_offsets", "ff", "<float x> <float y>", "set the texture offsets of the selection"),
     command_row("set_palette_entry", command_set_palette_entry, "<int entrynum> <float red> <float green> <float blue>  <float ambient-red> <float ambient-green> <float ambient-blue> <float emissive-red> <float emissive-green> <float emissive-blue> <float specular-red> <float specular-green> <float specular-blue> <float shininess> <float transp>"),
-    pending_row("set_surface_type", "d", "<int type>", "set the type of the selected surfaces"),
+    command_row("set_surface_type", command_set_surface_type, "<int type>", "set the type of the selected surfaces"),
     command_row("set_walk_viewer", person_set_walk, nullptr, "viewer to walk mode"),
     command_row("set_spin_viewer", person_set_spin, nullptr, "viewer to spin mode"),
     command_row("size_to", selection_size_to_f, "<float x> <float y> <float z>", "size selection (absolute)"),
     pending_row("snaptogether", nullptr, nullptr, "snap the selected vertices together"),
     pending_row("snaptogetherdistance", "f", "<float distance>", "snap the selected vertices within a distance together"),
     pending_row("snaptogrid", nullptr, nullptr, "snap the selected vertices to the grid"),
-    pending_row("surface_bevel", nullptr, nullptr, "bevel the selected surfaces"),
+    command_row("surface_bevel", selected_surfaces_bevel, nullptr, "bevel the selected surfaces"),
     pending_row("start_web_browser", "s", "<string url>", "start up a web browser with this URL"),
-    pending_row("surface_change_vertex_order", nullptr, nullptr, "change the first vertex of the selected surfaces"),
+    command_row("surface_change_vertex_order", command_surface_change_vertex_order, nullptr, "change the first vertex of the selected surfaces"),
     pending_row("surface_create_object", nullptr, nullptr, "make an object of the selected surfaces"),
-    pending_row("surface_flip_normals", nullptr, nullptr, "reverse the selected surfaces"),
-    pending_row("surface_make_hole", nullptr, nullptr, "make holes in the selected surfaces"),
-    pending_row("surface_set_shaded", "d", "<int 0 flat, 1 smooth>", "set the shading of the selected surfaces"),
-    pending_row("surface_set_twosided", "d", "<int 0 or 1>", "set the sides of the selected surfaces"),
+    command_row("surface_flip_normals", command_surface_flip_normals, nullptr, "reverse the selected surfaces"),
+    command_row("surface_make_hole", selected_surfaces_make_hole, nullptr, "make holes in the selected surfaces"),
+    command_row("surface_set_shaded", command_surface_set_shaded, "<int 0 flat, 1 smooth>", "set the shading of the selected surfaces"),
+    command_row("surface_set_twosided", command_surface_set_twosided, "<int 0 or 1>", "set the sides of the selected surfaces"),
     pending_row("surface_spike", nullptr, nullptr, "spike the selected surfaces"),
     pending_row("surface_spline", nullptr, nullptr, "spline the selected lines"),
     pending_row("surface_subdivide", nullptr, nullptr, "subdivide the selected surfaces"),
-    pending_row("surface_triangulate", nullptr, nullptr, "triangulate the selected surfaces"),
+    command_row("surface_triangulate", selected_surface_triangulate, nullptr, "triangulate the selected surfaces"),
     pending_row("surface_loop_subdivision", "f", "<0.0 -> 1.0 smoothing factor>"),
     pending_row("texture_set", "d", "<texture id>", "set the texture of the selection"),
     pending_row("ungroup", nullptr, nullptr, "ungroup the selected groups"),

@@ -2,12 +2,16 @@
 target_sources(vesk_core PRIVATE
     edit/create.cpp
     edit/current_object.cpp
+    edit/delete.cpp
+    edit/drag_transform.cpp
+    edit/edit_support.cpp
     edit/geometry_image.cpp
+    edit/holes.cpp
     edit/journal.cpp
     edit/link_surfaces.cpp
+    edit/mesh_change.cpp
     edit/model_restore.cpp
     edit/model_state.cpp
-    edit/drag_transform.cpp
     edit/modes.cpp
     edit/object_flags.cpp
     edit/primitives.cpp
@@ -18,9 +22,11 @@ target_sources(vesk_core PRIVATE
     edit/selection_image.cpp
     edit/selection_scan.cpp
     edit/snap.cpp
+    edit/surface_attributes.cpp
     edit/surface_copy.cpp
     edit/text_objects.cpp
     edit/transform.cpp
+    edit/triangulate.cpp
     edit/undo.cpp
     edit/undo_kinds.cpp
     edit/uvmap.cpp

@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    edit/geometry_test.cpp
     edit/journal_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp

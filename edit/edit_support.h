@@ -1,0 +1,22 @@
+#ifndef VESK_EDIT_EDIT_SUPPORT_H
+#define VESK_EDIT_EDIT_SUPPORT_H
+
+// What the handlers of the geometry commands have in common.
+
+#include "edit/selection_internal.h"
+#include "model/each.h"
+
+#include <vector>
+
+// A copy of the selected objects.
+std::vector<object_t *> selected_objects();
+// The selected objects without those that have a selected ancestor.
+std::vector<object_t *> selected_top_objects();
+
+// Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
+void calc_normals_of(const std::vector<object_t *> &objects);
+
+// Box, redraw and status after a change.
+void finish_edit();
+
+#endif

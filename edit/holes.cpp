@@ -1,0 +1,228 @@
+#include "edit/holes.h"
+
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "edit/edit_support.h"
+#include "edit/mesh_change.h"
+#include "edit/undo.h"
+#include "model/matrix.h"
+#include "model/normals.h"
+#include "model/owners.h"
+#include "model/vector.h"
+#include "view/redraw.h"
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+struct outline_t {
+    std::span<const std::int32_t> corners;
+    const flat_uv *uv; // one a corner
+};
+
+outline_t outline_of(const flat_mesh &mesh, int surface)
+{
+    const auto first = place((*mesh.corner_offsets)[place(surface)]);
+    return {mesh.surface_corners(surface), mesh.texture_coords->data() + first};
+}
+
+flat_uv shrunk(const flat_uv &uv, float factor)
+{
+    return {(uv.u - 0.5f) * factor + 0.5f, (uv.v - 0.5f) * factor + 0.5f};
+}
+
+// The copies of the outline's vertices, scaled about their mean.
+std::vector<int> add_scaled(mesh_change &change, const outline_t &outline, float factor)
+{
+    point3_t mean = {0, 0, 0};
+    for (const int v : outline.corners)
+        mean = point_add(mean, change.position(v));
+    const auto n = static_cast<float>(outline.corners.size());
+    mean = {mean.x / n, mean.y / n, mean.z / n};
+    std::vector<int> copies;
+    for (const int v : outline.corners) {
+        const point3_t away = point_sub(change.position(v), mean);
+        copies.push_back(change.add_vertex(point_add(mean, point_scale(away, factor)), v));
+    }
+    return copies;
+}
+
+// Whether the polygon was holed; the inner polygon is then the last surface that was added.
+bool hole(int surface, float factor, bool with_inner, mesh_change &change)
+{
+    const flat_mesh &mesh = change.before();
+    const outline_t outline = outline_of(mesh, surface);
+    const std::size_t n = outline.corners.size();
+    if ((*mesh.surfaces)[place(surface)].type != SURFACE_POLYGON || n < 3)
+        return false;
+
+    const std::vector<int> copies = add_scaled(change, outline, factor);
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::size_t next = (i + 1) % n;
+        change.add_surface(surface);
+        change.add_corner(outline.corners[i], outline.uv[i]);
+        change.add_corner(outline.corners[next], outline.uv[next]);
+        change.add_corner(copies[next], shrunk(outline.uv[next], factor));
+        change.add_corner(copies[i], shrunk(outline.uv[i], factor));
+        if (factor > 1)
+            change.reverse_corners();
+    }
+    if (with_inner) {
+        change.add_surface(surface);
+        for (std::size_t i = 1; i <= n; ++i) // begins at the copy of the second corner
+            change.add_corner(copies[i % n], shrunk(outline.uv[i % n], factor));
+    }
+    change.remove_surface(surface);
+    return true;
+}
+
+// The cap is the first surface that is added.
+void bevel(int surface, mesh_change &change)
+{
+    const flat_mesh &mesh = change.before();
+    const outline_t outline = outline_of(mesh, surface);
+    const std::size_t n = outline.corners.size();
+    const auto size = static_cast<float>(prefs.bevel_size);
+    const point3_t lift = point_scale((*mesh.face_normals)[place(surface)], size);
+
+    std::vector<int> cap;
+    change.add_surface(surface);
+    for (std::size_t i = 0; i < n; ++i) {
+        const point3_t p = change.position(outline.corners[i]);
+        point3_t to_next = point_sub(change.position(outline.corners[(i + 1) % n]), p);
+        point3_t to_previous = point_sub(change.position(outline.corners[(i + n - 1) % n]), p);
+        normalize_point(&to_next);
+        normalize_point(&to_previous);
+        point3_t bisector = point_add(to_next, to_previous);
+        normalize_point(&bisector);
+        cap.push_back(
+            change.add_vertex(point_add(point_add(p, point_scale(bisector, size)), lift)));
+        change.add_corner(cap.back(), {0, 0});
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        const std::size_t next = (i + 1) % n;
+        change.add_surface(surface);
+        change.add_corner(outline.corners[i], outline.uv[i]);
+        change.add_corner(outline.corners[next], outline.uv[next]);
+        change.add_corner(cap[next], {0, 0});
+        change.add_corner(cap[i], {0, 0});
+    }
+    change.remove_surface(surface);
+}
+
+} // namespace
+
+surface_t *surface_make_hole(object_t *object, surface_t *surface, float factor, int no_inner)
+{
+    mesh_change change(object);
+    const int index = change.index_of(surface);
+    if (index < 0 || !hole(index, factor, no_inner == 0, change))
+        return nullptr;
+    const mesh_result result = change.commit();
+    return no_inner == 0 ? result.surfaces.back() : nullptr;
+}
+
+void object_make_holes(object_t *object, float factor)
+{
+    for_each_object(object, [factor](object_t *part) {
+        mesh_change change(part);
+        for (int i = 0; i < change.before().num_surfaces(); ++i)
+            hole(i, factor, false, change);
+        change.commit();
+    });
+}
+
+surface_t *surface_bevel(object_t *object, surface_t *surface)
+{
+    mesh_change change(object);
+    const int index = change.index_of(surface);
+    if (index < 0)
+        return nullptr;
+    bevel(index, change);
+    const mesh_result result = change.commit();
+    return result.surfaces.empty() ? nullptr : result.surfaces.front();
+}
+
+int object_bevel(object_t *object)
+{
+    int count = 0;
+    for_each_object(object, [&count](object_t *part) {
+        mesh_change change(part);
+        const int n = change.before().num_surfaces();
+        for (int i = 0; i < n; ++i)
+            bevel(i, change);
+        change.commit();
+        count += n;
+    });
+    object_calc_normals_force(object);
+    return count;
+}
+
+void surface_translate_vertices(surface_t *surface, const point3_t *offset)
+{
+    for (const svertex *reference : each<svertex>(surface->refs)) {
+        if (reference->vertex != nullptr)
+            reference->vertex->position = point_add(reference->vertex->position, *offset);
+    }
+}
+
+// ---- commands ----
+
+void selected_surfaces_make_hole(void)
+{
+    const auto factor = static_cast<float>(prefs.hole_percent / 100.0);
+    const owned_list surfaces(find_selected_whole_surfaces());
+    if (!surfaces && selection_get_num_objects() == 0) {
+        display_message("surface make hole - no surfaces selected");
+        return;
+    }
+    display_message("make hole...");
+    new_undo(UNDO_WORLD, "make hole");
+    set_undo_all();
+    if (prefs.hole_percent < 0) {
+        windows_message_dialog(
+            "the hole %% setting is less than zero - please set to a positive number");
+        return;
+    }
+    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
+        mesh_change change(owned.object);
+        for (const int surface : owned.indices)
+            hole(surface, factor, false, change);
+        change.commit();
+    }
+    for (object_t *object : selected_objects())
+        object_make_holes(object, factor);
+    clear_selection();
+    redraw_all();
+    display_message("make hole - done");
+    display_status();
+}
+
+void selected_surfaces_bevel(void)
+{
+    const owned_list surfaces(find_selected_whole_surfaces());
+    if (!surfaces && selection_get_num_objects() == 0) {
+        display_message("surface bevel - no surfaces selected");
+        return;
+    }
+    display_message("bevel...");
+    new_undo(UNDO_WORLD, "bevel");
+    set_undo_all();
+    int count = 0;
+    std::vector<object_t *> touched;
+    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
+        mesh_change change(owned.object);
+        for (const int surface : owned.indices)
+            bevel(surface, change);
+        change.commit();
+        count += static_cast<int>(owned.indices.size());
+        touched.push_back(owned.object);
+    }
+    calc_normals_of(touched);
+    for (object_t *object : selected_objects())
+        count += object_bevel(object);
+    clear_selection();
+    redraw_all();
+    display_message("surfaces beveled: %d", count);
+    display_status();
+}

@@ -1,0 +1,235 @@
+#include "edit/mesh_change.h"
+
+#include "app/session_state.h"
+#include "model/alloc.h"
+#include "model/change_marks.h"
+#include "model/freed.h"
+#include "model/object_internal.h"
+
+#include <algorithm>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+void set_flag(std::vector<bool> &flags, int index, int count)
+{
+    if (flags.empty())
+        flags.resize(place(count));
+    flags[place(index)] = true;
+}
+
+bool flag(const std::vector<bool> &flags, int index)
+{
+    return !flags.empty() && flags[place(index)];
+}
+
+// Unlinks the nodes of the flagged places and hands their elements to the batch. Returns how many.
+template <class T>
+int unlink_flagged(listitem **head, const std::vector<bool> &gone, freed_batch &batch)
+{
+    int removed = 0;
+    std::size_t i = 0;
+    for (listitem **at = head; *at != nullptr && i < gone.size(); ++i) {
+        listitem *node = *at;
+        if (!gone[i]) {
+            at = &node->next;
+            continue;
+        }
+        *at = node->next;
+        batch.add(item_of<T>(node));
+        myfree(node);
+        ++removed;
+    }
+    return removed;
+}
+
+} // namespace
+
+mesh_change::mesh_change(object_t *object) : object_(object), before_(object_flat(object)) {}
+
+int mesh_change::index_of(const surface_t *surface)
+{
+    if (places_.empty()) {
+        int i = 0;
+        for (const surface_t *record : *before_->surface_records)
+            places_.emplace(record, i++);
+    }
+    const auto found = places_.find(surface);
+    return found == places_.end() ? -1 : found->second;
+}
+
+int mesh_change::add_vertex(const point3_t &position, int like)
+{
+    vertices_.push_back({position, like});
+    return before_->num_vertices() + static_cast<int>(vertices_.size()) - 1;
+}
+
+point3_t mesh_change::position(int at) const
+{
+    const int old = before_->num_vertices();
+    return at < old ? (*before_->positions)[place(at)] : vertices_[place(at - old)].position;
+}
+
+void mesh_change::add_surface(int like) { surfaces_.push_back({like, -1, corners_.size()}); }
+
+void mesh_change::add_corner(int at, flat_uv uv) { corners_.push_back({at, uv}); }
+
+void mesh_change::set_type(int type) { surfaces_.back().type = type; }
+
+void mesh_change::reverse_corners()
+{
+    std::reverse(corners_.begin() + static_cast<std::ptrdiff_t>(surfaces_.back().first_corner),
+                 corners_.end());
+}
+
+void mesh_change::remove_surface(int surface)
+{
+    set_flag(gone_surfaces_, surface, before_->num_surfaces());
+}
+
+void mesh_change::remove_vertex(int at) { set_flag(gone_vertices_, at, before_->num_vertices()); }
+
+void mesh_change::remove_small_surfaces()
+{
+    for (int i = 0; i < before_->num_surfaces(); ++i) {
+        const auto corners = before_->surface_corners(i);
+        const auto lost = std::count_if(corners.begin(), corners.end(),
+                                        [&](int v) { return flag(gone_vertices_, v); });
+        const bool is_line = (*before_->surfaces)[place(i)].type != SURFACE_POLYGON;
+        if (lost > 0 && static_cast<int>(corners.size()) - lost < (is_line ? 2 : 3))
+            remove_surface(i);
+    }
+}
+
+void mesh_change::find_unused()
+{
+    enum { UNTOUCHED, LOST, KEPT };
+    std::vector<char> use(place(before_->num_vertices()), UNTOUCHED);
+    for (int i = 0; i < before_->num_surfaces(); ++i) {
+        for (const int v : before_->surface_corners(i)) {
+            char &state = use[place(v)];
+            if (!flag(gone_surfaces_, i))
+                state = KEPT;
+            else if (state == UNTOUCHED)
+                state = LOST;
+        }
+    }
+    for (const made_corner &corner : corners_) {
+        if (corner.vertex < before_->num_vertices())
+            use[place(corner.vertex)] = KEPT;
+    }
+    for (int v = 0; v < before_->num_vertices(); ++v) {
+        if (use[place(v)] == LOST)
+            remove_vertex(v);
+    }
+}
+
+// Takes the corners of vertices that go out of the surfaces that stay.
+void mesh_change::drop_references() const
+{
+    const auto goes = [&](const vertex *point) {
+        const std::size_t i = vertex_number(point);
+        return i < gone_vertices_.size() && gone_vertices_[i] &&
+               (*before_->vertex_records)[i] == point;
+    };
+    number_vertices(object_);
+    for (int i = 0; i < before_->num_surfaces(); ++i) {
+        const auto corners = before_->surface_corners(i);
+        if (flag(gone_surfaces_, i) || std::none_of(corners.begin(), corners.end(),
+                                                    [&](int v) { return flag(gone_vertices_, v); }))
+            continue;
+        surface_t *surface = (*before_->surface_records)[place(i)];
+        for (listitem **at = &surface->refs; *at != nullptr;) {
+            listitem *node = *at;
+            auto *reference = item_of<svertex>(node);
+            if (reference->vertex == nullptr || !goes(reference->vertex)) {
+                at = &node->next;
+                continue;
+            }
+            *at = node->next;
+            myfree(reference);
+            myfree(node);
+            --surface->num_refs;
+        }
+    }
+}
+
+void mesh_change::unlink()
+{
+    if (!gone_vertices_.empty())
+        drop_references();
+    freed_batch batch;
+    object_->num_surfaces -= unlink_flagged<surface_t>(&object_->surfaces, gone_surfaces_, batch);
+    object_->num_vertices -= unlink_flagged<vertex>(&object_->vertices, gone_vertices_, batch);
+}
+
+std::size_t mesh_change::end_of(std::size_t made) const
+{
+    return made + 1 < surfaces_.size() ? surfaces_[made + 1].first_corner : corners_.size();
+}
+
+surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result) const
+{
+    const made_surface &made = surfaces_[index];
+    surface_t *surface = new_surface();
+    if (made.like >= 0)
+        surface_copy_record(surface, (*before_->surface_records)[place(made.like)]);
+    if (made.type >= 0)
+        surface_set_type(surface, made.type);
+    const int old = before_->num_vertices();
+    listitem *last = nullptr;
+    for (std::size_t c = made.first_corner; c < end_of(index); ++c) {
+        const auto &[at, uv] = corners_[c];
+        vertex *point =
+            at < old ? (*before_->vertex_records)[place(at)] : result.vertices[place(at - old)];
+        last = list_add_item_fast(&surface->refs, last, new_svertex(point, uv.u, uv.v));
+        ++surface->num_refs;
+    }
+    return surface;
+}
+
+void mesh_change::link(mesh_result &result)
+{
+    listitem *last = object_->vertices != nullptr ? list_end(object_->vertices) : nullptr;
+    for (const made_vertex &made : vertices_) {
+        vertex *point = made.like < 0 ? new_vertex()
+                                      : vertex_clone((*before_->vertex_records)[place(made.like)]);
+        point->position = made.position;
+        last = list_add_item_fast(&object_->vertices, last, point);
+        result.vertices.push_back(point);
+    }
+    object_->num_vertices += static_cast<int>(vertices_.size());
+
+    last = object_->surfaces != nullptr ? list_end(object_->surfaces) : nullptr;
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        if (end_of(i) == surfaces_[i].first_corner)
+            continue;
+        surface_t *surface = make_surface(i, result);
+        last = list_add_item_fast(&object_->surfaces, last, surface);
+        ++object_->num_surfaces;
+        result.surfaces.push_back(surface);
+    }
+}
+
+mesh_result mesh_change::commit()
+{
+    mesh_result result;
+    if (!gone_vertices_.empty())
+        remove_small_surfaces();
+    if (remove_unused_ && !gone_surfaces_.empty())
+        find_unused();
+    const bool removes = !gone_vertices_.empty() || !gone_surfaces_.empty();
+    if (!removes && vertices_.empty() && surfaces_.empty())
+        return result;
+
+    session().committing = true;
+    result.vertices.reserve(vertices_.size());
+    result.surfaces.reserve(surfaces_.size());
+    link(result); // before what it copies from goes
+    if (removes)
+        unlink();
+    object_mark(object_, CHANGED_TOPOLOGY);
+    session().committing = false;
+    return result;
+}

@@ -1,0 +1,82 @@
+#ifndef VESK_EDIT_MESH_CHANGE_H
+#define VESK_EDIT_MESH_CHANGE_H
+
+// A change of one object's geometry: computed on its flat mesh, then written back in one pass.
+// Vertices are named by their places before the change; new ones follow from num_vertices() on.
+// Nothing happens to the object before commit.
+
+#include "model/flat_mesh.h"
+
+#include <unordered_map>
+#include <vector>
+
+struct mesh_result {
+    std::vector<vertex *> vertices;    // the new ones, in order
+    std::vector<surface_t *> surfaces; // the new ones, in order
+};
+
+class mesh_change {
+public:
+    explicit mesh_change(object_t *object);
+
+    [[nodiscard]] const flat_mesh &before() const { return *before_; }
+    // Place of a surface of the object, or -1.
+    int index_of(const surface_t *surface);
+
+    // A new vertex; with `like` it takes over that old vertex's other fields. Returns its place.
+    int add_vertex(const point3_t &position, int like = -1);
+    [[nodiscard]] point3_t position(int at) const;
+
+    // Begins a new surface with the properties of the old surface `like` (-1: a new surface's);
+    // add_corner then appends to it. Surfaces without corners are not made.
+    void add_surface(int like);
+    void add_corner(int at, flat_uv uv);
+    // Of the surface begun last.
+    void set_type(int type);
+    void reverse_corners();
+
+    void remove_surface(int surface);
+    // The vertex and every reference to it; a surface that is left with fewer than 3 corners by it
+    // (2 when it is a line) goes too.
+    void remove_vertex(int at);
+    // Vertices whose last surface this change removes go with it.
+    void remove_unused() { remove_unused_ = true; }
+
+    // Writes it back: tells nobody but the holders of what is freed, computes no normals. To be
+    // called once.
+    mesh_result commit();
+
+private:
+    struct made_vertex {
+        point3_t position;
+        int like;
+    };
+    struct made_surface {
+        int like;
+        int type; // -1: as `like`
+        std::size_t first_corner;
+    };
+    struct made_corner {
+        int vertex;
+        flat_uv uv;
+    };
+
+    void remove_small_surfaces();
+    void find_unused();
+    void drop_references() const;
+    void unlink();
+    void link(mesh_result &result);
+    [[nodiscard]] surface_t *make_surface(std::size_t index, const mesh_result &result) const;
+    [[nodiscard]] std::size_t end_of(std::size_t made) const;
+
+    object_t *object_;
+    flat_ptr before_;
+    std::vector<made_vertex> vertices_;
+    std::vector<made_surface> surfaces_;
+    std::vector<made_corner> corners_;
+    std::vector<bool> gone_vertices_, gone_surfaces_; // empty while none goes
+    std::unordered_map<const surface_t *, int> places_;
+    bool remove_unused_ = false;
+};
+
+#endif
