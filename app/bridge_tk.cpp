@@ -15,12 +15,15 @@
 #include <tk.h>
 #include <togl.h>
 
+#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <string>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -67,15 +70,33 @@ int leave_on_signal(ClientData, Tcl_Interp *, int)
     bridge_exit(0);
 }
 
+int signal_pipe[2] = {-1, -1};
+
+// Only a byte: marking from here would wait for locks that the interrupted notifier may hold.
 void on_end_signal(int)
 {
-    if (end_of_session != nullptr)
-        Tcl_AsyncMark(end_of_session);
+    const int error = errno;
+    const char byte = 0;
+    if (write(signal_pipe[1], &byte, 1) < 0) // full: the end is on its way already
+        errno = error;
+    errno = error;
+}
+
+// A thread of its own turns the byte into a mark, for which any thread is good but a handler.
+void wait_for_end_signal()
+{
+    char byte = 0;
+    while (read(signal_pipe[0], &byte, 1) < 0 && errno == EINTR) {
+    }
+    Tcl_AsyncMark(end_of_session);
 }
 
 void catch_end_signals()
 {
+    if (pipe2(signal_pipe, O_CLOEXEC) != 0)
+        return;
     end_of_session = Tcl_AsyncCreate(leave_on_signal, nullptr);
+    std::thread(wait_for_end_signal).detach();
     for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
         struct sigaction action = {};
         action.sa_handler = on_end_signal;

@@ -69,4 +69,18 @@ unset VESK_HOME
 
 "$program" -batch good.tcl >out.txt 2>err.txt
 [ "$(wc -l <out.txt)" = 1 ] || { echo "FAIL standard output is the script's alone"; failures=1; }
+
+echo 'vwait forever' >wait.tcl
+"$program" -batch wait.tcl >/dev/null 2>&1 &
+waiting=$!
+sleep 0.5
+kill -TERM $waiting
+for _ in $(seq 50); do
+    kill -0 $waiting 2>/dev/null || break
+    sleep 0.1
+done
+if kill -9 $waiting 2>/dev/null; then
+    echo "FAIL a signal ends the session"
+    failures=1
+fi
 exit $((failures != 0))
