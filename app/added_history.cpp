@@ -80,6 +80,9 @@ void command_take_back()
     command_result_set(done ? "1" : "0");
 }
 
+// 1 after a command that faulted and left something changed.
+void command_can_take_back() { command_result_set(journal_can_take_back() ? "1" : "0"); }
+
 void command_change_count() { command_result_set(std::to_string(journal_change_number()).c_str()); }
 
 } // namespace
@@ -97,6 +100,8 @@ void register_history_commands()
         command_row("repeat_last", command_repeat_last, nullptr, "repeat the last command"),
         command_row("take_back", command_take_back, nullptr,
                     "take back the command that faulted, returns 1 or 0"),
+        command_row("can_take_back", command_can_take_back, nullptr,
+                    "returns 1 while a command that faulted can be taken back"),
         command_row("change_count", command_change_count, nullptr,
                     "returns a number that names the content of the model"),
     };

@@ -2,6 +2,7 @@
 
 #include "app/command_registry.h"
 #include "app/crash_guard.h"
+#include "app/filename.h"
 #include "app/session_state.h"
 #include "edit/journal.h"
 #include "edit/undo_internal.h"
@@ -12,11 +13,20 @@
 #include "model/world_check.h"
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 namespace {
 
-unsigned serial_before = 0; // of the undo records, when the running command began
+struct watch_t {
+    unsigned serial = 0; // of the undo records, when the running command began
+    std::string label;   // of its step in the history, when it opens no record
+};
+watch_t &running()
+{
+    static watch_t watch;
+    return watch;
+}
 
 // Commands that "repeat_last" does not repeat.
 constexpr std::string_view not_repeated[] = {
@@ -32,12 +42,26 @@ bool is_repeated(const vesk_command_t *command)
                std::end(not_repeated);
 }
 
+// "load cube.vesk" for a load, nothing for commands that are not meant to change anything.
+std::string label_of(const vesk_command_t *command, int count, const char *const *words)
+{
+    const std::string_view name = command->name;
+    if (count == 2 && (name == "load_file" || name == "load_vesk" || name == "file_load"))
+        return std::string("load ") + vesk_filename_get_file(words[1]);
+    if (command_kind_of(command) != command_kind::edit)
+        return "change";
+    std::string words_of_name = command->name;
+    std::replace(words_of_name.begin(), words_of_name.end(), '_', ' ');
+    return words_of_name;
+}
+
 void before_command(const vesk_command_t *command, int count, const char *const *words)
 {
     const bool outermost = session().command_depth == 0;
     if (outermost) {
         journal_begin();
-        serial_before = undo_last_serial();
+        running().serial = undo_last_serial();
+        running().label = label_of(command, count, words);
         journal_note_words({});
     }
     if (is_repeated(command) && (outermost || std::string_view(session().command) == "repeat_last"))
@@ -57,10 +81,10 @@ void after_command(const vesk_command_t *command, bool whole)
     if (session().command_depth > 0)
         return;
     if (whole)
-        journal_step(command->name);
+        journal_step(running().label.c_str());
     else
-        journal_step_after_fault(command->name);
-    serial_before = undo_last_serial();
+        journal_step_after_fault(running().label.c_str());
+    running().serial = undo_last_serial();
     rescue_tell_failure();
 }
 
@@ -68,7 +92,7 @@ void after_fault()
 {
     journal_reset_after_fault();
     world_check(vesk_get_world());
-    undo_drop_unfilled(serial_before);
+    undo_drop_unfilled(running().serial);
     rescue_write();
 }
 

@@ -9,6 +9,7 @@
 #include "app/prefs.h"
 #include "app/ui_port.h"
 #include "app/version.h"
+#include "edit/journal.h"
 #include "edit/modes.h"
 #include "edit/undo.h"
 #include "fileio/rescue.h"
@@ -139,7 +140,9 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     vesk_register_internal_file_importers();
     if (line.plugins)
         load_all_plugins();
+    journal_restart();
     import_files(line.files);
+    journal_step("load");
     display_status();
     tcl_update();
     return true;

@@ -90,9 +90,7 @@ std::string label_of_step(const char *label)
     const undo_stack &records = undo_records();
     if (!records.empty() && records.back()->serial > journal().last_serial)
         return records.back()->description;
-    std::string text = label ? label : "change";
-    std::replace(text.begin(), text.end(), '_', ' ');
-    return text;
+    return label ? label : "change";
 }
 
 bool take_step(const char *label, bool faulted)
@@ -181,6 +179,13 @@ void journal_begin()
     in_step_now();
 }
 
+void journal_restart()
+{
+    journal().entries.clear();
+    journal().present = -1;
+    journal_begin();
+}
+
 bool journal_step(const char *label) { return take_step(label, false); }
 
 bool journal_step_after_fault(const char *label) { return take_step(label, true); }
@@ -219,12 +224,16 @@ bool journal_goto(int index)
     return true;
 }
 
+bool journal_can_take_back()
+{
+    return journal().present > 0 && entry(journal().present).faulted;
+}
+
 bool journal_take_back()
 {
-    const int present = journal().present;
-    if (present < 1 || !entry(present).faulted)
+    if (!journal_can_take_back())
         return false;
-    go_to(present - 1);
+    go_to(journal().present - 1);
     return true;
 }
 

@@ -15,6 +15,9 @@
 // Before the first change: the state that the history starts with.
 void journal_begin();
 
+// The model as it is becomes the start of a new history: the program is set up.
+void journal_restart();
+
 // After a change: a new state, when the model changed or an undo record was opened since the last.
 // Its label is that of the newest record, else `label`. Returns whether there is a new state.
 bool journal_step(const char *label);
@@ -32,6 +35,7 @@ void journal_revert();
 bool journal_redo();
 bool journal_goto(int index);
 bool journal_take_back();
+bool journal_can_take_back();
 
 struct journal_item {
     const char *label;
