@@ -112,7 +112,8 @@ bool take_step(const char *label, bool faulted)
     now.first_serial = first_serial;
     now.change = changed ? ++list.changes : before.change;
     now.faulted = faulted;
-    now.words = list.words;
+    if (!faulted)
+        now.words = list.words;
     for (const undo_record_ptr &record : now.records)
         now.foreign = now.foreign || (record->foreign && record->serial > first_serial);
     drop_ahead();
@@ -224,10 +225,7 @@ bool journal_goto(int index)
     return true;
 }
 
-bool journal_can_take_back()
-{
-    return journal().present > 0 && entry(journal().present).faulted;
-}
+bool journal_can_take_back() { return journal().present > 0 && entry(journal().present).faulted; }
 
 bool journal_take_back()
 {

@@ -318,6 +318,21 @@ void tell_failure(const atomic_writer_t &file, const char *name, size_t header, 
     }
 }
 
+// Hands the text of the objects on, piece by piece, for as long as `write` returns true.
+template <class Write>
+void write_objects(object_t *top, const Write &write)
+{
+    plan_t plan;
+    for_each_written(top, [&](object_t *object, const local_frame_t &frame) {
+        plan_object(plan, object, frame);
+    });
+    formatter_t formatter(plan);
+    for (size_t i = 0; i < plan.blocks.size(); ++i) {
+        if (!write(formatter.text(i)))
+            return;
+    }
+}
+
 } // namespace
 
 int write_vesk(const char *filename)
@@ -339,16 +354,8 @@ int write_vesk_object(const char *filename, object_t *object)
     append_file_header(header);
     collect_materials(object);
     const std::string palette = palette_text();
-    bool whole = file.write(header) && file.write(palette);
-    if (whole) {
-        plan_t plan;
-        for_each_written(object, [&](object_t *written, const local_frame_t &frame) {
-            plan_object(plan, written, frame);
-        });
-        formatter_t formatter(plan);
-        for (size_t i = 0; whole && i < plan.blocks.size(); ++i)
-            whole = file.write(formatter.text(i));
-    }
+    if (file.write(header) && file.write(palette))
+        write_objects(object, [&](const std::string &text) { return file.write(text); });
     if (!file.commit()) {
         tell_failure(file, name.c_str(), header.size(), palette.size());
         return 0;
@@ -357,6 +364,21 @@ int write_vesk_object(const char *filename, object_t *object)
     debugf("written file %s OK\n", name.c_str());
     display_message("written file %s", name.c_str());
     return 1;
+}
+
+std::string vesk_object_text(object_t *object)
+{
+    const std::vector<int> kept = std::exchange(used_materials, {});
+    std::string text;
+    append_file_header(text);
+    collect_materials(object);
+    text += palette_text();
+    write_objects(object, [&](const std::string &piece) {
+        text += piece;
+        return true;
+    });
+    used_materials = kept;
+    return text;
 }
 
 int output_string(FILE *stream, const char *text)

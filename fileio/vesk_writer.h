@@ -24,4 +24,10 @@ VESK_API int output_string(FILE *stream, const char *text);
 
 VESK_END_DECLS
 
+#ifdef __cplusplus
+#include <string>
+// What write_vesk_object writes, as a text; tells nothing.
+std::string vesk_object_text(object_t *object);
+#endif
+
 #endif

@@ -34,12 +34,7 @@ void select(const char *name)
 }
 
 // The saved text of the whole scene.
-std::string scene()
-{
-    const std::string file = temporary_file("scene.vesk");
-    write_vesk_object(file.c_str(), vesk_get_world());
-    return read_text(file);
-}
+std::string scene() { return vesk_object_text(vesk_get_world()); }
 
 // Runs `change` as a command, as a plug-in's would be.
 std::function<void()> command_body;

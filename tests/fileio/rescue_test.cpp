@@ -22,12 +22,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string scene()
-{
-    const std::string file = temporary_file("scene.vesk");
-    write_vesk_object(file.c_str(), vesk_get_world());
-    return read_text(file);
-}
+// The saved text of the whole scene.
+std::string scene() { return vesk_object_text(vesk_get_world()); }
 
 class Rescue : public SceneTest {
 protected:
