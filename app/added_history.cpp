@@ -60,12 +60,15 @@ void command_history_limit(int megabytes)
 
 void command_repeat_last()
 {
-    const std::vector<std::string> words = journal_repeat_words(); // a copy: it is noted anew
+    // A copy: the words are noted anew while they run.
+    std::vector<std::string> words;
+    words = journal_repeat_words();
     if (words.empty()) {
         display_message("nothing to repeat.");
         return;
     }
     std::vector<const char *> pointers;
+    pointers.reserve(words.size());
     for (const std::string &word : words)
         pointers.push_back(word.c_str());
     do_command(static_cast<int>(pointers.size()), pointers.data());

@@ -80,10 +80,11 @@ void after_command(const vesk_command_t *command, bool whole)
 #endif
     if (session().command_depth > 0)
         return;
-    if (whole)
+    if (whole) {
         journal_step(running().label.c_str());
-    else
+    } else {
         journal_step_after_fault(running().label.c_str());
+    }
     running().serial = undo_last_serial();
     rescue_tell_failure();
 }

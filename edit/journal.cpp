@@ -240,6 +240,7 @@ std::vector<journal_item> journal_items()
     if (!inside_a_command())
         journal_settle();
     std::vector<journal_item> items;
+    items.reserve(journal().entries.size());
     for (int i = 0; i < num_entries(); ++i)
         items.push_back({entry(i).label.c_str(), i == journal().present, entry(i).foreign});
     return items;
@@ -306,10 +307,11 @@ void journal_restore_before(const undo_record_ptr &record)
     const int opened = entry_that_opened(*record);
     if (opened > 0)
         jump(entry(opened - 1).state);
-    if (undo_kind_of(record->kind)->clears_all)
+    if (undo_kind_of(record->kind)->clears_all) {
         clear_all_undos();
-    else
+    } else {
         undo_drop_newest();
+    }
     if (opened > 0)
         journal().present = opened - 1;
 }

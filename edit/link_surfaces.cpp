@@ -80,6 +80,7 @@ listitem *create_link_surfaces(const listitem *surfaces, const listitem *from, c
     for (const surface_t *surface : each<surface_t>(surfaces)) {
         const std::vector<vertex *> corners = corners_of(surface);
         std::vector<vertex *> corner_copies;
+        corner_copies.reserve(corners.size());
         for (const vertex *corner : corners)
             corner_copies.push_back(copies.of(corner));
         link_outline(surface, corners, corner_copies, &links);

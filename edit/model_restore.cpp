@@ -55,9 +55,10 @@ void write_record(object_t *object, const object_image &image)
     text_set(&object->url, c_text(image.url));
     if (!properties_match(object->properties, image.properties)) {
         proplist_free(&object->properties);
-        for (const property_image &prop : image.properties)
+        for (const property_image &prop : image.properties) {
             list_add_item(&object->properties,
                           vesk_new_prop(prop.name.c_str(), prop.kind.c_str(), prop.value.c_str()));
+        }
     }
     object_mark(object, CHANGED_RECORD);
 }
@@ -76,9 +77,10 @@ void write_palette(const std::vector<material_image> &images)
         fresh.properties = entry->properties;
         *entry = fresh;
         text_set(&entry->name, c_text(image.name));
-        for (const property_image &prop : image.properties)
+        for (const property_image &prop : image.properties) {
             vesk_material_set_prop_value(entry, prop.name.c_str(), prop.kind.c_str(),
                                          prop.value.c_str());
+        }
         changed = true;
     }
     if (changed)

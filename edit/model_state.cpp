@@ -8,8 +8,8 @@
 #include "view/textures.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <mutex>
 
 namespace {
@@ -36,9 +36,10 @@ template <class Visit>
 void for_each_array(const flat_mesh &geometry, Visit &&visit)
 {
     const auto array = [&](const auto &elements) {
-        if (elements && !elements->empty())
+        if (elements && !elements->empty()) {
             visit(static_cast<const void *>(elements.get()),
                   elements->size() * sizeof(elements->front()));
+        }
     };
     array(geometry.positions);
     array(geometry.normals);
@@ -76,9 +77,14 @@ object_t plain_fields(const object_t &object)
     return record;
 }
 
+bool same_bits(float a, float b)
+{
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
+}
+
 bool same_bits(const point3_t &a, const point3_t &b)
 {
-    return std::memcmp(&a, &b, sizeof(point3_t)) == 0;
+    return same_bits(a.x, b.x) && same_bits(a.y, b.y) && same_bits(a.z, b.z);
 }
 
 bool face_normals_follow(const flat_mesh &mesh)
@@ -148,10 +154,11 @@ private:
     void close()
     {
         const std::size_t at = blocks_.size();
-        if (old_ && at < old_->blocks.size() && *old_->blocks[at] == entries_)
+        if (old_ && at < old_->blocks.size() && *old_->blocks[at] == entries_) {
             blocks_.push_back(old_->blocks[at]);
-        else
+        } else {
             blocks_.push_back(std::make_shared<const model_state::block>(entries_));
+        }
         entries_.clear();
     }
 
@@ -168,14 +175,16 @@ public:
     {
         auto state = std::make_shared<model_state>();
         if (!known_.state || known_.world != vesk_get_world() ||
-            known_.tree_count != tree_change_count())
+            known_.tree_count != tree_change_count()) {
             take_tree(state.get());
-        else
+        } else {
             take_changed(state.get());
-        if (!old_ || known_.palette_count != palette_change_count())
+        }
+        if (!old_ || known_.palette_count != palette_change_count()) {
             state->palette = palette_image_take();
-        else
+        } else {
             state->palette = old_->palette;
+        }
         state->selection = take_selection();
         if (!old_ || *old_ != *state)
             known_.state = std::move(state);
@@ -270,7 +279,7 @@ private:
 
 bool near(float a, float b, float scale)
 {
-    if (std::memcmp(&a, &b, sizeof a) == 0)
+    if (same_bits(a, b))
         return true;
     return std::fabs(a - b) <= scale * 1e-5f; // false for no number
 }

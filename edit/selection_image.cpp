@@ -84,10 +84,11 @@ std::vector<selection_run> runs_of(const listitem *selected, const tracked_objec
             continue;
         const int identity = object_identity(at.owner->object);
         if (!runs.empty() && runs.back().identity == identity &&
-            runs.back().first + runs.back().count == at.index)
+            runs.back().first + runs.back().count == at.index) {
             ++runs.back().count;
-        else
+        } else {
             runs.push_back({identity, at.index, 1});
+        }
         expected = at.index == 0 ? (at.owner->object->*list)->next : nullptr;
     }
     return runs;

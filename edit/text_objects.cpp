@@ -50,14 +50,15 @@ std::size_t utf8_length(std::string_view text)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     std::size_t length = 1;
-    if (byte(0) >= 0xF0)
+    if (byte(0) >= 0xF0) {
         length = 4;
-    else if (byte(0) >= 0xE0)
+    } else if (byte(0) >= 0xE0) {
         length = 3;
-    else if (byte(0) >= 0xC0)
+    } else if (byte(0) >= 0xC0) {
         length = 2;
-    else if (byte(0) >= 0x80)
+    } else if (byte(0) >= 0x80) {
         return 0;
+    }
     if (length > text.size())
         return 0;
     for (std::size_t i = 1; i < length; ++i) {

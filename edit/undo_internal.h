@@ -67,9 +67,9 @@ using undo_stack = std::vector<undo_record_ptr>;
 
 struct undo_kind {
     int kind;
-    void (*reverse)(undo_record &record);
     bool notes_selection; // when the record is opened: the reversal works on it
     bool clears_all;      // the reversal drops every record
+    void (*reverse)(undo_record &record);
 };
 // Null for a code that is not in the table.
 const undo_kind *undo_kind_of(int kind);

@@ -281,12 +281,13 @@ void reverse_rotation(undo_record &record)
     constexpr float pi = 3.1415927f;
     const float angle = -record.degrees * pi / 180.0f;
     on_saved_selection(record, [&] {
-        if (record.kind == UNDO_ROTATE_AXIS)
+        if (record.kind == UNDO_ROTATE_AXIS) {
             set_global_matrix_angle_axis(&record.vector, angle);
-        else // the signs of rotate_selected
+        } else { // the signs of rotate_selected
             set_global_matrix_rotate(record.view == VIEW_ZY ? angle : 0.0f,
                                      record.view == VIEW_XZ ? -angle : 0.0f,
                                      record.view == VIEW_XY ? -angle : 0.0f);
+        }
         rotate_selected_with_global_matrix(record.has_centre ? &record.centre : nullptr);
         selected_calc_normals();
     });
@@ -364,10 +365,11 @@ void reverse_texture_coords(undo_record &record)
 void reverse_creation(undo_record &record)
 {
     object_t *object = record.object;
-    if (object && object_exists(object) != 0)
+    if (object && object_exists(object) != 0) {
         object_delete(object);
-    else
+    } else {
         debugf("undo add ob - object no longer exists");
+    }
     restore_saved_selection(record);
 }
 
@@ -427,26 +429,26 @@ void reverse_external(undo_record &record)
 
 // clang-format off
 const undo_kind kinds[] = {
-    {UNDO_SELECTION,      restore_saved_selection, false, false},
-    {UNDO_MOVE,           reverse_move,            true,  false},
-    {UNDO_SURFACE,        reverse_surface,         false, false},
-    {UNDO_DELETE,         reverse_deletion,        false, true},
-    {UNDO_WORLD_1,        reverse_world,           false, true},
-    {UNDO_WORLD_2,        reverse_world,           false, true},
-    {UNDO_WORLD_3,        reverse_world,           false, true},
-    {UNDO_WORLD_4,        reverse_world,           false, true},
-    {UNDO_WORLD,          reverse_world,           false, true},
-    {UNDO_OBJECT,         reverse_creation,        false, false},
-    {UNDO_RESIZE,         reverse_resize,          true,  false},
-    {UNDO_ROTATE,         reverse_rotation,        true,  false},
-    {UNDO_POSITIONS,      reverse_positions,       false, false},
-    {UNDO_VERTICES,       reverse_vertices,        false, false},
-    {UNDO_OBJECTS,        reverse_creations,       false, false},
-    {UNDO_SCALE,          reverse_scale,           true,  false},
-    {UNDO_ROTATE_AXIS,    reverse_rotation,        true,  false},
-    {UNDO_TEXTURE_COORDS, reverse_texture_coords,  false, false},
-    {UNDO_SURFACES,       reverse_surfaces,        false, false},
-    {UNDO_EXTERNAL,       reverse_external,        false, false},
+    {UNDO_SELECTION,      false, false, restore_saved_selection},
+    {UNDO_MOVE,           true, false, reverse_move},
+    {UNDO_SURFACE,        false, false, reverse_surface},
+    {UNDO_DELETE,         false, true, reverse_deletion},
+    {UNDO_WORLD_1,        false, true, reverse_world},
+    {UNDO_WORLD_2,        false, true, reverse_world},
+    {UNDO_WORLD_3,        false, true, reverse_world},
+    {UNDO_WORLD_4,        false, true, reverse_world},
+    {UNDO_WORLD,          false, true, reverse_world},
+    {UNDO_OBJECT,         false, false, reverse_creation},
+    {UNDO_RESIZE,         true, false, reverse_resize},
+    {UNDO_ROTATE,         true, false, reverse_rotation},
+    {UNDO_POSITIONS,      false, false, reverse_positions},
+    {UNDO_VERTICES,       false, false, reverse_vertices},
+    {UNDO_OBJECTS,        false, false, reverse_creations},
+    {UNDO_SCALE,          true, false, reverse_scale},
+    {UNDO_ROTATE_AXIS,    true, false, reverse_rotation},
+    {UNDO_TEXTURE_COORDS, false, false, reverse_texture_coords},
+    {UNDO_SURFACES,       false, false, reverse_surfaces},
+    {UNDO_EXTERNAL,       false, false, reverse_external},
 };
 // clang-format on
 

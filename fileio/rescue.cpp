@@ -162,10 +162,11 @@ void for_each_left(Visit &&visit)
             if (written != 0)
                 copies.push_back({name, kind, original, written});
         }
-        if (copies.empty())
+        if (copies.empty()) {
             remove_files(base);
-        else
+        } else {
             visit(base, copies);
+        }
     }
 }
 

@@ -105,10 +105,11 @@ public:
             own_ = {i, frame_of(&record, nullptr).rebuilt};
             return frame_of(&record, nullptr);
         }
-        if (parent == own_.entry)
+        if (parent == own_.entry) {
             parent_ = own_;
-        else if (parent != parent_.entry)
+        } else if (parent != parent_.entry) {
             parent_ = {parent, rebuilt(parent)};
+        }
         const local_frame_t frame = frame_of(&record, &parent_.frame);
         own_ = {i, frame.rebuilt};
         return frame;

@@ -133,10 +133,11 @@ TEST_F(Text, FontHasEveryGlyphAsFilledPolygonsFacingTheViewer)
 {
     std::string all;
     for (int code = 0x21; code <= 0xFF; ++code) {
-        if (code < 0x7F || (code > 0xA0 && code != 0xAD))
+        if (code < 0x7F || (code > 0xA0 && code != 0xAD)) {
             all += code < 0x80 ? std::string(1, static_cast<char>(code))
                                : std::string{static_cast<char>(0xC0 | (code >> 6)),
                                              static_cast<char>(0x80 | (code & 0x3F))};
+        }
     }
     object_t *text = create_text(all.c_str());
     ASSERT_NE(text, nullptr);
