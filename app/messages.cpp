@@ -249,6 +249,11 @@ void set_progress_bar(int percent) { script_call("set_progress_bar %d", percent)
 
 void popup_3d_menu(int x, int y) { script_call("popup_3d_menu %d %d", x, y); }
 
+void popup_view_menu(int view, int x, int y)
+{
+    script_call("popup_view_menu %d %d %d", view, x, y);
+}
+
 void create_texture_menubutton(const char *label, int index)
 {
     if (index == 0)

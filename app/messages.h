@@ -38,6 +38,7 @@ VESK_API void set_progress_bar(int percent);
 
 /* Opens the context menu of the 3D view at window pixel x, y. */
 VESK_API void popup_3d_menu(int x, int y);
+VESK_API void popup_view_menu(int view, int x, int y);
 
 /* Adds texture `index` to the texture menu; before index 0 a separator. */
 VESK_API void create_texture_menubutton(const char *label, int index);

@@ -14,7 +14,7 @@
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
 #   needs   what must be there: "" nothing, some a selection, object, surface, vertex a selection
-#           in that mode, undo, hidden, locked, model a model
+#           in that mode, undo, redo, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.
@@ -62,7 +62,9 @@ proc ::vesk::menus::define {name label rows} {
 }
 ::vesk::menus::define edit "&Edit" {
     {run "&Undo" {undo} Ctrl+Z undo "Takes the last change back."}
-    {run "&Redo" {redo} Ctrl+Shift+Z "" "Makes the change again that was taken back."}
+    {run "&Redo" {redo} Ctrl+Shift+Z redo "Makes the change again that was taken back."}
+    {call "&History..." {::vesk::history::open} Ctrl+H "" "Lists the changes; a click goes back or forth."}
+    {run "Repeat the la&st" {repeat_last} Ctrl+R "" "Does the last operation again."}
     {line}
     {run "Cu&t" {clipboard_cut} Ctrl+X some "Copies the selection and deletes it."}
     {run "&Copy" {clipboard_copy} Ctrl+C some "Copies the selection to the clipboard."}
@@ -118,6 +120,7 @@ proc ::vesk::menus::define {name label rows} {
     {call "C&ylinder" {::vesk::tools::choose cylinder} "" "" "Draws a cylinder."}
     {call "&Sphere" {::vesk::tools::choose sphere} "" "" "Draws a sphere."}
     {run "Cub&e" {new_cube} "" "" "Adds a regular cube at the origin."}
+    {menu "&At the origin" atorigin "" "" "Adds a shape of unit size."}
     {call "Lig&ht" {::vesk::tools::choose light} "" "" "Sets a light."}
     {ask "&Text..." {create_text {Text text {}}} "" "" "Adds a text made of surfaces."}
     {line}
@@ -126,6 +129,18 @@ proc ::vesk::menus::define {name label rows} {
     {menu "Surface &from vertices" fromvertices "" "" "Joins the selected vertices."}
     {run "&Object from surfaces" {surface_create_object} "" surface
         "Copies the selected surfaces into an object of their own."}
+}
+::vesk::menus::define atorigin "At the origin" {
+    {run "&Circle" {create circle 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a circle."}
+    {run "&Disk" {create disk 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a disk."}
+    {run "&Rectangle" {create rect 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a rectangle."}
+    {run "&Grid" {create grid 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a grid of lines."}
+    {run "&Mesh" {create mesh 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a mesh of surfaces."}
+    {run "&Box" {create box 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a box."}
+    {run "C&ylinder" {create cylinder 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a cylinder."}
+    {run "C&one" {create cone 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a cone."}
+    {run "&Sphere" {create sphere 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a sphere."}
+    {run "&Icosahedron" {create ico 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds an icosahedron."}
 }
 ::vesk::menus::define fromvertices "Surface from vertices" {
     {run "&Polygon" {createsurface 0} "" vertex "Joins the selected vertices to a polygon."}

@@ -192,6 +192,7 @@ proc ::vesk::menus::possible {row state} {
         surface {return [expr {[dict get $state surfaces] > 0}]}
         vertex  {return [expr {[dict get $state vertices] > 0}]}
         undo    {return [expr {$::undo_count > 0}]}
+        redo    {return [::vesk::history::can_redo]}
         hidden  {return [expr {!!$::objects_are_hidden}]}
         locked  {return [expr {!!$::objects_are_locked}]}
         model   {return [expr {[dict get $state total] > 0}]}

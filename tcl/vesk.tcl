@@ -2,7 +2,7 @@
 #   The main window: what stands where, the right panel, the console's place, regions for F6, the
 #   size and theme that are remembered.
 
-foreach vesk_file {tooltips tools optionbar status transform console search help colourbox
+foreach vesk_file {tooltips tools optionbar status transform console search help history colourbox
         recovery} {
     source [file join $::vesk::script_folder $vesk_file.tcl]
 }

@@ -299,23 +299,7 @@ proc ::vesk::hier::selected {} {
             }
         }
     }
-    set now [vesk get_selected_objects]
-    set drop {}
-    set add {}
-    foreach id $now {dict set drop $id 1}
-    foreach id $wanted {
-        if {[dict exists $drop $id]} {dict unset drop $id} else {lappend add $id}
-    }
-    # Cheaper to begin anew when most goes.
-    if {[dict size $drop] > 0 && [dict size $drop] == [llength $now]
-            || $::vesk::select_mode in {surface vertex}} {
-        ::vesk::ops::run clear_selection
-        set drop {}
-        set add $wanted
-    }
-    foreach id [dict keys $drop] {::vesk::ops::run object_deselect $id}
-    foreach id $add {::vesk::ops::run object_select $id}
-    vesk redraw_all
+    ::vesk::ops::run objects_select $wanted
     show_selection
 }
 

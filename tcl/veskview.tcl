@@ -342,6 +342,8 @@ proc ::vesk::view::place_options {w} {
     raise $w
 }
 
+# The executable tells a right click in a view that was no drag.
 proc popup_3d_menu {x y} {
     ::vesk::menus::popup $::vesk::select_mode {*}[winfo pointerxy .]
 }
+proc popup_view_menu {view x y} {popup_3d_menu $x $y}

@@ -168,12 +168,20 @@ bool walks_by_timer()
     return interaction.drag.kind == drag_kind::walk || interaction.drag.kind == drag_kind::slide;
 }
 
+bool rests(const drag_t &drag, const pointer_event_t &event)
+{
+    return std::abs(event.x - drag.start_x) <= click_slack &&
+           std::abs(event.y - drag.start_y) <= click_slack;
+}
+
 void click(const drag_t &drag, const pointer_event_t &event)
 {
     if (drag.kind == drag_kind::axis_cross)
         camera_look_along(drag.cross_axis, drag.cross_positive);
     else if (drag.button == 3 && event.view == VIEW_XYZ)
         popup_3d_menu(event.x, event.y);
+    else if (drag.button == 3)
+        popup_view_menu(event.view, event.x, event.y);
     else if (drag.button == 1 && drag.kind != drag_kind::pan && interaction.tool != nullptr &&
              interaction.tool->click != nullptr)
         interaction.tool->click(event);
@@ -220,8 +228,7 @@ void interaction_motion(const pointer_event_t &event)
         interaction.tool->motion(event);
         return;
     }
-    if (!drag.moved && std::abs(event.x - drag.start_x) <= click_slack &&
-        std::abs(event.y - drag.start_y) <= click_slack)
+    if (!drag.moved && rests(drag, event))
         return;
     drag.moved = true;
     const auto dx = static_cast<float>(event.x - drag.last_x);
@@ -257,6 +264,9 @@ void interaction_release(const pointer_event_t &event)
     const drag_t drag = interaction.drag;
     if (drag.kind == drag_kind::none) {
         interaction.drag = {};
+        // The right button opens the menu also where it does not zoom.
+        if (drag.button == 3 && event.button == 3 && rests(drag, event))
+            click(drag, event);
         return;
     }
     if (event.button != drag.button)

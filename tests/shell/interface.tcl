@@ -96,6 +96,35 @@ proc row {id} {
     set ::vesk::hier::filter ""
     ::test::pause 300
 
+    # The history window and the kinds that only the command makes.
+    set before [vesk model_state]
+    set count [llength [vesk object_tree]]
+    ::vesk::menus::invoke [::vesk::menus::find atorigin {create cone}]
+    ::vesk::menus::invoke [::vesk::menus::find atorigin {create ico}]
+    ::test::check "shapes at the origin" {[llength [vesk object_tree]] == $count + 14}
+    ::vesk::history::open
+    ::test::pause 300
+    set states [.history.list children {}]
+    ::test::check "the history lists the states, the last is present" {
+        [.history.list selection] eq [lindex $states end] && ![::vesk::history::can_redo]
+    }
+    lassign [.history.list bbox [lindex $states end-2]] x y width height
+    click .history.list [expr {$x + 20}] [expr {$y + $height / 2}]
+    ::test::check "a click goes back" {
+        [llength [vesk object_tree]] == $count && [::vesk::history::can_redo]
+    }
+    ::test::check "the list shows where" {[.history.list selection] eq [lindex $states end-2]}
+    destroy .history
+    set ids [lrange [lmap {id parent type name surfaces visible locked} [vesk object_tree] {
+        if {$parent != [vesk get_world]} continue
+        set id
+    }] 0 2]
+    $tree selection set $ids
+    ::test::pause 200
+    ::test::check "many rows are selected at once" {
+        [lsort [vesk get_selected_objects]] eq [lsort $ids]
+    }
+
     click $::vesk::view::area_path.xz.chip 12 "" 2
     ::test::check "a double click on a label shows the view alone" {$::viewsetting eq "xz"}
     key ctrl+space

@@ -70,6 +70,10 @@ proc vesk {command args} {
         command_info {
             return [list 0 "" "" "" [expr {[lindex $args 0] ni $::mock_missing}]]
         }
+        objects_select {
+            set mock_selected [lindex $args 0]
+            mock_touch 1
+        }
         object_select {
             lappend mock_selected [lindex $args 0]
             mock_touch 1

@@ -235,6 +235,24 @@ TEST_F(Mouse, ARightClickIn3DOpensTheMenu)
     EXPECT_EQ(recording().scripts.back(), "popup_3d_menu 101 90");
 }
 
+TEST_F(Mouse, ARightClickInAFlatViewOpensTheMenuUnlessItDragged)
+{
+    for (const int zooms : {1, 0}) {
+        prefs.right_button_zooms_view = zooms;
+        recording().scripts.clear();
+        interaction_press(at(VIEW_ZY, 100, 90, 3, 1.0));
+        interaction_motion(at(VIEW_ZY, 100, 60, 0, 1.1));
+        interaction_release(at(VIEW_ZY, 100, 60, 3, 1.2));
+        for (const std::string &script : recording().scripts)
+            EXPECT_NE(script.substr(0, 5), "popup") << zooms;
+        interaction_press(at(VIEW_ZY, 100, 90, 3, 2.0));
+        interaction_release(at(VIEW_ZY, 101, 90, 3, 2.1));
+        EXPECT_EQ(recording().scripts.back(),
+                  "popup_view_menu " + std::to_string(VIEW_ZY) + " 101 90");
+    }
+    prefs.right_button_zooms_view = 1;
+}
+
 TEST_F(Mouse, APressOnTheCrossIsAClickOnIt)
 {
     const axis_cross_t cross = axis_cross(1);
