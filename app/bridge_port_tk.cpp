@@ -1,6 +1,7 @@
 // The port functions of the shell. Batch mode has Tcl without Tk: what needs a window does nothing
 // there, and messages go to standard error.
 #include "app/bridge_tk.h"
+#include "app/clipboard_tk.h"
 #include "app/ui_port.h"
 #include "view/views_tk.h"
 
@@ -175,19 +176,6 @@ bool port_open_address(const char *url)
     return !bridge.batch && start_detached(arguments);
 }
 
-bool port_clipboard_set(const char *text)
-{
-    return bridge.has_tk && eval_words({"clipboard", "clear"}) == TCL_OK &&
-           eval_words({"clipboard", "append", "--", text}) == TCL_OK;
-}
-
-const char *port_clipboard_get()
-{
-    if (!bridge.has_tk || eval_words({"clipboard", "get"}) != TCL_OK)
-        return nullptr;
-    return port_result();
-}
-
 } // namespace
 
 Tcl_Interp *bridge_interp() { return bridge.interp; }
@@ -221,9 +209,9 @@ void bridge_install_port(bool batch)
     port.now_seconds = port_now_seconds;
     port.start_program = port_start_program;
     port.open_address = port_open_address;
-    port.clipboard_set = port_clipboard_set;
-    port.clipboard_get = port_clipboard_get;
     if (!batch) {
+        port.clipboard_offer = clipboard_tk_offer;
+        port.clipboard_get = clipboard_tk_get;
         port.window_geometry = port_window_geometry;
         views_tk_fill_port(port);
     }

@@ -7,8 +7,11 @@
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "app/session_state.h"
+#include "edit/clipboard.h"
 #include "edit/current_object.h"
 #include "edit/delete.h"
+#include "edit/duplicate.h"
+#include "edit/group.h"
 #include "edit/holes.h"
 #include "edit/modes.h"
 #include "edit/object_flags.h"
@@ -52,10 +55,10 @@ vesk_command_t rows[] = {
     command_row("clear_all", command_clear_all, nullptr, "delete everything"),
     pending_row("clear_background_image", "d", "<windownum>", "clear the background image of a window"),
     command_row("clear_selection", command_clear_selection),
-    pending_row("clipboard_copy", nullptr, nullptr, "copy the selection to the clipboard"),
-    pending_row("clipboard_cut", nullptr, nullptr, "cut the selection to the clipboard"),
-    pending_row("clipboard_paste", nullptr, nullptr, "paste from the clipboard"),
-    pending_row("clone_selection", nullptr, nullptr, "clone the selection in place, returns the new object ids"),
+    command_row("clipboard_copy", command_clipboard_copy, nullptr, "copy the selection to the clipboard"),
+    command_row("clipboard_cut", command_clipboard_cut, nullptr, "cut the selection to the clipboard"),
+    command_row("clipboard_paste", command_clipboard_paste, nullptr, "paste from the clipboard"),
+    command_row("clone_selection", command_clone_selection, nullptr, "clone the selection in place, returns the new object ids"),
     pending_row("convexhull", nullptr, nullptr, "convex hull of the selected vertices"),
     pending_row("copy_3d_win_to_clipboard", nullptr, nullptr, "copy the 3D view to the clipboard"),
     pending_row("createsurface", "d", "<int type (0 polygon, 1 closed line, 2 line)>", "create a surface from the selected vertices"),
@@ -67,7 +70,7 @@ vesk_command_t rows[] = {
     pending_row("define_extrude_path", nullptr, nullptr, "define the selected object as the extrusion path"),
     command_row("delete", delete_selected, nullptr, "delete the selection"),
     command_row("do_perspective", do_perspective, "<int 0 parallel, 1 perspective>", "projection of the 3D view"),
-    pending_row("duplicate", nullptr, nullptr, "duplicate the selection"),
+    command_row("duplicate", duplicate_selected, nullptr, "duplicate the selection"),
     pending_row("execute_surface_filter", "s", "<string filter>", "run a surface filter on the selection"),
     pending_row("file_select_texture", nullptr, nullptr, "choose a texture for the selection"),
     pending_row("file_select_background_image", "d", "<windownum>", "choose a background image for a window"),
@@ -91,7 +94,7 @@ vesk_command_t rows[] = {
     command_row("get_version_string", command_get_version_string, nullptr, "returns the version text"),
     command_row("get_version_number", command_get_version_number, nullptr, "returns the version number"),
     command_row("goto_selected_all", goto_selected_all, nullptr, "Centre orth views about selection"),
-    pending_row("group", nullptr, "group", "group selected objects"),
+    command_row("group", group_selected_objects, "group", "group selected objects"),
     command_row("hide_selected", command_hide_selected, nullptr, "hide the selection"),
     command_row("hide_unselected", command_hide_unselected, nullptr, "hide everything else"),
     pending_row("insert_vertex", nullptr, nullptr, "insert vertices in the middle of the selected edges"),
@@ -125,14 +128,14 @@ vesk_command_t rows[] = {
     pending_row("object_fragment", nullptr, nullptr, "one object for each connected piece"),
     pending_row("object_merge", nullptr, nullptr, "merge the selected objects"),
     command_row("object_move_to_head", tcl_object_move_to_head, "<int objectid>", "move object to the head in it's parents list of children"),
-    pending_row("object_recentre", nullptr, nullptr, "set the centre to the middle of the box"),
+    command_row("object_recentre", command_object_recentre, nullptr, "set the centre to the middle of the box"),
     command_row("object_is_selected", command_object_is_selected, "<int object_id>", "returns 1 when the object is selected"),
     command_row("object_is_hidden", command_object_is_hidden, "<int object_id>", "returns 1 when the object is hidden"),
     command_row("object_hide", command_object_hide, "<int object_id>", "hide an object"),
     command_row("object_unhide", command_object_unhide, "<int object_id>", "show an object"),
     command_row("object_select", command_object_select, "<int object_id>", "select an object"),
     command_row("object_deselect", command_object_deselect, "<int object_id>", "deselect an object"),
-    pending_row("object_mincentre", nullptr, nullptr, "set the centre to the minimum corner of the box"),
+    command_row("object_mincentre", command_object_mincentre, nullptr, "set the centre to the minimum corner of the box"),
     pending_row("object_snap_together_by_vertices", nullptr, nullptr, "snap objects together by their selected vertices"),
     pending_row("optimize", nullptr, nullptr, "merge vertices at the same place"),
     pending_row("optimize_surfaces", nullptr, nullptr, "remove duplicate and degenerate surfaces"),
@@ -198,7 +201,7 @@ vesk_command_t rows[] = {
     command_row("surface_triangulate", selected_surface_triangulate, nullptr, "triangulate the selected surfaces"),
     pending_row("surface_loop_subdivision", "f", "<0.0 -> 1.0 smoothing factor>"),
     pending_row("texture_set", "d", "<texture id>", "set the texture of the selection"),
-    pending_row("ungroup", nullptr, nullptr, "ungroup the selected groups"),
+    command_row("ungroup", command_ungroup, nullptr, "ungroup the selected groups"),
     command_row("undo", UNDO, nullptr, "undo"),
     command_row("unhide", show_all, nullptr, "undo"),
     command_row("unlock", command_unlock, nullptr, "unlock everything"),

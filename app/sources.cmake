@@ -28,6 +28,7 @@ target_sources(vesk_core PRIVATE
 )
 target_sources(vesk PRIVATE
     app/bridge_tk.cpp
+    app/clipboard_tk.cpp
     app/bridge_port_tk.cpp
     app/main.cpp
 )

@@ -40,7 +40,7 @@ const ui_port_t silent_port = {
     .now_seconds = [] { return 0.0; },
     .start_program = [](const char *) { return false; },
     .open_address = [](const char *) { return false; },
-    .clipboard_set = [](const char *) { return false; },
+    .clipboard_offer = [](std::string_view (*)()) { return false; },
     .clipboard_get = []() -> const char * { return nullptr; },
 };
 
@@ -86,7 +86,7 @@ void ui_port_install(const ui_port_t &port)
     keep_start_value(installed.now_seconds, s.now_seconds);
     keep_start_value(installed.start_program, s.start_program);
     keep_start_value(installed.open_address, s.open_address);
-    keep_start_value(installed.clipboard_set, s.clipboard_set);
+    keep_start_value(installed.clipboard_offer, s.clipboard_offer);
     keep_start_value(installed.clipboard_get, s.clipboard_get);
 }
 

@@ -5,6 +5,8 @@
 // (linked texts come from malloc); the shell installs the Tk one or the batch one before the
 // preferences are first set, tests install one that records.
 
+#include <string_view>
+
 struct ui_port_t {
     // ---- script ----
     // Evaluates a script text; its result (valid until the next call) and whether it succeeded.
@@ -44,7 +46,9 @@ struct ui_port_t {
     // ---- desktop ----
     bool (*start_program)(const char *command_line);
     bool (*open_address)(const char *url);
-    bool (*clipboard_set)(const char *text);
+    // Offers a text to other programs: it is asked for when one of them wants it.
+    bool (*clipboard_offer)(std::string_view (*text)());
+    // The text another program offers; null for none, and while our own offer stands.
     const char *(*clipboard_get)();
 };
 

@@ -6,8 +6,8 @@
 #include "edit/undo.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
+#include "model/child_changes.h"
 #include "model/freed.h"
-#include "model/object_tree.h"
 #include "model/owners.h"
 
 namespace {
@@ -43,15 +43,12 @@ std::vector<object_t *> delete_vertices(const listitem *vertices)
     return touched;
 }
 
-void delete_selected_objects()
+void delete_selected_objects(const char *label)
 {
     const std::vector<object_t *> objects = selected_top_objects();
-    new_undo(UNDO_DELETE, "delete");
-    if (set_undo_delete_selection() == 0) {
-        freed_batch batch;
-        for (object_t *object : objects)
-            object_delete_nocleanup(object);
-    }
+    new_undo(UNDO_DELETE, label);
+    if (set_undo_delete_selection() == 0)
+        objects_delete(objects);
 }
 
 } // namespace
@@ -80,13 +77,15 @@ void surfacelist_delete_with_vertices(const listitem *surfaces) { delete_surface
 
 // ---- commands ----
 
-void delete_selected(void)
+void delete_selected(void) { delete_selection("delete"); }
+
+void delete_selection(const char *label)
 {
     if (nothing_is_selected() != 0) {
-        display_message("delete - nothing selected");
+        display_message("%s - nothing selected", label);
         return;
     }
-    display_message("delete...");
+    display_message("%s...", label);
     const selection_t &all = selection();
     const int mode = select_mode();
     const bool surfaces = mode == SELECT_SURFACE;
@@ -95,18 +94,18 @@ void delete_selected(void)
                                               : all.num_objects;
     std::vector<object_t *> touched;
     if (surfaces || mode == SELECT_VERTEX) {
-        new_undo(UNDO_WORLD, "delete");
+        new_undo(UNDO_WORLD, label);
         set_undo_all();
         const owned_list elements(list_clone(surfaces ? all.surfaces : all.vertices));
         touched =
             surfaces ? delete_surfaces(elements.get(), true) : delete_vertices(elements.get());
     } else {
-        delete_selected_objects();
+        delete_selected_objects(label);
     }
     clear_selection();
     calc_normals_of(touched);
     finish_edit();
-    display_message("delete - %d %s", count,
+    display_message("%s - %d %s", label, count,
                     surfaces ? "surfaces" : (mode == SELECT_VERTEX ? "vertices" : "objects"));
 }
 

@@ -26,4 +26,9 @@ VESK_API void remove_selected_surfaces(void);
 
 VESK_END_DECLS
 
+#ifdef __cplusplus
+// delete_selected with another label: the word of its messages and of its undo.
+void delete_selection(const char *label);
+#endif
+
 #endif

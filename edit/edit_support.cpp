@@ -7,8 +7,6 @@
 
 #include <unordered_set>
 
-namespace {
-
 std::vector<object_t *> without_descendants(const std::vector<object_t *> &objects)
 {
     const std::unordered_set<const object_t *> all(objects.begin(), objects.end());
@@ -23,11 +21,25 @@ std::vector<object_t *> without_descendants(const std::vector<object_t *> &objec
     return top;
 }
 
-} // namespace
-
 std::vector<object_t *> selected_objects() { return elements_of<object_t>(selection().objects); }
 
 std::vector<object_t *> selected_top_objects() { return without_descendants(selected_objects()); }
+
+void select_results(const std::vector<object_t *> &objects)
+{
+    clear_selection();
+    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+        selection_add_by_rule(objects);
+    } else {
+        std::vector<object_t *> reachable;
+        for (object_t *object : objects) {
+            if (object->visible != 0 && object->locked == 0)
+                reachable.push_back(object);
+        }
+        selection_add_objects(reachable);
+    }
+    selection_changed("select");
+}
 
 void calc_normals_of(const std::vector<object_t *> &objects)
 {

@@ -13,6 +13,13 @@ std::vector<object_t *> selected_objects();
 // The selected objects without those that have a selected ancestor.
 std::vector<object_t *> selected_top_objects();
 
+// Those of the objects that have no ancestor among them, each once.
+std::vector<object_t *> without_descendants(const std::vector<object_t *> &objects);
+
+// These objects become the selection, as far as they are visible and unlocked: in the object modes
+// they themselves, groups too, else their vertices or surfaces.
+void select_results(const std::vector<object_t *> &objects);
+
 // Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
 void calc_normals_of(const std::vector<object_t *> &objects);
 

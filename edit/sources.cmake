@@ -1,11 +1,14 @@
 # Files of edit/.
 target_sources(vesk_core PRIVATE
+    edit/clipboard.cpp
     edit/create.cpp
     edit/current_object.cpp
     edit/delete.cpp
     edit/drag_transform.cpp
+    edit/duplicate.cpp
     edit/edit_support.cpp
     edit/geometry_image.cpp
+    edit/group.cpp
     edit/holes.cpp
     edit/journal.cpp
     edit/link_surfaces.cpp

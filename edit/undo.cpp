@@ -7,17 +7,19 @@
 #include "app/ui_port.h"
 #include "edit/journal_internal.h"
 #include "edit/modes.h"
+#include "edit/selection_scan.h"
 #include "edit/undo_internal.h"
 #include "model/change_marks.h"
+#include "model/child_changes.h"
 #include "model/each.h"
-#include "model/freed.h"
+#include "model/freed_internal.h"
 #include "model/identity.h"
-#include "model/object_tree.h"
 #include "model/world.h"
 #include "view/redraw.h"
 
 #include <algorithm>
 #include <dlfcn.h>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -85,18 +87,46 @@ void copy_list(listitem **to, const listitem *from)
     *to = list_clone(from);
 }
 
-// Out of the world, told to all who hold it; where it stood is noted.
-removed_object take_out(object_t *object)
+// The child of the world in front of which each object stands when those before it in the list are
+// gone already; null at the end.
+std::vector<object_t *> places_in_world(const std::vector<object_t *> &objects)
 {
-    removed_object removed = {object, nullptr, {}};
-    for_each_object(object,
-                    [&](object_t *part) { removed.identities.push_back(identity_known(part)); });
-    const listitem *node = vesk_get_world()->children;
-    while (node && item_of<object_t>(node) != object)
-        node = node->next;
-    if (node && node->next)
-        removed.before = item_of<object_t>(node->next);
-    object_remove_child(vesk_get_world(), object);
+    struct neighbours {
+        object_t *previous = nullptr, *next = nullptr;
+    };
+    std::unordered_map<object_t *, neighbours> row;
+    object_t *previous = nullptr;
+    for (object_t *child : each<object_t>(vesk_get_world()->children)) {
+        row[previous].next = child;
+        row[child].previous = previous;
+        previous = child;
+    }
+    std::vector<object_t *> places;
+    for (object_t *object : objects) {
+        const neighbours at = row[object];
+        row[at.previous].next = at.next;
+        row[at.next].previous = at.previous;
+        places.push_back(at.next);
+    }
+    return places;
+}
+
+// Takes objects out of the world, told to all who hold them; where they stood is noted.
+std::vector<removed_object> take_out(std::vector<object_t *> &&objects)
+{
+    std::erase_if(objects, [](const object_t *o) { return o->parent != vesk_get_world(); });
+    const std::vector<object_t *> places = places_in_world(objects);
+    std::vector<removed_object> removed;
+    child_changes changes;
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        removed.push_back({objects[i], places[i], {}});
+        for_each_object(objects[i], [&](object_t *part) {
+            removed.back().identities.push_back(identity_known(part));
+        });
+        changes.unlink(objects[i]);
+    }
+    changes.commit();
+    freed_announce_left(objects);
     return removed;
 }
 
@@ -246,12 +276,7 @@ int set_undo_delete_selection(void)
         record->model = model_state_capture();
         return 0;
     }
-    const owned_list selected(list_clone(selection().objects));
-    std::vector<removed_object> removed;
-    for (object_t *object : each<object_t>(selected.get())) {
-        if (object->parent == vesk_get_world())
-            removed.push_back(take_out(object));
-    }
+    std::vector<removed_object> removed = take_out(elements_of<object_t>(selection().objects));
     record->removed = std::move(removed); // not before: each leaves the lists of all holders
     return 1;
 }

@@ -2,6 +2,7 @@
 // what is freed.
 
 #include "app/messages_internal.h"
+#include "edit/edit_support.h"
 #include "edit/modes.h"
 #include "edit/resize.h"
 #include "edit/selection_scan.h"
@@ -9,6 +10,7 @@
 #include "edit/undo_internal.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
+#include "model/child_changes.h"
 #include "model/freed.h"
 #include "model/identity.h"
 #include "model/matrix.h"
@@ -303,21 +305,29 @@ void reverse_surface(undo_record &record)
     undo_drop_newest();
 }
 
+void delete_created_vertices(const undo_record &record)
+{
+    const auto vertices = elements_of<vertex>(record.vertices);
+    const std::unordered_set<const vertex *> gone(vertices.begin(), vertices.end());
+    for (object_t *owner : living_owners(owners_of_vertices(vertices)))
+        delete_vertices(owner, gone);
+}
+
+// Vertices that came with the surfaces go with them: those that the record names.
 void reverse_surfaces(undo_record &record)
 {
     if (record.object && record.surfaces) {
         const auto surfaces = elements_of<surface_t>(record.surfaces);
         delete_surfaces(record.object, {surfaces.begin(), surfaces.end()});
     }
+    if (record.vertices)
+        delete_created_vertices(record);
     undo_drop_newest();
 }
 
 void reverse_vertices(undo_record &record)
 {
-    const auto vertices = elements_of<vertex>(record.vertices);
-    const std::unordered_set<const vertex *> gone(vertices.begin(), vertices.end());
-    for (object_t *owner : living_owners(owners_of_vertices(vertices)))
-        delete_vertices(owner, gone);
+    delete_created_vertices(record);
     undo_drop_newest();
 }
 
@@ -375,11 +385,9 @@ void reverse_creation(undo_record &record)
 
 void reverse_creations(undo_record &record)
 {
-    // A copy: what is deleted leaves the record's list. One may go with another.
-    for (object_t *object : elements_of<object_t>(record.objects)) {
-        if (object_exists(object) != 0)
-            object_delete(object);
-    }
+    std::vector<object_t *> living = elements_of<object_t>(record.objects);
+    std::erase_if(living, [](const object_t *object) { return object_exists(object) == 0; });
+    objects_delete(without_descendants(living));
     restore_saved_selection(record);
 }
 

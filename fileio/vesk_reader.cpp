@@ -11,6 +11,8 @@
 #include "model/normals.h"
 #include "view/textures.h"
 
+#include <algorithm>
+
 namespace {
 
 const char *first_word_end(const char *p, const char *end)
@@ -18,6 +20,15 @@ const char *first_word_end(const char *p, const char *end)
     while (p < end && !is_blank(*p) && *p != '\v' && *p != '\f')
         ++p;
     return p;
+}
+
+// The revision that a text begins with; none when it is no model file. `rest` is what follows the
+// word.
+std::optional<unsigned> revision_of(const file_text &text, const char **rest)
+{
+    const char *word = skip_space(text.begin(), text.end());
+    *rest = first_word_end(word, text.end());
+    return vesk_revision_of(std::string_view(word, static_cast<std::size_t>(*rest - word)));
 }
 
 } // namespace
@@ -49,10 +60,8 @@ object_t *readfile_vesk2(const char *filename)
         windows_message_dialog("Load VESK file:\n\ncan't open file %s for reading", name.c_str());
         return nullptr;
     }
-    const char *word = skip_space(text.begin(), text.end());
-    const char *first = first_word_end(word, text.end());
-    const std::optional<unsigned> revision =
-        vesk_revision_of(std::string_view(word, static_cast<std::size_t>(first - word)));
+    const char *first = nullptr;
+    const std::optional<unsigned> revision = revision_of(text, &first);
     if (!revision) {
         tell_not_valid(name.c_str());
         return nullptr;
@@ -89,3 +98,25 @@ object_t *readfile_vesk2(const char *filename)
 }
 
 object_t *vesk_import_vesk(const char *filename) { return readfile_vesk2(filename); }
+
+object_t *vesk_object_of_text(std::string_view text)
+{
+    complaints_clear();
+    file_text copy;
+    copy.size = text.size();
+    copy.bytes.reset(static_cast<char *>(std::malloc(text.size() + 1)));
+    if (!copy.bytes)
+        return nullptr;
+    std::copy(text.begin(), text.end(), copy.bytes.get());
+    const char *first = nullptr;
+    if (revision_of(copy, &first) != vesk_revision)
+        return nullptr;
+    const texture_load_scope one_box;
+    tree_reader reader(copy, first, "");
+    object_t *top = reader.read();
+    if (reader.moved_progress_bar())
+        set_progress_bar(0);
+    if (top)
+        object_calc_normals_force(top);
+    return top;
+}

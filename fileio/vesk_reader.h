@@ -25,6 +25,11 @@ VESK_END_DECLS
 // of them ("" for none).
 int vesk_reader_complaints();
 const char *vesk_reader_first_complaint();
+
+#include <string_view>
+// The model that a text holds, as readfile_vesk2 reads a file's; the current file stays and nothing
+// is told. Null when it is none, of another revision, or empty.
+object_t *vesk_object_of_text(std::string_view text);
 #endif
 
 #endif

@@ -135,12 +135,13 @@ void freed_filter_foreign()
         announce(gone);
 }
 
-void freed_announce_left(object_t *top)
+void freed_announce_left(const std::vector<object_t *> &tops)
 {
     if (record().listeners.empty())
         return;
     freed_things left;
-    for_each_object(top, [&](object_t *object) { left.objects.push_back(object); });
+    for (object_t *top : tops)
+        for_each_object(top, [&](object_t *object) { left.objects.push_back(object); });
     announce(with_contents(left));
 }
 

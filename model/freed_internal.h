@@ -3,8 +3,8 @@
 
 #include "model/freed.h"
 
-// Tells the holders that a tree has left the scene, though it is not freed.
-void freed_announce_left(object_t *top);
+// Tells the holders that these trees have left the scene, though they are not freed.
+void freed_announce_left(const std::vector<object_t *> &tops);
 
 // Tells the holders that the object's own vertices and surfaces are gone: their records are about
 // to be used for others.

@@ -100,7 +100,7 @@ int object_remove_child(object_t *parent, object_t *child)
 {
     if (object_remove_child_nocleanup(parent, child) == 0)
         return 0;
-    freed_announce_left(child);
+    freed_announce_left({child});
     return 1;
 }
 

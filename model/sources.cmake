@@ -3,6 +3,7 @@ target_sources(vesk_core PRIVATE
     model/alloc.cpp
     model/bounds.cpp
     model/change_marks.cpp
+    model/child_changes.cpp
     model/flat_mesh.cpp
     model/frame.cpp
     model/freed.cpp

@@ -1,6 +1,8 @@
 target_sources(vesk_tests PRIVATE
+    edit/clipboard_test.cpp
     edit/geometry_test.cpp
     edit/journal_test.cpp
+    edit/group_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
     edit/text_objects_test.cpp

@@ -6,6 +6,7 @@
 #include "app/prefs.h"
 #include "app/session_state.h"
 #include "app/ui_port.h"
+#include "edit/clipboard.h"
 #include "edit/journal.h"
 #include "edit/modes.h"
 #include "edit/primitives.h"
@@ -56,6 +57,11 @@ ui_port_t recording_port()
             record.while_pumping();
     };
     port.now_seconds = [] { return record.clock += record.clock_step; };
+    port.clipboard_offer = [](std::string_view (*text)()) {
+        record.offered = text;
+        return true;
+    };
+    port.clipboard_get = [] { return record.others_clipboard; };
     return port;
 }
 
@@ -98,6 +104,7 @@ void SceneTest::SetUp()
     selection_reset_for_test();
     modes_reset_for_test();
     journal_reset_for_test();
+    clipboard_reset_for_test();
     record = {};
 }
 

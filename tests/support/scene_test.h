@@ -8,6 +8,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // What the program told the toolkit since the test began.
@@ -18,7 +19,9 @@ struct recording_t {
     std::map<std::string, std::string> variables;
     std::map<std::string, std::string> answers; // result of scripts that begin so
     void (*while_pumping)() = nullptr;
-    double clock = 0; // now_seconds; each look adds clock_step
+    std::string_view (*offered)() = nullptr; // on the clipboard, by the program
+    const char *others_clipboard = nullptr;  // what another program has there
+    double clock = 0;                        // now_seconds; each look adds clock_step
     double clock_step = 0;
 };
 recording_t &recording();

@@ -1,0 +1,11 @@
+#ifndef VESK_APP_CLIPBOARD_TK_H
+#define VESK_APP_CLIPBOARD_TK_H
+
+#include <string_view>
+
+// The desktop's clipboard, as the port describes it. Nothing is copied to it before another program
+// asks.
+bool clipboard_tk_offer(std::string_view (*text)());
+const char *clipboard_tk_get();
+
+#endif

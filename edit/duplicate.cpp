@@ -1,0 +1,157 @@
+#include "edit/duplicate.h"
+
+#include "app/command_result.h"
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "edit/edit_support.h"
+#include "edit/mesh_change.h"
+#include "edit/selection_scan.h"
+#include "edit/snap.h"
+#include "edit/transform.h"
+#include "edit/undo.h"
+#include "model/child_changes.h"
+#include "model/identity.h"
+#include "model/object_tree.h"
+#include "model/owners.h"
+#include "model/vector.h"
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+point3_t shift_of_copies()
+{
+    if (prefs.shift_duplicated == 0)
+        return {0, 0, 0};
+    const auto step = static_cast<float>(prefs.grid);
+    point3_t offset = {step, step, step};
+    snap_to_grid(&offset);
+    return offset;
+}
+
+// Each copy follows its original. Their marks are their own: a copy is visible where it can be
+// selected.
+std::vector<object_t *> duplicate_objects(const point3_t &offset)
+{
+    std::vector<object_t *> copies;
+    child_changes changes;
+    for (object_t *object : selected_top_objects()) {
+        object_t *copy = object_clone(object);
+        translate_object(copy, &offset);
+        changes.replace(object, {object, copy});
+        copies.push_back(copy);
+    }
+    owned_list undo;
+    for (object_t *copy : copies)
+        undo.add(copy);
+    new_undo(UNDO_OBJECTS, "duplicate");
+    set_undo_objectlist(undo.get());
+    changes.commit();
+    select_results(copies);
+    return copies;
+}
+
+// Copies of the surfaces of one object in it; normals of the originals hold for them too.
+mesh_result copy_surfaces(const owned_elements &owned, const point3_t &offset)
+{
+    mesh_change change(owned.object);
+    const flat_mesh &mesh = change.before();
+    std::vector<int> copies(place(mesh.num_vertices()), -1);
+    for (const int surface : owned.indices) {
+        change.add_surface(surface);
+        auto corner = place((*mesh.corner_offsets)[place(surface)]);
+        for (const int v : mesh.surface_corners(surface)) {
+            if (copies[place(v)] < 0)
+                copies[place(v)] = change.add_vertex(point_add(change.position(v), offset), v);
+            change.add_corner(copies[place(v)], (*mesh.texture_coords)[corner++]);
+        }
+    }
+    return change.commit();
+}
+
+void open_undo(const std::vector<owned_elements> &owners)
+{
+    if (owners.size() == 1) {
+        new_undo(UNDO_SURFACES, "duplicate");
+        return;
+    }
+    new_undo(UNDO_WORLD, "duplicate");
+    set_undo_all();
+}
+
+std::vector<surface_t *> duplicate_surfaces(const listitem *surfaces, const point3_t &offset)
+{
+    const std::vector<owned_elements> owners = surfaces_by_owner(surfaces);
+    open_undo(owners);
+    owned_list made, vertices;
+    std::vector<object_t *> touched;
+    for (const owned_elements &owned : owners) {
+        const mesh_result result = copy_surfaces(owned, offset);
+        for (surface_t *surface : result.surfaces)
+            made.add(surface);
+        for (vertex *point : result.vertices)
+            vertices.add(point);
+        touched.push_back(owned.object);
+    }
+    if (owners.size() == 1) {
+        set_undo_object_surfacelist(owners.front().object, made.get());
+        set_undo_vertices(vertices.get());
+    }
+    calc_normals_of(touched);
+    clear_selection();
+    select_surfacelist(made.get());
+    return elements_of<surface_t>(made.get());
+}
+
+void append_places(const std::vector<surface_t *> &surfaces)
+{
+    owned_list list;
+    for (surface_t *surface : surfaces)
+        list.add(surface);
+    for (const owned_elements &owned : surfaces_by_owner(list.get())) {
+        for (const int index : owned.indices)
+            command_result_append_element(index);
+    }
+}
+
+void duplicate(const point3_t &offset, bool wants_result)
+{
+    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+        const owned_list surfaces(find_selected_whole_surfaces());
+        if (!surfaces) {
+            display_message("duplicate - nothing selected");
+            return;
+        }
+        display_message("duplicate...");
+        const std::vector<surface_t *> made = duplicate_surfaces(surfaces.get(), offset);
+        if (wants_result)
+            append_places(made);
+        finish_edit();
+        display_message("duplicate - %d surfaces", static_cast<int>(made.size()));
+        return;
+    }
+    if (selection().objects == nullptr) {
+        display_message("duplicate - nothing selected");
+        return;
+    }
+    display_message("duplicate...");
+    const std::vector<object_t *> copies = duplicate_objects(offset);
+    for (const object_t *copy : copies) {
+        if (wants_result)
+            command_result_append_element(object_identity(copy));
+    }
+    finish_edit();
+    display_message("duplicate - %d objects", static_cast<int>(copies.size()));
+}
+
+} // namespace
+
+// ---- commands ----
+
+void duplicate_selected(void) { duplicate(shift_of_copies(), false); }
+
+void command_clone_selection()
+{
+    command_result_set("");
+    duplicate({0, 0, 0}, true);
+}

@@ -1,0 +1,22 @@
+#ifndef VESK_EDIT_DUPLICATE_H
+#define VESK_EDIT_DUPLICATE_H
+
+#include "app/types.h"
+
+VESK_BEGIN_DECLS
+
+/* Command "duplicate": copies of the selection, which are selected. Object modes: each object's
+   copy stands beside it; else the whole surfaces, with vertices of their own, in the same object.
+   With the preference shift_duplicated the copies are moved by one step of the grid on each axis.
+   Undo "duplicate". */
+VESK_API void duplicate_selected(void);
+
+VESK_END_DECLS
+
+#ifdef __cplusplus
+// Command "clone_selection": the same in place. The result lists the new objects' identities, or
+// the places of the new surfaces in their objects.
+void command_clone_selection();
+#endif
+
+#endif
