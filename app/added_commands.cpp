@@ -8,6 +8,7 @@
 #include "app/numbers.h"
 #include "app/progress.h"
 #include "edit/create.h"
+#include "edit/extrude.h"
 #include "edit/object_flags.h"
 #include "edit/selection_internal.h"
 #include "fileio/backup.h"
@@ -273,6 +274,8 @@ void register_added_commands()
         command_row("tool_key", command_tool_key, "<string keysym>",
                     "a key for a running drag or outline, returns 1 when it was used"),
         command_row("cancel", progress_cancel, nullptr, "cancel long work"),
+        command_row("extrude", command_extrude, "<float x> <float y> <float z>",
+                    "extrude the selected surfaces"),
     };
     command_add_words("create", command_create, 8, 8,
                       "<kind> <int plane> <float x1> <float y1> <float z1> <float x2> <float y2> "

@@ -2,9 +2,11 @@
 
 #include "app/messages.h"
 #include "edit/selection_scan.h"
+#include "model/flat_mesh.h"
 #include "model/normals.h"
 #include "view/redraw.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 std::vector<object_t *> without_descendants(const std::vector<object_t *> &objects)
@@ -39,6 +41,24 @@ void select_results(const std::vector<object_t *> &objects)
         selection_add_objects(reachable);
     }
     selection_changed("select");
+}
+
+std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
+{
+    std::vector<owned_elements> owners = surfaces_by_owner(surfaces);
+    uint32_t rank = 0;
+    for (surface_t *surface : each<surface_t>(surfaces))
+        set_scratch(surface, rank++);
+    for (owned_elements &owned : owners) {
+        const flat_ptr mesh = object_flat(owned.object);
+        const auto earlier = [&](int a, int b) {
+            return scratch((*mesh->surface_records)[static_cast<std::size_t>(a)]) <
+                   scratch((*mesh->surface_records)[static_cast<std::size_t>(b)]);
+        };
+        if (!std::is_sorted(owned.indices.begin(), owned.indices.end(), earlier))
+            std::sort(owned.indices.begin(), owned.indices.end(), earlier);
+    }
+    return owners;
 }
 
 void calc_normals_of(const std::vector<object_t *> &objects)

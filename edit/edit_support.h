@@ -5,6 +5,7 @@
 
 #include "edit/selection_internal.h"
 #include "model/each.h"
+#include "model/owners.h"
 
 #include <vector>
 
@@ -19,6 +20,9 @@ std::vector<object_t *> without_descendants(const std::vector<object_t *> &objec
 // These objects become the selection, as far as they are visible and unlocked: in the object modes
 // they themselves, groups too, else their vertices or surfaces.
 void select_results(const std::vector<object_t *> &objects);
+
+// surfaces_by_owner, each owner's surfaces in the order of the list.
+std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces);
 
 // Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
 void calc_normals_of(const std::vector<object_t *> &objects);

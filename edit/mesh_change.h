@@ -7,6 +7,7 @@
 
 #include "model/flat_mesh.h"
 
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -26,6 +27,11 @@ public:
     // A new vertex; with `like` it takes over that old vertex's other fields. Returns its place.
     int add_vertex(const point3_t &position, int like = -1);
     [[nodiscard]] point3_t position(int at) const;
+    // The old and the new ones: the place of the next new one.
+    [[nodiscard]] int num_vertices() const
+    {
+        return before_->num_vertices() + static_cast<int>(vertices_.size());
+    }
 
     // Begins a new surface with the properties of the old surface `like` (-1: a new surface's);
     // add_corner then appends to it. Surfaces without corners are not made.
@@ -33,7 +39,16 @@ public:
     void add_corner(int at, flat_uv uv);
     // Of the surface begun last.
     void set_type(int type);
+    void set_material(int material);
     void reverse_corners();
+
+    // Changes of surfaces that stay: the record, its other corners and all texture coordinates are
+    // kept. A corner is named by its place among all corners of before(); several insertions after
+    // one corner follow each other in the order of the calls.
+    void redirect_corner(int corner, int at);
+    void insert_corner_after(int corner, int at, flat_uv uv);
+    // However few corners the surface is left with.
+    void remove_corner(int corner);
 
     void remove_surface(int surface);
     // The vertex and every reference to it; a surface that is left with fewer than 3 corners by it
@@ -53,7 +68,8 @@ private:
     };
     struct made_surface {
         int like;
-        int type; // -1: as `like`
+        int type;     // -1: as `like`
+        int material; // -1: as `like`
         std::size_t first_corner;
     };
     struct made_corner {
@@ -61,8 +77,27 @@ private:
         flat_uv uv;
     };
 
+    struct corner_edit {
+        enum kind_t { REDIRECT, INSERT, REMOVE } kind;
+        int corner;
+        int vertex;
+        flat_uv uv;
+    };
+
+    void apply_to_corners();
+    // The corners of before() as they will refer: -1 for those that are removed.
+    [[nodiscard]] const std::vector<std::int32_t> &corners_after() const
+    {
+        return edits_.empty() ? *before_->corners : corners_after_;
+    }
     void remove_small_surfaces();
     void find_unused();
+    void edit_corners(const mesh_result &result);
+    void edit_surface(int surface, std::span<const corner_edit> edits,
+                      const mesh_result &result) const;
+    [[nodiscard]] bool is_old(int v) const { return v >= 0 && v < before_->num_vertices(); }
+    [[nodiscard]] bool is_own(const vertex *point) const;
+    [[nodiscard]] vertex *vertex_at(int at, const mesh_result &result) const;
     void drop_references() const;
     void unlink();
     void link(mesh_result &result);
@@ -74,6 +109,8 @@ private:
     std::vector<made_vertex> vertices_;
     std::vector<made_surface> surfaces_;
     std::vector<made_corner> corners_;
+    std::vector<corner_edit> edits_;
+    std::vector<std::int32_t> corners_after_;         // empty without edits
     std::vector<bool> gone_vertices_, gone_surfaces_; // empty while none goes
     std::unordered_map<const surface_t *, int> places_;
     bool remove_unused_ = false;

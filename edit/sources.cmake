@@ -7,16 +7,19 @@ target_sources(vesk_core PRIVATE
     edit/drag_transform.cpp
     edit/duplicate.cpp
     edit/edit_support.cpp
+    edit/extrude.cpp
     edit/geometry_image.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/journal.cpp
     edit/link_surfaces.cpp
     edit/mesh_change.cpp
+    edit/mesh_edges.cpp
     edit/model_restore.cpp
     edit/model_state.cpp
     edit/modes.cpp
     edit/object_flags.cpp
+    edit/position_index.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
     edit/resize.cpp

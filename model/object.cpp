@@ -6,6 +6,7 @@
 #include "model/lights.h"
 #include "model/matrix.h"
 #include "model/object_internal.h"
+#include "model/vector.h"
 
 #include <algorithm>
 
@@ -104,6 +105,15 @@ vertex *object_add_new_vertex(object_t *object, float x, float y, float z)
     vertex *point = new_vertex_set(x, y, z);
     object_add_vertex(object, point);
     return point;
+}
+
+vertex *object_add_new_vertex_reuse(object_t *object, float x, float y, float z)
+{
+    for (vertex *point : each<vertex>(object->vertices)) {
+        if (point_equal(point->position, {x, y, z}))
+            return point;
+    }
+    return object_add_new_vertex(object, x, y, z);
 }
 
 vertex *object_add_new_vertex_head(object_t *object, float x, float y, float z)

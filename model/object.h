@@ -96,6 +96,8 @@ VESK_API void object_add_vertex(object_t *object, vertex *point);
 /* Creates and appends, or puts in front; returns the vertex. */
 VESK_API vertex *object_add_new_vertex(object_t *object, float x, float y, float z);
 VESK_API vertex *object_add_new_vertex_head(object_t *object, float x, float y, float z);
+/* The first of the object's vertices that stands exactly there, else a new one, appended. Walks. */
+VESK_API vertex *object_add_new_vertex_reuse(object_t *object, float x, float y, float z);
 /* Appends every vertex of a list; the list's nodes stay the caller's. */
 VESK_API void object_add_vertices(object_t *object, const listitem *vertices);
 /* Appends `n` new vertices from 3n floats x y z. Fast: one pass. Returns the first new vertex's

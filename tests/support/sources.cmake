@@ -1,4 +1,6 @@
 target_sources(vesk_tests PRIVATE
     support/main.cpp
+    support/mesh_test.cpp
+    support/random_mesh.cpp
     support/scene_test.cpp
 )

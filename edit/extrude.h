@@ -1,0 +1,42 @@
+#ifndef VESK_EDIT_EXTRUDE_H
+#define VESK_EDIT_EXTRUDE_H
+
+#include "app/types.h"
+#include "model/object.h"
+
+VESK_BEGIN_DECLS
+
+/* Sweeps the selected whole surfaces by `offset`: walls of quads on the outer edges of the selected
+   region, in as many steps as the preference extrude_num says (below 1: one), with extrude_cap_end
+   a moved copy of each surface, with extrude_delete_original the surfaces and the vertices that
+   only they used go. extrude_flip_cap turns walls and copies round. Vertices that already stand
+   where a new one would are used. A message box and no change: nothing is selected; the selected
+   surfaces have no outer edge. Computes the normals of the objects touched; opens no undo, draws
+   nothing. The user may cancel. Returns 1, or 0 when nothing changed. */
+VESK_API int extrude_selected_diff(const point3_t *offset);
+
+/* The same by `end` minus `start`; announces itself on the message line. */
+VESK_API int extrude_selected(const point3_t *start, const point3_t *end);
+
+/* Extrudes one surface of the world by minus `offset` in `steps` steps: a copy of its outline for
+   each, joined by link surfaces. Each copy is turned by the angles `degrees` (about x, y and z, one
+   after the other; null for none), all by the same. A polygon stays and gets its last copy as an
+   end cap; a line is removed and freed. Steps below 1 do nothing. Returns the owning object, or
+   null when there is none. Records no undo, computes no normals. */
+VESK_API object_t *extrude_surface(surface_t *surface, const point3_t *offset, int steps,
+                                   const point3_t *degrees);
+
+/* A new surface like `surface`, each corner on the vertex of `object` that stands at the corner's
+   place plus `offset`; where there is none a new one is appended. `flip` reverses it. The caller
+   owns it. */
+VESK_API surface_t *surface_clone_translate(object_t *object, const surface_t *surface,
+                                            const point3_t *offset, int flip);
+
+VESK_END_DECLS
+
+#ifdef __cplusplus
+// Command "extrude": the selected whole surfaces by a vector. One whole-model undo, "extrude".
+void command_extrude(float dx, float dy, float dz);
+#endif
+
+#endif
