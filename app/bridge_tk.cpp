@@ -5,6 +5,7 @@
 #include "app/entry_guard.h"
 #include "app/filename.h"
 #include "app/home.h"
+#include "app/icon_image_tk.h"
 #include "app/linked_vars.h"
 #include "app/messages_internal.h"
 #include "app/prefs.h"
@@ -272,6 +273,7 @@ int init_tcl_stuff(int, char **)
             return 0;
         bridge_set_interp(interp, true);
         place_main_window(interp);
+        icon_image_install(interp);
     }
     std::setlocale(LC_NUMERIC, "C");
     catch_end_signals();

@@ -30,5 +30,6 @@ target_sources(vesk PRIVATE
     app/bridge_tk.cpp
     app/clipboard_tk.cpp
     app/bridge_port_tk.cpp
+    app/icon_image_tk.cpp
     app/main.cpp
 )

@@ -1,6 +1,8 @@
 # icons.tcl --
 #   Pictures: one sheet a theme, scale and variant, loaded once; an icon is cropped from it when it
-#   is first asked for. Switching the theme refills the same images, so every widget follows.
+#   is first asked for. Switching the theme refills the same images, so every widget follows. The
+#   executable's image type "vesk_icon" leaves the sheets on the X server; where it is missing the
+#   images are photos.
 
 namespace eval ::vesk::icons {
     variable theme dark
@@ -8,6 +10,27 @@ namespace eval ::vesk::icons {
     variable index {icons {} elements {}}
     variable sheets {}      ;# loaded sheets: file name -> image
     variable made {}        ;# icons handed out: image -> {name variant}
+    variable native [expr {"vesk_icon" in [image types]}]
+}
+
+# create --
+#   An image of the kind this server can show best.
+proc ::vesk::icons::create {image} {
+    variable native
+    return [image create [expr {$native ? "vesk_icon" : "photo"}] $image]
+}
+
+# blank --
+#   A transparent image of that size.
+proc ::vesk::icons::blank {image width height} {
+    variable native
+    create $image
+    if {$native} {
+        $image blank $width $height
+    } else {
+        $image configure -width $width -height $height
+    }
+    return $image
 }
 
 # open --
@@ -54,7 +77,7 @@ proc ::vesk::icons::get {name {variant normal}} {
     variable scale
     set image ::vesk::icons::$name-$variant
     if {![dict exists $made $image]} {
-        image create photo $image
+        create $image
         dict set made $image [list $name $variant]
         crop $image icons-$theme-$scale-$variant icons $name
     }
@@ -67,7 +90,7 @@ proc ::vesk::icons::element {theme_name name} {
     variable scale
     set image ::vesk::icons::$theme_name/$name
     if {$image ni [image names]} {
-        image create photo $image
+        create $image
         crop $image elements-$theme_name-$scale elements $name
     }
     return $image
@@ -78,21 +101,29 @@ proc ::vesk::icons::element {theme_name name} {
 proc ::vesk::icons::crop {image sheet kind name} {
     variable index
     variable scale
+    variable native
     if {![dict exists $index $kind $scale $name]} {
-        $image configure -width 16 -height 16
+        blank $image 16 16
         return
     }
     lassign [dict get $index $kind $scale $name] x y width height
+    if {$native} {
+        $image crop [sheet_file $sheet] $x $y $width $height
+        return
+    }
     $image blank
     $image copy [sheet $sheet] -from $x $y [expr {$x + $width}] [expr {$y + $height}] \
         -to 0 0 -compositingrule set
 }
 
+proc ::vesk::icons::sheet_file {name} {
+    return [file join $::VESK_HOME icons $name.png]
+}
+
 proc ::vesk::icons::sheet {name} {
     variable sheets
     if {![dict exists $sheets $name]} {
-        set file [file join $::VESK_HOME icons $name.png]
-        dict set sheets $name [image create photo -file $file -format png]
+        dict set sheets $name [image create photo -file [sheet_file $name] -format png]
     }
     return [dict get $sheets $name]
 }

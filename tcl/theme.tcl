@@ -450,7 +450,7 @@ proc ::vesk::theme::on {w name} {
 #   A transparent picture that gives menu rows their height.
 proc ::vesk::theme::menu_row_image {} {
     if {"::vesk::theme::row" ni [image names]} {
-        image create photo ::vesk::theme::row -width [px 4] -height [px 22]
+        ::vesk::icons::blank ::vesk::theme::row [px 4] [px 22]
     }
     return ::vesk::theme::row
 }

@@ -60,6 +60,7 @@ proc ::vesk::palette::build_material {tab} {
     grid columnconfigure $tab.rows 0 -minsize [::vesk::theme::px 96]
     grid columnconfigure $tab.rows 2 -weight 1
     ::vesk::theme::follow ::vesk::palette::draw_ball
+    bind $tab <Map> {after idle ::vesk::palette::draw_ball}
     return $tab
 }
 
@@ -199,64 +200,19 @@ proc ::vesk::palette::parts {hex} {
 }
 
 # draw_ball --
-#   A sphere lit by the material, over a checker so that transparency shows.
+#   A sphere lit by the material, once somebody can see it.
 proc ::vesk::palette::draw_ball {} {
     variable material
     variable value
-    if {![winfo exists $material]} {return}
-    set canvas $material.top.ball
-    set size [::vesk::theme::px 92]
+    if {![winfo exists $material] || ![winfo viewable $material.top.ball]} {return}
     if {"::vesk::palette::ball" ni [image names]} {
-        image create photo ::vesk::palette::ball -width $size -height $size
-        $canvas create image 0 0 -anchor nw -image ::vesk::palette::ball
+        image create photo ::vesk::palette::ball
+        $material.top.ball create image 0 0 -anchor nw -image ::vesk::palette::ball
     }
-    # Every second pixel is computed on large screens and drawn twice as large.
-    set step [expr {max(1, $size / 92)}]
-    foreach kind {diffuse ambient emissive specular} {
-        foreach part [parts $value($kind)] channel {r g b} {set ${kind}_$channel $part}
-    }
-    set cover [expr {1 - $value(transparency,level)}]
-    set power [expr {max(1.0, $value(shininess,level))}]
-    set count [expr {$size / $step}]
-    set radius [expr {0.42 * $count}]
-    set rows {}
-    for {set y 0} {$y < $count} {incr y} {
-        set row {}
-        for {set x 0} {$x < $count} {incr x} {
-            set ground [expr {(($x * 8 / $count) + ($y * 8 / $count)) % 2 ? 0.314 : 0.275}]
-            set nx [expr {($x + 0.5 - $count / 2.0) / $radius}]
-            set ny [expr {($count / 2.0 - $y - 0.5) / $radius}]
-            set rest [expr {1 - $nx * $nx - $ny * $ny}]
-            if {$rest <= 0} {
-                set shade [expr {int($ground * 255)}]
-                lappend row [format #%02x%02x%02x $shade $shade [expr {$shade + 3}]]
-                continue
-            }
-            set nz [expr {sqrt($rest)}]
-            # Key light from (-0.8, 0.55, 0.9), and the headlight.
-            set key [expr {max(0, -0.604 * $nx + 0.415 * $ny + 0.680 * $nz)}]
-            set light [expr {0.5 * $key + 0.42 * $nz}]
-            set half [expr {max(0, -0.330 * $nx + 0.227 * $ny + 0.917 * $nz)}]
-            set shine [expr {0.2 * 4 * pow($half, $power)}]
-            set pixel #
-            foreach channel {r g b} {
-                set sum [expr {[set emissive_$channel] + 0.5 * [set ambient_$channel]
-                    + $light * [set diffuse_$channel] + $shine * [set specular_$channel]}]
-                set sum [expr {$cover * min(1, $sum) + (1 - $cover) * $ground}]
-                append pixel [format %02x [expr {int($sum * 255)}]]
-            }
-            lappend row $pixel
-        }
-        lappend rows $row
-    }
-    if {$step == 1} {
-        ::vesk::palette::ball put $rows
-        return
-    }
-    set small [image create photo -width $count -height $count]
-    $small put $rows
-    ::vesk::palette::ball copy $small -zoom $step
-    image delete $small
+    set values {}
+    foreach kind {diffuse ambient emissive specular} {lappend values {*}[parts $value($kind)]}
+    ::vesk::material_ball ::vesk::palette::ball [::vesk::theme::px 92] \
+        [list {*}$values $value(transparency,level) $value(shininess,level)]
 }
 
 # ---- editing ----

@@ -59,6 +59,9 @@ proc show_tip {} {::vesk::tips::open}
 #   Builds the window, names the Togl widgets and shows it once it is styled.
 proc ::vesk::init {} {
     wm withdraw .
+    # An input context costs two answers of the X server for each window that gets an event; with
+    # input methods off while the window is built, those that are never typed into go without.
+    tk useinputmethods 0
     foreach name {coors size} {set ::$name ""}
     ::vesk::prefs::take
     ::vesk::theme::init $::vesk::theme_name [::vesk::settings::number interface_scale 75 300]
@@ -77,6 +80,7 @@ proc ::vesk::init {} {
     update idletasks
     wm deiconify .
     update
+    tk useinputmethods 1
 }
 
 ::vesk::init

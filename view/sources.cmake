@@ -9,6 +9,7 @@ target_sources(vesk_core PRIVATE
     view/grid.cpp
     view/interaction.cpp
     view/keys.cpp
+    view/material_ball.cpp
     view/mesh_layout.cpp
     view/pick.cpp
     view/handles.cpp

@@ -1,5 +1,6 @@
 #include "view/view_commands_tk.h"
 
+#include "app/bridge_tk.h"
 #include "app/command_result.h"
 #include "app/command_row.h"
 #include "app/messages.h"
@@ -9,9 +10,12 @@
 #include "view/draw_device_gl.h"
 #include "view/draw_view_gl.h"
 #include "view/interaction.h"
+#include "view/material_ball.h"
 #include "view/redraw.h"
 #include "view/views_internal.h"
 #include "view/views_tk.h"
+
+#include <tk.h>
 
 #include <algorithm>
 #include <cstring>
@@ -19,6 +23,7 @@
 namespace {
 
 constexpr int most_frames = 1000;
+constexpr int largest_ball = 2048;
 
 // One step of a slow motion: the model turns, or a flat view is panned to and fro.
 void step_motion(int view, int frame)
@@ -27,6 +32,35 @@ void step_motion(int view, int frame)
         person_add_spin_rotation(0, 1);
     else
         view_pan_by(view, frame % 2 == 0 ? 1.0f : -1.0f, 0);
+}
+
+int ball_error(Tcl_Interp *interp, const char *expected)
+{
+    Tcl_SetObjResult(interp, Tcl_ObjPrintf("material_ball: expected %s", expected));
+    return TCL_ERROR;
+}
+
+// material_ball PHOTO SIZE {14 numbers}: the picture of a material, put into a photo image.
+int ball_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    int size = 0;
+    int count = 0;
+    Tcl_Obj **numbers = nullptr;
+    double values[ball_num_values];
+    Tk_PhotoHandle photo = argc == 4 ? Tk_FindPhoto(interp, Tcl_GetString(argv[1])) : nullptr;
+    if (photo == nullptr)
+        return ball_error(interp, "a photo image, a size and a list");
+    if (Tcl_GetIntFromObj(interp, argv[2], &size) != TCL_OK ||
+        Tcl_ListObjGetElements(interp, argv[3], &count, &numbers) != TCL_OK)
+        return TCL_ERROR;
+    if (size < 1 || size > largest_ball || count != ball_num_values)
+        return ball_error(interp, "a size up to 2048 and 14 numbers");
+    for (int i = 0; i < count; ++i)
+        if (Tcl_GetDoubleFromObj(interp, numbers[i], &values[i]) != TCL_OK)
+            return TCL_ERROR;
+    std::vector<std::uint8_t> pixels = material_ball(size, values);
+    Tk_PhotoImageBlock block = {pixels.data(), size, size, size * 3, 3, {0, 1, 2, 3}};
+    return Tk_PhotoPutBlock(interp, photo, &block, 0, 0, size, size, TK_PHOTO_COMPOSITE_SET);
 }
 
 } // namespace
@@ -84,6 +118,7 @@ static void view_uploaded_bytes()
 
 void register_view_commands()
 {
+    Tcl_CreateObjCommand(bridge_interp(), "::vesk::material_ball", ball_command, nullptr, nullptr);
     command_add_own(command_row("view_benchmark", view_benchmark, "<view> <moving|rest> <frames>",
                                 "milliseconds a picture, and its layers"));
     command_add_own(
