@@ -60,7 +60,7 @@ proc ::vesk::palette::build_material {tab} {
     grid columnconfigure $tab.rows 0 -minsize [::vesk::theme::px 96]
     grid columnconfigure $tab.rows 2 -weight 1
     ::vesk::theme::follow ::vesk::palette::draw_ball
-    bind $tab <Map> {after idle ::vesk::palette::draw_ball}
+    bind $tab.top.ball <Visibility> ::vesk::palette::draw_ball
     return $tab
 }
 

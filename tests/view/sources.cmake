@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     view/camera_test.cpp
     view/keys_test.cpp
+    view/material_ball_test.cpp
     view/mesh_layout_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp
