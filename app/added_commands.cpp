@@ -23,6 +23,7 @@
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "view/redraw.h"
+#include "view/texture_preview.h"
 #include "view/textures.h"
 #include "view/tool_left.h"
 
@@ -120,6 +121,11 @@ void command_object_info(int id)
     const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture)
                                                    : object_missing_texture(object);
     append_pair("texture", text_or_empty(texture));
+    append_pair("texture_id", object_picture(object) != nullptr ? object->texture : -1);
+    append_pair("texture_repeat", number_text(object->texture_repeat_x) + " " +
+                                      number_text(object->texture_repeat_y));
+    append_pair("texture_offset", number_text(object->texture_offset_x) + " " +
+                                      number_text(object->texture_offset_y));
     append_pair("name", object->name);
     append_pair("url", text_or_empty(object->url));
     append_pair("data", text_or_empty(object->data));
@@ -273,6 +279,10 @@ void register_added_commands()
                     "select these objects only"),
         command_row("tool_key", command_tool_key, "<string keysym>",
                     "a key for a running drag or outline, returns 1 when it was used"),
+        command_row("texture_photo", command_texture_photo, "<texture id> <int size>",
+                    "makes a Tk picture of a texture, returns its name"),
+        command_row("texture_list", command_texture_list, nullptr,
+                    "returns name, file, width, height, depth of each texture"),
         command_row("cancel", progress_cancel, nullptr, "cancel long work"),
         command_row("extrude", command_extrude, "<float x> <float y> <float z>",
                     "extrude the selected surfaces"),

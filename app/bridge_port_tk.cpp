@@ -120,6 +120,48 @@ bool port_window_geometry(int view, int out[4])
     return bridge.has_tk && views_tk_geometry(view, out);
 }
 
+Tk_Window widget_of(const char *path)
+{
+    if (!bridge.has_tk || Tk_GetNumMainWindows() == 0)
+        return nullptr;
+    Tcl_InterpState saved = Tcl_SaveInterpState(bridge.interp, TCL_OK);
+    const Tk_Window window = Tk_NameToWindow(bridge.interp, path, Tk_MainWindow(bridge.interp));
+    Tcl_RestoreInterpState(bridge.interp, saved);
+    return window;
+}
+
+// What a widget has, or asks for while it is not laid out yet.
+bool port_widget_size(const char *widget, int out[2])
+{
+    const Tk_Window window = widget_of(widget);
+    if (window == nullptr)
+        return false;
+    const bool shown = Tk_IsMapped(window) && Tk_Width(window) > 1 && Tk_Height(window) > 1;
+    out[0] = shown ? Tk_Width(window) : Tk_ReqWidth(window);
+    out[1] = shown ? Tk_Height(window) : Tk_ReqHeight(window);
+    return true;
+}
+
+bool port_photo_put(const char *photo, int width, int height, const unsigned char *rgb)
+{
+    if (!bridge.has_tk || Tk_GetNumMainWindows() == 0)
+        return false;
+    Tk_PhotoHandle handle = Tk_FindPhoto(bridge.interp, photo);
+    Tcl_InterpState saved = Tcl_SaveInterpState(bridge.interp, TCL_OK);
+    if (handle == nullptr && eval_words({"image", "create", "photo", photo}) == TCL_OK)
+        handle = Tk_FindPhoto(bridge.interp, photo);
+    bool done = false;
+    if (handle != nullptr) {
+        Tk_PhotoImageBlock block = {
+            const_cast<unsigned char *>(rgb), width, height, 3 * width, 3, {0, 1, 2, -1}};
+        done = Tk_PhotoSetSize(bridge.interp, handle, width, height) == TCL_OK &&
+               Tk_PhotoPutBlock(bridge.interp, handle, &block, 0, 0, width, height,
+                                TK_PHOTO_COMPOSITE_SET) == TCL_OK;
+    }
+    Tcl_RestoreInterpState(bridge.interp, saved);
+    return done;
+}
+
 // ---- time ----
 
 void port_pump_events()
@@ -204,6 +246,8 @@ void bridge_install_port(bool batch)
     port.free_text = port_free_text;
     port.message_box = port_message_box;
     port.console_write = port_console_write;
+    port.widget_size = port_widget_size;
+    port.photo_put = port_photo_put;
     port.pump_events = port_pump_events;
     port.update = port_update;
     port.now_seconds = port_now_seconds;

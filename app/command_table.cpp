@@ -25,12 +25,15 @@
 #include "edit/undo.h"
 #include "edit/uvmap.h"
 #include "model/palette.h"
+#include "plugin/filters.h"
 #include "plugin/importers.h"
 #include "plugin/loader.h"
+#include "plugin/texture_commands.h"
 #include "view/camera.h"
 #include "view/fit.h"
 #include "view/keys.h"
 #include "view/redraw.h"
+#include "view/texture_preview.h"
 #include "view/views.h"
 
 namespace {
@@ -53,7 +56,7 @@ vesk_command_t pending_row(const char *name, const char *argtypes, const char *u
 vesk_command_t rows[] = {
     command_row("add_text", add_text, "<string text>"),
     command_row("clear_all", command_clear_all, nullptr, "delete everything"),
-    pending_row("clear_background_image", "d", "<windownum>", "clear the background image of a window"),
+    command_row("clear_background_image", command_clear_background_image, "<windownum>", "clear the background image of a window"),
     command_row("clear_selection", command_clear_selection),
     command_row("clipboard_copy", command_clipboard_copy, nullptr, "copy the selection to the clipboard"),
     command_row("clipboard_cut", command_clipboard_cut, nullptr, "cut the selection to the clipboard"),
@@ -71,9 +74,9 @@ vesk_command_t rows[] = {
     command_row("delete", delete_selected, nullptr, "delete the selection"),
     command_row("do_perspective", do_perspective, "<int 0 parallel, 1 perspective>", "projection of the 3D view"),
     command_row("duplicate", duplicate_selected, nullptr, "duplicate the selection"),
-    pending_row("execute_surface_filter", "s", "<string filter>", "run a surface filter on the selection"),
-    pending_row("file_select_texture", nullptr, nullptr, "choose a texture for the selection"),
-    pending_row("file_select_background_image", "d", "<windownum>", "choose a background image for a window"),
+    command_row("execute_surface_filter", execute_surface_filter, "<string filter>", "run a surface filter on the selection"),
+    command_row("file_select_texture", file_select_texture, nullptr, "choose a texture for the selection"),
+    command_row("file_select_background_image", file_select_background_image, "<windownum>", "choose a background image for a window"),
     command_row("fit_selected_all", fit_selected_all, nullptr, "Fit selection to orth views"),
     command_row("fit_all", fit_all, nullptr, "Fit model to orth views"),
     command_row("get_3d_cursor", command_get_3d_cursor, nullptr, "returns the 3D cursor"),
@@ -106,7 +109,7 @@ vesk_command_t rows[] = {
     command_row("load_file_select", vesk_file_select_import, "<string title>", "choose a geometry file and load it"),
     command_row("add_new_texture", command_add_new_texture, "<filename>", "add a texture, returns its id"),
     command_row("search_and_set_new_texture", command_search_and_set_new_texture, "<geometryfilename> <texturename>"),
-    pending_row("load_background_image", "sd", "<filename> <windownum>", "Load named picture file into the bcakground of window"),
+    command_row("load_background_image", load_background_image, "<filename> <windownum>", "Load named picture file into the bcakground of window"),
     command_row("lock_selected", command_lock_selected, nullptr, "lock the selection"),
     command_row("lock_unselected", command_lock_unselected, nullptr, "lock everything else"),
     pending_row("menu_about", nullptr, nullptr, "show the about box"),
@@ -158,7 +161,7 @@ vesk_command_t rows[] = {
     command_row("save_vesk", command_save_vesk, "<filename>", "save an VESK format file"),
     command_row("save_selection_vesk", command_save_selection_vesk, "<filename>", "save the selection in an VESK format file"),
     command_row("save_settings", save_prefs, nullptr, "save the preferences"),
-    pending_row("set_no_texture", nullptr, nullptr, "take the texture off the selection"),
+    command_row("set_no_texture", selected_texture_off, nullptr, "take the texture off the selection"),
     command_row("scale", selected_scale, "<float scale-x> <float scale-y> <float scale-z>"),
     command_row("select_all", select_all, nullptr, "select everything"),
     command_row("select_by_name", select_by_name, "<string name>", "select objects by name"),
@@ -166,7 +169,7 @@ vesk_command_t rows[] = {
     command_row("selection_get_num_vertices", command_selection_get_num_vertices, nullptr, "returns the number of selected vertices"),
     command_row("selection_get_num_surfaces", command_selection_get_num_surfaces, nullptr, "returns the number of selected surfaces"),
     command_row("selection_get_num_objects", command_selection_get_num_objects, nullptr, "returns the number of selected objects"),
-    pending_row("selected_texture_off", nullptr, nullptr, "take the texture off the selection"),
+    command_row("selected_texture_off", selected_texture_off, nullptr, "take the texture off the selection"),
     command_row("set_col", command_set_col, "<int entrynum>", "set the material of the selection"),
     command_row("set_current_object_data", set_current_object_data, "<string data>", "set the data of the current object"),
     command_row("set_current_object_name", set_current_object_name, "<string name>", "set the name of the current object"),
@@ -176,9 +179,9 @@ vesk_command_t rows[] = {
     command_row("set_view_3d_cursor", set_3d_view_cursor, nullptr, "centre view about cursor"),
     command_row("set_view_3d_origin", set_3d_view_origin, nullptr, "centre view about origin"),
     command_row("set_select_mode", command_set_select_mode, "<string mode>", "set the select mode"),
-    pending_row("set_texture", "d", "<texture id>", "set the texture of the selection"),
-    pending_row("set_texture_repeats", "ff", "<float x> <float y>", "set the texture repeats of the selection"),
-    pending_row("set_texture_offsets", "ff", "<float x> <float y>", "set the texture offsets of the selection"),
+    command_row("set_texture", selected_texture_set, "<texture id>", "set the texture of the selection"),
+    command_row("set_texture_repeats", command_set_texture_repeats, "<float x> <float y>", "set the texture repeats of the selection"),
+    command_row("set_texture_offsets", command_set_texture_offsets, "<float x> <float y>", "set the texture offsets of the selection"),
     command_row("set_palette_entry", command_set_palette_entry, "<int entrynum> <float red> <float green> <float blue>  <float ambient-red> <float ambient-green> <float ambient-blue> <float emissive-red> <float emissive-green> <float emissive-blue> <float specular-red> <float specular-green> <float specular-blue> <float shininess> <float transp>"),
     command_row("set_surface_type", command_set_surface_type, "<int type>", "set the type of the selected surfaces"),
     command_row("set_walk_viewer", person_set_walk, nullptr, "viewer to walk mode"),
@@ -200,7 +203,7 @@ vesk_command_t rows[] = {
     pending_row("surface_subdivide", nullptr, nullptr, "subdivide the selected surfaces"),
     command_row("surface_triangulate", selected_surface_triangulate, nullptr, "triangulate the selected surfaces"),
     pending_row("surface_loop_subdivision", "f", "<0.0 -> 1.0 smoothing factor>"),
-    pending_row("texture_set", "d", "<texture id>", "set the texture of the selection"),
+    command_row("texture_set", selected_texture_set, "<texture id>", "set the texture of the selection"),
     command_row("ungroup", command_ungroup, nullptr, "ungroup the selected groups"),
     command_row("undo", UNDO, nullptr, "undo"),
     command_row("unhide", show_all, nullptr, "undo"),
@@ -208,7 +211,7 @@ vesk_command_t rows[] = {
     command_row("unselect_by_name", unselect_by_name, "<string name>", "unselect objects by name"),
     pending_row("unshare_vertices", nullptr, nullptr, "give each selected surface its own vertices"),
     command_row("viewer_flyto", person_flyto, "<steps> (pos x y x> <dir x y z>", "fly viewer to this pos/dir"),
-    pending_row("window_draw_texture", "ds", "<texture id> <window>", "draw a texture in a window"),
+    command_row("window_draw_texture", window_draw_texture, "<texture id> <window>", "draw a texture in a window"),
     pending_row("write_dive", "s", "<filename>", "write the scene in Dive format"),
     pending_row("write_inventor", "s", "<filename>", "write the scene in Inventor format"),
     pending_row("write_massive", "s", "<filename>", "write the scene in MASSIVE format"),
@@ -250,7 +253,7 @@ const command_kind_row_t kinds[] = {
     {"zoomview", view},
     // added at start
     {"object_tree", query}, {"model_state", query}, {"get_counts", query}, {"object_info", query},
-    {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view}, {"tool_key", view}, {"objects_select", view},
+    {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view}, {"texture_photo", query}, {"texture_list", query}, {"tool_key", view}, {"objects_select", view},
     {"change_count", query}, {"can_take_back", query}, {"history_list", query}, {"history_limit", view},
     {"autosave", query}, {"recovery_list", query}, {"recovery_drop", view},
     {"set_backup_versions", view},

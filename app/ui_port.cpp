@@ -32,7 +32,10 @@ const ui_port_t silent_port = {
     .draw_now = [](int) {},
     .make_current = [](int) {},
     .swap_buffers = [](int) {},
-    .texture_upload = [](int) {},
+    .texture_upload = [](VESKImage *) { return false; },
+    .texture_release = [](VESKImage *) {},
+    .widget_size = [](const char *, int *) { return false; },
+    .photo_put = [](const char *, int, int, const unsigned char *) { return false; },
     .set_cursor = [](int, const char *) {},
     .window_geometry = [](int, int *) { return false; },
     .pump_events = [] {},
@@ -79,6 +82,9 @@ void ui_port_install(const ui_port_t &port)
     keep_start_value(installed.make_current, s.make_current);
     keep_start_value(installed.swap_buffers, s.swap_buffers);
     keep_start_value(installed.texture_upload, s.texture_upload);
+    keep_start_value(installed.texture_release, s.texture_release);
+    keep_start_value(installed.widget_size, s.widget_size);
+    keep_start_value(installed.photo_put, s.photo_put);
     keep_start_value(installed.set_cursor, s.set_cursor);
     keep_start_value(installed.window_geometry, s.window_geometry);
     keep_start_value(installed.pump_events, s.pump_events);

@@ -7,6 +7,8 @@
 
 #include <string_view>
 
+struct VESKImage;
+
 struct ui_port_t {
     // ---- script ----
     // Evaluates a script text; its result (valid until the next call) and whether it succeeded.
@@ -34,7 +36,12 @@ struct ui_port_t {
     void (*draw_now)(int view);
     void (*make_current)(int view);
     void (*swap_buffers)(int view);
-    void (*texture_upload)(int texture_id);              // (again) after a load, in every window
+    bool (*texture_upload)(struct VESKImage *image); // (again) after a load; all windows share it
+    void (*texture_release)(struct VESKImage *image);
+    // Size of a widget, by its path; false when there is none.
+    bool (*widget_size)(const char *widget, int out_wh[2]);
+    // Fills the picture of that name (made when it is new) with rows of RGB from the top.
+    bool (*photo_put)(const char *photo, int width, int height, const unsigned char *rgb);
     void (*set_cursor)(int view, const char *tk_cursor); // null: the view's default cursor
     bool (*window_geometry)(int view, int out_xywh[4]);  // false when there is no window
 

@@ -4,4 +4,5 @@ target_sources(vesk_core PRIVATE
     plugin/importers.cpp
     plugin/loader.cpp
     plugin/menus.cpp
+    plugin/texture_commands.cpp
 )

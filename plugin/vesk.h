@@ -70,11 +70,13 @@
 #include "plugin/importers.h"
 #include "plugin/loader.h"
 #include "plugin/menus.h"
+#include "plugin/texture_commands.h"
 #include "view/camera.h"
 #include "view/fit.h"
 #include "view/keys.h"
 #include "view/projection.h"
 #include "view/redraw.h"
+#include "view/texture_preview.h"
 #include "view/textures.h"
 #include "view/views.h"
 

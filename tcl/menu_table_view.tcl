@@ -87,7 +87,7 @@
     {line}
     {run "&Unit coordinates" {inituv} "" some "Spreads the picture over each surface."}
     {menu "&Map planar" planar "" "" "Projects the picture along an axis."}
-    {ask "&Load a texture..." {add_new_texture {File open_file {.gif .rgb .bmp}}} "" ""
+    {ask "&Load a texture..." {add_new_texture {File open_file {.gif .rgb .rgba .bmp .png .jpg .jpeg .tga}}} "" ""
         "Reads a picture into the list of textures."}
 }
 ::vesk::menus::define planar "Map planar" {

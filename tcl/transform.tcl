@@ -54,6 +54,7 @@ proc ::vesk::transform::build {tab} {
     grid $tab.line -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::px 8]
     add_text_row $tab [incr row] data Data
     add_text_row $tab [incr row] url URL
+    set row [::vesk::textures::add_rows $tab $row]
     ttk::label $tab.counts -style Panel.Dim.TLabel -anchor w -justify left \
         -wraplength [::vesk::theme::px 280]
     grid $tab.counts -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::pad 10 0]
@@ -143,6 +144,7 @@ proc ::vesk::transform::show_texts {force} {
         if {[llength $texts] == 1} {set text($key) [lindex $texts 0]}
         $path.$key state [expr {[llength $ids] > 0 ? "!disabled" : "disabled"}]
     }
+    ::vesk::textures::refresh $infos $force
     $path.counts configure -text [count_line $ids $infos]
 }
 

@@ -69,7 +69,7 @@ proc ::vesk::init {} {
         dict for {key value} $::vesk::palettes::contrast_views {set ::prefs_$key $value}
     }
     ::vesk::main::build
-    ::vesk::uv::build
+    ::vesk::textures::build
     ::vesk::prefs::watch
     ::vesk::tools::refresh .main.tools
     ::vesk::ops::listen any ::vesk::files::started

@@ -156,7 +156,8 @@ void draw_axes()
 
 void draw_surfaces(picture_t &picture)
 {
-    const fill_options_t options = {set_lights(), camera_is_perspective(), true, false};
+    const fill_options_t options = {set_lights(), camera_is_perspective(), true, false,
+                                    prefs.view3dtextures != 0};
     draw_opaque_surfaces(picture.scene, options);
     draw_ground_grid();
     draw_line_surfaces(picture.scene, static_cast<float>(prefs.surface_line_width * picture.scale));

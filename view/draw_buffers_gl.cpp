@@ -2,11 +2,13 @@
 
 #include "app/prefs.h"
 #include "model/bounds.h"
+#include "view/textures.h"
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
@@ -75,17 +77,19 @@ private:
 
 constexpr size_t position_bytes = 3 * sizeof(float);
 constexpr size_t normal_bytes = 4 * sizeof(std::int16_t);
+constexpr size_t uv_bytes = 2 * sizeof(float);
 constexpr size_t index_bytes = sizeof(std::uint32_t);
 
 } // namespace
 
 struct buffer_page_t {
-    gpu_buffer positions, normals, triangles, edges;
+    gpu_buffer positions, normals, texture_coords, triangles, edges;
     std::uint32_t slots = 0, used_slots = 0;
     std::uint32_t indices = 0, used_indices = 0;
     std::uint32_t edge_indices = 0, used_edge_indices = 0;
     int live = 0; // objects in it
     bool shared = false;
+    bool textured = false;
 };
 
 namespace {
@@ -103,15 +107,18 @@ store_t &store()
 }
 
 buffer_page_t *new_page(std::uint32_t slots, std::uint32_t indices, std::uint32_t edge_indices,
-                        bool shared)
+                        bool shared, bool textured)
 {
     auto page = std::make_unique<buffer_page_t>();
     page->slots = slots;
     page->indices = indices;
     page->edge_indices = edge_indices;
     page->shared = shared;
+    page->textured = textured;
     page->positions.reserve(GL_ARRAY_BUFFER, slots * position_bytes);
     page->normals.reserve(GL_ARRAY_BUFFER, slots * normal_bytes);
+    if (textured)
+        page->texture_coords.reserve(GL_ARRAY_BUFFER, slots * uv_bytes);
     page->triangles.reserve(GL_ELEMENT_ARRAY_BUFFER, indices * index_bytes);
     page->edges.reserve(GL_ELEMENT_ARRAY_BUFFER, edge_indices * index_bytes);
     store().pages.push_back(std::move(page));
@@ -120,7 +127,8 @@ buffer_page_t *new_page(std::uint32_t slots, std::uint32_t indices, std::uint32_
 
 void free_page(buffer_page_t *page)
 {
-    for (gpu_buffer *buffer : {&page->positions, &page->normals, &page->triangles, &page->edges})
+    for (gpu_buffer *buffer :
+         {&page->positions, &page->normals, &page->texture_coords, &page->triangles, &page->edges})
         buffer->release();
     auto &pages = store().pages;
     pages.erase(std::find_if(pages.begin(), pages.end(),
@@ -138,19 +146,19 @@ void leave_page(object_buffers_t &buffers)
 }
 
 buffer_page_t *page_with_room(std::uint32_t slots, std::uint32_t indices,
-                              std::uint32_t edge_indices)
+                              std::uint32_t edge_indices, bool textured)
 {
     if (slots > small_object || indices > page_indices / 4 || edge_indices > page_indices / 4)
-        return new_page(slots, indices, edge_indices, false);
+        return new_page(slots, indices, edge_indices, false, textured);
     auto &pages = store().pages;
     for (size_t i = pages.size(); i-- > 0;) {
         const buffer_page_t &page = *pages[i];
-        if (page.shared && page.slots - page.used_slots >= slots &&
+        if (page.shared && page.textured == textured && page.slots - page.used_slots >= slots &&
             page.indices - page.used_indices >= indices &&
             page.edge_indices - page.used_edge_indices >= edge_indices)
             return pages[i].get();
     }
-    return new_page(page_slots, page_indices, page_indices, true);
+    return new_page(page_slots, page_indices, page_indices, true, textured);
 }
 
 void upload_positions(const object_buffers_t &buffers)
@@ -167,6 +175,14 @@ void upload_normals(const object_buffers_t &buffers)
     layout_normals(buffers.layout, *buffers.flat, data.data());
     buffers.page->normals.write(GL_ARRAY_BUFFER, buffers.first_slot * normal_bytes, data.data(),
                                 data.size() * sizeof(std::int16_t));
+}
+
+void upload_texture_coords(const object_buffers_t &buffers)
+{
+    std::vector<float> data(2 * buffers.num_slots);
+    layout_texture_coords(buffers.layout, *buffers.flat, data.data());
+    buffers.page->texture_coords.write(GL_ARRAY_BUFFER, buffers.first_slot * uv_bytes, data.data(),
+                                       data.size() * sizeof(float));
 }
 
 void upload_indices(gpu_buffer &buffer, std::uint32_t first, std::vector<std::uint32_t> &indices,
@@ -194,6 +210,7 @@ void build(object_buffers_t &buffers, const flat_ptr &flat)
     if (flat->num_vertices() == 0)
         return;
     buffers.layout = layout_mesh(*flat, {.cut_concave = prefs.gl_concave != 0,
+                                         .texture_coords = buffers.textured,
                                          .quads_by_diagonal = prefs.triangulate_quads != 0});
     mesh_layout_t &layout = buffers.layout;
     buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
@@ -201,8 +218,8 @@ void build(object_buffers_t &buffers, const flat_ptr &flat)
     const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
     const auto num_lines = static_cast<std::uint32_t>(layout.lines.size());
     buffers.num_edge_indices = num_edges + num_lines;
-    buffer_page_t *page =
-        page_with_room(buffers.num_slots, buffers.num_indices, buffers.num_edge_indices);
+    buffer_page_t *page = page_with_room(buffers.num_slots, buffers.num_indices,
+                                         buffers.num_edge_indices, buffers.textured);
     buffers.page = page;
     ++page->live;
     buffers.first_slot = page->used_slots;
@@ -214,6 +231,8 @@ void build(object_buffers_t &buffers, const flat_ptr &flat)
     page->used_edge_indices += buffers.num_edge_indices;
     upload_positions(buffers);
     upload_normals(buffers);
+    if (buffers.textured)
+        upload_texture_coords(buffers);
     upload_indices(page->triangles, buffers.first_triangle_index, layout.triangles,
                    buffers.first_slot);
     upload_indices(page->edges, buffers.edges.first, layout.edges, buffers.first_slot);
@@ -225,6 +244,7 @@ void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
     const flat_mesh &old = *buffers.flat;
     const bool moved = old.positions != flat->positions;
     const bool turned = old.normals != flat->normals || old.face_normals != flat->face_normals;
+    const bool remapped = buffers.textured && old.texture_coords != flat->texture_coords;
     const bool same_shape = old.surfaces == flat->surfaces &&
                             old.corner_offsets == flat->corner_offsets &&
                             old.corners == flat->corners;
@@ -241,6 +261,8 @@ void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
     }
     if (turned)
         upload_normals(buffers);
+    if (remapped)
+        upload_texture_coords(buffers);
 }
 
 template <class Draw>
@@ -271,7 +293,9 @@ const object_buffers_t &object_buffers(object_t *object)
     object_buffers_t &buffers = store().objects[object];
     buffers.used_in = store().sweep;
     const flat_ptr flat = object_flat(object);
-    if (buffers.flat == nullptr)
+    const bool textured = object_picture(object) != nullptr;
+    const bool was_textured = std::exchange(buffers.textured, textured);
+    if (buffers.flat == nullptr || textured != was_textured)
         build(buffers, flat);
     else if (buffers.flat != flat)
         bring_up_to_date(buffers, flat);
@@ -292,7 +316,7 @@ void buffers_sweep()
     ++state.sweep;
 }
 
-void page_bind(const buffer_page_t &page, bool with_normals)
+void page_bind(const buffer_page_t &page, bool with_normals, bool with_texture_coords)
 {
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, page.positions.bind(GL_ARRAY_BUFFER));
@@ -300,12 +324,17 @@ void page_bind(const buffer_page_t &page, bool with_normals)
         glEnableClientState(GL_NORMAL_ARRAY);
         glNormalPointer(GL_SHORT, normal_bytes, page.normals.bind(GL_ARRAY_BUFFER));
     }
+    if (with_texture_coords && page.textured) {
+        glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+        glTexCoordPointer(2, GL_FLOAT, 0, page.texture_coords.bind(GL_ARRAY_BUFFER));
+    }
 }
 
 void page_unbind()
 {
     glDisableClientState(GL_VERTEX_ARRAY);
     glDisableClientState(GL_NORMAL_ARRAY);
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     if (!device_caps().buffers)
         return;
     glBindBuffer(GL_ARRAY_BUFFER, 0);

@@ -32,6 +32,7 @@ struct object_buffers_t {
     std::uint32_t num_slots = 0;
     std::uint32_t num_indices = 0;      // triangles
     std::uint32_t num_edge_indices = 0; // edges and lines
+    bool textured = false;              // has texture coordinates
     std::uint64_t used_in = 0;          // number of the last sweep
 };
 
@@ -67,7 +68,7 @@ struct draw_ranges_t {
 
 // Makes the page's arrays current, then draws ranges of its triangle or edge indices, of its slots
 // as points, or any slots by number.
-void page_bind(const buffer_page_t &page, bool with_normals);
+void page_bind(const buffer_page_t &page, bool with_normals, bool with_texture_coords = false);
 void page_unbind();
 void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges);
 void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges);

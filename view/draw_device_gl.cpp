@@ -43,6 +43,9 @@ void main()
     vec4 eye = gl_ModelViewMatrix * gl_Vertex;
     position = eye.xyz;
     normal = gl_NormalMatrix * gl_Normal;
+#ifdef TEXTURED
+    gl_TexCoord[0] = gl_TextureMatrix[0] * gl_MultiTexCoord0;
+#endif
     gl_Position = gl_ProjectionMatrix * eye;
 }
 )";
@@ -53,6 +56,9 @@ in vec3 position;
 uniform float dim;
 uniform vec3 neutral;
 uniform float perspective;
+#ifdef TEXTURED
+uniform sampler2D picture;
+#endif
 void main()
 {
     vec3 n = normalize(gl_FrontFacing ? normal : -normal);
@@ -71,8 +77,16 @@ void main()
                          pow(glance, gl_FrontMaterial.shininess);
         }
     }
+    float alpha = gl_FrontMaterial.diffuse.a;
+#ifdef TEXTURED
+    vec4 texel = texture2D(picture, gl_TexCoord[0].st);
+    sum *= texel.rgb;
+    alpha *= texel.a;
+    if (alpha < 0.004)
+        discard;
+#endif
     vec3 lit = sum + shine * (1.0 - dim);
-    gl_FragColor = vec4(mix(lit, neutral, dim), gl_FrontMaterial.diffuse.a);
+    gl_FragColor = vec4(mix(lit, neutral, dim), alpha);
 }
 )";
 
@@ -94,11 +108,12 @@ GLuint compile(GLenum kind, const std::string &source)
     return shader;
 }
 
-GLuint make_program(bool smooth, int num_lights)
+GLuint make_program(const lit_options_t &options)
 {
     const std::string head = std::string("#version 130\n#define LIGHTS ") +
-                             std::to_string(num_lights) + "\n#define INTERPOLATION " +
-                             (smooth ? "smooth" : "flat") + "\n";
+                             std::to_string(options.num_lights) + "\n#define INTERPOLATION " +
+                             (options.smooth ? "smooth" : "flat") + "\n" +
+                             (options.textured ? "#define TEXTURED\n" : "");
     const GLuint vertex = compile(GL_VERTEX_SHADER, head + vertex_source);
     const GLuint fragment = compile(GL_FRAGMENT_SHADER, head + fragment_source);
     if (vertex == 0 || fragment == 0)
@@ -276,13 +291,11 @@ void use_lit_program(const lit_options_t &options)
     glShadeModel(options.smooth ? GL_SMOOTH : GL_FLAT);
     if (!device_caps().programs)
         return;
-    const int key = options.num_lights * 2 + (options.smooth ? 1 : 0);
+    const int key = options.num_lights * 4 + (options.smooth ? 1 : 0) + (options.textured ? 2 : 0);
     const auto found = device.programs.find(key);
-    const GLuint program =
-        found != device.programs.end()
-            ? found->second
-            : device.programs.emplace(key, make_program(options.smooth, options.num_lights))
-                  .first->second;
+    const GLuint program = found != device.programs.end()
+                               ? found->second
+                               : device.programs.emplace(key, make_program(options)).first->second;
     if (program == 0) {
         device.caps.programs = false;
         return;

@@ -52,6 +52,7 @@ struct lit_options_t {
     int num_lights;
     bool perspective;
     float dim; // share of the neutral grey that is mixed in
+    bool textured = false;
 };
 void use_lit_program(const lit_options_t &options);
 void use_no_program();

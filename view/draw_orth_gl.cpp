@@ -2,6 +2,7 @@
 #include "edit/selection_internal.h"
 #include "view/draw_layers_gl.h"
 #include "view/draw_overlay_gl.h"
+#include "view/draw_textures_gl.h"
 #include "view/draw_view_gl.h"
 #include "view/views_internal.h"
 
@@ -70,7 +71,7 @@ fill_options_t set_lights()
         glDisable(light);
     if (lit)
         glEnable(GL_LIGHT0);
-    return {lit ? 1 : 0, false, false, !lit};
+    return {lit ? 1 : 0, false, false, !lit, prefs.orth_textures != 0};
 }
 
 void draw_model_edges(const picture_t &picture, bool filled)
@@ -91,6 +92,7 @@ void draw_orthographic_view(picture_t &picture)
 {
     glDisable(GL_DEPTH_TEST);
     use_pixel_projection(picture.width, picture.height);
+    draw_background_image(picture.view, picture.height);
     draw_orth_grid(picture.view);
     glEnable(GL_DEPTH_TEST);
     set_projection(picture);

@@ -6,8 +6,10 @@
 #include "model/palette.h"
 #include "model/vector.h"
 #include "model/world.h"
+#include "view/draw_textures_gl.h"
 
 #include <algorithm>
+#include <compare>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -18,18 +20,28 @@ constexpr float locked_dim = 0.6f;
 constexpr float tint_alpha = 0.26f;
 constexpr double nearer_range = 0.9999; // of depths, for what lies on a surface
 
+// The picture on an object and how it lies there; no image: none is drawn.
+struct placed_image_t {
+    VESKImage *image = nullptr;
+    float repeat_x = 1, repeat_y = 1, offset_x = 0, offset_y = 0;
+
+    auto operator<=>(const placed_image_t &) const = default;
+};
+
 // What is drawn in one call: one page and one state.
 struct batch_key_t {
     bool locked;
     bool smooth;
     bool twosided;
     std::int32_t material;
+    placed_image_t picture;
     buffer_page_t *page;
 
     bool operator<(const batch_key_t &other) const
     {
-        return std::tie(locked, smooth, twosided, material, page) <
-               std::tie(other.locked, other.smooth, other.twosided, other.material, other.page);
+        return std::tie(locked, picture, smooth, twosided, material, page) <
+               std::tie(other.locked, other.picture, other.smooth, other.twosided, other.material,
+                        other.page);
     }
 };
 using batches_t = std::map<batch_key_t, draw_ranges_t>;
@@ -66,8 +78,14 @@ void set_material(const material &m, const fill_options_t &options, bool locked)
 
 void set_surface_state(const batch_key_t &key, const fill_options_t &options)
 {
-    use_lit_program(
-        {key.smooth, options.num_lights, options.perspective, key.locked ? locked_dim : 0.0f});
+    const bool textured = key.picture.image != nullptr && texture_bind(key.picture.image);
+    if (textured)
+        texture_set_placement(key.picture.repeat_x, key.picture.repeat_y, key.picture.offset_x,
+                              key.picture.offset_y);
+    else
+        texture_unbind();
+    use_lit_program({key.smooth, options.num_lights, options.perspective,
+                     key.locked ? locked_dim : 0.0f, textured});
     glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, key.twosided ? GL_TRUE : GL_FALSE);
     if (key.twosided)
         glDisable(GL_CULL_FACE);
@@ -81,20 +99,39 @@ void draw_batches(const batches_t &batches, const fill_options_t &options)
     for (const auto &[key, ranges] : batches) {
         set_surface_state(key, options);
         set_material(material_of(key.material), options, key.locked);
-        page_bind(*key.page, true);
+        page_bind(*key.page, true, key.picture.image != nullptr);
         page_draw_triangles(*key.page, ranges);
+        page_unbind();
     }
-    page_unbind();
+    texture_unbind();
+    texture_reset_placement();
     use_no_program();
     glDisable(GL_LIGHTING);
     glDisable(GL_CULL_FACE);
 }
 
-void add_groups(batches_t &batches, const scene_item_t &item, bool transparent)
+placed_image_t picture_of(const scene_item_t &item, const fill_options_t &options)
 {
+    const object_t &o = *item.object;
+    VESKImage *image = options.textures && item.buffers->textured ? object_picture(&o) : nullptr;
+    if (image == nullptr)
+        return {};
+    return {image, o.texture_repeat_x, o.texture_repeat_y, o.texture_offset_x, o.texture_offset_y};
+}
+
+bool shines_through(const placed_image_t &picture)
+{
+    return picture.image != nullptr && image_has_alpha(picture.image);
+}
+
+void add_groups(batches_t &batches, const scene_item_t &item, const fill_options_t &options,
+                bool transparent)
+{
+    const placed_image_t picture = picture_of(item, options);
     for (const layout_group_t &group : item.buffers->layout.groups)
-        if (is_transparent(group.material) == transparent)
-            batches[{item.locked, group.smooth, group.twosided, group.material, item.buffers->page}]
+        if ((is_transparent(group.material) || shines_through(picture)) == transparent)
+            batches[{item.locked, group.smooth, group.twosided, group.material, picture,
+                     item.buffers->page}]
                 .add(item.buffers->first_triangle_index + group.first, group.count);
 }
 
@@ -330,7 +367,7 @@ void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
     batches_t batches;
     for (const scene_item_t &item : scene.items)
         if (is_drawn_filled(item))
-            add_groups(batches, item, false);
+            add_groups(batches, item, options, false);
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1.0f, 1.0f);
     draw_batches(batches, options);
@@ -345,8 +382,9 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
     for (const scene_item_t &item : scene.items) {
         const auto &groups = item.buffers->layout.groups;
         if (!is_drawn_filled(item) ||
-            std::none_of(groups.begin(), groups.end(),
-                         [](const layout_group_t &g) { return is_transparent(g.material); }))
+            (!shines_through(picture_of(item, options)) &&
+             std::none_of(groups.begin(), groups.end(),
+                          [](const layout_group_t &g) { return is_transparent(g.material); })))
             continue;
         const point3_t middle = point_scale(point_add(item.buffers->min, item.buffers->max), 0.5f);
         order.emplace_back(m[2] * middle.x + m[6] * middle.y + m[10] * middle.z, &item);
@@ -356,7 +394,7 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
     glDepthMask(GL_FALSE);
     for (const auto &[depth, item] : order) {
         batches_t batches;
-        add_groups(batches, *item, true);
+        add_groups(batches, *item, options, true);
         draw_batches(batches, options);
     }
     glDepthMask(GL_TRUE);

@@ -29,6 +29,7 @@ struct fill_options_t {
     bool perspective;
     bool specular;  // flat views do without
     bool own_light; // without any light: surfaces in their plain colour
+    bool textures;
 };
 
 // Surfaces: the opaque ones in any order, then the transparent ones from back to front.

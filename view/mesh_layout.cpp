@@ -397,6 +397,16 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
     }
 }
 
+void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out)
+{
+    for (const std::int32_t corner : layout.corner_of_slot) {
+        const flat_uv at =
+            corner >= 0 ? (*flat.texture_coords)[static_cast<size_t>(corner)] : flat_uv{0, 0};
+        *out++ = at.u;
+        *out++ = at.v;
+    }
+}
+
 void cut_ears(const point3_t *corners, int count, std::vector<int> &out)
 {
     const std::vector<flat_point_t> points = flatten_outline(corners, count);

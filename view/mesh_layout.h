@@ -51,6 +51,8 @@ bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat);
 // What the buffers hold: three floats a slot, and a normal as four signed 16-bit numbers.
 void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
 void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int16_t *out);
+// Of a layout with texture coordinates: two floats a slot.
+void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
 
 // Cuts a polygon with `count` corners into count - 2 triangles (corner numbers, three each) that
 // keep its orientation. Outlines that cross themselves are cut as well as they can be.

@@ -7,6 +7,10 @@ target_sources(vesk_core PRIVATE
     view/draw_budget.cpp
     view/fit.cpp
     view/grid.cpp
+    view/image_bmp.cpp
+    view/image_decode.cpp
+    view/image_gif.cpp
+    view/image_sgi.cpp
     view/interaction.cpp
     view/keys.cpp
     view/material_ball.cpp
@@ -17,6 +21,7 @@ target_sources(vesk_core PRIVATE
     view/projection.cpp
     view/redraw.cpp
     view/selection_marks.cpp
+    view/texture_preview.cpp
     view/texture_search.cpp
     view/textures.cpp
     view/tool_create.cpp
@@ -33,6 +38,7 @@ target_sources(vesk PRIVATE
     view/draw_overlay_gl.cpp
     view/draw_scene_gl.cpp
     view/draw_text_gl.cpp
+    view/draw_textures_gl.cpp
     view/draw_view_gl.cpp
     view/font_atlas.cpp
     view/view_commands_tk.cpp

@@ -1,5 +1,6 @@
 #include "view/textures.h"
 
+#include "app/crash_guard.h"
 #include "app/filename.h"
 #include "app/messages_internal.h"
 #include "app/ui_port.h"
@@ -7,9 +8,11 @@
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/property.h"
+#include "view/image_decode.h"
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -80,10 +83,35 @@ int texture_add(const char *filename, const char *origname)
     return image ? texture_append(image) : -1;
 }
 
-// The record of an image file, without its pixels.
-VESKImage *load_name(const char *filename)
+bool is_whole(const VESKImage *image)
 {
-    return vesk_file_exists(filename) != 0 ? new_veskimage(filename) : nullptr;
+    return image->data != nullptr && image->width > 0 && image->height > 0 && image->depth >= 1 &&
+           image->depth <= 4;
+}
+
+// A loader may be a plug-in's: a fault in it costs a message, and an image without pixels is none.
+VESKImage *load_guarded(const texture_loader_t *loader, const char *filename)
+{
+    VESKImage *image = nullptr;
+    fault_t fault;
+    const bool returned = guarded_with_recovery([&] { image = loader->load(filename); }, &fault);
+    if (!loader->built_in)
+        mark_all_suspect();
+    if (!returned) {
+        const std::string text =
+            "The texture loader for " + std::string(loader->suffixes) + " files failed on " +
+            filename + "\n" +
+            (fault.kind == fault_t::CODE ? vesk_exception_get_message(fault.code) : fault.what);
+        tell_failure(text.c_str());
+        return nullptr;
+    }
+    if (image != nullptr && !is_whole(image)) {
+        debugf("the texture loader for %s files returned no picture for %s\n", loader->suffixes,
+               filename);
+        free_veskimage(image);
+        return nullptr;
+    }
+    return image;
 }
 
 } // namespace
@@ -96,16 +124,20 @@ texture_loader_t *vesk_register_texture_loader(const char *suffixes, const char 
     auto *loader = static_cast<texture_loader_t *>(myalloc(sizeof(texture_loader_t)));
     if (!loader)
         return nullptr;
-    *loader = {text_copy(suffixes), text_copy(description), load};
+    *loader = {text_copy(suffixes), text_copy(description), load, 0};
     list_add_item_head(&textures.loaders, loader);
     return loader;
 }
 
 void vesk_register_builtin_texture_loaders(void)
 {
-    vesk_register_texture_loader(".gif", "GIF image files", load_name);
-    vesk_register_texture_loader(".rgb .rgba", "SGI rgb image files", load_name);
-    vesk_register_texture_loader(".bmp", "Bitmap files", load_name);
+    for (texture_loader_t *loader :
+         {vesk_register_texture_loader(".gif", "GIF image files", load_gif),
+          vesk_register_texture_loader(".rgb .rgba", "SGI rgb image files", load_sgi),
+          vesk_register_texture_loader(".bmp", "Bitmap files", load_bmp)}) {
+        if (loader != nullptr)
+            loader->built_in = 1;
+    }
 }
 
 texture_loader_t *vesk_get_texture_loader_by_suffix(const char *suffix)
@@ -145,6 +177,8 @@ void free_veskimage(VESKImage *image)
 {
     if (!image)
         return;
+    if (image->draw_word != 0)
+        ui_port().texture_release(image);
     myfree(image->data);
     myfree(image->name);
     myfree(image->origname);
@@ -166,7 +200,7 @@ VESKImage *texture_read(const char *filename, const char *origname)
         tell_missing_loader(suffix);
         return nullptr;
     }
-    VESKImage *image = loader->load(filename);
+    VESKImage *image = load_guarded(loader, filename);
     if (!image)
         return nullptr;
     text_set(&image->origname, origname);
@@ -191,6 +225,7 @@ int add_new_texture_reload(const char *filename, const char *origname)
         debugf("reloading texture");
         VESKImage *image = texture_read(filename, origname);
         if (image) {
+            std::swap(image->draw_word, textures.images[known]->draw_word);
             free_veskimage(std::exchange(textures.images[known], image));
             texture_build_for_all_windows(image);
             ui_port().make_current(VIEW_XYZ);
@@ -234,19 +269,39 @@ const char *texture_id_to_origname(int id)
 
 int vesk_get_num_textures(void) { return textures.count; }
 
-void texture_build_for_all_windows(VESKImage *image)
+int texture_build(VESKImage *image)
 {
-    for (int id = 0; id < textures.count; ++id) {
-        if (textures.images[id] == image)
-            ui_port().texture_upload(id);
-    }
+    if (image == nullptr || !is_whole(image))
+        return 0;
+    image->draw_word2 = 0;
+    return ui_port().texture_upload(image) ? 1 : 0;
 }
+
+void texture_build_for_all_windows(VESKImage *image) { texture_build(image); }
 
 void texture_rebuild_all(void)
 {
     for (int id = 0; id < textures.count; ++id)
-        ui_port().texture_upload(id);
+        texture_build(textures.images[id]);
 }
+
+bool image_has_alpha(VESKImage *image)
+{
+    enum : uintptr_t { unknown = 0, opaque = 1, some = 2 };
+    if (image->draw_word2 == unknown) {
+        image->draw_word2 = opaque;
+        const size_t depth = image->depth;
+        const size_t size = depth * image->width * image->height;
+        for (size_t i = depth - 1; depth % 2 == 0 && i < size; i += depth)
+            if (image->data[i] != 255) {
+                image->draw_word2 = some;
+                break;
+            }
+    }
+    return image->draw_word2 == some;
+}
+
+const listitem *texture_loaders() { return textures.loaders; }
 
 texture_load_scope::texture_load_scope()
 {
@@ -320,6 +375,13 @@ void object_texture_clear(object_t *object)
     object->texture = 0;
     proplist_remove(&object->properties, missing_texture_property);
     object_mark(object, CHANGED_RECORD);
+}
+
+VESKImage *object_picture(const object_t *object)
+{
+    return object->has_texture != 0 && is_texture(object->texture)
+               ? textures.images[object->texture]
+               : nullptr;
 }
 
 const char *object_missing_texture(const object_t *object)

@@ -13,10 +13,10 @@ typedef struct VESKImage {
     uint16_t width, height; /* pixels */
     uint16_t depth;         /* bytes per pixel, 1 to 4 */
     unsigned char *data;    /* owned, from myalloc; rows from bottom to top */
-    uintptr_t draw_word;    /* of the drawing code, 0 when made */
+    uintptr_t draw_word;    /* of the drawing code (the GL texture), 0 when made */
     char *name;             /* full path, owned */
-    uintptr_t draw_word2;
-    char *origname; /* as the caller gave it, owned */
+    uintptr_t draw_word2;   /* of the drawing code (whether anything shines through) */
+    char *origname;         /* as the caller gave it, owned */
 } VESKImage;
 
 typedef VESKImage *(*texture_load_t)(const char *filename);
@@ -25,6 +25,7 @@ typedef struct texture_loader {
     char *suffixes; /* ".rgb .rgba" */
     char *description;
     texture_load_t load;
+    int built_in;
 } texture_loader_t;
 
 /* ---- loaders ---- */
@@ -59,7 +60,10 @@ VESK_API VESKImage *texture_id_to_image(int id);
 VESK_API const char *texture_id_to_name(int id);
 VESK_API const char *texture_id_to_origname(int id);
 VESK_API int vesk_get_num_textures(void);
-/* Hand one, or all, to the drawing code (again). */
+/* Hands an image to the drawing code: a texture with its smaller copies is made of it, in whatever
+   size the device takes. All windows share it. Returns 1, or 0 without a window or without pixels. */
+VESK_API int texture_build(VESKImage *image);
+/* The same for an image, or for the whole table (again). */
 VESK_API void texture_build_for_all_windows(VESKImage *image);
 VESK_API void texture_rebuild_all(void);
 
@@ -100,6 +104,12 @@ public:
     texture_load_scope(const texture_load_scope &) = delete;
     texture_load_scope &operator=(const texture_load_scope &) = delete;
 };
+// The picture on an object, or null.
+VESKImage *object_picture(const object_t *object);
+// Whether any pixel is not opaque; found once for an image.
+bool image_has_alpha(VESKImage *image);
+// Of texture_loader_t, the newest first.
+const listitem *texture_loaders();
 void textures_reset_for_test();
 #endif
 

@@ -8,6 +8,7 @@
 #include "app/ui_port.h"
 #include "view/camera.h"
 #include "view/draw_device_gl.h"
+#include "view/draw_textures_gl.h"
 #include "view/draw_view_gl.h"
 #include "view/interaction.h"
 #include "view/redraw.h"
@@ -268,6 +269,17 @@ void views_tk_fill_port(ui_port_t &port)
     port.swap_buffers = [](int view) {
         if (togl_of(view) != nullptr)
             Togl_SwapBuffers(togl_of(view));
+    };
+    port.texture_upload = [](VESKImage *image) {
+        if (togl_of(VIEW_XYZ) == nullptr)
+            return false;
+        platform_make_window_current(VIEW_XYZ);
+        return texture_upload_gl(image);
+    };
+    port.texture_release = [](VESKImage *image) {
+        platform_make_window_current(VIEW_XYZ);
+        if (togl_of(VIEW_XYZ) != nullptr)
+            texture_release_gl(image);
     };
     port.set_cursor = [](int view, const char *cursor) {
         const Tk_Window window = window_of(view);

@@ -7,6 +7,7 @@
 #include "model/world.h"
 #include "tests/fileio/file_cases.h"
 #include "tests/support/scene_test.h"
+#include "tests/view/image_writer.h"
 #include "view/textures.h"
 
 #include <sstream>
@@ -305,7 +306,7 @@ protected:
 TEST_F(Textures, AreFoundBesideTheModel)
 {
     vesk_register_builtin_texture_loaders();
-    write_text(temporary_file("wood.gif"), "GIF");
+    write_text(temporary_file("wood.gif"), write_gif(sample_picture(2, 2, 4), {}));
     object_t *object = load_textured("maps/wood.gif");
     EXPECT_EQ(object->has_texture, 1);
     EXPECT_EQ(object->texture_repeat_y, 3);
@@ -332,29 +333,6 @@ TEST_F(Textures, ThatAreMissingKeepTheirNames)
     object_texture_clear(object);
     EXPECT_EQ(object_missing_texture(object), nullptr);
     object_free(object);
-}
-
-TEST_F(Textures, WithoutALoaderAreToldOnce)
-{
-    write_text(temporary_file("picture.RGB"), "x");
-    vesk_register_builtin_texture_loaders();
-    EXPECT_EQ(add_new_texture_opt(temporary_file("picture.RGB").c_str(), "p"), -1);
-    EXPECT_EQ(recording().boxes.size(), 1U);
-    EXPECT_EQ(add_new_texture_opt(temporary_file("picture.RGB").c_str(), "p"), -1);
-    EXPECT_EQ(recording().boxes.size(), 1U);
-    EXPECT_NE(vesk_get_texture_loader_by_suffix(".rgba"), nullptr);
-    EXPECT_EQ(texture_id_to_image(0), nullptr);
-}
-
-TEST_F(Textures, ReloadLeavesASecondEntry)
-{
-    vesk_register_builtin_texture_loaders();
-    write_text(temporary_file("a.bmp"), "BM");
-    const std::string file = temporary_file("a.bmp");
-    EXPECT_EQ(add_new_texture_opt(file.c_str(), "a"), 0);
-    EXPECT_EQ(add_new_texture_opt(file.c_str(), "a"), 0);
-    EXPECT_EQ(add_new_texture_reload(file.c_str(), "a"), 1);
-    EXPECT_EQ(texture_find_by_name(file.c_str()), 0);
 }
 
 } // namespace
