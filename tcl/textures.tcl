@@ -74,7 +74,8 @@ proc ::vesk::textures::add_rows {tab row} {
 }
 
 # refresh --
-#   Shows what the selected objects have; a dash where they differ.
+#   Shows what the selected objects have, a dash where they differ; repeats and offsets only where
+#   there is a texture.
 #   infos  their object_info
 proc ::vesk::textures::refresh {infos force} {
     variable path
@@ -93,10 +94,16 @@ proc ::vesk::textures::refresh {infos force} {
         $path.texture configure -text " $label" -image [preview $id] \
             -state [expr {$any ? "normal" : "disabled"}]
     }
+    set placed [expr {$any && $ids ne "-1"}]
     foreach what {repeat offset} {
+        if {!$placed} {
+            grid remove $path.l$what $path.${what}u $path.${what}v
+            continue
+        }
+        grid $path.l$what $path.${what}u $path.${what}v
         foreach axis {u v} place {0 1} {
             set entry $path.$what$axis.value
-            if {!$force && $any && [focus] eq $entry
+            if {!$force && [focus] eq $entry
                     && [::vesk::dialogs::being_typed $entry]} {continue}
             set numbers [lsort -unique [lmap pair [distinct $infos texture_$what] {
                 ::vesk::arith::shown [lindex $pair $place]
@@ -105,10 +112,6 @@ proc ::vesk::textures::refresh {infos force} {
             if {$value($what,$axis) ne $number} {
                 set value($what,$axis) $number
                 if {[focus] eq $entry} {::vesk::dialogs::shown_again $entry}
-            }
-            $entry configure -state [expr {$any ? "normal" : "disabled"}]
-            foreach part [list $path.$what$axis $path.$what$axis.letter] {
-                $part state [expr {$any ? "!disabled" : "disabled"}]
             }
         }
     }
