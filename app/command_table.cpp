@@ -15,15 +15,18 @@
 #include "edit/holes.h"
 #include "edit/modes.h"
 #include "edit/object_flags.h"
+#include "edit/optimize.h"
 #include "edit/primitives.h"
 #include "edit/revolve.h"
 #include "edit/selection.h"
+#include "edit/snap.h"
 #include "edit/surface_attributes.h"
 #include "edit/text_objects.h"
 #include "edit/transform.h"
 #include "edit/triangulate.h"
 #include "edit/undo.h"
 #include "edit/uvmap.h"
+#include "edit/weld.h"
 #include "model/palette.h"
 #include "plugin/filters.h"
 #include "plugin/importers.h"
@@ -139,9 +142,9 @@ vesk_command_t rows[] = {
     command_row("object_select", command_object_select, "<int object_id>", "select an object"),
     command_row("object_deselect", command_object_deselect, "<int object_id>", "deselect an object"),
     command_row("object_mincentre", command_object_mincentre, nullptr, "set the centre to the minimum corner of the box"),
-    pending_row("object_snap_together_by_vertices", nullptr, nullptr, "snap objects together by their selected vertices"),
-    pending_row("optimize", nullptr, nullptr, "merge vertices at the same place"),
-    pending_row("optimize_surfaces", nullptr, nullptr, "remove duplicate and degenerate surfaces"),
+    command_row("object_snap_together_by_vertices", allign_objects_using_2_vert, nullptr, "snap objects together by their selected vertices"),
+    command_row("optimize", optimize_selected, nullptr, "merge vertices at the same place"),
+    command_row("optimize_surfaces", selected_optimize_surfaces, nullptr, "remove duplicate and degenerate surfaces"),
     command_row("person_get_loc_dir", command_person_get_loc_dir, nullptr, "returns location and direction of the viewer"),
     command_row("person_set_loc_dir", person_set_loc_dir_string, "<string - 6 floats>", "set the person location and direction"),
     command_row("person_level", viewer_level, nullptr, "set the viewpoint to be level"),
@@ -187,9 +190,9 @@ vesk_command_t rows[] = {
     command_row("set_walk_viewer", person_set_walk, nullptr, "viewer to walk mode"),
     command_row("set_spin_viewer", person_set_spin, nullptr, "viewer to spin mode"),
     command_row("size_to", selection_size_to_f, "<float x> <float y> <float z>", "size selection (absolute)"),
-    pending_row("snaptogether", nullptr, nullptr, "snap the selected vertices together"),
-    pending_row("snaptogetherdistance", "f", "<float distance>", "snap the selected vertices within a distance together"),
-    pending_row("snaptogrid", nullptr, nullptr, "snap the selected vertices to the grid"),
+    command_row("snaptogether", selected_snap_together, nullptr, "snap the selected vertices together"),
+    command_row("snaptogetherdistance", selected_snap_together_distance, "<dist>", "snap vertices together by distance"),
+    command_row("snaptogrid", selected_snap_to_grid, nullptr, "move all selected vertices to closest grid point"),
     command_row("surface_bevel", selected_surfaces_bevel, nullptr, "bevel the selected surfaces"),
     pending_row("start_web_browser", "s", "<string url>", "start up a web browser with this URL"),
     command_row("surface_change_vertex_order", command_surface_change_vertex_order, nullptr, "change the first vertex of the selected surfaces"),
@@ -209,7 +212,7 @@ vesk_command_t rows[] = {
     command_row("unhide", show_all, nullptr, "undo"),
     command_row("unlock", command_unlock, nullptr, "unlock everything"),
     command_row("unselect_by_name", unselect_by_name, "<string name>", "unselect objects by name"),
-    pending_row("unshare_vertices", nullptr, nullptr, "give each selected surface its own vertices"),
+    command_row("unshare_vertices", selected_unshare_vertices, nullptr, "ensure each selected vertex is owned by one surface only"),
     command_row("viewer_flyto", person_flyto, "<steps> (pos x y x> <dir x y z>", "fly viewer to this pos/dir"),
     command_row("window_draw_texture", window_draw_texture, "<texture id> <window>", "draw a texture in a window"),
     pending_row("write_dive", "s", "<filename>", "write the scene in Dive format"),

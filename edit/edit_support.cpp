@@ -1,7 +1,9 @@
 #include "edit/edit_support.h"
 
 #include "app/messages.h"
+#include "app/prefs.h"
 #include "edit/selection_scan.h"
+#include "edit/undo_internal.h"
 #include "model/flat_mesh.h"
 #include "model/normals.h"
 #include "view/redraw.h"
@@ -65,6 +67,13 @@ void calc_normals_of(const std::vector<object_t *> &objects)
 {
     for (object_t *object : without_descendants(objects))
         object_calc_normals(object);
+}
+
+void cancelled(const char *what)
+{
+    if (prefs.undo_levels > 0)
+        undo_drop_newest();
+    display_message("%s - cancelled", what);
 }
 
 void finish_edit()

@@ -27,6 +27,10 @@ std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
 // Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
 void calc_normals_of(const std::vector<object_t *> &objects);
 
+// After the user stopped an operation before it changed anything: says so and drops the undo record
+// that the running command opened for it.
+void cancelled(const char *what);
+
 // Box, redraw and status after a change.
 void finish_edit();
 

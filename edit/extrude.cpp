@@ -171,8 +171,11 @@ void extrusion::remove_originals()
 
 using extrusions = std::vector<std::unique_ptr<extrusion>>;
 
-// The computing half. False: told why not.
-bool compute(const std::vector<owned_elements> &owners, const point3_t &offset, extrusions &parts)
+enum class outcome { computed, refused, cancelled };
+
+// The computing half; tells why it refused.
+outcome compute(const std::vector<owned_elements> &owners, const point3_t &offset,
+                extrusions &parts)
 {
     std::size_t total = 0;
     for (const owned_elements &owned : owners)
@@ -188,7 +191,7 @@ bool compute(const std::vector<owned_elements> &owners, const point3_t &offset, 
         std::any_of(parts.begin(), parts.end(), [](const auto &part) { return part->has_walls(); });
     if (going && !outer) {
         windows_message_dialog("Extrude failed: There are no external surface edges.");
-        return false;
+        return outcome::refused;
     }
     for (const auto &part : parts) {
         if (prefs.extrude_cap_end != 0)
@@ -196,25 +199,24 @@ bool compute(const std::vector<owned_elements> &owners, const point3_t &offset, 
         if (prefs.extrude_delete_original != 0)
             part->remove_originals();
     }
-    if (!going)
-        display_message("extrude - cancelled");
-    return going;
+    return going ? outcome::computed : outcome::cancelled;
 }
 
-// How many surfaces were made; 0 when nothing changed.
-int extrude_by(const point3_t &offset)
+// Counts the new surfaces; none when nothing changed.
+outcome extrude_by(const point3_t &offset, std::size_t &made)
 {
+    made = 0;
     const owned_list surfaces(find_selected_whole_surfaces());
     if (!surfaces) {
         windows_message_dialog("Extrude: no surfaces selected - you shouldn't see this dialog "
                                "-report to Dovan");
-        return 0;
+        return outcome::refused;
     }
     const std::vector<owned_elements> owners = surfaces_by_owner_in_order(surfaces.get());
     extrusions parts;
-    if (!compute(owners, offset, parts))
-        return 0;
-    std::size_t made = 0;
+    const outcome result = compute(owners, offset, parts);
+    if (result != outcome::computed)
+        return result;
     std::vector<object_t *> touched;
     for (std::size_t i = 0; i < owners.size(); ++i) {
         made += parts[i]->commit().surfaces.size();
@@ -222,7 +224,7 @@ int extrude_by(const point3_t &offset)
         touched.push_back(owners[i].object);
     }
     calc_normals_of(touched);
-    return static_cast<int>(made);
+    return result;
 }
 
 void turn(const listitem *vertices)
@@ -249,7 +251,14 @@ surface_t *moved_outline(const surface_t *surface, const point3_t &offset, owned
 
 } // namespace
 
-int extrude_selected_diff(const point3_t *offset) { return extrude_by(*offset) > 0 ? 1 : 0; }
+int extrude_selected_diff(const point3_t *offset)
+{
+    std::size_t made = 0;
+    const outcome result = extrude_by(*offset, made);
+    if (result == outcome::cancelled)
+        display_message("extrude - cancelled");
+    return result == outcome::computed ? 1 : 0;
+}
 
 int extrude_selected(const point3_t *start, const point3_t *end)
 {
@@ -333,8 +342,12 @@ void command_extrude(float dx, float dy, float dz)
     new_undo(UNDO_WORLD, "extrude");
     set_undo_all();
     display_message("extruding...");
-    const int made = extrude_by({dx, dy, dz});
+    std::size_t made = 0;
+    const outcome result = extrude_by({dx, dy, dz}, made);
+    if (result == outcome::cancelled)
+        cancelled("extrude");
+    if (result != outcome::computed)
+        return;
     finish_edit();
-    if (made > 0)
-        display_message("extrude - %d surfaces", made);
+    display_message("extrude - %d surfaces", static_cast<int>(made));
 }

@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     edit/delete.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
+    edit/duplicate_surfaces.cpp
     edit/edit_support.cpp
     edit/extrude.cpp
     edit/geometry_image.cpp
@@ -18,7 +19,9 @@ target_sources(vesk_core PRIVATE
     edit/model_restore.cpp
     edit/model_state.cpp
     edit/modes.cpp
+    edit/nearest_points.cpp
     edit/object_flags.cpp
+    edit/optimize.cpp
     edit/position_index.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
@@ -36,4 +39,6 @@ target_sources(vesk_core PRIVATE
     edit/undo.cpp
     edit/undo_kinds.cpp
     edit/uvmap.cpp
+    edit/vertex_use.cpp
+    edit/weld.cpp
 )

@@ -4,9 +4,12 @@ target_sources(vesk_tests PRIVATE
     edit/geometry_test.cpp
     edit/journal_test.cpp
     edit/group_test.cpp
+    edit/mesh_change_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
+    edit/snap_test.cpp
     edit/text_objects_test.cpp
     edit/transform_test.cpp
     edit/undo_test.cpp
+    edit/weld_test.cpp
 )
