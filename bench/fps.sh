@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Milliseconds a picture of each view with 100,000 and 1,000,000 triangles, moving (as in a drag) and
-# at rest, with the layers that were drawn.
+# Milliseconds a picture of each view with 100,000 and 1,000,000 triangles in one object, then with
+# 10,000 cubes, moving (as in a drag) and at rest, with the layers that were drawn.
 #   bench/fps.sh [build folder]
 # Uses the display there is, else an Xvfb of its own (software OpenGL).
 set -euo pipefail
@@ -18,8 +18,10 @@ fi
 printf 'VESKPR 12\nshow_startup_tips FALSE\ncpwin_width 800\ncpwin_height 600\n' \
     >"$work/veskprefs.txt"
 export DISPLAY USERPROFILE=$work LANG=C.UTF-8
-for quads in 224 707; do
-    tclsh8.6 "$here/terrain.tcl" $quads >"$work/terrain.vesk"
-    "$program" -noplugins -script "$here/fps.tcl" "$work/terrain.vesk" 2>&1 | grep '^fps'
-    rm "$work/terrain.vesk"
+for model in 'terrain.tcl 224' 'terrain.tcl 707' 'cubes.tcl 10000'; do
+    # shellcheck disable=SC2086 # a script and its argument
+    (cd "$here" && tclsh8.6 $model) >"$work/model.vesk"
+    echo "fps $model"
+    "$program" -noplugins -script "$here/fps.tcl" "$work/model.vesk" 2>&1 | grep '^fps'
+    rm "$work/model.vesk"
 done

@@ -1,3 +1,4 @@
 # One vesk_bench(name source...) line for each benchmark.
 vesk_bench(files_bench files_bench.cpp)
+vesk_bench(pick_bench pick_bench.cpp)
 vesk_bench(undo_bench undo_bench.cpp)

@@ -5,6 +5,7 @@ target_sources(vesk_tests PRIVATE
     edit/journal_test.cpp
     edit/group_test.cpp
     edit/mesh_change_test.cpp
+    edit/primitives_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
     edit/snap_test.cpp

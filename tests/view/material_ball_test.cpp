@@ -21,7 +21,7 @@ std::vector<double> red() { return {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10}; 
 
 } // namespace
 
-TEST(MaterialBall, is_lit_from_the_upper_left_over_a_checker)
+TEST(MaterialBall, IsLitFromTheUpperLeftOverAChecker)
 {
     const std::vector<std::uint8_t> picture = material_ball(size, red().data());
     ASSERT_EQ(picture.size(), static_cast<size_t>(size * size * 3));
@@ -37,7 +37,7 @@ TEST(MaterialBall, is_lit_from_the_upper_left_over_a_checker)
     EXPECT_NE(first.r, second.r);
 }
 
-TEST(MaterialBall, shows_transparency_shine_and_glow)
+TEST(MaterialBall, ShowsTransparencyShineAndGlow)
 {
     std::vector<double> clear = red();
     clear[12] = 1;
