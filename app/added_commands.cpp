@@ -293,6 +293,7 @@ void register_added_commands()
                       "create circle, disk, rect, grid, mesh, box, cylinder, sphere, cone or ico");
     for (const vesk_command_t &row : rows)
         command_add_own(row);
+    register_check_commands();
     register_history_commands();
     register_safety_commands();
 }

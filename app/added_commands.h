@@ -5,6 +5,7 @@
 // show and change the model. They stand first in "list".
 void register_added_commands();
 // By the former.
+void register_check_commands();
 void register_history_commands();
 void register_safety_commands();
 

@@ -1,5 +1,6 @@
 # Files of app/: the core's first, then the shell's.
 target_sources(vesk_core PRIVATE
+    app/added_check.cpp
     app/added_commands.cpp
     app/added_history.cpp
     app/added_safety.cpp

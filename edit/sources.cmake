@@ -7,6 +7,7 @@ target_sources(vesk_core PRIVATE
     edit/drag_transform.cpp
     edit/duplicate.cpp
     edit/duplicate_surfaces.cpp
+    edit/edge_table.cpp
     edit/edit_support.cpp
     edit/extrude.cpp
     edit/geometry_image.cpp
@@ -16,6 +17,9 @@ target_sources(vesk_core PRIVATE
     edit/link_surfaces.cpp
     edit/mesh_change.cpp
     edit/mesh_edges.cpp
+    edit/model_check.cpp
+    edit/model_check_fix.cpp
+    edit/model_check_search.cpp
     edit/model_restore.cpp
     edit/model_state.cpp
     edit/modes.cpp

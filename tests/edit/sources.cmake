@@ -6,6 +6,7 @@ target_sources(vesk_tests PRIVATE
     edit/group_test.cpp
     edit/mesh_change_test.cpp
     edit/primitives_test.cpp
+    edit/model_check_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
     edit/snap_test.cpp
