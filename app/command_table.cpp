@@ -11,8 +11,10 @@
 #include "edit/current_object.h"
 #include "edit/delete.h"
 #include "edit/duplicate.h"
+#include "edit/extrude_path.h"
 #include "edit/group.h"
 #include "edit/holes.h"
+#include "edit/make_surface.h"
 #include "edit/modes.h"
 #include "edit/object_flags.h"
 #include "edit/optimize.h"
@@ -20,6 +22,7 @@
 #include "edit/revolve.h"
 #include "edit/selection.h"
 #include "edit/snap.h"
+#include "edit/subdivide.h"
 #include "edit/surface_attributes.h"
 #include "edit/text_objects.h"
 #include "edit/transform.h"
@@ -67,13 +70,13 @@ vesk_command_t rows[] = {
     command_row("clone_selection", command_clone_selection, nullptr, "clone the selection in place, returns the new object ids"),
     pending_row("convexhull", nullptr, nullptr, "convex hull of the selected vertices"),
     pending_row("copy_3d_win_to_clipboard", nullptr, nullptr, "copy the 3D view to the clipboard"),
-    pending_row("createsurface", "d", "<int type (0 polygon, 1 closed line, 2 line)>", "create a surface from the selected vertices"),
+    command_row("createsurface", command_createsurface, "<int type (0 polygon, 1 closed line, 2 line)>", "create a surface from the selected vertices"),
     command_row("create_text", add_text, "<string text>"),
     pending_row("delaunay", nullptr, nullptr, "delaunay triangulation of the selected vertices"),
     command_row("edit_palette_entry", edit_palette_entry, "<int entrynum>", "open the material editor"),
     pending_row("execute", "s", "<string system-command>"),
-    pending_row("extrude_along_path", nullptr, nullptr, "extrude the selected surfaces along the path object"),
-    pending_row("define_extrude_path", nullptr, nullptr, "define the selected object as the extrusion path"),
+    command_row("extrude_along_path", vesk_extrude_along_path, nullptr, "extrude along the defined path"),
+    command_row("define_extrude_path", vesk_define_path_object, nullptr, "define the selected object as the extrusion path"),
     command_row("delete", delete_selected, nullptr, "delete the selection"),
     command_row("do_perspective", do_perspective, "<int 0 parallel, 1 perspective>", "projection of the 3D view"),
     command_row("duplicate", duplicate_selected, nullptr, "duplicate the selection"),
@@ -103,8 +106,8 @@ vesk_command_t rows[] = {
     command_row("group", group_selected_objects, "group", "group selected objects"),
     command_row("hide_selected", command_hide_selected, nullptr, "hide the selection"),
     command_row("hide_unselected", command_hide_unselected, nullptr, "hide everything else"),
-    pending_row("insert_vertex", nullptr, nullptr, "insert vertices in the middle of the selected edges"),
-    pending_row("inituv", nullptr, nullptr, "set initial texture coordinates"),
+    command_row("insert_vertex", command_insert_vertex, nullptr, "insert vertices in the middle of the selected edges"),
+    command_row("inituv", command_inituv, nullptr, "set initial texture coordinates"),
     command_row("keypress", handle_key_press, "<win> <key> <qual>", "handle keypress"),
     command_row("list", command_list),
     command_row("load_vesk", command_load_vesk, "<filename>", "load an VESK format file"),
@@ -196,14 +199,14 @@ vesk_command_t rows[] = {
     command_row("surface_bevel", selected_surfaces_bevel, nullptr, "bevel the selected surfaces"),
     pending_row("start_web_browser", "s", "<string url>", "start up a web browser with this URL"),
     command_row("surface_change_vertex_order", command_surface_change_vertex_order, nullptr, "change the first vertex of the selected surfaces"),
-    pending_row("surface_create_object", nullptr, nullptr, "make an object of the selected surfaces"),
+    command_row("surface_create_object", command_surface_create_object, nullptr, "make an object of the selected surfaces"),
     command_row("surface_flip_normals", command_surface_flip_normals, nullptr, "reverse the selected surfaces"),
     command_row("surface_make_hole", selected_surfaces_make_hole, nullptr, "make holes in the selected surfaces"),
     command_row("surface_set_shaded", command_surface_set_shaded, "<int 0 flat, 1 smooth>", "set the shading of the selected surfaces"),
     command_row("surface_set_twosided", command_surface_set_twosided, "<int 0 or 1>", "set the sides of the selected surfaces"),
-    pending_row("surface_spike", nullptr, nullptr, "spike the selected surfaces"),
-    pending_row("surface_spline", nullptr, nullptr, "spline the selected lines"),
-    pending_row("surface_subdivide", nullptr, nullptr, "subdivide the selected surfaces"),
+    command_row("surface_spike", command_surface_spike, nullptr, "spike the selected surfaces"),
+    command_row("surface_spline", command_surface_spline, nullptr, "spline the selected lines"),
+    command_row("surface_subdivide", command_surface_subdivide, nullptr, "subdivide the selected surfaces"),
     command_row("surface_triangulate", selected_surface_triangulate, nullptr, "triangulate the selected surfaces"),
     pending_row("surface_loop_subdivision", "f", "<0.0 -> 1.0 smoothing factor>"),
     command_row("texture_set", selected_texture_set, "<texture id>", "set the texture of the selection"),

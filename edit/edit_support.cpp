@@ -9,6 +9,7 @@
 #include "view/redraw.h"
 
 #include <algorithm>
+#include <numeric>
 #include <unordered_set>
 
 std::vector<object_t *> without_descendants(const std::vector<object_t *> &objects)
@@ -61,6 +62,64 @@ std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
             std::sort(owned.indices.begin(), owned.indices.end(), earlier);
     }
     return owners;
+}
+
+std::vector<owned_elements> target_surfaces()
+{
+    const owned_list surfaces(find_selected_whole_surfaces());
+    std::vector<owned_elements> targets = surfaces_by_owner_in_order(surfaces.get());
+    for (object_t *top : selected_top_objects()) {
+        for_each_object(top, [&](object_t *object) {
+            if (object->num_surfaces == 0)
+                return;
+            std::vector<int> all(object_flat(object)->surfaces->size());
+            std::iota(all.begin(), all.end(), 0);
+            targets.push_back({object, std::move(all)});
+        });
+    }
+    return targets;
+}
+
+void run_surface_operation(const char *what, bool (*compute)(surface_work &work))
+{
+    const std::vector<owned_elements> targets = target_surfaces();
+    std::size_t total = 0;
+    for (const owned_elements &owned : targets)
+        total += owned.indices.size();
+    if (total > 0)
+        display_message("%s...", what);
+    progress_t progress(static_cast<double>(total));
+    double done = 0;
+    int changed = 0;
+    owned_list results;
+    std::vector<mesh_change> changes;
+    for (const owned_elements &owned : targets) {
+        surface_work work = {changes.emplace_back(owned.object), owned.indices, progress, done};
+        if (!compute(work)) {
+            display_message("%s - cancelled", what);
+            return;
+        }
+        changed += work.changed;
+        for (surface_t *surface : work.kept)
+            results.add(surface);
+    }
+    if (changed == 0) {
+        display_message("%s - nothing selected", what);
+        return;
+    }
+    new_undo(UNDO_WORLD, what);
+    set_undo_all();
+    std::vector<object_t *> touched;
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        for (surface_t *surface : changes[i].commit().surfaces)
+            results.add(surface);
+        touched.push_back(targets[i].object);
+    }
+    calc_normals_of(touched);
+    clear_selection();
+    select_surfacelist(results.get());
+    finish_edit();
+    display_message("%s - %d surfaces", what, changed);
 }
 
 void calc_normals_of(const std::vector<object_t *> &objects)

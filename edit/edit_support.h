@@ -3,6 +3,8 @@
 
 // What the handlers of the geometry commands have in common.
 
+#include "app/progress.h"
+#include "edit/mesh_change.h"
 #include "edit/selection_internal.h"
 #include "model/each.h"
 #include "model/owners.h"
@@ -23,6 +25,25 @@ void select_results(const std::vector<object_t *> &objects);
 
 // surfaces_by_owner, each owner's surfaces in the order of the list.
 std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces);
+
+// What the surface operations work on: the selected whole surfaces, and all surfaces of the selected
+// objects and their descendants.
+std::vector<owned_elements> target_surfaces();
+
+// An operation that replaces surfaces or gives them more corners: the computing half for one
+// object, then what it leaves behind.
+struct surface_work {
+    mesh_change &change;
+    const std::vector<int> &surfaces;
+    progress_t &progress;
+    double &done;                       // one a surface
+    int changed = 0;                    // surfaces
+    std::vector<surface_t *> kept = {}; // those among them that keep their record
+};
+// `compute` returns false when the user cancelled. Runs it for every object with targets, then
+// opens a whole-model undo, commits, recomputes normals and selects the results. Without any
+// changed surface: "<what> - nothing selected".
+void run_surface_operation(const char *what, bool (*compute)(surface_work &work));
 
 // Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
 void calc_normals_of(const std::vector<object_t *> &objects);

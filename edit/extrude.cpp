@@ -2,13 +2,11 @@
 
 #include "app/messages.h"
 #include "app/prefs.h"
-#include "app/progress.h"
 #include "edit/delete.h"
 #include "edit/edit_support.h"
 #include "edit/link_surfaces.h"
-#include "edit/mesh_change.h"
-#include "edit/mesh_edges.h"
 #include "edit/position_index.h"
+#include "edit/region_sweep.h"
 #include "edit/selection_scan.h"
 #include "edit/undo.h"
 #include "model/change_marks.h"
@@ -20,211 +18,29 @@
 #include "model/world.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
-point3_t divided(const point3_t &p, int count)
-{
-    const auto n = static_cast<float>(count);
-    return {p.x / n, p.y / n, p.z / n};
-}
-
-// The extrusion of one object's surfaces.
-class extrusion {
-public:
-    extrusion(object_t *object, const std::vector<int> &surfaces, const point3_t &offset)
-        : change_(object), mesh_(change_.before()), surfaces_(surfaces),
-          edges_(edges_of(mesh_, surfaces)), steps_(std::max(prefs.extrude_num, 1)),
-          step_(divided(offset, steps_)), index_(*mesh_.positions),
-          top_(place(mesh_.num_vertices()), -1)
-    {
-    }
-
-    // False when the user cancelled.
-    bool add_walls(progress_t &progress, double &done);
-    bool add_caps(progress_t &progress, double &done);
-    void remove_originals();
-    [[nodiscard]] bool has_walls() const { return has_walls_; }
-    mesh_result commit() { return change_.commit(); }
-
-private:
-    // Of each edge, whether only one of the surfaces has it.
-    [[nodiscard]] std::vector<bool> outer_edges() const;
-    void add_strip(int surface, int a, int b);
-    int vertex_at(const point3_t &to);
-    int moved(int at) { return vertex_at(point_add(change_.position(at), step_)); }
-    int moved_to_end(int at);
-
-    mesh_change change_;
-    const flat_mesh &mesh_;
-    const std::vector<int> &surfaces_; // in the order of the selection
-    mesh_edges edges_;
-    int steps_;
-    point3_t step_;
-    position_index index_;
-    std::vector<std::int32_t> top_; // of each vertex, the one at the end of the sweep, or -1
-    bool has_walls_ = false;
-};
-
-std::vector<bool> extrusion::outer_edges() const
-{
-    std::vector<std::int32_t> owner(place(edges_.count), -1);
-    std::vector<bool> outer(place(edges_.count), true);
-    for (const int surface : surfaces_) {
-        for (int c = (*mesh_.corner_offsets)[place(surface)];
-             c < (*mesh_.corner_offsets)[place(surface) + 1]; ++c) {
-            const int edge = edges_.of_corner[place(c)];
-            if (edge < 0)
-                continue;
-            // Deliberate: an edge that one surface has twice is an outer one.
-            if (owner[place(edge)] >= 0 && owner[place(edge)] != surface)
-                outer[place(edge)] = false;
-            owner[place(edge)] = surface;
-        }
-    }
-    return outer;
-}
-
-// The vertex that stands there, or a new one.
-int extrusion::vertex_at(const point3_t &to)
-{
-    const int next = change_.num_vertices();
-    const int found = index_.find_or_add(to, next);
-    if (found == next)
-        change_.add_vertex(to);
-    return found;
-}
-
-// Step by step, as the walls go, so that rounding opens no seam.
-int extrusion::moved_to_end(int at)
-{
-    if (top_[place(at)] < 0) {
-        point3_t to = change_.position(at);
-        for (int k = 0; k < steps_; ++k)
-            to = point_add(to, step_);
-        top_[place(at)] = vertex_at(to);
-    }
-    return top_[place(at)];
-}
-
-void extrusion::add_strip(int surface, int a, int b)
-{
-    for (int k = 0; k < steps_; ++k) {
-        const int next_a = moved(a);
-        const int next_b = moved(b);
-        change_.add_surface(surface);
-        change_.set_type(SURFACE_POLYGON);
-        change_.add_corner(a, {0, 0});
-        change_.add_corner(prefs.extrude_flip_cap != 0 ? next_a : b, {0, 0});
-        change_.add_corner(next_b, {0, 0});
-        change_.add_corner(prefs.extrude_flip_cap != 0 ? b : next_a, {0, 0});
-        a = next_a;
-        b = next_b;
-    }
-    has_walls_ = true;
-}
-
-bool extrusion::add_walls(progress_t &progress, double &done)
-{
-    const std::vector<bool> outer = outer_edges();
-    for (const int surface : surfaces_) {
-        for (int c = (*mesh_.corner_offsets)[place(surface)];
-             c < (*mesh_.corner_offsets)[place(surface) + 1]; ++c) {
-            const int edge = edges_.of_corner[place(c)];
-            if (edge >= 0 && outer[place(edge)]) {
-                add_strip(surface, (*mesh_.corners)[place(c)],
-                          (*mesh_.corners)[place(next_corner(mesh_, surface, c))]);
-            }
-        }
-        if (!progress.step(++done))
-            return false;
-    }
-    return true;
-}
-
-bool extrusion::add_caps(progress_t &progress, double &done)
-{
-    for (const int surface : surfaces_) {
-        change_.add_surface(surface);
-        for (int c = (*mesh_.corner_offsets)[place(surface)];
-             c < (*mesh_.corner_offsets)[place(surface) + 1]; ++c) {
-            change_.add_corner(moved_to_end((*mesh_.corners)[place(c)]),
-                               (*mesh_.texture_coords)[place(c)]);
-        }
-        if (prefs.extrude_flip_cap != 0)
-            change_.reverse_corners();
-        if (!progress.step(++done))
-            return false;
-    }
-    return true;
-}
-
-void extrusion::remove_originals()
-{
-    for (const int surface : surfaces_)
-        change_.remove_surface(surface);
-    change_.remove_unused();
-}
-
-using extrusions = std::vector<std::unique_ptr<extrusion>>;
-
-enum class outcome { computed, refused, cancelled };
-
-// The computing half; tells why it refused.
-outcome compute(const std::vector<owned_elements> &owners, const point3_t &offset,
-                extrusions &parts)
-{
-    std::size_t total = 0;
-    for (const owned_elements &owned : owners)
-        total += owned.indices.size();
-    progress_t progress(2.0 * static_cast<double>(total));
-    double done = 0;
-    bool going = true;
-    for (const owned_elements &owned : owners) {
-        parts.push_back(std::make_unique<extrusion>(owned.object, owned.indices, offset));
-        going = going && parts.back()->add_walls(progress, done);
-    }
-    const bool outer =
-        std::any_of(parts.begin(), parts.end(), [](const auto &part) { return part->has_walls(); });
-    if (going && !outer) {
-        windows_message_dialog("Extrude failed: There are no external surface edges.");
-        return outcome::refused;
-    }
-    for (const auto &part : parts) {
-        if (prefs.extrude_cap_end != 0)
-            going = going && part->add_caps(progress, done);
-        if (prefs.extrude_delete_original != 0)
-            part->remove_originals();
-    }
-    return going ? outcome::computed : outcome::cancelled;
-}
-
-// Counts the new surfaces; none when nothing changed.
-outcome extrude_by(const point3_t &offset, std::size_t &made)
+// Tells why it refused. Counts the new surfaces; none when nothing changed.
+sweep_outcome extrude_by(const point3_t &offset, std::size_t &made)
 {
     made = 0;
     const owned_list surfaces(find_selected_whole_surfaces());
     if (!surfaces) {
         windows_message_dialog("Extrude: no surfaces selected - you shouldn't see this dialog "
                                "-report to Dovan");
-        return outcome::refused;
+        return sweep_outcome::no_outer_edge;
     }
-    const std::vector<owned_elements> owners = surfaces_by_owner_in_order(surfaces.get());
-    extrusions parts;
-    const outcome result = compute(owners, offset, parts);
-    if (result != outcome::computed)
-        return result;
-    std::vector<object_t *> touched;
-    for (std::size_t i = 0; i < owners.size(); ++i) {
-        made += parts[i]->commit().surfaces.size();
-        parts[i].reset();
-        touched.push_back(owners[i].object);
-    }
-    calc_normals_of(touched);
-    return result;
+    const int steps = std::max(prefs.extrude_num, 1);
+    const auto n = static_cast<float>(steps);
+    const point3_t step = {offset.x / n, offset.y / n, offset.z / n};
+    const auto place = [&step](int, const point3_t &, const point3_t &before) {
+        return point_add(before, step);
+    };
+    const sweep_outcome outcome = sweep_surfaces(surfaces.get(), {steps, false, place}, made);
+    if (outcome == sweep_outcome::no_outer_edge)
+        windows_message_dialog("Extrude failed: There are no external surface edges.");
+    return outcome;
 }
 
 void turn(const listitem *vertices)
@@ -254,10 +70,10 @@ surface_t *moved_outline(const surface_t *surface, const point3_t &offset, owned
 int extrude_selected_diff(const point3_t *offset)
 {
     std::size_t made = 0;
-    const outcome result = extrude_by(*offset, made);
-    if (result == outcome::cancelled)
+    const sweep_outcome result = extrude_by(*offset, made);
+    if (result == sweep_outcome::cancelled)
         display_message("extrude - cancelled");
-    return result == outcome::computed ? 1 : 0;
+    return result == sweep_outcome::done ? 1 : 0;
 }
 
 int extrude_selected(const point3_t *start, const point3_t *end)
@@ -321,8 +137,8 @@ surface_t *surface_clone_translate(object_t *object, const surface_t *surface,
         const int found = index.find_or_add(to, next);
         if (found == next)
             added.push_back(object_add_new_vertex(object, to.x, to.y, to.z));
-        vertex *point =
-            place(found) < own.size() ? own[place(found)] : added[place(found) - own.size()];
+        const auto i = static_cast<std::size_t>(found);
+        vertex *point = i < own.size() ? own[i] : added[i - own.size()];
         surface_add_vertex(copy, point, reference->u, reference->v);
     }
     if (flip != 0)
@@ -343,10 +159,10 @@ void command_extrude(float dx, float dy, float dz)
     set_undo_all();
     display_message("extruding...");
     std::size_t made = 0;
-    const outcome result = extrude_by({dx, dy, dz}, made);
-    if (result == outcome::cancelled)
+    const sweep_outcome result = extrude_by({dx, dy, dz}, made);
+    if (result == sweep_outcome::cancelled)
         cancelled("extrude");
-    if (result != outcome::computed)
+    if (result != sweep_outcome::done)
         return;
     finish_edit();
     display_message("extrude - %d surfaces", static_cast<int>(made));

@@ -85,6 +85,12 @@ void mesh_change::reverse_corners()
                  corners_.end());
 }
 
+void mesh_change::turn_corners()
+{
+    std::reverse(corners_.begin() + static_cast<std::ptrdiff_t>(surfaces_.back().first_corner) + 1,
+                 corners_.end());
+}
+
 void mesh_change::redirect_corner(int corner, int at)
 {
     edits_.push_back({corner_edit::REDIRECT, corner, at, {0, 0}});

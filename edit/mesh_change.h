@@ -41,6 +41,8 @@ public:
     void set_type(int type);
     void set_material(int material);
     void reverse_corners();
+    // The same, but the first corner stays the first.
+    void turn_corners();
 
     // Changes of surfaces that stay: the record, its other corners and all texture coordinates are
     // kept. A corner is named by its place among all corners of before(); several insertions after

@@ -10,11 +10,13 @@ target_sources(vesk_core PRIVATE
     edit/edge_table.cpp
     edit/edit_support.cpp
     edit/extrude.cpp
+    edit/extrude_path.cpp
     edit/geometry_image.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/journal.cpp
     edit/link_surfaces.cpp
+    edit/make_surface.cpp
     edit/mesh_change.cpp
     edit/mesh_edges.cpp
     edit/model_check.cpp
@@ -26,15 +28,18 @@ target_sources(vesk_core PRIVATE
     edit/nearest_points.cpp
     edit/object_flags.cpp
     edit/optimize.cpp
+    edit/outline.cpp
     edit/position_index.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
+    edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
     edit/selection.cpp
     edit/selection_image.cpp
     edit/selection_scan.cpp
     edit/snap.cpp
+    edit/subdivide.cpp
     edit/surface_attributes.cpp
     edit/surface_copy.cpp
     edit/text_objects.cpp

@@ -1,8 +1,11 @@
 #include "edit/uvmap.h"
 
+#include "app/messages.h"
 #include "app/messages_internal.h"
+#include "edit/edit_support.h"
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
+#include "edit/undo.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/vector.h"
@@ -129,6 +132,26 @@ void surfaces_calc_texture_coors(const listitem *surfaces, int mode)
     surfaces_calc_texture_coors_bound(surfaces, mode, &selection().box_min, &selection().box_max);
 }
 
+void surface_init_texture_coors(surface_t *surface)
+{
+    if (surface->type != SURFACE_POLYGON)
+        return;
+    constexpr float square[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    int i = 0;
+    for (svertex *corner : each<svertex>(surface->refs)) {
+        if (surface->num_refs == 3 || surface->num_refs == 4) {
+            const float *at = square[surface->num_refs == 3 && i == 2 ? 3 : i];
+            corner->u = at[0];
+            corner->v = at[1];
+        } else {
+            const double angle = 2 * pi * i / surface->num_refs;
+            corner->u = static_cast<float>(0.5 + 0.5 * std::cos(angle));
+            corner->v = static_cast<float>(0.5 + 0.5 * std::sin(angle));
+        }
+        ++i;
+    }
+}
+
 void crap_calc_texture_coors(object_t *object)
 {
     const float height = find_object_size(object).y;
@@ -158,4 +181,35 @@ void selected_calc_texture_coors(int mode)
     for (object_t *top : each<object_t>(all.objects))
         for_each_object(top, [&](object_t *object) { map_object(object, mapping); });
     redraw_all();
+}
+
+void command_inituv()
+{
+    owned_list polygons;
+    std::vector<object_t *> touched;
+    for (const owned_elements &owned : target_surfaces()) {
+        const flat_ptr mesh = object_flat(owned.object);
+        for (const int i : owned.indices) {
+            surface_t *surface = (*mesh->surface_records)[static_cast<std::size_t>(i)];
+            if (surface->type == SURFACE_POLYGON)
+                polygons.add(surface);
+        }
+        touched.push_back(owned.object);
+    }
+    if (!polygons) {
+        display_message("initial texture coordinates - nothing selected");
+        return;
+    }
+    display_message("initial texture coordinates...");
+    new_undo(UNDO_TEXTURE_COORDS, "initial texture coordinates");
+    set_undo_texture_coords(polygons.get());
+    int count = 0;
+    for (surface_t *surface : each<surface_t>(polygons.get())) {
+        surface_init_texture_coors(surface);
+        ++count;
+    }
+    for (object_t *object : touched)
+        object_mark(object, CHANGED_TEXTURE_COORDS);
+    finish_edit();
+    display_message("initial texture coordinates - %d surfaces", count);
 }

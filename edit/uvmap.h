@@ -24,9 +24,19 @@ VESK_API void surfaces_calc_texture_coors(const listitem *surfaces, int mode);
    by the box of the selection. No undo. */
 VESK_API void selected_calc_texture_coors(int mode);
 
+/* Texture coordinates by the number of corners: the unit triangle (0 0, 1 0, 0 1) and square, else
+   a regular polygon in the unit square; lines keep theirs. Marks nothing. */
+VESK_API void surface_init_texture_coors(surface_t *surface);
+
 /* A diagnostic: prints each vertex and stores a cylindrical coordinate. */
 VESK_API void crap_calc_texture_coors(object_t *object);
 
 VESK_END_DECLS
+
+#ifdef __cplusplus
+// Command "inituv": surface_init_texture_coors of the selected whole surfaces and all surfaces of
+// the selected objects. Undo of texture coordinates, "initial texture coordinates".
+void command_inituv();
+#endif
 
 #endif

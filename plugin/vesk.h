@@ -35,6 +35,7 @@
 #include "edit/current_object.h"
 #include "edit/delete.h"
 #include "edit/extrude.h"
+#include "edit/extrude_path.h"
 #include "edit/holes.h"
 #include "edit/link_surfaces.h"
 #include "edit/modes.h"

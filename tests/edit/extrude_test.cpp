@@ -12,6 +12,7 @@
 #include "tests/support/random_mesh.h"
 
 #include <cmath>
+#include <numeric>
 
 namespace {
 
@@ -244,6 +245,100 @@ TEST_F(Extrude, MovedCopiesUseWhatStandsThere)
     EXPECT_EQ(object_add_new_vertex_reuse(object, 2, 1, 0), object_get_vertex_at(object, 5));
     const vertex *added = object_add_new_vertex_reuse(object, 2, 1, 5);
     EXPECT_EQ(added, object_get_vertex_at(object, 6));
+}
+
+// ---- along a path ----
+
+class ExtrudePath : public SceneTest {
+protected:
+    static void define(const std::vector<point3_t> &points)
+    {
+        std::vector<int> corners(points.size());
+        std::iota(corners.begin(), corners.end(), 0);
+        object_t *path = add_mesh(points, {corners}, SURFACE_LINE);
+        run("set_select_mode", "object");
+        run("clear_selection");
+        select_object(path);
+        run("define_extrude_path");
+        EXPECT_EQ(last_message(), "Path object defined OK");
+    }
+    static object_t *add_ready_square()
+    {
+        object_t *square = add_squares(1, 1);
+        select_all_surfaces(square);
+        return square;
+    }
+};
+
+TEST_F(ExtrudePath, StraightPathsMakeABox)
+{
+    prefs.extrude_flip_cap = 0;
+    prefs.extrude_delete_original = 0;
+    define({{5, 5, 5}, {5, 5, 6}, {5, 5, 6}, {5, 5, 8}});
+    object_t *square = add_ready_square();
+    run("extrude_along_path");
+    EXPECT_EQ(square->num_vertices, 12);
+    EXPECT_EQ(square->num_surfaces, 1 + 8 + 1);
+    EXPECT_NEAR(volume(square), 3, 1e-6);
+    EXPECT_EQ(last_undo(), "extrude along path");
+    EXPECT_EQ(last_message(), "extrude along path - 9 surfaces");
+    expect_sound(square);
+}
+
+TEST_F(ExtrudePath, CopiesStandOnTheBisectors)
+{
+    prefs.extrude_cap_end = 0;
+    define({{0, 0, 0}, {0, 0, 4}, {4, 0, 4}});
+    object_t *square = add_ready_square();
+    run("extrude_along_path");
+    // At the bend turned by 45 degrees about y, at the end by 90. The new vertices are those of the
+    // edge from 0 0 0 to 1 0 0: first both levels of this edge.
+    const float h = std::sqrt(0.5f);
+    const std::vector<point3_t> points = points_of(square);
+    EXPECT_EQ(points.at(4), (point3_t{0, 0, 4}));
+    EXPECT_NEAR(points.at(5).x, h, 1e-6);
+    EXPECT_NEAR(points.at(5).z, 4 - h, 1e-6);
+    EXPECT_NEAR(points.at(6).x, 4, 1e-6);
+    EXPECT_NEAR(points.at(7).x, 4, 1e-6);
+    EXPECT_NEAR(points.at(7).z, 3, 1e-6);
+}
+
+TEST_F(ExtrudePath, PathsMayTurnStraightBack)
+{
+    define({{0, 0, 0}, {0, 0, 4}, {0, 0, 1}});
+    object_t *square = add_ready_square();
+    run("extrude_along_path");
+    for (const point3_t &p : points_of(square))
+        EXPECT_TRUE(std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z));
+    expect_sound(square);
+}
+
+TEST_F(ExtrudePath, OnlyALivingLineIsAPath)
+{
+    object_t *square = add_ready_square();
+    run("extrude_along_path");
+    EXPECT_EQ(last_message(), "Define path object first");
+    run("define_extrude_path");
+    EXPECT_EQ(recording().boxes.back(), "Define path object:\nYou need to select a single line "
+                                        "object for the path");
+    run("set_select_mode", "object");
+    run("clear_selection");
+    select_object(square);
+    run("define_extrude_path");
+    EXPECT_EQ(recording().boxes.back(), "Define path object:\nThe path object needs to be one "
+                                        "containing a single surface which is a line");
+    define({{0, 0, 0}, {0, 0, 4}});
+    run("clear_selection");
+    run("select_all");
+    run("extrude_along_path");
+    EXPECT_EQ(last_message(), "extrude along path - nothing selected");
+    run("clear_selection");
+    select_object(item_of<object_t>(vesk_get_world()->children->next));
+    run("delete");
+    select_all_surfaces(square);
+    run("extrude_along_path");
+    EXPECT_EQ(last_message(), "Define path object first");
+    EXPECT_EQ(square->num_surfaces, 1);
 }
 
 // ---- any mesh ----

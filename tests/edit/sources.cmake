@@ -10,6 +10,7 @@ target_sources(vesk_tests PRIVATE
     edit/revolve_test.cpp
     edit/selection_test.cpp
     edit/snap_test.cpp
+    edit/subdivide_test.cpp
     edit/text_objects_test.cpp
     edit/transform_test.cpp
     edit/undo_test.cpp

@@ -1,0 +1,174 @@
+#include "edit/extrude_path.h"
+
+#include "app/messages.h"
+#include "edit/edit_support.h"
+#include "edit/region_sweep.h"
+#include "edit/selection_scan.h"
+#include "edit/undo.h"
+#include "model/identity.h"
+#include "model/vector.h"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+// Identities are never used again, so this can name nothing but that object.
+int &path_identity()
+{
+    static int identity = 0;
+    return identity;
+}
+
+// The object's one surface when it is an open line, else null.
+const surface_t *line_of(const object_t *object)
+{
+    if (object == nullptr || object->num_surfaces != 1 || object->surfaces == nullptr)
+        return nullptr;
+    const auto *surface = item_of<surface_t>(object->surfaces);
+    return surface->type == SURFACE_LINE ? surface : nullptr;
+}
+
+struct direction_t {
+    double x, y, z;
+};
+
+double dot(const direction_t &a, const direction_t &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+
+direction_t normalized(const direction_t &d)
+{
+    const double length = std::sqrt(dot(d, d));
+    return length > 0 ? direction_t{d.x / length, d.y / length, d.z / length} : d;
+}
+
+direction_t cross(const direction_t &a, const direction_t &b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+direction_t between(const point3_t &a, const point3_t &b)
+{
+    return normalized({static_cast<double>(b.x) - a.x, static_cast<double>(b.y) - a.y,
+                       static_cast<double>(b.z) - a.z});
+}
+
+// The path's points without those at the place of the one before.
+std::vector<point3_t> path_points()
+{
+    std::vector<point3_t> points;
+    const surface_t *line = line_of(object_by_identity(path_identity()));
+    if (line == nullptr)
+        return points;
+    for (const svertex *reference : each<svertex>(line->refs)) {
+        if (reference->vertex != nullptr &&
+            (points.empty() || !point_equal(points.back(), reference->vertex->position)))
+            points.push_back(reference->vertex->position);
+    }
+    return points;
+}
+
+// Where the outline faces at each point.
+std::vector<direction_t> directions_along(const std::vector<point3_t> &points)
+{
+    std::vector<direction_t> directions;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const std::size_t last = points.size() - 1;
+        const direction_t in = between(points[i == 0 ? 0 : i - 1], points[i == 0 ? 1 : i]);
+        const direction_t out =
+            between(points[i == last ? i - 1 : i], points[i == last ? i : i + 1]);
+        const direction_t both = {in.x + out.x, in.y + out.y, in.z + out.z};
+        // Straight back: the way it came.
+        directions.push_back(dot(both, both) > 1e-12 ? normalized(both) : in);
+    }
+    return directions;
+}
+
+// The smallest rotation that turns one direction into another.
+class smallest_turn {
+public:
+    smallest_turn(const direction_t &from, const direction_t &to)
+        : axis_(cross(from, to)), cosine_(dot(from, to))
+    {
+        if (cosine_ < -1 + 1e-12) { // about any axis across
+            const direction_t other =
+                std::fabs(from.x) < 0.7 ? direction_t{1, 0, 0} : direction_t{0, 1, 0};
+            axis_ = normalized(cross(from, other));
+            turns_back_ = true;
+        }
+    }
+    [[nodiscard]] direction_t operator()(const direction_t &p) const
+    {
+        const double along = dot(axis_, p);
+        if (turns_back_)
+            return {2 * along * axis_.x - p.x, 2 * along * axis_.y - p.y,
+                    2 * along * axis_.z - p.z};
+        const direction_t side = cross(axis_, p);
+        const double part = along / (1 + cosine_);
+        return {cosine_ * p.x + side.x + part * axis_.x, cosine_ * p.y + side.y + part * axis_.y,
+                cosine_ * p.z + side.z + part * axis_.z};
+    }
+
+private:
+    direction_t axis_; // as long as the sine
+    double cosine_;
+    bool turns_back_ = false;
+};
+
+} // namespace
+
+// ---- commands ----
+
+void vesk_define_path_object(void)
+{
+    object_t *object = get_current_object();
+    if (object == nullptr) {
+        windows_message_dialog("Define path object:\nYou need to select a single line object for "
+                               "the path");
+    } else if (line_of(object) == nullptr) {
+        windows_message_dialog("Define path object:\nThe path object needs to be one containing a "
+                               "single surface which is a line");
+    } else {
+        path_identity() = object_identity(object);
+        display_message("Path object defined OK");
+    }
+}
+
+void vesk_extrude_along_path(void)
+{
+    const owned_list surfaces(find_selected_whole_surfaces());
+    const std::vector<point3_t> points = path_points();
+    if (points.size() < 2) {
+        display_message("Define path object first");
+        return;
+    }
+    if (!surfaces) {
+        display_message("extrude along path - nothing selected");
+        return;
+    }
+    display_message("extrude along path...");
+    new_undo(UNDO_WORLD, "extrude along path");
+    set_undo_all();
+    const std::vector<direction_t> directions = directions_along(points);
+    std::vector<smallest_turn> turns;
+    for (const direction_t &direction : directions)
+        turns.emplace_back(directions.front(), direction);
+    const auto place_at = [&](int level, const point3_t &base, const point3_t &) -> point3_t {
+        const point3_t &start = points.front(), &to = points[static_cast<std::size_t>(level)];
+        const direction_t p = turns[static_cast<std::size_t>(level)](
+            {static_cast<double>(base.x) - start.x, static_cast<double>(base.y) - start.y,
+             static_cast<double>(base.z) - start.z});
+        return {static_cast<float>(to.x + p.x), static_cast<float>(to.y + p.y),
+                static_cast<float>(to.z + p.z)};
+    };
+    const sweep_t sweep = {static_cast<int>(points.size()) - 1, true, place_at};
+    std::size_t made = 0;
+    const sweep_outcome outcome = sweep_surfaces(surfaces.get(), sweep, made);
+    if (outcome == sweep_outcome::cancelled)
+        cancelled("extrude along path");
+    if (outcome == sweep_outcome::no_outer_edge)
+        windows_message_dialog("Extrude failed: There are no external surface edges.");
+    if (outcome != sweep_outcome::done)
+        return;
+    finish_edit();
+    display_message("extrude along path - %d surfaces", static_cast<int>(made));
+}

@@ -1,0 +1,118 @@
+#include "edit/make_surface.h"
+
+#include "app/messages.h"
+#include "edit/edit_support.h"
+#include "edit/outline.h"
+#include "edit/selection_scan.h"
+#include "edit/surface_copy.h"
+#include "edit/undo.h"
+#include "edit/vertex_use.h"
+#include "model/object_tree.h"
+#include "model/world.h"
+
+#include <algorithm>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+// The vertices in an order in which the polygon's outline does not cross itself.
+void untangle(std::vector<vertex *> &vertices)
+{
+    std::vector<point3_t> points;
+    points.reserve(vertices.size());
+    for (const vertex *point : vertices)
+        points.push_back(point->position);
+    const std::vector<plane_point> outline = in_best_fit_plane(points);
+    if (!outline_crosses_itself(outline))
+        return;
+    std::vector<vertex *> ordered;
+    ordered.reserve(vertices.size());
+    for (const int i : order_by_angle(outline))
+        ordered.push_back(vertices[place(i)]);
+    vertices = std::move(ordered);
+}
+
+surface_t *add_surface(object_t *object, const std::vector<vertex *> &vertices, int type)
+{
+    mesh_change change(object);
+    const flat_mesh &mesh = change.before();
+    const vertex_corners corners(mesh);
+    number_vertices(object);
+    change.add_surface(-1);
+    change.set_type(type);
+    for (const vertex *point : vertices) {
+        const int at = static_cast<int>(vertex_number(point));
+        const auto uses = corners.of(at);
+        change.add_corner(at, uses.empty() ? flat_uv{0, 0}
+                                           : (*mesh.texture_coords)[place(uses.front())]);
+    }
+    return change.commit().surfaces.front();
+}
+
+// The copies of several owners' surfaces as one object.
+object_t *joined(const std::vector<object_t *> &objects)
+{
+    object_t *first = objects.front();
+    for (std::size_t i = 1; i < objects.size(); ++i) {
+        object_t *other = objects[i];
+        object_add_vertices(first, other->vertices);
+        object_add_surfaces(first, other->surfaces);
+        list_free(&other->vertices);
+        list_free(&other->surfaces);
+        other->num_vertices = other->num_surfaces = 0;
+        object_free(other);
+    }
+    return first;
+}
+
+} // namespace
+
+// ---- commands ----
+
+void command_createsurface(int type)
+{
+    if (type < SURFACE_POLYGON || type > SURFACE_LINE) {
+        display_message("create surface - no type %d", type);
+        return;
+    }
+    const int fewest = type == SURFACE_LINE ? 2 : 3;
+    std::vector<vertex *> vertices;
+    if (select_mode() == SELECT_VERTEX)
+        vertices = elements_of<vertex>(selection().vertices);
+    const std::vector<object_t *> owners = owners_of_vertices(vertices);
+    const bool one_object = std::all_of(owners.begin(), owners.end(),
+                                        [&](object_t *owner) { return owner == owners.front(); });
+    if (!one_object || static_cast<int>(vertices.size()) < fewest) {
+        display_message("select at least %d vertices of one object", fewest);
+        return;
+    }
+    display_message("create surface...");
+    if (type == SURFACE_POLYGON)
+        untangle(vertices);
+    new_undo(UNDO_SURFACE, "create surface");
+    surface_t *surface = add_surface(owners.front(), vertices, type);
+    set_undo_surface(surface);
+    calc_normals_of({owners.front()});
+    finish_edit();
+    display_message("create surface - %d vertices", static_cast<int>(vertices.size()));
+}
+
+void command_surface_create_object()
+{
+    const owned_list surfaces(find_selected_whole_surfaces());
+    if (!surfaces) {
+        display_message("create object - nothing selected");
+        return;
+    }
+    display_message("create object...");
+    object_t *object = joined(objects_of_surfaces(surfaces.get()));
+    object_add_child(vesk_get_world(), object);
+    new_undo(UNDO_OBJECT, "create object");
+    set_undo_object(object);
+    calc_normals_of({object});
+    clear_selection();
+    select_object(object);
+    finish_edit();
+    display_message("create object - %d surfaces", object->num_surfaces);
+}
