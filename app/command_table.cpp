@@ -30,6 +30,7 @@
 #include "edit/undo.h"
 #include "edit/uvmap.h"
 #include "edit/weld.h"
+#include "fileio/export_vrml2.h"
 #include "model/palette.h"
 #include "plugin/filters.h"
 #include "plugin/importers.h"
@@ -222,8 +223,8 @@ vesk_command_t rows[] = {
     pending_row("write_inventor", "s", "<filename>", "write the scene in Inventor format"),
     pending_row("write_massive", "s", "<filename>", "write the scene in MASSIVE format"),
     pending_row("write_vrml", "s", "<filename>", "write the scene in VRML 1 format"),
-    pending_row("write_vrml2", "s", "<filename>", "write the scene in VRML 2 format"),
-    pending_row("write_vrml2_proto", "s", "<filename>", "write the scene in VRML 2 (PROTO) format"),
+    command_row("write_vrml2", write_vrml2, "<filename>", "write the scene in VRML 2 format"),
+    command_row("write_vrml2_proto", write_vrml2_proto, "<filename>", "write the scene in VRML 2 (PROTO) format"),
     pending_row("write_rib", "s", "<filename>", "write the scene in RIB format"),
     pending_row("write_POV", "s", "<filename>", "write the scene in POV format"),
     pending_row("write_dvs", "s", "<filename>", "write the scene in dVS format"),

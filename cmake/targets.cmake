@@ -23,3 +23,10 @@ set_target_properties(vesk PROPERTIES ENABLE_EXPORTS ON
 foreach(folder app model view edit fileio plugin)
     include(${CMAKE_SOURCE_DIR}/${folder}/sources.cmake)
 endforeach()
+
+# The public interface alone: what plug-ins are built against, here and from an installed prefix.
+add_library(vesk_plugin INTERFACE)
+add_library(vesk::plugin ALIAS vesk_plugin)
+target_include_directories(vesk_plugin INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>
+    $<INSTALL_INTERFACE:include/vesk>)
+include(${CMAKE_SOURCE_DIR}/cmake/vesk_plugin.cmake)

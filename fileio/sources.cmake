@@ -2,6 +2,7 @@
 target_sources(vesk_core PRIVATE
     fileio/atomic_file.cpp
     fileio/backup.cpp
+    fileio/export_vrml2.cpp
     fileio/file_text.cpp
     fileio/rescue.cpp
     fileio/state_writer.cpp

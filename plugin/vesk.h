@@ -53,6 +53,7 @@
 #include "edit/uvmap.h"
 #include "edit/vertex_use.h"
 #include "edit/weld.h"
+#include "fileio/export_vrml2.h"
 #include "fileio/vesk_reader.h"
 #include "fileio/vesk_writer.h"
 #include "model/alloc.h"

@@ -1,36 +1,16 @@
 // Importers and plug-ins, loaded into the test program as into the real one.
 
-#include "app/crash_guard.h"
+#include "tests/plugin/plugin_test.h"
+
 #include "edit/selection.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
 #include "plugin/importers.h"
-#include "plugin/loader.h"
-#include "tests/support/scene_test.h"
 
 #include <dlfcn.h>
 #include <fstream>
 
 namespace {
-
-std::string plugin_file(const char *name)
-{
-    return std::string(VESK_BINARY_DIR) + "/tests/" + name + ".p";
-}
-
-class Plugins : public SceneTest {
-protected:
-    void SetUp() override
-    {
-        SceneTest::SetUp();
-        crash_guard::forget_faults_for_test();
-    }
-    void TearDown() override
-    {
-        plugins_exit();
-        SceneTest::TearDown();
-    }
-};
 
 TEST_F(Plugins, ASampleInCAddsACommandAndAnImporter)
 {

@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    plugin/images_test.cpp
     plugin/plugin_test.cpp
 )
 
@@ -13,6 +14,7 @@ function(vesk_test_plugin name source)
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     add_dependencies(vesk_tests ${name})
 endfunction()
+add_dependencies(vesk_tests images)
 vesk_test_plugin(sample_plugin sample_plugin.c)
 vesk_test_plugin(plugin_without_exit broken_plugin.c)
 vesk_test_plugin(plugin_refusing broken_plugin.c REFUSES)

@@ -1,0 +1,422 @@
+#include "fileio/export_vrml2.h"
+
+#include "app/filename.h"
+#include "app/messages_internal.h"
+#include "app/numbers.h"
+#include "app/prefs.h"
+#include "fileio/atomic_file.h"
+#include "model/each.h"
+#include "model/flat_mesh.h"
+#include "model/lights.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "view/textures.h"
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+// ---- numbers and texts ----
+
+void append_int(std::string &out, int value)
+{
+    char buffer[12];
+    out.append(buffer, write_int(buffer, value));
+}
+
+void append_g(std::string &out, float value)
+{
+    char buffer[16];
+    out.append(buffer, write_g(buffer, value));
+}
+
+void append_point(std::string &out, float x, float y, float z)
+{
+    append_g(out, x);
+    out += ' ';
+    append_g(out, y);
+    out += ' ';
+    append_g(out, z);
+}
+
+void append_f(std::string &out, float value)
+{
+    char buffer[64];
+    out.append(buffer, static_cast<size_t>(
+                           snprintf(buffer, sizeof buffer, "%f", static_cast<double>(value))));
+}
+
+// A name in a comment stays on its line.
+std::string one_line(const char *text)
+{
+    std::string line = text == nullptr ? "" : text;
+    for (char &c : line)
+        if (c == '\n' || c == '\r')
+            c = ' ';
+    return line;
+}
+
+std::string in_string(const char *text)
+{
+    std::string out;
+    for (const char *p = text; *p != '\0'; ++p) {
+        if (*p == '"' || *p == '\\')
+            out += '\\';
+        out += *p;
+    }
+    return out;
+}
+
+bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
+
+bool is_line(const flat_surface &surface)
+{
+    return surface.type == SURFACE_CLOSED_LINE || surface.type == SURFACE_LINE;
+}
+
+const material &material_at(int index)
+{
+    const int count = vesk_get_num_palette();
+    return *vesk_palette_get_material(index >= 0 && index < count ? index : 0);
+}
+
+// ---- one shape ----
+
+struct shape_t {
+    const object_t *object;
+    const flat_mesh *flat;
+    std::vector<int> surfaces;
+    int material; // of all of the object's surfaces, or -1
+    bool lines;
+};
+
+void append_colour(std::string &out, const char *key, const float *colour)
+{
+    out += key;
+    append_point(out, colour[0], colour[1], colour[2]);
+    out += '\n';
+}
+
+void append_material(std::string &out, const shape_t &shape)
+{
+    if (shape.material < 0) {
+        out += " material Material {  }\n";
+        return;
+    }
+    const material &m = material_at(shape.material);
+    out += " material Material {\n";
+    if (shape.lines) {
+        append_colour(out, "  emissiveColor ", m.diffuse);
+    } else {
+        append_colour(out, "  diffuseColor ", m.diffuse);
+        append_colour(out, "  specularColor ", m.specular);
+        append_colour(out, "  emissiveColor ", m.emissive);
+        out += "  shininess ";
+        append_f(out, m.shininess);
+        out += "\n  transparency ";
+        append_f(out, m.transparency);
+        out += '\n';
+    }
+    out += "}\n";
+}
+
+void append_pair(std::string &out, const char *key, float x, float y)
+{
+    out += key;
+    append_f(out, x);
+    out += ' ';
+    append_f(out, y);
+    out += '\n';
+}
+
+void append_texture(std::string &out, const object_t &object)
+{
+    if (prefs.vrml_output_textures == 0 || object.has_texture == 0)
+        return;
+    const char *name = texture_id_to_name(object.texture);
+    if (name == nullptr)
+        return;
+    out += "texture ImageTexture { url \"" + in_string(vesk_filename_get_file(name)) + "\" }\n";
+    out += "textureTransform TextureTransform {\n";
+    if (object.texture_repeat_x != 1 || object.texture_repeat_y != 1)
+        append_pair(out, "  scale ", object.texture_repeat_x, object.texture_repeat_y);
+    if (object.texture_offset_x != 0 || object.texture_offset_y != 0)
+        append_pair(out, "  translation ", object.texture_offset_x, object.texture_offset_y);
+    out += "}\n";
+}
+
+void append_coordinates(std::string &out, const flat_mesh &flat)
+{
+    out += "coord Coordinate { \npoint [\n";
+    for (const point3_t &p : *flat.positions) {
+        append_point(out, p.x, p.y, p.z);
+        out += '\n';
+    }
+    out += "]\n}\n";
+}
+
+void append_coordinate_indices(std::string &out, const shape_t &shape)
+{
+    out += "\ncoordIndex [\n ";
+    bool first = true;
+    for (const int surface : shape.surfaces) {
+        if (!std::exchange(first, false))
+            out += ",\n ";
+        const std::span<const std::int32_t> corners = shape.flat->surface_corners(surface);
+        for (const std::int32_t corner : corners) {
+            append_int(out, corner);
+            out += ", ";
+        }
+        const flat_surface &record = (*shape.flat->surfaces)[static_cast<size_t>(surface)];
+        if (record.type == SURFACE_CLOSED_LINE && !corners.empty()) {
+            append_int(out, corners[0]);
+            out += ", ";
+        }
+        out += "-1";
+    }
+    out += ']';
+}
+
+// A list of running numbers, one a corner, each surface closed by -1.
+void append_running_indices(std::string &out, const shape_t &shape, const char *head)
+{
+    out += head;
+    int number = 0;
+    bool first = true;
+    for (const int surface : shape.surfaces) {
+        if (!std::exchange(first, false))
+            out += ",\n";
+        for (size_t i = shape.flat->surface_corners(surface).size(); i > 0; --i) {
+            append_int(out, number++);
+            out += ", ";
+        }
+        out += "-1";
+    }
+    out += "]\n";
+}
+
+void append_normals(std::string &out, const shape_t &shape)
+{
+    const flat_mesh &flat = *shape.flat;
+    out += "\nnormal Normal {\n    vector [ \n";
+    int count = 0;
+    bool first = true;
+    for (const int surface : shape.surfaces) {
+        if (!std::exchange(first, false))
+            out += ",\n";
+        const auto place = static_cast<size_t>(surface);
+        const char *separator = "";
+        for (const std::int32_t corner : flat.surface_corners(surface)) {
+            const point3_t &n = (*flat.surfaces)[place].smooth != 0
+                                    ? (*flat.normals)[static_cast<size_t>(corner)]
+                                    : (*flat.face_normals)[place];
+            out += std::exchange(separator, ", ");
+            append_point(out, n.x, n.y, n.z);
+            ++count;
+        }
+    }
+    out += "\n]\n}\n";
+    console_printf("number of normals output = %d\n", count);
+    append_running_indices(out, shape, "\n    normalIndex [ ");
+}
+
+void append_texture_coordinates(std::string &out, const shape_t &shape)
+{
+    const flat_mesh &flat = *shape.flat;
+    out += "\n texCoord TextureCoordinate {\n    point [ \n";
+    const char *separator = "";
+    for (const int surface : shape.surfaces) {
+        const auto place = static_cast<size_t>(surface);
+        for (int i = (*flat.corner_offsets)[place]; i < (*flat.corner_offsets)[place + 1]; ++i) {
+            const flat_uv &at = (*flat.texture_coords)[static_cast<size_t>(i)];
+            out += std::exchange(separator, ", ");
+            append_g(out, at.u);
+            out += ' ';
+            append_g(out, at.v);
+        }
+    }
+    out += "\n]\n}\n";
+    append_running_indices(out, shape, "\n    texCoordIndex [ ");
+}
+
+void append_colours(std::string &out, const shape_t &shape)
+{
+    if (shape.material >= 0)
+        return;
+    out += "\n    color Color { \n    color [ ";
+    const char *separator = "";
+    for (const int surface : shape.surfaces) {
+        const material &m =
+            material_at((*shape.flat->surfaces)[static_cast<size_t>(surface)].material);
+        out += std::exchange(separator, ",\n");
+        append_point(out, m.diffuse[0], m.diffuse[1], m.diffuse[2]);
+    }
+    out += "]\n}\ncolorPerVertex FALSE\n";
+}
+
+void append_shape(std::string &out, const shape_t &shape)
+{
+    if (shape.surfaces.empty())
+        return;
+    out += "Shape {\nappearance Appearance { \n";
+    if (!shape.lines)
+        append_texture(out, *shape.object);
+    append_material(out, shape);
+    out += "}\n";
+    if (shape.lines) {
+        out += "geometry IndexedLineSet {\n";
+    } else {
+        out += "geometry IndexedFaceSet {\nsolid FALSE\ncreaseAngle 0.5\n";
+        if (prefs.vrml_output_normals != 0)
+            out += "\nnormalPerVertex TRUE\n";
+    }
+    append_coordinates(out, *shape.flat);
+    append_coordinate_indices(out, shape);
+    if (!shape.lines && prefs.vrml_output_normals != 0)
+        append_normals(out, shape);
+    if (!shape.lines && prefs.vrml_output_textures != 0)
+        append_texture_coordinates(out, shape);
+    append_colours(out, shape);
+    out += "}\n}\n";
+}
+
+// ---- objects ----
+
+void append_shapes(std::string &out, object_t *object)
+{
+    const flat_ptr flat = object_flat(object);
+    const int same = object_surfaces_find_same_material(object);
+    shape_t lines = {object, flat.get(), {}, same, true};
+    shape_t polygons = {object, flat.get(), {}, same, false};
+    for (int surface = 0; surface < flat->num_surfaces(); ++surface)
+        (is_line((*flat->surfaces)[static_cast<size_t>(surface)]) ? lines : polygons)
+            .surfaces.push_back(surface);
+    append_shape(out, lines);
+    append_shape(out, polygons);
+}
+
+void open_object(std::string &out, object_t *object)
+{
+    out += '\n';
+    if (is_set(object->url))
+        out += "Anchor { url \"" + in_string(object->url) + "\"\nchildren [\n";
+    if (is_set(object->name))
+        out += "# Object \"" + one_line(object->name) + "\" \n";
+    append_shapes(out, object);
+}
+
+void close_object(std::string &out, const object_t *object)
+{
+    if (is_set(object->url))
+        out += "]\n}\n";
+}
+
+// An object with everything below it; no recursion, because trees may be deep.
+void append_object(std::string &out, object_t *top)
+{
+    struct level_t {
+        object_t *object;
+        const listitem *next;
+    };
+    std::vector<level_t> levels;
+    open_object(out, top);
+    levels.push_back({top, top->children});
+    while (!levels.empty()) {
+        level_t &level = levels.back();
+        if (level.next == nullptr) {
+            close_object(out, level.object);
+            levels.pop_back();
+            continue;
+        }
+        auto *child = item_of<object_t>(level.next);
+        level.next = level.next->next;
+        open_object(out, child);
+        levels.push_back({child, child->children});
+    }
+}
+
+void append_lights(std::string &out)
+{
+    for (const object_t *light : each<object_t>(world_lights())) {
+        out += "# Light " + one_line(light->name) + "\nTransform {\n\ttranslation ";
+        append_point(out, light->centre.x, light->centre.y, light->centre.z);
+        out += "\n\tchildren [\n\t\tPointLight\n\t\t{\n\t\ton TRUE\n\t\tintensity 1\n"
+               "\t\tcolor 1 1 1\n\t\t}\n\t\t]\n}\n\n";
+    }
+}
+
+std::vector<object_t *> top_objects()
+{
+    std::vector<object_t *> tops;
+    for (object_t *object : each<object_t>(vesk_get_world()->children))
+        if (object->type != OBJECT_LIGHT)
+            tops.push_back(object);
+    return tops;
+}
+
+void append_prototypes_comment(std::string &out, const std::string &filename)
+{
+    std::string group = "#Group { children [ ";
+    for (const object_t *object : top_objects()) {
+        const std::string name = one_line(object->name);
+        out += "#EXTERNPROTO " + name + " [] \"" + filename + "#" + name + "\"\n";
+        group += name + " {} ";
+    }
+    out += group + "]}\n\n";
+}
+
+std::string world_text(const std::string &filename, bool prototypes)
+{
+    std::string out = "#VRML V2.0 utf8\n\n";
+    if (prototypes)
+        append_prototypes_comment(out, filename);
+    else
+        out += "Group {\nchildren [\n";
+    append_lights(out);
+    for (object_t *object : top_objects()) {
+        if (prototypes)
+            out += "PROTO " + one_line(object->name) + " [] {\n";
+        append_object(out, object);
+        if (prototypes)
+            out += "}\n\n";
+    }
+    if (!prototypes)
+        out += "]\n}\n";
+    return out;
+}
+
+int write_world(const char *filename, bool prototypes)
+{
+    const std::string name = filename; // the messages let scripts run
+    console_printf("Generating VRML (%s, %s)\n",
+                   prefs.vrml_output_normals != 0 ? "with normals" : "no normals",
+                   prefs.vrml_output_textures != 0 ? "with texture support" : "no texture support");
+    if (!atomic_file_write(name.c_str(), world_text(name, prototypes))) {
+        console_printf("can't open file for writing\n");
+        display_message("can't open file '%s' for writing", name.c_str());
+        return 0;
+    }
+    console_printf("written file %s\n", name.c_str());
+    display_message("written file %s", name.c_str());
+    return 1;
+}
+
+} // namespace
+
+int object_surfaces_find_same_material(const object_t *object)
+{
+    int same = -1;
+    for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+        if (same >= 0 && surface->material != same)
+            return -1;
+        same = surface->material;
+    }
+    return same;
+}
+
+// ---- commands ----
+
+int write_vrml2(const char *filename) { return write_world(filename, false); }
+
+int write_vrml2_proto(const char *filename) { return write_world(filename, true); }
