@@ -54,7 +54,7 @@ VESK_API void set_busy_cursor(int on);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 #include <span>
 #include <string_view>

@@ -25,7 +25,7 @@ VESK_API const char *command_result_appendf(const char *format, ...) VESK_PRINTF
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 #include <string>
 #include <string_view>

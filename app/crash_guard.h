@@ -10,7 +10,7 @@ VESK_API const char *vesk_exception_get_message(unsigned code);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 #include "app/session_state.h"
 

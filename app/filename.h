@@ -29,7 +29,7 @@ VESK_API int vesk_file_exists(const char *filename);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 /* "/..." or "\..." or a drive letter: not joined to a folder. */
 bool filename_is_absolute(const char *filename);
 #endif

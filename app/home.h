@@ -10,7 +10,7 @@ VESK_API const char *vesk_get_vesk_homedir(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // A linked script text: its address is handed to the interpreter, which may replace the text.
 char **vesk_homedir_address();
 void vesk_set_homedir(const char *directory);

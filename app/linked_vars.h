@@ -14,7 +14,7 @@ VESK_API void ui_update_linked_vars(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 #include <span>
 

@@ -46,7 +46,7 @@ VESK_API const char *prefs_get_prefs_filename(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 #include <span>
 

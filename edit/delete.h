@@ -26,7 +26,7 @@ VESK_API void remove_selected_surfaces(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // delete_selected with another label: the word of its messages and of its undo.
 void delete_selection(const char *label);
 #endif

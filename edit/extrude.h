@@ -34,7 +34,7 @@ VESK_API surface_t *surface_clone_translate(object_t *object, const surface_t *s
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Command "extrude": the selected whole surfaces by a vector. One whole-model undo, "extrude".
 void command_extrude(float dx, float dy, float dz);
 #endif

@@ -43,7 +43,7 @@ VESK_API int mode_is_selectable(int mode);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 int draw_mode();
 const char *select_mode_name(int mode); // null for an unknown code

@@ -10,7 +10,7 @@ VESK_API void show_all(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 // Hiding and locking, by whole objects: in surface and vertex mode the owners of what is selected.
 // Hidden and locked objects leave the selection; the script variables objects_are_hidden and

@@ -73,7 +73,7 @@ VESK_API object_t *create_regular_sphere(const point3_t *centre);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Handler of "new_cube": a unit cube at the origin under the world; the result is its identity.
 void command_new_cube();
 #endif

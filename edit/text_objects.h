@@ -27,7 +27,7 @@ VESK_API void add_text(const char *text);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 void text_objects_reset_for_test();
 #endif
 

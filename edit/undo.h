@@ -103,12 +103,14 @@ VESK_API void clear_all_undos(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Linked as the script variable undo_count.
 int *undo_count_address();
 // Label of the newest record, null for none.
 const char *undo_label();
+#endif
 
+#ifdef __cplusplus
 // For objects with perform() and undo(), made with `new`: they are deleted with their record.
 template <class Operation>
 void add_undoable_object(const char *description, Operation *operation)

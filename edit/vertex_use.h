@@ -18,7 +18,7 @@ VESK_API int object_replace_surfaceref(object_t *object, const vertex *from, ver
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 #include "model/flat_mesh.h"
 

@@ -20,7 +20,7 @@ VESK_API object_t *readfile_vesk_old2(const char *filename);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Complaints about faulty lines of the last load, for the import report: their number and the first
 // of them ("" for none).
 int vesk_reader_complaints();

@@ -24,7 +24,7 @@ VESK_API int output_string(FILE *stream, const char *text);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 #include <string>
 // What write_vesk_object writes, as a text; tells nothing.
 std::string vesk_object_text(object_t *object);

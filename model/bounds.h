@@ -15,7 +15,7 @@ VESK_API void object_calculate_centre(object_t *object);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 constexpr float bounds_start = 3.4028e38f;
 

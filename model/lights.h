@@ -13,7 +13,7 @@ VESK_API void register_light(object_t *light);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // All light objects of the world, in tree order; rebuilt after changes of the tree. Owned here.
 listitem *world_lights();
 #endif

@@ -66,7 +66,7 @@ VESK_API float points_dist(const point3_t *a, const point3_t *b);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 const float *global_matrix();
 void matrix_set_identity(float *m);
 #endif

@@ -44,7 +44,7 @@ VESK_API const char *vesk_object_get_prop_value(const object_t *object, const ch
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Frees all records and nodes.
 void proplist_free(listitem **list);
 // Takes the first property of that name out; returns 1, or 0 when there is none.

@@ -13,7 +13,7 @@ VESK_API object_t *vesk_get_world(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 void world_reset_for_test();
 #endif
 

@@ -40,7 +40,7 @@ VESK_API void vesk_register_internal_surface_filters(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 void filters_reset_for_test();
 #endif
 

@@ -60,7 +60,7 @@ VESK_API void command_load_vesk(const char *filename);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Links a tree that an importer returned; 0 for null.
 int world_adopt_import(object_t *object);
 void importers_reset_for_test();

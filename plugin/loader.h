@@ -33,7 +33,7 @@ VESK_API const char *vesk_get_plugin_info_all(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Calls the exit entry points, newest plug-in first.
 void plugins_exit();
 #endif

@@ -25,7 +25,7 @@ VESK_API void file_select_background_image(int view);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 void command_set_texture_repeats(float x, float y);
 void command_set_texture_offsets(float x, float y);
 void command_clear_background_image(int view);

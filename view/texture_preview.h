@@ -3,7 +3,7 @@
 
 #include "view/textures.h"
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 #include <vector>
 #endif
 
@@ -15,7 +15,7 @@ VESK_API void window_draw_texture(int id, const char *window);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // An image scaled to a size, as rows of RGB from the top; what shines through shows a checker.
 std::vector<unsigned char> image_scaled(const VESKImage &image, int width, int height);
 

@@ -91,7 +91,7 @@ VESK_API void object_texture_clear(object_t *object);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // The property that keeps the name of a texture that was not found.
 constexpr const char *missing_texture_property = "missing_texture";
 // The name of a texture that was not found when the object was loaded, or null.

@@ -2,13 +2,19 @@
 
 #include "tests/plugin/plugin_test.h"
 
+#include "app/home.h"
+#include "app/messages_internal.h"
 #include "edit/selection.h"
+#include "model/each.h"
+#include "model/object_tree.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
+#include "plugin/filters.h"
 #include "plugin/importers.h"
+#include "view/textures.h"
 
-#include <dlfcn.h>
-#include <fstream>
+#include <algorithm>
+#include <filesystem>
 
 namespace {
 
@@ -120,6 +126,141 @@ TEST_F(Plugins, DialogsGetTheirFiltersAsAList)
     EXPECT_EQ(recording().scripts.back(),
               "get_importfilename \"Load \\[it\\]\" \"\\{Geometry\\\\ files .vesk\\} "
               "\\{VESK\\\\ files .vesk\\} \\{All\\\\ files *\\}\"");
+}
+
+// ---- what plug-ins throw, shadow and replace ----
+
+TEST_F(Plugins, ExceptionsOfOneCostDialogs)
+{
+    const std::string path = plugin_file("plugin_throwing");
+    EXPECT_EQ(plugin_load(path.c_str()), 0);
+    EXPECT_EQ(recording().boxes.back(), "Error loading plugin - " + path +
+                                            "\nfault in VESKPluginInit: an initialisation that "
+                                            "throws");
+    crash_guard::forget_faults_for_test();
+    EXPECT_EQ(plugin_load(path.c_str()), 1);
+    EXPECT_NE(recording().boxes.back().find("an info that throws"), std::string::npos);
+    EXPECT_EQ(run("sample_throw"), "");
+    EXPECT_NE(recording().boxes.back().find("a command that throws"), std::string::npos);
+    EXPECT_EQ(run("get_plugin_about", path), "");
+    crash_guard::forget_faults_for_test();
+    plugins_exit();
+    EXPECT_NE(recording().boxes.back().find("fault in VESKPluginExit"), std::string::npos);
+}
+
+class BusyPlugin : public Plugins {
+protected:
+    void SetUp() override
+    {
+        Plugins::SetUp();
+        filters_reset_for_test();
+        textures_reset_for_test();
+        ASSERT_EQ(plugin_load(plugin_file("plugin_busy").c_str()), 1);
+    }
+    void TearDown() override
+    {
+        Plugins::TearDown();
+        filters_reset_for_test();
+        textures_reset_for_test();
+    }
+};
+
+TEST_F(BusyPlugin, ShadowsCommandsAndReplacesImporters)
+{
+    EXPECT_EQ(run("get_platform"), "mine");
+    EXPECT_EQ(run("file_load", "a.vesk"), "0");
+    EXPECT_EQ(last_message(), "not today: a.vesk");
+    EXPECT_EQ(run("add_new_texture", "x.grey"), "0");
+    EXPECT_EQ(texture_id_to_image(0)->data[3], 180);
+}
+
+TEST_F(BusyPlugin, AddsMenuEntries)
+{
+    const std::vector<std::string> wanted = {
+        "add_surface_menu_item \"Fan\" \"vesk execute_surface_filter surface_filter_1\" \"Makes "
+        "triangles.\"",
+        "add_surface_menu_item \"Count \\[x\\]\" \"vesk execute_surface_filter "
+        "surface_filter_2\" \"\"",
+        "add_export_menu_item \"Grey...\" \"vesk filter_calls\"",
+        ".mbar.file.menu add command -label \"A \\\"label\\\"\" -command \"vesk filter_calls\"",
+    };
+    for (const std::string &script : wanted)
+        EXPECT_EQ(std::count(recording().scripts.begin(), recording().scripts.end(), script), 1)
+            << script;
+    EXPECT_TRUE(recording().boxes[0].starts_with(
+        "vesk_add_import_menu_item has been called from a plugin\n\nthis function is no longer"));
+}
+
+TEST_F(BusyPlugin, FiltersRunOnSurfacesAndObjects)
+{
+    run("execute_surface_filter", "surface_filter_1");
+    EXPECT_EQ(last_message(), "no surfaces selected");
+    run("execute_surface_filter", "nothing");
+    EXPECT_EQ(recording().boxes.back(), "No surface filter named 'nothing' found.");
+
+    object_t *square = add_square(1);
+    add_cube("cube");
+    run("set_select_mode", "surface");
+    select_surface(item_of<surface_t>(square->surfaces));
+    run("execute_surface_filter", "surface_filter_2");
+    EXPECT_EQ(run("filter_calls"), "1");
+    EXPECT_EQ(last_undo(), "selection"); // of the change of mode
+    EXPECT_EQ(last_message(), "Count \\[x\\] - done");
+
+    run("execute_surface_filter", "surface_filter_1"); // removes what it is called for
+    EXPECT_EQ(square->num_surfaces, 2);
+    EXPECT_EQ(last_undo(), "Fan");
+
+    run("set_select_mode", "object");
+    run("select_all");
+    run("execute_surface_filter", "surface_filter_2");
+    EXPECT_EQ(run("filter_calls"), "9"); // two triangles and six sides
+    run("execute_surface_filter", "surface_filter_1");
+    EXPECT_EQ(get_current_object(), nullptr);
+    EXPECT_EQ(run("get_counts").substr(0, 5), "2 2 1");
+    run("undo");
+    EXPECT_EQ(run("get_counts").substr(0, 5), "0 2 0");
+}
+
+TEST_F(BusyPlugin, AFaultInAFilterCostsADialogAndKeepsTheModel)
+{
+    select_object(add_cube("cube"));
+    run("execute_surface_filter", "surface_filter_3");
+    EXPECT_TRUE(recording().boxes.back().starts_with(
+        "Exception occured in command execute_surface_filter"));
+    EXPECT_EQ(run("model_state").empty(), false);
+    EXPECT_EQ(object_get_kid_at(vesk_get_world(), 0)->num_surfaces, 6);
+}
+
+TEST_F(Plugins, ThoseOfTheHomeFolderAreLoadedByName)
+{
+    const std::string home = temporary_file("home");
+    std::filesystem::create_directories(home + "/plugins");
+    const std::string before = vesk_get_vesk_homedir();
+    vesk_set_homedir(home.c_str());
+    set_debug_mode(true);
+    load_all_plugins();
+    EXPECT_NE(recording().console.find("can't open any plugins " + home + "/plugins\n"),
+              std::string::npos);
+    const auto put = [&](const char *plugin, const char *name) {
+        std::filesystem::copy_file(plugin_file(plugin), home + "/plugins/" + name);
+    };
+    put("sample_plugin", "b.p");
+    put("plugin_without_exit", "a.p");
+    put("plugin_busy", "c.p");
+    write_text(home + "/plugins/d.p", "no library");
+    write_text(home + "/plugins/readme.txt", "no plug-in");
+    load_all_plugins();
+    set_debug_mode(false);
+    vesk_set_homedir(before.c_str());
+    filters_reset_for_test();
+    textures_reset_for_test();
+
+    EXPECT_EQ(run("get_plugin_list"),
+              "\"" + home + "/plugins/b.p\" \"" + home + "/plugins/c.p\" \n");
+    EXPECT_NE(recording().console.find("plugin " + home + "/plugins/b.p OK!\n"), std::string::npos);
+    EXPECT_NE(recording().console.find("file too short"), std::string::npos);
+    EXPECT_EQ(recording().boxes.size(), 3U); // without exit, retired menu call, no library
 }
 
 } // namespace

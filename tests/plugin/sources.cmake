@@ -19,3 +19,7 @@ vesk_test_plugin(sample_plugin sample_plugin.c)
 vesk_test_plugin(plugin_without_exit broken_plugin.c)
 vesk_test_plugin(plugin_refusing broken_plugin.c REFUSES)
 vesk_test_plugin(plugin_faulting broken_plugin.c FAULTS)
+vesk_test_plugin(plugin_throwing throwing_plugin.cpp)
+vesk_test_plugin(plugin_busy busy_plugin.c)
+add_test(NAME plugin_sdk COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/plugin/sdk_test.sh ${CMAKE_SOURCE_DIR}
+    ${CMAKE_BINARY_DIR} $<TARGET_FILE:vesk>)

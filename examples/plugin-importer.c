@@ -1,7 +1,5 @@
-/* A plug-in with an importer, a command and a menu entry.
-
-   The importer reads ".heights" files: the number of columns and rows, then that many heights, row
-   by row from the back. The command "stand_on y" sets the selected objects on a height. */
+/* An importer: ".heights" files hold the number of columns and rows, then that many heights, row by
+   row from the back. */
 
 #include <plugin/vesk.h>
 #include <stdio.h>
@@ -71,38 +69,13 @@ static object_t *import_heights(const char *filename)
     return object;
 }
 
-/* Moves each selected object, with undo, and answers with how many there were. */
-static void stand_on(float y)
-{
-    listitem *objects = 0;
-    int count = 0;
-    vesk_get_current_selection(0, 0, &objects);
-    new_undo(UNDO_POSITIONS, "stand on");
-    set_undo_vertex_positions(0, objects);
-    for (; objects; objects = objects->next, ++count) {
-        object_t *object = (object_t *)objects->data;
-        const point3_t lowest = find_object_min(object);
-        const point3_t offset = {0, y - lowest.y, 0};
-        translate_object(object, &offset);
-    }
-    find_bounding_box();
-    redraw_all();
-    display_status();
-    display_message("%d objects stand on %g", count, (double)y);
-    command_result_append_int(count);
-}
-
 int VESKPluginInit(void)
 {
-    vesk_register_file_importer(".heights", "Height grids", import_heights, "heights 1.0");
-    vesk_add_command_full("stand_on", (vesk_command_func_t)stand_on, 1, "f", "<float y>",
-                          "set the selected objects on a height");
-    vesk_add_tools_menu_item("Stand on the ground", "vesk stand_on 0",
-                             "Sets the selected objects on y = 0.");
-    return 1;
+    return vesk_register_file_importer(".heights", "Height grids", import_heights, "heights 1.0") !=
+           0;
 }
 
 void VESKPluginExit(void) {}
 
 const char *VESKPluginInfo(void) { return "heights 1.0"; }
-const char *VESKPluginAbout(void) { return "Reads height grids and sets objects on the ground."; }
+const char *VESKPluginAbout(void) { return "Reads grids of heights as smooth surfaces."; }

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Plug-ins are built outside the tree, against an installed prefix alone: by the CMake package and by
+# pkg-config, in C99 and in C++11 with all warnings as errors. What comes out is loaded.
+#   sdk_test.sh SOURCE BUILD PROGRAM
+set -euo pipefail
+source=$1 build=$2 program=$3
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cmake --install "$build" --component sdk --prefix "$work/prefix" >"$work/log" || { cat "$work/log"; exit 1; }
+mv "$work/prefix" "$work/moved" # it can be anywhere
+
+mkdir "$work/project"
+cp "$source"/examples/plugin-* "$work/project"
+cat >"$work/project/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.18)
+project(my_plugins C CXX)
+find_package(vesk 3 REQUIRED)
+foreach(name command importer filter)
+    vesk_add_plugin(plugin-${name} plugin-${name}.c)
+endforeach()
+vesk_add_plugin(plugin-menu plugin-menu.cpp)
+file(WRITE ${CMAKE_BINARY_DIR}/folder ${VESK_PLUGIN_DIR})
+END
+cmake -S "$work/project" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/moved" \
+    -DCMAKE_C_FLAGS="-Wall -Wextra -Wpedantic -Werror" >"$work/log" || { cat "$work/log"; exit 1; }
+cmake --build "$work/build" >"$work/log" || { cat "$work/log"; exit 1; }
+[ "$(cat "$work/build/folder")" = "$work/moved/lib/vesk/plugins" ]
+"$program" -noplugins -batch "$source/tests/tcl/example_plugins.tcl" "$work/build" "$work"
+
+export PKG_CONFIG_PATH=$work/moved/lib/pkgconfig
+flags=$(pkg-config --cflags vesk)
+strict="-Wall -Wextra -Wpedantic -Wundef -Wshadow -Werror"
+cc -std=c99 $strict $flags -shared "$source/examples/plugin-command.c" -o "$work/by_hand.p"
+c++ -std=c++11 $strict $flags -shared "$source/examples/plugin-menu.cpp" -o "$work/menu_by_hand.p"
+[ "$(pkg-config --variable=plugindir vesk)" = "$work/moved/lib/pkgconfig/../../lib/vesk/plugins" ]
+printf 'vesk plugin_load %s/by_hand.p\nvesk plugin_load %s/menu_by_hand.p\nputs [vesk count_triangles]' \
+    "$work" "$work" >"$work/load.tcl"
+[ "$("$program" -noplugins -batch "$work/load.tcl" 2>/dev/null)" = 0 ]
+echo "plug-ins build from an installed prefix"
