@@ -2,6 +2,7 @@
 // there, and messages go to standard error.
 #include "app/bridge_tk.h"
 #include "app/clipboard_tk.h"
+#include "app/programs_tk.h"
 #include "app/ui_port.h"
 #include "view/views_tk.h"
 
@@ -206,12 +207,6 @@ bool start_detached(const char *const *arguments)
     return true;
 }
 
-bool port_start_program(const char *command_line)
-{
-    const char *const arguments[] = {"/bin/sh", "-c", command_line, nullptr};
-    return !bridge.batch && start_detached(arguments);
-}
-
 bool port_open_address(const char *url)
 {
     const char *const arguments[] = {"xdg-open", url, nullptr};
@@ -251,10 +246,11 @@ void bridge_install_port(bool batch)
     port.pump_events = port_pump_events;
     port.update = port_update;
     port.now_seconds = port_now_seconds;
-    port.start_program = port_start_program;
     port.open_address = port_open_address;
     if (!batch) {
+        port.start_program = programs_tk_start;
         port.clipboard_offer = clipboard_tk_offer;
+        port.clipboard_offer_picture = clipboard_tk_offer_picture;
         port.clipboard_get = clipboard_tk_get;
         port.window_geometry = port_window_geometry;
         views_tk_fill_port(port);

@@ -4,6 +4,7 @@
 #include "app/command_handlers.h"
 #include "app/command_row.h"
 #include "app/command_watch.h"
+#include "app/desktop.h"
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "app/session_state.h"
@@ -14,10 +15,12 @@
 #include "edit/extrude_path.h"
 #include "edit/group.h"
 #include "edit/holes.h"
+#include "edit/hull.h"
 #include "edit/make_surface.h"
 #include "edit/modes.h"
 #include "edit/object_flags.h"
 #include "edit/optimize.h"
+#include "edit/pieces.h"
 #include "edit/primitives.h"
 #include "edit/revolve.h"
 #include "edit/selection.h"
@@ -41,6 +44,7 @@
 #include "view/keys.h"
 #include "view/redraw.h"
 #include "view/texture_preview.h"
+#include "view/view_picture.h"
 #include "view/views.h"
 
 namespace {
@@ -69,13 +73,13 @@ vesk_command_t rows[] = {
     command_row("clipboard_cut", command_clipboard_cut, nullptr, "cut the selection to the clipboard"),
     command_row("clipboard_paste", command_clipboard_paste, nullptr, "paste from the clipboard"),
     command_row("clone_selection", command_clone_selection, nullptr, "clone the selection in place, returns the new object ids"),
-    pending_row("convexhull", nullptr, nullptr, "convex hull of the selected vertices"),
-    pending_row("copy_3d_win_to_clipboard", nullptr, nullptr, "copy the 3D view to the clipboard"),
+    command_row("convexhull", command_convexhull, nullptr, "convex hull of the selected vertices"),
+    command_row("copy_3d_win_to_clipboard", command_copy_3d_win_to_clipboard, nullptr, "copy the 3D view to the clipboard"),
     command_row("createsurface", command_createsurface, "<int type (0 polygon, 1 closed line, 2 line)>", "create a surface from the selected vertices"),
     command_row("create_text", add_text, "<string text>"),
-    pending_row("delaunay", nullptr, nullptr, "delaunay triangulation of the selected vertices"),
+    command_row("delaunay", command_delaunay, nullptr, "delaunay triangulation of the selected vertices"),
     command_row("edit_palette_entry", edit_palette_entry, "<int entrynum>", "open the material editor"),
-    pending_row("execute", "s", "<string system-command>"),
+    command_row("execute", system_execute, "<string system-command>"),
     command_row("extrude_along_path", vesk_extrude_along_path, nullptr, "extrude along the defined path"),
     command_row("define_extrude_path", vesk_define_path_object, nullptr, "define the selected object as the extrusion path"),
     command_row("delete", delete_selected, nullptr, "delete the selection"),
@@ -119,14 +123,14 @@ vesk_command_t rows[] = {
     command_row("load_background_image", load_background_image, "<filename> <windownum>", "Load named picture file into the bcakground of window"),
     command_row("lock_selected", command_lock_selected, nullptr, "lock the selection"),
     command_row("lock_unselected", command_lock_unselected, nullptr, "lock everything else"),
-    pending_row("menu_about", nullptr, nullptr, "show the about box"),
+    command_row("menu_about", command_menu_about, nullptr, "show the about box"),
     command_row("mirror", mirror_selected, "<int axis>", "mirror the selection"),
     command_row("move", move_selection_f, "<float x> <float y> <float z>", "translate selection (relative)"),
     command_row("move_to", selection_move_to_f, "<float x> <float y> <float z>", "translate selection (absolute - based on centre point)"),
     command_row("new_cube", command_new_cube, nullptr, "add a regular cube centred at the origin"),
     command_row("new_palette_entry", command_new_palette_entry, "<int entrynum>", "append a copy of a palette entry, returns its index"),
     command_row("prefs_set_defaults", command_prefs_set_defaults, nullptr, "set all preferences to their defaults"),
-    pending_row("object_explode", nullptr, nullptr, "one object for each surface"),
+    command_row("object_explode", command_object_explode, nullptr, "one object for each surface"),
     command_row("object_get_children", command_object_get_children, "<int object_id>", "returns the ids of the children"),
     command_row("object_get_name", command_object_get_name, "<int object_id>", "returns the name"),
     command_row("object_get_surfaces", command_object_get_surfaces, "<int object_id>", "returns list of surface ids"),
@@ -135,8 +139,8 @@ vesk_command_t rows[] = {
     command_row("object_get_url", command_object_get_url, "<int object_id>", "returns the url"),
     command_row("object_get_data", command_object_get_data, "<int object_id>", "returns the data"),
     command_row("object_set_data", command_object_set_data, "<int object_id> <string data>", "set object data"),
-    pending_row("object_fragment", nullptr, nullptr, "one object for each connected piece"),
-    pending_row("object_merge", nullptr, nullptr, "merge the selected objects"),
+    command_row("object_fragment", command_object_fragment, nullptr, "one object for each connected piece"),
+    command_row("object_merge", command_object_merge, nullptr, "merge the selected objects"),
     command_row("object_move_to_head", tcl_object_move_to_head, "<int objectid>", "move object to the head in it's parents list of children"),
     command_row("object_recentre", command_object_recentre, nullptr, "set the centre to the middle of the box"),
     command_row("object_is_selected", command_object_is_selected, "<int object_id>", "returns 1 when the object is selected"),
@@ -198,7 +202,7 @@ vesk_command_t rows[] = {
     command_row("snaptogetherdistance", selected_snap_together_distance, "<dist>", "snap vertices together by distance"),
     command_row("snaptogrid", selected_snap_to_grid, nullptr, "move all selected vertices to closest grid point"),
     command_row("surface_bevel", selected_surfaces_bevel, nullptr, "bevel the selected surfaces"),
-    pending_row("start_web_browser", "s", "<string url>", "start up a web browser with this URL"),
+    command_row("start_web_browser", start_web_browser, "<string url>", "start up a web browser with this URL"),
     command_row("surface_change_vertex_order", command_surface_change_vertex_order, nullptr, "change the first vertex of the selected surfaces"),
     command_row("surface_create_object", command_surface_create_object, nullptr, "make an object of the selected surfaces"),
     command_row("surface_flip_normals", command_surface_flip_normals, nullptr, "reverse the selected surfaces"),

@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     app/added_commands.cpp
     app/added_history.cpp
     app/added_safety.cpp
+    app/aside.cpp
     app/command_handlers.cpp
     app/command_registry.cpp
     app/command_result.cpp
@@ -12,6 +13,7 @@ target_sources(vesk_core PRIVATE
     app/coor_display.cpp
     app/crash_guard.cpp
     app/current_file.cpp
+    app/desktop.cpp
     app/entry_guard.cpp
     app/filename.cpp
     app/home.cpp
@@ -33,4 +35,5 @@ target_sources(vesk PRIVATE
     app/bridge_port_tk.cpp
     app/icon_image_tk.cpp
     app/main.cpp
+    app/programs_tk.cpp
 )

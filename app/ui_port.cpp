@@ -38,12 +38,14 @@ const ui_port_t silent_port = {
     .photo_put = [](const char *, int, int, const unsigned char *) { return false; },
     .set_cursor = [](int, const char *) {},
     .window_geometry = [](int, int *) { return false; },
+    .read_pixels = [](int, int *, std::vector<unsigned char> *) { return false; },
     .pump_events = [] {},
     .update = [] {},
     .now_seconds = [] { return 0.0; },
-    .start_program = [](const char *) { return false; },
+    .start_program = [](const char *, void (*)(const char *, int)) { return false; },
     .open_address = [](const char *) { return false; },
     .clipboard_offer = [](std::string_view (*)()) { return false; },
+    .clipboard_offer_picture = [](std::string_view) { return false; },
     .clipboard_get = []() -> const char * { return nullptr; },
 };
 
@@ -87,11 +89,13 @@ void ui_port_install(const ui_port_t &port)
     keep_start_value(installed.photo_put, s.photo_put);
     keep_start_value(installed.set_cursor, s.set_cursor);
     keep_start_value(installed.window_geometry, s.window_geometry);
+    keep_start_value(installed.read_pixels, s.read_pixels);
     keep_start_value(installed.pump_events, s.pump_events);
     keep_start_value(installed.update, s.update);
     keep_start_value(installed.now_seconds, s.now_seconds);
     keep_start_value(installed.start_program, s.start_program);
     keep_start_value(installed.open_address, s.open_address);
+    keep_start_value(installed.clipboard_offer_picture, s.clipboard_offer_picture);
     keep_start_value(installed.clipboard_offer, s.clipboard_offer);
     keep_start_value(installed.clipboard_get, s.clipboard_get);
 }

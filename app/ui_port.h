@@ -6,6 +6,7 @@
 // preferences are first set, tests install one that records.
 
 #include <string_view>
+#include <vector>
 
 struct VESKImage;
 
@@ -44,6 +45,8 @@ struct ui_port_t {
     bool (*photo_put)(const char *photo, int width, int height, const unsigned char *rgb);
     void (*set_cursor)(int view, const char *tk_cursor); // null: the view's default cursor
     bool (*window_geometry)(int view, int out_xywh[4]);  // false when there is no window
+    // Draws a view and fetches its pixels: rows of RGB from the top.
+    bool (*read_pixels)(int view, int out_wh[2], std::vector<unsigned char> *rgb);
 
     // ---- time ----
     void (*pump_events)();   // until none is pending
@@ -51,10 +54,13 @@ struct ui_port_t {
     double (*now_seconds)(); // monotonic
 
     // ---- desktop ----
-    bool (*start_program)(const char *command_line);
+    // Runs it in the user's shell and goes on; `ended` gets the exit status, or minus the signal.
+    bool (*start_program)(const char *command_line, void (*ended)(const char *line, int status));
     bool (*open_address)(const char *url);
     // Offers a text to other programs: it is asked for when one of them wants it.
     bool (*clipboard_offer)(std::string_view (*text)());
+    // Offers a picture: the bytes of a PNG file, which are copied.
+    bool (*clipboard_offer_picture)(std::string_view png);
     // The text another program offers; null for none, and while our own offer stands.
     const char *(*clipboard_get)();
 };

@@ -14,6 +14,7 @@ target_sources(vesk_core PRIVATE
     edit/geometry_image.cpp
     edit/group.cpp
     edit/holes.cpp
+    edit/hull.cpp
     edit/journal.cpp
     edit/link_surfaces.cpp
     edit/make_surface.cpp
@@ -30,6 +31,7 @@ target_sources(vesk_core PRIVATE
     edit/optimize.cpp
     edit/outline.cpp
     edit/position_index.cpp
+    edit/pieces.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
     edit/region_sweep.cpp

@@ -1,15 +1,20 @@
 #include "edit/surface_copy.h"
 
 #include "model/each.h"
-#include "model/flat_mesh.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/object_internal.h"
 #include "model/owners.h"
 
+#include <algorithm>
+
 namespace {
 
-void copy_header(object_t *to, const object_t *from)
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+} // namespace
+
+void object_copy_header(object_t *to, const object_t *from)
 {
     object_set_name(to, from->name);
     to->has_texture = from->has_texture;
@@ -22,33 +27,48 @@ void copy_header(object_t *to, const object_t *from)
     matrix_copy(from->rotation, to->rotation);
 }
 
-object_t *copy_some(object_t *owner, const std::vector<int> &wanted)
+surface_copier::surface_copier(object_t *owner)
+    : owner_(owner), mesh_(object_flat(owner)), copies_(place(mesh_->num_vertices()))
 {
-    const flat_ptr mesh = object_flat(owner);
-    object_t *copy = new_object(OBJECT_POLY);
-    copy_header(copy, owner);
-    std::vector<vertex *> copies(static_cast<size_t>(mesh->num_vertices()), nullptr);
-    for (const int index : wanted) {
-        const auto i = static_cast<size_t>(index);
-        surface_t *surface = new_surface();
-        surface_copy_record(surface, (*mesh->surface_records)[i]);
-        object_add_surface(copy, surface);
-        auto corner = static_cast<size_t>((*mesh->corner_offsets)[i]);
-        for (const int at : mesh->surface_corners(index)) {
-            vertex *&v = copies[static_cast<size_t>(at)];
-            if (v == nullptr) {
-                const point3_t &p = (*mesh->positions)[static_cast<size_t>(at)];
-                v = object_add_new_vertex(copy, p.x, p.y, p.z);
-            }
-            const flat_uv &uv = (*mesh->texture_coords)[corner++];
-            surface_add_vertex(surface, v, uv.u, uv.v);
-        }
-    }
-    object_calc_vertex_normals(copy);
-    return copy;
 }
 
-} // namespace
+object_t *surface_copier::copy(std::span<const int> surfaces, std::span<const int> loose)
+{
+    object_t *made = new_object(OBJECT_POLY);
+    object_copy_header(made, owner_);
+    std::vector<int> used(loose.begin(), loose.end());
+    for (const int surface : surfaces) {
+        const auto corners = mesh_->surface_corners(surface);
+        used.insert(used.end(), corners.begin(), corners.end());
+    }
+    std::sort(used.begin(), used.end());
+    used.erase(std::unique(used.begin(), used.end()), used.end());
+    listitem *last = nullptr;
+    for (const int v : used) {
+        vertex *&twin = copies_[place(v)];
+        twin = vertex_clone((*mesh_->vertex_records)[place(v)]);
+        last = list_add_item_fast(&made->vertices, last, twin);
+    }
+    made->num_vertices = static_cast<int>(used.size());
+
+    last = nullptr;
+    for (const int surface : surfaces) {
+        surface_t *twin = new_surface();
+        surface_copy_record(twin, (*mesh_->surface_records)[place(surface)]);
+        auto corner = place((*mesh_->corner_offsets)[place(surface)]);
+        listitem *last_corner = nullptr;
+        for (const int v : mesh_->surface_corners(surface)) {
+            const flat_uv &uv = (*mesh_->texture_coords)[corner++];
+            last_corner = list_add_item_fast(&twin->refs, last_corner,
+                                             new_svertex(copies_[place(v)], uv.u, uv.v));
+            ++twin->num_refs;
+        }
+        last = list_add_item_fast(&made->surfaces, last, twin);
+    }
+    made->num_surfaces = static_cast<int>(surfaces.size());
+    object_calc_vertex_normals(made);
+    return made;
+}
 
 std::vector<object_t *> objects_of_surfaces(const listitem *surfaces)
 {
@@ -56,6 +76,6 @@ std::vector<object_t *> objects_of_surfaces(const listitem *surfaces)
     if (surfaces == nullptr)
         return objects;
     for (const owned_elements &owned : surfaces_by_owner(surfaces))
-        objects.push_back(copy_some(owned.object, owned.indices));
+        objects.push_back(surface_copier(owned.object).copy(owned.indices));
     return objects;
 }

@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     fileio/backup.cpp
     fileio/export_vrml2.cpp
     fileio/file_text.cpp
+    fileio/image_png.cpp
     fileio/rescue.cpp
     fileio/state_writer.cpp
     fileio/tree_reader.cpp

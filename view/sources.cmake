@@ -27,6 +27,7 @@ target_sources(vesk_core PRIVATE
     view/tool_create.cpp
     view/tool_left.cpp
     view/tool_select.cpp
+    view/view_picture.cpp
     view/views.cpp
 )
 target_sources(vesk PRIVATE

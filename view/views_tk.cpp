@@ -266,6 +266,7 @@ void views_tk_fill_port(ui_port_t &port)
     };
     port.draw_now = draw_now;
     port.make_current = platform_make_window_current;
+    port.read_pixels = views_tk_read_pixels;
     port.swap_buffers = [](int view) {
         if (togl_of(view) != nullptr)
             Togl_SwapBuffers(togl_of(view));
@@ -306,27 +307,40 @@ bool views_tk_geometry(int view, int out[4])
     return true;
 }
 
-bool views_tk_save_picture(int view, const char *ppm_file)
+bool views_tk_read_pixels(int view, int out_wh[2], std::vector<unsigned char> *rgb)
 {
     Togl *togl = togl_of(view);
     if (togl == nullptr)
         return false;
-    const int width = Togl_Width(togl);
-    const int height = Togl_Height(togl);
+    const int width = out_wh[0] = Togl_Width(togl);
+    const int height = out_wh[1] = Togl_Height(togl);
     Togl_MakeCurrent(togl);
     draw_view(view, width, height, ui_port().now_seconds());
     const size_t row = static_cast<size_t>(width) * 3;
-    std::vector<unsigned char> pixels(row * static_cast<size_t>(height));
+    rgb->resize(row * static_cast<size_t>(height));
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadBuffer(GL_BACK);
-    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, rgb->data());
     Togl_SwapBuffers(togl);
+    for (int y = 0; y < height / 2; ++y) { // the driver's rows begin below
+        const auto top = rgb->begin() + static_cast<std::ptrdiff_t>(row) * y;
+        const auto bottom = rgb->begin() + static_cast<std::ptrdiff_t>(row) * (height - 1 - y);
+        std::swap_ranges(top, top + static_cast<std::ptrdiff_t>(row), bottom);
+    }
+    return true;
+}
+
+bool views_tk_save_picture(int view, const char *ppm_file)
+{
+    int size[2] = {};
+    std::vector<unsigned char> pixels;
+    if (!views_tk_read_pixels(view, size, &pixels))
+        return false;
     std::FILE *file = std::fopen(ppm_file, "wb");
     if (file == nullptr)
         return false;
-    std::fprintf(file, "P6\n%d %d\n255\n", width, height);
-    for (int y = height; y-- > 0;)
-        std::fwrite(pixels.data() + row * static_cast<size_t>(y), 1, row, file);
+    std::fprintf(file, "P6\n%d %d\n255\n", size[0], size[1]);
+    std::fwrite(pixels.data(), 1, pixels.size(), file);
     return std::fclose(file) == 0;
 }
 

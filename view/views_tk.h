@@ -1,6 +1,8 @@
 #ifndef VESK_VIEW_VIEWS_TK_H
 #define VESK_VIEW_VIEWS_TK_H
 
+#include <vector>
+
 // The four Togl widgets: binding, events, drawing callbacks.
 
 #include "app/types.h"
@@ -14,6 +16,7 @@ void views_tk_fill_port(ui_port_t &port);
 bool views_tk_geometry(int view, int out[4]);
 
 // Reads back what view `view` shows now: drawn, then read before the swap. RGB, rows from the top.
+bool views_tk_read_pixels(int view, int out_wh[2], std::vector<unsigned char> *rgb);
 bool views_tk_save_picture(int view, const char *ppm_file);
 
 VESK_BEGIN_DECLS

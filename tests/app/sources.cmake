@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     app/atomic_file_test.cpp
     app/command_test.cpp
+    app/desktop_test.cpp
     app/prefs_test.cpp
     app/text_test.cpp
 )

@@ -4,9 +4,11 @@ target_sources(vesk_tests PRIVATE
     edit/geometry_test.cpp
     edit/journal_test.cpp
     edit/group_test.cpp
+    edit/hull_test.cpp
     edit/mesh_change_test.cpp
     edit/primitives_test.cpp
     edit/model_check_test.cpp
+    edit/pieces_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
     edit/snap_test.cpp

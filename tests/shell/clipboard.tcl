@@ -13,7 +13,7 @@ proc ::test::other {script} {
     close $stream
     set ::test::printed ""
     set pipe [open "|wish $file" r]
-    fconfigure $pipe -blocking 0
+    fconfigure $pipe -blocking 0 -translation binary
     fileevent $pipe readable [list ::test::more $pipe]
     vwait ::test::ended
     return $::test::printed
@@ -67,4 +67,27 @@ proc ::test::more {pipe} {
     }
     puts $pipe exit
     catch {close $pipe}
+
+    set ::env(HOME) $::env(VESK_TEST_WORK)
+    vesk copy_3d_win_to_clipboard
+    set files [glob -nocomplain -directory $::env(VESK_TEST_WORK) vesk-3d-*.png]
+    ::test::check "a picture of the 3D view is written" {[llength $files] == 1}
+    set stream [open [lindex $files 0] rb]
+    set written [read $stream]
+    close $stream
+    set taken [::test::other {
+        fconfigure stdout -translation binary
+        puts -nonewline [selection get -selection CLIPBOARD -type image/png]
+        exit
+    }]
+    ::test::check "it is a picture, and on the clipboard byte for byte" {
+        [string range $written 1 3] eq "PNG" && $taken eq $written
+    }
+
+    set ::env(SHELL) /bin/sh
+    set started [clock milliseconds]
+    vesk execute "sleep 0.5; exit 7"
+    ::test::check "a program does not stop the interface" {[clock milliseconds] - $started < 400}
+    ::test::pause 1200
+    ::test::check "its end is told" {[string match "*exit status 7*" $::vesk::status::message]}
 }

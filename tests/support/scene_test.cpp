@@ -61,6 +61,19 @@ ui_port_t recording_port()
         record.offered = text;
         return true;
     };
+    port.clipboard_offer_picture = [](std::string_view png) {
+        record.picture = png;
+        return true;
+    };
+    port.start_program = [](const char *line, void (*ended)(const char *, int)) {
+        record.programs.emplace_back(line);
+        record.program_ended = ended;
+        return true;
+    };
+    port.open_address = [](const char *url) {
+        record.programs.emplace_back(url);
+        return true;
+    };
     port.clipboard_get = [] { return record.others_clipboard; };
     return port;
 }

@@ -1,0 +1,337 @@
+#include "edit/hull.h"
+
+#include "app/aside.h"
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "edit/edit_support.h"
+#include "edit/selection_scan.h"
+#include "edit/undo.h"
+#include "model/bounds.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/vector.h"
+#include "model/world.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <libqhull_r/qhull_ra.h>
+#include <string>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+struct file_closer {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+
+// One run of the library: numbers in, facets out.
+class qhull_run {
+public:
+    qhull_run() : silent_(std::fopen("/dev/null", "w")) { qh_zero(&state_, silent_.get()); }
+    ~qhull_run()
+    {
+        int longs = 0, long_bytes = 0;
+        qh_freeqhull(&state_, qh_ALL);
+        qh_memfreeshort(&state_, &longs, &long_bytes);
+    }
+    qhull_run(const qhull_run &) = delete;
+    qhull_run &operator=(const qhull_run &) = delete;
+
+    // `numbers` must outlive the run.
+    hull_result run(std::vector<double> &numbers, int dimension, const std::string &options)
+    {
+        std::string command = "qhull " + options;
+        const int n = static_cast<int>(numbers.size()) / dimension;
+        const int code = qh_new_qhull(&state_, dimension, n, numbers.data(), False, command.data(),
+                                      silent_.get(), silent_.get());
+        if (code == qh_ERRsingular || code == qh_ERRinput)
+            return hull_result::flat;
+        return code == 0 ? hull_result::done : hull_result::failed;
+    }
+
+    // Calls visit(facet, corners) with the places of each facet's points, in order. False when the
+    // library gave up on a facet.
+    template <class Visit>
+    bool for_each_polygon(Visit &&visit)
+    {
+        std::vector<int> corners; // made before the jump: it must be destroyed
+        if (setjmp(state_.errexit) != 0) {
+            state_.NOerrexit = True;
+            return false;
+        }
+        state_.NOerrexit = False;
+        for (facetT *facet = state_.facet_list; facet != nullptr && facet->next != nullptr;
+             facet = facet->next)
+            visit_polygon(facet, &corners, visit);
+        state_.NOerrexit = True;
+        return true;
+    }
+    // The same for simplices of the lower Delaunay hull: their points in the library's order.
+    template <class Visit>
+    void for_each_simplex(Visit &&visit)
+    {
+        std::array<int, 3> corners = {};
+        for (facetT *facet = state_.facet_list; facet != nullptr && facet->next != nullptr;
+             facet = facet->next) {
+            if (facet->upperdelaunay != 0)
+                continue;
+            std::size_t n = 0;
+            for (int i = 0; i < qh_setsize(&state_, facet->vertices) && n < 3; ++i)
+                corners[n++] = point_of(vertex_at(facet->vertices, i));
+            if (n == 3)
+                visit(corners);
+        }
+    }
+
+private:
+    static vertexT *vertex_at(setT *set, int i) { return static_cast<vertexT *>(set->e[i].p); }
+    int point_of(const vertexT *v) { return qh_pointid(&state_, v->point); }
+
+    template <class Visit>
+    void visit_polygon(facetT *facet, std::vector<int> *corners, Visit &&visit)
+    {
+        setT *vertices = qh_facet3vertex(&state_, facet);
+        corners->clear();
+        for (int i = 0; i < qh_setsize(&state_, vertices); ++i)
+            corners->push_back(point_of(vertex_at(vertices, i)));
+        qh_settempfree(&state_, &vertices);
+        visit(facet, *corners);
+    }
+
+    std::unique_ptr<std::FILE, file_closer> silent_;
+    qhT state_;
+};
+
+bool is_number(const point3_t &p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+void append_polygon(const std::vector<int> &corners, polygons_t *out)
+{
+    out->corners.insert(out->corners.end(), corners.begin(), corners.end());
+    out->offsets.push_back(static_cast<int>(out->corners.size()));
+}
+
+// Whether a polygon runs round against a normal.
+bool faces_against(const double *normal, const std::vector<point3_t> &points,
+                   const std::vector<int> &corners)
+{
+    const point3_t &origin = points[place(corners[0])];
+    double turn = 0;
+    for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
+        const point3_t cross = point_cross(point_sub(points[place(corners[i])], origin),
+                                           point_sub(points[place(corners[i + 1])], origin));
+        turn += cross.x * normal[0] + cross.y * normal[1] + cross.z * normal[2];
+    }
+    return turn < 0;
+}
+
+// Twice the signed area of a triangle as seen along an axis.
+double turn_about(int axis, const point3_t &a, const point3_t &b, const point3_t &c)
+{
+    const point3_t cross = point_cross(point_sub(b, a), point_sub(c, a));
+    return axis == 0 ? cross.x : axis == 1 ? cross.y : cross.z;
+}
+
+} // namespace
+
+hull_result convex_hull(const std::vector<point3_t> &points, double precision, polygons_t *out)
+{
+    *out = {{0}, {}};
+    std::vector<double> numbers;
+    std::vector<int> names; // place of each point that is a number
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (!is_number(points[i]))
+            continue;
+        numbers.insert(numbers.end(), {points[i].x, points[i].y, points[i].z});
+        names.push_back(static_cast<int>(i));
+    }
+    const bool apart = std::any_of(names.begin(), names.end(), [&](int name) {
+        return !point_equal(points[place(name)], points[place(names[0])]);
+    });
+    if (names.size() < 4 || !apart)
+        return hull_result::flat;
+    char option[64];
+    std::snprintf(option, sizeof option, "C-%.9g", std::max(precision, 0.0));
+    qhull_run qhull;
+    const hull_result result = qhull.run(numbers, 3, option);
+    if (result != hull_result::done)
+        return result;
+    const bool whole = qhull.for_each_polygon([&](const facetT *facet, std::vector<int> &corners) {
+        for (int &corner : corners)
+            corner = names[place(corner)];
+        if (faces_against(facet->normal, points, corners))
+            std::reverse(corners.begin(), corners.end());
+        append_polygon(corners, out);
+    });
+    return whole ? hull_result::done : hull_result::failed;
+}
+
+hull_result delaunay_triangulation(const std::vector<point3_t> &points, int axis, polygons_t *out)
+{
+    *out = {{0}, {}};
+    std::vector<double> numbers;
+    std::vector<int> names;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const point3_t &p = points[i];
+        if (!is_number(p))
+            continue;
+        numbers.push_back(axis == 0 ? p.y : p.x);
+        numbers.push_back(axis == 2 ? p.y : p.z);
+        names.push_back(static_cast<int>(i));
+    }
+    if (names.size() < 3)
+        return hull_result::flat;
+    qhull_run qhull;
+    const hull_result result = qhull.run(numbers, 2, "d Qt Qbb Qc Qz Q12");
+    if (result != hull_result::done)
+        return result;
+    std::vector<int> corners;
+    qhull.for_each_simplex([&](const std::array<int, 3> &simplex) {
+        corners.clear();
+        for (const int corner : simplex) {
+            if (place(corner) < names.size()) // Qz adds a point at infinity
+                corners.push_back(names[place(corner)]);
+        }
+        if (corners.size() != 3)
+            return;
+        const auto at = [&](std::size_t i) -> const point3_t & {
+            return points[place(corners[i])];
+        };
+        const double turn = turn_about(axis, at(0), at(1), at(2));
+        if (turn == 0)
+            return;
+        if (turn < 0)
+            std::swap(corners[1], corners[2]);
+        append_polygon(corners, out);
+    });
+    return out->size() > 0 ? hull_result::done : hull_result::flat;
+}
+
+// ---- commands ----
+
+namespace {
+
+// What the worker owns, so that it may outlive a cancelled command.
+struct hull_work {
+    std::vector<point3_t> points;
+    polygons_t polygons;
+    hull_result result = hull_result::failed;
+};
+
+// The places of everything selected; vertices of several selected surfaces once.
+std::vector<point3_t> selected_points()
+{
+    std::vector<point3_t> points;
+    const auto add = [&](const listitem *vertices) {
+        for (const vertex *point : each<vertex>(vertices))
+            points.push_back(point->position);
+    };
+    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+        const owned_list vertices(selection_get_selected_vertices());
+        add(vertices.get());
+    } else {
+        for (object_t *top : selected_top_objects())
+            for_each_object(top, [&](const object_t *object) { add(object->vertices); });
+    }
+    return points;
+}
+
+// A new object of the polygons and the points that they use.
+object_t *object_of(const std::vector<point3_t> &points, const polygons_t &polygons,
+                    const char *name)
+{
+    std::vector<int> number(points.size(), -1);
+    for (const int corner : polygons.corners)
+        number[place(corner)] = 0;
+    std::vector<float> xyz;
+    int used = 0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (number[i] < 0)
+            continue;
+        number[i] = used++;
+        xyz.insert(xyz.end(), {points[i].x, points[i].y, points[i].z});
+    }
+    std::vector<int> corners;
+    for (const int corner : polygons.corners)
+        corners.push_back(number[place(corner)]);
+    constexpr int new_surface_material = 1;
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, name);
+    vesk_object_add_vertices_from_float_array(object, xyz.data(), used);
+    vesk_object_add_surfaces_from_arrays(object, polygons.size(), polygons.offsets.data(),
+                                         corners.data(), nullptr, new_surface_material);
+    object_calculate_centre(object);
+    object_calc_normals_force(object);
+    return object;
+}
+
+template <class Compute>
+void make_object(const char *what, const char *name, const char *flat_text, Compute compute)
+{
+    const auto work = std::make_shared<hull_work>();
+    work->points = selected_points();
+    if (work->points.empty()) {
+        display_message("%s - nothing selected", what);
+        return;
+    }
+    display_message("%s...", what);
+    if (!run_aside([work, compute] { compute(*work); })) {
+        display_message("%s - cancelled", what);
+        return;
+    }
+    if (work->result == hull_result::flat) {
+        windows_message_dialog("%s", flat_text);
+        display_message("%s - nothing made", what);
+        return;
+    }
+    if (work->result == hull_result::failed) {
+        display_message("%s - the points cannot be joined", what);
+        return;
+    }
+    object_t *object = object_of(work->points, work->polygons, name);
+    new_undo(UNDO_OBJECT, what);
+    set_undo_object(object);
+    object_add_child(vesk_get_world(), object);
+    select_results({object});
+    finish_edit();
+    display_message("%s - %d surfaces", what, work->polygons.size());
+}
+
+int axis_of_least_extent(const std::vector<point3_t> &points)
+{
+    point3_t min, max;
+    bounds_clear(&min, &max);
+    for (const point3_t &p : points)
+        bounds_add(p, &min, &max);
+    const point3_t size = point_sub(max, min);
+    if (size.x < size.y && size.x < size.z)
+        return 0;
+    return size.y < size.z ? 1 : 2;
+}
+
+} // namespace
+
+void command_convexhull()
+{
+    const double precision = prefs.convexhull_precision;
+    make_object("convex hull", "convexhull",
+                "Convex hull: select at least 4 vertices that do not lie in one plane",
+                [precision](hull_work &work) {
+                    work.result = convex_hull(work.points, precision, &work.polygons);
+                });
+}
+
+void command_delaunay()
+{
+    make_object("delaunay", "delaunay",
+                "Delaunay: select at least 3 vertices that do not lie on one line",
+                [](hull_work &work) {
+                    work.result = delaunay_triangulation(
+                        work.points, axis_of_least_extent(work.points), &work.polygons);
+                });
+}

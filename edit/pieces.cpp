@@ -1,0 +1,303 @@
+#include "edit/pieces.h"
+
+#include "app/messages.h"
+#include "edit/edit_support.h"
+#include "edit/surface_copy.h"
+#include "edit/undo.h"
+#include "model/change_marks.h"
+#include "model/child_changes.h"
+#include "model/freed.h"
+#include "model/object_tree.h"
+
+#include <algorithm>
+#include <numeric>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+// Which piece each surface belongs to, numbered from 0 in the order of their first surfaces.
+using piece_numbers = std::vector<int>;
+
+class connected_vertices {
+public:
+    explicit connected_vertices(int n) : parent_(place(n))
+    {
+        std::iota(parent_.begin(), parent_.end(), 0);
+    }
+    int root(int v)
+    {
+        while (parent_[place(v)] != v) {
+            parent_[place(v)] = parent_[place(parent_[place(v)])];
+            v = parent_[place(v)];
+        }
+        return v;
+    }
+    void connect(int u, int v) { parent_[place(root(u))] = root(v); }
+
+private:
+    std::vector<int> parent_;
+};
+
+int number_connected(const flat_mesh &mesh, piece_numbers *pieces)
+{
+    connected_vertices vertices(mesh.num_vertices());
+    for (int s = 0; s < mesh.num_surfaces(); ++s) {
+        const auto corners = mesh.surface_corners(s);
+        for (const int v : corners)
+            vertices.connect(v, corners.front());
+    }
+    int count = 0;
+    std::vector<int> piece_of(place(mesh.num_vertices()), -1);
+    for (int s = 0; s < mesh.num_surfaces(); ++s) {
+        const auto corners = mesh.surface_corners(s);
+        int lone = -1; // a surface without corners is a piece
+        int &piece = corners.empty() ? lone : piece_of[place(vertices.root(corners.front()))];
+        if (piece < 0)
+            piece = count++;
+        (*pieces)[place(s)] = piece;
+    }
+    return count;
+}
+
+int number_each(const flat_mesh &mesh, piece_numbers *pieces)
+{
+    std::iota(pieces->begin(), pieces->end(), 0);
+    return mesh.num_surfaces();
+}
+
+std::vector<int> loose_vertices(const flat_mesh &mesh)
+{
+    std::vector<bool> used(place(mesh.num_vertices()));
+    for (const int v : *mesh.corners)
+        used[place(v)] = true;
+    std::vector<int> loose;
+    for (int v = 0; v < mesh.num_vertices(); ++v) {
+        if (!used[place(v)])
+            loose.push_back(v);
+    }
+    return loose;
+}
+
+using number_pieces = int (*)(const flat_mesh &, piece_numbers *);
+
+// The pieces of an object as new objects; none when it is of one piece.
+std::vector<object_t *> take_apart(object_t *object, number_pieces number)
+{
+    surface_copier copier(object);
+    const flat_mesh &mesh = copier.mesh();
+    piece_numbers pieces(place(mesh.num_surfaces()));
+    const int count = number(mesh, &pieces);
+    const std::vector<int> loose = loose_vertices(mesh);
+    if (count + (loose.empty() ? 0 : 1) < 2)
+        return {};
+    // The surfaces in the order of their pieces.
+    std::vector<int> starts(place(count) + 1, 0), order(pieces.size());
+    for (const int piece : pieces)
+        ++starts[place(piece) + 1];
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    std::vector<int> next(starts.begin(), starts.end() - 1);
+    for (int s = 0; s < mesh.num_surfaces(); ++s)
+        order[place(next[place(pieces[place(s)])]++)] = s;
+
+    std::vector<object_t *> made;
+    for (int piece = 0; piece < count; ++piece) {
+        made.push_back(copier.copy(std::span(order).subspan(
+            place(starts[place(piece)]), place(starts[place(piece) + 1] - starts[place(piece)]))));
+    }
+    if (!loose.empty())
+        made.push_back(copier.copy({}, loose));
+    return made;
+}
+
+// A group in the object's place, with its texts, its pieces and then its children.
+object_t *group_of(object_t *object, const std::vector<object_t *> &pieces)
+{
+    object_t *group = new_group();
+    object_copy_header(group, object);
+    object_set_url(group, object->url);
+    object_set_userdata(group, object->data);
+    for (object_t *piece : pieces)
+        object_add_child(group, piece);
+    return group;
+}
+
+void apart(const char *what, number_pieces number)
+{
+    struct result_t {
+        object_t *source, *group;
+    };
+    if (selection().objects == nullptr) {
+        display_message("%s - nothing selected", what);
+        return;
+    }
+    display_message("%s...", what);
+    std::vector<result_t> results;
+    std::vector<object_t *> all_pieces;
+    for (object_t *top : selected_top_objects()) {
+        for_each_object(top, [&](object_t *object) {
+            const std::vector<object_t *> pieces = take_apart(object, number);
+            if (pieces.empty())
+                return;
+            results.push_back({object, group_of(object, pieces)});
+            all_pieces.insert(all_pieces.end(), pieces.begin(), pieces.end());
+        });
+    }
+    if (results.empty()) {
+        display_message("%s - of one piece already", what);
+        return;
+    }
+    new_undo(UNDO_WORLD, what);
+    set_undo_all();
+    child_changes changes;
+    for (const result_t &result : results)
+        changes.replace(result.source, {result.group});
+    changes.commit();
+    // By now groups stand for those of the children that were taken apart too.
+    for (const auto &[source, group] : results) {
+        for (object_t *child : each<object_t>(source->children))
+            object_add_child(group, child);
+        list_free(&source->children);
+        source->num_children = 0;
+    }
+    {
+        freed_batch batch;
+        for (const result_t &result : results)
+            batch.add(result.source);
+    }
+    if (select_mode() == SELECT_TREE) {
+        std::vector<object_t *> tops;
+        for (const result_t &result : results)
+            tops.push_back(object_top_ancestor(result.group));
+        select_results(tops);
+    } else {
+        select_results(all_pieces);
+    }
+    finish_edit();
+    display_message("%s - %d objects", what, static_cast<int>(all_pieces.size()));
+}
+
+// ---- merge ----
+
+struct merge_t {
+    std::vector<object_t *> sources; // with geometry, in tree order, the target among them
+    std::vector<object_t *> lights;
+    bool textures_differ = false;
+};
+
+merge_t gather(const std::vector<object_t *> &tops)
+{
+    merge_t merge;
+    for (object_t *top : tops) {
+        for_each_object(top, [&](object_t *object) {
+            if (object->vertices != nullptr || object->surfaces != nullptr)
+                merge.sources.push_back(object);
+            else if (object->type == OBJECT_LIGHT)
+                merge.lights.push_back(object);
+        });
+    }
+    return merge;
+}
+
+void copy_texture(object_t *to, const object_t *from)
+{
+    to->has_texture = from->has_texture;
+    to->texture = from->texture;
+    object_set_texture_repeat(to, from->texture_repeat_x, from->texture_repeat_y);
+    object_set_texture_offset(to, from->texture_offset_x, from->texture_offset_y);
+}
+
+// Appends whole lists, node by node as they are.
+class list_joiner {
+public:
+    explicit list_joiner(listitem **head) : head_(head), last_(*head ? list_end(*head) : nullptr) {}
+    void append(listitem *list)
+    {
+        if (list == nullptr)
+            return;
+        (last_ != nullptr ? last_->next : *head_) = list;
+        last_ = list_end(list);
+    }
+
+private:
+    listitem **head_;
+    listitem *last_;
+};
+
+// Vertices and surfaces go over as they are.
+void move_geometry(const std::vector<object_t *> &sources, object_t *to)
+{
+    list_joiner vertices(&to->vertices), surfaces(&to->surfaces);
+    for (object_t *from : sources) {
+        if (from == to)
+            continue;
+        vertices.append(std::exchange(from->vertices, nullptr));
+        surfaces.append(std::exchange(from->surfaces, nullptr));
+        to->num_vertices += std::exchange(from->num_vertices, 0);
+        to->num_surfaces += std::exchange(from->num_surfaces, 0);
+        object_mark(from, CHANGED_TOPOLOGY);
+    }
+}
+
+void merge_into(object_t *target, const std::vector<object_t *> &tops, merge_t &merge)
+{
+    const object_t *first = merge.sources.front();
+    if (target != first)
+        copy_texture(target, first);
+    for (object_t *object : merge.sources) {
+        merge.textures_differ |= object->has_texture != target->has_texture ||
+                                 (object->has_texture != 0 && object->texture != target->texture);
+    }
+    move_geometry(merge.sources, target);
+    target->type = OBJECT_POLY;
+    target->is_sphere = 0;
+    object_mark(target, CHANGED_ALL);
+
+    std::erase_if(merge.lights, [&](const object_t *light) { return light == target; });
+    for (object_t *light : merge.lights)
+        object_reparent(light, target);
+    std::vector<object_t *> going(tops);
+    std::erase(going, target);
+    const std::unordered_set<const object_t *> kept(merge.lights.begin(), merge.lights.end());
+    for (object_t *child : each<object_t>(target->children)) {
+        if (!kept.contains(child))
+            going.push_back(child);
+    }
+    std::erase_if(going, [&](const object_t *object) { return kept.contains(object); });
+    objects_delete(going);
+}
+
+} // namespace
+
+// ---- commands ----
+
+void command_object_fragment() { apart("fragment", number_connected); }
+
+void command_object_explode() { apart("explode", number_each); }
+
+void command_object_merge()
+{
+    const std::vector<object_t *> tops = selected_top_objects();
+    merge_t merge = gather(tops);
+    if (merge.sources.size() < 2) {
+        display_message("merge - nothing selected");
+        return;
+    }
+    display_message("merge...");
+    new_undo(UNDO_WORLD, "merge");
+    set_undo_all();
+    object_t *target = tops.front();
+    const auto count = static_cast<int>(merge.sources.size());
+    merge_into(target, tops, merge);
+    calc_normals_of({target});
+    select_results({target});
+    finish_edit();
+    if (merge.textures_differ) {
+        display_message("merge - %d objects, with the texture of the first", count);
+    } else {
+        display_message("merge - %d objects", count);
+    }
+}

@@ -1,0 +1,19 @@
+#ifndef VESK_EDIT_PIECES_H
+#define VESK_EDIT_PIECES_H
+
+// Objects taken apart and put together.
+
+// "object_fragment": one object for each connected piece of a selected object, descendants
+// included; surfaces that share a vertex are connected. "object_explode": one for each surface.
+// What came of one object stands in a group of its name, in its place, with its children behind;
+// vertices without a surface make a piece of their own. Objects of one piece stay as they are.
+// Undo "fragment", "explode".
+void command_object_fragment();
+void command_object_explode();
+
+// "object_merge": the geometry of all selected objects and their descendants goes into the first
+// one, which becomes a plain object; lights below stay its children, the other objects go. No
+// welding. Undo "merge".
+void command_object_merge();
+
+#endif

@@ -1,0 +1,220 @@
+#include "edit/pieces.h"
+
+#include "edit/selection_internal.h"
+#include "edit/selection_scan.h"
+#include "fileio/vesk_writer.h"
+#include "model/change_marks.h"
+#include "model/lights.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/world.h"
+#include "model/world_check.h"
+#include "tests/support/scene_test.h"
+#include "view/textures.h"
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+namespace {
+
+std::string scene() { return vesk_object_text(vesk_get_world()); }
+
+// "name[vertices/surfaces](children)".
+std::string tree_text(const object_t *top)
+{
+    std::string text;
+    for (const object_t *child : each<object_t>(top->children)) {
+        text += (text.empty() ? "" : " ") + std::string(child->name);
+        if (child->vertices != nullptr || child->surfaces != nullptr) {
+            text += "[" + std::to_string(child->num_vertices) + "/" +
+                    std::to_string(child->num_surfaces) + "]";
+        }
+        if (child->children != nullptr)
+            text += "(" + tree_text(child) + ")";
+    }
+    return text;
+}
+std::string tree_text() { return tree_text(vesk_get_world()); }
+
+// Two squares that share an edge, a triangle apart, and a vertex of nothing.
+object_t *add_pieces(const char *name)
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, name);
+    for (int i = 0; i < 10; ++i)
+        object_add_new_vertex(object, static_cast<float>(i / 2), static_cast<float>(i % 2), 0);
+    for (const std::vector<int> &corners :
+         {std::vector<int>{0, 2, 3, 1}, {6, 8, 7}, {2, 4, 5, 3}}) {
+        surface_t *surface = new_surface();
+        for (const int v : corners)
+            surface_add_vertex(surface, object_get_vertex_at(object, v), 0.25f, 0);
+        object_add_surface(object, surface);
+    }
+    object_calc_normals_force(object);
+    object_add_child(vesk_get_world(), object);
+    return object;
+}
+
+class Pieces : public SceneTest {
+protected:
+    void TearDown() override
+    {
+        EXPECT_TRUE(world_check(vesk_get_world()).empty());
+        SceneTest::TearDown();
+    }
+};
+
+TEST_F(Pieces, AreWhatHangsTogether)
+{
+    object_t *object = add_pieces("a");
+    object_set_userdata(object, "data");
+    add_cube("b");
+    select_object(object);
+    const std::string before = scene();
+
+    run("object_fragment");
+
+    EXPECT_EQ(tree_text(), "a(a[6/2] a[3/1] a[1/0]) b[8/6]");
+    EXPECT_STREQ(object_get_kid_at(vesk_get_world(), 0)->data, "data");
+    EXPECT_EQ(last_message(), "fragment - 3 objects");
+    EXPECT_EQ(last_undo(), "fragment");
+    EXPECT_EQ(selection().num_objects, 1) << "the group, in tree mode";
+    run("undo");
+    EXPECT_EQ(scene(), before);
+}
+
+TEST_F(Pieces, AreSingleSurfacesAfterAnExplosion)
+{
+    add_pieces("a");
+    run("set_select_mode", "object");
+    run("select_all");
+    const std::string before = scene();
+    run("object_explode");
+    EXPECT_EQ(tree_text(), "a(a[4/1] a[3/1] a[4/1] a[1/0])");
+    EXPECT_EQ(selection().num_objects, 4);
+    run("undo");
+    EXPECT_EQ(scene(), before);
+}
+
+TEST_F(Pieces, OfNestedObjectsKeepTheTree)
+{
+    object_t *parent = add_pieces("p");
+    object_t *child = add_pieces("c");
+    object_reparent(child, parent);
+    object_reparent(add_cube("cube"), child);
+    select_object(parent);
+    const std::string before = scene();
+    run("object_fragment");
+    EXPECT_EQ(tree_text(), "p(p[6/2] p[3/1] p[1/0] c(c[6/2] c[3/1] c[1/0] cube[8/6]))");
+    run("undo");
+    EXPECT_EQ(scene(), before);
+}
+
+TEST_F(Pieces, OfOnePieceStayOne)
+{
+    select_object(add_cube("cube"));
+    run("object_fragment");
+    EXPECT_EQ(last_message(), "fragment - of one piece already");
+    EXPECT_EQ(last_undo(), "");
+}
+
+TEST_F(Pieces, AreMergedIntoTheFirst)
+{
+    object_t *group = new_group();
+    object_set_name(group, "group");
+    object_add_child(vesk_get_world(), group);
+    for (const char *name : {"a", "b", "c"})
+        add_cube(name);
+    object_t *light = new_light();
+    object_add_child(vesk_get_world(), light);
+    object_t *a = object_get_kid_at(vesk_get_world(), 1);
+    object_reparent(light, object_get_kid_at(vesk_get_world(), 2));
+    object_reparent(a, group);
+    run("select_all");
+    const std::string before = scene();
+
+    run("object_merge");
+
+    EXPECT_EQ(tree_text(), "group[24/18](light)");
+    EXPECT_EQ(last_message(), "merge - 3 objects");
+    EXPECT_EQ(last_undo(), "merge");
+    run("undo");
+    EXPECT_EQ(scene(), before);
+}
+
+TEST_F(Pieces, MergedKeepTheFirstTextureAndSaySo)
+{
+    object_t *a = add_cube("a");
+    object_t *b = add_cube("b");
+    b->has_texture = 1;
+    b->texture = 0;
+    object_mark(b, CHANGED_RECORD);
+    run("select_all");
+    run("object_merge");
+    EXPECT_EQ(last_message(), "merge - 2 objects, with the texture of the first");
+    EXPECT_EQ(a->has_texture, 0);
+    EXPECT_EQ(a->num_vertices, 16);
+}
+
+TEST_F(Pieces, OneObjectCannotBeMerged)
+{
+    select_object(add_cube("a"));
+    run("object_merge");
+    EXPECT_EQ(last_message(), "merge - nothing selected");
+}
+
+class RandomPieces : public Pieces, public testing::WithParamInterface<unsigned> {};
+
+// Taken apart and merged again nothing is lost: the same surfaces over the same places.
+TEST_P(RandomPieces, MergeBackToTheSameSurfaces)
+{
+    std::mt19937 random(GetParam());
+    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, "o");
+    for (int i = 0; i < 40; ++i)
+        object_add_new_vertex(object, static_cast<float>(i), 0, 0);
+    int corners = 0;
+    for (int s = 0; s < 12; ++s) {
+        surface_t *surface = new_surface();
+        for (int c = 0, n = 1 + below(4); c < n; ++c, ++corners)
+            surface_add_vertex(surface, object_get_vertex_at(object, below(40)), 0, 0);
+        surface_set_type(surface, below(3));
+        object_add_surface(object, surface);
+    }
+    object_add_child(vesk_get_world(), object);
+    run("set_select_mode", "object");
+    const auto outlines = [] {
+        std::vector<std::vector<float>> all;
+        for_each_object(vesk_get_world(), [&](object_t *part) {
+            for (const surface_t *surface : each<surface_t>(part->surfaces)) {
+                all.push_back({static_cast<float>(surface->type)});
+                for (const svertex *corner : each<svertex>(surface->refs))
+                    all.back().push_back(corner->vertex->position.x);
+            }
+        });
+        std::sort(all.begin(), all.end());
+        return all;
+    };
+    const auto before = outlines();
+    run("select_all");
+    run(GetParam() % 2 == 0 ? "object_fragment" : "object_explode");
+    EXPECT_EQ(outlines(), before);
+    for_each_object(vesk_get_world(), [&](object_t *part) {
+        // Every vertex of a piece but the loose ones is used.
+        std::set<const vertex *> used;
+        for (const surface_t *surface : each<surface_t>(part->surfaces)) {
+            for (const svertex *corner : each<svertex>(surface->refs))
+                used.insert(corner->vertex);
+        }
+        if (part->surfaces != nullptr) {
+            EXPECT_EQ(static_cast<int>(used.size()), part->num_vertices);
+        }
+    });
+    run("object_merge");
+    EXPECT_EQ(outlines(), before);
+}
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomPieces, testing::Range(1u, 13u));
+
+} // namespace
