@@ -21,10 +21,10 @@ struct recording_t {
     void (*while_pumping)() = nullptr;
     std::string_view (*offered)() = nullptr; // on the clipboard, by the program
     const char *others_clipboard = nullptr;  // what another program has there
-    std::string picture;               // on the clipboard
-    std::vector<std::string> programs; // that were started, and addresses that were opened
+    std::string picture;                     // on the clipboard
+    std::vector<std::string> programs;       // that were started, and addresses that were opened
     void (*program_ended)(const char *line, int status) = nullptr;
-    double clock = 0;                        // now_seconds; each look adds clock_step
+    double clock = 0; // now_seconds; each look adds clock_step
     double clock_step = 0;
 };
 recording_t &recording();
