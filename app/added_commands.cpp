@@ -8,6 +8,7 @@
 #include "app/numbers.h"
 #include "app/progress.h"
 #include "edit/create.h"
+#include "edit/edge_mesh.h"
 #include "edit/extrude.h"
 #include "edit/object_flags.h"
 #include "edit/selection_internal.h"
@@ -283,6 +284,8 @@ void register_added_commands()
                     "makes a Tk picture of a texture, returns its name"),
         command_row("texture_list", command_texture_list, nullptr,
                     "returns name, file, width, height, depth of each texture"),
+        command_row("surface_doosabin", command_surface_doosabin, nullptr,
+                    "Doo-Sabin subdivision of the selected objects"),
         command_row("cancel", progress_cancel, nullptr, "cancel long work"),
         command_row("extrude", command_extrude, "<float x> <float y> <float z>",
                     "extrude the selected surfaces"),

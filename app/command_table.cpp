@@ -12,6 +12,7 @@
 #include "edit/current_object.h"
 #include "edit/delete.h"
 #include "edit/duplicate.h"
+#include "edit/edge_mesh.h"
 #include "edit/extrude_path.h"
 #include "edit/group.h"
 #include "edit/holes.h"
@@ -22,6 +23,7 @@
 #include "edit/optimize.h"
 #include "edit/pieces.h"
 #include "edit/primitives.h"
+#include "edit/reduce.h"
 #include "edit/revolve.h"
 #include "edit/selection.h"
 #include "edit/snap.h"
@@ -161,7 +163,7 @@ vesk_command_t rows[] = {
     command_row("redraw_all", redraw_all, nullptr, "redraw all windows"),
     command_row("redraw_3d", redraw_3d, nullptr, "redraw the 3D window"),
     command_row("redraw_orth", redraw_orth, nullptr, "redraw orthograpic windows"),
-    pending_row("reduce", "d", "<int target percentage vertex loss>", "reduce polys"),
+    command_row("reduce", selected_objects_reduce, "<int target percentage vertex loss>", "reduce polys"),
     command_row("reset_views", reset_views, nullptr, "reset window views to initial setup"),
     command_row("remap_textures", selected_calc_texture_coors, "<int window>", "map textures onto the selection"),
     command_row("removesurface", remove_selected_surfaces, nullptr, "remove the selected surfaces, keep their vertices"),
@@ -213,7 +215,7 @@ vesk_command_t rows[] = {
     command_row("surface_spline", command_surface_spline, nullptr, "spline the selected lines"),
     command_row("surface_subdivide", command_surface_subdivide, nullptr, "subdivide the selected surfaces"),
     command_row("surface_triangulate", selected_surface_triangulate, nullptr, "triangulate the selected surfaces"),
-    pending_row("surface_loop_subdivision", "f", "<0.0 -> 1.0 smoothing factor>"),
+    command_row("surface_loop_subdivision", surface_loop_subdivision, "<0.0 -> 1.0 smoothing factor>"),
     command_row("texture_set", selected_texture_set, "<texture id>", "set the texture of the selection"),
     command_row("ungroup", command_ungroup, nullptr, "ungroup the selected groups"),
     command_row("undo", UNDO, nullptr, "undo"),

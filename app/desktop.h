@@ -16,7 +16,7 @@ VESK_API void start_web_browser(const char *url);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Command "menu_about".
 void command_menu_about();
 #endif

@@ -13,7 +13,7 @@ VESK_API void duplicate_selected(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 // Command "clone_selection": the same in place. The result lists the new objects' identities, or
 // the places of the new surfaces in their objects.
 void command_clone_selection();

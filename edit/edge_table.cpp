@@ -11,43 +11,33 @@ struct half_edge {
     edge_use use;
 };
 
-// Calls visit(surface, corner, u, v) for every side of every polygon.
-template <class Visit>
-void for_each_side(const flat_mesh &mesh, Visit &&visit)
-{
-    const std::vector<int> &offsets = *mesh.corner_offsets;
-    const std::vector<int> &corners = *mesh.corners;
-    for (int s = 0; s < mesh.num_surfaces(); ++s) {
-        if (!is_polygon((*mesh.surfaces)[place(s)]))
-            continue;
-        const int begin = offsets[place(s)], end = offsets[place(s) + 1];
-        for (int c = begin; c < end; ++c) {
-            const int u = corners[place(c)];
-            const int v = corners[place(c + 1 < end ? c + 1 : begin)];
-            if (u != v)
-                visit(s, c, u, v);
-        }
-    }
-}
-
-// Where the half edges of each lower vertex begin.
-std::vector<int> bucket_starts(const flat_mesh &mesh)
-{
-    std::vector<int> starts(place(mesh.num_vertices()) + 1, 0);
-    for_each_side(mesh, [&](int, int, int u, int v) { ++starts[place(std::min(u, v)) + 1]; });
-    for (std::size_t i = 1; i < starts.size(); ++i)
-        starts[i] += starts[i - 1];
-    return starts;
-}
-
 } // namespace
 
-edge_table::edge_table(const flat_mesh &mesh)
+template <class IsPolygon>
+void edge_table::build(int num_vertices, const std::vector<int> &offsets,
+                       const std::vector<int> &corners, IsPolygon is_polygon_at)
 {
-    const std::vector<int> starts = bucket_starts(mesh);
+    // Calls visit(surface, corner, u, v) for every side of every polygon.
+    const auto for_each_side = [&](auto &&visit) {
+        for (int s = 0; s + 1 < static_cast<int>(offsets.size()); ++s) {
+            if (!is_polygon_at(s))
+                continue;
+            const int begin = offsets[place(s)], end = offsets[place(s) + 1];
+            for (int c = begin; c < end; ++c) {
+                const int u = corners[place(c)];
+                const int v = corners[place(c + 1 < end ? c + 1 : begin)];
+                if (u != v)
+                    visit(s, c, u, v);
+            }
+        }
+    };
+    std::vector<int> starts(place(num_vertices) + 1, 0); // of each lower vertex
+    for_each_side([&](int, int, int u, int v) { ++starts[place(std::min(u, v)) + 1]; });
+    for (std::size_t i = 1; i < starts.size(); ++i)
+        starts[i] += starts[i - 1];
     std::vector<half_edge> halves(place(starts.back()));
     std::vector<int> next(starts.begin(), starts.end() - 1);
-    for_each_side(mesh, [&](int s, int c, int u, int v) {
+    for_each_side([&](int s, int c, int u, int v) {
         const int low = std::min(u, v);
         halves[place(next[place(low)]++)] = {std::max(u, v), {s, c, u == low}};
     });
@@ -55,7 +45,7 @@ edge_table::edge_table(const flat_mesh &mesh)
     uses_.reserve(halves.size());
     edges_.reserve(halves.size() / 2 + 1);
     first_edges_.reserve(starts.size());
-    for (int low = 0; low < mesh.num_vertices(); ++low) {
+    for (int low = 0; low < num_vertices; ++low) {
         first_edges_.push_back(size());
         const auto begin = halves.begin() + starts[place(low)];
         const auto end = halves.begin() + starts[place(low) + 1];
@@ -69,6 +59,18 @@ edge_table::edge_table(const flat_mesh &mesh)
         }
     }
     first_edges_.push_back(size());
+}
+
+edge_table::edge_table(const flat_mesh &mesh)
+{
+    build(mesh.num_vertices(), *mesh.corner_offsets, *mesh.corners,
+          [&](int s) { return is_polygon((*mesh.surfaces)[place(s)]); });
+}
+
+edge_table::edge_table(int num_vertices, const std::vector<int> &offsets,
+                       const std::vector<int> &corners)
+{
+    build(num_vertices, offsets, corners, [](int) { return true; });
 }
 
 int edge_table::find(int u, int v) const

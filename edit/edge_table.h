@@ -24,6 +24,8 @@ struct mesh_edge {
 class edge_table {
 public:
     explicit edge_table(const flat_mesh &mesh);
+    // Of polygons without an object: the corners of polygon i are offsets[i] .. offsets[i + 1] - 1.
+    edge_table(int num_vertices, const std::vector<int> &offsets, const std::vector<int> &corners);
 
     [[nodiscard]] int size() const { return static_cast<int>(edges_.size()); }
     [[nodiscard]] const mesh_edge &edge(int i) const { return edges_[static_cast<std::size_t>(i)]; }
@@ -43,6 +45,10 @@ public:
     [[nodiscard]] std::vector<int> edges_of_corners(const flat_mesh &mesh) const;
 
 private:
+    template <class IsPolygon>
+    void build(int num_vertices, const std::vector<int> &offsets, const std::vector<int> &corners,
+               IsPolygon is_polygon_at);
+
     std::vector<mesh_edge> edges_;
     std::vector<edge_use> uses_;
     std::vector<int> first_edges_; // of each vertex as `a`, and one more

@@ -11,7 +11,7 @@ VESK_API void group_selected_objects(void);
 
 VESK_END_DECLS
 
-#ifdef __cplusplus
+#ifdef VESK_INTERNAL
 
 // Command "ungroup": the children of each selected group take its place and are selected. A group
 // that holds geometry of its own, or nothing, is left alone. Undo "ungroup".

@@ -7,6 +7,7 @@ target_sources(vesk_core PRIVATE
     edit/drag_transform.cpp
     edit/duplicate.cpp
     edit/duplicate_surfaces.cpp
+    edit/edge_mesh.cpp
     edit/edge_table.cpp
     edit/edit_support.cpp
     edit/extrude.cpp
@@ -35,11 +36,13 @@ target_sources(vesk_core PRIVATE
     edit/primitives.cpp
     edit/primitives_flat.cpp
     edit/region_sweep.cpp
+    edit/reduce.cpp
     edit/resize.cpp
     edit/revolve.cpp
     edit/selection.cpp
     edit/selection_image.cpp
     edit/selection_scan.cpp
+    edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
     edit/surface_attributes.cpp

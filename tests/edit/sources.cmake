@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     edit/clipboard_test.cpp
     edit/extrude_test.cpp
+    edit/edge_mesh_test.cpp
     edit/geometry_test.cpp
     edit/journal_test.cpp
     edit/group_test.cpp

@@ -1,0 +1,362 @@
+#include "app/messages.h"
+#include "edit/edge_mesh_internal.h"
+#include "edit/edit_support.h"
+#include "edit/mesh_change.h"
+#include "edit/triangulate.h"
+#include "edit/undo.h"
+#include "model/alloc.h"
+#include "model/change_marks.h"
+#include "model/object_internal.h"
+#include "model/vector.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+// ---- triangles ----
+
+class triangle_cutter {
+public:
+    triangle_cutter(const vesk_mesh_t &from, vesk_mesh_t *to) : from_(from), to_(to) {}
+
+    void cut(int face)
+    {
+        face_ = face;
+        first_ = from_.offsets[place(face)];
+        const auto n = from_.face(face).size();
+        if (n == 3) {
+            add(0, 1, 2);
+        } else if (n == 4) {
+            cut_quad();
+        } else if (n > 4) {
+            find_normal();
+            if (is_convex())
+                fan();
+            else
+                tessellate();
+        }
+    }
+
+private:
+    [[nodiscard]] const point3_t &at(std::size_t i) const
+    {
+        return from_.points[place(from_.corners[place(first_) + i])];
+    }
+
+    void add(std::size_t a, std::size_t b, std::size_t c)
+    {
+        for (const std::size_t i : {a, b, c}) {
+            const std::size_t corner = place(first_) + i;
+            to_->add_corner(from_.corners[corner], from_.uv[corner]);
+        }
+        to_->end_face(from_.sources[place(face_)]);
+    }
+
+    void fan()
+    {
+        for (std::size_t i = 1; i + 1 < from_.face(face_).size(); ++i)
+            add(0, i, i + 1);
+    }
+
+    // A diagonal lies inside when both triangles turn the same way.
+    [[nodiscard]] bool diagonal_fits(std::size_t a) const
+    {
+        const point3_t along = point_sub(at((a + 2) % 4), at(a));
+        const point3_t one = point_cross(point_sub(at(a + 1), at(a)), along);
+        const point3_t two = point_cross(along, point_sub(at((a + 3) % 4), at(a)));
+        return point_dot(one, two) > 0;
+    }
+
+    void cut_quad()
+    {
+        const bool first = diagonal_fits(0), second = diagonal_fits(1);
+        const bool shorter =
+            point_length(point_sub(at(2), at(0))) <= point_length(point_sub(at(3), at(1)));
+        if (first == second ? shorter : first) {
+            add(0, 1, 2);
+            add(0, 2, 3);
+        } else {
+            add(1, 2, 3);
+            add(1, 3, 0);
+        }
+    }
+
+    void find_normal()
+    {
+        normal_ = {};
+        for (std::size_t i = 1; i + 1 < from_.face(face_).size(); ++i) {
+            const point3_t turn = point_cross(point_sub(at(i), at(0)), point_sub(at(i + 1), at(0)));
+            normal_ = point_add(normal_, turn);
+        }
+    }
+
+    // Every corner turns left, and once round in all.
+    [[nodiscard]] bool is_convex() const
+    {
+        const std::size_t n = from_.face(face_).size();
+        double round = 0;
+        for (std::size_t i = 0; i < n; ++i) {
+            const point3_t in = point_sub(at((i + 1) % n), at(i));
+            const point3_t out = point_sub(at((i + 2) % n), at((i + 1) % n));
+            const double turn = point_dot(point_cross(in, out), normal_);
+            if (turn < 0)
+                return false;
+            round += std::atan2(turn / std::max(point_length(normal_), 1e-30), point_dot(in, out));
+        }
+        return round < 7; // 2 pi, not 4 pi
+    }
+
+    // By a surface of its own for as long as this takes.
+    void tessellate()
+    {
+        const std::size_t n = from_.face(face_).size();
+        surface_t *surface = new_surface();
+        std::vector<vertex *> points;
+        for (std::size_t i = 0; i < n; ++i) {
+            points.push_back(new_vertex_set(at(i).x, at(i).y, at(i).z));
+            set_vertex_number(points.back(), static_cast<std::uint32_t>(i));
+            surface_add_vertex(surface, points.back(), 0, 0);
+        }
+        listitem *triangles = surface_get_triangulations(surface);
+        if (triangles == nullptr)
+            fan();
+        for (surface_t *triangle : each<surface_t>(triangles)) {
+            std::array<std::size_t, 3> corners = {};
+            std::size_t i = 0;
+            for (const svertex *corner : each<svertex>(triangle->refs))
+                corners[i++ % 3] = vertex_number(corner->vertex);
+            add(corners[0], corners[1], corners[2]);
+            surface_free_record(triangle);
+        }
+        list_free(&triangles);
+        surface_free_record(surface);
+        for (vertex *point : points)
+            vertex_free_record(point);
+    }
+
+    const vesk_mesh_t &from_;
+    vesk_mesh_t *to_;
+    int face_ = 0, first_ = 0;
+    point3_t normal_ = {};
+};
+
+} // namespace
+
+const edge_table &vesk_mesh::edge_list()
+{
+    if (!edges)
+        edges = std::make_unique<edge_table>(static_cast<int>(points.size()), offsets, corners);
+    return *edges;
+}
+
+void mesh_triangulate(vesk_mesh_t *mesh)
+{
+    const bool done =
+        std::all_of(mesh->offsets.begin() + 1, mesh->offsets.end(), [before = 0](int end) mutable {
+            return end - std::exchange(before, end) == 3;
+        });
+    if (done)
+        return;
+    vesk_mesh_t cut;
+    const std::size_t triangles = mesh->corners.size() - 2 * mesh->sources.size();
+    cut.corners.reserve(3 * triangles);
+    cut.uv.reserve(3 * triangles);
+    cut.sources.reserve(triangles);
+    cut.offsets.reserve(triangles + 1);
+    triangle_cutter cutter(*mesh, &cut);
+    for (int face = 0; face < mesh->num_faces(); ++face)
+        cutter.cut(face);
+    cut.points = std::move(mesh->points);
+    *mesh = std::move(cut);
+}
+
+vesk_mesh_t *vesk_object_to_mesh(object_t *object)
+{
+    auto mesh = std::make_unique<vesk_mesh_t>();
+    const flat_ptr flat = object_flat(object);
+    mesh->points = *flat->positions;
+    mesh->corners.reserve(place(flat->num_corners()));
+    mesh->uv.reserve(place(flat->num_corners()));
+    mesh->sources.reserve(place(flat->num_surfaces()));
+    mesh->offsets.reserve(place(flat->num_surfaces()) + 1);
+    for (int s = 0; s < flat->num_surfaces(); ++s) {
+        const auto corners = flat->surface_corners(s);
+        if (!is_polygon((*flat->surfaces)[place(s)]) || corners.size() < 3)
+            continue;
+        auto corner = place((*flat->corner_offsets)[place(s)]);
+        for (const int v : corners)
+            mesh->add_corner(v, (*flat->texture_coords)[corner++]);
+        mesh->end_face(s);
+    }
+    return mesh.release();
+}
+
+void vesk_mesh_free(vesk_mesh_t *mesh) { std::unique_ptr<vesk_mesh_t>(mesh).reset(); }
+
+void vesk_mesh_to_object(const vesk_mesh_t *mesh, object_t *object)
+{
+    mesh_change change(object);
+    const flat_ptr before = object_flat(object);
+    const auto old = place(before->num_vertices());
+    for (std::size_t v = old; v < mesh->points.size(); ++v)
+        change.add_vertex(mesh->points[v]);
+    for (int s = 0; s < before->num_surfaces(); ++s) {
+        if (is_polygon((*before->surfaces)[place(s)]))
+            change.remove_surface(s);
+    }
+    for (int face = 0; face < mesh->num_faces(); ++face) {
+        change.add_surface(mesh->sources[place(face)]);
+        auto corner = place(mesh->offsets[place(face)]);
+        for (const int v : mesh->face(face))
+            change.add_corner(v, mesh->uv[corner++]);
+    }
+    change.remove_unused();
+    // Before the commit, which may free some of them.
+    bool moved = false;
+    for (std::size_t v = 0; v < old && v < mesh->points.size(); ++v) {
+        if (point_equal((*before->positions)[v], mesh->points[v]))
+            continue;
+        (*before->vertex_records)[v]->position = mesh->points[v];
+        moved = true;
+    }
+    change.commit();
+    if (moved)
+        object_mark(object, CHANGED_POSITIONS);
+}
+
+int vesk_mesh_add_vertices(vesk_mesh_t *mesh, const float *xyz, int n)
+{
+    const auto first = static_cast<int>(mesh->points.size());
+    for (int i = 0; i < n; ++i, xyz += 3)
+        mesh->points.push_back({xyz[0], xyz[1], xyz[2]});
+    mesh->edges.reset();
+    return first;
+}
+
+int vesk_mesh_add_face(vesk_mesh_t *mesh, const int *vertices, int n, const float *uv, int like)
+{
+    const auto known = static_cast<int>(mesh->points.size());
+    if (n < 3 || like >= mesh->num_faces() ||
+        std::any_of(vertices, vertices + n, [&](int v) { return v < 0 || v >= known; }))
+        return -1;
+    for (int i = 0; i < n; ++i) {
+        mesh->add_corner(vertices[i],
+                         uv == nullptr ? flat_uv{0, 0} : flat_uv{uv[2 * i], uv[2 * i + 1]});
+    }
+    mesh->end_face(like < 0 ? -1 : mesh->sources[place(like)]);
+    mesh->edges.reset();
+    return mesh->num_faces() - 1;
+}
+
+int vesk_mesh_num_vertices(const vesk_mesh_t *mesh)
+{
+    return static_cast<int>(mesh->points.size());
+}
+
+int vesk_mesh_num_faces(const vesk_mesh_t *mesh) { return mesh->num_faces(); }
+
+int vesk_mesh_num_edges(vesk_mesh_t *mesh) { return mesh->edge_list().size(); }
+
+const float *vesk_mesh_positions(const vesk_mesh_t *mesh)
+{
+    static_assert(sizeof(point3_t) == 3 * sizeof(float));
+    return mesh->points.empty() ? nullptr : &mesh->points[0].x;
+}
+
+const int *vesk_mesh_face(const vesk_mesh_t *mesh, int face, int *n)
+{
+    const std::span<const int> corners =
+        face >= 0 && face < mesh->num_faces() ? mesh->face(face) : std::span<const int>();
+    *n = static_cast<int>(corners.size());
+    return corners.data();
+}
+
+int vesk_mesh_edge(vesk_mesh_t *mesh, int edge, int out_vertices[2], int out_faces[2])
+{
+    const edge_table &edges = mesh->edge_list();
+    if (edge < 0 || edge >= edges.size())
+        return 0;
+    const auto uses = edges.uses(edge);
+    out_vertices[0] = edges.edge(edge).a;
+    out_vertices[1] = edges.edge(edge).b;
+    for (std::size_t i = 0; i < 2; ++i)
+        out_faces[i] = i < uses.size() ? uses[i].surface : -1;
+    return static_cast<int>(uses.size());
+}
+
+void loop_subdivide(vesk_mesh_t *mesh, float factor) { loop_step(mesh, factor, nullptr); }
+
+void doosabin_subdivide(vesk_mesh_t *mesh) { doosabin_step(mesh, nullptr); }
+
+// ---- commands ----
+
+namespace {
+
+struct mesh_freer {
+    void operator()(vesk_mesh_t *mesh) const { vesk_mesh_free(mesh); }
+};
+using mesh_ptr = std::unique_ptr<vesk_mesh_t, mesh_freer>;
+
+// Computes a new mesh of every selected object, then writes them all back.
+void subdivide_selected(const char *what,
+                        const std::function<bool(vesk_mesh_t *, progress_t *)> &step)
+{
+    struct result_t {
+        object_t *object;
+        mesh_ptr mesh;
+    };
+    std::vector<object_t *> parts;
+    double work = 0;
+    for (object_t *top : selected_top_objects()) {
+        for_each_object(top, [&](object_t *object) {
+            if (object->surfaces == nullptr)
+                return;
+            parts.push_back(object);
+            work += object->num_surfaces;
+        });
+    }
+    if (parts.empty()) {
+        display_message("%s - nothing selected", what);
+        return;
+    }
+    display_message("%s...", what);
+    progress_t progress(work);
+    std::vector<result_t> results;
+    int count = 0;
+    for (object_t *object : parts) {
+        mesh_ptr mesh(vesk_object_to_mesh(object));
+        if (!step(mesh.get(), &progress)) {
+            display_message("%s - cancelled", what);
+            return;
+        }
+        count += mesh->num_faces();
+        results.push_back({object, std::move(mesh)});
+    }
+    new_undo(UNDO_WORLD, what);
+    set_undo_all();
+    for (result_t &result : results) {
+        vesk_mesh_to_object(result.mesh.get(), result.object);
+        result.mesh.reset();
+    }
+    calc_normals_of(parts);
+    finish_edit();
+    display_message("%s - %d surfaces", what, count);
+}
+
+} // namespace
+
+void surface_loop_subdivision(float factor)
+{
+    const float blend = std::clamp(factor, 0.0f, 1.0f);
+    subdivide_selected("loop subdivision", [blend](vesk_mesh_t *mesh, progress_t *progress) {
+        return loop_step(mesh, blend, progress);
+    });
+}
+
+void command_surface_doosabin() { subdivide_selected("doo-sabin subdivision", doosabin_step); }

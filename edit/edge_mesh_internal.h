@@ -1,0 +1,49 @@
+#ifndef VESK_EDIT_EDGE_MESH_INTERNAL_H
+#define VESK_EDIT_EDGE_MESH_INTERNAL_H
+
+#include "app/progress.h"
+#include "edit/edge_mesh.h"
+#include "edit/edge_table.h"
+
+#include <memory>
+#include <span>
+#include <vector>
+
+struct vesk_mesh {
+    std::vector<point3_t> points;
+    std::vector<int> offsets = {0}; // corners of face i: offsets[i] .. offsets[i + 1] - 1
+    std::vector<int> corners;
+    std::vector<flat_uv> uv;           // one a corner
+    std::vector<int> sources;          // of each face: place of a surface of the object, or -1
+    std::unique_ptr<edge_table> edges; // null after a change
+
+    [[nodiscard]] int num_faces() const { return static_cast<int>(sources.size()); }
+    [[nodiscard]] std::span<const int> face(int i) const
+    {
+        const auto at = static_cast<std::size_t>(i);
+        return {corners.data() + offsets[at],
+                static_cast<std::size_t>(offsets[at + 1] - offsets[at])};
+    }
+    void add_corner(int v, const flat_uv &coordinates)
+    {
+        corners.push_back(v);
+        uv.push_back(coordinates);
+    }
+    // Ends the face whose corners were added.
+    void end_face(int source)
+    {
+        sources.push_back(source);
+        offsets.push_back(static_cast<int>(corners.size()));
+    }
+    const edge_table &edge_list();
+};
+
+// Cuts every polygon into triangles: quads along a diagonal that lies inside, the shorter of two;
+// convex polygons into a fan; others by the tessellator.
+void mesh_triangulate(vesk_mesh_t *mesh);
+
+// The subdivisions with progress; false when the user cancelled (the mesh is then of no use).
+bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress);
+bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress);
+
+#endif

@@ -1,0 +1,299 @@
+// Loop's and Doo's and Sabin's subdivision of edge meshes.
+
+#include "edit/edge_mesh_internal.h"
+#include "model/vector.h"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+constexpr double pi = 3.14159265358979323846;
+constexpr int faces_between_looks = 16;
+
+// A sum of points in double precision.
+struct sum_t {
+    double x = 0, y = 0, z = 0;
+    void add(const point3_t &p, double weight)
+    {
+        x += p.x * weight;
+        y += p.y * weight;
+        z += p.z * weight;
+    }
+    [[nodiscard]] point3_t point() const
+    {
+        return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+    }
+};
+
+// True to go on. `faces` more are done.
+bool step(progress_t *progress, int faces)
+{
+    return progress == nullptr || faces % faces_between_looks != 0 || progress->step(faces);
+}
+
+// ---- Loop ----
+
+// What surrounds each vertex, gathered in one pass over the edges.
+struct surroundings {
+    std::vector<sum_t> neighbours; // sum of all
+    std::vector<sum_t> along;      // sum of those at the other end of a border edge
+    std::vector<int> count, borders;
+
+    surroundings(const vesk_mesh_t &mesh, const edge_table &edges)
+        : neighbours(mesh.points.size()), along(mesh.points.size()), count(mesh.points.size()),
+          borders(mesh.points.size())
+    {
+        for (int e = 0; e < edges.size(); ++e) {
+            const auto [a, b, first] = edges.edge(e);
+            const bool border = edges.uses(e).size() != 2;
+            meet(mesh, a, b, border);
+            meet(mesh, b, a, border);
+        }
+    }
+    void meet(const vesk_mesh_t &mesh, int v, int other, bool border)
+    {
+        neighbours[place(v)].add(mesh.points[place(other)], 1);
+        ++count[place(v)];
+        if (border) {
+            along[place(v)].add(mesh.points[place(other)], 1);
+            ++borders[place(v)];
+        }
+    }
+};
+
+point3_t smooth_vertex(const vesk_mesh_t &mesh, const surroundings &round, int v)
+{
+    const point3_t &p = mesh.points[place(v)];
+    const int borders = round.borders[place(v)];
+    const int n = round.count[place(v)];
+    if (n == 0 || (borders != 0 && borders != 2))
+        return p; // a corner of borders stays
+    sum_t sum = borders == 2 ? round.along[place(v)] : round.neighbours[place(v)];
+    double weight = 1.0 / 8;
+    if (borders == 0) {
+        const double middle = 3.0 / 8 + std::cos(2 * pi / n) / 4;
+        weight = (5.0 / 8 - middle * middle) / n;
+    }
+    sum = {sum.x * weight, sum.y * weight, sum.z * weight};
+    sum.add(p, 1 - weight * (borders == 2 ? 2 : n));
+    return sum.point();
+}
+
+// The corner of a triangle that an edge does not touch.
+int opposite(const vesk_mesh_t &mesh, const edge_use &use)
+{
+    const int first = mesh.offsets[place(use.surface)];
+    return mesh.corners[place(first + (use.corner - first + 2) % 3)];
+}
+
+point3_t smooth_middle(const vesk_mesh_t &mesh, const edge_table &edges, int e, double factor)
+{
+    const mesh_edge &edge = edges.edge(e);
+    const auto uses = edges.uses(e);
+    const bool inside = uses.size() == 2;
+    const double ends = inside ? 0.5 - factor / 8 : 0.5;
+    sum_t sum;
+    sum.add(mesh.points[place(edge.a)], ends);
+    sum.add(mesh.points[place(edge.b)], ends);
+    if (inside) {
+        for (const edge_use &use : uses)
+            sum.add(mesh.points[place(opposite(mesh, use))], factor / 8);
+    }
+    return sum.point();
+}
+
+flat_uv middle(const flat_uv &a, const flat_uv &b) { return {(a.u + b.u) / 2, (a.v + b.v) / 2}; }
+
+} // namespace
+
+bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
+{
+    mesh_triangulate(mesh);
+    const edge_table &edges = mesh->edge_list();
+    const surroundings round(*mesh, edges);
+    const auto old = static_cast<int>(mesh->points.size());
+
+    vesk_mesh_t fine;
+    fine.points.reserve(place(old) + place(edges.size()));
+    for (int v = 0; v < old; ++v) {
+        sum_t blended;
+        blended.add(mesh->points[place(v)], 1.0 - factor);
+        blended.add(smooth_vertex(*mesh, round, v), factor);
+        fine.points.push_back(factor > 0 ? blended.point() : mesh->points[place(v)]);
+    }
+    for (int e = 0; e < edges.size(); ++e)
+        fine.points.push_back(smooth_middle(*mesh, edges, e, factor));
+
+    std::vector<int> edge_of(mesh->corners.size(), -1);
+    for (int e = 0; e < edges.size(); ++e) {
+        for (const edge_use &use : edges.uses(e))
+            edge_of[place(use.corner)] = e;
+    }
+    const auto faces = mesh->sources.size();
+    fine.corners.reserve(12 * faces);
+    fine.uv.reserve(12 * faces);
+    fine.sources.reserve(4 * faces);
+    fine.offsets.reserve(4 * faces + 1);
+    for (int face = 0; face < mesh->num_faces(); ++face) {
+        if (!step(progress, face))
+            return false;
+        const auto first = place(3 * face);
+        std::array<int, 3> v = {}, m = {};
+        std::array<flat_uv, 3> uv = {}, muv = {};
+        for (std::size_t i = 0; i < 3; ++i) {
+            v[i] = mesh->corners[first + i];
+            uv[i] = mesh->uv[first + i];
+            muv[i] = middle(uv[i], mesh->uv[first + (i + 1) % 3]);
+            // A side from a vertex to itself has no edge: its middle is the vertex.
+            m[i] = edge_of[first + i] < 0 ? v[i] : old + edge_of[first + i];
+        }
+        for (std::size_t i = 0; i < 3; ++i) {
+            const std::size_t before = (i + 2) % 3;
+            fine.add_corner(v[i], uv[i]);
+            fine.add_corner(m[i], muv[i]);
+            fine.add_corner(m[before], muv[before]);
+            fine.end_face(mesh->sources[place(face)]);
+        }
+        for (std::size_t i = 0; i < 3; ++i)
+            fine.add_corner(m[i], muv[i]);
+        fine.end_face(mesh->sources[place(face)]);
+    }
+    *mesh = std::move(fine);
+    return true;
+}
+
+// ---- Doo and Sabin ----
+
+namespace {
+
+// Each corner's new vertex, for a face of n corners: weight (n + 5) / 4n of the corner itself and
+// (3 + 2 cos(2 pi k / n)) / 4n of the one k further.
+void shrink_face(const vesk_mesh_t &mesh, int face, vesk_mesh_t *fine)
+{
+    const auto corners = mesh.face(face);
+    const auto n = corners.size();
+    const auto first = place(mesh.offsets[place(face)]);
+    std::vector<double> weights(n);
+    for (std::size_t k = 0; k < n; ++k) {
+        const auto count = static_cast<double>(n);
+        weights[k] =
+            k == 0 ? (count + 5) / (4 * count)
+                   : (3 + 2 * std::cos(2 * pi * static_cast<double>(k) / count)) / (4 * count);
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        sum_t sum;
+        double u = 0, v = 0;
+        for (std::size_t j = 0; j < n; ++j) {
+            const double weight = weights[(i + n - j) % n];
+            sum.add(mesh.points[place(corners[j])], weight);
+            u += mesh.uv[first + j].u * weight;
+            v += mesh.uv[first + j].v * weight;
+        }
+        fine->points.push_back(sum.point());
+        fine->add_corner(static_cast<int>(fine->points.size()) - 1,
+                         {static_cast<float>(u), static_cast<float>(v)});
+    }
+    fine->end_face(mesh.sources[place(face)]);
+}
+
+// The walk from face to face about a vertex, by corners of the old mesh.
+class corner_walk {
+public:
+    corner_walk(const vesk_mesh_t &mesh, const edge_table &edges)
+        : mesh_(mesh), edges_(edges), edge_of_(mesh.corners.size(), -1),
+          face_of_(mesh.corners.size())
+    {
+        for (int e = 0; e < edges.size(); ++e) {
+            for (const edge_use &use : edges.uses(e))
+                edge_of_[place(use.corner)] = e;
+        }
+        for (int face = 0; face < mesh.num_faces(); ++face) {
+            for (int c = mesh.offsets[place(face)]; c < mesh.offsets[place(face) + 1]; ++c)
+                face_of_[place(c)] = face;
+        }
+    }
+    [[nodiscard]] int after(int corner) const
+    {
+        const int face = face_of_[place(corner)];
+        return corner + 1 < mesh_.offsets[place(face) + 1] ? corner + 1
+                                                           : mesh_.offsets[place(face)];
+    }
+    [[nodiscard]] int before(int corner) const
+    {
+        const int face = face_of_[place(corner)];
+        return corner > mesh_.offsets[place(face)] ? corner - 1
+                                                   : mesh_.offsets[place(face) + 1] - 1;
+    }
+    // True for an edge between two faces that agree about their front.
+    [[nodiscard]] bool joins(int e) const
+    {
+        const auto uses = edges_.uses(e);
+        return uses.size() == 2 && uses[0].forward != uses[1].forward &&
+               uses[0].surface != uses[1].surface;
+    }
+    // The same vertex's corner in the face across the side that ends in this corner, or -1.
+    [[nodiscard]] int next_about(int corner) const
+    {
+        const int side = before(corner);
+        const int e = edge_of_[place(side)];
+        if (e < 0 || !joins(e))
+            return -1;
+        const auto uses = edges_.uses(e);
+        return uses[0].corner == side ? uses[1].corner : uses[0].corner;
+    }
+    [[nodiscard]] int face_of(int corner) const { return face_of_[place(corner)]; }
+
+private:
+    const vesk_mesh_t &mesh_;
+    const edge_table &edges_;
+    std::vector<int> edge_of_, face_of_;
+};
+
+} // namespace
+
+bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress)
+{
+    const edge_table &edges = mesh->edge_list();
+    const auto old = static_cast<int>(mesh->points.size());
+    vesk_mesh_t fine;
+    fine.points = mesh->points;
+    // The new vertex of old corner c is old + c, its coordinates those of new corner c.
+    for (int face = 0; face < mesh->num_faces(); ++face) {
+        if (!step(progress, face))
+            return false;
+        shrink_face(*mesh, face, &fine);
+    }
+    const auto add = [&](int corner) { fine.add_corner(old + corner, fine.uv[place(corner)]); };
+    const corner_walk walk(*mesh, edges);
+    for (int e = 0; e < edges.size(); ++e) {
+        if (!walk.joins(e))
+            continue;
+        const int c = edges.uses(e)[0].corner, d = edges.uses(e)[1].corner;
+        add(walk.after(c));
+        add(c);
+        add(walk.after(d));
+        add(d);
+        fine.end_face(mesh->sources[place(edges.uses(e)[0].surface)]);
+    }
+    std::vector<bool> seen(mesh->corners.size());
+    std::vector<int> ring;
+    for (int start = 0; start < static_cast<int>(mesh->corners.size()); ++start) {
+        ring.clear();
+        int corner = start;
+        while (corner >= 0 && !seen[place(corner)]) {
+            seen[place(corner)] = true;
+            ring.push_back(corner);
+            corner = walk.next_about(corner);
+        }
+        if (corner != start || ring.size() < 3)
+            continue; // an open fan has no polygon
+        for (const int c : ring)
+            add(c);
+        fine.end_face(mesh->sources[place(walk.face_of(start))]);
+    }
+    *mesh = std::move(fine);
+    return true;
+}
