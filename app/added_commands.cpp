@@ -8,10 +8,12 @@
 #include "app/numbers.h"
 #include "app/progress.h"
 #include "edit/create.h"
+#include "edit/current_object.h"
 #include "edit/edge_mesh.h"
 #include "edit/extrude.h"
 #include "edit/object_flags.h"
 #include "edit/selection_internal.h"
+#include "edit/undo_internal.h"
 #include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
 #include "model/bounds.h"
@@ -192,38 +194,51 @@ void command_objects_select(const char *ids)
 
 void command_object_set_name(int id, const char *name)
 {
-    object_t *object = object_by_identity(id);
-    if (object == nullptr)
-        return;
-    object_set_name(object, name);
-    display_status();
+    set_object_name(object_by_identity(id), name);
 }
 
 void command_object_set_url(int id, const char *url)
 {
-    object_t *object = object_by_identity(id);
-    if (object == nullptr)
-        return;
-    object_set_url(object, url);
-    display_status();
+    set_object_url(object_by_identity(id), url);
 }
 
-// 1 when the object became a child of the other.
-void command_object_reparent(int id, int parent_id)
+bool lies_below(const object_t *object, const object_t *top)
+{
+    while (object != nullptr && object != top)
+        object = object->parent;
+    return object != nullptr;
+}
+
+// Makes the object a child of the other, in front of one of its children (0: at the end). Result 1,
+// or 0 when it cannot be.
+void command_object_move_before(int id, int parent_id, int before_id)
 {
     object_t *object = object_by_identity(id);
     object_t *parent = object_by_identity(parent_id);
-    if (object == nullptr || parent == nullptr)
+    object_t *before = before_id == 0 ? nullptr : object_by_identity(before_id);
+    if (object == nullptr || parent == nullptr || (before_id != 0 && before == nullptr))
         return;
-    const int done = object_reparent(object, parent);
+    const bool can = object != vesk_get_world() && !lies_below(parent, object) &&
+                     before != object && (before == nullptr || before->parent == parent);
+    if (can) {
+        new_undo_state("reparent");
+        object_reparent_before(object, parent, before);
+        redraw_all();
+    }
     display_status();
-    command_result_set(done != 0 ? "1" : "0");
+    command_result_set(can ? "1" : "0");
+}
+
+void command_object_reparent(int id, int parent_id)
+{
+    command_object_move_before(id, parent_id, 0);
 }
 
 void command_vesk_material_set_name(int i, const char *name)
 {
     if (i < 0 || i >= vesk_get_num_palette())
         return;
+    new_undo_state("name material");
     vesk_material_set_name(vesk_palette_get_material(i), name);
     palette_mark();
     display_status();
@@ -265,6 +280,9 @@ void register_added_commands()
         command_row("object_unlock", command_object_unlock, "<int object_id>", "unlock an object"),
         command_row("object_reparent", command_object_reparent,
                     "<int object_id> <int parent_object_id>", "make an object another's child"),
+        command_row("object_move_before", command_object_move_before,
+                    "<int object_id> <int parent_object_id> <int before_object_id (0 the end)>",
+                    "make an object another's child, in front of a child"),
         command_row("get_palette", command_get_palette, nullptr, "returns all diffuse colours"),
         command_row("get_material", command_get_material, "<int entrynum>",
                     "returns a palette entry"),

@@ -4,12 +4,14 @@
 #include "app/current_file.h"
 #include "app/messages_internal.h"
 #include "app/prefs.h"
+#include "app/ui_port.h"
 #include "app/version.h"
+#include "edit/current_object.h"
 #include "edit/modes.h"
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
 #include "edit/surface_copy.h"
-#include "edit/undo.h"
+#include "edit/undo_internal.h"
 #include "fileio/vesk_writer.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
@@ -76,6 +78,26 @@ counts_t counts_below(object_t *top)
         counts.vertices += object->num_vertices;
     });
     return counts;
+}
+
+// A record for the change of a palette entry. Changes that follow each other at once, as while a
+// slider is dragged, are one.
+void undo_of_material(int entry)
+{
+    static int last_entry = -1;
+    static unsigned last_serial = 0;
+    static double last_time = 0;
+    constexpr double at_once = 1.0; // seconds
+    if (entry < 0 || entry >= vesk_get_num_palette())
+        return;
+    const double now = ui_port().now_seconds();
+    const bool goes_on = entry == last_entry && last_serial == undo_last_serial() &&
+                         undo_label() != nullptr && now - last_time < at_once;
+    if (!goes_on)
+        new_undo_state("edit material");
+    last_entry = entry;
+    last_serial = undo_last_serial();
+    last_time = now;
 }
 
 } // namespace
@@ -205,6 +227,7 @@ void command_set_palette_entry(int i, float r, float g, float b, float ambient_r
                                float emissive_b, float specular_r, float specular_g,
                                float specular_b, float shininess, float transparency)
 {
+    undo_of_material(i);
     set_palette_entry(i, r, g, b, ambient_r, ambient_g, ambient_b, emissive_r, emissive_g,
                       emissive_b, specular_r, specular_g, specular_b, shininess, transparency);
     redraw_all();
@@ -296,8 +319,7 @@ void command_object_get_data(int id)
 
 void command_object_set_data(int id, const char *data)
 {
-    if (object_t *object = object_by_identity(id))
-        object_set_userdata(object, data);
+    set_object_data(object_by_identity(id), data);
 }
 
 void tcl_object_move_to_head(int id)
@@ -305,7 +327,10 @@ void tcl_object_move_to_head(int id)
     object_t *object = object_by_identity(id);
     if (object == nullptr)
         return;
-    object_move_to_head(object);
+    if (object->parent != nullptr && item_of<object_t>(object->parent->children) != object) {
+        new_undo_state("move to head");
+        object_move_to_head(object);
+    }
     redraw_all();
     display_status();
 }

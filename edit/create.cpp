@@ -55,9 +55,17 @@ object_t *make_mesh(int plane, const point3_t &c1, const point3_t &c2)
     return add_mesh(plane, &c1, &c2);
 }
 
+// The constructors leave some of their objects without a name.
+object_t *named(object_t *object, const char *name)
+{
+    object_set_name(object, name);
+    return object;
+}
+
 object_t *make_box(int plane, const point3_t &c1, const point3_t &c2)
 {
-    return point_equal(c1, c2) ? create_regular_cube(&c1) : add_cube(plane, &c1, &c2);
+    return point_equal(c1, c2) ? named(create_regular_cube(&c1), "cube")
+                               : add_cube(plane, &c1, &c2);
 }
 
 object_t *make_sphere(int plane, const point3_t &c1, const point3_t &c2)
@@ -87,7 +95,7 @@ object_t *make_cone(int plane, const point3_t &c1, const point3_t &c2)
 
 object_t *make_ico(int, const point3_t &c1, const point3_t &c2)
 {
-    return moved_to_middle(create_ico(), c1, c2);
+    return moved_to_middle(named(create_ico(), "icosahedron"), c1, c2);
 }
 
 const create_kind_t kinds[] = {

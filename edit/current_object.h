@@ -12,4 +12,13 @@ VESK_API void set_current_object_data(const char *data);
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+#include "model/object.h"
+// Of any object (null: nothing). Undo "set name", "set url", "set data"; none when the text is the
+// same.
+void set_object_name(object_t *object, const char *name);
+void set_object_url(object_t *object, const char *url);
+void set_object_data(object_t *object, const char *data);
+#endif
+
 #endif

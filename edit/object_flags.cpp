@@ -4,6 +4,7 @@
 #include "app/ui_port.h"
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
+#include "edit/undo_internal.h"
 #include "model/identity.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
@@ -21,9 +22,10 @@ struct flag_t {
     set_flag_t set;
     int on;
     const char *word;
+    const char *opposite;
 };
-const flag_t hidden = {object_set_visible, 0, "hide"};
-const flag_t locked = {object_set_locked, 1, "lock"};
+const flag_t hidden = {object_set_visible, 0, "hide", "unhide"};
+const flag_t locked = {object_set_locked, 1, "lock", "unlock"};
 
 std::vector<object_t *> whole_selected_objects()
 {
@@ -63,6 +65,7 @@ void set_selected(const flag_t &flag)
         display_message("%s - nothing selected", flag.word);
         return;
     }
+    new_undo_state(flag.word);
     for (object_t *object : objects)
         flag.set(object, flag.on);
     finish();
@@ -78,32 +81,49 @@ void set_unselected(const flag_t &flag)
         for (const object_t *above = object; above != nullptr; above = above->parent)
             kept.insert(above);
     }
-    int count = 0;
+    std::vector<object_t *> objects;
     for_each_object(vesk_get_world(), [&](object_t *object) {
         const bool top_of_unselected = !kept.contains(object) && kept.contains(object->parent);
         const bool child_of_world = object->parent == vesk_get_world() && !kept.contains(object);
-        if (!top_of_unselected && !child_of_world)
-            return;
-        flag.set(object, flag.on);
-        ++count;
+        if (top_of_unselected || child_of_world)
+            objects.push_back(object);
     });
+    if (!objects.empty())
+        new_undo_state(flag.word);
+    for (object_t *object : objects)
+        flag.set(object, flag.on);
     finish();
-    display_message("%s - %d objects", flag.word, count);
+    display_message("%s - %d objects", flag.word, static_cast<int>(objects.size()));
+}
+
+// Whether any object of the world has the flag on.
+bool any_has(const flag_t &flag)
+{
+    const auto has = [&flag](const object_t *object) {
+        if (object == vesk_get_world())
+            return false;
+        return &flag == &hidden ? object->visible == 0 : object->locked != 0;
+    };
+    return find_object_where(vesk_get_world(), has) != nullptr;
 }
 
 void set_all_off(const flag_t &flag)
 {
-    for (object_t *object : elements_of<object_t>(vesk_get_world()->children))
-        flag.set(object, 1 - flag.on);
+    if (any_has(flag)) {
+        new_undo_state(flag.opposite);
+        for (object_t *object : elements_of<object_t>(vesk_get_world()->children))
+            flag.set(object, 1 - flag.on);
+    }
     finish();
 }
 
-void set_one(int id, set_flag_t set, int value)
+void set_one(int id, const flag_t &flag, int value)
 {
     object_t *object = object_by_identity(id);
     if (object == nullptr)
         return;
-    set(object, value);
+    new_undo_state(value == flag.on ? flag.word : flag.opposite);
+    flag.set(object, value);
     finish();
 }
 
@@ -118,7 +138,7 @@ void command_lock_unselected() { set_unselected(locked); }
 void show_all(void) { set_all_off(hidden); }
 void command_unlock() { set_all_off(locked); }
 
-void command_object_hide(int id) { set_one(id, object_set_visible, 0); }
-void command_object_unhide(int id) { set_one(id, object_set_visible, 1); }
-void command_object_lock(int id) { set_one(id, object_set_locked, 1); }
-void command_object_unlock(int id) { set_one(id, object_set_locked, 0); }
+void command_object_hide(int id) { set_one(id, hidden, 0); }
+void command_object_unhide(int id) { set_one(id, hidden, 1); }
+void command_object_lock(int id) { set_one(id, locked, 1); }
+void command_object_unlock(int id) { set_one(id, locked, 0); }

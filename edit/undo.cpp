@@ -181,6 +181,12 @@ void new_undo(int kind, const char *description)
     set_undo_string(description);
 }
 
+void new_undo_state(const char *description)
+{
+    new_undo(undo_state_kind, description);
+    set_undo_all();
+}
+
 // ---- filling ----
 
 void set_undo_vert(float x, float y, float z)

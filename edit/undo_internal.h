@@ -65,6 +65,12 @@ struct undo_record {
 using undo_record_ptr = std::shared_ptr<undo_record>;
 using undo_stack = std::vector<undo_record_ptr>;
 
+// Beside the public kinds: the saved model comes back, older records stay. For changes that free
+// nothing: names, links, flags, the palette.
+constexpr int undo_state_kind = 0x800000;
+// Opens such a record, with the model as it is now.
+void new_undo_state(const char *description);
+
 struct undo_kind {
     int kind;
     bool notes_selection; // when the record is opened: the reversal works on it

@@ -425,6 +425,14 @@ void reverse_world(undo_record &record)
     clear_all_undos();
 }
 
+void reverse_state(undo_record &record)
+{
+    const state_ptr model = record.model;
+    if (model)
+        model_state_restore(model, restore_selection::no);
+    undo_drop_newest();
+}
+
 void reverse_external(undo_record &record)
 {
     const vesk_undoable_t undoable = record.undoable;
@@ -457,6 +465,7 @@ const undo_kind kinds[] = {
     {UNDO_TEXTURE_COORDS, false, false, reverse_texture_coords},
     {UNDO_SURFACES,       false, false, reverse_surfaces},
     {UNDO_EXTERNAL,       false, false, reverse_external},
+    {undo_state_kind,     false, false, reverse_state},
 };
 // clang-format on
 
