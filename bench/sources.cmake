@@ -2,3 +2,4 @@
 vesk_bench(files_bench files_bench.cpp)
 vesk_bench(pick_bench pick_bench.cpp)
 vesk_bench(undo_bench undo_bench.cpp)
+vesk_bench(geometry_bench geometry_bench.cpp)

@@ -9,6 +9,7 @@
 #include "view/redraw.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <unordered_set>
 
@@ -66,26 +67,37 @@ std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
 
 std::vector<owned_elements> target_surfaces()
 {
-    const owned_list surfaces(find_selected_whole_surfaces());
-    std::vector<owned_elements> targets = surfaces_by_owner_in_order(surfaces.get());
+    std::vector<owned_elements> of_objects;
+    std::unordered_set<const object_t *> whole;
     for (object_t *top : selected_top_objects()) {
         for_each_object(top, [&](object_t *object) {
+            whole.insert(object);
             if (object->num_surfaces == 0)
                 return;
             std::vector<int> all(object_flat(object)->surfaces->size());
             std::iota(all.begin(), all.end(), 0);
-            targets.push_back({object, std::move(all)});
+            of_objects.push_back({object, std::move(all)});
         });
     }
+    const owned_list surfaces(find_selected_whole_surfaces());
+    std::vector<owned_elements> targets = surfaces_by_owner_in_order(surfaces.get());
+    std::erase_if(targets, [&](const owned_elements &owned) { return whole.count(owned.object); });
+    std::move(of_objects.begin(), of_objects.end(), std::back_inserter(targets));
     return targets;
+}
+
+std::size_t count_elements(const std::vector<owned_elements> &owners)
+{
+    std::size_t count = 0;
+    for (const owned_elements &owned : owners)
+        count += owned.indices.size();
+    return count;
 }
 
 void run_surface_operation(const char *what, bool (*compute)(surface_work &work))
 {
     const std::vector<owned_elements> targets = target_surfaces();
-    std::size_t total = 0;
-    for (const owned_elements &owned : targets)
-        total += owned.indices.size();
+    const std::size_t total = count_elements(targets);
     if (total > 0)
         display_message("%s...", what);
     progress_t progress(static_cast<double>(total));
@@ -109,6 +121,7 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
     }
     new_undo(UNDO_WORLD, what);
     set_undo_all();
+    clear_selection(); // before: what is not selected need not be looked for among what goes
     std::vector<object_t *> touched;
     for (std::size_t i = 0; i < changes.size(); ++i) {
         for (surface_t *surface : changes[i].commit().surfaces)
@@ -116,7 +129,6 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
         touched.push_back(targets[i].object);
     }
     calc_normals_of(touched);
-    clear_selection();
     select_surfacelist(results.get());
     finish_edit();
     display_message("%s - %d surfaces", what, changed);

@@ -29,6 +29,7 @@ std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
 // What the surface operations work on: the selected whole surfaces, and all surfaces of the selected
 // objects and their descendants.
 std::vector<owned_elements> target_surfaces();
+std::size_t count_elements(const std::vector<owned_elements> &owners);
 
 // An operation that replaces surfaces or gives them more corners: the computing half for one
 // object, then what it leaves behind.

@@ -59,6 +59,13 @@ int mesh_change::index_of(const surface_t *surface)
     return found == places_.end() ? -1 : found->second;
 }
 
+void mesh_change::reserve(std::size_t vertices, std::size_t surfaces, std::size_t corners)
+{
+    vertices_.reserve(vertices_.size() + vertices);
+    surfaces_.reserve(surfaces_.size() + surfaces);
+    corners_.reserve(corners_.size() + corners);
+}
+
 int mesh_change::add_vertex(const point3_t &position, int like)
 {
     vertices_.push_back({position, like});

@@ -24,6 +24,9 @@ public:
     // Place of a surface of the object, or -1.
     int index_of(const surface_t *surface);
 
+    // Room for about so many new ones, to be made in one piece.
+    void reserve(std::size_t vertices, std::size_t surfaces, std::size_t corners);
+
     // A new vertex; with `like` it takes over that old vertex's other fields. Returns its place.
     int add_vertex(const point3_t &position, int like = -1);
     [[nodiscard]] point3_t position(int at) const;

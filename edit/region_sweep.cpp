@@ -167,10 +167,7 @@ using region_sweeps = std::vector<std::unique_ptr<region_sweep>>;
 sweep_outcome compute(const std::vector<owned_elements> &owners, const sweep_t &sweep,
                       region_sweeps &parts)
 {
-    std::size_t total = 0;
-    for (const owned_elements &owned : owners)
-        total += owned.indices.size();
-    progress_t progress(2.0 * static_cast<double>(total));
+    progress_t progress(2.0 * static_cast<double>(count_elements(owners)));
     double done = 0;
     bool going = true;
     for (const owned_elements &owned : owners) {

@@ -47,6 +47,7 @@ target_sources(vesk_core PRIVATE
     edit/subdivide.cpp
     edit/surface_attributes.cpp
     edit/surface_copy.cpp
+    edit/tessellator.cpp
     edit/text_objects.cpp
     edit/transform.cpp
     edit/triangulate.cpp

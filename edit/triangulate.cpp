@@ -1,86 +1,28 @@
 #include "edit/triangulate.h"
 
 #include "app/messages.h"
-#include "app/messages_internal.h"
+#include "app/progress.h"
 #include "edit/edit_support.h"
 #include "edit/mesh_change.h"
+#include "edit/tessellator.h"
 #include "edit/undo.h"
 #include "model/object_internal.h"
 #include "model/owners.h"
 #include "view/redraw.h"
 
-#include <GL/glu.h>
+#include <numeric>
 
 namespace {
 
 std::size_t place(int index) { return static_cast<std::size_t>(index); }
 
-// One tessellator for many polygons. The edge-flag callback makes it report separate triangles
-// only; without a combine callback outlines that cross themselves are errors.
-class tessellator_t {
-public:
-    tessellator_t() : tess_(gluNewTess())
-    {
-        gluTessCallback(tess_, GLU_TESS_VERTEX_DATA, reinterpret_cast<_GLUfuncptr>(on_vertex));
-        gluTessCallback(tess_, GLU_TESS_EDGE_FLAG, reinterpret_cast<_GLUfuncptr>(on_edge_flag));
-        gluTessCallback(tess_, GLU_TESS_ERROR_DATA, reinterpret_cast<_GLUfuncptr>(on_error));
-    }
-    ~tessellator_t() { gluDeleteTess(tess_); }
-    tessellator_t(const tessellator_t &) = delete;
-    tessellator_t &operator=(const tessellator_t &) = delete;
-
-    // Fills triangles() with places in the outline, three for each. False when the outline is
-    // refused, or too flat to give any.
-    bool cut(const std::vector<point3_t> &outline)
-    {
-        triangles_.clear();
-        failed_ = false;
-        coordinates_.resize(outline.size());
-        gluTessBeginPolygon(tess_, this);
-        gluTessBeginContour(tess_);
-        for (std::size_t i = 0; i < outline.size(); ++i) {
-            corner_t &corner = coordinates_[i];
-            corner = {{outline[i].x, outline[i].y, outline[i].z}, static_cast<int>(i)};
-            gluTessVertex(tess_, corner.at, &corner);
-        }
-        gluTessEndContour(tess_);
-        gluTessEndPolygon(tess_);
-        return !failed_ && !triangles_.empty() && triangles_.size() % 3 == 0;
-    }
-    [[nodiscard]] const std::vector<int> &triangles() const { return triangles_; }
-
-private:
-    struct corner_t {
-        GLdouble at[3];
-        int index;
-    };
-
-    static void on_vertex(void *corner, void *self)
-    {
-        static_cast<tessellator_t *>(self)->triangles_.push_back(
-            static_cast<const corner_t *>(corner)->index);
-    }
-    static void on_edge_flag(GLboolean) {}
-    static void on_error(GLenum code, void *self)
-    {
-        console_printf("triangulation error (%d) probably overlapping polygon edges (%s)\n",
-                       static_cast<int>(code), gluErrorString(code));
-        static_cast<tessellator_t *>(self)->failed_ = true;
-    }
-
-    GLUtesselator *tess_;
-    std::vector<corner_t> coordinates_;
-    std::vector<int> triangles_;
-    bool failed_ = false;
-};
-
 struct triangulation_counts {
     int triangulated = 0, failed = 0, lines = 0;
 };
 
-// Cuts one surface of the change's object, and counts it.
-bool triangulate(int surface, tessellator_t &tessellator, mesh_change &change,
-                 triangulation_counts &counts)
+// Cuts one surface of the change's object, and counts it. `outline` is scratch.
+bool triangulate(int surface, tessellator_t &tessellator, std::vector<point3_t> &outline,
+                 mesh_change &change, triangulation_counts &counts)
 {
     const flat_mesh &mesh = change.before();
     const auto corners = mesh.surface_corners(surface);
@@ -90,9 +32,9 @@ bool triangulate(int surface, tessellator_t &tessellator, mesh_change &change,
         ++counts.lines;
         return false;
     }
-    std::vector<point3_t> outline;
+    outline.clear();
     for (const int v : corners)
-        outline.push_back(change.position(v));
+        outline.push_back((*mesh.positions)[place(v)]);
     if (!tessellator.cut(outline)) {
         ++counts.failed;
         return false;
@@ -115,15 +57,20 @@ void add_all(owned_list &list, const std::vector<surface_t *> &surfaces)
         list.add(surface);
 }
 
-void triangulate_tree(object_t *object, triangulation_counts &counts, owned_list &triangles)
+// The computing half for these surfaces. False when the user cancelled.
+bool triangulate_all(const std::vector<int> &surfaces, tessellator_t &tessellator,
+                     mesh_change &change, triangulation_counts &counts, progress_t *progress,
+                     double &done)
 {
-    tessellator_t tessellator;
-    for_each_object(object, [&](object_t *part) {
-        mesh_change change(part);
-        for (int i = 0; i < change.before().num_surfaces(); ++i)
-            triangulate(i, tessellator, change, counts);
-        add_all(triangles, change.commit().surfaces);
-    });
+    const auto corners = place(change.before().num_corners());
+    change.reserve(0, corners / 2, 3 * (corners / 2));
+    std::vector<point3_t> outline;
+    for (const int surface : surfaces) {
+        triangulate(surface, tessellator, outline, change, counts);
+        if (progress != nullptr && !progress->step(++done))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -166,7 +113,8 @@ listitem *surface_triangulate(object_t *object, surface_t *surface)
     const int index = change.index_of(surface);
     tessellator_t tessellator;
     triangulation_counts counts;
-    if (index < 0 || !triangulate(index, tessellator, change, counts))
+    std::vector<point3_t> outline;
+    if (index < 0 || !triangulate(index, tessellator, outline, change, counts))
         return nullptr;
     owned_list triangles;
     add_all(triangles, change.commit().surfaces);
@@ -177,7 +125,15 @@ listitem *object_triangulate_surfaces(object_t *object)
 {
     triangulation_counts counts;
     owned_list triangles;
-    triangulate_tree(object, counts, triangles);
+    tessellator_t tessellator;
+    for_each_object(object, [&](object_t *part) {
+        mesh_change change(part);
+        std::vector<int> all(place(change.before().num_surfaces()));
+        std::iota(all.begin(), all.end(), 0);
+        double done = 0;
+        triangulate_all(all, tessellator, change, counts, nullptr, done);
+        add_all(triangles, change.commit().surfaces);
+    });
     return triangles.release();
 }
 
@@ -185,24 +141,27 @@ listitem *object_triangulate_surfaces(object_t *object)
 
 void selected_surface_triangulate(void)
 {
-    const owned_list surfaces(find_selected_whole_surfaces());
+    const std::vector<owned_elements> targets = target_surfaces();
     display_status();
     new_undo(UNDO_WORLD, "triangluate"); // Deliberate: spelt so.
     set_undo_all();
 
     triangulation_counts counts;
-    owned_list triangles;
     tessellator_t tessellator;
-    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
-        mesh_change change(owned.object);
-        for (const int surface : owned.indices)
-            triangulate(surface, tessellator, change, counts);
-        add_all(triangles, change.commit().surfaces);
+    progress_t progress(static_cast<double>(count_elements(targets)));
+    double done = 0;
+    std::vector<mesh_change> changes;
+    for (const owned_elements &owned : targets) {
+        if (!triangulate_all(owned.indices, tessellator, changes.emplace_back(owned.object), counts,
+                             &progress, done)) {
+            cancelled("triangulate");
+            return;
+        }
     }
-    for (object_t *object : selected_top_objects())
-        triangulate_tree(object, counts, triangles);
-
     clear_selection();
+    owned_list triangles;
+    for (mesh_change &change : changes)
+        add_all(triangles, change.commit().surfaces);
     select_surfacelist(triangles.get());
     redraw_all();
     if (counts.failed > 0 || counts.lines > 0) {

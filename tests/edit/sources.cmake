@@ -15,6 +15,7 @@ target_sources(vesk_tests PRIVATE
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/state_undo_test.cpp
+    edit/tessellator_test.cpp
     edit/text_objects_test.cpp
     edit/transform_test.cpp
     edit/undo_test.cpp
