@@ -2,6 +2,7 @@
 
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "app/progress.h"
 #include "edit/edit_support.h"
 #include "edit/mesh_change.h"
 #include "edit/undo.h"
@@ -10,6 +11,8 @@
 #include "model/owners.h"
 #include "model/vector.h"
 #include "view/redraw.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -31,20 +34,30 @@ flat_uv shrunk(const flat_uv &uv, float factor)
     return {(uv.u - 0.5f) * factor + 0.5f, (uv.v - 0.5f) * factor + 0.5f};
 }
 
-// The copies of the outline's vertices, scaled about their mean.
-std::vector<int> add_scaled(mesh_change &change, const outline_t &outline, float factor)
+// Room for rings round all these surfaces.
+void reserve_rings(mesh_change &change, std::size_t surfaces)
+{
+    const flat_mesh &mesh = change.before();
+    const std::size_t all = std::max<std::size_t>(mesh.surfaces->size(), 1);
+    const std::size_t corners = mesh.corners->size() * std::min(surfaces, all) / all;
+    change.reserve(corners, corners + surfaces, 5 * corners);
+}
+
+// The copies of the outline's vertices, scaled about their mean; they follow each other from the
+// place that is returned.
+int add_scaled(mesh_change &change, const outline_t &outline, float factor)
 {
     point3_t mean = {0, 0, 0};
     for (const int v : outline.corners)
         mean = point_add(mean, change.position(v));
     const auto n = static_cast<float>(outline.corners.size());
     mean = {mean.x / n, mean.y / n, mean.z / n};
-    std::vector<int> copies;
+    const int first = change.num_vertices();
     for (const int v : outline.corners) {
         const point3_t away = point_sub(change.position(v), mean);
-        copies.push_back(change.add_vertex(point_add(mean, point_scale(away, factor)), v));
+        change.add_vertex(point_add(mean, point_scale(away, factor)), v);
     }
-    return copies;
+    return first;
 }
 
 // Whether the polygon was holed; the inner polygon is then the last surface that was added.
@@ -56,21 +69,22 @@ bool hole(int surface, float factor, bool with_inner, mesh_change &change)
     if ((*mesh.surfaces)[place(surface)].type != SURFACE_POLYGON || n < 3)
         return false;
 
-    const std::vector<int> copies = add_scaled(change, outline, factor);
+    const int copies = add_scaled(change, outline, factor);
+    const auto copy_of = [copies](std::size_t corner) { return copies + static_cast<int>(corner); };
     for (std::size_t i = 0; i < n; ++i) {
         const std::size_t next = (i + 1) % n;
         change.add_surface(surface);
         change.add_corner(outline.corners[i], outline.uv[i]);
         change.add_corner(outline.corners[next], outline.uv[next]);
-        change.add_corner(copies[next], shrunk(outline.uv[next], factor));
-        change.add_corner(copies[i], shrunk(outline.uv[i], factor));
+        change.add_corner(copy_of(next), shrunk(outline.uv[next], factor));
+        change.add_corner(copy_of(i), shrunk(outline.uv[i], factor));
         if (factor > 1)
             change.reverse_corners();
     }
     if (with_inner) {
         change.add_surface(surface);
         for (std::size_t i = 1; i <= n; ++i) // begins at the copy of the second corner
-            change.add_corner(copies[i % n], shrunk(outline.uv[i % n], factor));
+            change.add_corner(copy_of(i % n), shrunk(outline.uv[i % n], factor));
     }
     change.remove_surface(surface);
     return true;
@@ -85,7 +99,7 @@ void bevel(int surface, mesh_change &change)
     const auto size = static_cast<float>(prefs.bevel_size);
     const point3_t lift = point_scale((*mesh.face_normals)[place(surface)], size);
 
-    std::vector<int> cap;
+    const int cap = change.num_vertices();
     change.add_surface(surface);
     for (std::size_t i = 0; i < n; ++i) {
         const point3_t p = change.position(outline.corners[i]);
@@ -95,19 +109,38 @@ void bevel(int surface, mesh_change &change)
         normalize_point(&to_previous);
         point3_t bisector = point_add(to_next, to_previous);
         normalize_point(&bisector);
-        cap.push_back(
-            change.add_vertex(point_add(point_add(p, point_scale(bisector, size)), lift)));
-        change.add_corner(cap.back(), {0, 0});
+        const int raised =
+            change.add_vertex(point_add(point_add(p, point_scale(bisector, size)), lift));
+        change.add_corner(raised, {0, 0});
     }
     for (std::size_t i = 0; i < n; ++i) {
         const std::size_t next = (i + 1) % n;
         change.add_surface(surface);
         change.add_corner(outline.corners[i], outline.uv[i]);
         change.add_corner(outline.corners[next], outline.uv[next]);
-        change.add_corner(cap[next], {0, 0});
-        change.add_corner(cap[i], {0, 0});
+        change.add_corner(cap + static_cast<int>(next), {0, 0});
+        change.add_corner(cap + static_cast<int>(i), {0, 0});
     }
     change.remove_surface(surface);
+}
+
+// The computing half of a command; false when the user cancelled.
+template <class Ring>
+bool compute_rings(const std::vector<owned_elements> &targets, std::vector<mesh_change> &changes,
+                   const Ring &ring)
+{
+    progress_t progress(static_cast<double>(count_elements(targets)));
+    double done = 0;
+    for (const owned_elements &owned : targets) {
+        mesh_change &change = changes.emplace_back(owned.object);
+        reserve_rings(change, owned.indices.size());
+        for (const int surface : owned.indices) {
+            ring(surface, change);
+            if (!progress.step(++done))
+                return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -126,6 +159,7 @@ void object_make_holes(object_t *object, float factor)
 {
     for_each_object(object, [factor](object_t *part) {
         mesh_change change(part);
+        reserve_rings(change, change.before().surfaces->size());
         for (int i = 0; i < change.before().num_surfaces(); ++i)
             hole(i, factor, false, change);
         change.commit();
@@ -149,6 +183,7 @@ int object_bevel(object_t *object)
     for_each_object(object, [&count](object_t *part) {
         mesh_change change(part);
         const int n = change.before().num_surfaces();
+        reserve_rings(change, place(n));
         for (int i = 0; i < n; ++i)
             bevel(i, change);
         change.commit();
@@ -184,15 +219,18 @@ void selected_surfaces_make_hole(void)
             "the hole %% setting is less than zero - please set to a positive number");
         return;
     }
-    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
-        mesh_change change(owned.object);
-        for (const int surface : owned.indices)
+    std::vector<mesh_change> changes;
+    const bool finished =
+        compute_rings(target_surfaces(), changes, [factor](int surface, mesh_change &change) {
             hole(surface, factor, false, change);
-        change.commit();
+        });
+    if (!finished) {
+        cancelled("make hole");
+        return;
     }
-    for (object_t *object : selected_objects())
-        object_make_holes(object, factor);
     clear_selection();
+    for (mesh_change &change : changes)
+        change.commit();
     redraw_all();
     display_message("make hole - done");
     display_status();
@@ -208,20 +246,24 @@ void selected_surfaces_bevel(void)
     display_message("bevel...");
     new_undo(UNDO_WORLD, "bevel");
     set_undo_all();
-    int count = 0;
-    std::vector<object_t *> touched;
-    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
-        mesh_change change(owned.object);
-        for (const int surface : owned.indices)
-            bevel(surface, change);
-        change.commit();
-        count += static_cast<int>(owned.indices.size());
-        touched.push_back(owned.object);
+    const std::vector<owned_elements> targets = target_surfaces();
+    const std::vector<object_t *> objects = selected_top_objects();
+    std::vector<mesh_change> changes;
+    if (!compute_rings(targets, changes, bevel)) {
+        cancelled("bevel");
+        return;
     }
-    calc_normals_of(touched);
-    for (object_t *object : selected_objects())
-        count += object_bevel(object);
     clear_selection();
+    std::vector<object_t *> touched;
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        changes[i].commit();
+        touched.push_back(targets[i].object);
+    }
+    if (objects.empty())
+        calc_normals_of(touched);
+    for (object_t *object : objects) // Deliberate: also while recalc_normals is off
+        object_calc_normals_force(object);
+    const auto count = static_cast<int>(count_elements(targets));
     redraw_all();
     display_message("surfaces beveled: %d", count);
     display_status();

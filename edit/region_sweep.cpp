@@ -139,6 +139,7 @@ bool region_sweep::add_walls(progress_t &progress, double &done)
 
 bool region_sweep::add_caps(progress_t &progress, double &done)
 {
+    change_.reserve(mesh_.positions->size(), surfaces_.size(), mesh_.corners->size());
     for (const int surface : surfaces_) {
         change_.add_surface(surface);
         for (int c = (*mesh_.corner_offsets)[place(surface)];

@@ -148,6 +148,8 @@ bool subdivide(surface_work &work)
     const flat_mesh &mesh = change.before();
     edge_middles middles(change);
     std::vector<bool> replaced(place(mesh.num_surfaces()));
+    const std::size_t corners = mesh.corners->size();
+    change.reserve(corners / 2 + work.surfaces.size(), corners, 4 * corners);
     for (const int surface : work.surfaces) {
         middles.split_all(surface);
         if (!work.progress.step(++work.done))
@@ -177,6 +179,7 @@ bool spike(surface_work &work)
 {
     mesh_change &change = work.change;
     const flat_mesh &mesh = change.before();
+    change.reserve(work.surfaces.size(), mesh.corners->size(), 3 * mesh.corners->size());
     for (const int surface : work.surfaces) {
         if (!work.progress.step(++work.done))
             return false;

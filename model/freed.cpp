@@ -62,8 +62,10 @@ void finish(const freed_things &freed)
 {
     if (freed.empty())
         return;
-    if (!record().listeners.empty())
+    if (!record().listeners.empty() && !freed.objects.empty())
         announce(with_contents(freed));
+    else
+        announce(freed);
     for (object_t *object : freed.objects)
         free_object_record(object);
     for (surface_t *surface : freed.surfaces)

@@ -1,8 +1,8 @@
 // The short cut for convex quads gives exactly what the tessellator gives, triangle by triangle.
 
-#include "edit/selection.h"
 #include "edit/tessellator.h"
 
+#include "edit/selection.h"
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
 
