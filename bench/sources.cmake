@@ -1,5 +1,6 @@
 # One vesk_bench(name source...) line for each benchmark.
 vesk_bench(files_bench files_bench.cpp)
+vesk_bench(objects_bench objects_bench.cpp)
 vesk_bench(pick_bench pick_bench.cpp)
 vesk_bench(undo_bench undo_bench.cpp)
 vesk_bench(geometry_bench geometry_bench.cpp)

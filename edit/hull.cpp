@@ -16,6 +16,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <libqhull_r/qhull_ra.h>
 #include <string>
 
@@ -68,6 +69,14 @@ public:
             visit_polygon(facet, &corners, visit);
         state_.NOerrexit = True;
         return true;
+    }
+    // Calls visit(normal, offset) for the plane of each facet.
+    template <class Visit>
+    void for_each_plane(Visit &&visit)
+    {
+        for (facetT *facet = state_.facet_list; facet != nullptr && facet->next != nullptr;
+             facet = facet->next)
+            visit(facet->normal, facet->offset);
     }
     // The same for simplices of the lower Delaunay hull: their points in the library's order.
     template <class Visit>
@@ -139,11 +148,103 @@ double turn_about(int axis, const point3_t &a, const point3_t &b, const point3_t
 
 } // namespace
 
+namespace {
+
+// Planes of faces: inside is where all of them are negative.
+struct plane_t {
+    double x, y, z, offset;
+    [[nodiscard]] double height(const double *p) const
+    {
+        return x * p[0] + y * p[1] + z * p[2] + offset;
+    }
+};
+
+std::string precision_option(double precision)
+{
+    char option[64];
+    std::snprintf(option, sizeof option, "C-%.9g", std::max(precision, 0.0));
+    return option;
+}
+
+// The points that are furthest in some sixty directions.
+std::vector<double> furthest_points(const std::vector<double> &numbers)
+{
+    std::vector<std::array<double, 3>> directions;
+    for (int i = -2; i <= 2; ++i) {
+        for (int j = -2; j <= 2; ++j) {
+            for (int k = -2; k <= 2; ++k) {
+                const int most = std::max({std::abs(i), std::abs(j), std::abs(k)});
+                const bool one_side = i > 0 || (i == 0 && (j > 0 || (j == 0 && k > 0)));
+                if (most == 2 && one_side)
+                    directions.push_back({i / 2.0, j / 2.0, k / 2.0});
+            }
+        }
+    }
+    std::vector<double> found;
+    for (const auto &[x, y, z] : directions) {
+        const double *least = numbers.data(), *most = least;
+        double low = 1e300, high = -1e300;
+        for (const double *p = numbers.data(), *end = p + numbers.size(); p != end; p += 3) {
+            const double along = x * p[0] + y * p[1] + z * p[2];
+            if (along < low) {
+                low = along;
+                least = p;
+            }
+            if (along > high) {
+                high = along;
+                most = p;
+            }
+        }
+        found.insert(found.end(), least, least + 3);
+        found.insert(found.end(), most, most + 3);
+    }
+    return found;
+}
+
+// Takes out the points that lie well inside the hull of a few: they cannot be part of the whole
+// one. Of a body most points go. (S. Akl, G. Toussaint, A fast convex hull algorithm, 1978.)
+void drop_inner_points(double precision, std::vector<double> *numbers, std::vector<int> *names)
+{
+    constexpr std::size_t few = 1000;
+    if (names->size() < few)
+        return;
+    std::vector<double> outer = furthest_points(*numbers);
+    std::vector<plane_t> planes;
+    double extent = 0;
+    for (const double x : outer)
+        extent = std::max(extent, std::fabs(x));
+    qhull_run qhull;
+    if (qhull.run(outer, 3, precision_option(precision)) != hull_result::done)
+        return;
+    qhull.for_each_plane([&](const double *normal, double offset) {
+        planes.push_back({normal[0], normal[1], normal[2], offset});
+    });
+    const double deep = -(2 * precision + 1e-4 * extent);
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < names->size(); ++i) {
+        const double *p = numbers->data() + 3 * i;
+        // The plane that showed the last point to be outside often does so again.
+        const auto outside = std::find_if(planes.begin(), planes.end(),
+                                          [&](const plane_t &at) { return at.height(p) > deep; });
+        if (outside == planes.end())
+            continue;
+        std::swap(*outside, planes.front());
+        std::copy(p, p + 3, numbers->data() + 3 * kept);
+        (*names)[kept++] = (*names)[i];
+    }
+    numbers->resize(3 * kept);
+    names->resize(kept);
+}
+
+} // namespace
+
 hull_result convex_hull(const std::vector<point3_t> &points, double precision, polygons_t *out)
 {
     *out = {{0}, {}};
     std::vector<double> numbers;
     std::vector<int> names; // place of each point that is a number
+    numbers.reserve(3 * points.size());
+    names.reserve(points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (!is_number(points[i]))
             continue;
@@ -155,10 +256,9 @@ hull_result convex_hull(const std::vector<point3_t> &points, double precision, p
     });
     if (names.size() < 4 || !apart)
         return hull_result::flat;
-    char option[64];
-    std::snprintf(option, sizeof option, "C-%.9g", std::max(precision, 0.0));
+    drop_inner_points(std::max(precision, 0.0), &numbers, &names);
     qhull_run qhull;
-    const hull_result result = qhull.run(numbers, 3, option);
+    const hull_result result = qhull.run(numbers, 3, precision_option(precision));
     if (result != hull_result::done)
         return result;
     const bool whole = qhull.for_each_polygon([&](const facetT *facet, std::vector<int> &corners) {

@@ -128,6 +128,31 @@ TEST_P(RandomHull, IsConvexClosedAndFacesOutwards)
 }
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomHull, testing::Range(1u, 25u));
 
+// Inner points are dropped before the library sees them: the hull must be that of all.
+TEST(ConvexHull, OfABallOfPointsIsThatOfItsOuterOnes)
+{
+    std::mt19937 random(7);
+    std::normal_distribution<float> normal;
+    point_list points, outer;
+    for (int i = 0; i < 3000; ++i) {
+        point3_t p = {normal(random), normal(random), normal(random)};
+        const auto length = static_cast<float>(point_length(p));
+        p = point_scale(p, (i % 30 == 0 ? 1.0f : 0.97f * float(i % 30) / 30) / length);
+        points.push_back(p);
+        if (i % 30 == 0)
+            outer.push_back(p);
+    }
+    polygons_t whole, shell;
+    ASSERT_EQ(convex_hull(points, 1e-5, &whole), hull_result::done);
+    ASSERT_EQ(convex_hull(outer, 1e-5, &shell), hull_result::done);
+    expect_closed(whole);
+    expect_outward(points, whole, 3e-5);
+    std::set<int> used(whole.corners.begin(), whole.corners.end());
+    for (int i = 0; i < 3000; i += 30)
+        EXPECT_EQ(used.count(i), 1u);
+    EXPECT_GE(whole.size(), shell.size());
+}
+
 // ---- Delaunay ----
 
 double turn(const point3_t &a, const point3_t &b, const point3_t &c)
