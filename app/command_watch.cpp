@@ -11,6 +11,8 @@
 #include "model/freed.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "view/interaction.h"
+#include "view/tool_left.h"
 
 #include <algorithm>
 #include <string>
@@ -30,9 +32,25 @@ watch_t &running()
 
 // Commands that "repeat_last" does not repeat.
 constexpr std::string_view not_repeated[] = {
-    "clear_all",        "file_load", "file_save",   "history_goto",  "load_file",
-    "load_file_select", "load_vesk", "plugin_load", "recovery_drop", "redo",
-    "repeat_last",      "save_vesk", "take_back",   "undo",
+    "clear_all",
+    "file_load",
+    "file_save",
+    "history_goto",
+    "load_file",
+    "load_file_select",
+    "load_vesk",
+    "plugin_load",
+    "recovery_drop",
+    "redo",
+    "repeat_last",
+    "save_vesk",
+    "take_back",
+    "transform_about",
+    "transform_begin",
+    "transform_cancel",
+    "transform_end",
+    "transform_to",
+    "undo",
 };
 
 bool is_repeated(const vesk_command_t *command)
@@ -57,6 +75,9 @@ std::string label_of(const vesk_command_t *command, int count, const char *const
 
 void before_command(const vesk_command_t *command, int count, const char *const *words)
 {
+    if (command_kind_of(command) == command_kind::edit &&
+        !std::string_view(command->name).starts_with("transform_"))
+        left_tool_interrupt();
     const bool outermost = session().command_depth == 0;
     if (outermost) {
         journal_begin();
@@ -91,6 +112,7 @@ void after_command(const vesk_command_t *command, bool whole)
 
 void after_fault()
 {
+    interaction_forget();
     journal_reset_after_fault();
     world_check(vesk_get_world());
     undo_drop_unfilled(running().serial);

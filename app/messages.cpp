@@ -254,6 +254,13 @@ void popup_view_menu(int view, int x, int y)
     script_call("popup_view_menu %d %d %d", view, x, y);
 }
 
+void show_number_field(int view, int x, int y, const char *label, int axis, const char *text)
+{
+    script_call("show_number_field %d %d %d \"%s\" %d \"%s\"", view, x, y, label, axis, text);
+}
+
+void hide_number_field(void) { script_call("hide_number_field"); }
+
 void create_texture_menubutton(const char *label, int index)
 {
     if (index == 0)

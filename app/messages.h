@@ -40,6 +40,12 @@ VESK_API void set_progress_bar(int percent);
 VESK_API void popup_3d_menu(int x, int y);
 VESK_API void popup_view_menu(int view, int x, int y);
 
+/* The number field at the pointer of a view, while a drag takes numbers: a letter in the colour of
+   axis 0 to 2 and what was typed so far; then it goes. */
+VESK_API void show_number_field(int view, int x, int y, const char *label, int axis,
+                                const char *text);
+VESK_API void hide_number_field(void);
+
 /* Adds texture `index` to the texture menu; before index 0 a separator. */
 VESK_API void create_texture_menubutton(const char *label, int index);
 

@@ -3,19 +3,34 @@
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
+#include "edit/undo_internal.h"
+#include "model/bounds.h"
 #include "model/change_marks.h"
+#include "model/identity.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/vector.h"
+
+#include <cmath>
+#include <unordered_set>
 
 namespace {
 
 constexpr float pi = 3.1415927f;
 
-// The rotation of rotate_selected as the global matrix.
-void set_drawn_rotation(const drag_change_t &change)
+bool turns(const drag_change_t &change)
 {
+    return change.kind == drag_change_t::ROTATE || change.kind == drag_change_t::TURN;
+}
+
+// The rotation of rotate_selected or rotate_selection as the global matrix.
+void set_rotation(const drag_change_t &change)
+{
+    if (change.kind == drag_change_t::TURN) {
+        set_global_matrix_rotate(change.angles.x * pi / 180.0f, change.angles.y * pi / 180.0f,
+                                 change.angles.z * pi / 180.0f);
+        return;
+    }
     const float a = change.degrees * pi / 180.0f;
     set_global_matrix_rotate(change.view == VIEW_ZY ? a : 0.0f, change.view == VIEW_XZ ? -a : 0.0f,
                              change.view == VIEW_XY ? -a : 0.0f);
@@ -35,7 +50,8 @@ point3_t transformed(const point3_t &p, const drag_change_t &change)
     switch (change.kind) {
     case drag_change_t::MOVE:
         return point_add(p, change.offset);
-    case drag_change_t::ROTATE: {
+    case drag_change_t::ROTATE:
+    case drag_change_t::TURN: {
         point3_t turned = point_sub(p, change.centre);
         rotate_point_3d(&turned);
         return point_add(turned, change.centre);
@@ -45,7 +61,122 @@ point3_t transformed(const point3_t &p, const drag_change_t &change)
     }
 }
 
+// The one axis and angle of the global matrix.
+float angle_axis_of_rotation(point3_t *axis)
+{
+    point3_t x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1};
+    for (point3_t *p : {&x, &y, &z}) {
+        rotate_point_3d(p);
+    }
+    // The skew part points along the axis, as long as twice the sine.
+    *axis = {y.z - z.y, z.x - x.z, x.y - y.x};
+    const auto length = std::sqrt(double{axis->x} * axis->x + double{axis->y} * axis->y +
+                                  double{axis->z} * axis->z);
+    const double angle = std::atan2(length, double{x.x} + y.y + z.z - 1);
+    if (length < 1e-3 && angle > 1) { // half a turn: the longest column of m + 1
+        const point3_t columns[3] = {{x.x + 1, x.y, x.z}, {y.x, y.y + 1, y.z}, {z.x, z.y, z.z + 1}};
+        *axis = columns[0];
+        for (const point3_t &column : columns) {
+            if (point_length(column) > point_length(*axis)) {
+                *axis = column;
+            }
+        }
+    }
+    return static_cast<float>(angle);
+}
+
+// A record for a turn: about the axis that looks into a view where it is only one, else about the
+// one axis that the three angles come to.
+void open_turn_record(const drag_change_t &turn)
+{
+    const point3_t &a = turn.angles;
+    if ((a.x != 0) + (a.y != 0) + (a.z != 0) <= 1) {
+        const int view = a.x != 0 ? VIEW_ZY : a.y != 0 ? VIEW_XZ : VIEW_XY;
+        new_undo(UNDO_ROTATE, "rotate");
+        set_undo_rotate(view == VIEW_ZY ? a.x : -(a.y + a.z), view, &turn.centre);
+        return;
+    }
+    set_rotation(turn);
+    point3_t axis;
+    const float angle = angle_axis_of_rotation(&axis);
+    new_undo(UNDO_ROTATE_AXIS, "rotate");
+    set_undo_rotate_axis_angle(&axis, angle * 180.0f / pi);
+    if (!undo_records().empty()) {
+        undo_records().back()->centre = turn.centre;
+        undo_records().back()->has_centre = true;
+    }
+}
+
+// Objects, by identity, that were turned about their own centres.
+struct own_turn_t {
+    struct part_t {
+        int identity;
+        point3_t pivot;
+    };
+    std::vector<part_t> parts;
+    drag_change_t change;
+
+    void perform() {} // the drag did it
+    void undo() const
+    {
+        drag_change_t back = change;
+        back.degrees = -back.degrees;
+        set_rotation(back);
+        for (const part_t &part : parts) {
+            if (object_t *object = object_by_identity(part.identity)) {
+                back.centre = part.pivot;
+                turn_back(object, back);
+            }
+        }
+        find_bounding_box();
+    }
+
+private:
+    static void turn_back(object_t *object, const drag_change_t &back)
+    {
+        object->centre = transformed(object->centre, back);
+        for (vertex *v : each<vertex>(object->vertices)) {
+            v->position = transformed(v->position, back);
+        }
+        float turned[9];
+        matrix_multiply(global_matrix(), object->rotation, turned);
+        matrix_copy(turned, object->rotation);
+        object_mark(object, CHANGED_POSITIONS | CHANGED_RECORD);
+        object_calc_normals(object);
+    }
+};
+
+// Of the box of the object and what is below it; its centre when nothing has an extent.
+point3_t middle_of(object_t *top)
+{
+    point3_t min, max;
+    bounds_clear(&min, &max);
+    for_each_object(top, [&](const object_t *object) {
+        for (const vertex *v : each<vertex>(object->vertices)) {
+            bounds_add(v->position, &min, &max);
+        }
+    });
+    return min.x > max.x ? top->centre : point_scale(point_add(min, max), 0.5f);
+}
+
 } // namespace
+
+void drag_matrix(const drag_change_t &change, float out[16])
+{
+    if (turns(change)) {
+        set_rotation(change);
+    }
+    const point3_t zero = transformed({0, 0, 0}, change);
+    const point3_t columns[4] = {point_sub(transformed({1, 0, 0}, change), zero),
+                                 point_sub(transformed({0, 1, 0}, change), zero),
+                                 point_sub(transformed({0, 0, 1}, change), zero), zero};
+    for (int i = 0; i < 4; ++i) {
+        out[i * 4] = columns[i].x;
+        out[i * 4 + 1] = columns[i].y;
+        out[i * 4 + 2] = columns[i].z;
+        out[i * 4 + 3] = i == 3 ? 1.0f : 0.0f;
+    }
+}
 
 point3_t map_between_boxes(const point3_t &p, const drag_change_t &c)
 {
@@ -57,14 +188,21 @@ point3_t map_between_boxes(const point3_t &p, const drag_change_t &c)
 drag_transform_t::drag_transform_t() : box_min(selection().box_min), box_max(selection().box_max)
 {
     const selection_t &all = selection();
+    has_own_centres = all.objects != nullptr && all.vertices == nullptr && all.surfaces == nullptr;
     std::vector<vertex *> found = elements_of<vertex>(all.vertices);
     for (const surface_t *surface : each<surface_t>(all.surfaces)) {
         append_surface_vertices(surface, &found);
     }
+    std::unordered_set<const object_t *> seen; // one may lie below another
     for (object_t *top : each<object_t>(all.objects)) {
+        const point3_t pivot = top->vertices != nullptr ? top->centre : middle_of(top);
         for_each_object(top, [&](object_t *object) {
+            if (!seen.insert(object).second) {
+                return;
+            }
+            moved_object_t moved = {object, object->centre, {}, pivot, found.size(), 0};
             append_elements(object->vertices, &found);
-            moved_object_t moved = {object, object->centre, {}};
+            moved.end_vertex = found.size();
             matrix_copy(object->rotation, moved.rotation);
             objects.push_back(moved);
             owners.push_back(object);
@@ -96,18 +234,38 @@ void drag_transform_t::mark() const
     }
 }
 
+void drag_transform_t::apply_own_centres(const drag_change_t &change)
+{
+    drag_change_t own = change;
+    for (const moved_object_t &moved : objects) {
+        own.centre = moved.pivot;
+        for (size_t i = moved.first_vertex; i < moved.end_vertex; ++i) {
+            vertices[i]->position = transformed(positions[i], own);
+        }
+        moved.object->centre = transformed(moved.centre, own);
+    }
+}
+
 void drag_transform_t::apply(const drag_change_t &change)
 {
-    if (change.kind == drag_change_t::ROTATE) {
-        set_drawn_rotation(change);
+    if (turns(change)) {
+        set_rotation(change);
     }
-    for (size_t i = 0; i < vertices.size(); ++i) {
-        vertices[i]->position = transformed(positions[i], change);
+    if (turns_own(change)) {
+        apply_own_centres(change);
+    } else {
+        for (size_t i = 0; i < vertices.size(); ++i) {
+            vertices[i]->position = transformed(positions[i], change);
+        }
+        for (const moved_object_t &moved : objects) {
+            moved.object->centre = transformed(moved.centre, change);
+        }
     }
     for (const moved_object_t &moved : objects) {
-        moved.object->centre = transformed(moved.centre, change);
-        if (change.kind == drag_change_t::ROTATE) {
+        if (turns(change)) {
             matrix_multiply(global_matrix(), moved.rotation, moved.object->rotation);
+        } else {
+            matrix_copy(moved.rotation, moved.object->rotation);
         }
     }
     mark();
@@ -117,15 +275,35 @@ void drag_transform_t::apply(const drag_change_t &change)
 void drag_transform_t::step(const drag_change_t &change)
 {
     last = change;
-    if (is_live()) {
+    if (is_live() || turns_own(change)) { // one matrix cannot show the latter
         apply(change);
         find_bounding_box();
+    } else {
+        show_box(change);
     }
+}
+
+// What is drawn by a matrix has its box there too.
+void drag_transform_t::show_box(const drag_change_t &change) const
+{
+    if (turns(change)) {
+        set_rotation(change);
+    }
+    selection_t &all = selection();
+    bounds_clear(&all.box_min, &all.box_max);
+    for (int i = 0; i < 8; ++i) {
+        const point3_t corner = {(i & 1) != 0 ? box_max.x : box_min.x,
+                                 (i & 2) != 0 ? box_max.y : box_min.y,
+                                 (i & 4) != 0 ? box_max.z : box_min.z};
+        bounds_add(transformed(corner, change), &all.box_min, &all.box_max);
+    }
+    recalc_bb_info();
 }
 
 void drag_transform_t::take_back()
 {
     if (!changed) {
+        find_bounding_box();
         return;
     }
     for (size_t i = 0; i < vertices.size(); ++i) {
@@ -140,23 +318,39 @@ void drag_transform_t::take_back()
     changed = false;
 }
 
-void drag_transform_t::finish()
+void drag_transform_t::open_record() const
 {
-    apply(last);
     switch (last.kind) {
     case drag_change_t::MOVE:
         new_undo(UNDO_MOVE, "move");
         set_undo_vert(last.offset.x, last.offset.y, last.offset.z);
         break;
     case drag_change_t::ROTATE:
+        if (turns_own(last)) {
+            auto *operation = new own_turn_t{{}, last};
+            for (const moved_object_t &moved : objects) {
+                operation->parts.push_back({object_identity(moved.object), moved.pivot});
+            }
+            add_undoable_object("rotate", operation);
+            break;
+        }
         new_undo(UNDO_ROTATE, "rotate");
         set_undo_rotate(last.degrees, last.view, &last.centre);
+        break;
+    case drag_change_t::TURN:
+        open_turn_record(last);
         break;
     default:
         new_undo(UNDO_RESIZE, "resize");
         set_undo_resize(&last.from_min, &last.from_max, &last.to_min, &last.to_max);
         break;
     }
+}
+
+void drag_transform_t::finish()
+{
+    apply(last);
+    open_record();
     selected_calc_normals();
     find_bounding_box();
 }

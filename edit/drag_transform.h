@@ -11,21 +11,35 @@
 // are changed at each step, large ones once at the end.
 
 struct drag_change_t {
-    enum kind_t { MOVE, ROTATE, RESIZE } kind = MOVE;
+    enum kind_t { MOVE, ROTATE, TURN, RESIZE } kind = MOVE;
     point3_t offset = {0, 0, 0}; // MOVE
-    point3_t centre = {0, 0, 0}; // ROTATE
+    point3_t centre = {0, 0, 0}; // ROTATE, TURN
+    bool own_centres = false;    // ROTATE: each object about its own centre instead
     float degrees = 0;           // ROTATE, in the sense of rotate_selected
     int view = 0;                // ROTATE: about the axis that looks into it
+    point3_t angles = {0, 0, 0}; // TURN: degrees about x, y and z, as rotate_selection
     point3_t from_min, from_max; // RESIZE: the box before
     point3_t to_min, to_max;     // RESIZE: the box after
 };
+
+// Where the change takes a point, as a matrix column by column. Not for own_centres.
+void drag_matrix(const drag_change_t &change, float out[16]);
 
 class drag_transform_t {
 public:
     // Remembers what is selected now.
     drag_transform_t();
 
+    // What moves, and where it was at the press.
+    [[nodiscard]] const std::vector<vertex *> &moving() const { return vertices; }
+    [[nodiscard]] const std::vector<point3_t> &start_positions() const { return positions; }
+
     [[nodiscard]] bool empty() const { return vertices.empty() && objects.empty(); }
+    // Whether `change` is to turn objects about their own centres, and can.
+    [[nodiscard]] bool turns_own(const drag_change_t &change) const
+    {
+        return change.kind == drag_change_t::ROTATE && change.own_centres && has_own_centres;
+    }
     // Whether steps change the model; else only finish does.
     [[nodiscard]] bool is_live() const { return vertices.size() < live_limit; }
     // The change so far, from the press on.
@@ -41,16 +55,23 @@ private:
         object_t *object;
         point3_t centre;
         float rotation[9];
+        point3_t pivot;      // of the selected object that it moves with
+        size_t first_vertex; // its own ones among `vertices`
+        size_t end_vertex;
     };
     void apply(const drag_change_t &change);
+    void apply_own_centres(const drag_change_t &change);
+    void open_record() const;
+    void show_box(const drag_change_t &change) const;
     void mark() const;
 
     std::vector<vertex *> vertices; // each once
     std::vector<point3_t> positions;
     std::vector<moved_object_t> objects;
     std::vector<object_t *> owners; // of everything that moves
-    point3_t box_min, box_max;
+    point3_t box_min, box_max;      // of the selection, at the press
     drag_change_t last;
+    bool has_own_centres = false; // only objects are selected
     bool changed = false;
 };
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <mutex>
 
 namespace {
@@ -117,6 +118,28 @@ image_ptr image_of(object_t *object, const object_image *before)
     return image;
 }
 
+template <class T>
+bool same_array(const flat_array<T> &a, const flat_array<T> &b)
+{
+    return a == b || (a && b && a->size() == b->size() &&
+                      std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0);
+}
+
+bool images_near(const object_image &a, const object_image &b);
+
+// Whether an object that was marked as changed is as it was, to the bit: a drag was taken back.
+// `flat` is what `now` was made from.
+bool is_unchanged(const object_image &now, const flat_mesh &flat, const object_image &before)
+{
+    const flat_mesh &a = now.geometry, &b = before.geometry;
+    const bool same_faces =
+        b.face_normals ? same_array(flat.face_normals, b.face_normals) : !a.face_normals;
+    return same_array(a.positions, b.positions) && same_array(a.normals, b.normals) && same_faces &&
+           std::memcmp(now.record.rotation, before.record.rotation, sizeof now.record.rotation) ==
+               0 &&
+           same_bits(now.record.centre, before.record.centre) && images_near(now, before);
+}
+
 std::shared_ptr<const std::vector<material_image>> palette_image_take()
 {
     auto image = std::make_shared<std::vector<material_image>>();
@@ -201,6 +224,8 @@ private:
         if (before && before_stamp == stamp)
             return before->image;
         image_ptr image = image_of(object, before ? before->image.get() : nullptr);
+        if (before && is_unchanged(*image, *object_flat(object), *before->image))
+            return before->image;
         if (!before || before->image->geometry.corners != image->geometry.corners ||
             before->image->geometry.positions->size() != image->geometry.positions->size())
             places_changed_ = true;
@@ -222,13 +247,15 @@ private:
                 continue;
             const state_entry &before = old_->entry(i);
             image_ptr image = image_for(at.object, stamp, &before, at.stamp);
+            at.stamp = stamp;
+            if (image == before.image)
+                continue;
             const auto block = static_cast<std::size_t>(i / model_state::block_size);
             if (!copy) {
                 copy = std::make_shared<model_state::block>(*old_->blocks[block]);
                 state->blocks[block] = copy;
             }
             (*copy)[static_cast<std::size_t>(i % model_state::block_size)].image = std::move(image);
-            at.stamp = stamp;
         }
     }
 

@@ -35,29 +35,6 @@ std::vector<object_t *> whole_selected_objects()
     return elements_of<object_t>(owners.get());
 }
 
-// Recomputes both linked variables and takes what is out of reach out of the selection.
-void finish()
-{
-    object_marks &marks = objects_marks();
-    marks = {};
-    std::vector<object_t *> unreachable;
-    for_each_object(vesk_get_world(), [&](object_t *object) {
-        if (object == vesk_get_world())
-            return;
-        marks.hidden |= object->visible == 0 ? 1 : 0;
-        marks.locked |= object->locked != 0 ? 1 : 0;
-        if (object->visible == 0 || object->locked != 0)
-            unreachable.push_back(object);
-    });
-    ui_port().update_linked("objects_are_hidden");
-    ui_port().update_linked("objects_are_locked");
-    selection_drop_owned_by(unreachable);
-    find_bounding_box();
-    selection_changed("object flags");
-    redraw_all();
-    display_status();
-}
-
 void set_selected(const flag_t &flag)
 {
     const std::vector<object_t *> objects = whole_selected_objects();
@@ -68,7 +45,7 @@ void set_selected(const flag_t &flag)
     new_undo_state(flag.word);
     for (object_t *object : objects)
         flag.set(object, flag.on);
-    finish();
+    object_flags_changed();
     display_message("%s - %d objects", flag.word, static_cast<int>(objects.size()));
 }
 
@@ -92,7 +69,7 @@ void set_unselected(const flag_t &flag)
         new_undo_state(flag.word);
     for (object_t *object : objects)
         flag.set(object, flag.on);
-    finish();
+    object_flags_changed();
     display_message("%s - %d objects", flag.word, static_cast<int>(objects.size()));
 }
 
@@ -114,7 +91,7 @@ void set_all_off(const flag_t &flag)
         for (object_t *object : elements_of<object_t>(vesk_get_world()->children))
             flag.set(object, 1 - flag.on);
     }
-    finish();
+    object_flags_changed();
 }
 
 void set_one(int id, const flag_t &flag, int value)
@@ -124,10 +101,33 @@ void set_one(int id, const flag_t &flag, int value)
         return;
     new_undo_state(value == flag.on ? flag.word : flag.opposite);
     flag.set(object, value);
-    finish();
+    object_flags_changed();
 }
 
 } // namespace
+
+// Recomputes both linked variables.
+void object_flags_changed()
+{
+    object_marks &marks = objects_marks();
+    marks = {};
+    std::vector<object_t *> unreachable;
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        if (object == vesk_get_world())
+            return;
+        marks.hidden |= object->visible == 0 ? 1 : 0;
+        marks.locked |= object->locked != 0 ? 1 : 0;
+        if (object->visible == 0 || object->locked != 0)
+            unreachable.push_back(object);
+    });
+    ui_port().update_linked("objects_are_hidden");
+    ui_port().update_linked("objects_are_locked");
+    selection_drop_owned_by(unreachable);
+    find_bounding_box();
+    selection_changed("object flags");
+    redraw_all();
+    display_status();
+}
 
 // ---- commands ----
 

@@ -22,6 +22,10 @@ void command_lock_selected();
 void command_lock_unselected();
 void command_unlock();
 
+// After flags were set in another way: what is out of reach leaves the selection, the script
+// variables are set, all is drawn.
+void object_flags_changed();
+
 // By identity, with descendants.
 void command_object_hide(int id);
 void command_object_unhide(int id);

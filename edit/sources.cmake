@@ -31,6 +31,9 @@ target_sources(vesk_core PRIVATE
     edit/object_flags.cpp
     edit/optimize.cpp
     edit/outline.cpp
+    edit/object_place.cpp
+    edit/object_properties.cpp
+    edit/panel_transform.cpp
     edit/position_index.cpp
     edit/pieces.cpp
     edit/primitives.cpp

@@ -5,6 +5,13 @@
 namespace eval ::vesk::dialogs {
     variable answer ""
     variable kept               ;# last typed values: command -> list
+    # Operations whose options show their result at once, unless the selection is large.
+    variable live {extrude surface_make_hole surface_bevel surface_spike surface_spline revolve
+        surface_loop_subdivision reduce move_with_undo move_to scale size_to rotate_with_undo
+        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
+        set_texture_repeats set_texture_offsets}
+    variable live_limit 20000   ;# vertices
+    variable session {}         ;# of the open options: start, now, words, timer
     array set kept {}
 }
 
@@ -253,11 +260,12 @@ proc ::vesk::dialogs::show_text {title text {columns 72} {lines 24}} {
 # ---- the options of an operation ----
 
 # ask --
-#   Shows the options of a command at the lower left of the focused view: Return and Apply run it,
-#   Escape closes.
+#   Shows the options of a command at the lower left of the focused view. Most operations show their
+#   result at once: Return and Keep keep it, Escape takes it back. Others run on Return or Apply.
 #   target  command, then fields {label kind default ...}:
 #             number, int, text   typed, an argument each
-#             from KEY            a number, first the preference's value
+#             from KEY            a number, kept in the preference
+#             setting KEY number|int   a number, kept in the scripts' own settings
 #             choice {text value ...}
 #             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
 #             pref KEY number|int|bool   edits a preference, is no argument
@@ -285,22 +293,100 @@ proc ::vesk::dialogs::ask {title target help} {
         incr row
     }
     set run [list ::vesk::dialogs::run_options $w $command $items]
+    set close [list ::vesk::dialogs::close_options $w]
+    begin_session $w $command $items
     ttk::frame $w.in.row -style Panel.TFrame
-    ttk::button $w.in.row.apply -text Apply -style Panel.Default.TButton -command $run
-    ttk::button $w.in.row.close -text Close -style Panel.TButton \
-        -command [list ::vesk::dialogs::close_options $w]
+    ttk::button $w.in.row.apply -style Panel.Default.TButton -command $run \
+        -text [expr {[is_live] ? "Keep" : "Apply"}]
+    ttk::button $w.in.row.close -text [expr {[is_live] ? "Cancel" : "Close"}] \
+        -style Panel.TButton -command $close
     pack $w.in.row.close $w.in.row.apply -side right -padx [::vesk::theme::pad 8 0]
     grid $w.in.row - -sticky we -pady [::vesk::theme::pad 10 0]
     grid columnconfigure $w.in 1 -weight 1
     foreach child [concat [winfo children $w.in] [winfo children $w.in.row]] {
-        bind $child <Escape> [list ::vesk::dialogs::close_options $w]
-        if {[winfo class $child] ne "TButton"} {bind $child <Return> $run}
+        bind $child <Escape> "$close; break"
+        if {[winfo class $child] ne "TButton"} {
+            bind $child <Return> $run
+            bind $child <KP_Enter> $run
+        }
     }
     bind $w.in.row.apply <Return> $run
-    bind $w.in.row.close <Return> [list ::vesk::dialogs::close_options $w]
+    bind $w.in.row.close <Return> $close
     ::vesk::view::place_options $w
-    if {$row > 0} {focus $w.in.f0} else {focus $w.in.row.apply}
+    if {$row > 0} {
+        focus $w.in.f0
+        if {[winfo class $w.in.f0] eq "TEntry"} {$w.in.f0 selection range 0 end}
+    } else {
+        focus $w.in.row.apply
+    }
     display_message $help
+    if {[is_live]} {live_later}
+}
+
+# ---- results at once ----
+
+# begin_session --
+#   The options of a command were opened: remembers where the history stands.
+proc ::vesk::dialogs::begin_session {w command items} {
+    variable session
+    variable live
+    variable live_limit
+    variable fields
+    set vertices [lindex [vesk get_counts] 4]
+    set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
+    set session [dict create window $w command $command items $items live $on words {} \
+        start [history_place] now [history_place] timer ""]
+    trace remove variable fields write ::vesk::dialogs::live_later
+    if {$on} {trace add variable fields write ::vesk::dialogs::live_later}
+}
+proc ::vesk::dialogs::is_live {} {
+    variable session
+    return [dict get $session live]
+}
+
+# history_place --
+#   The present place in the history.
+proc ::vesk::dialogs::history_place {} {
+    return [lsearch -exact -index 2 [vesk history_list] 1]
+}
+
+proc ::vesk::dialogs::live_later {args} {
+    variable session
+    after cancel [dict get $session timer]
+    dict set session timer [after 150 ::vesk::dialogs::live_update]
+}
+
+# live_update --
+#   Shows what the fields say now in place of what they said before.
+proc ::vesk::dialogs::live_update {} {
+    variable session
+    if {![winfo exists [dict get $session window]]} {return}
+    set words [read_options 0]
+    if {$words eq ""} {return}
+    # Preferences among the fields are no words of the command.
+    set typed [list $words $::vesk::dialogs::kept([dict get $session command])]
+    if {$typed eq [dict get $session words]} {return}
+    live_take_back
+    dict set session words $typed
+    vesk {*}$words
+    vesk redraw_all
+    dict set session now [history_place]
+    ::vesk::ops::request
+}
+
+# live_take_back --
+#   As it was when the options were opened. What was done elsewhere meanwhile stays.
+proc ::vesk::dialogs::live_take_back {} {
+    variable session
+    set place [history_place]
+    set start [dict get $session start]
+    if {$place == [dict get $session now] && $place > $start} {
+        vesk history_goto $start
+    } else {
+        dict set session start $place
+    }
+    dict set session now [history_place]
+    dict set session words {}
 }
 
 # add_field --
@@ -317,6 +403,10 @@ proc ::vesk::dialogs::add_field {w row item command} {
         set fields($row) $default
     }
     if {$kind eq "from"} {set fields($row) [::vesk::arith::shown [set ::prefs_$default]]}
+    if {$kind eq "setting"} {
+        set fields($row) [::vesk::settings::get $default]
+        set kind $extra
+    }
     if {$kind eq "pref"} {
         set fields($row) [set ::prefs_$default]
         set kind $extra
@@ -362,42 +452,70 @@ proc ::vesk::dialogs::ask_file {item title} {
     return $name
 }
 
-# run_options --
-#   Reads the fields, sets the preferences among them and runs the command.
-proc ::vesk::dialogs::run_options {w command items} {
+# read_options --
+#   The command with what the fields say, preferences and settings among them set; empty when a
+#   field holds no number.
+#   tell  1: what is wrong is told
+proc ::vesk::dialogs::read_options {tell} {
     variable fields
     variable kept
-    set words {}
+    variable session
+    set command [dict get $session command]
+    set w [dict get $session window]
+    set words [list $command]
     set typed {}
     set row -1
-    foreach item $items {
+    foreach item [dict get $session items] {
         incr row
         lassign $item label kind default extra
         set text $fields($row)
         lappend typed $text
-        set wanted [expr {$kind eq "pref" ? $extra : $kind}]
+        set wanted [expr {$kind in {pref setting} ? $extra : $kind}]
         if {$wanted in {number int from}} {
             if {[catch {::vesk::arith::value $text} text]} {
-                mark_invalid $w.in.f$row 1
-                display_message "$label: $text"
-                focus $w.in.f$row
-                return
+                if {$tell} {
+                    mark_invalid $w.in.f$row 1
+                    display_message "$label: $text"
+                    focus $w.in.f$row
+                }
+                return ""
             }
             mark_invalid $w.in.f$row 0
             if {$wanted eq "int"} {set text [expr {int($text)}]}
         }
         if {$kind eq "choice"} {set text [dict get $default $text]}
-        if {$kind eq "pref"} {
-            set ::prefs_$default $text
-        } else {
-            lappend words $text
-        }
+        if {$kind in {pref from}} {set ::prefs_$default $text}
+        if {$kind eq "setting"} {::vesk::settings::set_value $default $text}
+        if {$kind ne "pref"} {lappend words $text}
     }
     set kept($command) $typed
-    ::vesk::ops::run $command {*}$words
+    return $words
+}
+
+# run_options --
+#   Return, Keep or Apply.
+proc ::vesk::dialogs::run_options {w command items} {
+    variable session
+    set words [read_options 1]
+    if {$words eq ""} {return}
+    if {![is_live]} {
+        ::vesk::ops::run {*}$words
+        return
+    }
+    live_update
+    ::vesk::ops::echo vesk {*}$words
+    dict set session now -1
+    close_options $w
 }
 
 proc ::vesk::dialogs::close_options {w} {
+    variable session
+    after cancel [dict get $session timer]
+    if {[is_live] && [dict get $session now] != -1} {
+        live_take_back
+        vesk redraw_all
+        ::vesk::ops::request
+    }
     destroy $w
     ::vesk::view::focus_last
 }

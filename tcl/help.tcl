@@ -30,15 +30,30 @@ namespace eval ::vesk::help {
             "O  S  V  M  R  E" "as in the flat views"
             "Delete" "delete what is selected"
         }
+        "While dragging" {
+            "Shift" "keep proportions (handles, boxes), steps of 15 degrees (rotate)"
+            "Control" "grid snap on or off; handles and boxes: about the middle"
+            "X  Y  Z" "lock to an axis, again: free"
+            "Digits" "type the number; Tab next one, Return keeps, BackSpace corrects"
+            "Escape, right button" "as it was before"
+        }
+        "While drawing an outline" {
+            "Return, double click" "end it; a click on the first point closes it"
+            "BackSpace" "take the last point back"
+            "X  Y  Z, digits" "lock the next edge, type its way"
+            "Escape" "drop it"
+        }
         "Objects panel" {
-            "F2" "rename"
+            "F2, double click" "rename"
             "Delete  H  L" "delete, hide, lock"
             "Control+A" "select all"
+            "Drag" "another place in the list, or into a group"
         }
         "Number fields" {
             "Return" "apply; sums such as 1/3, 2*0.5 and +=0.1 are computed"
             "Escape" "as it was before"
             "Up  Down" "step; Shift ten times, Control a tenth"
+            "Drag on the letter" "change the number; Shift and Control as above"
         }
     }
 }

@@ -14,7 +14,7 @@
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
 #   needs   what must be there: "" nothing, some a selection, object, surface, vertex a selection
-#           in that mode, undo, redo, hidden, locked, model a model
+#           in that mode, several objects, a group, undo, redo, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.
@@ -76,20 +76,26 @@ proc ::vesk::menus::define {name label rows} {
     {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
 }
 ::vesk::menus::define transform "Transform" {
-    {ask "&Move..." {move {X number 0} {Y number 0} {Z number 0}} "" some "Moves the selection by a distance."}
+    {ask "&Move..." {move_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
+        "Moves the selection by a distance."}
     {ask "Move &to..." {move_to {X number 0} {Y number 0} {Z number 0}} "" some
         "Moves the middle of the selection to a point."}
     {ask "&Scale..." {scale {X number 1} {Y number 1} {Z number 1}} "" some "Multiplies the size of the selection."}
     {ask "Si&ze to..." {size_to {X number 1} {Y number 1} {Z number 1}} "" some
         "Gives the selection a size; an axis of no extent stays."}
-    {ask "&Rotate..." {rotate {X number 0} {Y number 0} {Z number 0}} "" some
-        "Turns the selection about the origin, in degrees."}
-    {ask "Rotate a&bout a point..." {rotate_about {"Turn X" number 0} {"Turn Y" number 0}
+    {ask "&Rotate..." {rotate_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
+        "Turns the selection about its middle, in degrees."}
+    {ask "Rotate a&bout a point..." {rotate_about_with_undo {"Turn X" number 0} {"Turn Y" number 0}
         {"Turn Z" number 0} {"Point X" number 0} {"Point Y" number 0} {"Point Z" number 0}} "" some
         "Turns the selection about a point, in degrees."}
-    {ask "Rotate about an &axis..." {rotate_axis_angle {Axis choice {X 0 Y 1 Z 2}}
+    {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
         {Degrees number 90}} "" some "Turns the selection about one axis."}
-    {ask "M&irror..." {mirror {Axis choice {X 0 Y 1 Z 2}}} "" some "Mirrors the selection along an axis."}
+    {menu "M&irror" mirror "" "" "Mirrors the selection at its middle."}
+}
+::vesk::menus::define mirror "Mirror" {
+    {run "Along &X" {mirror_with_undo 0} "" some "Mirrors the selection along X."}
+    {run "Along &Y" {mirror_with_undo 1} "" some "Mirrors the selection along Y."}
+    {run "Along &Z" {mirror_with_undo 2} "" some "Mirrors the selection along Z."}
 }
 ::vesk::menus::define select "&Select" {
     {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}
@@ -149,7 +155,7 @@ proc ::vesk::menus::define {name label rows} {
 }
 ::vesk::menus::define object "&Object" {
     {run "&Group" {group} Ctrl+G object "Puts the selected objects into a new group."}
-    {run "&Ungroup" {ungroup} Ctrl+Shift+G object "Dissolves the selected groups."}
+    {run "&Ungroup" {ungroup} Ctrl+Shift+G group "Dissolves the selected groups."}
     {line}
     {run "&Hide" {hide_selected} H some "Hides the selected objects."}
     {run "Hide &others" {hide_unselected} "" some "Hides everything that is not selected."}
@@ -159,7 +165,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "U&nlock all" {unlock} "" locked "Unlocks everything."}
     {line}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
-    {run "&Merge" {object_merge} "" object "Makes one object of the selected ones."}
+    {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
     {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
     {run "&Explode" {object_explode} "" object "Makes an object of every surface."}
     {call "To the front of the l&ist" {::vesk::hier::to_head} "" object
@@ -168,9 +174,9 @@ proc ::vesk::menus::define {name label rows} {
     {line}
     {run "Con&vex hull" {convexhull} "" some "Encloses the selected vertices."}
     {run "&Delaunay" {delaunay} "" some "Triangulates the selected vertices."}
-    {ask "Su&bdivide..." {surface_loop_subdivision {Smoothing number 1}} "" object
-        "Divides and smooths the selected objects."}
-    {ask "&Reduce..." {reduce {"Percent to lose" int 50}
+    {ask "Su&bdivide..." {surface_loop_subdivision {Smoothing setting loop_smoothing number}} ""
+        object "Divides and smooths the selected objects."}
+    {ask "&Reduce..." {reduce {"Percent to lose" setting reduce_percent int}
         {"Keep the original" pref reduce_keep_original bool}} "" object
         "Takes vertices away and keeps the shape."}
     {run "O&ptimise" {optimize} "" object "Welds vertices that lie at the same place."}
@@ -191,9 +197,10 @@ proc ::vesk::menus::define {name label rows} {
 ::vesk::menus::define surface "S&urface" {
     {ask "&Extrude..." {extrude {X number 0} {Y number 0} {Z number 0.5}
         {Steps pref extrude_num int} {"Close the end" pref extrude_cap_end bool}
-        {"Delete the original" pref extrude_delete_original bool}} "" surface
+        {"Delete the original" pref extrude_delete_original bool}
+        {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
-    {run "&Define extrude path" {define_extrude_path} "" some "Takes the selection as the path."}
+    {run "&Define extrude path" {define_extrude_path} "" object "Takes the selection as the path."}
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}
     {line}
@@ -204,12 +211,14 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
+    {run "Subdivide, r&ounded" {surface_doosabin} "" object
+        "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
     {line}
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
-    {run "Change vertex &order" {surface_change_vertex_order} "" some
+    {run "Change &vertex order" {surface_change_vertex_order} "" some
         "Starts each selected surface at its next vertex."}
     {menu "Shadin&g" shading "" "" "How the surfaces are lit."}
     {menu "T&ype" surfacetype "" "" "What the surfaces are drawn as."}

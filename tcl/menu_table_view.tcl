@@ -98,6 +98,17 @@
 ::vesk::menus::define tools "T&ools" {
     {call "&Search for a command" {::vesk::search::open} F3 "" "Finds commands by name, menu or help."}
     {call "&Render" {::vesk::ops::render} "" model "Runs the render command of the preferences."}
+    {show "Check the &model" {check_model "Model check"} "" model
+        "Lists open edges, doubled elements and other problems."}
+    {ask "&Fix problems..." {check_fix_all {Kind choice {"Duplicate vertices" duplicate_vertex
+        "Duplicate surfaces" duplicate_surface "Vertices on edges" t_vertex
+        "Surfaces without area" zero_area "Bent surfaces" non_planar
+        "Flipped surfaces" flipped "Unused vertices" unused_vertex "Open edges" open_edge
+        "Crowded edges" crowded_edge "Missing textures" missing_texture}}} "" model
+        "Mends all problems of one kind."}
+    {call "Operation se&ttings" {::vesk::operations::open} Ctrl+E ""
+        "Numbers that the operations use."}
+    {line}
     {show "Model &information" {get_info "Model information"} "" "" "Counts, textures, materials, memory."}
     {ask "Run a &program..." {execute {"Command line" text {}}} "" "" "Starts a program."}
 }
@@ -135,10 +146,14 @@ namespace eval ::vesk::menus {
             {object lock_selected} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit undo} - {surface surface_flip_normals} {surface surface_triangulate}
-            {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel} -
+            {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
+            {surface extrude} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {create surface_create_object}
             {surface removesurface} {edit delete}}
+        light {{edit undo} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
+            {edit delete} - {object hide_selected} {object lock_selected} -
+            {view fit_selected_all}}
         vertex {{edit undo} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
             {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
             {select select_part_selected_surfaces} {edit delete}}

@@ -170,7 +170,7 @@ proc ::vesk::menus::row_command {row} {
             if {[lindex $target 0] eq "::vesk::tools::choose"} {
                 return [::vesk::tools::needed [lindex $target 1]]
             }
-            if {[lindex $target 0] eq "::vesk::hier::to_head"} {return object_move_to_head}
+            if {[lindex $target 0] eq "::vesk::hier::to_head"} {return objects_place}
             if {[lindex $target 0] eq "::vesk::palette::apply_current"} {return set_col}
             if {[lindex $target 0] eq "::vesk::files::new"} {return clear_all}
             if {[lindex $target 0] eq "::vesk::plugins::about"} {return get_plugin_list}
@@ -189,7 +189,12 @@ proc ::vesk::menus::possible {row state} {
     switch -- $needs {
         some    {return [expr {[dict get $state selected] > 0}]}
         object  {return [expr {[dict get $state objects] > 0}]}
-        surface {return [expr {[dict get $state surfaces] > 0}]}
+        several {return [expr {[dict get $state objects] > 1}]}
+        group   {return [dict get $state group]}
+        surface {
+            # In vertex mode surfaces whose vertices are all selected count.
+            return [expr {[dict get $state surfaces] > 0 || [dict get $state vertices] > 2}]
+        }
         vertex  {return [expr {[dict get $state vertices] > 0}]}
         undo    {return [expr {$::undo_count > 0}]}
         redo    {return [::vesk::history::can_redo]}
@@ -204,8 +209,16 @@ proc ::vesk::menus::possible {row state} {
 #   What is selected and how much there is.
 proc ::vesk::menus::now {} {
     lassign [vesk get_counts] objects total surfaces all_surfaces vertices all_vertices
-    set chosen [llength [vesk get_selected_objects]]
-    return [dict create objects $chosen surfaces [expr {$chosen ? 0 : $surfaces}] \
+    set ids [vesk get_selected_objects]
+    set chosen [llength $ids]
+    set group 0
+    foreach id [lrange $ids 0 49] {
+        if {[dict get [vesk object_info $id] children] > 0} {
+            set group 1
+            break
+        }
+    }
+    return [dict create objects $chosen group [expr {$group || $chosen > 50}] surfaces [expr {$chosen ? 0 : $surfaces}] \
         vertices [expr {$chosen || $::vesk::select_mode ne "vertex" ? 0 : $vertices}] \
         selected [expr {$objects + $surfaces + $vertices + $chosen}] total $total]
 }
@@ -260,6 +273,8 @@ proc ::vesk::menus::bind_accelerators {} {
             bind . $event [list ::vesk::menus::key %W $row]
         }
     }
+    # What people who come from other programs press for redo.
+    bind . <Control-Key-y> [list ::vesk::menus::key %W [find edit redo]]
 }
 
 # key --

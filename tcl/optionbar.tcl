@@ -40,9 +40,15 @@ proc ::vesk::optionbar::build {bar} {
     build_snap $bar.snap
     hairline $bar.line3
     build_pivot $bar.pivot
+    ttk::button $bar.settings -style Icon.Toolbutton -image [::vesk::icons::get settings] \
+        -command ::vesk::operations::toggle
+    ::vesk::tips::attach $bar.settings "Operation settings" Ctrl+E \
+        "Hole, bevel, spike, spline, reduce and other numbers."
     build_search $bar.search
+    # First what must not be cut off in a narrow window.
+    pack $bar.search $bar.settings -side right
     pack $bar.modes $bar.line1 $bar.tool $bar.line2 $bar.snap $bar.line3 $bar.pivot -side left
-    pack $bar.search -side right
+    pack configure $bar.settings -padx [::vesk::theme::pad 4 4]
     bind $bar <Configure> ::vesk::optionbar::fit
     trace add variable ::vesk::select_mode write ::vesk::optionbar::mode_changed
     show_fields $::vesk::tools::current
@@ -272,7 +278,8 @@ proc ::vesk::optionbar::search_minimum {level} {
 proc ::vesk::optionbar::needed_width {level} {
     variable path
     variable modes
-    set width [expr {[search_minimum $level] + [::vesk::theme::px 8]}]
+    set width [expr {[search_minimum $level] + [::vesk::theme::px 22]
+        + [winfo reqwidth $path.settings]}]
     foreach group {line1 tool line2 snap} {incr width [winfo reqwidth $path.$group]}
     set icons [expr {[::vesk::theme::px 16] + [::vesk::theme::px 15]}]
     foreach {mode icon label key help} $modes {

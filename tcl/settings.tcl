@@ -12,6 +12,8 @@ namespace eval ::vesk::settings {
         console_shown 0
         console_height 130
         keep_proportions 0
+        reduce_percent 50
+        loop_smoothing 1
     }
     # Keys that the file may hold although no default stands above: {pattern ...}
     variable free {recent_colour search_history}

@@ -91,7 +91,8 @@ proc ::vesk::textures::refresh {infos force} {
     set id [expr {[llength $ids] == 1 ? [lindex $ids 0] : -1}]
     if {$shown_texture ne [list $id $label $any]} {
         set shown_texture [list $id $label $any]
-        $path.texture configure -text " $label" -image [preview $id] \
+        # A greyed picture would be drawn through a pattern.
+        $path.texture configure -text " $label" -image [expr {$any ? [preview $id] : ""}] \
             -state [expr {$any ? "normal" : "disabled"}]
     }
     set placed [expr {$any && $ids ne "-1"}]

@@ -58,14 +58,15 @@ namespace eval ::vesk::tools {
         move     {vector 0}
         rotate   {vector 0 {"Own centres" bool rotate_about_object_centre}}
         scale    {vector 1}
-        extrude  {{Steps int extrude_num} {"Close end" bool extrude_cap_end}
-                  {"Delete original" bool extrude_delete_original}}
+        extrude  {vector 0 {Steps int extrude_num} {Cap bool extrude_cap_end}
+                  {"Delete original" bool extrude_delete_original}
+                  {Turn bool extrude_flip_cap}}
         circle   {{Segments int ellipse_segments}}
         disk     {{Segments int disk_segments}}
         grid     {{Columns int grid_object_x} {Rows int grid_object_y}}
         mesh     {{Columns int meshx} {Rows int meshy} {Triangles bool mesh_triangles}}
         cylinder {{Segments int cylinder_segments} {Ends bool cylinder_has_ends}}
-        cone     {{Segments int cylinder_segments}}
+        rect     {}
         sphere   {{Segments int num_surface_div} {Triangles bool sphere_triangles}}
     }
     variable vector             ;# the three numbers of move, rotate, scale
@@ -227,16 +228,22 @@ proc ::vesk::tools::apply {} {
         lappend numbers $number
     }
     switch -- $current {
-        move    {::vesk::ops::run move {*}$numbers}
+        move    {::vesk::ops::run move_with_undo {*}$numbers}
         scale   {::vesk::ops::run scale {*}$numbers}
-        rotate  {
-            switch -- $::vesk::optionbar::pivot {
-                Selection   {::vesk::ops::run rotate_about {*}$numbers {*}[vesk get_selection_centre]}
-                "3D cursor" {::vesk::ops::run rotate_about {*}$numbers {*}[vesk get_3d_cursor]}
-                default     {::vesk::ops::run rotate {*}$numbers}
-            }
-        }
+        rotate  {::vesk::ops::run rotate_about_with_undo {*}$numbers {*}[pivot_point]}
+        extrude {::vesk::ops::run extrude {*}$numbers}
     }
+    vesk redraw_all
+}
+
+# pivot_point --
+#   What typed angles turn about.
+proc ::vesk::tools::pivot_point {} {
+    switch -- $::vesk::optionbar::pivot {
+        Origin      {return {0 0 0}}
+        "3D cursor" {return [vesk get_3d_cursor]}
+    }
+    return [vesk get_selection_centre]
 }
 
 # set_draw_mode_ui --

@@ -1,6 +1,7 @@
 # transform.tcl --
-#   The Object tab: position, size and rotation of the selection as 3 x 3 number fields, name, url,
-#   data and counts. "to" types where things go, "by" how far. A dash stands where objects differ.
+#   The Object tab: position, size and rotation of the selection as 3 x 3 number fields, mirroring,
+#   name, type, url, data, flags and counts. "to" types where things go, "by" how far; the letter in
+#   a field drags its number. A dash stands where objects differ. Each change is one undo record.
 
 namespace eval ::vesk::transform {
     variable path ""
@@ -9,7 +10,8 @@ namespace eval ::vesk::transform {
     variable value              ;# (what,axis) -> text shown
     variable shown_ids {}       ;# objects whose texts the tab shows
     variable text               ;# name, url, data
-    variable loading 0
+    variable flag               ;# visible, locked
+    variable drag ""            ;# {what axis root-x started} while a letter is dragged
     array set value {}
     array set text {name "" url "" data ""}
 }
@@ -19,7 +21,7 @@ proc ::vesk::transform::build {tab} {
     variable keep [::vesk::settings::get keep_proportions]
     ttk::frame $tab -style Panel.TFrame -padding [::vesk::theme::px 12]
     add_text_row $tab 0 name Name
-    ttk::frame $tab.gap0 -style Panel.TFrame -height [::vesk::theme::px 10]
+    ttk::frame $tab.gap0 -style Panel.TFrame -height [::vesk::theme::px 4]
     grid $tab.gap0 -row 1
     set row 1
     foreach {what label} {position Position size Size rotate Rotate} {
@@ -33,6 +35,7 @@ proc ::vesk::transform::build {tab} {
             set entry [::vesk::dialogs::axis_field $tab.$what$axis $axis $variable Panel. 6]
             ::vesk::dialogs::number_keys $entry $variable \
                 [list ::vesk::transform::typed $what $axis]
+            bind_letter $tab.$what$axis.letter $what $axis
             grid $tab.$what$axis -row $row -column [incr column] -sticky we \
                 -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::px 2]
         }
@@ -47,17 +50,40 @@ proc ::vesk::transform::build {tab} {
         pack $tab.mode.$name -side left
         ::vesk::tips::attach $tab.mode.$name $name "" $help
     }
+    ttk::label $tab.lmirror -text Mirror -style Panel.Dim.TLabel
+    grid $tab.lmirror -row [incr row] -column 0 -sticky w
+    foreach {axis place column} {x 0 1 y 1 2 z 2 3} {
+        ttk::button $tab.mirror$axis -text [string toupper $axis] -style Panel.TButton \
+            -command [list ::vesk::ops::run mirror_with_undo $place]
+        ::vesk::tips::attach $tab.mirror$axis "Mirror [string toupper $axis]" "" \
+            "Mirrors the selection at its middle."
+        grid $tab.mirror$axis -row $row -column $column -sticky we \
+            -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::px 2]
+    }
     grid $tab.keep -row [incr row] -column 1 -columnspan 2 -sticky w -padx [::vesk::theme::pad 4 0] \
-        -pady [::vesk::theme::pad 6 4]
-    grid $tab.mode -row $row -column 3 -sticky e -pady [::vesk::theme::pad 6 4]
+        -pady [::vesk::theme::pad 3 2]
+    grid $tab.mode -row $row -column 3 -sticky e -pady [::vesk::theme::pad 3 2]
     ttk::frame $tab.line -style Line.TFrame -height [::vesk::theme::px 1]
-    grid $tab.line -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::px 8]
+    grid $tab.line -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::px 4]
     add_text_row $tab [incr row] data Data
     add_text_row $tab [incr row] url URL
     set row [::vesk::textures::add_rows $tab $row]
+    ttk::frame $tab.flags -style Panel.TFrame
+    foreach {key label help} {visible Visible "Whether the objects are shown."
+            locked Locked "Locked objects cannot be picked."} {
+        set ::vesk::transform::flag($key) 0
+        ttk::checkbutton $tab.flags.$key -text $label -style Panel.TCheckbutton \
+            -variable ::vesk::transform::flag($key) -command [list ::vesk::transform::flag_set $key]
+        ::vesk::tips::attach $tab.flags.$key $label "" $help
+        pack $tab.flags.$key -side left -padx [::vesk::theme::pad 0 14]
+    }
+    ttk::label $tab.flags.type -style Panel.Dim.TLabel -anchor e
+    pack $tab.flags.type -side right
+    grid $tab.flags -row [incr row] -column 1 -columnspan 3 -sticky we \
+        -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::pad 4 0]
     ttk::label $tab.counts -style Panel.Dim.TLabel -anchor w -justify left \
         -wraplength [::vesk::theme::px 280]
-    grid $tab.counts -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::pad 10 0]
+    grid $tab.counts -row [incr row] -columnspan 4 -sticky we -pady [::vesk::theme::pad 6 0]
     grid columnconfigure $tab 0 -minsize [::vesk::theme::px 68]
     grid columnconfigure $tab {1 2 3} -weight 1 -uniform axis
     ::vesk::ops::listen selection ::vesk::transform::refresh
@@ -89,6 +115,8 @@ proc ::vesk::transform::refresh {{force 0}} {
     variable path
     variable mode
     variable value
+    variable drag
+    if {$drag ne ""} {return}
     if {$path eq "" || ![winfo ismapped $path] && !$force} {return}
     lassign [vesk get_counts] objects all_objects surfaces all_surfaces vertices all_vertices
     set any [expr {[llength [vesk get_selected_objects]] > 0 || $surfaces > 0 || $vertices > 0}]
@@ -120,7 +148,9 @@ proc ::vesk::transform::refresh {{force 0}} {
             }
         }
     }
-    $path.keep state [expr {$any ? "!disabled" : "disabled"}]
+    set state [expr {$any ? "!disabled" : "disabled"}]
+    $path.keep state $state
+    foreach axis {x y z} {$path.mirror$axis state $state}
     show_texts $force
 }
 
@@ -146,6 +176,28 @@ proc ::vesk::transform::show_texts {force} {
     }
     ::vesk::textures::refresh $infos $force
     $path.counts configure -text [count_line $ids $infos]
+    show_flags $ids $infos
+}
+
+# show_flags --
+#   Type and flags; a check box is half set where objects differ.
+proc ::vesk::transform::show_flags {ids infos} {
+    variable path
+    variable flag
+    set types [lsort -unique [lmap info $infos {dict get $info type}]]
+    $path.flags.type configure -text [expr {[llength $types] > 1 ? "\u2013" : [lindex $types 0]}]
+    foreach key {visible locked} {
+        set values [lsort -unique [lmap info $infos {dict get $info $key}]]
+        set flag($key) [expr {[llength $values] == 1 ? [lindex $values 0] : 0}]
+        $path.flags.$key state [expr {[llength $ids] > 0 ? "!disabled" : "disabled"}]
+        $path.flags.$key state [expr {[llength $values] > 1 ? "alternate" : "!alternate"}]
+    }
+}
+
+proc ::vesk::transform::flag_set {key} {
+    variable flag
+    variable shown_ids
+    ::vesk::ops::run objects_set $shown_ids $key $flag($key)
 }
 
 proc ::vesk::transform::count_line {ids infos} {
@@ -188,7 +240,7 @@ proc ::vesk::transform::typed {what axis number} {
                 set numbers [lreplace [vesk get_selection_centre] $place $place $number]
                 ::vesk::ops::run move_to {*}$numbers
             } else {
-                ::vesk::ops::run move {*}[lreplace {0 0 0} $place $place $number]
+                ::vesk::ops::run move_with_undo {*}[lreplace {0 0 0} $place $place $number]
             }
         }
         size {
@@ -213,7 +265,7 @@ proc ::vesk::transform::typed {what axis number} {
         }
         rotate {
             set turn [lreplace {0 0 0} $place $place $number]
-            ::vesk::ops::run rotate_about {*}$turn {*}[vesk get_selection_centre]
+            ::vesk::ops::run rotate_about_with_undo {*}$turn {*}[::vesk::tools::pivot_point]
         }
     }
     vesk redraw_all
@@ -226,14 +278,107 @@ proc ::vesk::transform::text_typed {key} {
     variable text
     variable shown_ids
     set new $text($key)
-    if {[llength $shown_ids] > 1 && $new eq "\u2013"} {return}
+    if {[llength $shown_ids] == 0 || ([llength $shown_ids] > 1 && $new eq "\u2013")} {return}
+    set differs 0
     foreach id $shown_ids {
         set info [vesk object_info $id]
-        if {[llength $info] == 0 || [dict get $info $key] eq $new} {continue}
-        switch -- $key {
-            name {::vesk::ops::run object_set_name $id $new}
-            url  {::vesk::ops::run object_set_url $id $new}
-            data {::vesk::ops::run object_set_data $id $new}
+        if {[llength $info] > 0 && [dict get $info $key] ne $new} {set differs 1}
+    }
+    if {$differs} {::vesk::ops::run objects_set $shown_ids $key $new}
+}
+
+# ---- dragging a number by its letter ----
+
+# bind_letter --
+#   A press and a drag to the side change the field's number, with Shift ten times and with Control
+#   a tenth as fast; a click types into the field. Escape and the right button take it back.
+proc ::vesk::transform::bind_letter {letter what axis} {
+    $letter configure -cursor sb_h_double_arrow -takefocus 0
+    bind $letter <Button-1> [list ::vesk::transform::drag_press $what $axis %X]
+    bind $letter <B1-Motion> [list ::vesk::transform::drag_motion %X %s]
+    bind $letter <ButtonRelease-1> ::vesk::transform::drag_release
+    bind $letter <Button-3> ::vesk::transform::drag_cancel
+    bind $letter <Escape> {::vesk::transform::drag_cancel; break}
+}
+
+proc ::vesk::transform::drag_press {what axis x} {
+    variable path
+    variable drag ""
+    if {[$path.$what$axis instate disabled]} {return -code break}
+    set drag [list $what $axis $x 0 0]
+    return -code break
+}
+
+proc ::vesk::transform::drag_motion {x state} {
+    variable path
+    variable drag
+    variable drag_from
+    if {$drag eq ""} {return}
+    lassign $drag what axis last amount started
+    if {!$started} {
+        if {abs($x - $last) < 4} {return}
+        focus $path.$what$axis.letter
+        set drag_from [vesk get_selection_size]
+        vesk transform_begin [dict get {position move size scale rotate rotate} $what]
+        if {$what eq "rotate"} {vesk transform_about {*}[::vesk::tools::pivot_point]}
+    }
+    set step [expr {$what eq "rotate" ? 0.5 : max(abs($::prefs_grid), 1e-6) * 0.1}]
+    set factor [expr {$state & 1 ? 10 : $state & 4 ? 0.1 : 1}]
+    set amount [expr {$amount + ($x - $last) * $step * $factor}]
+    set drag [list $what $axis $x $amount 1]
+    drag_apply $what $axis $amount
+}
+
+# drag_apply --
+#   The model and the fields follow the amount dragged so far.
+proc ::vesk::transform::drag_apply {what axis amount} {
+    variable mode
+    variable keep
+    variable value
+    variable drag_from
+    set place [lsearch -exact {x y z} $axis]
+    switch -- $what {
+        position {vesk transform_to {*}[lreplace {0 0 0} $place $place $amount]}
+        rotate   {vesk transform_to {*}[lreplace {0 0 0} $place $place $amount]}
+        size {
+            set from [lindex $drag_from $place]
+            if {$from <= 0} {return}
+            set factor [expr {max(0.0, $from + $amount) / $from}]
+            vesk transform_to {*}[expr {$keep ? [list $factor $factor $factor]
+                : [lreplace {1 1 1} $place $place $factor]}]
         }
     }
+    set shown [list $amount $amount $amount]
+    if {$mode eq "to" && $what eq "position"} {set shown [vesk get_selection_centre]}
+    if {$what eq "size"} {
+        set shown [vesk get_selection_size]
+        if {$mode eq "by"} {
+            set shown [lmap now $shown old $drag_from {expr {$old > 0 ? $now / $old : 1.0}}]
+        }
+    }
+    set value($what,$axis) [::vesk::arith::shown [lindex $shown $place]]
+}
+
+proc ::vesk::transform::drag_release {} {
+    variable path
+    variable drag
+    if {$drag eq ""} {return}
+    lassign $drag what axis last amount started
+    set drag ""
+    if {!$started} {
+        focus $path.$what$axis.value
+        return
+    }
+    ::vesk::ops::run transform_end
+    ::vesk::view::focus_last
+    refresh 1
+}
+
+proc ::vesk::transform::drag_cancel {} {
+    variable drag
+    if {$drag eq ""} {return}
+    set started [lindex $drag 4]
+    set drag ""
+    if {$started} {::vesk::ops::run transform_cancel}
+    refresh 1
 }

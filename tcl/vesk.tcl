@@ -3,7 +3,7 @@
 #   size and theme that are remembered.
 
 foreach vesk_file {tooltips tools optionbar status transform console search help history colourbox
-        recovery} {
+        recovery numberfield operations hierdrag hovername} {
     source [file join $::vesk::script_folder $vesk_file.tcl]
 }
 unset vesk_file
@@ -104,6 +104,7 @@ proc ::vesk::main::build_right {path} {
     grid rowconfigure $path 2 -weight 1
     grid propagate $path 0
     bind $path <Configure> ::vesk::main::share_right
+    bind $path.tabs.object <Configure> {after idle ::vesk::main::share_right}
     set_right_width [::vesk::theme::px [::vesk::settings::number panel_width 240 900]]
 }
 
@@ -111,7 +112,8 @@ proc ::vesk::main::build_right {path} {
 #   Height of the objects panel: as it was dragged, as long as the tabs keep what they need.
 proc ::vesk::main::share_right {} {
     set height [::vesk::theme::px [::vesk::settings::number objects_height 90 2000]]
-    set left [expr {[winfo height .main.right] - [::vesk::theme::px 335]}]
+    set needed [expr {[winfo reqheight .main.right.tabs.object] + [::vesk::theme::px 40]}]
+    set left [expr {[winfo height .main.right] - $needed}]
     set height [expr {max([::vesk::theme::px 120], min($height, $left))}]
     grid rowconfigure .main.right 0 -minsize $height
     grid propagate .main.right.objects 0
@@ -216,6 +218,10 @@ proc ::vesk::main::escape {} {
     set ::escape_pressed 1
     if {$::vesk::status::busy_since} {
         vesk cancel
+        return
+    }
+    if {[winfo exists .operations]} {
+        ::vesk::operations::close
         return
     }
     if {[winfo exists [::vesk::view::area].options]} {

@@ -13,6 +13,7 @@ namespace eval ::vesk::hier {
     variable syncing 0          ;# the tree's selection is being set by us
     variable chosen {}          ;# ids selected in the model
     variable strip_pending 0
+    variable drag ""            ;# {row x y started target} while rows may be dragged
     variable marked {}          ;# rows with the icon for selected ones
     variable icons {group o-group poly o-poly light o-light cube u-box sphere u-sphere
         world o-world}
@@ -98,10 +99,13 @@ proc ::vesk::hier::bind_tree {} {
     foreach {key command} {h hide_selected H hide_selected l lock_selected L lock_selected} {
         bind $tree <KeyPress-$key> [list ::vesk::hier::key $command]
     }
-    bind $tree <Escape> {::vesk::ops::run clear_selection; ::vesk::ops::run redraw_all; break}
+    bind $tree <Escape> {::vesk::hier::escape; break}
     bind $tree <Double-Button-1> {::vesk::hier::double %x %y; break}
     bind $tree <Button-3> {::vesk::hier::context %x %y %X %Y}
     bind $tree <Control-Key-a> {::vesk::ops::run select_all; break}
+    bind $tree <Button-1> {+::vesk::hier::drag_press %x %y}
+    bind $tree <B1-Motion> {::vesk::hier::drag_motion %x %y}
+    bind $tree <ButtonRelease-1> {::vesk::hier::drag_release}
     bind $tree <FocusIn> {::vesk::hier::frame 1}
     bind $tree <FocusOut> {::vesk::hier::frame 0}
     bind $strip <Button-1> {::vesk::hier::strip_click %x %y}
@@ -171,14 +175,12 @@ proc ::vesk::hier::refresh {} {
 #   Surfaces of each object with those below it: id -> count.
 proc ::vesk::hier::totals {} {
     variable flat
-    set total {}
     # Children stand behind their parent, so from the end every sum is complete when it is passed on.
     for {set at [expr {[llength $flat] - 7}]} {$at >= 0} {incr at -7} {
         set id [lindex $flat $at]
-        dict incr total $id [lindex $flat $at+4]
-        dict incr total [lindex $flat $at+1] [dict get $total $id]
+        incr total([lindex $flat $at+1]) [incr total($id) [lindex $flat $at+4]]
     }
-    return $total
+    return [array get total]
 }
 
 proc ::vesk::hier::show_totals {} {
@@ -198,29 +200,37 @@ proc ::vesk::hier::fill {} {
     variable icons
     variable syncing 1
     set open {}
-    foreach id [dict keys $rows] {
+    # Only rows that had others below them can have been opened.
+    dict for {id row} $rows {set above([lindex $row 0]) 1}
+    foreach id [array names above] {
         if {[$tree exists $id] && [$tree item $id -open]} {dict set open $id 1}
     }
     set top [$tree yview]
     $tree delete [$tree children {}]
     set rows {}
     set wanted [string tolower $filter]
-    set total [totals]
+    array set total [totals]
     foreach {type icon} $icons {set image($type) [::vesk::icons::get $icon dim]}
     set first_time [expr {[dict size $open] == 0}]
+    set world [vesk get_world]
     foreach {id parent type name surfaces visible locked} $flat {
         dict set rows $id [list $parent $type $name $surfaces $visible $locked]
         if {$wanted ne ""} {
             if {[string first $wanted [string tolower $name]] < 0} {continue}
             set parent {}
-        } elseif {![$tree exists $parent]} {
+        } elseif {$parent == $world || ![$tree exists $parent]} {
             set parent {}
         }
         set opened [expr {[dict exists $open $id] || ($first_time && $parent eq {})}]
         set picture ""
         if {[info exists image($type)]} {set picture $image($type)}
-        $tree insert $parent end -id $id -text [shown_name $name] -image $picture -open $opened \
-            -values [list [::vesk::arith::grouped [dict get $total $id]]]
+        # Procedures are called only where they change something: there may be ten thousand rows.
+        set count $total($id)
+        if {$count >= 1000} {set count [::vesk::arith::grouped $count]}
+        set text " $name"
+        if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
+        $tree insert $parent end -id $id -text $text -image $picture -open $opened \
+            -values [list $count]
     }
     $tree yview moveto [lindex $top 0]
     set syncing 0
@@ -353,8 +363,27 @@ proc ::vesk::hier::key {command} {
     return -code break
 }
 
+# to_head --
+#   Moves the selected objects before their brothers.
 proc ::vesk::hier::to_head {} {
-    foreach id [lreverse [vesk get_selected_objects]] {::vesk::ops::run object_move_to_head $id}
+    variable rows
+    set by_parent {}
+    foreach id [vesk get_selected_objects] {
+        if {[dict exists $rows $id]} {dict lappend by_parent [lindex [dict get $rows $id] 0] $id}
+    }
+    dict for {parent ids} $by_parent {
+        ::vesk::ops::run objects_place $ids $parent [lindex [vesk object_get_children $parent] 0]
+    }
+}
+
+proc ::vesk::hier::escape {} {
+    variable drag
+    if {$drag ne ""} {
+        drag_end
+        return
+    }
+    ::vesk::ops::run clear_selection
+    ::vesk::ops::run redraw_all
 }
 
 # ---- rename in place ----
@@ -397,7 +426,7 @@ proc ::vesk::hier::renamed {id keep} {
     destroy $w
     focus $tree
     if {$keep && [dict exists $rows $id] && $name ne [lindex [dict get $rows $id] 2]} {
-        ::vesk::ops::run object_set_name $id $name
+        ::vesk::ops::run objects_set $id name $name
     }
 }
 
@@ -448,7 +477,8 @@ proc ::vesk::hier::draw_strip {} {
         set id [$tree identify row 5 $y]
         if {$id eq "" || ![dict exists $rows $id]} {continue}
         lassign [$tree bbox $id] x0 y0 w0 h0
-        if {$y0 eq ""} {continue}
+        # The list leaves out a row that it cannot show whole.
+        if {$y0 eq "" || $y0 + $h0 > $height} {continue}
         lassign [dict get $rows $id] parent type name surfaces visible locked
         set on [expr {$id in [$tree selection]}]
         if {$on} {
@@ -478,10 +508,9 @@ proc ::vesk::hier::strip_click {x y} {
     set ids [list $id]
     if {$id in [$tree selection]} {set ids [$tree selection]}
     if {$x < [::vesk::theme::px 26]} {
-        set command [expr {$visible ? "object_hide" : "object_unhide"}]
+        ::vesk::ops::run objects_set $ids visible [expr {!$visible}]
     } else {
-        set command [expr {$locked ? "object_unlock" : "object_lock"}]
+        ::vesk::ops::run objects_set $ids locked [expr {!$locked}]
     }
-    foreach other $ids {::vesk::ops::run $command $other}
     vesk redraw_all
 }

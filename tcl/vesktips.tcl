@@ -53,7 +53,44 @@ proc ::vesk::tips::open {} {
     focus $w.in.close
 }
 
-proc show_tip {} {::vesk::tips::open}
+# at_start --
+#   The tip of the start. In a small window it would cover the views: a line below the
+#   option bar tells it then.
+proc ::vesk::tips::at_start {} {
+    variable list
+    if {[winfo width .] >= [::vesk::theme::px 1100]} {
+        open
+        # Over the panel at the right, above the status line.
+        set w .tips
+        set x [expr {[winfo rootx .] + [winfo width .] - [winfo reqwidth $w]}]
+        set y [expr {[winfo rooty .status] - [winfo reqheight $w]}]
+        wm geometry $w +[expr {max(0, $x)}]+[expr {max(0, $y)}]
+        return
+    }
+    strip
+}
+
+# strip --
+#   The next tip in a line of its own below the option bar.
+proc ::vesk::tips::strip {} {
+    variable list
+    set place [expr {$::prefs_current_tip % [llength $list]}]
+    set ::prefs_current_tip [expr {($place + 1) % [llength $list]}]
+    set w .tipstrip
+    destroy $w
+    ttk::frame $w -style Panel.TFrame -padding [::vesk::theme::pad 12 4 8 4]
+    ttk::button $w.close -style Icon.Toolbutton -image [::vesk::icons::get close dim] \
+        -command [list destroy $w]
+    ttk::button $w.next -style Panel.TButton -text Next -command ::vesk::tips::strip
+    ttk::label $w.text -style Panel.TLabel -text [lindex $list $place] -justify left -anchor w \
+        -wraplength [expr {[winfo width .] - [::vesk::theme::px 160]}]
+    ::vesk::tips::attach $w.close "Close the tip" "" "Help > Tips shows them again."
+    pack $w.close $w.next -side right -padx [::vesk::theme::pad 8 0]
+    pack $w.text -side left -fill x -expand 1
+    pack $w -side top -fill x -after .under
+}
+
+proc show_tip {} {::vesk::tips::at_start}
 
 # init --
 #   Builds the window, names the Togl widgets and shows it once it is styled.

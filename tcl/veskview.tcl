@@ -228,11 +228,14 @@ proc ::vesk::view::bind_view {name cell} {
     bind $togl <FocusIn> [list ::vesk::view::focus_changed $name 1]
     bind $togl <FocusOut> [list ::vesk::view::focus_changed $name 0]
     bind $togl <Button> [list focus $togl]
+    ::vesk::hover::bind_view $name $id $togl
     bind $togl <Button-4> [list vesk zoomview $id 1]
     bind $togl <Button-5> [list vesk zoomview $id -1]
     bind $togl <Key> [list ::vesk::view::key $id %A %K %s]
-    # Tab and the accelerators go on to the window's own bindings.
-    foreach event {<Tab> <Shift-Tab> <ISO_Left_Tab>} {bind $togl $event {#}}
+    # Tab goes on to the window's own bindings unless a number is being typed.
+    foreach event {<Tab> <Shift-Tab> <ISO_Left_Tab>} {
+        bind $togl $event {if {[vesk tool_key %K] eq "1"} break}
+    }
     bind $cell.chip <Button-1> [list ::vesk::view::chip_pressed $name %x]
     bind $cell.chip <ButtonRelease-1> break
     bind $cell.chip <B1-Motion> break

@@ -6,6 +6,7 @@
 #include "view/camera_internal.h"
 #include "view/draw_layers_gl.h"
 #include "view/draw_overlay_gl.h"
+#include "view/overlay.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -158,10 +159,14 @@ void draw_surfaces(picture_t &picture)
 {
     const fill_options_t options = {set_lights(), camera_is_perspective(), true, false,
                                     prefs.view3dtextures != 0};
-    draw_opaque_surfaces(picture.scene, options);
+    const auto by_place = [&](auto draw) {
+        draw_still_and_moving(picture.scene, overlay().moving, prefs.wireframe_move != 0,
+                              [&](const scene_t &scene) { draw(scene, options); });
+    };
+    by_place(draw_opaque_surfaces);
     draw_ground_grid();
     draw_line_surfaces(picture.scene, static_cast<float>(prefs.surface_line_width * picture.scale));
-    draw_transparent_surfaces(picture.scene, options);
+    by_place(draw_transparent_surfaces);
     draw_selection_tint(picture.scene);
 }
 
@@ -219,7 +224,8 @@ void draw_3d_view(picture_t &picture)
         draw_vertices(picture.scene,
                       {prefs.show_vertices_3d != 0, prefs.show_selected_vertices_3d != 0,
                        select_mode() == SELECT_VERTEX,
-                       static_cast<float>(prefs.vert_size * picture.scale)});
+                       static_cast<float>(prefs.vert_size * picture.scale),
+                       prefs.draw_moving_vertices != 0});
     if (prefs.show_3d_normals != 0)
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));

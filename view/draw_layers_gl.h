@@ -29,6 +29,22 @@ void draw_3d_overlay(const picture_t &picture);
 
 void draw_ground_grid();
 
+// The surfaces of a layer by `draw`; while something moves, that is left out when it is shown as a
+// wireframe, or stands where the mouse has brought it.
+template <class Draw>
+void draw_still_and_moving(const scene_t &scene, bool moving, bool wireframe, Draw &&draw)
+{
+    if (!moving) {
+        draw(scene);
+        return;
+    }
+    draw(items_that_move(scene, false));
+    if (wireframe)
+        return;
+    const pending_place_t place;
+    draw(items_that_move(scene, true));
+}
+
 constexpr float edge_alpha_filled = 0.75f;
 constexpr float edge_alpha_wire = 0.8f;
 

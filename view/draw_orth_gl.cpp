@@ -4,6 +4,7 @@
 #include "view/draw_overlay_gl.h"
 #include "view/draw_textures_gl.h"
 #include "view/draw_view_gl.h"
+#include "view/overlay.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -106,8 +107,11 @@ void draw_orthographic_view(picture_t &picture)
     const bool filled = prefs.filled_orth != 0 && picture.layers.fill;
     if (filled) {
         const fill_options_t options = set_lights();
-        draw_opaque_surfaces(picture.scene, options);
-        draw_transparent_surfaces(picture.scene, options);
+        draw_still_and_moving(picture.scene, overlay().moving, prefs.move_wireframe_orth != 0,
+                              [&](const scene_t &scene) {
+                                  draw_opaque_surfaces(scene, options);
+                                  draw_transparent_surfaces(scene, options);
+                              });
         draw_selection_tint(picture.scene);
     }
     finish_layer(picture, draw_layer::fill);
@@ -117,7 +121,8 @@ void draw_orthographic_view(picture_t &picture)
     if (picture.layers.vertices)
         draw_vertices(picture.scene, {prefs.show_vertices != 0, prefs.show_selected_vertices != 0,
                                       select_mode() == SELECT_VERTEX,
-                                      static_cast<float>(prefs.vert_size * picture.scale)});
+                                      static_cast<float>(prefs.vert_size * picture.scale),
+                                      prefs.draw_moving_vertices != 0});
     if (prefs.show_normals_orth != 0)
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));

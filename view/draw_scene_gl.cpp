@@ -7,6 +7,7 @@
 #include "model/vector.h"
 #include "model/world.h"
 #include "view/draw_textures_gl.h"
+#include "view/overlay.h"
 
 #include <algorithm>
 #include <compare>
@@ -343,7 +344,37 @@ void draw_rimmed_points(const scene_t &scene, float size)
     page_unbind();
 }
 
+// What a drag moves: all that is selected; by a matrix only whole objects, and the selected parts of
+// others apart from their objects.
+bool is_moving(const scene_item_t &item)
+{
+    return overlay().moving && item.part != nullptr && (item.part->whole || !overlay().pending);
+}
+
 } // namespace
+
+scene_t items_that_move(const scene_t &scene, bool moving)
+{
+    scene_t found = {{}, scene.min, scene.max};
+    for (const scene_item_t &item : scene.items)
+        if (is_moving(item) == moving)
+            found.items.push_back(item);
+    return found;
+}
+
+pending_place_t::pending_place_t()
+{
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    if (overlay().pending)
+        glMultMatrixf(overlay().pending_matrix);
+}
+
+pending_place_t::~pending_place_t()
+{
+    glMatrixMode(GL_MODELVIEW);
+    glPopMatrix();
+}
 
 scene_t gather_scene()
 {
@@ -402,6 +433,7 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
 
 void draw_selection_tint(const scene_t &scene)
 {
+    const pending_place_t place;
     set_colour(colour_of(prefs.col_selline, tint_alpha));
     glDepthMask(GL_FALSE);
     for (const scene_item_t &item : scene.items) {
@@ -456,6 +488,7 @@ void draw_line_surfaces(const scene_t &scene, float width)
 
 void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width)
 {
+    const pending_place_t place;
     const crowding screen;
     set_colour(colour);
     page_ranges_t whole;
@@ -485,7 +518,8 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
     page_ranges_t selected;
     for (const scene_item_t &item : scene.items) {
         if (item.hidden || item.locked || item.buffers->page == nullptr ||
-            (!options.vertex_mode && screen.is_crowded(*item.buffers)))
+            (!options.vertex_mode &&
+             (screen.is_crowded(*item.buffers) || (!options.moving_ones && is_moving(item)))))
             continue;
         const bool whole = item.part != nullptr && item.part->whole;
         (whole ? selected : plain)[item.buffers->page].add(item.buffers->first_slot,
@@ -500,6 +534,7 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
         draw_points_of(plain);
     }
     if (options.selected) {
+        const pending_place_t place;
         set_colour(colour_of(prefs.col_selvert, strength));
         draw_points_of(selected);
         draw_rimmed_points(scene, options.size + 2);

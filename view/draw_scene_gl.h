@@ -24,6 +24,19 @@ struct scene_t {
 // The world's objects with their buffers brought up to date.
 scene_t gather_scene();
 
+// While what is selected follows the mouse: the items that do, or the others.
+scene_t items_that_move(const scene_t &scene, bool moving);
+
+// As long as it lives, what is drawn stands where the mouse has brought it; without a pending
+// transform it changes nothing. The model matrix must be current.
+class pending_place_t {
+public:
+    pending_place_t();
+    ~pending_place_t();
+    pending_place_t(const pending_place_t &) = delete;
+    pending_place_t &operator=(const pending_place_t &) = delete;
+};
+
 struct fill_options_t {
     int num_lights;
     bool perspective;
@@ -59,6 +72,7 @@ struct vertex_options_t {
     bool selected;
     bool vertex_mode;
     float size;
+    bool moving_ones; // those of objects that follow the mouse; vertex mode shows them always
 };
 void draw_vertices(const scene_t &scene, const vertex_options_t &options);
 

@@ -96,27 +96,30 @@ int handle_at(int view, int x, int y)
     return draw_mode() == DRAW_ROTATE ? HANDLE_INSIDE_ROTATE : HANDLE_INSIDE_MOVE;
 }
 
-world_box_t resized_box(int view, const world_box_t &old_box, int code, int dx, int dy,
-                        bool from_centre, bool keep_shape)
+handle_sides_t handle_sides(int view, int code)
+{
+    // On the screen the vertical axis grows downwards in the plan view and upwards in the others.
+    const bool top_is_high = axis_sign[view_axes[view].vertical] < 0;
+    const auto side = [&](int low, int high) {
+        return (code & high) != 0 ? 1 : (code & low) != 0 ? -1 : 0;
+    };
+    return {side(HANDLE_LEFT, HANDLE_RIGHT),
+            top_is_high ? side(HANDLE_BOTTOM, HANDLE_TOP) : side(HANDLE_TOP, HANDLE_BOTTOM)};
+}
+
+world_box_t resized_box(int view, const world_box_t &old_box, int code, float by_horizontal,
+                        float by_vertical, bool from_centre, bool keep_shape)
 {
     const view_axes_t axes = view_axes[view];
+    const handle_sides_t sides = handle_sides(view, code);
     world_box_t box = old_box;
     float &left = axis_of(box.min, axes.horizontal);
     float &right = axis_of(box.max, axes.horizontal);
     float &low = axis_of(box.min, axes.vertical);
     float &high = axis_of(box.max, axes.vertical);
     const float old_left = left, old_right = right, old_low = low, old_high = high;
-    const auto per_pixel = static_cast<float>(pixels_to_distance(1, view));
-    // On the screen the vertical axis grows downwards in the plan view and upwards in the others.
-    const bool up_is_high = axis_sign[axes.vertical] < 0;
-    const bool top_is_high = up_is_high;
-    const bool drag_high = (code & (top_is_high ? HANDLE_TOP : HANDLE_BOTTOM)) != 0;
-    const bool drag_low = (code & (top_is_high ? HANDLE_BOTTOM : HANDLE_TOP)) != 0;
-    const float by_x = static_cast<float>(dx) * per_pixel;
-    const float by_y = static_cast<float>(dy) * per_pixel * (up_is_high ? -1.0f : 1.0f);
-    drag_side(&left, &right, (code & HANDLE_LEFT) != 0, (code & HANDLE_RIGHT) != 0, by_x,
-              from_centre);
-    drag_side(&low, &high, drag_low, drag_high, by_y, from_centre);
+    drag_side(&left, &right, sides.horizontal<0, sides.horizontal> 0, by_horizontal, from_centre);
+    drag_side(&low, &high, sides.vertical<0, sides.vertical> 0, by_vertical, from_centre);
     if (!keep_shape) {
         return box;
     }
@@ -125,11 +128,10 @@ world_box_t resized_box(int view, const world_box_t &old_box, int code, int dx, 
     const float factor_y = size_y > 0 ? (high - low) / size_y : 1;
     const bool follow_x = std::fabs(factor_x - 1) >= std::fabs(factor_y - 1);
     const float factor = follow_x ? factor_x : factor_y;
-    const bool keep_left = !from_centre && (code & HANDLE_RIGHT) != 0;
-    const bool keep_right = !from_centre && (code & HANDLE_LEFT) != 0;
-    scale_side(&left, &right, old_left, old_right, factor, keep_left, keep_right);
-    scale_side(&low, &high, old_low, old_high, factor, !from_centre && drag_high,
-               !from_centre && drag_low);
+    scale_side(&left, &right, old_left, old_right, factor, !from_centre && sides.horizontal > 0,
+               !from_centre && sides.horizontal < 0);
+    scale_side(&low, &high, old_low, old_high, factor, !from_centre && sides.vertical > 0,
+               !from_centre && sides.vertical < 0);
     float &near_side = axis_of(box.min, axes.depth);
     float &far_side = axis_of(box.max, axes.depth);
     scale_side(&near_side, &far_side, near_side, far_side, factor, false, false);

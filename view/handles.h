@@ -35,12 +35,21 @@ handle_box_t handle_box(int view);
 // rotating), else HANDLE_NONE.
 int handle_at(int view, int x, int y);
 
-// The box (world) after the handle `code` was dragged by (dx, dy) pixels: the opposite side stays;
-// `from_centre` moves it the other way; `keep_shape` keeps the proportions.
 struct world_box_t {
     point3_t min, max;
 };
-world_box_t resized_box(int view, const world_box_t &box, int code, int dx, int dy,
-                        bool from_centre, bool keep_shape);
+
+// Which ends of the view's horizontal and vertical axis a handle drags: -1 the lower one, 1 the
+// upper one, 0 none.
+struct handle_sides_t {
+    int horizontal, vertical;
+};
+handle_sides_t handle_sides(int view, int code);
+
+// The box after the handle `code` was dragged by world distances along the view's horizontal and
+// vertical axes: the opposite side stays; `from_centre` moves it the other way; `keep_shape` keeps
+// the proportions.
+world_box_t resized_box(int view, const world_box_t &box, int code, float by_horizontal,
+                        float by_vertical, bool from_centre, bool keep_shape);
 
 #endif

@@ -32,6 +32,8 @@ struct drag_t {
     int start_x = 0, start_y = 0;
     int last_x = 0, last_y = 0;
     bool moved = false;
+    bool held = false;         // the button is up, the drag goes on
+    pointer_event_t last = {}; // of a tool's drag
     double last_time = 0;
     double speed_x = 0, speed_y = 0; // degrees a second, while turning
     int cross_axis = 0;
@@ -187,6 +189,15 @@ void click(const drag_t &drag, const pointer_event_t &event)
         interaction.tool->click(event);
 }
 
+// The right button takes a drag back; a click ends one that goes on without a button.
+void press_during_drag(const pointer_event_t &event)
+{
+    if (event.button == 3 && interaction.drag.button != 3)
+        interaction_cancel();
+    else if (event.button == 1 && interaction.drag.held)
+        interaction_accept();
+}
+
 } // namespace
 
 void interaction_press(const pointer_event_t &event)
@@ -194,14 +205,17 @@ void interaction_press(const pointer_event_t &event)
     if (event.view < 0 || event.view >= num_views)
         return;
     interaction.spinning = false;
-    if (interaction.drag.kind != drag_kind::none)
-        return; // a second button during a drag
+    if (interaction.drag.kind != drag_kind::none) {
+        press_during_drag(event);
+        return;
+    }
     drag_t drag;
     drag.view = event.view;
     drag.button = event.button;
     drag.start_x = drag.last_x = event.x;
     drag.start_y = drag.last_y = event.y;
     drag.last_time = interaction.last_tick = event.seconds;
+    drag.last = event;
     drag.person_before = *get_person();
     drag.view_before = *vesk_get_view(event.view);
     const int button = meant_button(event);
@@ -225,6 +239,9 @@ void interaction_motion(const pointer_event_t &event)
     if (drag.kind == drag_kind::none || event.view != drag.view)
         return;
     if (drag.kind == drag_kind::tool) {
+        if (drag.held)
+            return; // only what is typed counts
+        drag.last = event;
         interaction.tool->motion(event);
         return;
     }
@@ -269,8 +286,13 @@ void interaction_release(const pointer_event_t &event)
             click(drag, event);
         return;
     }
-    if (event.button != drag.button)
+    if (event.button != drag.button || drag.held)
         return;
+    if (drag.kind == drag_kind::tool && interaction.tool->holds != nullptr &&
+        interaction.tool->holds()) {
+        interaction.drag.held = true;
+        return;
+    }
     interaction.drag = {};
     if (drag.kind == drag_kind::tool) {
         interaction.tool->release(event);
@@ -341,6 +363,23 @@ void interaction_cancel()
         std::copy(drag.view_before.pan, drag.view_before.pan + 3, view.pan);
     }
     redraw(drag.view);
+}
+
+void interaction_accept()
+{
+    const drag_t drag = interaction.drag;
+    if (drag.kind != drag_kind::tool)
+        return;
+    interaction.drag = {};
+    interaction.tool->release(drag.last);
+}
+
+void interaction_forget()
+{
+    interaction.drag = {};
+    interaction.spinning = false;
+    if (interaction.tool != nullptr && interaction.tool->forget != nullptr)
+        interaction.tool->forget();
 }
 
 void view_note_motion(int view, double seconds) { interaction.last_motion[view] = seconds; }

@@ -41,15 +41,20 @@ int interaction_tick_msecs();
 
 drag_kind interaction_drag();
 
-// Ends whatever runs and puts the view back as it was before the drag.
+// Ends whatever runs and puts the view or the model back as it was before the drag.
 void interaction_cancel();
+// Ends a tool's drag as a release of the button would, where the pointer was last.
+void interaction_accept();
+// After a fault: ends whatever runs and touches nothing.
+void interaction_forget();
 
 // Whether view `view` moves now, or did a moment ago: it is then drawn within the budget.
 bool view_is_moving(int view, double seconds);
 void view_note_motion(int view, double seconds);
 
-// What the left button does where neither the camera nor the cross takes it; functions may be null.
-// `press` answers whether the tool wants the drag.
+// What the left button does where neither the camera nor the cross takes it; `click`, `hover`,
+// `holds` and `forget` may be null. `press` answers whether the tool wants the drag. A press of the
+// right button during a drag cancels it.
 struct left_tool_t {
     bool (*press)(const pointer_event_t &event);
     void (*motion)(const pointer_event_t &event);
@@ -59,6 +64,11 @@ struct left_tool_t {
     void (*click)(const pointer_event_t &event);
     // Motion without a button.
     void (*hover)(const pointer_event_t &event);
+    // Whether the drag goes on although the button was let go (a number is being typed): a click
+    // then ends it.
+    bool (*holds)();
+    // Drops everything that the tool remembers.
+    void (*forget)();
 };
 void interaction_set_left_tool(const left_tool_t *tool);
 

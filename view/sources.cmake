@@ -4,7 +4,9 @@ target_sources(vesk_core PRIVATE
     view/background.cpp
     view/camera.cpp
     view/camera_eye.cpp
+    view/drag_offset.cpp
     view/draw_budget.cpp
+    view/extrude_preview.cpp
     view/fit.cpp
     view/grid.cpp
     view/image_bmp.cpp
@@ -17,6 +19,8 @@ target_sources(vesk_core PRIVATE
     view/mesh_layout.cpp
     view/pick.cpp
     view/handles.cpp
+    view/near_snap.cpp
+    view/number_field.cpp
     view/overlay.cpp
     view/projection.cpp
     view/redraw.cpp
@@ -28,6 +32,7 @@ target_sources(vesk_core PRIVATE
     view/tool_left.cpp
     view/tool_select.cpp
     view/view_picture.cpp
+    view/tool_transform.cpp
     view/views.cpp
 )
 target_sources(vesk PRIVATE

@@ -11,6 +11,8 @@
 #include "model/lights.h"
 #include "model/normals.h"
 #include "view/interaction.h"
+#include "view/near_snap.h"
+#include "view/number_field.h"
 #include "view/overlay.h"
 #include "view/projection.h"
 #include "view/redraw.h"
@@ -20,6 +22,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -54,6 +57,9 @@ const outline_tool_t *outline_tool()
     return nullptr;
 }
 
+// The kind of the present draw mode; null when it is no box tool.
+const create_kind_t *box_tool() { return create_kind(mode_to_string(draw_mode())); }
+
 // ---- state ----
 
 struct create_t {
@@ -63,19 +69,58 @@ struct create_t {
     std::vector<point3_t> points;
     double last_click = -1;
     int last_x = 0, last_y = 0;
+    pointer_event_t last = {}; // where the pointer was
+    int axis = -1;             // to which the next edge of an outline is locked
 };
 create_t state;
 
+bool snaps_to_grid(int modifiers)
+{
+    // Control means something else for boxes: from the centre.
+    const bool toggled = outline_tool() != nullptr && qualifier_control(modifiers) != 0;
+    return (prefs.gridsnap != 0) != toggled;
+}
+
+// What lies under the pointer, snapped. A point of an outline takes the place of a near vertex
+// whole, a corner of a box only where the view shows it.
 point3_t point_at(const pointer_event_t &event)
 {
     point3_t p = {0, 0, 0};
     mouse_to_point(event.x, event.y, event.view, &p);
-    snap_to_grid(&p);
+    point3_t found;
+    if (prefs.snap_near != 0 && near_snap_at(event.view, event.x, event.y, &found)) {
+        if (box_tool() == nullptr) {
+            return found;
+        }
+        const view_axes_t axes = view_axes[event.view];
+        axis_of(p, axes.horizontal) = axis_of(found, axes.horizontal);
+        axis_of(p, axes.vertical) = axis_of(found, axes.vertical);
+    } else if (snaps_to_grid(event.state)) {
+        const auto spacing = static_cast<float>(prefs.grid);
+        snap_to_grid_float(&p, spacing, spacing, spacing);
+    }
     return p;
 }
 
-// The kind of the present draw mode; null when it is no box tool.
-const create_kind_t *box_tool() { return create_kind(mode_to_string(draw_mode())); }
+// The next point of the outline: on the locked axis, or as typed, from the last one.
+point3_t next_point(const pointer_event_t &event)
+{
+    point3_t p = point_at(event);
+    if (state.points.empty()) {
+        return p;
+    }
+    const point3_t &from = state.points.back();
+    for (int axis = 0; axis < 3; ++axis) {
+        if (state.axis >= 0 && axis != state.axis) {
+            axis_of(p, axis) = axis_of(from, axis);
+        }
+        float typed = 0;
+        if (number_field_value(axis, &typed)) {
+            axis_of(p, axis) = axis_of(from, axis) + typed;
+        }
+    }
+    return p;
+}
 
 // A drag is no command: the history's step is taken here.
 void link_drawn(object_t *object, const char *label)
@@ -101,7 +146,7 @@ corners_t corners_of(const pointer_event_t &event, bool solid)
 {
     const view_axes_t axes = view_axes[event.view];
     corners_t c = {point_at(state.start), point_at(event)};
-    if (std::abs(event.x - state.start.x) <= click_slack &&
+    if (!number_field_is_open() && std::abs(event.x - state.start.x) <= click_slack &&
         std::abs(event.y - state.start.y) <= click_slack) {
         c.c2 = c.c1;
         return c;
@@ -110,6 +155,13 @@ corners_t corners_of(const pointer_event_t &event, bool solid)
     float db = axis_of(c.c2, axes.vertical) - axis_of(c.c1, axes.vertical);
     if (qualifier_shift(event.state) != 0) {
         keep_square(&da, &db);
+    }
+    float typed = 0;
+    if (number_field_value(axes.horizontal, &typed)) {
+        da = std::copysign(typed, da);
+    }
+    if (number_field_value(axes.vertical, &typed)) {
+        db = std::copysign(typed, db);
     }
     axis_of(c.c2, axes.horizontal) = axis_of(c.c1, axes.horizontal) + da;
     axis_of(c.c2, axes.vertical) = axis_of(c.c1, axes.vertical) + db;
@@ -120,8 +172,10 @@ corners_t corners_of(const pointer_event_t &event, bool solid)
     if (solid) { // the mean of the other two, about the depth point
         const float a = std::fabs(axis_of(c.c2, axes.horizontal) - axis_of(c.c1, axes.horizontal));
         const float b = std::fabs(axis_of(c.c2, axes.vertical) - axis_of(c.c1, axes.vertical));
-        axis_of(c.c1, axes.depth) -= (a + b) / 4;
-        axis_of(c.c2, axes.depth) += (a + b) / 4;
+        float depth = (a + b) / 2;
+        number_field_value(axes.depth, &depth);
+        axis_of(c.c1, axes.depth) -= depth / 2;
+        axis_of(c.c2, axes.depth) += depth / 2;
     }
     return c;
 }
@@ -165,8 +219,20 @@ void drop_outline()
 {
     state.points.clear();
     state.view = VIEW_NONE;
-    overlay().preview.clear();
+    state.axis = -1;
+    overlay() = {};
+    number_field_close();
     redraw_all();
+}
+
+// An axis that the next edge is locked to; -1 for none.
+void lock_axis(int axis)
+{
+    state.axis = axis;
+    overlay().locked_axis = axis;
+    if (!state.points.empty()) {
+        overlay().lock_point = state.points.back();
+    }
 }
 
 void end_outline(const outline_tool_t &tool)
@@ -213,6 +279,20 @@ bool is_double_click(const pointer_event_t &event)
     return twice;
 }
 
+void add_point(const outline_tool_t &tool, const pointer_event_t &event)
+{
+    state.view = event.view;
+    state.points.push_back(next_point(event));
+    number_field_close();
+    lock_axis(-1);
+    if (state.points.size() >= tool.most) {
+        end_outline(tool);
+        return;
+    }
+    preview_outline(nullptr);
+    redraw_all();
+}
+
 void outline_click(const outline_tool_t &tool, const pointer_event_t &event)
 {
     if (state.view != VIEW_NONE && state.view != event.view) {
@@ -223,14 +303,7 @@ void outline_click(const outline_tool_t &tool, const pointer_event_t &event)
         end_outline(tool);
         return;
     }
-    state.view = event.view;
-    state.points.push_back(point_at(event));
-    if (state.points.size() >= tool.most) {
-        end_outline(tool);
-        return;
-    }
-    preview_outline(nullptr);
-    redraw_all();
+    add_point(tool, event);
 }
 
 void light_click(const pointer_event_t &event)
@@ -252,7 +325,7 @@ bool create_press(const pointer_event_t &event)
     const bool wanted =
         box_tool() != nullptr || outline_tool() != nullptr || draw_mode() == DRAW_LIGHT;
     state.dragging = wanted;
-    state.start = event;
+    state.start = state.last = event;
     return wanted;
 }
 
@@ -263,10 +336,12 @@ void create_motion(const pointer_event_t &event)
         create_hover(event);
         return;
     }
+    state.last = event;
     const corners_t c = corners_of(event, tool->solid);
     preview_box(c);
     const point3_t at = point_at(event);
     show_coors_and_dim(&at, &c.c1, &c.c2);
+    number_field_show(event.view, event.x, event.y);
     redraw_all();
 }
 
@@ -276,6 +351,7 @@ void create_release(const pointer_event_t &event)
     overlay().preview.clear();
     if (const create_kind_t *tool = box_tool()) {
         const corners_t c = corners_of(event, tool->solid);
+        number_field_close();
         link_drawn(tool->make(event.view, c.c1, c.c2), tool->label);
     } else if (const outline_tool_t *outline = outline_tool()) {
         outline_click(*outline, event);
@@ -295,38 +371,100 @@ void create_hover(const pointer_event_t &event)
     if (!is_orthographic(event.view)) {
         return;
     }
-    const point3_t p = point_at(event);
     if (state.points.empty()) {
+        const point3_t p = point_at(event);
         show_coors(&p);
         return;
     }
+    if (event.view != state.view) {
+        return;
+    }
+    state.last = event;
+    const point3_t p = next_point(event);
     show_coors_and_len(&p, &state.points.back(), &p);
     preview_outline(&p);
+    number_field_show(event.view, event.x, event.y);
     redraw_all();
 }
 
-bool create_key(const char *key)
+// ---- keys ----
+
+namespace {
+
+void take_last_point_back()
 {
-    const outline_tool_t *tool = outline_tool();
-    if (tool == nullptr || state.points.empty()) {
-        return false;
-    }
-    if (std::strcmp(key, "Return") == 0 || std::strcmp(key, "KP_Enter") == 0) {
-        end_outline(*tool);
-    } else if (std::strcmp(key, "BackSpace") == 0) {
-        state.points.pop_back();
-        if (state.points.empty()) {
-            drop_outline();
-        } else {
-            preview_outline(nullptr);
-            redraw_all();
-        }
-    } else if (std::strcmp(key, "Escape") == 0) {
+    state.points.pop_back();
+    lock_axis(-1);
+    if (state.points.empty()) {
         drop_outline();
+    } else {
+        create_hover(state.last);
+    }
+}
+
+bool outline_key(const outline_tool_t &tool, const char *key)
+{
+    const std::string_view name = key;
+    if (name == "Return" || name == "KP_Enter") {
+        end_outline(tool);
+    } else if (name == "BackSpace") {
+        take_last_point_back();
+    } else if (name == "Escape") {
+        drop_outline();
+    } else if (name.size() == 1 && std::strchr("xyzXYZ", name[0]) != nullptr) {
+        const int axis = (name[0] | 0x20) - 'x';
+        lock_axis(axis == state.axis ? -1 : axis);
+        if (number_field_is_open()) {
+            number_field_choose(axis);
+        }
+        create_hover(state.last);
     } else {
         return false;
     }
     return true;
+}
+
+// A number for the box that is dragged, or for the outline's next point.
+bool take_number(const create_kind_t *box, const outline_tool_t *outline, const char *key)
+{
+    static const std::vector<number_part_t> sizes = {{"W", 0}, {"H", 1}, {"D", 2}};
+    static const std::vector<number_part_t> ways = {{"dX", 0}, {"dY", 1}, {"dZ", 2}};
+    const int horizontal = view_axes[state.last.view].horizontal;
+    const int first = state.axis >= 0 ? state.axis : horizontal;
+    switch (number_field_key(key, box != nullptr ? sizes : ways, first)) {
+    case number_key::unused:
+        return false;
+    case number_key::accepted:
+        if (box != nullptr) {
+            interaction_accept();
+        } else {
+            add_point(*outline, state.last);
+        }
+        return true;
+    case number_key::changed:
+        break;
+    }
+    number_field_show(state.last.view, state.last.x, state.last.y);
+    create_motion(state.last);
+    return true;
+}
+
+} // namespace
+
+bool create_key(const char *key)
+{
+    const create_kind_t *box = state.dragging ? box_tool() : nullptr;
+    const outline_tool_t *outline = state.points.empty() ? nullptr : outline_tool();
+    if (box == nullptr && outline == nullptr) {
+        return false;
+    }
+    return take_number(box, outline, key) || (outline != nullptr && outline_key(*outline, key));
+}
+
+void create_forget()
+{
+    state = {};
+    number_field_close();
 }
 
 bool create_is_half_drawn() { return !state.points.empty(); }

@@ -2,6 +2,7 @@
 
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "edit/modes.h"
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
 #include "model/object_tree.h"
@@ -18,12 +19,14 @@
 namespace {
 
 constexpr int same_place = 2; // pixels
+constexpr double double_click_seconds = 0.4;
 
 // The last click, for taking the next thing behind.
 struct last_click_t {
     int view = VIEW_NONE, mode = -1;
     int x = 0, y = 0;
     size_t index = 0;
+    double seconds = 0;
 };
 last_click_t last_click;
 
@@ -98,15 +101,35 @@ void set_selected(const std::vector<pick_hit_t> &hits, bool on)
     }
 }
 
-// Which of the hits a click takes.
-size_t index_of_click(int view, int x, int y, size_t count)
+bool is_again(int view, int x, int y)
 {
-    last_click_t &last = last_click;
-    const bool again = last.view == view && last.mode == select_mode() &&
-                       std::abs(last.x - x) <= same_place && std::abs(last.y - y) <= same_place;
-    const size_t index = again ? (last.index + 1) % count : 0;
-    last = {view, select_mode(), x, y, index};
+    const last_click_t &last = last_click;
+    return last.view == view && last.mode == select_mode() && std::abs(last.x - x) <= same_place &&
+           std::abs(last.y - y) <= same_place;
+}
+
+// Which of the hits a click takes.
+size_t index_of_click(int view, int x, int y, double seconds, size_t count)
+{
+    const size_t index = is_again(view, x, y) ? (last_click.index + 1) % count : 0;
+    last_click = {view, select_mode(), x, y, index, seconds};
     return index;
+}
+
+// The object below the pointer itself, in object mode.
+bool descend(int view, int x, int y)
+{
+    const int range =
+        static_cast<int>(std::lround(prefs.pick_pixel_range * view_interface_scale()));
+    const std::vector<pick_hit_t> members = pick_at(view, pick_kind::OBJECT, x, y, range);
+    if (members.empty()) {
+        return false;
+    }
+    set_new_select_mode(SELECT_OBJECT);
+    clear_selection();
+    select_object(members.front().object);
+    last_click = {};
+    return true;
 }
 
 // Tree mode, wholly inside: every member with geometry must be.
@@ -132,10 +155,16 @@ void finish()
 
 } // namespace
 
-void select_click(int view, int x, int y, int state)
+void select_click(int view, int x, int y, int state, double seconds)
 {
-    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
     const bool shift = qualifier_shift(state) != 0;
+    const bool of_objects = select_mode() == SELECT_TREE || select_mode() == SELECT_OBJECT;
+    const bool twice = is_again(view, x, y) && seconds - last_click.seconds < double_click_seconds;
+    if (twice && of_objects && !shift && descend(view, x, y)) {
+        finish();
+        return;
+    }
+    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
     if (hits.empty()) {
         last_click = {};
         if (!shift) {
@@ -144,7 +173,7 @@ void select_click(int view, int x, int y, int state)
         finish();
         return;
     }
-    const pick_hit_t &hit = hits[index_of_click(view, x, y, hits.size())];
+    const pick_hit_t &hit = hits[index_of_click(view, x, y, seconds, hits.size())];
     if (shift) {
         set_selected({hit}, !is_selected(hit));
     } else {

@@ -6,8 +6,9 @@
 // Selecting with the mouse, by the present select mode. Both redraw and refresh the status.
 
 // A click: selects what is under the pointer, nothing when there is nothing. Shift (in `state`)
-// adds or removes it. A second click at the same place takes the next thing behind.
-void select_click(int view, int x, int y, int state);
+// adds or removes it. A second click at the same place takes the next thing behind; a double click
+// in the object modes goes down to object mode with the object itself selected.
+void select_click(int view, int x, int y, int state, double seconds);
 
 // A rubber band: replaces the selection; Shift adds, Control removes.
 void select_band(int view, const band_t &band, int state);

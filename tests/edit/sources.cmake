@@ -10,6 +10,7 @@ target_sources(vesk_tests PRIVATE
     edit/primitives_test.cpp
     edit/model_check_test.cpp
     edit/pieces_test.cpp
+    edit/object_properties_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
     edit/snap_test.cpp

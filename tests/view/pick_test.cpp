@@ -121,17 +121,17 @@ std::string selected()
 
 TEST_F(Pick, ClicksGoBehindAndShiftAddsOrRemoves)
 {
-    select_click(VIEW_XY, 200, 150, 0);
+    select_click(VIEW_XY, 200, 150, 0, 1);
     EXPECT_EQ(selected(), "near ");
-    select_click(VIEW_XY, 201, 150, 0);
+    select_click(VIEW_XY, 201, 150, 0, 2);
     EXPECT_EQ(selected(), "far ");
-    select_click(VIEW_XY, 200, 150, 0);
+    select_click(VIEW_XY, 200, 150, 0, 3);
     EXPECT_EQ(selected(), "near ");
-    select_click(VIEW_XZ, 200, 150, 1); // Shift
+    select_click(VIEW_XZ, 200, 150, 1, 4); // Shift
     EXPECT_EQ(selected(), "near far ");
-    select_click(VIEW_XZ, 200, 150, 1);
+    select_click(VIEW_XZ, 200, 150, 1, 5);
     EXPECT_EQ(selected(), "near ");
-    select_click(VIEW_XY, 5, 5, 0);
+    select_click(VIEW_XY, 5, 5, 0, 6);
     EXPECT_TRUE(nothing_is_selected());
 }
 
@@ -162,16 +162,16 @@ TEST_F(Pick, HandlesStandRoundTheBoxAndResizeIt)
 
     const world_box_t box = {{0, 0, 0}, {1, 2, 1}};
     const world_box_t wider =
-        resized_box(VIEW_XY, box, HANDLE_EDGE | HANDLE_RIGHT, 100, 30, false, false);
+        resized_box(VIEW_XY, box, HANDLE_EDGE | HANDLE_RIGHT, 1, -0.3f, false, false);
     EXPECT_FLOAT_EQ(wider.max.x, 2);
     EXPECT_FLOAT_EQ(wider.max.y, 2);
     const world_box_t kept =
-        resized_box(VIEW_XY, box, HANDLE_TOP | HANDLE_RIGHT, 100, 0, false, true);
+        resized_box(VIEW_XY, box, HANDLE_TOP | HANDLE_RIGHT, 1, 0, false, true);
     EXPECT_FLOAT_EQ(kept.max.y, 4);
     EXPECT_FLOAT_EQ(kept.min.y, 0);
     EXPECT_FLOAT_EQ(kept.max.z - kept.min.z, 2);
     const world_box_t both =
-        resized_box(VIEW_XZ, box, HANDLE_BOTTOM | HANDLE_EDGE, 0, 50, true, false);
+        resized_box(VIEW_XZ, box, HANDLE_BOTTOM | HANDLE_EDGE, 0, 0.5f, true, false);
     EXPECT_FLOAT_EQ(both.max.z, 1.5f);
     EXPECT_FLOAT_EQ(both.min.z, -0.5f);
 }

@@ -1,0 +1,198 @@
+#include "edit/panel_transform.h"
+
+#include "app/messages.h"
+#include "edit/drag_transform.h"
+#include "edit/journal.h"
+#include "edit/selection_internal.h"
+#include "edit/transform.h"
+#include "edit/undo.h"
+#include "model/vector.h"
+#include "view/redraw.h"
+
+#include <cstring>
+#include <memory>
+#include <utility>
+
+namespace {
+
+constexpr const char *kind_names[] = {"move", "rotate", "scale"};
+enum kind_code { MOVING, TURNING, SCALING };
+
+struct running_t {
+    std::unique_ptr<drag_transform_t> transform;
+    kind_code kind = MOVING;
+    point3_t box_min, box_max, centre;
+    bool changed = false;
+};
+running_t &running()
+{
+    static running_t state;
+    return state;
+}
+
+bool is_zero(const point3_t &p) { return p.x == 0 && p.y == 0 && p.z == 0; }
+
+bool something_selected(const char *what)
+{
+    if (nothing_is_selected() == 0) {
+        return true;
+    }
+    display_message("%s - nothing selected", what);
+    return false;
+}
+
+drag_change_t change_to(const running_t &now, const point3_t &p)
+{
+    drag_change_t change;
+    switch (now.kind) {
+    case MOVING:
+        change.kind = drag_change_t::MOVE;
+        change.offset = p;
+        break;
+    case TURNING:
+        change.kind = drag_change_t::TURN;
+        change.angles = p;
+        change.centre = now.centre;
+        break;
+    case SCALING: {
+        const auto about = [&](const point3_t &corner) {
+            const point3_t from = point_sub(corner, now.centre);
+            return point_add(now.centre, {from.x * p.x, from.y * p.y, from.z * p.z});
+        };
+        change.kind = drag_change_t::RESIZE;
+        change.from_min = now.box_min;
+        change.from_max = now.box_max;
+        change.to_min = about(now.box_min);
+        change.to_max = about(now.box_max);
+        break;
+    }
+    }
+    return change;
+}
+
+void make(const drag_change_t &change)
+{
+    drag_transform_t transform;
+    transform.step(change);
+    transform.finish();
+    redraw_all();
+    display_status();
+}
+
+void turn(const point3_t &angles, const point3_t &centre)
+{
+    if (!something_selected("rotate") || is_zero(angles)) {
+        return;
+    }
+    drag_change_t change;
+    change.kind = drag_change_t::TURN;
+    change.angles = angles;
+    change.centre = centre;
+    make(change);
+}
+
+} // namespace
+
+void panel_transform_begin(const char *kind)
+{
+    panel_transform_cancel();
+    for (const kind_code code : {MOVING, TURNING, SCALING}) {
+        if (std::strcmp(kind, kind_names[code]) != 0) {
+            continue;
+        }
+        if (!something_selected(kind)) {
+            return;
+        }
+        const selection_t &all = selection();
+        journal_begin();
+        journal_hold(true);
+        running() = {std::make_unique<drag_transform_t>(),
+                     code,
+                     all.box_min,
+                     all.box_max,
+                     all.box_centre,
+                     false};
+        return;
+    }
+    display_message("transform - no kind named '%s'", kind);
+}
+
+void panel_transform_about(float x, float y, float z) { running().centre = {x, y, z}; }
+
+void panel_transform_to(float x, float y, float z)
+{
+    running_t &now = running();
+    if (now.transform == nullptr) {
+        return;
+    }
+    now.transform->step(change_to(now, {x, y, z}));
+    now.changed = true;
+    redraw_all();
+    display_status();
+}
+
+void panel_transform_end()
+{
+    const running_t ended = std::exchange(running(), {});
+    if (ended.transform == nullptr) {
+        return;
+    }
+    if (ended.changed) {
+        ended.transform->finish();
+    }
+    journal_hold(false);
+    redraw_all();
+    display_status();
+}
+
+void panel_transform_cancel()
+{
+    const running_t ended = std::exchange(running(), {});
+    if (ended.transform == nullptr) {
+        return;
+    }
+    ended.transform->take_back();
+    journal_hold(false);
+    redraw_all();
+    display_status();
+}
+
+bool panel_transform_runs() { return running().transform != nullptr; }
+
+// ---- commands ----
+
+void move_with_undo(float x, float y, float z)
+{
+    drag_change_t change;
+    change.offset = {x, y, z};
+    if (something_selected("move") && !is_zero(change.offset)) {
+        make(change);
+    }
+}
+
+void rotate_with_undo(float rx, float ry, float rz) { turn({rx, ry, rz}, selection().box_centre); }
+
+void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, float z)
+{
+    turn({rx, ry, rz}, {x, y, z});
+}
+
+void rotate_axis_angle_with_undo(float axis, float degrees)
+{
+    // The axis is truncated, as the plain command does.
+    turn({axis > -1 && axis < 1 ? degrees : 0, axis >= 1 && axis < 2 ? degrees : 0,
+          axis >= 2 && axis < 3 ? degrees : 0},
+         selection().box_centre);
+}
+
+// Mirrored once more it is as before: the record of a scaling by -1 does that.
+void mirror_with_undo(int axis)
+{
+    if (!something_selected("mirror")) {
+        return;
+    }
+    new_undo(UNDO_SCALE, "mirror");
+    set_undo_vert(axis == 0 ? -1.0f : 1.0f, axis == 1 ? -1.0f : 1.0f, axis == 2 ? -1.0f : 1.0f);
+    mirror_selected(axis);
+    display_status();
+}

@@ -1,0 +1,56 @@
+# hovername.tcl --
+#   The name of the object under the pointer, as a chip in the view, while the pointer rests and
+#   nothing is being dragged or drawn.
+
+namespace eval ::vesk::hover {
+    variable timer ""
+    variable delay 300          ;# milliseconds
+}
+
+# bind_view --
+#   Called once for each view.
+proc ::vesk::hover::bind_view {name id togl} {
+    bind $togl <Motion> [list ::vesk::hover::moved $name $id %x %y %s]
+    bind $togl <Leave> ::vesk::hover::hide
+    bind $togl <Button> +::vesk::hover::hide
+}
+
+# moved --
+#   The pointer moved: the chip goes, and comes again when the pointer rests.
+proc ::vesk::hover::moved {name id x y state} {
+    variable timer
+    variable delay
+    hide
+    # Bits of the three buttons.
+    if {$state & 0x700 || $::vesk::draw_mode ni {move rotate extrude}} {return}
+    set timer [after $delay [list ::vesk::hover::show $name $id $x $y]]
+}
+
+proc ::vesk::hover::hide {} {
+    variable timer
+    after cancel $timer
+    set w [::vesk::view::area].hover
+    if {[winfo exists $w]} {destroy $w}
+}
+
+proc ::vesk::hover::show {name id x y} {
+    set object [vesk object_at $id $x $y]
+    if {$object eq ""} {return}
+    set text [vesk object_get_name $object]
+    if {$text eq ""} {return}
+    set area [::vesk::view::area]
+    set cell $area.$name
+    label $area.hover -text [string range [string map {\n " "} $text] 0 60] -borderwidth 0 \
+        -background [::vesk::theme::colour chip] -foreground [::vesk::theme::colour chip_text] \
+        -padx [::vesk::theme::px 8] -pady [::vesk::theme::px 3] -highlightthickness 1 \
+        -highlightbackground [::vesk::theme::colour chip_frame]
+    set gap [::vesk::theme::px 12]
+    set edge [::vesk::view::ring]
+    set width [winfo reqwidth $area.hover]
+    set height [winfo reqheight $area.hover]
+    set x [expr {min($x + $gap, [winfo width $cell] - $width - $edge)}]
+    set y [expr {$y + $gap + $height > [winfo height $cell] - $edge ? $y - $gap - $height : $y + $gap}]
+    place $area.hover -x [expr {[winfo x $cell] + max($edge, $x)}] \
+        -y [expr {[winfo y $cell] + max($edge, $y)}]
+    raise $area.hover
+}

@@ -1,0 +1,55 @@
+# numberfield.tcl --
+#   The number field at the pointer while a drag takes numbers. The executable holds what is typed;
+#   here it is only shown, as a focused axis field inside the view.
+
+namespace eval ::vesk::number {
+    variable path ""            ;# the field, while it is shown
+    variable names {xy zy xz xyz}
+}
+
+# show --
+#   view   view id;  x y  where the pointer is, in the view
+#   label  what the number is;  axis  0 to 2: its colour
+#   text   what was typed so far
+proc ::vesk::number::show {view x y label axis text} {
+    variable path
+    variable names
+    set area [::vesk::view::area]
+    if {$path eq ""} {set path [build $area.number]}
+    $path.letter configure -text $label -style [lindex {x y z} $axis]Field.TLabel
+    $path.value configure -text $text
+    set cell $area.[lindex $names $view]
+    set gap [::vesk::theme::px 16]
+    set edge [expr {[::vesk::view::ring] + [::vesk::theme::px 4]}]
+    update idletasks
+    set width [winfo reqwidth $path]
+    set height [winfo reqheight $path]
+    set left [winfo x $cell]
+    set top [winfo y $cell]
+    set x [expr {min($x + $gap, [winfo width $cell] - $width - $edge)}]
+    set y [expr {max($y - $gap - $height, $edge)}]
+    place $path -x [expr {$left + max($edge, $x)}] -y [expr {$top + $y}]
+    raise $path
+}
+
+proc ::vesk::number::build {w} {
+    ttk::frame $w -style Axis.TFrame -padding [::vesk::theme::pad 6 3 6 3]
+    $w state focus
+    ttk::label $w.letter
+    ttk::label $w.value -style Field.TLabel -font VeskNumber -anchor e -width 8
+    ::vesk::theme::on [frame $w.cursor -width [::vesk::theme::px 1] \
+        -height [::vesk::theme::px 14]] text
+    pack $w.letter $w.value $w.cursor -side left
+    return $w
+}
+
+proc ::vesk::number::hide {} {
+    variable path
+    if {$path ne ""} {destroy $path}
+    set path ""
+}
+
+proc show_number_field {view x y label axis text} {
+    ::vesk::number::show $view $x $y $label $axis $text
+}
+proc hide_number_field {} {::vesk::number::hide}

@@ -1,0 +1,267 @@
+# drags.tcl --
+#   Every tool of the left button with a real mouse and real keys, checked by the model: selecting in
+#   each mode, moving, turning, sizing, extruding, creating, and every way of taking a drag back.
+
+source [file join [file dirname [info script]] support.tcl]
+
+# key --
+#   Keys go to the view below the pointer.
+proc key {args} {
+    exec xdotool key --delay 30 {*}$args
+    ::test::pause 200
+}
+
+# spot --
+#   Window place of a point of the front view after reset_views: 100 pixels a unit.
+proc spot {x y {view xy}} {
+    set w [::test::widget $view]
+    return [list [expr {[winfo width $w] / 2 + round(100 * $x)}] \
+        [expr {[winfo height $w] / 2 - round(100 * $y)}]]
+}
+
+# from_to --
+#   Drags in a view from one point of it to another, with a modifier key held.
+proc from_to {x0 y0 x1 y1 {modifier ""} {view xy}} {
+    begin $x0 $y0 $x1 $y1 $modifier $view
+    finish $modifier
+}
+proc begin {x0 y0 x1 y1 {modifier ""} {view xy}} {
+    lassign [spot $x0 $y0 $view] px py
+    lassign [spot $x1 $y1 $view] qx qy
+    ::test::at $view $px $py
+    if {$modifier ne ""} {exec xdotool keydown $modifier}
+    exec xdotool mousedown 1
+    ::test::pause 60
+    for {set i 1} {$i <= 4} {incr i} {
+        ::test::at $view [expr {$px + ($qx - $px) * $i / 4}] [expr {$py + ($qy - $py) * $i / 4}]
+    }
+    ::test::pause 120
+}
+proc finish {{modifier ""}} {
+    exec xdotool mouseup 1
+    if {$modifier ne ""} {exec xdotool keyup $modifier}
+    ::test::pause 250
+}
+proc click_at {x y {modifier ""} {view xy}} {
+    lassign [spot $x $y $view] px py
+    ::test::at $view $px $py
+    if {$modifier ne ""} {exec xdotool keydown $modifier}
+    exec xdotool click 1
+    if {$modifier ne ""} {exec xdotool keyup $modifier}
+    ::test::pause 550
+}
+proc near {list wanted {tolerance 0.021}} {
+    foreach a $list b $wanted {
+        if {abs($a - $b) > $tolerance} {return 0}
+    }
+    return [expr {[llength $list] == [llength $wanted]}]
+}
+proc centre {} {return [vesk get_selection_centre]}
+proc size {} {return [vesk get_selection_size]}
+
+# fresh --
+#   A cube of unit size in an empty scene, selected, no undo records.
+proc fresh {{mode object}} {
+    vesk clear_all
+    vesk set_draw_mode move
+    vesk set_select_mode object
+    vesk reset_views
+    vesk new_cube
+    vesk select_all
+    vesk set_select_mode $mode
+    set ::cube [vesk object_get_children [vesk get_world]]
+    ::test::pause 250
+    set ::records $::undo_count
+}
+proc counts {id} {
+    set info [vesk object_info $id]
+    return [list [dict get $info surfaces] [dict get $info vertices]]
+}
+
+::test::run {
+    foreach {name value} {prefs_gridsnap 0 prefs_snap_near 0 prefs_grid 0.1} {set ::$name $value}
+
+    # ---- selecting, in each mode: click, Shift, rubber bands both ways ----
+    foreach {mode count all} {tree objects 1 object objects 1 surface surfaces 6 vertex vertices 8} {
+        fresh $mode
+        vesk clear_selection
+        click_at 0.5 0.5
+        set one [vesk selection_get_num_$count]
+        ::test::check "$mode: a click on the corner takes one" {$one == 1}
+        click_at 0.5 0.5 shift
+        ::test::check "$mode: Shift and a click change it" {
+            [vesk selection_get_num_$count] != $one || $mode in {surface vertex}
+        }
+        click_at -1.5 1
+        ::test::check "$mode: a click beside takes nothing" {[vesk selection_get_num_$count] == 0}
+        from_to -1 -0.8 1 0.8
+        ::test::check "$mode: a band from the left takes what is inside" {
+            [vesk selection_get_num_$count] == $all
+        }
+        from_to -1 -0.8 0 0.8
+        ::test::check "$mode: and not what is half inside" {
+            [vesk selection_get_num_$count] == [dict get {tree 0 object 0 surface 1 vertex 4} $mode]
+        }
+        from_to 0 0.8 -1 -0.8
+        ::test::check "$mode: a band from the right takes what it touches" {
+            [vesk selection_get_num_$count] == [dict get {tree 1 object 1 surface 5 vertex 4} $mode]
+        }
+    }
+
+    # ---- moving ----
+    fresh
+    from_to 0 0 0.6 0.3
+    ::test::check "a drag moves" {[near [centre] {0.6 0.3 0}]}
+    ::test::check "with one undo record" {$::undo_count == $::records + 1 && $::vesk::status::undo_label eq "move"}
+    vesk undo
+    ::test::check "which takes it back" {[near [centre] {0 0 0} 1e-6]}
+    begin 0 0 0.6 0.3
+    key x
+    finish
+    ::test::check "X locks" {[near [centre] {0.6 0 0}]}
+    fresh
+    set ::prefs_grid 0.5
+    from_to 0 0 0.63 0.3 ctrl
+    ::test::check "Control snaps to the grid" {[near [centre] {0.5 0.5 0} 1e-5]}
+    set ::prefs_grid 0.1
+    fresh
+    begin 0 0 0.3 0.3
+    key 2 Tab minus 1 period 5
+    ::test::check "digits show at the pointer and move at once" {
+        [winfo ismapped $::vesk::view::area_path.number]
+        && [$::vesk::view::area_path.number.letter cget -text] eq "dY"
+        && [near [centre] {2 -1.5 0} 1e-5]
+    }
+    ::test::shot drags-number
+    key Return
+    ::test::check "Return keeps them" {
+        [near [centre] {2 -1.5 0} 1e-5] && ![winfo exists $::vesk::view::area_path.number]
+    }
+    finish
+    ::test::check "as one record" {$::undo_count == $::records + 1}
+
+    # ---- taking a drag back ----
+    foreach {how script} {
+        Escape {key Escape}
+        "the right button" {exec xdotool click 3; ::test::pause 200}
+    } {
+        fresh
+        set before [vesk model_state]
+        set history [vesk history_list]
+        begin 0 0 0.7 0.4
+        eval $script
+        finish
+        ::test::check "$how takes the drag back" {
+            [centre] eq "0 0 0" && $::undo_count == $::records && [vesk history_list] eq $history
+            && ![winfo exists .popup]
+        }
+    }
+    fresh
+    begin 0 0 0.7 0.4
+    key ctrl+z
+    finish
+    ::test::check "Control+Z during a drag takes the drag back" {
+        [centre] eq "0 0 0" && $::undo_count <= $::records
+    }
+
+    # ---- turning, sizing ----
+    fresh
+    vesk keypress 0 r 0
+    from_to 0.4 0 0.3 -0.27 shift
+    ::test::check "Shift turns by 15 degrees" {
+        [near [size] [list [expr {cos(acos(-1) / 4) * 2}] [expr {cos(acos(-1) / 4) * 2}] 1]]
+        && $::vesk::status::undo_label eq "rotate"
+    }
+    fresh
+    from_to 0.58 0 1.08 0
+    ::test::check "a handle sizes from the other side" {
+        [near [size] {1.5 1 1}] && [near [centre] {0.25 0 0}]
+    }
+    fresh
+    from_to 0.58 0.58 1.08 0.7 shift
+    ::test::check "Shift keeps the proportions" {[near [size] {1.5 1.5 1.5}]}
+    fresh
+    from_to 0.58 0 0.83 0 ctrl
+    ::test::check "Control keeps the middle" {[near [size] {1.5 1 1}] && [near [centre] {0 0 0}]}
+
+    # ---- near snap ----
+    fresh
+    vesk create box 0 1 0.2 -0.5 2 1.2 0.5
+    set other [vesk get_selected_objects]
+    vesk objects_select $::cube
+    set ::prefs_snap_near 1
+    from_to 0.45 -0.45 0.92 0.16
+    ::test::check "the grabbed corner comes to a near one" {[near [centre] {0.5 0.7 0} 1e-5]}
+    set ::prefs_snap_near 0
+
+    # ---- extruding ----
+    fresh surface
+    vesk clear_selection
+    click_at 0.2 0.2
+    ::test::check "the front is selected" {[vesk selection_get_num_surfaces] == 1}
+    vesk keypress 0 e 0
+    ::test::check "E is the extrude tool" {[lindex [vesk get_app_mode] 1] eq "extrude"}
+    from_to 0.5 0 1.2 0 "" zy
+    ::test::check "a drag extrudes" {
+        [counts $::cube] eq {11 12} && $::vesk::status::undo_label eq "extrude"
+    }
+    vesk undo
+    ::test::check "and is undone" {[counts [vesk object_get_children [vesk get_world]]] eq {6 8}}
+
+    # ---- a double click goes down ----
+    fresh object
+    vesk group
+    vesk set_select_mode tree
+    vesk clear_selection
+    lassign [spot 0.5 0.2] px py
+    ::test::at xy $px $py
+    exec xdotool click --repeat 2 --delay 80 1
+    ::test::pause 400
+    ::test::check "a double click takes the object in its group" {
+        [lindex [vesk get_app_mode] 0] eq "object" && [vesk get_selected_objects] eq $::cube
+    }
+
+    # ---- creating ----
+    foreach {tool surfaces vertices} {rect 1 4 grid 18 36 mesh 128 81 circle 1 16 disk 12 13
+            box 6 8 cylinder 12 24 sphere 144 134} {
+        vesk clear_all
+        vesk set_draw_mode $tool
+        from_to -0.8 0.5 0.8 -0.5
+        set made [vesk get_selected_objects]
+        ::test::check "a drag makes a $tool" {
+            [llength $made] == 1 && [lindex [counts $made] 1] == $vertices
+            && [near [lrange [size] 0 1] {1.6 1}] && $::undo_count == 1
+        }
+    }
+    vesk clear_all
+    vesk set_draw_mode box
+    begin -0.5 -0.5 0.2 0.2
+    key 1 Tab 2 Tab 3 Return
+    finish
+    ::test::check "a box by numbers" {[near [size] {1 2 3} 1e-5] && $::undo_count == 1}
+    foreach {tool points keys surfaces vertices} {
+        polygon {-1 -1 1 -1 1 1} Return 1 3
+        polyline {-1 -1 0 1 1 -1 1.2 1} Return 1 4
+        line {-1 -1 1 1} {} 1 2
+        light {0.5 0.5} {} 0 0
+    } {
+        vesk clear_all
+        vesk set_draw_mode $tool
+        foreach {x y} $points {click_at $x $y}
+        if {$keys ne ""} {key {*}$keys}
+        set made [vesk object_get_children [vesk get_world]]
+        ::test::check "clicks make a $tool" {
+            [llength $made] == 1 && [counts $made] eq [list $surfaces $vertices]
+            && $::vesk::status::undo_label eq "add $tool"
+        }
+    }
+    vesk clear_all
+    vesk set_draw_mode polygon
+    click_at -1 -1
+    click_at 1 -1
+    click_at 0 1
+    key BackSpace
+    key Escape
+    ::test::check "Escape drops an outline" {[vesk object_tree] eq ""}
+    vesk set_draw_mode move
+}

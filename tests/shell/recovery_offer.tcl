@@ -1,0 +1,45 @@
+# recovery_offer.tcl --
+#   The start after a session that did not end well: the question comes, Return opens the copy, and
+#   what it holds is one of the steps, whole.
+
+source [file join [file dirname [info script]] support.tcl]
+
+# answer --
+#   Waits for the question and presses Return as a person does. By timers: while the question is open
+#   nothing else goes on.
+proc answer {tries} {
+    if {![winfo exists .question] || ![winfo viewable .question]} {
+        if {$tries > 0} {after 50 [list answer [expr {$tries - 1}]]}
+        return
+    }
+    set ::asked [.question.in.text cget -text]
+    ::test::shot recovery-offer
+    exec xdotool mousemove [expr {[winfo rootx .question] + 30}] \
+        [expr {[winfo rooty .question] + 30}]
+    after 200 {exec xdotool key Return}
+}
+set asked ""
+answer 200
+
+::test::run {
+    ::test::check "the offer was there" {[string match "*a model without a name*" $::asked]}
+    ::test::pause 1500
+    set names {}
+    foreach id [vesk object_get_children [vesk get_world]] {
+        lappend names [vesk object_get_name $id]
+        ::test::check "a whole box" {
+            [dict get [vesk object_info $id] vertices] == 8
+            && [dict get [vesk object_info $id] surfaces] == 6
+        }
+    }
+    set count [llength $names]
+    ::test::check "a model of $count boxes" {$count > 0}
+    set step [expr {$count > 0 ? [lindex [lindex $names 0] 1] : 0}]
+    # Written between adding and naming, the newest box is still called "cube".
+    set odd [lsearch -all -inline -not -exact $names "step $step"]
+    ::test::check "as it was at one step" {$step in [list $count [expr {$count - 1}]] && $odd in {{} cube}}
+    ::test::check "which is unsaved work" {$::unsaved_changes}
+    vesk recovery_drop [lindex [vesk recovery_list] 0 0]
+    foreach copy [vesk recovery_list] {vesk recovery_drop [lindex $copy 0]}
+    set ::unsaved_changes 0
+}

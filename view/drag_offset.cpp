@@ -1,0 +1,62 @@
+#include "view/drag_offset.h"
+
+#include "app/prefs.h"
+#include "edit/snap.h"
+#include "model/vector.h"
+#include "view/camera_internal.h"
+#include "view/near_snap.h"
+#include "view/projection.h"
+#include "view/views_internal.h"
+
+#include <algorithm>
+#include <cmath>
+
+point3_t screen_offset_3d(const point3_t &at, int dx, int dy)
+{
+    double m[16]; // column by column: scale times rotation, then the shift
+    camera_modelview(m);
+    const double depth = -(m[2] * at.x + m[6] * at.y + m[10] * at.z + m[14]);
+    const projection_t projection = camera_projection(at, at);
+    int geometry[4] = {};
+    win_get_geom(VIEW_XYZ, geometry);
+    const double units = 2 * projection.half_height *
+                         (projection.perspective ? std::max(depth, 1e-6) : 1.0) /
+                         std::max(geometry[3], 1);
+    const double square = m[0] * m[0] + m[1] * m[1] + m[2] * m[2];
+    const double x = dx * units / square, y = -dy * units / square;
+    return {static_cast<float>(m[0] * x + m[1] * y), static_cast<float>(m[4] * x + m[5] * y),
+            static_cast<float>(m[8] * x + m[9] * y)};
+}
+
+void snap_to_grid_from(const point3_t &from, point3_t *offset)
+{
+    const auto spacing = static_cast<float>(prefs.grid);
+    point3_t target = point_add(from, *offset);
+    snap_to_grid_float(&target, spacing, spacing, spacing);
+    const point3_t snapped = point_sub(target, from);
+    for (int axis = 0; axis < 3; ++axis) { // an axis that does not move is not pulled along
+        if (axis_of(*offset, axis) != 0) {
+            axis_of(*offset, axis) = axis_of(snapped, axis);
+        }
+    }
+}
+
+bool snap_near_from(const point3_t &from, int view, point3_t *offset)
+{
+    double x = 0, y = 0;
+    point3_t found;
+    if (!window_position(view, point_add(from, *offset), &x, &y) ||
+        !near_snap_at(view, x, y, &found)) {
+        return false;
+    }
+    point3_t snapped = point_sub(found, from);
+    if (is_orthographic(view)) {
+        const int depth = view_axes[view].depth;
+        const double range = pixels_to_distance(prefs.snap_near_pixels, view);
+        if (std::fabs(axis_of(snapped, depth)) > range) {
+            axis_of(snapped, depth) = axis_of(*offset, depth);
+        }
+    }
+    *offset = snapped;
+    return true;
+}

@@ -1,0 +1,591 @@
+#include "view/tool_transform.h"
+
+#include "app/coor_display.h"
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "edit/drag_transform.h"
+#include "edit/extrude.h"
+#include "edit/journal.h"
+#include "edit/modes.h"
+#include "edit/selection_internal.h"
+#include "edit/snap.h"
+#include "edit/undo.h"
+#include "model/vector.h"
+#include "view/camera_internal.h"
+#include "view/drag_offset.h"
+#include "view/extrude_preview.h"
+#include "view/handles.h"
+#include "view/interaction.h"
+#include "view/near_snap.h"
+#include "view/number_field.h"
+#include "view/overlay.h"
+#include "view/projection.h"
+#include "view/redraw.h"
+#include "view/tool_select.h"
+#include "view/views_internal.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr int click_slack = 3; // pixels that are still a click
+constexpr float angle_step = 15.0f;
+constexpr double degrees_per_radian = 57.29577951308232;
+
+enum class doing { NOTHING, BAND, ZOOM, MOVE, ROTATE, RESIZE, EXTRUDE };
+
+struct tool_t {
+    doing what = doing::NOTHING;
+    pointer_event_t start = {};
+    bool moved = false;
+    int handle = 0;
+    int axis = -1; // locked to
+    world_box_t box = {};
+    point3_t centre = {0, 0, 0};
+    point3_t grabbed = {0, 0, 0}; // vertex nearest to the press: near snap brings it to another
+    std::unique_ptr<drag_transform_t> transform;
+    std::unique_ptr<extrude_preview_t> extrusion;
+    pointer_event_t last = {};
+};
+tool_t tool;
+
+bool draws_band() { return tool.what == doing::BAND || tool.what == doing::ZOOM; }
+
+doing what_on_selection(int view)
+{
+    if (draw_mode() == DRAW_EXTRUDE) {
+        if (extrude_has_surfaces()) {
+            return doing::EXTRUDE;
+        }
+        display_message("extrude - select whole surfaces first");
+        return is_orthographic(view) ? doing::BAND : doing::NOTHING;
+    }
+    return draw_mode() == DRAW_ROTATE && is_orthographic(view) ? doing::ROTATE : doing::MOVE;
+}
+
+doing what_to_do(const pointer_event_t &event, int handle)
+{
+    if (draw_mode() == DRAW_ZOOM) {
+        return is_orthographic(event.view) ? doing::ZOOM : doing::NOTHING;
+    }
+    if (handle > HANDLE_INSIDE_ROTATE) {
+        return doing::RESIZE;
+    }
+    if (handle != HANDLE_NONE || pointer_is_on_selection(event.view, event.x, event.y)) {
+        return what_on_selection(event.view);
+    }
+    return is_orthographic(event.view) ? doing::BAND : doing::NOTHING;
+}
+
+// An extrusion in the 3D view follows the surfaces' normal where that can be seen: how far along
+// it the pointer went.
+bool offset_along_normal(int dx, int dy, point3_t *offset)
+{
+    constexpr double shortest = 4; // pixels of the normal's unit
+    const point3_t normal = tool.extrusion->normal();
+    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    const point3_t end = point_add(tool.centre, normal);
+    if (point_length(normal) == 0 || !camera_project(tool.centre, &x0, &y0) ||
+        !camera_project(end, &x1, &y1)) {
+        return false;
+    }
+    const double nx = x1 - x0, ny = y1 - y0;
+    const double square = nx * nx + ny * ny;
+    if (square < shortest * shortest) {
+        return false;
+    }
+    *offset = point_scale(normal, static_cast<float>((dx * nx + dy * ny) / square));
+    return true;
+}
+
+// The world offset of the drag so far.
+point3_t offset_of(const pointer_event_t &event)
+{
+    const int dx = event.x - tool.start.x;
+    const int dy = event.y - tool.start.y;
+    point3_t offset = {0, 0, 0};
+    if (event.view == VIEW_XYZ) {
+        if (tool.extrusion != nullptr && tool.axis < 0 && offset_along_normal(dx, dy, &offset)) {
+            return offset;
+        }
+        return screen_offset_3d(tool.centre, dx, dy);
+    }
+    const view_axes_t axes = view_axes[event.view];
+    const auto unit = static_cast<float>(pixels_to_distance(1, event.view));
+    axis_of(offset, axes.horizontal) = static_cast<float>(dx) * unit * axis_sign[axes.horizontal];
+    axis_of(offset, axes.vertical) = static_cast<float>(dy) * unit * axis_sign[axes.vertical];
+    return offset;
+}
+
+void lock_to_axis(point3_t *offset)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        if (tool.axis >= 0 && axis != tool.axis) {
+            axis_of(*offset, axis) = 0;
+        }
+    }
+}
+
+// ---- snapping ----
+
+bool snaps_to_grid(int state) { return (prefs.gridsnap != 0) != (qualifier_control(state) != 0); }
+
+void snap_offset(const pointer_event_t &event, point3_t *offset)
+{
+    const bool near = prefs.snap_near != 0 && snap_near_from(tool.grabbed, event.view, offset);
+    if (!near && snaps_to_grid(event.state)) {
+        snap_to_grid_from(tool.box.min, offset);
+    }
+    lock_to_axis(offset);
+}
+
+// The vertex that moves and lies nearest to the press.
+point3_t nearest_moving(const pointer_event_t &event)
+{
+    point3_t nearest = tool.centre;
+    double smallest = -1;
+    for (const vertex *v : tool.transform->moving()) {
+        double x = 0, y = 0;
+        if (!window_position(event.view, v->position, &x, &y)) {
+            continue;
+        }
+        const double distance = std::hypot(x - event.x, y - event.y);
+        if (smallest < 0 || distance < smallest) {
+            smallest = distance;
+            nearest = v->position;
+        }
+    }
+    return nearest;
+}
+
+// ---- what the drag comes to ----
+
+void apply_typed(point3_t *numbers)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        number_field_value(axis, &axis_of(*numbers, axis));
+    }
+}
+
+drag_change_t move_change(const pointer_event_t &event)
+{
+    drag_change_t change;
+    change.kind = drag_change_t::MOVE;
+    change.offset = offset_of(event);
+    lock_to_axis(&change.offset);
+    snap_offset(event, &change.offset);
+    apply_typed(&change.offset);
+    return change;
+}
+
+// The sign that a view gives an angle about its axis.
+float rotation_sign(int view) { return view == VIEW_ZY ? 1.0f : -1.0f; }
+
+drag_change_t rotate_change(const pointer_event_t &event)
+{
+    int cx = 0, cy = 0;
+    point2xy(&tool.centre, &cx, &cy, event.view);
+    const double before = std::atan2(tool.start.y - cy, tool.start.x - cx);
+    const double now = std::atan2(event.y - cy, event.x - cx);
+    drag_change_t change;
+    change.kind = drag_change_t::ROTATE;
+    change.view = event.view;
+    change.centre = tool.centre;
+    change.own_centres = prefs.rotate_about_object_centre != 0;
+    change.degrees =
+        static_cast<float>(std::remainder(now - before, 2 * M_PI) * degrees_per_radian);
+    if (qualifier_shift(event.state) != 0) {
+        change.degrees = std::round(change.degrees / angle_step) * angle_step;
+    }
+    float typed = 0;
+    if (number_field_value(0, &typed)) {
+        change.degrees = typed * rotation_sign(event.view);
+    }
+    return change;
+}
+
+// Where the dragged sides of the box go, as distances along the view's axes.
+void snap_sides(const pointer_event_t &event, float *by_horizontal, float *by_vertical)
+{
+    const view_axes_t axes = view_axes[event.view];
+    const handle_sides_t sides = handle_sides(event.view, tool.handle);
+    const auto spacing = static_cast<float>(prefs.grid);
+    point3_t found;
+    const bool near = prefs.snap_near != 0 && near_snap_at(event.view, event.x, event.y, &found);
+    const auto snap = [&](int side, int axis, float *by) {
+        const float from = axis_of(side > 0 ? tool.box.max : tool.box.min, axis);
+        if (side != 0 && near) {
+            *by = axis_of(found, axis) - from;
+        } else if (side != 0 && prefs.gridsnap != 0) {
+            point3_t p = {from + *by, 0, 0};
+            snap_to_grid_float(&p, spacing, spacing, spacing);
+            *by = p.x - from;
+        }
+    };
+    snap(sides.horizontal, axes.horizontal, by_horizontal);
+    snap(sides.vertical, axes.vertical, by_vertical);
+}
+
+// Typed sizes: the side that stays for the mouse stays for them.
+void apply_typed_sizes(const handle_sides_t &sides, int view, bool from_centre, world_box_t *box)
+{
+    const view_axes_t axes = view_axes[view];
+    for (int axis = 0; axis < 3; ++axis) {
+        float size = 0;
+        if (!number_field_value(axis, &size)) {
+            continue;
+        }
+        const int side = from_centre               ? 0
+                         : axis == axes.horizontal ? sides.horizontal
+                         : axis == axes.vertical   ? sides.vertical
+                                                   : 0;
+        const float low = axis_of(tool.box.min, axis), high = axis_of(tool.box.max, axis);
+        const float middle = (low + high) / 2;
+        axis_of(box->min, axis) = side > 0 ? low : side < 0 ? high - size : middle - size / 2;
+        axis_of(box->max, axis) = axis_of(box->min, axis) + size;
+    }
+}
+
+drag_change_t resize_change(const pointer_event_t &event)
+{
+    const view_axes_t axes = view_axes[event.view];
+    const point3_t by = offset_of(event);
+    float by_horizontal = axis_of(by, axes.horizontal), by_vertical = axis_of(by, axes.vertical);
+    snap_sides(event, &by_horizontal, &by_vertical);
+    const bool from_centre = qualifier_control(event.state) != 0;
+    world_box_t box = resized_box(event.view, tool.box, tool.handle, by_horizontal, by_vertical,
+                                  from_centre, qualifier_shift(event.state) != 0);
+    for (int axis = 0; axis < 3; ++axis) {
+        if (tool.axis >= 0 && axis != tool.axis) {
+            axis_of(box.min, axis) = axis_of(tool.box.min, axis);
+            axis_of(box.max, axis) = axis_of(tool.box.max, axis);
+        }
+    }
+    apply_typed_sizes(handle_sides(event.view, tool.handle), event.view, from_centre, &box);
+    drag_change_t change;
+    change.kind = drag_change_t::RESIZE;
+    change.from_min = tool.box.min;
+    change.from_max = tool.box.max;
+    change.to_min = box.min;
+    change.to_max = box.max;
+    return change;
+}
+
+drag_change_t change_of(const pointer_event_t &event)
+{
+    switch (tool.what) {
+    case doing::ROTATE:
+        return rotate_change(event);
+    case doing::RESIZE:
+        return resize_change(event);
+    default:
+        return move_change(event);
+    }
+}
+
+bool is_nothing(const drag_change_t &change)
+{
+    switch (change.kind) {
+    case drag_change_t::MOVE:
+        return point_equal(change.offset, {0, 0, 0});
+    case drag_change_t::RESIZE:
+        return point_equal(change.from_min, change.to_min) &&
+               point_equal(change.from_max, change.to_max);
+    default:
+        return change.degrees == 0;
+    }
+}
+
+// ---- showing it ----
+
+void show(const drag_change_t &change)
+{
+    switch (change.kind) {
+    case drag_change_t::MOVE: {
+        const point3_t now = point_add(tool.centre, change.offset);
+        show_coors_and_point(&now, &change.offset);
+        break;
+    }
+    case drag_change_t::ROTATE:
+        show_angle(change.degrees);
+        break;
+    default:
+        show_size(&change.to_max, &change.to_min);
+        break;
+    }
+}
+
+void show_pending(const drag_change_t &change)
+{
+    overlay_t &shown = overlay();
+    shown.moving = true;
+    shown.pending = !tool.transform->is_live() && !tool.transform->turns_own(change);
+    if (shown.pending) {
+        drag_matrix(change, shown.pending_matrix);
+    }
+}
+
+void note_motion_everywhere(double seconds)
+{
+    for (int view = 0; view < num_views; ++view) {
+        view_note_motion(view, seconds);
+    }
+}
+
+void step_band(const pointer_event_t &event)
+{
+    overlay_t &shown = overlay();
+    shown.band_view = event.view;
+    shown.x0 = tool.start.x;
+    shown.y0 = tool.start.y;
+    shown.x1 = event.x;
+    shown.y1 = event.y;
+    redraw(event.view);
+}
+
+void step(const pointer_event_t &event)
+{
+    if (draws_band()) {
+        step_band(event);
+        return;
+    }
+    const drag_change_t change = change_of(event);
+    show(change);
+    if (tool.what == doing::EXTRUDE) {
+        tool.extrusion->outline_at(change.offset, &overlay().preview);
+    } else {
+        tool.transform->step(change);
+        show_pending(change);
+    }
+    note_motion_everywhere(event.seconds);
+    redraw_all();
+}
+
+void forget()
+{
+    const int band_view = overlay().band_view;
+    number_field_close();
+    near_snap_end();
+    overlay() = {};
+    tool = {};
+    if (band_view != VIEW_NONE) {
+        redraw(band_view);
+    }
+}
+
+// The first motion, or the first digit.
+void begin_change()
+{
+    if (tool.moved) {
+        return;
+    }
+    tool.moved = true;
+    if (draws_band()) {
+        return;
+    }
+    journal_begin();
+    journal_hold(true);
+    tool.transform = std::make_unique<drag_transform_t>();
+    tool.grabbed = nearest_moving(tool.start);
+    if (tool.what == doing::EXTRUDE) {
+        tool.extrusion = std::make_unique<extrude_preview_t>();
+    }
+    if (prefs.snap_near != 0) {
+        near_snap_begin(tool.what == doing::EXTRUDE ? std::vector<vertex *>()
+                                                    : tool.transform->moving());
+    }
+}
+
+// ---- the end of a drag ----
+
+// A click zooms in (Shift: out), a rectangle is seen as large as it fits.
+void finish_zoom(const pointer_event_t &event)
+{
+    const pointer_event_t start = tool.start;
+    const bool clicked = !tool.moved;
+    forget();
+    if (clicked) {
+        qualifier_shift(event.state) != 0 ? zoom_out_win(start.view) : zoom_in_win(start.view);
+        return;
+    }
+    int geometry[4] = {};
+    win_get_geom(start.view, geometry);
+    const auto width = static_cast<float>(std::max(std::abs(event.x - start.x), 4));
+    const auto height = static_cast<float>(std::max(std::abs(event.y - start.y), 4));
+    view_pan_by(start.view,
+                static_cast<float>(geometry[2]) / 2 - static_cast<float>(event.x + start.x) / 2,
+                static_cast<float>(geometry[3]) / 2 - static_cast<float>(event.y + start.y) / 2);
+    view_zoom_by(start.view, std::min(static_cast<float>(geometry[2]) / width,
+                                      static_cast<float>(geometry[3]) / height));
+    redraw_orth();
+}
+
+void finish_change(const pointer_event_t &event)
+{
+    const drag_change_t change = change_of(event);
+    // What runs from here on may announce changes: nothing of the drag is left by then.
+    const bool extrudes = tool.what == doing::EXTRUDE;
+    const point3_t from = tool.centre;
+    const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
+    forget();
+    if (is_nothing(change)) {
+        transform->take_back();
+    } else if (extrudes) {
+        new_undo(UNDO_WORLD, "extrude");
+        set_undo_all();
+        const point3_t to = point_add(from, change.offset);
+        extrude_selected(&from, &to);
+        find_bounding_box();
+    } else {
+        transform->step(change);
+        transform->finish();
+    }
+    journal_hold(false);
+    journal_step(extrudes ? "extrude" : "drag");
+    redraw_all();
+    display_status();
+}
+
+// ---- numbers ----
+
+std::vector<number_part_t> number_parts(int *first)
+{
+    const int view = tool.start.view;
+    const bool flat = is_orthographic(view);
+    *first = tool.axis >= 0 ? tool.axis : flat ? view_axes[view].horizontal : 0;
+    if (tool.what == doing::ROTATE) {
+        static constexpr const char *labels[] = {"rX", "rY", "rZ"};
+        const int axis = view_axes[view].depth;
+        *first = 0;
+        return {{labels[axis], axis}};
+    }
+    if (tool.what == doing::RESIZE) {
+        if (tool.axis < 0 && handle_sides(view, tool.handle).horizontal == 0) {
+            *first = view_axes[view].vertical;
+        }
+        return {{"W", 0}, {"H", 1}, {"D", 2}};
+    }
+    return {{"dX", 0}, {"dY", 1}, {"dZ", 2}};
+}
+
+bool take_number(const char *key)
+{
+    int first = 0;
+    const std::vector<number_part_t> parts = number_parts(&first);
+    switch (number_field_key(key, parts, first)) {
+    case number_key::unused:
+        return false;
+    case number_key::accepted:
+        interaction_accept();
+        return true;
+    case number_key::changed:
+        break;
+    }
+    begin_change();
+    number_field_show(tool.last.view, tool.last.x, tool.last.y);
+    step(tool.last);
+    return true;
+}
+
+bool take_axis(const char *key)
+{
+    static constexpr const char *axes = "xyz";
+    const char *axis = std::strlen(key) == 1 ? std::strchr(axes, std::tolower(key[0])) : nullptr;
+    if (axis == nullptr || tool.what == doing::ROTATE) {
+        return false;
+    }
+    const auto wanted = static_cast<int>(axis - axes);
+    tool.axis = tool.axis == wanted ? -1 : wanted;
+    overlay().locked_axis = tool.axis;
+    overlay().lock_point = tool.centre;
+    if (number_field_is_open() && tool.axis >= 0) {
+        number_field_choose(tool.axis);
+        number_field_show(tool.last.view, tool.last.x, tool.last.y);
+    }
+    if (tool.moved) {
+        step(tool.last);
+    }
+    return true;
+}
+
+} // namespace
+
+bool transform_press(const pointer_event_t &event)
+{
+    const int handle =
+        draw_mode() == DRAW_ZOOM ? HANDLE_NONE : handle_at(event.view, event.x, event.y);
+    const doing what = what_to_do(event, handle);
+    if (what == doing::NOTHING) {
+        return false; // the camera's
+    }
+    tool = {};
+    tool.what = what;
+    tool.start = tool.last = event;
+    tool.handle = handle;
+    tool.box = {selection().box_min, selection().box_max};
+    tool.centre = selection().box_centre;
+    return true;
+}
+
+void transform_motion(const pointer_event_t &event)
+{
+    if (!tool.moved && std::abs(event.x - tool.start.x) <= click_slack &&
+        std::abs(event.y - tool.start.y) <= click_slack) {
+        return;
+    }
+    begin_change();
+    tool.last = event;
+    step(event);
+    number_field_show(event.view, event.x, event.y);
+}
+
+void transform_release(const pointer_event_t &event)
+{
+    if (tool.what == doing::ZOOM) {
+        finish_zoom(event);
+        return;
+    }
+    if (!tool.moved) {
+        const pointer_event_t start = tool.start;
+        forget();
+        select_click(start.view, start.x, start.y, start.state, start.seconds);
+        return;
+    }
+    if (tool.what == doing::BAND) {
+        const band_t band = {tool.start.x, tool.start.y, event.x, event.y, event.x < tool.start.x};
+        const int view = tool.start.view;
+        forget();
+        select_band(view, band, event.state);
+        return;
+    }
+    finish_change(event);
+}
+
+void transform_cancel()
+{
+    const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
+    forget();
+    if (transform != nullptr) {
+        transform->take_back();
+        journal_hold(false);
+    }
+    redraw_all();
+    display_status();
+}
+
+bool transform_key(const char *key)
+{
+    if (tool.what == doing::NOTHING || draws_band()) {
+        return false;
+    }
+    return take_number(key) || take_axis(key);
+}
+
+bool transform_runs() { return tool.transform != nullptr; }
+
+void transform_forget() { forget(); }
