@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 #include <thread>
 
@@ -13,6 +14,7 @@ struct shared_state {
     std::mutex mutex;
     std::condition_variable ended;
     bool done = false;
+    std::exception_ptr failure; // what the work threw: memory ran out
 };
 
 } // namespace
@@ -22,8 +24,14 @@ bool run_aside(std::function<void()> work)
     using namespace std::chrono_literals;
     const auto state = std::make_shared<shared_state>();
     std::thread worker([state, work = std::move(work)] {
-        work();
+        std::exception_ptr failure;
+        try {
+            work();
+        } catch (...) {
+            failure = std::current_exception();
+        }
         const std::lock_guard lock(state->mutex);
+        state->failure = failure;
         state->done = true;
         state->ended.notify_all();
     });
@@ -39,5 +47,7 @@ bool run_aside(std::function<void()> work)
         }
     }
     worker.join();
+    if (state->failure)
+        std::rethrow_exception(state->failure);
     return true;
 }

@@ -3,6 +3,7 @@ target_sources(vesk_tests PRIVATE
     edit/extrude_test.cpp
     edit/edge_mesh_test.cpp
     edit/geometry_test.cpp
+    edit/information_test.cpp
     edit/journal_test.cpp
     edit/group_test.cpp
     edit/hull_test.cpp
