@@ -1,11 +1,13 @@
 #include "app/messages.h"
+#include "app/session_state.h"
 #include "edit/edge_mesh_internal.h"
 #include "edit/edit_support.h"
-#include "edit/mesh_change.h"
 #include "edit/triangulate.h"
 #include "edit/undo.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
+#include "model/each.h"
+#include "model/freed.h"
 #include "model/object_internal.h"
 #include "model/vector.h"
 
@@ -199,35 +201,145 @@ vesk_mesh_t *vesk_object_to_mesh(object_t *object)
 
 void vesk_mesh_free(vesk_mesh_t *mesh) { std::unique_ptr<vesk_mesh_t>(mesh).reset(); }
 
+namespace {
+
+// Writes a mesh into the object that it was made of, record by record: a mesh_change would keep
+// everything a second time, which for millions of triangles costs as much as the records.
+class mesh_commit {
+public:
+    mesh_commit(const vesk_mesh_t &mesh, object_t *object)
+        : mesh_(mesh), object_(object), before_(object_flat(object)),
+          points_(*before_->vertex_records)
+    {
+    }
+
+    void run()
+    {
+        session().committing = true;
+        move_vertices();
+        add_vertices();
+        listitem *made = make_surfaces(); // before the old ones, whose properties they take, go
+        find_unused();
+        freed_batch batch;
+        drop_polygons(batch);
+        drop_unused(batch);
+        append_surfaces(made);
+        object_mark(object_, CHANGED_TOPOLOGY);
+        session().committing = false;
+    }
+
+private:
+    enum use_t : char { UNTOUCHED, LOST, KEPT };
+
+    void move_vertices()
+    {
+        const std::size_t n = std::min(points_.size(), mesh_.points.size());
+        for (std::size_t v = 0; v < n; ++v)
+            points_[v]->position = mesh_.points[v];
+    }
+
+    void add_vertices()
+    {
+        listitem *last = object_->vertices != nullptr ? list_end(object_->vertices) : nullptr;
+        points_.reserve(mesh_.points.size());
+        for (std::size_t v = points_.size(); v < mesh_.points.size(); ++v) {
+            const point3_t &p = mesh_.points[v];
+            points_.push_back(new_vertex_set(p.x, p.y, p.z));
+            last = list_add_item_fast(&object_->vertices, last, points_.back());
+            ++object_->num_vertices;
+        }
+    }
+
+    listitem *make_surfaces()
+    {
+        listitem *head = nullptr, *last = nullptr;
+        for (int face = 0; face < mesh_.num_faces(); ++face) {
+            surface_t *surface = new_surface();
+            const int source = mesh_.sources[place(face)];
+            if (source >= 0)
+                surface_copy_record(surface, (*before_->surface_records)[place(source)]);
+            auto corner = place(mesh_.offsets[place(face)]);
+            listitem *last_corner = nullptr;
+            for (const int v : mesh_.face(face)) {
+                const flat_uv &uv = mesh_.uv[corner++];
+                last_corner = list_add_item_fast(&surface->refs, last_corner,
+                                                 new_svertex(points_[place(v)], uv.u, uv.v));
+                ++surface->num_refs;
+            }
+            last = list_add_item_fast(&head, last, surface);
+        }
+        return head;
+    }
+
+    // Vertices that polygons had and nothing has any more.
+    void find_unused()
+    {
+        use_.resize(place(before_->num_vertices()), UNTOUCHED);
+        for (int s = 0; s < before_->num_surfaces(); ++s) {
+            const bool goes = is_polygon((*before_->surfaces)[place(s)]);
+            for (const int v : before_->surface_corners(s)) {
+                if (use_[place(v)] != KEPT)
+                    use_[place(v)] = goes ? LOST : KEPT;
+            }
+        }
+        for (const int v : mesh_.corners) {
+            if (v < before_->num_vertices())
+                use_[place(v)] = KEPT;
+        }
+    }
+
+    // Unlinks the nodes of the places that `goes` says.
+    template <class T, class Goes>
+    static int unlink(listitem **at, freed_batch &batch, const Goes &goes)
+    {
+        int removed = 0;
+        for (std::size_t i = 0; *at != nullptr; ++i) {
+            listitem *node = *at;
+            if (!goes(i)) {
+                at = &node->next;
+                continue;
+            }
+            *at = node->next;
+            batch.add(item_of<T>(node));
+            myfree(node);
+            ++removed;
+        }
+        return removed;
+    }
+
+    void drop_polygons(freed_batch &batch)
+    {
+        const std::vector<flat_surface> &surfaces = *before_->surfaces;
+        object_->num_surfaces -= unlink<surface_t>(&object_->surfaces, batch, [&](std::size_t i) {
+            return i < surfaces.size() && is_polygon(surfaces[i]);
+        });
+    }
+
+    void drop_unused(freed_batch &batch)
+    {
+        object_->num_vertices -= unlink<vertex>(&object_->vertices, batch, [&](std::size_t i) {
+            return i < use_.size() && use_[i] == LOST;
+        });
+    }
+
+    void append_surfaces(listitem *made)
+    {
+        list_append_list(&object_->surfaces, made);
+        object_->num_surfaces += mesh_.num_faces();
+    }
+
+    const vesk_mesh_t &mesh_;
+    object_t *object_;
+    flat_ptr before_;
+    std::vector<vertex *> points_;
+    std::vector<use_t> use_;
+};
+
+} // namespace
+
 void vesk_mesh_to_object(const vesk_mesh_t *mesh, object_t *object)
 {
-    mesh_change change(object);
-    const flat_ptr before = object_flat(object);
-    const auto old = place(before->num_vertices());
-    for (std::size_t v = old; v < mesh->points.size(); ++v)
-        change.add_vertex(mesh->points[v]);
-    for (int s = 0; s < before->num_surfaces(); ++s) {
-        if (is_polygon((*before->surfaces)[place(s)]))
-            change.remove_surface(s);
-    }
-    for (int face = 0; face < mesh->num_faces(); ++face) {
-        change.add_surface(mesh->sources[place(face)]);
-        auto corner = place(mesh->offsets[place(face)]);
-        for (const int v : mesh->face(face))
-            change.add_corner(v, mesh->uv[corner++]);
-    }
-    change.remove_unused();
-    // Before the commit, which may free some of them.
-    bool moved = false;
-    for (std::size_t v = 0; v < old && v < mesh->points.size(); ++v) {
-        if (point_equal((*before->positions)[v], mesh->points[v]))
-            continue;
-        (*before->vertex_records)[v]->position = mesh->points[v];
-        moved = true;
-    }
-    change.commit();
-    if (moved)
-        object_mark(object, CHANGED_POSITIONS);
+    mesh_commit(*mesh, object).run();
 }
 
 int vesk_mesh_add_vertices(vesk_mesh_t *mesh, const float *xyz, int n)
