@@ -1,16 +1,26 @@
 # Files of fileio/.
 target_sources(vesk_core PRIVATE
+    fileio/assimp_module.cpp
     fileio/atomic_file.cpp
     fileio/backup.cpp
     fileio/export_vrml2.cpp
     fileio/file_text.cpp
     fileio/image_png.cpp
+    fileio/import_assimp.cpp
+    fileio/import_bsp.cpp
+    fileio/import_lightwave.cpp
+    fileio/import_lwob.cpp
+    fileio/import_mesh.cpp
+    fileio/import_text.cpp
+    fileio/import_vrml.cpp
     fileio/rescue.cpp
     fileio/state_writer.cpp
     fileio/tree_reader.cpp
     fileio/tree_reader_geometry.cpp
     fileio/tree_reader_keywords.cpp
     fileio/vesk_frames.cpp
+    fileio/vrml1_scan.cpp
+    fileio/vrml1_shapes.cpp
     fileio/vesk_old.cpp
     fileio/vesk_old_writer.cpp
     fileio/vesk_reader.cpp

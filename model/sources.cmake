@@ -12,6 +12,7 @@ target_sources(vesk_core PRIVATE
     model/list.cpp
     model/material.cpp
     model/matrix.cpp
+    model/mesh_arrays.cpp
     model/normals.cpp
     model/object.cpp
     model/object_access.cpp

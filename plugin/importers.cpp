@@ -5,6 +5,11 @@
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "edit/selection.h"
+#include "fileio/import_assimp.h"
+#include "fileio/import_bsp.h"
+#include "fileio/import_lightwave.h"
+#include "fileio/import_text.h"
+#include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
@@ -15,6 +20,7 @@
 #include "plugin/dialogs.h"
 #include "view/fit.h"
 #include "view/redraw.h"
+#include "view/textures.h"
 
 #include <cstring>
 #include <string>
@@ -49,6 +55,7 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
 {
     object_t *object = nullptr;
     fault_t fault;
+    const texture_load_scope one_box; // about textures
     if (guarded_with_recovery([&] { object = importer->load(filename); }, &fault))
         return object;
     windows_message_dialog("The importer for %s files failed on %s\n%s", importer->suffix, filename,
@@ -193,6 +200,15 @@ void vesk_register_internal_file_importers(void)
     };
     static const row_t rows[] = {
         {".vesk", "VESK files", vesk_import_vesk},
+        {".3ds", "3D Studio files", vesk_import_3ds},
+        {".dxf", "Autocad DXF files", vesk_import_dxf},
+        {".lws", "Lightwave scene files", vesk_import_lightwave},
+        {".lwo", "Lightwave object files", vesk_import_lightwave},
+        {".tri", "Alias/Triangle files", vesk_import_aliastri},
+        {".wrl", "VRML 1.0 files", vesk_import_vrml},
+        {".vec .r2v", "Vector files", vesk_import_vector},
+        {".md2", "MD2 files", vesk_import_md2},
+        {".bsp", "Quake3 BSP files", vesk_import_quake3bsp},
     };
     for (const row_t &row : rows) {
         vesk_register_file_importer(row.suffix, row.description, row.load,

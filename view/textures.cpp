@@ -303,13 +303,13 @@ bool image_has_alpha(VESKImage *image)
 
 const listitem *texture_loaders() { return textures.loaders; }
 
-texture_load_scope::texture_load_scope()
+texture_load_scope::texture_load_scope() : within_another_(std::exchange(textures.in_load, true))
 {
-    textures.in_load = true;
-    textures.box_shown = false;
+    if (!within_another_)
+        textures.box_shown = false;
 }
 
-texture_load_scope::~texture_load_scope() { textures.in_load = false; }
+texture_load_scope::~texture_load_scope() { textures.in_load = within_another_; }
 
 void textures_reset_for_test()
 {

@@ -103,6 +103,9 @@ public:
     ~texture_load_scope();
     texture_load_scope(const texture_load_scope &) = delete;
     texture_load_scope &operator=(const texture_load_scope &) = delete;
+
+private:
+    bool within_another_;
 };
 // The picture on an object, or null.
 VESKImage *object_picture(const object_t *object);

@@ -1,7 +1,10 @@
 target_sources(vesk_tests PRIVATE
+    fileio/foreign_files.cpp
+    fileio/import_test.cpp
     fileio/rescue_test.cpp
     fileio/vesk_reader_test.cpp
     fileio/vesk_roundtrip_test.cpp
     fileio/vrml2_test.cpp
     fileio/writer_test.cpp
 )
+add_dependencies(vesk_tests assimp_module)

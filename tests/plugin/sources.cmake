@@ -1,5 +1,6 @@
 target_sources(vesk_tests PRIVATE
     plugin/images_test.cpp
+    plugin/interchange_test.cpp
     plugin/plugin_test.cpp
 )
 
@@ -14,7 +15,7 @@ function(vesk_test_plugin name source)
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     add_dependencies(vesk_tests ${name})
 endfunction()
-add_dependencies(vesk_tests images)
+add_dependencies(vesk_tests images interchange)
 vesk_test_plugin(sample_plugin sample_plugin.c)
 vesk_test_plugin(plugin_without_exit broken_plugin.c)
 vesk_test_plugin(plugin_refusing broken_plugin.c REFUSES)

@@ -1,0 +1,37 @@
+#include "fileio/import_assimp.h"
+
+#include "app/prefs.h"
+#include "fileio/assimp_module.h"
+#include "model/change_marks.h"
+#include "model/each.h"
+#include "model/normals.h"
+
+namespace {
+
+void turn(point3_t &p) { p = {p.x, -p.z, p.y}; }
+
+// From Y upwards back to the axes of the file.
+void turn_to_z_up(object_t *top)
+{
+    for_each_object(top, [](object_t *object) {
+        for (vertex *point : each<vertex>(object->vertices))
+            turn(point->position);
+        turn(object->centre);
+        object_mark(object, CHANGED_POSITIONS | CHANGED_NORMALS);
+    });
+    object_calc_normals_force(top);
+}
+
+} // namespace
+
+object_t *vesk_import_3ds(const char *filename)
+{
+    object_t *object = vesk_assimp_import(filename, "3ds");
+    if (object != nullptr && prefs.swap_3ds_yz == 0)
+        turn_to_z_up(object);
+    return object;
+}
+
+object_t *vesk_import_dxf(const char *filename) { return vesk_assimp_import(filename, "dxf"); }
+
+object_t *vesk_import_md2(const char *filename) { return vesk_assimp_import(filename, "md2"); }

@@ -1,0 +1,67 @@
+#include "fileio/import_mesh.h"
+
+#include "app/filename.h"
+#include "app/messages.h"
+#include "model/normals.h"
+#include "model/palette.h"
+
+int import_mesh::add_point(float x, float y, float z)
+{
+    points_.insert(points_.end(), {x, y, z});
+    return num_points() - 1;
+}
+
+void import_mesh::add_corner(int point, float u, float v)
+{
+    corners_.push_back(point);
+    uv_.insert(uv_.end(), {u, v});
+}
+
+void import_mesh::end_surface(int palette_index, int flags)
+{
+    const int type = flags & SURFACE_TYPE_MASK;
+    const bool line = type == SURFACE_LINE || type == SURFACE_CLOSED_LINE;
+    const auto first = static_cast<size_t>(offsets_.back());
+    if (corners_.size() - first < (line ? 2 : 3)) {
+        corners_.resize(first);
+        uv_.resize(2 * first);
+        return;
+    }
+    offsets_.push_back(static_cast<int>(corners_.size()));
+    attributes_.push_back({palette_index, flags});
+}
+
+object_t *import_mesh::make_object(const std::string &name) const
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, name.c_str());
+    const int n = static_cast<int>(attributes_.size());
+    vesk_object_add_vertices_from_float_array(object, points_.data(), num_points());
+    vesk_object_add_surfaces_from_arrays(object, n, offsets_.data(), corners_.data(), uv_.data(),
+                                         0);
+    vesk_object_set_surface_attributes(object, 0, n, attributes_.data());
+    object_calc_normals_force(object);
+    return object;
+}
+
+object_t *import_refused(const std::string &filename, const char *reason)
+{
+    windows_message_dialog("can't read %s\n%s", filename.c_str(), reason);
+    return nullptr;
+}
+
+std::string import_base_name(const char *filename)
+{
+    const std::string name = vesk_filename_get_file(filename);
+    return name.substr(0, name.rfind('.'));
+}
+
+int import_colour(float r, float g, float b)
+{
+    material m;
+    material_init(&m);
+    m.diffuse[0] = r;
+    m.diffuse[1] = g;
+    m.diffuse[2] = b;
+    return vesk_palette_get_new_material_index(&m);
+}

@@ -1,0 +1,39 @@
+#ifndef VESK_FILEIO_IMPORT_MESH_H
+#define VESK_FILEIO_IMPORT_MESH_H
+
+// The arrays of one object while an importer fills them.
+
+#include "model/mesh_arrays.h"
+
+#include <string>
+#include <vector>
+
+class import_mesh {
+public:
+    // Returns the point's index.
+    int add_point(float x, float y, float z);
+    void add_corner(int point, float u = 0, float v = 0);
+    // Ends the surface whose corners were added since the last one; one with too few is dropped.
+    void end_surface(int palette_index, int flags);
+
+    [[nodiscard]] bool empty() const { return attributes_.empty(); }
+    [[nodiscard]] int num_points() const { return static_cast<int>(points_.size() / 3); }
+    // A new object of everything that was added, with its normals.
+    [[nodiscard]] object_t *make_object(const std::string &name) const;
+
+private:
+    std::vector<float> points_, uv_;
+    std::vector<int> offsets_ = {0}, corners_;
+    std::vector<vesk_surface_attributes_t> attributes_;
+};
+
+// The one message box about a file that cannot be read; returns null.
+object_t *import_refused(const std::string &filename, const char *reason);
+
+// The name of a file without its folder and suffix.
+std::string import_base_name(const char *filename);
+
+// Palette index of a plain colour; the other values are those of a new material.
+int import_colour(float r, float g, float b);
+
+#endif

@@ -1,0 +1,108 @@
+#include "fileio/vrml1_scan.h"
+
+#include "app/numbers.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+bool is_space(char c) { return is_blank(c) || c == ','; }
+bool is_sign(char c) { return c != '\0' && std::strchr("{}[]()|", c) != nullptr; }
+
+std::size_t end_of_text(std::string_view text, std::size_t at)
+{
+    while (at < text.size() && text[at] != '"')
+        at += text[at] == '\\' ? 2 : 1;
+    return std::min(at, text.size());
+}
+
+} // namespace
+
+std::vector<vrml_word> vrml_words(std::string_view text)
+{
+    std::vector<vrml_word> words;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const char c = text[at];
+        if (is_space(c)) {
+            ++at;
+        } else if (c == '#') {
+            at = std::min(text.find('\n', at), text.size());
+        } else if (is_sign(c)) {
+            words.push_back({vrml_word::SIGN, text.substr(at++, 1)});
+        } else if (c == '"') {
+            const std::size_t end = end_of_text(text, at + 1);
+            words.push_back({vrml_word::TEXT, text.substr(at + 1, end - at - 1)});
+            at = end + 1;
+        } else {
+            std::size_t end = at;
+            while (end < text.size() && !is_space(text[end]) && !is_sign(text[end]) &&
+                   text[end] != '#' && text[end] != '"')
+                ++end;
+            end = std::max(end, at + 1);
+            const bool number = std::strchr("0123456789+-.", c) != nullptr && c != '\0';
+            words.push_back(
+                {number ? vrml_word::NUMBER : vrml_word::NAME, text.substr(at, end - at)});
+            at = end;
+        }
+    }
+    return words;
+}
+
+std::vector<float> vrml_fields::numbers(std::string_view name) const
+{
+    std::vector<float> values;
+    const auto found = fields_.find(name);
+    if (found == fields_.end())
+        return values;
+    for (std::size_t i = found->second.begin; i < found->second.end; ++i) {
+        const std::string_view text = words_[i].text;
+        float value = 0;
+        if (words_[i].kind == vrml_word::NUMBER) {
+            scan_float(text.data(), text.data() + text.size(), &value);
+            values.push_back(value);
+        }
+    }
+    return values;
+}
+
+std::vector<int> vrml_fields::integers(std::string_view name) const
+{
+    std::vector<int> values;
+    const auto found = fields_.find(name);
+    if (found == fields_.end())
+        return values;
+    for (std::size_t i = found->second.begin; i < found->second.end; ++i)
+        if (words_[i].kind == vrml_word::NUMBER)
+            values.push_back(int_of(words_[i].text));
+    return values;
+}
+
+float vrml_fields::number(std::string_view name, float fallback) const
+{
+    const std::vector<float> all = numbers(name);
+    return all.empty() ? fallback : all[0];
+}
+
+std::string_view vrml_fields::word(std::string_view name) const
+{
+    const auto found = fields_.find(name);
+    if (found == fields_.end())
+        return "";
+    for (std::size_t i = found->second.begin; i < found->second.end; ++i)
+        if (words_[i].kind == vrml_word::NAME || words_[i].kind == vrml_word::TEXT)
+            return words_[i].text;
+    return "";
+}
+
+bool vrml_fields::mentions(std::string_view name, std::string_view word) const
+{
+    const auto found = fields_.find(name);
+    if (found == fields_.end())
+        return false;
+    for (std::size_t i = found->second.begin; i < found->second.end; ++i)
+        if (words_[i].text == word)
+            return true;
+    return false;
+}

@@ -1,0 +1,133 @@
+#include "obj.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+void take_colour(const std::vector<std::string> &words, float *colour)
+{
+    for (std::size_t i = 0; i < 3 && words.size() > 3; ++i)
+        colour[i] = obj_number(words[i + 1]);
+}
+
+// "map_Kd [-s u v w] [-o u v w] [other options] name": names may hold blanks.
+void take_picture(const std::vector<std::string> &words, obj_material *m)
+{
+    std::size_t at = 1;
+    while (at < words.size() && words[at][0] == '-') {
+        float *target = words[at] == "-s" ? m->repeat : words[at] == "-o" ? m->offset : nullptr;
+        const std::size_t first = ++at;
+        while (at < words.size() && at - first < 3 &&
+               words[at].find_first_not_of("0123456789+-.eE") == std::string::npos) {
+            if (target != nullptr && at - first < 2)
+                target[at - first] = obj_number(words[at]);
+            ++at;
+        }
+        if (at == first) // "-clamp on" and the like
+            ++at;
+    }
+    m->picture.clear();
+    for (; at < words.size(); ++at)
+        m->picture += (m->picture.empty() ? "" : " ") + words[at];
+}
+
+class material_reader {
+public:
+    explicit material_reader(std::map<std::string, obj_material> &materials) : all_(materials) {}
+    ~material_reader() { finish(); }
+
+    void line(const std::vector<std::string> &words)
+    {
+        const std::string &key = words[0];
+        if (key == "newmtl") {
+            finish();
+            name_ = words.size() > 1 ? words[1] : "";
+            material_init(&values_);
+            current_ = obj_material();
+            open_ = true;
+        } else if (key == "Kd") {
+            take_colour(words, values_.diffuse);
+        } else if (key == "Ka") {
+            take_colour(words, values_.ambient);
+        } else if (key == "Ks") {
+            take_colour(words, values_.specular);
+        } else if (key == "Ke") {
+            take_colour(words, values_.emissive);
+        } else if (key == "map_Kd") {
+            take_picture(words, &current_);
+        } else if (words.size() > 1) {
+            const float value = obj_number(words[1]);
+            if (key == "Ns")
+                values_.shininess = value < 0 ? 0 : value > 128 ? 128 : value;
+            else if (key == "d")
+                values_.transparency = 1 - value;
+            else if (key == "Tr")
+                values_.transparency = value;
+        }
+    }
+
+private:
+    void finish()
+    {
+        if (!open_)
+            return;
+        values_.name = &name_[0]; // the palette keeps a copy
+        current_.palette_index = vesk_palette_get_new_material_index(&values_);
+        all_[name_] = current_;
+        open_ = false;
+    }
+
+    std::map<std::string, obj_material> &all_;
+    std::string name_;
+    material values_;
+    obj_material current_;
+    bool open_ = false;
+};
+
+} // namespace
+
+std::vector<std::string> obj_words(const std::string &line)
+{
+    std::vector<std::string> words;
+    std::size_t at = 0;
+    while ((at = line.find_first_not_of(" \t\r", at)) != std::string::npos) {
+        const std::size_t end = std::min(line.find_first_of(" \t\r", at), line.size());
+        words.push_back(line.substr(at, end - at));
+        at = end;
+    }
+    return words;
+}
+
+bool obj_read_file(const std::string &name, std::string *bytes)
+{
+    std::FILE *file = std::fopen(name.c_str(), "rb");
+    if (file == nullptr)
+        return false;
+    char buffer[65536];
+    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, file))
+        bytes->append(buffer, count);
+    const bool whole = std::ferror(file) == 0;
+    std::fclose(file);
+    return whole;
+}
+
+void obj_read_materials(const std::string &obj_file, const std::string &name,
+                        std::map<std::string, obj_material> &materials)
+{
+    const std::string folder = vesk_filename_get_path(obj_file.c_str());
+    const std::string path = vesk_filename_concat_path_file(folder.c_str(), name.c_str());
+    std::string text;
+    if (!obj_read_file(path, &text)) {
+        debugf("obj: can't read the materials %s\n", path.c_str());
+        return;
+    }
+    material_reader reader(materials);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        const std::vector<std::string> words = obj_words(text.substr(at, end - at));
+        if (!words.empty() && words[0][0] != '#')
+            reader.line(words);
+        at = end + 1;
+    }
+}

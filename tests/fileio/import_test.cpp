@@ -1,0 +1,331 @@
+// Files of other formats: what comes of them, and what comes of damaged ones.
+
+#include "app/crash_guard.h"
+#include "app/home.h"
+#include "app/prefs.h"
+#include "model/bounds.h"
+#include "model/each.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "tests/fileio/foreign_files.h"
+#include "tests/support/scene_test.h"
+#include "tests/view/image_writer.h"
+#include "view/textures.h"
+
+#include <cstdlib>
+#include <random>
+
+namespace {
+
+struct counts_t {
+    int objects = 0, surfaces = 0, vertices = 0, lights = 0;
+    bool operator==(const counts_t &) const = default;
+};
+void PrintTo(const counts_t &c, std::ostream *out)
+{
+    *out << c.objects << " objects, " << c.surfaces << " surfaces, " << c.vertices << " vertices, "
+         << c.lights << " lights";
+}
+
+counts_t counts_of_world()
+{
+    counts_t counts;
+    for_each_object(vesk_get_world(), [&](const object_t *object) {
+        counts.objects += object->type == OBJECT_POLY ? 1 : 0;
+        counts.lights += object->type == OBJECT_LIGHT ? 1 : 0;
+        counts.surfaces += object->num_surfaces;
+        counts.vertices += object->num_vertices;
+    });
+    return counts;
+}
+
+class Import : public SceneTest {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        crash_guard::forget_faults_for_test();
+        home_ = vesk_get_vesk_homedir() == nullptr ? "" : vesk_get_vesk_homedir();
+        vesk_set_homedir((std::string(VESK_BINARY_DIR) + "/home").c_str());
+        textures_reset_for_test();
+        vesk_register_builtin_texture_loaders();
+        write_text(temporary_file("wood.bmp"), write_bmp(sample_picture(4, 4, 0), {}));
+    }
+    void TearDown() override
+    {
+        vesk_set_homedir(home_.c_str());
+        SceneTest::TearDown();
+        textures_reset_for_test();
+    }
+
+    static std::string load(const std::string &name, const std::string &bytes)
+    {
+        const std::string file = temporary_file(name);
+        write_text(file, bytes);
+        return run("file_load", file);
+    }
+    static std::string world_size()
+    {
+        run("select_all");
+        return run("get_selection_size");
+    }
+    static object_t *find(const std::string &name)
+    {
+        object_t *found = nullptr;
+        for_each_object(vesk_get_world(), [&](object_t *object) {
+            if (name == object->name && found == nullptr)
+                found = object;
+        });
+        return found;
+    }
+
+private:
+    std::string home_;
+};
+
+struct import_case {
+    const char *name;
+    const char *file;
+    std::string bytes;
+    counts_t counts;
+    const char *size; // of everything
+};
+void PrintTo(const import_case &c, std::ostream *out) { *out << c.name; }
+
+std::vector<import_case> import_cases()
+{
+    // clang-format off
+    return {
+        {"3ds",       "a.3ds", make_3ds(),   {1, 2, 4, 0},  "2 1 0"},
+        {"dxf",       "a.dxf", make_dxf(),   {1, 2, 5, 0},  "5 0 1"},
+        {"lwo",       "a.lwo", make_lwo(),   {1, 1, 4, 0},  "2 1 0"},
+        {"lwob",      "a.lwo", make_lwob(),  {1, 1, 4, 0},  "2 1 0"},
+        {"md2",       "a.md2", make_md2(),   {1, 2, 4, 0},  "2 1 0"},
+        {"bsp",       "a.bsp", make_bsp(),   {2, 18, 29, 0}, "2 1 2"},
+        {"triangles", "a.tri", "# two\n0 0 0 2 0 0 2 1 0 0xff8000\n0 0 0  2 1 0\n0 1 0\nsecond one\n0 0 0 1 0 0 0 0 3\n1 2",
+                                             {2, 3, 9, 0},  "2 1 3"},
+        {"vector",    "a.vec", "3\n0 0\n2 0\n2 1\n\n0,0,0\n1,0,0\n1,1,0\n0,0,0\nend\n7 7\n",
+                                             {1, 2, 6, 0},  "2 1 0"},
+        {"vector2",   "a.r2v", "0 0 1\n5 0 1\n", {1, 1, 2, 0}, "5 0 0"},
+    };
+    // clang-format on
+}
+
+class ImportFormats : public Import, public testing::WithParamInterface<import_case> {};
+
+TEST_P(ImportFormats, GiveTheirGeometry)
+{
+    const import_case &c = GetParam();
+    ASSERT_EQ(load(c.file, c.bytes), "1")
+        << (recording().boxes.empty() ? "" : recording().boxes.back());
+    EXPECT_EQ(counts_of_world(), c.counts);
+    EXPECT_EQ(world_size(), c.size);
+}
+
+TEST_P(ImportFormats, RefuseWhatIsNoSuchFile)
+{
+    const import_case &c = GetParam();
+    object_t *square = add_square(1);
+    for (const std::string &bytes :
+         {std::string(), std::string("nonsense"), c.bytes.substr(0, 12)}) {
+        const size_t boxes = recording().boxes.size();
+        if (load(c.file, bytes) == "1")
+            continue; // the beginning of a text may be one
+        ASSERT_EQ(recording().boxes.size(), boxes + 1);
+        EXPECT_TRUE(
+            recording().boxes.back().starts_with("can't read " + temporary_file(c.file) + "\n"))
+            << recording().boxes.back();
+        EXPECT_EQ(object_get_kid_at(vesk_get_world(), 0), square);
+    }
+    EXPECT_EQ(run("file_load", temporary_file("none") + c.file), "0");
+}
+INSTANTIATE_TEST_SUITE_P(All, ImportFormats, testing::ValuesIn(import_cases()));
+
+// ---- what belongs to one format ----
+
+TEST_F(Import, A3dsFileHasMaterialsTexturesAndAxes)
+{
+    ASSERT_EQ(load("a.3ds", make_3ds()), "1");
+    object_t *wall = find("wall");
+    ASSERT_NE(wall, nullptr);
+    const auto *surface = item_of<surface_t>(wall->surfaces);
+    const material *paint = vesk_palette_get_material(surface->material);
+    EXPECT_STREQ(paint->name, "paint");
+    EXPECT_NEAR(paint->diffuse[1], 128 / 255.0, 1e-3);
+    EXPECT_EQ(wall->has_texture, 1);
+    const auto *corner = item_of<svertex>(surface->refs->next);
+    EXPECT_EQ(corner->u, 1);
+    EXPECT_EQ(corner->vertex->position.x, 2);
+
+    run("clear_all");
+    prefs.swap_3ds_yz = 0;
+    ASSERT_EQ(load("a.3ds", make_3ds()), "1");
+    EXPECT_EQ(world_size(), "2 0 1");
+}
+
+TEST_F(Import, ALightwaveSceneLoadsItsObjects)
+{
+    const std::string object = temporary_file("part.lwo");
+    for (const std::string &bytes : {make_lwob(), make_lwo()}) {
+        run("clear_all");
+        write_text(object, bytes);
+        ASSERT_EQ(load("a.lws", make_lws("Objects\\part.lwo")), "1");
+        EXPECT_EQ(counts_of_world(), (counts_t{1, 1, 4, 0}));
+        EXPECT_EQ(world_size(), "2 4 0"); // turned and doubled
+        // x = 10 .. 12 becomes y = 5 + 20 .. 24
+        EXPECT_EQ(run("get_selection_centre"), "-1 27 0");
+        EXPECT_STREQ(find("base")->children == nullptr ? "" : "child", "child");
+    }
+}
+
+TEST_F(Import, LevelsHaveAnObjectForEachShader)
+{
+    ASSERT_EQ(load("a.bsp", make_bsp()), "1");
+    object_t *brick = find("walls/brick");
+    ASSERT_NE(brick, nullptr);
+    const auto *corner = item_of<svertex>(item_of<surface_t>(brick->surfaces)->refs);
+    EXPECT_EQ(corner->vertex->position.x, 2); // turned round, upright
+    EXPECT_EQ(corner->vertex->position.y, 0);
+    EXPECT_EQ(corner->u, 1);
+    EXPECT_EQ(corner->v, 0);
+    object_t *arch = find("curves/arch");
+    ASSERT_NE(arch, nullptr);
+    EXPECT_EQ(arch->num_surfaces, 16);
+    EXPECT_FLOAT_EQ(find_object_size(arch).y, 1); // the curve stays below its control points
+}
+
+TEST_F(Import, TrianglesHaveColoursAndNames)
+{
+    ASSERT_EQ(load("a.tri", "0 0 0 2 0 0 2 1 0 0xff8000\npart two\n0 0 0 1 0 0 0 0 3\n"), "1");
+    EXPECT_NE(find("part two"), nullptr);
+    bool orange = false;
+    for (int i = 0; i < vesk_get_num_palette(); ++i)
+        orange =
+            orange || index_to_rgb(i) == 0xFF8000 || std::string(index_to_string(i)) == "#ff8000";
+    EXPECT_TRUE(orange);
+}
+
+TEST_F(Import, VrmlWorldsKeepStateHierarchyAndNames)
+{
+    ASSERT_EQ(load("a.wrl", make_vrml1()), "1")
+        << (recording().boxes.empty() ? "" : recording().boxes.back());
+    object_t *house = find("house");
+    ASSERT_NE(house, nullptr);
+    EXPECT_EQ(house->type, OBJECT_GROUP);
+    object_t *wall = find("wall");
+    ASSERT_NE(wall, nullptr);
+    EXPECT_EQ(wall->num_surfaces, 2); // the third has no points
+    EXPECT_EQ(wall->num_vertices, 4);
+    EXPECT_EQ(wall->has_texture, 1);
+    EXPECT_EQ(wall->texture_repeat_y, 3);
+    EXPECT_EQ(find_object_min(wall).x, 10);
+    const material *first = vesk_palette_get_material(item_of<surface_t>(wall->surfaces)->material);
+    EXPECT_EQ(first->diffuse[2], 1); // the second material
+    EXPECT_EQ(first->transparency, 0.25f);
+
+    object_t *box = find("box");
+    ASSERT_NE(box, nullptr);
+    const point3_t size = find_object_size(box);
+    EXPECT_NEAR(size.x, 2, 1e-5); // scaled along x, then turned onto y
+    EXPECT_NEAR(size.y, 6, 1e-5);
+    EXPECT_NEAR(find_object_min(box).y, 0, 1e-5); // moved by 1 before the scale
+
+    const counts_t counts = counts_of_world();
+    EXPECT_EQ(counts.lights, 2);
+    EXPECT_EQ(counts.objects, 6);                        // wall, lines, two boxes, cone, cylinder
+    EXPECT_LT(find_object_size(vesk_get_world()).x, 30); // the sphere was not chosen
+    EXPECT_TRUE(last_message().starts_with("1 nodes of ") || !last_message().empty());
+}
+
+TEST_F(Import, VrmlTellsWhatItCannotRead)
+{
+    EXPECT_EQ(load("a.wrl", "#VRML V2.0 utf8\nShape { }"), "0");
+    EXPECT_TRUE(recording().boxes.back().ends_with("it is VRML 2.0; only VRML 1.0 can be read"));
+    EXPECT_EQ(load("a.wrl", "#VRML V1.0 ascii\nSeparator { Cube { }"), "0");
+    EXPECT_TRUE(recording().boxes.back().ends_with("its nodes are damaged"));
+    EXPECT_EQ(load("a.wrl", "#VRML V1.0 ascii\nDEF a Separator { USE a Cube { } }"), "0");
+    std::string deep = "#VRML V1.0 ascii\n";
+    for (int i = 0; i < 100000; ++i)
+        deep += "Separator { ";
+    EXPECT_EQ(load("a.wrl", deep), "0");
+    std::string doubling = "#VRML V1.0 ascii\nDEF n0 Group { Cube { } }\n";
+    for (int i = 1; i < 60; ++i)
+        doubling += "DEF n" + std::to_string(i) + " Group { USE n" + std::to_string(i - 1) +
+                    " USE n" + std::to_string(i - 1) + " }\n";
+    EXPECT_EQ(load("a.wrl", doubling), "0");
+}
+
+TEST_F(Import, ImportersStandInTheirOrder)
+{
+    const std::string text = run("get_importer_info");
+    size_t at = 0;
+    for (const char *row :
+         {".vesk\t\tVESK files", ".3ds\t\t3D Studio files", ".dxf\t\tAutocad DXF files",
+          ".lws\t\tLightwave scene files", ".lwo\t\tLightwave object files",
+          ".tri\t\tAlias/Triangle files", ".wrl\t\tVRML 1.0 files", ".vec .r2v\t\tVector files",
+          ".md2\t\tMD2 files", ".bsp\t\tQuake3 BSP files"}) {
+        const size_t found = text.find(row, at);
+        ASSERT_NE(found, std::string::npos) << row;
+        at = found;
+    }
+}
+
+// ---- damage ----
+
+int setting(const char *name, int fallback)
+{
+    const char *text = std::getenv(name);
+    return text != nullptr ? std::atoi(text) : fallback;
+}
+
+struct damage_case {
+    const char *file;
+    std::string bytes;
+};
+void PrintTo(const damage_case &c, std::ostream *out) { *out << c.file; }
+
+class DamagedImports : public Import, public testing::WithParamInterface<damage_case> {};
+
+TEST_P(DamagedImports, AreReadOrRefused)
+{
+    const damage_case &c = GetParam();
+    std::mt19937 random(static_cast<unsigned>(setting("VESK_DAMAGE_SEED", 3)));
+    const int files = setting("VESK_DAMAGE_FILES", 500);
+    for (int i = 0; i < files; ++i) {
+        std::string bytes = c.bytes;
+        for (unsigned changes = 1 + random() % 3; changes > 0 && !bytes.empty(); --changes) {
+            const size_t at = random() % bytes.size();
+            switch (random() % 5) {
+            case 0:
+                bytes[at] = static_cast<char>(random());
+                break;
+            case 1:
+                bytes[at] = static_cast<char>(random() % 2 == 0 ? 0xFF : 0x7F);
+                break;
+            case 2:
+                bytes.resize(at);
+                break;
+            case 3:
+                bytes.erase(at, 1 + random() % 4);
+                break;
+            default:
+                bytes.insert(at, bytes.substr(random() % bytes.size(), 8));
+                break;
+            }
+        }
+        load(c.file, bytes);
+        if (i % 100 == 0)
+            run("clear_all");
+    }
+    for (const std::string &box : recording().boxes)
+        ASSERT_TRUE(box.starts_with("can't read ")) << box; // no fault
+}
+INSTANTIATE_TEST_SUITE_P(
+    OwnReaders, DamagedImports,
+    testing::Values(damage_case{"d.wrl", make_vrml1()}, damage_case{"d.bsp", make_bsp()},
+                    damage_case{"d.lwo", make_lwob()}, damage_case{"d.lws", make_lws("none.lwo")},
+                    damage_case{"d.tri",
+                                "# x\n0 0 0 2 0 0 2 1 0 0xff8000\nname\n0 0 0 1 0 0 0 0 3\n"},
+                    damage_case{"d.vec", "3\n0 0\n2 0\n2 1\n\n0 0 0\n1 0 0\n"}));
+
+} // namespace
