@@ -4,6 +4,7 @@
 #include "model/alloc.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
+#include "model/list_internal.h"
 #include "model/object_internal.h"
 
 #include <algorithm>
@@ -311,7 +312,29 @@ std::size_t mesh_change::end_of(std::size_t made) const
     return made + 1 < surfaces_.size() ? surfaces_[made + 1].first_corner : corners_.size();
 }
 
-surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result) const
+// A corner of a surface that goes, with its node, to be used again: what would be freed and taken
+// anew. Null when there is none. Long ones may be known to the short cuts into lists: they go as
+// they are.
+listitem *mesh_change::take_corner()
+{
+    constexpr int too_long = 16;
+    for (; taken_from_ < gone_surfaces_.size(); ++taken_from_) {
+        if (!gone_surfaces_[taken_from_])
+            continue;
+        surface_t *surface = (*before_->surface_records)[taken_from_];
+        listitem *node = surface->refs;
+        if (node == nullptr || node->data == 0 || surface->num_refs >= too_long)
+            continue;
+        list_forget_tail(node);
+        surface->refs = node->next;
+        --surface->num_refs;
+        node->next = nullptr;
+        return node;
+    }
+    return nullptr;
+}
+
+surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result)
 {
     const made_surface &made = surfaces_[index];
     surface_t *surface = new_surface();
@@ -324,8 +347,14 @@ surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &resul
     listitem *last = nullptr;
     for (std::size_t c = made.first_corner; c < end_of(index); ++c) {
         const auto &[at, uv] = corners_[c];
-        last = list_add_item_fast(&surface->refs, last,
-                                  new_svertex(vertex_at(at, result), uv.u, uv.v));
+        vertex *point = vertex_at(at, result);
+        if (listitem *node = take_corner(); node != nullptr) {
+            *item_of<svertex>(node) = {point, uv.u, uv.v};
+            (last != nullptr ? last->next : surface->refs) = node;
+            last = node;
+        } else {
+            last = list_add_item_fast(&surface->refs, last, new_svertex(point, uv.u, uv.v));
+        }
         ++surface->num_refs;
     }
     return surface;

@@ -106,7 +106,8 @@ private:
     void drop_references() const;
     void unlink();
     void link(mesh_result &result);
-    [[nodiscard]] surface_t *make_surface(std::size_t index, const mesh_result &result) const;
+    surface_t *make_surface(std::size_t index, const mesh_result &result);
+    listitem *take_corner();
     [[nodiscard]] std::size_t end_of(std::size_t made) const;
 
     object_t *object_;
@@ -118,6 +119,7 @@ private:
     std::vector<std::int32_t> corners_after_;         // empty without edits
     std::vector<bool> gone_vertices_, gone_surfaces_; // empty while none goes
     std::unordered_map<const surface_t *, int> places_;
+    std::size_t taken_from_ = 0; // the surface that goes whose corners are used again now
     bool remove_unused_ = false;
 };
 
