@@ -180,4 +180,62 @@ TEST_F(Transform, UndoLevelsBoundTheRecords)
     EXPECT_TRUE(nothing_is_selected());
 }
 
+// ---- each transform and its inverse ----
+
+using words_t = std::vector<std::string>;
+struct inverse_case {
+    const char *name;
+    words_t there, back;
+};
+// Turning in place and mirroring keep the middle of the box only because the model is symmetric.
+// clang-format off
+const inverse_case inverse_cases[] = {
+    {"move",         {"move", "3", "-2", "0.5"}, {"move", "-3", "2", "-0.5"}},
+    {"move_to",      {"move_to", "4", "5", "6"}, {"move_to", "0", "0", "0"}},
+    {"rotate",       {"rotate", "0", "30", "0"}, {"rotate", "0", "-30", "0"}},
+    {"rotate_about", {"rotate_about", "0", "0", "40", "1", "2", "3"}, {"rotate_about", "0", "0", "-40", "1", "2", "3"}},
+    {"axis_angle",   {"rotate_axis_angle", "0", "90"}, {"rotate_axis_angle", "0", "-90"}},
+    {"scale",        {"scale", "2", "4", "0.5"}, {"scale", "0.5", "0.25", "2"}},
+    {"size_to",      {"size_to", "7", "3", "2"}, {"size_to", "1", "1", "1"}},
+    {"mirror",       {"mirror", "1"}, {"mirror", "1"}},
+};
+// clang-format on
+void PrintTo(const inverse_case &c, std::ostream *out) { *out << c.name; }
+
+class Inverse : public SceneTest, public testing::WithParamInterface<inverse_case> {};
+
+std::vector<point3_t> all_points(const object_t *object)
+{
+    std::vector<point3_t> points;
+    for (const vertex *v : each<vertex>(object->vertices))
+        points.push_back(v->position);
+    return points;
+}
+
+TEST_P(Inverse, BringsEveryPointBackInEveryMode)
+{
+    const inverse_case &c = GetParam();
+    for (const char *mode : {"tree", "object", "surface", "vertex"}) {
+        object_t *cube = add_cube("cube");
+        run("set_select_mode", mode);
+        run("clear_selection");
+        run("select_all");
+        const std::vector<point3_t> before = all_points(cube);
+        run_words(c.there);
+        const std::vector<point3_t> there = all_points(cube);
+        run_words(c.back);
+        const std::vector<point3_t> after = all_points(cube);
+        double moved = 0;
+        for (size_t i = 0; i < before.size(); ++i) {
+            moved += std::hypot(there[i].x - before[i].x, there[i].y - before[i].y,
+                                there[i].z - before[i].z);
+            expect_point(after[i], before[i].x, before[i].y, before[i].z);
+        }
+        EXPECT_GT(moved, 0.5) << mode;
+        run("clear_selection");
+        object_delete(cube);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Pairs, Inverse, testing::ValuesIn(inverse_cases));
+
 } // namespace
