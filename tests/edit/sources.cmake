@@ -14,6 +14,7 @@ target_sources(vesk_tests PRIVATE
     edit/object_properties_test.cpp
     edit/revolve_test.cpp
     edit/selection_test.cpp
+    edit/session_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/state_undo_test.cpp
