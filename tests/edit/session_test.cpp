@@ -96,7 +96,7 @@ private:
         case 17: run("object_set_data", any_object(), number()); break;
         case 18: run("delete_some"); break;
         case 19: run("rebuild_some"); break;
-        case 20: run("repeat_last"); break;
+        case 20: if (is_small()) run("repeat_last"); break;
         case 24: drag(); break;
         case 25: fault(); break;
         case 21: run("history_goto", pick(static_cast<int>(journal_items().size()))); break;
@@ -105,6 +105,15 @@ private:
         default: edit(); break;
         }
         // clang-format on
+    }
+
+    // Small enough for an operation that multiplies what is there.
+    static bool is_small()
+    {
+        int vertices = 0;
+        for_each_object(vesk_get_world(),
+                        [&](object_t *object) { vertices += object->num_vertices; });
+        return vertices < most_vertices;
     }
 
     // One of the commands that change geometry or the tree, while the model is small.
@@ -167,11 +176,8 @@ private:
             {"surface_loop_subdivision", "0.5"},
         };
         const words_t &words = edits[static_cast<size_t>(pick(static_cast<int>(edits.size())))];
-        int vertices = 0;
-        for_each_object(vesk_get_world(),
-                        [&](object_t *object) { vertices += object->num_vertices; });
         last_ = words[0];
-        if (vertices < most_vertices)
+        if (is_small())
             run_words(words);
     }
 
