@@ -92,9 +92,11 @@ std::vector<unsigned> simplified(const reduce_work &work, const std::vector<poin
 {
     constexpr float any_error = 1e10f;
     std::vector<unsigned> result(work.indices.size());
-    const std::size_t n = meshopt_simplify(
-        result.data(), work.indices.data(), work.indices.size(), &positions[0].x, positions.size(),
-        sizeof(point3_t), 3 * place(std::max(triangles, 0)), any_error, 0, nullptr);
+    // The library does not take a wish for more than there is.
+    const std::size_t wanted = std::min(3 * place(std::max(triangles, 0)), result.size());
+    const std::size_t n =
+        meshopt_simplify(result.data(), work.indices.data(), work.indices.size(), &positions[0].x,
+                         positions.size(), sizeof(point3_t), wanted, any_error, 0, nullptr);
     result.resize(n);
     return result;
 }
