@@ -208,6 +208,20 @@ proc counts {id} {
     vesk undo
     ::test::check "and is undone" {[counts [vesk object_get_children [vesk get_world]]] eq {6 8}}
 
+    # ---- the name under the pointer ----
+    fresh
+    vesk objects_set $::cube name "a name"
+    lassign [spot 0.2 0.1] px py
+    ::test::at xy $px $py
+    ::test::at xy [expr {$px + 1}] $py
+    ::test::pause 600
+    set chip $::vesk::view::area_path.hover
+    ::test::check "the name shows while the pointer rests" {
+        [winfo exists $chip] && [$chip cget -text] eq "a name"
+    }
+    ::test::at xy [expr {$px + 40}] $py
+    ::test::check "and goes when it moves" {![winfo exists $chip]}
+
     # ---- a double click goes down ----
     fresh object
     vesk group
