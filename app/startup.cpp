@@ -244,6 +244,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
     if (line.batch)
         return run_batch_script(line, toolkit);
     rescue_start();
+    tcl_set_int("start_is_over", 1); // what waits for the user may ask now
     if (prefs.show_startup_tips != 0)
         tcl_command("show_tip");
     if (!line.script.empty())

@@ -40,6 +40,8 @@ proc ::vesk::recovery::described {copy} {
 #   Asks about the newest copy that an earlier session left; the older ones follow, one by one, when
 #   it was opened or discarded.
 proc ::vesk::recovery::offer {} {
+    # On a slow machine the start-up itself still lets events in; its own copy is not begun then.
+    if {![info exists ::start_is_over]} {after 100 ::vesk::recovery::offer; return}
     if {[grab current .] ne ""} {after 1000 ::vesk::recovery::offer; return}
     set copies [vesk recovery_list]
     if {$copies eq ""} return
