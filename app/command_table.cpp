@@ -35,6 +35,7 @@
 #include "edit/undo.h"
 #include "edit/uvmap.h"
 #include "edit/weld.h"
+#include "fileio/export_3ds.h"
 #include "fileio/export_vrml2.h"
 #include "model/palette.h"
 #include "plugin/filters.h"
@@ -288,6 +289,7 @@ void register_commands()
     command_registry_install(rows, kinds);
     command_watch_install();
     register_added_commands();
-    // Its writer lands later; the row is there from the start.
-    command_add_own(pending_row("export_3ds", nullptr, nullptr, "user command"));
+    command_add_own(command_row("export_3ds", command_export_3ds, nullptr, "user command"));
+    command_add_own(
+        command_row("write_3ds", write_3ds, "<filename>", "write the scene in 3DS format"));
 }

@@ -3,6 +3,7 @@ target_sources(vesk_core PRIVATE
     fileio/assimp_module.cpp
     fileio/atomic_file.cpp
     fileio/backup.cpp
+    fileio/export_3ds.cpp
     fileio/export_vrml2.cpp
     fileio/file_text.cpp
     fileio/image_png.cpp

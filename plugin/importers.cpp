@@ -5,6 +5,7 @@
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "edit/selection.h"
+#include "fileio/export_3ds.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_lightwave.h"
@@ -18,6 +19,7 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
+#include "plugin/menus.h"
 #include "view/fit.h"
 #include "view/redraw.h"
 #include "view/textures.h"
@@ -214,6 +216,15 @@ void vesk_register_internal_file_importers(void)
         vesk_register_file_importer(row.suffix, row.description, row.load,
                                     "internal importer, version 3.6");
     }
+    vesk_add_export_menu_item("3DS...", "vesk export_3ds");
+}
+
+void command_export_3ds(void)
+{
+    const char *const filters[] = {"3D Studio files", ".3ds", "All files", "*", nullptr};
+    const char *name = vesk_get_export_filename("Export 3DS", filters);
+    if (name != nullptr && name[0] != '\0')
+        write_3ds(name);
 }
 
 void importers_reset_for_test()

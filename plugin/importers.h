@@ -52,11 +52,15 @@ VESK_API const char *vesk_file_select_import_name(const char *title);
 /* Asks for a file and reads it into the scene. Returns the name. Command "load_file_select". */
 VESK_API const char *vesk_file_select_import(const char *title);
 
-/* Registers the built-in importers, in their order. Once, at start. */
+/* Registers the built-in importers, in their order, and the 3D Studio exporter's commands and menu
+   entry. Once, at start. */
 VESK_API void vesk_register_internal_file_importers(void);
 
 /* Handler of "load_vesk": the native reader whatever the suffix, then as vesk_world_import_file. */
 VESK_API void command_load_vesk(const char *filename);
+
+/* Handler of "export_3ds": asks for a name and writes the world. */
+VESK_API void command_export_3ds(void);
 
 VESK_END_DECLS
 

@@ -59,6 +59,7 @@
 #include "edit/vertex_use.h"
 #include "edit/weld.h"
 #include "fileio/assimp_module.h"
+#include "fileio/export_3ds.h"
 #include "fileio/export_vrml2.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"

@@ -4,6 +4,7 @@
 #include "app/home.h"
 #include "app/prefs.h"
 #include "model/bounds.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/palette.h"
 #include "model/world.h"
@@ -161,6 +162,26 @@ TEST_F(Import, A3dsFileHasMaterialsTexturesAndAxes)
     prefs.swap_3ds_yz = 0;
     ASSERT_EQ(load("a.3ds", make_3ds()), "1");
     EXPECT_EQ(world_size(), "2 0 1");
+}
+
+TEST_F(Import, A3dsFileThatIsWrittenIsReadBack)
+{
+    object_t *cube = add_cube("box");
+    object_set_init_texture(cube, temporary_file("wood.bmp").c_str(), "wood.bmp");
+    surface_set_type(item_of<surface_t>(add_square(2)->surfaces), SURFACE_LINE);
+    object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    const std::string file = temporary_file("written.3ds");
+    run("write_3ds", file);
+    EXPECT_EQ(last_message(),
+              "written file " + file + " - 1 lines were left out: 3DS has no lines");
+    run("clear_all");
+    ASSERT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(counts_of_world(), (counts_t{1, 12, 8, 0}));
+    EXPECT_EQ(world_size(), "1 1 1");
+    EXPECT_NE(find("box")->has_texture, 0);
+    recording().answers["get_exportfilename"] = temporary_file("asked.3ds");
+    run("export_3ds");
+    EXPECT_EQ(read_text(temporary_file("asked.3ds")).substr(0, 2), "MM");
 }
 
 TEST_F(Import, ALightwaveSceneLoadsItsObjects)

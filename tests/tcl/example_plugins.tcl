@@ -12,7 +12,7 @@ foreach name {command importer filter menu} {
 }
 expect "loaded" [lmap path [vesk get_plugin_list] {file tail $path}] \
     {plugin-command.p plugin-importer.p plugin-filter.p plugin-menu.p}
-expect "menu entries" [lmap item $::vesk::plugin_items {lrange $item 0 2}] \
+expect "menu entries" [lmap item [lrange $::vesk::plugin_items end-1 end] {lrange $item 0 2}] \
     [list {surface {Shade by slope} {vesk execute_surface_filter surface_filter_1}} \
         {tools {Count triangles} {vesk count_triangles}}]
 expect "information" [vesk get_plugin_info [lindex [vesk get_plugin_list] 1]] "heights 1.0"

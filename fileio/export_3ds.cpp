@@ -1,0 +1,274 @@
+#include "fileio/export_3ds.h"
+
+#include "app/filename.h"
+#include "app/messages.h"
+#include "app/prefs.h"
+#include "fileio/atomic_file.h"
+#include "model/each.h"
+#include "model/flat_mesh.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "view/mesh_layout.h"
+#include "view/textures.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+
+namespace {
+
+constexpr size_t most_vertices = 65000; // counts are 16-bit numbers
+constexpr size_t most_faces = 65000;
+constexpr size_t most_name = 10;
+
+// ---- chunks ----
+
+void put(std::string &out, std::uint32_t value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+        out += static_cast<char>(value >> 8 * i);
+}
+
+void put_real(std::string &out, float value)
+{
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    put(out, bits, 4);
+}
+
+std::string chunk(unsigned id, const std::string &body)
+{
+    std::string out;
+    put(out, id, 2);
+    put(out, static_cast<std::uint32_t>(body.size() + 6), 4);
+    return out + body;
+}
+
+std::string text(const std::string &words) { return words + '\0'; }
+
+std::string colour(unsigned id, const float *rgb)
+{
+    std::string bytes;
+    for (int i = 0; i < 3; ++i)
+        bytes += static_cast<char>(std::clamp(rgb[i], 0.0f, 1.0f) * 255 + 0.5f);
+    return chunk(id, chunk(0x0011, bytes));
+}
+
+std::string percent(unsigned id, float share)
+{
+    std::string bytes;
+    put(bytes, static_cast<std::uint32_t>(std::clamp(share, 0.0f, 1.0f) * 100 + 0.5f), 2);
+    return chunk(id, chunk(0x0030, bytes));
+}
+
+std::string real(unsigned id, float value)
+{
+    std::string bytes;
+    put_real(bytes, value);
+    return chunk(id, bytes);
+}
+
+// ---- meshes ----
+
+// One mesh of the file: vertices are parted where their texture coordinates differ.
+struct mesh_t {
+    std::vector<point3_t> points;
+    std::vector<flat_uv> uv;
+    std::vector<std::array<std::uint32_t, 3>> faces;
+    std::vector<bool> smooth;
+    std::map<std::string, std::vector<std::uint32_t>> faces_of; // by material
+    std::map<std::tuple<int, float, float>, std::uint32_t> known;
+
+    [[nodiscard]] bool full() const
+    {
+        return points.size() + 3 > most_vertices || faces.size() + 1 > most_faces;
+    }
+};
+
+class writer {
+public:
+    void add(object_t *object)
+    {
+        const flat_ptr flat = object_flat(object);
+        mesh_t mesh;
+        for (int surface = 0; surface < flat->num_surfaces(); ++surface)
+            add_surface(*flat, surface, object, mesh);
+        finish(object, mesh);
+    }
+
+    [[nodiscard]] std::string file() const
+    {
+        std::string version;
+        put(version, 3, 4);
+        return chunk(0x4D4D, chunk(0x0002, version) +
+                                 chunk(0x3D3D, chunk(0x3D3E, version) + materials_ + objects_) +
+                                 chunk(0xB000, nodes_));
+    }
+
+    [[nodiscard]] int lines() const { return lines_; }
+
+private:
+    void add_surface(const flat_mesh &flat, int surface, object_t *object, mesh_t &mesh)
+    {
+        const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+        const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+        if (record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE) {
+            ++lines_;
+            return;
+        }
+        if (corners.size() < 3)
+            return;
+        std::vector<point3_t> points;
+        for (const std::int32_t vertex : corners)
+            points.push_back((*flat.positions)[static_cast<size_t>(vertex)]);
+        std::vector<int> ears;
+        cut_ears(points.data(), static_cast<int>(points.size()), ears);
+        const auto first =
+            static_cast<size_t>((*flat.corner_offsets)[static_cast<size_t>(surface)]);
+        const std::string name = material_name(record, object);
+        for (size_t i = 0; i + 2 < ears.size(); i += 3) {
+            if (mesh.full())
+                finish(object, mesh);
+            std::array<std::uint32_t, 3> face = {};
+            for (size_t k = 0; k < 3; ++k) {
+                const auto corner = static_cast<size_t>(ears[i + k]);
+                face[k] = vertex(mesh, corners[corner], points[corner],
+                                 (*flat.texture_coords)[first + corner]);
+            }
+            mesh.faces_of[name].push_back(static_cast<std::uint32_t>(mesh.faces.size()));
+            mesh.faces.push_back(face);
+            mesh.smooth.push_back(record.smooth != 0);
+        }
+    }
+
+    static std::uint32_t vertex(mesh_t &mesh, int index, const point3_t &p, const flat_uv &uv)
+    {
+        const auto found = mesh.known.emplace(std::tuple(index, uv.u, uv.v),
+                                              static_cast<std::uint32_t>(mesh.points.size()));
+        if (found.second) {
+            mesh.points.push_back(prefs.swap_3ds_yz != 0 ? point3_t{p.x, -p.z, p.y} : p);
+            mesh.uv.push_back(uv);
+        }
+        return found.first->second;
+    }
+
+    void finish(const object_t *object, mesh_t &mesh)
+    {
+        if (mesh.faces.empty())
+            return;
+        std::string points;
+        std::string uv;
+        put(points, static_cast<std::uint32_t>(mesh.points.size()), 2);
+        put(uv, static_cast<std::uint32_t>(mesh.uv.size()), 2);
+        for (size_t i = 0; i < mesh.points.size(); ++i) {
+            for (const float value : {mesh.points[i].x, mesh.points[i].y, mesh.points[i].z})
+                put_real(points, value);
+            put_real(uv, mesh.uv[i].u);
+            put_real(uv, mesh.uv[i].v);
+        }
+        const std::string name = unique(object->name, "object");
+        objects_ +=
+            chunk(0x4000, text(name) + chunk(0x4100, chunk(0x4110, points) + chunk(0x4140, uv) +
+                                                         chunk(0x4120, faces(mesh))));
+        std::string node = text(name);
+        put(node, 0, 4);
+        put(node, 0xFFFF, 2); // no parent
+        nodes_ += chunk(0xB002, chunk(0xB010, node));
+        mesh = {};
+    }
+
+    static std::string faces(const mesh_t &mesh)
+    {
+        std::string out;
+        std::string smoothing;
+        put(out, static_cast<std::uint32_t>(mesh.faces.size()), 2);
+        for (size_t i = 0; i < mesh.faces.size(); ++i) {
+            for (const std::uint32_t index : mesh.faces[i])
+                put(out, index, 2);
+            put(out, 7, 2); // all edges are seen
+            put(smoothing, mesh.smooth[i] ? 1 : 0, 4);
+        }
+        for (const auto &[name, list] : mesh.faces_of) {
+            std::string group = text(name);
+            put(group, static_cast<std::uint32_t>(list.size()), 2);
+            for (const std::uint32_t face : list)
+                put(group, face, 2);
+            out += chunk(0x4130, group);
+        }
+        return out + chunk(0x4150, smoothing);
+    }
+
+    // Names are short; one that is taken gets a number.
+    std::string unique(const char *wanted, const char *fallback)
+    {
+        std::string name = wanted == nullptr || *wanted == '\0' ? fallback : wanted;
+        name.resize(std::min(name.size(), most_name));
+        for (int number = 1; !names_.insert(name).second; ++number) {
+            const std::string digits = std::to_string(number);
+            name = name.substr(0, most_name - std::min(digits.size(), most_name - 1)) + digits;
+        }
+        return name;
+    }
+
+    // A palette entry together with the object's picture, described when it is first used.
+    std::string material_name(const flat_surface &surface, const object_t *object)
+    {
+        const int count = vesk_get_num_palette();
+        const int index = surface.material >= 0 && surface.material < count ? surface.material : 0;
+        const int picture = object->has_texture != 0 ? object->texture : -1;
+        const auto key =
+            std::tuple(index, picture, object->texture_repeat_x, object->texture_repeat_y,
+                       object->texture_offset_x, object->texture_offset_y, surface.twosided);
+        const auto found = material_names_.find(key);
+        if (found != material_names_.end())
+            return found->second;
+        const material &m = *vesk_palette_get_material(index);
+        const std::string name = "m" + std::to_string(material_names_.size());
+        material_names_[key] = name;
+        std::string body = chunk(0xA000, text(name)) + colour(0xA010, m.ambient) +
+                           colour(0xA020, m.diffuse) + colour(0xA030, m.specular) +
+                           percent(0xA040, m.shininess / 128) + percent(0xA050, m.transparency);
+        if (surface.twosided != 0)
+            body += chunk(0xA081, "");
+        const char *file = picture >= 0 ? texture_id_to_name(picture) : nullptr;
+        if (file != nullptr)
+            body += chunk(0xA200, chunk(0xA300, text(vesk_filename_get_file(file))) +
+                                      real(0xA354, object->texture_repeat_x) +
+                                      real(0xA356, object->texture_repeat_y) +
+                                      real(0xA358, object->texture_offset_x) +
+                                      real(0xA35A, object->texture_offset_y));
+        materials_ += chunk(0xAFFF, body);
+        return name;
+    }
+
+    std::string materials_, objects_, nodes_;
+    std::set<std::string> names_;
+    std::map<std::tuple<int, int, float, float, float, float, std::uint8_t>, std::string>
+        material_names_;
+    int lines_ = 0;
+};
+
+} // namespace
+
+// ---- commands ----
+
+int write_3ds(const char *filename)
+{
+    const std::string name = filename; // the messages let scripts run
+    writer scene;
+    for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
+    if (!atomic_file_write(name.c_str(), scene.file())) {
+        display_message("can't open file '%s' for writing", name.c_str());
+        return 0;
+    }
+    if (scene.lines() > 0)
+        display_message("written file %s - %d lines were left out: 3DS has no lines", name.c_str(),
+                        scene.lines());
+    else
+        display_message("written file %s", name.c_str());
+    return 1;
+}
