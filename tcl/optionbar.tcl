@@ -50,6 +50,8 @@ proc ::vesk::optionbar::build {bar} {
     pack $bar.modes $bar.line1 $bar.tool $bar.line2 $bar.snap $bar.line3 $bar.pivot -side left
     pack configure $bar.settings -padx [::vesk::theme::pad 4 4]
     bind $bar <Configure> ::vesk::optionbar::fit
+    # New fields have their width only after the geometry managers ran.
+    bind $bar.tool <Configure> ::vesk::optionbar::fit
     trace add variable ::vesk::select_mode write ::vesk::optionbar::mode_changed
     show_fields $::vesk::tools::current
 }
@@ -173,7 +175,8 @@ proc ::vesk::optionbar::show_fields {tool} {
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
         bind_preference $field ::vesk::optionbar::field$number $key $kind
-        pack $frame.l$number $field -side left -padx [list 0 $gap]
+        pack $frame.l$number -side left -padx $gap
+        pack $field -side left -padx [list 0 $gap]
     }
     set level -1
     after idle ::vesk::optionbar::fit
