@@ -10,11 +10,11 @@
 // Plug-ins of the test tree, and those that come along.
 inline std::string plugin_file(const char *name)
 {
-    return std::string(VESK_BINARY_DIR) + "/tests/" + name + ".p";
+    return std::string(VESK_BINARY_DIR "/tests/") + name + ".p";
 }
 inline std::string bundled_plugin(const char *name)
 {
-    return std::string(VESK_BINARY_DIR) + "/home/plugins/" + name + ".p";
+    return std::string(VESK_BINARY_DIR "/home/plugins/") + name + ".p";
 }
 
 // What a program writes to its standard output; "" when it fails.
