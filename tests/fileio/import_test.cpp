@@ -47,7 +47,7 @@ protected:
         SceneTest::SetUp();
         crash_guard::forget_faults_for_test();
         home_ = vesk_get_vesk_homedir() == nullptr ? "" : vesk_get_vesk_homedir();
-        vesk_set_homedir((VESK_BINARY_DIR "/home");
+        vesk_set_homedir(VESK_BINARY_DIR "/home");
         textures_reset_for_test();
         vesk_register_builtin_texture_loaders();
         write_text(temporary_file("wood.bmp"), write_bmp(sample_picture(4, 4, 0), {}));
