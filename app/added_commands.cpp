@@ -158,7 +158,7 @@ void command_get_material(int i)
     command_result_append_element(std::string_view(number_text(m->transparency)));
 }
 
-// Number of arguments, template, usage, help, 1 when the operation is part of this build.
+// Number of arguments, template, usage, help.
 void command_command_info(const char *name)
 {
     const vesk_command_t *command = find_command(name);
@@ -167,7 +167,6 @@ void command_command_info(const char *name)
     command_result_append_element(command->nargs);
     for (const char *text : {command->argtypes, command->usage, command->help})
         command_result_append_element(std::string_view(text_or_empty(text)));
-    command_result_append_element(command_is_available(command) ? 1 : 0);
 }
 
 // 1 when a running drag or a half-drawn outline took the key; the views' own keys come after it.
@@ -293,7 +292,7 @@ void register_added_commands()
         command_row("file_save", command_file_save, "<filename>",
                     "save a VESK format file, returns 1 or 0"),
         command_row("command_info", command_command_info, "<string command>",
-                    "returns arity, template, usage, help, availability"),
+                    "returns arity, template, usage, help"),
         command_row("objects_select", command_objects_select, "<string object_ids>",
                     "select these objects only"),
         command_row("tool_key", command_tool_key, "<string keysym>",

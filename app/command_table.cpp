@@ -5,9 +5,7 @@
 #include "app/command_row.h"
 #include "app/command_watch.h"
 #include "app/desktop.h"
-#include "app/messages.h"
 #include "app/prefs.h"
-#include "app/session_state.h"
 #include "edit/clipboard.h"
 #include "edit/current_object.h"
 #include "edit/delete.h"
@@ -36,6 +34,7 @@
 #include "edit/uvmap.h"
 #include "edit/weld.h"
 #include "fileio/export_3ds.h"
+#include "fileio/export_commands.h"
 #include "fileio/export_vrml2.h"
 #include "model/palette.h"
 #include "plugin/filters.h"
@@ -51,18 +50,6 @@
 #include "view/views.h"
 
 namespace {
-
-// The one handler of the rows whose operation lands later.
-void not_in_this_build() { display_message("%s: not in this build yet", session().command); }
-
-vesk_command_t pending_row(const char *name, const char *argtypes, const char *usage = nullptr,
-                           const char *help = nullptr)
-{
-    int nargs = 0;
-    for (const char *p = argtypes; p != nullptr && *p != '\0'; ++p)
-        ++nargs;
-    return {name, not_in_this_build, nargs, argtypes, usage, help};
-}
 
 // clang-format off
 // Never reordered. Deliberate: some usage and help texts are wrong or misspelt and stand as they
@@ -226,16 +213,16 @@ vesk_command_t rows[] = {
     command_row("unshare_vertices", selected_unshare_vertices, nullptr, "ensure each selected vertex is owned by one surface only"),
     command_row("viewer_flyto", person_flyto, "<steps> (pos x y x> <dir x y z>", "fly viewer to this pos/dir"),
     command_row("window_draw_texture", window_draw_texture, "<texture id> <window>", "draw a texture in a window"),
-    pending_row("write_dive", "s", "<filename>", "write the scene in Dive format"),
-    pending_row("write_inventor", "s", "<filename>", "write the scene in Inventor format"),
-    pending_row("write_massive", "s", "<filename>", "write the scene in MASSIVE format"),
-    pending_row("write_vrml", "s", "<filename>", "write the scene in VRML 1 format"),
+    command_row("write_dive", write_dive, "<filename>", "write the scene in Dive format"),
+    command_row("write_inventor", write_inventor, "<filename>", "write the scene in Inventor format"),
+    command_row("write_massive", write_massive, "<filename>", "write the scene in MASSIVE format"),
+    command_row("write_vrml", write_vrml, "<filename>", "write the scene in VRML 1 format"),
     command_row("write_vrml2", write_vrml2, "<filename>", "write the scene in VRML 2 format"),
     command_row("write_vrml2_proto", write_vrml2_proto, "<filename>", "write the scene in VRML 2 (PROTO) format"),
-    pending_row("write_rib", "s", "<filename>", "write the scene in RIB format"),
-    pending_row("write_POV", "s", "<filename>", "write the scene in POV format"),
-    pending_row("write_dvs", "s", "<filename>", "write the scene in dVS format"),
-    pending_row("write_tri", "s", "<filename>", "write the scene in triangle list format"),
+    command_row("write_rib", write_rib, "<filename>", "write the scene in RIB format"),
+    command_row("write_POV", write_POV, "<filename>", "write the scene in POV format"),
+    command_row("write_dvs", write_dvs, "<filename>", "write the scene in dVS format"),
+    command_row("write_tri", write_tri, "<filename>", "write the scene in triangle list format"),
     command_row("zoom_in", zoom_in, nullptr, "zoom in the orth views"),
     command_row("zoom_out", zoom_out, nullptr, "zoom out of the orth views"),
     command_row("zoomview", zoom_view, "<view id (0-3)> <direction>", "zoom a view"),
@@ -278,11 +265,6 @@ const command_kind_row_t kinds[] = {
 } // namespace
 
 std::span<const vesk_command_t> command_table() { return rows; }
-
-bool command_is_available(const vesk_command_t *command)
-{
-    return command->func != not_in_this_build;
-}
 
 void register_commands()
 {

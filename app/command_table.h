@@ -13,7 +13,4 @@ void register_commands();
 // The built-in rows, in the order that "list" prints.
 std::span<const vesk_command_t> command_table();
 
-// False for a row whose operation is not part of this build: it only says so.
-bool command_is_available(const vesk_command_t *command);
-
 #endif

@@ -4,6 +4,11 @@ target_sources(vesk_core PRIVATE
     fileio/atomic_file.cpp
     fileio/backup.cpp
     fileio/export_3ds.cpp
+    fileio/export_commands.cpp
+    fileio/export_inventor.cpp
+    fileio/export_plain.cpp
+    fileio/export_pov.cpp
+    fileio/export_rib.cpp
     fileio/export_vrml2.cpp
     fileio/file_text.cpp
     fileio/image_png.cpp

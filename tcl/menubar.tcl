@@ -139,14 +139,13 @@ proc ::vesk::menus::changed {variable words} {
 # ---- what can be done now ----
 
 # known --
-#   Whether the executable has a command, and does something for it in this build.
+#   Whether the executable has a command.
 proc ::vesk::menus::known {command} {
     variable info
     if {![info exists info($command)]} {
         set info($command) [vesk command_info $command]
     }
-    set row $info($command)
-    return [expr {[llength $row] > 0 && [lindex $row 4] ne "0"}]
+    return [expr {[llength $info($command)] > 0}]
 }
 
 # forget_known --

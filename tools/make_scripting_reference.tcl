@@ -11,19 +11,15 @@ proc cell {text} {
 
 # row -- the table row of one command.
 proc row {name} {
-    lassign [vesk command_info $name] nargs template usage help available
-    set note [expr {$available ? "" : "not in this build yet"}]
+    lassign [vesk command_info $name] nargs template usage help
     set words [string trim "`$name` [cell $usage]"]
-    return "| $words | [cell $help] | $note |"
+    return "| $words | [cell $help] |"
 }
 
 set names {}
 foreach line [split [string trim [vesk list]] \n] {
     lappend names [lindex [split $line] 0]
 }
-set missing [lsearch -all -inline -not -exact [lmap name $names {
-    expr {[lindex [vesk command_info $name] end] ? "" : $name}
-}] ""]
 
 set file [lindex $argv 0]
 set channel [open $file]
@@ -36,16 +32,8 @@ set out [string range $text 0 [expr {$kept - 1}]]$marker\n\n
 append out "## All commands\n\n"
 append out "[llength $names] commands, in the order of `vesk list`. An argument is a number or one "
 append out "word; a wrong number\nof arguments is told and nothing is done.\n\n"
-append out "| command and arguments | what it does | |\n|---|---|---|\n"
+append out "| command and arguments | what it does |\n|---|---|\n"
 foreach name $names {append out [row $name]\n}
-append out "\n## Not in this build yet\n\n"
-if {[llength $missing] == 0} {
-    append out "Nothing: every command is there.\n"
-} else {
-    append out "These [llength $missing] commands are known; each puts "
-    append out "`NAME: not in this build yet` on the message line\nand does nothing:\n\n"
-    append out [join [lmap name $missing {string cat ` $name `}] ", "]\n
-}
 set channel [open $file w]
 fconfigure $channel -encoding utf-8
 puts -nonewline $channel $out

@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    fileio/export_test.cpp
     fileio/foreign_files.cpp
     fileio/import_test.cpp
     fileio/rescue_test.cpp

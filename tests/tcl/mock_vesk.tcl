@@ -68,7 +68,7 @@ proc vesk {command args} {
                 [lindex $mock_tree $place+3] url "" data "" centre "0 0 0" size "1 1 1"]
         }
         command_info {
-            return [list 0 "" "" "" [expr {[lindex $args 0] ni $::mock_missing}]]
+            return [expr {[lindex $args 0] in $::mock_missing ? "" : [list 0 "" "" ""]}]
         }
         objects_select {
             set mock_selected [lindex $args 0]

@@ -1,0 +1,333 @@
+#include "fileio/export_commands.h"
+
+#include "app/filename.h"
+#include "app/messages.h"
+#include "app/progress.h"
+#include "fileio/atomic_file.h"
+#include "fileio/export_scene.h"
+#include "model/bounds.h"
+#include "model/each.h"
+#include "model/lights.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "view/camera_internal.h"
+#include "view/mesh_layout.h"
+#include "view/textures.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+namespace {
+
+constexpr size_t piece_size = 1 << 20; // bytes that go out at once
+constexpr float smallest_scene = 1e-6f;
+
+bool is_line(int type) { return type == SURFACE_LINE || type == SURFACE_CLOSED_LINE; }
+
+// ---- what is written of an object ----
+
+int palette_index(int index) { return index >= 0 && index < vesk_get_num_palette() ? index : 0; }
+
+struct losses_t {
+    int lines = 0;
+    int lights = 0;
+    int pictures = 0;
+    int smooth = 0;
+};
+
+std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &format,
+                                  losses_t *losses)
+{
+    std::map<std::tuple<int, int, bool, bool>, size_t> known;
+    std::vector<export_part> parts;
+    for (int surface = 0; surface < flat.num_surfaces(); ++surface) {
+        const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+        const bool line = is_line(record.type);
+        if (flat.surface_corners(surface).size() < (line ? 2u : 3u))
+            continue; // nothing to be seen
+        if (line && !format.lines) {
+            ++losses->lines;
+            continue;
+        }
+        const bool smooth = !line && record.smooth != 0;
+        losses->smooth += smooth && !format.smooth ? 1 : 0;
+        const int index = palette_index(record.material);
+        const int type = line ? int{record.type} : int{SURFACE_POLYGON};
+        const bool twosided = line || record.twosided != 0;
+        const auto found = known.emplace(std::tuple(index, type, smooth, twosided), parts.size());
+        if (found.second)
+            parts.push_back({vesk_palette_get_material(index), type, smooth, twosided, index, {}});
+        parts[found.first->second].surfaces.push_back(surface);
+    }
+    return parts;
+}
+
+export_object described(object_t *object, const export_format &format, losses_t *losses)
+{
+    export_object out = {object, object_flat(object), export_one_line(object->name), {}, {}};
+    out.parts = parts_of(*out.flat, format, losses);
+    const char *file = object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
+    if (file == nullptr || out.parts.empty())
+        return out;
+    if (format.pictures)
+        out.picture = vesk_filename_get_file(file);
+    else
+        ++losses->pictures;
+    return out;
+}
+
+// ---- the walk ----
+
+// The tree below the world, parents before their children; `holds` tells of surfaces in the object
+// or below it.
+struct node_t {
+    object_t *object;
+    int parent; // index, -1 for the world
+    bool holds;
+};
+
+std::vector<node_t> nodes_of_world(const export_format &format)
+{
+    std::vector<node_t> nodes;
+    std::vector<node_t> stack;
+    const auto push_children = [&stack](const object_t *object, int parent) {
+        const size_t first = stack.size();
+        for (object_t *child : each<object_t>(object->children))
+            stack.push_back({child, parent, false});
+        std::reverse(stack.begin() + static_cast<std::ptrdiff_t>(first), stack.end());
+    };
+    push_children(vesk_get_world(), -1);
+    while (!stack.empty()) {
+        nodes.push_back(stack.back());
+        stack.pop_back();
+        push_children(nodes.back().object, static_cast<int>(nodes.size()) - 1);
+    }
+    for (size_t i = nodes.size(); i > 0; --i) {
+        node_t &node = nodes[i - 1];
+        losses_t ignored;
+        node.holds = node.holds || !parts_of(*object_flat(node.object), format, &ignored).empty();
+        if (node.holds && node.parent >= 0)
+            nodes[static_cast<size_t>(node.parent)].holds = true;
+    }
+    return nodes;
+}
+
+class writer {
+public:
+    writer(const export_format &format, const char *filename) : format_(format), file_(filename) {}
+
+    // False when the user cancelled.
+    bool scene()
+    {
+        const point3_t size = find_object_size(vesk_get_world());
+        out_.scene_size = std::max({size.x, size.y, size.z, smallest_scene});
+        if (format_.begin != nullptr)
+            format_.begin(out_);
+        lights();
+        const bool complete = objects();
+        if (format_.end != nullptr)
+            format_.end(out_);
+        return complete;
+    }
+
+    bool commit()
+    {
+        file_.write(out_.text);
+        return file_.commit();
+    }
+
+    [[nodiscard]] const losses_t &losses() const { return losses_; }
+
+private:
+    void lights()
+    {
+        for (const object_t *light : each<object_t>(world_lights())) {
+            if (!format_.lights) {
+                ++losses_.lights;
+                continue;
+            }
+            ++out_.lights;
+            format_.light(out_, *light, export_one_line(light->name));
+        }
+    }
+
+    bool objects()
+    {
+        const std::vector<node_t> nodes = nodes_of_world(format_);
+        progress_t progress(static_cast<double>(nodes.size()));
+        std::vector<int> open;
+        for (size_t i = 0; i < nodes.size(); ++i) {
+            if (!progress.step(static_cast<double>(i)))
+                return false;
+            const node_t &node = nodes[i];
+            // Lights were written as such; what they hold besides is an object like others.
+            if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
+                continue;
+            close_until(nodes, &open, node.parent);
+            format_.open(out_, described(node.object, format_, &losses_));
+            open.push_back(static_cast<int>(i));
+            if (out_.text.size() > piece_size) {
+                file_.write(out_.text);
+                out_.text.clear();
+            }
+        }
+        close_until(nodes, &open, -1);
+        return true;
+    }
+
+    void close_until(const std::vector<node_t> &nodes, std::vector<int> *open, int parent)
+    {
+        while (!open->empty() && open->back() != parent) {
+            if (format_.close != nullptr)
+                format_.close(out_, *nodes[static_cast<size_t>(open->back())].object);
+            open->pop_back();
+        }
+    }
+
+    const export_format &format_;
+    atomic_writer_t file_;
+    export_text out_;
+    losses_t losses_;
+};
+
+// ", 12 lines were left out: POV has no lines", for each kind.
+std::string told(const losses_t &losses, const char *format)
+{
+    const struct {
+        int count;
+        const char *what;
+    } kinds[] = {{losses.lines, "lines"},
+                 {losses.lights, "lights"},
+                 {losses.pictures, "textures"},
+                 {losses.smooth, "smooth surfaces"}};
+    std::string counts;
+    std::string lacks;
+    for (const auto &kind : kinds) {
+        if (kind.count == 0)
+            continue;
+        counts += (counts.empty() ? "" : ", ") + std::to_string(kind.count) + ' ' + kind.what;
+        lacks += std::string(lacks.empty() ? "" : ", ") + kind.what;
+    }
+    if (counts.empty())
+        return {};
+    return " - " + counts + " were left out: " + format + " has no " + lacks;
+}
+
+int write_scene(const char *filename, const export_format &format)
+{
+    const std::string name = filename; // the messages let scripts run
+    writer scene(format, name.c_str());
+    if (!scene.scene()) {
+        display_message("write %s - cancelled", format.name);
+        return 0;
+    }
+    if (!scene.commit()) {
+        display_message("can't open file '%s' for writing", name.c_str());
+        return 0;
+    }
+    display_message("written file %s%s", name.c_str(), told(scene.losses(), format.name).c_str());
+    return 1;
+}
+
+} // namespace
+
+// ---- what several formats need ----
+
+flat_uv export_object::uv(int corner) const
+{
+    const flat_uv &at = (*flat->texture_coords)[static_cast<size_t>(corner)];
+    return {at.u * object->texture_repeat_x + object->texture_offset_x,
+            at.v * object->texture_repeat_y + object->texture_offset_y};
+}
+
+std::string export_one_line(const char *text)
+{
+    std::string line = text == nullptr ? "" : text;
+    for (char &c : line)
+        if (static_cast<unsigned char>(c) < ' ' || c == 0x7F)
+            c = ' ';
+    return line;
+}
+
+std::string export_quoted(const char *text)
+{
+    std::string out = "\"";
+    for (const char c : export_one_line(text)) {
+        if (c == '"' || c == '\\')
+            out += '\\';
+        out += c;
+    }
+    return out + '"';
+}
+
+export_eye export_view_eye()
+{
+    double m[16]; // column by column
+    camera_modelview(m);
+    const double scale = std::sqrt(m[0] * m[0] + m[4] * m[4] + m[8] * m[8]);
+    const double size = scale > 0 ? scale : 1;
+    point3_t axes[3];
+    double location[3] = {};
+    for (int i = 0; i < 3; ++i) {
+        axes[i] = {static_cast<float>(m[i] / size), static_cast<float>(m[4 + i] / size),
+                   static_cast<float>(m[8 + i] / size)};
+        for (int k = 0; k < 3; ++k)
+            location[k] -= m[4 * k + i] * m[12 + i] / (size * size);
+    }
+    const point3_t low = find_object_min(vesk_get_world());
+    const point3_t extent = find_object_size(vesk_get_world());
+    const projection_t view =
+        camera_projection(low, {low.x + extent.x, low.y + extent.y, low.z + extent.z});
+    return {.location = {static_cast<float>(location[0]), static_cast<float>(location[1]),
+                         static_cast<float>(location[2])},
+            .right = axes[0],
+            .up = axes[1],
+            .direction = {-axes[2].x, -axes[2].y, -axes[2].z},
+            .perspective = view.perspective,
+            .half_height = view.perspective ? view.half_height : view.half_height / size};
+}
+
+export_vertices export_used_vertices(const export_object &object, const export_part &part)
+{
+    export_vertices out;
+    out.number.assign(static_cast<size_t>(object.flat->num_vertices()), -1);
+    for (const int surface : part.surfaces) {
+        for (const std::int32_t index : object.flat->surface_corners(surface)) {
+            int &number = out.number[static_cast<size_t>(index)];
+            if (number >= 0)
+                continue;
+            number = static_cast<int>(out.used.size());
+            out.used.push_back(index);
+        }
+    }
+    return out;
+}
+
+std::vector<int> export_triangles(const export_object &object, const export_part &part)
+{
+    std::vector<int> triangles;
+    std::vector<point3_t> points;
+    std::vector<int> ears;
+    for (const int surface : part.surfaces) {
+        points.clear();
+        ears.clear();
+        for (const std::int32_t index : object.flat->surface_corners(surface))
+            points.push_back(object.point(index));
+        cut_ears(points.data(), static_cast<int>(points.size()), ears);
+        for (const int corner : ears)
+            triangles.push_back(object.first_corner(surface) + corner);
+    }
+    return triangles;
+}
+
+// ---- commands ----
+
+int write_vrml(const char *filename) { return write_scene(filename, vrml1_format); }
+int write_inventor(const char *filename) { return write_scene(filename, inventor_format); }
+int write_POV(const char *filename) { return write_scene(filename, pov_format); }
+int write_rib(const char *filename) { return write_scene(filename, rib_format); }
+int write_tri(const char *filename) { return write_scene(filename, triangle_format); }
+int write_dive(const char *filename) { return write_scene(filename, dive_format); }
+int write_dvs(const char *filename) { return write_scene(filename, dvs_format); }
+int write_massive(const char *filename) { return write_scene(filename, massive_format); }

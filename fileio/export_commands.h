@@ -1,0 +1,16 @@
+#ifndef VESK_FILEIO_EXPORT_COMMANDS_H
+#define VESK_FILEIO_EXPORT_COMMANDS_H
+
+// Commands of the same names: each writes the scene in a text format. What the format has no place
+// for is left out, counted and told in one line. Returns 1, or 0 (told) when the file could not be
+// written or the user cancelled; a former file is then as it was.
+int write_vrml(const char *filename);     // VRML 1.0
+int write_inventor(const char *filename); // Open Inventor 2.1, ASCII
+int write_POV(const char *filename);      // scene of the POV renderer, as the pov_ preferences say
+int write_rib(const char *filename);      // RenderMan interface bytestream, as the rib_ ones say
+int write_tri(const char *filename);      // triangles with colours, which Import reads
+int write_dive(const char *filename);     // the plain scene text that the manual describes ...
+int write_dvs(const char *filename);      // ... under the name of its program
+int write_massive(const char *filename);
+
+#endif

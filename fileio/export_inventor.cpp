@@ -1,0 +1,164 @@
+// VRML 1.0 and the ASCII form of Open Inventor 2.1, of which the former is a subset: the nodes
+// written here are the same in both, only the first line differs.
+
+#include "fileio/export_scene.h"
+
+#include <algorithm>
+
+namespace {
+
+// Names of nodes are plain ASCII words; the full name stands in an Info node.
+std::string node_name(const std::string &name)
+{
+    std::string out;
+    for (const char c : name) {
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        const bool digit = c >= '0' && c <= '9';
+        out += letter || (digit && !out.empty()) ? c : '_';
+    }
+    return out;
+}
+
+void colour(export_text &out, const char *field, const float *rgb)
+{
+    out.add("  ", field, ' ', point3_t{rgb[0], rgb[1], rgb[2]}, '\n');
+}
+
+void write_material(export_text &out, const export_part &part)
+{
+    const material &m = *part.look;
+    const bool line = part.type != SURFACE_POLYGON;
+    out.add("Material {\n");
+    colour(out, "ambientColor", m.ambient);
+    colour(out, "diffuseColor", m.diffuse);
+    colour(out, "specularColor", m.specular);
+    colour(out, "emissiveColor", line ? m.diffuse : m.emissive); // lines are not lit
+    out.add("  shininess ", std::clamp(m.shininess / 128, 0.0f, 1.0f), "\n  transparency ",
+            std::clamp(m.transparency, 0.0f, 1.0f), "\n}\n");
+}
+
+// Indices of all corners, -1 after each surface.
+template <class Index>
+void indices(export_text &out, const export_object &object, const export_part &part,
+             const char *field, Index &&index)
+{
+    out.add("  ", field, " [\n");
+    for (const int surface : part.surfaces) {
+        const int first = object.first_corner(surface);
+        const auto corners = object.flat->surface_corners(surface);
+        for (size_t i = 0; i < corners.size(); ++i)
+            out.add(index(first + static_cast<int>(i)), ", ");
+        if (part.type == SURFACE_CLOSED_LINE)
+            out.add(index(first), ", ");
+        out.add("-1,\n");
+    }
+    out.add("  ]\n");
+}
+
+void write_normals(export_text &out, const export_object &object, const export_part &part)
+{
+    out.add("Normal {\n  vector [\n");
+    if (part.smooth)
+        for (const point3_t &normal : *object.flat->normals)
+            out.add(normal, ",\n");
+    else
+        for (const int surface : part.surfaces)
+            out.add(object.face_normal(surface), ",\n");
+    // Of smooth surfaces the indices of the points are those of the normals, too.
+    out.add("  ]\n}\nNormalBinding { value ", part.smooth ? "PER_VERTEX_INDEXED" : "PER_FACE",
+            " }\n");
+}
+
+void write_part(export_text &out, const export_object &object, const export_part &part)
+{
+    write_material(out, part);
+    const auto place = [&object](int corner) {
+        return (*object.flat->corners)[static_cast<size_t>(corner)];
+    };
+    if (part.type != SURFACE_POLYGON) {
+        out.add("IndexedLineSet {\n");
+        indices(out, object, part, "coordIndex", place);
+        out.add("}\n");
+        return;
+    }
+    out.add("ShapeHints {\n  vertexOrdering COUNTERCLOCKWISE\n  shapeType ",
+            part.twosided ? "UNKNOWN_SHAPE_TYPE" : "SOLID", "\n  faceType UNKNOWN_FACE_TYPE\n}\n");
+    write_normals(out, object, part);
+    out.add("IndexedFaceSet {\n");
+    indices(out, object, part, "coordIndex", place);
+    if (!object.picture.empty())
+        indices(out, object, part, "textureCoordIndex", [](int corner) { return corner; });
+    out.add("}\n");
+}
+
+void write_texture(export_text &out, const export_object &object)
+{
+    out.add("Texture2 { filename ", export_quoted(object.picture.c_str()),
+            " }\nTextureCoordinate2 {\n  point [\n");
+    for (int corner = 0; corner < object.flat->num_corners(); ++corner)
+        out.add(object.uv(corner), ",\n");
+    out.add("  ]\n}\n");
+}
+
+void write_light(export_text &out, const object_t &light, const std::string &name)
+{
+    out.add("# Light ", name, "\nPointLight { location ", light.centre, " }\n");
+}
+
+void open(export_text &out, const export_object &object)
+{
+    if (is_set(object.object->url))
+        out.add("WWWAnchor {\nname ", export_quoted(object.object->url), '\n');
+    const std::string name = node_name(object.name);
+    if (!name.empty())
+        out.add("DEF ", name, ' ');
+    out.add("Separator {\n");
+    if (name != object.name)
+        out.add("Info { string ", export_quoted(object.name.c_str()), " }\n");
+    if (object.parts.empty())
+        return;
+    // The state ends here: children start without this object's points and texture.
+    out.add("Separator {\nCoordinate3 {\n  point [\n");
+    for (const point3_t &p : *object.flat->positions)
+        out.add(p, ",\n");
+    out.add("  ]\n}\n");
+    // Lines come before the texture, which would cover them.
+    for (const export_part &part : object.parts)
+        if (part.type != SURFACE_POLYGON)
+            write_part(out, object, part);
+    if (!object.picture.empty())
+        write_texture(out, object);
+    for (const export_part &part : object.parts)
+        if (part.type == SURFACE_POLYGON)
+            write_part(out, object, part);
+    out.add("}\n");
+}
+
+void close(export_text &out, const object_t &object)
+{
+    out.add(is_set(object.url) ? "}\n}\n" : "}\n");
+}
+
+void begin_vrml(export_text &out) { out.add("#VRML V1.0 ascii\n\nSeparator {\n"); }
+void begin_inventor(export_text &out) { out.add("#Inventor V2.1 ascii\n\nSeparator {\n"); }
+void end(export_text &out) { out.add("}\n"); }
+
+constexpr export_format format_of(const char *name, void (*begin)(export_text &))
+{
+    return {.name = name,
+            .lines = true,
+            .lights = true,
+            .pictures = true,
+            .smooth = true,
+            .empty_objects = true,
+            .begin = begin,
+            .light = write_light,
+            .open = open,
+            .close = close,
+            .end = end};
+}
+
+} // namespace
+
+const export_format vrml1_format = format_of("VRML 1.0", begin_vrml);
+const export_format inventor_format = format_of("Inventor", begin_inventor);

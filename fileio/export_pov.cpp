@@ -1,0 +1,219 @@
+// Scenes of the POV renderer, version 3.5: a camera, lights, and a union for each object with its
+// meshes and children. The world's right-handed axes are kept: the camera's right vector points
+// backwards (pov_right_aspect is negative).
+
+#include "app/prefs.h"
+#include "fileio/export_scene.h"
+#include "model/bounds.h"
+#include "model/lights.h"
+#include "model/world.h"
+
+#include <algorithm>
+#include <numbers>
+#include <string_view>
+
+namespace {
+
+constexpr float scene_ambient = 0.2f; // as the 3D view lights it
+
+std::string vector(const point3_t &p)
+{
+    export_text out;
+    out.add('<', p.x, ", ", p.y, ", ", p.z, '>');
+    return out.text;
+}
+
+float within(float value) { return std::clamp(value, 0.0f, 1.0f); }
+
+point3_t colour(const float *rgb) { return {within(rgb[0]), within(rgb[1]), within(rgb[2])}; }
+
+void write_camera(export_text &out, const export_eye &eye)
+{
+    const double right = prefs.pov_right_aspect;
+    const double up = prefs.pov_up_aspect;
+    const point3_t target = {eye.location.x + eye.direction.x, eye.location.y + eye.direction.y,
+                             eye.location.z + eye.direction.z};
+    out.add("camera {\n");
+    if (eye.perspective) {
+        // The angle is that of the picture's width.
+        const double half_width = eye.half_height * std::abs(up != 0 ? right / up : right);
+        out.add("  location ", vector(eye.location), "\n  up <0, ", up, ", 0>\n  right <", right,
+                ", 0, 0>\n  angle ", 2 * std::atan(half_width) * 180 / std::numbers::pi, '\n');
+    } else {
+        const double height = 2 * eye.half_height;
+        out.add("  orthographic\n  location ", vector(eye.location), "\n  up <0, ", up * height,
+                ", 0>\n  right <", right * height, ", 0, 0>\n");
+    }
+    out.add("  sky ", vector(eye.up), "\n  look_at ", vector(target), "\n}\n");
+}
+
+// Seen from the front, whole: where the viewer of the 3D view is not asked for.
+export_eye front_eye()
+{
+    const point3_t low = find_object_min(vesk_get_world());
+    const point3_t size = find_object_size(vesk_get_world());
+    const float reach = std::max({size.x, size.y, size.z, 1.0f});
+    return {.location = {low.x + size.x / 2, low.y + size.y / 2, low.z + size.z + 2 * reach},
+            .right = {1, 0, 0},
+            .up = {0, 1, 0},
+            .direction = {0, 0, -1},
+            .perspective = true,
+            .half_height = 0.5};
+}
+
+void write_light(export_text &out, const point3_t &at)
+{
+    out.add("light_source { ", vector(at), " color rgb <1, 1, 1> }\n");
+}
+
+void begin(export_text &out)
+{
+    out.add("#version 3.5;\n");
+    if (is_set(prefs.pov_file_header))
+        out.add(prefs.pov_file_header, '\n');
+    const export_eye eye = prefs.pov_active_pointer != 0 ? export_view_eye() : front_eye();
+    write_camera(out, eye);
+    if (world_lights() == nullptr)
+        write_light(out, eye.location); // as the 3D view's own light
+}
+
+void write_named_light(export_text &out, const object_t &light, const std::string &name)
+{
+    out.add("// Light ", name, '\n');
+    write_light(out, light.centre);
+}
+
+const char *picture_kind(std::string_view file)
+{
+    const struct {
+        std::string_view suffix;
+        const char *kind;
+    } kinds[] = {{"png", "png"}, {"jpg", "jpeg"}, {"jpeg", "jpeg"}, {"tga", "tga"},
+                 {"gif", "gif"}, {"bmp", "sys"},  {"tif", "tiff"},  {"tiff", "tiff"},
+                 {"ppm", "ppm"}, {"pgm", "pgm"},  {"iff", "iff"},   {"pot", "pot"}};
+    std::string suffix(file.substr(std::min(file.rfind('.') + 1, file.size())));
+    std::transform(suffix.begin(), suffix.end(), suffix.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    for (const auto &kind : kinds)
+        if (suffix == kind.suffix)
+            return kind.kind;
+    return "sys";
+}
+
+void write_look(export_text &out, const export_object &object, const export_part &part)
+{
+    const material &m = *part.look;
+    const point3_t specular = colour(m.specular);
+    const point3_t ambient = {within(m.ambient[0] * scene_ambient + m.emissive[0]),
+                              within(m.ambient[1] * scene_ambient + m.emissive[1]),
+                              within(m.ambient[2] * scene_ambient + m.emissive[2])};
+    out.add("    texture {\n");
+    if (!object.picture.empty())
+        out.add("      uv_mapping\n      pigment { image_map { ", picture_kind(object.picture), ' ',
+                export_quoted(object.picture.c_str()), " transmit all ", within(m.transparency),
+                " } }\n");
+    else
+        out.add("      pigment { color rgb ", vector(colour(m.diffuse)), " transmit ",
+                within(m.transparency), " }\n");
+    out.add("      finish { ambient rgb ", vector(ambient), " diffuse 1 phong ",
+            std::max({specular.x, specular.y, specular.z}), " phong_size ",
+            std::max(m.shininess, 1.0f), " }\n    }\n");
+}
+
+// "name { count, a, b }", one line each.
+template <class Line>
+void write_list(export_text &out, const char *name, size_t count, Line &&line)
+{
+    out.add("    ", name, " {\n      ", static_cast<int>(count));
+    for (size_t i = 0; i < count; ++i)
+        out.add(",\n      ", line(i));
+    out.add("\n    }\n");
+}
+
+std::string triple(int a, int b, int c)
+{
+    return '<' + std::to_string(a) + ", " + std::to_string(b) + ", " + std::to_string(c) + '>';
+}
+
+void write_part(export_text &out, const export_object &object, const export_part &part)
+{
+    const std::vector<int> corners = export_triangles(object, part);
+    if (corners.empty())
+        return;
+    const export_vertices vertices = export_used_vertices(object, part);
+    const auto place = [&](size_t i) {
+        const int index = (*object.flat->corners)[static_cast<size_t>(corners[i])];
+        return vertices.number[static_cast<size_t>(index)];
+    };
+    out.add("  mesh2 {\n");
+    write_list(out, "vertex_vectors", vertices.used.size(),
+               [&](size_t i) { return vector(object.point(vertices.used[i])); });
+    if (part.smooth)
+        write_list(out, "normal_vectors", vertices.used.size(),
+                   [&](size_t i) { return vector(object.normal(vertices.used[i])); });
+    if (!object.picture.empty())
+        write_list(out, "uv_vectors", corners.size(), [&](size_t i) {
+            const flat_uv at = object.uv(corners[i]);
+            export_text pair;
+            pair.add('<', at.u, ", ", at.v, '>');
+            return pair.text;
+        });
+    write_list(out, "face_indices", corners.size() / 3,
+               [&](size_t i) { return triple(place(3 * i), place(3 * i + 1), place(3 * i + 2)); });
+    if (!object.picture.empty())
+        write_list(out, "uv_indices", corners.size() / 3, [](size_t i) {
+            const int first = static_cast<int>(3 * i);
+            return triple(first, first + 1, first + 2);
+        });
+    write_look(out, object, part);
+    out.add("  }\n");
+}
+
+// The data text stands in the object as statements of the renderer, or else as comments.
+void write_data(export_text &out, const char *data)
+{
+    if (!is_set(data))
+        return;
+    if (prefs.pov_use_object_data != 0) {
+        out.add(data, '\n');
+        return;
+    }
+    if (prefs.pov_object_data == 0)
+        return;
+    std::string_view rest = data;
+    while (!rest.empty()) {
+        const size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
+        if (end > 0)
+            out.add("// ", export_one_line(std::string(rest.substr(0, end)).c_str()), '\n');
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+}
+
+void open(export_text &out, const export_object &object)
+{
+    out.add("union { // ", object.name, '\n');
+    for (const export_part &part : object.parts)
+        write_part(out, object, part);
+}
+
+void close(export_text &out, const object_t &object)
+{
+    // After the shapes, where statements about the whole union may stand.
+    write_data(out, object.data);
+    out.add("}\n");
+}
+
+} // namespace
+
+const export_format pov_format = {.name = "POV",
+                                  .lines = false,
+                                  .lights = true,
+                                  .pictures = true,
+                                  .smooth = true,
+                                  .empty_objects = false,
+                                  .begin = begin,
+                                  .light = write_named_light,
+                                  .open = open,
+                                  .close = close,
+                                  .end = nullptr};

@@ -1,0 +1,138 @@
+#ifndef VESK_FILEIO_EXPORT_SCENE_H
+#define VESK_FILEIO_EXPORT_SCENE_H
+
+// The text formats that the scene is written in, and the one walk that feeds them all: lights first,
+// then the tree, each object cut into parts of one material, shading and kind. A format is a record
+// of small functions that append text.
+
+#include "app/numbers.h"
+#include "model/flat_mesh.h"
+#include "model/material.h"
+
+#include <cmath>
+#include <string>
+
+// Text that grows. Numbers are written as "%g" writes them; what is not finite becomes 0, which
+// every format can read.
+class export_text {
+public:
+    std::string text;
+    float scene_size = 1; // largest side of the scene's box, above 0
+    int lights = 0;       // written by now
+
+    template <class... A>
+    void add(const A &...parts)
+    {
+        (put(parts), ...);
+    }
+
+private:
+    void put(const char *words) { text += words; }
+    void put(const std::string &words) { text += words; }
+    void put(char sign) { text += sign; }
+    void put(int value)
+    {
+        char buffer[12];
+        text.append(buffer, write_int(buffer, value));
+    }
+    void put(float value)
+    {
+        char buffer[16];
+        text.append(buffer, write_g(buffer, std::isfinite(value) ? value : 0.0f));
+    }
+    void put(double value) { put(static_cast<float>(value)); }
+    void put(const point3_t &p) { add(p.x, ' ', p.y, ' ', p.z); }
+    void put(const flat_uv &at) { add(at.u, ' ', at.v); }
+};
+
+// Surfaces of one object that look alike: polygons of one material, shading and sidedness, or lines
+// of one material.
+struct export_part {
+    const material *look;
+    int type; // SURFACE_POLYGON, ...
+    bool smooth;
+    bool twosided;
+    int index; // of the material in the palette
+    std::vector<int> surfaces;
+};
+
+struct export_object {
+    const object_t *object;
+    flat_ptr flat;
+    std::string name;    // on one line
+    std::string picture; // name of the texture's file without folders, "" for none
+    std::vector<export_part> parts;
+
+    // As it stands on the object: repeats and offsets are applied.
+    [[nodiscard]] flat_uv uv(int corner) const;
+    // Number of a surface's first corner.
+    [[nodiscard]] int first_corner(int surface) const
+    {
+        return (*flat->corner_offsets)[static_cast<size_t>(surface)];
+    }
+    [[nodiscard]] const point3_t &point(int index) const
+    {
+        return (*flat->positions)[static_cast<size_t>(index)];
+    }
+    [[nodiscard]] const point3_t &normal(int index) const
+    {
+        return (*flat->normals)[static_cast<size_t>(index)];
+    }
+    [[nodiscard]] const point3_t &face_normal(int surface) const
+    {
+        return (*flat->face_normals)[static_cast<size_t>(surface)];
+    }
+};
+
+struct export_format {
+    const char *name; // in messages
+    bool lines;       // what it has a place for; what it has not is counted and told
+    bool lights;
+    bool pictures;
+    bool smooth;
+    bool empty_objects; // else objects without a surface below them are left out
+    void (*begin)(export_text &out);
+    void (*light)(export_text &out, const object_t &light, const std::string &name);
+    void (*open)(export_text &out, const export_object &object); // children follow
+    void (*close)(export_text &out, const object_t &object);
+    void (*end)(export_text &out);
+};
+
+extern const export_format vrml1_format;
+extern const export_format inventor_format;
+extern const export_format pov_format;
+extern const export_format rib_format;
+extern const export_format triangle_format;
+extern const export_format dive_format;
+extern const export_format dvs_format;
+extern const export_format massive_format;
+
+// ---- what several formats need ----
+
+inline bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
+
+// Control characters become blanks, so that a name in a comment stays on its line.
+std::string export_one_line(const char *text);
+// Within double quotes: quotes and backslashes get a backslash, control characters become blanks.
+std::string export_quoted(const char *text);
+
+// The 3D view's eye.
+struct export_eye {
+    point3_t location, right, up, direction; // the last three are unit vectors at right angles
+    bool perspective;
+    double half_height; // of the picture: at distance 1 with perspective, else in world units
+};
+export_eye export_view_eye();
+
+// The vertices that a part uses, in the order of their first use; `number` holds the place of each
+// in `used`, or -1.
+struct export_vertices {
+    std::vector<int> used;
+    std::vector<int> number;
+};
+export_vertices export_used_vertices(const export_object &object, const export_part &part);
+
+// A part cut into triangles: three corner numbers each (of the object's flat mesh).
+std::vector<int> export_triangles(const export_object &object, const export_part &part);
+
+#endif

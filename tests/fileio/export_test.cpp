@@ -1,0 +1,322 @@
+// The text exports: one scene through every format. Each text must be well formed (a small check of
+// brackets, quotes and comments), hold hand-checked fragments, and survive names that try to break
+// out of it.
+
+#include "app/prefs.h"
+#include "model/change_marks.h"
+#include "model/each.h"
+#include "model/lights.h"
+#include "model/object_tree.h"
+#include "model/palette.h"
+#include "model/world.h"
+#include "tests/support/scene_test.h"
+#include "tests/view/image_writer.h"
+#include "view/textures.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+constexpr const char *hostile_name = "M\xC3\xBCller \"x\" }\n]{ \\";
+
+// "" when brackets pair up, quotes close and comments end with their line; else what is wrong.
+std::string broken(const std::string &text, const std::string &comment)
+{
+    std::string open;
+    bool quoted = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '\n' && quoted)
+            return "a line end within quotes";
+        if (quoted) {
+            i += c == '\\' ? 1 : 0;
+            quoted = c != '"';
+        } else if (text.compare(i, comment.size(), comment) == 0) {
+            i = std::min(text.find('\n', i), text.size());
+        } else if (c == '"') {
+            quoted = true;
+        } else if (c == '{' || c == '[') {
+            open += c;
+        } else if (c == '}' || c == ']') {
+            if (open.empty() || open.back() != (c == '}' ? '{' : '['))
+                return "unpaired at " + text.substr(i > 60 ? i - 60 : 0, 61);
+            open.pop_back();
+        }
+    }
+    return quoted ? "an open quote" : open.empty() ? "" : "open at the end: " + open;
+}
+
+struct format_case {
+    const char *command;
+    const char *comment;
+    const char *head;
+    const char *losses; // after "written file NAME"
+    std::vector<const char *> holds;
+};
+
+const format_case formats[] = {
+    {"write_vrml",
+     "#",
+     "#VRML V1.0 ascii\n\nSeparator {\n# Light lamp\nPointLight { location 1 2.5 -3 }\n",
+     "",
+     {"DEF house Separator {\nDEF wall Separator {\nSeparator {\nCoordinate3 {\n  point [\n"
+      "0 0 0,\n1 0 0,\n0 1 0,\n",
+      "Info { string \"M\xC3\xBCller \\\"x\\\" } ]{ \\\\\" }\n",
+      "DEF M__ller__x_______ Separator {", "  emissiveColor 0.25 0.5 1\n",
+      "IndexedLineSet {\n  coordIndex [\n6, 7, 8, 6, -1,\n  ]\n}\n",
+      "Texture2 { filename \"wood.bmp\" }\nTextureCoordinate2 {\n  point [\n0 0.5,\n2 0.5,\n0 1.5,",
+      "shapeType SOLID", "shapeType UNKNOWN_SHAPE_TYPE",
+      "Normal {\n  vector [\n0 0 1,\n  ]\n}\nNormalBinding { value PER_FACE }\n"
+      "IndexedFaceSet {\n  coordIndex [\n0, 1, 2, -1,\n  ]\n"
+      "  textureCoordIndex [\n0, 1, 2, -1,\n  ]\n}\n",
+      "NormalBinding { value PER_VERTEX_INDEXED }",
+      "WWWAnchor {\nname \"http://x/\\\"a\\\"\"\nDEF house Separator"}},
+    {"write_inventor",
+     "#",
+     "#Inventor V2.1 ascii\n\nSeparator {\n# Light lamp\n",
+     "",
+     {"DEF wall Separator {", "IndexedLineSet {\n"}},
+    {"write_POV",
+     "//",
+     "#version 3.5;\ncamera {\n",
+     " - 1 lines were left out: POV has no lines",
+     {"  up <0, 1, 0>\n  right <-1.33, 0, 0>\n",
+      "light_source { <1, 2.5, -3> color rgb <1, 1, 1> }",
+      "union { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
+      "      <0, 0, 0>,\n      <1, 0, 0>,\n      <0, 1, 0>\n    }\n",
+      "    face_indices {\n      1,\n      <0, 1, 2>\n    }\n",
+      "uv_mapping\n      pigment { image_map { sys \"wood.bmp\" transmit all 0 } }",
+      "    uv_vectors {\n      3,\n      <0, 0.5>,\n      <2, 0.5>,\n      <0, 1.5>\n    }\n",
+      "    normal_vectors {\n      3,\n", "pigment { color rgb <0.25, 0.5, 1> transmit 0.5 }",
+      "// line one\n// line two\n"}},
+    {"write_rib",
+     "#",
+     "##RenderMan RIB-Structure 1.0\nversion 3.03\nDisplay \"vesk.tif\" \"file\" \"rgb\"\n",
+     "",
+     {"WorldBegin\nLightSource \"ambientlight\" 0 \"intensity\" [0.2]\n",
+      "LightSource \"pointlight\" 1 \"intensity\" [1] \"from\" [1 2.5 -3]\n",
+      "AttributeBegin\nAttribute \"identifier\" \"name\" [\"house\"]\nAttributeBegin\n"
+      "Attribute \"identifier\" \"name\" [\"wall\"]\n",
+      "PointsGeneralPolygons [1]\n [3]\n [0 1 2]\n \"P\" [0 0 0 1 0 0 0 1 0]\n",
+      "Color [0.25 0.5 1]\nOpacity [0.5 0.5 0.5]\n", "Sides 1\n", "Sides 2\n", "\"N\" [0 0 1 0 0 1",
+      "Curves \"linear\" [3]\n \"periodic\" \"P\" [ 0 0 0 1 0 0 0 1 0]\n \"constantwidth\" "
+      "[0.002]\n",
+      "[\"M\xC3\xBCller \\\"x\\\" } ]{ \\\\\"]"}},
+    {"write_tri",
+     "#",
+     "wall\n0 0 0 1 0 0 0 1 0 0xffffff\n",
+     " - 1 lines, 1 lights, 1 textures, 1 smooth surfaces were left out: the triangle list has no "
+     "lines, lights, textures, smooth surfaces",
+     {"M\xC3\xBCller \"x\" } ]{ \\\n0 0 0 1 0 0 0 1 0 0x4080ff\n"}},
+    {"write_dive",
+     "#",
+     "# VESK plain scene 1 for Dive\nmaterial {\n  index 0\n",
+     "",
+     {"light {\n  name \"lamp\"\n  position 1 2.5 -3\n}\n",
+      "object {\nname \"house\"\ncentre 0 0 0\nurl \"http://x/\\\"a\\\"\"\n"
+      "data \"line one line two\"\nobject {\nname \"wall\"\n",
+      "closed_lines {\n  material ", "texture \"wood.bmp\"\nvertices 9 {\n  0 0 0  0 0 1\n",
+      "  smooth 0\n  twosided 0\n  corners 3 0 0 0.5 1 2 0.5 2 0 1.5\n}\n"}},
+    {"write_dvs", "#", "# VESK plain scene 1 for dVS\n", "", {"object {\nname \"wall\""}},
+    {"write_massive", "#", "# VESK plain scene 1 for MASSIVE\n", "", {"object {\nname \"wall\""}},
+};
+
+class Exports : public SceneTest {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        textures_reset_for_test();
+        vesk_register_builtin_texture_loaders();
+    }
+    void TearDown() override
+    {
+        SceneTest::TearDown();
+        textures_reset_for_test();
+    }
+
+    static surface_t *add_triangle(object_t *object, int type, int look)
+    {
+        surface_t *surface = new_surface();
+        const float corners[3][2] = {{0, 0}, {1, 0}, {0, 1}};
+        for (const auto &c : corners) {
+            vertex *point = object_add_new_vertex(object, c[0], c[1], 0);
+            point->normal = {0, 0, 1};
+            surface_add_vertex(surface, point, c[0], c[1]);
+        }
+        vesk_surface_set_normal(surface, 0, 0, 1);
+        surface_set_type(surface, type);
+        surface_set_col(surface, look);
+        object_add_surface(object, surface);
+        return surface;
+    }
+    static object_t *add_child(object_t *parent, object_t *child, const char *name)
+    {
+        object_set_name(child, name);
+        object_add_child(parent, child);
+        return child;
+    }
+
+    // A group with a wall (a flat one-sided triangle, a smooth two-sided one, a closed line, a
+    // texture) and a light, beside it an object of the hostile name in a second material.
+    static void build_scene()
+    {
+        material *glass = vesk_palette_get_material(2);
+        std::copy_n(std::to_array({0.25f, 0.5f, 1.0f}).data(), 3, glass->diffuse);
+        glass->transparency = 0.5f;
+        object_t *house = add_child(vesk_get_world(), new_group(), "house");
+        object_set_url(house, "http://x/\"a\"");
+        object_set_userdata(house, "line one\nline two");
+        object_t *wall = add_child(house, new_object(OBJECT_POLY), "wall");
+        surface_set_twosided(add_triangle(wall, SURFACE_POLYGON, 1), 0);
+        surface_set_shading(add_triangle(wall, SURFACE_POLYGON, 1), 1);
+        add_triangle(wall, SURFACE_CLOSED_LINE, 2);
+        const std::string picture = temporary_file("wood.bmp");
+        write_text(picture, write_bmp(sample_picture(2, 2, 0), {}));
+        object_set_init_texture(wall, picture.c_str(), "wood.bmp");
+        object_set_texture_repeat(wall, 2, 1);
+        object_set_texture_offset(wall, 0, 0.5f);
+        object_t *light = add_child(house, new_light(), "lamp");
+        light->centre = {1, 2.5f, -3};
+        object_t *other = add_child(vesk_get_world(), new_object(OBJECT_POLY), hostile_name);
+        add_triangle(other, SURFACE_POLYGON, 2);
+        object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    }
+
+    static std::string written(const format_case &format)
+    {
+        const std::string file = temporary_file("scene.out");
+        EXPECT_EQ(run(format.command, file), "");
+        const std::string text = read_text(file);
+        EXPECT_EQ(broken(text, format.comment), "") << format.command << '\n' << text;
+        return text;
+    }
+    static std::string written(const char *command)
+    {
+        const auto *format =
+            std::find_if(std::begin(formats), std::end(formats), [command](const format_case &f) {
+                return std::string_view(f.command) == command;
+            });
+        return written(*format);
+    }
+    static bool holds(const std::string &text, const std::string &part)
+    {
+        return text.find(part) != std::string::npos;
+    }
+};
+
+TEST_F(Exports, EachFormatHoldsTheScene)
+{
+    build_scene();
+    for (const format_case &format : formats) {
+        SCOPED_TRACE(format.command);
+        const std::string text = written(format);
+        EXPECT_EQ(last_message(), "written file " + temporary_file("scene.out") + format.losses);
+        EXPECT_TRUE(text.starts_with(format.head)) << text.substr(0, 300);
+        for (const char *part : format.holds)
+            EXPECT_TRUE(holds(text, part)) << part << "\n--- is not in ---\n" << text;
+    }
+}
+
+TEST_F(Exports, WhatIsReadBackIsTheSame)
+{
+    build_scene();
+    for (const auto &[command, suffix] : {std::pair("write_vrml", "wrl"), {"write_tri", "tri"}}) {
+        SCOPED_TRACE(command);
+        run("clear_all");
+        build_scene();
+        const std::string file = temporary_file(std::string("back.") + suffix);
+        run(command, file);
+        run("clear_all");
+        ASSERT_EQ(run("file_load", file), "1");
+        run("select_all");
+        EXPECT_EQ(run("get_selection_size"), "1 1 0");
+        EXPECT_EQ(run("selection_get_num_surfaces"), command[6] == 'v' ? "4" : "3");
+    }
+}
+
+TEST_F(Exports, NumbersThatAreNoneBecomeZero)
+{
+    object_t *cube = add_cube("odd");
+    item_of<vertex>(cube->vertices)->position = {NAN, INFINITY, -INFINITY};
+    object_mark(cube, CHANGED_ALL);
+    for (const format_case &format : formats) {
+        const std::string text = written(format);
+        EXPECT_FALSE(holds(text, "nan") || holds(text, "inf")) << format.command;
+    }
+}
+
+TEST_F(Exports, AnEmptySceneIsAWholeFile)
+{
+    for (const format_case &format : formats)
+        written(format);
+    EXPECT_FALSE(holds(written("write_POV"), "union"));
+    add_child(vesk_get_world(), new_group(), "hollow");
+    EXPECT_FALSE(holds(written("write_POV"), "union")); // which must not be empty
+    EXPECT_TRUE(holds(written("write_vrml"), "DEF hollow Separator {\n}\n"));
+}
+
+TEST_F(Exports, PovFollowsItsPreferences)
+{
+    build_scene();
+    prefs_set_string(&prefs.pov_file_header, "global_settings { assumed_gamma 1 }");
+    prefs.pov_up_aspect = 2;
+    prefs.pov_right_aspect = -3;
+    prefs.pov_active_pointer = 0;
+    prefs.pov_object_data = 0;
+    std::string text = written("write_POV");
+    EXPECT_TRUE(text.starts_with("#version 3.5;\nglobal_settings { assumed_gamma 1 }\ncamera {\n"
+                                 "  location <0.5, 0.5, 2>\n  up <0, 2, 0>\n  right <-3, 0, 0>\n"));
+    EXPECT_FALSE(holds(text, "line one"));
+    prefs.pov_use_object_data = 1;
+    text = written("write_POV");
+    EXPECT_TRUE(holds(text, "\nline one\nline two\n}\n"));
+}
+
+TEST_F(Exports, RibFollowsItsPreferences)
+{
+    build_scene();
+    EXPECT_FALSE(holds(written("write_rib"), "wood.bmp"));
+    prefs.output_rib_header = 0;
+    prefs.rib_textures = 1;
+    prefs.rib_use_object_data = 1;
+    const std::string text = written("write_rib");
+    EXPECT_FALSE(holds(text, "World") || holds(text, "Projection"));
+    EXPECT_TRUE(holds(text, "\nline one\nline two\nAttributeBegin\n"));
+    EXPECT_TRUE(holds(text, "\"texturename\" [\"wood.bmp\"]\n"));
+    EXPECT_TRUE(holds(text, "\"facevarying float[2] st\" [ 0 0.5 2 0.5 0 -0.5]\n"));
+}
+
+TEST_F(Exports, ATreeOfAnyDepthIsClosed)
+{
+    object_t *parent = vesk_get_world();
+    for (int i = 0; i < 20000; ++i)
+        parent = add_child(parent, new_object(OBJECT_GROUP), "g");
+    add_triangle(parent, SURFACE_POLYGON, 1);
+    add_child(vesk_get_world(), new_group(), "next");
+    object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    for (const format_case &format : formats)
+        written(format);
+    EXPECT_TRUE(holds(written("write_dive"), "}\n}\nobject {\nname \"next\""));
+}
+
+TEST_F(Exports, AFormerFileSurvivesFailureAndCancel)
+{
+    for (const format_case &format : formats) {
+        run(format.command, "/nowhere/at/all");
+        EXPECT_EQ(last_message(), "can't open file '/nowhere/at/all' for writing");
+    }
+    for (int i = 0; i < 500; ++i)
+        add_child(vesk_get_world(), new_group(), "g");
+    const std::string file = temporary_file("kept.wrl");
+    write_text(file, "before");
+    recording().clock_step = 1;
+    recording().while_pumping = [] { run("cancel"); };
+    run("write_vrml", file);
+    EXPECT_EQ(last_message(), "write VRML 1.0 - cancelled");
+    EXPECT_EQ(read_text(file), "before");
+}
+
+} // namespace
