@@ -288,19 +288,20 @@ export_eye export_view_eye()
             .half_height = view.perspective ? view.half_height : view.half_height / size};
 }
 
+int export_vertices::place(int index) const
+{
+    return static_cast<int>(std::lower_bound(used.begin(), used.end(), index) - used.begin());
+}
+
 export_vertices export_used_vertices(const export_object &object, const export_part &part)
 {
     export_vertices out;
-    out.number.assign(static_cast<size_t>(object.flat->num_vertices()), -1);
     for (const int surface : part.surfaces) {
-        for (const std::int32_t index : object.flat->surface_corners(surface)) {
-            int &number = out.number[static_cast<size_t>(index)];
-            if (number >= 0)
-                continue;
-            number = static_cast<int>(out.used.size());
-            out.used.push_back(index);
-        }
+        const auto corners = object.flat->surface_corners(surface);
+        out.used.insert(out.used.end(), corners.begin(), corners.end());
     }
+    std::sort(out.used.begin(), out.used.end());
+    out.used.erase(std::unique(out.used.begin(), out.used.end()), out.used.end());
     return out;
 }
 

@@ -55,18 +55,21 @@ void indices(export_text &out, const export_object &object, const export_part &p
     out.add("  ]\n");
 }
 
-void write_normals(export_text &out, const export_object &object, const export_part &part)
+// Of smooth surfaces the indices of the points are those of the normals, too.
+void write_vertex_normals(export_text &out, const export_object &object)
 {
     out.add("Normal {\n  vector [\n");
-    if (part.smooth)
-        for (const point3_t &normal : *object.flat->normals)
-            out.add(normal, ",\n");
-    else
-        for (const int surface : part.surfaces)
-            out.add(object.face_normal(surface), ",\n");
-    // Of smooth surfaces the indices of the points are those of the normals, too.
-    out.add("  ]\n}\nNormalBinding { value ", part.smooth ? "PER_VERTEX_INDEXED" : "PER_FACE",
-            " }\n");
+    for (const point3_t &normal : *object.flat->normals)
+        out.add(normal, ",\n");
+    out.add("  ]\n}\nNormalBinding { value PER_VERTEX_INDEXED }\n");
+}
+
+void write_face_normals(export_text &out, const export_object &object, const export_part &part)
+{
+    out.add("Normal {\n  vector [\n");
+    for (const int surface : part.surfaces)
+        out.add(object.face_normal(surface), ",\n");
+    out.add("  ]\n}\nNormalBinding { value PER_FACE }\n");
 }
 
 void write_part(export_text &out, const export_object &object, const export_part &part)
@@ -83,7 +86,8 @@ void write_part(export_text &out, const export_object &object, const export_part
     }
     out.add("ShapeHints {\n  vertexOrdering COUNTERCLOCKWISE\n  shapeType ",
             part.twosided ? "UNKNOWN_SHAPE_TYPE" : "SOLID", "\n  faceType UNKNOWN_FACE_TYPE\n}\n");
-    write_normals(out, object, part);
+    if (!part.smooth)
+        write_face_normals(out, object, part);
     out.add("IndexedFaceSet {\n");
     indices(out, object, part, "coordIndex", place);
     if (!object.picture.empty())
@@ -122,15 +126,22 @@ void open(export_text &out, const export_object &object)
     for (const point3_t &p : *object.flat->positions)
         out.add(p, ",\n");
     out.add("  ]\n}\n");
-    // Lines come before the texture, which would cover them.
-    for (const export_part &part : object.parts)
-        if (part.type != SURFACE_POLYGON)
-            write_part(out, object, part);
+    // Lines come before the texture, which would cover them, and smooth parts before flat ones,
+    // whose normals take the place of the vertices'.
+    const auto write_parts = [&](bool polygons, bool smooth) {
+        for (const export_part &part : object.parts)
+            if ((part.type == SURFACE_POLYGON) == polygons && part.smooth == smooth)
+                write_part(out, object, part);
+    };
+    write_parts(false, false);
     if (!object.picture.empty())
         write_texture(out, object);
-    for (const export_part &part : object.parts)
-        if (part.type == SURFACE_POLYGON)
-            write_part(out, object, part);
+    if (std::any_of(object.parts.begin(), object.parts.end(),
+                    [](const export_part &part) { return part.smooth; })) {
+        write_vertex_normals(out, object);
+        write_parts(true, true);
+    }
+    write_parts(true, false);
     out.add("}\n");
 }
 

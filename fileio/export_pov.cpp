@@ -144,7 +144,7 @@ void write_part(export_text &out, const export_object &object, const export_part
     const export_vertices vertices = export_used_vertices(object, part);
     const auto place = [&](size_t i) {
         const int index = (*object.flat->corners)[static_cast<size_t>(corners[i])];
-        return vertices.number[static_cast<size_t>(index)];
+        return vertices.place(index);
     };
     out.add("  mesh2 {\n");
     write_list(out, "vertex_vectors", vertices.used.size(),

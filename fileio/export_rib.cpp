@@ -116,7 +116,7 @@ void write_polygons(export_text &out, const export_object &object, const export_
     std::vector<int> places;
     for (const int surface : part.surfaces)
         for (const std::int32_t index : corners_of(surface))
-            places.push_back(vertices.number[static_cast<size_t>(index)]);
+            places.push_back(vertices.place(index));
     write_list(out, " ", places, [](int place) { return place; });
     write_list(out, " \"P\" ", vertices.used, [&](int index) { return object.point(index); });
     if (part.smooth)

@@ -124,11 +124,11 @@ struct export_eye {
 };
 export_eye export_view_eye();
 
-// The vertices that a part uses, in the order of their first use; `number` holds the place of each
-// in `used`, or -1.
+// The vertices that a part uses, by rising index.
 struct export_vertices {
     std::vector<int> used;
-    std::vector<int> number;
+    // Where a vertex stands in `used`.
+    [[nodiscard]] int place(int index) const;
 };
 export_vertices export_used_vertices(const export_object &object, const export_part &part);
 
