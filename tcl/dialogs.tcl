@@ -276,7 +276,10 @@ proc ::vesk::dialogs::ask {title target help} {
     # A lone file name needs no panel around its dialog.
     if {[llength $items] == 1 && [lindex $items 0 1] in {open_file save_file}} {
         set name [ask_file [lindex $items 0] $title]
-        if {$name ne ""} {::vesk::ops::run $command $name}
+        if {$name eq ""} {return}
+        set run [list ::vesk::ops::run $command $name]
+        if {[string match write_* $command]} {set run [list ::vesk::issues::exporting $run]}
+        {*}$run
         return
     }
     set w [::vesk::view::area].options

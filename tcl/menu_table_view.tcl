@@ -98,7 +98,7 @@
 ::vesk::menus::define tools "T&ools" {
     {call "&Search for a command" {::vesk::search::open} F3 "" "Finds commands by name, menu or help."}
     {call "&Render" {::vesk::ops::render} "" model "Runs the render command of the preferences."}
-    {show "Check the &model" {check_model "Model check"} "" model
+    {call "Check the &model" {::vesk::issues::open} F7 model
         "Lists open edges, doubled elements and other problems."}
     {ask "&Fix problems..." {check_fix_all {Kind choice {"Duplicate vertices" duplicate_vertex
         "Duplicate surfaces" duplicate_surface "Vertices on edges" t_vertex

@@ -7,6 +7,12 @@ foreach vesk_file {tooltips tools optionbar status transform console search help
     source [file join $::vesk::script_folder $vesk_file.tcl]
 }
 unset vesk_file
+foreach {vesk_file vesk_names} {
+    issues {issues::build issues::model_changed issues::open issues::exporting}
+} {
+    ::vesk::later $vesk_file {*}[lmap vesk_name $vesk_names {string cat ::vesk:: $vesk_name}]
+}
+unset vesk_file vesk_names vesk_name
 
 namespace eval ::vesk::main {
     variable dragging ""
@@ -92,7 +98,10 @@ proc ::vesk::main::build_right {path} {
     ::vesk::transform::build $path.tabs.object
     ::vesk::palette::build_material $path.tabs.material
     ::vesk::palette::build_swatches $path.tabs.palette
-    foreach {name label} {object Object material Material palette Palette} {
+    ttk::frame $path.tabs.issues -style Panel.TFrame
+    bind $path.tabs.issues <Map> {bind %W <Map> {}; ::vesk::issues::build %W}
+    ::vesk::ops::listen model ::vesk::issues::model_changed
+    foreach {name label} {object Object material Material palette Palette issues Issues} {
         $path.tabs add $path.tabs.$name -text $label
     }
     bind $path.tabs <<NotebookTabChanged>> {after idle {::vesk::transform::refresh 1}}

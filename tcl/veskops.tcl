@@ -11,6 +11,24 @@ namespace eval ::vesk {
     variable console_shown 0
 }
 
+# later --
+#   Has a file read when one of its procedures is first called: what is seldom used costs nothing at
+#   the start.
+#   file   name without folder and suffix
+#   names  full names of the procedures
+proc ::vesk::later {file args} {
+    foreach name $args {
+        namespace eval [namespace qualifiers $name] {}
+        proc $name args [list ::vesk::load_later $file $name]
+    }
+}
+proc ::vesk::load_later {file name} {
+    variable script_folder
+    upvar 1 args args
+    uplevel #0 [list source [file join $script_folder $file.tcl]]
+    return [uplevel 2 [list $name {*}$args]]
+}
+
 foreach vesk_file {palettes icons theme arith settings dialogs filebox files menu_table
         menu_table_view menubar} {
     source [file join $::vesk::script_folder $vesk_file.tcl]

@@ -16,8 +16,10 @@ proc ::vesk::plugins::add_item {menu label command help} {
         lappend parted $menu
         $path add separator
     }
+    set run [list ::vesk::plugins::run $command]
+    if {$menu eq "export"} {set run [list ::vesk::issues::exporting $run]}
     $path add command -label "  $label" -image [::vesk::theme::menu_row_image] -compound left \
-        -accelerator "   " -command [list ::vesk::plugins::run $command]
+        -accelerator "   " -command $run
     ::vesk::menus::forget_known
     return ""
 }

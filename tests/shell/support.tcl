@@ -3,6 +3,14 @@
 
 namespace eval ::test {
     variable failures 0
+    variable errors {}          ;# of the interface's scripts
+}
+
+# What the interface does about an error of its own, and noted here.
+if {[info commands ::vesk::ops::failed] ne ""} {
+    trace add execution ::vesk::ops::failed enter {apply {{words operation} {
+        lappend ::test::errors [lindex $words 1]
+    }}}
 }
 
 # check --
@@ -131,4 +139,46 @@ proc ::test::difference {a b} {
 #   Keeps a picture of the whole screen among the artefacts.
 proc ::test::shot {name} {
     exec import -window root [file join $::env(VESK_TEST_ARTEFACTS) $name.png]
+}
+
+# key, type --
+#   Keys go to the window below the pointer.
+proc ::test::key {args} {
+    exec xdotool key --delay 30 {*}$args
+    pause 250
+}
+proc ::test::type {text} {
+    exec xdotool type --delay 12 $text
+    pause 200
+}
+
+# point_at, press --
+#   Moves the pointer to a place of a widget (its middle when none is given); presses a button
+#   there.
+proc ::test::point_at {w {x ""} {y ""}} {
+    if {$x eq ""} {set x [expr {[winfo width $w] / 2}]}
+    if {$y eq ""} {set y [expr {[winfo height $w] / 2}]}
+    exec xdotool mousemove [expr {[winfo rootx $w] + $x}] [expr {[winfo rooty $w] + $y}]
+    pause 60
+}
+proc ::test::press {w {x ""} {y ""} {button 1} {count 1}} {
+    point_at $w $x $y
+    exec xdotool click --repeat $count --delay 60 $button
+    pause 300
+}
+
+# press_row --
+#   Clicks on a row of a list.
+proc ::test::press_row {list row {button 1}} {
+    $list see $row
+    update
+    lassign [$list bbox $row #0] x y width height
+    press $list [expr {$x + 60}] [expr {$y + $height / 2}] $button
+}
+
+# wait_until --
+#   Lets events in until a condition holds or so many milliseconds have passed.
+proc ::test::wait_until {condition {msecs 5000}} {
+    set end [expr {[clock milliseconds] + $msecs}]
+    while {![uplevel 1 [list expr $condition]] && [clock milliseconds] < $end} {pause 50}
 }
