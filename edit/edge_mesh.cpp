@@ -288,38 +288,21 @@ private:
         }
     }
 
-    // Unlinks the nodes of the places that `goes` says.
-    template <class T, class Goes>
-    static int unlink(listitem **at, freed_batch &batch, const Goes &goes)
-    {
-        int removed = 0;
-        for (std::size_t i = 0; *at != nullptr; ++i) {
-            listitem *node = *at;
-            if (!goes(i)) {
-                at = &node->next;
-                continue;
-            }
-            *at = node->next;
-            batch.add(item_of<T>(node));
-            myfree(node);
-            ++removed;
-        }
-        return removed;
-    }
-
     void drop_polygons(freed_batch &batch)
     {
         const std::vector<flat_surface> &surfaces = *before_->surfaces;
-        object_->num_surfaces -= unlink<surface_t>(&object_->surfaces, batch, [&](std::size_t i) {
-            return i < surfaces.size() && is_polygon(surfaces[i]);
-        });
+        object_->num_surfaces -= list_unlink_if<surface_t>(
+            &object_->surfaces, batch, [&](const surface_t * /*surface*/, std::size_t i) {
+                return i < surfaces.size() && is_polygon(surfaces[i]);
+            });
     }
 
     void drop_unused(freed_batch &batch)
     {
-        object_->num_vertices -= unlink<vertex>(&object_->vertices, batch, [&](std::size_t i) {
-            return i < use_.size() && use_[i] == LOST;
-        });
+        object_->num_vertices -= list_unlink_if<vertex>(
+            &object_->vertices, batch, [&](const vertex * /*point*/, std::size_t i) {
+                return i < use_.size() && use_[i] == LOST;
+            });
     }
 
     void append_surfaces(listitem *made)

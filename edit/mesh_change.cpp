@@ -25,26 +25,6 @@ bool flag(const std::vector<bool> &flags, int index)
     return !flags.empty() && flags[place(index)];
 }
 
-// Unlinks the nodes of the flagged places and hands their elements to the batch. Returns how many.
-template <class T>
-int unlink_flagged(listitem **head, const std::vector<bool> &gone, freed_batch &batch)
-{
-    int removed = 0;
-    std::size_t i = 0;
-    for (listitem **at = head; *at != nullptr && i < gone.size(); ++i) {
-        listitem *node = *at;
-        if (!gone[i]) {
-            at = &node->next;
-            continue;
-        }
-        *at = node->next;
-        batch.add(item_of<T>(node));
-        myfree(node);
-        ++removed;
-    }
-    return removed;
-}
-
 } // namespace
 
 mesh_change::mesh_change(object_t *object) : object_(object), before_(object_flat(object)) {}
@@ -303,8 +283,18 @@ void mesh_change::unlink()
     if (!gone_vertices_.empty())
         drop_references();
     freed_batch batch;
-    object_->num_surfaces -= unlink_flagged<surface_t>(&object_->surfaces, gone_surfaces_, batch);
-    object_->num_vertices -= unlink_flagged<vertex>(&object_->vertices, gone_vertices_, batch);
+    if (!gone_surfaces_.empty()) {
+        object_->num_surfaces -= list_unlink_if<surface_t>(
+            &object_->surfaces, batch, [&](const surface_t * /*surface*/, std::size_t i) {
+                return i < gone_surfaces_.size() && gone_surfaces_[i];
+            });
+    }
+    if (!gone_vertices_.empty()) {
+        object_->num_vertices -= list_unlink_if<vertex>(
+            &object_->vertices, batch, [&](const vertex * /*point*/, std::size_t i) {
+                return i < gone_vertices_.size() && gone_vertices_[i];
+            });
+    }
 }
 
 std::size_t mesh_change::end_of(std::size_t made) const

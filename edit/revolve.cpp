@@ -37,17 +37,10 @@ void free_surfaces(listitem *surfaces)
 void remove_lines(object_t *object)
 {
     freed_batch batch;
-    owned_list kept;
-    for (surface_t *surface : each<surface_t>(object->surfaces)) {
-        if (surface->type == SURFACE_POLYGON) {
-            kept.add(surface);
-            continue;
-        }
-        --object->num_surfaces;
-        batch.add(surface);
-    }
-    list_free(&object->surfaces);
-    object->surfaces = kept.release();
+    object->num_surfaces -= list_unlink_if<surface_t>(
+        &object->surfaces, batch, [](const surface_t *surface, std::size_t /*place*/) {
+            return surface->type != SURFACE_POLYGON;
+        });
     object_mark(object, CHANGED_TOPOLOGY);
 }
 

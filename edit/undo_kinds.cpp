@@ -199,17 +199,9 @@ void restore_saved_selection(undo_record &record)
 void delete_surfaces(object_t *object, const std::unordered_set<const surface_t *> &gone)
 {
     freed_batch batch;
-    owned_list kept;
-    for (surface_t *surface : each<surface_t>(object->surfaces)) {
-        if (gone.count(surface) == 0) {
-            kept.add(surface);
-            continue;
-        }
-        --object->num_surfaces;
-        batch.add(surface);
-    }
-    list_free(&object->surfaces);
-    object->surfaces = kept.release();
+    object->num_surfaces -= list_unlink_if<surface_t>(
+        &object->surfaces, batch,
+        [&](const surface_t *surface, std::size_t /*place*/) { return gone.count(surface) != 0; });
     object_mark(object, CHANGED_TOPOLOGY);
 }
 
@@ -230,17 +222,9 @@ void delete_vertices(object_t *object, const std::unordered_set<const vertex *> 
         list_free(&surface->refs);
         surface->refs = kept.release();
     }
-    owned_list kept;
-    for (vertex *point : each<vertex>(object->vertices)) {
-        if (gone.count(point) == 0) {
-            kept.add(point);
-            continue;
-        }
-        --object->num_vertices;
-        batch.add(point);
-    }
-    list_free(&object->vertices);
-    object->vertices = kept.release();
+    object->num_vertices -= list_unlink_if<vertex>(
+        &object->vertices, batch,
+        [&](const vertex *point, std::size_t /*place*/) { return gone.count(point) != 0; });
     object_mark(object, CHANGED_TOPOLOGY);
 }
 

@@ -154,22 +154,17 @@ void begin_vrml(export_text &out) { out.add("#VRML V1.0 ascii\n\nSeparator {\n")
 void begin_inventor(export_text &out) { out.add("#Inventor V2.1 ascii\n\nSeparator {\n"); }
 void end(export_text &out) { out.add("}\n"); }
 
-constexpr export_format format_of(const char *name, void (*begin)(export_text &))
-{
-    return {.name = name,
-            .lines = true,
-            .lights = true,
-            .pictures = true,
-            .smooth = true,
-            .empty_objects = true,
-            .begin = begin,
-            .light = write_light,
-            .open = open,
-            .close = close,
-            .end = end};
-}
-
 } // namespace
 
-const export_format vrml1_format = format_of("VRML 1.0", begin_vrml);
-const export_format inventor_format = format_of("Inventor", begin_inventor);
+const export_format vrml1_format = {.name = "VRML 1.0",
+                                    .begin = begin_vrml,
+                                    .light = write_light,
+                                    .open = open,
+                                    .close = close,
+                                    .end = end};
+const export_format inventor_format = {.name = "Inventor",
+                                       .begin = begin_inventor,
+                                       .light = write_light,
+                                       .open = open,
+                                       .close = close,
+                                       .end = end};

@@ -114,21 +114,6 @@ void begin_dive(export_text &out) { begin(out, "Dive"); }
 void begin_dvs(export_text &out) { begin(out, "dVS"); }
 void begin_massive(export_text &out) { begin(out, "MASSIVE"); }
 
-constexpr export_format format_of(const char *name, void (*begin)(export_text &))
-{
-    return {.name = name,
-            .lines = true,
-            .lights = true,
-            .pictures = true,
-            .smooth = true,
-            .empty_objects = true,
-            .begin = begin,
-            .light = write_light,
-            .open = open,
-            .close = close,
-            .end = nullptr};
-}
-
 } // namespace
 
 const export_format triangle_format = {.name = "the triangle list",
@@ -137,11 +122,10 @@ const export_format triangle_format = {.name = "the triangle list",
                                        .pictures = false,
                                        .smooth = false,
                                        .empty_objects = false,
-                                       .begin = nullptr,
-                                       .light = nullptr,
-                                       .open = put_triangles,
-                                       .close = nullptr,
-                                       .end = nullptr};
-const export_format dive_format = format_of("Dive", begin_dive);
-const export_format dvs_format = format_of("dVS", begin_dvs);
-const export_format massive_format = format_of("MASSIVE", begin_massive);
+                                       .open = put_triangles};
+const export_format dive_format = {
+    .name = "Dive", .begin = begin_dive, .light = write_light, .open = open, .close = close};
+const export_format dvs_format = {
+    .name = "dVS", .begin = begin_dvs, .light = write_light, .open = open, .close = close};
+const export_format massive_format = {
+    .name = "MASSIVE", .begin = begin_massive, .light = write_light, .open = open, .close = close};

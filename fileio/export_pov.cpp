@@ -208,12 +208,8 @@ void close(export_text &out, const object_t &object)
 
 const export_format pov_format = {.name = "POV",
                                   .lines = false,
-                                  .lights = true,
-                                  .pictures = true,
-                                  .smooth = true,
                                   .empty_objects = false,
                                   .begin = begin,
                                   .light = write_named_light,
                                   .open = open,
-                                  .close = close,
-                                  .end = nullptr};
+                                  .close = close};

@@ -175,10 +175,6 @@ void end(export_text &out)
 } // namespace
 
 const export_format rib_format = {.name = "RIB",
-                                  .lines = true,
-                                  .lights = true,
-                                  .pictures = true,
-                                  .smooth = true,
                                   .empty_objects = false,
                                   .begin = begin,
                                   .light = write_light,

@@ -86,16 +86,17 @@ struct export_object {
 
 struct export_format {
     const char *name; // in messages
-    bool lines;       // what it has a place for; what it has not is counted and told
-    bool lights;
-    bool pictures;
-    bool smooth;
-    bool empty_objects; // else objects without a surface below them are left out
-    void (*begin)(export_text &out);
-    void (*light)(export_text &out, const object_t &light, const std::string &name);
-    void (*open)(export_text &out, const export_object &object); // children follow
-    void (*close)(export_text &out, const object_t &object);
-    void (*end)(export_text &out);
+    // What it has a place for; what it has not is counted and told.
+    bool lines = true;
+    bool lights = true;
+    bool pictures = true;
+    bool smooth = true;
+    bool empty_objects = true; // else objects without a surface below them are left out
+    void (*begin)(export_text &out) = nullptr;
+    void (*light)(export_text &out, const object_t &light, const std::string &name) = nullptr;
+    void (*open)(export_text &out, const export_object &object) = nullptr; // children follow
+    void (*close)(export_text &out, const object_t &object) = nullptr;
+    void (*end)(export_text &out) = nullptr;
 };
 
 extern const export_format vrml1_format;

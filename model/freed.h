@@ -5,6 +5,7 @@
 // object, identities) is told before things go: once for each batch of frees, however many they
 // are. After foreign code, which frees without telling, freed_filter_foreign finds out what died.
 
+#include "model/alloc.h"
 #include "model/each.h"
 
 #include <unordered_set>
@@ -48,6 +49,28 @@ public:
     void add(surface_t *surface);
     void add(object_t *object); // with descendants and everything they own
 };
+
+// Takes the elements out of the scene's list for which goes(element, place in the list) holds and
+// hands them to the batch. Returns how many went.
+template <class T, class Goes>
+int list_unlink_if(listitem **head, freed_batch &batch, const Goes &goes)
+{
+    int removed = 0;
+    std::size_t place = 0;
+    for (listitem **at = head; *at != nullptr; ++place) {
+        listitem *node = *at;
+        T *element = item_of<T>(node);
+        if (!goes(element, place)) {
+            at = &node->next;
+            continue;
+        }
+        *at = node->next;
+        batch.add(element);
+        myfree(node);
+        ++removed;
+    }
+    return removed;
+}
 
 // Takes what is freed out of a holder's list; returns how many nodes went. Linear in the list and
 // in what was freed; nothing when the list is empty.

@@ -10,11 +10,9 @@
 #include "model/owners.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 namespace {
-
-std::string scene() { return vesk_object_text(vesk_get_world()); }
 
 object_t *only_selected()
 {
@@ -69,12 +67,12 @@ TEST_F(Clipboard, TakesWholeSurfacesWithTheirVertices)
 TEST_F(Clipboard, CutIsCopyAndDelete)
 {
     select_object(add_cube("cube"));
-    const std::string before = scene();
+    const std::string before = scene_text();
     run("clipboard_cut");
     EXPECT_EQ(last_undo(), "cut");
     EXPECT_EQ(vesk_get_world()->children, nullptr);
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     run("clipboard_paste");
     EXPECT_EQ(vesk_get_world()->num_children, 2);
 }
@@ -181,7 +179,7 @@ TEST_P(Duplicates, StandBesideTheirOriginals)
     prefs.grid = GetParam().grid;
     prefs.gridsnap = GetParam().gridsnap;
     select_object(first);
-    const std::string before = scene();
+    const std::string before = scene_text();
 
     run("duplicate");
 
@@ -193,7 +191,7 @@ TEST_P(Duplicates, StandBesideTheirOriginals)
     EXPECT_EQ(copy->centre.z, first->centre.z + GetParam().min_x + 0.5f);
     EXPECT_EQ(last_undo(), "duplicate");
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(only_selected(), first);
 }
 
@@ -204,7 +202,7 @@ TEST_P(Duplicates, OfSurfacesHaveVerticesOfTheirOwn)
     prefs.grid = GetParam().grid;
     prefs.gridsnap = GetParam().gridsnap;
     select_first_surface(cube);
-    const std::string before = scene();
+    const std::string before = scene_text();
 
     run("duplicate");
 
@@ -214,7 +212,7 @@ TEST_P(Duplicates, OfSurfacesHaveVerticesOfTheirOwn)
     EXPECT_EQ(item_of<surface_t>(selection().surfaces), object_get_surface_at(cube, 6));
     EXPECT_EQ(last_undo(), "duplicate");
     run("undo");
-    EXPECT_EQ(scene(), before) << "the copies' vertices go too";
+    EXPECT_EQ(scene_text(), before) << "the copies' vertices go too";
 }
 INSTANTIATE_TEST_SUITE_P(Shifts, Duplicates, testing::ValuesIn(shifts));
 
@@ -237,11 +235,11 @@ TEST_F(Clones, OfSurfacesAreToldByTheirPlaces)
     add_cube("b");
     run("set_select_mode", "surface");
     run("select_all");
-    const std::string before = scene();
+    const std::string before = scene_text();
     EXPECT_EQ(run("clone_selection"), "6 7 8 9 10 11 6 7 8 9 10 11");
     EXPECT_EQ(run("get_counts"), "0 2 12 24 0 32");
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(Clones, CarryHiddenAndLockedMembersAlong)

@@ -14,7 +14,7 @@
 #include "model/vector.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 #include <cmath>
 #include <map>
@@ -22,15 +22,6 @@
 #include <set>
 
 namespace {
-
-std::string scene() { return vesk_object_text(vesk_get_world()); }
-
-// Vertices - edges + faces of the polygons.
-int euler(object_t *object)
-{
-    const edge_table edges(*object_flat(object));
-    return object->num_vertices - edges.size() + object->num_surfaces;
-}
 
 // Open edges, crowded edges and flipped surfaces: all 0 for a closed, oriented surface.
 std::vector<int> faults(object_t *object)
@@ -219,7 +210,7 @@ TEST_F(EdgeMesh, LoopWithFactorZeroOnlyCutsTheTriangles)
     object_t *grid = add_flat_grid(5);
     select_object(grid);
     const auto before = areas(grid);
-    const std::string text = scene();
+    const std::string text = scene_text();
     run("surface_loop_subdivision", "0");
     EXPECT_EQ(grid->num_surfaces, 16 * 8);
     EXPECT_EQ(grid->num_vertices, 25 + 56); // vertices and edges of the triangles
@@ -231,7 +222,7 @@ TEST_F(EdgeMesh, LoopWithFactorZeroOnlyCutsTheTriangles)
         }
     }
     run("undo");
-    EXPECT_EQ(scene(), text);
+    EXPECT_EQ(scene_text(), text);
 }
 
 TEST_F(EdgeMesh, LoopKeepsAFlatGridsBordersStraight)
@@ -281,22 +272,22 @@ TEST_P(ClosedSurfaces, StayClosedAndOfTheirKind)
           {"surface_doosabin"},
           {"reduce", "60"},
           {"reduce", "50"}}) {
-        const std::string before = scene();
+        const std::string before = scene_text();
         const int vertices = object->num_vertices;
         run_words(command);
         EXPECT_EQ(faults(object), closed) << command[0];
-        EXPECT_EQ(euler(object), 2) << command[0];
+        EXPECT_EQ(euler_characteristic(object), 2) << command[0];
         if (command[0] == "reduce") {
             const double wanted = vertices * (1 - std::stoi(command[1]) / 100.0);
             EXPECT_NEAR(object->num_vertices, wanted, std::max(4.0, 0.05 * vertices));
             EXPECT_EQ(last_message(), "reduced " + std::to_string(vertices) + " to " +
                                           std::to_string(object->num_vertices) + " vertices");
         }
-        const std::string after = scene();
+        const std::string after = scene_text();
         run("undo");
-        EXPECT_EQ(scene(), before) << command[0];
+        EXPECT_EQ(scene_text(), before) << command[0];
         run("redo");
-        EXPECT_EQ(scene(), after) << command[0];
+        EXPECT_EQ(scene_text(), after) << command[0];
     }
 }
 INSTANTIATE_TEST_SUITE_P(Shapes, ClosedSurfaces, testing::ValuesIn(closed_cases));
@@ -335,7 +326,7 @@ TEST_F(EdgeMesh, DooSabinOfAGridLeavesItsBorderOpen)
     EXPECT_EQ(grid->num_vertices, 36);
     EXPECT_EQ(faults(grid)[1], 0);
     EXPECT_EQ(faults(grid)[2], 0);
-    EXPECT_EQ(euler(grid), 1);
+    EXPECT_EQ(euler_characteristic(grid), 1);
 }
 
 // ---- reduce ----
@@ -391,7 +382,7 @@ TEST_F(EdgeMesh, ReduceCanKeepTheOriginal)
     select_object(sphere);
     const int vertices = sphere->num_vertices;
     prefs.reduce_keep_original = 1;
-    const std::string before = scene();
+    const std::string before = scene_text();
     run("reduce", 50);
     ASSERT_EQ(vesk_get_world()->num_children, 2);
     EXPECT_EQ(sphere->num_vertices, vertices);
@@ -399,7 +390,7 @@ TEST_F(EdgeMesh, ReduceCanKeepTheOriginal)
     EXPECT_LT(reduced->num_vertices, vertices);
     EXPECT_EQ(item_of<object_t>(selection().objects), reduced);
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(EdgeMesh, ReduceRefusesWhatIsNoPercentage)
@@ -439,14 +430,14 @@ TEST_F(EdgeMesh, CancelLeavesTheModelAsItWas)
 {
     object_t *grid = add_flat_grid(160);
     select_object(grid);
-    const std::string before = scene();
+    const std::string before = scene_text();
     recording().clock_step = 0.05; // each look at the clock: time for events
     recording().while_pumping = [] { progress_cancel(); };
     for (const std::vector<std::string> &command :
          {std::vector<std::string>{"surface_loop_subdivision", "1"}, {"surface_doosabin"}}) {
         run_words(command);
         EXPECT_NE(last_message().find("- cancelled"), std::string::npos) << command[0];
-        EXPECT_TRUE(scene() == before);
+        EXPECT_TRUE(scene_text() == before);
         EXPECT_EQ(last_undo(), "");
     }
 }

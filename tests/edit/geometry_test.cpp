@@ -10,7 +10,7 @@
 #include "model/flat_mesh.h"
 #include "model/vector.h"
 #include "model/world.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,51 +18,7 @@
 
 namespace {
 
-class Geometry : public SceneTest {
-protected:
-    static std::string saved()
-    {
-        const std::string file = temporary_file("saved.vesk");
-        run("save_vesk", file);
-        return read_text(file);
-    }
-};
-
-// Twice the area in z = 0; negative when the surface faces away from +z.
-double doubled_area_xy(const surface_t *surface)
-{
-    double sum = 0;
-    std::vector<vertex *> corners;
-    append_surface_vertices(surface, &corners);
-    for (size_t i = 0; i < corners.size(); ++i) {
-        const point3_t &a = corners[i]->position;
-        const point3_t &b = corners[(i + 1) % corners.size()]->position;
-        sum += static_cast<double>(a.x) * b.y - static_cast<double>(b.x) * a.y;
-    }
-    return sum;
-}
-
-double area_xy(const object_t *object)
-{
-    double sum = 0;
-    for (const surface_t *surface : each<surface_t>(object->surfaces))
-        sum += doubled_area_xy(surface) / 2;
-    return sum;
-}
-
-void expect_sound(const object_t *object)
-{
-    EXPECT_EQ(object->num_vertices, list_count(object->vertices));
-    EXPECT_EQ(object->num_surfaces, list_count(object->surfaces));
-    const std::vector<vertex *> vertices = elements_of<vertex>(object->vertices);
-    const std::unordered_set<const vertex *> own(vertices.begin(), vertices.end());
-    EXPECT_EQ(own.size(), vertices.size());
-    for (const surface_t *surface : each<surface_t>(object->surfaces)) {
-        EXPECT_EQ(surface->num_refs, list_count(surface->refs));
-        for (const svertex *reference : each<svertex>(surface->refs))
-            EXPECT_EQ(own.count(reference->vertex), 1u);
-    }
-}
+using Geometry = SceneTest;
 
 void select_surfaces_of(const object_t *object, int count)
 {
@@ -193,12 +149,12 @@ TEST_F(Geometry, DeletedObjectsComeBack)
 {
     add_cube("one");
     run("select_all");
-    const std::string before = saved();
+    const std::string before = scene_text();
     run("delete");
     EXPECT_EQ(vesk_get_world()->num_children, 0);
     EXPECT_TRUE(nothing_is_selected());
     run("undo");
-    EXPECT_EQ(saved(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 // ---- triangulation ----
@@ -311,17 +267,17 @@ TEST_P(UndoOf, BringsTheSavedTextBack)
     add_cube("cube");
     run("select_all");
     run("move", 1, 2, 3);
-    const std::string before = saved();
+    const std::string before = scene_text();
     run("set_select_mode", GetParam().mode);
     run("select_all");
     if (GetParam().argument != nullptr)
         run(GetParam().command, GetParam().argument);
     else
         run(GetParam().command);
-    EXPECT_NE(saved(), before);
+    EXPECT_NE(scene_text(), before);
     for_each_object(vesk_get_world(), expect_sound);
     run("undo");
-    EXPECT_EQ(saved(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 INSTANTIATE_TEST_SUITE_P(Commands, UndoOf, testing::ValuesIn(undo_cases));
 

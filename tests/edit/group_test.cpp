@@ -7,7 +7,7 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 #include <random>
 
@@ -49,8 +49,6 @@ std::string selected_names()
     return names;
 }
 
-std::string scene() { return vesk_object_text(vesk_get_world()); }
-
 struct group_case {
     const char *name, *command, *selected, *tree, *after;
 };
@@ -90,7 +88,7 @@ TEST_P(Groups, AreMadeAndDissolvedWithUndoAndRedo)
 {
     ASSERT_EQ(tree_text(), "a b(c d(e)) f");
     select_names(GetParam().selected);
-    const std::string before = scene();
+    const std::string before = scene_text();
 
     run(GetParam().command);
 
@@ -98,11 +96,11 @@ TEST_P(Groups, AreMadeAndDissolvedWithUndoAndRedo)
     EXPECT_EQ(selected_names(), GetParam().after);
     EXPECT_EQ(last_undo(), GetParam().command);
     EXPECT_TRUE(world_check(vesk_get_world()).empty());
-    const std::string after = scene();
+    const std::string after = scene_text();
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     run("redo");
-    EXPECT_EQ(scene(), after);
+    EXPECT_EQ(scene_text(), after);
 }
 INSTANTIATE_TEST_SUITE_P(Tree, Groups, testing::ValuesIn(cases));
 
@@ -129,12 +127,12 @@ TEST_P(TreeRefusals, SayWhyAndLeaveNoUndo)
     add_cube("cube");
     run("set_select_mode", GetParam().mode);
     const std::string undo = last_undo();
-    const std::string before = scene();
+    const std::string before = scene_text();
     const std::string history = run("history_list");
     run(GetParam().command);
     EXPECT_EQ(last_message(), GetParam().message);
     EXPECT_EQ(last_undo(), undo);
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(run("history_list"), history);
 }
 INSTANTIATE_TEST_SUITE_P(Commands, TreeRefusals, testing::ValuesIn(refusals));
@@ -184,7 +182,7 @@ TEST_P(RandomTrees, KeepEveryObjectThroughAnySequence)
         if (all.size() > 60)
             run("delete");
         const std::string command = commands[below(std::size(commands))];
-        const std::string before = scene();
+        const std::string before = scene_text();
         const std::string history = run("history_list");
         run(command.c_str());
         ASSERT_TRUE(world_check(vesk_get_world()).empty()) << command;
@@ -193,7 +191,7 @@ TEST_P(RandomTrees, KeepEveryObjectThroughAnySequence)
         if (command == "undo" || command == "redo" || run("history_list") == history)
             continue;
         run("undo");
-        ASSERT_EQ(scene(), before) << command;
+        ASSERT_EQ(scene_text(), before) << command;
         run("redo");
     }
 }

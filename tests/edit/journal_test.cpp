@@ -13,17 +13,13 @@
 #include "model/palette.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 #include <algorithm>
 #include <map>
 #include <random>
-#include <stdexcept>
 
 namespace {
-
-// The saved text of the whole scene.
-std::string scene() { return vesk_object_text(vesk_get_world()); }
 
 std::vector<std::string> labels()
 {
@@ -62,16 +58,16 @@ TEST_F(Journal, HasAStateForEveryCommandThatChangesTheModel)
 TEST_F(Journal, GoesWhereItIsTold)
 {
     run("select_all");
-    texts seen = {scene()};
+    texts seen = {scene_text()};
     for (const char *name : {"x", "y", "z"}) {
         run("object_set_name", object_identity(item_of<object_t>(vesk_get_world()->children)),
             name);
         run("new_cube");
-        seen.push_back(scene());
+        seen.push_back(scene_text());
     }
     for (const int step : {2, 0, 3, 1, 3}) {
         run("history_goto", 2 * step);
-        EXPECT_EQ(scene(), seen[static_cast<std::size_t>(step)]) << step;
+        EXPECT_EQ(scene_text(), seen[static_cast<std::size_t>(step)]) << step;
     }
     run("history_goto", 99);
     EXPECT_EQ(last_message(), "no such place in the history: 99");
@@ -95,15 +91,15 @@ TEST_F(Journal, AnUndoAcrossUnrecordedChangesKeepsThem)
     run("select_all");
     run("scale", 2, 2, 2);
     run("new_cube"); // makes no undo record
-    const std::string whole = scene();
+    const std::string whole = scene_text();
     run("undo");
     EXPECT_EQ(labels(), (texts{"start", "size selection", "*undo size selection", "new cube"}));
     EXPECT_EQ(vesk_get_world()->num_children, 3);
     run("redo");
-    EXPECT_EQ(scene(), whole);
+    EXPECT_EQ(scene_text(), whole);
     run("undo"); // the record is as good as before
     EXPECT_EQ(vesk_get_world()->num_children, 3);
-    EXPECT_NE(scene(), whole);
+    EXPECT_NE(scene_text(), whole);
 }
 
 TEST_F(Journal, UndoLeavesNoRoundingBehind)
@@ -123,12 +119,12 @@ TEST_F(Journal, UndoLeavesNoRoundingBehind)
 TEST_F(Journal, AFlatteningThatUndoCannotReverseIsInTheHistory)
 {
     run("select_all");
-    const std::string whole = scene();
+    const std::string whole = scene_text();
     run("scale", 1, 0, 1);
     run("undo"); // stays flat
-    EXPECT_NE(scene(), whole);
+    EXPECT_NE(scene_text(), whole);
     run("history_goto", 0);
-    EXPECT_EQ(scene(), whole);
+    EXPECT_EQ(scene_text(), whole);
 }
 
 // ---- what a state holds ----
@@ -215,13 +211,13 @@ TEST_F(Journal, ACancelledDragLeavesNothing)
 {
     run("select_all");
     run("move", 1, 0, 0);
-    const std::string before = scene();
+    const std::string before = scene_text();
     journal_hold(true);
     new_undo(UNDO_MOVE, "drag");
     run("move", 5, 5, 5);
     journal_hold(false);
     journal_revert();
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(last_undo(), "");
     EXPECT_EQ(labels(), (texts{"start", "*move"}));
 }
@@ -242,32 +238,19 @@ TEST_F(Journal, RepeatsTheLastCommand)
 
 // ---- faults ----
 
-void fault_half_way()
-{
-    if (!vesk_get_world()->children)
-        throw std::runtime_error("on purpose");
-    object_t *first = item_of<object_t>(vesk_get_world()->children);
-    if (!first->vertices)
-        throw std::runtime_error("on purpose");
-    new_undo(UNDO_MOVE, "half way"); // not filled
-    item_of<vertex>(first->vertices)->position.x = 77;
-    first->num_vertices = 3;
-    throw std::runtime_error("on purpose");
-}
-
 TEST_F(Journal, AFaultedCommandIsTakenBack)
 {
     crash_guard::forget_faults_for_test();
     run("select_all");
     run("move", 1, 0, 0);
-    const std::string before = scene();
+    const std::string before = scene_text();
     EXPECT_EQ(run("take_back"), "0");
     vesk_add_command("fault", fault_half_way);
     run("fault");
-    EXPECT_NE(scene(), before);
+    EXPECT_NE(scene_text(), before);
     EXPECT_EQ(last_undo(), ""); // its record never was filled
     EXPECT_EQ(run("take_back"), "1");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     EXPECT_TRUE(world_check(vesk_get_world()).empty());
 }
 

@@ -11,7 +11,7 @@
 #include "model/vector.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 #include "view/textures.h"
 
 #include <map>
@@ -20,10 +20,8 @@
 
 namespace {
 
-std::string scene() { return vesk_object_text(vesk_get_world()); }
-
 // An object of polygons over points; -1 ends a polygon.
-object_t *add_mesh(const std::vector<point3_t> &points, const std::vector<int> &corners)
+object_t *add_polygons(const std::vector<point3_t> &points, const std::vector<int> &corners)
 {
     object_t *object = new_object(OBJECT_POLY);
     for (const point3_t &p : points)
@@ -122,9 +120,9 @@ protected:
 TEST_P(ModelCheck, FindsAndFixesWithUndo)
 {
     const check_case &c = GetParam();
-    const object_t *object = add_mesh(c.points, c.corners);
+    const object_t *object = add_polygons(c.points, c.corners);
     EXPECT_EQ(summary(), c.found);
-    const std::string before = scene();
+    const std::string before = scene_text();
 
     run("check_fix_all", c.kind);
 
@@ -140,12 +138,12 @@ TEST_P(ModelCheck, FindsAndFixesWithUndo)
     std::replace(label.begin(), label.end(), '_', ' ');
     EXPECT_EQ(last_undo(), label);
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_P(ModelCheck, FixesOneProblemAtATimeUntilNoneCanBeFixed)
 {
-    add_mesh(GetParam().points, GetParam().corners);
+    add_polygons(GetParam().points, GetParam().corners);
     for (int step = 0; step < 20; ++step) {
         const model_findings found = model_find_problems(vesk_get_world());
         if (found.total(found_kind()) == 0)
@@ -153,10 +151,10 @@ TEST_P(ModelCheck, FixesOneProblemAtATimeUntilNoneCanBeFixed)
         const auto problem =
             std::find_if(found.problems.begin(), found.problems.end(),
                          [&](const found_problem &one) { return one.kind == found_kind(); });
-        const std::string before = scene();
+        const std::string before = scene_text();
         run("check_fix", GetParam().kind, object_identity(problem->object),
             problem_element(*problem));
-        if (scene() == before)
+        if (scene_text() == before)
             break; // not of those that can be
     }
     const std::string after = GetParam().after;
@@ -169,7 +167,7 @@ class ModelCheckCommand : public SceneTest {};
 
 TEST_F(ModelCheckCommand, TellsOneLineAProblem)
 {
-    object_t *object = add_mesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {9, 9, 9}}, {0, 1, 2});
+    object_t *object = add_polygons({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {9, 9, 9}}, {0, 1, 2});
     const std::string id = std::to_string(object_identity(object));
     EXPECT_EQ(run("check_model"), "open_edge " + id + " 0-1 edge 0-1 belongs to surface 0 only\n" +
                                       "open_edge " + id +
@@ -181,7 +179,7 @@ TEST_F(ModelCheckCommand, TellsOneLineAProblem)
 TEST_F(ModelCheckCommand, ListsThousandOfAKindAndCountsAll)
 {
     for (int i = 0; i < 3; ++i)
-        add_mesh(std::vector<point3_t>(500, point3_t{1, 2, static_cast<float>(i)}), {});
+        add_polygons(std::vector<point3_t>(500, point3_t{1, 2, static_cast<float>(i)}), {});
     const std::string lines = run("check_model");
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1999);
     EXPECT_EQ(run("check_counts"),
@@ -205,7 +203,7 @@ TEST_F(ModelCheckCommand, FollowsEveryChange)
 
 TEST_F(ModelCheckCommand, SelectsWhatAProblemNames)
 {
-    object_t *object = add_mesh({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {9, 9, 9}}, {0, 1, 2});
+    object_t *object = add_polygons({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {9, 9, 9}}, {0, 1, 2});
     run("check_select", "open_edge", object_identity(object), "1-2");
     EXPECT_EQ(run("get_app_mode").substr(0, 6), "vertex");
     EXPECT_EQ(run("get_selection_centre"), "0.5 0.5 0");
@@ -248,7 +246,7 @@ TEST_P(RandomChecks, AgreeWithTheDefinitions)
         }
         corners.push_back(-1);
     }
-    object_t *object = add_mesh(points, corners);
+    object_t *object = add_polygons(points, corners);
     const flat_ptr mesh = object_flat(object);
 
     std::map<std::pair<int, int>, std::vector<int>> sides; // surface of each
@@ -313,7 +311,7 @@ TEST_P(RandomChecks, AgreeWithTheDefinitions)
                                                                       {"flipped", -1},
                                                                       {"open_edge", -1},
                                                                       {"non_planar", -1}}) {
-        const std::string before = scene();
+        const std::string before = scene_text();
         model_problem kind = model_problem::open_edge;
         ASSERT_TRUE(model_problem_of_name(name.c_str(), &kind));
         run("check_fix_all", name);
@@ -326,7 +324,7 @@ TEST_P(RandomChecks, AgreeWithTheDefinitions)
         if (last_message() == "check - no such problem")
             continue;
         run("undo");
-        ASSERT_EQ(scene(), before) << name;
+        ASSERT_EQ(scene_text(), before) << name;
     }
 }
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomChecks, testing::Range(1u, 40u));

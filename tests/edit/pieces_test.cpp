@@ -9,7 +9,7 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 #include "view/textures.h"
 
 #include <algorithm>
@@ -17,8 +17,6 @@
 #include <set>
 
 namespace {
-
-std::string scene() { return vesk_object_text(vesk_get_world()); }
 
 // "name[vertices/surfaces](children)".
 std::string tree_text(const object_t *top)
@@ -71,7 +69,7 @@ TEST_F(Pieces, AreWhatHangsTogether)
     object_set_userdata(object, "data");
     add_cube("b");
     select_object(object);
-    const std::string before = scene();
+    const std::string before = scene_text();
 
     run("object_fragment");
 
@@ -81,7 +79,7 @@ TEST_F(Pieces, AreWhatHangsTogether)
     EXPECT_EQ(last_undo(), "fragment");
     EXPECT_EQ(selection().num_objects, 1) << "the group, in tree mode";
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(Pieces, AreSingleSurfacesAfterAnExplosion)
@@ -89,12 +87,12 @@ TEST_F(Pieces, AreSingleSurfacesAfterAnExplosion)
     add_pieces("a");
     run("set_select_mode", "object");
     run("select_all");
-    const std::string before = scene();
+    const std::string before = scene_text();
     run("object_explode");
     EXPECT_EQ(tree_text(), "a(a[4/1] a[3/1] a[4/1] a[1/0])");
     EXPECT_EQ(selection().num_objects, 4);
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(Pieces, OfNestedObjectsKeepTheTree)
@@ -104,11 +102,11 @@ TEST_F(Pieces, OfNestedObjectsKeepTheTree)
     object_reparent(child, parent);
     object_reparent(add_cube("cube"), child);
     select_object(parent);
-    const std::string before = scene();
+    const std::string before = scene_text();
     run("object_fragment");
     EXPECT_EQ(tree_text(), "p(p[6/2] p[3/1] p[1/0] c(c[6/2] c[3/1] c[1/0] cube[8/6]))");
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(Pieces, OfOnePieceStayOne)
@@ -132,7 +130,7 @@ TEST_F(Pieces, AreMergedIntoTheFirst)
     object_reparent(light, object_get_kid_at(vesk_get_world(), 2));
     object_reparent(a, group);
     run("select_all");
-    const std::string before = scene();
+    const std::string before = scene_text();
 
     run("object_merge");
 
@@ -140,7 +138,7 @@ TEST_F(Pieces, AreMergedIntoTheFirst)
     EXPECT_EQ(last_message(), "merge - 3 objects");
     EXPECT_EQ(last_undo(), "merge");
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(Pieces, MergedKeepTheFirstTextureAndSaySo)

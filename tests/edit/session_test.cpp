@@ -19,28 +19,11 @@
 
 #include <map>
 #include <random>
-#include <stdexcept>
 
 namespace {
 
 constexpr int most_vertices = 1500;
 using words_t = std::vector<std::string>;
-
-// The saved text of the whole scene.
-std::string scene() { return vesk_object_text(vesk_get_world()); }
-
-void fault_half_way()
-{
-    if (!vesk_get_world()->children)
-        throw std::runtime_error("on purpose");
-    object_t *first = item_of<object_t>(vesk_get_world()->children);
-    if (!first->vertices)
-        throw std::runtime_error("on purpose");
-    new_undo(UNDO_MOVE, "half way"); // not filled
-    item_of<vertex>(first->vertices)->position.x = 77;
-    first->num_vertices = 3;
-    throw std::runtime_error("on purpose");
-}
 
 class session_of_edits {
 public:
@@ -184,14 +167,14 @@ private:
     // As the mouse tools do: no state before the end, and none when it is cancelled.
     void drag()
     {
-        const std::string before = scene();
+        const std::string before = scene_text();
         const point3_t offset = {0.3f, 0.7f, 0.1f};
         journal_hold(true);
         translate_all_selected(&offset);
         journal_hold(false);
         if (pick(2) == 0) {
             journal_revert();
-            ASSERT_EQ(scene(), before);
+            ASSERT_EQ(scene_text(), before);
             return;
         }
         new_undo(UNDO_MOVE, "drag");
@@ -202,11 +185,11 @@ private:
 
     void fault()
     {
-        const std::string before = scene();
+        const std::string before = scene_text();
         crash_guard::forget_faults_for_test();
         run("fault");
         if (pick(2) == 0 && run("take_back") == "1") {
-            ASSERT_EQ(scene(), before);
+            ASSERT_EQ(scene_text(), before);
         }
     }
 
@@ -214,7 +197,7 @@ private:
     void check(int step)
     {
         const std::string count = run("change_count");
-        const std::string text = scene() + run("get_palette");
+        const std::string text = scene_text() + run("get_palette");
         const auto known = seen_.emplace(count, text);
         ASSERT_EQ(known.first->second, text) << "step " << step << ", command " << last_;
         for (const world_fault &fault : world_check(vesk_get_world()))

@@ -14,7 +14,7 @@
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/world.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 #include <functional>
 
@@ -32,9 +32,6 @@ void select(const char *name)
     clear_selection();
     select_object(named(name));
 }
-
-// The saved text of the whole scene.
-std::string scene() { return vesk_object_text(vesk_get_world()); }
 
 // Runs `change` as a command, as a plug-in's would be.
 std::function<void()> command_body;
@@ -228,13 +225,13 @@ class EveryKind : public Undo, public testing::WithParamInterface<undo_case> {};
 TEST_P(EveryKind, IsUndoneRedoneAndUndoneAgain)
 {
     run("move_to", 3, 4, 5); // an older record
-    const std::string before = scene();
+    const std::string before = scene_text();
     const std::string selected = run("get_selected_objects");
     const std::string mode = run("get_app_mode");
     const int id = object_identity(named("group"));
 
     run_as_command(GetParam().change);
-    const std::string after = scene();
+    const std::string after = scene_text();
     const std::string mode_after = run("get_app_mode");
     EXPECT_EQ(last_undo(), GetParam().label);
     EXPECT_EQ(*undo_count_address(), 2);
@@ -242,7 +239,7 @@ TEST_P(EveryKind, IsUndoneRedoneAndUndoneAgain)
     for (int round = 0; round < 2; ++round) {
         run("undo");
         EXPECT_EQ(last_message(), "undo done");
-        EXPECT_EQ(scene(), before);
+        EXPECT_EQ(scene_text(), before);
         EXPECT_EQ(last_undo(), GetParam().clears_all ? "" : "move to");
         EXPECT_EQ(*undo_count_address(), GetParam().clears_all ? 0 : 1);
         EXPECT_EQ(object_identity(named("group")), id);
@@ -252,7 +249,7 @@ TEST_P(EveryKind, IsUndoneRedoneAndUndoneAgain)
         }
 
         run("redo");
-        EXPECT_EQ(scene(), after);
+        EXPECT_EQ(scene_text(), after);
         EXPECT_EQ(last_undo(), GetParam().label);
         EXPECT_EQ(*undo_count_address(), 2);
         EXPECT_EQ(run("get_app_mode"), mode_after);
@@ -279,12 +276,12 @@ TEST_F(Undo, KeepsAsManyRecordsAsTheLevelsSay)
 
 TEST_F(Undo, OfNothingSaysSo)
 {
-    const std::string before = scene();
+    const std::string before = scene_text();
     recording().scripts.clear();
     run("undo");
     EXPECT_EQ(recording().scripts,
               std::vector<std::string>{"display_message \"nothing to undo.\""});
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
 }
 
 TEST_F(Undo, IsOffWithNoLevels)
@@ -382,12 +379,12 @@ TEST_F(Undo, OfADeletionBringsTheObjectsBackSelected)
 TEST_F(Undo, OfADeletionInVertexModeIsAWholeModelOne)
 {
     run("set_select_mode", "vertex");
-    const std::string before = scene();
+    const std::string before = scene_text();
     new_undo(UNDO_DELETE, "delete");
     EXPECT_EQ(set_undo_delete_selection(), 0);
     object_delete(named("first"));
     run("undo");
-    EXPECT_EQ(scene(), before);
+    EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(*undo_count_address(), 0);
 }
 

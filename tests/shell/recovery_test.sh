@@ -4,19 +4,7 @@
 #   recovery_test.sh PROGRAM SCRIPTS ARTEFACTS
 set -euo pipefail
 program=$1 scripts=$2 artefacts=$3
-work=$(mktemp -d)
-mkdir -p "$artefacts"
-Xvfb -displayfd 5 -screen 0 1280x800x24 -nolisten tcp 5>"$work/display" >"$work/xvfb.log" 2>&1 &
-server=$!
-trap 'kill $server 2>/dev/null || true; wait $server 2>/dev/null || true; rm -rf "$work"' EXIT
-for _ in $(seq 100); do
-    [ -s "$work/display" ] && break
-    sleep 0.1
-done
-printf 'VESKPR 12\nshow_startup_tips FALSE\ncpwin_width 1280\ncpwin_height 800\n' \
-    >"$work/veskprefs.txt"
-export DISPLAY=":$(cat "$work/display")" USERPROFILE=$work LANG=C.UTF-8 XDG_STATE_HOME=$work/state
-export VESK_TEST_WORK=$work VESK_TEST_ARTEFACTS=$artefacts
+. "$scripts/own_display.sh" "$artefacts"
 failures=0
 
 check() { # WHAT STATUS

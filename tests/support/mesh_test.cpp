@@ -2,6 +2,7 @@
 
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
+#include "edit/undo.h"
 #include "fileio/vesk_writer.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
@@ -11,6 +12,7 @@
 #include <map>
 #include <numeric>
 #include <ostream>
+#include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -49,6 +51,19 @@ object_t *add_squares(int n, int m)
         }
     }
     return add_mesh(points, faces);
+}
+
+void fault_half_way()
+{
+    if (!vesk_get_world()->children)
+        throw std::runtime_error("on purpose");
+    object_t *first = item_of<object_t>(vesk_get_world()->children);
+    if (!first->vertices)
+        throw std::runtime_error("on purpose");
+    new_undo(UNDO_MOVE, "half way"); // not filled
+    item_of<vertex>(first->vertices)->position.x = 77;
+    first->num_vertices = 3;
+    throw std::runtime_error("on purpose");
 }
 
 std::string scene_text() { return vesk_object_text(vesk_get_world()); }

@@ -54,6 +54,9 @@ void select_all_surfaces(const object_t *object);
 std::vector<int> selected_vertices_of(const object_t *object);
 std::vector<int> selected_surfaces_of(const object_t *object);
 
+// A command that faults after it changed the first object and opened a record.
+[[noreturn]] void fault_half_way();
+
 bool operator==(const point3_t &a, const point3_t &b);
 void PrintTo(const point3_t &p, std::ostream *out);
 
