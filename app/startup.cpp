@@ -28,6 +28,7 @@
 #include <climits>
 #include <cstring>
 #include <string_view>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 namespace {
@@ -54,7 +55,11 @@ std::string executable_path()
 {
     char buffer[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", buffer, sizeof buffer);
-    return length > 0 ? std::string(buffer, static_cast<size_t>(length)) : std::string();
+    if (length > 0)
+        return {buffer, static_cast<size_t>(length)};
+    // Without /proc (a bare chroot): the name that it was started by.
+    const auto *started = reinterpret_cast<const char *>(getauxval(AT_EXECFN)); // NOLINT
+    return started != nullptr && realpath(started, buffer) != nullptr ? buffer : std::string();
 }
 
 void find_home()

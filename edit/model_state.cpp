@@ -121,8 +121,9 @@ image_ptr image_of(object_t *object, const object_image *before)
 template <class T>
 bool same_array(const flat_array<T> &a, const flat_array<T> &b)
 {
-    return a == b || (a && b && a->size() == b->size() &&
-                      std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0);
+    return a == b ||
+           (a && b && a->size() == b->size() &&
+            (a->empty() || std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0));
 }
 
 bool images_near(const object_image &a, const object_image &b);
