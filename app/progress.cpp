@@ -29,8 +29,13 @@ bool progress_t::step(double done)
 {
     if (was_cancelled)
         return false;
-    if (++calls % calls_between_looks != 0)
-        return true;
+    return ++calls % calls_between_looks != 0 || look(done);
+}
+
+bool progress_t::look(double done)
+{
+    if (was_cancelled)
+        return false;
     const double now = ui_port().now_seconds();
     if (now - last_pump < pump_interval)
         return true;

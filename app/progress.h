@@ -13,6 +13,8 @@ public:
     // `done` of `total`; false when the user cancelled. Cheap: looks at the clock only every so
     // often.
     bool step(double done);
+    // The same for work that comes by seldom: looks at the clock each time.
+    bool look(double done);
     bool cancelled() const { return was_cancelled; }
 
 private:

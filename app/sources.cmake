@@ -16,6 +16,7 @@ target_sources(vesk_core PRIVATE
     app/current_file.cpp
     app/desktop.cpp
     app/entry_guard.cpp
+    app/file_report.cpp
     app/filename.cpp
     app/home.cpp
     app/linked_vars.cpp

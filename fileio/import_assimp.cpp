@@ -1,7 +1,7 @@
 #include "fileio/import_assimp.h"
 
 #include "app/prefs.h"
-#include "fileio/assimp_module.h"
+#include "fileio/foreign_scene.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/normals.h"
@@ -10,6 +10,16 @@ namespace {
 
 void turn(point3_t &p) { p = {p.x, -p.z, p.y}; }
 
+// Each row is where an axis of the object points to.
+void turn_rows(float *matrix)
+{
+    for (int row = 0; row < 9; row += 3) {
+        const float y = matrix[row + 1];
+        matrix[row + 1] = -matrix[row + 2];
+        matrix[row + 2] = y;
+    }
+}
+
 // From Y upwards back to the axes of the file.
 void turn_to_z_up(object_t *top)
 {
@@ -17,6 +27,7 @@ void turn_to_z_up(object_t *top)
         for (vertex *point : each<vertex>(object->vertices))
             turn(point->position);
         turn(object->centre);
+        turn_rows(object->rotation);
         object_mark(object, CHANGED_POSITIONS | CHANGED_NORMALS);
     });
     object_calc_normals_force(top);

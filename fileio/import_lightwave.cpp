@@ -2,8 +2,8 @@
 
 #include "app/filename.h"
 #include "app/numbers.h"
-#include "fileio/assimp_module.h"
 #include "fileio/atomic_file.h"
+#include "fileio/foreign_scene.h"
 #include "fileio/import_mesh.h"
 #include "model/change_marks.h"
 #include "model/each.h"

@@ -1,6 +1,5 @@
 # Files of fileio/.
 target_sources(vesk_core PRIVATE
-    fileio/assimp_module.cpp
     fileio/atomic_file.cpp
     fileio/backup.cpp
     fileio/export_3ds.cpp
@@ -11,6 +10,8 @@ target_sources(vesk_core PRIVATE
     fileio/export_rib.cpp
     fileio/export_vrml2.cpp
     fileio/file_text.cpp
+    fileio/foreign_scene.cpp
+    fileio/helper_process.cpp
     fileio/image_png.cpp
     fileio/import_assimp.cpp
     fileio/import_bsp.cpp
@@ -20,6 +21,7 @@ target_sources(vesk_core PRIVATE
     fileio/import_text.cpp
     fileio/import_vrml.cpp
     fileio/rescue.cpp
+    fileio/scene_stream.cpp
     fileio/state_writer.cpp
     fileio/tree_reader.cpp
     fileio/tree_reader_geometry.cpp

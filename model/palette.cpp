@@ -1,3 +1,4 @@
+#include "app/file_report.h"
 #include "app/messages_internal.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
@@ -5,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <unordered_map>
 
 namespace {
@@ -55,6 +57,8 @@ int find_in_table(const material *mat)
     return lowest;
 }
 
+bool is_name(const char *text) { return text != nullptr && *text != '\0'; }
+
 void set_colour(float *colour, float r, float g, float b)
 {
     colour[0] = r;
@@ -104,7 +108,12 @@ int vesk_palette_append_material(material *mat)
 int vesk_palette_get_new_material_index(const material *mat)
 {
     const int known = find_material(mat);
-    return known >= 0 ? known : vesk_palette_append_material(new_material_copy(mat));
+    if (known < 0)
+        return vesk_palette_append_material(new_material_copy(mat));
+    const char *name = palette.entries[known]->name;
+    if (is_name(mat->name) && is_name(name) && std::strcmp(mat->name, name) != 0)
+        file_report_merged(mat->name, name);
+    return known;
 }
 
 int find_material(const material *mat)

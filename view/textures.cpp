@@ -1,6 +1,7 @@
 #include "view/textures.h"
 
 #include "app/crash_guard.h"
+#include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages_internal.h"
 #include "app/ui_port.h"
@@ -331,6 +332,7 @@ int search_and_set_texture(object_t *object, const char *model_filename, const c
     debugf("search_and_set_texture: geometry file %s, texturename %s\n", model_filename,
            texture_name);
     const char *found = search_texture(model_filename, texture_name);
+    file_report_texture(texture_name, found ? found : "");
     if (!found) {
         debugf("can't load texture file: %s\n", texture_name);
         vesk_object_set_prop_value(object, missing_texture_property, "text", texture_name);
@@ -345,6 +347,7 @@ int search_and_set_texture(object_t *object, const char *model_filename, const c
     }
     if (object_set_init_texture(object, file.c_str(), texture_name) != 0)
         return 1;
+    vesk_report_warning(0, "the texture %s cannot be read", texture_name);
     vesk_object_set_prop_value(object, missing_texture_property, "text", texture_name);
     return 0;
 }

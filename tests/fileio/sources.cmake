@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     fileio/export_test.cpp
     fileio/foreign_files.cpp
+    fileio/helper_test.cpp
     fileio/import_test.cpp
     fileio/rescue_test.cpp
     fileio/vesk_reader_test.cpp
@@ -8,4 +9,4 @@ target_sources(vesk_tests PRIVATE
     fileio/vrml2_test.cpp
     fileio/writer_test.cpp
 )
-add_dependencies(vesk_tests assimp_module)
+add_dependencies(vesk_tests scene_helper)

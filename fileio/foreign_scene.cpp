@@ -1,0 +1,215 @@
+#include "fileio/foreign_scene.h"
+
+#include "app/file_report.h"
+#include "app/filename.h"
+#include "app/messages_internal.h"
+#include "app/session_state.h"
+#include "fileio/atomic_file.h"
+#include "fileio/helper_process.h"
+#include "fileio/scene_stream.h"
+#include "model/lights.h"
+#include "model/mesh_arrays.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/palette.h"
+#include "view/textures.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+
+static_assert(int{PLAIN_CLOSED_LINE} == int{SURFACE_CLOSED_LINE} &&
+              int{PLAIN_LINE} == int{SURFACE_LINE} && int{PLAIN_SMOOTH} == int{SURFACE_SMOOTH} &&
+              int{PLAIN_TWOSIDED} == int{SURFACE_TWOSIDED});
+
+namespace {
+
+std::string images_folder;
+
+// ---- pictures within the file ----
+
+// Where they may be written; "" for nowhere.
+std::string folder_for_images(const std::string &filename, size_t count)
+{
+    if (!images_folder.empty())
+        return images_folder;
+    std::string folder = vesk_filename_get_path(filename.c_str());
+    if (folder.empty())
+        folder = ".";
+    pump_begin(); // the question waits for the user
+    const std::string answer =
+        script_call("ask_import_images %d \"%s\"", static_cast<int>(count), folder.c_str());
+    pump_end();
+    return answer == "1" ? folder : "";
+}
+
+// A name that no other file has, unless that file holds the very bytes.
+std::string place_for_image(const std::string &folder, const plain_image &image)
+{
+    const std::string plain = vesk_filename_get_file(image.name.c_str());
+    const size_t dot = std::min(plain.rfind('.'), plain.size());
+    for (int number = 0;; ++number) {
+        const std::string name =
+            number == 0 ? plain
+                        : plain.substr(0, dot) + "_" + std::to_string(number) + plain.substr(dot);
+        std::string path = vesk_filename_concat_path_file(folder.c_str(), name.c_str());
+        std::string there;
+        if (vesk_file_exists(path.c_str()) == 0 ||
+            (read_whole_file(path.c_str(), &there) && there == image.bytes))
+            return path;
+    }
+}
+
+// Writes them and names their files in the materials; "*2" stands for the third image.
+void write_images(plain_scene &scene, const std::string &filename)
+{
+    if (scene.images.empty())
+        return;
+    const std::string folder = folder_for_images(filename, scene.images.size());
+    std::vector<std::string> paths;
+    for (const plain_image &image : scene.images) {
+        std::string path;
+        if (!folder.empty() && *vesk_filename_get_file(image.name.c_str()) != '\0')
+            path = place_for_image(folder, image);
+        if (path.empty() || !atomic_file_write(path.c_str(), image.bytes)) {
+            vesk_report_warning(0, "the picture %s within the file was not written beside it",
+                                image.name.c_str());
+            path.clear();
+        } else {
+            last_file_report().images.push_back(path);
+        }
+        paths.push_back(path);
+    }
+    for (plain_material &m : scene.materials) {
+        if (m.picture.empty() || m.picture[0] != '*')
+            continue;
+        const auto index = static_cast<size_t>(std::max(std::atoi(m.picture.c_str() + 1), 0));
+        m.picture = index < paths.size() ? paths[index] : "";
+    }
+}
+
+// ---- objects ----
+
+int palette_index(const plain_material &from)
+{
+    material m;
+    material_init(&m);
+    std::copy_n(from.diffuse, 3, m.diffuse);
+    std::copy_n(from.ambient, 3, m.ambient);
+    std::copy_n(from.specular, 3, m.specular);
+    std::copy_n(from.emissive, 3, m.emissive);
+    m.shininess = from.shininess;
+    m.transparency = from.transparency;
+    std::string name = from.name;
+    if (!name.empty())
+        m.name = name.data(); // the palette keeps a copy
+    return vesk_palette_get_new_material_index(&m);
+}
+
+// Files made elsewhere name their textures by paths of that machine; the file itself often lies
+// beside the model.
+std::string texture_to_search(const std::string &filename, const std::string &name)
+{
+    if (search_texture(filename.c_str(), name.c_str()) != nullptr)
+        return name;
+    const std::string plain = vesk_filename_get_file(name.c_str());
+    const bool beside =
+        !plain.empty() && search_texture(filename.c_str(), plain.c_str()) != nullptr;
+    return beside ? plain : name;
+}
+
+void put_texture(object_t *object, const plain_material &m, const std::string &filename)
+{
+    if (m.picture.empty())
+        return;
+    const std::string name = texture_to_search(filename, m.picture);
+    search_and_set_texture(object, filename.c_str(), name.c_str());
+    object_set_texture_repeat(object, m.repeat[0], m.repeat[1]);
+    object_set_texture_offset(object, m.offset[0], m.offset[1]);
+}
+
+object_t *make_object(const plain_scene &scene, const plain_node &node,
+                      const std::vector<int> &palette, const std::string &filename)
+{
+    object_t *object =
+        node.kind == PLAIN_LIGHT
+            ? new_light()
+            : new_object(node.kind == PLAIN_POLY ? int{OBJECT_POLY} : int{OBJECT_GROUP});
+    object_set_name(object, node.name.c_str());
+    vesk_object_set_centre(object, node.centre[0], node.centre[1], node.centre[2]);
+    std::copy_n(node.rotation, 9, object->rotation);
+    const int n = static_cast<int>(node.flags.size());
+    std::vector<vesk_surface_attributes_t> attributes;
+    for (size_t i = 0; i < node.flags.size(); ++i)
+        attributes.push_back(
+            {palette[static_cast<size_t>(node.materials[i])], node.flags[i] & 0x33});
+    vesk_object_add_vertices_from_float_array(object, node.points.data(),
+                                              static_cast<int>(node.points.size() / 3));
+    vesk_object_add_surfaces_from_arrays(object, n, node.offsets.data(), node.corners.data(),
+                                         node.uv.data(), 0);
+    vesk_object_set_surface_attributes(object, 0, n, attributes.data());
+    if (node.picture >= 0)
+        put_texture(object, scene.materials[static_cast<size_t>(node.picture)], filename);
+    return object;
+}
+
+object_t *make_tree(const plain_scene &scene, const std::string &filename)
+{
+    std::vector<int> palette;
+    for (const plain_material &m : scene.materials)
+        palette.push_back(palette_index(m));
+    std::vector<object_t *> objects;
+    std::vector<object_t *> tops;
+    for (const plain_node &node : scene.nodes) {
+        objects.push_back(make_object(scene, node, palette, filename));
+        if (node.parent >= 0)
+            object_add_child(objects[static_cast<size_t>(node.parent)], objects.back());
+        else
+            tops.push_back(objects.back());
+    }
+    if (tops.size() == 1) {
+        object_calc_normals_force(tops[0]);
+        return tops[0];
+    }
+    object_t *world = new_object(OBJECT_WORLD);
+    for (object_t *top : tops)
+        object_add_child(world, top);
+    object_calc_normals_force(world);
+    return world;
+}
+
+object_t *refused(const std::string &filename, const std::string &reason)
+{
+    windows_message_dialog("can't read %s\n%s", filename.c_str(), reason.c_str());
+    return nullptr;
+}
+
+} // namespace
+
+void foreign_images_folder(const std::string &folder) { images_folder = folder; }
+
+object_t *vesk_assimp_import(const char *filename, const char *suffix)
+{
+    const std::string name = filename; // the messages let scripts run
+    struct stat file = {};
+    if (stat(name.c_str(), &file) != 0)
+        return refused(name, strerror(errno));
+    if (!S_ISREG(file.st_mode))
+        return refused(name, "it is no file");
+    const helper_result result =
+        run_helper({"read", suffix, name}, helper_limits_for(static_cast<size_t>(file.st_size)));
+    if (result.state == helper_result::CANCELLED) {
+        display_message("import - cancelled");
+        return nullptr;
+    }
+    if (result.state == helper_result::FAILED)
+        return refused(name, result.reason);
+    plain_scene scene;
+    if (!decode_scene(result.output, &scene) || scene.nodes.empty())
+        return refused(name, "its reader gave something that is no scene");
+    for (const std::string &warning : scene.warnings)
+        vesk_report_warning(0, "%s", warning.c_str());
+    write_images(scene, name);
+    return make_tree(scene, name);
+}

@@ -1,0 +1,186 @@
+#include "fileio/helper_process.h"
+
+#include "app/filename.h"
+#include "app/home.h"
+#include "app/progress.h"
+#include "app/ui_port.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int output_fd = 3; // where the helper leaves what it made
+constexpr int alive_fd = 4;  // held open as long as it lives
+
+constexpr int look_interval = 50; // milliseconds
+constexpr int wall_per_cpu = 4;   // on a busy machine a second of work takes longer
+constexpr double bar_pace = 5;    // seconds in which the bar comes half way
+
+class file_descriptor {
+public:
+    explicit file_descriptor(int fd) : fd_(fd < 0 ? fd : fcntl(fd, F_DUPFD_CLOEXEC, 10))
+    {
+        if (fd >= 0)
+            close(fd); // the low numbers are the helper's
+    }
+    ~file_descriptor() { reset(); }
+    file_descriptor(const file_descriptor &) = delete;
+    file_descriptor &operator=(const file_descriptor &) = delete;
+    [[nodiscard]] int get() const { return fd_; }
+    void reset()
+    {
+        if (fd_ >= 0)
+            close(fd_);
+        fd_ = -1;
+    }
+
+private:
+    int fd_;
+};
+
+std::string read_all(int fd)
+{
+    std::string bytes;
+    const off_t size = lseek(fd, 0, SEEK_END);
+    bytes.resize(static_cast<size_t>(std::max<off_t>(size, 0)));
+    size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count =
+            pread(fd, &bytes[done], bytes.size() - done, static_cast<off_t>(done));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            break;
+        done += static_cast<size_t>(count);
+    }
+    bytes.resize(done);
+    return bytes;
+}
+
+// Starts the helper; 0 or an error number.
+int start(const std::vector<std::string> &words, int output, int alive, pid_t *pid)
+{
+    const std::string folder = vesk_filename_concat_path_file(vesk_get_vesk_homedir(), "lib");
+    const std::string path = vesk_filename_concat_path_file(folder.c_str(), "scene_helper");
+    std::vector<char *> arguments = {const_cast<char *>(path.c_str())};
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, output, output_fd);
+    posix_spawn_file_actions_adddup2(&actions, alive, alive_fd);
+    posix_spawn_file_actions_addclosefrom_np(&actions, alive_fd + 1);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    const int error =
+        posix_spawn(pid, path.c_str(), &actions, &attributes, arguments.data(), environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&actions);
+    return error;
+}
+
+int wait_for(pid_t pid)
+{
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+std::string reason_of(int status, const helper_limits &limits)
+{
+    if (WIFSIGNALED(status)) {
+        const int number = WTERMSIG(status);
+        if (number == SIGXCPU)
+            return "its reader took more than " + std::to_string(limits.seconds) + " seconds";
+        if (number == SIGXFSZ)
+            return "its reader made too much of it";
+        return std::string("its reader crashed (") + strsignal(number) + ")";
+    }
+    return "its reader gave up";
+}
+
+} // namespace
+
+helper_limits helper_limits_for(size_t file_size)
+{
+    constexpr size_t mega = 1 << 20;
+    const auto pages = static_cast<size_t>(std::max(sysconf(_SC_PHYS_PAGES), 1L));
+    const size_t machine = pages * static_cast<size_t>(sysconf(_SC_PAGESIZE)) / mega;
+    const size_t size = file_size / mega + 1;
+    return {static_cast<unsigned>(std::clamp(1024 + 64 * size, size_t{1024},
+                                             std::max(machine / 4 * 3, size_t{1024}))),
+            static_cast<unsigned>(std::min(20 + 2 * size, size_t{3600}))};
+}
+
+helper_result run_helper(const std::vector<std::string> &words, const helper_limits &limits)
+{
+    helper_result result;
+    const file_descriptor made(memfd_create("scene", MFD_CLOEXEC));
+    int ends[2] = {-1, -1};
+    const bool piped = pipe2(ends, O_CLOEXEC) == 0;
+    const file_descriptor alive(ends[0]);
+    file_descriptor held(ends[1]);
+    if (made.get() < 0 || !piped) {
+        result.reason = strerror(errno);
+        return result;
+    }
+    std::vector<std::string> all = {std::to_string(limits.megabytes),
+                                    std::to_string(limits.seconds)};
+    all.insert(all.end(), words.begin(), words.end());
+    pid_t pid = 0;
+    if (const int error = start(all, made.get(), held.get(), &pid); error != 0) {
+        result.reason = std::string("lib/scene_helper cannot be started: ") + strerror(error);
+        return result;
+    }
+    held.reset();
+
+    progress_t progress(1);
+    const double began = ui_port().now_seconds();
+    const double real_limit = wall_per_cpu * static_cast<double>(limits.seconds);
+    int waited = 0; // milliseconds; the port's clock may stand still
+    pollfd ended = {alive.get(), POLLIN, 0};
+    while (poll(&ended, 1, look_interval) <= 0) {
+        waited += look_interval;
+        const double passed = ui_port().now_seconds() - began;
+        if (!progress.look(passed / (passed + bar_pace))) {
+            kill(pid, SIGKILL);
+            wait_for(pid);
+            result.state = helper_result::CANCELLED;
+            return result;
+        }
+        if (waited / 1000.0 > real_limit) {
+            kill(pid, SIGXCPU);
+            kill(pid, SIGKILL);
+            break;
+        }
+    }
+    const int status = wait_for(pid);
+    const bool well = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    const bool told = WIFEXITED(status) && WEXITSTATUS(status) == 1;
+    if (well || told)
+        result.output = read_all(made.get());
+    if (well)
+        result.state = helper_result::DONE;
+    else
+        result.reason = told && !result.output.empty() ? result.output : reason_of(status, limits);
+    return result;
+}
