@@ -316,5 +316,6 @@ void register_added_commands()
     register_check_commands();
     register_history_commands();
     register_panel_commands();
+    register_preference_commands();
     register_safety_commands();
 }

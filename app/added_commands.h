@@ -8,6 +8,7 @@ void register_added_commands();
 void register_check_commands();
 void register_history_commands();
 void register_panel_commands();
+void register_preference_commands();
 void register_safety_commands();
 
 #endif

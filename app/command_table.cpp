@@ -258,7 +258,8 @@ const command_kind_row_t kinds[] = {
     {"change_count", query}, {"can_take_back", query}, {"history_list", query}, {"history_limit", view},
     {"check_model", query}, {"check_counts", query}, {"check_select", view},
     {"autosave", query}, {"recovery_list", query}, {"recovery_drop", view},
-    {"set_backup_versions", view},
+    {"set_backup_versions", view}, {"prefs_rows", query}, {"axis_colours", view},
+    {"plugins_skip", view},
 };
 // clang-format on
 

@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     app/added_commands.cpp
     app/added_history.cpp
     app/added_panels.cpp
+    app/added_prefs.cpp
     app/added_safety.cpp
     app/aside.cpp
     app/command_handlers.cpp

@@ -4,6 +4,7 @@
 #include "app/filename.h"
 #include "app/home.h"
 #include "app/messages_internal.h"
+#include "app/ui_port.h"
 #include "model/change_marks.h"
 
 #include <algorithm>
@@ -24,7 +25,8 @@ struct plugin_t {
     std::string path;
 };
 
-std::vector<plugin_t> plugins; // in load order
+std::vector<plugin_t> plugins;    // in load order
+std::vector<std::string> skipped; // file names that are not loaded at the start
 
 void tell_error(const char *path, const std::string &text)
 {
@@ -89,7 +91,11 @@ bool find_entries(plugin_t *plugin, const char *path)
 bool initialise(const plugin_t &plugin)
 {
     int result = 0;
-    if (!call_guarded(plugin, "VESKPluginInit", [&] { result = plugin.init(); }))
+    // The scripts note by this variable what a plug-in adds.
+    ui_port().set_var("plugin_loading", plugin.path.c_str());
+    const bool whole = call_guarded(plugin, "VESKPluginInit", [&] { result = plugin.init(); });
+    ui_port().set_var("plugin_loading", "");
+    if (!whole)
         return false;
     if (result == 0)
         tell_error(plugin.path.c_str(), "Initialisation of plugin " + plugin.path + " failed\n");
@@ -116,9 +122,15 @@ void load_all_plugins(void)
         return;
     }
     std::sort(names.begin(), names.end()); // the listing's own order is random
-    for (const std::string &name : names)
+    for (const std::string &name : names) {
+        if (std::find(skipped.begin(), skipped.end(), name) != skipped.end() ||
+            std::find(skipped.begin(), skipped.end(), "*") != skipped.end())
+            continue;
         plugin_load(vesk_filename_concat_path_file(folder.c_str(), name.c_str()));
+    }
 }
+
+void plugins_skip(int count, const char *const *names) { skipped.assign(names, names + count); }
 
 int plugin_load(const char *path)
 {

@@ -34,6 +34,8 @@ VESK_API const char *vesk_get_plugin_info_all(void);
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
+// File names in the home directory's "plugins" that are not loaded at the start; "*" means all.
+void plugins_skip(int count, const char *const *names);
 // Calls the exit entry points, newest plug-in first.
 void plugins_exit();
 #endif

@@ -45,7 +45,8 @@ proc ::vesk::dialogs::axis_field {path axis variable {prefix ""} {width 8}} {
 #   (Shift x 10, Control x 0.1), sums are computed. `apply` is called with the new number.
 #   variable  the entry's variable
 #   apply     words; the number is appended
-proc ::vesk::dialogs::number_keys {entry variable apply} {
+#   unit      a step; "" the grid's spacing
+proc ::vesk::dialogs::number_keys {entry variable apply {unit ""}} {
     bind $entry <FocusIn> +[list ::vesk::dialogs::number_begin %W $variable]
     bind $entry <Return> [list ::vesk::dialogs::number_done %W $variable $apply]
     bind $entry <KP_Enter> [list ::vesk::dialogs::number_done %W $variable $apply]
@@ -54,7 +55,7 @@ proc ::vesk::dialogs::number_keys {entry variable apply} {
     foreach {key step} {Up 1 Down -1} {
         foreach {modifier factor} {{} 1 Shift- 10 Control- 0.1} {
             bind $entry <${modifier}Key-$key> [list ::vesk::dialogs::number_step %W $variable \
-                $apply [expr {$step * $factor}]]
+                $apply [expr {$step * $factor}] $unit]
         }
     }
 }
@@ -117,10 +118,13 @@ proc ::vesk::dialogs::number_escape {w variable} {
     }
 }
 
-proc ::vesk::dialogs::number_step {w variable apply step} {
+proc ::vesk::dialogs::number_step {w variable apply step {unit ""}} {
     if {[catch {::vesk::arith::value [set $variable]} number]} {return}
-    set size [expr {[info exists ::prefs_grid] && $::prefs_grid > 0 ? $::prefs_grid : 0.1}]
-    set number [expr {$number + $step * $size}]
+    if {$unit eq ""} {set unit [expr {$::prefs_grid > 0 ? $::prefs_grid : 0.1}]}
+    set step [expr {$step * $unit}]
+    # Whole numbers have no tenth of a step.
+    if {$unit == 1 && abs($step) < 1} {set step [expr {$step < 0 ? -1 : 1}]}
+    set number [expr {$number + $step}]
     set $variable [::vesk::arith::shown $number]
     {*}$apply $number
     number_begin $w $variable

@@ -60,6 +60,7 @@ proc ::vesk::icons::open {wanted} {
 proc ::vesk::icons::set_theme {name} {
     variable theme
     variable made
+    set name [::vesk::palettes::pictures_of $name]
     set theme $name
     dict for {image what} $made {
         crop $image icons-$theme-$::vesk::icons::scale-[lindex $what 1] icons [lindex $what 0]
@@ -91,7 +92,7 @@ proc ::vesk::icons::element {theme_name name} {
     set image ::vesk::icons::$theme_name/$name
     if {$image ni [image names]} {
         create $image
-        crop $image elements-$theme_name-$scale elements $name
+        crop $image elements-[::vesk::palettes::pictures_of $theme_name]-$scale elements $name
     }
     return $image
 }

@@ -74,6 +74,8 @@ proc ::vesk::menus::define {name label rows} {
     {run "D&elete" {delete} Del some "Deletes the selection."}
     {line}
     {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
+    {line}
+    {call "Pre&ferences..." {::vesk::preferences::open} Ctrl+, "" "Every setting, the keys and the plug-ins."}
 }
 ::vesk::menus::define transform "Transform" {
     {ask "&Move..." {move_with_undo {X number 0} {Y number 0} {Z number 0}} "" some

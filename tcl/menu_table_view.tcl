@@ -114,7 +114,8 @@
 }
 ::vesk::menus::define plugins "&Plug-ins" {
     {ask "&Load..." {plugin_load {File open_file .p}} "" "" "Loads a plug-in."}
-    {call "&About the plug-ins" {::vesk::plugins::about} "" "" "What each loaded plug-in is."}
+    {call "&Manage..." {::vesk::preferences::open Plug-ins} "" ""
+        "What each plug-in added, and which are loaded at the start."}
     {show "&Importers" {get_importer_info Importers} "" "" "Which files can be read, and by what."}
 }
 ::vesk::menus::define window "&Window" {
@@ -130,6 +131,8 @@
     {radio "&Light" {::vesk::theme_name light ::vesk::main::set_theme} "" "" "Dark text on light grey."}
     {radio "&High contrast" {::vesk::theme_name contrast ::vesk::main::set_theme} "" ""
         "White and yellow on black, views included."}
+    {radio "&Colour-blind safe" {::vesk::theme_name safe ::vesk::main::set_theme} "" ""
+        "Orange and blue in place of red and green, views included."}
 }
 ::vesk::menus::define help "&Help" {
     {call "&Keys" {::vesk::help::keys} F1 "" "Every key, view by view."}

@@ -172,7 +172,6 @@ proc ::vesk::menus::row_command {row} {
             if {[lindex $target 0] eq "::vesk::hier::to_head"} {return objects_place}
             if {[lindex $target 0] eq "::vesk::palette::apply_current"} {return set_col}
             if {[lindex $target 0] eq "::vesk::files::new"} {return clear_all}
-            if {[lindex $target 0] eq "::vesk::plugins::about"} {return get_plugin_list}
         }
     }
     return ""
@@ -249,12 +248,13 @@ proc ::vesk::menus::event_of {key} {
     set last [lindex $parts end]
     set modifiers [lrange $parts 0 end-1]
     if {"Ctrl" ni $modifiers && ![regexp {^F\d+$} $last]} {return ""}
-    set last [string map {, comma - minus Space space} $last]
+    set last [string map {, comma - minus Space space / slash [ bracketleft ] bracketright} $last]
     if {[string length $last] == 1} {
         set last [expr {"Shift" in $modifiers ? [string toupper $last] : [string tolower $last]}]
     }
     set event ""
     if {"Ctrl" in $modifiers} {append event Control-}
+    if {"Alt" in $modifiers} {append event Alt-}
     if {"Shift" in $modifiers && [string length $last] > 1} {append event Shift-}
     return <${event}Key-$last>
 }
@@ -274,6 +274,16 @@ proc ::vesk::menus::bind_accelerators {} {
     }
     # What people who come from other programs press for redo.
     bind . <Control-Key-y> [list ::vesk::menus::key %W [find edit redo]]
+}
+
+# bind_again --
+#   The table has other keys now.
+proc ::vesk::menus::bind_again {} {
+    variable bound
+    foreach event [dict keys $bound] {bind . $event {}}
+    bind . <Control-Key-y> {}
+    set bound {}
+    bind_accelerators
 }
 
 # key --

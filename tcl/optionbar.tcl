@@ -125,7 +125,8 @@ proc ::vesk::optionbar::bind_preference {entry variable key kind} {
     trace add variable ::prefs_$key write $show
     bind $entry <Destroy> [list trace remove variable ::prefs_$key write $show]
     ::vesk::dialogs::number_keys $entry $variable \
-        [list ::vesk::optionbar::set_preference $variable $key $kind]
+        [list ::vesk::optionbar::set_preference $variable $key $kind] \
+        [expr {$kind eq "int" ? 1 : ""}]
 }
 proc ::vesk::optionbar::show_preference {variable key kind args} {
     set value [set ::prefs_$key]

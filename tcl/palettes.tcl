@@ -4,7 +4,13 @@
 
 namespace eval ::vesk::palettes {
     # Theme names, in the order of the menu, with what the menu calls them.
-    variable names {dark Dark light Light contrast "High contrast"}
+    variable names {dark Dark light Light contrast "High contrast" safe "Colour-blind safe"}
+    # A theme that uses another's pictures, and its colours but for these: told apart by lightness
+    # and by blue against orange.
+    variable pictures {safe dark}
+    variable safe {
+        axis_x #E69F00 axis_y #F0F0F0 axis_z #56B4E9 warn #F0E442 error #FFA64D ok #56B4E9
+    }
 
     # name  dark  light  high contrast
     variable table {
@@ -68,17 +74,49 @@ namespace eval ::vesk::palettes {
         col_vert 0xFF4444 col_selvert 0x00FF00 col_box 0x00FF00 col_grid 0x454545
         col_axis 0x777777 col_3dgrid 0xAAAAAA
     }
+    # The same of the colour-blind safe preset, where they differ.
+    variable safe_views {col_vert 0xFFB000 col_selvert 0x00C8FF col_box 0x00C8FF}
 }
 
 # colours --
 #   Returns a dictionary of colour name to "#rrggbb".
-#   theme  dark, light or contrast; any other word gives the dark one
+#   theme  dark, light, contrast or safe; any other word gives the dark one
 proc ::vesk::palettes::colours {theme} {
     variable table
+    variable safe
     set column [expr {max(0, [lsearch -exact {dark light contrast} $theme])}]
     set result {}
     foreach {name dark light contrast} $table {
         dict set result $name [lindex [list $dark $light $contrast] $column]
     }
+    if {$theme eq "safe"} {set result [dict merge $result $safe]}
     return $result
+}
+
+# pictures_of --
+#   The theme whose pictures a theme uses.
+proc ::vesk::palettes::pictures_of {theme} {
+    variable pictures
+    return [expr {[dict exists $pictures $theme] ? [dict get $pictures $theme] : $theme}]
+}
+
+# views --
+#   The colour preferences that go with a theme.
+proc ::vesk::palettes::views {theme} {
+    variable contrast_views
+    variable plain_views
+    variable safe_views
+    switch -- $theme {
+        contrast {return $contrast_views}
+        safe     {return [dict merge $plain_views $safe_views]}
+    }
+    return $plain_views
+}
+
+# axes --
+#   The axes' colours in the views: those of the dark theme on every background, but for the safe
+#   ones.
+proc ::vesk::palettes::axes {theme} {
+    set colours [colours [expr {$theme eq "safe" ? "safe" : "dark"}]]
+    return [lmap axis {x y z} {dict get $colours axis_$axis}]
 }

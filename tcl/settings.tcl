@@ -14,7 +14,12 @@ namespace eval ::vesk::settings {
         keep_proportions 0
         reduce_percent 50
         loop_smoothing 1
+        autosave_seconds 120
+        backup_versions 1
+        keys {}
+        plugins_off {}
     }
+    variable defaults $values
     # Keys that the file may hold although no default stands above: {pattern ...}
     variable free {recent_colour search_history}
 }

@@ -357,6 +357,8 @@ proc ::vesk::theme::configure_lists {c} {
     ttk::style configure Treeview -background $field -fieldbackground $field -foreground $text \
         -rowheight [expr {max([px 22], $line + 4)}] -indent [px 16] -padding 0 -borderwidth 0
     ttk::style map Treeview -background [list selected $sel] -foreground [list selected $on_sel]
+    ttk::style configure Category.Treeview -background $chrome -fieldbackground $chrome \
+        -rowheight [expr {max([px 30], $line + 8)}] -indent 0
     ttk::style configure Item -padding [pad 2 0 0 0]
     ttk::style configure Heading -background $chrome -foreground $dim -relief flat
 }

@@ -3,6 +3,7 @@
 
 namespace eval ::vesk::tools {
     variable current move
+    variable choosing 0         ;# the draw mode is being set by a tool chosen here
     variable columns 2
     # A row: name, icon, draw mode ("" none), command that must be there, key, label, help, hint.
     # {} parts the groups. Tools without a draw mode act at once or keep the mode "move".
@@ -178,7 +179,9 @@ proc ::vesk::tools::chosen {name} {
         return
     }
     # Deliberate: the tool "scale" shares the draw mode "move"; only its fields differ.
+    variable choosing 1
     ::vesk::ops::run set_draw_mode $mode
+    set choosing 0
     set current $name
     ::vesk::optionbar::show_fields $name
     ::vesk::status::hint
@@ -250,10 +253,8 @@ proc ::vesk::tools::pivot_point {} {
 #   The executable's draw mode changed: the column follows.
 proc set_draw_mode_ui {mode} {
     set ::vesk::draw_mode $mode
-    set tool $::vesk::tools::current
-    if {[dict get [::vesk::tools::row $tool] mode] ne $mode} {
-        set tool [::vesk::tools::tool_of_mode $mode]
-    }
+    if {$::vesk::tools::choosing} {return}
+    set tool [::vesk::tools::tool_of_mode $mode]
     if {$tool eq ""} {return}
     set ::vesk::tools::current $tool
     ::vesk::optionbar::show_fields $tool

@@ -8,6 +8,11 @@ foreach vesk_file {tooltips tools optionbar status transform console search help
 }
 unset vesk_file
 foreach {vesk_file vesk_names} {
+    preferences {preferences::open}
+    prefwidgets {prefwidgets::make prefwidgets::show}
+    keys {keys::use keys::restore keys::preset keys::pressed}
+    keyspage {keys::build_page}
+    plugmanager {plugmanager::build_page}
     issues {issues::build issues::model_changed issues::open issues::exporting}
 } {
     ::vesk::later $vesk_file {*}[lmap vesk_name $vesk_names {string cat ::vesk:: $vesk_name}]
@@ -249,14 +254,15 @@ proc ::vesk::main::set_theme {} {
     set before $::vesk::theme::current
     ::vesk::theme::apply $::vesk::theme_name
     ::vesk::settings::set_value theme $::vesk::theme::current
-    # High contrast changes the views too; leaving it puts their colours back.
-    set views {}
-    if {$::vesk::theme_name eq "contrast"} {set views $::vesk::palettes::contrast_views}
-    if {$before eq "contrast" && $::vesk::theme_name ne "contrast"} {
-        set views $::vesk::palettes::plain_views
+    # High contrast and the safe colours change the views too; leaving them puts those back.
+    set special {contrast safe}
+    if {$before ne $::vesk::theme_name && ($before in $special || $::vesk::theme_name in $special)} {
+        dict for {key value} [::vesk::palettes::views $::vesk::theme_name] {
+            set ::prefs_$key $value
+        }
+        ::vesk::prefs::axis_colours
+        vesk redraw_all
     }
-    dict for {key value} $views {set ::prefs_$key $value}
-    if {[llength $views]} {vesk redraw_all}
     ::vesk::view::colour_frames
     remember
 }

@@ -4,6 +4,42 @@
 
 namespace eval ::vesk::plugins {
     variable parted {}          ;# menus that already have the line above the plug-ins' items
+    variable loading ""         ;# path of the plug-in that registers itself now
+    variable before {}          ;# {commands importers} before it
+    variable gave {}            ;# path -> {heading items ...}
+}
+set ::plugin_loading ""
+
+# noted --
+#   The executable tells a plug-in's path before it registers itself, and the empty text after:
+#   what was added meanwhile is its own.
+proc ::vesk::plugins::noted {args} {
+    variable loading
+    variable before
+    variable gave
+    if {$::plugin_loading ne ""} {
+        set loading $::plugin_loading
+        set before [list [::vesk::console::command_names] [importers]]
+        dict set gave $loading {Menus {}}
+        return
+    }
+    if {$loading eq ""} {return}
+    foreach what {Commands Reads} old $before new [list [::vesk::console::command_names] [importers]] {
+        foreach name $old {set known($what,$name) 1}
+        dict set gave $loading $what \
+            [lmap name $new {if {[info exists known($what,$name)]} continue; set name}]
+    }
+    set loading ""
+}
+proc ::vesk::plugins::importers {} {
+    return [split [string trim [vesk get_importer_info]] \n]
+}
+
+# added --
+#   What a plug-in added, as heading, items, heading, items ...
+proc ::vesk::plugins::added {path} {
+    variable gave
+    return [expr {[dict exists $gave $path] ? [dict get $gave $path] : {}}]
 }
 
 # add_item --
@@ -15,6 +51,13 @@ proc ::vesk::plugins::add_item {menu label command help} {
     if {$menu ni $parted && $menu ne "export"} {
         lappend parted $menu
         $path add separator
+    }
+    variable loading
+    variable gave
+    if {$loading ne ""} {
+        set items [dict get $gave $loading Menus]
+        dict set gave $loading Menus \
+            [lappend items "[::vesk::menus::label $menu] > [string trim $label]"]
     }
     set run [list ::vesk::plugins::run $command]
     if {$menu eq "export"} {set run [list ::vesk::issues::exporting $run]}
@@ -33,23 +76,7 @@ proc ::vesk::plugins::run {command} {
     ::vesk::ops::request
 }
 
-# about --
-#   Path, info and about text of every loaded plug-in.
-proc ::vesk::plugins::about {} {
-    set text ""
-    set paths [vesk get_plugin_list]
-    if {[catch {llength $paths}]} {set paths {}}
-    foreach path $paths {
-        append text "$path\n"
-        foreach command {get_plugin_info get_plugin_about} {
-            set answer [string trim [vesk $command $path]]
-            if {$answer ne ""} {append text "    [string map {\n "\n    "} $answer]\n"}
-        }
-        append text \n
-    }
-    if {$text eq ""} {set text "No plug-ins are loaded."}
-    ::vesk::dialogs::show_text "Plug-ins" $text
-}
+trace add variable ::plugin_loading write ::vesk::plugins::noted
 
 proc add_export_menu_item {label command {help ""}} {
     ::vesk::plugins::add_item export $label $command $help

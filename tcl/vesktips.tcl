@@ -102,12 +102,15 @@ proc ::vesk::init {} {
     foreach name {coors size} {set ::$name ""}
     ::vesk::prefs::take
     ::vesk::theme::init $::vesk::theme_name [::vesk::settings::number interface_scale 75 300]
-    if {$::vesk::theme_name eq "contrast"} {
-        dict for {key value} $::vesk::palettes::contrast_views {set ::prefs_$key $value}
+    if {$::vesk::theme_name in {contrast safe}} {
+        dict for {key value} [::vesk::palettes::views $::vesk::theme_name] {set ::prefs_$key $value}
+        ::vesk::prefs::axis_colours
     }
     ::vesk::main::build
     ::vesk::textures::build
     ::vesk::prefs::watch
+    if {[::vesk::settings::get keys] ne ""} ::vesk::keys::restore
+    vesk plugins_skip {*}[::vesk::settings::get plugins_off]
     ::vesk::tools::refresh .main.tools
     ::vesk::ops::listen any ::vesk::files::started
     ::vesk::ops::listen model ::vesk::files::note_changes

@@ -11,6 +11,7 @@ namespace eval ::vesk::view {
     variable left 0.5           ;# width of the left column, share of the area
     variable top 0.5            ;# height of the upper row
     variable focused xyz
+    variable translated 0       ;# keys were changed: they are looked up first
     variable dragging ""
     variable waiting ""         ;# a chip's menu that opens unless a second click follows
 }
@@ -25,11 +26,8 @@ proc ::vesk::view::area {} {
 proc ::vesk::view::build {path} {
     variable ids
     variable area_path $path
-    variable left
-    variable top
     ::vesk::theme::on [frame $path] gap
-    set left [bounded [expr {1 - $::prefs_window_3d_width_percent / 100.0}]]
-    set top [bounded [expr {1 - $::prefs_window_3d_height_percent / 100.0}]]
+    read_shares
     foreach name [dict keys $ids] {build_cell $name}
     trace add variable ::viewsetting write ::vesk::view::layout
     if {$::viewsetting ni {all xy zy xz xyz}} {
@@ -148,6 +146,17 @@ proc ::vesk::view::set_shares {new_left new_top} {
     layout
 }
 
+# read_shares, take_shares --
+#   The dividers as the preferences say.
+proc ::vesk::view::read_shares {} {
+    variable left [bounded [expr {1 - $::prefs_window_3d_width_percent / 100.0}]]
+    variable top [bounded [expr {1 - $::prefs_window_3d_height_percent / 100.0}]]
+}
+proc ::vesk::view::take_shares {} {
+    read_shares
+    layout
+}
+
 proc ::vesk::view::equal {} {
     set ::viewsetting all
     set_shares 0.5 0.5
@@ -251,6 +260,8 @@ proc ::vesk::view::key {id text keysym state} {
             || ![::vesk::menus::known keypress]} {return}
     # A running drag or a half-drawn outline takes its keys first.
     if {[vesk tool_key $keysym] eq "1"} {return}
+    variable translated
+    if {$translated && [::vesk::keys::pressed $id $text $keysym $state]} {return -code break}
     if {$keysym eq "Delete" || ($keysym eq "space" && $state & 1)} {
         set key $keysym
     } elseif {$state & 4 && [string length $keysym] == 1} {

@@ -184,6 +184,7 @@ foreach scale $scales {
     }
     lassign [place $sizes $columns] elements_width elements_height elements_index
     foreach {theme label} $::vesk::palettes::names {
+        if {[::vesk::palettes::pictures_of $theme] ne $theme} {continue}
         set palette [::vesk::palettes::colours $theme]
         icon_sheets $theme $scale $palette $icons_index $icons_width $icons_height
         element_sheet $theme $scale $palette $elements_index $elements_width $elements_height

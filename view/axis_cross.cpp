@@ -13,7 +13,13 @@ constexpr double arm_length = 24;
 constexpr double positive_radius = 8;
 constexpr double negative_radius = 5;
 constexpr double easy_to_hit = 2; // pixels beyond the drawn end
+
+std::array<int, 3> colours = {0xF07F76, 0x8CCB6B, 0x7CB4F5};
 } // namespace
+
+int axis_colour(int axis) { return colours[static_cast<std::size_t>(axis)]; }
+
+void set_axis_colours(int x, int y, int z) { colours = {x, y, z}; }
 
 axis_cross_t axis_cross(double scale)
 {

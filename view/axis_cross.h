@@ -26,4 +26,8 @@ axis_cross_t axis_cross(double scale);
 // The end under a window pixel, the nearest to the viewer first; null for none.
 const axis_end_t *axis_cross_hit(const axis_cross_t &cross, int x, int y);
 
+// Colour (0xRRGGBB) of an axis in the views, and of all three; the same on every view background.
+int axis_colour(int axis);
+void set_axis_colours(int x, int y, int z);
+
 #endif

@@ -3,6 +3,7 @@
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/lights.h"
+#include "view/axis_cross.h"
 #include "view/camera_internal.h"
 #include "view/draw_layers_gl.h"
 #include "view/draw_overlay_gl.h"
@@ -26,7 +27,6 @@ constexpr float scene_light_diffuse = 0.75f;
 constexpr float scene_light_specular = 0.3f;
 constexpr float hidden_alpha = 0.3f;
 constexpr int normal_colour = 0x7CB4F5;
-constexpr int axis_colours[3] = {0xF07F76, 0x8CCB6B, 0x7CB4F5};
 
 class light_setter {
 public:
@@ -140,7 +140,7 @@ void draw_axes()
     const auto size = static_cast<float>(prefs.axis_size);
     std::vector<coloured_vertex_t> ends;
     for (int axis = 0; axis < 3; ++axis) {
-        const int rgb = axis_colours[axis];
+        const int rgb = axis_colour(axis);
         coloured_vertex_t end = {0,
                                  0,
                                  0,

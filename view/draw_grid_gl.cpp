@@ -1,4 +1,5 @@
 #include "app/prefs.h"
+#include "view/axis_cross.h"
 #include "view/camera_internal.h"
 #include "view/draw_device_gl.h"
 #include "view/draw_layers_gl.h"
@@ -15,8 +16,6 @@ namespace {
 constexpr float ground_alpha = 0.55f;
 constexpr float axis_alpha = 0.85f;
 constexpr double grazing_sine = 0.18; // below it the ground fades away
-constexpr int x_axis_colour = 0xF07F76;
-constexpr int z_axis_colour = 0x7CB4F5;
 
 // Where the viewer is in the world, and where it looks: for how steeply it sees the ground.
 struct viewpoint_t {
@@ -98,9 +97,7 @@ void draw_ground_grid()
     std::vector<coloured_vertex_t> plain;
     std::vector<coloured_vertex_t> axes;
     for (const ground_segment_t &s : ground_grid()) {
-        const colour_t colour = colour_of(s.axis == 0   ? x_axis_colour
-                                          : s.axis == 2 ? z_axis_colour
-                                                        : prefs.col_3dgrid);
+        const colour_t colour = colour_of(s.axis < 0 ? prefs.col_3dgrid : axis_colour(s.axis));
         const float strength = s.axis < 0 ? ground_alpha : axis_alpha;
         auto &out = s.axis < 0 ? plain : axes;
         out.push_back(

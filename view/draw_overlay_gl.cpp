@@ -21,7 +21,6 @@
 namespace {
 
 constexpr float shortest_side_with_handle = 36;
-constexpr int axis_colours[3] = {0xF07F76, 0x8CCB6B, 0x7CB4F5};
 constexpr int cross_disc_colour = 0x3A3A3A;
 constexpr int cross_letter_colour = 0x1B1C1E;
 constexpr int light_colour = 0xE5AC4D;
@@ -114,7 +113,7 @@ void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
         return;
     const float reach = static_cast<float>(width + height) / length;
     draw_soft_line(x1 - dx * reach, y1 - dy * reach, x1 + dx * reach, y1 + dy * reach,
-                   interface_scale(), colour_of(axis_colours[tool.locked_axis]));
+                   interface_scale(), colour_of(axis_colour(tool.locked_axis)));
 }
 
 void draw_preview(const overlay_t &tool, int view)
@@ -145,7 +144,7 @@ float strength_at(double depth) { return static_cast<float>(0.7 + 0.3 * (depth +
 void draw_axis_end(const axis_cross_t &cross, const axis_end_t &end)
 {
     constexpr const char *letters[3] = {"X", "Y", "Z"};
-    const colour_t colour = colour_of(axis_colours[end.axis], strength_at(end.depth));
+    const colour_t colour = colour_of(axis_colour(end.axis), strength_at(end.depth));
     const auto x = static_cast<float>(end.x);
     const auto y = static_cast<float>(end.y);
     const auto radius = static_cast<float>(end.radius);

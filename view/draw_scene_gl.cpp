@@ -399,7 +399,8 @@ void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
     for (const scene_item_t &item : scene.items)
         if (is_drawn_filled(item))
             add_groups(batches, item, options, false);
-    glEnable(GL_POLYGON_OFFSET_FILL);
+    if (prefs.polygon_offset != 0)
+        glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1.0f, 1.0f);
     draw_batches(batches, options);
     glDisable(GL_POLYGON_OFFSET_FILL);
