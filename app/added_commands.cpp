@@ -318,4 +318,5 @@ void register_added_commands()
     register_panel_commands();
     register_preference_commands();
     register_safety_commands();
+    register_uv_commands();
 }

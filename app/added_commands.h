@@ -10,5 +10,6 @@ void register_history_commands();
 void register_panel_commands();
 void register_preference_commands();
 void register_safety_commands();
+void register_uv_commands();
 
 #endif

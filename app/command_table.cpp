@@ -260,6 +260,8 @@ const command_kind_row_t kinds[] = {
     {"autosave", query}, {"recovery_list", query}, {"recovery_drop", view},
     {"set_backup_versions", view}, {"prefs_rows", query}, {"axis_colours", view},
     {"plugins_skip", view},
+    {"uv_info", query}, {"uv_islands", query}, {"uv_stretch", query}, {"uv_overlaps", query},
+    {"uv_keep", view},
 };
 // clang-format on
 

@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     app/added_panels.cpp
     app/added_prefs.cpp
     app/added_safety.cpp
+    app/added_uv.cpp
     app/aside.cpp
     app/command_handlers.cpp
     app/command_registry.cpp

@@ -4,7 +4,7 @@ add_library(vesk_core OBJECT)
 vesk_warnings(vesk_core)
 target_include_directories(vesk_core PUBLIC ${CMAKE_SOURCE_DIR})
 target_link_libraries(vesk_core PUBLIC Threads::Threads OpenGL::GLU PNG::PNG Qhull::qhull_r
-    meshoptimizer::meshoptimizer)
+    meshoptimizer::meshoptimizer Eigen3::Eigen)
 # What headers declare for the project alone is hidden from plug-ins.
 target_compile_definitions(vesk_core PUBLIC VESK_INTERNAL=1
     $<$<BOOL:${VESK_CHECK_MARKS}>:VESK_CHECK_MARKS=1>)

@@ -4,6 +4,7 @@
 #include "edit/selection_scan.h"
 #include "edit/transform.h"
 #include "edit/undo_internal.h"
+#include "edit/uv_keep.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/identity.h"
@@ -232,6 +233,7 @@ void drag_transform_t::mark() const
     for (object_t *owner : owners) {
         object_mark(owner, aspects);
     }
+    uv_keep_follow(owners);
 }
 
 void drag_transform_t::apply_own_centres(const drag_change_t &change)

@@ -4,6 +4,7 @@
 #include "app/session_state.h"
 #include "edit/journal_internal.h"
 #include "edit/modes.h"
+#include "edit/uv_keep.h"
 #include "model/change_marks.h"
 
 #include <algorithm>
@@ -104,6 +105,8 @@ bool take_step(const char *label, bool faulted)
     const bool opened = undo_last_serial() != first_serial;
     if (!opened && list.model_count == model_change_count())
         return false;
+    if (!faulted)
+        uv_keep_end_step(first_serial);
     journal_entry now = entry_of_now(label_of_step(label).c_str());
     in_step_now();
     const bool changed = !same_model(*now.state, *before.state);

@@ -56,6 +56,15 @@ target_sources(vesk_core PRIVATE
     edit/triangulate.cpp
     edit/undo.cpp
     edit/undo_kinds.cpp
+    edit/uv_edit.cpp
+    edit/uv_editor.cpp
+    edit/uv_islands.cpp
+    edit/uv_keep.cpp
+    edit/uv_measure.cpp
+    edit/uv_mesh.cpp
+    edit/uv_pack.cpp
+    edit/uv_project.cpp
+    edit/uv_relax.cpp
     edit/uvmap.cpp
     edit/vertex_use.cpp
     edit/weld.cpp

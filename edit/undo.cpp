@@ -406,6 +406,8 @@ void UNDO(void)
         } else {
             undo_set_jumping(true); // what loses something now cannot reverse it after a redo
             row->reverse(*record);
+            if (row->kind != UNDO_TEXTURE_COORDS)
+                undo_restore_texture_coords(*record); // what slid along
             undo_set_jumping(false);
         }
         journal_undone(record);

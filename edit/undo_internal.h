@@ -77,6 +77,8 @@ struct undo_kind {
     bool clears_all;      // the reversal drops every record
     void (*reverse)(undo_record &record);
 };
+// Writes back the coordinates that a record holds, of whatever kind it is.
+void undo_restore_texture_coords(const undo_record &record);
 // Null for a code that is not in the table.
 const undo_kind *undo_kind_of(int kind);
 

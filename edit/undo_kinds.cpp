@@ -332,26 +332,7 @@ void reverse_positions(undo_record &record)
 
 void reverse_texture_coords(undo_record &record)
 {
-    std::vector<surface_t *> surfaces;
-    for (const saved_texture_coords &coords : record.texture_coords) {
-        if (!coords.surface)
-            continue;
-        surfaces.push_back(coords.surface);
-        // The corners may have changed since: those that are still there are in the same order.
-        auto saved = coords.corners.begin();
-        for (svertex *reference : each<svertex>(coords.surface->refs)) {
-            const auto same = std::find_if(saved, coords.corners.end(), [&](const auto &corner) {
-                return corner.reference == reference;
-            });
-            if (same == coords.corners.end())
-                continue;
-            reference->u = same->u;
-            reference->v = same->v;
-            saved = same + 1;
-        }
-    }
-    for (object_t *owner : living_owners(owners_of_surfaces(surfaces)))
-        object_mark(owner, CHANGED_TEXTURE_COORDS);
+    undo_restore_texture_coords(record);
     undo_drop_newest();
     selection_changed("undo");
 }
@@ -454,6 +435,30 @@ const undo_kind kinds[] = {
 // clang-format on
 
 } // namespace
+
+void undo_restore_texture_coords(const undo_record &record)
+{
+    std::vector<surface_t *> surfaces;
+    for (const saved_texture_coords &coords : record.texture_coords) {
+        if (!coords.surface)
+            continue;
+        surfaces.push_back(coords.surface);
+        // The corners may have changed since: those that are still there are in the same order.
+        auto saved = coords.corners.begin();
+        for (svertex *reference : each<svertex>(coords.surface->refs)) {
+            const auto same = std::find_if(saved, coords.corners.end(), [&](const auto &corner) {
+                return corner.reference == reference;
+            });
+            if (same == coords.corners.end())
+                continue;
+            reference->u = same->u;
+            reference->v = same->v;
+            saved = same + 1;
+        }
+    }
+    for (object_t *owner : living_owners(owners_of_surfaces(surfaces)))
+        object_mark(owner, CHANGED_TEXTURE_COORDS);
+}
 
 const undo_kind *undo_kind_of(int kind)
 {

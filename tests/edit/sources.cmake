@@ -22,5 +22,8 @@ target_sources(vesk_tests PRIVATE
     edit/text_objects_test.cpp
     edit/transform_test.cpp
     edit/undo_test.cpp
+    edit/uv_keep_test.cpp
+    edit/uv_layout_test.cpp
+    edit/uv_test.cpp
     edit/weld_test.cpp
 )

@@ -12,6 +12,8 @@
 #include "edit/primitives.h"
 #include "edit/selection_internal.h"
 #include "edit/undo.h"
+#include "edit/uv_editor.h"
+#include "edit/uv_keep.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
@@ -116,6 +118,8 @@ void SceneTest::SetUp()
     vesk_register_internal_file_importers();
     selection_reset_for_test();
     modes_reset_for_test();
+    uv_editor_reset_for_test();
+    uv_keep_reset_for_test();
     journal_reset_for_test();
     clipboard_reset_for_test();
     record = {};
