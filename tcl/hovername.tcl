@@ -5,6 +5,7 @@
 namespace eval ::vesk::hover {
     variable timer ""
     variable delay 300          ;# milliseconds
+    variable chip ""            ;# the chip that is shown
 }
 
 # bind_view --
@@ -28,9 +29,10 @@ proc ::vesk::hover::moved {name id x y state} {
 
 proc ::vesk::hover::hide {} {
     variable timer
+    variable chip
     after cancel $timer
-    set w [::vesk::view::area].hover
-    if {[winfo exists $w]} {destroy $w}
+    if {$chip ne ""} {destroy $chip}
+    set chip ""
 }
 
 proc ::vesk::hover::show {name id x y} {
@@ -38,19 +40,18 @@ proc ::vesk::hover::show {name id x y} {
     if {$object eq ""} {return}
     set text [vesk object_get_name $object]
     if {$text eq ""} {return}
-    set area [::vesk::view::area]
-    set cell $area.$name
-    label $area.hover -text [string range [string map {\n " "} $text] 0 60] -borderwidth 0 \
+    set cell [::vesk::view::area].$name
+    variable chip $cell.hover
+    label $chip -text [string range [string map {\n " "} $text] 0 60] -borderwidth 0 \
         -background [::vesk::theme::colour chip] -foreground [::vesk::theme::colour chip_text] \
         -padx [::vesk::theme::px 8] -pady [::vesk::theme::px 3] -highlightthickness 1 \
         -highlightbackground [::vesk::theme::colour chip_frame]
     set gap [::vesk::theme::px 12]
     set edge [::vesk::view::ring]
-    set width [winfo reqwidth $area.hover]
-    set height [winfo reqheight $area.hover]
+    set width [winfo reqwidth $chip]
+    set height [winfo reqheight $chip]
     set x [expr {min($x + $gap, [winfo width $cell] - $width - $edge)}]
     set y [expr {$y + $gap + $height > [winfo height $cell] - $edge ? $y - $gap - $height : $y + $gap}]
-    place $area.hover -x [expr {[winfo x $cell] + max($edge, $x)}] \
-        -y [expr {[winfo y $cell] + max($edge, $y)}]
-    raise $area.hover
+    place $chip -x [expr {max($edge, $x)}] -y [expr {max($edge, $y)}]
+    raise $chip
 }

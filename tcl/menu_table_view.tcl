@@ -9,6 +9,8 @@
     {radio "&3D" {::viewsetting xyz} "" "" "Shows the 3D view alone."}
     {call "&Maximise or restore" {::vesk::view::toggle_focused} Ctrl+Space ""
         "Shows the focused view alone, or all again."}
+    {call "Window of its own, or bac&k" {::vesk::view::detach_or_back_focused} Ctrl+Shift+Space ""
+        "Takes the focused view out of the main window, or brings it back."}
     {call "Equal si&zes" {::vesk::view::equal} "" "" "Gives the four views the same size."}
     {line}
     {run "Fi&t all" {fit_all} Ctrl+Shift+F model "Shows the whole model."}

@@ -289,7 +289,7 @@ proc ::vesk::menus::bind_again {} {
 # key --
 #   An accelerator. While text is edited the editing keys are the field's; disabled rows refuse.
 proc ::vesk::menus::key {w row} {
-    if {[winfo toplevel $w] ne "."} {return}
+    if {![::vesk::view::in_main $w]} {return}
     if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {return}
     if {![possible $row [now]]} {
         display_message "[string map {& {} ... {}} [lindex $row 1]] - not possible now"

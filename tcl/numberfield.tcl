@@ -14,21 +14,21 @@ namespace eval ::vesk::number {
 proc ::vesk::number::show {view x y label axis text} {
     variable path
     variable names
-    set area [::vesk::view::area]
-    if {$path eq ""} {set path [build $area.number]}
+    set cell [::vesk::view::area].[lindex $names $view]
+    if {$path ne "$cell.number"} {
+        hide
+        set path [build $cell.number]
+    }
     $path.letter configure -text $label -style [lindex {x y z} $axis]Field.TLabel
     $path.value configure -text $text
-    set cell $area.[lindex $names $view]
     set gap [::vesk::theme::px 16]
     set edge [expr {[::vesk::view::ring] + [::vesk::theme::px 4]}]
     update idletasks
     set width [winfo reqwidth $path]
     set height [winfo reqheight $path]
-    set left [winfo x $cell]
-    set top [winfo y $cell]
     set x [expr {min($x + $gap, [winfo width $cell] - $width - $edge)}]
     set y [expr {max($y - $gap - $height, $edge)}]
-    place $path -x [expr {$left + max($edge, $x)}] -y [expr {$top + $y}]
+    place $path -x [expr {max($edge, $x)}] -y $y
     raise $path
 }
 

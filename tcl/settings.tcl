@@ -18,6 +18,9 @@ namespace eval ::vesk::settings {
         backup_versions 1
         keys {}
         plugins_off {}
+        view_shown all
+        view_places {}
+        view_windows {}
     }
     variable defaults $values
     # Keys that the file may hold although no default stands above: {pattern ...}

@@ -3,7 +3,7 @@
 #   size and theme that are remembered.
 
 foreach vesk_file {tooltips tools optionbar status transform console search help history colourbox
-        recovery numberfield operations hierdrag hovername} {
+        recovery numberfield operations hierdrag hovername viewwindows} {
     source [file join $::vesk::script_folder $vesk_file.tcl]
 }
 unset vesk_file
@@ -272,6 +272,7 @@ proc ::vesk::main::set_theme {} {
 proc ::vesk::main::remember {} {
     variable folded_by_width
     if {$folded_by_width == 1} {::vesk::settings::set_value panel_shown 1}
+    ::vesk::view::note_windows
     set message [::vesk::settings::save]
     if {$message ne ""} {display_message "settings not saved: $message"}
 }

@@ -120,6 +120,7 @@ proc ::vesk::init {} {
     update idletasks
     wm deiconify .
     update
+    ::vesk::view::restore_windows
     tk useinputmethods 1
 }
 

@@ -7,6 +7,7 @@ namespace eval ::vesk::view {
     # Name of a view -> view id, and where it stands: column, row.
     variable ids {xy 0 zy 1 xz 2 xyz 3}
     variable places {xy {0 0} zy {1 0} xz {0 1} xyz {1 1}}
+    variable detached {}        ;# views that have a window of their own
     variable area_path ""
     variable left 0.5           ;# width of the left column, share of the area
     variable top 0.5            ;# height of the upper row
@@ -28,7 +29,11 @@ proc ::vesk::view::build {path} {
     variable area_path $path
     ::vesk::theme::on [frame $path] gap
     read_shares
+    read_places
     foreach name [dict keys $ids] {build_cell $name}
+    if {[::vesk::settings::get view_shown] in [dict keys $ids]} {
+        set ::viewsetting [::vesk::settings::get view_shown]
+    }
     trace add variable ::viewsetting write ::vesk::view::layout
     if {$::viewsetting ni {all xy zy xz xyz}} {
         set ::viewsetting all
@@ -75,6 +80,7 @@ proc ::vesk::view::ring {} {
 proc ::vesk::view::relabel {name args} {
     variable area_path
     $area_path.$name.chip configure -text [string trim [set ::prefs_window_label_$name]]
+    title $name
 }
 
 # build_chip_menu --
@@ -83,20 +89,34 @@ proc ::vesk::view::build_chip_menu {name path} {
     menu $path -tearoff 0
     ::vesk::theme::recolour $path
     set rows [list [list call "&Maximise or restore" [list ::vesk::view::toggle $name] Ctrl+Space]]
-    lappend rows [list call "&Equal sizes" ::vesk::view::equal] {line}
+    lappend rows [list call "&Window of its own, or back" [list ::vesk::view::detach_or_back $name]]
+    lappend rows [list call "E&qual sizes" ::vesk::view::equal] {line}
+    foreach other {xy zy xz xyz} {
+        lappend rows [list radio [string trim [set ::prefs_window_label_$other]] \
+            [list ::vesk::view::kind($name) $other ::vesk::view::exchange $name $other]]
+    }
+    lappend rows {line}
     foreach row [::vesk::menus::rows [expr {$name eq "xyz" ? "view3d" : "show"}]] {
+        if {$row eq {line} && [lindex $rows end] eq {line}} {continue}
         if {[lindex $row 0] in {check radio line}} {lappend rows $row}
     }
     if {$name eq "xyz"} {
         foreach words {do_perspective set_spin_viewer set_walk_viewer} {
             lappend rows [::vesk::menus::find view3d $words]
         }
+    } else {
+        set id [dict get $::vesk::view::ids $name]
+        lappend rows {line} \
+            [list run "&Background image..." [list file_select_background_image $id]] \
+            [list run "N&o background image" [list clear_background_image $id]]
     }
     foreach row $rows {::vesk::menus::add_row $path $row}
     $path configure -postcommand [list ::vesk::view::refresh_chip_menu $path $rows]
 }
 
 proc ::vesk::view::refresh_chip_menu {path rows} {
+    variable kind
+    foreach name {xy zy xz xyz} {set kind($name) $name}
     set state [::vesk::menus::now]
     set entry 0
     foreach row $rows {
@@ -111,29 +131,44 @@ proc ::vesk::view::refresh_chip_menu {path rows} {
 # ---- layout ----
 
 # layout --
-#   Places the cells by `viewsetting` and the two shares.
+#   Places the cells by `viewsetting` and the two shares. What lies beside a view that has a window
+#   of its own takes its place.
 proc ::vesk::view::layout {args} {
     variable ids
     variable places
     variable area_path
     variable left
     variable top
-    foreach name [dict keys $ids] {
+    variable detached
+    set attached [lmap name [dict keys $ids] {if {$name in $detached} continue; set name}]
+    set alone [expr {$::viewsetting in $attached ? $::viewsetting : ""}]
+    foreach name $attached {
+        lassign [dict get $places $name] column row
+        lappend row_of($row) $name
+    }
+    foreach name $attached {
         set cell $area_path.$name
-        if {$::viewsetting eq $name} {
-            place $cell -relx 0 -rely 0 -relwidth 1 -relheight 1
-            continue
-        }
-        # An unknown text shows nothing else than the four views.
-        if {$::viewsetting in [dict keys $ids]} {
-            place forget $cell
+        if {$alone ne ""} {
+            if {$alone eq $name} {
+                place $cell -relx 0 -rely 0 -relwidth 1 -relheight 1
+            } else {
+                place forget $cell
+            }
             continue
         }
         lassign [dict get $places $name] column row
-        place $cell -relx [expr {$column ? $left : 0}] -rely [expr {$row ? $top : 0}] \
-            -relwidth [expr {$column ? 1 - $left : $left}] \
-            -relheight [expr {$row ? 1 - $top : $top}]
+        set x {0 1}
+        if {[llength $row_of($row)] == 2} {
+            set x [expr {$column ? [list $left [expr {1 - $left}]] : [list 0 $left]}]
+        }
+        set y {0 1}
+        if {[array size row_of] == 2} {
+            set y [expr {$row ? [list $top [expr {1 - $top}]] : [list 0 $top]}]
+        }
+        place $cell -relx [lindex $x 0] -rely [lindex $y 0] -relwidth [lindex $x 1] \
+            -relheight [lindex $y 1]
     }
+    if {[llength $args] > 0} {::vesk::settings::set_value view_shown $::viewsetting}
 }
 
 # set_shares --
@@ -163,8 +198,14 @@ proc ::vesk::view::equal {} {
 }
 
 # toggle --
-#   Shows one view alone, or the four again.
+#   Shows one view alone, or the four again; a window of its own fills the screen, or not.
 proc ::vesk::view::toggle {name} {
+    variable detached
+    variable area_path
+    if {$name in $detached} {
+        wm attributes $area_path.$name -zoomed [expr {![wm attributes $area_path.$name -zoomed]}]
+        return
+    }
     set ::viewsetting [expr {$::viewsetting eq $name ? "all" : $name}]
     focus_view $name
 }
@@ -180,16 +221,18 @@ proc ::vesk::view::toggle_focused {} {
 proc ::vesk::view::edge {name x y} {
     variable places
     variable area_path
-    if {$::viewsetting ne "all"} {return ""}
+    variable detached
     set cell $area_path.$name
+    if {$name in $detached || [winfo width $cell] == [winfo width $area_path]
+            && [winfo height $cell] == [winfo height $area_path]} {return ""}
     lassign [dict get $places $name] column row
     set ring [ring]
     set result ""
     set near [expr {$ring + [::vesk::theme::px 4]}]
     set on_x [expr {$column ? $x < $near : $x >= [winfo width $cell] - $near}]
     set on_y [expr {$row ? $y < $near : $y >= [winfo height $cell] - $near}]
-    if {$on_x} {append result x}
-    if {$on_y} {append result y}
+    if {$on_x && [winfo width $cell] < [winfo width $area_path]} {append result x}
+    if {$on_y && [winfo height $cell] < [winfo height $area_path]} {append result y}
     return $result
 }
 
@@ -281,7 +324,7 @@ proc ::vesk::view::entered {name} {
     variable area_path
     set now [focus]
     if {$now ne "" && [winfo class $now] in {Entry TEntry Text TCombobox}} {return}
-    if {$now eq "" || [winfo toplevel $now] ne "."} {return}
+    if {$now eq "" || ![in_main $now]} {return}
     focus $area_path.$name.togl
 }
 
@@ -347,7 +390,17 @@ proc ::vesk::view::post_chip {name} {
 proc ::vesk::view::place_options {w} {
     variable area_path
     variable focused
-    set cell $area_path.$focused
+    variable ids
+    variable detached
+    set name $focused
+    # One that can be seen in the main window.
+    foreach other [list $focused {*}[dict keys $ids]] {
+        if {$other ni $detached && [winfo ismapped $area_path.$other]} {
+            set name $other
+            break
+        }
+    }
+    set cell $area_path.$name
     update idletasks
     set x [expr {[winfo x $cell] + [ring] + [::vesk::theme::px 8]}]
     set y [expr {[winfo y $cell] + [winfo height $cell] - [ring] - [::vesk::theme::px 8]
