@@ -1,15 +1,25 @@
 #include "app/bridge_tk.h"
 #include "app/startup.h"
+#include "view/thumbnail_gl.h"
 #include "view/views_tk.h"
 
 #include <tcl.h>
+
+static bool init_tcl(const command_line_t &line)
+{
+    if (!bridge_init(line))
+        return false;
+    if (line.batch)
+        register_thumbnail_command();
+    return true;
+}
 
 int main(int argc, char **argv)
 {
     Tcl_FindExecutable(argv[0]); // before any change of directory
     const startup_toolkit_t toolkit = {
         .install_port = bridge_install_port,
-        .init_tcl = bridge_init,
+        .init_tcl = init_tcl,
         .create_windows = create_ui,
         .run_script = bridge_run_script,
         .loop = vesk_mainloop,

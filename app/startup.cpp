@@ -68,6 +68,22 @@ void find_home()
     vesk_set_homedir(named != nullptr ? named : directory_of_executable(executable_path()).c_str());
 }
 
+// Options that end in a script without a window, to which all further words belong: a script that
+// is named, or one of the home directory.
+struct batch_option {
+    std::string_view name;
+    const char *script;
+};
+constexpr batch_option batch_options[] = {{"-batch", nullptr}, {"-thumbnail", "tcl/thumbnail.tcl"}};
+
+const batch_option *batch_option_of(std::string_view word)
+{
+    for (const batch_option &option : batch_options)
+        if (option.name == word)
+            return &option;
+    return nullptr;
+}
+
 void print_banner()
 {
     console_printf("%s - interactive polygon modeller\n", vesk_get_version_string());
@@ -81,6 +97,8 @@ void print_help(const command_line_t &line)
     console_printf("also: -noplugins            start without the plug-ins\n"
                    "      -script FILE          evaluate a script once the window is there\n"
                    "      -batch FILE [args]    run a script without a window and exit\n"
+                   "      -thumbnail SIZE OUT.png FILE ...\n"
+                   "                            write a picture of the files without a window\n"
                    "      -version              print the version and exit\n");
 }
 
@@ -155,7 +173,10 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
 
 int run_batch_script(const command_line_t &line, const startup_toolkit_t &toolkit)
 {
-    const std::string script = absolute_from_start(line.script);
+    const std::string script =
+        line.own_script
+            ? vesk_filename_concat_path_file(vesk_get_vesk_homedir(), line.script.c_str())
+            : absolute_from_start(line.script);
     // The script works where its user stands; start-up needed the home directory.
     if (!start.directory.empty() && chdir(start.directory.c_str()) != 0)
         console_printf("can't change to %s\n", start.directory.c_str());
@@ -187,9 +208,11 @@ command_line_t parse_command_line(int argc, char **argv)
             line.plugins = false;
         } else if (word == "-script" && more) {
             line.script = argv[++i];
-        } else if (word == "-batch" && more) {
+        } else if (const batch_option *option = batch_option_of(argv[i]);
+                   option != nullptr && more) {
             line.batch = true;
-            line.script = argv[++i];
+            line.own_script = option->script != nullptr;
+            line.script = line.own_script ? option->script : argv[++i];
             line.script_arguments.assign(argv + i + 1, argv + argc);
             return line;
         } else if (word.starts_with("-")) {
@@ -222,7 +245,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
 {
     bool batch = false;
     for (int i = 1; i + 1 < argc; ++i)
-        batch = batch || std::strcmp(argv[i], "-batch") == 0;
+        batch = batch || batch_option_of(argv[i]) != nullptr;
     toolkit.install_port(batch);
     crash_guard::install();
     read_start_directory();

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-// The command line. Everything after "-batch FILE" belongs to the script.
+// The command line. Everything after "-batch FILE" or another option that ends in a script belongs
+// to the script.
 struct command_line_t {
     std::string program;
     std::vector<std::string> files;
@@ -18,7 +19,8 @@ struct command_line_t {
     bool version = false;
     bool plugins = true;
     bool batch = false;
-    std::string script; // of -batch, or of -script
+    std::string script;      // of -batch, or of -script
+    bool own_script = false; // it lies in the home directory
     std::vector<std::string> script_arguments;
 };
 

@@ -2,6 +2,7 @@
 set(VESK_DESKTOP ${CMAKE_SOURCE_DIR}/packaging/desktop)
 install(FILES ${VESK_DESKTOP}/vesk.desktop DESTINATION share/applications)
 install(FILES ${VESK_DESKTOP}/vesk.xml DESTINATION share/mime/packages)
+install(FILES ${VESK_DESKTOP}/vesk.thumbnailer DESTINATION share/thumbnailers)
 install(FILES ${VESK_DESKTOP}/vesk.metainfo.xml DESTINATION share/metainfo
     RENAME io.github.vesk.vesk.metainfo.xml)
 install(FILES ${VESK_DESKTOP}/vesk.svg DESTINATION share/icons/hicolor/scalable/apps)
@@ -41,7 +42,7 @@ set(CPACK_DEBIAN_UNSPECIFIED_DESCRIPTION "Four views, five select modes, numbers
 can do, textures and their coordinates, undo of every step. Scripts in
 Tcl run with a window or without one, plug-ins add commands and formats.")
 # Togl's library lies where only its own package looks, so it is named here.
-set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_DEPENDS "libtogl2, libgl1-mesa-dri, fonts-dejavu-core")
+set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_DEPENDS "libtogl2, libgl1-mesa-dri, libegl1, fonts-dejavu-core")
 set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_RECOMMENDS "fonts-inter, fonts-noto-core, xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_COMPONENT_SDK_DESCRIPTION "headers for plug-ins of the VESK polygon modeller")

@@ -66,37 +66,6 @@ private:
     int count_ = 0;
 };
 
-// The scene's lights; without any the default light and one from above.
-int set_lights()
-{
-    const bool headlight = prefs.headlight != 0;
-    const float ambient = headlight ? 0.5f : 1.0f;
-    const float scene[4] = {ambient, ambient, ambient, 1};
-    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, scene);
-    light_setter lights;
-    if (headlight)
-        lights.add_headlight();
-    std::vector<point3_t> places;
-    for (const object_t *light : each<object_t>(world_lights()))
-        if (light->visible != 0)
-            places.push_back(light->centre);
-    if (places.empty()) {
-        const float key[4] = {static_cast<float>(prefs.lightx), static_cast<float>(prefs.lighty),
-                              static_cast<float>(prefs.lightz), static_cast<float>(prefs.lightw)};
-        const float above[4] = {0, 1, 0, 0};
-        lights.add(key, headlight ? key_diffuse : key_diffuse_alone, key_specular);
-        lights.add(above, headlight ? fill_diffuse : fill_diffuse_alone, 0);
-        return lights.count();
-    }
-    // Several lights share what one would give, or the model burns out.
-    const float share = 1.0f / std::sqrt(static_cast<float>(places.size()));
-    for (const point3_t &place : places) {
-        const float position[4] = {place.x, place.y, place.z, 1};
-        lights.add(position, scene_light_diffuse * share, scene_light_specular * share);
-    }
-    return lights.count();
-}
-
 // What the planes of the projection have to hold.
 void visible_box(const picture_t &picture, point3_t *min, point3_t *max)
 {
@@ -157,7 +126,7 @@ void draw_axes()
 
 void draw_surfaces(picture_t &picture)
 {
-    const fill_options_t options = {set_lights(), camera_is_perspective(), true, false,
+    const fill_options_t options = {draw_set_lights(), camera_is_perspective(), true, false,
                                     prefs.view3dtextures != 0};
     const auto by_place = [&](auto draw) {
         draw_still_and_moving(picture.scene, overlay().moving, prefs.wireframe_move != 0,
@@ -201,6 +170,36 @@ void draw_model_edges(const picture_t &picture, bool filled)
 }
 
 } // namespace
+
+int draw_set_lights()
+{
+    const bool headlight = prefs.headlight != 0;
+    const float ambient = headlight ? 0.5f : 1.0f;
+    const float scene[4] = {ambient, ambient, ambient, 1};
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, scene);
+    light_setter lights;
+    if (headlight)
+        lights.add_headlight();
+    std::vector<point3_t> places;
+    for (const object_t *light : each<object_t>(world_lights()))
+        if (light->visible != 0)
+            places.push_back(light->centre);
+    if (places.empty()) {
+        const float key[4] = {static_cast<float>(prefs.lightx), static_cast<float>(prefs.lighty),
+                              static_cast<float>(prefs.lightz), static_cast<float>(prefs.lightw)};
+        const float above[4] = {0, 1, 0, 0};
+        lights.add(key, headlight ? key_diffuse : key_diffuse_alone, key_specular);
+        lights.add(above, headlight ? fill_diffuse : fill_diffuse_alone, 0);
+        return lights.count();
+    }
+    // Several lights share what one would give, or the model burns out.
+    const float share = 1.0f / std::sqrt(static_cast<float>(places.size()));
+    for (const point3_t &place : places) {
+        const float position[4] = {place.x, place.y, place.z, 1};
+        lights.add(position, scene_light_diffuse * share, scene_light_specular * share);
+    }
+    return lights.count();
+}
 
 void draw_3d_view(picture_t &picture)
 {

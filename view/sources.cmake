@@ -47,6 +47,8 @@ target_sources(vesk PRIVATE
     view/draw_textures_gl.cpp
     view/draw_view_gl.cpp
     view/font_atlas.cpp
+    view/offscreen_gl.cpp
+    view/thumbnail_gl.cpp
     view/view_commands_tk.cpp
     view/views_tk.cpp
 )

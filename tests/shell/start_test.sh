@@ -67,6 +67,17 @@ check "a missing start script is told" 1 "^can't eval TCL file 'tcl/batch.tcl', 
     -batch good.tcl
 unset VESK_HOME
 
+cat >red.tcl <<'END'
+vesk create sphere 0 0 0 0 1 1 1
+vesk file_save red.vesk
+END
+"$program" -batch red.tcl >/dev/null 2>&1
+check "a picture of a model needs no display" 0 "" -- -thumbnail 64 red.png red.vesk
+[ "$(identify -format '%m %w %h' red.png)" = "PNG 64 64" ] && [ "$(identify -format %k red.png)" -gt 20 ] ||
+    { echo "FAIL the picture shows something round"; failures=1; }
+check "a size that is none is told" 1 "^usage: vesk -thumbnail" -- -thumbnail big red.png red.vesk
+check "so is a file that is not there" 1 "can't read none.vesk" -- -thumbnail 64 x.png none.vesk
+
 "$program" -batch good.tcl >out.txt 2>err.txt
 [ "$(wc -l <out.txt)" = 1 ] || { echo "FAIL standard output is the script's alone"; failures=1; }
 
