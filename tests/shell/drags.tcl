@@ -128,14 +128,14 @@ proc counts {id} {
     begin 0 0 0.3 0.3
     key 2 Tab minus 1 period 5
     ::test::check "digits show at the pointer and move at once" {
-        [winfo ismapped $::vesk::view::area_path.number]
-        && [$::vesk::view::area_path.number.letter cget -text] eq "dY"
+        [winfo ismapped $::vesk::view::area_path.xy.number]
+        && [$::vesk::view::area_path.xy.number.letter cget -text] eq "dY"
         && [near [centre] {2 -1.5 0} 1e-5]
     }
     ::test::shot drags-number
     key Return
     ::test::check "Return keeps them" {
-        [near [centre] {2 -1.5 0} 1e-5] && ![winfo exists $::vesk::view::area_path.number]
+        [near [centre] {2 -1.5 0} 1e-5] && ![winfo exists $::vesk::view::area_path.xy.number]
     }
     finish
     ::test::check "as one record" {$::undo_count == $::records + 1}
@@ -215,7 +215,7 @@ proc counts {id} {
     ::test::at xy $px $py
     ::test::at xy [expr {$px + 1}] $py
     ::test::pause 600
-    set chip $::vesk::view::area_path.hover
+    set chip $::vesk::view::area_path.xy.hover
     ::test::check "the name shows while the pointer rests" {
         [winfo exists $chip] && [$chip cget -text] eq "a name"
     }
