@@ -48,6 +48,15 @@ struct selected_points_t {
         owners = unique_objects(owners);
     }
 
+    // Every vertex of the owners is among them; each is there once.
+    [[nodiscard]] bool are_whole_objects() const
+    {
+        std::size_t count = 0;
+        for (const object_t *owner : owners)
+            count += static_cast<std::size_t>(owner->num_vertices);
+        return count == vertices.size() + of_surfaces.size();
+    }
+
     // Changes every point and marks whose it is.
     template <class Change>
     void change(Change &&change_point) const
@@ -170,11 +179,15 @@ void translate_all_selected(const point3_t *offset)
 void move_selection(const point3_t *offset)
 {
     selection_t &all = selection();
-    translate_all_selected(offset);
+    const selected_points_t points;
+    translate_selected(points, *offset);
     all.box_min = point_add(all.box_min, *offset);
     all.box_max = point_add(all.box_max, *offset);
-    if (all.num_objects == 0)
-        selected_calc_normals();
+    // What moves as a whole keeps its normals.
+    if (all.num_objects == 0 && !points.are_whole_objects()) {
+        for (object_t *owner : points.owners)
+            object_calc_normals(owner);
+    }
     recalc_bb_info();
     display_status();
 }
