@@ -3,11 +3,22 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+
+int last_error = 0;
+
+// Notes why something failed; `ok` again.
+bool noted(bool ok)
+{
+    if (!ok)
+        last_error = errno;
+    return ok;
+}
 
 // The file behind any links; the name itself when nothing exists there.
 std::string resolved(const char *name)
@@ -70,6 +81,8 @@ atomic_writer_t::atomic_writer_t(const char *name) : target(resolved(name))
         open_target(way::direct);
     } else if (!exists || access(target.c_str(), W_OK) == 0) { // a read-only file is not replaced
         open_temporary(exists, exists ? old.st_mode & 07777 : new_file_mode());
+    } else {
+        noted(false);
     }
 }
 
@@ -79,17 +92,19 @@ void atomic_writer_t::open_temporary(bool exists, unsigned mode)
     fd = mkostemp(other.data(), O_CLOEXEC);
     if (fd >= 0) {
         is_open = true;
-        failed = fchmod(fd, mode) != 0;
-    } else if (exists) {
-        open_in_place();
+        failed = !noted(fchmod(fd, mode) == 0);
+        return;
     }
+    noted(false);
+    if (exists)
+        open_in_place();
 }
 
 void atomic_writer_t::open_target(way chosen)
 {
     how = chosen;
     fd = open(target.c_str(), O_WRONLY | O_TRUNC | O_CREAT | O_CLOEXEC, 0666);
-    is_open = fd >= 0;
+    is_open = noted(fd >= 0);
 }
 
 // The folder takes no temporary file: a copy of the old bytes is kept elsewhere first.
@@ -119,7 +134,7 @@ bool atomic_writer_t::write(std::string_view text)
 {
     if (!is_open || failed)
         return false;
-    failed = !write_all(fd, text, &bytes);
+    failed = !noted(write_all(fd, text, &bytes));
     return !failed;
 }
 
@@ -145,11 +160,11 @@ bool atomic_writer_t::commit()
     if (!is_open)
         return false;
     if (!failed && how != way::direct)
-        failed = fsync(fd) != 0;
-    if (close(fd) != 0)
+        failed = !noted(fsync(fd) == 0);
+    if (!noted(close(fd) == 0))
         failed = true;
     fd = -1;
-    if (!failed && how == way::temporary && rename(other.c_str(), target.c_str()) != 0) {
+    if (!failed && how == way::temporary && !noted(rename(other.c_str(), target.c_str()) == 0)) {
         failed = true;
         is_open = false; // told like a file that could not be opened
     }
@@ -179,6 +194,8 @@ bool atomic_file_write(const char *name, std::string_view text)
     file.write(text);
     return file.commit();
 }
+
+std::string atomic_file_reason() { return std::strerror(last_error); }
 
 bool read_whole_file(const char *name, std::string *out)
 {

@@ -4,6 +4,7 @@
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "fileio/atomic_file.h"
+#include "fileio/write_report.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
@@ -262,7 +263,7 @@ int write_3ds(const char *filename)
     writer scene;
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
     if (!atomic_file_write(name.c_str(), scene.file())) {
-        display_message("can't open file '%s' for writing", name.c_str());
+        tell_cannot_write(name.c_str());
         return 0;
     }
     if (scene.lines() > 0)

@@ -5,6 +5,7 @@
 #include "app/progress.h"
 #include "fileio/atomic_file.h"
 #include "fileio/export_scene.h"
+#include "fileio/write_report.h"
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/lights.h"
@@ -223,7 +224,7 @@ int write_scene(const char *filename, const export_format &format)
         return 0;
     }
     if (!scene.commit()) {
-        display_message("can't open file '%s' for writing", name.c_str());
+        tell_cannot_write(name.c_str());
         return 0;
     }
     display_message("written file %s%s", name.c_str(), told(scene.losses(), format.name).c_str());

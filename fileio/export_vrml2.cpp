@@ -5,6 +5,7 @@
 #include "app/numbers.h"
 #include "app/prefs.h"
 #include "fileio/atomic_file.h"
+#include "fileio/write_report.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/lights.h"
@@ -394,7 +395,7 @@ int write_world(const char *filename, bool prototypes)
                    prefs.vrml_output_textures != 0 ? "with texture support" : "no texture support");
     if (!atomic_file_write(name.c_str(), world_text(name, prototypes))) {
         console_printf("can't open file for writing\n");
-        display_message("can't open file '%s' for writing", name.c_str());
+        tell_cannot_write(name.c_str());
         return 0;
     }
     console_printf("written file %s\n", name.c_str());

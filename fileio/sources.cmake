@@ -28,6 +28,7 @@ target_sources(vesk_core PRIVATE
     fileio/tree_reader_keywords.cpp
     fileio/vesk_frames.cpp
     fileio/vrml1_scan.cpp
+    fileio/write_report.cpp
     fileio/vrml1_shapes.cpp
     fileio/vesk_old.cpp
     fileio/vesk_old_writer.cpp

@@ -4,6 +4,7 @@
 #include "app/messages_internal.h"
 #include "fileio/atomic_file.h"
 #include "fileio/vesk_format.h"
+#include "fileio/write_report.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
 #include "model/world.h"
@@ -109,11 +110,13 @@ int write_vesk_old(const char *filename)
     atomic_writer_t file(name.c_str());
     if (!file.opened()) {
         windows_message_dialog("can't open file '%s' for writing", name.c_str());
+        tell_write_reason(name.c_str());
         return 0;
     }
     file.write(text);
     if (!file.commit()) {
         windows_message_dialog("An error occured when writing the .vesk file \"%s\"", name.c_str());
+        tell_write_reason(name.c_str());
         return 0;
     }
     debugf("written file %s OK\n", name.c_str());

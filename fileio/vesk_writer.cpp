@@ -5,6 +5,7 @@
 #include "app/messages_internal.h"
 #include "fileio/atomic_file.h"
 #include "fileio/vesk_format.h"
+#include "fileio/write_report.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
@@ -316,6 +317,7 @@ void tell_failure(const atomic_writer_t &file, const char *name, size_t header, 
     } else {
         windows_message_dialog("An error occured when writing the .vesk file \"%s\"", name);
     }
+    tell_write_reason(name);
 }
 
 // Hands the text of the objects on, piece by piece, for as long as `write` returns true.

@@ -136,6 +136,7 @@ TEST_F(Writer, FailuresAreToldByTheirStageAndKeepTheOldFile)
     EXPECT_EQ(write_vesk_object("/dev/full", vesk_get_world()), 0);
     EXPECT_EQ(recording().boxes.back(),
               "An error occured when first writing the .vesk file \"/dev/full\"");
+    EXPECT_EQ(last_message(), "/dev/full was not written: No space left on device");
     EXPECT_EQ(run("file_save", nowhere), "0");
 }
 
