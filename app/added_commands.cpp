@@ -314,6 +314,7 @@ void register_added_commands()
     for (const vesk_command_t &row : rows)
         command_add_own(row);
     register_check_commands();
+    register_file_commands();
     register_history_commands();
     register_panel_commands();
     register_preference_commands();

@@ -6,6 +6,7 @@
 void register_added_commands();
 // By the former.
 void register_check_commands();
+void register_file_commands();
 void register_history_commands();
 void register_panel_commands();
 void register_preference_commands();

@@ -1,6 +1,7 @@
 #include "app/file_report.h"
 
 #include "app/numbers.h"
+#include "app/utf8.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -24,27 +25,6 @@ void add_count(std::vector<file_report::count> &counts, int number, const char *
         }
     }
     counts.push_back({number, what});
-}
-
-// Length of the UTF-8 letter that begins there, 0 when none does.
-size_t letter_length(const std::string &text, size_t at)
-{
-    const auto byte = [&](size_t i) {
-        return at + i < text.size() ? static_cast<unsigned char>(text[at + i]) : 0u;
-    };
-    const unsigned first = byte(0);
-    const size_t length = first < 0x80                     ? 1
-                          : first >= 0xC2 && first <= 0xDF ? 2
-                          : first >= 0xE0 && first <= 0xEF ? 3
-                          : first >= 0xF0 && first <= 0xF4 ? 4
-                                                           : 0;
-    for (size_t i = 1; i < length; ++i)
-        if (byte(i) < 0x80 || byte(i) > 0xBF)
-            return 0;
-    const unsigned second = byte(1);
-    const bool odd = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
-                     (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
-    return odd ? 0 : length;
 }
 
 // ---- JSON ----
@@ -132,48 +112,33 @@ void file_report_merged(const char *name, const char *into)
         report.merged_materials.push_back(std::string(name) + " = " + into);
 }
 
-void file_report_export_begin(const char *file)
+void vesk_report_export(const char *filename)
 {
-    report.written = file;
+    report.written = filename;
     report.losses.clear();
     report.notes.clear();
 }
 
-std::string file_report_told_losses(const char *format)
+const char *vesk_report_losses(const char *format)
 {
+    static std::string text;
     std::string counts;
     std::string lacks;
     for (const file_report::count &loss : report.losses) {
         counts += (counts.empty() ? "" : ", ") + std::to_string(loss.number) + ' ' + loss.what;
         lacks += (lacks.empty() ? "" : ", ") + loss.what;
     }
-    if (counts.empty())
-        return {};
-    return " - " + counts + " were left out: " + format + " has no " + lacks;
+    text = counts.empty() ? "" : " - " + counts + " were left out: " + format + " has no " + lacks;
+    return text.c_str();
 }
 
 std::string json_text(const std::string &text)
 {
     std::string out = "\"";
-    for (size_t at = 0; at < text.size();) {
-        const size_t length = letter_length(text, at);
-        const auto byte = static_cast<unsigned char>(text[at]);
-        if (length > 1) {
-            out.append(text, at, length);
-        } else if (length == 0) {
-            out += static_cast<char>(0xC0 | byte >> 6);
-            out += static_cast<char>(0x80 | (byte & 0x3F));
-        } else if (byte == '"' || byte == '\\') {
+    for (const char *p = vesk_utf8(text.c_str()); *p != '\0'; ++p) {
+        if (*p == '"' || *p == '\\')
             out += '\\';
-            out += text[at];
-        } else if (byte < ' ' || byte == 0x7F) {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(byte));
-            out += code;
-        } else {
-            out += text[at];
-        }
-        at += std::max(length, size_t{1});
+        out += *p;
     }
     return out + '"';
 }

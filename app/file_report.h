@@ -12,8 +12,15 @@ VESK_BEGIN_DECLS
    `line` counts from 1; 0 stands for the whole file. Formats into 2048 bytes. */
 VESK_API void vesk_report_warning(int line, const char *format, ...) VESK_PRINTF(2, 3);
 
+/* An export begins, with no losses so far. */
+VESK_API void vesk_report_export(const char *filename);
+
 /* Something that the written file cannot hold: how many of what ("lines"). Nothing for 0. */
 VESK_API void vesk_report_loss(int count, const char *what);
+
+/* What was left out by now, for the end of a message: " - 12 lines were left out: STL has no lines",
+   or "". In one buffer that each call overwrites. */
+VESK_API const char *vesk_report_losses(const char *format);
 
 /* Something that the written file holds in another form ("polygons cut into triangles"); the shape
    is as it was. Nothing for 0. */
@@ -59,13 +66,9 @@ void file_report_begin(const char *file);
 void file_report_texture(const char *name, const char *found);
 void file_report_merged(const char *name, const char *into);
 
-// Losses and notes of the export at hand; for "written file x - 12 lines were left out: ...".
-void file_report_export_begin(const char *file);
-std::string file_report_told_losses(const char *format);
-
 // As a JSON text with a line for each field.
 std::string file_report_json(const file_report &report);
-std::string json_text(const std::string &text); // in quotes; bytes that are no UTF-8 as Latin-1
+std::string json_text(const std::string &text); // in quotes
 #endif
 
 #endif

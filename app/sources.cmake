@@ -2,6 +2,7 @@
 target_sources(vesk_core PRIVATE
     app/added_check.cpp
     app/added_commands.cpp
+    app/added_files.cpp
     app/added_history.cpp
     app/added_panels.cpp
     app/added_prefs.cpp
@@ -31,6 +32,7 @@ target_sources(vesk_core PRIVATE
     app/startup.cpp
     app/tokens.cpp
     app/ui_port.cpp
+    app/utf8.cpp
     app/version.cpp
 )
 target_sources(vesk PRIVATE

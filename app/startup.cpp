@@ -17,6 +17,7 @@
 #include "model/object_internal.h"
 #include "model/palette.h"
 #include "model/world.h"
+#include "plugin/exporters.h"
 #include "plugin/filters.h"
 #include "plugin/importers.h"
 #include "plugin/loader.h"
@@ -161,6 +162,7 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     vesk_register_builtin_texture_loaders();
     vesk_register_internal_surface_filters();
     vesk_register_internal_file_importers();
+    vesk_register_internal_file_exporters();
     if (line.plugins)
         load_all_plugins();
     journal_restart();

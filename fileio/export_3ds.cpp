@@ -1,5 +1,6 @@
 #include "fileio/export_3ds.h"
 
+#include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages.h"
 #include "app/prefs.h"
@@ -260,16 +261,14 @@ private:
 int write_3ds(const char *filename)
 {
     const std::string name = filename; // the messages let scripts run
+    vesk_report_export(name.c_str());
     writer scene;
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
     if (!atomic_file_write(name.c_str(), scene.file())) {
         tell_cannot_write(name.c_str());
         return 0;
     }
-    if (scene.lines() > 0)
-        display_message("written file %s - %d lines were left out: 3DS has no lines", name.c_str(),
-                        scene.lines());
-    else
-        display_message("written file %s", name.c_str());
+    vesk_report_loss(scene.lines(), "lines");
+    display_message("written file %s%s", name.c_str(), vesk_report_losses("3DS"));
     return 1;
 }

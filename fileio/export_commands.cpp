@@ -1,5 +1,6 @@
 #include "fileio/export_commands.h"
 
+#include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages.h"
 #include "app/progress.h"
@@ -192,32 +193,19 @@ private:
     losses_t losses_;
 };
 
-// ", 12 lines were left out: POV has no lines", for each kind.
-std::string told(const losses_t &losses, const char *format)
+// Counts what was left out in the report.
+void report_losses(const losses_t &losses)
 {
-    const struct {
-        int count;
-        const char *what;
-    } kinds[] = {{losses.lines, "lines"},
-                 {losses.lights, "lights"},
-                 {losses.pictures, "textures"},
-                 {losses.smooth, "smooth surfaces"}};
-    std::string counts;
-    std::string lacks;
-    for (const auto &kind : kinds) {
-        if (kind.count == 0)
-            continue;
-        counts += (counts.empty() ? "" : ", ") + std::to_string(kind.count) + ' ' + kind.what;
-        lacks += std::string(lacks.empty() ? "" : ", ") + kind.what;
-    }
-    if (counts.empty())
-        return {};
-    return " - " + counts + " were left out: " + format + " has no " + lacks;
+    vesk_report_loss(losses.lines, "lines");
+    vesk_report_loss(losses.lights, "lights");
+    vesk_report_loss(losses.pictures, "textures");
+    vesk_report_loss(losses.smooth, "smooth surfaces");
 }
 
 int write_scene(const char *filename, const export_format &format)
 {
     const std::string name = filename; // the messages let scripts run
+    vesk_report_export(name.c_str());
     writer scene(format, name.c_str());
     if (!scene.scene()) {
         display_message("write %s - cancelled", format.name);
@@ -227,7 +215,8 @@ int write_scene(const char *filename, const export_format &format)
         tell_cannot_write(name.c_str());
         return 0;
     }
-    display_message("written file %s%s", name.c_str(), told(scene.losses(), format.name).c_str());
+    report_losses(scene.losses());
+    display_message("written file %s%s", name.c_str(), vesk_report_losses(format.name));
     return 1;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <assimp/BaseImporter.h>
+#include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
 #include <assimp/config.h>
 #include <assimp/importerdesc.h>
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <set>
 #include <unordered_map>
 
 namespace {
@@ -51,6 +53,22 @@ std::string without_escapes(const std::string &address)
     }
     return name;
 }
+
+// Finds files whose names are addresses, too.
+class address_files : public Assimp::DefaultIOSystem {
+public:
+    bool Exists(const char *file) const override
+    {
+        return DefaultIOSystem::Exists(file) ||
+               DefaultIOSystem::Exists(without_escapes(file).c_str());
+    }
+    Assimp::IOStream *Open(const char *file, const char *mode) override
+    {
+        Assimp::IOStream *stream = DefaultIOSystem::Open(file, mode);
+        return stream != nullptr ? stream
+                                 : DefaultIOSystem::Open(without_escapes(file).c_str(), mode);
+    }
+};
 
 class material_reader {
 public:
@@ -435,21 +453,23 @@ void take_images(const aiScene &scene, const std::string &filename, plain_scene 
     }
 }
 
-// Takes out every reader but that of the suffix: what a file looks like never chooses one.
-bool keep_one_reader(Assimp::Importer &importer, const char *suffix)
+// Takes out every reader but those of the suffix: what a file looks like never chooses another.
+// Two versions of one format may have a reader each.
+bool keep_readers_of(Assimp::Importer &importer, const char *suffix)
 {
-    const std::size_t wanted = importer.GetImporterIndex(suffix);
-    if (wanted == static_cast<std::size_t>(-1))
-        return false;
-    Assimp::BaseImporter *kept = importer.GetImporter(wanted);
+    bool any = false;
     for (std::size_t i = importer.GetImporterCount(); i-- > 0;) {
-        Assimp::BaseImporter *other = importer.GetImporter(i);
-        if (other != kept) {
-            importer.UnregisterLoader(other);
-            delete other;
+        Assimp::BaseImporter *reader = importer.GetImporter(i);
+        std::set<std::string> suffixes;
+        reader->GetExtensionList(suffixes);
+        if (suffixes.count(suffix) != 0) {
+            any = true;
+            continue;
         }
+        importer.UnregisterLoader(reader);
+        delete reader;
     }
-    return true;
+    return any;
 }
 
 } // namespace
@@ -460,10 +480,12 @@ std::string helper_read(const char *filename, const char *suffix, plain_scene *s
     std::string lower = suffix;
     for (char &c : lower)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    if (!keep_one_reader(importer, lower.c_str()))
+    if (!keep_readers_of(importer, lower.c_str()))
         return "the Assimp library does not know this format";
+    importer.SetIOHandler(new address_files); // the importer's from now on
     importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_COLLADA_USE_COLLADA_NAMES, true);
     const aiScene *read = importer.ReadFile(filename, 0);
     if (read == nullptr || read->mRootNode == nullptr) {
         const std::string reason = importer.GetErrorString();

@@ -1,9 +1,11 @@
 #include "plugin/importers.h"
 
 #include "app/crash_guard.h"
+#include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "app/ui_port.h"
 #include "edit/selection.h"
 #include "fileio/export_3ds.h"
 #include "fileio/import_assimp.h"
@@ -25,6 +27,7 @@
 #include "view/textures.h"
 
 #include <cstring>
+#include <set>
 #include <string>
 #include <strings.h>
 #include <vector>
@@ -50,6 +53,26 @@ std::string known_formats()
     for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
         text += std::string(importer->suffix) + " (" + importer->description + ")\n";
     return text;
+}
+
+// What came, for the report.
+void count_what_came(object_t *top, double seconds)
+{
+    file_report &report = last_file_report();
+    std::set<int> materials;
+    for_each_object(top, [&](const object_t *object) {
+        report.objects += object->type == OBJECT_WORLD ? 0 : 1;
+        report.lights += object->type == OBJECT_LIGHT ? 1 : 0;
+        report.vertices += object->num_vertices;
+        report.surfaces += object->num_surfaces;
+        int last = -1;
+        for (const surface_t *surface : each<surface_t>(object->surfaces))
+            if (surface->material != last)
+                materials.insert(last = surface->material);
+    });
+    report.materials = static_cast<int>(materials.size());
+    report.seconds = seconds;
+    report.read = true;
 }
 
 // An importer may be a plug-in's: a fault in it costs a message, not the session.
@@ -136,7 +159,13 @@ object_t *vesk_import_file(const char *filename)
                                known_formats().c_str());
         return nullptr;
     }
-    return load_guarded(importer, filename);
+    const double began = ui_port().now_seconds();
+    file_report_begin(filename);
+    last_file_report().format = importer->description;
+    object_t *object = load_guarded(importer, filename);
+    if (object != nullptr)
+        count_what_came(object, ui_port().now_seconds() - began);
+    return object;
 }
 
 int world_adopt_import(object_t *object)
@@ -163,7 +192,10 @@ int world_adopt_import(object_t *object)
 
 int vesk_world_import_file(const char *filename)
 {
-    return world_adopt_import(vesk_import_file(filename));
+    const int came = world_adopt_import(vesk_import_file(filename));
+    if (came != 0 && !last_file_report().warnings.empty())
+        tcl_command("show_import_report");
+    return came;
 }
 
 void command_load_vesk(const char *filename)

@@ -1,5 +1,6 @@
 target_sources(vesk_core PRIVATE
     plugin/dialogs.cpp
+    plugin/exporters.cpp
     plugin/filters.cpp
     plugin/importers.cpp
     plugin/loader.cpp

@@ -1,4 +1,4 @@
-// Wavefront OBJ files with their materials, and other formats by the program's reader.
+// Materials of Wavefront OBJ files.
 #ifndef INTERCHANGE_OBJ_H
 #define INTERCHANGE_OBJ_H
 
@@ -21,15 +21,8 @@ std::vector<std::string> obj_words(const std::string &line);
 // The number that a word holds, 0 for none.
 inline float obj_number(const std::string &word) { return std::strtof(word.c_str(), nullptr); }
 
-// Adds the materials of a file that an OBJ file names; a missing one is told with -debug.
-void obj_read_materials(const std::string &obj_file, const std::string &name,
+// Adds the materials of a file that an OBJ file names in that line; a missing one is a warning.
+void obj_read_materials(const std::string &obj_file, const std::string &name, int line,
                         std::map<std::string, obj_material> &materials);
-
-bool obj_read_file(const std::string &name, std::string *bytes);
-
-object_t *obj_import(const char *filename);
-
-// Writes the world and, beside it, its materials. Returns 1 or 0 (told).
-int obj_export(const char *filename);
 
 #endif

@@ -1,175 +1,132 @@
-#include "obj.h"
+// Wavefront OBJ with its materials beside it: every object by its name, in world coordinates.
+#include "formats.h"
+#include "model.h"
+#include "text.h"
 
 #include <cctype>
-#include <cstdarg>
-#include <cstdio>
 #include <set>
 
 namespace {
 
-void append(std::string &out, const char *format, ...) VESK_PRINTF(2, 3);
-void append(std::string &out, const char *format, ...)
-{
-    char buffer[512];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(buffer, sizeof buffer, format, arguments);
-    va_end(arguments);
-    out += buffer;
-}
-
 // A name without blanks and line ends.
-std::string one_word(const char *name, const char *fallback)
+std::string one_word(const std::string &name, const char *fallback)
 {
-    std::string word = name == nullptr || *name == '\0' ? fallback : name;
+    std::string word = name.empty() ? fallback : name;
     for (char &c : word)
         if (std::isspace(static_cast<unsigned char>(c)) != 0)
             c = '_';
     return word;
 }
 
+// A name on one line.
+std::string one_line(const std::string &name)
+{
+    std::string line = name.empty() ? "object" : name;
+    for (char &c : line)
+        if (std::isspace(static_cast<unsigned char>(c)) != 0)
+            c = ' ';
+    return line;
+}
+
 class obj_writer {
 public:
-    explicit obj_writer(const std::string &filename) : filename_(filename)
+    explicit obj_writer(const model &scene) : scene_(scene)
     {
-        const std::string name = vesk_filename_get_file(filename.c_str());
-        base_ = name.substr(0, name.rfind('.'));
-        append(text_, "# VESK\nmtllib %s.mtl\n", one_word(base_.c_str(), "scene").c_str());
-    }
-
-    // An object with everything below it, without recursion: trees may be deep.
-    void tree(object_t *top)
-    {
-        std::vector<object_t *> waiting(1, top);
-        while (!waiting.empty()) {
-            object_t *next = waiting.back();
-            waiting.pop_back();
-            add(next);
-            std::vector<object_t *> children;
-            for (const listitem *node = next->children; node != nullptr; node = node->next)
-                children.push_back(reinterpret_cast<object_t *>(node->data));
-            waiting.insert(waiting.end(), children.rbegin(), children.rend());
+        std::set<std::string> taken;
+        for (const model_material &m : scene.materials) {
+            const std::string wanted = one_word(m.name, "material");
+            std::string name = wanted;
+            for (int number = 1; !taken.insert(name).second; ++number)
+                name = wanted + "-" + std::to_string(number);
+            names_.push_back(name);
         }
     }
 
-    bool write() const
+    std::string geometry(const std::string &materials)
     {
-        const std::string folder = vesk_filename_get_path(filename_.c_str());
-        const std::string materials = vesk_filename_concat_path_file(
-            folder.c_str(), (one_word(base_.c_str(), "scene") + ".mtl").c_str());
-        return write_file(materials, materials_) && write_file(filename_, text_);
+        out_.add("# VESK\nmtllib ", materials, '\n');
+        for (const model_node &node : scene_.nodes)
+            add(node);
+        return std::move(out_.text);
+    }
+
+    std::string materials()
+    {
+        text_out out;
+        for (std::size_t i = 0; i < scene_.materials.size(); ++i)
+            describe(out, i);
+        return std::move(out.text);
     }
 
 private:
-    void add(object_t *object)
+    void add(const model_node &node)
     {
-        const vesk_mesh_arrays_t mesh = vesk_object_get_mesh_arrays(object);
-        if (mesh.num_surfaces == 0)
+        if (node.surfaces.empty())
             return;
-        append(text_, "o %s\n", one_word(object->name, "object").c_str());
-        for (int i = 0; i < mesh.num_vertices; ++i)
-            append(text_, "v %.9g %.9g %.9g\n", static_cast<double>(mesh.positions[i].x),
-                   static_cast<double>(mesh.positions[i].y),
-                   static_cast<double>(mesh.positions[i].z));
-        for (int i = 0; i < mesh.num_corners; ++i)
-            append(text_, "vt %.9g %.9g\n", static_cast<double>(mesh.uv[2 * i]),
-                   static_cast<double>(mesh.uv[2 * i + 1]));
-        std::string used;
+        out_.add("o ", one_line(node.name), '\n');
+        for (const point3_t &p : node.points)
+            out_.add("v ", p, '\n');
+        if (node.textured)
+            for (std::size_t i = 0; i < node.uv.size(); i += 2)
+                out_.add("vt ", node.uv[i], ' ', node.uv[i + 1], '\n');
+        int material = -1;
         int shading = -1;
-        for (int i = 0; i < mesh.num_surfaces; ++i) {
-            const std::string wanted = material_name(object, mesh.surfaces[i].material);
-            if (wanted != used)
-                append(text_, "usemtl %s\n", (used = wanted).c_str());
-            const int smooth = (mesh.surfaces[i].flags & SURFACE_SMOOTH) != 0 ? 1 : 0;
-            if (smooth != shading)
-                append(text_, "s %s\n", (shading = smooth) != 0 ? "1" : "off");
-            surface(mesh, i);
+        for (const model_surface &s : node.surfaces) {
+            if (s.material != material)
+                out_.add("usemtl ", names_[static_cast<std::size_t>(material = s.material)], '\n');
+            if (!is_line(s) && int{s.smooth} != shading)
+                out_.add("s ", (shading = s.smooth) != 0 ? "1" : "off", '\n');
+            surface(node, s);
         }
-        first_point_ += mesh.num_vertices;
-        first_uv_ += mesh.num_corners;
+        first_point_ += static_cast<int>(node.points.size());
+        if (node.textured)
+            first_uv_ += static_cast<int>(node.uv.size() / 2);
     }
 
-    void surface(const vesk_mesh_arrays_t &mesh, int i)
+    void surface(const model_node &node, const model_surface &s)
     {
-        const int type = mesh.surfaces[i].flags & SURFACE_TYPE_MASK;
-        const bool line = type == SURFACE_LINE || type == SURFACE_CLOSED_LINE;
-        const int first = mesh.corner_offsets[i];
-        const int end = mesh.corner_offsets[i + 1];
-        if (end - first < (line ? 2 : 3))
-            return;
-        text_ += line ? "l" : "f";
-        for (int corner = first; corner < end; ++corner)
-            append(text_, " %d/%d", first_point_ + mesh.corners[corner], first_uv_ + corner);
-        if (type == SURFACE_CLOSED_LINE)
-            append(text_, " %d/%d", first_point_ + mesh.corners[first], first_uv_ + first);
-        text_ += '\n';
+        out_.add(is_line(s) ? 'l' : 'f');
+        for (int k = 0; k < s.count; ++k)
+            corner(node, s.first + k);
+        if (s.kind == SURFACE_CLOSED_LINE)
+            corner(node, s.first);
+        out_.add('\n');
     }
 
-    // The name of a palette entry together with the object's picture; it is described when it is
-    // first used.
-    std::string material_name(const object_t *object, int index)
+    void corner(const model_node &node, int k)
     {
-        if (index < 0 || index >= vesk_get_num_palette())
-            index = 0;
-        const char *picture =
-            object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
-        std::string name = one_word(vesk_material_get_name_index(index), "material");
-        append(name, "_%d", index);
-        if (picture != nullptr)
-            append(name, "_%d_%g_%g_%g_%g", object->texture,
-                   static_cast<double>(object->texture_repeat_x),
-                   static_cast<double>(object->texture_repeat_y),
-                   static_cast<double>(object->texture_offset_x),
-                   static_cast<double>(object->texture_offset_y));
-        if (described_.insert(name).second)
-            describe(name, *vesk_palette_get_material(index), object, picture);
-        return name;
+        out_.add(' ', first_point_ + node.corners[static_cast<std::size_t>(k)]);
+        if (node.textured)
+            out_.add('/', first_uv_ + k);
     }
 
-    void colour(const char *key, const float *rgb)
+    void describe(text_out &out, std::size_t i)
     {
-        append(materials_, "%s %g %g %g\n", key, static_cast<double>(rgb[0]),
-               static_cast<double>(rgb[1]), static_cast<double>(rgb[2]));
-    }
-
-    void describe(const std::string &name, const material &m, const object_t *object,
-                  const char *picture)
-    {
-        append(materials_, "newmtl %s\n", name.c_str());
-        colour("Ka", m.ambient);
-        colour("Kd", m.diffuse);
-        colour("Ks", m.specular);
-        colour("Ke", m.emissive);
-        append(materials_, "Ns %g\nd %g\n", static_cast<double>(m.shininess),
-               static_cast<double>(1 - m.transparency));
-        if (picture != nullptr) {
-            append(materials_, "map_Kd -s %g %g 1 -o %g %g 0 ",
-                   static_cast<double>(object->texture_repeat_x),
-                   static_cast<double>(object->texture_repeat_y),
-                   static_cast<double>(object->texture_offset_x),
-                   static_cast<double>(object->texture_offset_y));
-            materials_ += std::string(search_texture_save(filename_.c_str(), picture)) + "\n";
+        const material &m = scene_.materials[i].look;
+        out.add("newmtl ", names_[i], '\n');
+        const struct {
+            const char *key;
+            const float *rgb;
+        } colours[] = {
+            {"Ka", m.ambient}, {"Kd", m.diffuse}, {"Ks", m.specular}, {"Ke", m.emissive}};
+        for (const auto &colour : colours)
+            out.add(colour.key, ' ', colour.rgb[0], ' ', colour.rgb[1], ' ', colour.rgb[2], '\n');
+        out.add("Ns ", m.shininess, "\nd ", 1 - m.transparency, '\n');
+        const model_material &described = scene_.materials[i];
+        if (!described.picture.empty()) {
+            out.add("map_Kd ");
+            if (described.repeat[0] != 1 || described.repeat[1] != 1)
+                out.add("-s ", described.repeat[0], ' ', described.repeat[1], " 1 ");
+            if (described.offset[0] != 0 || described.offset[1] != 0)
+                out.add("-o ", described.offset[0], ' ', described.offset[1], " 0 ");
+            out.add(described.picture, '\n');
         }
-        materials_ += "\n";
+        out.add('\n');
     }
 
-    // Under another name first, so that a failure leaves the former file.
-    static bool write_file(const std::string &name, const std::string &text)
-    {
-        const std::string fresh = name + ".new";
-        std::FILE *file = std::fopen(fresh.c_str(), "wb");
-        if (file == nullptr)
-            return false;
-        const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-        if (std::fclose(file) == 0 && written && std::rename(fresh.c_str(), name.c_str()) == 0)
-            return true;
-        std::remove(fresh.c_str());
-        return false;
-    }
-
-    const std::string filename_;
-    std::string base_, text_, materials_;
-    std::set<std::string> described_;
+    const model &scene_;
+    text_out out_;
+    std::vector<std::string> names_;
     int first_point_ = 1, first_uv_ = 1;
 };
 
@@ -178,12 +135,18 @@ private:
 int obj_export(const char *filename)
 {
     const std::string name = filename;
-    obj_writer writer(name);
-    writer.tree(vesk_get_world());
-    if (!writer.write()) {
-        display_message("can't open file '%s' for writing", name.c_str());
+    model_wishes wishes;
+    wishes.lights = wishes.groups = false;
+    wishes.placing = true;
+    const model scene = take_model(filename, wishes);
+    obj_writer writer(scene);
+    const std::string materials = one_word(base_name(name), "scene") + ".mtl";
+    const std::string folder = vesk_filename_get_path(name.c_str());
+    const std::string beside = vesk_filename_concat_path_file(folder.c_str(), materials.c_str());
+    const std::string text = writer.geometry(materials);
+    if (!write_file(beside, writer.materials())) {
+        display_message("can't open file '%s' for writing", beside.c_str());
         return 0;
     }
-    display_message("written file %s", name.c_str());
-    return 1;
+    return finish_export(name, text, "OBJ");
 }

@@ -1,7 +1,7 @@
 #include "obj.h"
+#include "text.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -42,7 +42,9 @@ public:
         const std::string &key = words[0];
         if (key == "newmtl") {
             finish();
-            name_ = words.size() > 1 ? words[1] : "";
+            name_.clear();
+            for (std::size_t i = 1; i < words.size(); ++i)
+                name_ += (i > 1 ? " " : "") + words[i];
             material_init(&values_);
             current_ = obj_material();
             open_ = true;
@@ -99,27 +101,14 @@ std::vector<std::string> obj_words(const std::string &line)
     return words;
 }
 
-bool obj_read_file(const std::string &name, std::string *bytes)
-{
-    std::FILE *file = std::fopen(name.c_str(), "rb");
-    if (file == nullptr)
-        return false;
-    char buffer[65536];
-    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, file))
-        bytes->append(buffer, count);
-    const bool whole = std::ferror(file) == 0;
-    std::fclose(file);
-    return whole;
-}
-
-void obj_read_materials(const std::string &obj_file, const std::string &name,
+void obj_read_materials(const std::string &obj_file, const std::string &name, int line,
                         std::map<std::string, obj_material> &materials)
 {
     const std::string folder = vesk_filename_get_path(obj_file.c_str());
     const std::string path = vesk_filename_concat_path_file(folder.c_str(), name.c_str());
     std::string text;
-    if (!obj_read_file(path, &text)) {
-        debugf("obj: can't read the materials %s\n", path.c_str());
+    if (!read_file(path, &text)) {
+        vesk_report_warning(line, "the materials %s were not found", name.c_str());
         return;
     }
     material_reader reader(materials);

@@ -1,7 +1,6 @@
 // The bundled plug-in for OBJ and its neighbours, which knows the program by its public interface
 // alone.
 
-#include "app/home.h"
 #include "edit/selection.h"
 #include "model/bounds.h"
 #include "model/each.h"
@@ -9,51 +8,11 @@
 #include "model/palette.h"
 #include "model/world.h"
 #include "plugin/importers.h"
-#include "tests/plugin/plugin_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
+#include "tests/plugin/interchange_fixture.h"
 
 #include <random>
 
 namespace {
-
-class Interchange : public Plugins {
-protected:
-    void SetUp() override
-    {
-        Plugins::SetUp();
-        home_ = vesk_get_vesk_homedir() == nullptr ? "" : vesk_get_vesk_homedir();
-        vesk_set_homedir(VESK_BINARY_DIR "/home");
-        textures_reset_for_test();
-        vesk_register_builtin_texture_loaders();
-        write_text(temporary_file("wood.bmp"), write_bmp(sample_picture(4, 4, 0), {}));
-        ASSERT_EQ(plugin_load(bundled_plugin("interchange").c_str()), 1);
-    }
-    void TearDown() override
-    {
-        vesk_set_homedir(home_.c_str());
-        Plugins::TearDown();
-        textures_reset_for_test();
-    }
-    static std::string load(const std::string &name, const std::string &bytes)
-    {
-        const std::string file = temporary_file(name);
-        write_text(file, bytes);
-        return run("file_load", file);
-    }
-    static std::vector<object_t *> parts()
-    {
-        std::vector<object_t *> found;
-        for_each_object(vesk_get_world(), [&](object_t *object) {
-            if (object->num_surfaces > 0)
-                found.push_back(object);
-        });
-        return found;
-    }
-
-private:
-    std::string home_;
-};
 
 TEST_F(Interchange, AnObjFileComesWithMaterialsTexturesAndShading)
 {
@@ -112,7 +71,8 @@ TEST_F(Interchange, WhatIsWrittenIsReadBack)
     EXPECT_EQ(found[0]->texture_offset_x, 0.5f);
     EXPECT_NE(item_of<surface_t>(found[0]->surfaces)->shading, 0);
     EXPECT_EQ(item_of<surface_t>(found[1]->surfaces)->material, 4);
-    EXPECT_EQ(item_of<surface_t>(found[1]->surfaces)->num_refs, 5);
+    EXPECT_EQ(item_of<surface_t>(found[1]->surfaces)->num_refs, 4);
+    EXPECT_EQ(item_of<surface_t>(found[1]->surfaces)->type, SURFACE_CLOSED_LINE);
     run("select_all");
     EXPECT_EQ(run("get_selection_size"), size);
     EXPECT_EQ(run("write_obj", "/nowhere/x.obj"), "0");

@@ -2,6 +2,7 @@ target_sources(vesk_tests PRIVATE
     plugin/images_test.cpp
     plugin/interchange_test.cpp
     plugin/plugin_test.cpp
+    plugin/roundtrip_test.cpp
 )
 
 # Plug-ins for the tests, in plain C against the one public header.
@@ -15,7 +16,7 @@ function(vesk_test_plugin name source)
         LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     add_dependencies(vesk_tests ${name})
 endfunction()
-add_dependencies(vesk_tests images interchange)
+add_dependencies(vesk_tests images interchange scene_helper)
 vesk_test_plugin(sample_plugin sample_plugin.c)
 vesk_test_plugin(plugin_without_exit broken_plugin.c)
 vesk_test_plugin(plugin_refusing broken_plugin.c REFUSES)

@@ -19,6 +19,7 @@
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/world.h"
+#include "plugin/exporters.h"
 #include "plugin/importers.h"
 
 #include <cstring>
@@ -116,6 +117,8 @@ void SceneTest::SetUp()
     create_palette();
     importers_reset_for_test();
     vesk_register_internal_file_importers();
+    exporters_reset_for_test();
+    vesk_register_internal_file_exporters();
     selection_reset_for_test();
     modes_reset_for_test();
     uv_editor_reset_for_test();

@@ -1,0 +1,64 @@
+// The arrays of one object while a reader fills them.
+#ifndef INTERCHANGE_MESH_H
+#define INTERCHANGE_MESH_H
+
+#include <plugin/vesk.h>
+#include <string>
+#include <vector>
+
+struct mesh_arrays {
+    std::vector<float> points, uv;
+    std::vector<int> offsets{0}, corners;
+    std::vector<vesk_surface_attributes_t> surfaces;
+
+    [[nodiscard]] int num_points() const { return static_cast<int>(points.size() / 3); }
+
+    void add_corner(int point, float u, float v)
+    {
+        corners.push_back(point);
+        uv.push_back(u);
+        uv.push_back(v);
+    }
+
+    // Ends the surface whose corners were added since the last one. False, and none of them is left,
+    // when there are too few.
+    bool end_surface(int palette_index, int flags)
+    {
+        const int type = flags & SURFACE_TYPE_MASK;
+        const bool line = type == SURFACE_LINE || type == SURFACE_CLOSED_LINE;
+        const auto first = static_cast<std::size_t>(offsets.back());
+        if (corners.size() - first < (line ? 2u : 3u)) {
+            corners.resize(first);
+            uv.resize(2 * first);
+            return false;
+        }
+        offsets.push_back(static_cast<int>(corners.size()));
+        surfaces.push_back({palette_index, flags});
+        return true;
+    }
+
+    // A new object without normals.
+    [[nodiscard]] object_t *make_object(const std::string &name) const
+    {
+        object_t *object = new_object(OBJECT_POLY);
+        const int n = static_cast<int>(surfaces.size());
+        object_set_name(object, name.c_str());
+        vesk_object_add_vertices_from_float_array(object, points.data(), num_points());
+        vesk_object_add_surfaces_from_arrays(object, n, offsets.data(), corners.data(), uv.data(),
+                                             0);
+        vesk_object_set_surface_attributes(object, 0, n, surfaces.data());
+        return object;
+    }
+};
+
+// Palette index of a plain colour, 0xRRGGBB; the other values are those of a new material.
+inline int palette_index_of(unsigned rgb)
+{
+    material m;
+    material_init(&m);
+    for (int i = 0; i < 3; ++i)
+        m.diffuse[i] = static_cast<float>(rgb >> (16 - 8 * i) & 0xFF) / 255;
+    return vesk_palette_get_new_material_index(&m);
+}
+
+#endif

@@ -1,0 +1,258 @@
+#include "model.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <set>
+#include <tuple>
+
+namespace {
+
+struct frame {
+    float rotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    point3_t centre = {0, 0, 0};
+};
+
+point3_t row(const float *m, int i) { return {m[3 * i], m[3 * i + 1], m[3 * i + 2]}; }
+
+float dot(const point3_t &a, const point3_t &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+
+// A file may hold any nine numbers; only rotations can be undone by their transpose.
+bool is_rotation(const float *m)
+{
+    for (int i = 0; i < 3; ++i)
+        for (int k = 0; k <= i; ++k)
+            if (!(std::fabs(dot(row(m, i), row(m, k)) - (i == k ? 1.0f : 0.0f)) < 1e-3f))
+                return false;
+    const point3_t x = row(m, 0);
+    const point3_t y = row(m, 1);
+    const point3_t z = {x.y * y.z - x.z * y.y, x.z * y.x - x.x * y.z, x.x * y.y - x.y * y.x};
+    return dot(z, row(m, 2)) > 0;
+}
+
+frame frame_of(const object_t *object)
+{
+    frame f;
+    if (object->type == OBJECT_WORLD)
+        return f;
+    if (std::isfinite(dot(object->centre, object->centre)))
+        f.centre = object->centre;
+    if (is_rotation(object->rotation))
+        std::copy_n(object->rotation, 9, f.rotation);
+    return f;
+}
+
+// A direction of the world, in a frame.
+point3_t turned_into(const frame &f, const point3_t &d)
+{
+    return {dot(d, row(f.rotation, 0)), dot(d, row(f.rotation, 1)), dot(d, row(f.rotation, 2))};
+}
+
+point3_t moved_into(const frame &f, const point3_t &p)
+{
+    return turned_into(f, {p.x - f.centre.x, p.y - f.centre.y, p.z - f.centre.z});
+}
+
+class taker {
+public:
+    taker(const char *filename, const model_wishes &wishes) : filename_(filename), wishes_(wishes)
+    {
+        material_init(&plain_);
+    }
+
+    model run()
+    {
+        const frame world;
+        push_children(vesk_get_world(), -1, world);
+        while (!waiting_.empty()) {
+            const waiting_node next = waiting_.back();
+            waiting_.pop_back();
+            take(next);
+        }
+        vesk_report_loss(lines_, "lines");
+        vesk_report_loss(lights_, "lights");
+        vesk_report_loss(pictures_, "textures");
+        vesk_report_loss(smooth_, "smooth surfaces");
+        vesk_report_loss(groups_, "groups");
+        vesk_report_loss(coloured_, "shining colours");
+        vesk_report_note(cut_, "polygons cut into triangles");
+        return std::move(out_);
+    }
+
+private:
+    struct waiting_node {
+        object_t *object;
+        int parent;
+        frame outer;
+    };
+
+    // The first child comes out first.
+    void push_children(const object_t *object, int place, const frame &f)
+    {
+        std::vector<object_t *> children;
+        for (const listitem *at = object->children; at != nullptr; at = at->next)
+            children.push_back(reinterpret_cast<object_t *>(at->data));
+        for (std::size_t i = children.size(); i > 0; --i)
+            waiting_.push_back({children[i - 1], place, f});
+    }
+
+    void take(const waiting_node &next)
+    {
+        object_t *object = next.object;
+        const bool light = object->type == OBJECT_LIGHT;
+        const bool bare = object->num_surfaces == 0;
+        if (!wishes_.groups && bare) {
+            (light ? lights_ : groups_) += 1;
+            push_children(object, -1, frame());
+            return;
+        }
+        if (light && !wishes_.lights)
+            ++lights_;
+        const frame own = wishes_.groups ? frame_of(object) : frame();
+        model_node node;
+        node.name = object->name;
+        node.parent = wishes_.groups ? next.parent : -1;
+        node.light = light && wishes_.lights;
+        node.place = moved_into(next.outer, own.centre);
+        for (int i = 0; i < 3; ++i) {
+            const point3_t axis = turned_into(next.outer, row(own.rotation, i));
+            node.rotation[3 * i] = axis.x;
+            node.rotation[3 * i + 1] = axis.y;
+            node.rotation[3 * i + 2] = axis.z;
+        }
+        const float still[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+        node.moved = dot(node.place, node.place) != 0;
+        for (int i = 0; i < 9; ++i)
+            node.moved = node.moved || node.rotation[i] != still[i];
+        geometry(object, own, node);
+        const int place = static_cast<int>(out_.nodes.size());
+        if (node.parent >= 0)
+            out_.nodes[static_cast<std::size_t>(node.parent)].children.push_back(place);
+        out_.nodes.push_back(std::move(node));
+        push_children(object, place, own);
+    }
+
+    void geometry(object_t *object, const frame &own, model_node &node)
+    {
+        const vesk_mesh_arrays_t mesh = vesk_object_get_mesh_arrays(object);
+        for (int i = 0; i < mesh.num_vertices; ++i) {
+            node.points.push_back(moved_into(own, mesh.positions[i]));
+            node.normals.push_back(turned_into(own, mesh.normals[i]));
+        }
+        node.corners.assign(mesh.corners, mesh.corners + mesh.num_corners);
+        for (int i = 0; i < mesh.num_corners; ++i) {
+            const float u = mesh.uv[2 * i];
+            const float v = mesh.uv[2 * i + 1];
+            node.uv.push_back(
+                wishes_.placing ? u : u * object->texture_repeat_x + object->texture_offset_x);
+            node.uv.push_back(
+                wishes_.placing ? v : v * object->texture_repeat_y + object->texture_offset_y);
+            node.textured = node.textured || mesh.uv[2 * i] != 0 || mesh.uv[2 * i + 1] != 0;
+        }
+        const char *picture =
+            object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
+        bool shown = false;
+        for (int i = 0; i < mesh.num_surfaces; ++i)
+            shown =
+                surface(object, own, mesh, i, wishes_.pictures ? picture : nullptr, node) || shown;
+        pictures_ += shown && picture != nullptr && !wishes_.pictures ? 1 : 0;
+    }
+
+    bool surface(const object_t *object, const frame &own, const vesk_mesh_arrays_t &mesh, int i,
+                 const char *picture, model_node &node)
+    {
+        const int flags = mesh.surfaces[i].flags;
+        model_surface s = {};
+        s.kind = flags & SURFACE_TYPE_MASK;
+        s.kind = s.kind == SURFACE_LINE || s.kind == SURFACE_CLOSED_LINE ? s.kind : 0;
+        s.first = mesh.corner_offsets[i];
+        s.count = mesh.corner_offsets[i + 1] - s.first;
+        if (s.count < (is_line(s) ? 2 : 3))
+            return false;
+        if (is_line(s) && !wishes_.lines) {
+            ++lines_;
+            return false;
+        }
+        s.smooth = !is_line(s) && (flags & SURFACE_SMOOTH) != 0;
+        smooth_ += s.smooth && !wishes_.smooth ? 1 : 0;
+        cut_ += !wishes_.polygons && !is_line(s) && s.count > 3 ? 1 : 0;
+        s.normal = turned_into(own, mesh.face_normals[i]);
+        s.material = material_place(mesh.surfaces[i].material, object, picture,
+                                    !wishes_.sides || (flags & SURFACE_TWOSIDED) != 0);
+        node.surfaces.push_back(s);
+        return true;
+    }
+
+    // The material of a palette entry with a texture, described when it is first used.
+    int material_place(int index, const object_t *object, const char *picture, bool twosided)
+    {
+        if (index < 0 || index >= vesk_get_num_palette())
+            index = 0;
+        std::array<float, 4> place = {1, 1, 0, 0};
+        if (wishes_.placing && picture != nullptr)
+            place = {object->texture_repeat_x, object->texture_repeat_y, object->texture_offset_x,
+                     object->texture_offset_y};
+        const material_key key(index, picture == nullptr ? -1 : object->texture, twosided, place);
+        const auto found = known_.find(key);
+        if (found != known_.end())
+            return found->second;
+        model_material m;
+        m.look = *vesk_palette_get_material(index);
+        m.twosided = twosided;
+        std::copy_n(place.begin(), 2, m.repeat);
+        std::copy_n(place.begin() + 2, 2, m.offset);
+        const char *name = vesk_material_get_name_index(index);
+        const std::string wanted = name == nullptr || *name == '\0' ? "material" : name;
+        m.name = wanted;
+        for (int number = 1; !names_.insert(m.name).second; ++number)
+            m.name = wanted + "_" + std::to_string(number);
+        if (picture != nullptr)
+            m.picture = search_texture_save(filename_.c_str(), picture);
+        if (!wishes_.colours) {
+            bool differs = m.look.shininess != plain_.shininess;
+            for (int i = 0; i < 3; ++i)
+                differs = differs || m.look.specular[i] != plain_.specular[i] ||
+                          m.look.emissive[i] != plain_.emissive[i];
+            coloured_ += differs ? 1 : 0;
+        }
+        out_.materials.push_back(m);
+        return known_[key] = static_cast<int>(out_.materials.size()) - 1;
+    }
+
+    const std::string filename_;
+    const model_wishes wishes_;
+    material plain_;
+    model out_;
+    std::vector<waiting_node> waiting_;
+    using material_key = std::tuple<int, int, bool, std::array<float, 4>>;
+    std::map<material_key, int> known_;
+    std::set<std::string> names_;
+    int lines_ = 0, lights_ = 0, pictures_ = 0, smooth_ = 0, groups_ = 0, cut_ = 0, coloured_ = 0;
+};
+
+} // namespace
+
+model take_model(const char *filename, const model_wishes &wishes)
+{
+    vesk_report_export(filename);
+    return taker(filename, wishes).run();
+}
+
+void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out)
+{
+    const std::size_t before = out.size();
+    if (surface.count == 3) {
+        out.insert(out.end(), {surface.first, surface.first + 1, surface.first + 2});
+        return;
+    }
+    std::vector<point3_t> outline;
+    for (int i = 0; i < surface.count; ++i)
+        outline.push_back(node.points[static_cast<std::size_t>(
+            node.corners[static_cast<std::size_t>(surface.first + i)])]);
+    out.resize(before + 3 * static_cast<std::size_t>(surface.count - 2));
+    const int triangles = vesk_cut_polygon(outline.data(), surface.count, &out[before]);
+    out.resize(before + 3 * static_cast<std::size_t>(triangles));
+    for (std::size_t i = before; i < out.size(); ++i)
+        out[i] += surface.first;
+}

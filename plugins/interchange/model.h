@@ -1,0 +1,67 @@
+// The scene as the writers want it: frames relative to the parent, points in the object's own
+// frame, materials by name with their textures.
+#ifndef INTERCHANGE_MODEL_H
+#define INTERCHANGE_MODEL_H
+
+#include <plugin/vesk.h>
+#include <string>
+#include <vector>
+
+struct model_material {
+    std::string name; // no two have the same
+    material look;
+    std::string picture; // the texture's file as it is to be named in the model file, "" for none
+    bool twosided = true;
+    float repeat[2] = {1, 1}, offset[2] = {0, 0}; // where the coordinates do not hold them
+};
+
+struct model_surface {
+    int material; // of the model's
+    int kind;     // SURFACE_POLYGON, SURFACE_LINE or SURFACE_CLOSED_LINE
+    bool smooth;
+    int first, count; // corners
+    point3_t normal;
+};
+
+struct model_node {
+    std::string name;
+    int parent = -1; // an earlier node
+    std::vector<int> children;
+    bool light = false;
+    float rotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1}; // v x rotation + place leads to the parent
+    point3_t place = {0, 0, 0};
+    bool moved = false;                    // the frame is not the parent's
+    std::vector<point3_t> points, normals; // in the own frame
+    std::vector<model_surface> surfaces;   // without those that show nothing
+    std::vector<int> corners;              // indices of points
+    std::vector<float> uv;                 // two a corner
+    bool textured = false;
+};
+
+struct model {
+    std::vector<model_node> nodes; // parents before their children
+    std::vector<model_material> materials;
+};
+
+// What a format has a place for; the rest is counted in the report.
+struct model_wishes {
+    bool lines = true;
+    bool lights = true;
+    bool pictures = true;
+    bool smooth = true;
+    bool groups = true;   // else everything stands in the world's frame, and groups are left out
+    bool polygons = true; // else how many are cut into triangles is noted
+    bool sides = false;   // materials say which sides are drawn
+    bool placing = false; // of textures, by materials; else by the texture coordinates
+    bool colours = true;  // the materials' specular colour and so on
+};
+
+// The whole world. `filename` is that of the file to be written.
+model take_model(const char *filename, const model_wishes &wishes);
+
+// Three corner numbers (of the node) for each triangle of a polygon.
+void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out);
+
+inline bool is_line(const model_surface &surface) { return surface.kind != SURFACE_POLYGON; }
+
+#endif

@@ -1,0 +1,53 @@
+#ifndef VESK_TESTS_PLUGIN_INTERCHANGE_FIXTURE_H
+#define VESK_TESTS_PLUGIN_INTERCHANGE_FIXTURE_H
+
+// The bundled plug-in for foreign formats is loaded, in the home directory of the build; the texture
+// wood.bmp lies in the temporary folder.
+
+#include "app/home.h"
+#include "model/each.h"
+#include "model/object_tree.h"
+#include "model/world.h"
+#include "tests/plugin/plugin_test.h"
+#include "tests/view/image_writer.h"
+#include "view/textures.h"
+
+class Interchange : public Plugins {
+protected:
+    void SetUp() override
+    {
+        Plugins::SetUp();
+        home_ = vesk_get_vesk_homedir() == nullptr ? "" : vesk_get_vesk_homedir();
+        vesk_set_homedir(VESK_BINARY_DIR "/home");
+        textures_reset_for_test();
+        vesk_register_builtin_texture_loaders();
+        write_text(temporary_file("wood.bmp"), write_bmp(sample_picture(4, 4, 0), {}));
+        ASSERT_EQ(plugin_load(bundled_plugin("interchange").c_str()), 1);
+    }
+    void TearDown() override
+    {
+        vesk_set_homedir(home_.c_str());
+        Plugins::TearDown();
+        textures_reset_for_test();
+    }
+    static std::string load(const std::string &name, const std::string &bytes)
+    {
+        const std::string file = temporary_file(name);
+        write_text(file, bytes);
+        return run("file_load", file);
+    }
+    static std::vector<object_t *> parts()
+    {
+        std::vector<object_t *> found;
+        for_each_object(vesk_get_world(), [&](object_t *object) {
+            if (object->num_surfaces > 0)
+                found.push_back(object);
+        });
+        return found;
+    }
+
+private:
+    std::string home_;
+};
+
+#endif
