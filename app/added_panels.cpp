@@ -3,15 +3,29 @@
 #include "app/added_commands.h"
 #include "app/command_result.h"
 #include "app/command_row.h"
+#include "app/messages.h"
 #include "app/prefs.h"
+#include "edit/measure.h"
+#include "edit/modes.h"
 #include "edit/object_place.h"
 #include "edit/object_properties.h"
 #include "edit/panel_transform.h"
+#include "edit/selection.h"
+#include "edit/uv_editor.h"
+#include "model/each.h"
+#include "model/flat_mesh.h"
 #include "model/identity.h"
+#include "model/object_tree.h"
+#include "model/palette.h"
+#include "model/world.h"
 #include "view/interaction.h"
 #include "view/pick.h"
+#include "view/redraw.h"
+#include "view/texture_preview.h"
 #include "view/views_internal.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -28,6 +42,72 @@ void command_object_at(int view, int x, int y)
     if (!hits.empty()) {
         command_result_set(std::to_string(object_identity(hits.front().object)).c_str());
     }
+}
+
+// Surfaces of each palette entry.
+void command_material_counts()
+{
+    std::vector<int> counts(static_cast<std::size_t>(vesk_get_num_palette()));
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        for (const flat_surface &surface : *object_flat(object)->surfaces) {
+            if (surface.material >= 0 && surface.material < static_cast<int>(counts.size()))
+                ++counts[static_cast<std::size_t>(surface.material)];
+        }
+    });
+    command_result_set("");
+    for (const int count : counts)
+        command_result_append_element(count);
+}
+
+// Selects every surface of a palette entry, of what is visible and unlocked.
+void command_material_select(int entry)
+{
+    set_new_select_mode(SELECT_SURFACE);
+    clear_selection();
+    owned_list found;
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        if (object->visible == 0 || object->locked != 0)
+            return;
+        const flat_ptr mesh = object_flat(object);
+        for (std::size_t i = 0; i < mesh->surfaces->size(); ++i) {
+            if ((*mesh->surfaces)[i].material == entry)
+                found.add((*mesh->surface_records)[i]);
+        }
+    });
+    select_surfacelist(found.get());
+    redraw_all();
+    display_status();
+}
+
+// The outlines in the picture that the editor of texture coordinates would show: one element a
+// surface, 1 or 0 for whether all of it is chosen, then u v of its corners; at most so many.
+void command_uv_outlines(int most)
+{
+    const uv_state &state = uv_editor();
+    command_result_set("");
+    std::string line;
+    for (int s = 0; s < std::min(most, state.mesh.num_surfaces()); ++s) {
+        bool chosen = state.num_chosen > 0;
+        std::string corners;
+        for (int c = state.mesh.corners_begin(s); c < state.mesh.corners_end(s); ++c) {
+            const auto place = static_cast<std::size_t>(c);
+            chosen = chosen && state.chosen[place] != 0;
+            char text[64];
+            snprintf(text, sizeof text, " %.5g %.5g", static_cast<double>(state.mesh.at[place].u),
+                     static_cast<double>(state.mesh.at[place].v));
+            corners += text;
+        }
+        line = (chosen ? "1" : "0") + corners;
+        command_result_append_element(std::string_view(line));
+    }
+}
+
+// The number of the texture on what the editor would show, -1 for none.
+void command_uv_texture()
+{
+    const object_t *object = uv_picture_object();
+    const int id = object == nullptr || object->has_texture == 0 ? -1 : object->texture;
+    command_result_set(std::to_string(id).c_str());
 }
 
 } // namespace
@@ -67,6 +147,22 @@ void register_panel_commands()
                       "<string object_ids> <string name, url, data, visible or locked> "
                       "<string value>",
                       "set a property of objects, with an undo record");
+    const vesk_command_t tab_rows[] = {
+        command_row("material_counts", command_material_counts, nullptr,
+                    "returns the number of surfaces of each palette entry"),
+        command_row("material_select", command_material_select, "<int entrynum>",
+                    "select the surfaces of a palette entry"),
+        command_row("uv_outlines", command_uv_outlines, "<int most>",
+                    "returns the outlines that the editor of texture coordinates shows"),
+        command_row("uv_texture", command_uv_texture, nullptr,
+                    "returns the id of the texture that the editor shows, or -1"),
+        command_row("picture_photo", command_picture_photo, "<string file> <int size>",
+                    "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("measure", command_measure, nullptr,
+                    "tell distances, angles, areas and volumes of the selection"),
+    };
     for (const vesk_command_t &row : rows)
+        command_add_own(row);
+    for (const vesk_command_t &row : tab_rows)
         command_add_own(row);
 }

@@ -259,7 +259,8 @@ const command_kind_row_t kinds[] = {
     {"check_model", query}, {"check_counts", query}, {"check_select", view},
     {"autosave", query}, {"recovery_list", query}, {"recovery_drop", view},
     {"set_backup_versions", view}, {"prefs_rows", query}, {"axis_colours", view},
-    {"plugins_skip", view},
+    {"plugins_skip", view}, {"material_counts", query}, {"material_select", view},
+    {"uv_outlines", query}, {"uv_texture", query}, {"picture_photo", query}, {"measure", query},
     {"uv_info", query}, {"uv_islands", query}, {"uv_stretch", query}, {"uv_overlaps", query},
     {"uv_keep", view},
 };

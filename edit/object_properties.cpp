@@ -52,7 +52,22 @@ const property_t properties[] = {
          o->locked = flag_of(v);
          object_mark(o, CHANGED_RECORD);
      }},
+    {"type", "set type", false,
+     [](const object_t *o) { return value_t(object_type_word(o->type)); },
+     [](object_t *o, const value_t &v) {
+         o->type = *v == "group" ? OBJECT_GROUP : OBJECT_POLY;
+         object_mark(o, CHANGED_RECORD);
+         tree_mark();
+     }},
 };
+
+// A group has no geometry of its own; lights and the world stay what they are.
+bool can_be(const object_t *object, const std::string &type)
+{
+    const bool changes = object->type != OBJECT_LIGHT && object->type != OBJECT_WORLD;
+    return changes && (type == "poly" ||
+                       (type == "group" && object->num_surfaces == 0 && object->num_vertices == 0));
+}
 
 const property_t *property(const char *key)
 {
@@ -99,7 +114,7 @@ void command_objects_set(int, const char *const *words)
         const value_t before = what->get(object);
         const bool same =
             what->is_flag ? flag_of(before) == flag_of(value) : before.value_or("") == *value;
-        if (!same) {
+        if (!same && (what->key != std::string("type") || can_be(object, *value))) {
             differing.push_back(object);
         }
     }

@@ -29,6 +29,7 @@ target_sources(vesk_core PRIVATE
     edit/modes.cpp
     edit/nearest_points.cpp
     edit/object_flags.cpp
+    edit/measure.cpp
     edit/optimize.cpp
     edit/outline.cpp
     edit/object_place.cpp

@@ -40,6 +40,8 @@ proc ::vesk::console::build {frame} {
     bind $w <Down> {::vesk::console::recall -1; break}
     bind $w <Tab> {::vesk::console::complete; break}
     bind $w <Escape> {::vesk::view::focus_last; break}
+    bind $frame.text <Button-3> {::vesk::savedtools::context %X %Y}
+    bind $frame.text <Button-1> {focus %W}
     colours
     ::vesk::theme::follow ::vesk::console::colours
     foreach line $lines {append_line {*}$line}
@@ -52,6 +54,7 @@ proc ::vesk::console::colours {} {
     foreach {tag name} {prompt accent command text note dim result dim error error} {
         $path.text tag configure $tag -foreground [::vesk::theme::colour $name]
     }
+    $path.text tag raise sel
     $path.input.prompt configure -foreground [::vesk::theme::colour accent]
 }
 
@@ -82,6 +85,20 @@ proc ::vesk::console::append_line {text kind} {
     if {$extra > 0} {$w delete 1.0 [expr {$extra + 1}].0}
     $w configure -state disabled
     if {$at_end} {$w see end}
+}
+
+# last --
+#   The last lines, as they stand there.
+proc ::vesk::console::last {count} {
+    variable path
+    return [split [string trimright [$path.text get "end - $count lines" end]] \n]
+}
+
+proc ::vesk::console::empty {} {
+    variable path
+    $path.text configure -state normal
+    $path.text delete 1.0 end
+    $path.text configure -state disabled
 }
 
 # show, toggle --

@@ -12,6 +12,7 @@ namespace eval ::vesk::dialogs {
         set_texture_repeats set_texture_offsets}
     variable live_limit 20000   ;# vertices
     variable session {}         ;# of the open options: start, now, words, timer
+    variable last ""            ;# of the options kept last: title, target, help, start, now
     array set kept {}
 }
 
@@ -273,7 +274,8 @@ proc ::vesk::dialogs::show_text {title text {columns 72} {lines 24}} {
 #             choice {text value ...}
 #             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
 #             pref KEY number|int|bool   edits a preference, is no argument
-proc ::vesk::dialogs::ask {title target help} {
+#   before  of the operation whose options are opened again, as `last`; "" for a new one
+proc ::vesk::dialogs::ask {title target help {before ""}} {
     variable fields
     set command [lindex $target 0]
     set items [lrange $target 1 end]
@@ -302,6 +304,14 @@ proc ::vesk::dialogs::ask {title target help} {
     set run [list ::vesk::dialogs::run_options $w $command $items]
     set close [list ::vesk::dialogs::close_options $w]
     begin_session $w $command $items
+    variable session
+    dict set session row [dict create title $title target $target help $help]
+    if {$before ne ""} {
+        # What is there now is the result; what the fields say is what it was made with.
+        dict set session start [dict get $before start]
+        dict set session words [dict get $before words]
+        dict set session original [lindex [dict get $before words] 1]
+    }
     ttk::frame $w.in.row -style Panel.TFrame
     ttk::button $w.in.row.apply -style Panel.Default.TButton -command $run \
         -text [expr {[is_live] ? "Keep" : "Apply"}]
@@ -511,15 +521,27 @@ proc ::vesk::dialogs::run_options {w command items} {
     }
     live_update
     ::vesk::ops::echo vesk {*}$words
+    variable last [dict merge [dict get $session row] [dict create \
+        start [dict get $session start] now [history_place] words [dict get $session words]]]
     dict set session now -1
     close_options $w
+}
+
+# restore_original --
+#   The result that was there before its options were opened once more.
+proc ::vesk::dialogs::restore_original {} {
+    variable session
+    variable fields
+    set row -1
+    foreach text [dict get $session original] {set fields([incr row]) $text}
+    live_update
 }
 
 proc ::vesk::dialogs::close_options {w} {
     variable session
     after cancel [dict get $session timer]
     if {[is_live] && [dict get $session now] != -1} {
-        live_take_back
+        if {[dict exists $session original]} restore_original else live_take_back
         vesk redraw_all
         ::vesk::ops::request
     }

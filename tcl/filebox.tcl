@@ -88,6 +88,10 @@ proc ::vesk::filebox::build {w title} {
     $w.list column size -width [::vesk::theme::px 80] -anchor e -stretch 0
     $w.list column time -width [::vesk::theme::px 130] -anchor e -stretch 0
     ttk::scrollbar $w.bar -style Field.Vertical.TScrollbar -command [list $w.list yview]
+    ttk::frame $w.preview -style Panel.TFrame -padding [::vesk::theme::px 12]
+    ttk::label $w.preview.picture -style Panel.TLabel
+    ttk::label $w.preview.size -style Panel.Dim.TLabel
+    pack $w.preview.picture $w.preview.size -pady [::vesk::theme::pad 0 8]
     ttk::frame $w.bottom -style Panel.TFrame
     ttk::frame $w.line -style Panel.TFrame
     ttk::label $w.line.label -style Panel.Dim.TLabel \
@@ -105,11 +109,12 @@ proc ::vesk::filebox::build {w title} {
         -text [dict get {open Open save Save folder Choose} $how] \
         -command [list ::vesk::filebox::accept $w]
     pack $w.bottom.ok $w.bottom.cancel -side right -padx [list $p 0]
-    grid $w.top - - -sticky we -padx $p -pady $p
-    grid $w.places $w.list $w.bar -sticky nswe
+    grid $w.top - - - -sticky we -padx $p -pady $p
+    grid $w.places $w.list $w.bar $w.preview -sticky nswe
+    grid remove $w.preview
     grid configure $w.places -padx [list 0 [::vesk::theme::px 1]]
-    grid $w.line - - -sticky we -padx $p -pady $p
-    grid $w.bottom - - -sticky we -padx $p -pady [list 0 $p]
+    grid $w.line - - - -sticky we -padx $p -pady $p
+    grid $w.bottom - - - -sticky we -padx $p -pady [list 0 $p]
     pack $w.bottom.message -side left
     grid columnconfigure $w 1 -weight 1
     grid rowconfigure $w 1 -weight 1
@@ -229,6 +234,34 @@ proc ::vesk::filebox::selected {w} {
     if {$item eq "" || ![dict exists $shown $item]} {return}
     lassign [dict get $shown $item] kind text
     if {$kind eq "file"} {set name $text}
+    after cancel ::vesk::filebox::preview
+    after 80 ::vesk::filebox::preview
+}
+
+# preview --
+#   The chosen file's picture, where it is one; the size of what the file holds below it.
+proc ::vesk::filebox::preview {} {
+    variable shown
+    variable folder
+    set w .filebox
+    if {![winfo exists $w.preview]} {return}
+    set item [lindex [$w.list selection] 0]
+    set told {}
+    if {$item ne "" && [dict exists $shown $item]} {
+        lassign [dict get $shown $item] kind text
+        if {$kind eq "file"} {
+            set told [vesk picture_photo [file join $folder $text] [::vesk::theme::px 180]]
+        }
+    }
+    if {[llength $told] < 4} {
+        grid remove $w.preview
+        return
+    }
+    lassign $told photo width height depth
+    $w.preview.picture configure -image $photo
+    $w.preview.size configure -text "$width \u00d7 $height, [dict get {1 grey 2 {grey, see-through}
+        3 colour 4 {colour, see-through}} $depth]"
+    grid $w.preview
 }
 
 # accept --

@@ -83,6 +83,20 @@ proc ::vesk::help::commands {} {
     ::vesk::dialogs::show_text Commands [vesk list] 90 30
 }
 
+# page --
+#   Opens a page of the documents in the browser; the manual where that page is missing.
+proc ::vesk::help::page {name} {
+    set folder [file join $::VESK_HOME docs]
+    foreach one [list $name manual] {
+        set file [file join $folder $one.html]
+        if {[file exists $file]} {
+            ::vesk::ops::run start_web_browser file://[string map {" " %20} $file]
+            return
+        }
+    }
+    display_message "the pages of the manual are not in $folder"
+}
+
 # show_result --
 #   Runs a command and shows what it answers.
 proc ::vesk::help::show_result {command title} {

@@ -170,7 +170,7 @@ proc ::vesk::issues::show {} {
     variable open_limit
     variable filling
     set sum [total]
-    set_title [expr {$sum == 0 ? "" : $sum > 999 ? "999+" : $sum}]
+    set_title [expr {$sum == 0 ? "" : $sum > 999 ? "[expr {$sum / 1000}]k" : $sum}]
     if {$path eq ""} {return}
     set filling 1
     set known [$list children {}]

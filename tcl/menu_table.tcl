@@ -65,6 +65,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Redo" {redo} Ctrl+Shift+Z redo "Makes the change again that was taken back."}
     {call "&History..." {::vesk::history::open} Ctrl+H "" "Lists the changes; a click goes back or forth."}
     {run "Repeat the la&st" {repeat_last} Ctrl+R "" "Does the last operation again."}
+    {call "Ad&just the last..." {::vesk::adjust::open} Ctrl+Shift+R "" "The options of the last operation once more."}
     {line}
     {run "Cu&t" {clipboard_cut} Ctrl+X some "Copies the selection and deletes it."}
     {run "&Copy" {clipboard_copy} Ctrl+C some "Copies the selection to the clipboard."}

@@ -111,6 +111,10 @@
     {call "Operation se&ttings" {::vesk::operations::open} Ctrl+E ""
         "Numbers that the operations use."}
     {line}
+    {run "M&easure" {measure} "" some
+        "Distance, angle, area, volume of the selection."}
+    {menu "M&y tools" mytools "" "" "Lines of the console that were saved as tools."}
+    {line}
     {show "Model &information" {get_info "Model information"} "" "" "Counts, textures, materials, memory."}
     {ask "Run a &program..." {execute {"Command line" text {}}} "" "" "Starts a program."}
 }
@@ -137,10 +141,19 @@
         "Orange and blue in place of red and green, views included."}
 }
 ::vesk::menus::define help "&Help" {
+    {call "&Manual" {::vesk::help::page manual} "" "" "By task, in the browser."}
+    {call "Tou&r" {::vesk::help::page tour} "" "" "A table lamp from nothing, step by step."}
+    {call "&Scripting" {::vesk::help::page scripting} "" "" "Every command, with examples."}
+    {call "Plug-&in guide" {::vesk::help::page plugins} "" "" "How to write plug-ins."}
+    {call "&File formats" {::vesk::help::page file-format} "" "" "Models, settings, and what is exchanged with others."}
+    {call "&Batch recipes" {::vesk::help::page batch} "" "" "Work without a window."}
+    {call "&Performance" {::vesk::help::page performance} "" "" "What was measured, and how to keep big models quick."}
+    {line}
     {call "&Keys" {::vesk::help::keys} F1 "" "Every key, view by view."}
     {call "&Tips" {::vesk::tips::open} "" "" "Short advice."}
     {call "&Commands" {::vesk::help::commands} "" "" "Every command with its arguments."}
     {line}
+    {call "Report a pr&oblem..." {::vesk::report::open} "" "" "Copies the version and the last lines of the console."}
     {call "&About VESK" {::vesk::help::about} "" "" "Version and build."}
 }
 # Context menus of the views: rows of the menus above, by their first word.

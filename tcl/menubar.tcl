@@ -231,8 +231,11 @@ proc ::vesk::menus::refresh {name path} {
             set possible [possible $row $state]
             $path entryconfigure $entry -state [expr {$possible ? "normal" : "disabled"}]
         }
-        if {[lindex $row 0] eq "menu" && [lindex $row 2] eq "recent"} {
-            ::vesk::files::fill_recent $path.recent
+        if {[lindex $row 0] eq "menu"} {
+            switch -- [lindex $row 2] {
+                recent  {::vesk::files::fill_recent $path.recent}
+                mytools {::vesk::savedtools::fill_menu $path.mytools}
+            }
         }
         incr entry
     }

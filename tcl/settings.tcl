@@ -21,6 +21,7 @@ namespace eval ::vesk::settings {
         view_shown all
         view_places {}
         view_windows {}
+        saved_tools {}
     }
     variable defaults $values
     # Keys that the file may hold although no default stands above: {pattern ...}

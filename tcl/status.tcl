@@ -82,6 +82,10 @@ proc ::vesk::status::build_badges {line} {
         -compound left -command {::vesk::ops::run unhide} -takefocus 0
     ttk::button $line.locked -style Icon.Toolbutton -image [::vesk::icons::get lock dim] \
         -compound left -command {::vesk::ops::run unlock} -takefocus 0
+    ttk::button $line.socket -style Icon.Toolbutton -image [::vesk::icons::get socket] \
+        -compound left -command {::vesk::preferences::open Advanced} -takefocus 0
+    ::vesk::tips::attach $line.socket "Commands from a socket" "" \
+        "Other programs of this computer may send commands."
     ttk::button $line.console -style Icon.Toolbutton -image [::vesk::icons::get console dim] \
         -command ::vesk::console::toggle -takefocus 0
     ::vesk::tips::attach $line.hidden "Hidden objects" "" "Click to show all."
@@ -200,6 +204,19 @@ proc ::vesk::status::show_badges {hidden locked} {
     fit_later
 }
 
+# show_socket --
+#   The badge of the command socket.
+proc ::vesk::status::show_socket {on} {
+    variable path
+    if {$on} {
+        $path.socket configure -text $::prefs_tcl_socket_port
+        pack $path.socket -side right -padx [::vesk::theme::pad 8 0] -after $path.console
+    } else {
+        pack forget $path.socket
+    }
+    fit_later
+}
+
 proc ::vesk::status::show_undo {} {
     variable path
     variable undo_label
@@ -223,7 +240,7 @@ proc ::vesk::status::fit {} {
     variable path
     if {![winfo exists $path] || [winfo width $path] < 50} {return}
     set room [expr {[winfo width $path] - [::vesk::theme::px 20]}]
-    foreach part {console locked hidden} {
+    foreach part {console socket locked hidden} {
         if {[winfo manager $path.$part] ne ""} {
             incr room -[expr {[winfo reqwidth $path.$part] + [::vesk::theme::px 8]}]
         }

@@ -52,7 +52,7 @@ proc ::vesk::theme::init {theme percent} {
     ::vesk::icons::open $S
     apply $theme
     # Control+A selects in a field, as everywhere else; not the start of the line.
-    foreach class {Entry TEntry} {
+    foreach class {Entry TEntry TCombobox} {
         bind $class <Control-Key-a> {%W selection range 0 end; %W icursor end}
     }
 }
@@ -411,7 +411,9 @@ proc ::vesk::theme::recolour {w} {
                 -selectbackground [colour sel] -selectforeground [colour on_sel]
         }
         Text {
+            $w tag raise sel
             $w configure -background [colour field] -foreground [colour text] \
+                -inactiveselectbackground [colour sel] \
                 -selectbackground [colour sel] -selectforeground [colour on_sel] \
                 -insertbackground [colour text]
         }

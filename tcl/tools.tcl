@@ -48,7 +48,7 @@ namespace eval ::vesk::tools {
         {insert insert "" insert_vertex "" "Insert vertices"
             "Divides the selected edges in the middle." ""}
         {measure measure "" measure "" "Measure"
-            "Tells the distance of two points." "Click two points."}
+            "Distance, angle, area, volume of the selection." ""}
         {zoom zoom zoom create "" "Zoom" "Drag a rectangle to see it larger." "Drag a rectangle to see it larger."}
     }
     # The same without the partings.

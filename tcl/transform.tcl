@@ -77,7 +77,11 @@ proc ::vesk::transform::build {tab} {
         ::vesk::tips::attach $tab.flags.$key $label "" $help
         pack $tab.flags.$key -side left -padx [::vesk::theme::pad 0 14]
     }
-    ttk::label $tab.flags.type -style Panel.Dim.TLabel -anchor e
+    ttk::combobox $tab.flags.type -style Panel.TCombobox -width 7 -state readonly \
+        -values {poly group}
+    bind $tab.flags.type <<ComboboxSelected>> ::vesk::transform::type_chosen
+    ::vesk::tips::attach $tab.flags.type Type "" \
+        "A group has no geometry of its own; lights stay lights."
     pack $tab.flags.type -side right
     grid $tab.flags -row [incr row] -column 1 -columnspan 3 -sticky we \
         -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::pad 4 0]
@@ -185,13 +189,30 @@ proc ::vesk::transform::show_flags {ids infos} {
     variable path
     variable flag
     set types [lsort -unique [lmap info $infos {dict get $info type}]]
-    $path.flags.type configure -text [expr {[llength $types] > 1 ? "\u2013" : [lindex $types 0]}]
+    $path.flags.type set [expr {[llength $types] > 1 ? "\u2013" : [lindex $types 0]}]
+    set can 0
+    foreach info $infos {
+        set geometry [expr {[dict get $info surfaces] + [dict get $info vertices]}]
+        set type [dict get $info type]
+        if {($type in {poly cube sphere} && $geometry == 0) || $type in {group cube sphere}} {set can 1}
+    }
+    $path.flags.type state [expr {$can ? "!disabled" : "disabled"}]
     foreach key {visible locked} {
         set values [lsort -unique [lmap info $infos {dict get $info $key}]]
         set flag($key) [expr {[llength $values] == 1 ? [lindex $values 0] : 0}]
         $path.flags.$key state [expr {[llength $ids] > 0 ? "!disabled" : "disabled"}]
         $path.flags.$key state [expr {[llength $values] > 1 ? "alternate" : "!alternate"}]
     }
+}
+
+# type_chosen --
+#   Another type for the selected objects; those that cannot have it stay as they are.
+proc ::vesk::transform::type_chosen {} {
+    variable path
+    variable shown_ids
+    $path.flags.type selection clear
+    ::vesk::ops::run objects_set $shown_ids type [$path.flags.type get]
+    refresh 1
 }
 
 proc ::vesk::transform::flag_set {key} {

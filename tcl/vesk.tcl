@@ -13,6 +13,11 @@ foreach {vesk_file vesk_names} {
     keys {keys::use keys::restore keys::preset keys::pressed}
     keyspage {keys::build_page}
     plugmanager {plugmanager::build_page}
+    uvtab {uvtab::build}
+    report {report::open}
+    savedtools {savedtools::context savedtools::fill_menu}
+    adjust {adjust::open}
+    cmdsocket {cmdsocket::follow}
     issues {issues::build issues::model_changed issues::open issues::exporting}
 } {
     ::vesk::later $vesk_file {*}[lmap vesk_name $vesk_names {string cat ::vesk:: $vesk_name}]
@@ -41,10 +46,11 @@ proc ::vesk::main::build {} {
     ::vesk::tools::build .main.tools
     ttk::frame .main.centre -style Gap.TFrame
     ::vesk::view::build .main.centre.views
-    ::vesk::console::build .main.centre.console
     sash .main.centre.sash sb_v_double_arrow console
     pack .main.centre.views -fill both -expand 1
     build_right .main.right
+    # Tab comes to it after the panels, although it stands below the views.
+    ::vesk::console::build .main.console
     sash .main.sash sb_h_double_arrow right
     grid .main.tools -row 0 -column 0 -sticky ns
     grid .main.centre -row 0 -column 1 -sticky nswe -padx [list [::vesk::theme::px 1] 0]
@@ -103,10 +109,13 @@ proc ::vesk::main::build_right {path} {
     ::vesk::transform::build $path.tabs.object
     ::vesk::palette::build_material $path.tabs.material
     ::vesk::palette::build_swatches $path.tabs.palette
-    ttk::frame $path.tabs.issues -style Panel.TFrame
-    bind $path.tabs.issues <Map> {bind %W <Map> {}; ::vesk::issues::build %W}
+    # Filled when they are first shown.
+    foreach {name namespace} {uv uvtab issues issues} {
+        ttk::frame $path.tabs.$name -style Panel.TFrame
+        bind $path.tabs.$name <Map> "bind %W <Map> {}; ::vesk::${namespace}::build %W"
+    }
     ::vesk::ops::listen model ::vesk::issues::model_changed
-    foreach {name label} {object Object material Material palette Palette issues Issues} {
+    foreach {name label} {object Object material Material palette Palette uv UV issues Issues} {
         $path.tabs add $path.tabs.$name -text $label
     }
     bind $path.tabs <<NotebookTabChanged>> {after idle {::vesk::transform::refresh 1}}
@@ -189,12 +198,12 @@ proc ::vesk::main::show_tab {name} {
 
 proc ::vesk::main::place_console {} {
     ::vesk::settings::set_value console_shown $::vesk::console_shown
-    set console .main.centre.console
+    set console .main.console
     pack forget $console .main.centre.sash
     if {!$::vesk::console_shown} {return}
     grid propagate $console 0
     $console configure -height [::vesk::theme::px [::vesk::settings::number console_height 70 1000]]
-    pack $console -side bottom -fill x -before .main.centre.views
+    pack $console -in .main.centre -side bottom -fill x -before .main.centre.views
     pack .main.centre.sash -side bottom -fill x -before .main.centre.views
 }
 
@@ -205,7 +214,7 @@ proc ::vesk::main::place_console {} {
 proc ::vesk::main::next_region {step} {
     set regions [list .opt .main.tools .main.centre.views]
     if {$::vesk::panel_shown} {lappend regions .main.right.objects .main.right.tabs}
-    if {$::vesk::console_shown} {lappend regions .main.centre.console}
+    if {$::vesk::console_shown} {lappend regions .main.console}
     set now [focus]
     set place -1
     foreach region $regions {
@@ -222,7 +231,7 @@ proc ::vesk::main::next_region {step} {
             focus $tree
         }
         .main.right.tabs      {focus .main.right.tabs}
-        .main.centre.console  {focus .main.centre.console.input.value}
+        .main.console  {focus .main.console.input.value}
     }
 }
 

@@ -13,6 +13,7 @@ namespace eval ::vesk::palette {
     variable kinds {diffuse Diffuse ambient Ambient emissive Emissive specular Specular}
     variable loading 0
     variable pending ""
+    variable users {}           ;# surfaces of each entry, when they were counted
     array set value {diffuse #000000 ambient #000000 emissive #000000 specular #000000
         shininess 10 transparency 0.00 diffuse,level 0 ambient,level 0 emissive,level 0
         specular,level 0}
@@ -27,9 +28,11 @@ proc ::vesk::palette::build_material {tab} {
     ttk::frame $tab.top -style Panel.TFrame
     set side [::vesk::theme::px 92]
     ::vesk::theme::on [canvas $tab.top.ball -width $side -height $side] panel
-    ttk::combobox $tab.top.pick -style Panel.TCombobox -state readonly -height 16 \
+    ttk::combobox $tab.top.pick -style Panel.TCombobox -height 16 \
         -postcommand ::vesk::palette::list_names -textvariable ::vesk::palette::picked
     bind $tab.top.pick <<ComboboxSelected>> ::vesk::palette::name_picked
+    bind_text $tab.top.pick ::vesk::palette::name_typed
+    ::vesk::tips::attach $tab.top.pick "Material" "" "Choose one, or type a name for this one."
     ttk::label $tab.top.line -style Panel.Dim.TLabel
     ttk::button $tab.top.apply -style Panel.TButton -text "Apply to selection" \
         -command ::vesk::palette::apply_current
@@ -343,6 +346,17 @@ proc ::vesk::palette::name_picked {} {
     $material.top.pick selection clear
 }
 
+# name_typed --
+#   The current material gets the typed name.
+proc ::vesk::palette::name_typed {} {
+    variable current
+    variable picked
+    variable name
+    if {$picked eq [entry_name $current $name]} {return}
+    ::vesk::ops::run material_set_name $current $picked
+    show
+}
+
 # select --
 #   Makes an entry the one that both tabs show.
 proc ::vesk::palette::select {index} {
@@ -388,12 +402,18 @@ proc ::vesk::palette::build_swatches {tab} {
     ttk::frame $tab.row -style Panel.TFrame
     ttk::button $tab.row.apply -style Panel.TButton -text Apply \
         -command ::vesk::palette::apply_current
+    ttk::button $tab.row.select -style Panel.TButton -text "Select surfaces" \
+        -command ::vesk::palette::select_users
+    icon_button $tab.row.unused filter "Next unused" "Goes to the next material that no surface has." \
+        ::vesk::palette::next_unused
     icon_button $tab.row.edit settings "Edit" "Shows the material." {
         .main.right.tabs select .main.right.tabs.material}
     icon_button $tab.row.add duplicate "Duplicate" "A new entry, as this one." \
         ::vesk::palette::duplicate
-    pack $tab.row.apply -side left
-    pack $tab.row.add $tab.row.edit -side right
+    pack $tab.row.apply $tab.row.select -side left -padx [::vesk::theme::pad 0 6]
+    pack $tab.row.unused $tab.row.add $tab.row.edit -side right
+    bind $tab.grid <Map> {after idle ::vesk::palette::count_users}
+    ::vesk::ops::listen model ::vesk::palette::model_changed
     pack $tab.row -fill x -pady [::vesk::theme::pad 6 0]
     bind $tab.grid <Configure> ::vesk::palette::draw_swatches
     bind $tab.grid <Button-1> {focus %W; ::vesk::palette::swatch_at %x %y}
@@ -453,7 +473,52 @@ proc ::vesk::palette::mark_swatch {} {
     }
     $swatches.name configure -text [entry_name $current $name]
     $swatches.line configure -text "Material [expr {$current + 1}] of [llength $colours],\
-        [string toupper [lindex $colours $current]]"
+        [string toupper [lindex $colours $current]][users_text]"
+}
+
+# ---- who uses them ----
+
+# count_users --
+#   Counts the surfaces of each material while the tab can be seen.
+proc ::vesk::palette::count_users {} {
+    variable swatches
+    variable users
+    if {![winfo viewable $swatches]} {return}
+    set users [vesk material_counts]
+    mark_swatch
+}
+proc ::vesk::palette::model_changed {} {
+    after cancel ::vesk::palette::count_users
+    after 300 ::vesk::palette::count_users
+}
+
+proc ::vesk::palette::users_text {} {
+    variable users
+    variable current
+    set count [lindex $users $current]
+    if {$count eq ""} {return ""}
+    return ", [expr {$count == 0 ? "unused" : "on [::vesk::transform::counted $count surface]"}]"
+}
+
+proc ::vesk::palette::select_users {} {
+    variable current
+    ::vesk::ops::run material_select $current
+}
+
+# next_unused --
+#   Goes to the next material without a surface.
+proc ::vesk::palette::next_unused {} {
+    variable current
+    variable users [vesk material_counts]
+    set count [llength $users]
+    for {set i 1} {$i <= $count} {incr i} {
+        set place [expr {($current + $i) % $count}]
+        if {[lindex $users $place] == 0} {
+            select $place
+            return
+        }
+    }
+    display_message "every material is used"
 }
 
 # swatch_step --

@@ -62,6 +62,10 @@ proc ::vesk::prefs::watch {} {
     foreach key {col_background font_main font_menu} {
         trace add variable ::prefs_$key write ::vesk::prefs::changed
     }
+    foreach key {allow_socket_commands tcl_socket_port} {
+        trace add variable ::prefs_$key write {apply {args {after idle ::vesk::cmdsocket::follow}}}
+    }
+    if {$::prefs_allow_socket_commands} {after idle ::vesk::cmdsocket::follow}
 }
 
 proc ::vesk::prefs::changed {name args} {

@@ -119,6 +119,25 @@ void command_texture_photo(int id, int size)
     command_result_set(put_photo(name, *image, size, size).c_str());
 }
 
+void command_picture_photo(const char *file, int size)
+{
+    const std::string kept = file; // loaders may run scripts
+    const size_t dot = kept.rfind('.');
+    if (dot == std::string::npos ||
+        vesk_get_texture_loader_by_suffix(kept.c_str() + dot) == nullptr)
+        return;
+    VESKImage *image = texture_read(kept.c_str(), kept.c_str());
+    if (image == nullptr)
+        return;
+    const std::string name = put_photo("vesk_picture", *image, size, size);
+    command_result_set("");
+    command_result_append_element(std::string_view(name));
+    command_result_append_element(static_cast<int>(image->width));
+    command_result_append_element(static_cast<int>(image->height));
+    command_result_append_element(static_cast<int>(image->depth));
+    free_veskimage(image);
+}
+
 void command_texture_list()
 {
     std::string text;

@@ -25,6 +25,10 @@ void image_fit(const VESKImage &image, int box_width, int box_height, int *width
 // Makes a Tk picture of a texture, at most `size` pixels wide and high. Result: its name, or "".
 void command_texture_photo(int id, int size);
 
+// The same of a picture file that is no texture yet. Result: the picture's name, then width, height
+// and depth of the file; "" for what is no picture, without a message.
+void command_picture_photo(const char *file, int size);
+
 // Result: one list {name file width height depth} for each texture, in order of the ids.
 void command_texture_list();
 #endif

@@ -149,7 +149,7 @@ proc row {id} {
     type "set no_such_variable"
     key Return
     ::test::check "errors of typed lines stay in the console" {
-        [string match "*no such variable*" [.main.centre.console.text get 1.0 end]]
+        [string match "*no such variable*" [.main.console.text get 1.0 end]]
     }
     key F12
 

@@ -87,7 +87,7 @@ proc choose_menu {entry} {
     ::test::check "a thousand rows and how many more" {
         $count > 1000 && [llength [$list children open_edge]] == 1001
         && [string match "and * more" [$list item [lindex [$list children open_edge] end] -text]]
-        && [title] eq "Issues 999+"
+        && [string match "Issues *k" [title]]
     }
     ::test::key Escape
     ::test::check "Escape goes back to the views" {[winfo class [focus]] eq "Togl"}

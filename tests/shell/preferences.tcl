@@ -193,7 +193,7 @@ proc show_field {key} {
     }
     ::vesk::keys::use laptop
     ::test::key ctrl+t
-    ::test::check "Control+T opens the console of the laptop keys" {[winfo ismapped .main.centre.console]}
+    ::test::check "Control+T opens the console of the laptop keys" {[winfo ismapped .main.console]}
     ::test::key ctrl+t
     ::vesk::keys::use standard
     ::test::at xy 150 150

@@ -1,0 +1,183 @@
+#include "edit/measure.h"
+
+#include "app/command_result.h"
+#include "app/messages.h"
+#include "edit/edge_table.h"
+#include "edit/selection_internal.h"
+#include "model/each.h"
+#include "model/flat_mesh.h"
+#include "model/object_tree.h"
+
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+#include <unordered_set>
+
+namespace {
+
+struct vec {
+    double x = 0, y = 0, z = 0;
+};
+vec operator-(const vec &a, const vec &b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+vec operator+(const vec &a, const vec &b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+vec vec_of(const point3_t &p)
+{
+    return {static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)};
+}
+double dot(const vec &a, const vec &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+double length(const vec &a) { return std::sqrt(dot(a, a)); }
+vec cross(const vec &a, const vec &b)
+{
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+std::string number(double value)
+{
+    char text[32];
+    snprintf(text, sizeof text, "%.6g", std::abs(value) < 1e-9 ? 0.0 : value);
+    return text;
+}
+
+std::string count_of(std::size_t count, const char *what)
+{
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+// ---- vertices ----
+
+double angle_at(const vec &corner, const vec &a, const vec &b)
+{
+    const vec u = a - corner;
+    const vec v = b - corner;
+    return std::atan2(length(cross(u, v)), dot(u, v)) * 180 / std::numbers::pi;
+}
+
+std::string measure_vertices(const std::vector<vec> &points)
+{
+    if (points.size() == 1)
+        return "X " + number(points[0].x) + "  Y " + number(points[0].y) + "  Z " +
+               number(points[0].z);
+    double way = 0;
+    for (std::size_t i = 1; i < points.size(); ++i)
+        way += length(points[i] - points[i - 1]);
+    const vec d = points[1] - points[0];
+    if (points.size() == 2)
+        return "distance " + number(way) + "  dX " + number(d.x) + "  dY " + number(d.y) + "  dZ " +
+               number(d.z);
+    if (points.size() == 3)
+        return "angle " + number(angle_at(points[1], points[0], points[2])) + " degrees  lengths " +
+               number(length(d)) + " and " + number(length(points[2] - points[1]));
+    return std::to_string(points.size()) + " vertices  way along them " + number(way);
+}
+
+// ---- surfaces ----
+
+// Twice the area vector of an outline.
+vec area_vector(const std::vector<vec> &corners)
+{
+    vec sum;
+    for (std::size_t i = 0; i + 2 < corners.size(); ++i)
+        sum = sum + cross(corners[i + 1] - corners[0], corners[i + 2] - corners[0]);
+    return sum;
+}
+
+double outline(const std::vector<vec> &corners, bool closed)
+{
+    double sum = 0;
+    for (std::size_t i = 1; i < corners.size(); ++i)
+        sum += length(corners[i] - corners[i - 1]);
+    if (closed && corners.size() > 2)
+        sum += length(corners.front() - corners.back());
+    return sum;
+}
+
+std::string measure_surfaces(const listitem *surfaces)
+{
+    double area = 0;
+    double way = 0;
+    std::size_t count = 0;
+    for (const surface_t *surface : each<surface_t>(surfaces)) {
+        std::vector<vec> corners;
+        for (const svertex *corner : each<svertex>(surface->refs)) {
+            if (corner->vertex != nullptr)
+                corners.push_back(vec_of(corner->vertex->position));
+        }
+        const int type = surface->type & SURFACE_TYPE_MASK;
+        if (type == SURFACE_POLYGON)
+            area += length(area_vector(corners)) / 2;
+        way += outline(corners, type != SURFACE_LINE);
+        ++count;
+    }
+    return count_of(count, "surface") + "  area " + number(area) + "  outline " + number(way);
+}
+
+// ---- objects ----
+
+struct body_t {
+    double area = 0;
+    double volume = 0;
+    bool closed = true;
+};
+
+void add_object(object_t *object, body_t *body)
+{
+    const flat_ptr mesh = object_flat(object);
+    for (int s = 0; s < mesh->num_surfaces(); ++s) {
+        if (((*mesh->surfaces)[static_cast<std::size_t>(s)].type & SURFACE_TYPE_MASK) !=
+            SURFACE_POLYGON)
+            continue;
+        std::vector<vec> corners;
+        for (const int v : mesh->surface_corners(s))
+            corners.push_back(vec_of((*mesh->positions)[static_cast<std::size_t>(v)]));
+        if (corners.size() < 3)
+            continue;
+        const vec twice = area_vector(corners);
+        body->area += length(twice) / 2;
+        // The cone from the origin over the polygon.
+        body->volume += dot(corners[0], twice) / 6;
+    }
+    const edge_table edges(*mesh);
+    for (int e = 0; e < edges.size(); ++e)
+        body->closed = body->closed && edges.uses(e).size() == 2;
+}
+
+std::string measure_objects(const listitem *objects)
+{
+    body_t body;
+    std::unordered_set<const object_t *> seen;
+    for (object_t *top : each<object_t>(objects)) {
+        for_each_object(top, [&](object_t *object) {
+            if (seen.insert(object).second)
+                add_object(object, &body);
+        });
+    }
+    std::string text = count_of(seen.size(), "object") + "  area " + number(body.area);
+    if (body.closed && body.area > 0)
+        text += "  volume " + number(std::abs(body.volume));
+    return text;
+}
+
+} // namespace
+
+std::string selection_measures()
+{
+    listitem *vertices = nullptr;
+    listitem *surfaces = nullptr;
+    listitem *objects = nullptr;
+    vesk_get_current_selection(&vertices, &surfaces, &objects);
+    if (objects != nullptr)
+        return measure_objects(objects);
+    if (surfaces != nullptr)
+        return measure_surfaces(surfaces);
+    std::vector<vec> points;
+    for (const vertex *v : each<vertex>(vertices))
+        points.push_back(vec_of(v->position));
+    return points.empty() ? "" : measure_vertices(points);
+}
+
+void command_measure()
+{
+    const std::string text = selection_measures();
+    command_result_set(text.c_str());
+    display_message("%s", text.empty() ? "measure - nothing is selected" : text.c_str());
+}
