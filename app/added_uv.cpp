@@ -12,6 +12,8 @@
 #include "edit/uv_project.h"
 #include "edit/uv_relax.h"
 #include "view/redraw.h"
+#include "view/textures.h"
+#include "view/uv_view.h"
 
 #include <algorithm>
 #include <cstring>
@@ -63,6 +65,9 @@ void command_uv_info()
     tell("box_all", box_text(uv_box_of(state.mesh, std::vector<char>(state.mesh.at.size(), 1))));
     tell("pixels", number_text(static_cast<float>(pixels.width)) + " " +
                        number_text(static_cast<float>(pixels.height)));
+    const object_t *object = uv_picture_object();
+    const VESKImage *image = object != nullptr ? object_picture(object) : nullptr;
+    tell("picture", image != nullptr && image->name != nullptr ? image->name : "");
     tell("keep", uv_keep_is_on() ? 1 : 0);
 }
 
@@ -198,6 +203,60 @@ void command_uv_select_box(int, const char *const *words)
     choose(std::move(inside));
 }
 
+// ---- the window ----
+
+void command_uv_tool(const char *name)
+{
+    constexpr const char *names[] = {"move", "rotate", "scale"};
+    for (int i = 0; i < 3; ++i) {
+        if (std::strcmp(name, names[i]) == 0)
+            uv_view().tool = static_cast<uv_tool>(i);
+    }
+    uv_view_redraw();
+}
+
+// Keys and values; with two words sets one.
+void command_uv_option(int count, const char *const *words)
+{
+    uv_options &options = uv_view().options;
+    const struct {
+        const char *name;
+        bool *value;
+    } switches[] = {{"checker", &options.checker},
+                    {"stretch", &options.stretch},
+                    {"overlaps", &options.overlaps},
+                    {"repeat", &options.repeat},
+                    {"snap", &options.snap}};
+    for (const auto &option : switches) {
+        if (count == 2 && std::strcmp(words[0], option.name) == 0)
+            *option.value = int_of(words[1]) != 0;
+        if (count == 0)
+            tell(option.name, *option.value ? 1 : 0);
+    }
+    if (count == 2 && std::strcmp(words[0], "picture") == 0)
+        options.picture = int_of(words[1]);
+    if (count == 0)
+        tell("picture", options.picture);
+    uv_view_redraw();
+}
+
+void command_uv_view_fit(int chosen) { uv_view_fit(chosen != 0); }
+
+void command_uv_view_zoom(int direction)
+{
+    constexpr double step = 1.25;
+    uv_view_zoom(direction > 0 ? step : 1 / step, uv_view().width / 2, uv_view().height / 2);
+}
+
+void command_uv_key(const char *keysym) { command_result_set(uv_view_key(keysym) ? "1" : "0"); }
+
+void command_uv_move_pixels(int right, int up)
+{
+    const uv_pixels pixels = uv_picture_size();
+    command_uv_move(static_cast<float>(right / pixels.width),
+                    static_cast<float>(up / pixels.height));
+}
+
 } // namespace
 
 void register_uv_commands()
@@ -219,6 +278,8 @@ void register_uv_commands()
         command_row("uv_select_islands", command_uv_select_islands, "<string numbers>",
                     "choose islands by their places in uv_islands, from 0"),
         command_row("uv_move", command_uv_move, "<float u> <float v>", "move texture coordinates"),
+        command_row("uv_move_pixels", command_uv_move_pixels, "<int right> <int up>",
+                    "move texture coordinates by pixels of the picture"),
         command_row("uv_rotate", command_uv_rotate, "<float degrees>",
                     "rotate texture coordinates about the middle of their box"),
         command_row("uv_scale", command_uv_scale, "<float u> <float v>",
@@ -241,7 +302,18 @@ void register_uv_commands()
                     "lower the distortion of islands step by step"),
         command_row("uv_keep", command_uv_keep, "<int on>",
                     "keep the picture in place while vertices move"),
+        command_row("uv_tool", command_uv_tool, "<string move, rotate or scale>",
+                    "what a drag in the window of texture coordinates does"),
+        command_row("uv_view_fit", command_uv_view_fit, "<int chosen only>",
+                    "show the unit square, or what is chosen, as large as it fits"),
+        command_row("uv_view_zoom", command_uv_view_zoom, "<int direction>",
+                    "zoom the window of texture coordinates"),
+        command_row("uv_key", command_uv_key, "<string keysym>",
+                    "a key for a running drag of texture coordinates, returns 1 when it was used"),
     };
+    command_add_words("uv_option", command_uv_option, 0, 2,
+                      "<checker, stretch, overlaps, repeat, snap or picture> <int value>",
+                      "what the window of texture coordinates shows; without words returns it");
     command_add_words("uv_project", command_uv_project, 1, 2,
                       "<planar_x, planar_y, planar_z, box, cylinder or sphere> "
                       "<int 0 one picture a unit, 1 fitted with its proportions, 2 the square>",

@@ -262,7 +262,9 @@ const command_kind_row_t kinds[] = {
     {"plugins_skip", view}, {"material_counts", query}, {"material_select", view},
     {"uv_outlines", query}, {"uv_texture", query}, {"picture_photo", query}, {"measure", query},
     {"uv_info", query}, {"uv_islands", query}, {"uv_stretch", query}, {"uv_overlaps", query},
-    {"uv_keep", view},
+    {"uv_keep", view}, {"uv_tool", view}, {"uv_option", view}, {"uv_view_fit", view},
+    {"uv_view_zoom", view}, {"uv_key", view}, {"uv_view_save_picture", query},
+    {"uv_view_benchmark", query},
 };
 // clang-format on
 

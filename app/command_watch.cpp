@@ -13,6 +13,7 @@
 #include "model/world_check.h"
 #include "view/interaction.h"
 #include "view/tool_left.h"
+#include "view/uv_view.h"
 
 #include <algorithm>
 #include <string>
@@ -76,8 +77,10 @@ std::string label_of(const vesk_command_t *command, int count, const char *const
 void before_command(const vesk_command_t *command, int count, const char *const *words)
 {
     if (command_kind_of(command) == command_kind::edit &&
-        !std::string_view(command->name).starts_with("transform_"))
+        !std::string_view(command->name).starts_with("transform_")) {
         left_tool_interrupt();
+        uv_view_cancel();
+    }
     const bool outermost = session().command_depth == 0;
     if (outermost) {
         journal_begin();
@@ -113,6 +116,7 @@ void after_command(const vesk_command_t *command, bool whole)
 void after_fault()
 {
     interaction_forget();
+    uv_view_forget();
     journal_reset_after_fault();
     world_check(vesk_get_world());
     undo_drop_unfilled(running().serial);

@@ -24,6 +24,7 @@
 #include "view/camera_internal.h"
 #include "view/textures.h"
 #include "view/tool_left.h"
+#include "view/uv_view.h"
 #include "view/views_internal.h"
 
 #include <climits>
@@ -159,6 +160,7 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     set_new_select_mode(0);
     set_new_draw_mode(0);
     left_tool_install();
+    uv_view_install();
     vesk_register_builtin_texture_loaders();
     vesk_register_internal_surface_filters();
     vesk_register_internal_file_importers();

@@ -46,7 +46,6 @@ struct side_t {
     int low, high; // vertices
     int low_corner, high_corner;
     int surface;
-    int corner; // where it begins
 };
 
 bool same(const flat_uv &a, const flat_uv &b)
@@ -64,8 +63,8 @@ std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
         for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
             const int next = mesh.next_corner(surface, c);
             const int a = mesh.vertices[place(c)], b = mesh.vertices[place(next)];
-            unsorted.push_back(a <= b ? side_t{a, b, c, next, surface, c}
-                                      : side_t{b, a, next, c, surface, c});
+            unsorted.push_back(a <= b ? side_t{a, b, c, next, surface}
+                                      : side_t{b, a, next, c, surface});
             ++first[place(std::min(a, b)) + 1];
         }
     }
@@ -100,18 +99,22 @@ public:
         std::vector<bool> drawn(place(static_cast<int>(end - begin)), false);
         for (auto a = begin; a != end; ++a) {
             const auto last = end - begin > most_compared ? std::min(a + 2, end) : end;
-            bool joined = drawn[place(static_cast<int>(a - begin))];
-            const bool is_later = joined;
+            const bool is_later = drawn[place(static_cast<int>(a - begin))];
+            uv_edge edge = {a->low_corner, a->high_corner};
             for (auto b = a + 1; b < last; ++b) {
                 if (b->surface == a->surface || !agree(*a, *b))
                     continue;
                 corners_.join(a->low_corner, b->low_corner);
                 corners_.join(a->high_corner, b->high_corner);
                 surfaces_.join(a->surface, b->surface);
-                drawn[place(static_cast<int>(b - begin))] = joined = true;
+                drawn[place(static_cast<int>(b - begin))] = true;
+                if (edge.is_border()) {
+                    edge.twin = b->low_corner;
+                    edge.twin_next = b->high_corner;
+                }
             }
             if (!is_later)
-                edges.push_back({a->corner, mesh_.next_corner(a->surface, a->corner), !joined});
+                edges.push_back(edge);
         }
     }
 

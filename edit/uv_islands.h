@@ -11,8 +11,9 @@
 constexpr float uv_tolerance = 1e-6f;
 
 struct uv_edge {
-    int corner, next; // the two ends, corners of one surface
-    bool border;      // of its island
+    int corner, next;              // the two ends, corners of one surface
+    int twin = -1, twin_next = -1; // the same of a surface that is joined there; none at a border
+    [[nodiscard]] bool is_border() const { return twin < 0; }
 };
 
 struct uv_islands {

@@ -89,6 +89,10 @@
     {line}
     {run "&Unit coordinates" {inituv} "" some "Spreads the picture over each surface."}
     {menu "&Map planar" planar "" "" "Projects the picture along an axis."}
+    {call "&Edit coordinates" {::vesk::uvedit::toggle} F8 ""
+        "Unwraps, arranges and checks texture coordinates in a window of their own."}
+    {check "&Keep pictures in place" {::vesk::uvedit::keep ::vesk::uvedit::keep_changed} "" ""
+        "Texture coordinates slide while vertices move."}
     {ask "&Load a texture..." {add_new_texture {File open_file {.gif .rgb .rgba .bmp .png .jpg .jpeg .tga}}} "" ""
         "Reads a picture into the list of textures."}
 }

@@ -5,6 +5,7 @@
 namespace eval ::vesk::number {
     variable path ""            ;# the field, while it is shown
     variable names {xy zy xz xyz}
+    variable texture_coords 5   ;# the number of the window of texture coordinates
 }
 
 # show --
@@ -14,7 +15,9 @@ namespace eval ::vesk::number {
 proc ::vesk::number::show {view x y label axis text} {
     variable path
     variable names
+    variable texture_coords
     set cell [::vesk::view::area].[lindex $names $view]
+    if {$view == $texture_coords} {set cell .uv.view}
     if {$path ne "$cell.number"} {
         hide
         set path [build $cell.number]

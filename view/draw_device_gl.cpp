@@ -27,7 +27,7 @@ struct frame_buffer_t {
 struct device_t {
     device_caps_t caps;
     std::map<int, GLuint> programs; // by what they are made for
-    frame_buffer_t frames[num_views];
+    frame_buffer_t frames[texture_coords_view + 1];
     bool smoothed = false;
     bool into_frame_buffer = false;
 };
@@ -268,6 +268,8 @@ void frame_end(int view)
     device.smoothed = false;
     glDisable(GL_DEPTH_TEST);
 }
+
+void frame_forget(int view) { device.frames[view] = {}; }
 
 bool frame_is_smoothed() { return device.smoothed; }
 

@@ -38,6 +38,8 @@ inline void set_colour(const colour_t &c) { glColor4f(c.r, c.g, c.b, c.a); }
 // antialiased. frame_end leaves the finished picture in the back buffer, for texts and the swap.
 void frame_begin(int view, int width, int height, const colour_t &background, bool smoothing);
 void frame_end(int view);
+// The view's window goes, with its context: what was made in it is gone.
+void frame_forget(int view);
 bool frame_is_smoothed();
 
 // Waits until everything is drawn: for measuring.

@@ -67,37 +67,6 @@ void draw_handles(const handle_box_t &box)
     draw_array(GL_QUADS, bodies, colour_of(prefs.col_box));
 }
 
-// White over a wider black; dashed when it takes what it touches.
-void draw_rubber_band(const overlay_t &tool)
-{
-    constexpr float dash = 4;
-    const auto x1 = static_cast<float>(std::min(tool.x0, tool.x1));
-    const auto y1 = static_cast<float>(std::min(tool.y0, tool.y1));
-    const auto x2 = static_cast<float>(std::max(tool.x0, tool.x1)) + 1;
-    const auto y2 = static_cast<float>(std::max(tool.y0, tool.y1)) + 1;
-    const colour_t white = colour_of(prefs.col_foreground);
-    std::vector<vertex2_t> inside;
-    std::vector<vertex2_t> dark;
-    std::vector<vertex2_t> light;
-    add_quad(inside, x1, y1, x2, y2);
-    add_frame(dark, x1 - 1, y1 - 1, x2 + 1, y2 + 1, 3);
-    if (tool.x1 >= tool.x0) {
-        add_frame(light, x1, y1, x2, y2, 1);
-    } else {
-        for (float x = x1; x < x2; x += 2 * dash) {
-            add_quad(light, x, y1, std::min(x + dash, x2), y1 + 1);
-            add_quad(light, x, y2 - 1, std::min(x + dash, x2), y2);
-        }
-        for (float y = y1; y < y2; y += 2 * dash) {
-            add_quad(light, x1, y, x1 + 1, std::min(y + dash, y2));
-            add_quad(light, x2 - 1, y, x2, std::min(y + dash, y2));
-        }
-    }
-    draw_array(GL_QUADS, inside, {white.r, white.g, white.b, 0.08f});
-    draw_array(GL_QUADS, dark, {0, 0, 0, 0.55f});
-    draw_array(GL_QUADS, light, white);
-}
-
 // Across the whole view through the point where the drag began.
 void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
 {
@@ -160,6 +129,36 @@ void draw_axis_end(const axis_cross_t &cross, const axis_end_t &end)
 
 } // namespace
 
+void draw_band(int from_x, int from_y, int to_x, int to_y)
+{
+    constexpr float dash = 4;
+    const auto x1 = static_cast<float>(std::min(from_x, to_x));
+    const auto y1 = static_cast<float>(std::min(from_y, to_y));
+    const auto x2 = static_cast<float>(std::max(from_x, to_x)) + 1;
+    const auto y2 = static_cast<float>(std::max(from_y, to_y)) + 1;
+    const colour_t white = colour_of(prefs.col_foreground);
+    std::vector<vertex2_t> inside;
+    std::vector<vertex2_t> dark;
+    std::vector<vertex2_t> light;
+    add_quad(inside, x1, y1, x2, y2);
+    add_frame(dark, x1 - 1, y1 - 1, x2 + 1, y2 + 1, 3);
+    if (to_x >= from_x) {
+        add_frame(light, x1, y1, x2, y2, 1);
+    } else {
+        for (float x = x1; x < x2; x += 2 * dash) {
+            add_quad(light, x, y1, std::min(x + dash, x2), y1 + 1);
+            add_quad(light, x, y2 - 1, std::min(x + dash, x2), y2);
+        }
+        for (float y = y1; y < y2; y += 2 * dash) {
+            add_quad(light, x1, y, x1 + 1, std::min(y + dash, y2));
+            add_quad(light, x2 - 1, y, x2, std::min(y + dash, y2));
+        }
+    }
+    draw_array(GL_QUADS, inside, {white.r, white.g, white.b, 0.08f});
+    draw_array(GL_QUADS, dark, {0, 0, 0, 0.55f});
+    draw_array(GL_QUADS, light, white);
+}
+
 void draw_selection_box(int view)
 {
     const handle_box_t box = handle_box(view);
@@ -181,7 +180,7 @@ void draw_tool_overlay(int view, int width, int height)
     if (tool.locked_axis >= 0)
         draw_axis_lock(tool, view, width, height);
     if (tool.band_view == view)
-        draw_rubber_band(tool);
+        draw_band(tool.x0, tool.y0, tool.x1, tool.y1);
 }
 
 void draw_light_icons(int view)

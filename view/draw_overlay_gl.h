@@ -16,4 +16,8 @@ void draw_object_centres(int view);
 
 void draw_axis_cross();
 
+// A rubber band between two places: white over a wider black; dashed, when it is drawn to the left
+// and takes what it touches.
+void draw_band(int from_x, int from_y, int to_x, int to_y);
+
 #endif

@@ -24,6 +24,7 @@ void redraw_all(void)
 {
     redraw_orth();
     redraw_3d();
+    ui_port().post_redisplay(texture_coords_view);
 }
 
 void request_redisplay(int view)

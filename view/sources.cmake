@@ -33,6 +33,8 @@ target_sources(vesk_core PRIVATE
     view/tool_select.cpp
     view/view_picture.cpp
     view/tool_transform.cpp
+    view/uv_drag.cpp
+    view/uv_view.cpp
     view/views.cpp
 )
 target_sources(vesk PRIVATE
@@ -46,9 +48,11 @@ target_sources(vesk PRIVATE
     view/draw_text_gl.cpp
     view/draw_textures_gl.cpp
     view/draw_view_gl.cpp
+    view/draw_uv_gl.cpp
     view/font_atlas.cpp
     view/offscreen_gl.cpp
     view/thumbnail_gl.cpp
+    view/uv_window_tk.cpp
     view/view_commands_tk.cpp
     view/views_tk.cpp
 )

@@ -12,6 +12,7 @@
 #include "view/draw_view_gl.h"
 #include "view/interaction.h"
 #include "view/redraw.h"
+#include "view/uv_window_tk.h"
 #include "view/view_commands_tk.h"
 #include "view/views_internal.h"
 
@@ -261,7 +262,9 @@ void check_sharing()
 void views_tk_fill_port(ui_port_t &port)
 {
     port.post_redisplay = [](int view) {
-        if (togl_of(view) != nullptr)
+        if (view == texture_coords_view)
+            uv_window_post_redisplay();
+        else if (togl_of(view) != nullptr)
             Togl_PostRedisplay(togl_of(view));
     };
     port.draw_now = draw_now;
@@ -283,7 +286,7 @@ void views_tk_fill_port(ui_port_t &port)
             texture_release_gl(image);
     };
     port.set_cursor = [](int view, const char *cursor) {
-        const Tk_Window window = window_of(view);
+        const Tk_Window window = view == texture_coords_view ? uv_window_tk() : window_of(view);
         if (window == nullptr)
             return;
         if (cursor == nullptr) {
@@ -388,6 +391,7 @@ void create_ui(void)
     make_tcl_window(prefs.win3d_x, prefs.win3d_y, prefs.win3d_width, prefs.win3d_height,
                     prefs.window_label_xyz, VIEW_XYZ);
     register_view_commands();
+    register_uv_window();
     check_sharing();
     constexpr double points_of_pixel = 72.0 / 96.0;
     const std::string scaling = tcl_command("tk scaling");

@@ -21,6 +21,7 @@
 #include "model/world.h"
 #include "plugin/exporters.h"
 #include "plugin/importers.h"
+#include "view/uv_view.h"
 
 #include <cstring>
 #include <filesystem>
@@ -121,6 +122,7 @@ void SceneTest::SetUp()
     vesk_register_internal_file_exporters();
     selection_reset_for_test();
     modes_reset_for_test();
+    uv_view_reset_for_test();
     uv_editor_reset_for_test();
     uv_keep_reset_for_test();
     journal_reset_for_test();

@@ -10,4 +10,5 @@ target_sources(vesk_tests PRIVATE
     view/projection_test.cpp
     view/texture_test.cpp
     view/tool_test.cpp
+    view/uv_view_test.cpp
 )

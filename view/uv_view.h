@@ -1,0 +1,85 @@
+#ifndef VESK_VIEW_UV_VIEW_H
+#define VESK_VIEW_UV_VIEW_H
+
+// The window of texture coordinates without its toolkit: what it shows, where, and the mouse in it.
+// Positions, buttons and keys in; changes of the choice and of the coordinates out. Window pixels
+// have their origin at the top left; u goes to the right, v upwards.
+
+#include "edit/uv_edit.h"
+#include "view/handles.h"
+#include "view/interaction.h"
+
+#include <string>
+
+enum class uv_tool { MOVE, ROTATE, SCALE };
+
+struct uv_options {
+    bool checker = false;  // instead of the picture
+    bool stretch = false;  // areas and shapes by colour and hatching
+    bool overlaps = false; // surfaces that lie on each other
+    bool repeat = false;   // the picture beyond the unit square
+    bool snap = false;     // drags stop at whole pixels
+    int picture = -1;      // number in the texture table, -1 that of the objects
+};
+
+struct uv_view_t {
+    int width = 1, height = 1;
+    double centre_u = 0.5, centre_v = 0.5;
+    double scale = 400; // pixels a unit of u
+    bool placed = false; // by the user; until then the square is fitted to every size
+    uv_tool tool = uv_tool::MOVE;
+    uv_options options;
+    // what a drag draws
+    bool band = false;
+    int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    int locked_axis = -1; // 0 u, 1 v
+    flat_uv lock_point = {0, 0};
+};
+uv_view_t &uv_view();
+
+struct uv_screen_point {
+    double x, y;
+};
+uv_screen_point uv_to_screen(const flat_uv &p);
+flat_uv uv_from_screen(double x, double y);
+// Pixels a unit of v.
+double uv_scale_v();
+
+// ---- the window ----
+
+void uv_view_resize(int width, int height);
+// The unit square, or what is chosen, as large as it fits.
+void uv_view_fit(bool chosen_only);
+// About a place; above 1 it gets larger.
+void uv_view_zoom(double factor, int x, int y);
+void uv_view_pan(double dx, double dy);
+void uv_view_redraw();
+
+// ---- the mouse ----
+
+void uv_view_press(const pointer_event_t &event);
+void uv_view_motion(const pointer_event_t &event);
+void uv_view_release(const pointer_event_t &event);
+// Whether a running drag took the key: digits, X or U, Y or V, Escape, Return and so on.
+bool uv_view_key(const char *keysym);
+bool uv_view_is_dragging();
+void uv_view_cancel();
+// After a fault: drops the drag and touches nothing.
+void uv_view_forget();
+// The frame round what is chosen and its handles, in window pixels; not valid when nothing is.
+handle_box_t uv_handle_box();
+
+// ---- choosing ----
+
+// A click; again at the same place it takes what lies behind.
+void uv_view_click(int x, int y, int state);
+// A rubber band; from right to left it takes what it touches.
+void uv_view_take_band(int x0, int y0, int x1, int y1, int state);
+
+// What stands in the status line while a drag runs: "dU 0.25  dV 0", or "".
+std::string uv_view_drag_text();
+
+void uv_view_install();
+void uv_view_reset_for_test();
+
+#endif
