@@ -264,7 +264,7 @@ const command_kind_row_t kinds[] = {
     {"uv_info", query}, {"uv_islands", query}, {"uv_stretch", query}, {"uv_overlaps", query},
     {"uv_keep", view}, {"uv_tool", view}, {"uv_option", view}, {"uv_view_fit", view},
     {"uv_view_zoom", view}, {"uv_key", view}, {"uv_view_save_picture", query},
-    {"uv_view_benchmark", query},
+    {"uv_view_benchmark", query}, {"view_save_picture", query},
 };
 // clang-format on
 

@@ -25,7 +25,7 @@ struct uv_options {
 struct uv_view_t {
     int width = 1, height = 1;
     double centre_u = 0.5, centre_v = 0.5;
-    double scale = 400; // pixels a unit of u
+    double scale = 400;  // pixels a unit of u
     bool placed = false; // by the user; until then the square is fitted to every size
     uv_tool tool = uv_tool::MOVE;
     uv_options options;

@@ -146,7 +146,7 @@ proc rings {name} {
         && [.uv.status.counts cget -text] eq "1 of 6 islands, 1 of 6 surfaces"
     }
     ::test::shot uv-island
-    drag -0.1 -0.1 1.1 1.1
+    drag -0.02 -0.02 1.02 1.02
     ::test::check "a band takes all" {[info_of chosen_islands] == 6}
     vesk clear_selection
     vesk select_all
