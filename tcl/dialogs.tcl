@@ -149,7 +149,8 @@ proc ::vesk::dialogs::mark_invalid {w invalid} {
 #   Asks; returns the name of the chosen answer.
 #   answers   name label pairs from left to right
 #   default   answer of Return;  escape  answer of Escape and of closing the window
-proc ::vesk::dialogs::question {title text answers default escape} {
+#   model     a model file whose picture is shown
+proc ::vesk::dialogs::question {title text answers default escape {model ""}} {
     variable answer
     set w .question
     destroy $w
@@ -164,6 +165,12 @@ proc ::vesk::dialogs::question {title text answers default escape} {
     ttk::label $w.in.title -text $title -style Panel.Bold.TLabel
     ttk::label $w.in.text -text $text -style Panel.Dim.TLabel \
         -wraplength [::vesk::theme::px 380] -justify left
+    if {$model ne ""} {
+        set side [::vesk::theme::px 160]
+        ::vesk::theme::on [canvas $w.in.picture -width $side -height $side] field
+        pack $w.in.picture -side left -padx [::vesk::theme::pad 0 20]
+        ::vesk::thumbs::request $model $side [list ::vesk::dialogs::show_picture $w.in.picture]
+    }
     pack $w.in.title $w.in.text -anchor w -pady [::vesk::theme::pad 0 8]
     ttk::frame $w.in.row -style Panel.TFrame
     pack $w.in.row -fill x -pady [::vesk::theme::pad 10 0]
@@ -189,6 +196,12 @@ proc ::vesk::dialogs::question {title text answers default escape} {
     vwait ::vesk::dialogs::answer
     close_modal $w
     return $answer
+}
+
+proc ::vesk::dialogs::show_picture {canvas photo} {
+    if {$photo ne "" && [winfo exists $canvas]} {
+        $canvas create image 0 0 -anchor nw -image $photo
+    }
 }
 
 # press_focused --

@@ -40,6 +40,7 @@ proc ::vesk::filebox::ask {how_wanted title start filters_wanted {wanted ""}} {
     .filebox.line.name icursor end
     .filebox.line.name selection range 0 end
     vwait ::vesk::filebox::result
+    ::vesk::thumbs::cancel
     ::vesk::dialogs::close_modal .filebox
     return [string range $result 1 end]
 }
@@ -239,28 +240,44 @@ proc ::vesk::filebox::selected {w} {
 }
 
 # preview --
-#   The chosen file's picture, where it is one; the size of what the file holds below it.
+#   The chosen file's picture, where it is one or a model; what the file holds below it.
 proc ::vesk::filebox::preview {} {
     variable shown
     variable folder
     set w .filebox
     if {![winfo exists $w.preview]} {return}
+    ::vesk::thumbs::cancel
     set item [lindex [$w.list selection] 0]
-    set told {}
+    set file ""
     if {$item ne "" && [dict exists $shown $item]} {
         lassign [dict get $shown $item] kind text
-        if {$kind eq "file"} {
-            set told [vesk picture_photo [file join $folder $text] [::vesk::theme::px 180]]
-        }
+        if {$kind eq "file"} {set file [file join $folder $text]}
     }
-    if {[llength $told] < 4} {
+    set side [::vesk::theme::px 180]
+    set told [expr {$file eq "" ? "" : [vesk picture_photo $file $side]}]
+    if {[llength $told] == 4} {
+        lassign $told photo width height depth
+        show_preview "$width \u00d7 $height, [dict get {1 grey 2 {grey, see-through}
+            3 colour 4 {colour, see-through}} $depth]" $photo
+    } elseif {$file ne "" && [::vesk::thumbs::can_draw $file]} {
+        show_preview "drawing..." ""
+        ::vesk::thumbs::request $file $side [list ::vesk::filebox::show_preview ""]
+    } else {
+        grid remove $w.preview
+    }
+}
+
+# show_preview --
+#   A picture with a line below it; neither: nothing is shown.
+proc ::vesk::filebox::show_preview {text photo} {
+    set w .filebox
+    if {![winfo exists $w.preview]} {return}
+    if {$text eq "" && $photo eq ""} {
         grid remove $w.preview
         return
     }
-    lassign $told photo width height depth
     $w.preview.picture configure -image $photo
-    $w.preview.size configure -text "$width \u00d7 $height, [dict get {1 grey 2 {grey, see-through}
-        3 colour 4 {colour, see-through}} $depth]"
+    $w.preview.size configure -text $text
     grid $w.preview
 }
 

@@ -51,7 +51,7 @@ proc ::vesk::recovery::offer {} {
     set text "VESK did not end as it should, but a copy of the work was kept:\n[described $copy]."
     if {$more > 0} {append text "\n$more older [expr {$more == 1 ? "copy is" : "copies are"}] kept too."}
     switch -- [::vesk::dialogs::question "Recover unsaved work?" $text \
-            {discard "Discard" later "Keep for later" open "Open the copy"} open later] {
+            {discard "Discard" later "Keep for later" open "Open the copy"} open later $file] {
         open {open $file}
         discard {
             vesk recovery_drop $file

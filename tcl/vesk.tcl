@@ -17,6 +17,7 @@ foreach {vesk_file vesk_names} {
     report {report::open}
     savedtools {savedtools::context savedtools::fill_menu}
     adjust {adjust::open}
+    thumbs {thumbs::request thumbs::cancel thumbs::can_draw}
     cmdsocket {cmdsocket::follow}
     issues {issues::build issues::model_changed issues::open issues::exporting}
 } {

@@ -201,19 +201,29 @@ proc fresh {} {
     puts -nonewline $stream [string repeat [binary format ccc 0 0 255] [expr {64 * 32}]]
     close $stream
     close [open $folder/notes.txt w]
+    vesk clear_all
+    vesk create sphere 2 -1 -1 -1 1 1 1
+    vesk file_save $folder/ball.vesk
     after 700 {
         set list .filebox.list
-        ::test::press_row $list [lindex [$list children {}] 1]
+        ::test::press_row $list [lindex [$list children {}] 0]
+        ::test::wait_until {[.filebox.preview.picture cget -image] ne ""}
+        set ::previewed_model [expr {[winfo ismapped .filebox.preview]
+            && [image width [.filebox.preview.picture cget -image]] == 180}]
+        ::test::shot extras-filebox-model
+        set list .filebox.list
+        ::test::press_row $list [lindex [$list children {}] 2]
         ::test::pause 300
         set ::previewed [expr {[winfo ismapped .filebox.preview]
             && [string match "64 * 32, colour" [.filebox.preview.size cget -text]]}]
         ::test::shot extras-filebox
-        ::test::press_row $list [lindex [$list children {}] 0]
+        ::test::press_row $list [lindex [$list children {}] 1]
         ::test::pause 300
         set ::previewed_text [winfo ismapped .filebox.preview]
         ::test::key Escape
     }
     ::vesk::filebox::ask open Open $folder {{"All files" *}}
+    ::test::check "a chosen model is drawn" {$::previewed_model}
     ::test::check "a chosen picture is shown" {$::previewed}
     ::test::check "another file is not" {!$::previewed_text}
 
