@@ -4,8 +4,7 @@
 #include "app/command_result.h"
 #include "app/command_row.h"
 #include "app/file_report.h"
-#include "app/messages.h"
-#include "fileio/atomic_file.h"
+#include "fileio/foreign_scene.h"
 #include "plugin/exporters.h"
 
 #include <string>
@@ -71,14 +70,9 @@ void command_import_report()
     command_result_set(list.text.c_str());
 }
 
-void command_write_report(const char *filename)
-{
-    const std::string name = filename;
-    const bool written = atomic_file_write(name.c_str(), file_report_json(last_file_report()));
-    if (!written)
-        display_message("can't open file '%s' for writing", name.c_str());
-    command_result_set(written ? "1" : "0");
-}
+void command_report_json() { command_result_set(file_report_json(last_file_report()).c_str()); }
+
+void command_set_images_folder(const char *folder) { foreign_images_folder(folder); }
 
 void command_export_model(const char *filename)
 {
@@ -107,8 +101,10 @@ void register_file_commands()
                     "returns suffix and description of each exporter"),
         command_row("import_report", command_import_report, nullptr,
                     "returns keys and values: what the last import read and complained about"),
-        command_row("write_report", command_write_report, "<filename>",
-                    "write the report of the last import and export as JSON, returns 1 or 0"),
+        command_row("report_json", command_report_json, nullptr,
+                    "returns the report of the last import and export as JSON"),
+        command_row("set_images_folder", command_set_images_folder, "<string folder>",
+                    "folder for pictures within model files, empty: ask"),
     };
     for (const vesk_command_t &row : rows)
         command_add_own(row);

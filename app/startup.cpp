@@ -76,7 +76,8 @@ struct batch_option {
     std::string_view name;
     const char *script;
 };
-constexpr batch_option batch_options[] = {{"-batch", nullptr}, {"-thumbnail", "tcl/thumbnail.tcl"}};
+constexpr batch_option batch_options[] = {
+    {"-batch", nullptr}, {"-thumbnail", "tcl/thumbnail.tcl"}, {"-convert", "tcl/convert.tcl"}};
 
 const batch_option *batch_option_of(std::string_view word)
 {
@@ -96,12 +97,15 @@ void print_help(const command_line_t &line)
     print_banner();
     console_printf("Build %s %s\n\n", __DATE__, __TIME__);
     console_printf("usage: %s [-debug] [-dynamic] [file ...] \n\n", line.program.c_str());
-    console_printf("also: -noplugins            start without the plug-ins\n"
-                   "      -script FILE          evaluate a script once the window is there\n"
-                   "      -batch FILE [args]    run a script without a window and exit\n"
-                   "      -thumbnail SIZE OUT.png FILE ...\n"
-                   "                            write a picture of the files without a window\n"
-                   "      -version              print the version and exit\n");
+    console_printf(
+        "also: -noplugins            start without the plug-ins\n"
+        "      -script FILE          evaluate a script once the window is there\n"
+        "      -batch FILE [args]    run a script without a window and exit\n"
+        "      -thumbnail SIZE OUT.png FILE ...\n"
+        "                            write a picture of the files without a window\n"
+        "      -convert IN OUT       convert a model without a window; -convert -to SUFFIX\n"
+        "                            FILE ... converts several (docs/batch.md)\n"
+        "      -version              print the version and exit\n");
 }
 
 void link_program_variables()

@@ -147,6 +147,7 @@ char *vesk_get_all_importer_info(void)
 
 object_t *vesk_import_file(const char *filename)
 {
+    file_report_begin(filename);
     const char *suffix = string_get_suffix(filename);
     if (suffix == nullptr) {
         windows_message_dialog(
@@ -160,7 +161,6 @@ object_t *vesk_import_file(const char *filename)
         return nullptr;
     }
     const double began = ui_port().now_seconds();
-    file_report_begin(filename);
     last_file_report().format = importer->description;
     object_t *object = load_guarded(importer, filename);
     if (object != nullptr)

@@ -35,6 +35,7 @@ proc ::vesk::menus::define {name label rows} {
     {call "&Open..." {::vesk::files::open_ask} Ctrl+O "" "Replaces the scene by a file's."}
     {menu "Open &recent" recent "" "" "Files opened or saved lately."}
     {call "&Import..." {::vesk::files::import_ask} Ctrl+I "" "Adds a file to the scene."}
+    {call "I&mport report..." {::vesk::importreport::show} "" "" "What the last import complained about."}
     {line}
     {call "&Save" {::vesk::files::save} Ctrl+S "" "Writes the scene to its file."}
     {call "Save &as..." {::vesk::files::save_as} Ctrl+Shift+S "" "Writes the scene to another file."}

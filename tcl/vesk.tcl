@@ -3,7 +3,7 @@
 #   size and theme that are remembered.
 
 foreach vesk_file {tooltips tools optionbar status transform console search help history colourbox
-        recovery numberfield operations hierdrag hovername viewwindows} {
+        recovery numberfield operations hierdrag hovername viewwindows importreport} {
     source [file join $::vesk::script_folder $vesk_file.tcl]
 }
 unset vesk_file

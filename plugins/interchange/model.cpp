@@ -74,8 +74,8 @@ public:
         vesk_report_loss(lights_, "lights");
         vesk_report_loss(pictures_, "textures");
         vesk_report_loss(smooth_, "smooth surfaces");
-        vesk_report_loss(groups_, "groups");
         vesk_report_loss(coloured_, "shining colours");
+        vesk_report_note(groups_, "groups dissolved");
         vesk_report_note(cut_, "polygons cut into triangles");
         return std::move(out_);
     }

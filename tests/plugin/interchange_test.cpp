@@ -1,6 +1,7 @@
 // The bundled plug-in for OBJ and its neighbours, which knows the program by its public interface
 // alone.
 
+#include "app/file_report.h"
 #include "edit/selection.h"
 #include "model/bounds.h"
 #include "model/each.h"
@@ -13,6 +14,15 @@
 #include <random>
 
 namespace {
+
+// Line numbers and texts of the last import's.
+std::string complaints()
+{
+    std::string text;
+    for (const file_report::complaint &complaint : last_file_report().warnings)
+        text += std::to_string(complaint.line) + " " + complaint.text + "\n";
+    return text;
+}
 
 TEST_F(Interchange, AnObjFileComesWithMaterialsTexturesAndShading)
 {
@@ -76,6 +86,112 @@ TEST_F(Interchange, WhatIsWrittenIsReadBack)
     run("select_all");
     EXPECT_EQ(run("get_selection_size"), size);
     EXPECT_EQ(run("write_obj", "/nowhere/x.obj"), "0");
+}
+
+TEST_F(Interchange, MissingFilesAndDoubtfulLinesStandInTheReport)
+{
+    ASSERT_EQ(load("a.obj", "mtllib none.mtl\nv 0 0 0\nv 1 0 0\nv 1 1\nv 0 1 0\nusemtl gone\n"
+                            "f 1 2 3\nf 1 2 \\\n 9\ncurv 1 2\nf 1 2 4\n"),
+              "1");
+    EXPECT_EQ(complaints(), "1 the materials none.mtl were not found\n"
+                            "4 3 numbers are needed\n"
+                            "6 the material gone is not described\n"
+                            "9 a face has corners that are not there\n"
+                            "10 lines that begin with curv are not read\n");
+    EXPECT_NE(run("import_report").find(" surfaces 2 "), std::string::npos);
+    EXPECT_EQ(recording().scripts.back().starts_with("show_import_report"), true);
+    EXPECT_NE(run("report_json").find("{\"line\": 9, \"text\": \"a face has"), std::string::npos);
+
+    write_text(temporary_file("gone.mtl"), "newmtl gone\nmap_Kd nowhere \"x\".png\n");
+    ASSERT_EQ(load("b.obj", "mtllib gone.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nusemtl gone\nf 1 2 3\n"),
+              "1");
+    EXPECT_NE(run("report_json").find("{\"name\": \"nowhere \\\"x\\\".png\", \"found\": null}"),
+              std::string::npos)
+        << run("report_json");
+    EXPECT_EQ(run("export_model", "nosuffix"), "0");
+    EXPECT_EQ(run("export_model", "a.xyz"), "0");
+    EXPECT_TRUE(recording().boxes.back().starts_with(
+        "Sorry, there is no geometry exporter for .xyz files\nI can export these files:\n.vesk"));
+}
+
+TEST_F(Interchange, PlyFilesComeInAllTheirForms)
+{
+    const std::string head = "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty "
+                             "float y\nproperty float z\n";
+    const std::string square = "0 0 0\n2 0 0\n2 1 0\n0 1 0\n";
+    const std::string face = "element face 1\nproperty list uchar int vertex_indices\n";
+    // Per-vertex coordinates and colours, a strip, edges that make a closed line, big-endian bytes.
+    ASSERT_EQ(
+        load("a.ply", head +
+                          "property float s\nproperty float t\nproperty uchar red\nproperty "
+                          "uchar green\nproperty uchar blue\n" +
+                          face +
+                          "end_header\n0 0 0 0 0 255 0 0\n2 0 0 1 0 255 0 0\n2 1 0 1 1 255 0 0\n"
+                          "0 1 0 0 1 255 0 0\n4 0 1 2 3\n"),
+        "1");
+    const auto *surface = item_of<surface_t>(parts().back()->surfaces);
+    EXPECT_EQ(item_of<svertex>(surface->refs->next)->u, 1);
+    EXPECT_EQ(std::string(index_to_string(surface->material)), "#ff0000");
+    run("clear_all");
+    ASSERT_EQ(load("b.ply", head +
+                                "element tristrips 1\nproperty list int int vertex_indices\n"
+                                "end_header\n" +
+                                square + "7 0 1 3 2 -1 0 1\n"),
+              "1");
+    EXPECT_EQ(parts()[0]->num_surfaces, 2);
+    run("recalc_normals_all");
+    EXPECT_EQ(item_of<surface_t>(parts()[0]->surfaces)->normal.z,
+              object_get_surface_at(parts()[0], 1)->normal.z); // every second one is turned
+    run("clear_all");
+    ASSERT_EQ(load("c.ply", head +
+                                "element edge 5\nproperty int vertex1\nproperty int vertex2\n"
+                                "end_header\n" +
+                                square + "0 1\n1 2\n2 0\n0 3\n9 1\n"),
+              "1");
+    EXPECT_EQ(parts()[0]->num_surfaces, 2);
+    EXPECT_EQ(item_of<surface_t>(parts()[0]->surfaces)->type, SURFACE_CLOSED_LINE);
+    run("clear_all");
+    std::string big = head + face + "end_header\n";
+    big.replace(big.find("ascii"), 5, "binary_big_endian");
+    for (const char *xyz : {"\0\0\0", "\x40\0\0", "\x40\x3f\0", "\0\x3f\0"})
+        for (int i = 0; i < 3; ++i)
+            big += {xyz[i], xyz[i] == '\x3f' ? '\x80' : '\0', '\0', '\0'};
+    big += std::string("\4\0\0\0\0\0\0\0\1\0\0\0\2\0\0\0\3", 17);
+    ASSERT_EQ(load("d.ply", big), "1");
+    EXPECT_EQ(find_object_size(parts()[0]).x, 2);
+    EXPECT_EQ(find_object_size(parts()[0]).y, 1);
+    // Fewer rows than announced: what is there, and a complaint with its line.
+    run("clear_all");
+    ASSERT_EQ(load("e.ply", head +
+                                "element face 2\nproperty list uchar int vertex_indices\n"
+                                "end_header\n" +
+                                square + "4 0 1 2 3\n3 0 1"),
+              "1");
+    EXPECT_EQ(complaints(), "14 the file ends within its face table\n");
+}
+
+TEST_F(Interchange, StlFilesAreToldApartByTheirSize)
+{
+    std::string bytes = "solid that is none";
+    bytes.resize(80, ' ');
+    bytes += std::string("\1\0\0\0", 4) + std::string(50, '\0');
+    bytes[84 + 12 + 14] = bytes[84 + 12 + 15] = '\x40';
+    bytes[84 + 24 + 6] = bytes[84 + 24 + 7] = '\x40';
+    ASSERT_EQ(load("a.stl", bytes), "1");
+    EXPECT_EQ(parts()[0]->num_surfaces, 1);
+    run("clear_all");
+    ASSERT_EQ(load("b.stl",
+                   "solid one thing\nfacet normal 0 0 1\nouter loop\nvertex 0 0 0\n"
+                   "vertex 1 0 0\nvertex 0 x 0\nendloop\nendfacet\nfacet\nouter loop\n"
+                   "vertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\nendloop\nendfacet\nendsolid\n"
+                   "solid two\nfacet\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n"
+                   "endloop\nendfacet\n"),
+              "1");
+    ASSERT_EQ(parts().size(), 2U);
+    EXPECT_STREQ(parts()[0]->name, "one thing");
+    EXPECT_EQ(parts()[0]->num_surfaces, 1);
+    EXPECT_EQ(complaints(), "6 a corner needs three numbers\n"
+                            "7 a triangle with too few corners was left out\n");
 }
 
 TEST_F(Interchange, OtherFormatsComeByTheProgramsReader)

@@ -3,7 +3,6 @@
 // by vertex; the texture is the one that a comment names ("TextureFile").
 #include "formats.h"
 #include "mesh.h"
-#include "model.h"
 #include "text.h"
 
 #include <algorithm>
@@ -12,13 +11,10 @@
 #include <climits>
 #include <cstring>
 #include <map>
-#include <set>
 
 namespace {
 
 constexpr std::size_t most_colours = 4096; // scanned vertices have millions
-
-// ---- in ----
 
 struct property {
     std::string name;
@@ -493,178 +489,6 @@ private:
     bool too_many_colours_ = false;
 };
 
-// ---- out ----
-
-class ply_writer {
-public:
-    ply_writer(const model &scene, bool binary) : scene_(scene), binary_(binary) {}
-
-    std::string run()
-    {
-        std::size_t vertices = 0;
-        std::size_t faces = 0;
-        std::size_t edges = 0;
-        std::set<std::string> pictures;
-        for (const model_node &node : scene_.nodes) {
-            vertices += node.points.size();
-            textured_ = textured_ || node.textured;
-            for (const model_surface &surface : node.surfaces) {
-                if (is_line(surface))
-                    edges += static_cast<std::size_t>(surface.count) -
-                             (surface.kind == SURFACE_CLOSED_LINE ? 0 : 1);
-                else
-                    ++faces;
-                longest_ = std::max(longest_, is_line(surface) ? 0 : surface.count);
-                const std::string &picture = material_of(surface).picture;
-                if (!picture.empty())
-                    pictures.insert(picture);
-            }
-        }
-        header(vertices, faces, edges, pictures.size() == 1 ? *pictures.begin() : "");
-        vesk_report_loss(pictures.size() > 1 ? static_cast<int>(pictures.size()) : 0, "textures");
-        vesk_report_loss(scene_.nodes.size() > 1 ? static_cast<int>(scene_.nodes.size()) : 0,
-                         "objects of their own");
-        points();
-        each_surface(false);
-        each_surface(true);
-        return std::move(out_.text);
-    }
-
-private:
-    [[nodiscard]] const model_material &material_of(const model_surface &surface) const
-    {
-        return scene_.materials[static_cast<std::size_t>(surface.material)];
-    }
-
-    void header(std::size_t vertices, std::size_t faces, std::size_t edges,
-                const std::string &picture)
-    {
-        out_.add("ply\nformat ", binary_ ? "binary_little_endian" : "ascii",
-                 " 1.0\ncomment VESK\n");
-        if (!picture.empty())
-            out_.add("comment TextureFile ", picture, '\n');
-        out_.add("element vertex ", vertices,
-                 "\nproperty float x\nproperty float y\nproperty float z\n");
-        const char *const colour =
-            "property uchar red\nproperty uchar green\nproperty uchar blue\n";
-        const std::string list = std::string("property list ") + (small() ? "uchar" : "uint");
-        out_.add("element face ", faces, '\n', list, " uint vertex_indices\n",
-                 textured_ ? list + " float texcoord\n" : "", colour);
-        if (edges > 0)
-            out_.add("element edge ", edges, "\nproperty uint vertex1\nproperty uint vertex2\n",
-                     colour);
-        out_.add("end_header\n");
-    }
-
-    // Lists are counted in a byte where they can be: some readers know nothing else.
-    [[nodiscard]] bool small() const { return longest_ < 128; }
-    void length(int count)
-    {
-        if (binary_ && small())
-            add_bytes(out_.text, static_cast<unsigned char>(count));
-        else
-            number(static_cast<std::uint32_t>(count));
-    }
-
-    template <class N>
-    void number(N value)
-    {
-        if (binary_)
-            add_bytes(out_.text, value);
-        else
-            out_.add(value, ' ');
-    }
-    void end_row()
-    {
-        if (!binary_)
-            out_.text.back() = '\n';
-    }
-
-    void points()
-    {
-        for (const model_node &node : scene_.nodes) {
-            for (const point3_t &p : node.points) {
-                for (const float value : {p.x, p.y, p.z})
-                    number(value);
-                end_row();
-            }
-        }
-    }
-
-    void each_surface(bool lines)
-    {
-        std::uint32_t first = 0;
-        for (const model_node &node : scene_.nodes) {
-            for (const model_surface &surface : node.surfaces) {
-                if (is_line(surface) != lines)
-                    continue;
-                if (lines)
-                    edges(node, surface, first);
-                else
-                    face(node, surface, first);
-            }
-            first += static_cast<std::uint32_t>(node.points.size());
-        }
-    }
-
-    static std::uint32_t index(const model_node &node, int corner)
-    {
-        return static_cast<std::uint32_t>(node.corners[static_cast<std::size_t>(corner)]);
-    }
-
-    void face(const model_node &node, const model_surface &surface, std::uint32_t first)
-    {
-        length(surface.count);
-        for (int k = 0; k < surface.count; ++k)
-            number(first + index(node, surface.first + k));
-        if (textured_) {
-            length(2 * surface.count);
-            for (int k = 2 * surface.first; k < 2 * (surface.first + surface.count); ++k)
-                number(node.uv[static_cast<std::size_t>(k)]);
-        }
-        colour(surface);
-    }
-
-    void edges(const model_node &node, const model_surface &surface, std::uint32_t first)
-    {
-        const int count = surface.count - (surface.kind == SURFACE_CLOSED_LINE ? 0 : 1);
-        for (int k = 0; k < count; ++k) {
-            number(first + index(node, surface.first + k));
-            number(first + index(node, surface.first + (k + 1) % surface.count));
-            colour(surface);
-        }
-    }
-
-    void colour(const model_surface &surface)
-    {
-        for (int i = 0; i < 3; ++i) {
-            const float value = material_of(surface).look.diffuse[i];
-            const auto byte =
-                static_cast<unsigned char>(std::min(std::max(value, 0.0f), 1.0f) * 255 + 0.5f);
-            if (binary_)
-                add_bytes(out_.text, byte);
-            else
-                out_.add(static_cast<unsigned>(byte), ' ');
-        }
-        end_row();
-    }
-
-    const model &scene_;
-    const bool binary_;
-    bool textured_ = false;
-    int longest_ = 0;
-    text_out out_;
-};
-
-int ply_write(const char *filename, bool binary)
-{
-    const std::string name = filename;
-    model_wishes wishes;
-    wishes.lights = wishes.smooth = wishes.groups = wishes.colours = false;
-    const model scene = take_model(filename, wishes);
-    return finish_export(name, ply_writer(scene, binary).run(), "PLY");
-}
-
 } // namespace
 
 object_t *ply_import(const char *filename)
@@ -677,6 +501,3 @@ object_t *ply_import(const char *filename)
     const std::string reason = reader.run();
     return reason.empty() ? reader.make(name) : refuse(name, reason);
 }
-
-int ply_export(const char *filename) { return ply_write(filename, true); }
-int ply_text_export(const char *filename) { return ply_write(filename, false); }

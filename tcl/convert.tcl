@@ -1,0 +1,203 @@
+# convert.tcl --
+#   vesk -convert [options] IN OUT
+#   vesk -convert [options] -to SUFFIX FILE ...
+#   Reads and writes models by their suffixes; needs no display. Options:
+#     -from SUFFIX   format of the input when IN is "-", standard input
+#     -to SUFFIX     format of the output when OUT is "-", standard output; without "-" every FILE
+#                    is converted to a file of that suffix beside it
+#     -into FOLDER   ... in that folder
+#     -do SCRIPT     evaluated with the model loaded; may stand several times
+#     -report FILE   what was read, found, missing and lost, as JSON
+#   Exit status: 0 done, 1 something failed, 2 done, but not everything came along.
+
+namespace eval ::vesk::convert {
+    variable usage "usage: vesk -convert ?-from S? ?-to S? ?-do SCRIPT? ?-report FILE? IN OUT
+       vesk -convert -to SUFFIX ?-into FOLDER? ?-do SCRIPT? ?-report FILE? FILE ..."
+    variable options
+    array set options {-from "" -to "" -into "" -report "" -do {}}
+    variable reports {}
+    variable folder ""
+}
+
+# parse --
+#   Takes the options off; returns the remaining words.
+proc ::vesk::convert::parse {words} {
+    variable options
+    variable usage
+    while {[string match -?* [lindex $words 0]]} {
+        set rest [lassign $words option value]
+        if {$option eq "--"} {
+            return [lrange $words 1 end]
+        }
+        if {![info exists options($option)] || [llength $words] < 2} {
+            error $usage
+        }
+        if {$option eq "-do"} {
+            lappend options(-do) $value
+        } else {
+            set options($option) $value
+        }
+        set words $rest
+    }
+    foreach option {-from -to} {
+        if {$options($option) ne "" && ![string match .* $options($option)]} {
+            set options($option) .$options($option)
+        }
+    }
+    return $words
+}
+
+# pairs --
+#   Returns the files to read and to write, in turns.
+proc ::vesk::convert::pairs {words} {
+    variable options
+    variable usage
+    if {"-" in $words || $options(-to) eq ""} {
+        lassign $words in out
+        if {[llength $words] != 2 || ($in eq "-" && $options(-from) eq "")
+            || ($out eq "-" && $options(-to) eq "")} {
+            error $usage
+        }
+        return $words
+    }
+    if {[llength $words] == 0} {
+        error $usage
+    }
+    set pairs {}
+    foreach file $words {
+        set to [expr {$options(-into) ne "" ? $options(-into) : [file dirname $file]}]
+        set out [file join $to [file rootname [file tail $file]]$options(-to)]
+        if {[info exists taken($out)]} {
+            error "convert - $taken($out) and $file would both become $out"
+        }
+        set taken($out) $file
+        lappend pairs $file $out
+    }
+    return $pairs
+}
+
+# temporary --
+#   A name in a folder of this run's own, which goes at its end.
+proc ::vesk::convert::temporary {name} {
+    variable folder
+    if {$folder eq ""} {
+        close [file tempfile folder]
+        file delete $folder
+        file mkdir $folder
+    }
+    return [file join $folder $name]
+}
+
+proc ::vesk::convert::copy_channel {from to} {
+    foreach channel [list $from $to] {
+        fconfigure $channel -translation binary
+    }
+    fcopy $from $to
+    flush $to
+}
+
+# convert --
+#   One file; returns the exit status.
+proc ::vesk::convert::convert {in out} {
+    variable options
+    vesk clear_all
+    set read $in
+    if {$in eq "-"} {
+        set read [temporary input$options(-from)]
+        set file [open $read wb]
+        copy_channel stdin $file
+        close $file
+    }
+    set write $out
+    if {$out eq "-"} {
+        file mkdir [temporary out]
+        set write [temporary out/output$options(-to)]
+    } elseif {[file exists $out] && [file normalize $in] eq [file normalize $out]} {
+        puts stderr "convert - $in would be replaced by itself"
+        return 1
+    }
+    vesk set_images_folder [expr {$out eq "-" ? [pwd] : [file dirname [file normalize $out]]}]
+    set status 0
+    if {[vesk file_load $read] ne "1"} {
+        puts stderr "convert - can't read $in"
+        return 1
+    }
+    foreach script $options(-do) {
+        uplevel #0 $script
+    }
+    if {[vesk export_model $write] ne "1"} {
+        puts stderr "convert - can't write $out"
+        return 1
+    }
+    array set report [vesk import_report]
+    if {$report(losses) ne "" || $report(warnings_in_all) > 0} {
+        set status 2
+    }
+    foreach warning $report(warnings) {
+        lassign $warning line text
+        puts stderr "$in:[expr {$line > 0 ? "$line:" : ""}] $text"
+    }
+    if {$out eq "-"} {
+        set status [expr {max($status, [send $write])}]
+    }
+    return $status
+}
+
+# send --
+#   A file to standard output; returns 2 when it needs others that cannot go along.
+proc ::vesk::convert::send {name} {
+    set file [open $name rb]
+    copy_channel $file stdout
+    close $file
+    set others [glob -nocomplain -tails -directory [file dirname $name] *]
+    if {[llength $others] <= 1} {
+        return 0
+    }
+    puts stderr "convert - only [file tail $name] of [lsort $others] goes to standard output"
+    return 2
+}
+
+proc ::vesk::convert::write_reports {} {
+    variable options
+    variable reports
+    if {$options(-report) eq ""} {
+        return
+    }
+    set text "[lindex $reports 0]\n"
+    if {[llength $reports] != 1} {
+        set text "\[\n[join $reports ",\n"]]\n"
+    }
+    set file [open $options(-report) w]
+    fconfigure $file -encoding utf-8
+    puts -nonewline $file $text
+    close $file
+}
+
+# run --
+#   Returns the exit status.
+proc ::vesk::convert::run {words} {
+    variable reports
+    variable folder
+    set status 0
+    foreach {in out} [pairs [parse $words]] {
+        if {[catch {convert $in $out} result]} {
+            puts stderr "convert - $in: $result"
+            set result 1
+        }
+        lappend reports [string trim [vesk report_json]]
+        if {$result == 1 || ($result == 2 && $status == 0)} {
+            set status $result
+        }
+    }
+    write_reports
+    if {$folder ne ""} {
+        file delete -force $folder
+    }
+    return $status
+}
+
+if {[catch {::vesk::convert::run $argv} result]} {
+    puts stderr $result
+    exit 1
+}
+exit $result
