@@ -321,10 +321,17 @@ private:
                  std::strcmp(top.mName.C_Str(), "ROOT") == 0);
     }
 
-    // Printers have Z upwards.
+    // Printers have Z upwards. FBX tells its unit in centimetres; ours is the metre of the others.
     aiMatrix4x4 axes() const
     {
         aiMatrix4x4 turn;
+        if (suffix_ == "fbx") {
+            float unit = 1;
+            if (scene_.mMetaData != nullptr)
+                scene_.mMetaData->Get("UnitScaleFactor", unit);
+            if (std::isfinite(unit) && unit > 0)
+                aiMatrix4x4::Scaling(aiVector3D(unit / 100), turn);
+        }
         if (suffix_ == "3mf")
             turn = aiMatrix4x4(1, 0, 0, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1);
         return turn;

@@ -303,16 +303,17 @@ private:
 
     void add_texture(std::size_t i, const std::string &picture)
     {
-        begin_object("Video", id(i, VIDEO), named("picture", "Video"), "Clip");
+        const std::string name = vesk_filename_get_file(picture.c_str());
+        begin_object("Video", id(i, VIDEO), named(name, "Video"), "Clip");
         out_.leaf("Type", "Clip");
         out_.leaf("FileName", picture);
         out_.leaf("RelativeFilename", picture);
         out_.close();
-        begin_object("Texture", id(i, TEXTURE), named("texture", "Texture"), "");
+        begin_object("Texture", id(i, TEXTURE), named(name, "Texture"), "");
         out_.leaf("Type", "TextureVideoClip");
         out_.leaf("Version", std::int32_t{202});
-        out_.leaf("TextureName", named("texture", "Texture"));
-        out_.leaf("Media", named("picture", "Video"));
+        out_.leaf("TextureName", named(name, "Texture"));
+        out_.leaf("Media", named(name, "Video"));
         out_.leaf("FileName", picture);
         out_.leaf("RelativeFilename", picture);
         out_.close();

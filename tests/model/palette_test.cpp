@@ -32,6 +32,20 @@ TEST_F(Palette, TellsTheScriptsOfEachNewEntryAndGrowsByTwenty)
     EXPECT_EQ(palette_capacity(), capacity + 20);
 }
 
+TEST_F(Palette, TheCommandCopiesAnEntryWithItsNameAndChangesStayApart)
+{
+    run("set_palette_entry", 2, 0.5f, 0.25f, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 30, 0.5f);
+    EXPECT_EQ(run("new_palette_entry", 2), "15");
+    EXPECT_EQ(vesk_get_num_palette(), 16);
+    EXPECT_NE(material_compare(vesk_palette_get_material(2), vesk_palette_get_material(15)), 0);
+    EXPECT_STREQ(vesk_material_get_name_index(15), vesk_material_get_name_index(2));
+    EXPECT_EQ(last_call("add_palette_button"), std::string(index_to_string(2)) + " 15");
+    run("set_palette_entry", 15, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10, 0);
+    EXPECT_EQ(vesk_palette_get_material(2)->diffuse[1], 0.25f);
+    EXPECT_EQ(run("new_palette_entry", 16), "-1");
+    EXPECT_EQ(vesk_get_num_palette(), 16);
+}
+
 TEST_F(Palette, RefusesIndicesOutside)
 {
     recording().console.clear();

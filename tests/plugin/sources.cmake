@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    plugin/foreign_models_test.cpp
     plugin/images_test.cpp
     plugin/interchange_test.cpp
     plugin/plugin_test.cpp

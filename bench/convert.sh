@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Conversion of a terrain of 1,000,000 vertices in whole processes: seconds and megabytes of each,
+# with Assimp's own tool on the same file where it is installed.
+#   bench/convert.sh [build folder] [rows]
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+program=$(cd "${1:-$here/../build}/home" && pwd)/vesk
+rows=${2:-999}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export USERPROFILE=$work LANG=C.UTF-8
+cd "$work"
+
+# timed WHAT COMMAND...: the best of three, whatever its status.
+timed() {
+    local what=$1 best= line
+    shift
+    for _ in 1 2 3; do
+        /usr/bin/time -q -o "$work/time" -f '%e %M' "$@" >/dev/null 2>&1 || true
+        line=$(tail -1 "$work/time")
+        if [ -z "$best" ] || awk "BEGIN { exit !(${line% *} < ${best% *}) }"; then best=$line; fi
+    done
+    awk -v what="$what" -v line="$best" 'BEGIN {
+        split(line, part, " "); printf "%-28s %6.2f s %6.0f MB\n", what, part[1], part[2] / 1024 }'
+}
+
+tclsh8.6 "$here/terrain.tcl" "$rows" >terrain.vesk
+"$program" -convert terrain.vesk terrain.obj 2>/dev/null
+ls -l terrain.vesk terrain.obj | awk '{ printf "%s: %.0f MB\n", $NF, $5 / 1e6 }'
+timed ".obj to .vesk" "$program" -convert terrain.obj out.vesk
+timed ".vesk to .obj" "$program" -convert terrain.vesk out.obj
+for suffix in ply stl glb dae fbx 3mf; do
+    timed ".vesk to .$suffix" "$program" -convert terrain.vesk "out.$suffix"
+done
+for suffix in ply stl glb; do
+    timed ".$suffix to .vesk" "$program" -convert "out.$suffix" "back.vesk"
+done
+if command -v assimp >/dev/null; then
+    timed "assimp: .obj to .obj" assimp export terrain.obj theirs.obj
+    timed "assimp: .obj to .glb" assimp export terrain.obj theirs.glb
+fi
