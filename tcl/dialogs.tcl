@@ -334,6 +334,8 @@ proc ::vesk::dialogs::ask {title target help {before ""}} {
     grid $w.in.row - -sticky we -pady [::vesk::theme::pad 10 0]
     grid columnconfigure $w.in 1 -weight 1
     foreach child [concat [winfo children $w.in] [winfo children $w.in.row]] {
+        # What has keys bound would be a stop of Tab.
+        if {[winfo class $child] in {TLabel TFrame}} {continue}
         bind $child <Escape> "$close; break"
         if {[winfo class $child] ne "TButton"} {
             bind $child <Return> $run

@@ -311,16 +311,15 @@ proc ::vesk::optionbar::apply_level {level} {
         set short [expr {$level >= 1 && $mode ne $::vesk::select_mode}]
         $path.modes.$mode configure -compound [expr {$short ? "image" : "left"}]
     }
-    foreach part {line3 pivot} {pack forget $path.$part}
+    foreach part {line2 snap line3 pivot} {pack forget $path.$part}
+    if {$level < 4} {
+        pack $path.line2 $path.snap -side left -after $path.tool
+    }
     if {$level < 2} {
         pack $path.line3 $path.pivot -side left -after $path.snap
     }
     pack forget $path.snap.near
     if {$level < 3} {pack $path.snap.near -side left}
-    foreach part {line2 snap} {pack forget $path.$part}
-    if {$level < 4} {
-        pack $path.line2 $path.snap -side left -after $path.tool
-    }
 }
 
 # set_select_mode_ui --

@@ -116,6 +116,8 @@ proc ::vesk::search::close {} {
         grab release .search
         destroy .search
     }
+    # A window that no window manager knows gives the keyboard back to nobody.
+    focus -force .
     ::vesk::view::focus_last
 }
 

@@ -196,5 +196,14 @@ proc row {id} {
             [winfo ismapped .main.right] == ($size eq "1280x800")
         }
     }
+    # As narrow as it gets and wide again: what was left out comes back.
+    foreach {size there} {600x500 {0 0} 1280x800 {1 1} 760x600 {} 1280x800 {1 1}} {
+        wm geometry . $size
+        ::test::pause 400
+        if {$there eq ""} {continue}
+        ::test::check "snap and pivot in the option bar, $size" {
+            [list [winfo ismapped .opt.snap] [winfo ismapped .opt.pivot]] eq $there
+        }
+    }
     ::test::check "no script failed" {$::errors eq {}}
 }
