@@ -8,7 +8,8 @@
 #include <cmath>
 #include <map>
 #include <numeric>
-#include <string>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -99,8 +100,42 @@ std::vector<flat_uv> aligned(const uv_state &state, const side_row &side)
 
 // ---- weld ----
 
-// The chosen corners of each vertex, as far as they lie within the distance of the first of them,
-// come to their middle.
+// Those of the corners order[first] .. order[end - 1], sorted by u, that lie within the distance of
+// the first of them that is left come to their middle, and so on.
+void weld_near(const std::vector<flat_uv> &from, const std::vector<int> &order, std::size_t first,
+               std::size_t end, double distance, std::vector<flat_uv> &at)
+{
+    std::vector<char> done(end - first, 0);
+    std::vector<int> near;
+    for (std::size_t i = first; i < end; ++i) {
+        if (done[i - first] != 0)
+            continue;
+        const flat_uv centre = from[place(order[i])];
+        double u = 0, v = 0;
+        bool differ = false;
+        near.clear();
+        for (std::size_t j = i; j < end; ++j) {
+            const flat_uv &p = from[place(order[j])];
+            if (double{p.u} - centre.u > distance)
+                break;
+            if (done[j - first] != 0 ||
+                std::hypot(double{p.u} - centre.u, double{p.v} - centre.v) > distance)
+                continue;
+            done[j - first] = 1;
+            near.push_back(order[j]);
+            u += p.u;
+            v += p.v;
+            differ = differ || !(p == centre);
+        }
+        const auto count = static_cast<double>(near.size());
+        for (const int c : near) {
+            if (differ)
+                at[place(c)] = {narrow(u / count), narrow(v / count)};
+        }
+    }
+}
+
+// The chosen corners of each vertex.
 std::vector<flat_uv> welded(const uv_state &state, double distance)
 {
     const uv_mesh &mesh = state.mesh;
@@ -108,40 +143,17 @@ std::vector<flat_uv> welded(const uv_state &state, double distance)
     const std::vector<char> moving = uv_moving_corners(state);
     std::vector<int> order;
     for (int c = 0; c < mesh.num_corners(); ++c) {
-        if (moving[place(c)] != 0)
+        const flat_uv &p = mesh.at[place(c)];
+        if (moving[place(c)] != 0 && std::isfinite(p.u) && std::isfinite(p.v))
             order.push_back(c);
     }
-    std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
-        return mesh.vertices[place(a)] < mesh.vertices[place(b)];
-    });
-    std::vector<int> group;
-    for (std::size_t first = 0; first < order.size();) {
-        std::size_t end = first;
+    const auto key = [&](int c) { return std::pair(mesh.vertices[place(c)], mesh.at[place(c)].u); };
+    std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return key(a) < key(b); });
+    for (std::size_t first = 0, end = 0; first < order.size(); first = end) {
         const int vertex = mesh.vertices[place(order[first])];
         while (end < order.size() && mesh.vertices[place(order[end])] == vertex)
             ++end;
-        while (first < end) {
-            const flat_uv centre = mesh.at[place(order[first])];
-            const auto near = std::stable_partition(
-                order.begin() + static_cast<std::ptrdiff_t>(first),
-                order.begin() + static_cast<std::ptrdiff_t>(end), [&](int c) {
-                    const flat_uv &p = mesh.at[place(c)];
-                    return std::hypot(double{p.u} - centre.u, double{p.v} - centre.v) <= distance;
-                });
-            const auto stop = static_cast<std::size_t>(near - order.begin());
-            double u = 0, v = 0;
-            bool differ = false;
-            for (std::size_t i = first; i < stop; ++i) {
-                const flat_uv &p = mesh.at[place(order[i])];
-                u += p.u;
-                v += p.v;
-                differ = differ || !(p == centre);
-            }
-            const auto count = static_cast<double>(stop - first);
-            for (std::size_t i = first; differ && i < stop; ++i)
-                at[place(order[i])] = {narrow(u / count), narrow(v / count)};
-            first = stop;
-        }
+        weld_near(mesh.at, order, first, end, distance, at);
     }
     return at;
 }
@@ -225,8 +237,8 @@ uv_matrix uv_scaling(double su, double sv, const flat_uv &centre)
 
 uv_matrix uv_between_boxes(const uv_box &from, const uv_box &to)
 {
-    const auto factor = [](float old_size, float new_size) {
-        return old_size != 0 ? double{new_size} / old_size : 1.0;
+    const auto factor = [](double old_size, double new_size) {
+        return old_size != 0 ? new_size / old_size : 1.0;
     };
     const double su = factor(from.width(), to.width());
     const double sv = factor(from.height(), to.height());
@@ -326,7 +338,7 @@ void command_uv_weld(int count, const char *const *words)
         display_message("%s - choose corners first, or give a distance", label);
         return;
     }
-    finish(label, welded(state, count > 0 ? double_of(words[0]) : 1e30));
+    finish(label, welded(state, count > 0 ? std::max(0.0, double_of(words[0])) : 1e300));
 }
 
 void command_uv_split()

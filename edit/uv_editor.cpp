@@ -437,15 +437,20 @@ uv_pixels uv_picture_size()
         return pixels;
     const auto repeats = [](float repeat) {
         const double times = std::fabs(static_cast<double>(repeat));
-        return times > 0 && std::isfinite(times) ? times : 1.0;
+        return times > 0 && std::isfinite(times) ? std::clamp(times, 1e-4, 1e4) : 1.0;
     };
     return {image->width * repeats(object->texture_repeat_x),
             image->height * repeats(object->texture_repeat_y)};
 }
 
-int uv_commit(const char *label, const std::vector<flat_uv> &at)
+int uv_commit(const char *label, const std::vector<flat_uv> &wanted)
 {
     const uv_mesh &mesh = uv_editor().mesh;
+    std::vector<flat_uv> at = wanted;
+    for (std::size_t c = 0; c < at.size(); ++c) {
+        if (!std::isfinite(at[c].u) || !std::isfinite(at[c].v))
+            at[c] = mesh.at[c];
+    }
     const std::vector<int> changed = uv_changed_surfaces(mesh, mesh.at, at);
     if (changed.empty())
         return 0;

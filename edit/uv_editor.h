@@ -54,8 +54,8 @@ object_t *uv_picture_object();
 
 // ---- changes ----
 
-// Makes `at` the coordinates of all shown corners: one undo record with that label. Returns how many
-// surfaces changed; 0: no record.
+// Makes `at` the coordinates of all shown corners, but for what is no number: one undo record with
+// that label. Returns how many surfaces changed; 0: no record.
 int uv_commit(const char *label, const std::vector<flat_uv> &at);
 
 // The same without a record, for a drag: islands stay as they were numbered at its begin.

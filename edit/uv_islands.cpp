@@ -123,7 +123,8 @@ private:
     [[nodiscard]] std::tuple<float, float, float, float> key(const side_t &side) const
     {
         const flat_uv &a = uv(side.low_corner), &b = uv(side.high_corner);
-        return {a.u, a.v, b.u, b.v};
+        const auto number = [](float value) { return std::isnan(value) ? 0.0f : value; };
+        return {number(a.u), number(a.v), number(b.u), number(b.v)};
     }
     [[nodiscard]] bool agree(const side_t &a, const side_t &b) const
     {

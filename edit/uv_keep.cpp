@@ -265,6 +265,8 @@ std::vector<flat_uv> slid(const origin_t &origin, const uv_mesh &now_mesh,
                 continue;
             const vector3 move = difference(now[place(v)], mesh.positions[place(v)]);
             const double weight = slope.weight(move);
+            if (!(weight > 0))
+                continue;
             sum_t &sum = sums[place(origin.islands.point[place(c)])];
             sum.weight += weight;
             sum.u += weight * slope.by_u(move);

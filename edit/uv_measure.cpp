@@ -148,14 +148,14 @@ private:
             double area = 0;
             for (int c = mesh_.corners_begin(i); c < mesh_.corners_end(i); ++c) {
                 const flat_uv &p = mesh_.at[place(c)];
-                outline.emplace_back(p.u, p.v);
+                outline.emplace_back(std::isnan(p.u) ? 0 : p.u, std::isnan(p.v) ? 0 : p.v);
                 area += cross(mesh_.at[place(mesh_.corners_begin(i))], p,
                               mesh_.at[place(mesh_.next_corner(i, c))]);
             }
             std::sort(outline.begin(), outline.end());
             const auto [known, is_new] = outlines.emplace(std::move(outline), i);
             twin_[place(i)] = known->second;
-            if (!is_new && area != 0)
+            if (!is_new && std::fabs(area) > 0)
                 found_[place(i)] = found_[place(known->second)] = 1;
         }
     }
@@ -169,7 +169,7 @@ private:
                        0,
                        {}};
             const double area = cross(p.triangle.p[0], p.triangle.p[1], p.triangle.p[2]);
-            if (!(std::fabs(area) > 0))
+            if (!(std::fabs(area) > 0) || !std::isfinite(area))
                 continue;
             if (area < 0)
                 std::swap(p.triangle.p[1], p.triangle.p[2]);

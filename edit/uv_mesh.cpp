@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 
 namespace {
@@ -135,6 +136,8 @@ std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat
 
 void uv_box::add(const flat_uv &p)
 {
+    if (!std::isfinite(p.u) || !std::isfinite(p.v))
+        return;
     if (!any) {
         u0 = u1 = p.u;
         v0 = v1 = p.v;

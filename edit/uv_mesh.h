@@ -68,14 +68,14 @@ void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at,
 std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat_uv> &from,
                                      const std::vector<flat_uv> &to);
 
-// Bounds of corners; empty while nothing was added.
+// Bounds of corners; empty while nothing was added. What is no number does not count.
 struct uv_box {
     float u0 = 1, v0 = 1, u1 = 0, v1 = 0;
     bool any = false;
     void add(const flat_uv &p);
-    [[nodiscard]] float width() const { return u1 - u0; }
-    [[nodiscard]] float height() const { return v1 - v0; }
-    [[nodiscard]] flat_uv middle() const { return {(u0 + u1) / 2, (v0 + v1) / 2}; }
+    [[nodiscard]] double width() const { return double{u1} - u0; }
+    [[nodiscard]] double height() const { return double{v1} - v0; }
+    [[nodiscard]] flat_uv middle() const { return {u0 / 2 + u1 / 2, v0 / 2 + v1 / 2}; }
 };
 
 #endif

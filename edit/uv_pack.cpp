@@ -10,7 +10,8 @@
 
 namespace {
 
-constexpr int largest_side = 1024; // the longest side of any rectangle, in the packer's steps
+constexpr int largest_side = 1024;      // the longest side of any rectangle, in the packer's steps
+constexpr double largest_height = 1e15; // of a picture that is nothing but high, in steps
 constexpr std::size_t most_on_a_skyline = 3000;
 
 std::size_t place(int i) { return static_cast<std::size_t>(i); }
@@ -176,7 +177,8 @@ private:
     bool fits(std::int64_t side)
     {
         const std::int64_t gap = gap_steps(side);
-        const auto height = static_cast<std::int64_t>(static_cast<double>(side) / aspect_);
+        const auto height = static_cast<std::int64_t>(
+            std::min(static_cast<double>(side) / aspect_, largest_height));
         placed_ = sizes_;
         for (piece &p : placed_) {
             p.width += gap;
@@ -215,7 +217,10 @@ uv_layout uv_pack_rectangles(const std::vector<uv_rectangle> &rectangles, double
 {
     if (rectangles.empty())
         return {};
-    return packer(rectangles, aspect, std::clamp(gap, 0.0, 0.25), turn).run();
+    // However many and however flat the picture: four times the gaps alone find room.
+    const double most = std::min(
+        {0.25, 0.25 / aspect, 0.5 / std::sqrt(aspect * static_cast<double>(rectangles.size()))});
+    return packer(rectangles, aspect, gap > 0 ? std::min(gap, most) : 0, turn).run();
 }
 
 // ---- commands ----

@@ -18,7 +18,8 @@ struct uv_layout {
     std::vector<uv_rectangle_place> places;
 };
 
-// `gap` between rectangles, and half of it at the sides, in picture widths. With `turn` upright ones
+// `gap` between rectangles, and half of it at the sides, in picture widths; less where so much would
+// leave no room. With `turn` upright ones
 // are laid down. Along the skyline, lowest place first; thousands of rectangles in rows. The same
 // sizes give the same places, also after they were scaled and placed by this.
 uv_layout uv_pack_rectangles(const std::vector<uv_rectangle> &rectangles, double aspect, double gap,

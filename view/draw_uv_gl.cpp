@@ -26,6 +26,10 @@ constexpr float crowded[3] = {0.30f, 0.52f, 0.95f};
 constexpr float even[3] = {0.42f, 0.68f, 0.42f};
 constexpr int overlap_colour = 0xE5AC4D;
 constexpr float hatched_from = 0.5f; // of the scale: hatching begins
+// More than these are drawn with less: no marks on corners that are not chosen by themselves, and
+// neither marks nor smoothing while the mouse drags.
+constexpr std::size_t many_points = 5000;
+constexpr std::size_t many_edges = 12000;
 
 std::size_t place(int i) { return static_cast<std::size_t>(i); }
 float narrow(double value) { return static_cast<float>(value); }
@@ -450,8 +454,9 @@ void draw_uv_view(int width, int height)
 {
     const uv_state &state = uv_editor();
     bring_up_to_date(state);
+    const bool hurries = uv_view_is_dragging() && state.islands.edges.size() > many_edges;
     frame_begin(texture_coords_view, width, height, colour_of(prefs.uveditor_bgcol),
-                prefs.uveditor_antialias != 0);
+                prefs.uveditor_antialias != 0 && !hurries);
     glDisable(GL_DEPTH_TEST);
     use_pixel_projection(width, height);
     draw_picture_or_checker(width, height);
@@ -461,10 +466,13 @@ void draw_uv_view(int width, int height)
     use_pixels();
     frame_end(texture_coords_view);
     use_pixel_projection(width, height);
-    use_texture_coordinates();
-    draw_points(drawing.points, colour_of(prefs.uveditor_edgecol));
-    draw_points(drawing.chosen_points, colour_of(prefs.uveditor_selectedcol));
-    use_pixels();
+    if (!hurries &&
+        (state.mode == uv_mode::CORNER || drawing.chosen_points.size() <= many_points)) {
+        use_texture_coordinates();
+        draw_points(drawing.points, colour_of(prefs.uveditor_edgecol));
+        draw_points(drawing.chosen_points, colour_of(prefs.uveditor_selectedcol));
+        use_pixels();
+    }
     draw_selection_frame();
     draw_axis_lock(width, height);
     const uv_view_t &view = uv_view();

@@ -57,11 +57,12 @@ bool is_inside(const uv_mesh &mesh, int surface, const flat_uv &p)
 std::vector<int> points_at(const uv_state &state, int x, int y)
 {
     const double range = std::max(1.0, prefs.pick_pixel_range * view_interface_scale());
+    const uv_screen screen = uv_screen_now();
     std::vector<std::pair<double, int>> found;
     std::vector<char> seen(place(state.islands.num_points), 0);
     for (int c = 0; c < state.mesh.num_corners(); ++c) {
         char &known = seen[place(state.islands.point[place(c)])];
-        const uv_screen_point p = uv_to_screen(state.mesh.at[place(c)]);
+        const uv_screen_point p = screen.at(state.mesh.at[place(c)]);
         if (known != 0 || !same_pixel(p, x, y, range))
             continue;
         known = 1;
@@ -116,7 +117,9 @@ std::vector<char> whole(const uv_state &state, int corner)
 // ---- rubber band ----
 
 struct band_t {
+    uv_screen screen;
     double x0, y0, x1, y1;
+    flat_uv corner; // upper left
     [[nodiscard]] bool holds(const uv_screen_point &p) const
     {
         return p.x >= x0 && p.x <= x1 && p.y >= y0 && p.y <= y1;
@@ -144,14 +147,14 @@ bool crosses(const band_t &band, const uv_screen_point &a, const uv_screen_point
 bool surface_in_band(const uv_mesh &mesh, int surface, const band_t &band, bool touching)
 {
     for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
-        const uv_screen_point a = uv_to_screen(mesh.at[place(c)]);
-        const uv_screen_point b = uv_to_screen(mesh.at[place(mesh.next_corner(surface, c))]);
+        const uv_screen_point a = band.screen.at(mesh.at[place(c)]);
+        const uv_screen_point b = band.screen.at(mesh.at[place(mesh.next_corner(surface, c))]);
         if (!touching && !band.holds(a))
             return false;
         if (touching && crosses(band, a, b))
             return true;
     }
-    return !touching || is_inside(mesh, surface, uv_from_screen(band.x0, band.y0));
+    return !touching || is_inside(mesh, surface, band.corner);
 }
 
 std::vector<char> corners_in_band(const uv_state &state, const band_t &band, bool touching)
@@ -160,7 +163,7 @@ std::vector<char> corners_in_band(const uv_state &state, const band_t &band, boo
     std::vector<char> corners(mesh.at.size(), 0);
     if (state.mode == uv_mode::CORNER) {
         for (std::size_t c = 0; c < corners.size(); ++c)
-            corners[c] = band.holds(uv_to_screen(mesh.at[c])) ? 1 : 0;
+            corners[c] = band.holds(band.screen.at(mesh.at[c])) ? 1 : 0;
         return corners;
     }
     std::vector<char> taken(mesh.surfaces.size());
@@ -198,11 +201,13 @@ uv_view_t &uv_view() { return view; }
 
 double uv_scale_v() { return view.scale / uv_picture_size().aspect(); }
 
-uv_screen_point uv_to_screen(const flat_uv &p)
+uv_screen uv_screen_now()
 {
-    return {view.width / 2.0 + (p.u - view.centre_u) * view.scale,
-            view.height / 2.0 - (p.v - view.centre_v) * uv_scale_v()};
+    return {view.width / 2.0, view.height / 2.0, view.centre_u,
+            view.centre_v,    view.scale,        uv_scale_v()};
 }
+
+uv_screen_point uv_to_screen(const flat_uv &p) { return uv_screen_now().at(p); }
 
 flat_uv uv_from_screen(double x, double y)
 {
@@ -236,8 +241,8 @@ void uv_view_fit(bool chosen_only)
     const double aspect = uv_picture_size().aspect();
     const double room_x = std::max(view.width - scaled(border) * 1.0, 16.0);
     const double room_y = std::max(view.height - scaled(border) * 1.0, 16.0);
-    const double width = std::max(double{box.width()}, 1e-4);
-    const double height = std::max(double{box.height()}, 1e-4) / aspect;
+    const double width = std::max(box.width(), 1e-4);
+    const double height = std::max(box.height(), 1e-4) / aspect;
     view.scale = std::clamp(std::min(room_x / width, room_y / height), least_scale, most_scale);
     view.centre_u = box.middle().u;
     view.centre_v = box.middle().v;
@@ -330,9 +335,13 @@ void uv_view_click(int x, int y, int state_of_keys)
 void uv_view_take_band(int x0, int y0, int x1, int y1, int state_of_keys)
 {
     const uv_state &state = uv_editor();
-    const band_t band = {
-        static_cast<double>(std::min(x0, x1)), static_cast<double>(std::min(y0, y1)),
-        static_cast<double>(std::max(x0, x1)), static_cast<double>(std::max(y0, y1))};
+    const int left = std::min(x0, x1), top = std::min(y0, y1);
+    const band_t band = {uv_screen_now(),
+                         static_cast<double>(left),
+                         static_cast<double>(top),
+                         static_cast<double>(std::max(x0, x1)),
+                         static_cast<double>(std::max(y0, y1)),
+                         uv_from_screen(left, top)};
     std::vector<char> corners = corners_in_band(state, band, x1 < x0);
     const bool adds = qualifier_shift(state_of_keys) != 0;
     const bool takes_away = qualifier_control(state_of_keys) != 0;

@@ -40,9 +40,19 @@ uv_view_t &uv_view();
 struct uv_screen_point {
     double x, y;
 };
+// Where coordinates lie in the window now; for many points it is made once.
+struct uv_screen {
+    double centre_x, centre_y; // window
+    double centre_u, centre_v;
+    double scale_u, scale_v; // pixels a unit
+    [[nodiscard]] uv_screen_point at(const flat_uv &p) const
+    {
+        return {centre_x + (p.u - centre_u) * scale_u, centre_y - (p.v - centre_v) * scale_v};
+    }
+};
+uv_screen uv_screen_now();
 uv_screen_point uv_to_screen(const flat_uv &p);
 flat_uv uv_from_screen(double x, double y);
-// Pixels a unit of v.
 double uv_scale_v();
 
 // ---- the window ----

@@ -243,6 +243,22 @@ TEST_P(UvPack, NothingOverlapsAllIsInsideAndPackingAgainChangesNothing)
 }
 INSTANTIATE_TEST_SUITE_P(Sizes, UvPack, testing::ValuesIn(pack_cases));
 
+TEST_F(UvPack, AMarginThatLeavesNoRoomGetsSmaller)
+{
+    for (const double aspect : {1.0, 100.0, 0.01}) {
+        for (const int count : {1, 5, 300, 4000}) {
+            const std::vector<uv_rectangle> sizes(place(count), uv_rectangle{1, 1});
+            const uv_layout layout = uv_pack_rectangles(sizes, aspect, 5, true);
+            EXPECT_GT(layout.scale, 0);
+            for (const placed_t &at : placed(sizes, layout, aspect)) {
+                ASSERT_GE(std::min(at.u, at.v), 0);
+                ASSERT_LE(at.u + at.width, 1 + 1e-6);
+                ASSERT_LE(at.v + at.height, 1 + 1e-6);
+            }
+        }
+    }
+}
+
 TEST_F(UvPack, TheCommandLaysIslandsWithAMarginAndTwiceIsOnce)
 {
     object_t *cube = add_cube("cube");

@@ -375,6 +375,52 @@ TEST_F(Uv, OverlapsAreWhatComparingAllPairsFinds)
     EXPECT_EQ(run("uv_overlaps"), "64");
 }
 
+TEST_F(Uv, CoordinatesThatAreNoNumbersAreLeftAlone)
+{
+    object_t *squares = add_squares(5, 5);
+    std::vector<flat_uv> at = coordinates(squares);
+    random_source random(9);
+    const float values[] = {std::nanf(""), INFINITY, -INFINITY, 1e30f, -3e38f, 1e-40f, 0};
+    for (flat_uv &p : at) {
+        if (random.below(3) == 0)
+            (random.below(2) == 0 ? p.u : p.v) = values[random.below(7)];
+    }
+    set_coordinates(squares, at);
+    select_only(squares);
+    for (const std::vector<std::string> &words :
+         std::vector<std::vector<std::string>>{{"uv_info"},
+                                               {"uv_islands"},
+                                               {"uv_stretch"},
+                                               {"uv_overlaps"},
+                                               {"uv_select", "overlapping"},
+                                               {"uv_select", "flipped"},
+                                               {"uv_select", "none"},
+                                               {"uv_view_fit", "1"},
+                                               {"uv_pack", "2"},
+                                               {"uv_relax", "3"},
+                                               {"uv_fit", "1"},
+                                               {"uv_weld", "1"},
+                                               {"uv_align", "left"},
+                                               {"uv_snap"},
+                                               {"uv_rotate", "30"},
+                                               {"uv_move", "nan", "inf"},
+                                               {"uv_scale", "inf", "1e38"},
+                                               {"uv_keep", "1"},
+                                               {"move", "0.5", "0", "0"},
+                                               {"uv_pack", "nan"},
+                                               {"uv_overlaps"}})
+        run_words(words);
+    const std::vector<flat_uv> after = coordinates(squares);
+    for (std::size_t c = 0; c < at.size(); ++c) {
+        if (std::isfinite(at[c].u) && std::isfinite(at[c].v)) {
+            EXPECT_TRUE(std::isfinite(after[c].u) && std::isfinite(after[c].v));
+        }
+    }
+    run("uv_project", "box", "1"); // which mends them all
+    for (const flat_uv &p : coordinates(squares))
+        EXPECT_TRUE(p.u >= 0 && p.u <= 1 && p.v >= 0 && p.v <= 1);
+}
+
 TEST_F(Uv, RelaxLowersTheDistortionAndStopsWhereThereIsNone)
 {
     object_t *dome = add_squares(6, 6);

@@ -278,6 +278,7 @@ proc rings {name} {
     # ---- how it looks ----
     vesk clear_all
     vesk create sphere 0 -1 -1 -1 1 1 1
+    vesk set_select_mode object
     vesk select_all
     vesk set_texture 0
     vesk uv_project box 1
