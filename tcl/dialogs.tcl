@@ -52,6 +52,8 @@ proc ::vesk::dialogs::number_keys {entry variable apply {unit ""}} {
     bind $entry <Return> [list ::vesk::dialogs::number_done %W $variable $apply]
     bind $entry <KP_Enter> [list ::vesk::dialogs::number_done %W $variable $apply]
     bind $entry <FocusOut> +[list ::vesk::dialogs::number_done %W $variable $apply]
+    foreach event {Return KP_Enter} {bind $entry <$event> {+::vesk::view::done_in %W}}
+    bind $entry <Button-1> {+set ::vesk::view::done ""}
     bind $entry <Escape> [list ::vesk::dialogs::number_escape %W $variable]
     foreach {key step} {Up 1 Down -1} {
         foreach {modifier factor} {{} 1 Shift- 10 Control- 0.1} {

@@ -104,8 +104,10 @@ proc ::vesk::transform::add_text_row {tab row key label} {
     grid $tab.l$key -row $row -column 0 -sticky w
     grid $tab.$key -row $row -column 1 -columnspan 3 -sticky we -padx [::vesk::theme::pad 4 0] \
         -pady [::vesk::theme::px 2]
-    bind $tab.$key <Return> [list ::vesk::transform::text_typed $key]
-    bind $tab.$key <KP_Enter> [list ::vesk::transform::text_typed $key]
+    foreach event {Return KP_Enter} {
+        bind $tab.$key <$event> "[list ::vesk::transform::text_typed $key]; ::vesk::view::done_in %W"
+    }
+    bind $tab.$key <Button-1> {+set ::vesk::view::done ""}
     bind $tab.$key <FocusOut> [list ::vesk::transform::text_typed $key]
     bind $tab.$key <Escape> {::vesk::transform::refresh 1; break}
 }

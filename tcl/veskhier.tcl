@@ -104,6 +104,9 @@ proc ::vesk::hier::bind_tree {} {
     bind $tree <Button-3> {::vesk::hier::context %x %y %X %Y}
     bind $tree <Control-Key-a> {::vesk::ops::run select_all; break}
     bind $tree <Button-1> {+::vesk::hier::drag_press %x %y}
+    # Presses that add to the selection are no drags, whose release would choose one row.
+    bind $tree <Control-Button-1> {set ::vesk::hier::drag ""}
+    bind $tree <Shift-Button-1> {set ::vesk::hier::drag ""}
     bind $tree <B1-Motion> {::vesk::hier::drag_motion %x %y}
     bind $tree <ButtonRelease-1> {::vesk::hier::drag_release}
     bind $tree <FocusIn> {::vesk::hier::frame 1}

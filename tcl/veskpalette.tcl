@@ -119,8 +119,10 @@ proc ::vesk::palette::add_number_row {rows row kind label top} {
 # bind_text --
 #   Return and leaving apply a typed text; Escape shows the entry's own again.
 proc ::vesk::palette::bind_text {entry apply} {
-    bind $entry <Return> $apply
-    bind $entry <KP_Enter> $apply
+    foreach event {Return KP_Enter} {
+        bind $entry <$event> "$apply; ::vesk::view::done_in %W"
+    }
+    bind $entry <Button-1> {+set ::vesk::view::done ""}
     bind $entry <FocusOut> $apply
     bind $entry <Escape> {::vesk::palette::show; break}
 }

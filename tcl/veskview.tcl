@@ -4,6 +4,7 @@
 #   on the Togl widgets only and handed to the executable.
 
 namespace eval ::vesk::view {
+    variable done ""            ;# the field that ended with Return, and its text then
     # Name of a view -> view id, and where it stands: column, row.
     variable ids {xy 0 zy 1 xz 2 xyz 3}
     variable places {xy {0 0} zy {1 0} xz {0 1} xyz {1 1}}
@@ -318,12 +319,30 @@ proc ::vesk::view::key {id text keysym state} {
     vesk keypress $id $key $state
 }
 
+# done_in, is_done --
+#   After Return a field counts as left until something is typed or clicked in it again: then a
+#   view that the pointer enters gets the keys.
+proc ::vesk::view::done_in {entry} {
+    variable done
+    after idle [list ::vesk::view::note_done $entry]
+}
+proc ::vesk::view::note_done {entry} {
+    variable done
+    if {[winfo exists $entry]} {set done [list $entry [$entry get]]}
+}
+proc ::vesk::view::is_done {entry} {
+    variable done
+    return [expr {[winfo class $entry] ne "Text" && $done eq [list $entry [$entry get]]}]
+}
+
 # entered --
 #   The pointer came into a view: it takes the focus, unless a text is being edited.
 proc ::vesk::view::entered {name} {
     variable area_path
     set now [focus]
-    if {$now ne "" && [winfo class $now] in {Entry TEntry Text TCombobox}} {return}
+    if {$now ne "" && [winfo class $now] in {Entry TEntry Text TCombobox} && ![is_done $now]} {
+        return
+    }
     if {$now eq "" || ![in_main $now]} {return}
     focus $area_path.$name.togl
 }
