@@ -316,12 +316,12 @@ private:
         const aiNode &top = *scene_.mRootNode;
         if (top.mNumMeshes > 0 || top.mNumChildren == 0)
             return true;
-        return !is_one_of(suffix_, {"dae", "fbx", "3mf"}) &&
+        return !is_one_of(suffix_, {"dae", "fbx"}) &&
                !(is_one_of(suffix_, {"gltf", "glb"}) &&
                  std::strcmp(top.mName.C_Str(), "ROOT") == 0);
     }
 
-    // Printers have Z upwards. FBX tells its unit in centimetres; ours is the metre of the others.
+    // FBX tells its unit in centimetres; ours is the metre of the others.
     aiMatrix4x4 axes() const
     {
         aiMatrix4x4 turn;
@@ -332,8 +332,6 @@ private:
             if (std::isfinite(unit) && unit > 0)
                 aiMatrix4x4::Scaling(aiVector3D(unit / 100), turn);
         }
-        if (suffix_ == "3mf")
-            turn = aiMatrix4x4(1, 0, 0, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1);
         return turn;
     }
 

@@ -8,6 +8,7 @@
 object_t *obj_import(const char *filename);
 object_t *ply_import(const char *filename);
 object_t *stl_import(const char *filename);
+object_t *threemf_import(const char *filename);
 
 int obj_export(const char *filename);
 int ply_export(const char *filename); // binary

@@ -1,5 +1,5 @@
-// Formats that come and go through the public interface: readers of its own for OBJ, PLY and STL,
-// the program's Assimp process for the others; all writers are its own.
+// Formats that come and go through the public interface: readers of its own for OBJ, PLY, STL
+// and 3MF, the program's Assimp process for the others; all writers are its own.
 #include "formats.h"
 
 #include <string>
@@ -60,7 +60,7 @@ const format formats[] = {
     format_of<6, glb_export>(".glb", "Binary glTF files", "Binary glTF...", import_by_suffix, "write_glb", "export_glb"),
     format_of<7, collada_export>(".dae", "COLLADA files", "COLLADA...", import_by_suffix, "write_collada", "export_collada"),
     format_of<8, fbx_export>(".fbx", "FBX files", "FBX...", import_by_suffix, "write_fbx", "export_fbx"),
-    format_of<9, threemf_export>(".3mf", "3MF files", "3MF...", import_by_suffix, "write_3mf", "export_3mf"),
+    format_of<9, threemf_export>(".3mf", "3MF files", "3MF...", threemf_import, "write_3mf", "export_3mf"),
 };
 // clang-format on
 

@@ -29,7 +29,7 @@ const foreign_model models[] = {
     {"b.obj",         6,  32, false, false, true,  true,  true,  false},
     {"b.ply",         0,   0, false, false, false, false, false, true},
     {"b.stl",         0,   0, false, false, false, false, false, true},
-    {"a.3mf",         6,  32, false, false, false, false, false, true},
+    {"a.3mf",         0,   0, false, false, false, false, false, true}, // a vertex for each corner
 };
 // clang-format on
 

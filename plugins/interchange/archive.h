@@ -1,0 +1,21 @@
+// Archives (zip) within memory.
+#ifndef INTERCHANGE_ARCHIVE_H
+#define INTERCHANGE_ARCHIVE_H
+
+#include <map>
+#include <string>
+
+// Places of the files in an archive, by name.
+struct archive_entry {
+    std::size_t offset, packed, size;
+    int method; // 0 as they are, 8 deflated
+};
+
+// Empty when the bytes are no archive.
+std::map<std::string, archive_entry> archive_entries(const std::string &bytes);
+
+// False when the entry is damaged, or larger than `most` bytes.
+bool archive_extract(const std::string &bytes, const archive_entry &entry, std::size_t most,
+                     std::string *out);
+
+#endif
