@@ -52,6 +52,8 @@ void command_history_goto(int place)
     display_message("history: %s", journal_items()[static_cast<std::size_t>(place)].label);
 }
 
+void command_history_note() { journal_note_selection(); }
+
 void command_history_limit(int megabytes)
 {
     if (megabytes > 0)
@@ -98,6 +100,8 @@ void register_history_commands()
                     "returns place, label, present, plug-in of each state"),
         command_row("history_goto", command_history_goto, "<int place>",
                     "go to a state of the history"),
+        command_row("history_note", command_history_note, nullptr,
+                    "have the present state of the history remember the selection of now"),
         command_row("history_limit", command_history_limit, "<int megabytes>",
                     "memory of the history"),
         command_row("repeat_last", command_repeat_last, nullptr, "repeat the last command"),

@@ -228,6 +228,13 @@ bool journal_goto(int index)
     return true;
 }
 
+void journal_note_selection()
+{
+    journal_settle();
+    if (journal().present >= 0)
+        entry(journal().present).state = model_state_capture();
+}
+
 bool journal_can_take_back() { return journal().present > 0 && entry(journal().present).faulted; }
 
 bool journal_take_back()

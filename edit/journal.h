@@ -34,6 +34,10 @@ void journal_revert();
 // and undo records. False when there is nowhere to go.
 bool journal_redo();
 bool journal_goto(int index);
+
+// The selection of now is that of the present state: going back to it brings it, not the one that was
+// there when the step ended.
+void journal_note_selection();
 bool journal_take_back();
 bool journal_can_take_back();
 

@@ -368,6 +368,8 @@ proc ::vesk::dialogs::begin_session {w command items} {
     variable fields
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
+    # What the first try is taken back to has the selection of now.
+    if {$on} {vesk history_note}
     set session [dict create window $w command $command items $items live $on words {} \
         start [history_place] now [history_place] timer ""]
     trace remove variable fields write ::vesk::dialogs::live_later

@@ -247,6 +247,25 @@ proc one_record {{label ""}} {
         && ![winfo exists $::vesk::view::area_path.options]
     }
 
+    # A selection that no step made: each try works on it, and taking back keeps it.
+    fresh
+    vesk group
+    vesk clear_selection
+    vesk objects_select $::cube
+    set count [lindex [vesk get_counts] 3]
+    ::vesk::menus::invoke [::vesk::menus::find surface surface_make_hole]
+    ::test::pause 500
+    point_at $::vesk::view::area_path.options.in.f0
+    key ctrl+a
+    type 40
+    ::test::pause 500
+    set tried [lindex [vesk get_counts] 3]
+    key Escape
+    ::test::check "options work on what was selected by hand, and keep it" {
+        $tried > $count && [lindex [vesk get_counts] 3] == $count
+        && [vesk get_selected_objects] eq $::cube
+    }
+
     # The numbers of the operations.
     key ctrl+e
     ::test::check "the operation settings open" {[winfo ismapped .operations]}
