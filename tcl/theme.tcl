@@ -433,6 +433,12 @@ proc ::vesk::theme::recolour {w} {
             if {![info exists surface($w)]} {$w configure -background [colour chrome]}
         }
     }
+    if {[winfo class $w] eq "Dialog"} {
+        # Black windows on black ones need an edge.
+        set edge [expr {$::vesk::theme::current eq "contrast"}]
+        $w configure -highlightthickness $edge -highlightbackground [colour line] \
+            -highlightcolor [colour line]
+    }
     if {[info exists surface($w)] && $surface($w) ne "-"} {
         $w configure -background [colour $surface($w)]
     }
