@@ -128,13 +128,17 @@ proc ::vesk::transform::refresh {{force 0}} {
     set any [expr {[llength [vesk get_selected_objects]] > 0 || $surfaces > 0 || $vertices > 0}]
     set neutral {position 0.000 size 1.000 rotate 0}
     set typing [focus]
+    # What is nothing beside the selection's size comes from rounding.
+    set nothing [expr {1e-6 * [tcl::mathfunc::max 0 {*}[vesk get_selection_size]]}]
     foreach {what command} {position get_selection_centre size get_selection_size rotate ""} {
         set numbers {{} {} {}}
         if {$any} {
             set start [dict get $neutral $what]
             set numbers [list $start $start $start]
             if {$mode eq "to" && $command ne ""} {
-                set numbers [lmap n [vesk $command] {::vesk::arith::shown $n}]
+                set numbers [lmap n [vesk $command] {
+                    ::vesk::arith::shown [expr {abs($n) < $nothing ? 0.0 : $n}]
+                }]
             }
         }
         foreach axis {x y z} number $numbers {
