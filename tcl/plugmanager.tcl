@@ -19,8 +19,8 @@ proc ::vesk::plugmanager::build_page {body line} {
     set list $page.list
     ttk::treeview $list -columns state -show tree -selectmode browse -height 6 \
         -yscrollcommand [list ::vesk::theme::autohide $page.bar]
-    $list column #0 -width [::vesk::theme::px 380]
-    $list column state -width [::vesk::theme::px 190] -anchor e -stretch 0
+    $list column #0 -width [::vesk::theme::px 350]
+    $list column state -width [::vesk::theme::px 220] -anchor e -stretch 0
     ttk::scrollbar $page.bar -style Panel.Vertical.TScrollbar -command [list $list yview]
     text $page.text -width 20 -height 11 -wrap word -state disabled -font TkDefaultFont \
         -padx [::vesk::theme::px 10] -pady [::vesk::theme::px 8]
@@ -65,7 +65,7 @@ proc ::vesk::plugmanager::fill {} {
     $list delete [$list children {}]
     foreach item [found] {
         lassign $item path state
-        if {![is_wanted $path]} {append state ", not at the next start"}
+        if {![is_wanted $path]} {append state ", not next time"}
         $list insert {} end -id $path -text " [file tail $path]" -values [list "$state "] \
             -image [::vesk::icons::get socket dim]
     }

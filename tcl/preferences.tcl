@@ -335,6 +335,10 @@ proc ::vesk::preferences::show_page {} {
         grid $body.none -row 0 -column 1 -columnspan 4 -sticky w
     }
     $w.page yview moveto 0
+    # As wide as the longest row, where the screen has room for it.
+    update idletasks
+    set wanted [expr {min([winfo reqwidth $body], [winfo screenwidth .] - [::vesk::theme::px 220])}]
+    if {$wanted > [$w.page cget -width]} {$w.page configure -width $wanted}
     fit [winfo width $w.page]
     show_preset
     show_count

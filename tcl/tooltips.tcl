@@ -4,6 +4,7 @@
 namespace eval ::vesk::tips {
     variable texts              ;# widget -> {name key help}
     variable timer ""
+    variable shown ""           ;# the widget whose tooltip is there
     array set texts {}
 }
 
@@ -17,13 +18,22 @@ proc ::vesk::tips::attach {w name key help} {
     bind $w <Leave> +::vesk::tips::hide
     bind $w <Button> +::vesk::tips::hide
     bind $w <Key> +::vesk::tips::hide
-    bind $w <Destroy> +[list unset -nocomplain ::vesk::tips::texts($w)]
+    bind $w <Destroy> +[list ::vesk::tips::gone $w]
 }
 
 proc ::vesk::tips::wait {w} {
     variable timer
     after cancel $timer
     if {$::prefs_balloon_help} {set timer [after 600 [list ::vesk::tips::show $w]]}
+}
+
+# gone --
+#   A widget is no more: neither is its tooltip.
+proc ::vesk::tips::gone {w} {
+    variable texts
+    variable shown
+    unset -nocomplain texts($w)
+    if {$shown eq $w} {after idle ::vesk::tips::hide}
 }
 
 proc ::vesk::tips::hide {} {
@@ -35,6 +45,7 @@ proc ::vesk::tips::hide {} {
 proc ::vesk::tips::show {w} {
     variable texts
     if {![winfo exists $w] || ![info exists texts($w)] || ![winfo ismapped $w]} {return}
+    variable shown $w
     lassign $texts($w) name key help
     if {[string match ::vesk::* $help]} {set help [$help]}
     destroy .tip
