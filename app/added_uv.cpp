@@ -223,7 +223,6 @@ void command_uv_option(int count, const char *const *words)
         const char *name;
         bool *value;
     } switches[] = {{"checker", &options.checker},
-                    {"stretch", &options.stretch},
                     {"overlaps", &options.overlaps},
                     {"repeat", &options.repeat},
                     {"snap", &options.snap}};
@@ -235,8 +234,12 @@ void command_uv_option(int count, const char *const *words)
     }
     if (count == 2 && std::strcmp(words[0], "picture") == 0)
         options.picture = int_of(words[1]);
-    if (count == 0)
+    if (count == 2 && std::strcmp(words[0], "stretch") == 0)
+        options.stretch = static_cast<uv_shown_stretch>(std::clamp(int_of(words[1]), 0, 3));
+    if (count == 0) {
         tell("picture", options.picture);
+        tell("stretch", static_cast<int>(options.stretch));
+    }
     uv_view_redraw();
 }
 
@@ -311,9 +314,11 @@ void register_uv_commands()
         command_row("uv_key", command_uv_key, "<string keysym>",
                     "a key for a running drag of texture coordinates, returns 1 when it was used"),
     };
-    command_add_words("uv_option", command_uv_option, 0, 2,
-                      "<checker, stretch, overlaps, repeat, snap or picture> <int value>",
-                      "what the window of texture coordinates shows; without words returns it");
+    command_add_words(
+        "uv_option", command_uv_option, 0, 2,
+        "<checker, stretch, overlaps, repeat, snap or picture> <int value>",
+        "what the window of texture coordinates shows (stretch: 1 area and shape, 2 area, "
+        "3 shape); without words returns it");
     command_add_words("uv_project", command_uv_project, 1, 2,
                       "<planar_x, planar_y, planar_z, box, cylinder or sphere> "
                       "<int 0 one picture a unit, 1 fitted with its proportions, 2 the square>",

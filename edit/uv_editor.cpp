@@ -34,8 +34,8 @@ struct editor_t {
 };
 editor_t &editor()
 {
-    static editor_t record;
-    return record;
+    static auto *const record = new editor_t; // its arrays are not freed at exit
+    return *record;
 }
 
 bool is_element_mode(int mode) { return mode == SELECT_SURFACE || mode == SELECT_VERTEX; }

@@ -89,7 +89,7 @@
     {line}
     {run "&Unit coordinates" {inituv} "" some "Spreads the picture over each surface."}
     {menu "&Map planar" planar "" "" "Projects the picture along an axis."}
-    {call "&Edit coordinates" {::vesk::uvedit::toggle} F8 ""
+    {call "&Edit coordinates" {::vesk::uvedit::open} F8 ""
         "Unwraps, arranges and checks texture coordinates in a window of their own."}
     {check "&Keep pictures in place" {::vesk::uvedit::keep ::vesk::uvedit::keep_changed} "" ""
         "Texture coordinates slide while vertices move."}

@@ -12,7 +12,7 @@ namespace eval ::vesk::uvedit {
     variable option             ;# checker, stretch, overlaps, repeat, snap
     variable info {}            ;# uv_info at the last refresh
     variable edits {}           ;# buttons that need something shown
-    variable hint ""
+    variable dragged ""         ;# what the status line tells of a running drag
     array set number {u 0.000 v 0.000}
     array set option {checker 0 stretch 0 overlaps 0 repeat 0 snap 0}
 
@@ -58,6 +58,8 @@ namespace eval ::vesk::uvedit {
     }
     variable sides {left "Left edge" right "Right edge" centre "Centre" top "Top edge"
         bottom "Bottom edge" middle "Middle"}
+    variable measures {"Area and shape" 1 Area 2 Shape 3}
+    variable measured "Area and shape"
     variable extents {Proportions 1 "Whole square" 2 "Model units" 0}
 }
 
@@ -250,6 +252,15 @@ proc ::vesk::uvedit::build_show {path row} {
             -command [list ::vesk::uvedit::set_option $name]
         ::vesk::tips::attach $path.$name $label "" $help
         grid $path.$name - -row [incr row] -sticky w -pady [::vesk::theme::px 3]
+        if {$name ne "stretch"} {continue}
+        ttk::combobox $path.measured -state readonly -width 14 -style Panel.TCombobox \
+            -values [dict keys $::vesk::uvedit::measures] -textvariable ::vesk::uvedit::measured
+        bind $path.measured <<ComboboxSelected>> {
+            ::vesk::uvedit::set_option stretch
+            %W selection clear
+        }
+        ::vesk::tips::attach $path.measured "Stretch" "" "What the colours tell: the worse of both, or one."
+        grid $path.measured - -row [incr row] -sticky we -pady [::vesk::theme::pad 2 4]
     }
     ttk::checkbutton $path.smooth -text "Smooth lines" -style Panel.TCheckbutton \
         -variable ::prefs_uveditor_antialias -command {vesk redraw_all}
@@ -359,7 +370,11 @@ proc ::vesk::uvedit::apply {} {
 
 proc ::vesk::uvedit::set_option {name} {
     variable option
-    vesk uv_option $name $option($name)
+    variable measures
+    variable measured
+    set value $option($name)
+    if {$name eq "stretch" && $value} {set value [dict get $measures $measured]}
+    vesk uv_option $name $value
     show_measure
 }
 
@@ -500,7 +515,12 @@ proc ::vesk::uvedit::show_hint {} {
     variable info
     variable tool
     variable hints
+    variable dragged
     if {![winfo exists .uv.status.hint]} {return}
+    if {$dragged ne ""} {
+        tell $dragged
+        return
+    }
     if {![dict exists $info surfaces] || [dict get $info surfaces] == 0} {
         tell "Select objects or surfaces in the views."
     } elseif {[dict get $info chosen_corners] == 0} {
@@ -556,11 +576,8 @@ proc ::vesk::uvedit::pointer {u v x y} {
 # drag --
 #   How far a running drag has come; "" at its end.
 proc ::vesk::uvedit::drag {text} {
-    if {$text eq ""} {
-        show_hint
-    } else {
-        tell $text
-    }
+    variable dragged $text
+    show_hint
 }
 
 proc ::vesk::uvedit::entered {} {

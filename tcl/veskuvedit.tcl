@@ -9,7 +9,7 @@ namespace eval ::vesk::uvedit {
 }
 
 # open --
-#   Shows the window, in front of the others.
+#   F8: shows the window, in front of the others. F8 in it closes it.
 proc ::vesk::uvedit::open {} {
     if {[info commands ::vesk::uvedit::build] eq ""} {
         source [file join $::vesk::script_folder uvwindow.tcl]
@@ -19,16 +19,6 @@ proc ::vesk::uvedit::open {} {
     raise .uv
     focus .uv.view.togl
     refresh
-}
-
-# toggle --
-#   F8: opens the window, or closes it.
-proc ::vesk::uvedit::toggle {} {
-    if {[winfo exists .uv]} {
-        destroy .uv
-    } else {
-        open
-    }
 }
 
 # keep_changed --

@@ -44,7 +44,8 @@ struct fill_t {
 
 struct drawing_t {
     unsigned geometry = ~0u, choice = ~0u;
-    bool stretch = false, overlaps = false;
+    uv_shown_stretch stretch = uv_shown_stretch::NONE;
+    bool overlaps = false;
     std::vector<vertex2_t> inner, border, chosen_inner, chosen_border;
     std::vector<vertex2_t> points, chosen_points;
     fill_t fill;
@@ -106,6 +107,10 @@ float share_of_stretch(const uv_stretch &stretch)
         return 1;
     const float area = -std::log2(stretch.area) / 2;
     const float shape = std::log2(std::max(stretch.angle, 1.0f)) / 2;
+    if (drawing.stretch == uv_shown_stretch::AREA)
+        return std::clamp(area, -1.0f, 1.0f);
+    if (drawing.stretch == uv_shown_stretch::SHAPE)
+        return std::clamp(shape, 0.0f, 1.0f);
     const float worst = std::fabs(area) >= shape ? area : area < -0.05f ? -shape : shape;
     return std::clamp(worst, -1.0f, 1.0f);
 }
@@ -133,7 +138,7 @@ void make_fill(const uv_state &state)
 {
     drawing.fill = {};
     const uv_mesh &mesh = state.mesh;
-    if (drawing.stretch) {
+    if (drawing.stretch != uv_shown_stretch::NONE) {
         const std::vector<uv_stretch> stretch =
             uv_measure_stretch(mesh, uv_picture_size().aspect());
         for (int i = 0; i < mesh.num_surfaces(); ++i) {
@@ -383,8 +388,10 @@ void draw_axis_lock(int width, int height)
 // What the colours of the stretch mean.
 void draw_legend(int height)
 {
-    if (!uv_view().options.stretch)
+    const uv_shown_stretch shown = uv_view().options.stretch;
+    if (shown == uv_shown_stretch::NONE)
         return;
+    const bool shape = shown == uv_shown_stretch::SHAPE; // only even to skewed
     const float s = interface_scale();
     const float x = 12 * s, y = static_cast<float>(height) - 40 * s, w = 150 * s, h = 10 * s;
     std::vector<coloured_vertex_t> bar;
@@ -395,7 +402,7 @@ void draw_legend(int height)
     for (int i = 0; i < pieces; ++i) {
         const float from = static_cast<float>(i) / pieces, to = static_cast<float>(i + 1) / pieces;
         coloured_vertex_t v = {};
-        colour_of_stretch((from + to) - 1, v.rgba);
+        colour_of_stretch(shape ? (from + to) / 2 : from + to - 1, v.rgba);
         v.rgba[3] = 255;
         for (const auto &[px, py] : {std::pair(from, 0.0f), {to, 0.0f}, {to, 1.0f}, {from, 1.0f}}) {
             v.x = x + px * w;
@@ -404,17 +411,28 @@ void draw_legend(int height)
         }
     }
     draw_coloured(GL_QUADS, bar);
-    add_quad(hatch_low, x, y, x + w * (1 - hatched_from) / 2, y + h);
-    add_quad(hatch_high, x + w * (1 + hatched_from) / 2, y, x + w, y + h);
+    const float high = shape ? hatched_from : (1 + hatched_from) / 2;
+    add_quad(hatch_low, x, y, x + (shape ? 0 : w * (1 - hatched_from) / 2), y + h);
+    add_quad(hatch_high, x + w * high, y, x + w, y + h);
     for (std::vector<vertex2_t> *quad : {&hatch_low, &hatch_high})
         *quad = {(*quad)[0], (*quad)[1], (*quad)[2], (*quad)[0], (*quad)[2], (*quad)[3]};
     draw_hatched(hatch_low, true, false, {0, 0, 0, 0.55f});
     draw_hatched(hatch_high, false, false, {0, 0, 0, 0.55f});
     const colour_t text = colour_of(0xE9EAEB);
-    draw_text(x, y - 7 * s, "Stretch", text, atlas_font::bold);
-    draw_text(x, y + h + 14 * s, "crowded", text, atlas_font::regular);
-    draw_text(x + w / 2 - 13 * s, y + h + 14 * s, "even", text, atlas_font::regular);
-    draw_text(x + w - 23 * s, y + h + 14 * s, "thin", text, atlas_font::regular);
+    const float below = y + h + 14 * s;
+    draw_text(x, y - 7 * s,
+              shape                             ? "Shape"
+              : shown == uv_shown_stretch::AREA ? "Area"
+                                                : "Stretch",
+              text, atlas_font::bold);
+    if (shape) {
+        draw_text(x, below, "even", text, atlas_font::regular);
+        draw_text(x + w - 44 * s, below, "skewed", text, atlas_font::regular);
+        return;
+    }
+    draw_text(x, below, "crowded", text, atlas_font::regular);
+    draw_text(x + w / 2 - 13 * s, below, "even", text, atlas_font::regular);
+    draw_text(x + w - 23 * s, below, "thin", text, atlas_font::regular);
 }
 
 void draw_empty(const uv_state &state, int width, int height)

@@ -13,13 +13,15 @@
 
 enum class uv_tool { MOVE, ROTATE, SCALE };
 
+enum class uv_shown_stretch { NONE, BOTH, AREA, SHAPE };
+
 struct uv_options {
-    bool checker = false;  // instead of the picture
-    bool stretch = false;  // areas and shapes by colour and hatching
-    bool overlaps = false; // surfaces that lie on each other
-    bool repeat = false;   // the picture beyond the unit square
-    bool snap = false;     // drags stop at whole pixels
-    int picture = -1;      // number in the texture table, -1 that of the objects
+    bool checker = false;                              // instead of the picture
+    uv_shown_stretch stretch = uv_shown_stretch::NONE; // by colour and hatching
+    bool overlaps = false;                             // surfaces that lie on each other
+    bool repeat = false;                               // the picture beyond the unit square
+    bool snap = false;                                 // drags stop at whole pixels
+    int picture = -1; // number in the texture table, -1 that of the objects
 };
 
 struct uv_view_t {

@@ -169,7 +169,8 @@ proc rings {name} {
         [::test::difference $before [::test::picture xyz]] > 0.001
     }
     ::test::check "the status line tells how far" {
-        [string match "dU 0.2*dV 0.1*" [.uv.status.hint cget -text]]
+        [string match "dU *dV *" [.uv.status.hint cget -text]]
+        && [near [regexp -all -inline {[-0-9.]+} [.uv.status.hint cget -text]] {0.2 0.1}]
     }
     finish
     ::test::check "a drag moves, with one record" {
@@ -273,6 +274,18 @@ proc rings {name} {
         }
         .uv.panel.$name invoke
     }
+    .uv.panel.stretch invoke
+    set pictures {}
+    foreach what {"Area and shape" Area Shape} {
+        set ::vesk::uvedit::measured $what
+        ::vesk::uvedit::set_option stretch
+        ::test::pause 100
+        lappend pictures [picture]
+    }
+    ::test::check "area and shape are shown apart, too" {
+        [::test::difference [lindex $pictures 1] [lindex $pictures 2]] > 0.01
+    }
+    .uv.panel.stretch invoke
     ::test::check "and back" {[::test::difference $plain [picture]] < 0.002}
 
     # ---- how it looks ----
@@ -303,7 +316,7 @@ proc rings {name} {
     # ---- closing, opening again ----
     key F8
     ::test::check "F8 closes it" {![winfo exists .uv]}
-    ::vesk::uvedit::toggle
+    ::vesk::uvedit::open
     ::test::pause 500
     ::test::check "and it opens again" {
         [winfo ismapped .uv.view.togl] && [::test::share [picture] {85 85 85} 4] < 0.95
