@@ -20,31 +20,37 @@ namespace eval ::vesk::convert {
 }
 
 # parse --
-#   Takes the options off; returns the remaining words.
+#   Takes the options off, wherever they stand before "--"; returns the remaining words.
 proc ::vesk::convert::parse {words} {
     variable options
     variable usage
-    while {[string match -?* [lindex $words 0]]} {
-        set rest [lassign $words option value]
-        if {$option eq "--"} {
-            return [lrange $words 1 end]
+    set files {}
+    while {[llength $words] > 0} {
+        set words [lassign $words word]
+        if {$word eq "--"} {
+            lappend files {*}$words
+            break
         }
-        if {![info exists options($option)] || [llength $words] < 2} {
+        if {![string match -?* $word]} {
+            lappend files $word
+            continue
+        }
+        if {![info exists options($word)] || [llength $words] == 0} {
             error $usage
         }
-        if {$option eq "-do"} {
+        set words [lassign $words value]
+        if {$word eq "-do"} {
             lappend options(-do) $value
         } else {
-            set options($option) $value
+            set options($word) $value
         }
-        set words $rest
     }
     foreach option {-from -to} {
         if {$options($option) ne "" && ![string match .* $options($option)]} {
             set options($option) .$options($option)
         }
     }
-    return $words
+    return $files
 }
 
 # pairs --

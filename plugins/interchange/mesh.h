@@ -1,4 +1,4 @@
-// The arrays of one object while a reader fills them.
+// The arrays of one object while a reader fills them, and the materials of colours.
 #ifndef INTERCHANGE_MESH_H
 #define INTERCHANGE_MESH_H
 
@@ -6,10 +6,26 @@
 #include <string>
 #include <vector>
 
+// Palette index of a plain colour, 0xRRGGBB; the other values are those of a new material.
+inline int palette_index_of(unsigned rgb)
+{
+    material m;
+    material_init(&m);
+    for (int i = 0; i < 3; ++i)
+        m.diffuse[i] = static_cast<float>(rgb >> (16 - 8 * i) & 0xFF) / 255;
+    return vesk_palette_get_new_material_index(&m);
+}
+
+// What surfaces look like of which the file says nothing.
+constexpr int no_material = -1;
+constexpr unsigned colour_without_material = 0xCCCCCC;
+
 struct mesh_arrays {
     std::vector<float> points, uv;
     std::vector<int> offsets{0}, corners;
     std::vector<vesk_surface_attributes_t> surfaces;
+
+    int plain_index = -1; // in the palette, once a surface needs it
 
     [[nodiscard]] int num_points() const { return static_cast<int>(points.size() / 3); }
 
@@ -32,6 +48,11 @@ struct mesh_arrays {
             uv.resize(2 * first);
             return false;
         }
+        if (palette_index == no_material) {
+            if (plain_index < 0)
+                plain_index = palette_index_of(colour_without_material);
+            palette_index = plain_index;
+        }
         offsets.push_back(static_cast<int>(corners.size()));
         surfaces.push_back({palette_index, flags});
         return true;
@@ -50,15 +71,5 @@ struct mesh_arrays {
         return object;
     }
 };
-
-// Palette index of a plain colour, 0xRRGGBB; the other values are those of a new material.
-inline int palette_index_of(unsigned rgb)
-{
-    material m;
-    material_init(&m);
-    for (int i = 0; i < 3; ++i)
-        m.diffuse[i] = static_cast<float>(rgb >> (16 - 8 * i) & 0xFF) / 255;
-    return vesk_palette_get_new_material_index(&m);
-}
 
 #endif

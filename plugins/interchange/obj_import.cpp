@@ -162,7 +162,7 @@ private:
                          : line    ? SURFACE_LINE
                          : smooth_ ? SURFACE_SMOOTH
                                    : 0;
-        good = to.mesh.end_surface(material_ == nullptr ? 0 : material_->palette_index,
+        good = to.mesh.end_surface(material_ == nullptr ? no_material : material_->palette_index,
                                    kind | SURFACE_TWOSIDED) &&
                good;
         if (!good)

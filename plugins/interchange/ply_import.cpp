@@ -359,13 +359,13 @@ private:
     int material_of(int colour)
     {
         if (colour < 0)
-            return 0;
+            return no_material;
         const auto found = materials_.find(colour);
         if (found != materials_.end())
             return found->second;
         if (materials_.size() >= most_colours) {
             too_many_colours_ = true;
-            return 0;
+            return no_material;
         }
         return materials_[colour] = palette_index_of(static_cast<unsigned>(colour));
     }

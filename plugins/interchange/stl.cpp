@@ -60,7 +60,7 @@ public:
             std::memcpy(values, &bytes[header_size + triangle_size * i], sizeof values);
             for (int k = 3; k < 12; k += 3)
                 part_.corner({values[k], values[k + 1], values[k + 2]});
-            part_.mesh.end_surface(0, SURFACE_TWOSIDED);
+            part_.mesh.end_surface(no_material, SURFACE_TWOSIDED);
         }
         finish_part(base_);
     }
@@ -114,7 +114,7 @@ private:
             }
             part_.corner(p);
         } else if (begins("endloop") || begins("endfacet")) {
-            if (!part_.mesh.end_surface(0, SURFACE_TWOSIDED) && begins("endloop"))
+            if (!part_.mesh.end_surface(no_material, SURFACE_TWOSIDED) && begins("endloop"))
                 vesk_report_warning(number, "a triangle with too few corners was left out");
         } else if (begins("solid")) {
             finish_part(name);

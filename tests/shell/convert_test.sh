@@ -57,6 +57,10 @@ holds "nothing but the file goes there" test "$(stat -c %s out)" = $((84 + 2 * 5
 mv out given
 check "in and out again" 0 -- -from stl -to .vesk - - <given
 holds "as text" grep -q ^OBJECT out
+holds "grey where the file has no materials" grep -q '^MATERIAL .* rgb 0.8 0.8 0.8 ' out
+rm -f r.json
+check "options behind the files" 0 -- plain.obj behind.ply -report r.json </dev/null
+holds "are options" test -s r.json
 check "what lies beside is missed" 2 -- -to obj plain.obj - </dev/null
 check "a script in between" 0 -- -do 'vesk select_all' -do 'vesk move 5 0 0' plain.obj moved.obj </dev/null
 holds "moves" grep -q '^v 7 1 0' moved.obj
