@@ -582,9 +582,8 @@ proc ::vesk::uvedit::drag {text} {
 
 proc ::vesk::uvedit::entered {} {
     set now [focus]
-    if {$now eq "" || [winfo toplevel $now] ne ".uv"
-            || [winfo class $now] in {Entry TEntry TCombobox}} {return}
-    focus .uv.view.togl
+    if {$now eq "" || [winfo toplevel $now] ne ".uv"} {return}
+    if {[winfo class $now] ni {Entry TEntry TCombobox}} {focus .uv.view.togl}
 }
 
 # colour_frame --

@@ -47,26 +47,6 @@ bool window_point(const point3_t &point, int view, float *x, float *y)
     return true;
 }
 
-void draw_handles(const handle_box_t &box)
-{
-    const float size = std::round(static_cast<float>(prefs.handle_size) * interface_scale());
-    const float half = std::floor(size / 2);
-    std::vector<vertex2_t> rims;
-    std::vector<vertex2_t> bodies;
-    for (int i = 0; i < box.num_places; ++i) {
-        const float x = static_cast<float>(box.places[i].x) - half;
-        const float y = static_cast<float>(box.places[i].y) - half;
-        add_quad(rims, x - 1, y - 1, x + size + 1, y + size + 1);
-        if (prefs.handles_hollow != 0)
-            add_frame(bodies, x, y, x + size, y + size, 1.5f);
-        else
-            add_quad(bodies, x, y, x + size, y + size);
-    }
-    if (prefs.handles_hollow == 0)
-        draw_array(GL_QUADS, rims, rim_colour);
-    draw_array(GL_QUADS, bodies, colour_of(prefs.col_box));
-}
-
 // Across the whole view through the point where the drag began.
 void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
 {
@@ -159,18 +139,38 @@ void draw_band(int from_x, int from_y, int to_x, int to_y)
     draw_array(GL_QUADS, light, white);
 }
 
+void draw_box_with_handles(const handle_box_t &box, float width, const colour_t &colour)
+{
+    std::vector<vertex2_t> frame;
+    add_frame(frame, static_cast<float>(box.x0), static_cast<float>(box.y0),
+              static_cast<float>(box.x1) + 1, static_cast<float>(box.y1) + 1, width);
+    draw_array(GL_QUADS, frame, colour);
+    const float size = std::round(static_cast<float>(prefs.handle_size) * interface_scale());
+    const float half = std::floor(size / 2);
+    std::vector<vertex2_t> rims;
+    std::vector<vertex2_t> bodies;
+    for (int i = 0; i < box.num_places; ++i) {
+        const float x = static_cast<float>(box.places[i].x) - half;
+        const float y = static_cast<float>(box.places[i].y) - half;
+        add_quad(rims, x - 1, y - 1, x + size + 1, y + size + 1);
+        if (prefs.handles_hollow != 0)
+            add_frame(bodies, x, y, x + size, y + size, 1.5f);
+        else
+            add_quad(bodies, x, y, x + size, y + size);
+    }
+    if (prefs.handles_hollow == 0)
+        draw_array(GL_QUADS, rims, rim_colour);
+    draw_array(GL_QUADS, bodies, colour);
+}
+
 void draw_selection_box(int view)
 {
     const handle_box_t box = handle_box(view);
     if (!box.valid)
         return;
-    std::vector<vertex2_t> frame;
     const float width =
         std::max(1.0f, std::round(static_cast<float>(prefs.bb_line_width) * interface_scale()));
-    add_frame(frame, static_cast<float>(box.x0), static_cast<float>(box.y0),
-              static_cast<float>(box.x1) + 1, static_cast<float>(box.y1) + 1, width);
-    draw_array(GL_QUADS, frame, colour_of(prefs.col_box));
-    draw_handles(box);
+    draw_box_with_handles(box, width, colour_of(prefs.col_box));
 }
 
 void draw_tool_overlay(int view, int width, int height)

@@ -4,8 +4,14 @@
 // What lies over the model, in window pixels: the selection's box with its handles, the icons of
 // lights, object centres, the axis cross.
 
+#include "view/draw_device_gl.h"
+#include "view/handles.h"
+
 // Of an orthographic view: box and handles of the selection, drawn outside its true bounds.
 void draw_selection_box(int view);
+
+// A box with its handles, in pixels of the present window.
+void draw_box_with_handles(const handle_box_t &box, float width, const colour_t &colour);
 
 // What a running tool shows: rubber band, preview of what it makes, the axis it is locked to.
 void draw_tool_overlay(int view, int width, int height);

@@ -19,7 +19,6 @@ constexpr int checker_colours[2] = {0x626266, 0x6E6E73};
 constexpr int checker_fields = 16;
 constexpr int axis_colours[2] = {0xF07F76, 0x8CCB6B};
 constexpr colour_t rim_colour = {0x14 / 255.0f, 0x14 / 255.0f, 0x14 / 255.0f, 0.85f};
-constexpr colour_t handle_rim = {0x20 / 255.0f, 0x20 / 255.0f, 0x20 / 255.0f, 0.7f};
 // Stretched: the picture is spread too thin (red) or crowded (blue); overlaps are amber.
 constexpr float thin[3] = {0.93f, 0.36f, 0.30f};
 constexpr float crowded[3] = {0.30f, 0.52f, 0.95f};
@@ -350,25 +349,7 @@ void draw_selection_frame()
     const handle_box_t box = uv_handle_box();
     if (!box.valid)
         return;
-    const colour_t colour = colour_of(prefs.uveditor_selectedcol);
-    std::vector<vertex2_t> frame, rims, bodies;
-    add_frame(frame, static_cast<float>(box.x0), static_cast<float>(box.y0),
-              static_cast<float>(box.x1) + 1, static_cast<float>(box.y1) + 1, 1);
-    draw_array(GL_QUADS, frame, colour);
-    const float size = std::round(static_cast<float>(prefs.handle_size) * interface_scale());
-    const float half = std::floor(size / 2);
-    for (int i = 0; i < box.num_places; ++i) {
-        const float x = static_cast<float>(box.places[i].x) - half;
-        const float y = static_cast<float>(box.places[i].y) - half;
-        add_quad(rims, x - 1, y - 1, x + size + 1, y + size + 1);
-        if (prefs.handles_hollow != 0)
-            add_frame(bodies, x, y, x + size, y + size, 1.5f);
-        else
-            add_quad(bodies, x, y, x + size, y + size);
-    }
-    if (prefs.handles_hollow == 0)
-        draw_array(GL_QUADS, rims, handle_rim);
-    draw_array(GL_QUADS, bodies, colour);
+    draw_box_with_handles(box, 1, colour_of(prefs.uveditor_selectedcol));
 }
 
 void draw_axis_lock(int width, int height)

@@ -9,6 +9,7 @@
 #include "model/palette.h"
 #include "model/world.h"
 #include "tests/plugin/interchange_fixture.h"
+#include "tests/support/damage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -443,12 +444,6 @@ TEST_F(Interchange, GltfAccessorsLieWithinTheirBuffersAndTellTheirBounds)
 
 // ---- damage ----
 
-int setting(const char *name, int fallback)
-{
-    const char *text = std::getenv(name);
-    return text != nullptr ? std::atoi(text) : fallback;
-}
-
 TEST_P(RoundTrip, DamagedFilesAreReadOrRefused)
 {
     const abilities &a = GetParam();
@@ -458,31 +453,10 @@ TEST_P(RoundTrip, DamagedFilesAreReadOrRefused)
     const std::string good = read_text(file);
     const std::string suffix = a.suffix;
     const bool own = suffix == ".obj" || suffix == ".ply" || suffix == ".stl" || suffix == ".3mf";
-    std::mt19937 random(static_cast<unsigned>(setting("VESK_DAMAGE_SEED", 5)));
-    const int files = setting("VESK_DAMAGE_FILES", 300) / (own ? 1 : 10);
+    std::mt19937 random(static_cast<unsigned>(damage_setting("VESK_DAMAGE_SEED", 5)));
+    const int files = damage_setting("VESK_DAMAGE_FILES", 300) / (own ? 1 : 10);
     for (int i = 0; i < files; ++i) {
-        std::string bytes = good;
-        for (unsigned changes = 1 + random() % 4; changes > 0 && !bytes.empty(); --changes) {
-            const size_t at = random() % bytes.size();
-            switch (random() % 5) {
-            case 0:
-                bytes[at] = static_cast<char>(random());
-                break;
-            case 1:
-                bytes[at] = "0123456789-./ \n\xff"[random() % 16];
-                break;
-            case 2:
-                if (random() % 4 == 0)
-                    bytes.resize(at);
-                break;
-            case 3:
-                bytes.erase(at, 1 + random() % 4);
-                break;
-            default:
-                bytes.insert(at, bytes.substr(random() % bytes.size(), 8));
-                break;
-            }
-        }
+        const std::string bytes = damaged(good, random);
         write_text(file, bytes);
         run("file_load", file);
         if (i % 20 == 0)

@@ -77,6 +77,9 @@ proc ::test::click {view button x y} {
 proc ::test::picture {view} {
     set file [file join $::env(VESK_TEST_WORK) view.ppm]
     vesk view_save_picture [dict get {xy 0 zy 1 xz 2 xyz 3} $view] $file
+    return [read_ppm $file]
+}
+proc ::test::read_ppm {file} {
     set stream [open $file rb]
     gets $stream
     lassign [gets $stream] width height

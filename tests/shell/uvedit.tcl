@@ -69,13 +69,7 @@ proc near {list wanted {tolerance 0.01}} {
 proc picture {} {
     set file [file join $::env(VESK_TEST_WORK) uv.ppm]
     vesk uv_view_save_picture $file
-    set stream [open $file rb]
-    gets $stream
-    lassign [gets $stream] width height
-    gets $stream
-    set pixels [read $stream]
-    close $stream
-    return [dict create width $width height $height pixels $pixels]
+    return [::test::read_ppm $file]
 }
 
 # Writes a picture with a form on it: rings in two colours.

@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    support/damage.cpp
     support/main.cpp
     support/mesh_test.cpp
     support/random_mesh.cpp
