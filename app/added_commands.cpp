@@ -313,6 +313,11 @@ void register_added_commands()
                       "create circle, disk, rect, grid, mesh, box, cylinder, sphere, cone or ico");
     for (const vesk_command_t &row : rows)
         command_add_own(row);
+    command_add_own(command_row("create_outline", command_create_outline,
+                                "<string polygon, polyline or line> <string coordinates>",
+                                "create a polygon or a line from x y z of each point"));
+    command_add_own(command_row("create_light", command_create_light,
+                                "<float x> <float y> <float z>", "create a light"));
     register_check_commands();
     register_file_commands();
     register_history_commands();

@@ -4,7 +4,9 @@
 #include "app/command_result.h"
 #include "app/command_row.h"
 #include "app/messages.h"
+#include "app/numbers.h"
 #include "app/prefs.h"
+#include "edit/element_text.h"
 #include "edit/measure.h"
 #include "edit/modes.h"
 #include "edit/object_place.h"
@@ -110,6 +112,11 @@ void command_uv_texture()
     command_result_set(std::to_string(id).c_str());
 }
 
+void command_rotate_each(int, const char *const *words)
+{
+    rotate_each_with_undo(int_of(words[0]), static_cast<float>(double_of(words[1])));
+}
+
 } // namespace
 
 void register_panel_commands()
@@ -126,6 +133,12 @@ void register_panel_commands()
         command_row("rotate_axis_angle_with_undo", rotate_axis_angle_with_undo,
                     "<float axis> <float angle>",
                     "rotate the selection about an axis, with an undo record"),
+        command_row("resize_with_undo", resize_with_undo,
+                    "<float minx> <float miny> <float minz> <float maxx> <float maxy> <float maxz>",
+                    "bring the selection's box to these corners, with an undo record"),
+        command_row("select_elements", command_select_elements,
+                    "<string set, add or remove> <string elements>",
+                    "select objects (\"3 7\"), or vertices or surfaces of them (\"3:0-5,9 7:2\")"),
         command_row("mirror_with_undo", mirror_with_undo, "<int axis>",
                     "mirror the selection, with an undo record"),
         command_row("object_at", command_object_at, "<view> <int x> <int y>",
@@ -140,6 +153,9 @@ void register_panel_commands()
                     "keep the transform, one undo record"),
         command_row("transform_cancel", panel_transform_cancel, nullptr, "take the transform back"),
     };
+    command_add_words("rotate_each_with_undo", command_rotate_each, 2, 2,
+                      "<int view> <float degrees>",
+                      "rotate each selected object about its own centre and the axis of a view");
     command_add_words("objects_place", command_objects_place, 3, 3,
                       "<string object_ids> <int parent_object_id> <int before_object_id>",
                       "make objects children of a parent in front of another, with an undo record");

@@ -18,6 +18,7 @@ target_sources(vesk_core PRIVATE
     app/crash_guard.cpp
     app/current_file.cpp
     app/desktop.cpp
+    app/echo.cpp
     app/entry_guard.cpp
     app/file_report.cpp
     app/filename.cpp

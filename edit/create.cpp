@@ -8,7 +8,9 @@
 #include "edit/selection.h"
 #include "edit/transform.h"
 #include "edit/undo.h"
+#include "model/bounds.h"
 #include "model/identity.h"
+#include "model/lights.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/vector.h"
@@ -135,6 +137,49 @@ void open_undo(object_t *object, const char *label, bool as_operation)
 
 } // namespace
 
+const outline_kind_t *outline_kind(const char *name)
+{
+    static const outline_kind_t outlines[] = {
+        {"polygon", "add polygon", SURFACE_POLYGON, 3, 1000000},
+        {"polyline", "add polyline", SURFACE_LINE, 2, 1000000},
+        {"line", "add line", SURFACE_LINE, 2, 2},
+    };
+    for (const outline_kind_t &kind : outlines) {
+        if (std::strcmp(kind.name, name) == 0) {
+            return &kind;
+        }
+    }
+    return nullptr;
+}
+
+object_t *new_outline(const outline_kind_t &kind, const std::vector<point3_t> &points)
+{
+    if (points.size() < kind.fewest || points.size() > kind.most) {
+        display_message("%s - at least %d points are needed", kind.name,
+                        static_cast<int>(kind.fewest));
+        return nullptr;
+    }
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, kind.name);
+    surface_t *surface = new_surface();
+    surface_set_type(surface, kind.type);
+    for (const point3_t &p : points) {
+        surface_add_vertex(surface, object_add_new_vertex(object, p.x, p.y, p.z), 0, 0);
+    }
+    object_add_surface(object, surface);
+    object_calc_normals_force(object);
+    object_calculate_centre(object);
+    return object;
+}
+
+void add_light_at(const point3_t &at)
+{
+    object_t *light = new_light();
+    vesk_object_set_centre(light, at.x, at.y, at.z);
+    link_created(light, "add light");
+    register_light(light);
+}
+
 const create_kind_t *create_kind(const char *name)
 {
     for (const create_kind_t &kind : kinds) {
@@ -159,6 +204,36 @@ void link_created(object_t *object, const char *label, bool as_operation)
 }
 
 // ---- commands ----
+
+void command_create_outline(const char *name, const char *coordinates)
+{
+    const outline_kind_t *kind = outline_kind(name);
+    if (kind == nullptr) {
+        display_message("create outline - no kind named '%s'", name);
+        return;
+    }
+    std::vector<point3_t> points;
+    const char *end = coordinates + std::strlen(coordinates);
+    for (;;) {
+        point3_t p;
+        const char *at = scan_float(coordinates, end, &p.x);
+        at = at == nullptr ? at : scan_float(at, end, &p.y);
+        at = at == nullptr ? at : scan_float(at, end, &p.z);
+        if (at == nullptr) {
+            break;
+        }
+        points.push_back(p);
+        coordinates = at;
+    }
+    object_t *object = new_outline(*kind, points);
+    if (object == nullptr) {
+        return;
+    }
+    link_created(object, kind->label);
+    command_result_set(std::to_string(object_identity(object)).c_str());
+}
+
+void command_create_light(float x, float y, float z) { add_light_at({x, y, z}); }
 
 void command_create(int, const char *const *words)
 {

@@ -3,6 +3,8 @@
 
 #include "model/object.h"
 
+#include <vector>
+
 // What the create tools and the command "create" make from the two corners of a box: one table for
 // both. The plane is a view's (0 front, 1 side, 2 plan).
 
@@ -18,6 +20,24 @@ const create_kind_t *create_kind(const char *name);
 
 // Links a new object under the world, opens its undo record, selects it and redraws. Null: nothing.
 void link_created(object_t *object, const char *label, bool as_operation = false);
+
+// An object of one surface: a polygon, or a line through the points. `kind` is one of "polygon",
+// "polyline" and "line". Null for another kind, and when there are too few points.
+struct outline_kind_t {
+    const char *name;  // also the draw mode's
+    const char *label; // of the undo record
+    int type;          // of the surface
+    std::size_t fewest, most;
+};
+const outline_kind_t *outline_kind(const char *name);
+object_t *new_outline(const outline_kind_t &kind, const std::vector<point3_t> &points);
+
+// A light of its own at a point, linked under the world, with an undo record.
+void add_light_at(const point3_t &at);
+
+// Handlers of "create_outline" (kind, then all coordinates in one text) and "create_light".
+void command_create_outline(const char *kind, const char *coordinates);
+void command_create_light(float x, float y, float z);
 
 // Handler of "create": KIND PLANE x1 y1 z1 x2 y2 z2; equal corners make the regular one where there
 // is one. The result is the object's identity.

@@ -185,6 +185,34 @@ void rotate_axis_angle_with_undo(float axis, float degrees)
          selection().box_centre);
 }
 
+void rotate_each_with_undo(int view, float degrees)
+{
+    if (!something_selected("rotate") || degrees == 0 || view < VIEW_XY || view > VIEW_XZ) {
+        return;
+    }
+    drag_change_t change;
+    change.kind = drag_change_t::ROTATE;
+    change.view = view;
+    change.degrees = degrees;
+    change.centre = selection().box_centre;
+    change.own_centres = true;
+    make(change);
+}
+
+void resize_with_undo(float min_x, float min_y, float min_z, float max_x, float max_y, float max_z)
+{
+    if (!something_selected("resize")) {
+        return;
+    }
+    drag_change_t change;
+    change.kind = drag_change_t::RESIZE;
+    change.from_min = selection().box_min;
+    change.from_max = selection().box_max;
+    change.to_min = {min_x, min_y, min_z};
+    change.to_max = {max_x, max_y, max_z};
+    make(change);
+}
+
 // Mirrored once more it is as before: the record of a scaling by -1 does that.
 void mirror_with_undo(int axis)
 {

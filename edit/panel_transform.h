@@ -11,6 +11,12 @@ void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, floa
 void rotate_axis_angle_with_undo(float axis, float degrees);
 void mirror_with_undo(int axis);
 
+// Turns each selected object about its own centre and the axis that looks into a view (0 to 2);
+// other selections about the middle of the box.
+void rotate_each_with_undo(int view, float degrees);
+// Brings the selection's box to these corners.
+void resize_with_undo(float min_x, float min_y, float min_z, float max_x, float max_y, float max_z);
+
 // Begins a transform: "move" (by an offset), "rotate" (by degrees about the middle of the box) or
 // "scale" (by factors about it). panel_transform_to says how far it has come since the beginning,
 // panel_transform_end keeps it as one undo record, panel_transform_cancel puts back the very bits.

@@ -10,6 +10,7 @@ target_sources(vesk_core PRIVATE
     edit/edge_mesh.cpp
     edit/edge_table.cpp
     edit/edit_support.cpp
+    edit/element_text.cpp
     edit/extrude.cpp
     edit/extrude_path.cpp
     edit/geometry_image.cpp

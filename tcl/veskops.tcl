@@ -131,3 +131,7 @@ proc ::vesk::ops::render {} {
 }
 
 proc sync_ui {} {::vesk::ops::request}
+
+# What was done with the mouse in the views, told by the executable.
+proc echo_command {args} {::vesk::ops::echo vesk {*}$args}
+proc echo_note {text} {::vesk::console::say "# $text" note}

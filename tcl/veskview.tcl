@@ -316,6 +316,13 @@ proc ::vesk::view::key {id text keysym state} {
     } else {
         set key $keysym
     }
+    # An unprintable character is echoed as its escape.
+    if {[regexp {^[[:cntrl:]]$} $key]} {
+        scan $key %c code
+        ::vesk::console::say [format {vesk keypress %d \x%02x %d} $id $code $state] command
+    } else {
+        ::vesk::ops::echo vesk keypress $id $key $state
+    }
     vesk keypress $id $key $state
 }
 

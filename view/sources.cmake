@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     view/background.cpp
     view/camera.cpp
     view/camera_eye.cpp
+    view/drag_echo.cpp
     view/drag_offset.cpp
     view/draw_budget.cpp
     view/extrude_preview.cpp

@@ -1,6 +1,7 @@
 #include "view/tool_create.h"
 
 #include "app/coor_display.h"
+#include "app/echo.h"
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "edit/create.h"
@@ -10,6 +11,7 @@
 #include "model/bounds.h"
 #include "model/lights.h"
 #include "model/normals.h"
+#include "view/drag_echo.h"
 #include "view/interaction.h"
 #include "view/near_snap.h"
 #include "view/number_field.h"
@@ -34,28 +36,8 @@ struct corners_t {
     point3_t c1, c2; // equal when the drag did not move
 };
 
-struct outline_tool_t {
-    int mode;
-    const char *name;
-    const char *label;
-    int type;
-    size_t fewest, most; // points
-};
-const outline_tool_t outline_tools[] = {
-    {DRAW_POLYGON, "polygon", "add polygon", SURFACE_POLYGON, 3, 1000000},
-    {DRAW_POLYLINE, "polyline", "add polyline", SURFACE_LINE, 2, 1000000},
-    {DRAW_LINE, "line", "add line", SURFACE_LINE, 2, 2},
-};
-
-const outline_tool_t *outline_tool()
-{
-    for (const outline_tool_t &row : outline_tools) {
-        if (row.mode == draw_mode()) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
+// The kind of the present draw mode; null when it draws no outline.
+const outline_kind_t *outline_tool() { return outline_kind(mode_to_string(draw_mode())); }
 
 // The kind of the present draw mode; null when it is no box tool.
 const create_kind_t *box_tool() { return create_kind(mode_to_string(draw_mode())); }
@@ -123,14 +105,14 @@ point3_t next_point(const pointer_event_t &event)
 }
 
 // A drag is no command: the history's step is taken here.
-void link_drawn(object_t *object, const char *label)
+void link_drawn(object_t *object, const char *label, const std::vector<std::string> &words)
 {
     if (object == nullptr) {
         return;
     }
     journal_begin();
     link_created(object, label, draw_mode() == DRAW_SPHERE);
-    journal_step(label);
+    echo_step(words, label);
 }
 
 // ---- box tools ----
@@ -235,26 +217,17 @@ void lock_axis(int axis)
     }
 }
 
-void end_outline(const outline_tool_t &tool)
+void end_outline(const outline_kind_t &tool)
 {
     const std::vector<point3_t> points = state.points;
     drop_outline();
-    if (points.size() < tool.fewest) {
-        display_message("%s - at least %d points are needed", tool.name,
-                        static_cast<int>(tool.fewest));
-        return;
-    }
-    object_t *object = new_object(OBJECT_POLY);
-    object_set_name(object, tool.name);
-    surface_t *surface = new_surface();
-    surface_set_type(surface, tool.type);
+    std::vector<std::string> words = {"create_outline", tool.name, ""};
     for (const point3_t &p : points) {
-        surface_add_vertex(surface, object_add_new_vertex(object, p.x, p.y, p.z), 0, 0);
+        for (const std::string &number : echo_point(p)) {
+            words.back() += (words.back().empty() ? "" : " ") + number;
+        }
     }
-    object_add_surface(object, surface);
-    object_calc_normals_force(object);
-    object_calculate_centre(object);
-    link_drawn(object, tool.label);
+    link_drawn(new_outline(tool, points), tool.label, words);
 }
 
 bool is_on_first_point(const pointer_event_t &event)
@@ -279,7 +252,7 @@ bool is_double_click(const pointer_event_t &event)
     return twice;
 }
 
-void add_point(const outline_tool_t &tool, const pointer_event_t &event)
+void add_point(const outline_kind_t &tool, const pointer_event_t &event)
 {
     state.view = event.view;
     state.points.push_back(next_point(event));
@@ -293,7 +266,7 @@ void add_point(const outline_tool_t &tool, const pointer_event_t &event)
     redraw_all();
 }
 
-void outline_click(const outline_tool_t &tool, const pointer_event_t &event)
+void outline_click(const outline_kind_t &tool, const pointer_event_t &event)
 {
     if (state.view != VIEW_NONE && state.view != event.view) {
         return; // an outline lies in the view where it began
@@ -308,11 +281,12 @@ void outline_click(const outline_tool_t &tool, const pointer_event_t &event)
 
 void light_click(const pointer_event_t &event)
 {
-    object_t *light = new_light();
     const point3_t p = point_at(event);
-    vesk_object_set_centre(light, p.x, p.y, p.z);
-    link_drawn(light, "add light");
-    register_light(light);
+    journal_begin();
+    add_light_at(p);
+    std::vector<std::string> words = echo_point(p);
+    words.insert(words.begin(), "create_light");
+    echo_step(words, "add light");
 }
 
 } // namespace
@@ -352,8 +326,14 @@ void create_release(const pointer_event_t &event)
     if (const create_kind_t *tool = box_tool()) {
         const corners_t c = corners_of(event, tool->solid);
         number_field_close();
-        link_drawn(tool->make(event.view, c.c1, c.c2), tool->label);
-    } else if (const outline_tool_t *outline = outline_tool()) {
+        std::vector<std::string> words = {"create", tool->name, std::to_string(event.view)};
+        for (const point3_t &corner : {c.c1, c.c2}) {
+            for (const std::string &number : echo_point(corner)) {
+                words.push_back(number);
+            }
+        }
+        link_drawn(tool->make(event.view, c.c1, c.c2), tool->label, words);
+    } else if (const outline_kind_t *outline = outline_tool()) {
         outline_click(*outline, event);
     } else {
         light_click(event);
@@ -402,7 +382,7 @@ void take_last_point_back()
     }
 }
 
-bool outline_key(const outline_tool_t &tool, const char *key)
+bool outline_key(const outline_kind_t &tool, const char *key)
 {
     const std::string_view name = key;
     if (name == "Return" || name == "KP_Enter") {
@@ -425,7 +405,7 @@ bool outline_key(const outline_tool_t &tool, const char *key)
 }
 
 // A number for the box that is dragged, or for the outline's next point.
-bool take_number(const create_kind_t *box, const outline_tool_t *outline, const char *key)
+bool take_number(const create_kind_t *box, const outline_kind_t *outline, const char *key)
 {
     static const std::vector<number_part_t> sizes = {{"W", 0}, {"H", 1}, {"D", 2}};
     static const std::vector<number_part_t> ways = {{"dX", 0}, {"dY", 1}, {"dZ", 2}};
@@ -454,7 +434,7 @@ bool take_number(const create_kind_t *box, const outline_tool_t *outline, const 
 bool create_key(const char *key)
 {
     const create_kind_t *box = state.dragging ? box_tool() : nullptr;
-    const outline_tool_t *outline = state.points.empty() ? nullptr : outline_tool();
+    const outline_kind_t *outline = state.points.empty() ? nullptr : outline_tool();
     if (box == nullptr && outline == nullptr) {
         return false;
     }

@@ -1,12 +1,15 @@
 #include "view/tool_select.h"
 
+#include "app/echo.h"
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "edit/element_text.h"
 #include "edit/modes.h"
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
 #include "model/object_tree.h"
 #include "model/world.h"
+#include "view/drag_echo.h"
 #include "view/interaction.h"
 #include "view/redraw.h"
 #include "view/views_internal.h"
@@ -80,8 +83,12 @@ bool is_selected(const pick_hit_t &hit)
     return list_index(all.objects, hit.object) >= 0;
 }
 
-void set_selected(const std::vector<pick_hit_t> &hits, bool on)
+// Changes the selection, or makes these the selection.
+void set_selected(const std::vector<pick_hit_t> &hits, bool on, bool replace)
 {
+    if (replace) {
+        clear_selection();
+    }
     owned_list list;
     for (const pick_hit_t &hit : hits) {
         if (select_mode() == SELECT_VERTEX) {
@@ -92,13 +99,16 @@ void set_selected(const std::vector<pick_hit_t> &hits, bool on)
             list.add(hit.object);
         }
     }
-    if (select_mode() == SELECT_VERTEX) {
-        (on ? select_vertices : unselect_vertices)(list.get());
-    } else if (select_mode() == SELECT_SURFACE) {
-        (on ? select_surfacelist : unselect_surfacelist)(list.get());
-    } else {
-        (on ? select_objectlist : unselect_objectlist)(list.get());
+    change_selection(list.get(), on);
+    echo_selection(on, replace, list.get());
+}
+
+void select_nothing()
+{
+    if (nothing_is_selected() == 0) {
+        echo_command({"clear_selection"});
     }
+    clear_selection();
 }
 
 bool is_again(int view, int x, int y)
@@ -126,8 +136,8 @@ bool descend(int view, int x, int y)
         return false;
     }
     set_new_select_mode(SELECT_OBJECT);
-    clear_selection();
-    select_object(members.front().object);
+    echo_command({"set_select_mode", "object"});
+    set_selected({members.front()}, true, true);
     last_click = {};
     return true;
 }
@@ -168,18 +178,13 @@ void select_click(int view, int x, int y, int state, double seconds)
     if (hits.empty()) {
         last_click = {};
         if (!shift) {
-            clear_selection();
+            select_nothing();
         }
         finish();
         return;
     }
     const pick_hit_t &hit = hits[index_of_click(view, x, y, seconds, hits.size())];
-    if (shift) {
-        set_selected({hit}, !is_selected(hit));
-    } else {
-        clear_selection();
-        set_selected({hit}, true);
-    }
+    set_selected({hit}, !shift || !is_selected(hit), !shift);
     finish();
 }
 
@@ -191,11 +196,11 @@ void select_band(int view, const band_t &band, int state)
         keep_whole_trees(found, &hits);
     }
     const bool remove = qualifier_control(state) != 0;
-    if (!remove && qualifier_shift(state) == 0) {
-        clear_selection();
-    }
+    const bool replace = !remove && qualifier_shift(state) == 0;
     if (!hits.empty()) {
-        set_selected(hits, !remove);
+        set_selected(hits, !remove, replace);
+    } else if (replace) {
+        select_nothing();
     }
     finish();
 }

@@ -12,6 +12,7 @@
 #include "edit/undo.h"
 #include "model/vector.h"
 #include "view/camera_internal.h"
+#include "view/drag_echo.h"
 #include "view/drag_offset.h"
 #include "view/extrude_preview.h"
 #include "view/handles.h"
@@ -432,6 +433,7 @@ void finish_change(const pointer_event_t &event)
     const bool extrudes = tool.what == doing::EXTRUDE;
     const point3_t from = tool.centre;
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
+    std::vector<std::string> words;
     forget();
     if (is_nothing(change)) {
         transform->take_back();
@@ -439,14 +441,16 @@ void finish_change(const pointer_event_t &event)
         new_undo(UNDO_WORLD, "extrude");
         set_undo_all();
         const point3_t to = point_add(from, change.offset);
+        words = words_of_extrusion(point_sub(to, from));
         extrude_selected(&from, &to);
         find_bounding_box();
     } else {
         transform->step(change);
         transform->finish();
+        words = words_of_change(change, transform->turns_own(change));
     }
     journal_hold(false);
-    journal_step(extrudes ? "extrude" : "drag");
+    echo_step(words, extrudes ? "extrude" : "drag");
     redraw_all();
     display_status();
 }

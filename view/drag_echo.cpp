@@ -1,0 +1,73 @@
+#include "view/drag_echo.h"
+
+#include "app/echo.h"
+#include "app/messages.h"
+#include "edit/element_text.h"
+#include "edit/journal.h"
+
+namespace {
+
+// Longer lines cannot be read, and hold the console up.
+constexpr std::size_t longest_line = 20000;
+
+using words_t = std::vector<std::string>;
+
+words_t operator+(words_t words, const words_t &more)
+{
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+words_t words_of_rotation(const drag_change_t &change, bool own)
+{
+    if (own)
+        return {"rotate_each_with_undo", std::to_string(change.view), echo_number(change.degrees)};
+    point3_t angles = {0, 0, 0};
+    if (change.view == VIEW_ZY)
+        angles.x = change.degrees;
+    else if (change.view == VIEW_XZ)
+        angles.y = -change.degrees;
+    else
+        angles.z = -change.degrees;
+    return words_t{"rotate_about_with_undo"} + echo_point(angles) + echo_point(change.centre);
+}
+
+} // namespace
+
+std::vector<std::string> words_of_change(const drag_change_t &change, bool own)
+{
+    switch (change.kind) {
+    case drag_change_t::MOVE:
+        return words_t{"move_with_undo"} + echo_point(change.offset);
+    case drag_change_t::RESIZE:
+        return words_t{"resize_with_undo"} + echo_point(change.to_min) + echo_point(change.to_max);
+    default:
+        return words_of_rotation(change, own);
+    }
+}
+
+std::vector<std::string> words_of_extrusion(const point3_t &offset)
+{
+    return words_t{"extrude"} + echo_point(offset);
+}
+
+void echo_selection(bool on, bool replace, const listitem *elements)
+{
+    const std::string text = element_text(elements);
+    if (text.size() > longest_line) {
+        const char *change = replace ? "selected" : on ? "added to the selection" : "unselected";
+        echo_note(std::to_string(list_count(elements)) + " elements " + change +
+                  ": too many to be listed");
+        return;
+    }
+    echo_command({"select_elements", replace ? "set" : on ? "add" : "remove", text});
+}
+
+void echo_step(const std::vector<std::string> &words, const char *label)
+{
+    if (!words.empty())
+        echo_command(words);
+    journal_note_words(words);
+    journal_step(label);
+    journal_note_words({});
+}

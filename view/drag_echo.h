@@ -1,0 +1,24 @@
+#ifndef VESK_VIEW_DRAG_ECHO_H
+#define VESK_VIEW_DRAG_ECHO_H
+
+#include "edit/drag_transform.h"
+#include "edit/selection.h"
+
+#include <string>
+#include <vector>
+
+// What the mouse did, as lines of the console that do the same again.
+
+// The words of the command that a drag of the selection came to; `own` turns each object about its
+// own centre.
+std::vector<std::string> words_of_change(const drag_change_t &change, bool own);
+std::vector<std::string> words_of_extrusion(const point3_t &offset);
+
+// Elements, as the select mode has them, that were added, taken out, or became the selection. Where
+// they are too many to be listed, a line says how many.
+void echo_selection(bool on, bool replace, const listitem *elements);
+
+// Echoes a change of the model (no words: there was none) and makes it the step of the history that "repeat_last" repeats.
+void echo_step(const std::vector<std::string> &words, const char *label);
+
+#endif
