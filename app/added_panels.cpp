@@ -7,6 +7,7 @@
 #include "app/numbers.h"
 #include "app/prefs.h"
 #include "edit/element_text.h"
+#include "edit/insert_vertex.h"
 #include "edit/measure.h"
 #include "edit/modes.h"
 #include "edit/object_place.h"
@@ -23,7 +24,9 @@
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/redraw.h"
+#include "view/ruler.h"
 #include "view/texture_preview.h"
+#include "view/tool_extra.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -156,6 +159,9 @@ void register_panel_commands()
     command_add_words("rotate_each_with_undo", command_rotate_each, 2, 2,
                       "<int view> <float degrees>",
                       "rotate each selected object about its own centre and the axis of a view");
+    command_add_words("insert_vertex_at", command_insert_vertex_at, 4, 4,
+                      "<int object_id> <int vertex> <int vertex> <float share>",
+                      "insert a vertex on the edge between two vertices, returns its place");
     command_add_words("objects_place", command_objects_place, 3, 3,
                       "<string object_ids> <int parent_object_id> <int before_object_id>",
                       "make objects children of a parent in front of another, with an undo record");
@@ -174,6 +180,13 @@ void register_panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("set_view_tool", command_set_view_tool,
+                    "<string measure, insert_vertex or none>",
+                    "set a tool of the views beside the draw modes"),
+        command_row("measure_points", command_measure_points, "<string coordinates>",
+                    "lay the ruler between two or three points, tell distance or angle"),
+        command_row("get_measures", command_get_measures, nullptr,
+                    "returns what the selection measures"),
         command_row("measure", command_measure, nullptr,
                     "tell distances, angles, areas and volumes of the selection"),
     };

@@ -175,6 +175,16 @@ std::string selection_measures()
     return points.empty() ? "" : measure_vertices(points);
 }
 
+std::string points_measures(const std::vector<point3_t> &points)
+{
+    std::vector<vec> places;
+    for (const point3_t &p : points)
+        places.push_back(vec_of(p));
+    return places.empty() ? "" : measure_vertices(places);
+}
+
+void command_get_measures() { command_result_set(selection_measures().c_str()); }
+
 void command_measure()
 {
     const std::string text = selection_measures();

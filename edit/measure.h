@@ -1,13 +1,22 @@
 #ifndef VESK_EDIT_MEASURE_H
 #define VESK_EDIT_MEASURE_H
 
+#include "app/types.h"
+
 #include <string>
+#include <vector>
 
 // What the selection measures, in words. Vertices: two tell their distance and its parts, three the
 // angle at the second and both lengths, more the length of the way along them. Surfaces: area and
 // outline. Objects: area with all below them, and the volume when their surfaces are closed (every
 // edge of exactly two surfaces). Empty when nothing is selected.
 std::string selection_measures();
+
+// The same of two or three points: their distance, or the angle at the second.
+std::string points_measures(const std::vector<point3_t> &points);
+
+// Command "get_measures": what the selection measures, as the result only.
+void command_get_measures();
 
 // Command "measure": tells it in the status line, and as the result.
 void command_measure();

@@ -41,6 +41,7 @@ const char *const select_names[] = {"tree", "object", "surface", "vertex", "ligh
 
 int current_draw_mode = DRAW_MOVE;
 void (*cancel_half_drawn)() = nullptr;
+void (*draw_mode_was_set)() = nullptr;
 
 const draw_mode_t *find_mode(int code)
 {
@@ -73,6 +74,8 @@ void drop_half_drawn()
 void take_draw_mode(const draw_mode_t &row)
 {
     current_draw_mode = row.code;
+    if (draw_mode_was_set != nullptr)
+        draw_mode_was_set();
     tcl_command("set_draw_mode_ui %s", row.name);
 }
 
@@ -169,6 +172,8 @@ const char *select_mode_name(int mode)
 
 void set_draw_cancel_hook(void (*hook)()) { cancel_half_drawn = hook; }
 
+void set_draw_mode_hook(void (*hook)()) { draw_mode_was_set = hook; }
+
 void set_new_select_mode(int mode)
 {
     if (select_mode_name(mode) == nullptr)
@@ -263,4 +268,5 @@ void modes_reset_for_test()
 {
     current_draw_mode = DRAW_MOVE;
     cancel_half_drawn = nullptr;
+    draw_mode_was_set = nullptr;
 }

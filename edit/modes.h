@@ -48,6 +48,9 @@ VESK_END_DECLS
 int draw_mode();
 const char *select_mode_name(int mode); // null for an unknown code
 
+// Told whenever the draw mode is set, also to what it was.
+void set_draw_mode_hook(void (*hook)());
+
 // Drops a half-drawn object; set by the create tools.
 void set_draw_cancel_hook(void (*hook)());
 

@@ -17,6 +17,7 @@ target_sources(vesk_core PRIVATE
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
+    edit/insert_vertex.cpp
     edit/journal.cpp
     edit/link_surfaces.cpp
     edit/make_surface.cpp

@@ -23,7 +23,8 @@ proc ::vesk::hover::moved {name id x y state} {
     variable delay
     hide
     # Bits of the three buttons.
-    if {$state & 0x700 || $::vesk::draw_mode ni {move rotate extrude}} {return}
+    if {$state & 0x700 || $::vesk::draw_mode ni {move rotate extrude}
+            || $::vesk::view_tool ne "none"} {return}
     set timer [after $delay [list ::vesk::hover::show $name $id $x $y]]
 }
 

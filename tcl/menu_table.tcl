@@ -246,6 +246,8 @@ proc ::vesk::menus::define {name label rows} {
 }
 ::vesk::menus::define vertex "&Vertex" {
     {run "&Insert" {insert_vertex} "" some "Divides the selected edges."}
+    {call "Insert where &clicked" {::vesk::tools::choose insert} "" ""
+        "A vertex where an edge is clicked in a view."}
     {line}
     {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
     {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}

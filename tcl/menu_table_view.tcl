@@ -115,8 +115,9 @@
     {call "Operation se&ttings" {::vesk::operations::open} Ctrl+E ""
         "Numbers that the operations use."}
     {line}
-    {run "M&easure" {measure} "" some
+    {run "M&easure the selection" {measure} "" some
         "Distance, angle, area, volume of the selection."}
+    {call "R&uler" {::vesk::tools::choose measure} "" "" "Measures between points of the views."}
     {menu "M&y tools" mytools "" "" "Lines of the console that were saved as tools."}
     {line}
     {show "Model &information" {get_info "Model information"} "" "" "Counts, textures, materials, memory."}

@@ -172,7 +172,17 @@ proc ::vesk::optionbar::show_fields {tool} {
             pack $field -side left -padx [list $gap 0]
             continue
         }
+        if {$kind eq "run"} {
+            ttk::button $field -text $label -command [list ::vesk::ops::run $key]
+            pack $field -side left -padx [list $gap 0]
+            continue
+        }
         ttk::label $frame.l$number -text $label -style Dim.TLabel
+        if {$kind eq "measures"} {
+            ttk::label $field -textvariable ::vesk::tools::measured -style Status.TLabel
+            pack $frame.l$number $field -side left -padx $gap
+            continue
+        }
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
         bind_preference $field ::vesk::optionbar::field$number $key $kind

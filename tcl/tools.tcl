@@ -6,7 +6,8 @@ namespace eval ::vesk::tools {
     variable choosing 0         ;# the draw mode is being set by a tool chosen here
     variable columns 2
     # A row: name, icon, draw mode ("" none), command that must be there, key, label, help, hint.
-    # {} parts the groups. Tools without a draw mode act at once or keep the mode "move".
+    # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
+    # a tool of the views beside the draw modes.
     variable table {
         {move move move move M "Move"
             "Drag to move, or type a distance." "Drag to move. X, Y, Z lock an axis."}
@@ -45,10 +46,11 @@ namespace eval ::vesk::tools {
         {text text "" create_text "" "Text" "Adds a text made of surfaces." ""}
         {}
         {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
-        {insert insert "" insert_vertex "" "Insert vertices"
-            "Divides the selected edges in the middle." ""}
-        {measure measure "" measure "" "Measure"
-            "Distance, angle, area, volume of the selection." ""}
+        {insert insert +insert_vertex set_view_tool "" "Insert vertices"
+            "Click an edge where the vertex comes." "Click an edge. Control: in the middle."}
+        {measure measure +measure set_view_tool "" "Measure"
+            "Drag a ruler; a third click gives the angle."
+            "Drag from point to point. A third click: the angle. Escape clears."}
         {zoom zoom zoom create "" "Zoom" "Drag a rectangle to see it larger." "Drag a rectangle to see it larger."}
     }
     # The same without the partings.
@@ -69,9 +71,12 @@ namespace eval ::vesk::tools {
         cylinder {{Segments int cylinder_segments} {Ends bool cylinder_has_ends}}
         rect     {}
         sphere   {{Segments int num_surface_div} {Triangles bool sphere_triangles}}
+        insert   {{"Divide the selected edges" run insert_vertex}}
+        measure  {{Selection measures}}
     }
     variable vector             ;# the three numbers of move, rotate, scale
     array set vector {x 0.000 y 0.000 z 0.000}
+    variable measured ""        ;# what the selection measures, while the measure tool is on
 }
 
 # row --
@@ -131,6 +136,7 @@ proc ::vesk::tools::build {path} {
             incr line
         }
     }
+    foreach aspect {selection model} {::vesk::ops::listen $aspect ::vesk::tools::show_measured}
     return $path
 }
 
@@ -178,6 +184,10 @@ proc ::vesk::tools::chosen {name} {
         act $name
         return
     }
+    if {[string match +* $mode]} {
+        ::vesk::ops::run set_view_tool [string range $mode 1 end]
+        return
+    }
     # Deliberate: the tool "scale" shares the draw mode "move"; only its fields differ.
     variable choosing 1
     ::vesk::ops::run set_draw_mode $mode
@@ -191,7 +201,6 @@ proc ::vesk::tools::chosen {name} {
 #   Tools without a mode of their own.
 proc ::vesk::tools::act {name} {
     switch -- $name {
-        insert  {::vesk::ops::run insert_vertex}
         revolve {::vesk::menus::invoke [::vesk::menus::find create revolve]}
         text    {::vesk::menus::invoke [::vesk::menus::find create create_text]}
         cone    {
@@ -200,7 +209,6 @@ proc ::vesk::tools::act {name} {
                 {x2 number 1} {y2 number 1} {z2 number 1}
                 {Segments pref cylinder_segments int}} "Adds a cone between two corners."
         }
-        measure {::vesk::ops::run measure}
     }
 }
 
@@ -247,6 +255,28 @@ proc ::vesk::tools::pivot_point {} {
         "3D cursor" {return [vesk get_3d_cursor]}
     }
     return [vesk get_selection_centre]
+}
+
+# show_measured --
+#   What the selection measures, for the option bar.
+proc ::vesk::tools::show_measured {} {
+    variable current
+    variable measured
+    if {$current ne "measure"} {return}
+    set measured [vesk get_measures]
+    if {$measured eq ""} {set measured "nothing"}
+    after idle ::vesk::optionbar::fit
+}
+
+# set_view_tool_ui --
+#   A tool of the views beside the draw modes came on, or went ("none"): the column follows.
+proc set_view_tool_ui {name} {
+    set ::vesk::view_tool $name
+    set mode [expr {$name eq "none" ? $::vesk::draw_mode : "+$name"}]
+    set ::vesk::tools::current [::vesk::tools::tool_of_mode $mode]
+    ::vesk::optionbar::show_fields $::vesk::tools::current
+    ::vesk::tools::show_measured
+    ::vesk::status::hint
 }
 
 # set_draw_mode_ui --

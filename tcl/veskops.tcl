@@ -6,6 +6,7 @@ namespace eval ::vesk {
     variable script_folder [file dirname [file normalize [info script]]]
     variable select_mode tree       ;# kept by set_select_mode_ui
     variable draw_mode move         ;# kept by set_draw_mode_ui
+    variable view_tool none         ;# kept by set_view_tool_ui
     variable theme_name dark
     variable panel_shown 1
     variable console_shown 0

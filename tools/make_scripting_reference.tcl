@@ -45,6 +45,7 @@ set own_samples {
     set_draw_mode box  history_goto 2  revolve 1  do_perspective 1  object_at {0 200 150}
     uv_option {checker 1}  keypress {0 f 0}  axis_colours {0xF07F76 0x8CCB6B 0x7CB4F5}  autosave copy.vesk
     uv_view_zoom 2  remap_textures 1  select_elements {set 3:0-5,9}  create_light {1 2 0}
+    measure_points {{0 0 0 1 0 0}}  set_view_tool measure  insert_vertex_at {3 0 1 0.5}
     create_outline {polygon {{0 0 0 1 0 0 0 1 0}}}  resize_with_undo {0 0 0 1 2 1}
 }
 

@@ -7,6 +7,7 @@
 #include "view/axis_cross.h"
 #include "view/camera_internal.h"
 #include "view/draw_device_gl.h"
+#include "view/draw_marks_gl.h"
 #include "view/draw_text_gl.h"
 #include "view/handles.h"
 #include "view/interaction.h"
@@ -28,32 +29,14 @@ constexpr colour_t rim_colour = {0x20 / 255.0f, 0x20 / 255.0f, 0x20 / 255.0f, 0.
 
 float interface_scale() { return static_cast<float>(view_interface_scale()); }
 
-bool window_point(const point3_t &point, int view, float *x, float *y)
-{
-    if (view == VIEW_XYZ) {
-        double px = 0;
-        double py = 0;
-        if (!camera_project(point, &px, &py))
-            return false;
-        *x = static_cast<float>(px);
-        *y = static_cast<float>(py);
-        return true;
-    }
-    int px = 0;
-    int py = 0;
-    point2xy(&point, &px, &py, view);
-    *x = static_cast<float>(px) + 0.5f;
-    *y = static_cast<float>(py) + 0.5f;
-    return true;
-}
-
 // Across the whole view through the point where the drag began.
 void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
 {
     point3_t other = tool.lock_point;
     axis_of(other, tool.locked_axis) += 1.0f;
     float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
-    if (!window_point(tool.lock_point, view, &x1, &y1) || !window_point(other, view, &x2, &y2))
+    if (!overlay_position(tool.lock_point, view, &x1, &y1) ||
+        !overlay_position(other, view, &x2, &y2))
         return;
     const float dx = x2 - x1;
     const float dy = y2 - y1;
@@ -69,7 +52,8 @@ void draw_preview(const overlay_t &tool, int view)
 {
     for (const overlay_segment_t &segment : tool.preview) {
         float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
-        if (window_point(segment.from, view, &x1, &y1) && window_point(segment.to, view, &x2, &y2))
+        if (overlay_position(segment.from, view, &x1, &y1) &&
+            overlay_position(segment.to, view, &x2, &y2))
             draw_soft_line(x1, y1, x2, y2, 1.5f * interface_scale(), colour_of(prefs.col_box));
     }
 }
@@ -108,6 +92,25 @@ void draw_axis_end(const axis_cross_t &cross, const axis_end_t &end)
 }
 
 } // namespace
+
+bool overlay_position(const point3_t &point, int view, float *x, float *y)
+{
+    if (view == VIEW_XYZ) {
+        double px = 0;
+        double py = 0;
+        if (!camera_project(point, &px, &py))
+            return false;
+        *x = static_cast<float>(px);
+        *y = static_cast<float>(py);
+        return true;
+    }
+    int px = 0;
+    int py = 0;
+    point2xy(&point, &px, &py, view);
+    *x = static_cast<float>(px) + 0.5f;
+    *y = static_cast<float>(py) + 0.5f;
+    return true;
+}
 
 void draw_band(int from_x, int from_y, int to_x, int to_y)
 {
@@ -181,6 +184,7 @@ void draw_tool_overlay(int view, int width, int height)
         draw_axis_lock(tool, view, width, height);
     if (tool.band_view == view)
         draw_band(tool.x0, tool.y0, tool.x1, tool.y1);
+    draw_tool_marks(view, width, height);
 }
 
 void draw_light_icons(int view)
@@ -188,7 +192,7 @@ void draw_light_icons(int view)
     for (const object_t *light : each<object_t>(world_lights())) {
         float x = 0;
         float y = 0;
-        if (light->visible == 0 || !window_point(light->centre, view, &x, &y))
+        if (light->visible == 0 || !overlay_position(light->centre, view, &x, &y))
             continue;
         const bool selected = selected_part(light) != nullptr;
         draw_light_icon(x, y, colour_of(selected ? prefs.col_selline : light_colour));
@@ -205,7 +209,7 @@ void draw_object_centres(int view)
         float x = 0;
         float y = 0;
         if (object == vesk_get_world() || object->visible == 0 ||
-            !window_point(object->centre, view, &x, &y))
+            !overlay_position(object->centre, view, &x, &y))
             return;
         crosses.insert(crosses.end(), {{x - size, y}, {x + size, y}, {x, y - size}, {x, y + size}});
     });

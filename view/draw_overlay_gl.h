@@ -7,6 +7,9 @@
 #include "view/draw_device_gl.h"
 #include "view/handles.h"
 
+// Window position of a point, on the middle of a pixel; false when it lies behind the viewer.
+bool overlay_position(const point3_t &point, int view, float *x, float *y);
+
 // Of an orthographic view: box and handles of the selection, drawn outside its true bounds.
 void draw_selection_box(int view);
 

@@ -7,7 +7,10 @@
 #include "view/camera_internal.h"
 #include "view/interaction.h"
 #include "view/projection.h"
+#include "view/projector.h"
 #include "view/views_internal.h"
+
+#include <cmath>
 
 namespace {
 
@@ -69,6 +72,28 @@ bool near_snap_at(int view, double x, double y, point3_t *found)
         const double distance = (px - x) * (px - x) + (py - y) * (py - y);
         if (distance < nearest || (!any && distance <= nearest)) {
             nearest = distance;
+            *found = target;
+            any = true;
+        }
+    }
+    return any;
+}
+
+bool front_vertex_at(int view, double x, double y, double range, point3_t *found)
+{
+    constexpr float equal = 0.5f; // pixels
+    gather_when_changed();
+    const projector_t projector(view);
+    float nearest = static_cast<float>(range), depth = 0;
+    bool any = false;
+    for (const point3_t &target : targets.points) {
+        const screen_point_t p = projector(target);
+        const float pixels = std::hypot(p.x - static_cast<float>(x), p.y - static_cast<float>(y));
+        if (!(pixels <= nearest + (any ? equal : 0)))
+            continue;
+        if (!any || pixels < nearest - equal || p.depth < depth) {
+            nearest = pixels;
+            depth = p.depth;
             *found = target;
             any = true;
         }

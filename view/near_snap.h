@@ -17,6 +17,9 @@ void near_snap_end();
 // vertex counts. False when there is none.
 bool near_snap_at(int view, double x, double y, point3_t *found);
 
+// The same within `range` pixels, but of vertices that lie equally near the frontmost.
+bool front_vertex_at(int view, double x, double y, double range, point3_t *found);
+
 // Window position of a point; false when it lies behind the viewer.
 bool window_position(int view, const point3_t &point, double *x, double *y);
 

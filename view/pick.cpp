@@ -5,79 +5,13 @@
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"
-#include "view/camera_internal.h"
-#include "view/projection.h"
-#include "view/views_internal.h"
+#include "view/projector.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 namespace {
-
-struct screen_point_t {
-    float x, y, depth; // depth grows away from the viewer
-};
-
-constexpr float behind_viewer = std::numeric_limits<float>::quiet_NaN();
-
-// World to window of any view, as two rows and a depth row, with the division of perspective.
-class projector_t {
-public:
-    explicit projector_t(int view)
-    {
-        if (view == VIEW_XYZ)
-            set_camera();
-        else
-            set_flat(view);
-    }
-    [[nodiscard]] screen_point_t operator()(const point3_t &p) const
-    {
-        const float x = m[0] * p.x + m[1] * p.y + m[2] * p.z + m[3];
-        const float y = m[4] * p.x + m[5] * p.y + m[6] * p.z + m[7];
-        const float depth = m[8] * p.x + m[9] * p.y + m[10] * p.z + m[11];
-        if (!perspective)
-            return {x + centre_x, y + centre_y, depth};
-        if (depth < 1e-6f)
-            return {behind_viewer, behind_viewer, depth};
-        return {x / depth + centre_x, y / depth + centre_y, depth};
-    }
-
-private:
-    void set_flat(int view)
-    {
-        const VESKView &v = *vesk_get_view(view);
-        const view_axes_t axes = view_axes[view];
-        m[axes.horizontal] = v.scale * axis_sign[axes.horizontal];
-        m[4 + axes.vertical] = v.scale * axis_sign[axes.vertical];
-        m[3] = v.centre[axes.horizontal] + v.pan[axes.horizontal];
-        m[7] = v.centre[axes.vertical] + v.pan[axes.vertical];
-        // The viewer stands at +z, -x, +y.
-        m[8 + axes.depth] = view == VIEW_ZY ? 1.0f : -1.0f;
-    }
-    void set_camera()
-    {
-        double eye[16];
-        camera_modelview(eye); // column by column
-        const point3_t zero = {0, 0, 0};
-        const projection_t projection = camera_projection(zero, zero);
-        int geometry[4] = {};
-        win_get_geom(VIEW_XYZ, geometry);
-        const double pixels = geometry[3] / 2.0 / projection.half_height;
-        for (int column = 0; column < 4; ++column) {
-            m[column] = static_cast<float>(eye[column * 4] * pixels);
-            m[4 + column] = static_cast<float>(-eye[column * 4 + 1] * pixels);
-            m[8 + column] = static_cast<float>(-eye[column * 4 + 2]);
-        }
-        centre_x = static_cast<float>(geometry[2]) / 2;
-        centre_y = static_cast<float>(geometry[3]) / 2;
-        perspective = projection.perspective;
-    }
-
-    float m[12] = {};
-    float centre_x = 0, centre_y = 0;
-    bool perspective = false;
-};
 
 // A rectangle, and on which sides of it a point lies: whatever has all its corners beyond one side
 // is out, which most surfaces are.

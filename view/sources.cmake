@@ -19,18 +19,24 @@ target_sources(vesk_core PRIVATE
     view/material_ball.cpp
     view/mesh_layout.cpp
     view/pick.cpp
+    view/pick_edge.cpp
     view/handles.cpp
     view/near_snap.cpp
     view/number_field.cpp
     view/overlay.cpp
     view/projection.cpp
     view/redraw.cpp
+    view/ruler.cpp
+    view/screen_ray.cpp
     view/selection_marks.cpp
     view/texture_preview.cpp
     view/texture_search.cpp
     view/textures.cpp
     view/tool_create.cpp
+    view/tool_extra.cpp
+    view/tool_insert.cpp
     view/tool_left.cpp
+    view/tool_measure.cpp
     view/tool_select.cpp
     view/view_picture.cpp
     view/tool_transform.cpp
@@ -43,6 +49,7 @@ target_sources(vesk PRIVATE
     view/draw_buffers_gl.cpp
     view/draw_device_gl.cpp
     view/draw_grid_gl.cpp
+    view/draw_marks_gl.cpp
     view/draw_orth_gl.cpp
     view/draw_overlay_gl.cpp
     view/draw_scene_gl.cpp

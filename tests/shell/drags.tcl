@@ -5,12 +5,6 @@
 source [file join [file dirname [info script]] support.tcl]
 source [file join [file dirname [info script]] frontview.tcl]
 
-proc near {list wanted {tolerance 0.021}} {
-    foreach a $list b $wanted {
-        if {abs($a - $b) > $tolerance} {return 0}
-    }
-    return [expr {[llength $list] == [llength $wanted]}]
-}
 proc centre {} {return [vesk get_selection_centre]}
 proc size {} {return [vesk get_selection_size]}
 

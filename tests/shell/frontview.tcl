@@ -47,3 +47,9 @@ proc click_at {x y {modifier ""} {view xy}} {
     if {$modifier ne ""} {exec xdotool keyup $modifier}
     ::test::pause 550
 }
+proc near {list wanted {tolerance 0.021}} {
+    foreach a $list b $wanted {
+        if {abs($a - $b) > $tolerance} {return 0}
+    }
+    return [expr {[llength $list] == [llength $wanted]}]
+}

@@ -4,6 +4,7 @@ target_sources(vesk_tests PRIVATE
     view/image_writer.cpp
     view/drag_test.cpp
     view/echo_test.cpp
+    view/extra_tool_test.cpp
     view/keys_test.cpp
     view/material_ball_test.cpp
     view/mesh_layout_test.cpp

@@ -1,0 +1,88 @@
+#include "edit/insert_vertex.h"
+
+#include "app/command_result.h"
+#include "app/messages.h"
+#include "app/numbers.h"
+#include "edit/edit_support.h"
+#include "edit/mesh_edges.h"
+#include "edit/undo.h"
+#include "model/identity.h"
+
+#include <string>
+
+namespace {
+
+float between(float from, float to, float share) { return from + (to - from) * share; }
+
+bool is_vertex_of(const flat_mesh &mesh, int v) { return v >= 0 && v < mesh.num_vertices(); }
+
+// Into each surface that goes from a to b or back; false when none does.
+bool insert_into_surfaces(mesh_change &change, int a, int b, int added, float share)
+{
+    const flat_mesh &mesh = change.before();
+    bool any = false;
+    for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
+        const auto place = static_cast<std::size_t>(surface);
+        const int end = (*mesh.corner_offsets)[place + 1];
+        const bool open = (*mesh.surfaces)[place].type == SURFACE_LINE;
+        for (int c = (*mesh.corner_offsets)[place]; c < end - (open ? 1 : 0); ++c) {
+            const int next = next_corner(mesh, surface, c);
+            const int from = (*mesh.corners)[static_cast<std::size_t>(c)];
+            const int to = (*mesh.corners)[static_cast<std::size_t>(next)];
+            if (!(from == a && to == b) && !(from == b && to == a))
+                continue;
+            const float way = from == a ? share : 1 - share;
+            const flat_uv &p = (*mesh.texture_coords)[static_cast<std::size_t>(c)];
+            const flat_uv &q = (*mesh.texture_coords)[static_cast<std::size_t>(next)];
+            change.insert_corner_after(c, added, {between(p.u, q.u, way), between(p.v, q.v, way)});
+            any = true;
+        }
+    }
+    return any;
+}
+
+} // namespace
+
+bool insert_vertex_at(object_t *object, int a, int b, float share)
+{
+    if (object == nullptr || object->visible == 0 || object->locked != 0 || !(share > 0) ||
+        !(share < 1))
+        return false;
+    mesh_change change(object);
+    if (a == b || !is_vertex_of(change.before(), a) || !is_vertex_of(change.before(), b))
+        return false;
+    const point3_t p = change.position(a), q = change.position(b);
+    const int added = change.add_vertex(
+        {between(p.x, q.x, share), between(p.y, q.y, share), between(p.z, q.z, share)}, a);
+    if (!insert_into_surfaces(change, a, b, added, share))
+        return false;
+    new_undo(UNDO_WORLD, "insert vertex");
+    set_undo_all();
+    const mesh_result made = change.commit();
+    calc_normals_of({object});
+    if (select_mode() == SELECT_VERTEX) {
+        owned_list chosen;
+        chosen.add(made.vertices.front());
+        clear_selection();
+        select_vertices(chosen.get());
+    }
+    finish_edit();
+    return true;
+}
+
+// ---- commands ----
+
+void command_insert_vertex_at(int, const char *const *words)
+{
+    object_t *object = object_by_identity(int_of(words[0]));
+    if (object == nullptr)
+        return;
+    const int place = object->num_vertices;
+    if (!insert_vertex_at(object, int_of(words[1]), int_of(words[2]),
+                          static_cast<float>(double_of(words[3])))) {
+        display_message("insert vertex - there is no such edge");
+        return;
+    }
+    display_message("insert vertex - 1 vertex");
+    command_result_set(std::to_string(place).c_str());
+}

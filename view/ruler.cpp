@@ -1,0 +1,75 @@
+#include "view/ruler.h"
+
+#include "app/command_result.h"
+#include "app/messages.h"
+#include "app/numbers.h"
+#include "edit/measure.h"
+#include "view/redraw.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+// As the fields of the panels show them.
+std::string shown(double value)
+{
+    char text[32];
+    snprintf(text, sizeof text, "%.3f", std::fabs(value) < 0.0005 ? 0.0 : value);
+    return text;
+}
+
+double angle_at_corner(const std::vector<point3_t> &p)
+{
+    const double u[3] = {double{p[0].x} - p[1].x, double{p[0].y} - p[1].y, double{p[0].z} - p[1].z};
+    const double v[3] = {double{p[2].x} - p[1].x, double{p[2].y} - p[1].y, double{p[2].z} - p[1].z};
+    const double x = u[1] * v[2] - u[2] * v[1];
+    const double y = u[2] * v[0] - u[0] * v[2];
+    const double z = u[0] * v[1] - u[1] * v[0];
+    const double along = u[0] * v[0] + u[1] * v[1] + u[2] * v[2];
+    return std::atan2(std::sqrt(x * x + y * y + z * z), along) * 180 / M_PI;
+}
+
+} // namespace
+
+ruler_t &ruler()
+{
+    static ruler_t laid;
+    return laid;
+}
+
+std::vector<std::string> ruler_texts(const ruler_t &of)
+{
+    const std::vector<point3_t> &p = of.points;
+    if (p.size() == 3)
+        return {shown(angle_at_corner(p)) + " degrees"};
+    if (p.size() != 2)
+        return {};
+    const double x = double{p[1].x} - p[0].x, y = double{p[1].y} - p[0].y,
+                 z = double{p[1].z} - p[0].z;
+    return {shown(std::sqrt(x * x + y * y + z * z)),
+            "dX " + shown(x) + "  dY " + shown(y) + "  dZ " + shown(z)};
+}
+
+void command_measure_points(const char *coordinates)
+{
+    std::vector<float> numbers;
+    const char *end = coordinates + std::strlen(coordinates);
+    float number = 0;
+    while ((coordinates = scan_float(coordinates, end, &number)) != nullptr)
+        numbers.push_back(number);
+    if (numbers.size() != 0 && numbers.size() != 6 && numbers.size() != 9) {
+        display_message("measure - two or three points are needed");
+        return;
+    }
+    ruler() = {};
+    for (std::size_t i = 0; i < numbers.size(); i += 3)
+        ruler().points.push_back({numbers[i], numbers[i + 1], numbers[i + 2]});
+    redraw_all();
+    if (numbers.empty())
+        return;
+    const std::string text = points_measures(ruler().points);
+    command_result_set(text.c_str());
+    display_message("%s", text.c_str());
+}
