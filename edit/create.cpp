@@ -222,6 +222,10 @@ void command_create_outline(const char *name, const char *coordinates)
         if (at == nullptr) {
             break;
         }
+        if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) {
+            display_message("create outline - a coordinate is no number");
+            return;
+        }
         points.push_back(p);
         coordinates = at;
     }

@@ -9,6 +9,7 @@
 #include "model/vector.h"
 #include "view/redraw.h"
 
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -187,7 +188,8 @@ void rotate_axis_angle_with_undo(float axis, float degrees)
 
 void rotate_each_with_undo(int view, float degrees)
 {
-    if (!something_selected("rotate") || degrees == 0 || view < VIEW_XY || view > VIEW_XZ) {
+    if (!something_selected("rotate") || degrees == 0 || !std::isfinite(degrees) ||
+        view < VIEW_XY || view > VIEW_XZ) {
         return;
     }
     drag_change_t change;
