@@ -22,6 +22,7 @@
 #include "plugin/importers.h"
 #include "plugin/loader.h"
 #include "view/camera_internal.h"
+#include "view/redraw.h"
 #include "view/textures.h"
 #include "view/tool_left.h"
 #include "view/uv_view.h"
@@ -133,6 +134,8 @@ void link_program_variables()
 
 void import_files(const std::vector<std::string> &files)
 {
+    for (int view = 0; view < num_views && !files.empty(); ++view)
+        redraw_view(view); // a large model takes a while: the grids are there meanwhile
     for (const std::string &file : files) {
         const std::string name = absolute_from_start(file);
         console_printf("importing %s\n", name.c_str());

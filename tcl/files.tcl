@@ -84,7 +84,7 @@ proc ::vesk::files::told_name {name} {
         add_recent $name
         if {!$many} {mark_saved}
         # A model that was just opened is looked at, not edited: nothing of it is selected.
-        after idle {vesk clear_selection}
+        vesk clear_selection
     }
     show_title
 }

@@ -178,11 +178,16 @@ proc ::vesk::hier::refresh {} {
 #   Surfaces of each object with those below it: id -> count.
 proc ::vesk::hier::totals {} {
     variable flat
+    variable tree
+    set total([vesk get_world]) 0
     # Children stand behind their parent, so from the end every sum is complete when it is passed on.
     for {set at [expr {[llength $flat] - 7}]} {$at >= 0} {incr at -7} {
         set id [lindex $flat $at]
         incr total([lindex $flat $at+1]) [incr total($id) [lindex $flat $at+4]]
     }
+    # No number is wider than that of all.
+    set widest [font measure TkDefaultFont "[::vesk::arith::grouped $total([vesk get_world])]0"]
+    $tree column surfaces -width [expr {max([::vesk::theme::px 58], $widest)}]
     return [array get total]
 }
 

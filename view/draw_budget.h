@@ -11,6 +11,7 @@
 enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
 
 constexpr double frame_budget = 0.033;      // seconds
+constexpr double slow_picture = 0.06;       // above it events come before the full picture
 constexpr double settle_after = 0.15;       // of the last motion
 constexpr double other_view_interval = 0.1; // of the views that are not under the pointer
 
@@ -27,6 +28,10 @@ public:
     // A measured cost in seconds of one layer of a frame; smoothing is what it added.
     void note(draw_layer layer, double seconds);
 
+    // The size of the scene that is drawn next. For one that is much larger than any before it the
+    // costs are guessed until they are measured.
+    void expect(double num_vertices);
+
     // What to draw: everything at rest, and while moving what fits. `fill_first` says whether the
     // fill goes before the edges (flat views) or after them (3D).
     [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
@@ -36,8 +41,12 @@ public:
         return costs_[static_cast<std::size_t>(layer)];
     }
 
+    // Of a picture with all layers.
+    [[nodiscard]] double full_cost() const;
+
 private:
     std::array<double, static_cast<std::size_t>(draw_layer::count)> costs_ = {};
+    double num_vertices_ = 0; // of the largest scene of late
 };
 
 #endif

@@ -36,6 +36,14 @@ colour_t background_of(int view)
     return colour_of(view == VIEW_XYZ ? prefs.col_3dbackground : prefs.col_background);
 }
 
+double scene_vertices(const scene_t &scene)
+{
+    double sum = 0;
+    for (const scene_item_t &item : scene.items)
+        sum += item.object->num_vertices;
+    return sum;
+}
+
 // What the present layers cost against what they would with smoothing.
 void learn_smoothing(picture_t &picture, double seconds)
 {
@@ -62,15 +70,29 @@ void finish_layer(picture_t &picture, draw_layer layer)
     picture.started = now;
 }
 
-void draw_view(int view, int width, int height, double seconds)
+bool draw_view_blank(int view, int width, int height)
+{
+    if (width == states[view].width && height == states[view].height)
+        return false;
+    frame_begin(view, width, height, background_of(view), false);
+    frame_end(view);
+    return true;
+}
+
+void draw_view(int view, int width, int height, double seconds, bool in_full)
 {
     view_state_t &state = states[view];
+    const bool distrusted = is_distrusted(state);
+    scene_t scene = distrusted ? scene_t() : gather_scene();
+    state.budget.expect(scene_vertices(scene));
     const bool moving = view_is_moving(view, seconds);
+    const bool quick = moving || (!in_full && state.budget.full_cost() > slow_picture);
     const bool flat = is_orthographic(view);
-    picture_t picture = {view, width,         height,  view_interface_scale(), {},
-                         {},   &state.budget, !moving, ui_port().now_seconds()};
+    picture_t picture = {view, width,         height, view_interface_scale(), std::move(scene),
+                         {},   &state.budget, !quick, ui_port().now_seconds()};
     const double started = picture.started;
-    picture.layers = state.budget.choose(moving, flat);
+    picture.layers = state.budget.choose(quick, flat);
+    picture.layers.boxes_only = distrusted || (moving && picture.layers.boxes_only);
     // The first picture of a size comes at once; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
     if (resized) {
@@ -79,10 +101,6 @@ void draw_view(int view, int width, int height, double seconds)
     }
     state.width = width;
     state.height = height;
-    if (is_distrusted(state))
-        picture.layers.boxes_only = true;
-    else
-        picture.scene = gather_scene();
     frame_begin(view, width, height, background_of(view), picture.layers.smoothing);
     if (flat)
         draw_orthographic_view(picture);
@@ -95,9 +113,9 @@ void draw_view(int view, int width, int height, double seconds)
         draw_3d_overlay(picture);
     draw_window_label(view);
     finish_layer(picture, draw_layer::rest);
-    if (moving)
+    if (quick)
         learn_smoothing(picture, seconds_until_drawn() - started);
-    state.partial = moving || resized;
+    state.partial = quick || resized;
     state.layers = picture.layers;
 }
 

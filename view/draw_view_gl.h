@@ -8,7 +8,13 @@
 #include <string>
 #include <vector>
 
-void draw_view(int view, int width, int height, double seconds);
+// While something moves, layers that do not fit the time are left out; also of a slow picture that
+// need not be `in_full` at once. `seconds` is now.
+void draw_view(int view, int width, int height, double seconds, bool in_full);
+
+// A picture of the background alone when the last picture of the view had another size, for drivers
+// that learn of a new size only while they show a picture. False: the size is the same.
+bool draw_view_blank(int view, int width, int height);
 
 // Whether the last picture of the view left something out, so that it is to be drawn again at rest.
 bool drawn_view_is_partial(int view);

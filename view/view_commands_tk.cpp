@@ -73,13 +73,13 @@ static void view_benchmark(int view, const char *how, int frames)
         return;
     const bool moving = std::strcmp(how, "moving") == 0;
     const int count = std::clamp(frames, 1, most_frames);
-    redraw_view(view); // uploads, and tells what each layer costs
+    views_tk_draw_in_full(view); // uploads, and tells what each layer costs
     const double started = ui_port().now_seconds();
     for (int frame = 0; frame < count; ++frame) {
         step_motion(view, frame);
         if (moving)
             view_note_motion(view, ui_port().now_seconds());
-        redraw_view(view);
+        views_tk_draw_in_full(view);
         glFinish();
     }
     command_result_appendf("%.2f {%s}", (ui_port().now_seconds() - started) * 1000.0 / count,

@@ -26,12 +26,14 @@
 
 namespace {
 
-// A little more than the end of a motion takes to be known. Software drivers learn of a window's
-// new size only after the first picture in it, which is therefore never the last.
+// A little more than the end of a motion takes to be known.
 constexpr int settle_msecs = 160;
 
+constexpr double never = 1e300;
+
 struct widgets_t {
-    Tcl_TimerToken settle[num_views] = {};
+    Tcl_TimerToken settle = nullptr;
+    double settle_at[num_views] = {never, never, never, never}; // when a view is drawn in full
     Tcl_TimerToken tick = nullptr;
     bool drawing[num_views] = {};
 };
@@ -57,33 +59,33 @@ int view_of(const Togl *togl)
 
 // ---- drawing ----
 
-void settle(ClientData data)
+void settle(ClientData);
+
+// A view that left something out is drawn in full when nothing has happened to it for a while.
+void draw_again(int view)
 {
-    const int view = static_cast<int>(reinterpret_cast<intptr_t>(data));
-    widgets.settle[view] = nullptr;
-    if (togl_of(view) != nullptr)
-        Togl_PostRedisplay(togl_of(view));
+    widgets.settle_at[view] = ui_port().now_seconds() + settle_msecs / 1000.0;
+    if (widgets.settle == nullptr)
+        widgets.settle = Tcl_CreateTimerHandler(settle_msecs, settle, nullptr);
 }
 
-void draw_again(int view, int msecs)
-{
-    if (widgets.settle[view] != nullptr)
-        Tcl_DeleteTimerHandler(widgets.settle[view]);
-    widgets.settle[view] = Tcl_CreateTimerHandler(
-        msecs, settle, reinterpret_cast<ClientData>(static_cast<intptr_t>(view)));
-}
-
-void draw_now(int view)
+void draw(int view, bool in_full)
 {
     Togl *togl = togl_of(view);
     if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
         return;
+    widgets.settle_at[view] = never;
     widgets.drawing[view] = true; // a box shown from inside lets events in
     Togl_MakeCurrent(togl);
     fault_t fault;
     const bool drawn = guarded_with_recovery(
         [&] {
-            draw_view(view, Togl_Width(togl), Togl_Height(togl), ui_port().now_seconds());
+            const int width = Togl_Width(togl);
+            const int height = Togl_Height(togl);
+            // Software drivers learn of a window's new size with the first picture in it.
+            if (draw_view_blank(view, width, height))
+                Togl_SwapBuffers(togl);
+            draw_view(view, width, height, ui_port().now_seconds(), in_full);
             Togl_SwapBuffers(togl);
         },
         &fault);
@@ -92,8 +94,22 @@ void draw_now(int view)
         draw_view_distrust(view);
         tell_main_fault(fault);
     } else if (drawn_view_is_partial(view)) {
-        draw_again(view, settle_msecs);
+        draw_again(view);
     }
+}
+
+// One view at a time: full pictures of a large model are slow, and events come between them.
+void settle(ClientData)
+{
+    const auto first = std::min_element(widgets.settle_at, widgets.settle_at + num_views);
+    if (*first <= ui_port().now_seconds())
+        draw(static_cast<int>(first - widgets.settle_at), true);
+    const double next = *std::min_element(widgets.settle_at, widgets.settle_at + num_views);
+    const double msecs = (next - ui_port().now_seconds()) * 1000;
+    widgets.settle =
+        next == never
+            ? nullptr
+            : Tcl_CreateTimerHandler(std::max(1, static_cast<int>(msecs) + 1), settle, nullptr);
 }
 
 // ---- continuous motion ----
@@ -267,7 +283,7 @@ void views_tk_fill_port(ui_port_t &port)
         else if (togl_of(view) != nullptr)
             Togl_PostRedisplay(togl_of(view));
     };
-    port.draw_now = draw_now;
+    port.draw_now = [](int view) { draw(view, false); };
     port.make_current = platform_make_window_current;
     port.read_pixels = views_tk_read_pixels;
     port.swap_buffers = [](int view) {
@@ -299,6 +315,8 @@ void views_tk_fill_port(ui_port_t &port)
     };
 }
 
+void views_tk_draw_in_full(int view) { draw(view, true); }
+
 bool views_tk_geometry(int view, int out[4])
 {
     const Tk_Window window = view == VIEW_MAIN ? Tk_MainWindow(bridge_interp()) : window_of(view);
@@ -318,7 +336,7 @@ bool views_tk_read_pixels(int view, int out_wh[2], std::vector<unsigned char> *r
     const int width = out_wh[0] = Togl_Width(togl);
     const int height = out_wh[1] = Togl_Height(togl);
     Togl_MakeCurrent(togl);
-    draw_view(view, width, height, ui_port().now_seconds());
+    draw_view(view, width, height, ui_port().now_seconds(), true);
     const size_t row = static_cast<size_t>(width) * 3;
     rgb->resize(row * static_cast<size_t>(height));
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -422,7 +440,7 @@ void redisplay(void *togl)
 {
     const int view = view_of(static_cast<Togl *>(togl));
     if (view != VIEW_NONE)
-        draw_now(view);
+        draw(view, false);
 }
 
 void expose(int view, void *x_event)

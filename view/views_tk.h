@@ -12,6 +12,9 @@ struct ui_port_t;
 // The port's view functions.
 void views_tk_fill_port(ui_port_t &port);
 
+// Draws a view with all its layers, unless it moves.
+void views_tk_draw_in_full(int view);
+
 // x, y, width, height of a drawing window or of the main window; false when there is none.
 bool views_tk_geometry(int view, int out[4]);
 

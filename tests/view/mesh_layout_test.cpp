@@ -182,4 +182,19 @@ TEST(DrawBudget, FlatViewsGiveUpTheFillAnd3DTheEdges)
     EXPECT_FALSE(budget.choose(true, false).boxes_only);
 }
 
+TEST(DrawBudget, GuessesTheCostOfASceneThatIsMuchLargerThanThoseItKnows)
+{
+    draw_budget budget;
+    budget.expect(1000);
+    EXPECT_LT(budget.full_cost(), slow_picture);
+    budget.expect(1e6);
+    EXPECT_GT(budget.full_cost(), slow_picture);
+    for (const draw_layer layer : {draw_layer::fill, draw_layer::edges, draw_layer::vertices}) {
+        for (int i = 0; i < 30; ++i)
+            budget.note(layer, 0.001); // a fast device
+    }
+    budget.expect(1.1e6); // what was measured counts
+    EXPECT_LT(budget.full_cost(), slow_picture);
+}
+
 } // namespace
