@@ -117,7 +117,7 @@ void command_uv_texture()
 
 void command_rotate_each(int, const char *const *words)
 {
-    rotate_each_with_undo(int_of(words[0]), static_cast<float>(double_of(words[1])));
+    rotate_each_with_undo(int_of(words[0]), finite_float_of(words[1]));
 }
 
 } // namespace

@@ -182,7 +182,7 @@ void command_uv_select_box(int, const char *const *words)
     const uv_state &state = uv_editor();
     float side[4];
     for (int i = 0; i < 4; ++i)
-        side[i] = static_cast<float>(double_of(words[i]));
+        side[i] = finite_float_of(words[i]);
     std::vector<char> inside;
     for (const flat_uv &p : state.mesh.at)
         inside.push_back(p.u >= std::min(side[0], side[2]) && p.u <= std::max(side[0], side[2]) &&

@@ -113,7 +113,7 @@ bool convert(char letter, const char *word, slot_t *slot)
         slot->number = int_of(word);
         return true;
     case 'f':
-        slot->real = static_cast<float>(double_of(word));
+        slot->real = finite_float_of(word);
         return true;
     case 's':
         slot->text = word;

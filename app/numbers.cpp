@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cfloat>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -172,6 +173,12 @@ double double_of(std::string_view text)
     double value = 0;
     scan_double(text.data(), text.data() + text.size(), &value);
     return value;
+}
+
+float finite_float_of(std::string_view text)
+{
+    const double value = double_of(text);
+    return std::fabs(value) <= FLT_MAX ? static_cast<float>(value) : 0.0f;
 }
 
 int int_of_any_base(std::string_view text)

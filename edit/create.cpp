@@ -248,7 +248,7 @@ void command_create(int, const char *const *words)
     }
     float c[6];
     for (int i = 0; i < 6; ++i) {
-        c[i] = static_cast<float>(double_of(words[2 + i]));
+        c[i] = finite_float_of(words[2 + i]);
     }
     object_t *object = kind->make(int_of(words[1]), {c[0], c[1], c[2]}, {c[3], c[4], c[5]});
     if (object == nullptr) {

@@ -8,6 +8,8 @@
 #include "model/change_marks.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -158,6 +160,43 @@ int entry_that_opened(const undo_record &record)
             return i;
     }
     return 0;
+}
+
+float largest(const point3_t &p)
+{
+    return std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
+}
+
+// How much the reversal enlarges what the change made smaller; infinite for a box without extent.
+float enlargement(const undo_record &record)
+{
+    if (record.kind == UNDO_SCALE)
+        return std::max(1.0f, largest(record.vector));
+    if (record.kind != UNDO_RESIZE)
+        return 1;
+    const auto extents = [](const point3_t(&box)[2]) {
+        return std::array{box[1].x - box[0].x, box[1].y - box[0].y, box[1].z - box[0].z};
+    };
+    const auto before = extents(record.old_box), after = extents(record.new_box);
+    float most = 1;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (before[i] != 0)
+            most = std::max(most, std::fabs(before[i] / after[i]));
+    }
+    return most;
+}
+
+// The largest number that the change and its reversal reckoned with, in terms of the result.
+float reach(const model_state &changed, const undo_record &record)
+{
+    float most = std::max(model_state_reach(changed), largest(record.centre));
+    if (record.kind == UNDO_MOVE)
+        most = std::max(most, largest(record.vector));
+    for (const point3_t &corner : record.old_box)
+        most = std::max(most, largest(corner));
+    for (const point3_t &corner : record.new_box)
+        most = std::max(most, largest(corner));
+    return most * enlargement(record);
 }
 
 // The result of an undo that leads to no earlier state stands before the state that was undone.
@@ -336,7 +375,13 @@ void journal_undone(const undo_record_ptr &record)
     }
     const bool alone = opened > 0 && opened == list.present &&
                        entry(opened).first_serial + 1 == entry(opened).last_serial;
-    if (alone && model_state_nearly_equal(*model_state_capture(), *entry(opened - 1).state)) {
+    const auto only_rounded = [&] {
+        const state_ptr now = model_state_capture();
+        const model_state &before = *entry(opened - 1).state;
+        return model_state_nearly_equal(*now, before) ||
+               model_state_nearly_equal(*now, before, reach(*entry(opened).state, *record));
+    };
+    if (alone && only_rounded()) {
         // What differs is rounding: the old numbers come back.
         model_state_restore(entry(opened - 1).state, restore_selection::no);
         list.present = opened - 1;

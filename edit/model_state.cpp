@@ -11,6 +11,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <mutex>
 
 namespace {
@@ -126,7 +127,7 @@ bool same_array(const flat_array<T> &a, const flat_array<T> &b)
             (a->empty() || std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0));
 }
 
-bool images_near(const object_image &a, const object_image &b);
+bool images_near(const object_image &a, const object_image &b, float slack = 0);
 
 // Whether an object that was marked as changed is as it was, to the bit: a drag was taken back.
 // `flat` is what `now` was made from.
@@ -141,7 +142,31 @@ bool is_unchanged(const object_image &now, const flat_mesh &flat, const object_i
            same_bits(now.record.centre, before.record.centre) && images_near(now, before);
 }
 
-std::shared_ptr<const std::vector<material_image>> palette_image_take()
+bool properties_equal(const std::vector<property_image> &a, const std::vector<property_image> &b)
+{
+    const auto same = [](const property_image &x, const property_image &y) {
+        return x.name == y.name && x.kind == y.kind && x.value == y.value;
+    };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
+}
+
+bool materials_equal(const material_image &a, const material_image &b)
+{
+    const auto same_bytes = [](const auto &x, const auto &y) {
+        return std::memcmp(&x, &y, sizeof x) == 0;
+    };
+    const material &x = a.values;
+    const material &y = b.values;
+    return same_bytes(x.diffuse, y.diffuse) && same_bytes(x.ambient, y.ambient) &&
+           same_bytes(x.emissive, y.emissive) && same_bytes(x.specular, y.specular) &&
+           same_bits(x.shininess, y.shininess) && same_bits(x.transparency, y.transparency) &&
+           x.extra_word == y.extra_word && a.name == b.name &&
+           properties_equal(a.properties, b.properties);
+}
+
+using palette_image = std::shared_ptr<const std::vector<material_image>>;
+
+palette_image palette_image_take()
 {
     auto image = std::make_shared<std::vector<material_image>>();
     for (int i = 0; i < vesk_get_num_palette(); ++i) {
@@ -206,6 +231,9 @@ public:
         }
         if (!old_ || known_.palette_count != palette_change_count()) {
             state->palette = palette_image_take();
+            if (old_ && std::equal(state->palette->begin(), state->palette->end(),
+                                   old_->palette->begin(), old_->palette->end(), materials_equal))
+                state->palette = old_->palette; // it was only suspected of having changed
         } else {
             state->palette = old_->palette;
         }
@@ -305,11 +333,12 @@ private:
 
 // ---- comparing ----
 
-bool near(float a, float b, float scale)
+// `slack` is what may be lost whatever the scale; when it is infinite, all of it.
+bool near(float a, float b, float scale, float slack)
 {
-    if (same_bits(a, b))
+    if (same_bits(a, b) || std::isinf(slack))
         return true;
-    return std::fabs(a - b) <= scale * 1e-5f; // false for no number
+    return std::fabs(a - b) <= std::max(scale * 1e-5f, slack); // false for no number
 }
 
 float largest(const std::vector<point3_t> &points)
@@ -320,14 +349,19 @@ float largest(const std::vector<point3_t> &points)
     return most;
 }
 
-bool positions_near(const std::vector<point3_t> &a, const std::vector<point3_t> &b)
+bool near(const point3_t &a, const point3_t &b, float scale, float slack)
+{
+    return near(a.x, b.x, scale, slack) && near(a.y, b.y, scale, slack) &&
+           near(a.z, b.z, scale, slack);
+}
+
+bool positions_near(const std::vector<point3_t> &a, const std::vector<point3_t> &b, float slack)
 {
     if (a.size() != b.size())
         return false;
     const float scale = std::max(largest(a), largest(b));
     for (std::size_t i = 0; i < a.size(); ++i) {
-        if (!near(a[i].x, b[i].x, scale) || !near(a[i].y, b[i].y, scale) ||
-            !near(a[i].z, b[i].z, scale))
+        if (!near(a[i], b[i], scale, slack))
             return false;
     }
     return true;
@@ -339,35 +373,27 @@ bool arrays_equal(const flat_array<T> &a, const flat_array<T> &b)
     return a == b || *a == *b;
 }
 
-bool geometry_near(const flat_mesh &a, const flat_mesh &b)
+bool geometry_near(const flat_mesh &a, const flat_mesh &b, float slack)
 {
     return arrays_equal(a.corner_offsets, b.corner_offsets) && arrays_equal(a.corners, b.corners) &&
            arrays_equal(a.surfaces, b.surfaces) &&
            arrays_equal(a.texture_coords, b.texture_coords) &&
-           (a.positions == b.positions || positions_near(*a.positions, *b.positions));
+           (a.positions == b.positions || positions_near(*a.positions, *b.positions, slack));
 }
 
-bool properties_equal(const std::vector<property_image> &a, const std::vector<property_image> &b)
-{
-    const auto same = [](const property_image &x, const property_image &y) {
-        return x.name == y.name && x.kind == y.kind && x.value == y.value;
-    };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
-}
-
-bool frames_near(const object_t &a, const object_t &b)
+bool frames_near(const object_t &a, const object_t &b, float slack)
 {
     for (int i = 0; i < 9; ++i) {
-        if (!near(a.rotation[i], b.rotation[i], 1))
+        if (!near(a.rotation[i], b.rotation[i], 1, 0))
             return false;
     }
     const point3_t &p = a.centre;
     const point3_t &q = b.centre;
     const float scale = std::max(largest({p, q}), 1.0f);
-    return near(p.x, q.x, scale) && near(p.y, q.y, scale) && near(p.z, q.z, scale);
+    return near(p, q, scale, slack);
 }
 
-bool images_near(const object_image &a, const object_image &b)
+bool images_near(const object_image &a, const object_image &b, float slack)
 {
     const object_t &r = a.record;
     const object_t &s = b.record;
@@ -376,8 +402,8 @@ bool images_near(const object_image &a, const object_image &b)
            r.visible == s.visible && r.locked == s.locked && r.has_texture == s.has_texture &&
            r.texture == s.texture && r.texture_repeat_x == s.texture_repeat_x &&
            r.texture_repeat_y == s.texture_repeat_y && r.texture_offset_x == s.texture_offset_x &&
-           r.texture_offset_y == s.texture_offset_y && frames_near(r, s) &&
-           geometry_near(a.geometry, b.geometry);
+           r.texture_offset_y == s.texture_offset_y && frames_near(r, s, slack) &&
+           geometry_near(a.geometry, b.geometry, slack);
 }
 
 } // namespace
@@ -432,8 +458,27 @@ state_ptr model_state_capture()
     return known.state;
 }
 
-bool model_state_nearly_equal(const model_state &a, const model_state &b)
+float model_state_reach(const model_state &state)
 {
+    float reach = 0;
+    const auto look = [&](const point3_t &p) {
+        for (const float c : {p.x, p.y, p.z})
+            reach = std::isfinite(c) ? std::max(reach, std::fabs(c))
+                                     : std::numeric_limits<float>::infinity();
+    };
+    for (const auto &block : state.blocks) {
+        for (const state_entry &entry : *block) {
+            look(entry.image->record.centre);
+            std::for_each(entry.image->geometry.positions->begin(),
+                          entry.image->geometry.positions->end(), look);
+        }
+    }
+    return reach;
+}
+
+bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach)
+{
+    const float slack = reach * 1e-6f;
     if (a.num_objects != b.num_objects)
         return false;
     for (std::size_t block = 0; block < a.blocks.size(); ++block) {
@@ -442,7 +487,8 @@ bool model_state_nearly_equal(const model_state &a, const model_state &b)
         for (std::size_t i = 0; i < a.blocks[block]->size(); ++i) {
             const state_entry &x = (*a.blocks[block])[i];
             const state_entry &y = (*b.blocks[block])[i];
-            if (x.parent != y.parent || (x.image != y.image && !images_near(*x.image, *y.image)))
+            if (x.parent != y.parent ||
+                (x.image != y.image && !images_near(*x.image, *y.image, slack)))
                 return false;
         }
     }

@@ -94,7 +94,10 @@ enum class restore_selection { no, yes };
 void model_state_restore(const state_ptr &state, restore_selection selection);
 
 // True when both have the same objects, lists and texts, and all numbers agree but for rounding.
-bool model_state_nearly_equal(const model_state &a, const model_state &b);
+// `reach` is the largest coordinate that was in between: what lay there was rounded to its steps.
+bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach = 0);
+// The largest coordinate; infinite when one is no number.
+float model_state_reach(const model_state &state);
 
 // Bytes of the arrays that images hold, each counted once however many share it.
 std::size_t model_state_bytes();

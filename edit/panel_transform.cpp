@@ -42,6 +42,19 @@ bool something_selected(const char *what)
     return false;
 }
 
+// A light alone has no box to turn or to mirror in.
+bool something_with_box(const char *what)
+{
+    if (!something_selected(what)) {
+        return false;
+    }
+    if (selection().box_valid != 0) {
+        return true;
+    }
+    display_message("%s - nothing selected that has points", what);
+    return false;
+}
+
 drag_change_t change_to(const running_t &now, const point3_t &p)
 {
     drag_change_t change;
@@ -101,7 +114,7 @@ void panel_transform_begin(const char *kind)
         if (std::strcmp(kind, kind_names[code]) != 0) {
             continue;
         }
-        if (!something_selected(kind)) {
+        if (code == MOVING ? !something_selected(kind) : !something_with_box(kind)) {
             return;
         }
         const selection_t &all = selection();
@@ -171,7 +184,12 @@ void move_with_undo(float x, float y, float z)
     }
 }
 
-void rotate_with_undo(float rx, float ry, float rz) { turn({rx, ry, rz}, selection().box_centre); }
+void rotate_with_undo(float rx, float ry, float rz)
+{
+    if (something_with_box("rotate")) {
+        turn({rx, ry, rz}, selection().box_centre);
+    }
+}
 
 void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, float z)
 {
@@ -180,16 +198,26 @@ void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, floa
 
 void rotate_axis_angle_with_undo(float axis, float degrees)
 {
+    if (!(axis > -1 && axis < 3)) {
+        display_message("rotate - no axis %g", static_cast<double>(axis));
+        return;
+    }
+    if (!something_with_box("rotate")) {
+        return;
+    }
     // The axis is truncated, as the plain command does.
     turn({axis > -1 && axis < 1 ? degrees : 0, axis >= 1 && axis < 2 ? degrees : 0,
-          axis >= 2 && axis < 3 ? degrees : 0},
+          axis >= 2 ? degrees : 0},
          selection().box_centre);
 }
 
 void rotate_each_with_undo(int view, float degrees)
 {
-    if (!something_selected("rotate") || degrees == 0 || !std::isfinite(degrees) ||
-        view < VIEW_XY || view > VIEW_XZ) {
+    if (view < VIEW_XY || view > VIEW_XZ) {
+        display_message("rotate - there is no flat view %d", view);
+        return;
+    }
+    if (!something_selected("rotate") || degrees == 0) {
         return;
     }
     drag_change_t change;
@@ -203,7 +231,7 @@ void rotate_each_with_undo(int view, float degrees)
 
 void resize_with_undo(float min_x, float min_y, float min_z, float max_x, float max_y, float max_z)
 {
-    if (!something_selected("resize")) {
+    if (!something_with_box("resize")) {
         return;
     }
     drag_change_t change;
@@ -218,7 +246,11 @@ void resize_with_undo(float min_x, float min_y, float min_z, float max_x, float 
 // Mirrored once more it is as before: the record of a scaling by -1 does that.
 void mirror_with_undo(int axis)
 {
-    if (!something_selected("mirror")) {
+    if (!something_with_box("mirror")) {
+        return;
+    }
+    if (axis < 0 || axis > 2) {
+        display_message("mirror - no axis %d", axis);
         return;
     }
     new_undo(UNDO_SCALE, "mirror");

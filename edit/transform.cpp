@@ -99,6 +99,19 @@ point3_t rotation_centre()
             a.z + std::fabs((b.z - a.z) / 2)};
 }
 
+// Whether all numbers of the scaled box are numbers.
+bool fits_when_scaled(const point3_t &factors)
+{
+    const selection_t &all = selection();
+    const auto fits = [](float low, float high, float factor) {
+        const float extent = (high - low) * factor;
+        return std::isfinite(extent) && std::isfinite(low + extent) && std::isfinite(high + extent);
+    };
+    return fits(all.box_min.x, all.box_max.x, factors.x) &&
+           fits(all.box_min.y, all.box_max.y, factors.y) &&
+           fits(all.box_min.z, all.box_max.z, factors.z);
+}
+
 void finish_rotation()
 {
     selected_calc_normals();
@@ -255,6 +268,8 @@ void find_box_centre(const point3_t *a, const point3_t *b, point3_t *out)
 void scale_selection(float sx, float sy, float sz)
 {
     const selection_t &all = selection();
+    if (all.box_valid == 0)
+        return;
     point3_t centre;
     find_box_centre(&all.box_min, &all.box_max, &centre);
     const point3_t back = negated(centre);
@@ -320,6 +335,10 @@ void selected_scale(float sx, float sy, float sz)
 {
     if (selection().box_valid == 0)
         return;
+    if (!fits_when_scaled({sx, sy, sz})) {
+        display_message("scale - the result would be too large");
+        return;
+    }
     new_undo(UNDO_SCALE, "size selection");
     const auto reciprocal = [](float s) { return s == 0.0f ? 1.0f : 1.0f / s; };
     set_undo_vert(reciprocal(sx), reciprocal(sy), reciprocal(sz));

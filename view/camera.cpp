@@ -4,6 +4,7 @@
 #include "app/command_result.h"
 #include "app/messages_internal.h"
 #include "app/prefs.h"
+#include "app/progress.h"
 #include "app/ui_port.h"
 #include "view/camera_internal.h"
 #include "view/redraw.h"
@@ -17,6 +18,11 @@
 namespace {
 
 constexpr float radians_per_degree = 0.017453293f;
+
+bool is_finite(const point3_t &p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
 
 Person_t initial_person()
 {
@@ -349,7 +355,8 @@ void person_set_loc_dir_string(const char *text)
     point3_t location;
     point3_t direction;
     if (std::sscanf(text, "%f %f %f  %f %f %f", &location.x, &location.y, &location.z, &direction.x,
-                    &direction.y, &direction.z) != 6) {
+                    &direction.y, &direction.z) != 6 ||
+        !is_finite(location) || !is_finite(direction)) {
         debugf("invalid loc_dir string in person_set_loc_dir_string (got '%s', want 6 floats)\n",
                text);
         return;
@@ -360,6 +367,8 @@ void person_set_loc_dir_string(const char *text)
 }
 
 namespace {
+
+constexpr int most_flight_steps = 100000; // an hour at 30 pictures a second
 
 struct flight_t {
     point3_t increment;
@@ -407,6 +416,7 @@ void person_flyto(int steps, float x, float y, float z, float dx, float dy, floa
 {
     if (steps < 1)
         return;
+    steps = std::min(steps, most_flight_steps);
     const Person_t &person = *get_person();
     const float n = static_cast<float>(steps) + 1.0f;
     flight_t flight = {};
@@ -418,7 +428,8 @@ void person_flyto(int steps, float x, float y, float z, float dx, float dy, floa
     const float dot = flight.from.x * dx + flight.from.y * dy + flight.from.z * dz;
     if (std::isnan(std::acos(dot)))
         return;
-    while (flight.counter <= steps)
+    progress_t progress(steps);
+    while (flight.counter <= steps && progress.look(flight.counter))
         flight_step(flight);
     redraw_3d();
 }

@@ -94,7 +94,7 @@ VESK_API const char *person_get_loc_dir_string(void);
 VESK_API void person_set_loc_dir_string(const char *text);
 
 /* Moves and turns the viewer in `steps` steps, drawing each; returns when it is there. The location
-   stops one increment short. Below 1 step nothing happens. */
+   stops one increment short. Below 1 step nothing happens; above 100000 there are so many. "cancel" stops it where it is. */
 VESK_API void person_flyto(int steps, float x, float y, float z, float dx, float dy, float dz);
 
 /* Perspective (1) or parallel (0) projection of the 3D view. Command "do_perspective". */

@@ -55,6 +55,25 @@ TEST_F(Journal, HasAStateForEveryCommandThatChangesTheModel)
               R"(0\ start\ 0\ 0 1\ move\ 0\ 0 2\ selection\ 0\ 0 3\ new\\\ cube\ 1\ 0)");
 }
 
+TEST_F(Journal, UndoGivesBackWhatAFarPlaceRoundedAway)
+{
+    const std::string before = scene_text();
+    const std::vector<std::vector<std::string>> calls = {
+        {"move_to", "1e20", "0", "0"},
+        {"move_with_undo", "3e9", "-1e30", "0"},
+        {"rotate_about_with_undo", "0", "30", "0", "1e12", "0", "0"},
+        {"size_to", "1e30", "1", "1"},
+        {"scale", "1e-40", "1", "1"},
+    };
+    for (const std::vector<std::string> &call : calls) {
+        run("select_all");
+        run_words(call);
+        ASSERT_NE(scene_text(), before) << call[0];
+        run("undo");
+        EXPECT_EQ(scene_text(), before) << call[0];
+    }
+}
+
 TEST_F(Journal, GoesWhereItIsTold)
 {
     run("select_all");

@@ -11,6 +11,7 @@ target_sources(vesk_tests PRIVATE
     edit/mesh_change_test.cpp
     edit/primitives_test.cpp
     edit/model_check_test.cpp
+    edit/panel_transform_test.cpp
     edit/pieces_test.cpp
     edit/object_properties_test.cpp
     edit/revolve_test.cpp

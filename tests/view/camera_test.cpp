@@ -120,6 +120,10 @@ TEST_F(Camera, AFlightTurnsWhollyAndStopsOneIncrementShort)
     expect_point(get_person()->direction, 1, 0, 0);
     run("viewer_flyto", 0, 9, 9, 9, 0, 0, 1);
     expect_point(get_person()->location, 2, 0, 0);
+    run("viewer_flyto", 2147483647, 4, 0, 0, 0, 0, -1); // ends
+    EXPECT_NEAR(get_person()->location.x, 4, 0.01f);
+    run("person_set_loc_dir", "1 nan 0 0 0 -1");
+    EXPECT_NEAR(get_person()->location.x, 4, 0.01f);
 }
 
 TEST_F(Camera, AWalkingViewerStepsBackFromTheSelection)
