@@ -6,6 +6,7 @@
 #include "app/file_report.h"
 #include "fileio/foreign_scene.h"
 #include "plugin/exporters.h"
+#include "view/textures.h"
 
 #include <string>
 
@@ -90,6 +91,17 @@ void command_get_exporters()
     }
 }
 
+void command_get_texture_loaders()
+{
+    command_result_set("");
+    for (const listitem *at = texture_loaders(); at != nullptr; at = at->next) {
+        const auto *loader = reinterpret_cast<const texture_loader_t *>(at->data);
+        const std::string words =
+            list_element(loader->suffixes) + " " + list_element(loader->description);
+        command_result_append_element(std::string_view(words));
+    }
+}
+
 } // namespace
 
 void register_file_commands()
@@ -99,6 +111,8 @@ void register_file_commands()
                     "write the scene by the file's suffix, returns 1 or 0"),
         command_row("get_exporters", command_get_exporters, nullptr,
                     "returns suffix and description of each exporter"),
+        command_row("get_texture_loaders", command_get_texture_loaders, nullptr,
+                    "returns suffixes and description of each texture loader"),
         command_row("import_report", command_import_report, nullptr,
                     "returns keys and values: what the last import read and complained about"),
         command_row("report_json", command_report_json, nullptr,

@@ -260,7 +260,7 @@ const command_kind_row_t kinds[] = {
     {"autosave", query}, {"recovery_list", query}, {"recovery_drop", view},
     {"set_backup_versions", view}, {"prefs_rows", query}, {"axis_colours", view},
     {"plugins_skip", view}, {"material_counts", query}, {"material_select", view},
-    {"uv_outlines", query}, {"uv_texture", query}, {"picture_photo", query}, {"measure", query}, {"measure_points", view}, {"get_measures", query}, {"set_view_tool", view},
+    {"uv_outlines", query}, {"uv_texture", query}, {"picture_photo", query}, {"measure", query}, {"get_texture_loaders", query}, {"measure_points", view}, {"get_measures", query}, {"set_view_tool", view},
     {"uv_info", query}, {"uv_islands", query}, {"uv_stretch", query}, {"uv_overlaps", query},
     {"uv_keep", view}, {"uv_tool", view}, {"uv_option", view}, {"uv_view_fit", view},
     {"uv_view_zoom", view}, {"uv_key", view}, {"uv_view_save_picture", query},

@@ -65,8 +65,8 @@ proc ::vesk::prefs::page {name groups} {
         {handles_hollow "Hollow handles" "Handles as outlines."}
         {bb_line_width "Width of the selection box" "Pixels." {slider 0.5 5}}
         {gl_concave "Fill concave surfaces rightly" "Divides surfaces that are not convex before they are filled."}
-        {doublebuffer_orth "Double buffered flat views" "Draws without flicker; at the next start."}
-        {share_opengl_contexts "Views share what is uploaded" "They always do in this version; told to scripts."}
+        {doublebuffer_orth "Double buffered flat views" "The flat views draw without flicker; the 3D view always does. At the next start."}
+        {share_opengl_contexts "Views share what is uploaded" "Textures and buffers are uploaded once for all views, which needs sharing: it stays on. The value is kept for scripts."}
         {independent_scaling "Flat views zoom apart" "Each flat view keeps its own scale."}
         {show_window_labels "View labels" "Names the views."}
         {window_label_xy "Name of the front view" "The label in the view."}
@@ -242,7 +242,7 @@ proc ::vesk::prefs::page {name groups} {
     }
     "Rendering and animation" {
         {render_command "Render command" "The script that Tools > Render runs." lines}
-        {sgi_anim_frames "Frames of a turn" "Told to scripts and plug-ins that write pictures of one turn of the scene."}
+        {sgi_anim_frames "Frames of a turn" "Kept for scripts and plug-ins that write pictures of one turn of the scene; the program itself writes none."}
     }
 }
 ::vesk::prefs::page Keys {}
@@ -262,7 +262,7 @@ proc ::vesk::prefs::page {name groups} {
 }
 ::vesk::prefs::page Plug-ins {
     Folder {
-        {plugin_dir "Plug-in folder" "Told to scripts and plug-ins; the program itself loads those of its home folder." folder}
+        {plugin_dir "Plug-in folder" "Kept for scripts; the program itself loads the plug-ins of its home folder." folder}
     }
 }
 ::vesk::prefs::page Advanced {

@@ -5,7 +5,7 @@
 namespace eval ::vesk::plugins {
     variable parted {}          ;# menus that already have the line above the plug-ins' items
     variable loading ""         ;# path of the plug-in that registers itself now
-    variable before {}          ;# {commands importers} before it
+    variable before {}          ;# heading -> names that were there before it
     variable gave {}            ;# path -> {heading items ...}
 }
 set ::plugin_loading ""
@@ -19,20 +19,30 @@ proc ::vesk::plugins::noted {args} {
     variable gave
     if {$::plugin_loading ne ""} {
         set loading $::plugin_loading
-        set before [list [::vesk::console::command_names] [importers]]
+        set before [registered]
         dict set gave $loading {Menus {}}
         return
     }
     if {$loading eq ""} {return}
-    foreach what {Commands Reads} old $before new [list [::vesk::console::command_names] [importers]] {
-        foreach name $old {set known($what,$name) 1}
+    dict for {what names} [registered] {
+        foreach name [dict get $before $what] {set known($what,$name) 1}
         dict set gave $loading $what \
-            [lmap name $new {if {[info exists known($what,$name)]} continue; set name}]
+            [lmap name $names {if {[info exists known($what,$name)]} continue; set name}]
     }
     set loading ""
 }
-proc ::vesk::plugins::importers {} {
-    return [split [string trim [vesk get_importer_info]] \n]
+
+# registered --
+#   What plug-ins can add, as it is now: heading -> names.
+proc ::vesk::plugins::registered {} {
+    set described {{rows} {lmap row $rows {
+        lassign $row suffixes text
+        expr {$text in {"" -} ? $suffixes : "$suffixes ($text)"}
+    }}}
+    return [dict create Reads [split [string trim [vesk get_importer_info]] \n] \
+        Writes [apply $described [vesk get_exporters]] \
+        "Texture files" [apply $described [vesk get_texture_loaders]] \
+        Commands [::vesk::console::command_names]]
 }
 
 # added --

@@ -232,8 +232,16 @@ proc show_field {key} {
     ::test::check "changed keys are kept" {[::vesk::keys::key_of view.move] eq "Q"}
     ::vesk::keys::use standard
 
+    vesk plugin_load [file join $::VESK_HOME plugins images.p]
     ::test::key ctrl+comma
     page Plug-ins
+    set list $::vesk::plugmanager::page.list
+    $list selection set [list [lindex [vesk get_plugin_list] 0]]
+    ::test::pause 200
+    set told [$::vesk::plugmanager::page.text get 1.0 end]
+    ::test::check "what a plug-in added is told: texture files" {
+        [string match "*Texture files\n*.png (PNG files)*.tga (Targa files)*" $told]
+    }
     ::test::check "the plug-ins of the home folder are listed" {
         [llength [$::vesk::plugmanager::page.list children {}]] >= 1
     }
