@@ -23,7 +23,7 @@ namespace eval ::vesk::help {
         "3D view" {
             "Space" "view back to where it starts"
             "1  2" "spin the model, walk through the scene"
-            "Arrows" "turn the model, or walk and turn; Control and Alt: zoom, look, sidestep"
+            "Arrows" "turn the model, or walk; Control, Alt: zoom, look, sidestep"
             "F" "turn about the selection"
             "G  L  T  N" "ground grid, headlight, textures, normals on and off"
             "W" "filled or wireframe"

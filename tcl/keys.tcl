@@ -306,7 +306,7 @@ proc ::vesk::keys::pressed {view text keysym state} {
     if {![dict exists $in_views $key]} {return 0}
     lassign [dict get $in_views $key] kind what more
     switch -- $kind {
-        native {vesk keypress $view $what $more}
+        native {::vesk::view::press $view $what $more}
         tool   {::vesk::tools::choose $what}
         row    {try {::vesk::menus::key [focus] $what} on break {} {}}
     }

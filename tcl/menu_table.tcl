@@ -164,7 +164,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Hide" {hide_selected} H some "Hides the selected objects."}
     {run "Hide &others" {hide_unselected} "" some "Hides everything that is not selected."}
     {run "&Show all" {unhide} "" hidden "Shows everything again."}
-    {run "&Lock" {lock_selected} L some "Keeps the selected objects from being picked."}
+    {run "&Lock" {lock_selected} "" some "Keeps the selected objects from being picked."}
     {run "Loc&k others" {lock_unselected} "" some "Locks everything that is not selected."}
     {run "U&nlock all" {unlock} "" locked "Unlocks everything."}
     {line}

@@ -536,7 +536,11 @@ proc ::vesk::palette::swatch_at {x y} {
     variable columns
     set step [swatch_step]
     set column [expr {$x / $step}]
-    if {$column < $columns} {select [expr {$y / $step * $columns + $column}]}
+    set index [expr {$y / $step * $columns + $column}]
+    if {$column >= $columns || $index >= [llength [vesk get_palette]]} {return}
+    select $index
+    # A click gives the selection the material, as Return does.
+    if {[lindex [vesk get_counts] 2] > 0} {apply_current}
 }
 
 # ---- what the executable calls ----

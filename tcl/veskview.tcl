@@ -316,6 +316,12 @@ proc ::vesk::view::key {id text keysym state} {
     } else {
         set key $keysym
     }
+    press $id $key $state
+}
+
+# press --
+#   A key of the executable's own, echoed.
+proc ::vesk::view::press {id key state} {
     # An unprintable character is echoed as its escape.
     if {[regexp {^[[:cntrl:]]$} $key]} {
         scan $key %c code
