@@ -125,6 +125,7 @@ proc ::vesk::filebox::build {w title} {
     bind $w.list <Return> [list ::vesk::filebox::accept $w]
     bind $w.list <BackSpace> [list ::vesk::filebox::up $w]
     bind $w.places <<TreeviewSelect>> [list ::vesk::filebox::place_chosen $w]
+    foreach list [list $w.list $w.places] {::vesk::icons::follow_selection $list}
     bind $w.line.name <Return> [list ::vesk::filebox::accept $w]
     bind $w.line.name <Down> [list ::vesk::filebox::to_list $w]
     bind $w.top.folder <Return> [list ::vesk::filebox::go $w]

@@ -85,6 +85,28 @@ proc ::vesk::icons::get {name {variant normal}} {
     return $image
 }
 
+# follow_selection --
+#   Has the icons of a list's selected rows show on the selection's colour.
+proc ::vesk::icons::follow_selection {list} {
+    bind $list <<TreeviewSelect>> {+::vesk::icons::swap_selected %W}
+    bind $list <Destroy> {+unset -nocomplain ::vesk::icons::swapped(%W)}
+}
+proc ::vesk::icons::swap_selected {list} {
+    variable swapped
+    if {![info exists swapped($list)]} {set swapped($list) {}}
+    foreach {row image} $swapped($list) {
+        if {[$list exists $row]} {$list item $row -image $image}
+    }
+    set swapped($list) {}
+    foreach row [$list selection] {
+        set image [lindex [$list item $row -image] 0]
+        if {[regexp {^::vesk::icons::([\w-]+)-(dim|normal)$} $image -> name variant]} {
+            lappend swapped($list) $row $image
+            $list item $row -image [get $name active]
+        }
+    }
+}
+
 # element --
 #   The image of a frame in one theme; these are never refilled, for a ttk theme keeps its elements.
 proc ::vesk::icons::element {theme_name name} {

@@ -58,6 +58,7 @@ proc ::vesk::issues::build {tab} {
     grid columnconfigure $tab 0 -weight 1
     grid rowconfigure $tab 0 -weight 1
     bind $list <<TreeviewSelect>> ::vesk::issues::chosen
+    ::vesk::icons::follow_selection $list
     bind $list <<TreeviewOpen>> {::vesk::issues::unfold [%W focus]}
     bind $list <Button-3> {::vesk::issues::context %x %y %X %Y}
     bind $list <Key-Menu> ::vesk::issues::context_of_focus

@@ -42,6 +42,7 @@ proc ::vesk::plugmanager::build_page {body line} {
     grid $page.all - -sticky w -pady [::vesk::theme::pad 12 0]
     grid columnconfigure $page 0 -weight 1
     bind $list <<TreeviewSelect>> ::vesk::plugmanager::chosen
+    ::vesk::icons::follow_selection $list
     fill
 }
 

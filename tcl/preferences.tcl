@@ -172,7 +172,7 @@ proc ::vesk::preferences::build_left {path} {
     ttk::label $search.hint -style Field.Dim.TLabel -text "Search all settings"
     pack $search.icon -side left
     pack $search.value -side left -fill x -expand 1 -padx [::vesk::theme::pad 5 0]
-    place $search.hint -in $search.value -x 0 -rely 0.5 -anchor w
+    place $search.hint -in $search.value -x [::vesk::theme::px 3] -relheight 1
     bind $search.hint <Button-1> [list focus $search.value]
     bind $search.value <FocusIn> [list $search state focus]
     bind $search.value <FocusOut> [list $search state !focus]
@@ -229,7 +229,7 @@ proc ::vesk::preferences::typed_query {args} {
     variable query
     if {![winfo exists $w.left.search]} {return}
     if {$query eq ""} {
-        place $w.left.search.hint -in $w.left.search.value -x 0 -rely 0.5 -anchor w
+        place $w.left.search.hint -in $w.left.search.value -x [::vesk::theme::px 3] -relheight 1
     } else {
         place forget $w.left.search.hint
     }

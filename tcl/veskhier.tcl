@@ -65,7 +65,7 @@ proc ::vesk::hier::build_filter {path} {
     ttk::label $path.hint -style Field.Dim.TLabel -text Filter
     pack $path.icon -side left
     pack $path.value -side left -fill x -expand 1 -padx [::vesk::theme::pad 5 0]
-    place $path.hint -in $path.value -x 0 -rely 0.5 -anchor w
+    place $path.hint -in $path.value -x [::vesk::theme::px 3] -relheight 1
     bind $path.hint <Button-1> [list focus $path.value]
     bind $path.value <FocusIn> [list $path state focus]
     bind $path.value <FocusOut> [list $path state !focus]
@@ -79,7 +79,7 @@ proc ::vesk::hier::filter_changed {args} {
     variable filter
     variable filter_timer
     if {$filter eq ""} {
-        place $path.head.filter.hint -in $path.head.filter.value -x 0 -rely 0.5 -anchor w
+        place $path.head.filter.hint -in $path.head.filter.value -x [::vesk::theme::px 3] -relheight 1
     } else {
         place forget $path.head.filter.hint
     }
