@@ -4,7 +4,7 @@
 #include "app/command_result.h"
 #include "app/command_row.h"
 #include "app/file_report.h"
-#include "fileio/foreign_scene.h"
+#include "fileio/embedded_images.h"
 #include "plugin/exporters.h"
 #include "view/textures.h"
 
@@ -73,7 +73,7 @@ void command_import_report()
 
 void command_report_json() { command_result_set(file_report_json(last_file_report()).c_str()); }
 
-void command_set_images_folder(const char *folder) { foreign_images_folder(folder); }
+void command_set_images_folder(const char *folder) { embedded_images_set_folder(folder); }
 
 void command_export_model(const char *filename)
 {

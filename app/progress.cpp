@@ -5,11 +5,20 @@
 #include "app/ui_port.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 constexpr double pump_interval = 0.1; // seconds
 constexpr double show_after = 0.3;
 constexpr int calls_between_looks = 64;
+constexpr double parts_between_looks = 1.0 / 128; // of the whole
+
+// A plug-in's.
+std::unique_ptr<progress_t> &current_work()
+{
+    static std::unique_ptr<progress_t> work;
+    return work;
+}
 } // namespace
 
 progress_t::progress_t(double work)
@@ -29,13 +38,16 @@ bool progress_t::step(double done)
 {
     if (was_cancelled)
         return false;
-    return ++calls % calls_between_looks != 0 || look(done);
+    if (++calls % calls_between_looks != 0 && done - last_done < total * parts_between_looks)
+        return true;
+    return look(done);
 }
 
 bool progress_t::look(double done)
 {
     if (was_cancelled)
         return false;
+    last_done = done;
     const double now = ui_port().now_seconds();
     if (now - last_pump < pump_interval)
         return true;
@@ -50,3 +62,16 @@ bool progress_t::look(double done)
 }
 
 void progress_cancel() { session().cancel_requested = true; }
+
+void vesk_progress_begin(double total)
+{
+    vesk_progress_end();
+    current_work() = std::make_unique<progress_t>(total);
+}
+
+int vesk_progress_step(double done)
+{
+    return current_work() != nullptr && current_work()->step(done) ? 1 : 0;
+}
+
+void vesk_progress_end(void) { current_work().reset(); }

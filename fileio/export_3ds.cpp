@@ -4,6 +4,7 @@
 #include "app/filename.h"
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "app/progress.h"
 #include "fileio/atomic_file.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
@@ -93,14 +94,18 @@ struct mesh_t {
 
 class writer {
 public:
+    explicit writer(double surfaces) : progress_(surfaces) {}
+
     void add(object_t *object)
     {
         const flat_ptr flat = object_flat(object);
         mesh_t mesh;
-        for (int surface = 0; surface < flat->num_surfaces(); ++surface)
+        for (int surface = 0; surface < flat->num_surfaces() && progress_.step(++done_); ++surface)
             add_surface(*flat, surface, object, mesh);
         finish(object, mesh);
     }
+
+    [[nodiscard]] bool cancelled() const { return progress_.cancelled(); }
 
     [[nodiscard]] std::string file() const
     {
@@ -247,6 +252,8 @@ private:
         return name;
     }
 
+    progress_t progress_;
+    double done_ = 0;
     std::string materials_, objects_, nodes_;
     std::set<std::string> names_;
     std::map<std::tuple<int, int, float, float, float, float, std::uint8_t>, std::string>
@@ -262,8 +269,15 @@ int write_3ds(const char *filename)
 {
     const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
-    writer scene;
+    double surfaces = 0;
+    for_each_object(vesk_get_world(),
+                    [&](const object_t *object) { surfaces += object->num_surfaces; });
+    writer scene(surfaces);
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
+    if (scene.cancelled()) {
+        display_message("write 3DS - cancelled");
+        return 0;
+    }
     if (!atomic_file_write(name.c_str(), scene.file())) {
         tell_cannot_write(name.c_str());
         return 0;

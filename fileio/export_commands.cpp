@@ -128,7 +128,7 @@ public:
             format_.begin(out_);
         lights();
         const bool complete = objects();
-        if (format_.end != nullptr)
+        if (complete && format_.end != nullptr)
             format_.end(out_);
         return complete;
     }
@@ -157,12 +157,15 @@ private:
     bool objects()
     {
         const std::vector<node_t> nodes = nodes_of_world(format_);
-        progress_t progress(static_cast<double>(nodes.size()));
+        progress_t progress(work_of(nodes));
+        out_.work = &progress;
         std::vector<int> open;
         for (size_t i = 0; i < nodes.size(); ++i) {
-            if (!progress.step(static_cast<double>(i)))
-                return false;
             const node_t &node = nodes[i];
+            out_.done = out_.next;
+            out_.next += work_of(node);
+            if (!progress.step(out_.done))
+                return false;
             // Lights were written as such; what they hold besides is an object like others.
             if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
                 continue;
@@ -175,7 +178,20 @@ private:
             }
         }
         close_until(nodes, &open, -1);
-        return true;
+        out_.work = nullptr;
+        return !progress.cancelled();
+    }
+
+    static double work_of(const node_t &node)
+    {
+        return 1.0 + node.object->num_vertices + node.object->num_surfaces;
+    }
+    static double work_of(const std::vector<node_t> &nodes)
+    {
+        double sum = 0;
+        for (const node_t &node : nodes)
+            sum += work_of(node);
+        return sum;
     }
 
     void close_until(const std::vector<node_t> &nodes, std::vector<int> *open, int parent)

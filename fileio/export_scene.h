@@ -6,6 +6,7 @@
 // of small functions that append text.
 
 #include "app/numbers.h"
+#include "app/progress.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"
 
@@ -13,20 +14,31 @@
 #include <string>
 
 // Text that grows. Numbers are written as "%g" writes them; what is not finite becomes 0, which
-// every format can read.
+// every format can read. With `work` set the bar moves while text is added, and nothing more is added
+// once the user cancelled.
 class export_text {
 public:
     std::string text;
     float scene_size = 1; // largest side of the scene's box, above 0
     int lights = 0;       // written by now
+    progress_t *work = nullptr;
+    double done = 0, next = 0; // of the work: before and after the object at hand
 
     template <class... A>
     void add(const A &...parts)
     {
-        (put(parts), ...);
+        if (work == nullptr || going()) [[likely]]
+            (put(parts), ...);
     }
 
 private:
+    // The size of an object's text is not known before: the bar goes part of the rest each time.
+    bool going()
+    {
+        done += (next - done) / 65536;
+        return work->step(done);
+    }
+
     void put(const char *words) { text += words; }
     void put(const std::string &words) { text += words; }
     void put(char sign) { text += sign; }

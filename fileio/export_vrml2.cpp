@@ -4,6 +4,7 @@
 #include "app/messages_internal.h"
 #include "app/numbers.h"
 #include "app/prefs.h"
+#include "app/progress.h"
 #include "fileio/atomic_file.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
@@ -84,9 +85,18 @@ const material &material_at(int index)
 
 // ---- one shape ----
 
+struct work_t {
+    progress_t progress;
+    double done = 0;
+
+    // One surface more; false when the user cancelled.
+    bool step() { return progress.step(++done); }
+};
+
 struct shape_t {
     const object_t *object;
     const flat_mesh *flat;
+    work_t *work;
     std::vector<int> surfaces;
     int material; // of all of the object's surfaces, or -1
     bool lines;
@@ -162,6 +172,8 @@ void append_coordinate_indices(std::string &out, const shape_t &shape)
     out += "\ncoordIndex [\n ";
     bool first = true;
     for (const int surface : shape.surfaces) {
+        if (!shape.work->step())
+            return;
         if (!std::exchange(first, false))
             out += ",\n ";
         const std::span<const std::int32_t> corners = shape.flat->surface_corners(surface);
@@ -186,6 +198,8 @@ void append_running_indices(std::string &out, const shape_t &shape, const char *
     int number = 0;
     bool first = true;
     for (const int surface : shape.surfaces) {
+        if (!shape.work->step())
+            return;
         if (!std::exchange(first, false))
             out += ",\n";
         for (size_t i = shape.flat->surface_corners(surface).size(); i > 0; --i) {
@@ -204,6 +218,8 @@ void append_normals(std::string &out, const shape_t &shape)
     int count = 0;
     bool first = true;
     for (const int surface : shape.surfaces) {
+        if (!shape.work->step())
+            return;
         if (!std::exchange(first, false))
             out += ",\n";
         const auto place = static_cast<size_t>(surface);
@@ -228,6 +244,8 @@ void append_texture_coordinates(std::string &out, const shape_t &shape)
     out += "\n texCoord TextureCoordinate {\n    point [ \n";
     const char *separator = "";
     for (const int surface : shape.surfaces) {
+        if (!shape.work->step())
+            return;
         const auto place = static_cast<size_t>(surface);
         for (int i = (*flat.corner_offsets)[place]; i < (*flat.corner_offsets)[place + 1]; ++i) {
             const flat_uv &at = (*flat.texture_coords)[static_cast<size_t>(i)];
@@ -248,6 +266,8 @@ void append_colours(std::string &out, const shape_t &shape)
     out += "\n    color Color { \n    color [ ";
     const char *separator = "";
     for (const int surface : shape.surfaces) {
+        if (!shape.work->step())
+            return;
         const material &m =
             material_at((*shape.flat->surfaces)[static_cast<size_t>(surface)].material);
         out += std::exchange(separator, ",\n");
@@ -284,12 +304,12 @@ void append_shape(std::string &out, const shape_t &shape)
 
 // ---- objects ----
 
-void append_shapes(std::string &out, object_t *object)
+void append_shapes(std::string &out, object_t *object, work_t *work)
 {
     const flat_ptr flat = object_flat(object);
     const int same = object_surfaces_find_same_material(object);
-    shape_t lines = {object, flat.get(), {}, same, true};
-    shape_t polygons = {object, flat.get(), {}, same, false};
+    shape_t lines = {object, flat.get(), work, {}, same, true};
+    shape_t polygons = {object, flat.get(), work, {}, same, false};
     for (int surface = 0; surface < flat->num_surfaces(); ++surface)
         (is_line((*flat->surfaces)[static_cast<size_t>(surface)]) ? lines : polygons)
             .surfaces.push_back(surface);
@@ -297,14 +317,14 @@ void append_shapes(std::string &out, object_t *object)
     append_shape(out, polygons);
 }
 
-void open_object(std::string &out, object_t *object)
+void open_object(std::string &out, object_t *object, work_t *work)
 {
     out += '\n';
     if (is_set(object->url))
         out += "Anchor { url \"" + in_string(object->url) + "\"\nchildren [\n";
     if (is_set(object->name))
         out += "# Object \"" + one_line(object->name) + "\" \n";
-    append_shapes(out, object);
+    append_shapes(out, object, work);
 }
 
 void close_object(std::string &out, const object_t *object)
@@ -314,14 +334,14 @@ void close_object(std::string &out, const object_t *object)
 }
 
 // An object with everything below it; no recursion, because trees may be deep.
-void append_object(std::string &out, object_t *top)
+void append_object(std::string &out, object_t *top, work_t *work)
 {
     struct level_t {
         object_t *object;
         const listitem *next;
     };
     std::vector<level_t> levels;
-    open_object(out, top);
+    open_object(out, top, work);
     levels.push_back({top, top->children});
     while (!levels.empty()) {
         level_t &level = levels.back();
@@ -332,7 +352,7 @@ void append_object(std::string &out, object_t *top)
         }
         auto *child = item_of<object_t>(level.next);
         level.next = level.next->next;
-        open_object(out, child);
+        open_object(out, child, work);
         levels.push_back({child, child->children});
     }
 }
@@ -367,7 +387,7 @@ void append_prototypes_comment(std::string &out, const std::string &filename)
     out += group + "]}\n\n";
 }
 
-std::string world_text(const std::string &filename, bool prototypes)
+std::string world_text(const std::string &filename, bool prototypes, work_t *work)
 {
     std::string out = "#VRML V2.0 utf8\n\n";
     if (prototypes)
@@ -378,7 +398,7 @@ std::string world_text(const std::string &filename, bool prototypes)
     for (object_t *object : top_objects()) {
         if (prototypes)
             out += "PROTO " + one_line(object->name) + " [] {\n";
-        append_object(out, object);
+        append_object(out, object, work);
         if (prototypes)
             out += "}\n\n";
     }
@@ -387,13 +407,30 @@ std::string world_text(const std::string &filename, bool prototypes)
     return out;
 }
 
+// How often its surfaces are gone through.
+double work_of_world()
+{
+    double surfaces = 0;
+    for_each_object(vesk_get_world(),
+                    [&](const object_t *object) { surfaces += object->num_surfaces; });
+    const bool normals = prefs.vrml_output_normals != 0;
+    const bool textures = prefs.vrml_output_textures != 0;
+    return surfaces * (1 + (normals ? 2 : 0) + (textures ? 2 : 0));
+}
+
 int write_world(const char *filename, bool prototypes)
 {
     const std::string name = filename; // the messages let scripts run
     console_printf("Generating VRML (%s, %s)\n",
                    prefs.vrml_output_normals != 0 ? "with normals" : "no normals",
                    prefs.vrml_output_textures != 0 ? "with texture support" : "no texture support");
-    if (!atomic_file_write(name.c_str(), world_text(name, prototypes))) {
+    work_t work = {progress_t(work_of_world())};
+    const std::string text = world_text(name, prototypes, &work);
+    if (work.progress.cancelled()) {
+        display_message("write VRML 2.0 - cancelled");
+        return 0;
+    }
+    if (!atomic_file_write(name.c_str(), text)) {
         console_printf("can't open file for writing\n");
         tell_cannot_write(name.c_str());
         return 0;

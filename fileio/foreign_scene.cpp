@@ -2,10 +2,10 @@
 
 #include "app/file_report.h"
 #include "app/filename.h"
-#include "app/messages_internal.h"
-#include "app/session_state.h"
-#include "fileio/atomic_file.h"
+#include "app/messages.h"
+#include "fileio/embedded_images.h"
 #include "fileio/helper_process.h"
+#include "fileio/import_mesh.h"
 #include "fileio/scene_stream.h"
 #include "model/lights.h"
 #include "model/mesh_arrays.h"
@@ -25,62 +25,17 @@ static_assert(int{PLAIN_CLOSED_LINE} == int{SURFACE_CLOSED_LINE} &&
 
 namespace {
 
-std::string images_folder;
-
-// ---- pictures within the file ----
-
-// Where they may be written; "" for nowhere.
-std::string folder_for_images(const std::string &filename, size_t count)
-{
-    if (!images_folder.empty())
-        return images_folder;
-    std::string folder = vesk_filename_get_path(filename.c_str());
-    if (folder.empty())
-        folder = ".";
-    pump_begin(); // the question waits for the user
-    const std::string answer =
-        script_call("ask_import_images %d \"%s\"", static_cast<int>(count), folder.c_str());
-    pump_end();
-    return answer == "1" ? folder : "";
-}
-
-// A name that no other file has, unless that file holds the very bytes.
-std::string place_for_image(const std::string &folder, const plain_image &image)
-{
-    const std::string plain = vesk_filename_get_file(image.name.c_str());
-    const size_t dot = std::min(plain.rfind('.'), plain.size());
-    for (int number = 0;; ++number) {
-        const std::string name =
-            number == 0 ? plain
-                        : plain.substr(0, dot) + "_" + std::to_string(number) + plain.substr(dot);
-        std::string path = vesk_filename_concat_path_file(folder.c_str(), name.c_str());
-        std::string there;
-        if (vesk_file_exists(path.c_str()) == 0 ||
-            (read_whole_file(path.c_str(), &there) && there == image.bytes))
-            return path;
-    }
-}
-
 // Writes them and names their files in the materials; "*2" stands for the third image.
 void write_images(plain_scene &scene, const std::string &filename)
 {
     if (scene.images.empty())
         return;
-    const std::string folder = folder_for_images(filename, scene.images.size());
+    const std::string folder =
+        vesk_embedded_images_folder(filename.c_str(), static_cast<int>(scene.images.size()));
     std::vector<std::string> paths;
-    for (const plain_image &image : scene.images) {
-        std::string path;
-        if (!folder.empty() && *vesk_filename_get_file(image.name.c_str()) != '\0')
-            path = place_for_image(folder, image);
-        if (path.empty() || !atomic_file_write(path.c_str(), image.bytes)) {
-            vesk_report_warning(0, "the picture %s within the file was not written beside it",
-                                image.name.c_str());
-            path.clear();
-        } else {
-            last_file_report().images.push_back(path);
-        }
-        paths.push_back(path);
-    }
+    for (const plain_image &image : scene.images)
+        paths.emplace_back(vesk_embedded_image_write(folder.c_str(), image.name.c_str(),
+                                                     image.bytes.data(), image.bytes.size()));
     for (plain_material &m : scene.materials) {
         if (m.picture.empty() || m.picture[0] != '*')
             continue;
@@ -187,8 +142,6 @@ object_t *refused(const std::string &filename, const std::string &reason)
 
 } // namespace
 
-void foreign_images_folder(const std::string &folder) { images_folder = folder; }
-
 object_t *vesk_assimp_import(const char *filename, const char *suffix)
 {
     const std::string name = filename; // the messages let scripts run
@@ -199,10 +152,8 @@ object_t *vesk_assimp_import(const char *filename, const char *suffix)
         return refused(name, "it is no file");
     const helper_result result =
         run_helper({"read", suffix, name}, helper_limits_for(static_cast<size_t>(file.st_size)));
-    if (result.state == helper_result::CANCELLED) {
-        display_message("import - cancelled");
-        return nullptr;
-    }
+    if (result.state == helper_result::CANCELLED)
+        return import_cancelled();
     if (result.state == helper_result::FAILED)
         return refused(name, result.reason);
     plain_scene scene;

@@ -19,10 +19,4 @@ VESK_API object_t *vesk_assimp_import(const char *filename, const char *suffix);
 
 VESK_END_DECLS
 
-#ifdef VESK_INTERNAL
-#include <string>
-// Folder for pictures that lie within model files, without asking; "" asks again.
-void foreign_images_folder(const std::string &folder);
-#endif
-
 #endif

@@ -50,6 +50,12 @@ object_t *import_refused(const std::string &filename, const char *reason)
     return nullptr;
 }
 
+object_t *import_cancelled()
+{
+    display_message("import - cancelled");
+    return nullptr;
+}
+
 std::string import_base_name(const char *filename)
 {
     const std::string name = vesk_filename_get_file(filename);

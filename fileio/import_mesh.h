@@ -30,6 +30,9 @@ private:
 // The one message box about a file that cannot be read; returns null.
 object_t *import_refused(const std::string &filename, const char *reason);
 
+// The line about an import that the user ended; returns null.
+object_t *import_cancelled();
+
 // The name of a file without its folder and suffix.
 std::string import_base_name(const char *filename);
 

@@ -1,6 +1,7 @@
 #include "fileio/import_text.h"
 
 #include "app/numbers.h"
+#include "app/progress.h"
 #include "fileio/atomic_file.h"
 #include "fileio/import_mesh.h"
 #include "model/object_tree.h"
@@ -15,11 +16,14 @@ constexpr int plain_material = 0;
 // The lines of a text, comments cut off.
 class line_reader {
 public:
-    explicit line_reader(std::string_view text) : rest_(text) {}
+    explicit line_reader(std::string_view text)
+        : rest_(text), size_(text.size()), progress_(static_cast<double>(size_))
+    {
+    }
 
     bool next(std::string_view *line)
     {
-        if (rest_.empty())
+        if (rest_.empty() || !progress_.step(static_cast<double>(size_ - rest_.size())))
             return false;
         const size_t end = std::min(rest_.find_first_of("\r\n"), rest_.size());
         *line = rest_.substr(0, std::min(end, rest_.find('#')));
@@ -27,8 +31,12 @@ public:
         return true;
     }
 
+    [[nodiscard]] bool cancelled() const { return progress_.cancelled(); }
+
 private:
     std::string_view rest_;
+    const size_t size_;
+    progress_t progress_;
 };
 
 // The leading numbers of a line, separated by blanks or commas; `rest` is what follows them.
@@ -194,9 +202,11 @@ object_t *vesk_import_aliastri(const char *filename)
     for (std::string_view line; lines.next(&line);)
         reader.line(line);
     object_t *object = reader.finish();
-    if (object->num_children > 0)
+    if (object->num_children > 0 && !lines.cancelled())
         return object;
     object_free(object);
+    if (lines.cancelled())
+        return import_cancelled();
     return import_refused(name, "there are no triangles in it");
 }
 
@@ -210,6 +220,8 @@ object_t *vesk_import_vector(const char *filename)
     line_reader lines(text);
     for (std::string_view line; lines.next(&line);)
         reader.line(line);
+    if (lines.cancelled())
+        return import_cancelled();
     const import_mesh &mesh = reader.finish();
     return mesh.empty() ? import_refused(name, "there are no lines in it")
                         : mesh.make_object(import_base_name(name.c_str()));

@@ -147,7 +147,8 @@ std::vector<int> read_materials(const vrml_fields &fields, std::string_view name
 class reader {
 public:
     reader(const std::string &filename, std::string_view text)
-        : filename_(filename), words_(vrml_words(text))
+        : filename_(filename), size_(static_cast<double>(text.size())), progress_(2 * size_),
+          words_(vrml_words(text, progress_))
     {
     }
 
@@ -160,13 +161,14 @@ public:
         state.materials = std::make_shared<std::vector<int>>(1, import_colour(0.8f, 0.8f, 0.8f));
         while (at_ < words_.size() && !failed_)
             node(top, state);
-        if (left_out_ > 0)
+        if (left_out_ > 0 && !cancelled())
             display_message("%d nodes of %s have no counterpart here and were left out", left_out_,
                             filename_.c_str());
         return top;
     }
 
     [[nodiscard]] bool failed() const { return failed_; }
+    [[nodiscard]] bool cancelled() const { return progress_.cancelled(); }
 
 private:
     [[nodiscard]] bool is_sign(const char *sign) const
@@ -202,7 +204,7 @@ private:
             named_[name] = at_;
         }
         if (!is_node(at_) || ++levels_ > most_levels ||
-            (repeating_ > 0 && ++repeated_ > most_repeated)) {
+            (repeating_ > 0 && ++repeated_ > most_repeated) || !step()) {
             failed_ = true;
             return;
         }
@@ -216,6 +218,13 @@ private:
         else
             leaf(parent, state, type, name);
         --levels_;
+    }
+
+    // Reading is the second half of the work; a USE reads again.
+    bool step()
+    {
+        const auto words = static_cast<double>(words_.size());
+        return progress_.step(size_ + size_ * static_cast<double>(at_) / words);
     }
 
     void use(object_t *parent, vrml_state &state)
@@ -429,6 +438,8 @@ private:
     }
 
     const std::string &filename_;
+    const double size_;
+    progress_t progress_;
     const std::vector<vrml_word> words_;
     std::map<std::string_view, std::size_t> named_;
     std::size_t at_ = 0;
@@ -454,9 +465,11 @@ object_t *vesk_import_vrml(const char *filename)
         return import_refused(name, "it does not begin with \"#VRML V1.0\"");
     reader file(name, text);
     object_t *top = file.run();
-    if (!file.failed() && top->num_children > 0)
+    if (!file.failed() && !file.cancelled() && top->num_children > 0)
         return top;
     object_free(top);
+    if (file.cancelled())
+        return import_cancelled();
     return import_refused(name,
                           file.failed() ? "its nodes are damaged" : "there is no geometry in it");
 }

@@ -2,6 +2,7 @@
 target_sources(vesk_core PRIVATE
     fileio/atomic_file.cpp
     fileio/backup.cpp
+    fileio/embedded_images.cpp
     fileio/export_3ds.cpp
     fileio/export_commands.cpp
     fileio/export_inventor.cpp
@@ -20,6 +21,7 @@ target_sources(vesk_core PRIVATE
     fileio/import_mesh.cpp
     fileio/import_text.cpp
     fileio/import_vrml.cpp
+    fileio/output.cpp
     fileio/rescue.cpp
     fileio/scene_stream.cpp
     fileio/state_writer.cpp

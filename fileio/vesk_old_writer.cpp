@@ -2,9 +2,11 @@
 
 #include "app/current_file.h"
 #include "app/messages_internal.h"
+#include "app/progress.h"
 #include "fileio/atomic_file.h"
 #include "fileio/vesk_format.h"
 #include "fileio/write_report.h"
+#include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
 #include "model/world.h"
@@ -58,7 +60,12 @@ void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
     }
 }
 
-void append_object(std::string &out, object_t *object, const local_frame_t &frame)
+struct work_t {
+    progress_t progress;
+    double done = 0;
+};
+
+void append_object(std::string &out, object_t *object, const local_frame_t &frame, work_t &work)
 {
     out += "OBJECT ";
     append_quoted(out, object->name == nullptr ? "" : object->name);
@@ -92,7 +99,7 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
     }
     if (mesh->num_surfaces() != 0)
         append_count(out, "surfaces ", mesh->surfaces->size());
-    for (size_t i = 0; i < mesh->surfaces->size(); ++i)
+    for (size_t i = 0; i < mesh->surfaces->size() && work.progress.step(++work.done); ++i)
         append_surface(out, *mesh, i);
     append_count(out, "children ", static_cast<size_t>(list_count(object->children)));
 }
@@ -104,9 +111,17 @@ int write_vesk_old(const char *filename)
     current_file_set(filename);
     const std::string name = current_file().name;
     std::string text = "VESKa\n";
+    double surfaces = 0;
+    for_each_object(vesk_get_world(),
+                    [&](const object_t *object) { surfaces += object->num_surfaces; });
+    work_t work = {progress_t(surfaces)};
     for_each_written(vesk_get_world(), [&](object_t *object, const local_frame_t &frame) {
-        append_object(text, object, frame);
+        append_object(text, object, frame, work);
     });
+    if (work.progress.cancelled()) {
+        display_message("write VESK - cancelled");
+        return 0;
+    }
     atomic_writer_t file(name.c_str());
     if (!file.opened()) {
         windows_message_dialog("can't open file '%s' for writing", name.c_str());

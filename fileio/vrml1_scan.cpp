@@ -19,11 +19,11 @@ std::size_t end_of_text(std::string_view text, std::size_t at)
 
 } // namespace
 
-std::vector<vrml_word> vrml_words(std::string_view text)
+std::vector<vrml_word> vrml_words(std::string_view text, progress_t &progress)
 {
     std::vector<vrml_word> words;
     std::size_t at = 0;
-    while (at < text.size()) {
+    while (at < text.size() && progress.step(static_cast<double>(at))) {
         const char c = text[at];
         if (is_space(c)) {
             ++at;

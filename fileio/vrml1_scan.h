@@ -3,6 +3,8 @@
 
 // VRML 1.0 texts as words, and a node's fields as ranges of them.
 
+#include "app/progress.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -14,7 +16,8 @@ struct vrml_word {
     std::string_view text; // of a TEXT without its quotes
 };
 
-std::vector<vrml_word> vrml_words(std::string_view text);
+// With progress; what is there by then when the user cancels.
+std::vector<vrml_word> vrml_words(std::string_view text, progress_t &progress);
 
 // A range of words.
 struct vrml_range {

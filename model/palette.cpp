@@ -79,6 +79,18 @@ palette_table::palette_table()
 
 palette_table::~palette_table() { table = nullptr; }
 
+void palette_take_back(int count)
+{
+    if (count < 1 || count >= palette.count)
+        return;
+    while (palette.count > count)
+        list_add_item_head(&palette.retired, palette.entries[--palette.count]);
+    palette_mark();
+    // Whoever shows the palette looks again.
+    tcl_command("add_palette_button #%06x %d", static_cast<unsigned>(index_to_rgb(count - 1)),
+                count - 1);
+}
+
 int palette_capacity() { return palette.capacity; }
 
 int vesk_get_num_palette(void) { return palette.count; }

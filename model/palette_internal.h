@@ -18,6 +18,9 @@ public:
     palette_table &operator=(const palette_table &) = delete;
 };
 
+// Takes back the entries from `count` on: those of an import that came to nothing.
+void palette_take_back(int count);
+
 int palette_capacity();
 
 #endif

@@ -4,6 +4,7 @@
 #include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages.h"
+#include "app/progress.h"
 #include "fileio/export_3ds.h"
 #include "fileio/export_commands.h"
 #include "fileio/export_vrml2.h"
@@ -75,7 +76,10 @@ int vesk_export_file(const char *filename)
     vesk_report_export(name.c_str());
     int written = 0;
     fault_t fault;
-    if (guarded_with_recovery([&] { written = exporter->write(name.c_str()); }, &fault))
+    const bool whole =
+        guarded_with_recovery([&] { written = exporter->write(name.c_str()); }, &fault);
+    vesk_progress_end();
+    if (whole)
         return written;
     windows_message_dialog(
         "The exporter for %s files failed on %s\n%s", exporter->suffix, name.c_str(),

@@ -5,6 +5,7 @@
 #include "app/filename.h"
 #include "app/messages.h"
 #include "app/prefs.h"
+#include "app/progress.h"
 #include "app/ui_port.h"
 #include "edit/selection.h"
 #include "fileio/export_3ds.h"
@@ -19,6 +20,7 @@
 #include "model/each.h"
 #include "model/list.h"
 #include "model/object_tree.h"
+#include "model/palette_internal.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
 #include "plugin/menus.h"
@@ -81,7 +83,13 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     object_t *object = nullptr;
     fault_t fault;
     const texture_load_scope one_box; // about textures
-    if (guarded_with_recovery([&] { object = importer->load(filename); }, &fault))
+    const int materials = vesk_get_num_palette();
+    const palette_table by_hash; // of the materials
+    const bool whole = guarded_with_recovery([&] { object = importer->load(filename); }, &fault);
+    vesk_progress_end();
+    if (!whole || object == nullptr)
+        palette_take_back(materials);
+    if (whole)
         return object;
     windows_message_dialog("The importer for %s files failed on %s\n%s", importer->suffix, filename,
                            fault.kind == fault_t::CODE ? vesk_exception_get_message(fault.code)

@@ -20,7 +20,7 @@ namespace eval ::vesk::batch {
     # Questions that nobody can answer: an empty name means cancelled.
     variable unanswered {
         get_opentexturename get_loadfilename get_importfilename get_savefilename
-        get_exportfilename get_exportfolder ask_import_images
+        get_exportfilename get_exportfolder
     }
 }
 
@@ -51,6 +51,25 @@ proc ::vesk::batch::add_item {menu words} {
     lassign $words label command help
     lappend ::vesk::plugin_items [list $menu $label $command $help]
     return ""
+}
+
+# ask_import_images --
+#   Pictures within a model's file go beside it, or where that cannot be written into the user's state
+#   folder.
+#   Returns 1, or the other folder; "" when there is none either.
+proc ask_import_images {count folder} {
+    if {[file writable $folder]} {
+        return 1
+    }
+    set state [file join ~ .local state]
+    if {[info exists ::env(XDG_STATE_HOME)] && $::env(XDG_STATE_HOME) ne ""} {
+        set state $::env(XDG_STATE_HOME)
+    }
+    set pictures [file join $state vesk pictures]
+    if {[catch {file mkdir $pictures}]} {
+        return ""
+    }
+    return [file normalize $pictures]
 }
 
 proc display_message {text} {puts stderr $text}

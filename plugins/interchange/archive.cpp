@@ -22,6 +22,13 @@ std::size_t number_at(const std::string &bytes, std::size_t at, int size)
     return value;
 }
 
+template <class N>
+void add_number(std::string &out, N value)
+{
+    for (std::size_t i = 0; i < sizeof(N); ++i)
+        out += static_cast<char>(value >> 8 * i);
+}
+
 } // namespace
 
 std::map<std::string, archive_entry> archive_entries(const std::string &bytes)
@@ -75,4 +82,42 @@ bool archive_extract(const std::string &bytes, const archive_entry &entry, std::
     }
     inflateEnd(&stream);
     return state == Z_STREAM_END && out->size() <= most;
+}
+
+bool archive_writer::add(const std::string &name, const std::string &content)
+{
+    constexpr std::size_t most = 0xFFFF0000u; // places and sizes have four bytes
+    if (bytes_.size() + content.size() + directory_.size() > most)
+        return false;
+    const auto place = static_cast<std::uint32_t>(bytes_.size());
+    const auto size = static_cast<std::uint32_t>(content.size());
+    std::string common;                        // of both headers
+    for (const int half : {20, 0, 0, 0, 0x21}) // version, flags, stored, time, 1980-01-01
+        add_number(common, static_cast<std::uint16_t>(half));
+    add_number(common, static_cast<std::uint32_t>(
+                           crc32_z(0, reinterpret_cast<const Bytef *>(content.data()), size)));
+    add_number(common, size);
+    add_number(common, size);
+    add_number(common, static_cast<std::uint16_t>(name.size()));
+    add_number(common, std::uint16_t{0});
+    bytes_ += "PK\3\4" + common + name;
+    bytes_ += content;
+    directory_ += std::string("PK\1\2\24\0", 6) + common;
+    directory_.append(10, '\0'); // no comment, first disk, no attributes
+    add_number(directory_, place);
+    directory_ += name;
+    ++count_;
+    return true;
+}
+
+std::string archive_writer::finish()
+{
+    const auto place = static_cast<std::uint32_t>(bytes_.size());
+    bytes_ += directory_ + std::string("PK\5\6\0\0\0\0", 8);
+    add_number(bytes_, count_);
+    add_number(bytes_, count_);
+    add_number(bytes_, static_cast<std::uint32_t>(directory_.size()));
+    add_number(bytes_, place);
+    add_number(bytes_, std::uint16_t{0});
+    return std::move(bytes_);
 }

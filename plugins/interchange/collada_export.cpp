@@ -11,10 +11,11 @@ namespace {
 
 class collada_writer {
 public:
-    explicit collada_writer(const model &scene) : scene_(scene) {}
+    collada_writer(job &work, const model &scene) : work_(work), scene_(scene) {}
 
     std::string run()
     {
+        work_.phase(0.9, 2 * scene_.elements);
         out_.add("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                  "<COLLADA xmlns=\"http://www.collada.org/2005/11/COLLADASchema\" "
                  "version=\"1.4.1\">\n"
@@ -128,7 +129,7 @@ private:
     {
         out_.add("<source id=\"mesh", i, name, "\"><float_array id=\"mesh", i, name,
                  "-array\" count=\"", count * static_cast<std::size_t>(stride), "\">");
-        for (std::size_t k = 0; k < count; ++k) {
+        for (std::size_t k = 0; k < count && work_.step(0.5); ++k) {
             add(k);
             out_.add('\n');
         }
@@ -150,8 +151,9 @@ private:
         source(i, "-normals", n.points.size() + n.surfaces.size(), 3, [&](std::size_t k) {
             out_.add(k < n.points.size() ? n.normals[k] : n.surfaces[k - n.points.size()].normal);
         });
-        source(i, "-uv", n.uv.size() / 2, 2,
-               [&](std::size_t k) { out_.add(n.uv[2 * k], ' ', n.uv[2 * k + 1]); });
+        if (n.textured)
+            source(i, "-uv", n.uv.size() / 2, 2,
+                   [&](std::size_t k) { out_.add(n.uv[2 * k], ' ', n.uv[2 * k + 1]); });
         out_.add("<vertices id=\"mesh", i,
                  "-vertices\"><input semantic=\"POSITION\" source=\"#mesh", i,
                  "-points\"/></vertices>\n");
@@ -181,6 +183,8 @@ private:
             out_.add(surface->count, ' ');
         out_.add("</vcount><p>");
         for (const model_surface *surface : surfaces) {
+            if (!work_.step(0.5))
+                return;
             const auto face = surface - n.surfaces.data();
             for (int k = surface->first; k < surface->first + surface->count; ++k) {
                 const int point = n.corners[static_cast<std::size_t>(k)];
@@ -257,6 +261,7 @@ private:
         out_.add('\n');
     }
 
+    job &work_;
     const model &scene_;
     text_out out_;
     std::map<std::string, std::size_t> images_;
@@ -267,13 +272,11 @@ private:
 int collada_export(const char *filename)
 {
     const std::string name = filename;
-    const model scene = take_model(filename, model_wishes());
-    int tinted = 0; // a diffuse colour or a texture, not both
-    for (const model_material &m : scene.materials)
-        tinted += !m.picture.empty() &&
-                          (m.look.diffuse[0] < 1 || m.look.diffuse[1] < 1 || m.look.diffuse[2] < 1)
-                      ? 1
-                      : 0;
-    vesk_report_loss(tinted, "colours under textures");
-    return finish_export(name, collada_writer(scene).run(), "COLLADA");
+    job work;
+    export_files files(work);
+    model_wishes wishes;
+    wishes.tints = false; // a diffuse colour or a texture, not both
+    const model scene = take_model(work, filename, wishes);
+    files.add(name, collada_writer(work, scene).run());
+    return files.finish(name, "COLLADA");
 }

@@ -125,7 +125,7 @@ void euler_of(const float *r, double *x, double *y, double *z)
 
 class fbx_writer {
 public:
-    explicit fbx_writer(const model &scene) : scene_(scene)
+    fbx_writer(job &work, const model &scene) : work_(work), scene_(scene)
     {
         out_.bytes.assign("Kaydara FBX Binary  \0\x1a\0", 23);
         add_bytes(out_.bytes, std::uint32_t{7400});
@@ -153,7 +153,8 @@ public:
         out_.open("Objects");
         for (std::size_t i = 0; i < scene_.materials.size(); ++i)
             add_material(i);
-        for (std::size_t i = 0; i < scene_.nodes.size(); ++i)
+        work_.phase(0.9, scene_.elements);
+        for (std::size_t i = 0; i < scene_.nodes.size() && !work_.cancelled(); ++i)
             add_node(i);
         out_.close();
         out_.open("Connections");
@@ -381,6 +382,8 @@ private:
         std::vector<double> normals, uv;
         std::vector<int> used; // the object's materials, in the order of their connections
         for (const model_surface &surface : node.surfaces) {
+            if (!work_.step())
+                break;
             for (int k = surface.first; k < surface.first + surface.count; ++k) {
                 const auto corner = static_cast<std::size_t>(k);
                 const int point = node.corners[corner];
@@ -388,7 +391,8 @@ private:
                 const point3_t &normal =
                     surface.smooth ? node.normals[static_cast<std::size_t>(point)] : surface.normal;
                 normals.insert(normals.end(), {normal.x, normal.y, normal.z});
-                uv.insert(uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
+                if (node.textured)
+                    uv.insert(uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
             }
             const auto found = std::find(used.begin(), used.end(), surface.material);
             materials.push_back(static_cast<std::int32_t>(found - used.begin()));
@@ -449,6 +453,7 @@ private:
         bytes.append("\xf8\x5a\x8c\x6a\xde\xf5\xd9\x7e\xec\xe9\x0c\xe3\x75\x8f\x29\x0b", 16);
     }
 
+    job &work_;
     const model &scene_;
     record_writer out_;
     std::vector<connection> connections_;
@@ -459,8 +464,11 @@ private:
 int fbx_export(const char *filename)
 {
     const std::string name = filename;
+    job work;
+    export_files files(work);
     model_wishes wishes;
     wishes.lines = false;
-    const model scene = take_model(filename, wishes);
-    return finish_export(name, fbx_writer(scene).run(), "FBX");
+    const model scene = take_model(work, filename, wishes);
+    files.add(name, fbx_writer(work, scene).run());
+    return files.finish(name, "FBX");
 }

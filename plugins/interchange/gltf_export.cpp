@@ -69,10 +69,12 @@ public:
     std::vector<point3_t> line_points;
     std::map<int, std::vector<std::uint32_t>> lines;
 
-    explicit mesh_data(const model_node &node) : node_(node)
+    mesh_data(job &work, const model_node &node) : node_(node)
     {
         std::vector<int> corners;
         for (const model_surface &surface : node.surfaces) {
+            if (!work.step())
+                return;
             if (is_line(surface)) {
                 add_line(surface);
                 continue;
@@ -95,8 +97,8 @@ private:
     {
         const std::size_t point = point_at(corner);
         const std::size_t at = 2 * static_cast<std::size_t>(corner);
-        const float u = node_.uv[at];
-        const float v = node_.uv[at + 1];
+        const float u = node_.textured ? node_.uv[at] : 0;
+        const float v = node_.textured ? node_.uv[at + 1] : 0;
         const auto fresh = static_cast<std::uint32_t>(points.size());
         std::uint32_t place = fresh;
         if (surface.smooth)
@@ -132,11 +134,12 @@ private:
 
 class gltf_writer {
 public:
-    explicit gltf_writer(const model &scene) : scene_(scene) {}
+    gltf_writer(job &work, const model &scene) : work_(work), scene_(scene) {}
 
     // The JSON text; `bin` gets the numbers. `uri` names the file of them, "" for the binary form.
     std::string run(const std::string &uri, std::string *bin)
     {
+        work_.phase(0.9, scene_.elements);
         for (const model_material &m : scene_.materials)
             add_material(m);
         for (const model_node &node : scene_.nodes)
@@ -250,7 +253,7 @@ private:
 
     int add_mesh(const model_node &node)
     {
-        const mesh_data data(node);
+        const mesh_data data(work_, node);
         text_out primitives;
         const auto add = [&](int mode, int material, const std::vector<std::uint32_t> &indices,
                              const std::string &attributes) {
@@ -324,6 +327,7 @@ private:
         return add_accessor(4 * indices.size(), indices.size(), INDICES, UNSIGNED, "SCALAR", "");
     }
 
+    job &work_;
     const model &scene_;
     std::string bin_, tops_;
     json_list nodes_, meshes_, materials_, textures_, images_, accessors_, views_, lights_;
@@ -335,6 +339,7 @@ model_wishes wishes()
     model_wishes w;
     w.polygons = false;
     w.sides = true;
+    w.ambient = false;
     return w;
 }
 
@@ -351,34 +356,38 @@ void add_chunk(std::string &out, const char *kind, std::string bytes, char fille
 int gltf_export(const char *filename)
 {
     const std::string name = filename;
-    const model scene = take_model(filename, wishes());
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, filename, wishes());
     std::string bin_name = base_name(name) + ".bin"; // some readers know no escapes
     for (char &c : bin_name)
         if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '-' && c != '.')
             c = '_';
     std::string bin;
-    const std::string json = gltf_writer(scene).run(bin_name, &bin);
+    const std::string json = gltf_writer(work, scene).run(bin_name, &bin);
     const std::string folder = vesk_filename_get_path(name.c_str());
-    const std::string beside = vesk_filename_concat_path_file(folder.c_str(), bin_name.c_str());
-    if (!bin.empty() && !write_file(beside, bin)) {
-        display_message("can't open file '%s' for writing", beside.c_str());
-        return 0;
-    }
-    return finish_export(name, json, "glTF");
+    if (!bin.empty())
+        files.add(vesk_filename_concat_path_file(folder.c_str(), bin_name.c_str()), bin);
+    files.begin(name);
+    files.write(json);
+    return files.finish(name, "glTF");
 }
 
 int glb_export(const char *filename)
 {
     const std::string name = filename;
-    const model scene = take_model(filename, wishes());
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, filename, wishes());
     std::string bin;
-    const std::string json = gltf_writer(scene).run("", &bin);
+    const std::string json = gltf_writer(work, scene).run("", &bin);
     std::string chunks;
     add_chunk(chunks, "JSON", json, ' ');
     if (!bin.empty())
-        add_chunk(chunks, "BIN\0", bin, '\0');
+        add_chunk(chunks, "BIN\0", std::move(bin), '\0');
     std::string bytes = "glTF";
     add_bytes(bytes, std::uint32_t{2});
     add_bytes(bytes, static_cast<std::uint32_t>(chunks.size() + 12));
-    return finish_export(name, bytes + chunks, "glTF");
+    files.add(name, bytes + chunks);
+    return files.finish(name, "glTF");
 }

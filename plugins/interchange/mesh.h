@@ -16,12 +16,15 @@ inline int palette_index_of(unsigned rgb)
     return vesk_palette_get_new_material_index(&m);
 }
 
+// Of an import: what comes after are the objects.
+constexpr double share_of_parsing = 0.7;
+
 // What surfaces look like of which the file says nothing.
 constexpr int no_material = -1;
 constexpr unsigned colour_without_material = 0xCCCCCC;
 
 struct mesh_arrays {
-    std::vector<float> points, uv;
+    std::vector<float> points, uv; // uv: as far as a corner had any
     std::vector<int> offsets{0}, corners;
     std::vector<vesk_surface_attributes_t> surfaces;
 
@@ -29,11 +32,20 @@ struct mesh_arrays {
 
     [[nodiscard]] int num_points() const { return static_cast<int>(points.size() / 3); }
 
+    void add_corner(int point) { corners.push_back(point); }
     void add_corner(int point, float u, float v)
     {
+        uv.resize(2 * corners.size());
         corners.push_back(point);
         uv.push_back(u);
         uv.push_back(v);
+    }
+    // Takes the corners from `count` on back.
+    void keep_corners(std::size_t count)
+    {
+        corners.resize(count);
+        if (uv.size() > 2 * count)
+            uv.resize(2 * count);
     }
 
     // Ends the surface whose corners were added since the last one. False, and none of them is left,
@@ -44,8 +56,7 @@ struct mesh_arrays {
         const bool line = type == SURFACE_LINE || type == SURFACE_CLOSED_LINE;
         const auto first = static_cast<std::size_t>(offsets.back());
         if (corners.size() - first < (line ? 2u : 3u)) {
-            corners.resize(first);
-            uv.resize(2 * first);
+            keep_corners(first);
             return false;
         }
         if (palette_index == no_material) {
@@ -59,14 +70,16 @@ struct mesh_arrays {
     }
 
     // A new object without normals.
-    [[nodiscard]] object_t *make_object(const std::string &name) const
+    [[nodiscard]] object_t *make_object(const std::string &name)
     {
+        if (!uv.empty())
+            uv.resize(2 * corners.size());
         object_t *object = new_object(OBJECT_POLY);
         const int n = static_cast<int>(surfaces.size());
         object_set_name(object, name.c_str());
         vesk_object_add_vertices_from_float_array(object, points.data(), num_points());
-        vesk_object_add_surfaces_from_arrays(object, n, offsets.data(), corners.data(), uv.data(),
-                                             0);
+        vesk_object_add_surfaces_from_arrays(object, n, offsets.data(), corners.data(),
+                                             uv.empty() ? nullptr : uv.data(), 0);
         vesk_object_set_surface_attributes(object, 0, n, surfaces.data());
         return object;
     }

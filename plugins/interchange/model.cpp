@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr double share_of_taking = 0.25; // of an export
+
 struct frame {
     float rotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
     point3_t centre = {0, 0, 0};
@@ -56,7 +58,8 @@ point3_t moved_into(const frame &f, const point3_t &p)
 
 class taker {
 public:
-    taker(const char *filename, const model_wishes &wishes) : filename_(filename), wishes_(wishes)
+    taker(job &work, const char *filename, const model_wishes &wishes)
+        : work_(work), filename_(filename), wishes_(wishes)
     {
         material_init(&plain_);
     }
@@ -64,8 +67,10 @@ public:
     model run()
     {
         const frame world;
+        count_elements();
+        work_.phase(share_of_taking, out_.elements);
         push_children(vesk_get_world(), -1, world);
-        while (!waiting_.empty()) {
+        while (!waiting_.empty() && !work_.cancelled()) {
             const waiting_node next = waiting_.back();
             waiting_.pop_back();
             take(next);
@@ -75,7 +80,9 @@ public:
         vesk_report_loss(pictures_, "textures");
         vesk_report_loss(smooth_, "smooth surfaces");
         vesk_report_loss(coloured_, "shining colours");
+        vesk_report_loss(tinted_, "colours under textures");
         vesk_report_note(groups_, "groups dissolved");
+        vesk_report_note(ambient_, "ambient colours left to the viewer");
         vesk_report_note(cut_, "polygons cut into triangles");
         return std::move(out_);
     }
@@ -86,6 +93,18 @@ private:
         int parent;
         frame outer;
     };
+
+    void count_elements()
+    {
+        std::vector<const object_t *> below(1, vesk_get_world());
+        while (!below.empty()) {
+            const object_t *object = below.back();
+            below.pop_back();
+            out_.elements += 1.0 + object->num_vertices + object->num_surfaces;
+            for (const listitem *at = object->children; at != nullptr; at = at->next)
+                below.push_back(reinterpret_cast<const object_t *>(at->data));
+        }
+    }
 
     // The first child comes out first.
     void push_children(const object_t *object, int place, const frame &f)
@@ -136,27 +155,38 @@ private:
     void geometry(object_t *object, const frame &own, model_node &node)
     {
         const vesk_mesh_arrays_t mesh = vesk_object_get_mesh_arrays(object);
-        for (int i = 0; i < mesh.num_vertices; ++i) {
-            node.points.push_back(moved_into(own, mesh.positions[i]));
-            node.normals.push_back(turned_into(own, mesh.normals[i]));
-        }
+        const auto count = static_cast<std::size_t>(mesh.num_vertices);
+        node.points.resize(count);
+        node.normals.resize(wishes_.normals ? count : 0);
+        for (std::size_t i = 0; i < count; ++i)
+            node.points[i] = moved_into(own, mesh.positions[i]);
+        for (std::size_t i = 0; i < node.normals.size(); ++i)
+            node.normals[i] = turned_into(own, mesh.normals[i]);
+        work_.step(1 + static_cast<double>(count));
         node.corners.assign(mesh.corners, mesh.corners + mesh.num_corners);
-        for (int i = 0; i < mesh.num_corners; ++i) {
-            const float u = mesh.uv[2 * i];
-            const float v = mesh.uv[2 * i + 1];
-            node.uv.push_back(
-                wishes_.placing ? u : u * object->texture_repeat_x + object->texture_offset_x);
-            node.uv.push_back(
-                wishes_.placing ? v : v * object->texture_repeat_y + object->texture_offset_y);
-            node.textured = node.textured || mesh.uv[2 * i] != 0 || mesh.uv[2 * i + 1] != 0;
-        }
+        node.textured =
+            std::any_of(mesh.uv, mesh.uv + 2 * static_cast<std::size_t>(mesh.num_corners),
+                        [](float value) { return value != 0; });
+        if (node.textured)
+            texture_coordinates(object, mesh, node);
         const char *picture =
             object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
         bool shown = false;
-        for (int i = 0; i < mesh.num_surfaces; ++i)
+        node.surfaces.reserve(static_cast<std::size_t>(mesh.num_surfaces));
+        for (int i = 0; i < mesh.num_surfaces && work_.step(); ++i)
             shown =
                 surface(object, own, mesh, i, wishes_.pictures ? picture : nullptr, node) || shown;
         pictures_ += shown && picture != nullptr && !wishes_.pictures ? 1 : 0;
+    }
+
+    void texture_coordinates(const object_t *object, const vesk_mesh_arrays_t &mesh,
+                             model_node &node) const
+    {
+        node.uv.assign(mesh.uv, mesh.uv + 2 * static_cast<std::size_t>(mesh.num_corners));
+        for (std::size_t i = 0; i < node.uv.size() && !wishes_.placing; i += 2) {
+            node.uv[i] = node.uv[i] * object->texture_repeat_x + object->texture_offset_x;
+            node.uv[i + 1] = node.uv[i + 1] * object->texture_repeat_y + object->texture_offset_y;
+        }
     }
 
     bool surface(const object_t *object, const frame &own, const vesk_mesh_arrays_t &mesh, int i,
@@ -178,8 +208,15 @@ private:
         smooth_ += s.smooth && !wishes_.smooth ? 1 : 0;
         cut_ += !wishes_.polygons && !is_line(s) && s.count > 3 ? 1 : 0;
         s.normal = turned_into(own, mesh.face_normals[i]);
-        s.material = material_place(mesh.surfaces[i].material, object, picture,
-                                    !wishes_.sides || (flags & SURFACE_TWOSIDED) != 0);
+        const bool twosided = !wishes_.sides || (flags & SURFACE_TWOSIDED) != 0;
+        if (mesh.surfaces[i].material != last_index_ || twosided != last_twosided_ ||
+            object != last_object_) {
+            last_index_ = mesh.surfaces[i].material;
+            last_twosided_ = twosided;
+            last_object_ = object;
+            last_place_ = material_place(last_index_, object, picture, twosided);
+        }
+        s.material = last_place_;
         node.surfaces.push_back(s);
         return true;
     }
@@ -207,6 +244,7 @@ private:
         m.name = wanted;
         for (int number = 1; !names_.insert(m.name).second; ++number)
             m.name = wanted + "_" + std::to_string(number);
+        m.texture = picture == nullptr ? -1 : object->texture;
         if (picture != nullptr)
             m.picture = search_texture_save(filename_.c_str(), picture);
         if (!wishes_.colours) {
@@ -216,10 +254,20 @@ private:
                           m.look.emissive[i] != plain_.emissive[i];
             coloured_ += differs ? 1 : 0;
         }
+        const float *rgb = m.look.diffuse;
+        tinted_ += !wishes_.tints && !m.picture.empty() && !is_white(rgb) ? 1 : 0;
+        const bool ambient = !std::equal(plain_.ambient, plain_.ambient + 3, m.look.ambient);
+        ambient_ += !wishes_.ambient && ambient ? 1 : 0;
         out_.materials.push_back(m);
         return known_[key] = static_cast<int>(out_.materials.size()) - 1;
     }
 
+    static bool is_white(const float *rgb)
+    {
+        return std::all_of(rgb, rgb + 3, [](float value) { return value >= 1; });
+    }
+
+    job &work_;
     const std::string filename_;
     const model_wishes wishes_;
     material plain_;
@@ -228,15 +276,19 @@ private:
     using material_key = std::tuple<int, int, bool, std::array<float, 4>>;
     std::map<material_key, int> known_;
     std::set<std::string> names_;
+    int last_index_ = -1, last_place_ = 0; // of the surface before
+    bool last_twosided_ = false;
+    const object_t *last_object_ = nullptr;
     int lines_ = 0, lights_ = 0, pictures_ = 0, smooth_ = 0, groups_ = 0, cut_ = 0, coloured_ = 0;
+    int ambient_ = 0, tinted_ = 0;
 };
 
 } // namespace
 
-model take_model(const char *filename, const model_wishes &wishes)
+model take_model(job &work, const char *filename, const model_wishes &wishes)
 {
     vesk_report_export(filename);
-    return taker(filename, wishes).run();
+    return taker(work, filename, wishes).run();
 }
 
 void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out)

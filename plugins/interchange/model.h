@@ -3,6 +3,8 @@
 #ifndef INTERCHANGE_MODEL_H
 #define INTERCHANGE_MODEL_H
 
+#include "work.h"
+
 #include <plugin/vesk.h>
 #include <string>
 #include <vector>
@@ -11,6 +13,7 @@ struct model_material {
     std::string name; // no two have the same
     material look;
     std::string picture; // the texture's file as it is to be named in the model file, "" for none
+    int texture = -1;    // the same in the program's table
     bool twosided = true;
     float repeat[2] = {1, 1}, offset[2] = {0, 0}; // where the coordinates do not hold them
 };
@@ -31,16 +34,17 @@ struct model_node {
     float rotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1}; // v x rotation + place leads to the parent
     point3_t place = {0, 0, 0};
     bool moved = false;                    // the frame is not the parent's
-    std::vector<point3_t> points, normals; // in the own frame
+    std::vector<point3_t> points, normals; // in the own frame; normals when they were wished
     std::vector<model_surface> surfaces;   // without those that show nothing
     std::vector<int> corners;              // indices of points
-    std::vector<float> uv;                 // two a corner
+    std::vector<float> uv;                 // two a corner when it is textured, else none
     bool textured = false;
 };
 
 struct model {
     std::vector<model_node> nodes; // parents before their children
     std::vector<model_material> materials;
+    double elements = 0; // points, surfaces and nodes
 };
 
 // What a format has a place for; the rest is counted in the report.
@@ -49,15 +53,19 @@ struct model_wishes {
     bool lights = true;
     bool pictures = true;
     bool smooth = true;
+    bool normals = true;  // of the points; those of the surfaces are always there
     bool groups = true;   // else everything stands in the world's frame, and groups are left out
     bool polygons = true; // else how many are cut into triangles is noted
     bool sides = false;   // materials say which sides are drawn
     bool placing = false; // of textures, by materials; else by the texture coordinates
     bool colours = true;  // the materials' specular colour and so on
+    bool ambient = true;  // their ambient colour
+    bool tints = true;    // a diffuse colour beside a texture
 };
 
-// The whole world. `filename` is that of the file to be written.
-model take_model(const char *filename, const model_wishes &wishes);
+// The whole world, or what there is of it when the user cancelled. `filename` is that of the file to
+// be written.
+model take_model(job &work, const char *filename, const model_wishes &wishes);
 
 // Three corner numbers (of the node) for each triangle of a polygon.
 void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out);

@@ -30,7 +30,8 @@ std::string one_line(const std::string &name)
 
 class obj_writer {
 public:
-    explicit obj_writer(const model &scene) : scene_(scene)
+    obj_writer(job &work, const model &scene, export_files &files)
+        : work_(work), scene_(scene), files_(files)
     {
         std::set<std::string> taken;
         for (const model_material &m : scene.materials) {
@@ -42,12 +43,13 @@ public:
         }
     }
 
-    std::string geometry(const std::string &materials)
+    void geometry(const std::string &materials)
     {
+        work_.phase(1, scene_.elements);
         out_.add("# VESK\nmtllib ", materials, '\n');
         for (const model_node &node : scene_.nodes)
             add(node);
-        return std::move(out_.text);
+        send();
     }
 
     std::string materials()
@@ -64,11 +66,13 @@ private:
         if (node.surfaces.empty())
             return;
         out_.add("o ", one_line(node.name), '\n');
-        for (const point3_t &p : node.points)
+        for (const point3_t &p : node.points) {
             out_.add("v ", p, '\n');
-        if (node.textured)
-            for (std::size_t i = 0; i < node.uv.size(); i += 2)
-                out_.add("vt ", node.uv[i], ' ', node.uv[i + 1], '\n');
+            if (!goes_on())
+                return;
+        }
+        for (std::size_t i = 0; i < node.uv.size(); i += 2)
+            out_.add("vt ", node.uv[i], ' ', node.uv[i + 1], '\n');
         int material = -1;
         int shading = -1;
         for (const model_surface &s : node.surfaces) {
@@ -77,10 +81,26 @@ private:
             if (!is_line(s) && int{s.smooth} != shading)
                 out_.add("s ", (shading = s.smooth) != 0 ? "1" : "off", '\n');
             surface(node, s);
+            if (!goes_on())
+                return;
         }
         first_point_ += static_cast<int>(node.points.size());
         if (node.textured)
             first_uv_ += static_cast<int>(node.uv.size() / 2);
+    }
+
+    // Whether the user lets it go on.
+    bool goes_on()
+    {
+        if (out_.text.size() > piece)
+            send();
+        return work_.step();
+    }
+
+    void send()
+    {
+        files_.write(out_.text);
+        out_.text.clear();
     }
 
     void surface(const model_node &node, const model_surface &s)
@@ -124,7 +144,11 @@ private:
         out.add('\n');
     }
 
+    static constexpr std::size_t piece = 1 << 20; // bytes that go out at once
+
+    job &work_;
     const model &scene_;
+    export_files &files_;
     text_out out_;
     std::vector<std::string> names_;
     int first_point_ = 1, first_uv_ = 1;
@@ -136,17 +160,17 @@ int obj_export(const char *filename)
 {
     const std::string name = filename;
     model_wishes wishes;
-    wishes.lights = wishes.groups = false;
+    wishes.lights = wishes.groups = wishes.normals = false;
     wishes.placing = true;
-    const model scene = take_model(filename, wishes);
-    obj_writer writer(scene);
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, filename, wishes);
+    obj_writer writer(work, scene, files);
     const std::string materials = one_word(base_name(name), "scene") + ".mtl";
     const std::string folder = vesk_filename_get_path(name.c_str());
-    const std::string beside = vesk_filename_concat_path_file(folder.c_str(), materials.c_str());
-    const std::string text = writer.geometry(materials);
-    if (!write_file(beside, writer.materials())) {
-        display_message("can't open file '%s' for writing", beside.c_str());
-        return 0;
-    }
-    return finish_export(name, text, "OBJ");
+    files.begin(vesk_filename_concat_path_file(folder.c_str(), materials.c_str()));
+    files.write(writer.materials());
+    files.begin(name);
+    writer.geometry(materials);
+    return files.finish(name, "OBJ");
 }

@@ -1,11 +1,12 @@
 #include "formats.h"
 #include "mesh.h"
 #include "obj.h"
+#include "scan.h"
 #include "text.h"
+#include "work.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <climits>
 #include <cstring>
 #include <set>
@@ -14,6 +15,17 @@
 namespace {
 
 bool is_gap(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+// What shares a name, and a picture with its placing, is one part.
+std::string key_of(const std::string &name, const obj_material *m)
+{
+    if (m == nullptr || m->picture.empty())
+        return name + '\n';
+    text_out key;
+    key.add(name, '\n', m->picture, '\n', m->repeat[0], ' ', m->repeat[1], ' ', m->offset[0], ' ',
+            m->offset[1]);
+    return key.text;
+}
 
 // One object of the scene while it is read: what shares a name and a picture.
 struct part {
@@ -40,18 +52,24 @@ public:
             numbers(p + 3, end, 2, uv_);
         } else if (length > 1 && (p[0] == 'f' || p[0] == 'l') && is_gap(p[1])) {
             surface(p + 2, end, p[0] == 'l');
-        } else if (length > 1 && *p != '#' && !(p[0] == 'v' && p[1] == 'n')) {
+        } else if (length > 2 && p[0] == 'v' && p[1] == 'n' && is_gap(p[2])) {
+            if (!has_shading_)
+                numbers(p + 3, end, 3, normals_);
+        } else if (length > 1 && *p != '#') {
             keyword(obj_words(std::string(p, end)));
         }
     }
 
-    object_t *finish() const
+    object_t *finish()
     {
         object_t *top = new_group();
         object_set_name(top, base_name(filename_).c_str());
-        for (const part &p : parts_)
+        points_ = {}; // the parts have theirs
+        for (part &p : parts_) {
             if (!p.mesh.surfaces.empty())
                 object_add_child(top, make(p));
+            p.mesh = {};
+        }
         object_calc_normals_force(top);
         return top;
     }
@@ -63,12 +81,12 @@ private:
         bool good = true;
         for (int i = 0; i < count; ++i) {
             float value = 0;
-            while (p != end && (is_gap(*p) || *p == '+'))
+            while (p != end && is_gap(*p))
                 ++p;
-            const auto read = std::from_chars(p, end, value);
-            good = good && read.ec == std::errc() && std::isfinite(value);
+            const char *after = scan_real(p, end, &value);
+            good = good && after != nullptr && std::isfinite(value);
             out.push_back(std::isfinite(value) ? value : 0);
-            p = read.ptr;
+            p = after == nullptr ? p : after;
         }
         if (!good)
             vesk_report_warning(line_, "%d numbers are needed", count);
@@ -95,6 +113,7 @@ private:
             current_ = no_part;
         } else if (words[0] == "s") {
             smooth_ = rest != "off" && rest != "0";
+            has_shading_ = true;
         } else if (words[0] != "g" && unknown_.insert(words[0]).second) {
             vesk_report_warning(line_, "lines that begin with %s are not read", words[0].c_str());
         }
@@ -105,8 +124,7 @@ private:
     {
         if (current_ != no_part)
             return parts_[current_];
-        const std::string key = name_ + '\n' + (material_ == nullptr ? "" : material_->picture);
-        const auto found = places_.emplace(key, parts_.size());
+        const auto found = places_.emplace(key_of(name_, material_), parts_.size());
         current_ = found.first->second;
         if (found.second) {
             parts_.emplace_back();
@@ -120,22 +138,23 @@ private:
     // An index of the file, from 1 or from the end, as one from 0; -1 for none.
     static int index_of(const char *&p, const char *end, std::size_t count)
     {
+        constexpr long long most = 1LL << 40;
+        const bool from_end = p != end && *p == '-';
+        p += from_end ? 1 : 0;
         long long value = 0;
-        const auto read = std::from_chars(p, end, value);
-        if (read.ptr == p)
+        for (; p != end && *p >= '0' && *p <= '9'; ++p)
+            value = std::min(10 * value + (*p - '0'), most);
+        const auto all = static_cast<long long>(std::min<std::size_t>(count, INT_MAX));
+        if (value < 1 || value > all)
             return -1;
-        p = read.ptr;
-        const auto all = static_cast<long long>(count);
-        const long long index = value > 0 ? value - 1LL : all + value;
-        return value == 0 || read.ec != std::errc() || index < 0 || index >= all || index > INT_MAX
-                   ? -1
-                   : static_cast<int>(index);
+        return static_cast<int>(from_end ? all - value : value - 1);
     }
 
     void surface(const char *p, const char *end, bool line)
     {
         part &to = current();
         bool good = true;
+        corner_normals_.clear();
         while (true) {
             while (p != end && is_gap(*p))
                 ++p;
@@ -144,24 +163,29 @@ private:
             const char *before = p;
             const int point = index_of(p, end, points_.size() / 3);
             int uv = -1;
+            int normal = -1;
             if (p != end && *p == '/') {
                 ++p;
                 uv = index_of(p, end, uv_.size() / 2);
                 if (p != end && *p == '/')
-                    while (p != end && !is_gap(*p))
-                        ++p;
+                    normal = index_of(++p, end, normals_.size() / 3);
             }
+            while (p != end && !is_gap(*p) && p != before)
+                ++p;
             good = good && point >= 0;
-            if (point >= 0)
+            if (point >= 0) {
                 corner(to, point, uv);
+                if (normal >= 0 && !has_shading_)
+                    corner_normals_.push_back(normal);
+            }
             if (p == before)
                 break; // no corner
         }
         const bool closed = line && close_line(to.mesh);
-        const int kind = closed    ? SURFACE_CLOSED_LINE
-                         : line    ? SURFACE_LINE
-                         : smooth_ ? SURFACE_SMOOTH
-                                   : 0;
+        const int kind = closed                      ? SURFACE_CLOSED_LINE
+                         : line                      ? SURFACE_LINE
+                         : smooth_ || bends(to.mesh) ? SURFACE_SMOOTH
+                                                     : 0;
         good = to.mesh.end_surface(material_ == nullptr ? no_material : material_->palette_index,
                                    kind | SURFACE_TWOSIDED) &&
                good;
@@ -170,21 +194,59 @@ private:
                                 line ? "line" : "face");
     }
 
+    // Whether the open surface has a corner whose normal is not the surface's: files that tell no
+    // shading show it so.
+    [[nodiscard]] bool bends(const mesh_arrays &mesh) const
+    {
+        const std::size_t first = static_cast<std::size_t>(mesh.offsets.back());
+        const std::size_t count = mesh.corners.size() - first;
+        if (corner_normals_.empty() || corner_normals_.size() != count)
+            return false;
+        double sum[3] = {}; // Newell's
+        const auto point = [&](std::size_t k, std::size_t axis) {
+            const auto place = static_cast<std::size_t>(mesh.corners[first + k % count]);
+            return static_cast<double>(mesh.points[3 * place + axis]);
+        };
+        for (std::size_t k = 0; k < count; ++k)
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                const std::size_t next = (axis + 1) % 3;
+                sum[(axis + 2) % 3] +=
+                    (point(k, axis) - point(k + 1, axis)) * (point(k, next) + point(k + 1, next));
+            }
+        const double length = std::hypot(sum[0], sum[1], sum[2]);
+        for (const int corner : corner_normals_) {
+            const float *n = &normals_[3 * static_cast<std::size_t>(corner)];
+            const double x = static_cast<double>(n[0]);
+            const double y = static_cast<double>(n[1]);
+            const double z = static_cast<double>(n[2]);
+            const double size = std::hypot(x, y, z);
+            // A degree and a half is rounding; some files' normals all look the other way.
+            if (size > 0 &&
+                std::fabs(x * sum[0] + y * sum[1] + z * sum[2]) < 0.9997 * size * length)
+                return true;
+        }
+        return false;
+    }
+
     // A line that ends where it began is closed, and names that corner once.
     static bool close_line(mesh_arrays &mesh)
     {
         const auto first = static_cast<std::size_t>(mesh.offsets.back());
         if (mesh.corners.size() - first < 4 || mesh.corners[first] != mesh.corners.back())
             return false;
-        mesh.corners.pop_back();
-        mesh.uv.resize(mesh.uv.size() - 2);
+        mesh.keep_corners(mesh.corners.size() - 1);
         return true;
     }
 
     void corner(part &to, int point, int uv)
     {
+        const int place = place_of(to, point);
+        if (uv < 0) {
+            to.mesh.add_corner(place);
+            return;
+        }
         const std::size_t at = 2 * static_cast<std::size_t>(uv);
-        to.mesh.add_corner(place_of(to, point), uv < 0 ? 0 : uv_[at], uv < 0 ? 0 : uv_[at + 1]);
+        to.mesh.add_corner(place, uv_[at], uv_[at + 1]);
     }
 
     // Where a point of the file stands in the part. Each point knows its last part; most have one.
@@ -205,7 +267,7 @@ private:
         return last.place;
     }
 
-    object_t *make(const part &p) const
+    object_t *make(part &p) const
     {
         object_t *object = p.mesh.make_object(p.name);
         if (p.picture_of != nullptr) {
@@ -224,13 +286,15 @@ private:
 
     const std::string filename_;
     int line_ = 0;
-    std::vector<float> points_, uv_;
-    std::vector<owner> owners_; // one a point
+    std::vector<float> points_, uv_, normals_;
+    std::vector<int> corner_normals_; // of the open surface
+    std::vector<owner> owners_;       // one a point
     std::map<std::string, obj_material> materials_;
     const obj_material *material_ = nullptr;
     std::string name_;
     bool has_objects_ = false;
     bool smooth_ = false;
+    bool has_shading_ = false; // the file tells it ("s")
     std::vector<part> parts_;
     std::map<std::string, std::size_t> places_;
     std::size_t current_ = no_part;
@@ -238,27 +302,32 @@ private:
 };
 
 // Line by line; one that ends in "\" goes on with the next.
-void read_lines(const std::string &text, obj_reader &reader)
+void read_lines(job &work, const std::string &text, obj_reader &reader)
 {
     std::string joined;
     int number = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
+    work.phase(share_of_parsing, static_cast<double>(text.size()));
+    const char *const all_end = text.data() + text.size();
+    for (const char *at = text.data(); at < all_end;) {
+        const void *found = std::memchr(at, '\n', static_cast<std::size_t>(all_end - at));
+        const char *end = found == nullptr ? all_end : static_cast<const char *>(found);
+        const char *last = end;
         ++number;
-        std::size_t last = end;
-        while (last > at && text[last - 1] == '\r')
+        while (last > at && last[-1] == '\r')
             --last;
-        const bool goes_on = last > at && text[last - 1] == '\\';
-        if (goes_on) {
-            joined += text.substr(at, last - 1 - at) + ' ';
+        if (last > at && last[-1] == '\\') {
+            joined.append(at, last - 1);
+            joined += ' ';
         } else if (joined.empty()) {
-            reader.line(text.data() + at, text.data() + last, number);
+            reader.line(at, last, number);
         } else {
-            joined += text.substr(at, last - at);
+            joined.append(at, last);
             reader.line(joined.data(), joined.data() + joined.size(), number);
             joined.clear();
         }
         at = end + 1;
+        if (!work.at(static_cast<double>(at - text.data())))
+            return;
     }
     if (!joined.empty())
         reader.line(joined.data(), joined.data() + joined.size(), number);
@@ -269,14 +338,18 @@ void read_lines(const std::string &text, obj_reader &reader)
 object_t *obj_import(const char *filename)
 {
     const std::string name = filename;
+    job work;
     std::string text;
-    if (!read_file(name, &text))
-        return refuse(name, std::strerror(errno));
+    if (!read_file(name, &text, &work))
+        return refuse(work, name, std::strerror(errno));
     obj_reader reader(name);
-    read_lines(text, reader);
+    read_lines(work, text, reader);
+    text = {};
+    if (work.cancelled())
+        return refuse(work, name, "");
     object_t *top = reader.finish();
     if (top->children != nullptr)
         return top;
     object_free(top);
-    return refuse(name, "there is no geometry in it");
+    return refuse(work, name, "there is no geometry in it");
 }

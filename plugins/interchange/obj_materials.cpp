@@ -1,7 +1,8 @@
 #include "obj.h"
-#include "text.h"
+#include "work.h"
 
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace {
 
@@ -87,6 +88,18 @@ private:
     bool open_ = false;
 };
 
+void read_materials(const std::string &text, std::map<std::string, obj_material> &materials)
+{
+    material_reader reader(materials);
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        const std::vector<std::string> words = obj_words(text.substr(at, end - at));
+        if (!words.empty() && words[0][0] != '#')
+            reader.line(words);
+        at = end + 1;
+    }
+}
+
 } // namespace
 
 std::vector<std::string> obj_words(const std::string &line)
@@ -101,22 +114,44 @@ std::vector<std::string> obj_words(const std::string &line)
     return words;
 }
 
+namespace {
+
+constexpr off_t most_bytes = off_t{1} << 30; // a library has a few thousand
+
+// Only a file: a device or a pipe might never end.
+bool read_library(const std::string &obj_file, std::string name, std::string *text)
+{
+    std::replace(name.begin(), name.end(), '\\', '/');
+    const std::string folder = vesk_filename_get_path(obj_file.c_str());
+    const std::string path =
+        name[0] == '/' ? name : vesk_filename_concat_path_file(folder.c_str(), name.c_str());
+    struct stat about = {};
+    return stat(path.c_str(), &about) == 0 && S_ISREG(about.st_mode) &&
+           about.st_size < most_bytes && read_file(path, text);
+}
+
+} // namespace
+
 void obj_read_materials(const std::string &obj_file, const std::string &name, int line,
                         std::map<std::string, obj_material> &materials)
 {
-    const std::string folder = vesk_filename_get_path(obj_file.c_str());
-    const std::string path = vesk_filename_concat_path_file(folder.c_str(), name.c_str());
     std::string text;
-    if (!read_file(path, &text)) {
-        vesk_report_warning(line, "the materials %s were not found", name.c_str());
+    if (name.empty() || read_library(obj_file, name, &text)) {
+        read_materials(text, materials);
         return;
     }
-    material_reader reader(materials);
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        const std::vector<std::string> words = obj_words(text.substr(at, end - at));
-        if (!words.empty() && words[0][0] != '#')
-            reader.line(words);
-        at = end + 1;
+    // A name may hold blanks; else they part several.
+    std::vector<std::string> missing;
+    const std::vector<std::string> words = obj_words(name);
+    for (const std::string &word : words) {
+        text.clear();
+        if (words.size() > 1 && read_library(obj_file, word, &text))
+            read_materials(text, materials);
+        else
+            missing.push_back(word);
     }
+    if (missing.size() == words.size())
+        missing.assign(1, name);
+    for (const std::string &word : missing)
+        vesk_report_warning(line, "the materials %s were not found", word.c_str());
 }

@@ -10,9 +10,12 @@ namespace {
 
 class ply_writer {
 public:
-    ply_writer(const model &scene, bool binary) : scene_(scene), binary_(binary) {}
+    ply_writer(job &work, const model &scene, export_files &files, bool binary)
+        : work_(work), scene_(scene), files_(files), binary_(binary)
+    {
+    }
 
-    std::string run()
+    void run()
     {
         std::size_t vertices = 0;
         std::size_t faces = 0;
@@ -37,10 +40,11 @@ public:
         vesk_report_loss(pictures.size() > 1 ? static_cast<int>(pictures.size()) : 0, "textures");
         vesk_report_loss(scene_.nodes.size() > 1 ? static_cast<int>(scene_.nodes.size()) : 0,
                          "objects of their own");
+        work_.phase(1, scene_.elements);
         points();
         each_surface(false);
         each_surface(true);
-        return std::move(out_.text);
+        send();
     }
 
 private:
@@ -67,6 +71,19 @@ private:
             out_.add("element edge ", edges, "\nproperty uint vertex1\nproperty uint vertex2\n",
                      colour);
         out_.add("end_header\n");
+    }
+
+    // Whether the user lets it go on.
+    bool goes_on()
+    {
+        if (out_.text.size() > piece)
+            send();
+        return work_.step();
+    }
+    void send()
+    {
+        files_.write(out_.text);
+        out_.text.clear();
     }
 
     // Lists are counted in a byte where they can be: some readers know nothing else.
@@ -100,6 +117,8 @@ private:
                 for (const float value : {p.x, p.y, p.z})
                     number(value);
                 end_row();
+                if (!goes_on())
+                    return;
             }
         }
     }
@@ -115,6 +134,8 @@ private:
                     edges(node, surface, first);
                 else
                     face(node, surface, first);
+                if (!goes_on())
+                    return;
             }
             first += static_cast<std::uint32_t>(node.points.size());
         }
@@ -133,7 +154,7 @@ private:
         if (textured_) {
             length(2 * surface.count);
             for (int k = 2 * surface.first; k < 2 * (surface.first + surface.count); ++k)
-                number(node.uv[static_cast<std::size_t>(k)]);
+                number(node.textured ? node.uv[static_cast<std::size_t>(k)] : 0.0f);
         }
         colour(surface);
     }
@@ -162,7 +183,11 @@ private:
         end_row();
     }
 
+    static constexpr std::size_t piece = 1 << 20; // bytes that go out at once
+
+    job &work_;
     const model &scene_;
+    export_files &files_;
     const bool binary_;
     bool textured_ = false;
     int longest_ = 0;
@@ -173,9 +198,13 @@ int ply_write(const char *filename, bool binary)
 {
     const std::string name = filename;
     model_wishes wishes;
-    wishes.lights = wishes.smooth = wishes.groups = wishes.colours = false;
-    const model scene = take_model(filename, wishes);
-    return finish_export(name, ply_writer(scene, binary).run(), "PLY");
+    wishes.lights = wishes.smooth = wishes.groups = wishes.colours = wishes.normals = false;
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, filename, wishes);
+    files.begin(name);
+    ply_writer(work, scene, files, binary).run();
+    return files.finish(name, "PLY");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "formats.h"
 #include "mesh.h"
 #include "text.h"
+#include "work.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -136,7 +137,7 @@ private:
 
 class ply_reader {
 public:
-    explicit ply_reader(const std::string &bytes) : bytes_(bytes) {}
+    ply_reader(job &work, const std::string &bytes) : work_(work), bytes_(bytes) {}
 
     // "", or why it cannot be read.
     std::string run()
@@ -145,8 +146,11 @@ public:
         if (!reason.empty())
             return reason;
         number_reader numbers(bytes_, at_, form_, line_);
+        work_.phase(share_of_parsing, static_cast<double>(numbers.left()));
         for (const element &e : elements_)
             if (!table(e, numbers)) {
+                if (work_.cancelled())
+                    return "it was cancelled";
                 vesk_report_warning(numbers.line(), "the file ends within its %s table",
                                     e.name.c_str());
                 break;
@@ -162,7 +166,7 @@ public:
         return "";
     }
 
-    object_t *make(const std::string &filename) const
+    object_t *make(const std::string &filename)
     {
         object_t *object = mesh_.make_object(base_name(filename));
         if (!texture_.empty())
@@ -256,6 +260,8 @@ private:
             for (std::size_t k = 0; k < e.properties.size(); ++k)
                 if (!read_field(e.properties[k], numbers, &row[k]))
                     return false;
+            if (!work_.at(static_cast<double>(bytes_.size() - at_ - numbers.left())))
+                return false;
             if (vertices)
                 add_vertex(row);
             else if (e.name == "tristrips")
@@ -346,8 +352,12 @@ private:
     void corner(int index, float u, float v)
     {
         const std::size_t at = 2 * static_cast<std::size_t>(index);
-        const bool has_uv = at + 1 < vertex_uv_.size();
-        mesh_.add_corner(index, has_uv ? vertex_uv_[at] : u, has_uv ? vertex_uv_[at + 1] : v);
+        if (at + 1 < vertex_uv_.size())
+            mesh_.add_corner(index, vertex_uv_[at], vertex_uv_[at + 1]);
+        else if (u != 0 || v != 0)
+            mesh_.add_corner(index, u, v);
+        else
+            mesh_.add_corner(index);
     }
 
     void end_surface(int colour, int flags)
@@ -471,6 +481,7 @@ private:
         return true;
     }
 
+    job &work_;
     const std::string &bytes_;
     std::size_t at_ = 0;
     int line_ = 0;
@@ -495,9 +506,10 @@ object_t *ply_import(const char *filename)
 {
     const std::string name = filename;
     std::string bytes;
-    if (!read_file(name, &bytes))
-        return refuse(name, std::strerror(errno));
-    ply_reader reader(bytes);
+    job work;
+    if (!read_file(name, &bytes, &work))
+        return refuse(work, name, std::strerror(errno));
+    ply_reader reader(work, bytes);
     const std::string reason = reader.run();
-    return reason.empty() ? reader.make(name) : refuse(name, reason);
+    return reason.empty() && !work.cancelled() ? reader.make(name) : refuse(work, name, reason);
 }

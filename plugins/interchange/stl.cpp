@@ -3,6 +3,7 @@
 #include "mesh.h"
 #include "model.h"
 #include "text.h"
+#include "work.h"
 
 #include <array>
 #include <cerrno>
@@ -38,7 +39,7 @@ public:
         const auto found = known_.emplace(p, mesh.num_points());
         if (found.second)
             mesh.points.insert(mesh.points.end(), p.begin(), p.end());
-        mesh.add_corner(found.first->second, 0, 0);
+        mesh.add_corner(found.first->second);
     }
     mesh_arrays mesh;
 
@@ -48,14 +49,16 @@ private:
 
 class stl_reader {
 public:
-    explicit stl_reader(const std::string &name) : top_(new_group()), base_(base_name(name))
+    stl_reader(job &work, const std::string &name)
+        : work_(work), top_(new_group()), base_(base_name(name))
     {
         object_set_name(top_, base_.c_str());
     }
 
     void binary(const std::string &bytes, std::size_t count)
     {
-        for (std::size_t i = 0; i < count; ++i) {
+        work_.phase(share_of_parsing, static_cast<double>(count));
+        for (std::size_t i = 0; i < count && work_.step(); ++i) {
             float values[12]; // the normal first
             std::memcpy(values, &bytes[header_size + triangle_size * i], sizeof values);
             for (int k = 3; k < 12; k += 3)
@@ -69,7 +72,8 @@ public:
     {
         std::string name = base_;
         int number = 0;
-        for (std::size_t at = 0; at < bytes.size();) {
+        work_.phase(share_of_parsing, static_cast<double>(bytes.size()));
+        for (std::size_t at = 0; at < bytes.size() && work_.at(static_cast<double>(at));) {
             const std::size_t end = std::min(bytes.find('\n', at), bytes.size());
             const std::size_t first = bytes.find_first_not_of(" \t\r", at);
             ++number;
@@ -127,13 +131,14 @@ private:
 
     void finish_part(const std::string &name)
     {
-        if (!part_.mesh.surfaces.empty()) {
+        if (!part_.mesh.surfaces.empty() && !work_.cancelled()) {
             object_add_child(top_, part_.mesh.make_object(name));
             ++parts_;
         }
         part_ = part_reader();
     }
 
+    job &work_;
     object_t *top_;
     const std::string base_;
     part_reader part_;
@@ -163,7 +168,7 @@ model_wishes wishes()
 {
     model_wishes w;
     w.lines = w.lights = w.pictures = w.smooth = w.groups = w.polygons = false;
-    w.colours = false;
+    w.colours = w.normals = false;
     return w;
 }
 
@@ -173,10 +178,12 @@ const point3_t &point_of(const model_node &node, int corner)
 }
 
 template <class Each>
-void each_triangle(const model_node &node, Each &&each)
+void each_triangle(job &work, const model_node &node, Each &&each)
 {
     std::vector<int> corners;
     for (const model_surface &surface : node.surfaces) {
+        if (!work.step())
+            return;
         corners.clear();
         cut_surface(node, surface, corners);
         for (std::size_t i = 0; i + 2 < corners.size(); i += 3)
@@ -196,29 +203,33 @@ object_t *stl_import(const char *filename)
 {
     const std::string name = filename;
     std::string bytes;
-    if (!read_file(name, &bytes))
-        return refuse(name, std::strerror(errno));
-    stl_reader reader(name);
+    job work;
+    if (!read_file(name, &bytes, &work))
+        return refuse(work, name, std::strerror(errno));
+    stl_reader reader(work, name);
     if (const std::size_t count = binary_count(bytes); count > 0)
         reader.binary(bytes, count);
     else
         reader.text(bytes);
-    if (!reader.empty())
+    if (!work.cancelled() && !reader.empty())
         return reader.finish();
     reader.drop();
-    return refuse(name, "there are no triangles in it");
+    return refuse(work, name, "there are no triangles in it");
 }
 
 int stl_text_export(const char *filename)
 {
     const std::string name = filename;
-    const model scene = take_model(filename, wishes());
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, filename, wishes());
     report_colours(scene);
     text_out out;
+    work.phase(0.9, scene.elements);
     for (const model_node &node : scene.nodes) {
         const std::string title = vesk_utf8(node.name.c_str());
         out.add("solid ", title, '\n');
-        each_triangle(node, [&](const point3_t &normal, const int *corners) {
+        each_triangle(work, node, [&](const point3_t &normal, const int *corners) {
             out.add("facet normal ", normal, "\nouter loop\n");
             for (int k = 0; k < 3; ++k)
                 out.add("vertex ", point_of(node, corners[k]), '\n');
@@ -226,21 +237,25 @@ int stl_text_export(const char *filename)
         });
         out.add("endsolid ", title, '\n');
     }
-    return finish_export(name, out.text, "STL");
+    files.add(name, out.text);
+    return files.finish(name, "STL");
 }
 
 int stl_export(const char *filename)
 {
     const std::string name = filename;
-    const model scene = take_model(filename, wishes());
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, filename, wishes());
     report_colours(scene);
     vesk_report_loss(scene.nodes.size() > 1 ? static_cast<int>(scene.nodes.size()) : 0,
                      "objects of their own");
     std::string bytes = "VESK";
     bytes.resize(header_size, '\0');
     std::uint32_t count = 0;
+    work.phase(0.9, scene.elements);
     for (const model_node &node : scene.nodes) {
-        each_triangle(node, [&](const point3_t &normal, const int *corners) {
+        each_triangle(work, node, [&](const point3_t &normal, const int *corners) {
             const auto add = [&](const point3_t &p) {
                 for (const float value : {p.x, p.y, p.z})
                     add_bytes(bytes, value);
@@ -253,5 +268,6 @@ int stl_export(const char *filename)
         });
     }
     std::memcpy(&bytes[header_size - 4], &count, sizeof count);
-    return finish_export(name, bytes, "STL");
+    files.add(name, bytes);
+    return files.finish(name, "STL");
 }

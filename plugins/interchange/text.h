@@ -62,14 +62,4 @@ std::string url_text(const std::string &text);
 // The name of a file without its folder and suffix.
 std::string base_name(const std::string &filename);
 
-bool read_file(const std::string &name, std::string *bytes);
-
-// Writes under another name first, so that a failure leaves the former file, and tells the outcome
-// in one line: what was left out, too. Returns 1 or 0.
-int finish_export(const std::string &filename, const std::string &bytes, const char *format);
-bool write_file(const std::string &filename, const std::string &bytes);
-
-// Tells that a file cannot be read; returns null.
-object_t *refuse(const std::string &filename, const std::string &reason);
-
 #endif

@@ -1,9 +1,12 @@
 // 3MF as it is read: objects by their names with their frames, triangles in the colours of base
-// materials and colour groups. What it has besides (textures, slices, lattices) is told.
+// materials and colour groups and with the pictures of texture groups, also several of these on one
+// triangle. What it has besides (slices, lattices) is told.
 #include "archive.h"
 #include "formats.h"
 #include "mesh.h"
+#include "tags.h"
 #include "text.h"
+#include "work.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,124 +20,7 @@ namespace {
 constexpr std::size_t most_bytes = std::size_t{1} << 31; // of the model's text
 constexpr std::size_t most_triangles = 50000000;         // of all that is built of it
 constexpr int most_levels = 100;
-
-// ---- XML, as far as it is needed: tags and their attributes ----
-
-class tag_reader {
-public:
-    explicit tag_reader(const std::string &text) : text_(text) {}
-
-    std::string name; // without a prefix
-    bool closes = false, empty = false;
-
-    bool next()
-    {
-        while (true) {
-            const std::size_t begin = text_.find('<', at_);
-            if (begin == std::string::npos)
-                return false;
-            if (text_.compare(begin, 4, "<!--") == 0) {
-                at_ = text_.find("-->", begin);
-                if (at_ == std::string::npos)
-                    return false;
-                continue;
-            }
-            std::size_t end = begin;
-            for (char quote = '\0'; end < text_.size() && (quote != '\0' || text_[end] != '>');
-                 ++end) {
-                if (quote != '\0' ? text_[end] == quote : (text_[end] == '"' || text_[end] == '\''))
-                    quote = quote == '\0' ? text_[end] : '\0';
-            }
-            if (end >= text_.size())
-                return false;
-            at_ = end + 1;
-            if (text_[begin + 1] == '?' || text_[begin + 1] == '!')
-                continue;
-            take(begin + 1, end);
-            return true;
-        }
-    }
-
-    // "" when there is none.
-    [[nodiscard]] std::string text(const char *attribute) const
-    {
-        std::size_t begin = 0;
-        std::size_t end = 0;
-        return find(attribute, &begin, &end) ? decoded(text_.substr(begin, end - begin)) : "";
-    }
-    template <class N>
-    [[nodiscard]] N number(const char *attribute, N fallback) const
-    {
-        std::size_t begin = 0;
-        std::size_t end = 0;
-        N value = fallback;
-        if (find(attribute, &begin, &end)) {
-            while (begin < end && (text_[begin] == ' ' || text_[begin] == '+'))
-                ++begin;
-            if (std::from_chars(text_.data() + begin, text_.data() + end, value).ec != std::errc())
-                value = fallback;
-        }
-        return value;
-    }
-
-private:
-    void take(std::size_t begin, std::size_t end)
-    {
-        closes = text_[begin] == '/';
-        begin += closes ? 1 : 0;
-        empty = end > begin && text_[end - 1] == '/';
-        end_ = end - (empty ? 1 : 0);
-        const std::size_t stop = std::min(text_.find_first_of(" \t\r\n", begin), end_);
-        name = text_.substr(begin, stop - begin);
-        name = name.substr(name.find(':') + 1);
-        attributes_ = stop;
-    }
-
-    bool find(const char *attribute, std::size_t *begin, std::size_t *end) const
-    {
-        const std::size_t length = std::strlen(attribute);
-        for (std::size_t at = attributes_; at < end_;) {
-            at = text_.find_first_not_of(" \t\r\n", at);
-            const std::size_t equals = text_.find('=', std::min(at, end_));
-            if (at >= end_ || equals >= end_)
-                return false;
-            const std::size_t open = text_.find_first_of("\"'", equals);
-            if (open >= end_)
-                return false;
-            const std::size_t close = text_.find(text_[open], open + 1);
-            if (close > end_)
-                return false;
-            if (equals - at >= length && text_.compare(at, length, attribute) == 0 &&
-                text_.find_first_not_of(" \t\r\n", at + length) == equals) {
-                *begin = open + 1;
-                *end = close;
-                return true;
-            }
-            at = close + 1;
-        }
-        return false;
-    }
-
-    static std::string decoded(const std::string &text)
-    {
-        static const std::pair<const char *, const char *> entities[] = {
-            {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}, {"&amp;", "&"}};
-        std::string out;
-        for (std::size_t at = 0; at < text.size();) {
-            const auto *found =
-                std::find_if(std::begin(entities), std::end(entities), [&](const auto &entity) {
-                    return text.compare(at, std::strlen(entity.first), entity.first) == 0;
-                });
-            const bool known = found != std::end(entities);
-            out += known ? found->second : text.substr(at, 1);
-            at += known ? std::strlen(found->first) : 1;
-        }
-        return out;
-    }
-
-    const std::string &text_;
-    std::size_t at_ = 0, attributes_ = 0, end_ = 0;
-};
+constexpr std::size_t most_picture_bytes = std::size_t{1} << 28; // of one
 
 // ---- what the file holds ----
 
@@ -177,31 +63,91 @@ struct component {
     placing place;
 };
 
+constexpr int no_picture = -1;
+
 struct stored_object {
     std::string name;
     std::vector<float> points;
     std::vector<int> corners, materials; // three a triangle; palette indices
+    std::vector<int> pictures;           // one a triangle, as far as there are any
+    std::vector<float> uv;               // six a triangle, likewise
     std::vector<component> components;
+
+    [[nodiscard]] int picture(std::size_t triangle) const
+    {
+        return triangle < pictures.size() ? pictures[triangle] : no_picture;
+    }
 };
+
+struct texture_group {
+    int picture;
+    std::vector<float> uv;
+};
+
+// Entries of several groups at once.
+struct multi_group {
+    std::vector<int> groups;
+    std::vector<std::vector<int>> entries;
+};
+
+// What a corner of a triangle looks like.
+struct corner_look {
+    int material = no_material;
+    int picture = no_picture;
+    float uv[2] = {0, 0};
+};
+
+std::vector<int> whole_numbers(const std::string &text)
+{
+    std::vector<int> numbers;
+    const char *at = text.c_str();
+    for (char *end = nullptr;; at = end) {
+        const long value = std::strtol(at, &end, 10);
+        if (end == at)
+            return numbers;
+        numbers.push_back(static_cast<int>(std::min(std::max(value, -1L), 0x7FFFFFFFL)));
+    }
+}
+
+// A 3MF unit in millimetres.
+float size_of_unit(const std::string &unit)
+{
+    static const std::map<std::string, float> units = {{"micron", 0.001f},
+                                                       {"centimeter", 10.0f},
+                                                       {"meter", 1000.0f},
+                                                       {"inch", 25.4f},
+                                                       {"foot", 304.8f}};
+    const auto found = units.find(unit);
+    return found == units.end() ? 1 : found->second;
+}
 
 class threemf_reader {
 public:
-    explicit threemf_reader(const std::string &text) : tags_(text) {}
+    threemf_reader(job &work, const std::string &text)
+        : work_(work), size_(text.size()), tags_(text)
+    {
+    }
 
     void read()
     {
-        while (tags_.next())
+        work_.phase(share_of_parsing, static_cast<double>(size_));
+        while (tags_.next() && work_.at(static_cast<double>(tags_.place())))
             tag();
         if (bad_ > 0)
             vesk_report_warning(0, "%u triangles with bad corners were left out", bad_);
     }
 
-    // A world of the items, or of all objects when there are none.
-    object_t *build()
+    // The parts of the archive that hold pictures, by their numbers.
+    [[nodiscard]] const std::map<int, std::string> &pictures() const { return pictures_; }
+
+    // A world of the items. `files` are the pictures' files, `filename` is the model's.
+    object_t *build(const std::string &filename, const std::map<int, std::string> &files)
     {
+        filename_ = filename;
+        files_ = &files;
         object_t *world = new_object(OBJECT_WORLD);
         placing upright; // (x, y, z) becomes (x, z, -y)
-        const float turn[9] = {1, 0, 0, 0, 0, -1, 0, 1, 0};
+        const float turn[9] = {unit_, 0, 0, 0, 0, -unit_, 0, unit_, 0};
         std::copy_n(turn, 9, upright.m);
         for (const component &item : items_)
             add(world, item.object, combined(item.place, upright), 0);
@@ -220,25 +166,33 @@ private:
                 current_ = nullptr;
             return;
         }
-        if (name == "basematerials" || name == "colorgroup")
-            group_ = &groups_[tags_.number("id", -1)];
+        if (name == "model")
+            unit_ = size_of_unit(tags_.text("unit"));
+        else if (name == "basematerials" || name == "colorgroup")
+            group_ = &groups_[tags_.whole("id", -1)];
         else if ((name == "base" || name == "color") && group_ != nullptr)
             group_->push_back(colour(name == "base" ? "displaycolor" : "color"));
+        else if (name == "texture2d")
+            pictures_[tags_.whole("id", -1)] = tags_.text("path");
+        else if (name == "texture2dgroup" || name == "tex2coord")
+            texture(name == "tex2coord");
+        else if (name == "multiproperties" || name == "multi")
+            multi(name == "multi");
         else if (name == "object")
             begin_object();
         else if (name == "vertex" && current_ != nullptr)
             for (const char *axis : {"x", "y", "z"}) {
-                const float value = tags_.number(axis, 0.0f);
+                const float value = tags_.real(axis, 0);
                 current_->points.push_back(std::isfinite(value) ? value : 0);
             }
         else if (name == "triangle" && current_ != nullptr)
             triangle();
         else if (name == "component" && current_ != nullptr)
             current_->components.push_back(
-                {tags_.number("objectid", -1), placing_of(tags_.text("transform"))});
+                {tags_.whole("objectid", -1), placing_of(tags_.text("transform"))});
         else if (name == "item")
-            items_.push_back({tags_.number("objectid", -1), placing_of(tags_.text("transform"))});
-        else if ((name == "texture2d" || name == "beamlattice" || name == "slicestack") &&
+            items_.push_back({tags_.whole("objectid", -1), placing_of(tags_.text("transform"))});
+        else if ((name == "compositematerials" || name == "beamlattice" || name == "slicestack") &&
                  told_.insert(name).second)
             vesk_report_warning(0, "its %s elements are not read", name.c_str());
     }
@@ -262,36 +216,95 @@ private:
 
     void begin_object()
     {
-        stored_object &object = objects_[tags_.number("id", -1)];
+        stored_object &object = objects_[tags_.whole("id", -1)];
         object = stored_object();
         object.name = tags_.text("name");
         current_ = &object;
-        group_of_object_ = tags_.number("pid", -1);
-        place_in_group_ = tags_.number("pindex", 0);
+        group_of_object_ = tags_.whole("pid", -1);
+        place_in_group_ = tags_.whole("pindex", 0);
     }
 
-    [[nodiscard]] int material_of(int group, int place) const
+    void texture(bool coordinates)
     {
-        const auto found = groups_.find(group);
-        const bool known = found != groups_.end() && place >= 0 &&
-                           static_cast<std::size_t>(place) < found->second.size();
-        return known ? found->second[static_cast<std::size_t>(place)] : 0;
+        if (!coordinates) {
+            textures_known_ = &textures_[tags_.whole("id", -1)];
+            textures_known_->picture = tags_.whole("texid", no_picture);
+        } else if (textures_known_ != nullptr) {
+            for (const char *axis : {"u", "v"}) {
+                const float value = tags_.real(axis, 0);
+                textures_known_->uv.push_back(std::isfinite(value) ? value : 0);
+            }
+        }
+    }
+
+    void multi(bool entry)
+    {
+        if (!entry) {
+            multi_ = &multis_[tags_.whole("id", -1)];
+            multi_->groups = whole_numbers(tags_.text("pids"));
+        } else if (multi_ != nullptr) {
+            multi_->entries.push_back(whole_numbers(tags_.text("pindices")));
+        }
+    }
+
+    void take_look(int group, int place, corner_look *look) const
+    {
+        if (place < 0)
+            return;
+        const auto at = static_cast<std::size_t>(place);
+        const auto colours = groups_.find(group);
+        if (colours != groups_.end() && at < colours->second.size())
+            look->material = colours->second[at];
+        const auto textures = textures_.find(group);
+        if (textures != textures_.end() && 2 * at + 1 < textures->second.uv.size()) {
+            look->picture = textures->second.picture;
+            std::copy_n(&textures->second.uv[2 * at], 2, look->uv);
+        }
+    }
+
+    [[nodiscard]] corner_look look_of(int group, int place) const
+    {
+        corner_look look;
+        take_look(group, place, &look);
+        const auto several = multis_.find(group);
+        if (several == multis_.end() || place < 0 ||
+            static_cast<std::size_t>(place) >= several->second.entries.size())
+            return look;
+        const std::vector<int> &places = several->second.entries[static_cast<std::size_t>(place)];
+        for (std::size_t i = 0; i < several->second.groups.size(); ++i)
+            take_look(several->second.groups[i], i < places.size() ? places[i] : 0, &look);
+        return look;
     }
 
     void triangle()
     {
         const int count = static_cast<int>(current_->points.size() / 3);
-        const int corners[3] = {tags_.number("v1", -1), tags_.number("v2", -1),
-                                tags_.number("v3", -1)};
+        const int corners[3] = {tags_.whole("v1", -1), tags_.whole("v2", -1),
+                                tags_.whole("v3", -1)};
         for (const int corner : corners)
             if (corner < 0 || corner >= count) {
                 ++bad_;
                 return;
             }
         current_->corners.insert(current_->corners.end(), corners, corners + 3);
-        const int group = tags_.number("pid", group_of_object_);
-        current_->materials.push_back(material_of(
-            group, tags_.number("p1", group == group_of_object_ ? place_in_group_ : 0)));
+        const int group = tags_.whole("pid", group_of_object_);
+        const int first = tags_.whole("p1", group == group_of_object_ ? place_in_group_ : 0);
+        const corner_look look = look_of(group, first);
+        // Below a texture without a colour lies that of the object.
+        const int material = look.material != no_material
+                                 ? look.material
+                                 : look_of(group_of_object_, place_in_group_).material;
+        current_->materials.push_back(material);
+        if (look.picture == no_picture)
+            return;
+        const std::size_t triangles = current_->materials.size();
+        current_->pictures.resize(triangles, no_picture);
+        current_->pictures.back() = look.picture;
+        current_->uv.resize(6 * triangles);
+        const corner_look others[] = {look, look_of(group, tags_.whole("p2", first)),
+                                      look_of(group, tags_.whole("p3", first))};
+        for (std::size_t i = 0; i < 3; ++i)
+            std::copy_n(others[i].uv, 2, &current_->uv[6 * (triangles - 1) + 2 * i]);
     }
 
     void add(object_t *parent, int id, const placing &place, int level)
@@ -326,33 +339,77 @@ private:
                 level + 1);
     }
 
-    static object_t *make(const stored_object &stored, const std::string &name,
-                          const placing &place)
+    // A group; an object when there are triangles; one below a group for each picture when there are
+    // several.
+    [[nodiscard]] object_t *make(const stored_object &stored, const std::string &name,
+                                 const placing &place) const
     {
+        std::set<int> used;
+        for (std::size_t i = 0; i < stored.materials.size(); ++i)
+            used.insert(stored.picture(i));
         object_t *object = nullptr;
-        if (stored.materials.empty()) {
+        if (used.size() == 1) {
+            object = make_mesh(stored, name, place, *used.begin(), false);
+        } else {
             object = new_group();
             object_set_name(object, name.c_str());
-        } else {
-            mesh_arrays mesh;
-            for (std::size_t i = 0; i + 2 < stored.points.size(); i += 3)
-                for (int column = 0; column < 3; ++column) {
-                    float sum = place.m[9 + column];
-                    for (std::size_t k = 0; k < 3; ++k)
-                        sum += stored.points[i + k] *
-                               place.m[3 * k + static_cast<std::size_t>(column)];
-                    mesh.points.push_back(sum + 0.0f);
-                }
-            for (std::size_t i = 0; i < stored.corners.size(); ++i) {
-                mesh.add_corner(stored.corners[i], 0, 0);
-                if (i % 3 == 2)
-                    mesh.end_surface(stored.materials[i / 3], SURFACE_TWOSIDED);
-            }
-            object = mesh.make_object(name);
+            for (const int picture : used)
+                object_add_child(object, make_mesh(stored, name, place, picture, true));
         }
+        set_frame(object, place);
+        return object;
+    }
+
+    // The triangles with one picture; of some of them only the points that they use.
+    [[nodiscard]] object_t *make_mesh(const stored_object &stored, const std::string &name,
+                                      const placing &place, int picture, bool some) const
+    {
+        mesh_arrays mesh;
+        std::vector<int> places(some ? stored.points.size() / 3 : 0, -1);
+        for (std::size_t i = 0; i + 2 < stored.points.size() && !some; i += 3)
+            add_point(mesh, &stored.points[i], place);
+        for (std::size_t i = 0; i < stored.materials.size(); ++i) {
+            if (stored.picture(i) != picture)
+                continue;
+            for (std::size_t k = 3 * i; k < 3 * i + 3; ++k) {
+                int point = stored.corners[k];
+                if (some) {
+                    int &own = places[static_cast<std::size_t>(point)];
+                    if (own < 0) {
+                        own = mesh.num_points();
+                        add_point(mesh, &stored.points[3 * static_cast<std::size_t>(point)], place);
+                    }
+                    point = own;
+                }
+                if (picture == no_picture)
+                    mesh.add_corner(point);
+                else
+                    mesh.add_corner(point, stored.uv[2 * k], stored.uv[2 * k + 1]);
+            }
+            mesh.end_surface(stored.materials[i], SURFACE_TWOSIDED);
+        }
+        object_t *object = mesh.make_object(name);
+        set_frame(object, place);
+        const auto file = files_->find(picture);
+        if (file != files_->end())
+            search_and_set_texture(object, filename_.c_str(), file->second.c_str());
+        return object;
+    }
+
+    static void add_point(mesh_arrays &mesh, const float *p, const placing &place)
+    {
+        for (std::size_t column = 0; column < 3; ++column) {
+            float sum = place.m[9 + column];
+            for (std::size_t k = 0; k < 3; ++k)
+                sum += p[k] * place.m[3 * k + column];
+            mesh.points.push_back(sum + 0.0f);
+        }
+    }
+
+    static void set_frame(object_t *object, const placing &place)
+    {
         vesk_object_set_centre(object, place.m[9], place.m[10], place.m[11]);
         set_rotation(object, place);
-        return object;
     }
 
     // Of a frame that only turns, perhaps with one scale.
@@ -381,9 +438,19 @@ private:
             object->rotation[i] = place.m[i] / size;
     }
 
+    job &work_;
+    const std::size_t size_;
     tag_reader tags_;
+    float unit_ = 1;
+    std::string filename_;
+    const std::map<int, std::string> *files_ = nullptr;
     std::map<int, std::vector<int>> groups_;
     std::vector<int> *group_ = nullptr;
+    std::map<int, std::string> pictures_;
+    std::map<int, texture_group> textures_;
+    texture_group *textures_known_ = nullptr;
+    std::map<int, multi_group> multis_;
+    multi_group *multi_ = nullptr;
     std::map<int, stored_object> objects_;
     stored_object *current_ = nullptr;
     int group_of_object_ = -1, place_in_group_ = 0;
@@ -415,35 +482,71 @@ std::string model_part(const std::string &bytes,
     return "3D/3dmodel.model";
 }
 
+// Writes the pictures of the archive to files; their names by the pictures' numbers.
+std::map<int, std::string> extract_pictures(const std::string &filename, const std::string &bytes,
+                                            const std::map<std::string, archive_entry> &entries,
+                                            const std::map<int, std::string> &pictures)
+{
+    std::map<int, std::string> files;
+    if (pictures.empty())
+        return files;
+    const std::string folder =
+        vesk_embedded_images_folder(filename.c_str(), static_cast<int>(pictures.size()));
+    for (const auto &[number, path] : pictures) {
+        const auto entry =
+            entries.find(path.substr(std::min(path.find_first_not_of('/'), path.size())));
+        std::string content;
+        if (entry == entries.end() ||
+            !archive_extract(bytes, entry->second, most_picture_bytes, &content)) {
+            vesk_report_warning(0, "the picture %s is not in the file", path.c_str());
+            continue;
+        }
+        const std::string written =
+            vesk_embedded_image_write(folder.c_str(), path.c_str(), content.data(), content.size());
+        if (!written.empty())
+            files[number] = written;
+    }
+    return files;
+}
+
+// Whether there is a surface in it or below.
+bool holds_surfaces(object_t *top)
+{
+    std::vector<object_t *> waiting(1, top);
+    while (!waiting.empty()) {
+        object_t *object = waiting.back();
+        waiting.pop_back();
+        if (object->num_surfaces > 0)
+            return true;
+        for (const listitem *at = object->children; at != nullptr; at = at->next)
+            waiting.push_back(reinterpret_cast<object_t *>(at->data));
+    }
+    return false;
+}
+
 } // namespace
 
 object_t *threemf_import(const char *filename)
 {
     const std::string name = filename;
     std::string bytes;
-    if (!read_file(name, &bytes))
-        return refuse(name, std::strerror(errno));
+    job work;
+    if (!read_file(name, &bytes, &work))
+        return refuse(work, name, std::strerror(errno));
     const std::map<std::string, archive_entry> entries = archive_entries(bytes);
     const auto part = entries.find(model_part(bytes, entries));
     std::string text;
     if (part == entries.end())
-        return refuse(name, "there is no model in it");
+        return refuse(work, name, "there is no model in it");
     if (!archive_extract(bytes, part->second, most_bytes, &text))
-        return refuse(name, "its model is damaged");
-    threemf_reader reader(text);
+        return refuse(work, name, "its model is damaged");
+    threemf_reader reader(work, text);
     reader.read();
-    object_t *world = reader.build();
-    bool any = false;
-    std::vector<object_t *> waiting(1, world);
-    while (!waiting.empty() && !any) {
-        object_t *object = waiting.back();
-        waiting.pop_back();
-        any = object->num_surfaces > 0;
-        for (const listitem *at = object->children; at != nullptr; at = at->next)
-            waiting.push_back(reinterpret_cast<object_t *>(at->data));
-    }
-    if (any)
+    if (work.cancelled())
+        return refuse(work, name, "");
+    object_t *world = reader.build(name, extract_pictures(name, bytes, entries, reader.pictures()));
+    if (holds_surfaces(world))
         return world;
     object_free(world);
-    return refuse(name, "there is no geometry in it");
+    return refuse(work, name, "there is no geometry in it");
 }

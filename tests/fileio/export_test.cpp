@@ -334,6 +334,40 @@ TEST_F(Exports, ATreeOfAnyDepthIsClosed)
     EXPECT_TRUE(holds(written("write_dive"), "}\n}\nobject {\nname \"next\""));
 }
 
+// One object of many surfaces, and a cancel amid it.
+TEST_F(Exports, CancelWithinAnObjectLeavesTheFormerFile)
+{
+    object_t *object = add_child(vesk_get_world(), new_object(OBJECT_POLY), "many");
+    std::vector<float> xyz;
+    std::vector<int> corners;
+    std::vector<int> offsets = {0};
+    for (int i = 0; i < 5000; ++i) {
+        const auto x = static_cast<float>(i);
+        xyz.insert(xyz.end(), {x, 0, 0, x + 1, 0, 0, x, 1, 0});
+        corners.insert(corners.end(), {3 * i, 3 * i + 1, 3 * i + 2});
+        offsets.push_back(3 * i + 3);
+    }
+    vesk_object_add_vertices_from_float_array(object, xyz.data(), 15000);
+    vesk_object_add_surfaces_from_arrays(object, 5000, offsets.data(), corners.data(), nullptr, 2);
+    object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    const std::string file = temporary_file("kept.out");
+    std::vector<std::string> commands = {"write_3ds", "write_vrml2"};
+    for (const format_case &format : formats)
+        commands.emplace_back(format.command);
+    for (const std::string &command : commands) {
+        for (const int patience : {1, 3}) {
+            write_text(file, "before");
+            cancel_at_look(patience);
+            run(command.c_str(), file);
+            EXPECT_TRUE(last_message().ends_with(" - cancelled")) << command << last_message();
+            EXPECT_EQ(read_text(file), "before") << command;
+        }
+        cancel_at_look(0);
+        run(command.c_str(), file);
+        EXPECT_NE(read_text(file), "before") << command;
+    }
+}
+
 TEST_F(Exports, AFormerFileSurvivesFailureAndCancel)
 {
     for (const format_case &format : formats) {

@@ -5,6 +5,7 @@
 #include "edit/selection.h"
 #include "model/change_marks.h"
 #include "model/each.h"
+#include "model/flat_mesh.h"
 #include "model/lights.h"
 #include "model/palette.h"
 #include "model/world.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <random>
 #include <set>
@@ -41,7 +43,7 @@ const abilities formats[] = {
     {".glb",   "",                 false, true,  true,  true,  true,  true,  true,  true,  true,  true},
     {".dae",   "",                 true,  true,  true,  true,  true,  true,  true,  true,  true,  false, false},
     {".fbx",   "",                 true,  true,  true,  true,  false, true,  true,  true,  true,  false},
-    {".3mf",  "",                 false, true,  true,  true,  false, false, true,  false, false, false},
+    {".3mf",  "",                 false, true,  true,  true,  false, false, true,  true,  false, false, false},
 };
 // clang-format on
 
@@ -267,7 +269,26 @@ void make_world(const std::string &picture)
     run("recalc_normals_all");
 }
 
-class RoundTrip : public Interchange, public testing::WithParamInterface<abilities> {};
+class RoundTrip : public Interchange, public testing::WithParamInterface<abilities> {
+protected:
+    void SetUp() override
+    {
+        Interchange::SetUp();
+        ASSERT_EQ(plugin_load(bundled_plugin("images").c_str()), 1);
+        run("set_images_folder", temporary_file("."));
+    }
+    void TearDown() override
+    {
+        run("set_images_folder", "");
+        Interchange::TearDown();
+    }
+    // By a reader of the plug-in's own, not in the process for the others.
+    static bool read_here()
+    {
+        const std::string suffix = GetParam().suffix;
+        return suffix == ".obj" || suffix == ".ply" || suffix == ".stl" || suffix == ".3mf";
+    }
+};
 
 TEST_P(RoundTrip, KeepsWhatTheFormatHolds)
 {
@@ -306,6 +327,126 @@ TEST_P(RoundTrip, AnEmptyWorldAndAFullDiskAreTold)
     for (const std::string &box : recording().boxes)
         EXPECT_TRUE(box.starts_with("can't ")) << box;
 }
+// Coordinates for each corner, several pictures and materials in one object: what the archive says, by
+// hand.
+TEST_F(Interchange, ThreeMFHasPicturesCornerByCorner)
+{
+    ASSERT_EQ(plugin_load(bundled_plugin("images").c_str()), 1);
+    object_t *square = add_part(vesk_get_world(), "square",
+                                {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}}, {{0, 1, 2, 3}}, 4);
+    const flat_uv uv[] = {{0, 0}, {1.5f, 0}, {1.5f, -1}, {0.25f, 1}};
+    int corner = 0;
+    for (svertex *reference : each<svertex>(item_of<surface_t>(square->surfaces)->refs)) {
+        reference->u = uv[corner].u;
+        reference->v = uv[corner++].v;
+    }
+    object_set_init_texture(square, temporary_file("wood.bmp").c_str(), "wood.bmp");
+    object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    const std::string file = temporary_file("pictured.3mf");
+    ASSERT_EQ(run("export_model", file), "1");
+    EXPECT_TRUE(last_file_report().losses.empty());
+    const std::string bytes = read_text(file);
+    EXPECT_NE(bytes.find("3D/Textures/wood.png"), std::string::npos);
+    EXPECT_NE(bytes.find("contenttype=\"image/png\""), std::string::npos);
+
+    run("clear_all");
+    std::filesystem::create_directory(temporary_file("pictures"));
+    run("set_images_folder", temporary_file("pictures"));
+    ASSERT_EQ(run("file_load", file), "1");
+    run("set_images_folder", "");
+    EXPECT_EQ(last_file_report().images, std::vector{temporary_file("pictures/wood.png")});
+    ASSERT_EQ(parts().size(), 1U);
+    object_t *read = parts()[0];
+    ASSERT_EQ(read->has_texture, 1);
+    const VESKImage *before =
+        texture_id_to_image(texture_find_by_name(temporary_file("wood.bmp").c_str()));
+    const VESKImage *after = texture_id_to_image(read->texture);
+    ASSERT_TRUE(before != nullptr && after != nullptr);
+    ASSERT_EQ(after->width, before->width);
+    ASSERT_EQ(after->depth, before->depth);
+    EXPECT_TRUE(std::equal(before->data, before->data + 16 * before->depth, after->data));
+    for (const surface_t *surface : each<surface_t>(read->surfaces)) {
+        EXPECT_EQ(surface->num_refs, 3);
+        for (const svertex *reference : each<svertex>(surface->refs)) {
+            const point3_t &p = reference->vertex->position;
+            const int place = p.y < 1 ? (p.x < 1 ? 0 : 1) : (p.x < 1 ? 3 : 2);
+            EXPECT_EQ(reference->u, uv[place].u);
+            EXPECT_EQ(reference->v, uv[place].v);
+        }
+    }
+}
+
+// A terrain of quads large enough for the bar and the cancel button.
+void make_terrain(int side)
+{
+    std::vector<point3_t> points;
+    std::vector<std::vector<int>> quads;
+    for (int y = 0; y <= side; ++y)
+        for (int x = 0; x <= side; ++x)
+            points.push_back({static_cast<float>(x), static_cast<float>(y), 0.5f});
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x) {
+            const int at = y * (side + 1) + x;
+            quads.push_back({at, at + 1, at + side + 2, at + side + 1});
+        }
+    add_part(vesk_get_world(), "terrain", points, quads, 3);
+    run("recalc_normals_all");
+}
+
+size_t files_beside(const std::string &file)
+{
+    const std::filesystem::path path = file;
+    size_t count = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(path.parent_path()))
+        count += entry.path().filename().string().starts_with(path.stem().string()) ? 1 : 0;
+    return count;
+}
+
+TEST_P(RoundTrip, CancelLeavesTheFormerFileAndTheScene)
+{
+    const abilities &a = GetParam();
+    const std::string command = *a.command != '\0' ? a.command : "export_model";
+    const std::string file = temporary_file(std::string("cancelled") + a.suffix);
+    make_terrain(80);
+    ASSERT_EQ(run(command.c_str(), file), "1");
+    const std::string before = read_text(file);
+    const size_t files = files_beside(file);
+    const std::string facts = facts_of_world(a);
+
+    // At the first look at the clock, and later; one that comes too late does not count.
+    int cancelled = 0;
+    for (const int patience : {1, 2, 20}) {
+        cancel_at_look(patience);
+        if (run(command.c_str(), file) == "0") {
+            EXPECT_NE(last_message().find(" - cancelled"), std::string::npos) << last_message();
+            ++cancelled;
+        }
+        EXPECT_EQ(read_text(file), before);
+        EXPECT_EQ(files_beside(file), files);
+    }
+    EXPECT_GE(cancelled, 2);
+
+    cancelled = 0;
+    for (const int patience : {1, 2, 20}) {
+        run("clear_all");
+        const int materials = vesk_get_num_palette();
+        cancel_at_look(patience);
+        if (run("file_load", file) == "0") {
+            EXPECT_EQ(last_message(), "import - cancelled");
+            EXPECT_EQ(vesk_get_world()->num_children, 0);
+            EXPECT_EQ(vesk_get_num_palette(), materials);
+            ++cancelled;
+        }
+    }
+    EXPECT_GE(cancelled, read_here() ? 1 : 0); // the others' may be done before anybody looks
+    EXPECT_TRUE(recording().boxes.empty());
+
+    cancel_at_look(0);
+    run("clear_all");
+    ASSERT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(difference(facts, facts_of_world(a)), "");
+}
+
 INSTANTIATE_TEST_SUITE_P(Formats, RoundTrip, testing::ValuesIn(formats));
 
 // ---- glTF by its own rules ----
@@ -451,10 +592,8 @@ TEST_P(RoundTrip, DamagedFilesAreReadOrRefused)
     const std::string file = temporary_file(std::string("damaged") + a.suffix);
     ASSERT_EQ(run(*a.command != '\0' ? a.command : "export_model", file), "1");
     const std::string good = read_text(file);
-    const std::string suffix = a.suffix;
-    const bool own = suffix == ".obj" || suffix == ".ply" || suffix == ".stl" || suffix == ".3mf";
     std::mt19937 random(static_cast<unsigned>(damage_setting("VESK_DAMAGE_SEED", 5)));
-    const int files = damage_setting("VESK_DAMAGE_FILES", 300) / (own ? 1 : 10);
+    const int files = damage_setting("VESK_DAMAGE_FILES", 300) / (read_here() ? 1 : 10);
     for (int i = 0; i < files; ++i) {
         const std::string bytes = damaged(good, random);
         write_text(file, bytes);

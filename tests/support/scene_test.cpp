@@ -103,6 +103,19 @@ const std::filesystem::path &temporary_folder()
 
 } // namespace
 
+void cancel_at_look(int number)
+{
+    static int left;
+    left = number;
+    recording().clock_step = number > 0 ? 1 : 0;
+    recording().while_pumping = nullptr;
+    if (number > 0)
+        recording().while_pumping = [] {
+            if (--left == 0)
+                run("cancel");
+        };
+}
+
 recording_t &recording() { return record; }
 
 void SceneTest::SetUp()

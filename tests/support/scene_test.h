@@ -29,6 +29,9 @@ struct recording_t {
 };
 recording_t &recording();
 
+// Long work is cancelled when it lets events in for that time; 0: no more.
+void cancel_at_look(int number);
+
 // An empty world, default preferences, the standard palette, all commands, and a port that records.
 // In any order and in one process.
 class SceneTest : public testing::Test {

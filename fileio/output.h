@@ -1,0 +1,28 @@
+#ifndef VESK_FILEIO_OUTPUT_H
+#define VESK_FILEIO_OUTPUT_H
+
+#include "app/types.h"
+
+#include <stddef.h>
+
+VESK_BEGIN_DECLS
+
+/* Files as the program itself writes them: the bytes go to a temporary file beside the target and
+   take its place only when they are complete and on the disk, so that every failure leaves the
+   former file. Links are followed, access rights kept. */
+typedef struct vesk_output vesk_output_t;
+
+/* Begins a file; never null. Each is ended by vesk_output_close. */
+VESK_API vesk_output_t *vesk_output_open(const char *filename);
+
+/* Appends `count` bytes. Returns 1, or 0 after a failure; then nothing more is written. */
+VESK_API int vesk_output_write(vesk_output_t *output, const void *bytes, size_t count);
+
+/* Ends the file and frees the record: with `keep` the new bytes replace the former file, else they
+   are thrown away. Returns 1 when the new file is there. When it could not be written, and `keep` was
+   set, the status line tells the file and the system's reason. */
+VESK_API int vesk_output_close(vesk_output_t *output, int keep);
+
+VESK_END_DECLS
+
+#endif
