@@ -7,6 +7,7 @@
 #include <assimp/BaseImporter.h>
 #include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
+#include <assimp/commonMetaData.h>
 #include <assimp/config.h>
 #include <assimp/importerdesc.h>
 #include <assimp/scene.h>
@@ -73,7 +74,8 @@ public:
 class material_reader {
 public:
     material_reader(const aiScene &scene, const std::string &suffix)
-        : scene_(scene), gltf_(is_one_of(suffix, {"gltf", "glb"}))
+        : scene_(scene), gltf_(is_one_of(suffix, {"gltf", "glb"})),
+          tells_sides_(gltf_ || (suffix == "dae" && generator() == "VESK"))
     {
     }
 
@@ -96,11 +98,12 @@ public:
         return m;
     }
 
-    // Only there do files say which sides are drawn.
+    // Only there do files say which sides are drawn; COLLADA by an extra that many programs leave
+    // out.
     bool twosided(const aiMaterial &source) const
     {
         int both = 1;
-        return !gltf_ || source.Get(AI_MATKEY_TWOSIDED, both) != AI_SUCCESS || both != 0;
+        return !tells_sides_ || source.Get(AI_MATKEY_TWOSIDED, both) != AI_SUCCESS || both != 0;
     }
 
 private:
@@ -126,8 +129,17 @@ private:
         }
     }
 
+    [[nodiscard]] std::string generator() const
+    {
+        aiString name;
+        const bool told = scene_.mMetaData != nullptr &&
+                          scene_.mMetaData->Get(AI_METADATA_SOURCE_GENERATOR, name);
+        return told ? name.C_Str() : "";
+    }
+
     const aiScene &scene_;
     const bool gltf_;
+    const bool tells_sides_;
 };
 
 // ---- meshes ----

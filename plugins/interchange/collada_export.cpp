@@ -276,6 +276,7 @@ int collada_export(const char *filename)
     export_files files(work);
     model_wishes wishes;
     wishes.tints = false; // a diffuse colour or a texture, not both
+    wishes.sides = true;  // as a widespread extra says it
     const model scene = take_model(work, filename, wishes);
     files.add(name, collada_writer(work, scene).run());
     return files.finish(name, "COLLADA");

@@ -378,7 +378,7 @@ private:
         for (const point3_t &p : node.points)
             for (const float value : {p.x, p.y, p.z})
                 points.push_back(std::isfinite(value) ? static_cast<double>(value) : 0);
-        std::vector<std::int32_t> indices, materials;
+        std::vector<std::int32_t> indices, materials, smoothing;
         std::vector<double> normals, uv;
         std::vector<int> used; // the object's materials, in the order of their connections
         for (const model_surface &surface : node.surfaces) {
@@ -394,6 +394,7 @@ private:
                 if (node.textured)
                     uv.insert(uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
             }
+            smoothing.push_back(surface.smooth ? 1 : 0);
             const auto found = std::find(used.begin(), used.end(), surface.material);
             materials.push_back(static_cast<std::int32_t>(found - used.begin()));
             if (found == used.end())
@@ -404,13 +405,15 @@ private:
         out_.leaf("Vertices", points);
         out_.leaf("PolygonVertexIndex", indices);
         layer_element("LayerElementNormal", "ByPolygonVertex", "Direct", "Normals", normals);
+        layer_element("LayerElementSmoothing", "ByPolygon", "Direct", "Smoothing", smoothing);
         if (node.textured)
             layer_element("LayerElementUV", "ByPolygonVertex", "Direct", "UV", uv);
         layer_element("LayerElementMaterial", "ByPolygon", "IndexToDirect", "Materials", materials);
         out_.open("Layer");
         out_.property(std::int32_t{0});
         out_.leaf("Version", std::int32_t{100});
-        for (const char *type : {"LayerElementNormal", "LayerElementUV", "LayerElementMaterial"}) {
+        for (const char *type : {"LayerElementNormal", "LayerElementSmoothing", "LayerElementUV",
+                                 "LayerElementMaterial"}) {
             if (!node.textured && std::string(type) == "LayerElementUV")
                 continue;
             out_.open("LayerElement");

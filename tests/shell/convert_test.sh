@@ -78,6 +78,47 @@ check "two into one" 1 -- -to glb -into made plain.obj made/plain.ply </dev/null
 check "no folder" 1 -- plain.obj none/x.obj </dev/null
 check "no words" 1 -- -to obj </dev/null
 check "an unknown option" 1 -- -wat x plain.obj y.obj </dev/null
+check "a report that cannot be written" 1 -- -report none/r.json plain.obj other.ply </dev/null
+check "standard input that is empty" 1 -- -from obj -to ply - - </dev/null
+# Absurd files cost neither time nor memory.
+printf 'mtllib /dev/zero\nmtllib ../../../../../../dev/zero\n' | cat - plain.obj >device.obj
+check "a device for materials" 2 -- device.obj device.ply </dev/null
+printf 'ply\nformat ascii 1.0\nelement vertex 4000000000\nproperty float x\nelement face 4000000000\n%s\n' \
+    'property list uchar int vertex_indices
+end_header
+1' >huge.ply
+check "huge counts" 1 -- huge.ply out.obj </dev/null
+printf 'f 1 2 99999999999999999999\nf -1 -2 -9223372036854775808\nf 4294967297 2 3\n' |
+    cat plain.obj - >indices.obj
+check "huge indices" 2 -- -report r.json indices.obj indices.ply </dev/null
+holds "are counted" grep -q '"warnings_in_all": 3' r.json
+holds "by their lines" grep -q '{"line": 7, "text": "a face has corners' r.json
+head -c 20000 /dev/urandom >noise.obj
+check "noise" 1 -- -report r.json noise.obj out.ply </dev/null
+holds "is reported in JSON" tclsh8.6 "$here/json_check.tcl" r.json
+mkdir "all of them"
+for i in $(seq 300); do cp plain.obj "all of them/n \$i [$i] \"{$i.obj"; done
+check "hundreds of files" 0 -- -to glb -into made -report r.json "all of them"/* </dev/null
+holds "all of them" test "$(find made -name 'n *.glb' | wc -l)" = 300
+holds "their report is JSON" tclsh8.6 "$here/json_check.tcl" r.json
+
+# Pictures within a file, in a script without a window.
+mkdir pictured
+cp "$here/../data/blender/wood.png" .
+sed 's/none.png/wood.png/' paint.mtl >t && mv t paint.mtl
+check "a picture goes into 3MF" 0 -- -do 'vesk select_all; vesk uvmap_surfaces' "a model.obj" pictured/model.3mf </dev/null
+echo 'vesk file_load [lindex $argv 0]; puts [dict get [vesk import_report] images]' >images.tcl
+holds "and comes out beside the model" \
+    sh -c '"$1" -batch images.tcl pictured/model.3mf 2>/dev/null | grep -q pictured/wood.png' sh "$program"
+holds "as it was" cmp wood.png pictured/wood.png
+if [ "$(id -u)" != 0 ]; then
+    rm pictured/wood.png
+    chmod a-w pictured
+    holds "or in the state folder" sh -c 'XDG_STATE_HOME=$PWD/state "$1" -batch images.tcl \
+        pictured/model.3mf 2>/dev/null | grep -q state/vesk/pictures/wood.png' sh "$program"
+    chmod u+w pictured
+fi
+
 # A fuller model through every format, read by other programs where they are there.
 for suffix in obj ply stl gltf glb dae fbx 3mf; do
     "$program" -convert "$here/shapes.vesk" "shapes.$suffix" >/dev/null 2>&1
@@ -86,6 +127,7 @@ for suffix in obj ply stl gltf glb dae fbx 3mf; do
         holds "shapes.$suffix by another reader" assimp info "shapes.$suffix"
     fi
 done
+holds "glTF is JSON" tclsh8.6 "$here/json_check.tcl" shapes.gltf
 xmllint --noout shapes.dae || failures=$((failures + 1))
 if command -v unzip >/dev/null; then
     unzip -q shapes.3mf
