@@ -235,8 +235,10 @@ void command_object_reparent(int id, int parent_id)
 
 void command_vesk_material_set_name(int i, const char *name)
 {
-    if (i < 0 || i >= vesk_get_num_palette())
+    if (i < 0 || i >= vesk_get_num_palette()) {
+        display_message("name material - no palette entry %d", i);
         return;
+    }
     new_undo_state("name material");
     vesk_material_set_name(vesk_palette_get_material(i), name);
     palette_mark();

@@ -67,6 +67,10 @@ void command_material_counts()
 // Selects every surface of a palette entry, of what is visible and unlocked.
 void command_material_select(int entry)
 {
+    if (entry < 0 || entry >= vesk_get_num_palette()) {
+        display_message("select material - no palette entry %d", entry);
+        return;
+    }
     set_new_select_mode(SELECT_SURFACE);
     clear_selection();
     owned_list found;

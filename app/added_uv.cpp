@@ -209,10 +209,13 @@ void command_uv_tool(const char *name)
 {
     constexpr const char *names[] = {"move", "rotate", "scale"};
     for (int i = 0; i < 3; ++i) {
-        if (std::strcmp(name, names[i]) == 0)
+        if (std::strcmp(name, names[i]) == 0) {
             uv_view().tool = static_cast<uv_tool>(i);
+            uv_view_redraw();
+            return;
+        }
     }
-    uv_view_redraw();
+    display_message("uv tool - no tool '%s'", name);
 }
 
 // Keys and values; with two words sets one.
@@ -226,19 +229,29 @@ void command_uv_option(int count, const char *const *words)
                     {"overlaps", &options.overlaps},
                     {"repeat", &options.repeat},
                     {"snap", &options.snap}};
-    for (const auto &option : switches) {
-        if (count == 2 && std::strcmp(words[0], option.name) == 0)
-            *option.value = int_of(words[1]) != 0;
-        if (count == 0)
-            tell(option.name, *option.value ? 1 : 0);
-    }
-    if (count == 2 && std::strcmp(words[0], "picture") == 0)
-        options.picture = int_of(words[1]);
-    if (count == 2 && std::strcmp(words[0], "stretch") == 0)
-        options.stretch = static_cast<uv_shown_stretch>(std::clamp(int_of(words[1]), 0, 3));
     if (count == 0) {
+        for (const auto &option : switches)
+            tell(option.name, *option.value ? 1 : 0);
         tell("picture", options.picture);
         tell("stretch", static_cast<int>(options.stretch));
+        return;
+    }
+    const std::string_view name = words[0];
+    const auto *found = std::find_if(std::begin(switches), std::end(switches),
+                                     [name](const auto &option) { return name == option.name; });
+    if (count < 2) {
+        display_message("uv option - '%s' needs a value", words[0]);
+        return;
+    }
+    if (found != std::end(switches)) {
+        *found->value = int_of(words[1]) != 0;
+    } else if (name == "picture") {
+        options.picture = int_of(words[1]);
+    } else if (name == "stretch") {
+        options.stretch = static_cast<uv_shown_stretch>(std::clamp(int_of(words[1]), 0, 3));
+    } else {
+        display_message("uv option - no option '%s'", words[0]);
+        return;
     }
     uv_view_redraw();
 }

@@ -246,11 +246,16 @@ void command_create(int, const char *const *words)
         display_message("create - no kind named '%s'", words[0]);
         return;
     }
+    const int plane = int_of(words[1]);
+    if (plane < VIEW_XY || plane > VIEW_XZ) {
+        display_message("create - no plane %d", plane);
+        return;
+    }
     float c[6];
     for (int i = 0; i < 6; ++i) {
         c[i] = finite_float_of(words[2 + i]);
     }
-    object_t *object = kind->make(int_of(words[1]), {c[0], c[1], c[2]}, {c[3], c[4], c[5]});
+    object_t *object = kind->make(plane, {c[0], c[1], c[2]}, {c[3], c[4], c[5]});
     if (object == nullptr) {
         return;
     }

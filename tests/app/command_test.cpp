@@ -5,7 +5,9 @@
 #include "app/crash_guard.h"
 #include "app/messages_internal.h"
 #include "app/session_state.h"
-#include "tests/support/scene_test.h"
+#include "edit/selection.h"
+#include "edit/undo_internal.h"
+#include "tests/support/mesh_test.h"
 
 #include <cstring>
 #include <map>
@@ -224,5 +226,53 @@ TEST_F(Commands, LongMessagesAreCutBeforeTheyAreQuoted)
     EXPECT_EQ(script.size(), std::strlen("display_message \"\"") + 2 * 2047);
     EXPECT_TRUE(script.ends_with("\\[\""));
 }
+
+// ---- refusals ----
+
+struct refusal_case {
+    const char *name;
+    std::vector<std::string> words;
+    const char *message;
+};
+void PrintTo(const refusal_case &c, std::ostream *out) { *out << c.name; }
+class Refusals : public SceneTest, public testing::WithParamInterface<refusal_case> {};
+
+TEST_P(Refusals, AreToldAndLeaveEverythingAsItIs)
+{
+    add_cube("cube");
+    run("select_all");
+    const std::string before = scene_text();
+    const unsigned serial = undo_last_serial();
+    EXPECT_EQ(run_words(GetParam().words), "");
+    EXPECT_EQ(last_message(), GetParam().message);
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(undo_last_serial(), serial);
+    EXPECT_EQ(selection_get_num_objects(), 1);
+}
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Words, Refusals, testing::Values(
+    refusal_case{"create_kind", {"create", "ball", "0", "0", "0", "0", "1", "1", "1"}, "create - no kind named 'ball'"},
+    refusal_case{"create_plane", {"create", "disk", "3", "0", "0", "0", "1", "1", "1"}, "create - no plane 3"},
+    refusal_case{"outline_kind", {"create_outline", "arc", "0 0 0 1 1 1"}, "create outline - no kind named 'arc'"},
+    refusal_case{"surface_type", {"createsurface", "3"}, "create surface - no type 3"},
+    refusal_case{"surface_vertices", {"createsurface", "2"}, "select at least 2 vertices of one object"},
+    refusal_case{"type", {"set_surface_type", "-1"}, "set surface type - no type -1"},
+    refusal_case{"colour", {"set_col", "99"}, "set colour - no palette entry 99"},
+    refusal_case{"material", {"material_select", "-1"}, "select material - no palette entry -1"},
+    refusal_case{"material_name", {"material_set_name", "99", "x"}, "name material - no palette entry 99"},
+    refusal_case{"texture", {"set_texture", "0"}, "set texture - there is no texture 0"},
+    refusal_case{"percentage", {"reduce", "100"}, "reduce - give a percentage from 1 to 99"},
+    refusal_case{"mode", {"set_select_mode", "edge"}, "no select mode named 'edge'"},
+    refusal_case{"elements", {"select_elements", "keep", "2"}, "select elements - set, add or remove, not 'keep'"},
+    refusal_case{"property", {"objects_set", "2", "colour", "red"}, "objects_set - no property named 'colour'"},
+    refusal_case{"history", {"history_goto", "-1"}, "no such place in the history: -1"},
+    refusal_case{"problem", {"check_fix_all", "ugly"}, "check - no such problem"},
+    refusal_case{"background", {"clear_background_image", "3"}, "background image - there is no flat view 3"},
+    refusal_case{"uv_tool", {"uv_tool", "bend"}, "uv tool - no tool 'bend'"},
+    refusal_case{"uv_option", {"uv_option", "colour", "1"}, "uv option - no option 'colour'"},
+    refusal_case{"uv_option_value", {"uv_option", "checker"}, "uv option - 'checker' needs a value"},
+    refusal_case{"uv_projection", {"uv_project", "cone"}, "project texture coordinates - no projection 'cone'"},
+    refusal_case{"uv_choice", {"uv_select", "some"}, "uv select - no choice 'some'"}));
+// clang-format on
 
 } // namespace
