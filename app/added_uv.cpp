@@ -11,6 +11,7 @@
 #include "edit/uv_pack.h"
 #include "edit/uv_project.h"
 #include "edit/uv_relax.h"
+#include "edit/uv_replay.h"
 #include "view/redraw.h"
 #include "view/textures.h"
 #include "view/uv_view.h"
@@ -293,6 +294,8 @@ void register_uv_commands()
                     "choose texture coordinates"),
         command_row("uv_select_islands", command_uv_select_islands, "<string numbers>",
                     "choose islands by their places in uv_islands, from 0"),
+        command_row("uv_select_corners", command_uv_select_corners, "<string places>",
+                    "choose corners by their places among all that are shown, from 0"),
         command_row("uv_move", command_uv_move, "<float u> <float v>", "move texture coordinates"),
         command_row("uv_move_pixels", command_uv_move_pixels, "<int right> <int up>",
                     "move texture coordinates by pixels of the picture"),
@@ -338,6 +341,10 @@ void register_uv_commands()
                       "texture coordinates from positions");
     command_add_words("uv_weld", command_uv_weld, 0, 1, "<float distance>",
                       "bring chosen corners of each vertex together, or those within a distance");
+    command_add_words("uv_transform", command_uv_transform, 7, 7,
+                      "<string move, rotate or scale> <float a> <float b> <float c> <float d> "
+                      "<float e> <float f>",
+                      "texture coordinates by a matrix: u' = a u + b v + e, v' = c u + d v + f");
     command_add_words("uv_select_box", command_uv_select_box, 4, 4,
                       "<float u1> <float v1> <float u2> <float v2>",
                       "choose what lies in a box of the picture");

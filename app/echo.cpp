@@ -5,6 +5,20 @@
 
 #include <charconv>
 
+namespace {
+
+template <class Number>
+std::string shortest(Number value)
+{
+    char text[40];
+    // Deliberate: minus nothing is nothing.
+    const std::to_chars_result end =
+        std::to_chars(text, text + sizeof text, value == 0 ? 0 : value);
+    return {text, end.ptr};
+}
+
+} // namespace
+
 void echo_command(const std::vector<std::string> &words)
 {
     // Not by tcl_command: a list of elements may be longer than its buffer.
@@ -19,14 +33,9 @@ void echo_command(const std::vector<std::string> &words)
 
 void echo_note(const std::string &text) { script_call("echo_note \"%s\"", text.c_str()); }
 
-std::string echo_number(float value)
-{
-    char text[32];
-    // Deliberate: minus nothing is nothing.
-    const std::to_chars_result end =
-        std::to_chars(text, text + sizeof text, value == 0 ? 0 : value);
-    return {text, end.ptr};
-}
+std::string echo_number(float value) { return shortest(value); }
+
+std::string echo_number(double value) { return shortest(value); }
 
 std::vector<std::string> echo_point(const point3_t &p)
 {

@@ -15,6 +15,7 @@ void echo_note(const std::string &text);
 
 // As few digits as give the very same number back.
 std::string echo_number(float value);
+std::string echo_number(double value);
 // The three of a point, as words.
 std::vector<std::string> echo_point(const point3_t &p);
 

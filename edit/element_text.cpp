@@ -17,20 +17,6 @@ namespace {
 
 bool by_object() { return select_mode() != SELECT_VERTEX && select_mode() != SELECT_SURFACE; }
 
-// "0-5,9"
-void append_places(const std::vector<int> &places, std::string *text)
-{
-    for (std::size_t i = 0; i < places.size();) {
-        std::size_t end = i + 1;
-        while (end < places.size() && places[end] == places[end - 1] + 1)
-            ++end;
-        *text += (i == 0 ? ":" : ",") + std::to_string(places[i]);
-        if (end - i > 1)
-            *text += "-" + std::to_string(places[end - 1]);
-        i = end;
-    }
-}
-
 struct range_t {
     int first, last;
 };
@@ -78,6 +64,35 @@ void change_selection(const listitem *elements, bool on)
         (on ? select_objectlist : unselect_objectlist)(elements);
 }
 
+std::string places_text(const std::vector<int> &places)
+{
+    std::string text;
+    for (std::size_t i = 0; i < places.size();) {
+        std::size_t end = i + 1;
+        while (end < places.size() && places[end] == places[end - 1] + 1)
+            ++end;
+        text += (i == 0 ? "" : ",") + std::to_string(places[i]);
+        if (end - i > 1)
+            text += "-" + std::to_string(places[end - 1]);
+        i = end;
+    }
+    return text;
+}
+
+std::vector<int> places_of_text(const char *text, int count)
+{
+    std::vector<int> places;
+    const char *end = text + std::strlen(text);
+    range_t range;
+    while (scan_range(&text, end, &range)) {
+        for (int i = range.first; i <= std::min(range.last, count - 1); ++i)
+            places.push_back(i);
+        if (text < end && *text == ',')
+            ++text;
+    }
+    return places;
+}
+
 std::string element_text(const listitem *elements)
 {
     std::string text;
@@ -89,8 +104,8 @@ std::string element_text(const listitem *elements)
                                                        ? vertices_by_owner(elements)
                                                        : surfaces_by_owner(elements);
         for (const owned_elements &owned : owners) {
-            text += " " + std::to_string(object_identity(owned.object));
-            append_places(owned.indices, &text);
+            text += " " + std::to_string(object_identity(owned.object)) + ":" +
+                    places_text(owned.indices);
         }
     }
     return text.empty() ? text : text.substr(1);

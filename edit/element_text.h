@@ -4,12 +4,17 @@
 #include "model/list.h"
 
 #include <string>
+#include <vector>
 
 // Elements of the model as a text that a script can keep: objects by their numbers ("3 7"), vertices
 // and surfaces by their places in an object ("3:0-5,9 7:2"), both as the select mode takes them.
 
 // Adds elements as the present select mode has them, or takes them out.
 void change_selection(const listitem *elements, bool on);
+
+// Places as a text with ranges, "0-5,9", and those of a text that lie below `count`.
+std::string places_text(const std::vector<int> &places);
+std::vector<int> places_of_text(const char *text, int count);
 
 // Of a list as the present select mode has it: objects, surfaces or vertices. In tree order, but
 // objects in the order of the list.

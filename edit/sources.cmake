@@ -68,6 +68,7 @@ target_sources(vesk_core PRIVATE
     edit/uv_pack.cpp
     edit/uv_project.cpp
     edit/uv_relax.cpp
+    edit/uv_replay.cpp
     edit/uvmap.cpp
     edit/vertex_use.cpp
     edit/weld.cpp

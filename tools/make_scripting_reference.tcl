@@ -49,6 +49,7 @@ set own_samples {
     set_current_object_url https://example.org/  set_backup_versions 5  history_limit 256
     uv_select_mode island  uv_select linked  uv_flip u  uv_align left  uv_tool move  uv_key Return
     uv_pack 2  uv_relax 4  uv_outlines 2  uv_project {box 1}  uv_weld 0.1  uv_select_box {0 0 1 1}
+    uv_select_corners 0-3  uv_transform {move 1 0 0 1 0.25 0}
     tool_key Return  transform_begin move  window_draw_texture {0 .preview}
     load_file_select Open  execute {{ls -l}}  start_web_browser https://example.org/
     person_set_loc_dir {{0 1 5 0 0 -1}}  get_plugin_info images.p  get_plugin_about images.p

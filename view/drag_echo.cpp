@@ -53,14 +53,19 @@ std::vector<std::string> words_of_extrusion(const point3_t &offset)
 
 void echo_selection(bool on, bool replace, const listitem *elements)
 {
-    const std::string text = element_text(elements);
-    if (text.size() > longest_line) {
-        const char *change = replace ? "selected" : on ? "added to the selection" : "unselected";
-        echo_note(std::to_string(list_count(elements)) + " elements " + change +
-                  ": too many to be listed");
-        return;
-    }
-    echo_command({"select_elements", replace ? "set" : on ? "add" : "remove", text});
+    echo_elements({"select_elements",
+                   replace ? "set"
+                   : on    ? "add"
+                           : "remove",
+                   element_text(elements)});
+}
+
+void echo_elements(const std::vector<std::string> &words)
+{
+    if (words.back().size() > longest_line)
+        echo_note(words.front() + " ...: more than can be listed");
+    else
+        echo_command(words);
 }
 
 void echo_step(const std::vector<std::string> &words, const char *label)

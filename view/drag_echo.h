@@ -15,8 +15,10 @@ std::vector<std::string> words_of_change(const drag_change_t &change, bool own);
 std::vector<std::string> words_of_extrusion(const point3_t &offset);
 
 // Elements, as the select mode has them, that were added, taken out, or became the selection. Where
-// they are too many to be listed, a line says how many.
+// they are too many to be listed, a line says so.
 void echo_selection(bool on, bool replace, const listitem *elements);
+// The same of any command whose last word lists elements.
+void echo_elements(const std::vector<std::string> &words);
 
 // Echoes a change of the model (no words: there was none) and makes it the step of the history that "repeat_last" repeats.
 void echo_step(const std::vector<std::string> &words, const char *label);

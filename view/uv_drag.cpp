@@ -2,10 +2,13 @@
 // move, turn and scale what is chosen. Every step is computed from the coordinates at the press; the
 // release is one undo record.
 
+#include "app/echo.h"
 #include "app/messages.h"
 #include "app/prefs.h"
 #include "edit/journal.h"
 #include "edit/selection.h"
+#include "edit/uv_replay.h"
+#include "view/drag_echo.h"
 #include "view/number_field.h"
 #include "view/redraw.h"
 #include "view/uv_view.h"
@@ -217,12 +220,11 @@ uv_matrix scale_matrix(const pointer_event_t &event)
     return uv_scaling(su, sv, fixed);
 }
 
-std::vector<flat_uv> result_of(const pointer_event_t &event)
+uv_matrix matrix_of(const pointer_event_t &event)
 {
-    const uv_matrix matrix = drag.what == doing::MOVE     ? move_matrix(event)
-                             : drag.what == doing::ROTATE ? rotate_matrix(event)
-                                                          : scale_matrix(event);
-    return uv_transformed(drag.before, drag.moving, matrix);
+    return drag.what == doing::MOVE     ? move_matrix(event)
+           : drag.what == doing::ROTATE ? rotate_matrix(event)
+                                        : scale_matrix(event);
 }
 
 // ---- the course of a drag ----
@@ -268,7 +270,7 @@ void step(const pointer_event_t &event)
     case doing::PRESSED:
         break;
     default:
-        uv_preview(result_of(event));
+        uv_preview(uv_transformed(drag.before, drag.moving, matrix_of(event)));
         redraw_all();
         tcl_command("uvedit_drag \"%s\"", drag.text.c_str());
         return;
@@ -289,23 +291,23 @@ void end()
     uv_view_redraw();
 }
 
-const char *label_of(doing what)
-{
-    return what == doing::MOVE     ? "move texture coordinates"
-           : what == doing::ROTATE ? "rotate texture coordinates"
-                                   : "scale texture coordinates";
-}
-
 // The model as it was, then the whole change as one record.
 void finish(const pointer_event_t &event)
 {
-    const std::vector<flat_uv> at = result_of(event);
-    const char *const label = label_of(drag.what);
+    const uv_matrix m = matrix_of(event);
+    const char *const kind = drag.what == doing::MOVE     ? "move"
+                             : drag.what == doing::ROTATE ? "rotate"
+                                                          : "scale";
     uv_preview(drag.before);
     end();
     journal_hold(false);
-    uv_commit(label, at);
-    journal_step(label);
+    std::vector<std::string> words;
+    if (uv_transform_by(kind, m) > 0) {
+        words = {"uv_transform", kind};
+        for (const double number : {m.a, m.b, m.c, m.d, m.e, m.f})
+            words.push_back(echo_number(number));
+    }
+    echo_step(words, (std::string(kind) + " texture coordinates").c_str());
     redraw_all();
     display_status();
 }

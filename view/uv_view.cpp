@@ -5,6 +5,8 @@
 #include "app/ui_port.h"
 #include "edit/journal.h"
 #include "edit/selection.h"
+#include "edit/uv_replay.h"
+#include "view/drag_echo.h"
 #include "view/redraw.h"
 #include "view/views_internal.h"
 
@@ -189,7 +191,9 @@ void choose(std::vector<char> corners)
     if (corners == uv_editor().chosen)
         return;
     journal_begin();
+    const std::string places = uv_corner_text(corners);
     uv_choose(std::move(corners));
+    echo_elements({"uv_select_corners", places});
     journal_step("selection");
     redraw_all();
     display_status();

@@ -12,6 +12,8 @@
 #include "tests/support/mesh_test.h"
 #include "view/views_internal.h"
 
+#include <sstream>
+
 namespace {
 
 constexpr int shift = 1, control = 4;
@@ -264,6 +266,55 @@ TEST_F(UvView, TheRotateToolTurnsAboutTheMiddle)
         uv_view_key(key);
     const float half = 0.25f * 1.41421356f;
     expect_box(0.25f - half, 0.25f - half, 0.25f + half, 0.25f + half);
+}
+
+// The words of the newest echoed command.
+std::vector<std::string> echoed_words()
+{
+    std::vector<std::string> words;
+    for (const std::string &script : recording().scripts) {
+        if (!script.starts_with("echo_command "))
+            continue;
+        words.clear();
+        std::istringstream text(script.substr(13));
+        for (std::string word; text >> word;)
+            words.push_back(word);
+    }
+    return words;
+}
+
+TEST_F(UvView, WhatTheMouseDoesIsEchoedAsCommandsThatDoTheSame)
+{
+    run("uv_select_mode", "surface");
+    click(225, 275); // the first surface
+    EXPECT_EQ(echoed_words(), (std::vector<std::string>{"uv_select_corners", "0-3"}));
+    const auto all = [this] {
+        std::vector<float> numbers;
+        for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+            for (const svertex *corner : each<svertex>(surface->refs)) {
+                numbers.push_back(corner->u);
+                numbers.push_back(corner->v);
+            }
+        }
+        return numbers;
+    };
+    for (const char *tool : {"move", "rotate", "scale"}) {
+        run("uv_tool", tool);
+        const std::vector<float> before = all();
+        drag(228, 268, 251, 239);
+        const std::vector<float> by_mouse = all();
+        EXPECT_NE(before, by_mouse) << tool;
+        const std::vector<std::string> words = echoed_words();
+        ASSERT_EQ(words.size(), 8u);
+        run("undo");
+        EXPECT_EQ(all(), before);
+        run_words(words);
+        EXPECT_EQ(all(), by_mouse) << tool;
+        EXPECT_EQ(last_undo(), std::string(tool) + " texture coordinates");
+        run("undo");
+    }
+    run("uv_transform", "move", "1", "0", "0", "1", "nan", "0");
+    EXPECT_EQ(last_message(), "texture coordinates - move, rotate or scale, and six numbers");
 }
 
 TEST_F(UvView, PanAndZoomKeepThePlaceUnderThePointer)
