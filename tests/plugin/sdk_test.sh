@@ -37,4 +37,20 @@ c++ -std=c++11 $strict $flags -shared "$source/examples/plugin-menu.cpp" -o "$wo
 printf 'vesk plugin_load %s/by_hand.p\nvesk plugin_load %s/menu_by_hand.p\nputs [vesk count_triangles]' \
     "$work" "$work" >"$work/load.tcl"
 [ "$("$program" -noplugins -batch "$work/load.tcl" 2>/dev/null)" = 0 ]
+
+# The guide's example, word for word.
+guide=$source/docs/plugins.md
+block() { sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/p" "$guide" | sed '/^```/d'; }
+mkdir "$work/guide"
+block c >"$work/guide/hello.c"
+block cmake >"$work/guide/CMakeLists.txt"
+cmake -S "$work/guide" -B "$work/guide/build" -DCMAKE_PREFIX_PATH="$work/moved" >"$work/log" || { cat "$work/log"; exit 1; }
+cmake --build "$work/guide/build" >"$work/log" || { cat "$work/log"; exit 1; }
+cmake --install "$work/guide/build" >"$work/log" || { cat "$work/log"; exit 1; }
+by_hand=$(sed -n 's/^By hand: `\([^`]*\)`.*/\1/p' "$guide")
+(cd "$work/guide" && eval "$by_hand")
+for made in "$work/moved/lib/vesk/plugins/hello.p" "$work/guide/hello.p"; do
+    printf 'vesk plugin_load %s\nvesk hello' "$made" >"$work/hello.tcl"
+    "$program" -noplugins -batch "$work/hello.tcl" 2>&1 | grep -q "hello from a plug-in"
+done
 echo "plug-ins build from an installed prefix"
