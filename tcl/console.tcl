@@ -75,7 +75,8 @@ proc ::vesk::console::append_line {text kind} {
     variable path
     variable limit
     set w $path.text
-    set at_end [expr {[lindex [$w yview] 1] > 0.98}]
+    # While the console is hidden it has no size to tell.
+    set at_end [expr {![winfo ismapped $w] || [lindex [$w yview] 1] > 0.98}]
     $w configure -state normal
     if {[$w index end-1c] ne "1.0"} {$w insert end \n}
     if {$kind eq "command"} {$w insert end "> " prompt}
@@ -106,6 +107,7 @@ proc ::vesk::console::empty {} {
 proc ::vesk::console::show {} {
     ::vesk::main::place_console
     if {$::vesk::console_shown} {
+        after idle {$::vesk::console::path.text see end}
         focus $::vesk::console::path.input.value
     } else {
         ::vesk::view::focus_last

@@ -142,6 +142,9 @@ proc row {id} {
     type "vesk new_cube"
     set count [llength [vesk object_tree]]
     key Return
+    ::test::check "the console shows its last line" {
+        [$::vesk::console::path.text bbox end-1c] ne ""
+    }
     ::test::check "the console runs commands" {[llength [vesk object_tree]] > $count}
     ::test::check "and the panel follows" {
         [llength [$tree children {}]] == [llength [vesk object_get_children [vesk get_world]]]
