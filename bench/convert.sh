@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Conversion of a terrain of 1,000,000 vertices in whole processes: seconds and megabytes of each,
-# with Assimp's own tool on the same file where it is installed.
+# with Assimp's own tool and Blender on the same file where they are installed.
 #   bench/convert.sh [build folder] [rows]
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -11,11 +11,11 @@ trap 'rm -rf "$work"' EXIT
 export USERPROFILE=$work LANG=C.UTF-8
 cd "$work"
 
-# timed WHAT COMMAND...: the best of three, whatever its status.
+# timed RUNS WHAT COMMAND...: the best of so many, whatever its status.
 timed() {
-    local what=$1 best= line
-    shift
-    for _ in 1 2 3; do
+    local runs=$1 what=$2 best= line
+    shift 2
+    for _ in $(seq "$runs"); do
         /usr/bin/time -q -o "$work/time" -f '%e %M' "$@" >/dev/null 2>&1 || true
         line=$(tail -1 "$work/time")
         if [ -z "$best" ] || awk "BEGIN { exit !(${line% *} < ${best% *}) }"; then best=$line; fi
@@ -27,15 +27,24 @@ timed() {
 tclsh8.6 "$here/terrain.tcl" "$rows" >terrain.vesk
 "$program" -convert terrain.vesk terrain.obj 2>/dev/null
 ls -l terrain.vesk terrain.obj | awk '{ printf "%s: %.0f MB\n", $NF, $5 / 1e6 }'
-timed ".obj to .vesk" "$program" -convert terrain.obj out.vesk
-timed ".vesk to .obj" "$program" -convert terrain.vesk out.obj
+timed 3 ".obj to .vesk" "$program" -convert terrain.obj out.vesk
+timed 3 ".vesk to .obj" "$program" -convert terrain.vesk out.obj
 for suffix in ply stl glb dae fbx 3mf; do
-    timed ".vesk to .$suffix" "$program" -convert terrain.vesk "out.$suffix"
+    timed 3 ".vesk to .$suffix" "$program" -convert terrain.vesk "out.$suffix"
 done
 for suffix in ply stl glb; do
-    timed ".$suffix to .vesk" "$program" -convert "out.$suffix" "back.vesk"
+    timed 3 ".$suffix to .vesk" "$program" -convert "out.$suffix" "back.vesk"
 done
 if command -v assimp >/dev/null; then
-    timed "assimp: .obj to .obj" assimp export terrain.obj theirs.obj
-    timed "assimp: .obj to .glb" assimp export terrain.obj theirs.glb
+    timed 1 "assimp: .obj to .obj" assimp export terrain.obj theirs.obj
+    timed 1 "assimp: .obj read only" assimp info terrain.obj --raw
+fi
+if command -v blender >/dev/null; then
+    in_blender() { # WHAT SCRIPT
+        timed 1 "$1" blender --background --factory-startup --python-expr "import bpy; $2"
+    }
+    read="bpy.ops.wm.obj_import(filepath='terrain.obj')"
+    in_blender "blender: starts" "pass"
+    in_blender "blender: .obj to .blend" "$read; bpy.ops.wm.save_as_mainfile(filepath='out.blend')"
+    in_blender "blender: .obj to .obj" "$read; bpy.ops.wm.obj_export(filepath='theirs.obj')"
 fi

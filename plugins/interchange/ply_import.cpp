@@ -184,7 +184,7 @@ private:
         *line = bytes_.substr(at_, end - at_);
         while (!line->empty() && (line->back() == '\r' || line->back() == ' '))
             line->pop_back();
-        at_ = end + 1;
+        at_ = std::min(end + 1, bytes_.size());
         ++line_;
         return true;
     }

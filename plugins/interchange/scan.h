@@ -5,7 +5,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 
 // Reads a real number at `p`, with a sign in front, and returns the place after it; null when there is
 // none. Rounded as it should be: up to 15 digits and the power of ten are exact in a double, their
@@ -49,8 +51,8 @@ inline const char *scan_real(const char *p, const char *end, float *out)
     const auto [after, error] = std::from_chars(begin, end, *out);
     if (error == std::errc::invalid_argument)
         return nullptr;
-    if (error == std::errc::result_out_of_range)
-        *out = 0;
+    if (error == std::errc::result_out_of_range) // nothing, or infinite
+        *out = std::strtof(std::string(begin, after).c_str(), nullptr);
     return after;
 }
 

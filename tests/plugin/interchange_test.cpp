@@ -194,6 +194,77 @@ TEST_F(Interchange, StlFilesAreToldApartByTheirSize)
                             "7 a triangle with too few corners was left out\n");
 }
 
+struct cut_file {
+    const char *name, *bytes;
+};
+
+TEST_F(Interchange, FilesThatEndTooEarlyAreRefused)
+{
+    const cut_file files[] = {
+        {"head.ply", "ply\nformat binary_little_endian 1.0\nelement vertex 3\nproperty float x\n"
+                     "end_header"},
+        {"word.ply", "ply"},
+        {"huge.ply", "ply\nformat ascii 1.0\nelement vertex 4000000000\nproperty float x\n"
+                     "element face 4000000000\nproperty list uchar int vertex_indices\n"
+                     "end_header\n1 2 3"},
+        {"none.stl", "solid a\nfacet normal 0 0 1\nouter loop\nvertex 1"},
+        {"head.obj", "v 1 2 3\\"},
+        {"none.3mf", "PK\5\6"},
+    };
+    for (const cut_file &file : files)
+        EXPECT_EQ(load(file.name, file.bytes), "0") << file.name;
+    EXPECT_EQ(recording().boxes.size(), std::size(files));
+    for (const std::string &box : recording().boxes)
+        EXPECT_TRUE(box.starts_with("can't read ")) << box;
+}
+
+// Without "s" the normals tell it; with it they do not count.
+TEST_F(Interchange, ObjNormalsTellTheShadingWhereTheFileDoesNot)
+{
+    const std::string points =
+        "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvn 0 0 1\nvn 1 0 1\nvn 0 0 -2\n";
+    const struct {
+        const char *faces;
+        int shading;
+    } cases[] = {{"f 1//1 2//1 3//1 4//1\n", 0},      {"f 1//1 2//2 3//1 4//1\n", 1},
+                 {"f 1//3 2//3 3//3 4//3\n", 0},      {"s off\nf 1//1 2//2 3//1 4//1\n", 0},
+                 {"s 1\nf 1//1 2//1 3//1 4//1\n", 1}, {"f 1 2 3 4\n", 0}};
+    for (const auto &one : cases) {
+        run("clear_all");
+        ASSERT_EQ(load("shaded.obj", points + one.faces), "1");
+        ASSERT_EQ(parts().size(), 1U) << one.faces;
+        EXPECT_EQ(item_of<surface_t>(parts()[0]->surfaces)->shading != 0, one.shading != 0)
+            << one.faces;
+    }
+}
+
+// Rounded as the library rounds them, also where a double stands amid two floats.
+TEST_F(Interchange, ObjNumbersAreTheNearestFloats)
+{
+    const char *const numbers[] = {"0.1",
+                                   "+16777217",
+                                   "16777217.0000001",
+                                   "1e-3",
+                                   "-.5",
+                                   "5.",
+                                   "0.30000001192092896",
+                                   "1.0000001788",
+                                   "123456.789012",
+                                   "8388608.5",
+                                   "8388609.5",
+                                   "0.000000000000001",
+                                   "1e-46",
+                                   "3.4e38",
+                                   "-0"};
+    for (const char *number : numbers) {
+        run("clear_all");
+        ASSERT_EQ(load("n.obj", std::string("v 0 0 ") + number + "\nv 1 0 0\nv 0 1 0\nf 1 2 3\n"),
+                  "1");
+        const auto *first = item_of<vertex>(parts()[0]->vertices);
+        EXPECT_EQ(first->position.z, std::strtof(number, nullptr)) << number;
+    }
+}
+
 TEST_F(Interchange, OtherFormatsComeByTheProgramsReader)
 {
     EXPECT_EQ(load("a.ply", "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty "
