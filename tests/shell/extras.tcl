@@ -69,7 +69,7 @@ proc fresh {} {
     fresh
     ::test::press .main.tools.measure
     ::test::check "the measure tool tells area and volume" {
-        $::vesk::status::message eq "1 object  area 6  volume 1"
+        $::vesk::tools::measured eq "1 object  area 6  volume 1"
     }
 
     # The options of the last operation once more.
