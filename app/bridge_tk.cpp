@@ -101,6 +101,7 @@ void catch_end_signals()
     for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
         struct sigaction action = {};
         action.sa_handler = on_end_signal;
+        action.sa_flags = SA_RESETHAND; // a second one does not wait for long work to end
         sigemptyset(&action.sa_mask);
         sigaction(number, &action, nullptr);
     }

@@ -100,10 +100,9 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
 void adopt_children(object_t *container)
 {
     const owned_list children(list_clone(container->children)); // the list changes on the way
-    for (object_t *child : each<object_t>(children.get())) {
+    for (object_t *child : each<object_t>(children.get()))
         object_reparent(child, vesk_get_world());
-        select_object(child);
-    }
+    select_objectlist(children.get()); // in one go: each selection measures all that is selected
     // The container itself stays as it is; nothing refers to it any more.
     object_free(container);
 }

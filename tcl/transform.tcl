@@ -237,10 +237,14 @@ proc ::vesk::transform::count_line {ids infos} {
     foreach info $infos {
         if {[dict exists $info children]} {incr children [dict get $info children]}
     }
+    # In one line, also when there are many: what stands above must not move.
+    if {[llength $ids] > 1} {
+        return "[counted [llength $ids] object], [::vesk::arith::grouped $surfaces] surf,\
+            [::vesk::arith::grouped $vertices] vert"
+    }
     set line ""
-    if {[llength $ids] > 1} {append line [counted [llength $ids] object] ", "}
     append line [counted $surfaces surface] ", " [counted $vertices vertex vertices]
-    if {$children > 0 && [llength $ids] <= 100} {append line ", " [counted $children child children]}
+    if {$children > 0} {append line ", " [counted $children child children]}
     return $line
 }
 

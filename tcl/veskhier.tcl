@@ -218,7 +218,11 @@ proc ::vesk::hier::fill {} {
     set rows {}
     set wanted [string tolower $filter]
     array set total [totals]
-    foreach {type icon} $icons {set image($type) [::vesk::icons::get $icon dim]}
+    # Images of tags: one of each row costs a walk over all of them when it changes.
+    foreach {type icon} $icons {
+        $tree tag configure $type -image [::vesk::icons::get $icon dim]
+        $tree tag configure $type-active -image [::vesk::icons::get $icon active]
+    }
     set first_time [expr {[dict size $open] == 0}]
     set world [vesk get_world]
     foreach {id parent type name surfaces visible locked} $flat {
@@ -230,14 +234,12 @@ proc ::vesk::hier::fill {} {
             set parent {}
         }
         set opened [expr {[dict exists $open $id] || ($first_time && $parent eq {})}]
-        set picture ""
-        if {[info exists image($type)]} {set picture $image($type)}
         # Procedures are called only where they change something: there may be ten thousand rows.
         set count $total($id)
         if {$count >= 1000} {set count [::vesk::arith::grouped $count]}
         set text " $name"
         if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
-        $tree insert $parent end -id $id -text $text -image $picture -open $opened \
+        $tree insert $parent end -id $id -text $text -tags [list $type] -open $opened \
             -values [list $count]
     }
     $tree yview moveto [lindex $top 0]
@@ -329,13 +331,10 @@ proc ::vesk::hier::mark_icons {} {
     variable marked
     variable icons
     set now [$tree selection]
-    foreach {ids variant} [list $marked dim $now active] {
+    foreach {ids variant} [list $marked "" $now -active] {
         foreach id $ids {
             if {![$tree exists $id] || ![dict exists $rows $id]} {continue}
-            set type [lindex [dict get $rows $id] 1]
-            if {[dict exists $icons $type]} {
-                $tree item $id -image [::vesk::icons::get [dict get $icons $type] $variant]
-            }
+            $tree item $id -tags [list [lindex [dict get $rows $id] 1]$variant]
         }
     }
     set marked $now
