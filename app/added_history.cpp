@@ -5,7 +5,7 @@
 #include "app/command_row.h"
 #include "app/messages_internal.h"
 #include "edit/journal.h"
-#include "edit/undo.h"
+#include "edit/undo_internal.h"
 #include "view/redraw.h"
 
 #include <cstdint>
@@ -28,6 +28,23 @@ void command_redo()
     }
     show_jump();
     display_message("redo done");
+}
+
+void command_step_back()
+{
+    if (!undo_records().empty() || !journal_back()) {
+        UNDO();
+        return;
+    }
+    show_jump();
+    display_message("undo done");
+}
+
+void command_undo_name()
+{
+    const char *label =
+        undo_records().empty() ? journal_back_label() : undo_records().back()->description.c_str();
+    command_result_set(label != nullptr ? label : "");
 }
 
 // For each state: its place, its label, 1 for the present one, 1 for an operation of a plug-in.
@@ -95,6 +112,10 @@ void command_change_count() { command_result_set(std::to_string(journal_change_n
 void register_history_commands()
 {
     const vesk_command_t rows[] = {
+        command_row("step_back", command_step_back, nullptr,
+                    "undo, also where only the history leads back"),
+        command_row("undo_name", command_undo_name, nullptr,
+                    "returns what step_back takes back, nothing when there is no way back"),
         command_row("redo", command_redo, nullptr, "redo what was undone"),
         command_row("history_list", command_history_list, nullptr,
                     "returns place, label, present, plug-in of each state"),

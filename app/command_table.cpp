@@ -255,7 +255,7 @@ const command_kind_row_t kinds[] = {
     // added at start
     {"object_tree", query}, {"object_at", query}, {"model_state", query}, {"get_counts", query}, {"object_info", query},
     {"get_palette", query}, {"get_material", query}, {"command_info", query}, {"cancel", view}, {"texture_photo", query}, {"texture_list", query}, {"tool_key", view}, {"objects_select", view}, {"select_elements", view},
-    {"change_count", query}, {"can_take_back", query}, {"history_list", query}, {"history_limit", view}, {"history_note", view},
+    {"change_count", query}, {"can_take_back", query}, {"history_list", query}, {"undo_name", query}, {"history_limit", view}, {"history_note", view},
     {"check_model", query}, {"check_counts", query}, {"check_select", view},
     {"autosave", query}, {"recovery_list", query}, {"recovery_drop", view},
     {"set_backup_versions", view}, {"prefs_rows", query}, {"axis_colours", view},

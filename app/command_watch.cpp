@@ -33,25 +33,10 @@ watch_t &running()
 
 // Commands that "repeat_last" does not repeat.
 constexpr std::string_view not_repeated[] = {
-    "clear_all",
-    "file_load",
-    "file_save",
-    "history_goto",
-    "load_file",
-    "load_file_select",
-    "load_vesk",
-    "plugin_load",
-    "recovery_drop",
-    "redo",
-    "repeat_last",
-    "save_vesk",
-    "take_back",
-    "transform_about",
-    "transform_begin",
-    "transform_cancel",
-    "transform_end",
-    "transform_to",
-    "undo",
+    "clear_all",        "file_load",        "file_save",     "history_goto",  "load_file",
+    "load_file_select", "load_vesk",        "plugin_load",   "recovery_drop", "redo",
+    "repeat_last",      "save_vesk",        "step_back",     "take_back",     "transform_about",
+    "transform_begin",  "transform_cancel", "transform_end", "transform_to",  "undo",
 };
 
 bool is_repeated(const vesk_command_t *command)

@@ -267,6 +267,28 @@ bool journal_goto(int index)
     return true;
 }
 
+const char *journal_back_label()
+{
+    const int present = journal().present;
+    if (present < 1)
+        return nullptr;
+    const std::string &label = entry(present).label;
+    const bool loaded = label.starts_with("load");
+    const bool opened = loaded && (present == 1 || entry(present - 1).label == "clear all");
+    // Before the result of an undo stands what was undone.
+    const bool undone = label.starts_with("undo ");
+    return opened || undone || label == "clear all" ? nullptr : label.c_str();
+}
+
+bool journal_back()
+{
+    journal_settle();
+    if (journal_back_label() == nullptr)
+        return false;
+    go_to(journal().present - 1);
+    return true;
+}
+
 void journal_note_selection()
 {
     journal_settle();

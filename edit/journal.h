@@ -35,6 +35,12 @@ void journal_revert();
 bool journal_redo();
 bool journal_goto(int index);
 
+// One state back, for an interface whose undo records are used up: some reversals drop them all. It
+// does not lead to before the scene was opened. The label is that of the present state, null when
+// there is no way back.
+bool journal_back();
+const char *journal_back_label();
+
 // The selection of now is that of the present state: going back to it brings it, not the one that was
 // there when the step ended.
 void journal_note_selection();

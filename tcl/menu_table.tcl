@@ -62,7 +62,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Triangles..." {write_tri {File save_file .tri}} "" model "Writes a list of triangles."}
 }
 ::vesk::menus::define edit "&Edit" {
-    {run "&Undo" {undo} Ctrl+Z undo "Takes the last change back."}
+    {run "&Undo" {step_back} Ctrl+Z undo "Takes the last change back."}
     {run "&Redo" {redo} Ctrl+Shift+Z redo "Makes the change again that was taken back."}
     {call "&History..." {::vesk::history::open} Ctrl+H "" "Lists the changes; a click goes back or forth."}
     {run "Repeat the la&st" {repeat_last} Ctrl+R "" "Does the last operation again."}

@@ -164,20 +164,20 @@
 # Context menus of the views: rows of the menus above, by their first word.
 namespace eval ::vesk::menus {
     variable context {
-        object {{edit undo} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
+        object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
             {object lock_selected} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
-        surface {{edit undo} - {surface surface_flip_normals} {surface surface_triangulate}
+        surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
             {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
             {surface extrude} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {create surface_create_object}
             {surface removesurface} {edit delete}}
-        light {{edit undo} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
+        light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -
             {view fit_selected_all}}
-        vertex {{edit undo} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
+        vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
             {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
             {select select_part_selected_surfaces} {edit delete}}
     }

@@ -194,7 +194,7 @@ proc ::vesk::menus::possible {row state} {
             return [expr {[dict get $state surfaces] > 0 || [dict get $state vertices] > 2}]
         }
         vertex  {return [expr {[dict get $state vertices] > 0}]}
-        undo    {return [expr {$::undo_count > 0}]}
+        undo    {return [expr {[vesk undo_name] ne ""}]}
         redo    {return [::vesk::history::can_redo]}
         hidden  {return [expr {!!$::objects_are_hidden}]}
         locked  {return [expr {!!$::objects_are_locked}]}

@@ -6,7 +6,6 @@ namespace eval ::vesk::status {
     variable path ""
     variable message ""         ;# what the line shows at the left
     variable history {}         ;# older messages, newest first
-    variable undo_label ""
     variable progress 0
     variable busy_since 0       ;# milliseconds; 0 while nothing runs
     variable idle_timer ""
@@ -73,7 +72,7 @@ proc ::vesk::status::build_undo {line} {
     divider $line.lineundo
     ttk::button $line.undo -style Icon.Toolbutton -image [list [::vesk::icons::get undo dim] \
         disabled [::vesk::icons::get undo disabled]] -compound left \
-        -command {::vesk::ops::run undo} -takefocus 0
+        -command {::vesk::ops::run step_back} -takefocus 0
     ::vesk::tips::attach $line.undo Undo Ctrl+Z "Takes the last change back."
 }
 
@@ -219,9 +218,9 @@ proc ::vesk::status::show_socket {on} {
 
 proc ::vesk::status::show_undo {} {
     variable path
-    variable undo_label
-    set possible [expr {$undo_label ne "" && $::undo_count > 0}]
-    set text [expr {$possible ? "Undo: $undo_label" : "Nothing to undo"}]
+    set name [vesk undo_name]
+    set possible [expr {$name ne ""}]
+    set text [expr {$possible ? "Undo: $name" : "Nothing to undo"}]
     $path.undo configure -text $text
     $path.undo state [expr {$possible ? "!disabled" : "disabled"}]
 }
@@ -303,8 +302,5 @@ proc ::vesk::status::set_progress {percent} {
 }
 
 proc display_message {text} {::vesk::status::show $text}
-proc set_undo_string {text} {
-    set ::vesk::status::undo_label $text
-    ::vesk::ops::request
-}
+proc set_undo_string {text} {::vesk::ops::request}
 proc set_progress_bar {percent} {::vesk::status::set_progress $percent}

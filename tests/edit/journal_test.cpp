@@ -92,6 +92,29 @@ TEST_F(Journal, GoesWhereItIsTold)
     EXPECT_EQ(last_message(), "no such place in the history: 99");
 }
 
+TEST_F(Journal, StepBackGoesOnWhereAReversalDroppedAllRecords)
+{
+    run("clear_all");
+    EXPECT_EQ(run("undo_name"), ""); // the scene is not brought back by a key
+    run("new_cube");
+    const std::string at_first = scene_text();
+    run("select_all");
+    run("move_to", 1, 2, 3);
+    const std::string moved = scene_text();
+    run("delete");
+    EXPECT_EQ(run("undo_name"), "delete");
+    run("step_back");
+    EXPECT_EQ(scene_text(), moved);
+    EXPECT_EQ(*undo_count_address(), 0); // as a deletion's reversal leaves it
+    EXPECT_EQ(run("undo_name"), "move to");
+    run("step_back");
+    EXPECT_EQ(last_message(), "undo done");
+    EXPECT_EQ(scene_text(), at_first);
+    run("redo");
+    run("redo");
+    EXPECT_EQ(vesk_get_world()->num_children, 0);
+}
+
 TEST_F(Journal, ANewChangeDropsWhatLiesAhead)
 {
     run("select_all");

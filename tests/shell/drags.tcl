@@ -61,7 +61,7 @@ proc counts {id} {
     fresh
     from_to 0 0 0.6 0.3
     ::test::check "a drag moves" {[near [centre] {0.6 0.3 0}]}
-    ::test::check "with one undo record" {$::undo_count == $::records + 1 && $::vesk::status::undo_label eq "move"}
+    ::test::check "with one undo record" {$::undo_count == $::records + 1 && [vesk undo_name] eq "move"}
     vesk undo
     ::test::check "which takes it back" {[near [centre] {0 0 0} 1e-6]}
     begin 0 0 0.6 0.3
@@ -119,7 +119,7 @@ proc counts {id} {
     from_to 0.4 0 0.3 -0.27 shift
     ::test::check "Shift turns by 15 degrees" {
         [near [size] [list [expr {cos(acos(-1) / 4) * 2}] [expr {cos(acos(-1) / 4) * 2}] 1]]
-        && $::vesk::status::undo_label eq "rotate"
+        && [vesk undo_name] eq "rotate"
     }
     fresh
     from_to 0.58 0 1.08 0
@@ -152,7 +152,7 @@ proc counts {id} {
     ::test::check "E is the extrude tool" {[lindex [vesk get_app_mode] 1] eq "extrude"}
     from_to 0.5 0 1.2 0 "" zy
     ::test::check "a drag extrudes" {
-        [counts $::cube] eq {11 12} && $::vesk::status::undo_label eq "extrude"
+        [counts $::cube] eq {11 12} && [vesk undo_name] eq "extrude"
     }
     vesk undo
     ::test::check "and is undone" {[counts [vesk object_get_children [vesk get_world]]] eq {6 8}}
@@ -215,7 +215,7 @@ proc counts {id} {
         set made [vesk object_get_children [vesk get_world]]
         ::test::check "clicks make a $tool" {
             [llength $made] == 1 && [counts $made] eq [list $surfaces $vertices]
-            && $::vesk::status::undo_label eq "add $tool"
+            && [vesk undo_name] eq "add $tool"
         }
     }
     vesk clear_all

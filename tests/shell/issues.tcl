@@ -60,7 +60,7 @@ proc choose_menu {entry} {
     choose_menu 1
     ::test::check "or all of the kind, in one step" {
         [dict get [vesk check_counts] duplicate_vertex] == 0 && ![$list exists duplicate_vertex]
-        && $::vesk::status::undo_label eq "fix duplicate vertex"
+        && [vesk undo_name] eq "fix duplicate vertex"
     }
     vesk undo
     ::test::check "which undo takes back" {[dict get [vesk check_counts] duplicate_vertex] == 2}

@@ -52,7 +52,7 @@ proc fresh {} {
 #   Whether exactly one record was made since `fresh`, and undo brings the numbers back.
 proc one_record {{label ""}} {
     set made [expr {$::undo_count - $::records}]
-    set told $::vesk::status::undo_label
+    set told [vesk undo_name]
     vesk undo
     ::test::pause 200
     return [expr {$made == 1 && ($label eq "" || $told eq $label)
@@ -158,7 +158,7 @@ proc one_record {{label ""}} {
     drag_row $c $a 0.1
     ::test::check "a row dragged up stands before the other" {
         [vesk object_get_children [vesk get_world]] eq [list $c $a $b]
-        && $::vesk::status::undo_label eq "move in the tree"
+        && [vesk undo_name] eq "move in the tree"
     }
     vesk undo
     ::test::check "and undo puts it back" {

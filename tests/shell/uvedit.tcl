@@ -210,7 +210,7 @@ proc rings {name} {
     begin 0.7 0.5 0.5 0.7 1 shift
     finish 1 shift
     ::test::check "R turns" {
-        $::vesk::status::undo_label eq "rotate texture coordinates"
+        [vesk undo_name] eq "rotate texture coordinates"
         && [near [info_of box] {0.25 0.25 0.75 0.75}]
     }
     key ctrl+z
@@ -240,7 +240,7 @@ proc rings {name} {
         }
         ::test::pause 60
         ::test::check "$button is one step, or says why not" {
-            $::vesk::status::undo_label eq $label || [vesk model_state] eq $state
+            [vesk undo_name] eq $label || [vesk model_state] eq $state
         }
     }
 

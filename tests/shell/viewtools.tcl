@@ -70,7 +70,7 @@ proc plate {view} {return [::test::share [::test::picture $view] {30 30 33} 14]}
     set info [vesk object_info [vesk object_get_children [vesk get_world]]]
     ::test::check "a click inserts a vertex with one undo record" {
         [dict get $info vertices] == 9 && $::undo_count == $records + 1
-        && $::vesk::status::undo_label eq "insert vertex"
+        && [vesk undo_name] eq "insert vertex"
     }
     ::test::check "echoed" {[string match "*vesk insert_vertex_at *" [::vesk::console::last 6]]}
     vesk undo
