@@ -307,7 +307,13 @@ void interaction_release(const pointer_event_t &event)
 
 void interaction_enter(int view) { set_view_under_pointer(view); }
 
-void interaction_leave(int) { set_view_under_pointer(VIEW_NONE); }
+void interaction_leave(int)
+{
+    set_view_under_pointer(VIEW_NONE);
+    if (interaction.drag.kind == drag_kind::none && interaction.tool != nullptr &&
+        interaction.tool->outside != nullptr)
+        interaction.tool->outside();
+}
 
 void interaction_wheel(int view, int direction)
 {

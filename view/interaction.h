@@ -53,8 +53,8 @@ bool view_is_moving(int view, double seconds);
 void view_note_motion(int view, double seconds);
 
 // What the left button does where neither the camera nor the cross takes it; `click`, `hover`,
-// `holds` and `forget` may be null. `press` answers whether the tool wants the drag. A press of the
-// right button during a drag cancels it.
+// `holds`, `forget` and `outside` may be null. `press` answers whether the tool wants the drag. A
+// press of the right button during a drag cancels it.
 struct left_tool_t {
     bool (*press)(const pointer_event_t &event);
     void (*motion)(const pointer_event_t &event);
@@ -69,6 +69,8 @@ struct left_tool_t {
     bool (*holds)();
     // Drops everything that the tool remembers.
     void (*forget)();
+    // The pointer went out of the views.
+    void (*outside)();
 };
 void interaction_set_left_tool(const left_tool_t *tool);
 

@@ -15,6 +15,7 @@ struct extra_tool_t {
     void (*hover)(const pointer_event_t &event);
     bool (*key)(const char *keysym); // whether it was used
     void (*leave)();                 // the tool is put away
+    void (*outside)();               // the pointer went out of the views; may be null
 };
 
 // The tool that is on; null for none.

@@ -108,7 +108,7 @@ bool key(const char *) { return false; }
 
 } // namespace
 
-const extra_tool_t insert_tool = {"insert_vertex", press, motion, release,
-                                  forget,          hover, key,    forget};
+const extra_tool_t insert_tool = {"insert_vertex", press, motion, release, forget,
+                                  hover,           key,   forget, forget};
 
 const insert_mark_t &insert_mark() { return mark; }

@@ -94,7 +94,15 @@ void forget()
     create_forget();
 }
 
-const left_tool_t functions = {press, motion, release, cancel, click, hover, holds, forget};
+void outside()
+{
+    if (extra_tool() != nullptr && extra_tool()->outside != nullptr) {
+        extra_tool()->outside();
+    }
+}
+
+const left_tool_t functions = {press, motion, release, cancel, click,
+                               hover, holds,  forget,  outside};
 
 void cancel_half_drawn()
 {

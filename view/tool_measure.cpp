@@ -208,4 +208,5 @@ bool key(const char *keysym)
 
 } // namespace
 
-const extra_tool_t measure_tool = {"measure", press, motion, release, clear, hover, key, clear};
+const extra_tool_t measure_tool = {"measure", press, motion, release, clear,
+                                   hover,     key,   clear,  nullptr};

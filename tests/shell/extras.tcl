@@ -71,6 +71,7 @@ proc fresh {} {
     ::test::check "the measure tool tells area and volume" {
         $::vesk::tools::measured eq "1 object  area 6  volume 1"
     }
+    ::test::press .main.tools.move
 
     # The options of the last operation once more.
     fresh

@@ -193,6 +193,9 @@ TEST_F(InsertTool, ControlTakesTheMiddleAndTheGridItsCrossing)
     EXPECT_NEAR(insert_mark().at.x, -0.2f, 1e-5f);
     move(VIEW_XY, 200, 150);
     EXPECT_FALSE(insert_mark().shown) << "no edge here";
+    move(VIEW_XY, 176, 101);
+    interaction_leave(VIEW_XY);
+    EXPECT_FALSE(insert_mark().shown) << "the pointer is elsewhere";
     click(VIEW_XY, 200, 150);
     EXPECT_EQ(cube->num_vertices, 8);
     EXPECT_TRUE(nothing_is_selected());
