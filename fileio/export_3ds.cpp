@@ -8,10 +8,10 @@
 #include "fileio/atomic_file.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
+#include "model/ear_cut.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
 #include "model/world.h"
-#include "view/mesh_layout.h"
 #include "view/textures.h"
 
 #include <algorithm>
@@ -129,11 +129,7 @@ private:
         }
         if (corners.size() < 3)
             return;
-        std::vector<point3_t> points;
-        for (const std::int32_t vertex : corners)
-            points.push_back((*flat.positions)[static_cast<size_t>(vertex)]);
-        std::vector<int> ears;
-        cut_ears(points.data(), static_cast<int>(points.size()), ears);
+        const std::vector<int> ears = surface_ears(flat, surface);
         const auto first =
             static_cast<size_t>((*flat.corner_offsets)[static_cast<size_t>(surface)]);
         const std::string name = material_name(record, object);
@@ -143,7 +139,8 @@ private:
             std::array<std::uint32_t, 3> face = {};
             for (size_t k = 0; k < 3; ++k) {
                 const auto corner = static_cast<size_t>(ears[i + k]);
-                face[k] = vertex(mesh, corners[corner], points[corner],
+                const std::int32_t index = corners[corner];
+                face[k] = vertex(mesh, index, (*flat.positions)[static_cast<size_t>(index)],
                                  (*flat.texture_coords)[first + corner]);
             }
             mesh.faces_of[name].push_back(static_cast<std::uint32_t>(mesh.faces.size()));

@@ -9,11 +9,11 @@
 #include "fileio/write_report.h"
 #include "model/bounds.h"
 #include "model/each.h"
+#include "model/ear_cut.h"
 #include "model/lights.h"
 #include "model/palette.h"
 #include "model/world.h"
 #include "view/camera_internal.h"
-#include "view/mesh_layout.h"
 #include "view/textures.h"
 
 #include <algorithm>
@@ -314,17 +314,9 @@ export_vertices export_used_vertices(const export_object &object, const export_p
 std::vector<int> export_triangles(const export_object &object, const export_part &part)
 {
     std::vector<int> triangles;
-    std::vector<point3_t> points;
-    std::vector<int> ears;
-    for (const int surface : part.surfaces) {
-        points.clear();
-        ears.clear();
-        for (const std::int32_t index : object.flat->surface_corners(surface))
-            points.push_back(object.point(index));
-        cut_ears(points.data(), static_cast<int>(points.size()), ears);
-        for (const int corner : ears)
+    for (const int surface : part.surfaces)
+        for (const int corner : surface_ears(*object.flat, surface))
             triangles.push_back(object.first_corner(surface) + corner);
-    }
     return triangles;
 }
 

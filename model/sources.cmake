@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     model/bounds.cpp
     model/change_marks.cpp
     model/child_changes.cpp
+    model/ear_cut.cpp
     model/flat_mesh.cpp
     model/frame.cpp
     model/freed.cpp

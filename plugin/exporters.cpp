@@ -11,9 +11,9 @@
 #include "fileio/vesk_writer.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
+#include "model/ear_cut.h"
 #include "model/list.h"
 #include "model/world.h"
-#include "view/mesh_layout.h"
 
 #include <algorithm>
 #include <string>

@@ -3,6 +3,7 @@
 #include "app/prefs.h"
 #include "model/bounds.h"
 #include "model/each.h"
+#include "model/ear_cut.h"
 #include "model/palette.h"
 #include "model/vector.h"
 #include "model/world.h"
@@ -164,12 +165,7 @@ void add_surface_triangles(const flat_mesh &flat, int surface, std::vector<std::
     const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
     if (corners.size() < 3 || record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE)
         return;
-    std::vector<point3_t> points;
-    for (const std::int32_t vertex : corners)
-        points.push_back((*flat.positions)[static_cast<size_t>(vertex)]);
-    std::vector<int> ears;
-    cut_ears(points.data(), static_cast<int>(points.size()), ears);
-    for (const int corner : ears)
+    for (const int corner : surface_ears(flat, surface))
         out.push_back(static_cast<std::uint32_t>(corners[static_cast<size_t>(corner)]));
 }
 

@@ -1,5 +1,6 @@
 #include "view/mesh_layout.h"
 
+#include "model/ear_cut.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -48,57 +49,6 @@ bool is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners)
             return false;
     }
     return true;
-}
-
-struct flat_point_t {
-    double x, y;
-};
-
-double side_of(const flat_point_t &a, const flat_point_t &b, const flat_point_t &c)
-{
-    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
-}
-
-// The outline seen along its facing, so that it runs counter-clockwise.
-std::vector<flat_point_t> flatten_outline(const point3_t *corners, int count)
-{
-    double sum[3] = {};
-    for (int i = 1; i + 1 < count; ++i) {
-        const point3_t c =
-            point_cross(point_sub(corners[i], corners[0]), point_sub(corners[i + 1], corners[0]));
-        sum[0] += c.x;
-        sum[1] += c.y;
-        sum[2] += c.z;
-    }
-    const double size[3] = {std::fabs(sum[0]), std::fabs(sum[1]), std::fabs(sum[2])};
-    const int drop = static_cast<int>(std::max_element(size, size + 3) - size);
-    const bool flip = sum[drop] < 0;
-    std::vector<flat_point_t> points(static_cast<size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        const double v[3] = {corners[i].x, corners[i].y, corners[i].z};
-        const double a = v[(drop + 1) % 3];
-        const double b = v[(drop + 2) % 3];
-        points[static_cast<size_t>(i)] = flip ? flat_point_t{b, a} : flat_point_t{a, b};
-    }
-    return points;
-}
-
-bool holds_another(const std::vector<flat_point_t> &points, const std::vector<int> &left,
-                   size_t tip, double ear)
-{
-    const size_t n = left.size();
-    const flat_point_t &a = points[static_cast<size_t>(left[(tip + n - 1) % n])];
-    const flat_point_t &b = points[static_cast<size_t>(left[tip])];
-    const flat_point_t &c = points[static_cast<size_t>(left[(tip + 1) % n])];
-    const double slack = -1e-12 * ear;
-    for (size_t i = 2; i < n - 1; ++i) {
-        const flat_point_t &p = points[static_cast<size_t>(left[(tip + i) % n])];
-        if ((p.x == a.x && p.y == a.y) || (p.x == b.x && p.y == b.y) || (p.x == c.x && p.y == c.y))
-            continue;
-        if (side_of(a, b, p) > slack && side_of(b, c, p) > slack && side_of(c, a, p) > slack)
-            return true;
-    }
-    return false;
 }
 
 // Groups in the order of their first surface.
@@ -241,7 +191,8 @@ private:
                 slots_[i] = new_slot(corners[i], surface, -1);
         }
         if (ears) {
-            add_ears(corners);
+            for (const int corner : surface_ears(flat_, surface))
+                out_.triangles.push_back(slots_[static_cast<size_t>(corner)]);
             return;
         }
         const bool own_normals = options_.texture_coords || smooth;
@@ -267,18 +218,6 @@ private:
             out_.triangles.push_back(slots_[(start + i + 1) % n]);
             out_.triangles.push_back(slots_[start]);
         }
-    }
-
-    void add_ears(std::span<const std::int32_t> corners)
-    {
-        std::vector<point3_t> points;
-        points.reserve(corners.size());
-        for (const std::int32_t vertex : corners)
-            points.push_back(position(vertex));
-        std::vector<int> ears;
-        cut_ears(points.data(), static_cast<int>(points.size()), ears);
-        for (const int corner : ears)
-            out_.triangles.push_back(slots_[static_cast<size_t>(corner)]);
     }
 
     // The stored normal comes from the first three corners, which may turn against the outline or
@@ -376,6 +315,8 @@ void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, float 
 void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int16_t *out)
 {
     const size_t slots = layout.num_slots();
+    std::int32_t odd_face = -1; // the last one
+    point3_t odd_normal = {};
     for (size_t slot = 0; slot < slots; ++slot) {
         const std::int32_t face = layout.slot_face[slot];
         const size_t owner =
@@ -386,9 +327,14 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
             face >= 0 ? (*flat.face_normals)[static_cast<size_t>(face)] : (*flat.normals)[owner];
         if (face >= 0 &&
             std::binary_search(layout.odd_faces.begin(), layout.odd_faces.end(), face)) {
-            normal = outline_normal(flat, flat.surface_corners(face));
-            const double length = point_length(normal);
-            normal = length > 0 ? point_scale(normal, static_cast<float>(1.0 / length)) : normal;
+            if (face != odd_face) {
+                odd_face = face;
+                odd_normal = outline_normal(flat, flat.surface_corners(face));
+                const double length = point_length(odd_normal);
+                if (length > 0)
+                    odd_normal = point_scale(odd_normal, static_cast<float>(1.0 / length));
+            }
+            normal = odd_normal;
         }
         out[slot * 4] = packed(normal.x);
         out[slot * 4 + 1] = packed(normal.y);
@@ -405,37 +351,6 @@ void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, f
         *out++ = at.u;
         *out++ = at.v;
     }
-}
-
-void cut_ears(const point3_t *corners, int count, std::vector<int> &out)
-{
-    const std::vector<flat_point_t> points = flatten_outline(corners, count);
-    std::vector<int> left(static_cast<size_t>(count));
-    std::iota(left.begin(), left.end(), 0);
-    const auto side_at = [&](size_t tip) {
-        const size_t n = left.size();
-        return side_of(points[static_cast<size_t>(left[(tip + n - 1) % n])],
-                       points[static_cast<size_t>(left[tip])],
-                       points[static_cast<size_t>(left[(tip + 1) % n])]);
-    };
-    size_t tip = 0;
-    size_t tried = 0;
-    while (left.size() > 3) {
-        const size_t n = left.size();
-        tip %= n;
-        const double ear = side_at(tip);
-        // After a whole round without an ear the outline crosses itself: any corner goes.
-        if (tried < n && (ear <= 0 || holds_another(points, left, tip, ear))) {
-            ++tip;
-            ++tried;
-            continue;
-        }
-        out.insert(out.end(), {left[(tip + n - 1) % n], left[tip], left[(tip + 1) % n]});
-        left.erase(left.begin() + static_cast<std::ptrdiff_t>(tip));
-        tried = 0;
-    }
-    if (left.size() == 3)
-        out.insert(out.end(), left.begin(), left.end());
 }
 
 // By buckets of the lower vertex, without hashing.

@@ -54,10 +54,6 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
 // Of a layout with texture coordinates: two floats a slot.
 void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
 
-// Cuts a polygon with `count` corners into count - 2 triangles (corner numbers, three each) that
-// keep its orientation. Outlines that cross themselves are cut as well as they can be.
-void cut_ears(const point3_t *corners, int count, std::vector<int> &out);
-
 // Unique edges of the polygons among `surfaces` (null: of all), two vertex indices each.
 std::vector<std::uint32_t> unique_edges(const flat_mesh &flat, const std::vector<int> *surfaces);
 

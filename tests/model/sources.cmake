@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    model/ear_cut_test.cpp
     model/flat_mesh_test.cpp
     model/list_test.cpp
     model/matrix_test.cpp

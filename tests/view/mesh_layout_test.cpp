@@ -97,14 +97,6 @@ TEST_F(MeshLayout, TheNormalOfAPolygonFollowsItsOutline)
     }
 }
 
-TEST_F(MeshLayout, AnOutlineThatCrossesItselfIsCutAndEnds)
-{
-    const point3_t bow_tie[] = {{0, 0, 0}, {2, 2, 0}, {2, 0, 0}, {0, 2, 0}, {1, 3, 0}};
-    std::vector<int> ears;
-    cut_ears(bow_tie, 5, ears);
-    EXPECT_EQ(ears.size(), 9u);
-}
-
 TEST_F(MeshLayout, ACubeTakesOneSlotForEachVertexOrFaceThatNeedsOne)
 {
     object_t *cube = add_cube("cube");
