@@ -22,7 +22,7 @@
 #include "model/identity.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
-#include "model/palette.h"
+#include "model/palette_internal.h"
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "view/redraw.h"
@@ -239,8 +239,9 @@ void command_vesk_material_set_name(int i, const char *name)
         display_message("name material - no palette entry %d", i);
         return;
     }
+    const std::string fitting = material_name_for_files(name);
     new_undo_state("name material");
-    vesk_material_set_name(vesk_palette_get_material(i), name);
+    vesk_material_set_name(vesk_palette_get_material(i), fitting.c_str());
     palette_mark();
     display_status();
 }

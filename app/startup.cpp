@@ -80,10 +80,11 @@ struct batch_option {
 constexpr batch_option batch_options[] = {
     {"-batch", nullptr}, {"-thumbnail", "tcl/thumbnail.tcl"}, {"-convert", "tcl/convert.tcl"}};
 
-const batch_option *batch_option_of(std::string_view word)
+// The option at `i`; -batch is one only with a script behind it.
+const batch_option *batch_option_at(int i, int argc, char **argv)
 {
     for (const batch_option &option : batch_options)
-        if (option.name == word)
+        if (option.name == argv[i] && (option.script != nullptr || i + 1 < argc))
             return &option;
     return nullptr;
 }
@@ -219,13 +220,15 @@ command_line_t parse_command_line(int argc, char **argv)
             line.plugins = false;
         } else if (word == "-script" && more) {
             line.script = argv[++i];
-        } else if (const batch_option *option = batch_option_of(argv[i]);
-                   option != nullptr && more) {
+        } else if (const batch_option *option = batch_option_at(i, argc, argv)) {
             line.batch = true;
             line.own_script = option->script != nullptr;
             line.script = line.own_script ? option->script : argv[++i];
             line.script_arguments.assign(argv + i + 1, argv + argc);
             return line;
+        } else if (word == "-batch" || word == "-script") {
+            console_printf("%s needs a file\n", argv[i]);
+            line.incomplete = true;
         } else if (word.starts_with("-")) {
             console_printf("unknown argument '%s'\n", argv[i]);
         } else {
@@ -255,16 +258,16 @@ void init_view3d(void) { person_reset(); }
 int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
 {
     bool batch = false;
-    for (int i = 1; i + 1 < argc; ++i)
-        batch = batch || batch_option_of(argv[i]) != nullptr;
+    for (int i = 1; i < argc; ++i)
+        batch = batch || batch_option_at(i, argc, argv) != nullptr;
     toolkit.install_port(batch);
     crash_guard::install();
     read_start_directory();
 
     const command_line_t line = parse_command_line(argc, argv);
-    if (line.help) {
+    if (line.help || line.incomplete) {
         print_help(line);
-        return 0;
+        return line.help ? 0 : 1;
     }
     if (line.version) {
         console_printf("%s\n", vesk_get_version_string());

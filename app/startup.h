@@ -17,6 +17,7 @@ struct command_line_t {
     bool debug = false;
     bool help = false;
     bool version = false;
+    bool incomplete = false; // a file is missing behind an option
     bool plugins = true;
     bool batch = false;
     std::string script;      // of -batch, or of -script

@@ -39,4 +39,4 @@ install(FILES ${CMAKE_BINARY_DIR}/sdk/vesk-config.cmake
     ${CMAKE_BINARY_DIR}/sdk/vesk-config-version.cmake ${CMAKE_SOURCE_DIR}/cmake/vesk_plugin.cmake
     DESTINATION ${VESK_CMAKEDIR} COMPONENT sdk)
 configure_file(${CMAKE_SOURCE_DIR}/packaging/vesk.pc.in ${CMAKE_BINARY_DIR}/sdk/vesk.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/sdk/vesk.pc DESTINATION lib/pkgconfig COMPONENT sdk)
+install(FILES ${CMAKE_BINARY_DIR}/sdk/vesk.pc DESTINATION share/pkgconfig COMPONENT sdk)

@@ -93,6 +93,27 @@ void palette_take_back(int count)
 
 int palette_capacity() { return palette.capacity; }
 
+std::string material_name_for_files(const char *name)
+{
+    constexpr size_t longest = 64;
+    std::string fitting = name != nullptr ? name : "";
+    for (char &c : fitting) {
+        if (c == '"')
+            c = '\'';
+        else if (c == '\\')
+            c = '/';
+        else if (static_cast<unsigned char>(c) < ' ')
+            c = ' ';
+    }
+    if (fitting.size() > longest) {
+        size_t end = longest;
+        while (end > 0 && (static_cast<unsigned char>(fitting[end]) & 0xC0) == 0x80)
+            --end; // not within a character
+        fitting.resize(end);
+    }
+    return fitting;
+}
+
 int vesk_get_num_palette(void) { return palette.count; }
 
 material *vesk_palette_get_material(int i)
@@ -107,6 +128,9 @@ material *vesk_palette_get_material(int i)
 
 int vesk_palette_append_material(material *mat)
 {
+    // Importers take names from other programs; the colours would be lost with a line that breaks.
+    if (is_name(mat->name) && material_name_for_files(mat->name) != mat->name)
+        vesk_material_set_name(mat, material_name_for_files(mat->name).c_str());
     if (palette.count == palette.capacity)
         grow();
     const int i = palette.count++;

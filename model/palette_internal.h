@@ -4,6 +4,7 @@
 #include "model/palette.h"
 
 #include <cstddef>
+#include <string>
 
 // Equal for materials that material_compare finds equal.
 std::size_t material_hash(const material *mat);
@@ -17,6 +18,11 @@ public:
     palette_table(const palette_table &) = delete;
     palette_table &operator=(const palette_table &) = delete;
 };
+
+// A name as the MATERIAL line of a model file can carry it, which is one line of at most 254 bytes and
+// escapes nothing: quotes become apostrophes, backslashes slashes, control characters blanks, and what
+// is longer than 64 bytes is cut between two characters. "" for null.
+std::string material_name_for_files(const char *name);
 
 // Takes back the entries from `count` on: those of an import that came to nothing.
 void palette_take_back(int count);

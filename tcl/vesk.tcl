@@ -66,6 +66,19 @@ proc ::vesk::main::build {} {
     bind all <Control-Tab> {}
     wm protocol . WM_DELETE_WINDOW ::vesk::files::quit
     wm minsize . [::vesk::theme::px 560] [::vesk::theme::px 420]
+    first_size
+}
+
+# first_size --
+#   As long as there is no settings file the window is as large as the panels beside four views need,
+#   if the screen allows it.
+proc ::vesk::main::first_size {} {
+    foreach folder [list [file dirname [::vesk::settings::file_name]] $::VESK_HOME] {
+        if {[file exists [file join $folder veskprefs.txt]]} {return}
+    }
+    set width [expr {min([::vesk::theme::px 1280], [winfo screenwidth .] - 50)}]
+    set height [expr {min([::vesk::theme::px 800], [winfo screenheight .] - 80)}]
+    wm geometry . [expr {max($width, $::prefs_cpwin_width)}]x[expr {max($height, $::prefs_cpwin_height)}]
 }
 
 # sash --

@@ -32,7 +32,7 @@ namespace eval ::vesk::tips {
         "In the console, select some lines and press the right button to save them as a tool."
         "Unsaved work is copied every two minutes; after a crash the next start offers the copy."
         "The Palette tab selects every surface of a material, and shows which materials are unused."
-        "Tools > Measure tells distances, angles, areas and volumes of what is selected."
+        "Tools > Measure the selection tells distances, angles, areas and volumes."
         "Drag rows in the objects list to put objects into groups or into another order."
         "A shape tool with Shift makes equal sides, with Control it starts from the middle."
     }

@@ -4,7 +4,9 @@
 #include "fileio/vesk_reader.h"
 #include "fileio/vesk_scan.h"
 #include "fileio/vesk_writer.h"
+#include "model/alloc.h"
 #include "model/bounds.h"
+#include "model/each.h"
 #include "model/matrix.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
@@ -105,6 +107,59 @@ TEST_F(RoundTrip, KeepsTheExamples)
         object_free(read);
     }
 }
+
+struct material_name_case {
+    const char *name;
+    std::string given, kept;
+};
+// clang-format off
+const material_name_case material_names[] = {
+    {"plain",            "oak, light",             "oak, light"},
+    {"quotes",           "the \"old\" oak",        "the 'old' oak"},
+    {"backslash_at_end", "wood\\oak\\",            "wood/oak/"},
+    {"line_feed",        "two\nlines",             "two lines"},
+    {"longer_than_line", std::string(300, 'n'),    std::string(64, 'n')},
+    {"cut_at_a_letter",  std::string(63, 'n') + "\xC3\xA4", std::string(63, 'n')},
+};
+// clang-format on
+void PrintTo(const material_name_case &c, std::ostream *out) { *out << c.name; }
+class MaterialNames : public SceneTest, public testing::WithParamInterface<material_name_case> {};
+
+// The line of a material escapes nothing and has its limit: whatever the name, colours come back.
+TEST_P(MaterialNames, NeverCostTheColours)
+{
+    const auto has_come_back = [](const object_t *cube) {
+        const auto *side = item_of<const surface_t>(cube->surfaces);
+        const material *mat = vesk_palette_get_material(side->material);
+        EXPECT_FLOAT_EQ(mat->diffuse[0], 0.123457f);
+        EXPECT_EQ(std::string(mat->name), GetParam().kept);
+    };
+    for (const bool by_command : {false, true}) {
+        run("clear_all");
+        create_palette();
+        material *mat = new_material();
+        std::fill_n(mat->diffuse, 3, 0.123457f);
+        std::fill_n(mat->specular, 3, 0.0123457f);
+        if (!by_command)
+            vesk_material_set_name(mat, GetParam().given.c_str());
+        const int index = vesk_palette_get_new_material_index(mat);
+        if (by_command)
+            run("material_set_name", index, GetParam().given);
+        add_cube("cube");
+        run("set_select_mode", "object");
+        run("select_all");
+        run("set_col", index);
+        const std::string file = temporary_file("named.vesk");
+        ASSERT_EQ(run("file_save", file), "1");
+        run("clear_all");
+        create_palette();
+        ASSERT_EQ(run("file_load", file), "1");
+        has_come_back(item_of<object_t>(vesk_get_world()->children));
+        myfree(mat->name);
+        myfree(mat);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Cases, MaterialNames, testing::ValuesIn(material_names));
 
 // More than the worker's threshold: blocks come in pieces from the other thread.
 TEST_F(RoundTrip, KeepsAHundredThousandVertices)

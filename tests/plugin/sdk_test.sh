@@ -28,12 +28,12 @@ cmake --build "$work/build" >"$work/log" || { cat "$work/log"; exit 1; }
 [ "$(cat "$work/build/folder")" = "$work/moved/lib/vesk/plugins" ]
 "$program" -noplugins -batch "$source/tests/tcl/example_plugins.tcl" "$work/build" "$work"
 
-export PKG_CONFIG_PATH=$work/moved/lib/pkgconfig
+export PKG_CONFIG_PATH=$work/moved/share/pkgconfig
 flags=$(pkg-config --cflags vesk)
 strict="-Wall -Wextra -Wpedantic -Wundef -Wshadow -Werror"
 cc -std=c99 $strict $flags -shared "$source/examples/plugin-command.c" -o "$work/by_hand.p"
 c++ -std=c++11 $strict $flags -shared "$source/examples/plugin-menu.cpp" -o "$work/menu_by_hand.p"
-[ "$(pkg-config --variable=plugindir vesk)" = "$work/moved/lib/pkgconfig/../../lib/vesk/plugins" ]
+[ "$(pkg-config --variable=plugindir vesk)" = "$work/moved/share/pkgconfig/../../lib/vesk/plugins" ]
 printf 'vesk plugin_load %s/by_hand.p\nvesk plugin_load %s/menu_by_hand.p\nputs [vesk count_triangles]' \
     "$work" "$work" >"$work/load.tcl"
 [ "$("$program" -noplugins -batch "$work/load.tcl" 2>/dev/null)" = 0 ]

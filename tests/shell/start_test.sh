@@ -42,6 +42,8 @@ check "help names the options" 0 '^usage: .*\[-debug\] \[-dynamic\] \[file \.\.\
 check "help tells the build" 0 '^Build ' -- -help
 check "the version" 0 '^VESK v3\.6$' -- -version
 check "an unknown option is told" 0 "^unknown argument '-x'$" -- -x -batch good.tcl
+check "a batch script that is not named is told" 1 '^-batch needs a file$' -- -batch
+check "so are the words of a conversion" 1 '^usage: vesk -convert' -- -convert
 check "debug mode is told" 0 '^DEBUG mode enabled$' -- -debug -batch good.tcl
 check "dynamic mode is told" 0 '^DYNAMIC TCL enabled$' -- -dynamic -batch good.tcl
 check "a batch script has its arguments and the start directory" 0 \

@@ -36,6 +36,21 @@ source [file join [file dirname [info script]] support.tcl]
     ::test::check "fitting an unknown layout changes nothing" {[vesk fit_all] eq ""}
     set ::viewsetting all
 
+    # A first start has no settings file: the window must have room for the panels.
+    wm geometry . 800x600
+    ::test::pause 500
+    set settings [file join $::env(VESK_TEST_WORK) veskprefs.txt]
+    ::vesk::main::first_size
+    ::test::pause 300
+    ::test::check "with a settings file the size stays" {[winfo width .] == 800}
+    file rename $settings $settings.away
+    ::vesk::main::first_size
+    ::test::pause 500
+    file rename $settings.away $settings
+    ::test::check "without one there is room for the panels" {
+        [winfo width .] >= 1230 && [winfo height .] == 800 && [winfo ismapped .main.right]
+    }
+
     # Errors inside callbacks are told and the loop goes on.
     set ::boxes {}
     proc ::tk_messageBox args {lappend ::boxes [dict get $args -message]; return ok}
