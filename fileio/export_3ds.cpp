@@ -27,6 +27,7 @@ namespace {
 constexpr size_t most_vertices = 65000; // counts are 16-bit numbers
 constexpr size_t most_faces = 65000;
 constexpr size_t most_name = 10;
+constexpr size_t most_material_name = 16;
 
 // ---- chunks ----
 
@@ -94,11 +95,18 @@ struct mesh_t {
 
 class writer {
 public:
-    explicit writer(double surfaces) : progress_(surfaces) {}
+    writer(const std::string &filename, double surfaces) : progress_(surfaces), filename_(filename)
+    {
+    }
 
     void add(object_t *object)
     {
+        if (object->type == OBJECT_LIGHT)
+            light(*object);
+        picture_ = object_texture_beside(object, filename_.c_str());
         const flat_ptr flat = object_flat(object);
+        groups_ += object->type == OBJECT_GROUP ? 1 : 0;
+        count_losses(*object, *flat);
         mesh_t mesh;
         for (int surface = 0; surface < flat->num_surfaces() && progress_.step(++done_); ++surface)
             add_surface(*flat, surface, object, mesh);
@@ -116,9 +124,47 @@ public:
                                  chunk(0xB000, nodes_));
     }
 
-    [[nodiscard]] int lines() const { return lines_; }
+    void report() const
+    {
+        vesk_report_loss(lines_, "lines");
+        vesk_report_loss(glowing_, "glowing colours");
+        vesk_report_loss(points_, "loose points");
+        vesk_report_loss(texts_, "addresses and data texts");
+        vesk_report_note(groups_, "groups dissolved");
+        vesk_report_note(polygons_, "polygons cut into triangles");
+        vesk_report_note(shortened_, "names shortened");
+    }
 
 private:
+    static point3_t stored(const point3_t &p)
+    {
+        return prefs.swap_3ds_yz != 0 ? point3_t{p.x, -p.z, p.y} : p;
+    }
+
+    void light(const object_t &object)
+    {
+        const point3_t at = stored(object.centre);
+        const float white[3] = {1, 1, 1};
+        std::string body;
+        for (const float value : {at.x, at.y, at.z})
+            put_real(body, value);
+        std::string tint;
+        for (const float value : white)
+            put_real(tint, value);
+        const std::string name = unique(&names_, object.name, "light", most_name);
+        objects_ += chunk(0x4000, text(name) + chunk(0x4600, body + chunk(0x0010, tint)));
+    }
+
+    void count_losses(const object_t &object, const flat_mesh &flat)
+    {
+        std::vector<bool> used(static_cast<size_t>(flat.num_vertices()));
+        for (const std::int32_t corner : *flat.corners)
+            used[static_cast<size_t>(corner)] = true;
+        points_ += static_cast<int>(std::count(used.begin(), used.end(), false));
+        texts_ += (object.url != nullptr && *object.url != '\0' ? 1 : 0) +
+                  (object.data != nullptr && *object.data != '\0' ? 1 : 0);
+    }
+
     void add_surface(const flat_mesh &flat, int surface, object_t *object, mesh_t &mesh)
     {
         const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
@@ -130,6 +176,7 @@ private:
         if (corners.size() < 3)
             return;
         const std::vector<int> ears = surface_ears(flat, surface);
+        polygons_ += corners.size() > 3 ? 1 : 0;
         const auto first =
             static_cast<size_t>((*flat.corner_offsets)[static_cast<size_t>(surface)]);
         const std::string name = material_name(record, object);
@@ -154,7 +201,7 @@ private:
         const auto found = mesh.known.emplace(std::tuple(index, uv.u, uv.v),
                                               static_cast<std::uint32_t>(mesh.points.size()));
         if (found.second) {
-            mesh.points.push_back(prefs.swap_3ds_yz != 0 ? point3_t{p.x, -p.z, p.y} : p);
+            mesh.points.push_back(stored(p));
             mesh.uv.push_back(uv);
         }
         return found.first->second;
@@ -174,7 +221,7 @@ private:
             put_real(uv, mesh.uv[i].u);
             put_real(uv, mesh.uv[i].v);
         }
-        const std::string name = unique(object->name, "object");
+        const std::string name = unique(&names_, object->name, "object", most_name);
         objects_ +=
             chunk(0x4000, text(name) + chunk(0x4100, chunk(0x4110, points) + chunk(0x4140, uv) +
                                                          chunk(0x4120, faces(mesh))));
@@ -207,15 +254,28 @@ private:
     }
 
     // Names are short; one that is taken gets a number.
-    std::string unique(const char *wanted, const char *fallback)
+    std::string unique(std::set<std::string> *taken, const char *wanted, const char *fallback,
+                       size_t most)
     {
-        std::string name = wanted == nullptr || *wanted == '\0' ? fallback : wanted;
-        name.resize(std::min(name.size(), most_name));
-        for (int number = 1; !names_.insert(name).second; ++number) {
+        const std::string whole = wanted == nullptr || *wanted == '\0' ? fallback : wanted;
+        shortened_ += whole.size() > most ? 1 : 0;
+        const std::string start = first_letters(whole, most);
+        std::string name = start;
+        for (int number = 1; !taken->insert(name).second; ++number) {
             const std::string digits = std::to_string(number);
-            name = name.substr(0, most_name - std::min(digits.size(), most_name - 1)) + digits;
+            name = first_letters(start, most - std::min(digits.size(), most - 1)) + digits;
         }
         return name;
+    }
+
+    // As many whole letters as fit into so many bytes.
+    static std::string first_letters(const std::string &name, size_t bytes)
+    {
+        size_t end = std::min(name.size(), bytes);
+        while (end > 0 && end < name.size() &&
+               (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80)
+            --end;
+        return name.substr(0, end);
     }
 
     // A palette entry together with the object's picture, described when it is first used.
@@ -223,24 +283,24 @@ private:
     {
         const int count = vesk_get_num_palette();
         const int index = surface.material >= 0 && surface.material < count ? surface.material : 0;
-        const int picture = object->has_texture != 0 ? object->texture : -1;
         const auto key =
-            std::tuple(index, picture, object->texture_repeat_x, object->texture_repeat_y,
+            std::tuple(index, picture_, object->texture_repeat_x, object->texture_repeat_y,
                        object->texture_offset_x, object->texture_offset_y, surface.twosided);
         const auto found = material_names_.find(key);
         if (found != material_names_.end())
             return found->second;
         const material &m = *vesk_palette_get_material(index);
-        const std::string name = "m" + std::to_string(material_names_.size());
+        const std::string name = unique(&material_names_taken_, vesk_material_get_name_index(index),
+                                        "material", most_material_name);
         material_names_[key] = name;
+        glowing_ += std::any_of(m.emissive, m.emissive + 3, [](float c) { return c > 0; }) ? 1 : 0;
         std::string body = chunk(0xA000, text(name)) + colour(0xA010, m.ambient) +
                            colour(0xA020, m.diffuse) + colour(0xA030, m.specular) +
                            percent(0xA040, m.shininess / 128) + percent(0xA050, m.transparency);
         if (surface.twosided != 0)
             body += chunk(0xA081, "");
-        const char *file = picture >= 0 ? texture_id_to_name(picture) : nullptr;
-        if (file != nullptr)
-            body += chunk(0xA200, chunk(0xA300, text(vesk_filename_get_file(file))) +
+        if (!picture_.empty())
+            body += chunk(0xA200, chunk(0xA300, text(picture_)) +
                                       real(0xA354, object->texture_repeat_x) +
                                       real(0xA356, object->texture_repeat_y) +
                                       real(0xA358, object->texture_offset_x) +
@@ -252,10 +312,13 @@ private:
     progress_t progress_;
     double done_ = 0;
     std::string materials_, objects_, nodes_;
-    std::set<std::string> names_;
-    std::map<std::tuple<int, int, float, float, float, float, std::uint8_t>, std::string>
+    const std::string filename_;
+    std::string picture_; // of the object at hand
+    std::set<std::string> names_, material_names_taken_;
+    std::map<std::tuple<int, std::string, float, float, float, float, std::uint8_t>, std::string>
         material_names_;
-    int lines_ = 0;
+    int lines_ = 0, glowing_ = 0, points_ = 0, texts_ = 0;
+    int groups_ = 0, polygons_ = 0, shortened_ = 0;
 };
 
 } // namespace
@@ -269,7 +332,7 @@ int write_3ds(const char *filename)
     double surfaces = 0;
     for_each_object(vesk_get_world(),
                     [&](const object_t *object) { surfaces += object->num_surfaces; });
-    writer scene(surfaces);
+    writer scene(name, surfaces);
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
     if (scene.cancelled()) {
         display_message("write 3DS - cancelled");
@@ -279,7 +342,7 @@ int write_3ds(const char *filename)
         tell_cannot_write(name.c_str());
         return 0;
     }
-    vesk_report_loss(scene.lines(), "lines");
+    scene.report();
     display_message("written file %s%s", name.c_str(), vesk_report_losses("3DS"));
     return 1;
 }

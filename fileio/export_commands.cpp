@@ -3,6 +3,7 @@
 #include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages.h"
+#include "app/prefs.h"
 #include "app/progress.h"
 #include "fileio/atomic_file.h"
 #include "fileio/export_scene.h"
@@ -36,6 +37,9 @@ struct losses_t {
     int lights = 0;
     int pictures = 0;
     int smooth = 0;
+    int points = 0;
+    int urls = 0;
+    int data = 0;
 };
 
 std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &format,
@@ -65,17 +69,36 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
     return parts;
 }
 
-export_object described(object_t *object, const export_format &format, losses_t *losses)
+int loose_points(const flat_mesh &flat)
+{
+    std::vector<bool> used(static_cast<size_t>(flat.num_vertices()));
+    for (const std::int32_t corner : *flat.corners)
+        used[static_cast<size_t>(corner)] = true;
+    return static_cast<int>(std::count(used.begin(), used.end(), false));
+}
+
+// What the format has no place for, besides surfaces.
+void count_losses(const object_t *object, const flat_mesh &flat, const export_format &format,
+                  losses_t *losses)
+{
+    losses->points += format.points ? 0 : loose_points(flat);
+    losses->urls += !format.urls && is_set(object->url) ? 1 : 0;
+    losses->data += !format.data && is_set(object->data) ? 1 : 0;
+}
+
+export_object described(object_t *object, const export_format &format, const std::string &filename,
+                        losses_t *losses)
 {
     export_object out = {object, object_flat(object), export_one_line(object->name), {}, {}};
     out.parts = parts_of(*out.flat, format, losses);
-    const char *file = object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
-    if (file == nullptr || out.parts.empty())
+    count_losses(object, *out.flat, format, losses);
+    if (out.parts.empty())
         return out;
-    if (format.pictures)
-        out.picture = vesk_filename_get_file(file);
-    else
+    out.picture = object_texture_beside(object, filename.c_str());
+    if (!format.pictures && !out.picture.empty()) {
         ++losses->pictures;
+        out.picture.clear();
+    }
     return out;
 }
 
@@ -117,7 +140,10 @@ std::vector<node_t> nodes_of_world(const export_format &format)
 
 class writer {
 public:
-    writer(const export_format &format, const char *filename) : format_(format), file_(filename) {}
+    writer(const export_format &format, const char *filename)
+        : format_(format), filename_(filename), file_(filename)
+    {
+    }
 
     // False when the user cancelled.
     bool scene()
@@ -167,10 +193,11 @@ private:
             if (!progress.step(out_.done))
                 return false;
             // Lights were written as such; what they hold besides is an object like others.
+            const export_object object = described(node.object, format_, filename_, &losses_);
             if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
                 continue;
             close_until(nodes, &open, node.parent);
-            format_.open(out_, described(node.object, format_, &losses_));
+            format_.open(out_, object);
             open.push_back(static_cast<int>(i));
             if (out_.text.size() > piece_size) {
                 file_.write(out_.text);
@@ -204,6 +231,7 @@ private:
     }
 
     const export_format &format_;
+    const std::string filename_;
     atomic_writer_t file_;
     export_text out_;
     losses_t losses_;
@@ -216,6 +244,9 @@ void report_losses(const losses_t &losses)
     vesk_report_loss(losses.lights, "lights");
     vesk_report_loss(losses.pictures, "textures");
     vesk_report_loss(losses.smooth, "smooth surfaces");
+    vesk_report_loss(losses.points, "loose points");
+    vesk_report_loss(losses.urls, "addresses");
+    vesk_report_loss(losses.data, "data texts");
 }
 
 int write_scene(const char *filename, const export_format &format)
@@ -324,8 +355,18 @@ std::vector<int> export_triangles(const export_object &object, const export_part
 
 int write_vrml(const char *filename) { return write_scene(filename, vrml1_format); }
 int write_inventor(const char *filename) { return write_scene(filename, inventor_format); }
-int write_POV(const char *filename) { return write_scene(filename, pov_format); }
-int write_rib(const char *filename) { return write_scene(filename, rib_format); }
+int write_POV(const char *filename)
+{
+    export_format format = pov_format;
+    format.data = prefs.pov_use_object_data != 0 || prefs.pov_object_data != 0;
+    return write_scene(filename, format);
+}
+int write_rib(const char *filename)
+{
+    export_format format = rib_format;
+    format.data = prefs.rib_use_object_data != 0;
+    return write_scene(filename, format);
+}
 int write_tri(const char *filename) { return write_scene(filename, triangle_format); }
 int write_dive(const char *filename) { return write_scene(filename, dive_format); }
 int write_dvs(const char *filename) { return write_scene(filename, dvs_format); }

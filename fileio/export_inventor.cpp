@@ -157,12 +157,14 @@ void end(export_text &out) { out.add("}\n"); }
 } // namespace
 
 const export_format vrml1_format = {.name = "VRML 1.0",
+                                    .data = false,
                                     .begin = begin_vrml,
                                     .light = write_light,
                                     .open = open,
                                     .close = close,
                                     .end = end};
 const export_format inventor_format = {.name = "Inventor",
+                                       .data = false,
                                        .begin = begin_inventor,
                                        .light = write_light,
                                        .open = open,

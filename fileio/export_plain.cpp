@@ -121,6 +121,9 @@ const export_format triangle_format = {.name = "the triangle list",
                                        .lights = false,
                                        .pictures = false,
                                        .smooth = false,
+                                       .points = false,
+                                       .urls = false,
+                                       .data = false,
                                        .empty_objects = false,
                                        .open = put_triangles};
 const export_format dive_format = {

@@ -208,6 +208,8 @@ void close(export_text &out, const object_t &object)
 
 const export_format pov_format = {.name = "POV",
                                   .lines = false,
+                                  .points = false,
+                                  .urls = false,
                                   .empty_objects = false,
                                   .begin = begin,
                                   .light = write_named_light,

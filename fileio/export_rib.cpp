@@ -175,6 +175,8 @@ void end(export_text &out)
 } // namespace
 
 const export_format rib_format = {.name = "RIB",
+                                  .points = false,
+                                  .urls = false,
                                   .empty_objects = false,
                                   .begin = begin,
                                   .light = write_light,

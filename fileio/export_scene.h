@@ -72,7 +72,7 @@ struct export_object {
     const object_t *object;
     flat_ptr flat;
     std::string name;    // on one line
-    std::string picture; // name of the texture's file without folders, "" for none
+    std::string picture; // the texture's file as seen from the file's folder, "" for none
     std::vector<export_part> parts;
 
     // As it stands on the object: repeats and offsets are applied.
@@ -103,6 +103,9 @@ struct export_format {
     bool lights = true;
     bool pictures = true;
     bool smooth = true;
+    bool points = true;        // that no surface uses
+    bool urls = true;          // the addresses of objects
+    bool data = true;          // their data texts
     bool empty_objects = true; // else objects without a surface below them are left out
     void (*begin)(export_text &out) = nullptr;
     void (*light)(export_text &out, const object_t &light, const std::string &name) = nullptr;

@@ -1,5 +1,6 @@
 #include "fileio/export_vrml2.h"
 
+#include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages_internal.h"
 #include "app/numbers.h"
@@ -418,9 +419,36 @@ double work_of_world()
     return surfaces * (1 + (normals ? 2 : 0) + (textures ? 2 : 0));
 }
 
+// What the form has no place for: texture files are named without their folders, and where an object
+// has several materials only their colours stand with its surfaces.
+void report_losses(const std::string &filename)
+{
+    const bool textures = prefs.vrml_output_textures != 0;
+    int pictures = 0;
+    int folders = 0;
+    int materials = 0;
+    int data = 0;
+    for_each_object(vesk_get_world(), [&](const object_t *object) {
+        data += is_set(object->data) ? 1 : 0;
+        if (object->num_surfaces == 0)
+            return;
+        materials += object_surfaces_find_same_material(object) < 0 ? 1 : 0;
+        if (object->has_texture == 0)
+            return;
+        const std::string picture = object_texture_beside(object, filename.c_str());
+        pictures += textures ? 0 : 1;
+        folders += textures && picture.find('/') != std::string::npos ? 1 : 0;
+    });
+    vesk_report_loss(pictures, "textures");
+    vesk_report_loss(folders, "folders of textures");
+    vesk_report_loss(materials, "materials beside others");
+    vesk_report_loss(data, "data texts");
+}
+
 int write_world(const char *filename, bool prototypes)
 {
     const std::string name = filename; // the messages let scripts run
+    vesk_report_export(name.c_str());
     console_printf("Generating VRML (%s, %s)\n",
                    prefs.vrml_output_normals != 0 ? "with normals" : "no normals",
                    prefs.vrml_output_textures != 0 ? "with texture support" : "no texture support");
@@ -436,7 +464,8 @@ int write_world(const char *filename, bool prototypes)
         return 0;
     }
     console_printf("written file %s\n", name.c_str());
-    display_message("written file %s", name.c_str());
+    report_losses(name);
+    display_message("written file %s%s", name.c_str(), vesk_report_losses("VRML 2.0"));
     return 1;
 }
 

@@ -13,6 +13,7 @@
 #include <assimp/scene.h>
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -164,15 +165,21 @@ public:
     plain_node node;
     std::size_t bad_points = 0;
 
-    void add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided)
+    // `fans`: triangles that follow each other with one first vertex are a polygon.
+    void add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided, bool fans)
     {
         known_.reserve(known_.size() + mesh.mNumVertices);
         std::vector<int> places;
         places.reserve(mesh.mNumVertices);
         for (unsigned i = 0; i < mesh.mNumVertices; ++i)
             places.push_back(place_of(frame * mesh.mVertices[i]));
-        for (unsigned i = 0; i < mesh.mNumFaces; ++i)
-            add_face(mesh, mesh.mFaces[i], places, material, twosided);
+        for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
+            const aiFace &face = mesh.mFaces[i];
+            outline_.assign(face.mIndices, face.mIndices + face.mNumIndices);
+            while (fans && i + 1 < mesh.mNumFaces && goes_on(mesh.mFaces[i + 1]))
+                outline_.push_back(mesh.mFaces[++i].mIndices[2]);
+            add_face(mesh, places, material, twosided);
+        }
         end_line();
     }
 
@@ -207,38 +214,43 @@ private:
         node.flags.push_back(flags);
     }
 
-    void add_face(const aiMesh &mesh, const aiFace &face, const std::vector<int> &places,
-                  int material, bool twosided)
+    // Whether the next triangle belongs to the outline's fan.
+    [[nodiscard]] bool goes_on(const aiFace &next) const
     {
-        for (unsigned k = 0; k < face.mNumIndices; ++k)
-            if (face.mIndices[k] >= mesh.mNumVertices)
+        return outline_.size() > 2 && next.mNumIndices == 3 &&
+               next.mIndices[0] == outline_.front() && next.mIndices[1] == outline_.back();
+    }
+
+    void add_face(const aiMesh &mesh, const std::vector<int> &places, int material, bool twosided)
+    {
+        for (const unsigned index : outline_)
+            if (index >= mesh.mNumVertices)
                 return;
-        if (face.mNumIndices == 2) {
-            add_segment(mesh, face, places, material);
+        if (outline_.size() == 2) {
+            add_segment(mesh, places, material);
             return;
         }
         end_line();
-        if (face.mNumIndices < 3)
+        if (outline_.size() < 3)
             return;
-        for (unsigned k = 0; k < face.mNumIndices; ++k)
-            add_corner(mesh, face.mIndices[k], places[face.mIndices[k]]);
+        for (const unsigned index : outline_)
+            add_corner(mesh, index, places[index]);
         end_surface(material,
-                    (twosided ? PLAIN_TWOSIDED : 0) | (is_smooth(mesh, face) ? PLAIN_SMOOTH : 0));
+                    (twosided ? PLAIN_TWOSIDED : 0) | (is_smooth(mesh) ? PLAIN_SMOOTH : 0));
     }
 
     // Segments that go on where the last one ended are one line.
-    void add_segment(const aiMesh &mesh, const aiFace &face, const std::vector<int> &places,
-                     int material)
+    void add_segment(const aiMesh &mesh, const std::vector<int> &places, int material)
     {
-        const int from = places[face.mIndices[0]];
-        const int to = places[face.mIndices[1]];
+        const int from = places[outline_[0]];
+        const int to = places[outline_[1]];
         if (!line_open_ || node.corners.back() != from || line_material_ != material) {
             end_line();
             line_open_ = true;
             line_material_ = material;
-            add_corner(mesh, face.mIndices[0], from);
+            add_corner(mesh, outline_[0], from);
         }
-        add_corner(mesh, face.mIndices[1], to);
+        add_corner(mesh, outline_[1], to);
     }
 
     void end_line()
@@ -257,22 +269,22 @@ private:
     }
 
     // A face with a corner whose normal is not the face's.
-    static bool is_smooth(const aiMesh &mesh, const aiFace &face)
+    [[nodiscard]] bool is_smooth(const aiMesh &mesh) const
     {
         if (!mesh.HasNormals())
             return false;
         aiVector3D sum; // Newell's
-        for (unsigned k = 0; k < face.mNumIndices; ++k) {
-            const aiVector3D &p = mesh.mVertices[face.mIndices[k]];
-            const aiVector3D &q = mesh.mVertices[face.mIndices[(k + 1) % face.mNumIndices]];
+        for (std::size_t k = 0; k < outline_.size(); ++k) {
+            const aiVector3D &p = mesh.mVertices[outline_[k]];
+            const aiVector3D &q = mesh.mVertices[outline_[(k + 1) % outline_.size()]];
             sum += aiVector3D((p.y - q.y) * (p.z + q.z), (p.z - q.z) * (p.x + q.x),
                               (p.x - q.x) * (p.y + q.y));
         }
         const float length = sum.Length();
         if (!(length > 0))
             return false;
-        for (unsigned k = 0; k < face.mNumIndices; ++k) {
-            const aiVector3D &normal = mesh.mNormals[face.mIndices[k]];
+        for (const unsigned index : outline_) {
+            const aiVector3D &normal = mesh.mNormals[index];
             const float size = normal.Length();
             // Some files' normals all look the other way; a degree and a half is rounding.
             if (size > 0 && std::fabs(normal * sum) < 0.9997f * size * length)
@@ -282,6 +294,7 @@ private:
     }
 
     std::unordered_map<std::array<float, 3>, int, place_hash> known_;
+    std::vector<unsigned> outline_; // of the face at hand: vertices of the mesh
     bool line_open_ = false;
     int line_material_ = 0;
 };
@@ -290,8 +303,8 @@ private:
 
 class scene_converter {
 public:
-    scene_converter(const aiScene &scene, const std::string &suffix, plain_scene *out)
-        : scene_(scene), suffix_(suffix), out_(*out)
+    scene_converter(const aiScene &scene, const std::string &suffix, bool fans, plain_scene *out)
+        : scene_(scene), suffix_(suffix), fans_(fans), out_(*out)
     {
     }
 
@@ -306,13 +319,15 @@ public:
             out_.materials.emplace_back();
             twosided_.push_back(true);
         }
+        for (unsigned i = 0; i < scene_.mNumLights; ++i)
+            waiting_lights_.emplace(scene_.mLights[i]->mName.C_Str(), i);
         if (top_is_of_the_file())
             convert(*scene_.mRootNode, axes(), -1);
         else
             for (unsigned i = 0; i < scene_.mRootNode->mNumChildren; ++i)
                 convert(*scene_.mRootNode->mChildren[i], axes() * scene_.mRootNode->mTransformation,
                         -1);
-        lights();
+        lights_without_nodes();
         if (bad_points_ > 0)
             out_.warnings.push_back(std::to_string(bad_points_) +
                                     " coordinates that are no numbers became 0");
@@ -389,7 +404,7 @@ private:
             mesh_builder &part = built[picture];
             part.node.kind = PLAIN_POLY;
             part.node.picture = picture.empty() ? -1 : static_cast<int>(material);
-            part.add(mesh, frame, static_cast<int>(material), twosided_[material]);
+            part.add(mesh, frame, static_cast<int>(material), twosided_[material], fans_);
         }
         return built;
     }
@@ -402,8 +417,12 @@ private:
         }
         const aiMatrix4x4 frame = outer * source.mTransformation;
         std::map<std::string, mesh_builder> parts = meshes(source, frame);
-        if (parts.size() != 1)
-            parent = add_node(source, plain_node(), frame, parent);
+        if (parts.size() != 1) {
+            aiMatrix4x4 place = frame;
+            plain_node node;
+            node.kind = take_light(source, &place) ? PLAIN_LIGHT : PLAIN_GROUP;
+            parent = add_node(source, std::move(node), place, parent);
+        }
         for (auto &[picture, part] : parts) {
             bad_points_ += part.bad_points;
             const int place = add_node(source, std::move(part.node), frame, parent);
@@ -417,19 +436,34 @@ private:
         --level_;
     }
 
-    // A light of the file becomes a light object below the top.
-    void lights()
+    // Whether a node is the place of a light, which becomes an object there.
+    bool take_light(const aiNode &source, aiMatrix4x4 *frame)
     {
-        for (unsigned i = 0; i < scene_.mNumLights; ++i) {
+        const auto found = waiting_lights_.find(source.mName.C_Str());
+        if (found == waiting_lights_.end())
+            return false;
+        const aiVector3D place = *frame * scene_.mLights[found->second]->mPosition;
+        frame->a4 = place.x;
+        frame->b4 = place.y;
+        frame->c4 = place.z;
+        waiting_lights_.erase(found);
+        return true;
+    }
+
+    // The others stand below the top.
+    void lights_without_nodes()
+    {
+        for (const auto &[name, i] : waiting_lights_) {
             const aiLight &light = *scene_.mLights[i];
+            const aiNode *above = scene_.mRootNode->FindNode(light.mName);
             aiVector3D place = light.mPosition;
-            for (const aiNode *node = scene_.mRootNode->FindNode(light.mName); node != nullptr;
+            for (const aiNode *node = above != nullptr ? above : scene_.mRootNode; node != nullptr;
                  node = node->mParent)
                 place = node->mTransformation * place;
             place = axes() * place;
             plain_node node;
             node.kind = PLAIN_LIGHT;
-            node.name = light.mName.C_Str();
+            node.name = name;
             node.parent = top_is_of_the_file() && !out_.nodes.empty() ? 0 : -1;
             for (unsigned k = 0; k < 3; ++k)
                 node.centre[k] = std::isfinite(place[k]) ? place[k] : 0;
@@ -439,8 +473,10 @@ private:
 
     const aiScene &scene_;
     const std::string suffix_;
+    const bool fans_; // of triangles are polygons
     plain_scene &out_;
     std::vector<bool> twosided_;
+    std::multimap<std::string, unsigned> waiting_lights_;
     std::size_t bad_points_ = 0;
     int level_ = 0;
     bool too_deep_ = false;
@@ -468,6 +504,40 @@ void take_images(const aiScene &scene, const std::string &filename, plain_scene 
             out->warnings.push_back("the picture " + image.name + " within the file is no file");
         out->images.push_back(image);
     }
+}
+
+// The text of a glTF file; in a binary one it is the first part.
+std::string gltf_text(const std::string &filename)
+{
+    std::ifstream file(filename, std::ios::binary);
+    char head[20] = {};
+    if (file.read(head, sizeof head) && std::memcmp(head, "glTF", 4) == 0) {
+        std::uint32_t length = 0;
+        std::memcpy(&length, head + 12, sizeof length);
+        file.seekg(0, std::ios::end);
+        const auto all = static_cast<std::size_t>(file.tellg());
+        std::string text(std::min(all - sizeof head, std::size_t{length}), ' ');
+        file.seekg(sizeof head).read(text.data(), static_cast<std::streamsize>(text.size()));
+        return text;
+    }
+    file.clear();
+    file.seekg(0);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Whether a glTF file says of all its triangles that fans of them are polygons: by an extension that
+// it names once in its head and once with each mesh. The library does not tell.
+bool has_fans(const aiScene &scene, const std::string &filename)
+{
+    const std::string name = "\"FB_ngon_encoding\"";
+    const std::string text = gltf_text(filename);
+    std::size_t found = 0;
+    for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos; at += name.size())
+        ++found;
+    std::size_t meshes = 0;
+    for (unsigned i = 0; i < scene.mNumMeshes; ++i)
+        meshes += (scene.mMeshes[i]->mPrimitiveTypes & aiPrimitiveType_TRIANGLE) != 0 ? 1 : 0;
+    return found > 1 && found == meshes + 1;
 }
 
 // Takes out every reader but those of the suffix: what a file looks like never chooses another.
@@ -510,7 +580,8 @@ std::string helper_read(const char *filename, const char *suffix, plain_scene *s
     }
     if (read->mNumMeshes == 0 && read->mNumLights == 0)
         return "there is no geometry in it";
-    scene_converter(*read, lower, scene).run();
+    const bool gltf = is_one_of(lower, {"gltf", "glb"});
+    scene_converter(*read, lower, gltf && has_fans(*read, filename), scene).run();
     take_images(*read, filename, scene);
     return "";
 }

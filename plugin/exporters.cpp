@@ -1,6 +1,7 @@
 #include "plugin/exporters.h"
 
 #include "app/crash_guard.h"
+#include "app/current_file.h"
 #include "app/file_report.h"
 #include "app/filename.h"
 #include "app/messages.h"
@@ -32,7 +33,14 @@ std::string known_formats()
 }
 
 // A copy: the current file stays what it was.
-int write_copy(const char *filename) { return write_vesk_object(filename, vesk_get_world()); }
+int write_copy(const char *filename)
+{
+    const current_file_t kept = current_file();
+    current_file_set(filename); // texture names are made relative to it
+    const int written = write_vesk_object(filename, vesk_get_world());
+    current_file() = kept;
+    return written;
+}
 
 } // namespace
 

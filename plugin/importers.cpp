@@ -12,6 +12,7 @@
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_lightwave.h"
+#include "fileio/import_names.h"
 #include "fileio/import_text.h"
 #include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
@@ -169,9 +170,13 @@ object_t *vesk_import_file(const char *filename)
     }
     const double began = ui_port().now_seconds();
     last_file_report().format = importer->description;
+    const int materials = vesk_get_num_palette();
     object_t *object = load_guarded(importer, filename);
-    if (object != nullptr)
-        count_what_came(object, ui_port().now_seconds() - began);
+    if (object == nullptr)
+        return nullptr;
+    if (importer->load != vesk_import_vesk)
+        names_for_model_file(object, materials);
+    count_what_came(object, ui_port().now_seconds() - began);
     return object;
 }
 

@@ -88,14 +88,19 @@ VESK_API int search_and_set_texture(object_t *object, const char *model_filename
 VESK_API int object_set_init_texture(object_t *object, const char *filename, const char *origname);
 VESK_API void object_texture_set(object_t *object, int id);
 VESK_API void object_texture_clear(object_t *object);
+/* The name of a texture that was not found when the object was loaded, or null. */
+VESK_API const char *object_missing_texture(const object_t *object);
+/* The name of an object's texture for a file of another format, which may go elsewhere together with
+   it: relative to the file's folder, by way of ".." when it lies beside or above that, and in full
+   only when the two share no folder. One that was not found keeps its name. "" without a texture.
+   In one buffer that each call overwrites. */
+VESK_API const char *object_texture_beside(const object_t *object, const char *filename);
 
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
 // The property that keeps the name of a texture that was not found.
 constexpr const char *missing_texture_property = "missing_texture";
-// The name of a texture that was not found when the object was loaded, or null.
-const char *object_missing_texture(const object_t *object);
 // While one lives (a load), at most one message box about textures is shown; others go to the console.
 class texture_load_scope {
 public:

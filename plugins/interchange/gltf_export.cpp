@@ -1,5 +1,7 @@
 // glTF 2.0, as JSON with a .bin beside it, or as one binary file. A mesh has a primitive for each
-// material; flat surfaces have corners of their own, smooth ones share theirs.
+// material; flat surfaces have corners of their own, smooth ones share theirs. A polygon is a fan of
+// triangles with one first vertex, which is not that of the polygon before it: so says the extension
+// FB_ngon_encoding, by which readers that know it have the polygons again.
 #include "formats.h"
 #include "model.h"
 #include "text.h"
@@ -68,22 +70,17 @@ public:
     std::map<int, std::vector<std::uint32_t>> triangles; // by material
     std::vector<point3_t> line_points;
     std::map<int, std::vector<std::uint32_t>> lines;
+    int cut = 0; // polygons that are no fan
 
     mesh_data(job &work, const model_node &node) : node_(node)
     {
-        std::vector<int> corners;
         for (const model_surface &surface : node.surfaces) {
             if (!work.step())
                 return;
-            if (is_line(surface)) {
+            if (is_line(surface))
                 add_line(surface);
-                continue;
-            }
-            corners.clear();
-            cut_surface(node, surface, corners);
-            own_.clear();
-            for (const int corner : corners)
-                triangles[surface.material].push_back(vertex(surface, corner));
+            else
+                add_polygon(surface);
         }
     }
 
@@ -100,11 +97,8 @@ private:
         const float u = node_.textured ? node_.uv[at] : 0;
         const float v = node_.textured ? node_.uv[at + 1] : 0;
         const auto fresh = static_cast<std::uint32_t>(points.size());
-        std::uint32_t place = fresh;
-        if (surface.smooth)
-            place = shared_.emplace(std::tuple(point, u, v), fresh).first->second;
-        else
-            place = own_.emplace(corner, fresh).first->second;
+        const std::uint32_t place =
+            surface.smooth ? shared_.emplace(std::tuple(point, u, v), fresh).first->second : fresh;
         if (place == fresh) {
             points.push_back(finite(node_.points[point]));
             normals.push_back(unit(surface.smooth ? node_.normals[point] : surface.normal));
@@ -112,6 +106,85 @@ private:
             uv.push_back(std::isfinite(v) ? 1 - v : 0); // rows from the top
         }
         return place;
+    }
+
+    void add_polygon(const model_surface &surface)
+    {
+        places_.clear();
+        for (int k = 0; k < surface.count; ++k)
+            places_.push_back(vertex(surface, surface.first + k));
+        std::vector<std::uint32_t> &to = triangles[surface.material];
+        const std::size_t count = places_.size();
+        if (const std::size_t start = fan_start(surface, to); start < count) {
+            for (std::size_t i = 1; i + 1 < count; ++i)
+                to.insert(to.end(), {places_[start], places_[(start + i) % count],
+                                     places_[(start + i + 1) % count]});
+            return;
+        }
+        corners_.clear();
+        cut_surface(node_, surface, corners_);
+        cut += count > 3 ? 1 : 0;
+        for (std::size_t i = 0; i + 2 < corners_.size(); i += 3) {
+            std::uint32_t triangle[3];
+            for (std::size_t k = 0; k < 3; ++k)
+                triangle[k] = places_[static_cast<std::size_t>(corners_[i + k] - surface.first)];
+            if (is_last_first(to, triangle[0])) // a triangle of its own
+                std::rotate(triangle, triangle + 1, triangle + 3);
+            to.insert(to.end(), triangle, triangle + 3);
+        }
+    }
+
+    static bool is_last_first(const std::vector<std::uint32_t> &to, std::uint32_t place)
+    {
+        return to.size() > 2 && to[to.size() - 3] == place;
+    }
+
+    // The corner that sees all others, counted within the surface; their number when there is none.
+    [[nodiscard]] std::size_t fan_start(const model_surface &surface,
+                                        const std::vector<std::uint32_t> &to) const
+    {
+        const std::size_t count = places_.size();
+        const std::size_t tries = count <= most_tried ? count : 8;
+        double normal[3] = {}; // Newell's
+        for (std::size_t k = 0; k < count; ++k) {
+            double part[3];
+            cross(surface, 0, k, (k + 1) % count, part);
+            for (int i = 0; i < 3; ++i)
+                normal[i] += part[i];
+        }
+        for (std::size_t start = 0; start < tries; ++start) {
+            bool sees = !is_last_first(to, places_[start]);
+            for (std::size_t i = 1; i + 1 < count && sees; ++i) {
+                double part[3];
+                cross(surface, start, (start + i) % count, (start + i + 1) % count, part);
+                sees = part[0] * normal[0] + part[1] * normal[1] + part[2] * normal[2] > 0;
+            }
+            if (sees)
+                return start;
+        }
+        return count;
+    }
+
+    // The product of the ways from corner `from` to two others.
+    void cross(const model_surface &surface, std::size_t from, std::size_t to, std::size_t next,
+               double *out) const
+    {
+        const auto at = [&](std::size_t k) -> const point3_t & {
+            return node_.points[point_at(surface.first + static_cast<int>(k))];
+        };
+        const auto way = [&](std::size_t k, double *d) {
+            const point3_t &p = at(k);
+            const point3_t &q = at(from);
+            d[0] = static_cast<double>(p.x) - static_cast<double>(q.x);
+            d[1] = static_cast<double>(p.y) - static_cast<double>(q.y);
+            d[2] = static_cast<double>(p.z) - static_cast<double>(q.z);
+        };
+        double a[3];
+        double b[3];
+        way(to, a);
+        way(next, b);
+        for (int i = 0; i < 3; ++i)
+            out[i] = a[(i + 1) % 3] * b[(i + 2) % 3] - a[(i + 2) % 3] * b[(i + 1) % 3];
     }
 
     void add_line(const model_surface &surface)
@@ -129,7 +202,10 @@ private:
 
     const model_node &node_;
     std::map<std::tuple<std::size_t, float, float>, std::uint32_t> shared_;
-    std::map<int, std::uint32_t> own_; // of the surface at hand
+    std::vector<std::uint32_t> places_; // of the surface at hand: its corners' vertices
+    std::vector<int> corners_;
+
+    static constexpr std::size_t most_tried = 64; // corners that may see all others
 };
 
 class gltf_writer {
@@ -163,9 +239,17 @@ public:
             lights_.field(list, "lights");
             out.add(",\n\"extensions\": {\"KHR_lights_punctual\": {", list.text.substr(2), "}}");
         }
-        std::string used = materials_.count > 0 ? "\"KHR_materials_pbrSpecularGlossiness\"" : "";
-        if (lights_.count > 0)
-            used += std::string(used.empty() ? "" : ", ") + "\"KHR_lights_punctual\"";
+        std::string used;
+        const struct {
+            bool used;
+            const char *name;
+        } extensions[] = {{materials_.count > 0, "KHR_materials_pbrSpecularGlossiness"},
+                          {lights_.count > 0, "KHR_lights_punctual"},
+                          {has_polygons_, "FB_ngon_encoding"}};
+        for (const auto &extension : extensions)
+            if (extension.used)
+                used += std::string(used.empty() ? "\"" : ", \"") + extension.name + '"';
+        vesk_report_note(cut_, "polygons cut into triangles");
         if (!used.empty())
             out.add(",\n\"extensionsUsed\": [", used, "]");
         out.add("\n}\n");
@@ -254,13 +338,16 @@ private:
     int add_mesh(const model_node &node)
     {
         const mesh_data data(work_, node);
+        cut_ += data.cut;
         text_out primitives;
         const auto add = [&](int mode, int material, const std::vector<std::uint32_t> &indices,
                              const std::string &attributes) {
             const int place = add_indices(indices);
-            primitives.add(primitives.text.empty() ? "" : ", ", "{\"mode\": ", mode,
-                           ", \"material\": ", material, ", \"indices\": ", place,
-                           ", \"attributes\": {", attributes, "}}");
+            has_polygons_ = has_polygons_ || mode == TRIANGLES;
+            primitives.add(primitives.text.empty() ? "" : ", ", "{",
+                           mode == TRIANGLES ? "\"extensions\": {\"FB_ngon_encoding\": {}}, " : "",
+                           "\"mode\": ", mode, ", \"material\": ", material,
+                           ", \"indices\": ", place, ", \"attributes\": {", attributes, "}}");
         };
         if (!data.points.empty()) {
             text_out attributes;
@@ -332,12 +419,13 @@ private:
     std::string bin_, tops_;
     json_list nodes_, meshes_, materials_, textures_, images_, accessors_, views_, lights_;
     std::map<std::string, int> known_textures_;
+    bool has_polygons_ = false;
+    int cut_ = 0;
 };
 
 model_wishes wishes()
 {
     model_wishes w;
-    w.polygons = false;
     w.sides = true;
     w.ambient = false;
     return w;

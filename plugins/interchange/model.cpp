@@ -80,9 +80,13 @@ public:
         vesk_report_loss(pictures_, "textures");
         vesk_report_loss(smooth_, "smooth surfaces");
         vesk_report_loss(coloured_, "shining colours");
+        vesk_report_loss(points_, "loose points");
+        vesk_report_loss(urls_, "addresses");
+        vesk_report_loss(data_, "data texts");
         vesk_report_loss(tinted_, "colours under textures");
         vesk_report_note(groups_, "groups dissolved");
         vesk_report_note(ambient_, "ambient colours left to the viewer");
+        vesk_report_note(one_sided_, "surfaces of one side left to the viewer");
         vesk_report_note(cut_, "polygons cut into triangles");
         return std::move(out_);
     }
@@ -120,9 +124,14 @@ private:
     {
         object_t *object = next.object;
         const bool light = object->type == OBJECT_LIGHT;
-        const bool bare = object->num_surfaces == 0;
+        urls_ += object->url != nullptr && *object->url != '\0' ? 1 : 0;
+        data_ += object->data != nullptr && *object->data != '\0' ? 1 : 0;
+        const bool bare =
+            object->num_surfaces == 0 && (object->num_vertices == 0 || !wishes_.points);
         if (!wishes_.groups && bare) {
-            (light ? lights_ : groups_) += 1;
+            points_ += object->num_vertices;
+            lights_ += light ? 1 : 0;
+            groups_ += !light && object->num_vertices == 0 ? 1 : 0;
             push_children(object, -1, frame());
             return;
         }
@@ -164,19 +173,33 @@ private:
             node.normals[i] = turned_into(own, mesh.normals[i]);
         work_.step(1 + static_cast<double>(count));
         node.corners.assign(mesh.corners, mesh.corners + mesh.num_corners);
+        loose_points(node);
         node.textured =
             std::any_of(mesh.uv, mesh.uv + 2 * static_cast<std::size_t>(mesh.num_corners),
                         [](float value) { return value != 0; });
         if (node.textured)
             texture_coordinates(object, mesh, node);
-        const char *picture =
-            object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
+        const std::string picture = object_texture_beside(object, filename_.c_str());
         bool shown = false;
         node.surfaces.reserve(static_cast<std::size_t>(mesh.num_surfaces));
         for (int i = 0; i < mesh.num_surfaces && work_.step(); ++i)
-            shown =
-                surface(object, own, mesh, i, wishes_.pictures ? picture : nullptr, node) || shown;
-        pictures_ += shown && picture != nullptr && !wishes_.pictures ? 1 : 0;
+            shown = surface(object, own, mesh, i, wishes_.pictures ? picture : "", node) || shown;
+        pictures_ += shown && !picture.empty() && !wishes_.pictures ? 1 : 0;
+    }
+
+    void loose_points(model_node &node)
+    {
+        std::vector<bool> used(node.points.size());
+        for (const int corner : node.corners)
+            used[static_cast<std::size_t>(corner)] = true;
+        for (std::size_t i = 0; i < used.size(); ++i) {
+            if (used[i])
+                continue;
+            if (wishes_.points)
+                node.loose.push_back(static_cast<int>(i));
+            else
+                ++points_;
+        }
     }
 
     void texture_coordinates(const object_t *object, const vesk_mesh_arrays_t &mesh,
@@ -190,7 +213,7 @@ private:
     }
 
     bool surface(const object_t *object, const frame &own, const vesk_mesh_arrays_t &mesh, int i,
-                 const char *picture, model_node &node)
+                 const std::string &picture, model_node &node)
     {
         const int flags = mesh.surfaces[i].flags;
         model_surface s = {};
@@ -208,7 +231,9 @@ private:
         smooth_ += s.smooth && !wishes_.smooth ? 1 : 0;
         cut_ += !wishes_.polygons && !is_line(s) && s.count > 3 ? 1 : 0;
         s.normal = turned_into(own, mesh.face_normals[i]);
+        const bool front_only = !is_line(s) && (flags & SURFACE_TWOSIDED) == 0;
         const bool twosided = !wishes_.sides || (flags & SURFACE_TWOSIDED) != 0;
+        one_sided_ += front_only && !wishes_.sides ? 1 : 0;
         if (mesh.surfaces[i].material != last_index_ || twosided != last_twosided_ ||
             object != last_object_) {
             last_index_ = mesh.surfaces[i].material;
@@ -222,15 +247,15 @@ private:
     }
 
     // The material of a palette entry with a texture, described when it is first used.
-    int material_place(int index, const object_t *object, const char *picture, bool twosided)
+    int material_place(int index, const object_t *object, const std::string &picture, bool twosided)
     {
         if (index < 0 || index >= vesk_get_num_palette())
             index = 0;
         std::array<float, 4> place = {1, 1, 0, 0};
-        if (wishes_.placing && picture != nullptr)
+        if (wishes_.placing && !picture.empty())
             place = {object->texture_repeat_x, object->texture_repeat_y, object->texture_offset_x,
                      object->texture_offset_y};
-        const material_key key(index, picture == nullptr ? -1 : object->texture, twosided, place);
+        const material_key key(index, picture, twosided, place);
         const auto found = known_.find(key);
         if (found != known_.end())
             return found->second;
@@ -244,9 +269,8 @@ private:
         m.name = wanted;
         for (int number = 1; !names_.insert(m.name).second; ++number)
             m.name = wanted + "_" + std::to_string(number);
-        m.texture = picture == nullptr ? -1 : object->texture;
-        if (picture != nullptr)
-            m.picture = search_texture_save(filename_.c_str(), picture);
+        m.texture = picture.empty() || object->has_texture == 0 ? -1 : object->texture;
+        m.picture = picture;
         if (!wishes_.colours) {
             bool differs = m.look.shininess != plain_.shininess;
             for (int i = 0; i < 3; ++i)
@@ -273,14 +297,14 @@ private:
     material plain_;
     model out_;
     std::vector<waiting_node> waiting_;
-    using material_key = std::tuple<int, int, bool, std::array<float, 4>>;
+    using material_key = std::tuple<int, std::string, bool, std::array<float, 4>>;
     std::map<material_key, int> known_;
     std::set<std::string> names_;
     int last_index_ = -1, last_place_ = 0; // of the surface before
     bool last_twosided_ = false;
     const object_t *last_object_ = nullptr;
     int lines_ = 0, lights_ = 0, pictures_ = 0, smooth_ = 0, groups_ = 0, cut_ = 0, coloured_ = 0;
-    int ambient_ = 0, tinted_ = 0;
+    int ambient_ = 0, tinted_ = 0, points_ = 0, urls_ = 0, data_ = 0, one_sided_ = 0;
 };
 
 } // namespace

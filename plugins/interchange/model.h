@@ -13,7 +13,7 @@ struct model_material {
     std::string name; // no two have the same
     material look;
     std::string picture; // the texture's file as it is to be named in the model file, "" for none
-    int texture = -1;    // the same in the program's table
+    int texture = -1;    // the same in the program's table, unless it was not found
     bool twosided = true;
     float repeat[2] = {1, 1}, offset[2] = {0, 0}; // where the coordinates do not hold them
 };
@@ -37,6 +37,7 @@ struct model_node {
     std::vector<point3_t> points, normals; // in the own frame; normals when they were wished
     std::vector<model_surface> surfaces;   // without those that show nothing
     std::vector<int> corners;              // indices of points
+    std::vector<int> loose;                // points that no surface uses, when they were wished
     std::vector<float> uv;                 // two a corner when it is textured, else none
     bool textured = false;
 };
@@ -51,6 +52,7 @@ struct model {
 struct model_wishes {
     bool lines = true;
     bool lights = true;
+    bool points = false; // that no surface uses
     bool pictures = true;
     bool smooth = true;
     bool normals = true;  // of the points; those of the surfaces are always there

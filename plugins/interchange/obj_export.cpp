@@ -63,7 +63,7 @@ public:
 private:
     void add(const model_node &node)
     {
-        if (node.surfaces.empty())
+        if (node.surfaces.empty() && node.loose.empty())
             return;
         out_.add("o ", one_line(node.name), '\n');
         for (const point3_t &p : node.points) {
@@ -81,6 +81,11 @@ private:
             if (!is_line(s) && int{s.smooth} != shading)
                 out_.add("s ", (shading = s.smooth) != 0 ? "1" : "off", '\n');
             surface(node, s);
+            if (!goes_on())
+                return;
+        }
+        for (const int point : node.loose) {
+            out_.add("p ", first_point_ + point, '\n');
             if (!goes_on())
                 return;
         }
@@ -161,7 +166,7 @@ int obj_export(const char *filename)
     const std::string name = filename;
     model_wishes wishes;
     wishes.lights = wishes.groups = wishes.normals = false;
-    wishes.placing = true;
+    wishes.placing = wishes.points = true;
     job work;
     export_files files(work);
     const model scene = take_model(work, filename, wishes);

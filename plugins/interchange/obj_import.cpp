@@ -32,6 +32,7 @@ struct part {
     std::string name;
     const obj_material *picture_of = nullptr;
     mesh_arrays mesh;
+    bool has_points = false;           // of no surface
     std::unordered_map<int, int> lost; // places of the file's points here, once others took them
 };
 
@@ -52,6 +53,8 @@ public:
             numbers(p + 3, end, 2, uv_);
         } else if (length > 1 && (p[0] == 'f' || p[0] == 'l') && is_gap(p[1])) {
             surface(p + 2, end, p[0] == 'l');
+        } else if (length > 1 && p[0] == 'p' && is_gap(p[1])) {
+            points(p + 2, end);
         } else if (length > 2 && p[0] == 'v' && p[1] == 'n' && is_gap(p[2])) {
             if (!has_shading_)
                 numbers(p + 3, end, 3, normals_);
@@ -66,7 +69,7 @@ public:
         object_set_name(top, base_name(filename_).c_str());
         points_ = {}; // the parts have theirs
         for (part &p : parts_) {
-            if (!p.mesh.surfaces.empty())
+            if (!p.mesh.surfaces.empty() || p.has_points)
                 object_add_child(top, make(p));
             p.mesh = {};
         }
@@ -192,6 +195,29 @@ private:
         if (!good)
             vesk_report_warning(line_, "a %s has corners that are not there",
                                 line ? "line" : "face");
+    }
+
+    // Points that stand alone.
+    void points(const char *p, const char *end)
+    {
+        part &to = current();
+        bool good = true;
+        while (true) {
+            while (p != end && is_gap(*p))
+                ++p;
+            if (p == end)
+                break;
+            const int point = index_of(p, end, points_.size() / 3);
+            good = good && point >= 0;
+            if (point >= 0) {
+                place_of(to, point);
+                to.has_points = true;
+            }
+            while (p != end && !is_gap(*p))
+                ++p;
+        }
+        if (!good)
+            vesk_report_warning(line_, "a point is not there");
     }
 
     // Whether the open surface has a corner whose normal is not the surface's: files that tell no

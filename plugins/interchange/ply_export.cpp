@@ -199,6 +199,8 @@ int ply_write(const char *filename, bool binary)
     const std::string name = filename;
     model_wishes wishes;
     wishes.lights = wishes.smooth = wishes.groups = wishes.colours = wishes.normals = false;
+    wishes.ambient = false;
+    wishes.points = true;
     job work;
     export_files files(work);
     const model scene = take_model(work, filename, wishes);

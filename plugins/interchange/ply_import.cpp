@@ -155,11 +155,17 @@ public:
                                     e.name.c_str());
                 break;
             }
-        if (mesh_.surfaces.empty())
-            return mesh_.points.empty() ? "there are no vertices in it"
-                                        : "there are no faces in it, only vertices";
+        if (mesh_.points.empty())
+            return "there are no vertices in it";
+        if (mesh_.surfaces.empty() && !is_cloud())
+            return "there are no faces in it, only vertices";
         if (bad_ > 0)
             vesk_report_warning(0, "%u faces and edges with bad indices were left out", bad_);
+        if (mixed_ > 0)
+            vesk_report_warning(0, "%u faces have corners of several colours; they have none now",
+                                mixed_);
+        if (mesh_.surfaces.empty() && !vertex_colours_.empty())
+            vesk_report_warning(0, "the colours of points were left out");
         if (too_many_colours_)
             vesk_report_warning(0, "there are more than %u colours; some were left out",
                                 static_cast<unsigned>(most_colours));
@@ -176,6 +182,14 @@ public:
     }
 
 private:
+    // A file of points alone: it promises no surfaces.
+    [[nodiscard]] bool is_cloud() const
+    {
+        return std::none_of(elements_.begin(), elements_.end(), [](const element &e) {
+            return e.count > 0 && (e.name == "face" || e.name == "tristrips" || e.name == "edge");
+        });
+    }
+
     bool header_line(std::string *line)
     {
         if (at_ >= bytes_.size())
@@ -381,7 +395,7 @@ private:
     }
 
     // The colour of vertices, where all of a face have the same.
-    [[nodiscard]] int common_colour(const std::vector<double> &indices) const
+    int common_colour(const std::vector<double> &indices)
     {
         int common = -1;
         for (const double value : indices) {
@@ -389,8 +403,10 @@ private:
             if (index < 0 || static_cast<std::size_t>(index) >= vertex_colours_.size())
                 return -1;
             const int colour = vertex_colours_[static_cast<std::size_t>(index)];
-            if (common >= 0 && common != colour)
+            if (common >= 0 && common != colour) {
+                ++mixed_;
                 return -1;
+            }
             common = colour;
         }
         return common;
@@ -496,7 +512,7 @@ private:
     std::vector<float> vertex_uv_;
     std::vector<int> vertex_colours_;
     std::map<int, int> materials_;
-    unsigned bad_ = 0;
+    unsigned bad_ = 0, mixed_ = 0;
     bool too_many_colours_ = false;
 };
 

@@ -80,10 +80,14 @@ private:
     void textures()
     {
         int lost = 0;
-        std::set<int> seen;
+        std::set<std::string> seen;
         for (const model_material &m : scene_.materials) {
-            if (m.texture < 0 || !seen.insert(m.texture).second)
+            if (m.picture.empty() || !seen.insert(m.picture).second)
                 continue;
+            if (m.texture < 0) { // not found when the model was loaded
+                ++lost;
+                continue;
+            }
             picture_file file = picture_file_of(m.texture);
             if (file.bytes.empty()) {
                 ++lost;
@@ -295,7 +299,7 @@ int threemf_export(const char *filename)
     const std::string name = filename;
     model_wishes wishes;
     wishes.lines = wishes.lights = wishes.smooth = wishes.normals = false;
-    wishes.polygons = wishes.colours = false;
+    wishes.polygons = wishes.colours = wishes.ambient = false;
     job work;
     export_files files(work);
     const model scene = take_model(work, filename, wishes);

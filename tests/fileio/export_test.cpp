@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 
 namespace {
 
@@ -60,7 +61,7 @@ const format_case formats[] = {
     {"write_vrml",
      "#",
      "#VRML V1.0 ascii\n\nSeparator {\n# Light lamp\nPointLight { location 1 2.5 -3 }\n",
-     "",
+     " - 1 data texts were left out: VRML 1.0 has no data texts",
      {"DEF house Separator {\nDEF wall Separator {\nSeparator {\nCoordinate3 {\n  point [\n"
       "0 0 0,\n1 0 0,\n0 1 0,\n",
       "Info { string \"M\xC3\xBCller \\\"x\\\" } ]{ \\\\\" }\n",
@@ -76,12 +77,12 @@ const format_case formats[] = {
     {"write_inventor",
      "#",
      "#Inventor V2.1 ascii\n\nSeparator {\n# Light lamp\n",
-     "",
+     " - 1 data texts were left out: Inventor has no data texts",
      {"DEF wall Separator {", "IndexedLineSet {\n"}},
     {"write_POV",
      "//",
      "#version 3.5;\ncamera {\n",
-     " - 1 lines were left out: POV has no lines",
+     " - 1 lines, 1 addresses were left out: POV has no lines, addresses",
      {"  up <0, 1, 0>\n  right <-1.33, 0, 0>\n",
       "light_source { <1, 2.5, -3> color rgb <1, 1, 1> }",
       "union { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
@@ -94,7 +95,7 @@ const format_case formats[] = {
     {"write_rib",
      "#",
      "##RenderMan RIB-Structure 1.0\nversion 3.03\nDisplay \"vesk.tif\" \"file\" \"rgb\"\n",
-     "",
+     " - 1 addresses, 1 data texts were left out: RIB has no addresses, data texts",
      {"WorldBegin\nLightSource \"ambientlight\" 0 \"intensity\" [0.2]\n",
       "LightSource \"pointlight\" 1 \"intensity\" [1] \"from\" [1 2.5 -3]\n",
       "AttributeBegin\nAttribute \"identifier\" \"name\" [\"house\"]\nAttributeBegin\n"
@@ -107,8 +108,9 @@ const format_case formats[] = {
     {"write_tri",
      nullptr, // lines of names and numbers
      "wall\n0 0 0 1 0 0 0 1 0 0xffffff\n",
-     " - 1 lines, 1 lights, 1 textures, 1 smooth surfaces were left out: the triangle list has no "
-     "lines, lights, textures, smooth surfaces",
+     " - 1 lines, 1 lights, 1 textures, 1 smooth surfaces, 1 addresses, 1 data texts were left "
+     "out: "
+     "the triangle list has no lines, lights, textures, smooth surfaces, addresses, data texts",
      {"M\xC3\xBCller \"x\" } ]{ \\\n0 0 0 1 0 0 0 1 0 0x4080ff\n"}},
     {"write_dive",
      "#",
@@ -220,6 +222,39 @@ TEST_F(Exports, EachFormatHoldsTheScene)
         for (const char *part : format.holds)
             EXPECT_TRUE(holds(text, part)) << part << "\n--- is not in ---\n" << text;
     }
+}
+
+// Also of objects of which nothing is left.
+TEST_F(Exports, WhatAFormatHasNoPlaceForIsCounted)
+{
+    object_t *lines = add_child(vesk_get_world(), new_object(OBJECT_POLY), "lines");
+    add_triangle(lines, SURFACE_LINE, 1);
+    object_t *points = add_child(vesk_get_world(), new_object(OBJECT_POLY), "points");
+    object_add_new_vertex(points, 1, 2, 3);
+    object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    for (const char *command : {"write_POV", "write_tri"}) {
+        run(command, temporary_file("scene.out"));
+        EXPECT_NE(last_message().find(" - 1 lines, 1 loose points were left out"),
+                  std::string::npos)
+            << last_message();
+    }
+}
+
+// Beside the folder of the file, and where it was not found.
+TEST_F(Exports, TexturesAreNamedAsSeenFromTheFile)
+{
+    build_scene();
+    std::filesystem::create_directory(temporary_file("there"));
+    const std::string file = temporary_file("there/scene.iv");
+    run("write_inventor", file);
+    EXPECT_TRUE(holds(read_text(file), "filename \"../wood.bmp\""));
+    object_t *wall = nullptr;
+    for_each_object(vesk_get_world(),
+                    [&wall](object_t *object) { wall = object->has_texture != 0 ? object : wall; });
+    object_texture_clear(wall);
+    search_and_set_texture(wall, file.c_str(), "gone/oak.bmp");
+    run("write_inventor", file);
+    EXPECT_TRUE(holds(read_text(file), "filename \"gone/oak.bmp\""));
 }
 
 struct counts_t {

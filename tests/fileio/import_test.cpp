@@ -6,6 +6,7 @@
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"
+#include "model/lights.h"
 #include "model/palette.h"
 #include "model/world.h"
 #include "tests/fileio/foreign_files.h"
@@ -169,16 +170,30 @@ TEST_F(Import, A3dsFileThatIsWrittenIsReadBack)
     object_t *cube = add_cube("box");
     object_set_init_texture(cube, temporary_file("wood.bmp").c_str(), "wood.bmp");
     surface_set_type(item_of<surface_t>(add_square(2)->surfaces), SURFACE_LINE);
+    object_t *lamp = new_light();
+    vesk_object_set_centre(lamp, 1, 2, 3);
+    object_add_child(vesk_get_world(), lamp);
+    std::string name = "a name that is long";
+    material paint;
+    material_init(&paint);
+    paint.name = name.data();
+    paint.emissive[0] = paint.diffuse[1] = 0.5f;
+    for (surface_t *surface : each<surface_t>(cube->surfaces))
+        surface_set_col(surface, vesk_palette_get_new_material_index(&paint));
     object_mark_tree(vesk_get_world(), CHANGED_ALL);
     const std::string file = temporary_file("written.3ds");
     run("write_3ds", file);
     EXPECT_EQ(last_message(),
-              "written file " + file + " - 1 lines were left out: 3DS has no lines");
+              "written file " + file +
+                  " - 1 lines, 1 glowing colours were left out: 3DS has no lines, glowing colours");
     run("clear_all");
     ASSERT_EQ(run("file_load", file), "1");
-    EXPECT_EQ(counts_of_world(), (counts_t{1, 12, 8, 0}));
-    EXPECT_EQ(world_size(), "1 1 1");
+    EXPECT_EQ(counts_of_world(), (counts_t{1, 12, 8, 1}));
     EXPECT_NE(find("box")->has_texture, 0);
+    EXPECT_STREQ(vesk_material_get_name_index(item_of<surface_t>(find("box")->surfaces)->material),
+                 "a name that is l");
+    ASSERT_NE(world_lights(), nullptr);
+    EXPECT_EQ(item_of<object_t>(world_lights())->centre.y, 2);
     recording().answers["get_exportfilename"] = temporary_file("asked.3ds");
     run("export_3ds");
     EXPECT_EQ(read_text(temporary_file("asked.3ds")).substr(0, 2), "MM");

@@ -4,6 +4,7 @@
 #include "app/file_report.h"
 #include "edit/selection.h"
 #include "model/bounds.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/normals.h"
 #include "model/palette.h"
@@ -279,6 +280,147 @@ TEST_F(Interchange, OtherFormatsComeByTheProgramsReader)
               "1");
     EXPECT_EQ(load("a.glb", "nonsense"), "0");
     EXPECT_TRUE(recording().boxes.back().starts_with("can't read "));
+}
+
+// ---- what other programs' files have and the model file has not ----
+
+// The model file writes the names of materials as they are, in a line of limited length.
+TEST_F(Interchange, NamesDoNotBreakTheModelFile)
+{
+    const std::string longest(400, 'x');
+    write_text(temporary_file("names.mtl"), "newmtl \"a\" b\\\nKd 0.25 0 0\nnewmtl " + longest +
+                                                "\nKd 0 0.25 0\nnewmtl last\nKd 0 0 0.25\n");
+    ASSERT_EQ(load("names.obj", "mtllib names.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\no \"one\"\nusemtl "
+                                "\"a\" b\\\t\nf 1 2 3\nusemtl " +
+                                    longest + "\nf 1 2 3\no kids " + longest +
+                                    "\nusemtl last\nf 1 2 3\n"),
+              "1");
+    EXPECT_EQ(complaints(), "0 2 names are too long and were shortened\n");
+    const std::string file = temporary_file("names.vesk");
+    ASSERT_EQ(run("export_model", file), "1");
+    run("clear_all");
+    ASSERT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(complaints(), "");
+    std::string colours;
+    for (const object_t *part : parts())
+        for (const surface_t *surface : each<surface_t>(part->surfaces))
+            for (int i = 0; i < 3; ++i)
+                colours +=
+                    vesk_palette_get_material(surface->material)->diffuse[i] == 0.25f ? '1' : '0';
+    EXPECT_EQ(colours, "100010001");
+    EXPECT_STREQ(parts()[0]->name, "\"one\"");
+    EXPECT_TRUE(std::string(parts()[1]->name).starts_with("kids xxx"));
+}
+
+TEST_F(Interchange, TexturesThatAreMissingKeepTheirNames)
+{
+    write_text(temporary_file("lost.mtl"), "newmtl p\nmap_Kd some where/oak.png\n");
+    ASSERT_EQ(load("lost.obj", "mtllib lost.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nvt 1 1\n"
+                               "usemtl p\nf 1/1 2/2 3/1\n"),
+              "1");
+    const struct {
+        const char *file, *texts, *name;
+    } files[] = {{"out.obj", "out.mtl", "map_Kd some where/oak.png\n"},
+                 {"out.gltf", "out.gltf", "\"some%20where/oak.png\""},
+                 {"out.dae", "out.dae", "<init_from>some%20where/oak.png<"},
+                 {"out.3ds", "out.3ds", "some where/oak.png"},
+                 {"out.ply", "out.ply", "TextureFile some where/oak.png\n"}};
+    for (const auto &file : files) {
+        ASSERT_EQ(run("export_model", temporary_file(file.file)), "1");
+        EXPECT_NE(read_text(temporary_file(file.texts)).find(file.name), std::string::npos)
+            << file.file;
+    }
+    ASSERT_EQ(run("export_model", temporary_file("out.3mf")), "1");
+    EXPECT_TRUE(last_message().find(" - 1 textures") != std::string::npos) << last_message();
+}
+
+// By "p" in OBJ, and in PLY files that promise no faces.
+TEST_F(Interchange, PointsComeAndGo)
+{
+    const std::string head = "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
+                             "property float y\nproperty float z\n";
+    ASSERT_EQ(load("cloud.ply", head + "end_header\n0 0 0\n1 0 0\n1 2 3\n"), "1");
+    for (const char *suffix : {".ply", ".obj"}) {
+        const std::string file = temporary_file(std::string("points") + suffix);
+        ASSERT_EQ(run("export_model", file), "1");
+        EXPECT_TRUE(last_file_report().losses.empty());
+        run("clear_all");
+        ASSERT_EQ(run("file_load", file), "1") << suffix;
+        EXPECT_EQ(complaints(), "");
+        int points = 0;
+        for_each_object(vesk_get_world(),
+                        [&](const object_t *object) { points += object->num_vertices; });
+        EXPECT_EQ(points, 3) << suffix;
+        EXPECT_EQ(find_object_size(vesk_get_world()).z, 3);
+    }
+    for (const char *suffix : {".glb", ".stl", ".dae", ".fbx", ".3mf", ".3ds"}) {
+        ASSERT_EQ(run("export_model", temporary_file(std::string("points") + suffix)), "1");
+        EXPECT_NE(last_message().find("3 loose points"), std::string::npos) << last_message();
+    }
+    EXPECT_EQ(load("faces.ply", head + "element face 1\nproperty list uchar int vertex_indices\n"
+                                       "end_header\n0 0 0\n1 0 0\n1 2 3\n"),
+              "0");
+    EXPECT_EQ(load("p.obj", "v 0 0 0\np 1 2\n"), "1");
+    EXPECT_EQ(complaints(), "2 a point is not there\n");
+}
+
+TEST_F(Interchange, ColoursOfCornersAreToldWhereTheyAreLost)
+{
+    const std::string head = "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
+                             "property float y\nproperty float z\nproperty uchar red\n"
+                             "property uchar green\nproperty uchar blue\n";
+    const std::string points = "end_header\n0 0 0 1 2 3\n1 0 0 1 2 3\n1 2 3 9 9 9\n";
+    ASSERT_EQ(load("cloud.ply", head + points), "1");
+    EXPECT_EQ(complaints(), "0 the colours of points were left out\n");
+    ASSERT_EQ(load("faces.ply", head + "element face 1\nproperty list uchar int vertex_indices\n" +
+                                    points + "3 0 1 2\n"),
+              "1");
+    EXPECT_EQ(complaints(), "0 1 faces have corners of several colours; they have none now\n");
+}
+
+// What a modeller has besides shapes.
+TEST_F(Interchange, AddressesTextsAndSidesAreCounted)
+{
+    object_t *square = add_square(1);
+    object_set_url(square, "http://x/");
+    object_set_userdata(square, "text");
+    surface_set_twosided(item_of<surface_t>(square->surfaces), 0);
+    object_mark_tree(vesk_get_world(), CHANGED_ALL);
+    for (const char *suffix : {".obj", ".ply", ".stl", ".glb", ".dae", ".fbx", ".3mf"}) {
+        ASSERT_EQ(run("export_model", temporary_file(std::string("square") + suffix)), "1");
+        EXPECT_NE(last_message().find("1 addresses, 1 data texts"), std::string::npos);
+        const std::string told = run("report_json");
+        const bool sides = std::string(suffix) == ".glb" || std::string(suffix) == ".dae";
+        EXPECT_NE(told.find("surfaces of one side") != std::string::npos, sides) << told;
+    }
+}
+
+// Fans of triangles are polygons only where the file says so of each mesh.
+TEST_F(Interchange, GltfPolygonsAreFansOfTriangles)
+{
+    add_square(1);
+    const std::string fork = "v 0 0 0\nv 3 0 0\nv 3 3 0\nv 2 3 0\nv 2 1 0\nv 1 1 0\n"
+                             "v 1 3 0\nv 0 3 0\nf 1 2 3 4 5 6 7 8\n"; // no corner sees all
+    ASSERT_EQ(load("fork.obj", fork + "v 9 9 9\ns 1\nf 1 2 9\nf 1 9 8 7\nf 1 3 9\n"), "1");
+    const std::string file = temporary_file("fans.gltf");
+    ASSERT_EQ(run("export_model", file), "1");
+    EXPECT_NE(run("report_json").find("{\"count\": 1, \"what\": \"polygons cut into triangles\"}"),
+              std::string::npos);
+    const auto surfaces = [](const std::string &name) {
+        run("clear_all");
+        EXPECT_EQ(run("file_load", name), "1");
+        std::vector<int> corners;
+        for (const object_t *part : parts())
+            for (const surface_t *surface : each<surface_t>(part->surfaces))
+                corners.push_back(surface->num_refs);
+        return corners;
+    };
+    EXPECT_EQ(surfaces(file), (std::vector<int>{4, 3, 3, 3, 3, 3, 3, 3, 4, 3}));
+    std::string text = read_text(file);
+    const std::string told = "\"extensions\": {\"FB_ngon_encoding\": {}}, \"mode\"";
+    text.replace(text.find(told), told.size(), "\"mode\"");
+    write_text(file, text);
+    EXPECT_EQ(surfaces(file).size(), 12U); // all triangles
 }
 
 TEST_F(Interchange, DamagedObjFilesAreReadOrRefused)

@@ -39,8 +39,8 @@ const abilities formats[] = {
     {".ply",   "write_ply_text",   true,  false, false, false, true,  false, true,  true,  false, false},
     {".stl",   "",                 false, false, false, false, false, false, false, false, false, false},
     {".stl",   "write_stl_text",   false, true,  false, true,  false, false, false, false, false, false},
-    {".gltf",  "",                 false, true,  true,  true,  true,  true,  true,  true,  true,  true},
-    {".glb",   "",                 false, true,  true,  true,  true,  true,  true,  true,  true,  true},
+    {".gltf",  "",                 true,  true,  true,  true,  true,  true,  true,  true,  true,  true},
+    {".glb",   "",                 true,  true,  true,  true,  true,  true,  true,  true,  true,  true},
     {".dae",   "",                 true,  true,  true,  true,  true,  true,  true,  true,  true,  false, false},
     {".fbx",   "",                 true,  true,  true,  true,  false, true,  true,  true,  true,  false},
     {".3mf",  "",                 false, true,  true,  true,  false, false, true,  true,  false, false, false},
@@ -180,6 +180,13 @@ std::string difference(const std::string &before, const std::string &after)
     return out;
 }
 
+int number_of_objects()
+{
+    int count = 0;
+    for_each_object(vesk_get_world(), [&count](const object_t *) { ++count; });
+    return count;
+}
+
 // ---- the corpus ----
 
 object_t *add_part(object_t *parent, const char *name, std::vector<point3_t> points,
@@ -295,12 +302,16 @@ TEST_P(RoundTrip, KeepsWhatTheFormatHolds)
     const abilities &a = GetParam();
     make_world(temporary_file("wood.bmp"));
     const std::string before = facts_of_world(a);
+    const int objects = number_of_objects();
     const std::string file = temporary_file(std::string("r\xC3\xBC ck") + a.suffix);
     ASSERT_EQ(run(*a.command != '\0' ? a.command : "export_model", file), "1");
     const file_report told = last_file_report();
     run("clear_all");
     ASSERT_EQ(run("file_load", file), "1");
     EXPECT_EQ(difference(before, facts_of_world(a)), "");
+    if (a.groups && a.lights) {
+        EXPECT_EQ(number_of_objects(), objects);
+    }
 
     const auto was_told = [&](const char *what) {
         return std::any_of(told.losses.begin(), told.losses.end(),

@@ -111,6 +111,11 @@ echo 'vesk file_load [lindex $argv 0]; puts [dict get [vesk import_report] image
 holds "and comes out beside the model" \
     sh -c '"$1" -batch images.tcl pictured/model.3mf 2>/dev/null | grep -q pictured/wood.png' sh "$program"
 holds "as it was" cmp wood.png pictured/wood.png
+# A texture that stays where it is, seen from another folder.
+mkdir elsewhere
+check "to another folder" 0 -- -to vesk -into elsewhere "a model.obj" </dev/null
+check "from where the texture is found" 0 -- "elsewhere/a model.vesk" elsewhere/again.gltf </dev/null
+holds "by way of the folder above" grep -q '"uri": "../wood.png"' elsewhere/again.gltf
 if [ "$(id -u)" != 0 ]; then
     rm pictured/wood.png
     chmod a-w pictured
