@@ -5,21 +5,18 @@
 #include "fileio/vesk_format.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
-#include "model/palette.h"
 
 #include <algorithm>
 #include <string>
 
 namespace {
 
-// Without control characters, which would end the line or the word.
-std::string one_line(const char *text)
+bool fits(const std::string &name)
 {
-    std::string line = text;
-    for (char &c : line)
-        if (static_cast<unsigned char>(c) < ' ' || c == 0x7F)
-            c = ' ';
-    return line;
+    std::string line = "name ";
+    append_quoted(line, name.c_str());
+    line += '\n';
+    return line.size() <= std::size_t{line_length};
 }
 
 // Takes a whole character off the end.
@@ -31,50 +28,26 @@ void shorten(std::string &text)
     text.pop_back();
 }
 
-// Puts a name whose line fits; `write` appends the line, its end included. Returns 1 when the name
-// had to be shortened.
-template <class Write>
-int put(char **slot, std::string name, Write &&write)
-{
-    constexpr std::size_t most = line_length;
-    const std::size_t before = name.size();
-    name.resize(std::min(before, most)); // the rest is no more than a hundred steps
-    std::string line;
-    while (write(line, name), !name.empty() && line.size() > most) {
-        shorten(name);
-        line.clear();
-    }
-    if (*slot != name)
-        text_set(slot, name.c_str());
-    return name.size() < before ? 1 : 0;
-}
-
 } // namespace
 
-void names_for_model_file(object_t *top, int first_material)
+void names_for_model_file(object_t *top)
 {
     int shortened = 0;
     for_each_object(top, [&](object_t *object) {
         if (object->name == nullptr)
             return;
-        shortened += put(&object->name, one_line(object->name),
-                         [](std::string &line, const std::string &name) {
-                             line += "name ";
-                             append_quoted(line, name.c_str());
-                             line += '\n';
-                         });
+        std::string name = object->name;
+        for (char &c : name)
+            if (static_cast<unsigned char>(c) < ' ' || c == 0x7F)
+                c = ' ';
+        const std::size_t whole = name.size();
+        name.resize(std::min(whole, std::size_t{line_length}));
+        while (!name.empty() && !fits(name))
+            shorten(name);
+        if (object->name != name)
+            text_set(&object->name, name.c_str());
+        shortened += name.size() < whole ? 1 : 0;
     });
-    for (int i = first_material; i < vesk_get_num_palette(); ++i) {
-        material *m = vesk_palette_get_material(i);
-        if (m == nullptr || m->name == nullptr)
-            continue;
-        std::string plain = one_line(m->name);
-        for (char &c : plain)
-            c = c == '"' ? '\'' : c == '\\' ? '/' : c;
-        shortened += put(&m->name, plain, [&](std::string &line, const std::string &name) {
-            append_material(line, *m, name.c_str());
-        });
-    }
     if (shortened > 0)
         vesk_report_warning(0, "%d names are too long and were shortened", shortened);
 }

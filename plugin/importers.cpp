@@ -170,12 +170,11 @@ object_t *vesk_import_file(const char *filename)
     }
     const double began = ui_port().now_seconds();
     last_file_report().format = importer->description;
-    const int materials = vesk_get_num_palette();
     object_t *object = load_guarded(importer, filename);
     if (object == nullptr)
         return nullptr;
     if (importer->load != vesk_import_vesk)
-        names_for_model_file(object, materials);
+        names_for_model_file(object);
     count_what_came(object, ui_port().now_seconds() - began);
     return object;
 }

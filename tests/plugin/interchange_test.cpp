@@ -284,7 +284,7 @@ TEST_F(Interchange, OtherFormatsComeByTheProgramsReader)
 
 // ---- what other programs' files have and the model file has not ----
 
-// The model file writes the names of materials as they are, in a line of limited length.
+// It writes the names of materials as they are, and all in lines of limited length.
 TEST_F(Interchange, NamesDoNotBreakTheModelFile)
 {
     const std::string longest(400, 'x');
@@ -295,7 +295,7 @@ TEST_F(Interchange, NamesDoNotBreakTheModelFile)
                                     longest + "\nf 1 2 3\no kids " + longest +
                                     "\nusemtl last\nf 1 2 3\n"),
               "1");
-    EXPECT_EQ(complaints(), "0 2 names are too long and were shortened\n");
+    EXPECT_EQ(complaints(), "0 1 names are too long and were shortened\n");
     const std::string file = temporary_file("names.vesk");
     ASSERT_EQ(run("export_model", file), "1");
     run("clear_all");
