@@ -155,8 +155,9 @@ const outline_kind_t *outline_kind(const char *name)
 object_t *new_outline(const outline_kind_t &kind, const std::vector<point3_t> &points)
 {
     if (points.size() < kind.fewest || points.size() > kind.most) {
-        display_message("%s - at least %d points are needed", kind.name,
-                        static_cast<int>(kind.fewest));
+        const bool few = points.size() < kind.fewest;
+        display_message("%s - %s %d points", kind.name, few ? "needs at least" : "takes at most",
+                        static_cast<int>(few ? kind.fewest : kind.most));
         return nullptr;
     }
     object_t *object = new_object(OBJECT_POLY);

@@ -38,12 +38,17 @@ printf 'vesk plugin_load %s/by_hand.p\nvesk plugin_load %s/menu_by_hand.p\nputs 
     "$work" "$work" >"$work/load.tcl"
 [ "$("$program" -noplugins -batch "$work/load.tcl" 2>/dev/null)" = 0 ]
 
-# The guide's example, word for word.
+# The guide's examples, word for word.
 guide=$source/docs/plugins.md
-block() { sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/p" "$guide" | sed '/^```/d'; }
+block() { # LANGUAGE NUMBER
+    awk -v begin="\`\`\`$1" -v number="$2" \
+        '/^```/ {inside = $0 == begin && ++n == number; next} inside' "$guide"
+}
 mkdir "$work/guide"
-block c >"$work/guide/hello.c"
-block cmake >"$work/guide/CMakeLists.txt"
+block c 1 >"$work/guide/hello.c"
+block c 2 >"$work/guide/pyramid.c"
+block cmake 1 >"$work/guide/CMakeLists.txt"
+echo "vesk_add_plugin(pyramid pyramid.c)" >>"$work/guide/CMakeLists.txt"
 cmake -S "$work/guide" -B "$work/guide/build" -DCMAKE_PREFIX_PATH="$work/moved" >"$work/log" || { cat "$work/log"; exit 1; }
 cmake --build "$work/guide/build" >"$work/log" || { cat "$work/log"; exit 1; }
 cmake --install "$work/guide/build" >"$work/log" || { cat "$work/log"; exit 1; }
@@ -53,4 +58,13 @@ for made in "$work/moved/lib/vesk/plugins/hello.p" "$work/guide/hello.p"; do
     printf 'vesk plugin_load %s\nvesk hello' "$made" >"$work/hello.tcl"
     "$program" -noplugins -batch "$work/hello.tcl" 2>&1 | grep -q "hello from a plug-in"
 done
+cat >"$work/pyramid.tcl" <<END
+vesk plugin_load $work/guide/build/pyramid.p
+vesk pyramid 1.5
+puts "[vesk get_counts] [lrange [vesk check_counts] 0 1]"
+vesk undo
+puts [vesk get_counts]
+END
+[ "$("$program" -noplugins -batch "$work/pyramid.tcl" 2>/dev/null)" = "0 1 0 5 0 5 open_edge 0
+0 0 0 0 0 0" ]
 echo "plug-ins build from an installed prefix"
