@@ -478,8 +478,11 @@ proc ::vesk::dialogs::ask_file {item title} {
     lassign $item label kind suffixes
     set patterns [lmap suffix $suffixes {string cat * $suffix}]
     if {$kind eq "open_file"} {
-        return [::vesk::filebox::ask open $title $::prefs_default_dir \
-            [list [list $title $patterns] {"All files" *}]]
+        set filters [list [list $title $patterns] {"All files" *}]
+        if {".p" in $suffixes} {
+            return [::vesk::filebox::ask open $title [::vesk::plugins::folder] $filters]
+        }
+        return [::vesk::files::pick open $title $filters texture_file_path]
     }
     if {$suffixes eq ""} {set patterns *.vesk}
     set name [::vesk::filebox::ask save $title $::prefs_export_file_path \

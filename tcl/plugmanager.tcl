@@ -129,8 +129,7 @@ proc ::vesk::plugmanager::leave_out {name out} {
 }
 
 proc ::vesk::plugmanager::load_ask {} {
-    set name [::vesk::filebox::ask open "Load a plug-in" [file join $::VESK_HOME plugins] \
-        {{"Plug-ins" *.p} {"All files" *}}]
+    set name [::vesk::dialogs::ask_file {File open_file .p} "Load a plug-in"]
     if {$name eq ""} {return}
     ::vesk::ops::run plugin_load $name
     fill

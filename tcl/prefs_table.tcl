@@ -66,7 +66,7 @@ proc ::vesk::prefs::page {name groups} {
         {bb_line_width "Width of the selection box" "Pixels." {slider 0.5 5}}
         {gl_concave "Fill concave surfaces rightly" "Divides surfaces that are not convex before they are filled."}
         {doublebuffer_orth "Double buffered flat views" "The flat views draw without flicker; the 3D view always does. At the next start."}
-        {share_opengl_contexts "Views share what is uploaded" "Textures and buffers are uploaded once for all views, which needs sharing: it stays on. The value is kept for scripts."}
+        {share_opengl_contexts "Views share what is uploaded" "The views upload textures and buffers once for all of them, which needs sharing: it stays on whatever stands here."}
         {independent_scaling "Flat views zoom apart" "Each flat view keeps its own scale."}
         {show_window_labels "View labels" "Names the views."}
         {window_label_xy "Name of the front view" "The label in the view."}
@@ -242,7 +242,7 @@ proc ::vesk::prefs::page {name groups} {
     }
     "Rendering and animation" {
         {render_command "Render command" "The script that Tools > Render runs." lines}
-        {sgi_anim_frames "Frames of a turn" "Kept for scripts and plug-ins that write pictures of one turn of the scene; the program itself writes none."}
+        {sgi_anim_frames "Frames of a turn" "For scripts and plug-ins that write pictures of one turn of the scene. The program itself writes none: changing it changes nothing in the window."}
     }
 }
 ::vesk::prefs::page Keys {}
@@ -262,7 +262,7 @@ proc ::vesk::prefs::page {name groups} {
 }
 ::vesk::prefs::page Plug-ins {
     Folder {
-        {plugin_dir "Plug-in folder" "Kept for scripts; the program itself loads the plug-ins of its home folder." folder}
+        {plugin_dir "Plug-in folder" "Where the dialog that loads a plug-in begins. At the start the program loads the plug-ins of its home folder, wherever this points." folder}
     }
 }
 ::vesk::prefs::page Advanced {
@@ -272,7 +272,7 @@ proc ::vesk::prefs::page {name groups} {
     }
     Program {
         {memory_checks "Check memory" "Slower; finds faults of plug-ins. At the next start."}
-        {last_update_id "Last update" "Kept for scripts; the program itself asks nobody for updates."}
+        {last_update_id "Last update" "For scripts that note when they looked for updates. The program itself asks nobody."}
     }
     "Main window" {
         {cpwin_x "X" "Where the window stands, in pixels."}

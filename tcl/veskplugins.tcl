@@ -32,6 +32,14 @@ proc ::vesk::plugins::noted {args} {
     set loading ""
 }
 
+# folder --
+#   Where the dialog that loads a plug-in begins: what the preference names, else the home folder's.
+proc ::vesk::plugins::folder {} {
+    set folder [string map [list \$VESK_HOME $::VESK_HOME] $::prefs_plugin_dir]
+    if {[file isdirectory $folder]} {return $folder}
+    return [file join $::VESK_HOME plugins]
+}
+
 # registered --
 #   What plug-ins can add, as it is now: heading -> names.
 proc ::vesk::plugins::registered {} {

@@ -245,6 +245,13 @@ proc show_field {key} {
     ::test::check "the plug-ins of the home folder are listed" {
         [llength [$::vesk::plugmanager::page.list children {}]] >= 1
     }
+    ::test::check "the dialog for another begins in the home folder" {
+        [::vesk::plugins::folder] eq [file join $::VESK_HOME plugins]
+    }
+    set ::prefs_plugin_dir $::env(VESK_TEST_WORK)
+    ::test::check "or where the preference says" {
+        [::vesk::plugins::folder] eq $::env(VESK_TEST_WORK)
+    }
     ::test::press $::vesk::plugmanager::page.row.wanted 8
     ::test::check "one can be left out at the next start" {
         [::vesk::settings::get plugins_off] eq
