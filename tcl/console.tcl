@@ -40,7 +40,7 @@ proc ::vesk::console::build {frame} {
     bind $w <Down> {::vesk::console::recall -1; break}
     bind $w <Tab> {::vesk::console::complete; break}
     bind $w <Escape> {::vesk::view::focus_last; break}
-    bind $frame.text <Button-3> {::vesk::savedtools::context %X %Y}
+    bind $frame.text <Button-3> {::vesk::savedtools::context %X %Y; break}
     bind $frame.text <Button-1> {focus %W}
     colours
     ::vesk::theme::follow ::vesk::console::colours

@@ -28,7 +28,7 @@ namespace eval ::vesk::help {
             "G  L  T  N" "ground grid, headlight, textures, normals on and off"
             "W" "filled or wireframe"
             "O  S  V  M  R  E" "as in the flat views"
-            "Delete" "delete what is selected"
+            "BackSpace  Delete" "delete what is selected"
         }
         "While dragging" {
             "Shift" "keep proportions (handles, boxes), steps of 15 degrees (rotate)"
@@ -47,6 +47,7 @@ namespace eval ::vesk::help {
             "F2, double click" "rename"
             "Delete  H  L" "delete, hide, lock"
             "Control+A" "select all"
+            "Menu, Shift+F10" "the menu of the right button, here as in views, lists and fields"
             "Drag" "another place in the list, or into a group"
         }
         "Number fields" {

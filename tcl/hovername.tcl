@@ -13,7 +13,8 @@ namespace eval ::vesk::hover {
 proc ::vesk::hover::bind_view {name id togl} {
     bind $togl <Motion> [list ::vesk::hover::moved $name $id %x %y %s]
     bind $togl <Leave> ::vesk::hover::hide
-    bind $togl <Button> +::vesk::hover::hide
+    foreach event {<Button> <Button-4> <Button-5>} {bind $togl $event +::vesk::hover::hide}
+    bind $togl <Configure> +::vesk::hover::hide
 }
 
 # moved --

@@ -34,7 +34,7 @@ namespace eval ::vesk::keys {
         view.walk     "3D: walk"                             2        2 0
         view.delete   "Delete"                               Del      Delete 0
         view.delete2  "Delete (second key)"                  .        . 0
-        view.delete3  "Delete (third key)"                   BackSpace \b 0
+        view.delete3  "Delete (third key)"                   BackSpace BackSpace 0
         view.none     "Select nothing"                       Escape   \x1b 0
     }
     # Presets: name, then what differs from the standard keys.

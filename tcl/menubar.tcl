@@ -7,6 +7,14 @@ namespace eval ::vesk::menus {
     variable bound {}       ;# accelerators bound: event -> row
     variable info           ;# cache of command_info: name -> list
     variable paths {}       ;# menu name -> widget, for menus of the bar
+    variable rows_at        ;# menu widget -> its rows, in order
+    variable reasons {
+        some "select something first" object "select objects first"
+        several "select two objects or more" group "select a group first"
+        surface "select surfaces first" vertex "select vertices first"
+        undo "nothing to undo" redo "nothing to redo" hidden "nothing is hidden"
+        locked "nothing is locked" model "the scene is empty"
+    }
     array set info {}
 }
 
@@ -38,6 +46,10 @@ proc ::vesk::menus::build_bar {bar_frame} {
     }
     ::vesk::theme::recolour $bar_frame
     bind_accelerators
+    # Tk does not make greyed entries the active one: the pointer is asked, too.
+    bind Menu <<MenuSelect>> {+::vesk::menus::tell %W active}
+    bind Menu <Motion> {+::vesk::menus::tell %W @%y}
+    bind Menu <Unmap> {+::vesk::status::preview ""}
 }
 
 # build --
@@ -62,6 +74,8 @@ proc ::vesk::menus::split_label {label} {
 # add_row --
 #   Appends one row. Blanks round label and key make the margins that Tk leaves out.
 proc ::vesk::menus::add_row {path row} {
+    variable rows_at
+    lappend rows_at($path) $row
     lassign $row kind label target key needs help
     if {$kind eq "line"} {
         $path add separator
@@ -177,13 +191,24 @@ proc ::vesk::menus::row_command {row} {
     return ""
 }
 
-# possible --
-#   1 when a row can be chosen now.
+# why_not --
+#   "" when a row can be chosen now, else what is missing.
 #   state  dictionary as `now` makes it
-proc ::vesk::menus::possible {row state} {
-    lassign $row kind label target key needs
+proc ::vesk::menus::why_not {row state} {
+    variable reasons
+    set needs [lindex $row 4]
     set command [row_command $row]
-    if {$command ne "" && ![known $command]} {return 0}
+    if {$command ne "" && ![known $command]} {return "not in this build"}
+    if {[fits $needs $state]} {return ""}
+    return [dict get $reasons $needs]
+}
+proc ::vesk::menus::possible {row state} {
+    return [expr {[why_not $row $state] eq ""}]
+}
+
+# fits --
+#   Whether what a row needs is there.
+proc ::vesk::menus::fits {needs state} {
     switch -- $needs {
         some    {return [expr {[dict get $state selected] > 0}]}
         object  {return [expr {[dict get $state objects] > 0}]}
@@ -219,6 +244,25 @@ proc ::vesk::menus::now {} {
     return [dict create objects $chosen group [expr {$group || $chosen > 50}] surfaces [expr {$chosen ? 0 : $surfaces}] \
         vertices [expr {$chosen || $::vesk::select_mode ne "vertex" ? 0 : $vertices}] \
         selected [expr {$objects + $surfaces + $vertices + $chosen}] total $total]
+}
+
+# tell --
+#   The status line says what the entry does that the pointer or the keys are on, or what it needs.
+#   place  of the entry in the menu, as Tk takes it
+proc ::vesk::menus::tell {path place} {
+    variable rows_at
+    set entry none
+    catch {set entry [$path index $place]}
+    set row {}
+    if {[string is integer -strict $entry] && [info exists rows_at($path)]} {
+        set row [lindex $rows_at($path) $entry]
+    }
+    set text [lindex $row 5]
+    if {$row ne "" && [$path type $entry] ne "separator"
+            && [$path entrycget $entry -state] eq "disabled"} {
+        append text " \u2013 [why_not $row [now]]"
+    }
+    ::vesk::status::preview $text
 }
 
 # refresh --
@@ -294,8 +338,9 @@ proc ::vesk::menus::bind_again {} {
 proc ::vesk::menus::key {w row} {
     if {![::vesk::view::in_main $w]} {return}
     if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {return}
-    if {![possible $row [now]]} {
-        display_message "[string map {& {} ... {}} [lindex $row 1]] - not possible now"
+    set why [why_not $row [now]]
+    if {$why ne ""} {
+        display_message "[string map {& {} ... {}} [lindex $row 1]] - $why"
         return -code break
     }
     invoke $row
@@ -326,19 +371,26 @@ proc ::vesk::menus::find {name words} {
 proc ::vesk::menus::popup {mode x y} {
     variable context
     if {![dict exists $context $mode]} {set mode object}
+    popup_rows [lmap item [dict get $context $mode] {
+        expr {$item eq "-" ? {line} : [find {*}$item]}
+    }] $x $y
+}
+
+# popup_rows --
+#   Shows a menu of rows, as the table has them, at a place of the screen.
+proc ::vesk::menus::popup_rows {rows x y} {
+    variable rows_at
     set path .popup
     destroy $path
+    set rows_at($path) {}
     menu $path -tearoff 0
     ::vesk::theme::recolour $path
     set state [now]
-    foreach item [dict get $context $mode] {
-        if {$item eq "-"} {
-            $path add separator
-            continue
-        }
-        set row [find [lindex $item 0] [lindex $item 1]]
+    foreach row $rows {
         add_row $path $row
-        if {![possible $row $state]} {$path entryconfigure end -state disabled}
+        if {[lindex $row 0] ne "line" && ![possible $row $state]} {
+            $path entryconfigure end -state disabled
+        }
     }
     tk_popup $path $x $y
 }

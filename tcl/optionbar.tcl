@@ -168,7 +168,8 @@ proc ::vesk::optionbar::show_fields {tool} {
         lassign $item label kind key
         set field $frame.f[incr number]
         if {$kind eq "bool"} {
-            ttk::checkbutton $field -text $label -variable ::prefs_$key
+            ttk::checkbutton $field -text $label -variable ::prefs_$key \
+                -command [list ::vesk::menus::changed prefs_$key {}]
             pack $field -side left -padx [list $gap 0]
             continue
         }

@@ -170,8 +170,13 @@ proc ::vesk::search::show_help {} {
     variable entries
     if {![winfo exists .search.in.list]} {return}
     set place [lindex [.search.in.list selection] 0]
-    .search.in.help configure -text [expr {$place eq "" ? "Nothing found." : ""}]
-    if {$place ne ""} {.search.in.help configure -text [lindex $entries $place 3]}
+    set text "Nothing found."
+    if {$place ne ""} {
+        lassign [lindex $entries $place] label trail key text row
+        set why [::vesk::menus::why_not $row [::vesk::menus::now]]
+        if {$why ne ""} {append text " \u2013 $why"}
+    }
+    .search.in.help configure -text $text
 }
 
 proc ::vesk::search::step {step} {
@@ -190,8 +195,9 @@ proc ::vesk::search::run {} {
     if {$place eq ""} {return}
     set row [lindex $entries $place 4]
     close
-    if {![::vesk::menus::possible $row [::vesk::menus::now]]} {
-        display_message "[lindex $entries $place 0] - not possible now"
+    set why [::vesk::menus::why_not $row [::vesk::menus::now]]
+    if {$why ne ""} {
+        display_message "[string map {... {}} [lindex $entries $place 0]] - $why"
         return
     }
     ::vesk::menus::invoke $row

@@ -6,6 +6,7 @@ namespace eval ::vesk::settings {
     variable values {
         theme dark
         interface_scale 100
+        maximised 0
         panel_shown 1
         panel_width 316
         objects_height 300

@@ -9,6 +9,8 @@ namespace eval ::vesk::status {
     variable progress 0
     variable busy_since 0       ;# milliseconds; 0 while nothing runs
     variable idle_timer ""
+    variable behind ""          ;# the message below what a menu tells
+    variable previews 0         ;# a menu tells something
 }
 
 proc ::vesk::status::build {line} {
@@ -109,6 +111,7 @@ proc ::vesk::status::show {text} {
     variable message
     variable history
     variable idle_timer
+    variable previews 0
     set message [string map {\n " "} $text]
     if {$text ne ""} {
         set history [lrange [linsert $history 0 [clock format [clock seconds] -format %H:%M:%S]\ $text] 0 19]
@@ -116,6 +119,17 @@ proc ::vesk::status::show {text} {
     }
     after cancel $idle_timer
     set idle_timer [after 8000 ::vesk::status::hint]
+}
+
+# preview --
+#   Shows what a menu's entry does in place of the message, which comes back with "".
+proc ::vesk::status::preview {text} {
+    variable message
+    variable behind
+    variable previews
+    if {!$previews} {set behind $message}
+    if {$previews || $text ne ""} {set message [expr {$text eq "" ? $behind : $text}]}
+    set previews [expr {$text ne ""}]
 }
 
 # older --
@@ -133,8 +147,11 @@ proc ::vesk::status::hint {} {
     variable idle_timer
     variable path
     if {$path eq ""} {return}
+    variable behind
+    variable previews
     after cancel $idle_timer
-    set message [dict get [::vesk::tools::row $::vesk::tools::current] hint]
+    set [expr {$previews ? "behind" : "message"}] \
+        [dict get [::vesk::tools::row $::vesk::tools::current] hint]
 }
 
 # ---- numbers ----

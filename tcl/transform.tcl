@@ -10,10 +10,14 @@ namespace eval ::vesk::transform {
     variable value              ;# (what,axis) -> text shown
     variable shown_ids {}       ;# objects whose texts the tab shows
     variable text               ;# name, url, data
+    variable shown_text         ;# the same, before anything was typed
+    variable shown_for          ;# and the objects that they are of
     variable flag               ;# visible, locked
     variable drag ""            ;# {what axis root-x started} while a letter is dragged
     array set value {}
     array set text {name "" url "" data ""}
+    array set shown_text {name "" url "" data ""}
+    array set shown_for {name {} url {} data {}}
 }
 
 proc ::vesk::transform::build {tab} {
@@ -169,6 +173,8 @@ proc ::vesk::transform::refresh {{force 0}} {
 proc ::vesk::transform::show_texts {force} {
     variable path
     variable text
+    variable shown_text
+    variable shown_for
     variable shown_ids
     set ids [vesk get_selected_objects]
     set shown_ids $ids
@@ -179,9 +185,12 @@ proc ::vesk::transform::show_texts {force} {
             if {[dict exists $info $key]} {lappend texts [dict get $info $key]}
         }
         set texts [lsort -unique $texts]
-        if {!$force && [focus] eq "$path.$key"} {continue}
+        # What is being typed belongs to the objects that it was begun for.
+        if {!$force && [focus] eq "$path.$key" && $text($key) ne $shown_text($key)} {continue}
         set text($key) [expr {[llength $texts] > 1 ? "\u2013" : ""}]
         if {[llength $texts] == 1} {set text($key) [lindex $texts 0]}
+        set shown_text($key) $text($key)
+        set shown_for($key) $ids
         $path.$key state [expr {[llength $ids] > 0 ? "!disabled" : "disabled"}]
     }
     ::vesk::textures::refresh $infos $force
@@ -307,15 +316,15 @@ proc ::vesk::transform::typed {what axis number} {
 #   Name, url or data: applies to every selected object, when it was changed.
 proc ::vesk::transform::text_typed {key} {
     variable text
-    variable shown_ids
-    set new $text($key)
-    if {[llength $shown_ids] == 0 || ([llength $shown_ids] > 1 && $new eq "\u2013")} {return}
-    set differs 0
-    foreach id $shown_ids {
-        set info [vesk object_info $id]
-        if {[llength $info] > 0 && [dict get $info $key] ne $new} {set differs 1}
-    }
-    if {$differs} {::vesk::ops::run objects_set $shown_ids $key $new}
+    variable shown_text
+    variable shown_for
+    if {$text($key) eq $shown_text($key)} {return}
+    set shown_text($key) $text($key)
+    set ids [lmap id $shown_for($key) {
+        if {[llength [vesk object_info $id]] == 0} continue
+        set id
+    }]
+    if {[llength $ids] > 0} {::vesk::ops::run objects_set $ids $key $text($key)}
 }
 
 # ---- dragging a number by its letter ----

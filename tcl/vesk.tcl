@@ -3,7 +3,7 @@
 #   size and theme that are remembered.
 
 foreach vesk_file {tooltips tools optionbar status transform console search help history colourbox
-        recovery numberfield operations hierdrag hovername viewwindows importreport} {
+        recovery swatches numberfield operations hierdrag hovername viewwindows importreport} {
     source [file join $::vesk::script_folder $vesk_file.tcl]
 }
 unset vesk_file
@@ -19,6 +19,7 @@ foreach {vesk_file vesk_names} {
     adjust {adjust::open}
     thumbs {thumbs::request thumbs::cancel thumbs::can_draw}
     cmdsocket {cmdsocket::follow}
+    fieldmenu {fieldmenu::popup}
     issues {issues::build issues::model_changed issues::open issues::exporting}
 } {
     ::vesk::later $vesk_file {*}[lmap vesk_name $vesk_names {string cat ::vesk:: $vesk_name}]
@@ -62,6 +63,14 @@ proc ::vesk::main::build {} {
     # The right panel goes when the views would become too small.
     bind .main <Configure> ::vesk::main::width_changed
     place_console
+    if {!$::vesk::panel_shown} place_right
+    foreach class {Entry TEntry TCombobox Text} {
+        bind $class <Button-3> {::vesk::fieldmenu::popup %W %X %Y}
+        foreach event {<Key-Menu> <Shift-Key-F10>} {
+            bind $class $event {::vesk::fieldmenu::popup %W [winfo rootx %W] \
+                [expr {[winfo rooty %W] + [winfo height %W]}]; break}
+        }
+    }
     bind . <Escape> ::vesk::main::escape
     bind all <Control-Tab> {}
     wm protocol . WM_DELETE_WINDOW ::vesk::files::quit
@@ -295,6 +304,7 @@ proc ::vesk::main::set_theme {} {
 proc ::vesk::main::remember {} {
     variable folded_by_width
     if {$folded_by_width == 1} {::vesk::settings::set_value panel_shown 1}
+    ::vesk::settings::set_value maximised [wm attributes . -zoomed]
     ::vesk::view::note_windows
     set message [::vesk::settings::save]
     if {$message ne ""} {display_message "settings not saved: $message"}

@@ -12,6 +12,9 @@ namespace eval ::vesk::hier {
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
     variable chosen {}          ;# ids selected in the model
+    variable open {}            ;# id -> 1 or 0, of rows with others below them
+    variable filtered 0         ;# the rows that stand there are those that match
+    variable surfaces 0         ;# of all objects, as the numbers stand there
     variable strip_pending 0
     variable drag ""            ;# {row x y started target} while rows may be dragged
     variable marked {}          ;# rows with the icon for selected ones
@@ -48,7 +51,10 @@ proc ::vesk::hier::build {panel} {
         -width [::vesk::theme::px 10] -relheight 1
     lower $panel.ground
     bind_tree
+    ttk::label $panel.empty -style Field.Dim.TLabel -justify center
+    show_empty
     ::vesk::ops::listen tree ::vesk::hier::refresh
+    ::vesk::ops::listen model ::vesk::hier::follow_counts
     ::vesk::ops::listen selection ::vesk::hier::show_selection
     ::vesk::theme::follow ::vesk::hier::strip_later
     return $panel
@@ -69,7 +75,12 @@ proc ::vesk::hier::build_filter {path} {
     bind $path.hint <Button-1> [list focus $path.value]
     bind $path.value <FocusIn> [list $path state focus]
     bind $path.value <FocusOut> [list $path state !focus]
-    bind $path.value <Escape> {set ::vesk::hier::filter ""; break}
+    bind $path.value <Escape> {
+        if {$::vesk::hier::filter ne ""} {
+            set ::vesk::hier::filter ""
+            break
+        }
+    }
     bind $path.value <Down> {focus $::vesk::hier::tree; break}
     trace add variable ::vesk::hier::filter write ::vesk::hier::filter_changed
 }
@@ -102,6 +113,9 @@ proc ::vesk::hier::bind_tree {} {
     bind $tree <Escape> {::vesk::hier::escape; break}
     bind $tree <Double-Button-1> {::vesk::hier::double %x %y; break}
     bind $tree <Button-3> {::vesk::hier::context %x %y %X %Y}
+    foreach event {<Key-Menu> <Shift-Key-F10>} {
+        bind $tree $event {::vesk::hier::context_key; break}
+    }
     bind $tree <Control-Key-a> {::vesk::ops::run select_all; break}
     bind $tree <Button-1> {+::vesk::hier::drag_press %x %y}
     # Presses that add to the selection are no drags, whose release would choose one row.
@@ -174,6 +188,13 @@ proc ::vesk::hier::refresh {} {
     strip_later
 }
 
+# follow_counts --
+#   An operation that makes surfaces leaves the tree as it is, but not its numbers.
+proc ::vesk::hier::follow_counts {} {
+    variable surfaces
+    if {[lindex [vesk get_counts] 3] != $surfaces} refresh
+}
+
 # totals --
 #   Surfaces of each object with those below it: id -> count.
 proc ::vesk::hier::totals {} {
@@ -185,6 +206,7 @@ proc ::vesk::hier::totals {} {
         set id [lindex $flat $at]
         incr total([lindex $flat $at+1]) [incr total($id) [lindex $flat $at+4]]
     }
+    variable surfaces $total([vesk get_world])
     # No number is wider than that of all.
     set widest [font measure TkDefaultFont "[::vesk::arith::grouped $total([vesk get_world])]0"]
     $tree column surfaces -width [expr {max([::vesk::theme::px 58], $widest)}]
@@ -206,17 +228,15 @@ proc ::vesk::hier::fill {} {
     variable tree
     variable filter
     variable icons
+    variable open
+    variable filtered
     variable syncing 1
-    set open {}
-    # Only rows that had others below them can have been opened.
-    dict for {id row} $rows {set above([lindex $row 0]) 1}
-    foreach id [array names above] {
-        if {[$tree exists $id] && [$tree item $id -open]} {dict set open $id 1}
-    }
+    if {!$filtered} note_open
     set top [$tree yview]
     $tree delete [$tree children {}]
     set rows {}
     set wanted [string tolower $filter]
+    set filtered [expr {$wanted ne ""}]
     array set total [totals]
     # Images of tags: one of each row costs a walk over all of them when it changes.
     foreach {type icon} $icons {
@@ -233,7 +253,8 @@ proc ::vesk::hier::fill {} {
         } elseif {$parent == $world || ![$tree exists $parent]} {
             set parent {}
         }
-        set opened [expr {[dict exists $open $id] || ($first_time && $parent eq {})}]
+        set opened [expr {$first_time && $parent eq {}}]
+        if {[dict exists $open $id]} {set opened [dict get $open $id]}
         # Procedures are called only where they change something: there may be ten thousand rows.
         set count $total($id)
         if {$count >= 1000} {set count [::vesk::arith::grouped $count]}
@@ -244,8 +265,37 @@ proc ::vesk::hier::fill {} {
     }
     $tree yview moveto [lindex $top 0]
     set syncing 0
+    show_empty
     show_selection
     strip_later
+}
+
+# note_open --
+#   Which of the rows that have others below them are open.
+proc ::vesk::hier::note_open {} {
+    variable tree
+    variable rows
+    variable open {}
+    dict for {id row} $rows {set above([lindex $row 0]) 1}
+    foreach id [array names above] {
+        if {[$tree exists $id]} {dict set open $id [$tree item $id -open]}
+    }
+}
+
+# show_empty --
+#   Says why no row is there.
+proc ::vesk::hier::show_empty {} {
+    variable path
+    variable tree
+    variable filter
+    if {[llength [$tree children {}]] > 0} {
+        place forget $path.empty
+        return
+    }
+    $path.empty configure -text [expr {$filter eq "" \
+        ? "No objects yet.\nDraw one with a tool at the left,\nor open a file."
+        : "No object has this in its name."}]
+    place $path.empty -in $tree -relx 0.5 -rely 0.4 -anchor center
 }
 
 proc ::vesk::hier::shown_name {name} {
@@ -276,10 +326,7 @@ proc ::vesk::hier::show_selection {} {
     variable chosen
     variable syncing
     set chosen [vesk get_selected_objects]
-    set present {}
-    foreach id $chosen {
-        if {[$tree exists $id]} {lappend present $id}
-    }
+    set present [present $chosen]
     if {[lsort $present] eq [lsort [$tree selection]]} {
         strip_later
         return
@@ -297,6 +344,16 @@ proc ::vesk::hier::show_selection {} {
     after idle {set ::vesk::hier::syncing 0}
 }
 
+# present --
+#   Those of the objects that have a row.
+proc ::vesk::hier::present {ids} {
+    variable tree
+    return [lmap id $ids {
+        if {![$tree exists $id]} continue
+        set id
+    }]
+}
+
 # selected --
 #   The user chose rows: the model follows. In tree mode only whole top-level objects can be
 #   selected, so a row below them first switches to object mode.
@@ -309,7 +366,8 @@ proc ::vesk::hier::selected {} {
     mark_icons
     if {$syncing} {return}
     set wanted [$tree selection]
-    if {[lsort $wanted] eq [lsort $chosen]} {return}
+    # Rows that the filter took away are no choice of the user's.
+    if {[lsort $wanted] eq [lsort [present $chosen]]} {return}
     set world [vesk get_world]
     if {$::vesk::select_mode eq "tree"} {
         foreach id $wanted {
@@ -362,6 +420,16 @@ proc ::vesk::hier::context {x y root_x root_y} {
         selected
     }
     ::vesk::menus::popup object $root_x $root_y
+}
+
+# context_key --
+#   The same by key, below the row that has the focus.
+proc ::vesk::hier::context_key {} {
+    variable tree
+    lassign [$tree bbox [$tree focus] #0] x y width height
+    if {$x eq ""} {lassign {0 0 0 0} x y width height}
+    ::vesk::menus::popup object [expr {[winfo rootx $tree] + $x + [::vesk::theme::px 40]}] \
+        [expr {[winfo rooty $tree] + $y + $height}]
 }
 
 proc ::vesk::hier::key {command} {

@@ -104,9 +104,9 @@ proc ::vesk::ops::refresh {} {
 }
 
 # change_count --
-#   How often the model was changed since the start.
+#   The number of what the model holds: the same after undo, redo and a drag that was taken back.
 proc ::vesk::ops::change_count {} {
-    return [lindex [vesk model_state] 0]
+    return [vesk change_count]
 }
 
 # failed --

@@ -1,6 +1,6 @@
 # veskpalette.tcl --
-#   The Material tab, which edits one palette entry, and the Palette tab, a grid of swatches. Both
-#   show the entry `current`; editing writes all of it with "set_palette_entry".
+#   The Material tab, which edits one palette entry. It and the Palette tab (swatches.tcl) show the
+#   entry `current`; editing writes all of it with "set_palette_entry".
 
 namespace eval ::vesk::palette {
     variable material ""        ;# the Material tab
@@ -379,168 +379,23 @@ proc ::vesk::palette::apply_current {} {
     ::vesk::ops::run set_col $current
 }
 
-# duplicate --
-#   A new entry with the values of the current one, which is then shown.
+# duplicate, add_entry --
+#   A new entry with the values of the current one, or grey, which is then shown.
 proc ::vesk::palette::duplicate {} {
     variable current
-    set words [lrange [vesk get_material $current] 1 end]
+    append_entry [lrange [vesk get_material $current] 1 end]
+}
+proc ::vesk::palette::add_entry {} {
+    append_entry {0.8 0.8 0.8 0.2 0.2 0.2 0 0 0 0.5 0.5 0.5 10 0}
+    ::vesk::main::show_tab material
+}
+proc ::vesk::palette::append_entry {words} {
+    variable current
     set index [::vesk::ops::run new_palette_entry $current]
     if {![string is integer -strict $index]} {return}
     ::vesk::ops::run set_palette_entry $index {*}$words
     set current $index
     refresh
-}
-
-# ---- the Palette tab ----
-
-proc ::vesk::palette::build_swatches {tab} {
-    variable swatches $tab
-    ttk::frame $tab -style Panel.TFrame -padding [::vesk::theme::px 12]
-    ::vesk::theme::on [canvas $tab.grid -height 10 -takefocus 1] panel
-    pack $tab.grid -fill x
-    ttk::label $tab.name -style Panel.Bold.TLabel
-    ttk::label $tab.line -style Panel.Dim.TLabel
-    pack $tab.name $tab.line -anchor w -pady [::vesk::theme::pad 4 4]
-    ttk::frame $tab.row -style Panel.TFrame
-    ttk::button $tab.row.apply -style Panel.TButton -text Apply \
-        -command ::vesk::palette::apply_current
-    ttk::button $tab.row.select -style Panel.TButton -text "Select surfaces" \
-        -command ::vesk::palette::select_users
-    icon_button $tab.row.unused filter "Next unused" "Goes to the next material that no surface has." \
-        ::vesk::palette::next_unused
-    icon_button $tab.row.edit settings "Edit" "Shows the material." {
-        .main.right.tabs select .main.right.tabs.material}
-    icon_button $tab.row.add duplicate "Duplicate" "A new entry, as this one." \
-        ::vesk::palette::duplicate
-    pack $tab.row.apply $tab.row.select -side left -padx [::vesk::theme::pad 0 6]
-    pack $tab.row.unused $tab.row.add $tab.row.edit -side right
-    bind $tab.grid <Map> {after idle ::vesk::palette::count_users}
-    ::vesk::ops::listen model ::vesk::palette::model_changed
-    pack $tab.row -fill x -pady [::vesk::theme::pad 6 0]
-    bind $tab.grid <Configure> ::vesk::palette::draw_swatches
-    bind $tab.grid <Button-1> {focus %W; ::vesk::palette::swatch_at %x %y}
-    bind $tab.grid <Double-Button-1> {
-        .main.right.tabs select .main.right.tabs.material}
-    bind $tab.grid <Key-Return> [list $tab.row.apply invoke]
-    foreach {key step} {Left -1 Right 1 Up -8 Down 8} {
-        bind $tab.grid <Key-$key> [list ::vesk::palette::step $step]
-    }
-    bind $tab.grid <FocusIn> ::vesk::palette::mark_swatch
-    bind $tab.grid <FocusOut> ::vesk::palette::mark_swatch
-    ::vesk::theme::follow ::vesk::palette::draw_swatches
-    return $tab
-}
-
-# draw_swatches --
-#   One square an entry, eight in a row.
-proc ::vesk::palette::draw_swatches {} {
-    variable swatches
-    variable colours
-    variable columns
-    if {![winfo exists $swatches]} {return}
-    set canvas $swatches.grid
-    $canvas delete all
-    set step [swatch_step]
-    set side [expr {$step - [::vesk::theme::px 8]}]
-    set index 0
-    foreach colour $colours {
-        set x [expr {($index % $columns) * $step + [::vesk::theme::px 4]}]
-        set y [expr {($index / $columns) * $step + [::vesk::theme::px 4]}]
-        $canvas create rectangle $x $y [expr {$x + $side}] [expr {$y + $side}] -fill $colour \
-            -outline [::vesk::theme::colour edge] -tags [list e$index swatch]
-        incr index
-    }
-    set rows [expr {max(1, ($index + $columns - 1) / $columns)}]
-    $canvas configure -height [expr {$rows * $step + [::vesk::theme::px 4]}]
-    mark_swatch
-}
-
-# mark_swatch --
-#   Frames the current entry and names it.
-proc ::vesk::palette::mark_swatch {} {
-    variable swatches
-    variable current
-    variable colours
-    variable name
-    if {![winfo exists $swatches] || [llength $colours] == 0} {return}
-    set canvas $swatches.grid
-    $canvas delete mark
-    set box [$canvas coords e$current]
-    if {$box ne ""} {
-        lassign $box x0 y0 x1 y1
-        set gap [::vesk::theme::px 3]
-        $canvas create rectangle [expr {$x0 - $gap}] [expr {$y0 - $gap}] [expr {$x1 + $gap}] \
-            [expr {$y1 + $gap}] -width [::vesk::theme::px 2] -tags mark -outline \
-            [::vesk::theme::colour [expr {[focus] eq $canvas ? "ring" : "accent"}]]
-    }
-    $swatches.name configure -text [entry_name $current $name]
-    $swatches.line configure -text "Material [expr {$current + 1}] of [llength $colours],\
-        [string toupper [lindex $colours $current]][users_text]"
-}
-
-# ---- who uses them ----
-
-# count_users --
-#   Counts the surfaces of each material while the tab can be seen.
-proc ::vesk::palette::count_users {} {
-    variable swatches
-    variable users
-    if {![winfo viewable $swatches]} {return}
-    set users [vesk material_counts]
-    mark_swatch
-}
-proc ::vesk::palette::model_changed {} {
-    after cancel ::vesk::palette::count_users
-    after 300 ::vesk::palette::count_users
-}
-
-proc ::vesk::palette::users_text {} {
-    variable users
-    variable current
-    set count [lindex $users $current]
-    if {$count eq ""} {return ""}
-    return ", [expr {$count == 0 ? "unused" : "on [::vesk::transform::counted $count surface]"}]"
-}
-
-proc ::vesk::palette::select_users {} {
-    variable current
-    ::vesk::ops::run material_select $current
-}
-
-# next_unused --
-#   Goes to the next material without a surface.
-proc ::vesk::palette::next_unused {} {
-    variable current
-    variable users [vesk material_counts]
-    set count [llength $users]
-    for {set i 1} {$i <= $count} {incr i} {
-        set place [expr {($current + $i) % $count}]
-        if {[lindex $users $place] == 0} {
-            select $place
-            return
-        }
-    }
-    display_message "every material is used"
-}
-
-# swatch_step --
-#   Distance of two swatches: eight fill the width, at most so large.
-proc ::vesk::palette::swatch_step {} {
-    variable swatches
-    variable columns
-    set step [expr {([winfo width $swatches.grid] - 1) / $columns}]
-    return [expr {min([::vesk::theme::px 37], max([::vesk::theme::px 16], $step))}]
-}
-
-proc ::vesk::palette::swatch_at {x y} {
-    variable columns
-    set step [swatch_step]
-    set column [expr {$x / $step}]
-    set index [expr {$y / $step * $columns + $column}]
-    if {$column >= $columns || $index >= [llength [vesk get_palette]]} {return}
-    select $index
-    # A click gives the selection the material, as Return does.
-    if {[lindex [vesk get_counts] 2] > 0} {apply_current}
 }
 
 # ---- what the executable calls ----

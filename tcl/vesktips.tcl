@@ -138,6 +138,7 @@ proc ::vesk::init {} {
     ::vesk::status::hint
     ::vesk::view::focus_last
     update idletasks
+    if {[::vesk::settings::number maximised 0 1]} {wm attributes . -zoomed 1}
     wm deiconify .
     update
     ::vesk::view::restore_windows

@@ -281,15 +281,19 @@ proc ::vesk::view::bind_view {name cell} {
     bind $togl <FocusIn> [list ::vesk::view::focus_changed $name 1]
     bind $togl <FocusOut> [list ::vesk::view::focus_changed $name 0]
     bind $togl <Button> [list focus $togl]
-    ::vesk::hover::bind_view $name $id $togl
     bind $togl <Button-4> [list vesk zoomview $id 1]
     bind $togl <Button-5> [list vesk zoomview $id -1]
+    ::vesk::hover::bind_view $name $id $togl
     bind $togl <Key> [list ::vesk::view::key $id %A %K %s]
+    foreach event {<Key-Menu> <Shift-Key-F10>} {
+        bind $togl $event {::vesk::menus::popup $::vesk::select_mode %X %Y; break}
+    }
     # Tab goes on to the window's own bindings unless a number is being typed.
     foreach event {<Tab> <Shift-Tab> <ISO_Left_Tab>} {
         bind $togl $event {if {[vesk tool_key %K] eq "1"} break}
     }
     bind $cell.chip <Button-1> [list ::vesk::view::chip_pressed $name %x]
+    bind $cell.chip <Button-3> [list ::vesk::view::post_chip $name]
     bind $cell.chip <ButtonRelease-1> break
     bind $cell.chip <B1-Motion> break
     bind $cell.chip <Double-Button-1> [list ::vesk::view::chip_double $name]
@@ -302,21 +306,17 @@ proc ::vesk::view::bind_view {name cell} {
 proc ::vesk::view::key {id text keysym state} {
     if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]
             || ![::vesk::menus::known keypress]} {return}
+    ::vesk::hover::hide
     # A running drag or a half-drawn outline takes its keys first.
     if {[vesk tool_key $keysym] eq "1"} {return}
     variable translated
     if {$translated && [::vesk::keys::pressed $id $text $keysym $state]} {return -code break}
-    if {$keysym eq "Delete" || ($keysym eq "space" && $state & 1)} {
-        set key $keysym
-    } elseif {$state & 4 && [string length $keysym] == 1} {
-        # With Control the character would be a control code.
-        set key $keysym
-    } elseif {$text ne "" && [string length $text] == 1} {
-        set key $text
-    } else {
-        set key $keysym
+    if {$keysym in {Up Down Left Right Delete BackSpace} || ($keysym eq "space" && $state & 1)} {
+        press $id $keysym $state
+    } elseif {([string is print -strict $text] || $text eq "\x1b") && !($state & 0x2000c)} {
+        # Characters with Control or Alt are the menus'.
+        press $id $text $state
     }
-    press $id $key $state
 }
 
 # press --

@@ -10,6 +10,7 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "view/drag_echo.h"
+#include "view/handles.h"
 #include "view/interaction.h"
 #include "view/redraw.h"
 #include "view/views_internal.h"
@@ -177,7 +178,8 @@ void select_click(int view, int x, int y, int state, double seconds)
     const std::vector<pick_hit_t> hits = hits_at(view, x, y);
     if (hits.empty()) {
         last_click = {};
-        if (!shift) {
+        // Who takes hold of a handle and lets it go again does not mean the ground behind it.
+        if (!shift && handle_at(view, x, y) <= HANDLE_INSIDE_ROTATE) {
             select_nothing();
         }
         finish();

@@ -273,6 +273,19 @@ void check_sharing()
     bridge_exit(1);
 }
 
+// Where the main window's frame stands, which is what "wm geometry" sets; the window itself lies
+// inside it, and would wander at every start.
+bool place_of_frame(int out_xy[2])
+{
+    Tcl_Interp *interp = bridge_interp();
+    Tcl_InterpState state = Tcl_SaveInterpState(interp, TCL_OK);
+    const bool found =
+        Tcl_Eval(interp, "wm geometry .") == TCL_OK &&
+        std::sscanf(Tcl_GetStringResult(interp), "%*dx%*d+%d+%d", &out_xy[0], &out_xy[1]) == 2;
+    Tcl_RestoreInterpState(interp, state);
+    return found;
+}
+
 } // namespace
 
 void views_tk_fill_port(ui_port_t &port)
@@ -322,7 +335,8 @@ bool views_tk_geometry(int view, int out[4])
     const Tk_Window window = view == VIEW_MAIN ? Tk_MainWindow(bridge_interp()) : window_of(view);
     if (window == nullptr)
         return false;
-    Tk_GetRootCoords(window, &out[0], &out[1]);
+    if (view != VIEW_MAIN || !place_of_frame(out))
+        Tk_GetRootCoords(window, &out[0], &out[1]);
     out[2] = Tk_Width(window);
     out[3] = Tk_Height(window);
     return true;

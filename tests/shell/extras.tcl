@@ -33,6 +33,7 @@ proc fresh {} {
     vesk set_col 4
     vesk clear_selection
     $tabs select $tabs.palette
+    ::test::pause 300
     ::vesk::palette::select 4
     ::test::wait_until {[string match "*on 6 surfaces" [$tabs.palette.line cget -text]]}
     ::test::check "a material tells who uses it" {
