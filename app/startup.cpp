@@ -143,6 +143,7 @@ void import_files(const std::vector<std::string> &files)
         if (vesk_world_import_file(name.c_str()) != 0)
             start.file_name = strdup(name.c_str()); // an earlier copy may still be in use
     }
+    journal_step("load"); // before the scripts hear of it and change what is selected
     if (start.file_name != nullptr) {
         std::string shown = start.file_name;
         vesk_unbackslash_string(shown.data());
@@ -177,7 +178,6 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
         load_all_plugins();
     journal_restart();
     import_files(line.files);
-    journal_step("load");
     display_status();
     tcl_update();
     return true;

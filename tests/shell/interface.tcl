@@ -50,6 +50,7 @@ proc row {id} {
     ::test::check "a file read at the start is not unsaved" {
         !$::unsaved_changes && [string match "shapes.vesk - *" [wm title .]]
     }
+    ::test::check "and cannot be undone" {[vesk undo_name] eq ""}
 
     vesk clear_selection
     click $tree {*}[row $first]
