@@ -87,6 +87,8 @@ int vesk_export_file(const char *filename)
     const bool whole =
         guarded_with_recovery([&] { written = exporter->write(name.c_str()); }, &fault);
     vesk_progress_end();
+    if (!whole || written == 0)
+        last_file_report().written.clear();
     if (whole)
         return written;
     windows_message_dialog(

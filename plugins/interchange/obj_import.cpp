@@ -368,6 +368,7 @@ object_t *obj_import(const char *filename)
     std::string text;
     if (!read_file(name, &text, &work))
         return refuse(work, name, std::strerror(errno));
+    plain_lines(text);
     obj_reader reader(name);
     read_lines(work, text, reader);
     text = {};

@@ -1,7 +1,9 @@
 #include "obj.h"
+#include "text.h"
 #include "work.h"
 
 #include <algorithm>
+#include <set>
 #include <sys/stat.h>
 
 namespace {
@@ -36,6 +38,7 @@ void take_picture(const std::vector<std::string> &words, obj_material *m)
 class material_reader {
 public:
     explicit material_reader(std::map<std::string, obj_material> &materials) : all_(materials) {}
+    std::set<std::string> unread; // keywords of pictures for bumps, shine and the like
     ~material_reader() { finish(); }
 
     void line(const std::vector<std::string> &words)
@@ -59,6 +62,9 @@ public:
             take_colour(words, values_.emissive);
         } else if (key == "map_Kd") {
             take_picture(words, &current_);
+        } else if (key.compare(0, 4, "map_") == 0 || key == "bump" || key == "disp" ||
+                   key == "decal" || key == "refl") {
+            unread.insert(key);
         } else if (words.size() > 1) {
             const float value = obj_number(words[1]);
             if (key == "Ns")
@@ -88,8 +94,11 @@ private:
     bool open_ = false;
 };
 
-void read_materials(const std::string &text, std::map<std::string, obj_material> &materials)
+// `line` of the OBJ file names the library.
+void read_materials(std::string &text, const std::string &name, int line,
+                    std::map<std::string, obj_material> &materials)
 {
+    plain_lines(text);
     material_reader reader(materials);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
@@ -98,6 +107,8 @@ void read_materials(const std::string &text, std::map<std::string, obj_material>
             reader.line(words);
         at = end + 1;
     }
+    for (const std::string &key : reader.unread)
+        vesk_report_warning(line, "pictures by %s in %s are not read", key.c_str(), name.c_str());
 }
 
 } // namespace
@@ -137,7 +148,7 @@ void obj_read_materials(const std::string &obj_file, const std::string &name, in
 {
     std::string text;
     if (name.empty() || read_library(obj_file, name, &text)) {
-        read_materials(text, materials);
+        read_materials(text, name, line, materials);
         return;
     }
     // A name may hold blanks; else they part several.
@@ -146,7 +157,7 @@ void obj_read_materials(const std::string &obj_file, const std::string &name, in
     for (const std::string &word : words) {
         text.clear();
         if (words.size() > 1 && read_library(obj_file, word, &text))
-            read_materials(text, materials);
+            read_materials(text, word, line, materials);
         else
             missing.push_back(word);
     }

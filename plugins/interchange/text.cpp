@@ -1,5 +1,6 @@
 #include "text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 
@@ -53,6 +54,14 @@ std::string url_text(const std::string &text)
         }
     }
     return out;
+}
+
+void plain_lines(std::string &text)
+{
+    if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
+        text.erase(0, 3);
+    if (text.find('\n') == std::string::npos)
+        std::replace(text.begin(), text.end(), '\r', '\n');
 }
 
 std::string base_name(const std::string &filename)

@@ -59,6 +59,10 @@ std::string json_text(const std::string &text);
 // A file name as an address: blanks and the like as %20.
 std::string url_text(const std::string &text);
 
+// Without the mark that some programs put before UTF-8, and with line feeds where lines end in carriage
+// returns alone.
+void plain_lines(std::string &text);
+
 // The name of a file without its folder and suffix.
 std::string base_name(const std::string &filename);
 

@@ -44,9 +44,11 @@ int export_files::finish(const std::string &filename, const char *format)
         display_message("write %s - cancelled", format);
         return 0;
     }
+    // The main file, which is the last, before those beside it; after a failure the others stay as
+    // they were.
     bool kept = true;
-    for (vesk_output_t *&file : files_) // after a failure the others stay as they were
-        kept = vesk_output_close(file, kept ? 1 : 0) != 0 && kept;
+    for (auto file = files_.rbegin(); file != files_.rend(); ++file)
+        kept = vesk_output_close(*file, kept ? 1 : 0) != 0 && kept;
     files_.clear();
     if (kept)
         display_message("written file %s%s", filename.c_str(), vesk_report_losses(format));

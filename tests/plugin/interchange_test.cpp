@@ -395,6 +395,33 @@ TEST_F(Interchange, AddressesTextsAndSidesAreCounted)
     }
 }
 
+TEST_F(Interchange, WhatOtherProgramsKnowBesidesIsTold)
+{
+    const std::string file =
+        R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0, 1]}],
+        "nodes": [{"mesh": 0}, {"camera": 0}],
+        "cameras": [{"type": "perspective", "perspective": {"yfov": 1, "znear": 1}}],
+        "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "COLOR_0": 0}, "material": 0},
+            {"attributes": {"POSITION": 0}, "mode": 0}]}],
+        "materials": [{"normalTexture": {"index": 0}}], "textures": [{"source": 0}],
+        "images": [{"uri": "bumps.png"}],
+        "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3"}],
+        "bufferViews": [{"buffer": 0, "byteLength": 36}],
+        "buffers": [{"byteLength": 36, "uri": "data:application/octet-stream;base64,)"
+        "AAAAAAAAAAAAAAAAAACAPwAAAAAAAAAAAAAAAAAAgD8AAAAA"
+        R"("}]})";
+    ASSERT_EQ(load("more.gltf", file), "1") << recording().boxes.back();
+    EXPECT_EQ(complaints(), "0 1 materials' pictures for bumps, shine and the like were left out\n"
+                            "0 1 cameras were left out\n"
+                            "0 1 meshes' colours of corners were left out\n"
+                            "0 3 points were left out\n");
+    write_text(temporary_file("more.mtl"), "\xEF\xBB\xBFnewmtl a\rKd 0.25 0 0\rmap_Bump x.png\r");
+    ASSERT_EQ(load("more.obj", "\xEF\xBB\xBFmtllib more.mtl\rv 0 0 0\rv 1 0 0\rv 1 1 0\rusemtl a\r"
+                               "f 1 2 3\r"),
+              "1");
+    EXPECT_EQ(complaints(), "1 pictures by map_Bump in more.mtl are not read\n");
+}
+
 // Fans of triangles are polygons only where the file says so of each mesh.
 TEST_F(Interchange, GltfPolygonsAreFansOfTriangles)
 {

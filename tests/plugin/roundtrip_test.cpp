@@ -297,6 +297,15 @@ protected:
     }
 };
 
+size_t files_beside(const std::string &file)
+{
+    const std::filesystem::path path = file;
+    size_t count = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(path.parent_path()))
+        count += entry.path().filename().string().starts_with(path.stem().string()) ? 1 : 0;
+    return count;
+}
+
 TEST_P(RoundTrip, KeepsWhatTheFormatHolds)
 {
     const abilities &a = GetParam();
@@ -308,6 +317,7 @@ TEST_P(RoundTrip, KeepsWhatTheFormatHolds)
     const file_report told = last_file_report();
     run("clear_all");
     ASSERT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(last_file_report().warnings_in_all, 0U) << run("report_json");
     EXPECT_EQ(difference(before, facts_of_world(a)), "");
     if (a.groups && a.lights) {
         EXPECT_EQ(number_of_objects(), objects);
@@ -332,6 +342,11 @@ TEST_P(RoundTrip, AnEmptyWorldAndAFullDiskAreTold)
     if (*a.command != '\0')
         return;
     EXPECT_EQ(run("export_model", std::string("/nowhere/x") + a.suffix), "0");
+    EXPECT_EQ(last_file_report().written, "");
+    const std::string folder = temporary_file(std::string("folder ") + (a.suffix + 1) + a.suffix);
+    std::filesystem::create_directory(folder);
+    EXPECT_EQ(run("export_model", folder), "0");
+    EXPECT_EQ(files_beside(folder), 1U); // nothing that belongs to a file that is not there
     const std::string file = temporary_file(std::string("empty") + a.suffix);
     ASSERT_EQ(run("export_model", file), "1");
     run("file_load", file); // may be refused, as there is nothing in it
@@ -402,15 +417,6 @@ void make_terrain(int side)
         }
     add_part(vesk_get_world(), "terrain", points, quads, 3);
     run("recalc_normals_all");
-}
-
-size_t files_beside(const std::string &file)
-{
-    const std::filesystem::path path = file;
-    size_t count = 0;
-    for (const auto &entry : std::filesystem::directory_iterator(path.parent_path()))
-        count += entry.path().filename().string().starts_with(path.stem().string()) ? 1 : 0;
-    return count;
 }
 
 TEST_P(RoundTrip, CancelLeavesTheFormerFileAndTheScene)
