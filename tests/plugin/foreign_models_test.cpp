@@ -5,6 +5,7 @@
 #include "model/bounds.h"
 #include "model/palette.h"
 #include "tests/plugin/interchange_fixture.h"
+#include "tests/support/damage.h"
 
 #include <cmath>
 #include <set>
@@ -106,6 +107,24 @@ TEST_P(ForeignModels, KeepPartsColoursAndTextures)
         }
     }
     EXPECT_EQ(last_file_report().warnings_in_all, 0U);
+}
+// In the forms that other programs write, as packed archives and normals of corners.
+TEST_P(ForeignModels, AreReadOrRefusedWhenDamaged)
+{
+    const std::string name = GetParam().file;
+    const std::string good = read_text(std::string(VESK_TEST_DATA "/blender/") + name);
+    const bool read_here = GetParam().cube_surfaces == 0 || name == "b.obj";
+    std::mt19937 random(static_cast<unsigned>(damage_setting("VESK_DAMAGE_SEED", 7)));
+    const int files = damage_setting("VESK_DAMAGE_FILES", 300) / (read_here ? 3 : 30);
+    const std::string file = temporary_file(name);
+    for (int i = 0; i < files; ++i) {
+        write_text(file, damaged(good, random));
+        run("file_load", file);
+        if (i % 20 == 0)
+            run("clear_all");
+    }
+    for (const std::string &box : recording().boxes)
+        ASSERT_TRUE(box.starts_with("can't read ") || box.starts_with("texture_read:")) << box;
 }
 INSTANTIATE_TEST_SUITE_P(Blender, ForeignModels, testing::ValuesIn(models));
 
