@@ -3,8 +3,10 @@
 #include "app/added_commands.h"
 #include "app/command_result.h"
 #include "app/command_row.h"
+#include "app/current_file.h"
 #include "app/file_report.h"
 #include "fileio/embedded_images.h"
+#include "fileio/vesk_writer.h"
 #include "plugin/exporters.h"
 #include "view/textures.h"
 
@@ -80,6 +82,15 @@ void command_export_model(const char *filename)
     command_result_set(vesk_export_file(filename) != 0 ? "1" : "0");
 }
 
+// A copy: the current file stays what it was.
+void command_write_vesk_old(const char *filename)
+{
+    const current_file_t kept = current_file();
+    const int written = write_vesk_old(filename);
+    current_file() = kept;
+    command_result_set(written != 0 ? "1" : "0");
+}
+
 void command_get_exporters()
 {
     command_result_set("");
@@ -109,6 +120,8 @@ void register_file_commands()
     const vesk_command_t rows[] = {
         command_row("export_model", command_export_model, "<filename>",
                     "write the scene by the file's suffix, returns 1 or 0"),
+        command_row("write_vesk_old", command_write_vesk_old, "<filename>",
+                    "write the scene as older versions read it, returns 1 or 0"),
         command_row("get_exporters", command_get_exporters, nullptr,
                     "returns suffix and description of each exporter"),
         command_row("get_texture_loaders", command_get_texture_loaders, nullptr,

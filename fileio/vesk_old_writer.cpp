@@ -1,6 +1,7 @@
 // The writer of the older line vocabulary; its grammar stands in vesk_old.cpp.
 
 #include "app/current_file.h"
+#include "app/file_report.h"
 #include "app/messages_internal.h"
 #include "app/progress.h"
 #include "fileio/atomic_file.h"
@@ -12,7 +13,9 @@
 #include "model/world.h"
 #include "view/textures.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <set>
 #include <string_view>
 
 namespace {
@@ -75,8 +78,9 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
         append_line(out, "translation ", location, 3);
     if (frame.has_rotation)
         append_line(out, "rotation ", frame.rotation, 9);
-    const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
-    if (texture != nullptr)
+    const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture)
+                                                   : object_missing_texture(object);
+    if (texture != nullptr && object->has_texture != 0)
         texture = search_texture_save(current_file().name.c_str(), texture);
     append_text(out, "texture ", texture);
     const float repeat[] = {object->texture_repeat_x, object->texture_repeat_y};
@@ -104,12 +108,34 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
     append_count(out, "children ", static_cast<size_t>(list_count(object->children)));
 }
 
+// Surfaces have a plain colour only: of how many materials the rest is left out.
+int poorer_materials()
+{
+    material plain;
+    material_init(&plain);
+    std::set<int> poorer;
+    for_each_object(vesk_get_world(), [&](const object_t *object) {
+        int last = -1;
+        for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+            const material *m = vesk_palette_get_material(surface->material);
+            if (m == nullptr || surface->material == last)
+                continue;
+            last = surface->material;
+            std::copy_n(m->diffuse, 3, plain.diffuse);
+            if (material_compare(m, &plain) == 0)
+                poorer.insert(last);
+        }
+    });
+    return static_cast<int>(poorer.size());
+}
+
 } // namespace
 
 int write_vesk_old(const char *filename)
 {
     current_file_set(filename);
     const std::string name = current_file().name;
+    vesk_report_export(name.c_str());
     std::string text = "VESKa\n";
     double surfaces = 0;
     for_each_object(vesk_get_world(),
@@ -135,6 +161,7 @@ int write_vesk_old(const char *filename)
         return 0;
     }
     debugf("written file %s OK\n", name.c_str());
-    display_message("written file %s", name.c_str());
+    vesk_report_loss(poorer_materials(), "shining colours");
+    display_message("written file %s%s", name.c_str(), vesk_report_losses("the older VESK"));
     return 1;
 }

@@ -163,6 +163,18 @@ proc ::vesk::convert::send {name} {
     return 2
 }
 
+# report --
+#   The report of the last conversion; standard input and output are "-" in it.
+proc ::vesk::convert::report {} {
+    variable options
+    variable folder
+    set names {}
+    foreach name [list input$options(-from) out/output$options(-to)] {
+        lappend names "\"[file join $folder $name]\"" {"-"}
+    }
+    return [string map $names [string trim [vesk report_json]]]
+}
+
 proc ::vesk::convert::write_reports {} {
     variable options
     variable reports
@@ -190,7 +202,7 @@ proc ::vesk::convert::run {words} {
             puts stderr "convert - $in: $result"
             set result 1
         }
-        lappend reports [string trim [vesk report_json]]
+        lappend reports [report]
         if {$result == 1 || ($result == 2 && $status == 0)} {
             set status $result
         }

@@ -60,6 +60,8 @@ proc ::vesk::menus::define {name label rows} {
     {ask "d&VS..." {write_dvs {File save_file .vdi}} "" model "Writes dVS geometry."}
     {ask "&MASSIVE..." {write_massive {File save_file .geo}} "" model "Writes MASSIVE geometry."}
     {ask "&Triangles..." {write_tri {File save_file .tri}} "" model "Writes a list of triangles."}
+    {ask "O&lder VESK..." {write_vesk_old {File save_file .vesk}} "" model
+        "Writes a model file that older versions read."}
 }
 ::vesk::menus::define edit "&Edit" {
     {run "&Undo" {step_back} Ctrl+Z undo "Takes the last change back."}

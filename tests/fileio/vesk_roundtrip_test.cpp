@@ -264,7 +264,16 @@ TEST_F(RoundTrip, OlderRevisionKeepsWhatItHasWordsFor)
     surface_set_col(red, 3);
     vesk_object_add_triangle(object, 2, 1, 3);
     const std::string file = temporary_file("old.vesk");
-    EXPECT_EQ(write_vesk_old(file.c_str()), 1);
+    EXPECT_EQ(run("write_vesk_old", file), "1");
+    EXPECT_EQ(last_message(), "written file " + file);
+    material shining = *vesk_palette_get_material(3);
+    shining.transparency = 0.5f;
+    surface_set_col(red, vesk_palette_append_material(&shining));
+    run("write_vesk_old", temporary_file("poor.vesk"));
+    EXPECT_EQ(last_message(), "written file " + temporary_file("poor.vesk") +
+                                  " - 1 shining colours were left out: the older VESK has no "
+                                  "shining colours");
+    surface_set_col(red, 3);
     object_t *read = readfile_vesk2(file.c_str());
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(describe(read), describe(vesk_get_world()));
