@@ -15,6 +15,7 @@
 #include "fileio/vesk_writer.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
+#include "model/freed.h"
 #include "model/identity.h"
 #include "model/lights.h"
 #include "model/normals.h"
@@ -240,8 +241,9 @@ void command_clear_all(void)
 {
     clear_selection();
     clear_all_undos();
+    freed_batch at_once; // who hears of freed things looks through all that it keeps
     for (object_t *child : elements_of<object_t>(vesk_get_world()->children))
-        object_delete(child);
+        object_delete_nocleanup(child);
     current_file() = {};
     redraw_all();
     display_status();

@@ -435,9 +435,12 @@ void subdivide_selected(const char *what,
     }
     new_undo(UNDO_WORLD, what);
     set_undo_all();
-    for (result_t &result : results) {
-        vesk_mesh_to_object(result.mesh.get(), result.object);
-        result.mesh.reset();
+    {
+        freed_batch at_once;
+        for (result_t &result : results) {
+            vesk_mesh_to_object(result.mesh.get(), result.object);
+            result.mesh.reset();
+        }
     }
     calc_normals_of(parts);
     finish_edit();

@@ -5,6 +5,7 @@
 #include "edit/selection_scan.h"
 #include "edit/undo_internal.h"
 #include "model/flat_mesh.h"
+#include "model/freed.h"
 #include "model/normals.h"
 #include "view/redraw.h"
 
@@ -123,10 +124,13 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
     set_undo_all();
     clear_selection(); // before: what is not selected need not be looked for among what goes
     std::vector<object_t *> touched;
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        for (surface_t *surface : changes[i].commit().surfaces)
-            results.add(surface);
-        touched.push_back(targets[i].object);
+    {
+        freed_batch at_once;
+        for (std::size_t i = 0; i < changes.size(); ++i) {
+            for (surface_t *surface : changes[i].commit().surfaces)
+                results.add(surface);
+            touched.push_back(targets[i].object);
+        }
     }
     calc_normals_of(touched);
     select_surfacelist(results.get());

@@ -6,6 +6,7 @@
 #include "edit/edit_support.h"
 #include "edit/mesh_change.h"
 #include "edit/undo.h"
+#include "model/freed.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/owners.h"
@@ -229,8 +230,7 @@ void selected_surfaces_make_hole(void)
         return;
     }
     clear_selection();
-    for (mesh_change &change : changes)
-        change.commit();
+    commit_all(changes);
     redraw_all();
     display_message("make hole - done");
     display_status();
@@ -254,11 +254,10 @@ void selected_surfaces_bevel(void)
         return;
     }
     clear_selection();
+    commit_all(changes);
     std::vector<object_t *> touched;
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        changes[i].commit();
-        touched.push_back(targets[i].object);
-    }
+    for (const owned_elements &owned : targets)
+        touched.push_back(owned.object);
     if (objects.empty())
         calc_normals_of(touched);
     for (object_t *object : objects) // Deliberate: also while recalc_normals is off

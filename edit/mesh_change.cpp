@@ -373,6 +373,13 @@ void mesh_change::link(mesh_result &result)
     }
 }
 
+void commit_all(std::vector<mesh_change> &changes)
+{
+    freed_batch at_once;
+    for (mesh_change &change : changes)
+        change.commit();
+}
+
 mesh_result mesh_change::commit()
 {
     mesh_result result;

@@ -123,4 +123,7 @@ private:
     bool remove_unused_ = false;
 };
 
+// Commits them in one go: who keeps elements is told once of all that went.
+void commit_all(std::vector<mesh_change> &changes);
+
 #endif

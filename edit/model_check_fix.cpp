@@ -11,6 +11,7 @@
 #include "edit/undo.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
+#include "model/freed.h"
 #include "model/identity.h"
 #include "model/normals.h"
 #include "model/object_internal.h"
@@ -446,13 +447,16 @@ void fix(const problem_list &problems, bool all)
     set_undo_all();
     int count = 0;
     std::vector<object_t *> touched;
-    for (auto from = problems.begin(); from != problems.end();) {
-        const auto to = std::find_if(from, problems.end(), [&](const found_problem &problem) {
-            return problem.object != from->object;
-        });
-        count += object_fix_problems(from->object, {from, to}, all);
-        touched.push_back(from->object);
-        from = to;
+    {
+        freed_batch at_once;
+        for (auto from = problems.begin(); from != problems.end();) {
+            const auto to = std::find_if(from, problems.end(), [&](const found_problem &problem) {
+                return problem.object != from->object;
+            });
+            count += object_fix_problems(from->object, {from, to}, all);
+            touched.push_back(from->object);
+            from = to;
+        }
     }
     calc_normals_of(touched);
     finish_edit();

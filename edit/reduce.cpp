@@ -7,6 +7,7 @@
 #include "edit/edit_support.h"
 #include "edit/undo.h"
 #include "model/child_changes.h"
+#include "model/freed.h"
 #include "model/object_tree.h"
 
 #include <algorithm>
@@ -226,11 +227,14 @@ void selected_objects_reduce(int percent)
         select_results(clones_beside(tops, works.get()));
     int before = 0, after = 0;
     std::vector<object_t *> touched;
-    for (reduce_work &work : *works) {
-        before += work.object->num_vertices;
-        vesk_mesh_to_object(&work.mesh, work.object);
-        after += work.object->num_vertices;
-        touched.push_back(work.object);
+    {
+        freed_batch at_once;
+        for (reduce_work &work : *works) {
+            before += work.object->num_vertices;
+            vesk_mesh_to_object(&work.mesh, work.object);
+            after += work.object->num_vertices;
+            touched.push_back(work.object);
+        }
     }
     calc_normals_of(touched);
     finish_edit();

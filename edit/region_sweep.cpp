@@ -6,6 +6,7 @@
 #include "edit/mesh_change.h"
 #include "edit/mesh_edges.h"
 #include "edit/position_index.h"
+#include "model/freed.h"
 
 #include <algorithm>
 #include <memory>
@@ -199,6 +200,7 @@ sweep_outcome sweep_surfaces(const listitem *surfaces, const sweep_t &sweep, std
     if (outcome != sweep_outcome::done)
         return outcome;
     std::vector<object_t *> touched;
+    freed_batch at_once;
     for (std::size_t i = 0; i < owners.size(); ++i) {
         made += parts[i]->commit().surfaces.size();
         parts[i].reset();

@@ -6,6 +6,7 @@
 #include "edit/mesh_change.h"
 #include "edit/tessellator.h"
 #include "edit/undo.h"
+#include "model/freed.h"
 #include "model/object_internal.h"
 #include "model/owners.h"
 #include "view/redraw.h"
@@ -126,6 +127,7 @@ listitem *object_triangulate_surfaces(object_t *object)
     triangulation_counts counts;
     owned_list triangles;
     tessellator_t tessellator;
+    freed_batch at_once;
     for_each_object(object, [&](object_t *part) {
         mesh_change change(part);
         std::vector<int> all(place(change.before().num_surfaces()));
@@ -160,8 +162,11 @@ void selected_surface_triangulate(void)
     }
     clear_selection();
     owned_list triangles;
-    for (mesh_change &change : changes)
-        add_all(triangles, change.commit().surfaces);
+    {
+        freed_batch at_once;
+        for (mesh_change &change : changes)
+            add_all(triangles, change.commit().surfaces);
+    }
     select_surfacelist(triangles.get());
     redraw_all();
     if (counts.failed > 0 || counts.lines > 0) {

@@ -486,6 +486,7 @@ undo_record::~undo_record()
     list_free(&surfaces);
     list_free(&vertices);
     list_free(&objects);
+    freed_batch at_once;
     for (const removed_object &entry : removed) {
         if (entry.object && !entry.object->parent)
             object_free(entry.object);

@@ -19,6 +19,7 @@
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
 #include "model/each.h"
+#include "model/freed.h"
 #include "model/list.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
@@ -86,7 +87,12 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     const texture_load_scope one_box; // about textures
     const int materials = vesk_get_num_palette();
     const palette_table by_hash; // of the materials
-    const bool whole = guarded_with_recovery([&] { object = importer->load(filename); }, &fault);
+    const bool whole = guarded_with_recovery(
+        [&] {
+            freed_batch at_once; // of what an importer drops on its way
+            object = importer->load(filename);
+        },
+        &fault);
     vesk_progress_end();
     if (!whole || object == nullptr)
         palette_take_back(materials);
