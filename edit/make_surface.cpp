@@ -7,6 +7,7 @@
 #include "edit/surface_copy.h"
 #include "edit/undo.h"
 #include "edit/vertex_use.h"
+#include "model/freed.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 
@@ -54,6 +55,7 @@ surface_t *add_surface(object_t *object, const std::vector<vertex *> &vertices, 
 object_t *joined(const std::vector<object_t *> &objects)
 {
     object_t *first = objects.front();
+    freed_batch at_once;
     for (std::size_t i = 1; i < objects.size(); ++i) {
         object_t *other = objects[i];
         object_add_vertices(first, other->vertices);

@@ -170,31 +170,43 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
 namespace {
 
 // Each corner's new vertex, for a face of n corners: weight (n + 5) / 4n of the corner itself and
-// (3 + 2 cos(2 pi k / n)) / 4n of the one k further.
+// (3 + 2 cos(2 pi k / n)) / 4n of the one k further. By cos(a - b) = cos a cos b + sin a sin b the
+// sums over k are three for all corners.
 void shrink_face(const vesk_mesh_t &mesh, int face, vesk_mesh_t *fine)
 {
+    using values = std::array<double, 5>; // x, y, z, u, v
     const auto corners = mesh.face(face);
     const auto n = corners.size();
     const auto first = place(mesh.offsets[place(face)]);
-    std::vector<double> weights(n);
-    for (std::size_t k = 0; k < n; ++k) {
-        const auto count = static_cast<double>(n);
-        weights[k] =
-            k == 0 ? (count + 5) / (4 * count)
-                   : (3 + 2 * std::cos(2 * pi * static_cast<double>(k) / count)) / (4 * count);
+    const double step = 2 * pi / static_cast<double>(n);
+    const auto values_at = [&](std::size_t i) -> values {
+        const point3_t &p = mesh.points[place(corners[i])];
+        const flat_uv &uv = mesh.uv[first + i];
+        return {p.x, p.y, p.z, uv.u, uv.v};
+    };
+    values sums = {}, by_cosine = {}, by_sine = {};
+    for (std::size_t i = 0; i < n; ++i) {
+        const double angle = step * static_cast<double>(i);
+        const double cosine = std::cos(angle), sine = std::sin(angle);
+        const values at = values_at(i);
+        for (std::size_t d = 0; d < at.size(); ++d) {
+            sums[d] += at[d];
+            by_cosine[d] += cosine * at[d];
+            by_sine[d] += sine * at[d];
+        }
     }
     for (std::size_t i = 0; i < n; ++i) {
-        sum_t sum;
-        double u = 0, v = 0;
-        for (std::size_t j = 0; j < n; ++j) {
-            const double weight = weights[(i + n - j) % n];
-            sum.add(mesh.points[place(corners[j])], weight);
-            u += mesh.uv[first + j].u * weight;
-            v += mesh.uv[first + j].v * weight;
+        const double angle = step * static_cast<double>(i);
+        const double cosine = std::cos(angle), sine = std::sin(angle);
+        values made = values_at(i);
+        for (std::size_t d = 0; d < made.size(); ++d) {
+            const double turned = cosine * by_cosine[d] + sine * by_sine[d];
+            made[d] = made[d] / 4 + (3 * sums[d] + 2 * turned) / (4 * static_cast<double>(n));
         }
-        fine->points.push_back(sum.point());
+        fine->points.push_back({static_cast<float>(made[0]), static_cast<float>(made[1]),
+                                static_cast<float>(made[2])});
         fine->add_corner(static_cast<int>(fine->points.size()) - 1,
-                         {static_cast<float>(u), static_cast<float>(v)});
+                         {static_cast<float>(made[3]), static_cast<float>(made[4])});
     }
     fine->end_face(mesh.sources[place(face)]);
 }

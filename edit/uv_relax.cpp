@@ -329,9 +329,10 @@ void command_uv_relax(int steps)
         surfaces[place(state.islands.island[place(i)])].push_back(i);
     std::vector<flat_uv> at = state.mesh.at;
     int relaxed = 0;
+    const double aspect = uv_picture_size().aspect();
     for (const int island : islands)
         relaxed += uv_relax(state.mesh, state.islands, free, surfaces[place(island)],
-                            std::clamp(steps, 1, most_steps), uv_picture_size().aspect(), at)
+                            std::clamp(steps, 1, most_steps), aspect, at)
                        ? 1
                        : 0;
     if (relaxed == 0) {

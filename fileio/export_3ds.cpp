@@ -21,6 +21,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <unordered_map>
 
 namespace {
 
@@ -28,6 +29,11 @@ constexpr size_t most_vertices = 65000; // counts are 16-bit numbers
 constexpr size_t most_faces = 65000;
 constexpr size_t most_name = 10;
 constexpr size_t most_material_name = 16;
+
+struct names_t {
+    std::set<std::string> taken;
+    std::unordered_map<std::string, int> numbers; // the last one that a name was told apart by
+};
 
 // ---- chunks ----
 
@@ -151,7 +157,7 @@ private:
         std::string tint;
         for (const float value : white)
             put_real(tint, value);
-        const std::string name = unique(&names_, object.name, "light", most_name);
+        const std::string name = unique(&object_names_, object.name, "light", most_name);
         objects_ += chunk(0x4000, text(name) + chunk(0x4600, body + chunk(0x0010, tint)));
     }
 
@@ -221,7 +227,7 @@ private:
             put_real(uv, mesh.uv[i].u);
             put_real(uv, mesh.uv[i].v);
         }
-        const std::string name = unique(&names_, object->name, "object", most_name);
+        const std::string name = unique(&object_names_, object->name, "object", most_name);
         objects_ +=
             chunk(0x4000, text(name) + chunk(0x4100, chunk(0x4110, points) + chunk(0x4140, uv) +
                                                          chunk(0x4120, faces(mesh))));
@@ -254,15 +260,15 @@ private:
     }
 
     // Names are short; one that is taken gets a number.
-    std::string unique(std::set<std::string> *taken, const char *wanted, const char *fallback,
-                       size_t most)
+    std::string unique(names_t *names, const char *wanted, const char *fallback, size_t most)
     {
         const std::string whole = wanted == nullptr || *wanted == '\0' ? fallback : wanted;
         shortened_ += whole.size() > most ? 1 : 0;
         const std::string start = first_letters(whole, most);
+        int &number = names->numbers[start];
         std::string name = start;
-        for (int number = 1; !taken->insert(name).second; ++number) {
-            const std::string digits = std::to_string(number);
+        while (!names->taken.insert(name).second) {
+            const std::string digits = std::to_string(++number);
             name = first_letters(start, most - std::min(digits.size(), most - 1)) + digits;
         }
         return name;
@@ -290,7 +296,7 @@ private:
         if (found != material_names_.end())
             return found->second;
         const material &m = *vesk_palette_get_material(index);
-        const std::string name = unique(&material_names_taken_, vesk_material_get_name_index(index),
+        const std::string name = unique(&material_texts_, vesk_material_get_name_index(index),
                                         "material", most_material_name);
         material_names_[key] = name;
         glowing_ += std::any_of(m.emissive, m.emissive + 3, [](float c) { return c > 0; }) ? 1 : 0;
@@ -314,7 +320,7 @@ private:
     std::string materials_, objects_, nodes_;
     const std::string filename_;
     std::string picture_; // of the object at hand
-    std::set<std::string> names_, material_names_taken_;
+    names_t object_names_, material_texts_;
     std::map<std::tuple<int, std::string, float, float, float, float, std::uint8_t>, std::string>
         material_names_;
     int lines_ = 0, glowing_ = 0, points_ = 0, texts_ = 0;
