@@ -94,7 +94,7 @@ std::vector<unsigned> simplified(const reduce_work &work, const std::vector<poin
     constexpr float any_error = 1e10f;
     std::vector<unsigned> result(work.indices.size());
     // The library does not take a wish for more than there is.
-    const std::size_t wanted = std::min(3 * place(std::max(triangles, 0)), result.size());
+    const std::size_t wanted = std::min(3 * place(std::max(triangles, 1)), result.size());
     const std::size_t n =
         meshopt_simplify(result.data(), work.indices.data(), work.indices.size(), &positions[0].x,
                          positions.size(), sizeof(point3_t), wanted, any_error, 0, nullptr);
@@ -113,7 +113,8 @@ void reduce(reduce_work *work)
         positions.push_back(work->mesh.points[place(wedge.vertex)]);
 
     const int before = count_vertices(*work, work->indices);
-    const int wanted = before - static_cast<int>(std::lround(before * (work->percent / 100.0)));
+    const auto lost = static_cast<int>(std::lround(before * (work->percent / 100.0)));
+    const int wanted = std::max(3, before - lost); // something stays
     const int allowed = std::max(1, before / 100);
     int triangles = work->mesh.num_faces() - 2 * (before - wanted);
     constexpr int few_triangles = 200'000;

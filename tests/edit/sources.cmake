@@ -7,6 +7,7 @@ target_sources(vesk_tests PRIVATE
     edit/journal_test.cpp
     edit/group_test.cpp
     edit/hull_test.cpp
+    edit/many_objects_test.cpp
     edit/measure_test.cpp
     edit/mesh_change_test.cpp
     edit/primitives_test.cpp
