@@ -7,6 +7,7 @@
 #include "app/file_report.h"
 #include "fileio/embedded_images.h"
 #include "fileio/vesk_writer.h"
+#include "model/palette_internal.h"
 #include "plugin/exporters.h"
 #include "view/textures.h"
 
@@ -91,6 +92,8 @@ void command_write_vesk_old(const char *filename)
     command_result_set(written != 0 ? "1" : "0");
 }
 
+void command_keep_material_names(int on) { palette_adopts_names(on != 0); }
+
 void command_get_exporters()
 {
     command_result_set("");
@@ -122,6 +125,8 @@ void register_file_commands()
                     "write the scene by the file's suffix, returns 1 or 0"),
         command_row("write_vesk_old", command_write_vesk_old, "<filename>",
                     "write the scene as older versions read it, returns 1 or 0"),
+        command_row("keep_material_names", command_keep_material_names, "<int on>",
+                    "1: materials of a file give their names to equal palette entries"),
         command_row("get_exporters", command_get_exporters, nullptr,
                     "returns suffix and description of each exporter"),
         command_row("get_texture_loaders", command_get_texture_loaders, nullptr,

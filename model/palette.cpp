@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
@@ -59,6 +60,28 @@ int find_in_table(const material *mat)
 
 bool is_name(const char *text) { return text != nullptr && *text != '\0'; }
 
+// Entries that stood before the import at hand and took the name of an equal material of its file.
+struct adoption {
+    bool wished;
+    int entries; // when the import began
+    std::unordered_set<int> taken;
+};
+adoption &adopted()
+{
+    static adoption record = {};
+    return record;
+}
+
+bool adopt_name(int i, const material *mat)
+{
+    adoption &names = adopted();
+    if (table == nullptr || !names.wished || i >= names.entries || !names.taken.insert(i).second)
+        return false;
+    vesk_material_set_name(palette.entries[i], material_name_for_files(mat->name).c_str());
+    palette_mark();
+    return true;
+}
+
 void set_colour(float *colour, float r, float g, float b)
 {
     colour[0] = r;
@@ -75,7 +98,11 @@ palette_table::palette_table()
     table = &entries;
     for (int i = 0; i < palette.count; ++i)
         enter_in_table(i);
+    adopted().entries = palette.count;
+    adopted().taken.clear();
 }
+
+void palette_adopts_names(bool wished) { adopted().wished = wished; }
 
 palette_table::~palette_table() { table = nullptr; }
 
@@ -146,8 +173,10 @@ int vesk_palette_get_new_material_index(const material *mat)
     const int known = find_material(mat);
     if (known < 0)
         return vesk_palette_append_material(new_material_copy(mat));
+    if (!is_name(mat->name) || adopt_name(known, mat))
+        return known;
     const char *name = palette.entries[known]->name;
-    if (is_name(mat->name) && is_name(name) && std::strcmp(mat->name, name) != 0)
+    if (is_name(name) && material_name_for_files(mat->name) != name)
         file_report_merged(mat->name, name);
     return known;
 }

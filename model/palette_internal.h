@@ -24,6 +24,10 @@ public:
 // is longer than 64 bytes is cut between two characters. "" for null.
 std::string material_name_for_files(const char *name);
 
+// Whether the first material of a file that equals an entry from before gives it its name. For
+// conversions, where nothing else uses the palette.
+void palette_adopts_names(bool wished);
+
 // Takes back the entries from `count` on: those of an import that came to nothing.
 void palette_take_back(int count);
 

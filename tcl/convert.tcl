@@ -122,6 +122,7 @@ proc ::vesk::convert::convert {in out} {
         puts stderr "convert - $in would be replaced by itself"
         return 1
     }
+    vesk keep_material_names 1
     vesk set_images_folder [expr {$out eq "-" ? [pwd] : [file dirname [file normalize $out]]}]
     set status 0
     if {[vesk file_load $read] ne "1"} {

@@ -66,6 +66,16 @@ holds "are options" test -s r.json
 check "what lies beside is missed" 2 -- -to obj plain.obj - </dev/null
 check "a script in between" 0 -- -do 'vesk select_all' -do 'vesk move 5 0 0' plain.obj moved.obj </dev/null
 holds "moves" grep -q '^v 7 1 0' moved.obj
+# Materials that equal entries of the palette, or each other, in files after each other.
+for name in iron "old steel"; do
+    printf 'newmtl %s\nKd 0 0 1\nnewmtl same\nKd 0 0 1\n' "$name" >"$name.mtl"
+    sed "s/^v 0 0 0/mtllib $name.mtl\nusemtl $name\n&/" plain.obj >"$name.obj"
+done
+mkdir named
+check "names of materials" 0 -- -to vesk -into named -report r.json iron.obj "old steel.obj" </dev/null
+holds "of the first file" grep -q '^MATERIAL "iron"' named/iron.vesk
+holds "of the second" grep -q '^MATERIAL "old steel"' "named/old steel.vesk"
+holds "but for what is merged" grep -q '"same = old steel"' r.json
 mkdir made
 check "several files" 0 -- -to ply -into made -report r.json plain.obj moved.obj </dev/null
 holds "two files" test -s made/plain.ply -a -s made/moved.ply
