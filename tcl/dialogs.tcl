@@ -237,10 +237,24 @@ proc ::vesk::dialogs::close_modal {w} {
     destroy $w
     if {[winfo exists $focus_before($w)]} {focus $focus_before($w)}
 }
+
+# place_over --
+#   Puts a window over the middle of the main one, on the screen with all of it: what does not fit
+#   there gets less than it wants.
 proc ::vesk::dialogs::place_over {w} {
-    set x [expr {[winfo rootx .] + ([winfo width .] - [winfo reqwidth $w]) / 2}]
-    set y [expr {[winfo rooty .] + ([winfo height .] - [winfo reqheight $w]) / 3}]
-    wm geometry $w +[expr {max(0, $x)}]+[expr {max(0, $y)}]
+    set room_x [winfo screenwidth $w]
+    set room_y [expr {[winfo screenheight $w] - [::vesk::theme::px 30]}]
+    set width [expr {min($room_x, [winfo reqwidth $w])}]
+    set height [expr {min($room_y, [winfo reqheight $w])}]
+    set x [expr {[winfo rootx .] + ([winfo width .] - $width) / 2}]
+    set y [expr {[winfo rooty .] + ([winfo height .] - $height) / 3}]
+    set geometry +[expr {max(0, min($x, $room_x - $width))}]+[expr {max(0, min($y, $room_y - $height))}]
+    if {$width < [winfo reqwidth $w] || $height < [winfo reqheight $w]} {
+        lassign [wm minsize $w] least_x least_y
+        wm minsize $w [expr {min($least_x, $width)}] [expr {min($least_y, $height)}]
+        set geometry ${width}x$height$geometry
+    }
+    wm geometry $w $geometry
 }
 
 # ---- a text to read ----

@@ -8,6 +8,8 @@ namespace eval ::vesk::files {
     variable saved_count -1     ;# change_count at the last save or load into an empty world
     variable saved_at 0         ;# time of that, seconds
     variable starting 1         ;# files of the command line are still being read
+    variable geometry {"Geometry files" {*.vesk *.3ds *.dxf *.lwo *.lws *.md2 *.bsp *.wrl *.tri
+        *.vec *.r2v *.obj *.ply *.stl *.gltf *.glb *.dae *.fbx *.3mf}}
     variable loaded_before 0    ;# the world was not empty before the load that is told
 }
 
@@ -129,9 +131,9 @@ proc ::vesk::files::empty {} {
 
 proc ::vesk::files::open_ask {} {
     if {![confirmed]} {return}
-    set name [::vesk::filebox::ask open "Open" $::prefs_load_file_path {{"VESK models" *.vesk}
-        {"Geometry files" {*.vesk *.3ds *.dxf *.lwo *.lws *.md2 *.bsp *.wrl *.tri *.vec *.r2v *.obj
-        *.ply *.stl *.gltf *.glb *.dae *.fbx}} {"All files" *}}]
+    variable geometry
+    set name [::vesk::filebox::ask open "Open" $::prefs_load_file_path \
+        [list {"VESK models" *.vesk} $geometry {"All files" *}]]
     if {$name eq ""} {return}
     set ::prefs_load_file_path [file dirname $name]
     open_file $name
@@ -183,9 +185,17 @@ proc ::vesk::files::load {name} {
 }
 
 proc ::vesk::files::import_ask {} {
-    set name [::vesk::filebox::ask open "Import" $::prefs_import_file_path {{"All files" *}}]
+    variable geometry
+    set name [::vesk::filebox::ask open "Import" $::prefs_import_file_path \
+        [list $geometry {"All files" *}]]
     if {$name eq ""} {return}
     set ::prefs_import_file_path [file dirname $name]
+    import_file $name
+}
+
+# import_file --
+#   Adds a file to the scene.
+proc ::vesk::files::import_file {name} {
     variable loaded_before 1
     load $name
 }

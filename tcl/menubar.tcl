@@ -45,11 +45,26 @@ proc ::vesk::menus::build_bar {bar_frame} {
         build $name $button.menu
     }
     ::vesk::theme::recolour $bar_frame
+    bind $bar_frame <Configure> {::vesk::menus::fit_bar %W %w}
     bind_accelerators
     # Tk does not make greyed entries the active one: the pointer is asked, too.
     bind Menu <<MenuSelect>> {+::vesk::menus::tell %W active}
     bind Menu <Motion> {+::vesk::menus::tell %W @%y}
     bind Menu <Unmap> {+::vesk::status::preview ""}
+}
+
+# fit_bar --
+#   In a narrow window the names stand closer.
+proc ::vesk::menus::fit_bar {bar_frame width} {
+    set buttons [winfo children $bar_frame]
+    set now [winfo pixels . [[lindex $buttons 0] cget -padx]]
+    set texts 0
+    foreach button $buttons {incr texts [expr {[winfo reqwidth $button] - 2 * $now}]}
+    set room [expr {($width - $texts) / (2 * [llength $buttons])}]
+    set gap [expr {max([::vesk::theme::px 2], min([::vesk::theme::px 8], $room))}]
+    if {$gap != $now} {
+        foreach button $buttons {$button configure -padx $gap}
+    }
 }
 
 # build --

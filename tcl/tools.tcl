@@ -5,6 +5,7 @@ namespace eval ::vesk::tools {
     variable current move
     variable choosing 0         ;# the draw mode is being set by a tool chosen here
     variable columns 2
+    variable full_height 0      ;# that two columns need
     # A row: name, icon, draw mode ("" none), command that must be there, key, label, help, hint.
     # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
     # a tool of the views beside the draw modes.
@@ -101,20 +102,13 @@ proc ::vesk::tools::needed {name} {
 #   Makes the column.
 proc ::vesk::tools::build {path} {
     variable table
-    variable columns
+    variable full_height
     ttk::frame $path -style Chrome.TFrame -padding [::vesk::theme::pad 6 7 6 4] \
         -width [::vesk::theme::px 78]
-    set line 0
-    set column 0
     set lines 0
     foreach words $table {
         if {[llength $words] == 0} {
-            if {$column > 0} {incr line}
-            set column 0
             ttk::frame $path.line[incr lines] -style Line.TFrame -height [::vesk::theme::px 1]
-            grid $path.line$lines -row $line -column 0 -columnspan $columns -sticky we \
-                -padx [::vesk::theme::px 3] -pady [::vesk::theme::px 7]
-            incr line
             continue
         }
         set tool [row [lindex $words 0]]
@@ -124,20 +118,55 @@ proc ::vesk::tools::build {path} {
             -value $name -command [list ::vesk::tools::chosen $name] -image [list \
                 [::vesk::icons::get $icon] disabled [::vesk::icons::get $icon disabled] \
                 selected [::vesk::icons::get $icon active]]
-        grid $button -row $line -column $column -padx [::vesk::theme::pad 0 2] \
-            -pady [::vesk::theme::pad 0 2]
         ::vesk::tips::attach $button $label $key $help
         bind $button <Button-3> [list ::vesk::tools::options $name]
         foreach {event step} {Up -1 Down 1 Left -1 Right 1} {
             bind $button <Key-$event> [list ::vesk::tools::step $name $step]
         }
+    }
+    arrange $path
+    update idletasks
+    set full_height [winfo reqheight $path]
+    bind $path <Configure> [list ::vesk::tools::fit $path %h]
+    foreach aspect {selection model} {::vesk::ops::listen $aspect ::vesk::tools::show_measured}
+    return $path
+}
+
+# arrange --
+#   Puts the tools into their columns.
+proc ::vesk::tools::arrange {path} {
+    variable table
+    variable columns
+    set line 0
+    set column 0
+    set lines 0
+    foreach words $table {
+        if {[llength $words] == 0} {
+            if {$column > 0} {incr line}
+            set column 0
+            grid $path.line[incr lines] -row $line -column 0 -columnspan $columns -sticky we \
+                -padx [::vesk::theme::px 3] -pady [::vesk::theme::px 7]
+            incr line
+            continue
+        }
+        grid $path.[lindex $words 0] -row $line -column $column -padx [::vesk::theme::pad 0 2] \
+            -pady [::vesk::theme::pad 0 2]
         if {[incr column] == $columns} {
             set column 0
             incr line
         }
     }
-    foreach aspect {selection model} {::vesk::ops::listen $aspect ::vesk::tools::show_measured}
-    return $path
+}
+
+# fit --
+#   More columns where two would not end above the window's edge.
+proc ::vesk::tools::fit {path height} {
+    variable columns
+    variable full_height
+    set wanted [expr {$height >= $full_height ? 2 : 4}]
+    if {$height < 50 || $wanted == $columns} {return}
+    set columns $wanted
+    arrange $path
 }
 
 # refresh --

@@ -197,5 +197,31 @@ proc on_entry {menu words} {
     ::test::check "a click on a handle leaves the selection" {[llength [vesk get_selected_objects]] == 1}
     click_at -1.5 1
     ::test::check "a click beside does not" {[vesk get_selected_objects] eq ""}
+
+    # ---- little room ----
+    set before [wm geometry .]
+    wm geometry . 580x430
+    ::test::pause 500
+    # inside --
+    #   Whether a widget lies in another with all of it.
+    proc inside {w other} {
+        return [expr {[winfo rootx $w] + [winfo width $w] <= [winfo rootx $other] + [winfo width $other]
+            && [winfo rooty $w] + [winfo height $w] <= [winfo rooty $other] + [winfo height $other]}]
+    }
+    ::test::check "all menus can be reached in a small window" {[inside .mbar.help .]}
+    ::test::check "and all tools" {[inside .main.tools.zoom .main] && [inside .main.tools.text .main]}
+    ::test::shot contexts-small
+    wm geometry . $before
+    ::test::pause 500
+    ::test::check "two columns are enough in a large one" {$::vesk::tools::columns == 2}
+    toplevel .huge
+    pack [frame .huge.in -width 5000 -height 4000]
+    update idletasks
+    ::vesk::dialogs::place_over .huge
+    ::test::pause 300
+    ::test::check "no window is larger than the screen" {
+        [winfo width .huge] <= [winfo screenwidth .] && [winfo height .huge] <= [winfo screenheight .]
+    }
+    destroy .huge
     ::test::check "no script failed" {$::test::errors eq {}}
 }
