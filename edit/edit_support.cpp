@@ -144,10 +144,15 @@ void calc_normals_of(const std::vector<object_t *> &objects)
         object_calc_normals(object);
 }
 
-void cancelled(const char *what)
+void drop_opened_undo()
 {
     if (prefs.undo_levels > 0)
         undo_drop_newest();
+}
+
+void cancelled(const char *what)
+{
+    drop_opened_undo();
     display_message("%s - cancelled", what);
 }
 

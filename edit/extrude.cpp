@@ -162,6 +162,8 @@ void command_extrude(float dx, float dy, float dz)
     const sweep_outcome result = extrude_by({dx, dy, dz}, made);
     if (result == sweep_outcome::cancelled)
         cancelled("extrude");
+    if (result == sweep_outcome::no_outer_edge)
+        drop_opened_undo();
     if (result != sweep_outcome::done)
         return;
     finish_edit();

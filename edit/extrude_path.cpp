@@ -165,8 +165,10 @@ void vesk_extrude_along_path(void)
     const sweep_outcome outcome = sweep_surfaces(surfaces.get(), sweep, made);
     if (outcome == sweep_outcome::cancelled)
         cancelled("extrude along path");
-    if (outcome == sweep_outcome::no_outer_edge)
+    if (outcome == sweep_outcome::no_outer_edge) {
+        drop_opened_undo();
         windows_message_dialog("Extrude failed: There are no external surface edges.");
+    }
     if (outcome != sweep_outcome::done)
         return;
     finish_edit();

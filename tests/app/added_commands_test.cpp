@@ -214,4 +214,22 @@ TEST_F(AddedCommands, MeasuringIsToldOnlyWhenAskedFor)
     EXPECT_EQ(run("get_measures"), "");
 }
 
+TEST_F(AddedCommands, TheTreeIsListedParentsFirstWithMarksAndAnyName)
+{
+    EXPECT_EQ(run("object_tree"), "");
+    object_t *group = new_group();
+    object_set_name(group, "two words");
+    object_add_child(vesk_get_world(), group);
+    object_t *cube = add_cube("[exit] {");
+    object_reparent(cube, group);
+    object_t *hidden = add_cube("");
+    object_set_visible(hidden, 0);
+    object_set_locked(hidden, 1);
+    const auto id = [](const object_t *object) { return std::to_string(object_identity(object)); };
+    const std::string world = id(vesk_get_world());
+    EXPECT_EQ(run("object_tree"), id(group) + " " + world + " group two\\ words 0 1 0 " + id(cube) +
+                                      " " + id(group) + " poly \\[exit\\]\\ \\{ 6 1 0 " +
+                                      id(hidden) + " " + world + " poly {} 6 0 1");
+}
+
 } // namespace

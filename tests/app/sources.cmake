@@ -5,5 +5,6 @@ target_sources(vesk_tests PRIVATE
     app/command_test.cpp
     app/desktop_test.cpp
     app/prefs_test.cpp
+    app/progress_test.cpp
     app/text_test.cpp
 )

@@ -164,9 +164,11 @@ TEST_F(Extrude, RefusalsChangeNothing)
     prefs.extrude_delete_original = 1;
     const std::string before = scene_text();
     select_all_surfaces(cube);
+    const std::string undo = last_undo();
     extrude(1, 0, 0);
     EXPECT_EQ(recording().boxes.back(), "Extrude failed: There are no external surface edges.");
     EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(last_undo(), undo); // no record of nothing
 }
 
 TEST_F(Extrude, ObjectsAreExtrudedEachForItself)
@@ -339,6 +341,19 @@ TEST_F(ExtrudePath, OnlyALivingLineIsAPath)
     run("extrude_along_path");
     EXPECT_EQ(last_message(), "Define path object first");
     EXPECT_EQ(square->num_surfaces, 1);
+}
+
+TEST_F(ExtrudePath, AClosedShellHasNoOutlineToCarry)
+{
+    object_t *cube = add_cube("cube");
+    define({{0, 0, 0}, {0, 0, 4}});
+    select_all_surfaces(cube);
+    const std::string before = scene_text();
+    const std::string undo = last_undo();
+    run("extrude_along_path");
+    EXPECT_EQ(recording().boxes.back(), "Extrude failed: There are no external surface edges.");
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(last_undo(), undo);
 }
 
 // ---- any mesh ----

@@ -187,6 +187,31 @@ TEST_F(ModelCheckCommand, ListsThousandOfAKindAndCountsAll)
               "zero_area 0 non_planar 0 flipped 0 unused_vertex 1500 missing_texture 0");
 }
 
+struct reversed_case {
+    std::vector<int> reversed; // sides of a cube
+    double volume;             // after the fix: the majority says which side is outside
+};
+
+TEST_F(ModelCheckCommand, FlippedSurfacesFollowTheMajorityOfTheirPiece)
+{
+    for (const reversed_case &c :
+         {reversed_case{{2}, 1}, {{0, 5}, 1}, {{1, 2, 3, 4}, -1}, {{0, 1, 2, 3, 4, 5}, -1}}) {
+        for (const bool one_by_one : {false, true}) {
+            run("clear_all");
+            object_t *cube = add_cube("cube");
+            select_surfaces_at(cube, c.reversed);
+            run("surface_flip_normals");
+            if (one_by_one && c.reversed.size() == 1) {
+                run("check_fix", "flipped", object_identity(cube), "2");
+            } else {
+                run("check_fix_all", "flipped");
+            }
+            EXPECT_EQ(summary(), "");
+            EXPECT_NEAR(volume(cube), c.volume, 1e-6) << c.reversed.size();
+        }
+    }
+}
+
 TEST_F(ModelCheckCommand, FollowsEveryChange)
 {
     object_t *cube = add_cube("cube");

@@ -155,6 +155,32 @@ TEST_F(Pieces, MergedKeepTheFirstTextureAndSaySo)
     EXPECT_EQ(a->num_vertices, 16);
 }
 
+TEST_F(Pieces, AGroupThatIsMergedGetsTheTextureOfItsFirstMember)
+{
+    object_t *group = new_group();
+    object_add_child(vesk_get_world(), group);
+    object_t *member = add_cube("member");
+    object_reparent(member, group);
+    member->has_texture = 1;
+    member->texture = 3;
+    object_set_texture_repeat(member, 2, 5);
+    object_t *other = add_cube("other");
+    run("set_select_mode", "tree");
+    select_object(group);
+    select_object(other);
+    run("object_merge");
+    EXPECT_EQ(group->type, OBJECT_POLY);
+    EXPECT_EQ(group->num_surfaces, 12);
+    EXPECT_EQ(group->children, nullptr);
+    EXPECT_EQ(group->has_texture, 1);
+    EXPECT_EQ(group->texture, 3);
+    EXPECT_EQ(group->texture_repeat_y, 5);
+    run("undo");
+    EXPECT_EQ(group->type, OBJECT_GROUP);
+    EXPECT_EQ(group->has_texture, 0);
+    EXPECT_EQ(list_count(group->children), 1);
+}
+
 TEST_F(Pieces, OneObjectCannotBeMerged)
 {
     select_object(add_cube("a"));

@@ -4,6 +4,7 @@
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
 #include "edit/undo.h"
+#include "model/identity.h"
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/world.h"
@@ -147,6 +148,59 @@ TEST_P(SwitchMode, CarriesTheSelectionOverAndIsUndone)
     EXPECT_EQ(list_count(selection().vertices), vertices);
 }
 INSTANTIATE_TEST_SUITE_P(Modes, SwitchMode, testing::ValuesIn(switch_cases));
+
+// Whoever goes from a visible member to the tree sees what is selected then; whoever comes from
+// vertices had their reasons to hide it.
+TEST_F(Selection, TheHiddenTopOfASelectedObjectAppearsButNotThatOfVertices)
+{
+    for (const int from : {SELECT_OBJECT, SELECT_VERTEX}) {
+        set_new_select_mode(from);
+        clear_selection();
+        object_set_visible(outer, 0);
+        object_set_visible(b, 1);
+        select_by_name("b");
+        set_new_select_mode(SELECT_TREE);
+        EXPECT_EQ(selected_names(), (names_t{"outer"}));
+        EXPECT_EQ(outer->visible, from == SELECT_OBJECT ? 1 : 0);
+    }
+}
+
+struct taken_out_case {
+    int mode;
+    names_t objects; // left when "b" is taken out of everything
+    int surfaces, vertices;
+};
+
+TEST_F(Selection, ObjectsAreTakenOutAndAddedByNumberAsTheModeHasThem)
+{
+    const taken_out_case rows[] = {
+        {SELECT_TREE, {"d"}, 0, 0},
+        {SELECT_OBJECT, {"a", "d"}, 0, 0},
+        {SELECT_SURFACE, {}, 12, 0},
+        {SELECT_VERTEX, {}, 0, 16},
+    };
+    const int id = object_identity(b);
+    for (const taken_out_case &row : rows) {
+        set_new_select_mode(row.mode);
+        clear_selection();
+        select_all();
+        const size_t all = selected_names().size();
+        const int surfaces = selection().num_surfaces, vertices = selection().num_vertices;
+        run("object_deselect", id);
+        names_t left = selected_names();
+        std::sort(left.begin(), left.end());
+        EXPECT_EQ(left, row.objects) << row.mode;
+        EXPECT_EQ(selection().num_surfaces, row.surfaces) << row.mode;
+        EXPECT_EQ(selection().num_vertices, row.vertices) << row.mode;
+        EXPECT_EQ(list_count(selection().vertices), row.vertices) << row.mode;
+        run("object_deselect", 9999);
+        EXPECT_EQ(selected_names().size(), row.objects.size());
+        run("object_select", id);
+        EXPECT_EQ(selected_names().size(), all);
+        EXPECT_EQ(selection().num_surfaces, surfaces);
+        EXPECT_EQ(selection().num_vertices, vertices);
+    }
+}
 
 TEST_F(Selection, ASurfaceWithOneUnselectedVertexDropsOut)
 {

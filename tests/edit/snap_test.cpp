@@ -410,4 +410,20 @@ TEST_F(Snap, NearestPointsAreThoseOfAFullSearch)
     }
 }
 
+TEST_F(Snap, TheNearestOfAListIsTheFirstOfEquals)
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_add_child(vesk_get_world(), object);
+    for (const float x : {5.0f, 2.0f, -2.0f, 9.0f})
+        object_add_new_vertex(object, x, 0, 0);
+    vertex at = {};
+    EXPECT_EQ(point_find_nearest(&at, object->vertices), object_get_vertex_at(object, 1));
+    at.position.x = 8;
+    EXPECT_EQ(point_find_nearest(&at, object->vertices), object_get_vertex_at(object, 3));
+    owned_list one;
+    one.add(object_get_vertex_at(object, 0));
+    EXPECT_EQ(point_find_nearest(&at, one.get()), object_get_vertex_at(object, 0));
+    EXPECT_EQ(point_find_nearest(&at, nullptr), nullptr);
+}
+
 } // namespace

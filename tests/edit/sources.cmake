@@ -1,5 +1,6 @@
 target_sources(vesk_tests PRIVATE
     edit/clipboard_test.cpp
+    edit/derived_test.cpp
     edit/extrude_test.cpp
     edit/edge_mesh_test.cpp
     edit/geometry_test.cpp

@@ -14,6 +14,7 @@
 #include "tests/support/random_mesh.h"
 
 #include <cmath>
+#include <map>
 #include <numeric>
 #include <set>
 
@@ -246,6 +247,87 @@ TEST_F(Uv, ChosenSurfacesAndCornersAreTheMainSelectionBothWays)
     select_all_surfaces(squares);
     EXPECT_EQ(info("mode"), "surface");
     EXPECT_EQ(info("chosen_surfaces"), "3");
+}
+
+TEST_F(Uv, TheModeOfTheViewsAndTheirVerticesAreThoseOfTheEditor)
+{
+    object_t *squares = add_squares(3, 1); // 4 x 2 vertices, 12 corners
+    select_only(squares);
+    run("uv_select_mode", "island");
+    struct mode_case {
+        const char *views, *editor;
+    };
+    for (const mode_case &c : {mode_case{"vertex", "corner"}, {"surface", "surface"}}) {
+        run("set_select_mode", c.views);
+        EXPECT_EQ(info("mode"), c.editor);
+    }
+    run("set_select_mode", "vertex");
+    const std::string id = std::to_string(object_identity(squares));
+    // Corners at the vertices are chosen, in each surface that uses them.
+    for (const auto &[vertices, corners] :
+         std::map<std::string, std::string>{{"0", "1"}, {"1", "2"}, {"0-7", "12"}}) {
+        run("select_elements", "set", id + ":" + vertices);
+        EXPECT_EQ(info("chosen_corners"), corners) << vertices;
+    }
+    run("clear_selection");
+    EXPECT_EQ(info("chosen_corners"), "0");
+}
+
+struct corners_case {
+    const char *text, *chosen;
+};
+
+TEST_F(Uv, CornersAreChosenByAListOfRanges)
+{
+    run("set_select_mode", "object");
+    for (int i = 0; i < 3; ++i)
+        select_object(add_squares(1, 1)); // 12 corners, each for itself
+    run("uv_select_mode", "corner");
+    for (const corners_case &c : {corners_case{"0", "1"},
+                                  {"0-2,5", "4"},
+                                  {"1,1,1", "1"},
+                                  {"0,2-3,11", "4"},
+                                  {"10-99", "2"},
+                                  {"99", "0"},
+                                  {"", "0"}}) {
+        run("uv_select_corners", c.text);
+        EXPECT_EQ(info("chosen_corners"), c.chosen) << c.text;
+    }
+}
+
+TEST_F(Uv, OfChosenCornersTheWholeSurfacesAndIslandsStay)
+{
+    select_only(add_squares(3, 1)); // coordinates 0..3, one island
+    run("uv_select_mode", "corner");
+    run("uv_select_corners", "0-5"); // the first square and half of the second
+    run("uv_select_mode", "surface");
+    EXPECT_EQ(info("chosen_surfaces"), "1");
+    EXPECT_EQ(info("chosen_corners"), "4");
+    run("uv_select_mode", "island");
+    EXPECT_EQ(info("chosen_corners"), "12");
+}
+
+TEST_F(Uv, SnappedCornersLieOnPixels)
+{
+    object_t *squares = add_squares(2, 1);
+    std::vector<flat_uv> at = coordinates(squares);
+    for (std::size_t i = 0; i < at.size(); ++i)
+        at[i] = {0.1f * static_cast<float>(i) + 0.0013f, 0.77f / static_cast<float>(i + 1)};
+    set_coordinates(squares, at);
+    select_only(squares);
+    run("uv_snap");
+    const std::string pixels = info("pixels");
+    const float width = std::stof(pixels), height = std::stof(pixels.substr(pixels.find(' ')));
+    ASSERT_GT(width, 1);
+    const std::vector<flat_uv> snapped = coordinates(squares);
+    for (std::size_t i = 0; i < at.size(); ++i) {
+        EXPECT_NEAR(snapped[i].u * width, std::round(at[i].u * width), 1e-3f);
+        EXPECT_NEAR(snapped[i].v * height, std::round(at[i].v * height), 1e-3f);
+    }
+    EXPECT_EQ(last_undo(), "snap texture coordinates");
+    run("uv_snap"); // nothing left to do
+    run("undo");
+    EXPECT_EQ(coordinates(squares)[3].u, at[3].u);
 }
 
 TEST_F(Uv, AChoiceSurvivesItsOwnUndo)

@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     model/ear_cut_test.cpp
     model/flat_mesh_test.cpp
+    model/frame_test.cpp
     model/list_test.cpp
     model/matrix_test.cpp
     model/object_test.cpp
