@@ -482,6 +482,21 @@ private:
     bool too_deep_ = false;
 };
 
+// The suffix of a picture's bytes; what the file says of them when they have no known beginning.
+std::string suffix_of(const aiTexture &texture)
+{
+    const auto *bytes = reinterpret_cast<const char *>(texture.pcData);
+    if (texture.mHeight == 0 && texture.mWidth > 3) {
+        if (std::memcmp(bytes, "\x89PNG", 4) == 0)
+            return "png";
+        if (std::memcmp(bytes, "\xFF\xD8\xFF", 3) == 0)
+            return "jpg";
+    }
+    const std::string hint(texture.achFormatHint,
+                           strnlen(texture.achFormatHint, sizeof texture.achFormatHint));
+    return hint.empty() ? "img" : hint;
+}
+
 // Pictures within the file, those that are files themselves.
 void take_images(const aiScene &scene, const std::string &filename, plain_scene *out)
 {
@@ -490,14 +505,12 @@ void take_images(const aiScene &scene, const std::string &filename, plain_scene 
     for (unsigned i = 0; i < scene.mNumTextures; ++i) {
         const aiTexture &texture = *scene.mTextures[i];
         plain_image image;
-        const std::string hint(texture.achFormatHint,
-                               strnlen(texture.achFormatHint, sizeof texture.achFormatHint));
         const std::string named = texture.mFilename.C_Str();
         image.name = named.substr(named.find_last_of("/\\") + 1);
         if (image.name.find('.') == std::string::npos)
             image.name = base + "_" +
                          (image.name.empty() ? "image" + std::to_string(i) : image.name) + "." +
-                         (hint.empty() ? "img" : hint);
+                         suffix_of(texture);
         if (texture.mHeight == 0)
             image.bytes.assign(reinterpret_cast<const char *>(texture.pcData), texture.mWidth);
         else

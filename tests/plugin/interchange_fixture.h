@@ -46,6 +46,15 @@ protected:
         return found;
     }
 
+    // What a damaged file may cost: a refusal, or a picture; never a fault.
+    static void expect_refusals_only()
+    {
+        for (const std::string &box : recording().boxes)
+            ASSERT_TRUE(box.starts_with("can't read ") || box.starts_with("texture_read:") ||
+                        box.starts_with("Sorry, there is no texture loader"))
+                << box;
+    }
+
 private:
     std::string home_;
 };
