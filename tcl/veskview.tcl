@@ -307,13 +307,16 @@ proc ::vesk::view::key {id text keysym state} {
     if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]
             || ![::vesk::menus::known keypress]} {return}
     ::vesk::hover::hide
+    # The keypad's keys without Num Lock.
+    regsub {^KP_(Up|Down|Left|Right|Delete)$} $keysym {\1} keysym
     # A running drag or a half-drawn outline takes its keys first.
     if {[vesk tool_key $keysym] eq "1"} {return}
     variable translated
     if {$translated && [::vesk::keys::pressed $id $text $keysym $state]} {return -code break}
     if {$keysym in {Up Down Left Right Delete BackSpace} || ($keysym eq "space" && $state & 1)} {
         press $id $keysym $state
-    } elseif {([string is print -strict $text] || $text eq "\x1b") && !($state & 0x2000c)} {
+    } elseif {[string length $text] == 1 && ([string is print $text] || $text eq "\x1b")
+            && !($state & 0x2000c)} {
         # Characters with Control or Alt are the menus'.
         press $id $text $state
     }

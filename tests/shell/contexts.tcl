@@ -76,10 +76,12 @@ proc on_entry {menu words} {
     ::test::check "and such keys are not echoed as the view's" {
         [lsearch -regexp [::vesk::console::last 20] {keypress . ([wvs]|F1) }] < 0
     }
-    vesk select_all
-    key BackSpace
-    ::test::check "BackSpace deletes in the 3D view, too" {[lindex [vesk get_counts] 1] == 0}
-    vesk undo
+    foreach pressed {BackSpace KP_Delete} {
+        vesk select_all
+        key $pressed
+        ::test::check "$pressed deletes in the 3D view, too" {[lindex [vesk get_counts] 1] == 0}
+        vesk undo
+    }
 
     # ---- the right button and the menu key ----
     vesk set_select_mode object
