@@ -30,7 +30,8 @@ proc ::vesk::palette::build_swatches {tab} {
     bind $tab.grid <Map> {after idle ::vesk::palette::count_users}
     ::vesk::ops::listen model ::vesk::palette::model_changed
     pack $tab.row -fill x -pady [::vesk::theme::pad 6 0]
-    bind $tab <Configure> ::vesk::palette::draw_swatches
+    # The tab gives the height, the grid the width.
+    foreach part [list $tab $tab.grid] {bind $part <Configure> ::vesk::palette::draw_swatches}
     foreach {button step} {4 -6 5 6} {
         bind $tab.grid <Button-$button> [list $tab.grid yview scroll $step units]
     }

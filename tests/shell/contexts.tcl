@@ -94,6 +94,10 @@ proc on_entry {menu words} {
     $tabs select $tabs.palette
     ::test::pause 200
     set step [::vesk::palette::swatch_step]
+    lassign [$tabs.palette.grid bbox swatch] left top right
+    ::test::check "eight materials fill the width" {
+        $right - $left > 0.8 * [winfo width $tabs.palette.grid]
+    }
     ::test::check "a material has a menu" {
         [popped {
             ::test::point_at $tabs.palette.grid [expr {2 * $step + 8}] 8
