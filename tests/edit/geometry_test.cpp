@@ -2,10 +2,12 @@
 // brings everything back.
 
 #include "app/prefs.h"
+#include "edit/holes.h"
 #include "edit/modes.h"
 #include "edit/primitives.h"
 #include "edit/selection_internal.h"
 #include "edit/selection_scan.h"
+#include "edit/triangulate.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/vector.h"
@@ -77,6 +79,23 @@ TEST_F(Geometry, RefusedHolesChangeNothing)
     ASSERT_EQ(recording().boxes.size(), 1u);
     EXPECT_EQ(recording().boxes[0],
               "the hole % setting is less than zero - please set to a positive number");
+}
+
+// Plug-ins may mix them up.
+TEST_F(Geometry, ASurfaceOfAnotherObjectIsLeftAlone)
+{
+    object_t *own = add_cube("own");
+    object_t *other = add_cube("other");
+    surface_t *foreign = item_of<surface_t>(other->surfaces);
+    const std::string before = scene_text();
+    EXPECT_EQ(surface_make_hole(own, foreign, 0.5f, 0), nullptr);
+    EXPECT_EQ(surface_bevel(own, foreign), nullptr);
+    EXPECT_EQ(surface_triangulate(own, foreign), nullptr);
+    EXPECT_EQ(scene_text(), before);
+    const float height = item_of<svertex>(foreign->refs)->vertex->position.z;
+    const point3_t up = {0, 0, 2};
+    surface_translate_vertices(foreign, &up);
+    EXPECT_EQ(item_of<svertex>(foreign->refs)->vertex->position.z, height + 2);
 }
 
 TEST_F(Geometry, BevelMovesCornersAlongBisectorAndNormal)
