@@ -1,4 +1,4 @@
-// What the transforms of the panels refuse.
+// What the transforms of the panels refuse, and turns that follow a number.
 
 #include "edit/panel_transform.h"
 
@@ -8,6 +8,7 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
+#include "tests/support/random_mesh.h"
 
 namespace {
 
@@ -74,5 +75,71 @@ TEST_F(PanelTransform, TurnsNoLightThatIsAlone)
     run("undo");
     EXPECT_EQ(scene_text(), moved);
 }
+
+struct turn_case {
+    const char *name;
+    const char *x, *y, *z;
+};
+// clang-format off
+const turn_case turns[] = {
+    {"one_axis",            "0",   "30",  "0"},
+    {"three_axes",          "20",  "30",  "40"},
+    {"half_about_x",        "180", "0",   "0"},
+    {"half_about_z_by_two", "180", "180", "0"},
+    {"half_about_y_by_two", "180", "0",   "180"},
+    {"half_about_x_by_two", "0",   "180", "180"},
+    {"half_and_quarter",    "90",  "180", "0"},
+    {"quarters",            "90",  "90",  "90"},
+    {"halves_all",          "180", "180", "180"},
+    {"nearly_half",         "179.999", "0.001", "180"},
+    {"more_than_whole",     "-400", "725", "10"},
+};
+// clang-format on
+void PrintTo(const turn_case &c, std::ostream *out) { *out << c.name; }
+class FollowedTurn : public SceneTest, public testing::WithParamInterface<turn_case> {
+protected:
+    static void expect_points(const object_t *object, const std::vector<point3_t> &expected)
+    {
+        const std::vector<point3_t> points = points_of(object);
+        ASSERT_EQ(points.size(), expected.size());
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            EXPECT_NEAR(points[i].x, expected[i].x, 1e-4f);
+            EXPECT_NEAR(points[i].y, expected[i].y, 1e-4f);
+            EXPECT_NEAR(points[i].z, expected[i].z, 1e-4f);
+        }
+    }
+};
+
+// A turn that follows a number is what the command does at once, and one record takes it back,
+// whatever single axis the three angles come to.
+TEST_P(FollowedTurn, IsTheCommandsAndItsRecordTakesItBack)
+{
+    const turn_case &c = GetParam();
+    random_source random(5);
+    object_t *shell = add_random_shell(random, 2);
+    for (const std::string mode : {"object", "vertex"}) {
+        run("clear_selection");
+        run("set_select_mode", "object");
+        select_object(shell);
+        run("set_select_mode", mode);
+        const std::vector<point3_t> before = points_of(shell);
+        run("rotate_about_with_undo", c.x, c.y, c.z, "1", "2", "3");
+        const std::vector<point3_t> after = points_of(shell);
+        run("undo");
+        expect_points(shell, before);
+        run("transform_begin", "rotate");
+        run("transform_about", "1", "2", "3");
+        run("transform_to", "5", "6", "7");
+        run("transform_to", c.x, c.y, c.z);
+        run("transform_end");
+        expect_points(shell, after);
+        run("undo");
+        expect_points(shell, before);
+        run("redo");
+        expect_points(shell, after);
+        run("undo");
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Angles, FollowedTurn, testing::ValuesIn(turns));
 
 } // namespace
