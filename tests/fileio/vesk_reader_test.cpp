@@ -228,6 +228,45 @@ TEST_F(Reader, SplitsLongLinesAfter254Characters)
     EXPECT_STREQ(vesk_reader_first_complaint(), "ignoring o");
 }
 
+struct words_case {
+    const char *lines; // of one object
+    float repeat_x, repeat_y, offset_x, offset_y;
+    const char *complaint; // the first; null for none
+};
+
+TEST_F(Reader, TakesTheWordsOfATextureWholeOrNotAtAll)
+{
+    // clang-format off
+    const words_case rows[] = {
+        {"texrep 2 3\ntexoff 0.5 -0.25\n", 2, 3, 0.5f, -0.25f, nullptr},
+        {"texrep 2 3\ntexrep 4 5\n",       4, 5, 0, 0, nullptr},
+        {"texrep 2\n",                     1, 1, 0, 0, "expected 'texrep <float> <float>' at line 3"},
+        {"texrep 2 3 4\n",                 1, 1, 0, 0, "expected 'texrep <float> <float>' at line 3"},
+        {"texoff 1\n",                     1, 1, 0, 0, "expected 'texoff <float> <float>' at line 3"},
+        {"texoff 1 2 3\n",                 1, 1, 0, 0, "expected 'texoff <float> <float>' at line 3"},
+        {"texrep a b\n",                   0, 0, 0, 0, nullptr}, // no numbers: 0, as everywhere
+        {"texture a b\n",                  1, 1, 0, 0, "expected quoted texture name at line 3"},
+        {"url \"a\" b\n",                  1, 1, 0, 0, "expected one arg to url at line 3 (got "},
+    };
+    // clang-format on
+    const std::string file = temporary_file("words.vesk");
+    for (const words_case &c : rows) {
+        write_text(file, std::string("VESKb\nOBJECT poly\n") + c.lines + "kids 0\n");
+        object_t *object = readfile_vesk2(file.c_str());
+        ASSERT_NE(object, nullptr) << c.lines;
+        EXPECT_EQ(object->texture_repeat_x, c.repeat_x) << c.lines;
+        EXPECT_EQ(object->texture_repeat_y, c.repeat_y) << c.lines;
+        EXPECT_EQ(object->texture_offset_x, c.offset_x) << c.lines;
+        EXPECT_EQ(object->texture_offset_y, c.offset_y) << c.lines;
+        EXPECT_EQ(vesk_reader_complaints(), c.complaint != nullptr ? 1 : 0) << c.lines;
+        if (c.complaint != nullptr) {
+            EXPECT_EQ(std::string(vesk_reader_first_complaint()).find(c.complaint), 0u)
+                << vesk_reader_first_complaint();
+        }
+        object_free(object);
+    }
+}
+
 TEST_F(Reader, KeepsBytesThatAreNoText)
 {
     using namespace std::string_literals;
