@@ -269,11 +269,13 @@ TEST_F(RoundTrip, OlderRevisionKeepsWhatItHasWordsFor)
     material shining = *vesk_palette_get_material(3);
     shining.transparency = 0.5f;
     surface_set_col(red, vesk_palette_append_material(&shining));
+    object_mark(object, CHANGED_ATTRIBUTES);
     run("write_vesk_old", temporary_file("poor.vesk"));
     EXPECT_EQ(last_message(), "written file " + temporary_file("poor.vesk") +
                                   " - 1 shining colours were left out: the older VESK has no "
                                   "shining colours");
     surface_set_col(red, 3);
+    object_mark(object, CHANGED_ATTRIBUTES);
     object_t *read = readfile_vesk2(file.c_str());
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(describe(read), describe(vesk_get_world()));
