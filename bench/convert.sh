@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Conversion of a terrain of 1,000,000 vertices in whole processes: seconds and megabytes of each,
-# with Assimp's own tool and Blender on the same file where they are installed.
+# Conversion of a terrain of 1,000,000 vertices in whole processes: seconds, processor time (user and
+# system, all threads) and megabytes of each, with Assimp's own tool and Blender on the same file where
+# they are installed.
 #   bench/convert.sh [build folder] [rows]
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -11,17 +12,18 @@ trap 'rm -rf "$work"' EXIT
 export USERPROFILE=$work LANG=C.UTF-8
 cd "$work"
 
-# timed RUNS WHAT COMMAND...: the best of so many, whatever its status.
+# timed RUNS WHAT COMMAND...: the least of each over so many runs, whatever its status.
 timed() {
-    local runs=$1 what=$2 best= line
+    local runs=$1 what=$2
     shift 2
     for _ in $(seq "$runs"); do
-        /usr/bin/time -q -o "$work/time" -f '%e %M' "$@" >/dev/null 2>&1 || true
-        line=$(tail -1 "$work/time")
-        if [ -z "$best" ] || awk "BEGIN { exit !(${line% *} < ${best% *}) }"; then best=$line; fi
-    done
-    awk -v what="$what" -v line="$best" 'BEGIN {
-        split(line, part, " "); printf "%-28s %6.2f s %6.0f MB\n", what, part[1], part[2] / 1024 }'
+        /usr/bin/time -q -o "$work/time" -f '%e %U %S %M' "$@" >/dev/null 2>&1 || true
+        tail -1 "$work/time"
+    done | awk -v what="$what" '
+        { cpu = $2 + $3 }
+        NR == 1 || $1 < least { least = $1 }
+        NR == 1 || cpu < least_cpu { least_cpu = cpu; size = $4 }
+        END { printf "%-28s %6.2f s %6.2f s cpu %6.0f MB\n", what, least, least_cpu, size / 1024 }'
 }
 
 tclsh8.6 "$here/terrain.tcl" "$rows" >terrain.vesk
