@@ -6,6 +6,7 @@
 #include "fileio/vesk_writer.h"
 #include "model/alloc.h"
 #include "model/bounds.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/matrix.h"
 #include "model/object_tree.h"
