@@ -44,6 +44,7 @@ proc ::vesk::menus::build_bar {bar_frame} {
         pack $button -side left -fill y
         build $name $button.menu
     }
+    ::vesk::theme::at_least $bar_frame 25
     ::vesk::theme::recolour $bar_frame
     bind $bar_frame <Configure> {::vesk::menus::fit_bar %W %w}
     bind_accelerators
@@ -56,7 +57,8 @@ proc ::vesk::menus::build_bar {bar_frame} {
 # fit_bar --
 #   In a narrow window the names stand closer.
 proc ::vesk::menus::fit_bar {bar_frame width} {
-    set buttons [winfo children $bar_frame]
+    variable bar
+    set buttons [lmap name $bar {string cat $bar_frame . $name}]
     set now [winfo pixels . [[lindex $buttons 0] cget -padx]]
     set texts 0
     foreach button $buttons {incr texts [expr {[winfo reqwidth $button] - 2 * $now}]}

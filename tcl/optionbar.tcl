@@ -49,6 +49,7 @@ proc ::vesk::optionbar::build {bar} {
     pack $bar.search $bar.settings -side right
     pack $bar.modes $bar.line1 $bar.tool $bar.line2 $bar.snap $bar.line3 $bar.pivot -side left
     pack configure $bar.settings -padx [::vesk::theme::pad 4 4]
+    ::vesk::theme::at_least $bar 31
     bind $bar <Configure> ::vesk::optionbar::fit
     # New fields have their width only after the geometry managers ran.
     bind $bar.tool <Configure> ::vesk::optionbar::fit

@@ -57,6 +57,12 @@ proc ::vesk::theme::init {theme percent} {
     }
 }
 
+# at_least --
+#   A bar of packed things as high as this also where its font needs less.
+proc ::vesk::theme::at_least {bar pixels} {
+    pack [ttk::frame $bar.least -width 1 -height [px $pixels]] -side right
+}
+
 # make_fonts --
 #   The named fonts of the interface; changed font preferences win over them.
 proc ::vesk::theme::make_fonts {} {

@@ -35,7 +35,7 @@ namespace eval ::vesk::main {
 #   Makes the whole window; it stays withdrawn.
 proc ::vesk::main::build {} {
     ::vesk::theme::on . gap
-    ::vesk::theme::on [frame .mbar -height [::vesk::theme::px 25]] chrome
+    ::vesk::theme::on [frame .mbar] chrome
     ::vesk::menus::build_bar .mbar
     ::vesk::optionbar::build .opt
     ::vesk::theme::on [frame .under -height [::vesk::theme::px 1]] gap

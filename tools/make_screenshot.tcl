@@ -1,6 +1,6 @@
 # The picture of the read-me: the desk in four views with its lamp selected, saved by "import".
 #   vesk -script tools/make_screenshot.tcl examples/desk.vesk      (VESK_PICTURE=file.png)
-# on an X server of 1280 x 800, with a settings file that holds
+# on an X server of 1280 x 800 at 96 dpi, with a settings file that holds
 #   show_startup_tips FALSE, cpwin_width 1280, cpwin_height 800
 
 proc picture {} {
