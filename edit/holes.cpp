@@ -6,7 +6,6 @@
 #include "edit/edit_support.h"
 #include "edit/mesh_change.h"
 #include "edit/undo.h"
-#include "model/freed.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/owners.h"

@@ -75,11 +75,8 @@ bool insert_vertex_at(object_t *object, int a, int b, float share)
 void command_insert_vertex_at(int, const char *const *words)
 {
     object_t *object = object_by_identity(int_of(words[0]));
-    if (object == nullptr)
-        return;
-    const int place = object->num_vertices;
-    if (!insert_vertex_at(object, int_of(words[1]), int_of(words[2]),
-                          static_cast<float>(double_of(words[3])))) {
+    const int place = object != nullptr ? object->num_vertices : 0;
+    if (!insert_vertex_at(object, int_of(words[1]), int_of(words[2]), finite_float_of(words[3]))) {
         display_message("insert vertex - there is no such edge");
         return;
     }

@@ -163,10 +163,7 @@ private:
 
     void count_losses(const object_t &object, const flat_mesh &flat)
     {
-        std::vector<bool> used(static_cast<size_t>(flat.num_vertices()));
-        for (const std::int32_t corner : *flat.corners)
-            used[static_cast<size_t>(corner)] = true;
-        points_ += static_cast<int>(std::count(used.begin(), used.end(), false));
+        points_ += flat_loose_points(flat);
         texts_ += (object.url != nullptr && *object.url != '\0' ? 1 : 0) +
                   (object.data != nullptr && *object.data != '\0' ? 1 : 0);
     }

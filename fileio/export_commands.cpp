@@ -69,19 +69,11 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
     return parts;
 }
 
-int loose_points(const flat_mesh &flat)
-{
-    std::vector<bool> used(static_cast<size_t>(flat.num_vertices()));
-    for (const std::int32_t corner : *flat.corners)
-        used[static_cast<size_t>(corner)] = true;
-    return static_cast<int>(std::count(used.begin(), used.end(), false));
-}
-
 // What the format has no place for, besides surfaces.
 void count_losses(const object_t *object, const flat_mesh &flat, const export_format &format,
                   losses_t *losses)
 {
-    losses->points += format.points ? 0 : loose_points(flat);
+    losses->points += format.points ? 0 : flat_loose_points(flat);
     losses->urls += !format.urls && is_set(object->url) ? 1 : 0;
     losses->data += !format.data && is_set(object->data) ? 1 : 0;
 }

@@ -2,6 +2,7 @@
 #include "model/each.h"
 #include "model/object_internal.h"
 
+#include <algorithm>
 #include <cstring>
 #include <unordered_set>
 
@@ -274,6 +275,14 @@ void flat_drop_unused()
         state.flat = nullptr;
         state.marks |= CHANGED_GEOMETRY;
     });
+}
+
+int flat_loose_points(const flat_mesh &flat)
+{
+    std::vector<bool> used(static_cast<std::size_t>(flat.num_vertices()));
+    for (const std::int32_t corner : *flat.corners)
+        used[static_cast<std::size_t>(corner)] = true;
+    return static_cast<int>(std::count(used.begin(), used.end(), false));
 }
 
 flat_mesh flat_mesh::without_records() const

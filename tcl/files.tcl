@@ -190,12 +190,6 @@ proc ::vesk::files::import_ask {} {
         [list $geometry {"All files" *}]]
     if {$name eq ""} {return}
     set ::prefs_import_file_path [file dirname $name]
-    import_file $name
-}
-
-# import_file --
-#   Adds a file to the scene.
-proc ::vesk::files::import_file {name} {
     variable loaded_before 1
     load $name
 }

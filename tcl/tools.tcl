@@ -5,7 +5,7 @@ namespace eval ::vesk::tools {
     variable current move
     variable choosing 0         ;# the draw mode is being set by a tool chosen here
     variable columns 2
-    variable full_height 0      ;# that two columns need
+    variable full_height 0      ;# that two columns need; 0 before it was asked for
     # A row: name, icon, draw mode ("" none), command that must be there, key, label, help, hint.
     # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
     # a tool of the views beside the draw modes.
@@ -102,7 +102,6 @@ proc ::vesk::tools::needed {name} {
 #   Makes the column.
 proc ::vesk::tools::build {path} {
     variable table
-    variable full_height
     ttk::frame $path -style Chrome.TFrame -padding [::vesk::theme::pad 6 7 6 4] \
         -width [::vesk::theme::px 78]
     set lines 0
@@ -125,8 +124,6 @@ proc ::vesk::tools::build {path} {
         }
     }
     arrange $path
-    update idletasks
-    set full_height [winfo reqheight $path]
     bind $path <Configure> [list ::vesk::tools::fit $path %h]
     foreach aspect {selection model} {::vesk::ops::listen $aspect ::vesk::tools::show_measured}
     return $path
@@ -163,8 +160,10 @@ proc ::vesk::tools::arrange {path} {
 proc ::vesk::tools::fit {path height} {
     variable columns
     variable full_height
+    if {$height < 50} {return}
+    if {$full_height == 0} {set full_height [winfo reqheight $path]}
     set wanted [expr {$height >= $full_height ? 2 : 4}]
-    if {$height < 50 || $wanted == $columns} {return}
+    if {$wanted == $columns} {return}
     set columns $wanted
     arrange $path
 }

@@ -6,20 +6,7 @@
 set folder [file join [file dirname [file dirname [file normalize [info script]]]] docs]
 set pages [lassign $argv out cmark]
 
-proc read_text {file} {
-    set channel [open $file]
-    fconfigure $channel -encoding utf-8
-    set text [read $channel]
-    close $channel
-    return $text
-}
-
-proc write_text {file text} {
-    set channel [open $file w]
-    fconfigure $channel -encoding utf-8
-    puts -nonewline $channel $text
-    close $channel
-}
+source [file join [file dirname [file normalize [info script]]] text_files.tcl]
 
 # anchor --
 #   The name that links to a heading use: small letters and digits, blanks become hyphens.

@@ -20,12 +20,7 @@ set variants {
     disabled {icon_off icon_off}
 }
 
-proc read_text {file} {
-    set channel [open $file]
-    set text [read $channel]
-    close $channel
-    return $text
-}
+source [file join [file dirname [file normalize [info script]]] text_files.tcl]
 
 # inner --
 #   What stands between <svg ...> and </svg> in an icon's file; the size comes back in `size_var`.

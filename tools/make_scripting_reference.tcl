@@ -81,22 +81,7 @@ proc example {name usage} {
     return [join $words]
 }
 
-# read_text --
-proc read_text {file} {
-    set channel [open $file]
-    fconfigure $channel -encoding utf-8
-    set text [read $channel]
-    close $channel
-    return $text
-}
-
-# write_text --
-proc write_text {file text} {
-    set channel [open $file w]
-    fconfigure $channel -encoding utf-8
-    puts -nonewline $channel $text
-    close $channel
-}
+source [file join [file dirname [file normalize [info script]]] text_files.tcl]
 
 # wrapped -- a text in lines of at most 100 characters.
 proc wrapped {text} {

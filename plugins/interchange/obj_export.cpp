@@ -31,7 +31,7 @@ std::string one_line(const std::string &name)
 class obj_writer {
 public:
     obj_writer(job &work, const model &scene, export_files &files)
-        : work_(work), scene_(scene), files_(files)
+        : work_(work), scene_(scene), out_(work, files)
     {
         std::set<std::string> taken;
         for (const model_material &m : scene.materials) {
@@ -49,7 +49,7 @@ public:
         out_.add("# VESK\nmtllib ", materials, '\n');
         for (const model_node &node : scene_.nodes)
             add(node);
-        send();
+        out_.send();
     }
 
     std::string materials()
@@ -68,7 +68,7 @@ private:
         out_.add("o ", one_line(node.name), '\n');
         for (const point3_t &p : node.points) {
             out_.add("v ", p, '\n');
-            if (!goes_on())
+            if (!out_.goes_on())
                 return;
         }
         for (std::size_t i = 0; i < node.uv.size(); i += 2)
@@ -81,31 +81,17 @@ private:
             if (!is_line(s) && int{s.smooth} != shading)
                 out_.add("s ", (shading = s.smooth) != 0 ? "1" : "off", '\n');
             surface(node, s);
-            if (!goes_on())
+            if (!out_.goes_on())
                 return;
         }
         for (const int point : node.loose) {
             out_.add("p ", first_point_ + point, '\n');
-            if (!goes_on())
+            if (!out_.goes_on())
                 return;
         }
         first_point_ += static_cast<int>(node.points.size());
         if (node.textured)
             first_uv_ += static_cast<int>(node.uv.size() / 2);
-    }
-
-    // Whether the user lets it go on.
-    bool goes_on()
-    {
-        if (out_.text.size() > piece)
-            send();
-        return work_.step();
-    }
-
-    void send()
-    {
-        files_.write(out_.text);
-        out_.text.clear();
     }
 
     void surface(const model_node &node, const model_surface &s)
@@ -149,12 +135,9 @@ private:
         out.add('\n');
     }
 
-    static constexpr std::size_t piece = 1 << 20; // bytes that go out at once
-
     job &work_;
     const model &scene_;
-    export_files &files_;
-    text_out out_;
+    growing_text out_;
     std::vector<std::string> names_;
     int first_point_ = 1, first_uv_ = 1;
 };

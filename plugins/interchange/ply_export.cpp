@@ -11,7 +11,7 @@ namespace {
 class ply_writer {
 public:
     ply_writer(job &work, const model &scene, export_files &files, bool binary)
-        : work_(work), scene_(scene), files_(files), binary_(binary)
+        : work_(work), scene_(scene), binary_(binary), out_(work, files)
     {
     }
 
@@ -44,7 +44,7 @@ public:
         points();
         each_surface(false);
         each_surface(true);
-        send();
+        out_.send();
     }
 
 private:
@@ -71,19 +71,6 @@ private:
             out_.add("element edge ", edges, "\nproperty uint vertex1\nproperty uint vertex2\n",
                      colour);
         out_.add("end_header\n");
-    }
-
-    // Whether the user lets it go on.
-    bool goes_on()
-    {
-        if (out_.text.size() > piece)
-            send();
-        return work_.step();
-    }
-    void send()
-    {
-        files_.write(out_.text);
-        out_.text.clear();
     }
 
     // Lists are counted in a byte where they can be: some readers know nothing else.
@@ -117,7 +104,7 @@ private:
                 for (const float value : {p.x, p.y, p.z})
                     number(value);
                 end_row();
-                if (!goes_on())
+                if (!out_.goes_on())
                     return;
             }
         }
@@ -134,7 +121,7 @@ private:
                     edges(node, surface, first);
                 else
                     face(node, surface, first);
-                if (!goes_on())
+                if (!out_.goes_on())
                     return;
             }
             first += static_cast<std::uint32_t>(node.points.size());
@@ -183,15 +170,12 @@ private:
         end_row();
     }
 
-    static constexpr std::size_t piece = 1 << 20; // bytes that go out at once
-
     job &work_;
     const model &scene_;
-    export_files &files_;
     const bool binary_;
     bool textured_ = false;
     int longest_ = 0;
-    text_out out_;
+    growing_text out_;
 };
 
 int ply_write(const char *filename, bool binary)

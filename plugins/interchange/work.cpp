@@ -55,6 +55,19 @@ int export_files::finish(const std::string &filename, const char *format)
     return kept ? 1 : 0;
 }
 
+bool growing_text::goes_on()
+{
+    if (text.size() > piece)
+        send();
+    return work_.step();
+}
+
+void growing_text::send()
+{
+    files_.write(text);
+    text.clear();
+}
+
 bool read_file(const std::string &name, std::string *bytes, job *work)
 {
     std::FILE *file = std::fopen(name.c_str(), "rb");

@@ -3,6 +3,8 @@
 #ifndef INTERCHANGE_WORK_H
 #define INTERCHANGE_WORK_H
 
+#include "text.h"
+
 #include <plugin/vesk.h>
 #include <string>
 #include <string_view>
@@ -65,6 +67,20 @@ private:
     job &work_;
     std::vector<vesk_output_t *> files_;
     bool good_ = true;
+};
+
+// A file's text that goes out piece by piece while it grows.
+class growing_text : public text_out {
+public:
+    growing_text(job &work, export_files &files) : work_(work), files_(files) {}
+
+    // One step of the work is done. False when the user cancelled.
+    bool goes_on();
+    void send();
+
+private:
+    job &work_;
+    export_files &files_;
 };
 
 // A whole file, as the first phase of an import when there is `work`.

@@ -203,6 +203,8 @@ TEST_F(InsertTool, ControlTakesTheMiddleAndTheGridItsCrossing)
 
 TEST_F(InsertTool, WhatIsHiddenOrLockedIsLeftAlone)
 {
+    run("insert_vertex_at", "12345", "0", "1", "0.5"); // no such object
+    EXPECT_EQ(last_message(), "insert vertex - there is no such edge");
     const std::string id = run("object_get_children", run("get_world"));
     for (const char *off : {"object_hide", "object_lock"}) {
         run(off, id);
