@@ -28,4 +28,10 @@ typedef struct point3 {
 /* View ids: the three orthographic views, the 3D view, the main window, none. */
 enum { VIEW_XY = 0, VIEW_ZY = 1, VIEW_XZ = 2, VIEW_XYZ = 3, VIEW_MAIN = 4, VIEW_NONE = -1 };
 
+#ifdef VESK_INTERNAL
+// The window of texture coordinates: for redraws, cursors and the number field, else no view.
+constexpr int texture_coords_view = 5;
+inline bool is_orthographic(int view) { return view >= VIEW_XY && view <= VIEW_XZ; }
+#endif
+
 #endif

@@ -12,7 +12,6 @@
 #include "model/matrix.h"
 #include "model/vector.h"
 #include "model/world.h"
-#include "view/projection.h"
 #include "view/redraw.h"
 
 #include <algorithm>
@@ -220,14 +219,6 @@ vertex *find_nearest_vertex(const point3_t *point)
         }
     });
     return nearest;
-}
-
-void snap_near(point3_t *point, int view)
-{
-    const vertex *nearest = find_nearest_vertex(point);
-    if (nearest != nullptr && static_cast<double>(points_dist(&nearest->position, point)) <=
-                                  pixels_to_distance(prefs.snap_near_pixels, view))
-        *point = nearest->position;
 }
 
 listitem *vertexlist_get_closest(const listitem *vertices, const point3_t *point, float distance,

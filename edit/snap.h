@@ -17,10 +17,6 @@ VESK_API void snap_to_grid(point3_t *point);
    has none. Linear in the model. */
 VESK_API vertex *find_nearest_vertex(const point3_t *point);
 
-/* Moves the point onto the nearest vertex of the world when that is at most snap_near_pixels away
-   in the view. */
-VESK_API void snap_near(point3_t *point, int view);
-
 /* A new list, newest first, of the vertices of `vertices` at most `distance` from the point; the
    caller frees it. `centroid` gets their mean, 0 0 0 when there are none. */
 VESK_API listitem *vertexlist_get_closest(const listitem *vertices, const point3_t *point,

@@ -98,6 +98,7 @@
 #include "view/camera.h"
 #include "view/fit.h"
 #include "view/keys.h"
+#include "view/near_snap.h"
 #include "view/projection.h"
 #include "view/redraw.h"
 #include "view/texture_preview.h"

@@ -2,7 +2,9 @@
 
 #include "app/prefs.h"
 #include "edit/selection_scan.h"
+#include "edit/snap.h"
 #include "model/change_marks.h"
+#include "model/matrix.h"
 #include "model/world.h"
 #include "view/camera_internal.h"
 #include "view/interaction.h"
@@ -50,6 +52,14 @@ void gather_when_changed()
 }
 
 } // namespace
+
+void snap_near(point3_t *point, int view)
+{
+    const vertex *nearest = find_nearest_vertex(point);
+    if (nearest != nullptr && static_cast<double>(points_dist(&nearest->position, point)) <=
+                                  pixels_to_distance(prefs.snap_near_pixels, view))
+        *point = nearest->position;
+}
 
 void near_snap_begin(const std::vector<vertex *> &moving)
 {

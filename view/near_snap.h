@@ -3,6 +3,15 @@
 
 #include "model/object.h"
 
+VESK_BEGIN_DECLS
+
+/* Moves the point onto the nearest vertex of the world when that is at most snap_near_pixels away
+   in the view. */
+VESK_API void snap_near(point3_t *point, int view);
+
+VESK_END_DECLS
+
+#ifdef VESK_INTERNAL
 #include <vector>
 
 // Near snap while the mouse drags: the vertices that can be snapped to are gathered once for a
@@ -22,5 +31,6 @@ bool front_vertex_at(int view, double x, double y, double range, point3_t *found
 
 // Window position of a point; false when it lies behind the viewer.
 bool window_position(int view, const point3_t &point, double *x, double *y);
+#endif
 
 #endif

@@ -1,7 +1,6 @@
 #include "view/redraw.h"
 
 #include "app/ui_port.h"
-#include "view/views_internal.h"
 
 void redraw(int view)
 {

@@ -13,11 +13,7 @@ constexpr view_axes_t view_axes[3] = {{0, 1, 2}, {2, 1, 0}, {0, 2, 1}};
 constexpr float axis_sign[3] = {1.0f, -1.0f, 1.0f};
 
 constexpr int num_views = 4;
-// The window of texture coordinates: for redraws, cursors and the number field, else no view.
-constexpr int texture_coords_view = 5;
 constexpr int orthographic_order[3] = {0, 2, 1}; // in which the views are zoomed, panned and fitted
-
-inline bool is_orthographic(int view) { return view >= 0 && view <= 2; }
 
 inline float axis_of(const point3_t &point, int axis)
 {
