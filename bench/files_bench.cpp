@@ -4,9 +4,9 @@
 // an aged heap: lists whose order has nothing to do with the order in memory.
 //   files_bench [folder]    where the files go (default: the current folder)
 
+#include "base/atomic_file.h"
+#include "base/file_text.h"
 #include "bench/terrain.h"
-#include "fileio/atomic_file.h"
-#include "fileio/file_text.h"
 #include "fileio/vesk_reader.h"
 #include "fileio/vesk_writer.h"
 #include "model/change_marks.h"

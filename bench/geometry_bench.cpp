@@ -3,16 +3,16 @@
 // records of the result made by array). Growth above 1 from size to size is more than linear.
 //   geometry_bench [part of a name]
 
-#include "app/command_table.h"
 #include "bench/terrain.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/extrude.h"
 #include "edit/holes.h"
 #include "edit/optimize.h"
-#include "edit/selection_internal.h"
 #include "edit/triangulate.h"
-#include "edit/undo.h"
 #include "model/each.h"
 #include "model/normals.h"
+#include "program/command_table.h"
 
 #include <GL/glu.h>
 

@@ -2,20 +2,20 @@
 // are of whole commands, undo and history included, with what the library or the bare records
 // alone take beside them.
 
-#include "app/command_result.h"
-#include "app/command_table.h"
+#include "base/command_result.h"
 #include "bench/terrain.h"
-#include "edit/clipboard.h"
+#include "edit/document/journal.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/edge_mesh.h"
 #include "edit/hull.h"
-#include "edit/journal.h"
 #include "edit/primitives.h"
-#include "edit/selection_internal.h"
-#include "edit/undo.h"
+#include "fileio/clipboard.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/normals.h"
+#include "program/command_table.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -2,13 +2,13 @@
 // and in 10,000 small objects. Beside it, in the same run: reading all positions once.
 //   pick_bench [largest side]    default 1000
 
-#include "app/command_table.h"
 #include "bench/terrain.h"
-#include "edit/modes.h"
+#include "edit/document/modes.h"
 #include "edit/primitives.h"
 #include "edit/transform.h"
 #include "model/flat_mesh.h"
 #include "model/normals.h"
+#include "program/command_table.h"
 #include "view/camera_internal.h"
 #include "view/fit.h"
 #include "view/pick.h"

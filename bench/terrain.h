@@ -3,8 +3,8 @@
 
 // The benchmarks' model: a terrain of quads in one object.
 
-#include "app/prefs.h"
-#include "app/ui_port.h"
+#include "base/prefs.h"
+#include "base/ui_port.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/world.h"

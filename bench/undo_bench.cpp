@@ -1,16 +1,16 @@
 // Whole-model undo and the journal: one object of a million vertices and as many quads, and ten
 // thousand small objects. Times in seconds, memory in bytes a vertex.
 
-#include "app/command_table.h"
 #include "bench/terrain.h"
-#include "edit/journal.h"
+#include "edit/document/journal.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/primitives.h"
-#include "edit/selection_internal.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
 #include "model/normals.h"
+#include "program/command_table.h"
 
 #include <cstdlib>
 #include <initializer_list>

@@ -1,16 +1,16 @@
 // Texture coordinates of one object of 100,000 corners (25,000 quads): what a step of the editor
 // costs, beside reading the coordinates once.
 
-#include "app/command_table.h"
 #include "bench/terrain.h"
-#include "edit/selection.h"
-#include "edit/uv_edit.h"
-#include "edit/uv_measure.h"
-#include "edit/uv_pack.h"
-#include "edit/uv_project.h"
-#include "edit/uv_relax.h"
+#include "edit/document/selection.h"
+#include "edit/uv/uv_edit.h"
+#include "edit/uv/uv_measure.h"
+#include "edit/uv/uv_pack.h"
+#include "edit/uv/uv_project.h"
+#include "edit/uv/uv_relax.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
+#include "program/command_table.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 

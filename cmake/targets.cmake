@@ -22,7 +22,7 @@ target_include_directories(vesk SYSTEM PRIVATE ${TCL_INCLUDE_PATH} ${TK_INCLUDE_
 set_target_properties(vesk PROPERTIES ENABLE_EXPORTS ON
     RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/home)
 
-foreach(folder app model view edit fileio plugin)
+foreach(folder base model edit view draw fileio plugin program shell)
     include(${CMAKE_SOURCE_DIR}/${folder}/sources.cmake)
 endforeach()
 

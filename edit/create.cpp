@@ -1,13 +1,14 @@
 #include "edit/create.h"
 
-#include "app/command_result.h"
-#include "app/messages.h"
-#include "app/numbers.h"
-#include "edit/journal.h"
+#include "base/command_result.h"
+#include "base/messages.h"
+#include "base/numbers.h"
+#include "base/redraw.h"
+#include "edit/document/journal.h"
+#include "edit/document/selection.h"
+#include "edit/document/undo.h"
 #include "edit/primitives.h"
-#include "edit/selection.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/bounds.h"
 #include "model/identity.h"
 #include "model/lights.h"
@@ -15,7 +16,6 @@
 #include "model/object_tree.h"
 #include "model/vector.h"
 #include "model/world.h"
-#include "view/redraw.h"
 
 #include <cmath>
 #include <cstring>

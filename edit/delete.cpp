@@ -1,9 +1,9 @@
 #include "edit/delete.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_change.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "edit/mesh/mesh_change.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
 #include "model/child_changes.h"

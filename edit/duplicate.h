@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_DUPLICATE_H
 #define VESK_EDIT_DUPLICATE_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

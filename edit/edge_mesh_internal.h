@@ -1,9 +1,9 @@
 #ifndef VESK_EDIT_EDGE_MESH_INTERNAL_H
 #define VESK_EDIT_EDGE_MESH_INTERNAL_H
 
-#include "app/progress.h"
+#include "base/progress.h"
 #include "edit/edge_mesh.h"
-#include "edit/edge_table.h"
+#include "edit/mesh/edge_table.h"
 
 #include <memory>
 #include <span>

@@ -1,10 +1,10 @@
 #include "edit/extrude_path.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "edit/region_sweep.h"
-#include "edit/selection_scan.h"
-#include "edit/undo.h"
 #include "model/identity.h"
 #include "model/vector.h"
 

@@ -1,8 +1,8 @@
 #include "edit/group.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
 #include "model/bounds.h"
 #include "model/child_changes.h"
 #include "model/freed.h"

@@ -1,16 +1,16 @@
 #include "edit/holes.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "app/progress.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_change.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/progress.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "edit/mesh/mesh_change.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/owners.h"
 #include "model/vector.h"
-#include "view/redraw.h"
 
 #include <algorithm>
 

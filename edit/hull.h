@@ -3,7 +3,7 @@
 
 // Convex hulls and Delaunay triangulations, by the Qhull library.
 
-#include "app/types.h"
+#include "base/types.h"
 
 #include <memory>
 #include <vector>

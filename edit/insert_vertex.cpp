@@ -1,11 +1,11 @@
 #include "edit/insert_vertex.h"
 
-#include "app/command_result.h"
-#include "app/messages.h"
-#include "app/numbers.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_edges.h"
-#include "edit/undo.h"
+#include "base/command_result.h"
+#include "base/messages.h"
+#include "base/numbers.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "edit/mesh/mesh_edges.h"
 #include "model/identity.h"
 
 #include <string>

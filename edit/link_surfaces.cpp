@@ -1,6 +1,6 @@
 #include "edit/link_surfaces.h"
 
-#include "edit/selection_scan.h"
+#include "edit/document/selection_scan.h"
 #include "model/matrix.h"
 
 #include <algorithm>

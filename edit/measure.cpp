@@ -1,9 +1,9 @@
 #include "edit/measure.h"
 
-#include "app/command_result.h"
-#include "app/messages.h"
-#include "edit/edge_table.h"
-#include "edit/selection_internal.h"
+#include "base/command_result.h"
+#include "base/messages.h"
+#include "edit/document/selection_internal.h"
+#include "edit/mesh/edge_table.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/object_tree.h"

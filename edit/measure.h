@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_MEASURE_H
 #define VESK_EDIT_MEASURE_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 #include <string>
 #include <vector>

@@ -1,15 +1,15 @@
 #include "edit/object_flags.h"
 
-#include "app/messages.h"
-#include "app/ui_port.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/undo_internal.h"
+#include "base/messages.h"
+#include "base/redraw.h"
+#include "base/ui_port.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo_internal.h"
 #include "model/identity.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/world.h"
-#include "view/redraw.h"
 
 #include <unordered_set>
 

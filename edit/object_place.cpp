@@ -1,13 +1,13 @@
 #include "edit/object_place.h"
 
-#include "app/command_result.h"
-#include "app/messages.h"
-#include "app/numbers.h"
-#include "edit/undo_internal.h"
+#include "base/command_result.h"
+#include "base/messages.h"
+#include "base/numbers.h"
+#include "base/redraw.h"
+#include "edit/document/undo_internal.h"
 #include "model/each.h"
 #include "model/identity.h"
 #include "model/object_tree.h"
-#include "view/redraw.h"
 
 #include <cstring>
 #include <string>

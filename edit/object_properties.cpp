@@ -1,9 +1,9 @@
 #include "edit/object_properties.h"
 
-#include "app/messages.h"
-#include "app/numbers.h"
+#include "base/messages.h"
+#include "base/numbers.h"
+#include "edit/document/undo_internal.h"
 #include "edit/object_flags.h"
-#include "edit/undo_internal.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"

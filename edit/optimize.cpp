@@ -1,17 +1,17 @@
 #include "edit/optimize.h"
 
-#include "app/messages.h"
-#include "app/messages_internal.h"
-#include "edit/duplicate_surfaces.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_change.h"
-#include "edit/position_index.h"
-#include "edit/selection_scan.h"
+#include "base/messages.h"
+#include "base/messages_internal.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/selection_scan.h"
+#include "edit/mesh/duplicate_surfaces.h"
+#include "edit/mesh/mesh_change.h"
+#include "edit/mesh/position_index.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
-#include "view/redraw.h"
 
 #include <algorithm>
 #include <functional>

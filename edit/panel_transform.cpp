@@ -1,13 +1,13 @@
 #include "edit/panel_transform.h"
 
-#include "app/messages.h"
+#include "base/messages.h"
+#include "base/redraw.h"
+#include "edit/document/journal.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/drag_transform.h"
-#include "edit/journal.h"
-#include "edit/selection_internal.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/vector.h"
-#include "view/redraw.h"
 
 #include <cmath>
 #include <cstring>

@@ -1,9 +1,9 @@
 #include "edit/pieces.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
-#include "edit/surface_copy.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "edit/mesh/surface_copy.h"
 #include "model/change_marks.h"
 #include "model/child_changes.h"
 #include "model/freed.h"

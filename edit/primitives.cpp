@@ -1,15 +1,15 @@
 // Boxes, spheres, cones, cylinders and the icosahedron.
 
-#include "app/command_result.h"
-#include "app/messages.h"
-#include "app/prefs.h"
+#include "base/command_result.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
 #include "edit/primitives_internal.h"
 #include "edit/transform.h"
-#include "edit/uvmap.h"
+#include "edit/uv/uvmap.h"
 #include "model/identity.h"
 #include "model/normals.h"
 #include "model/world.h"
-#include "view/redraw.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,9 +1,9 @@
 // Rectangles, line grids, meshes, ellipses, arcs and disks.
 
-#include "app/messages_internal.h"
-#include "app/prefs.h"
+#include "base/messages_internal.h"
+#include "base/prefs.h"
 #include "edit/primitives_internal.h"
-#include "edit/uvmap.h"
+#include "edit/uv/uvmap.h"
 #include "model/normals.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "edit/region_sweep.h"
 
-#include "app/prefs.h"
-#include "app/progress.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_change.h"
-#include "edit/mesh_edges.h"
-#include "edit/position_index.h"
+#include "base/prefs.h"
+#include "base/progress.h"
+#include "edit/document/edit_support.h"
+#include "edit/mesh/mesh_change.h"
+#include "edit/mesh/mesh_edges.h"
+#include "edit/mesh/position_index.h"
 #include "model/freed.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "edit/resize.h"
 
-#include "edit/selection.h"
+#include "edit/document/selection.h"
 #include "edit/transform.h"
 #include "model/vector.h"
 

@@ -1,17 +1,17 @@
 #include "edit/revolve.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "edit/link_surfaces.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/undo.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
 #include "model/matrix.h"
 #include "model/normals.h"
-#include "view/redraw.h"
 
 #include <unordered_set>
 

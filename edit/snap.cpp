@@ -1,18 +1,18 @@
 #include "edit/snap.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "app/progress.h"
-#include "edit/edit_support.h"
-#include "edit/selection_scan.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/progress.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/change_marks.h"
 #include "model/flat_mesh.h"
 #include "model/matrix.h"
 #include "model/vector.h"
 #include "model/world.h"
-#include "view/redraw.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,75 +1,74 @@
-# Files of edit/.
+# Files of edit/: editing.
 target_sources(vesk_core PRIVATE
-    edit/clipboard.cpp
     edit/create.cpp
-    edit/current_object.cpp
     edit/delete.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
-    edit/duplicate_surfaces.cpp
     edit/edge_mesh.cpp
-    edit/edge_table.cpp
-    edit/edit_support.cpp
-    edit/element_text.cpp
     edit/extrude.cpp
     edit/extrude_path.cpp
-    edit/geometry_image.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
-    edit/journal.cpp
     edit/link_surfaces.cpp
     edit/make_surface.cpp
-    edit/mesh_change.cpp
-    edit/mesh_edges.cpp
-    edit/model_check.cpp
-    edit/model_check_fix.cpp
-    edit/model_check_search.cpp
-    edit/model_restore.cpp
-    edit/model_state.cpp
-    edit/modes.cpp
-    edit/nearest_points.cpp
-    edit/object_flags.cpp
     edit/measure.cpp
-    edit/optimize.cpp
-    edit/outline.cpp
+    edit/object_flags.cpp
     edit/object_place.cpp
     edit/object_properties.cpp
+    edit/optimize.cpp
     edit/panel_transform.cpp
-    edit/position_index.cpp
     edit/pieces.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
-    edit/region_sweep.cpp
     edit/reduce.cpp
+    edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
-    edit/selection.cpp
-    edit/selection_image.cpp
-    edit/selection_scan.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
     edit/surface_attributes.cpp
-    edit/surface_copy.cpp
-    edit/tessellator.cpp
-    edit/text_objects.cpp
     edit/transform.cpp
+    edit/transform_undo.cpp
     edit/triangulate.cpp
-    edit/undo.cpp
-    edit/undo_kinds.cpp
-    edit/uv_edit.cpp
-    edit/uv_editor.cpp
-    edit/uv_islands.cpp
-    edit/uv_keep.cpp
-    edit/uv_measure.cpp
-    edit/uv_mesh.cpp
-    edit/uv_pack.cpp
-    edit/uv_project.cpp
-    edit/uv_relax.cpp
-    edit/uv_replay.cpp
-    edit/uvmap.cpp
-    edit/vertex_use.cpp
     edit/weld.cpp
+    edit/mesh/duplicate_surfaces.cpp
+    edit/mesh/edge_table.cpp
+    edit/mesh/mesh_change.cpp
+    edit/mesh/mesh_edges.cpp
+    edit/mesh/nearest_points.cpp
+    edit/mesh/outline.cpp
+    edit/mesh/position_index.cpp
+    edit/mesh/surface_copy.cpp
+    edit/mesh/tessellator.cpp
+    edit/mesh/vertex_use.cpp
+    edit/document/current_object.cpp
+    edit/document/edit_support.cpp
+    edit/document/element_text.cpp
+    edit/document/geometry_image.cpp
+    edit/document/journal.cpp
+    edit/document/model_restore.cpp
+    edit/document/model_state.cpp
+    edit/document/modes.cpp
+    edit/document/selection.cpp
+    edit/document/selection_image.cpp
+    edit/document/selection_scan.cpp
+    edit/document/undo.cpp
+    edit/document/undo_kinds.cpp
+    edit/uv/uv_edit.cpp
+    edit/uv/uv_editor.cpp
+    edit/uv/uv_islands.cpp
+    edit/uv/uv_keep.cpp
+    edit/uv/uv_measure.cpp
+    edit/uv/uv_mesh.cpp
+    edit/uv/uv_pack.cpp
+    edit/uv/uv_project.cpp
+    edit/uv/uv_relax.cpp
+    edit/uv/uv_replay.cpp
+    edit/uv/uvmap.cpp
+    edit/check/model_check.cpp
+    edit/check/model_check_fix.cpp
+    edit/check/model_check_search.cpp
 )

@@ -1,10 +1,10 @@
 #include "edit/subdivide.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_edges.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "edit/mesh/mesh_edges.h"
 #include "model/matrix.h"
 #include "model/vector.h"
 

@@ -1,9 +1,9 @@
 #include "edit/surface_attributes.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
-#include "edit/selection_scan.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
 #include "model/owners.h"

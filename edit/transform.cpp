@@ -1,15 +1,15 @@
 #include "edit/transform.h"
 
-#include "app/messages.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "base/redraw.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/vector.h"
-#include "view/redraw.h"
 
 #include <cmath>
 

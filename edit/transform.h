@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_TRANSFORM_H
 #define VESK_EDIT_TRANSFORM_H
 
-#include "app/types.h"
+#include "base/types.h"
 #include "model/object.h"
 
 VESK_BEGIN_DECLS

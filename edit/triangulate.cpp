@@ -1,15 +1,15 @@
 #include "edit/triangulate.h"
 
-#include "app/messages.h"
-#include "app/progress.h"
-#include "edit/edit_support.h"
-#include "edit/mesh_change.h"
-#include "edit/tessellator.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "base/progress.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "edit/mesh/mesh_change.h"
+#include "edit/mesh/tessellator.h"
 #include "model/freed.h"
 #include "model/object_internal.h"
 #include "model/owners.h"
-#include "view/redraw.h"
 
 #include <numeric>
 

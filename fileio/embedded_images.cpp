@@ -1,11 +1,11 @@
 #include "fileio/embedded_images.h"
 
-#include "app/file_report.h"
-#include "app/filename.h"
-#include "app/messages_internal.h"
-#include "app/session_state.h"
-#include "fileio/atomic_file.h"
-#include "view/textures.h"
+#include "base/atomic_file.h"
+#include "base/file_report.h"
+#include "base/filename.h"
+#include "base/messages_internal.h"
+#include "base/session_state.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,7 +1,7 @@
 #ifndef VESK_FILEIO_EMBEDDED_IMAGES_H
 #define VESK_FILEIO_EMBEDDED_IMAGES_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 #include <stddef.h>
 

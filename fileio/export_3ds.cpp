@@ -1,18 +1,18 @@
 #include "fileio/export_3ds.h"
 
-#include "app/file_report.h"
-#include "app/filename.h"
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "app/progress.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/file_report.h"
+#include "base/filename.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/progress.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
 #include "model/ear_cut.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <array>

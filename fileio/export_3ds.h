@@ -1,7 +1,7 @@
 #ifndef VESK_FILEIO_EXPORT_3DS_H
 #define VESK_FILEIO_EXPORT_3DS_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

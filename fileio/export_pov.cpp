@@ -2,7 +2,7 @@
 // meshes and children. The world's right-handed axes are kept: the camera's right vector points
 // backwards (pov_right_aspect is negative).
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "fileio/export_scene.h"
 #include "model/bounds.h"
 #include "model/lights.h"

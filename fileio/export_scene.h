@@ -5,8 +5,8 @@
 // then the tree, each object cut into parts of one material, shading and kind. A format is a record
 // of small functions that append text.
 
-#include "app/numbers.h"
-#include "app/progress.h"
+#include "base/numbers.h"
+#include "base/progress.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"
 

@@ -1,19 +1,19 @@
 #include "fileio/export_vrml2.h"
 
-#include "app/file_report.h"
-#include "app/filename.h"
-#include "app/messages_internal.h"
-#include "app/numbers.h"
-#include "app/prefs.h"
-#include "app/progress.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/file_report.h"
+#include "base/filename.h"
+#include "base/messages_internal.h"
+#include "base/numbers.h"
+#include "base/prefs.h"
+#include "base/progress.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/lights.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
-#include "view/textures.h"
 
 #include <cstdio>
 #include <string>

@@ -1,8 +1,8 @@
 #include "fileio/foreign_scene.h"
 
-#include "app/file_report.h"
-#include "app/filename.h"
-#include "app/messages.h"
+#include "base/file_report.h"
+#include "base/filename.h"
+#include "base/messages.h"
 #include "fileio/embedded_images.h"
 #include "fileio/helper_process.h"
 #include "fileio/import_mesh.h"
@@ -12,7 +12,7 @@
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <cerrno>

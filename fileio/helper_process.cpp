@@ -1,9 +1,9 @@
 #include "fileio/helper_process.h"
 
-#include "app/filename.h"
-#include "app/home.h"
-#include "app/progress.h"
-#include "app/ui_port.h"
+#include "base/filename.h"
+#include "base/home.h"
+#include "base/progress.h"
+#include "base/ui_port.h"
 
 #include <algorithm>
 #include <cerrno>

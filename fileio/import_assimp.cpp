@@ -1,6 +1,6 @@
 #include "fileio/import_assimp.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "fileio/foreign_scene.h"
 #include "model/change_marks.h"
 #include "model/each.h"

@@ -1,10 +1,10 @@
 #include "fileio/import_bsp.h"
 
-#include "app/filename.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/filename.h"
 #include "fileio/import_mesh.h"
 #include "model/object_tree.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <array>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #include "fileio/import_lightwave.h"
 
-#include "app/filename.h"
-#include "app/numbers.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/filename.h"
+#include "base/numbers.h"
 #include "fileio/foreign_scene.h"
 #include "fileio/import_mesh.h"
 #include "model/change_marks.h"

@@ -1,10 +1,10 @@
 // Lightwave objects of the older kind (FORM LWOB): points, polygons, and surfaces with colour, picture
 // and a few values. Left-handed: z is turned round, and so are the outlines.
-#include "app/messages.h"
+#include "base/messages.h"
 #include "fileio/import_lightwave.h"
 #include "fileio/import_mesh.h"
 #include "model/palette.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <cstdint>
 #include <cstring>

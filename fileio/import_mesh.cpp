@@ -1,7 +1,7 @@
 #include "fileio/import_mesh.h"
 
-#include "app/filename.h"
-#include "app/messages.h"
+#include "base/filename.h"
+#include "base/messages.h"
 #include "model/normals.h"
 #include "model/palette.h"
 

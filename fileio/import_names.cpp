@@ -1,6 +1,6 @@
 #include "fileio/import_names.h"
 
-#include "app/file_report.h"
+#include "base/file_report.h"
 #include "fileio/tree_reader.h"
 #include "fileio/vesk_format.h"
 #include "model/alloc_internal.h"

@@ -1,8 +1,8 @@
 #include "fileio/import_text.h"
 
-#include "app/numbers.h"
-#include "app/progress.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/numbers.h"
+#include "base/progress.h"
 #include "fileio/import_mesh.h"
 #include "model/object_tree.h"
 

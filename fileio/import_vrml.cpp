@@ -1,12 +1,12 @@
 #include "fileio/import_vrml.h"
 
-#include "app/messages.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/messages.h"
 #include "fileio/vrml1_shapes.h"
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "fileio/output.h"
 
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
 #include "fileio/write_report.h"
 
 #include <memory>

@@ -1,9 +1,9 @@
 #include "fileio/rescue.h"
 
-#include "app/crash_guard.h"
-#include "app/current_file.h"
-#include "app/messages.h"
-#include "edit/journal.h"
+#include "base/crash_guard.h"
+#include "base/current_file.h"
+#include "base/messages.h"
+#include "edit/document/journal.h"
 #include "fileio/state_writer.h"
 
 #include <algorithm>

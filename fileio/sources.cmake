@@ -1,7 +1,7 @@
-# Files of fileio/.
+# Files of fileio/: readers and writers.
 target_sources(vesk_core PRIVATE
-    fileio/atomic_file.cpp
     fileio/backup.cpp
+    fileio/clipboard.cpp
     fileio/embedded_images.cpp
     fileio/export_3ds.cpp
     fileio/export_commands.cpp
@@ -10,10 +10,8 @@ target_sources(vesk_core PRIVATE
     fileio/export_pov.cpp
     fileio/export_rib.cpp
     fileio/export_vrml2.cpp
-    fileio/file_text.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp
-    fileio/image_png.cpp
     fileio/import_assimp.cpp
     fileio/import_bsp.cpp
     fileio/import_lightwave.cpp
@@ -26,17 +24,18 @@ target_sources(vesk_core PRIVATE
     fileio/rescue.cpp
     fileio/scene_stream.cpp
     fileio/state_writer.cpp
+    fileio/text_objects.cpp
     fileio/tree_reader.cpp
     fileio/tree_reader_geometry.cpp
     fileio/tree_reader_keywords.cpp
     fileio/vesk_frames.cpp
-    fileio/vrml1_scan.cpp
-    fileio/write_report.cpp
-    fileio/vrml1_shapes.cpp
     fileio/vesk_old.cpp
     fileio/vesk_old_writer.cpp
     fileio/vesk_reader.cpp
     fileio/vesk_reader_messages.cpp
     fileio/vesk_scan.cpp
     fileio/vesk_writer.cpp
+    fileio/vrml1_scan.cpp
+    fileio/vrml1_shapes.cpp
+    fileio/write_report.cpp
 )

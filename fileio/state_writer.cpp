@@ -1,9 +1,9 @@
 #include "fileio/state_writer.h"
 
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
 #include "fileio/vesk_format.h"
 #include "model/matrix.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -5,7 +5,7 @@
 // names of textures. Nothing here touches the current file, the writer's list of materials or the
 // toolkit; any thread may call it.
 
-#include "edit/model_state.h"
+#include "edit/document/model_state.h"
 
 #include <string>
 

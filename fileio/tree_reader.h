@@ -5,10 +5,10 @@
 // across lines. It keeps the nested object blocks on a stack of its own, so that any depth up to
 // the limit loads, and takes every count in the file as a claim: nothing is allocated by it.
 
-#include "app/messages_internal.h"
-#include "app/numbers.h"
-#include "app/tokens.h"
-#include "fileio/file_text.h"
+#include "base/file_text.h"
+#include "base/messages_internal.h"
+#include "base/numbers.h"
+#include "base/tokens.h"
 #include "fileio/vesk_reader_internal.h"
 #include "fileio/vesk_scan.h"
 #include "model/palette_internal.h"

@@ -1,6 +1,6 @@
 // What the keywords of an object block do.
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "edit/primitives.h"
 #include "edit/transform.h"
 #include "fileio/tree_reader.h"
@@ -10,7 +10,7 @@
 #include "model/lights.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <utility>

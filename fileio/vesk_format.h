@@ -5,7 +5,7 @@
 // `+= const char *` and `append(const char *, size_t)`. A std::string does; so does the sink of the
 // rescue copy, which works when nothing may be allocated any more.
 
-#include "app/numbers.h"
+#include "base/numbers.h"
 #include "fileio/vesk_writer_internal.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"

@@ -21,10 +21,10 @@
 //
 // A line that is none of these is an error and nothing is loaded.
 
-#include "app/messages_internal.h"
-#include "app/numbers.h"
-#include "app/tokens.h"
-#include "fileio/file_text.h"
+#include "base/file_text.h"
+#include "base/messages_internal.h"
+#include "base/numbers.h"
+#include "base/tokens.h"
 #include "fileio/vesk_reader_internal.h"
 #include "fileio/vesk_scan.h"
 #include "model/change_marks.h"
@@ -33,7 +33,7 @@
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <cstring>

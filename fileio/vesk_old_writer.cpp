@@ -1,17 +1,17 @@
 // The writer of the older line vocabulary; its grammar stands in vesk_old.cpp.
 
-#include "app/current_file.h"
-#include "app/file_report.h"
-#include "app/messages_internal.h"
-#include "app/progress.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/current_file.h"
+#include "base/file_report.h"
+#include "base/messages_internal.h"
+#include "base/progress.h"
 #include "fileio/vesk_format.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <cstdio>

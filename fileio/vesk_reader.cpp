@@ -1,7 +1,7 @@
 #include "fileio/vesk_reader.h"
 
-#include "app/current_file.h"
-#include "app/messages_internal.h"
+#include "base/current_file.h"
+#include "base/messages_internal.h"
 #include "edit/transform.h"
 #include "fileio/tree_reader.h"
 #include "model/change_marks.h"
@@ -9,7 +9,7 @@
 #include "model/frame.h"
 #include "model/matrix.h"
 #include "model/normals.h"
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 

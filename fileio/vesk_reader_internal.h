@@ -1,7 +1,7 @@
 #ifndef VESK_FILEIO_VESK_READER_INTERNAL_H
 #define VESK_FILEIO_VESK_READER_INTERNAL_H
 
-#include "app/types.h"
+#include "base/types.h"
 #include "fileio/vesk_reader.h"
 
 #include <optional>

@@ -1,6 +1,6 @@
 // What the readers of model files tell the user.
 
-#include "app/messages_internal.h"
+#include "base/messages_internal.h"
 #include "fileio/vesk_reader_internal.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "fileio/vesk_scan.h"
 
-#include "app/numbers.h"
+#include "base/numbers.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,9 +1,9 @@
 // The native writer. The model's world coordinates become coordinates relative to the parent; the
 // text of big objects is formatted in blocks by two threads and written in order.
 
-#include "app/current_file.h"
-#include "app/messages_internal.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/current_file.h"
+#include "base/messages_internal.h"
 #include "fileio/vesk_format.h"
 #include "fileio/write_report.h"
 #include "model/alloc_internal.h"
@@ -11,8 +11,8 @@
 #include "model/flat_mesh.h"
 #include "model/list.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <atomic>

@@ -3,7 +3,7 @@
 
 // VRML 1.0 texts as words, and a node's fields as ranges of them.
 
-#include "app/progress.h"
+#include "base/progress.h"
 
 #include <cstdint>
 #include <map>

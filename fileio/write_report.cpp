@@ -1,7 +1,7 @@
 #include "fileio/write_report.h"
 
-#include "app/messages.h"
-#include "fileio/atomic_file.h"
+#include "base/atomic_file.h"
+#include "base/messages.h"
 
 void tell_cannot_write(const char *name)
 {

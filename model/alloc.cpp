@@ -1,4 +1,4 @@
-#include "app/messages_internal.h"
+#include "base/messages_internal.h"
 #include "model/alloc_internal.h"
 #include "model/list_internal.h"
 

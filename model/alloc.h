@@ -1,7 +1,7 @@
 #ifndef VESK_MODEL_ALLOC_H
 #define VESK_MODEL_ALLOC_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

@@ -1,4 +1,4 @@
-#include "app/messages_internal.h"
+#include "base/messages_internal.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/property.h"

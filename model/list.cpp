@@ -1,4 +1,4 @@
-#include "app/messages_internal.h"
+#include "base/messages_internal.h"
 #include "model/alloc.h"
 #include "model/each.h"
 #include "model/list_internal.h"

@@ -1,7 +1,7 @@
 #ifndef VESK_MODEL_LIST_H
 #define VESK_MODEL_LIST_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

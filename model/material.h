@@ -1,7 +1,7 @@
 #ifndef VESK_MODEL_MATERIAL_H
 #define VESK_MODEL_MATERIAL_H
 
-#include "app/types.h"
+#include "base/types.h"
 #include "model/list.h"
 
 VESK_BEGIN_DECLS

@@ -5,7 +5,7 @@
    Products are computed in double and stored in single precision. A frame is a rotation and a
    translation: p x R + T. */
 
-#include "app/types.h"
+#include "base/types.h"
 #include "model/list.h"
 
 VESK_BEGIN_DECLS

@@ -1,6 +1,6 @@
 #include "model/normals.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/vector.h"

@@ -5,7 +5,7 @@
    surface is an ordered list of references to vertices of the same object. Positions are in world
    coordinates. */
 
-#include "app/types.h"
+#include "base/types.h"
 #include "model/list.h"
 
 VESK_BEGIN_DECLS

@@ -1,4 +1,4 @@
-# Files of model/: all belong to the core.
+# Files of model/: the scene.
 target_sources(vesk_core PRIVATE
     model/alloc.cpp
     model/bounds.cpp
@@ -23,4 +23,11 @@ target_sources(vesk_core PRIVATE
     model/property.cpp
     model/world.cpp
     model/world_check.cpp
+    model/textures/image_bmp.cpp
+    model/textures/image_decode.cpp
+    model/textures/image_gif.cpp
+    model/textures/image_sgi.cpp
+    model/textures/texture_preview.cpp
+    model/textures/texture_search.cpp
+    model/textures/textures.cpp
 )

@@ -3,7 +3,7 @@
 
 // Arithmetic on points: in double where a sum of products is formed, stored in single precision.
 
-#include "app/types.h"
+#include "base/types.h"
 
 #include <cmath>
 

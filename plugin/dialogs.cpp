@@ -1,8 +1,8 @@
 #include "plugin/dialogs.h"
 
-#include "app/command_result.h"
-#include "app/messages_internal.h"
-#include "app/session_state.h"
+#include "base/command_result.h"
+#include "base/messages_internal.h"
+#include "base/session_state.h"
 
 #include <string>
 

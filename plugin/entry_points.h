@@ -1,7 +1,7 @@
 #ifndef VESK_PLUGIN_ENTRY_POINTS_H
 #define VESK_PLUGIN_ENTRY_POINTS_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

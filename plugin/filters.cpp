@@ -1,8 +1,8 @@
 #include "plugin/filters.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
 #include "model/freed.h"

@@ -1,7 +1,7 @@
 #ifndef VESK_PLUGIN_IMPORTERS_H
 #define VESK_PLUGIN_IMPORTERS_H
 
-#include "app/types.h"
+#include "base/types.h"
 #include "model/object.h"
 
 VESK_BEGIN_DECLS

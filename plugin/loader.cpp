@@ -1,10 +1,10 @@
 #include "plugin/loader.h"
 
-#include "app/crash_guard.h"
-#include "app/filename.h"
-#include "app/home.h"
-#include "app/messages_internal.h"
-#include "app/ui_port.h"
+#include "base/crash_guard.h"
+#include "base/filename.h"
+#include "base/home.h"
+#include "base/messages_internal.h"
+#include "base/ui_port.h"
 #include "model/change_marks.h"
 
 #include <algorithm>

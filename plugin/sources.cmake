@@ -1,3 +1,4 @@
+# Files of plugin/: what others extend.
 target_sources(vesk_core PRIVATE
     plugin/dialogs.cpp
     plugin/exporters.cpp

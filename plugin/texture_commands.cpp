@@ -1,12 +1,12 @@
 #include "plugin/texture_commands.h"
 
-#include "app/messages.h"
-#include "edit/edit_support.h"
-#include "edit/undo.h"
+#include "base/messages.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
+#include "model/textures/textures.h"
 #include "plugin/dialogs.h"
 #include "view/background.h"
-#include "view/redraw.h"
-#include "view/textures.h"
 #include "view/views_internal.h"
 
 #include <string>

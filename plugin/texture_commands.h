@@ -1,7 +1,7 @@
 #ifndef VESK_PLUGIN_TEXTURE_COMMANDS_H
 #define VESK_PLUGIN_TEXTURE_COMMANDS_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_BACKGROUND_H
 #define VESK_VIEW_BACKGROUND_H
 
-#include "view/textures.h"
+#include "model/textures/textures.h"
 
 // The image behind an orthographic view. It belongs to the place in the world where it was put: it
 // pans and zooms with the view.

@@ -1,13 +1,13 @@
 // Deliberate throughout: the matrix is indexed row * 4 + column and its columns are the viewer's
 // side, up and direction. Element 6 belongs to two of them and element 9 is never set by
 // person_set_direction; the drawing therefore takes the side and the direction only.
-#include "app/command_result.h"
-#include "app/messages_internal.h"
-#include "app/prefs.h"
-#include "app/progress.h"
-#include "app/ui_port.h"
+#include "base/command_result.h"
+#include "base/messages_internal.h"
+#include "base/prefs.h"
+#include "base/progress.h"
+#include "base/redraw.h"
+#include "base/ui_port.h"
 #include "view/camera_internal.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_CAMERA_H
 #define VESK_VIEW_CAMERA_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 VESK_BEGIN_DECLS
 

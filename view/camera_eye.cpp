@@ -1,9 +1,9 @@
 // How the viewer's record becomes the transform of the 3D view: eye = axes * (scale * spin * (p -
 // origin) + offset - location). Spin turns about y first and then about x, so that the model's own
 // up axis stays upright on the screen.
-#include "app/prefs.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
 #include "view/camera_internal.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "view/drag_echo.h"
 
-#include "app/echo.h"
-#include "app/messages.h"
-#include "edit/element_text.h"
-#include "edit/journal.h"
+#include "base/echo.h"
+#include "base/messages.h"
+#include "edit/document/element_text.h"
+#include "edit/document/journal.h"
 
 namespace {
 

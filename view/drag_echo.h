@@ -1,8 +1,8 @@
 #ifndef VESK_VIEW_DRAG_ECHO_H
 #define VESK_VIEW_DRAG_ECHO_H
 
+#include "edit/document/selection.h"
 #include "edit/drag_transform.h"
-#include "edit/selection.h"
 
 #include <string>
 #include <vector>

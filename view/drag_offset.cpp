@@ -1,6 +1,6 @@
 #include "view/drag_offset.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "edit/snap.h"
 #include "model/vector.h"
 #include "view/camera_internal.h"

@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_DRAG_OFFSET_H
 #define VESK_VIEW_DRAG_OFFSET_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 // World offsets of drags, and bringing what is dragged to where it snaps.
 

@@ -1,6 +1,6 @@
 #include "view/extrude_preview.h"
 
-#include "edit/selection.h"
+#include "edit/document/selection.h"
 #include "model/each.h"
 #include "model/normals.h"
 #include "model/object.h"

@@ -1,13 +1,13 @@
 #include "view/fit.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "edit/selection_internal.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "edit/document/selection_internal.h"
 #include "model/bounds.h"
 #include "model/vector.h"
 #include "model/world.h"
 #include "view/camera_internal.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

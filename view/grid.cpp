@@ -1,6 +1,6 @@
 #include "view/grid.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "edit/snap.h"
 #include "view/projection.h"
 #include "view/views_internal.h"

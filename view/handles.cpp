@@ -1,8 +1,8 @@
 #include "view/handles.h"
 
-#include "app/prefs.h"
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
+#include "base/prefs.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
 #include "view/interaction.h"
 #include "view/projection.h"
 #include "view/views_internal.h"

@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_HANDLES_H
 #define VESK_VIEW_HANDLES_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 // The selection's box in an orthographic view and its handles, in window pixels: one description
 // for drawing and for the mouse.

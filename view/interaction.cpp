@@ -1,12 +1,12 @@
 #include "view/interaction.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
 #include "model/vector.h"
 #include "view/axis_cross.h"
 #include "view/camera_internal.h"
 #include "view/draw_budget.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

@@ -3,19 +3,19 @@
 
 #include "view/keys.h"
 
-#include "app/command_registry.h"
-#include "app/messages_internal.h"
-#include "app/prefs.h"
-#include "app/ui_port.h"
-#include "edit/modes.h"
+#include "base/command_registry.h"
+#include "base/messages_internal.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "base/ui_port.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
 #include "edit/object_flags.h"
-#include "edit/selection_internal.h"
 #include "model/each.h"
 #include "model/world.h"
 #include "view/background.h"
 #include "view/camera.h"
 #include "view/fit.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <cctype>

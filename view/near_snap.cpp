@@ -1,7 +1,7 @@
 #include "view/near_snap.h"
 
-#include "app/prefs.h"
-#include "edit/selection_scan.h"
+#include "base/prefs.h"
+#include "edit/document/selection_scan.h"
 #include "edit/snap.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"

@@ -1,7 +1,7 @@
 #include "view/number_field.h"
 
-#include "app/messages.h"
-#include "app/numbers.h"
+#include "base/messages.h"
+#include "base/numbers.h"
 
 #include <cstring>
 #include <string>

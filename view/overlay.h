@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_OVERLAY_H
 #define VESK_VIEW_OVERLAY_H
 
-#include "app/types.h"
+#include "base/types.h"
 
 #include <vector>
 

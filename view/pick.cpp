@@ -1,6 +1,6 @@
 #include "view/pick.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"

@@ -1,6 +1,6 @@
 #include "view/pick_edge.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"

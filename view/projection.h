@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_PROJECTION_H
 #define VESK_VIEW_PROJECTION_H
 
-#include "app/types.h"
+#include "base/types.h"
 #include "model/object.h"
 
 VESK_BEGIN_DECLS

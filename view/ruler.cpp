@@ -1,10 +1,10 @@
 #include "view/ruler.h"
 
-#include "app/command_result.h"
-#include "app/messages.h"
-#include "app/numbers.h"
+#include "base/command_result.h"
+#include "base/messages.h"
+#include "base/numbers.h"
+#include "base/redraw.h"
 #include "edit/measure.h"
-#include "view/redraw.h"
 
 #include <cmath>
 #include <cstdio>

@@ -1,4 +1,4 @@
-# Files of view/: the core's first, then the shell's.
+# Files of view/: views and the tools of the mouse.
 target_sources(vesk_core PRIVATE
     view/axis_cross.cpp
     view/background.cpp
@@ -10,59 +10,28 @@ target_sources(vesk_core PRIVATE
     view/extrude_preview.cpp
     view/fit.cpp
     view/grid.cpp
-    view/image_bmp.cpp
-    view/image_decode.cpp
-    view/image_gif.cpp
-    view/image_sgi.cpp
+    view/handles.cpp
     view/interaction.cpp
     view/keys.cpp
-    view/material_ball.cpp
-    view/mesh_layout.cpp
-    view/pick.cpp
-    view/pick_edge.cpp
-    view/handles.cpp
     view/near_snap.cpp
     view/number_field.cpp
     view/overlay.cpp
+    view/pick.cpp
+    view/pick_edge.cpp
     view/projection.cpp
-    view/redraw.cpp
     view/ruler.cpp
     view/screen_ray.cpp
-    view/selection_marks.cpp
-    view/texture_preview.cpp
-    view/texture_search.cpp
-    view/textures.cpp
     view/tool_create.cpp
     view/tool_extra.cpp
     view/tool_insert.cpp
     view/tool_left.cpp
     view/tool_measure.cpp
     view/tool_select.cpp
-    view/view_picture.cpp
     view/tool_transform.cpp
     view/uv_drag.cpp
     view/uv_view.cpp
+    view/view_picture.cpp
     view/views.cpp
-)
-target_sources(vesk PRIVATE
-    view/draw_3d_gl.cpp
-    view/draw_buffers_gl.cpp
-    view/draw_device_gl.cpp
-    view/draw_grid_gl.cpp
-    view/draw_marks_gl.cpp
-    view/draw_orth_gl.cpp
-    view/draw_overlay_gl.cpp
-    view/draw_scene_gl.cpp
-    view/draw_text_gl.cpp
-    view/draw_textures_gl.cpp
-    view/draw_view_gl.cpp
-    view/draw_uv_gl.cpp
-    view/font_atlas.cpp
-    view/offscreen_gl.cpp
-    view/thumbnail_gl.cpp
-    view/uv_window_tk.cpp
-    view/view_commands_tk.cpp
-    view/views_tk.cpp
 )
 
 # The texts inside the views: fonts rasterised at build time.

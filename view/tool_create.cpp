@@ -1,12 +1,13 @@
 #include "view/tool_create.h"
 
-#include "app/coor_display.h"
-#include "app/echo.h"
-#include "app/messages.h"
-#include "app/prefs.h"
+#include "base/coor_display.h"
+#include "base/echo.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
 #include "edit/create.h"
-#include "edit/journal.h"
-#include "edit/modes.h"
+#include "edit/document/journal.h"
+#include "edit/document/modes.h"
 #include "edit/snap.h"
 #include "model/bounds.h"
 #include "model/lights.h"
@@ -17,7 +18,6 @@
 #include "view/number_field.h"
 #include "view/overlay.h"
 #include "view/projection.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "view/tool_extra.h"
 
-#include "app/messages.h"
-#include "app/messages_internal.h"
-#include "edit/modes.h"
-#include "view/redraw.h"
+#include "base/messages.h"
+#include "base/messages_internal.h"
+#include "base/redraw.h"
+#include "edit/document/modes.h"
 #include "view/tool_create.h"
 #include "view/tool_insert.h"
 #include "view/tool_measure.h"

@@ -1,17 +1,17 @@
 #include "view/tool_insert.h"
 
-#include "app/coor_display.h"
-#include "app/echo.h"
-#include "app/messages.h"
-#include "app/prefs.h"
+#include "base/coor_display.h"
+#include "base/echo.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "edit/document/journal.h"
 #include "edit/insert_vertex.h"
-#include "edit/journal.h"
 #include "edit/snap.h"
 #include "model/identity.h"
 #include "view/drag_echo.h"
 #include "view/interaction.h"
 #include "view/pick_edge.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_TOOL_INSERT_H
 #define VESK_VIEW_TOOL_INSERT_H
 
-#include "app/types.h"
+#include "base/types.h"
 #include "view/tool_extra.h"
 
 // Inserts a vertex where an edge is clicked, in any view: the edge under the pointer and the place on

@@ -1,8 +1,8 @@
 #include "view/tool_left.h"
 
-#include "edit/modes.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
 #include "edit/panel_transform.h"
-#include "edit/selection_internal.h"
 #include "view/handles.h"
 #include "view/interaction.h"
 #include "view/number_field.h"

@@ -2,15 +2,15 @@
 // move, turn and scale what is chosen. Every step is computed from the coordinates at the press; the
 // release is one undo record.
 
-#include "app/echo.h"
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "edit/journal.h"
-#include "edit/selection.h"
-#include "edit/uv_replay.h"
+#include "base/echo.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "edit/document/journal.h"
+#include "edit/document/selection.h"
+#include "edit/uv/uv_replay.h"
 #include "view/drag_echo.h"
 #include "view/number_field.h"
-#include "view/redraw.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 

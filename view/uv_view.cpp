@@ -1,13 +1,13 @@
 #include "view/uv_view.h"
 
-#include "app/messages.h"
-#include "app/prefs.h"
-#include "app/ui_port.h"
-#include "edit/journal.h"
-#include "edit/selection.h"
-#include "edit/uv_replay.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "base/ui_port.h"
+#include "edit/document/journal.h"
+#include "edit/document/selection.h"
+#include "edit/uv/uv_replay.h"
 #include "view/drag_echo.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

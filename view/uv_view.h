@@ -5,7 +5,7 @@
 // Positions, buttons and keys in; changes of the choice and of the coordinates out. Window pixels
 // have their origin at the top left; u goes to the right, v upwards.
 
-#include "edit/uv_edit.h"
+#include "edit/uv/uv_edit.h"
 #include "view/handles.h"
 #include "view/interaction.h"
 

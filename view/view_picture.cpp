@@ -1,11 +1,11 @@
 #include "view/view_picture.h"
 
-#include "app/current_file.h"
-#include "app/filename.h"
-#include "app/messages.h"
-#include "app/ui_port.h"
-#include "fileio/atomic_file.h"
-#include "fileio/image_png.h"
+#include "base/atomic_file.h"
+#include "base/current_file.h"
+#include "base/filename.h"
+#include "base/image_png.h"
+#include "base/messages.h"
+#include "base/ui_port.h"
 #include "view/views.h"
 
 #include <cstdlib>

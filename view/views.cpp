@@ -1,9 +1,9 @@
-#include "app/command_result.h"
-#include "app/prefs.h"
-#include "app/ui_port.h"
+#include "base/command_result.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "base/ui_port.h"
 #include "model/alloc.h"
 #include "view/camera.h"
-#include "view/redraw.h"
 #include "view/views_internal.h"
 
 #include <cmath>

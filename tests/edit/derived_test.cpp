@@ -1,9 +1,9 @@
 // What is computed from the model and kept beside it: normals and the selection's box. After every
 // command they are what computing them anew gives.
 
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/undo_internal.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo_internal.h"
 #include "model/each.h"
 #include "model/object_tree.h"
 #include "model/world.h"

@@ -2,8 +2,8 @@
 
 #include "edit/extrude.h"
 
-#include "app/prefs.h"
-#include "edit/selection_internal.h"
+#include "base/prefs.h"
+#include "edit/document/selection_internal.h"
 #include "model/each.h"
 #include "model/matrix.h"
 #include "model/vector.h"

@@ -1,12 +1,12 @@
 // Operations that replace surfaces and vertices: what they make, what they leave, and that undo
 // brings everything back.
 
-#include "app/prefs.h"
+#include "base/prefs.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "edit/holes.h"
-#include "edit/modes.h"
 #include "edit/primitives.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
 #include "edit/triangulate.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"

@@ -1,7 +1,7 @@
 #include "edit/group.h"
 
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "fileio/vesk_writer.h"
 #include "model/identity.h"
 #include "model/object_tree.h"

@@ -1,8 +1,8 @@
 #include "edit/hull.h"
 
-#include "app/prefs.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
+#include "base/prefs.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "fileio/vesk_writer.h"
 #include "model/object_tree.h"
 #include "model/vector.h"

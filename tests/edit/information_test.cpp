@@ -1,6 +1,6 @@
 // What the commands that only answer say.
 
-#include "edit/selection_internal.h"
+#include "edit/document/selection_internal.h"
 #include "model/change_marks.h"
 #include "model/identity.h"
 #include "model/lights.h"

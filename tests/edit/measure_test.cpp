@@ -1,6 +1,6 @@
 // What the selection measures, from hand-worked bodies.
 
-#include "edit/selection.h"
+#include "edit/document/selection.h"
 #include "model/each.h"
 #include "model/object_tree.h"
 #include "model/world.h"

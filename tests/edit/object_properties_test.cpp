@@ -1,7 +1,7 @@
 // Properties of several objects at once, and their places in the tree.
 
-#include "edit/selection.h"
-#include "edit/undo.h"
+#include "edit/document/selection.h"
+#include "edit/document/undo.h"
 #include "model/each.h"
 #include "model/identity.h"
 #include "model/object_tree.h"

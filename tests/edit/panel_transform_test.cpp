@@ -2,8 +2,8 @@
 
 #include "edit/panel_transform.h"
 
-#include "edit/selection.h"
-#include "edit/undo_internal.h"
+#include "edit/document/selection.h"
+#include "edit/document/undo_internal.h"
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/world.h"

@@ -1,16 +1,16 @@
 #include "edit/pieces.h"
 
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "fileio/vesk_writer.h"
 #include "model/change_marks.h"
 #include "model/lights.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
 #include "model/world_check.h"
 #include "tests/support/mesh_test.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <random>

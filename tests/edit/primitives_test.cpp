@@ -1,7 +1,7 @@
 #include "edit/primitives.h"
 
-#include "app/prefs.h"
-#include "edit/uvmap.h"
+#include "base/prefs.h"
+#include "edit/uv/uvmap.h"
 #include "model/identity.h"
 #include "model/normals.h"
 #include "model/world.h"

@@ -1,9 +1,9 @@
 #include "edit/revolve.h"
 
-#include "app/prefs.h"
+#include "base/prefs.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/link_surfaces.h"
-#include "edit/selection_internal.h"
-#include "edit/undo.h"
 #include "model/each.h"
 #include "model/matrix.h"
 #include "model/object_internal.h"

@@ -1,11 +1,12 @@
 // Snapping: points to the grid, vertices to each other, objects by their vertices.
 
 #include "edit/snap.h"
+#include "view/near_snap.h"
 
-#include "app/prefs.h"
-#include "edit/nearest_points.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
+#include "base/prefs.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/mesh/nearest_points.h"
 #include "edit/weld.h"
 #include "model/each.h"
 #include "model/matrix.h"

@@ -1,33 +1,31 @@
 target_sources(vesk_tests PRIVATE
-    edit/clipboard_test.cpp
     edit/derived_test.cpp
-    edit/extrude_test.cpp
     edit/edge_mesh_test.cpp
+    edit/extrude_test.cpp
     edit/geometry_test.cpp
-    edit/information_test.cpp
-    edit/journal_test.cpp
     edit/group_test.cpp
     edit/hull_test.cpp
+    edit/information_test.cpp
     edit/many_objects_test.cpp
     edit/measure_test.cpp
-    edit/mesh_change_test.cpp
-    edit/primitives_test.cpp
-    edit/model_check_test.cpp
+    edit/object_properties_test.cpp
     edit/panel_transform_test.cpp
     edit/pieces_test.cpp
-    edit/object_properties_test.cpp
+    edit/primitives_test.cpp
     edit/revolve_test.cpp
-    edit/selection_test.cpp
-    edit/session_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
-    edit/state_undo_test.cpp
-    edit/tessellator_test.cpp
-    edit/text_objects_test.cpp
     edit/transform_test.cpp
-    edit/undo_test.cpp
-    edit/uv_keep_test.cpp
-    edit/uv_layout_test.cpp
-    edit/uv_test.cpp
     edit/weld_test.cpp
+    edit/mesh/mesh_change_test.cpp
+    edit/mesh/tessellator_test.cpp
+    edit/document/journal_test.cpp
+    edit/document/selection_test.cpp
+    edit/document/session_test.cpp
+    edit/document/state_undo_test.cpp
+    edit/document/undo_test.cpp
+    edit/uv/uv_keep_test.cpp
+    edit/uv/uv_layout_test.cpp
+    edit/uv/uv_test.cpp
+    edit/check/model_check_test.cpp
 )

@@ -1,10 +1,10 @@
 // Operations that give surfaces more vertices, or make new ones: what they make, what their
 // neighbours get, and that undo brings everything back.
 
-#include "app/prefs.h"
-#include "edit/outline.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
+#include "base/prefs.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/mesh/outline.h"
 #include "model/each.h"
 #include "model/normals.h"
 #include "model/vector.h"

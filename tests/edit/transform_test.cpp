@@ -2,12 +2,12 @@
 
 #include "edit/transform.h"
 
-#include "app/prefs.h"
-#include "edit/modes.h"
+#include "base/prefs.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "edit/primitives.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/undo.h"
 #include "model/change_marks.h"
 #include "model/object_tree.h"
 #include "model/vector.h"

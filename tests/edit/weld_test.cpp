@@ -1,9 +1,9 @@
 // Welding, unsharing and cleaning: exactly what the plain definitions say, on any mesh.
 
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/mesh/vertex_use.h"
 #include "edit/optimize.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/vertex_use.h"
 #include "model/each.h"
 #include "model/identity.h"
 #include "model/object_tree.h"

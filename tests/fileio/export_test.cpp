@@ -2,16 +2,16 @@
 // brackets, quotes and comments), hold hand-checked fragments, and survive names that try to break
 // out of it.
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
+#include "tests/model/textures/image_writer.h"
 #include "tests/support/scene_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <array>

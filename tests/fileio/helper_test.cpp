@@ -1,7 +1,7 @@
 // The process that reads other formats: whatever it does, the session goes on and the user is told.
 
-#include "app/home.h"
-#include "app/progress.h"
+#include "base/home.h"
+#include "base/progress.h"
 #include "fileio/helper_process.h"
 #include "fileio/scene_stream.h"
 #include "tests/fileio/foreign_files.h"

@@ -1,19 +1,19 @@
 // Files of other formats: what comes of them, and what comes of damaged ones.
 
-#include "app/crash_guard.h"
-#include "app/home.h"
-#include "app/prefs.h"
+#include "base/crash_guard.h"
+#include "base/home.h"
+#include "base/prefs.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/lights.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
 #include "tests/fileio/foreign_files.h"
+#include "tests/model/textures/image_writer.h"
 #include "tests/support/damage.h"
 #include "tests/support/scene_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
 
 #include <random>
 

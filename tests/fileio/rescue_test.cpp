@@ -1,8 +1,8 @@
 #include "fileio/rescue.h"
 
-#include "app/crash_guard.h"
-#include "app/current_file.h"
-#include "edit/journal.h"
+#include "base/crash_guard.h"
+#include "base/current_file.h"
+#include "edit/document/journal.h"
 #include "fileio/backup.h"
 #include "fileio/state_writer.h"
 #include "fileio/vesk_writer.h"

@@ -1,9 +1,11 @@
 target_sources(vesk_tests PRIVATE
+    fileio/clipboard_test.cpp
     fileio/export_test.cpp
     fileio/foreign_files.cpp
     fileio/helper_test.cpp
     fileio/import_test.cpp
     fileio/rescue_test.cpp
+    fileio/text_objects_test.cpp
     fileio/vesk_reader_test.cpp
     fileio/vesk_roundtrip_test.cpp
     fileio/vrml2_test.cpp

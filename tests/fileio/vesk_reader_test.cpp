@@ -1,14 +1,14 @@
 #include "fileio/vesk_reader.h"
 
-#include "app/current_file.h"
-#include "app/messages_internal.h"
+#include "base/current_file.h"
+#include "base/messages_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
 #include "tests/fileio/file_cases.h"
+#include "tests/model/textures/image_writer.h"
 #include "tests/support/scene_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
 
 #include <sstream>
 

@@ -1,15 +1,15 @@
 // The VRML 2 writer: its texts for hand-made scenes, and a small grammar check of whole files.
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "fileio/export_vrml2.h"
 #include "model/change_marks.h"
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
+#include "tests/model/textures/image_writer.h"
 #include "tests/support/scene_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,7 +1,7 @@
 // What stands in a saved file. Round trips through the reader are in roundtrip_test.cpp.
 
-#include "app/current_file.h"
-#include "edit/selection.h"
+#include "base/current_file.h"
+#include "edit/document/selection.h"
 #include "fileio/vesk_writer.h"
 #include "model/change_marks.h"
 #include "model/each.h"

@@ -1,4 +1,4 @@
-#include "edit/selection.h"
+#include "edit/document/selection.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"

@@ -1,7 +1,7 @@
 // Models that other programs wrote (tests/data/blender/make.py): a turned cube of two materials with
 // a smooth ball below it, and a concave polygon with a texture.
 
-#include "app/file_report.h"
+#include "base/file_report.h"
 #include "model/bounds.h"
 #include "model/palette.h"
 #include "tests/plugin/interchange_fixture.h"

@@ -1,12 +1,12 @@
 // The bundled texture plug-in: files written by another program in every sub-format, compared with
 // what that program reads from them; damaged files; headers that promise more than there is.
 
-#include "app/crash_guard.h"
+#include "base/crash_guard.h"
+#include "model/textures/textures.h"
 #include "plugin/loader.h"
+#include "tests/model/textures/image_writer.h"
 #include "tests/plugin/plugin_test.h"
 #include "tests/support/scene_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
 
 #include <cmath>
 #include <cstdio>

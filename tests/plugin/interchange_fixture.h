@@ -4,13 +4,13 @@
 // The bundled plug-in for foreign formats is loaded, in the home directory of the build; the texture
 // wood.bmp lies in the temporary folder.
 
-#include "app/home.h"
+#include "base/home.h"
 #include "model/each.h"
 #include "model/object_tree.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
+#include "tests/model/textures/image_writer.h"
 #include "tests/plugin/plugin_test.h"
-#include "tests/view/image_writer.h"
-#include "view/textures.h"
 
 class Interchange : public Plugins {
 protected:

@@ -1,8 +1,8 @@
 // The bundled plug-in for OBJ and its neighbours, which knows the program by its public interface
 // alone.
 
-#include "app/file_report.h"
-#include "edit/selection.h"
+#include "base/file_report.h"
+#include "edit/document/selection.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"

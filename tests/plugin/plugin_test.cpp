@@ -2,16 +2,16 @@
 
 #include "tests/plugin/plugin_test.h"
 
-#include "app/home.h"
-#include "app/messages_internal.h"
-#include "edit/selection.h"
+#include "base/home.h"
+#include "base/messages_internal.h"
+#include "edit/document/selection.h"
 #include "model/each.h"
 #include "model/object_tree.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
 #include "plugin/filters.h"
 #include "plugin/importers.h"
-#include "view/textures.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #ifndef VESK_TESTS_PLUGIN_PLUGIN_TEST_H
 #define VESK_TESTS_PLUGIN_PLUGIN_TEST_H
 
-#include "app/crash_guard.h"
+#include "base/crash_guard.h"
 #include "plugin/loader.h"
 #include "tests/support/scene_test.h"
 

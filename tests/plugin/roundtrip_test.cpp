@@ -1,8 +1,8 @@
 // A small world with everything that formats differ in, through each of them and back: what a
 // format can hold is as it was, and what it cannot is told.
 
-#include "app/file_report.h"
-#include "edit/selection.h"
+#include "base/file_report.h"
+#include "edit/document/selection.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"

@@ -1,4 +1,4 @@
-#include "app/crash_guard.h"
+#include "base/crash_guard.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "tests/support/mesh_test.h"
 
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
-#include "edit/undo.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
 #include "fileio/vesk_writer.h"
 #include "model/normals.h"
 #include "model/object_tree.h"

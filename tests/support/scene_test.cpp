@@ -1,19 +1,18 @@
 #include "tests/support/scene_test.h"
 
-#include "app/command_result.h"
-#include "app/command_table.h"
-#include "app/messages_internal.h"
-#include "app/prefs.h"
-#include "app/session_state.h"
-#include "app/ui_port.h"
-#include "edit/clipboard.h"
-#include "edit/journal.h"
-#include "edit/modes.h"
+#include "base/command_result.h"
+#include "base/messages_internal.h"
+#include "base/prefs.h"
+#include "base/session_state.h"
+#include "base/ui_port.h"
+#include "edit/document/journal.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/primitives.h"
-#include "edit/selection_internal.h"
-#include "edit/undo.h"
-#include "edit/uv_editor.h"
-#include "edit/uv_keep.h"
+#include "edit/uv/uv_editor.h"
+#include "edit/uv/uv_keep.h"
+#include "fileio/clipboard.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
@@ -21,6 +20,7 @@
 #include "model/world.h"
 #include "plugin/exporters.h"
 #include "plugin/importers.h"
+#include "program/command_table.h"
 #include "view/uv_view.h"
 
 #include <cstring>
@@ -137,7 +137,7 @@ void SceneTest::SetUp()
     modes_reset_for_test();
     uv_view_reset_for_test();
     uv_editor_reset_for_test();
-    uv_keep_reset_for_test();
+    uv_keep_set(false);
     journal_reset_for_test();
     clipboard_reset_for_test();
     record = {};

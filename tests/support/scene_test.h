@@ -1,7 +1,7 @@
 #ifndef VESK_TESTS_SUPPORT_SCENE_TEST_H
 #define VESK_TESTS_SUPPORT_SCENE_TEST_H
 
-#include "app/command_registry.h"
+#include "base/command_registry.h"
 #include "model/object.h"
 
 #include <gtest/gtest.h>

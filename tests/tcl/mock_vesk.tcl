@@ -1,6 +1,6 @@
 # mock_vesk.tcl --
 #   Stands in for the executable while the interface is worked on: a small fake scene, the
-#   preferences of app/prefs_rows.inc and real Togl widgets.
+#   preferences of base/prefs_rows.inc and real Togl widgets.
 #   usage: wish mock_vesk.tcl HOME_FOLDER [WIDTHxHEIGHT] [script to run when idle]
 #   HOME_FOLDER holds tcl/ and icons/ as the build stages them.
 

@@ -1,4 +1,4 @@
-#include "edit/selection.h"
+#include "edit/document/selection.h"
 #include "tests/view/view_test.h"
 #include "view/axis_cross.h"
 #include "view/fit.h"

@@ -1,10 +1,10 @@
 // Everything that changes or ends a drag: numbers, locks, snapping, cancelling, what comes between.
 
-#include "edit/journal.h"
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
+#include "edit/document/journal.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"

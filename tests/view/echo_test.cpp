@@ -1,9 +1,9 @@
 // What is done with the mouse is echoed as commands that do the same: the drag with events, the
 // lines again on the model before it, and both models saved and compared.
 
-#include "app/current_file.h"
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
+#include "base/current_file.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
 #include "fileio/vesk_writer.h"
 #include "model/each.h"
 #include "model/world.h"

@@ -1,8 +1,8 @@
 // The ruler and the tool that inserts vertices: events in, what is measured and the model out.
 
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
-#include "edit/undo.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"

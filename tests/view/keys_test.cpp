@@ -2,9 +2,9 @@
 
 #include "view/keys.h"
 
-#include "app/prefs.h"
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
+#include "base/prefs.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
 #include "tests/support/scene_test.h"
 #include "view/background.h"
 #include "view/camera_internal.h"

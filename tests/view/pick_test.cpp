@@ -2,10 +2,10 @@
 
 #include "view/pick.h"
 
-#include "app/prefs.h"
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
-#include "edit/selection_scan.h"
+#include "base/prefs.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "edit/transform.h"
 #include "model/change_marks.h"
 #include "model/world.h"

@@ -1,6 +1,6 @@
 #include "view/projection.h"
 
-#include "edit/selection.h"
+#include "edit/document/selection.h"
 #include "edit/snap.h"
 #include "model/change_marks.h"
 #include "tests/view/view_test.h"

@@ -1,16 +1,11 @@
 target_sources(vesk_tests PRIVATE
     view/camera_test.cpp
-    view/image_test.cpp
-    view/image_writer.cpp
     view/drag_test.cpp
     view/echo_test.cpp
     view/extra_tool_test.cpp
     view/keys_test.cpp
-    view/material_ball_test.cpp
-    view/mesh_layout_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp
-    view/texture_test.cpp
     view/tool_test.cpp
     view/uv_view_test.cpp
 )

@@ -1,7 +1,7 @@
 #ifndef VESK_TESTS_VIEW_TOOL_FIXTURE_H
 #define VESK_TESTS_VIEW_TOOL_FIXTURE_H
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "tests/support/scene_test.h"
 #include "view/camera_internal.h"
 #include "view/interaction.h"

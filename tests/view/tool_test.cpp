@@ -1,9 +1,9 @@
 // The left button as a person uses it: events in, the model out.
 
-#include "edit/modes.h"
-#include "edit/selection_internal.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
 #include "edit/transform.h"
-#include "edit/undo.h"
 #include "model/each.h"
 #include "model/world.h"
 #include "tests/view/tool_fixture.h"

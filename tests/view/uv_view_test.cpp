@@ -3,10 +3,10 @@
 
 #include "view/uv_view.h"
 
-#include "app/prefs.h"
-#include "edit/selection_internal.h"
-#include "edit/undo.h"
-#include "edit/uv_editor.h"
+#include "base/prefs.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/undo.h"
+#include "edit/uv/uv_editor.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "tests/support/mesh_test.h"

@@ -1,7 +1,7 @@
 #ifndef VESK_TESTS_VIEW_VIEW_TEST_H
 #define VESK_TESTS_VIEW_VIEW_TEST_H
 
-#include "app/prefs.h"
+#include "base/prefs.h"
 #include "tests/support/scene_test.h"
 #include "view/camera_internal.h"
 #include "view/interaction.h"

@@ -1,0 +1,407 @@
+#include "base/command_registry.h"
+
+#include "base/command_result.h"
+#include "base/crash_guard.h"
+#include "base/messages_internal.h"
+#include "base/numbers.h"
+#include "base/session_state.h"
+#include "base/ui_port.h"
+
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr int max_words = 20;
+constexpr char bell = 7;
+
+// ---- the call: one typed call for each template ----
+
+union slot_t {
+    int number;
+    float real;
+    const char *text;
+};
+
+template <char>
+struct argument;
+template <>
+struct argument<'d'> {
+    using type = int;
+    static int get(const slot_t &slot) { return slot.number; }
+};
+template <>
+struct argument<'f'> {
+    using type = float;
+    static float get(const slot_t &slot) { return slot.real; }
+};
+template <>
+struct argument<'s'> {
+    using type = const char *;
+    static const char *get(const slot_t &slot) { return slot.text; }
+};
+
+template <char... Letters>
+struct caller {
+    static constexpr char text[] = {Letters..., '\0'};
+    template <size_t... I>
+    static void go(vesk_command_func_t func, const slot_t *slots, std::index_sequence<I...>)
+    {
+        reinterpret_cast<int (*)(typename argument<Letters>::type...)>(func)(
+            argument<Letters>::get(slots[I])...);
+    }
+    static void call(vesk_command_func_t func, const slot_t *slots)
+    {
+        go(func, slots, std::make_index_sequence<sizeof...(Letters)>{});
+    }
+};
+
+struct call_template_t {
+    const char *letters;
+    void (*call)(vesk_command_func_t, const slot_t *);
+};
+template <char... Letters>
+constexpr call_template_t call_template()
+{
+    return {caller<Letters...>::text, caller<Letters...>::call};
+}
+const call_template_t call_templates[] = {
+    call_template<'d'>(),
+    call_template<'f'>(),
+    call_template<'s'>(),
+    call_template<'d', 'd'>(),
+    call_template<'d', 'd', 'd'>(),
+    call_template<'d', 's', 'd'>(),
+    call_template<'s', 's'>(),
+    call_template<'s', 's', 's'>(),
+    call_template<'d', 's', 's', 's'>(),
+    call_template<'s', 'd'>(),
+    call_template<'d', 's'>(),
+    call_template<'f', 'f'>(),
+    call_template<'f', 'f', 'f'>(),
+    call_template<'f', 'f', 'f', 'f', 'f', 'f'>(),
+    call_template<'d', 'f', 'f', 'f', 'f', 'f', 'f'>(),
+    call_template<'d', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f', 'f'>(),
+};
+
+// False for an unknown template; no handler ran then.
+bool call_by_template(const char *letters, vesk_command_func_t func, const slot_t *slots)
+{
+    if (letters == nullptr) {
+        func();
+        return true;
+    }
+    for (const call_template_t &row : call_templates) {
+        if (std::strcmp(row.letters, letters) == 0) {
+            row.call(func, slots);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool convert(char letter, const char *word, slot_t *slot)
+{
+    switch (letter) {
+    case 'd':
+        slot->number = int_of(word);
+        return true;
+    case 'f':
+        slot->real = finite_float_of(word);
+        return true;
+    case 's':
+        slot->text = word;
+        return true;
+    default:
+        return false;
+    }
+}
+
+// ---- the records ----
+
+struct added_t {
+    vesk_command_t record;
+    std::string name;
+    std::optional<std::string> argtypes, usage, help;
+    bool own;
+    command_words_t words = nullptr; // instead of the record's handler
+    int most = 0;                    // with `words`; the record's nargs is the fewest
+};
+
+struct registry_t {
+    std::span<vesk_command_t> rows;
+    std::unordered_map<std::string_view, vesk_command_t *> row_by_name;
+    std::unordered_map<std::string_view, command_kind> kinds;
+    std::vector<std::unique_ptr<added_t>> added;
+    std::unordered_map<std::string_view, added_t *> added_by_name; // the earliest of a name
+    std::set<const vesk_command_t *> replaced;
+    command_hooks_t hooks;
+};
+
+registry_t &registry()
+{
+    static registry_t instance;
+    return instance;
+}
+
+const char *text_or_null(const std::optional<std::string> &text)
+{
+    return text ? text->c_str() : nullptr;
+}
+
+std::optional<std::string> copy_of(const char *text)
+{
+    return text == nullptr ? std::nullopt : std::optional<std::string>(text);
+}
+
+added_t *add(const vesk_command_t &row, bool own)
+{
+    auto entry = std::make_unique<added_t>();
+    entry->name = row.name;
+    entry->argtypes = copy_of(row.argtypes);
+    entry->usage = copy_of(row.usage);
+    entry->help = copy_of(row.help);
+    entry->own = own;
+    entry->record = {entry->name.c_str(),
+                     row.func,
+                     row.nargs,
+                     text_or_null(entry->argtypes),
+                     text_or_null(entry->usage),
+                     text_or_null(entry->help)};
+    registry().added_by_name.emplace(entry->name, entry.get());
+    registry().added.push_back(std::move(entry));
+    return registry().added.back().get();
+}
+
+// The entry of a row that takes its arguments as texts, else null.
+const added_t *words_entry(const vesk_command_t *command)
+{
+    const auto found = registry().added_by_name.find(command->name);
+    const bool fits = found != registry().added_by_name.end() &&
+                      &found->second->record == command && found->second->words != nullptr;
+    return fits ? found->second : nullptr;
+}
+
+bool arity_fits(const vesk_command_t *command, int given)
+{
+    const added_t *entry = words_entry(command);
+    return entry == nullptr ? given == command->nargs
+                            : given >= command->nargs && given <= entry->most;
+}
+
+void show_fault(const char *name, const fault_t &fault)
+{
+    switch (fault.kind) {
+    case fault_t::EXCEPTION:
+        windows_message_dialog("Exception occured in command %s\nException what()=%s\nLast Error: "
+                               "%s\n\nPlease report this to Dovan.",
+                               name, fault.what.c_str(), fault.last_error.c_str());
+        break;
+    case fault_t::CODE:
+        windows_message_dialog(
+            "Exception occured in command %s\ncode: 0x%x\ntype: %s\n\nPlease report this to Dovan",
+            name, fault.code, vesk_exception_get_message(fault.code));
+        break;
+    case fault_t::OTHER: // Deliberate: "then problem"
+        windows_message_dialog("Exception occured in command %s\nLast Error (not necessarily then "
+                               "problem): %s\n\nPlease report this to Dovan.",
+                               name, fault.last_error.c_str());
+        break;
+    }
+}
+
+void trace_words(int count, const char *const *words)
+{
+    if (!debug_mode())
+        return;
+    debugf("received command : ");
+    for (int i = 0; i < count; ++i)
+        console_printf(" '%s' ", words[i]);
+    console_printf("\n");
+}
+
+void append_list_line(const vesk_command_t &row)
+{
+    const auto text = [](const char *t) { return t == nullptr ? "" : t; };
+    command_result_append_string(row.name);
+    command_result_append_string(" ");
+    command_result_append_string(text(row.usage));
+    command_result_append_string(" ");
+    command_result_append_string(text(row.help));
+    command_result_append_string("\n");
+}
+
+} // namespace
+
+int do_command(int count, const char *const *words)
+{
+    command_result_set(nullptr);
+    if (count == 0)
+        return 1;
+    if (count > max_words) {
+        console_printf("max number of command parameters exceeded\n");
+        return 0;
+    }
+    trace_words(count, words);
+    vesk_command_t *command = find_command(words[0]);
+    if (command == nullptr) {
+        console_printf("%ccommand %s not found!\n", bell, words[0]);
+        command_result_set("command not found");
+        return 0;
+    }
+    if (command_kind_of(command) == command_kind::edit && session_is_busy()) {
+        command_result_set("busy");
+        return 0;
+    }
+    const command_hooks_t &hooks = registry().hooks;
+    if (hooks.before != nullptr)
+        hooks.before(command, count, words);
+    int result = 0;
+    fault_t fault;
+    const bool whole = guarded_with_recovery(
+        [&] {
+            session_state_t &state = session();
+            const char *outer = std::exchange(state.command, command->name);
+            ++state.command_depth;
+            result = execute_command(count, words, command);
+            --state.command_depth;
+            state.command = outer;
+        },
+        &fault);
+    if (hooks.after != nullptr)
+        hooks.after(command, whole);
+    if (!whole) {
+        const std::string kept = command_result_get() == nullptr ? "" : command_result_get();
+        show_fault(command->name, fault);
+        command_result_set(kept.c_str()); // the box let scripts run
+        return 0;
+    }
+    return result;
+}
+
+vesk_command_t *find_command(const char *name)
+{
+    const registry_t &all = registry();
+    if (const auto found = all.added_by_name.find(name); found != all.added_by_name.end())
+        return &found->second->record;
+    const auto found = all.row_by_name.find(name);
+    return found == all.row_by_name.end() ? nullptr : found->second;
+}
+
+int execute_command(int count, const char *const *words, vesk_command_t *command)
+{
+    debugf("executing command '%s'\n", command->name);
+    if (!arity_fits(command, count - 1)) {
+        const std::string text = std::string("incorrect number of args for ") + command->name +
+                                 " (should be " + std::to_string(command->nargs) + ", got " +
+                                 std::to_string(count - 1) + ") - usage:\n    " +
+                                 (command->usage == nullptr ? "" : command->usage);
+        console_printf("%s\n", text.c_str());
+        command_result_set(text.c_str());
+        return 0;
+    }
+    if (const added_t *entry = words_entry(command)) {
+        entry->words(count - 1, words + 1);
+        return 1;
+    }
+    slot_t slots[max_words] = {};
+    const size_t letters = command->argtypes == nullptr ? 0 : std::strlen(command->argtypes);
+    for (int i = 0; i < command->nargs; ++i) {
+        const auto at = static_cast<size_t>(i);
+        if (!convert(at < letters ? command->argtypes[at] : '\0', words[i + 1], &slots[i])) {
+            console_printf("error - internal command - unknown parameter type - tell Dovan\n");
+            return 0;
+        }
+    }
+    set_busy_cursor(1);
+    if (!call_by_template(command->argtypes, command->func, slots)) {
+        // Deliberate: the second line names only 8 of the templates.
+        console_printf("%cunknown arg template %s for command %s\n", bell, command->argtypes,
+                       command->name);
+        console_printf("templates are: d, f, s, sd, ff, fff, ffffff, dffffffffffffff\n where "
+                       "d=int, f=float, s=string (use NULL for no template)\n");
+    }
+    set_busy_cursor(0);
+    return 1;
+}
+
+void vesk_add_command_full(const char *name, vesk_command_func_t func, int nargs,
+                           const char *argtypes, const char *usage, const char *help)
+{
+    add({name, func, nargs, argtypes, usage, help}, false);
+}
+
+void vesk_add_command(const char *name, vesk_command_func_t func)
+{
+    add({name, func, 0, nullptr, nullptr, "user command"}, false);
+}
+
+int vesk_replace_command_function(const char *name, vesk_command_func_t func)
+{
+    vesk_command_t *command = find_command(name);
+    if (command == nullptr)
+        return 0;
+    command->func = func;
+    registry().replaced.insert(command);
+    return 1;
+}
+
+void command_list(void)
+{
+    command_result_set("");
+    for (const auto &entry : registry().added)
+        append_list_line(entry->record);
+    for (const vesk_command_t &row : registry().rows)
+        append_list_line(row);
+}
+
+void set_busy_cursor(int on) { ui_port().busy_cursor(on); }
+
+void command_registry_install(std::span<vesk_command_t> rows,
+                              std::span<const command_kind_row_t> kinds)
+{
+    registry_t &all = registry();
+    all.rows = rows;
+    for (vesk_command_t &row : rows)
+        all.row_by_name.emplace(row.name, &row); // the topmost of a name stays
+    for (const command_kind_row_t &row : kinds)
+        all.kinds[row.name] = row.kind;
+}
+
+void command_add_words(const char *name, command_words_t handler, int fewest, int most,
+                       const char *usage, const char *help)
+{
+    added_t *entry = add({name, nullptr, fewest, nullptr, usage, help}, true);
+    entry->words = handler;
+    entry->most = most;
+}
+
+void command_add_own(const vesk_command_t &row) { add(row, true); }
+
+command_kind command_kind_of(const vesk_command_t *command)
+{
+    if (command_is_foreign(command))
+        return command_kind::edit;
+    const auto found = registry().kinds.find(command->name);
+    return found == registry().kinds.end() ? command_kind::edit : found->second;
+}
+
+bool command_is_foreign(const vesk_command_t *command)
+{
+    const registry_t &all = registry();
+    if (all.replaced.contains(command))
+        return true;
+    const auto found = all.added_by_name.find(command->name);
+    return found != all.added_by_name.end() && &found->second->record == command &&
+           !found->second->own;
+}
+
+void command_registry_set_hooks(const command_hooks_t &hooks) { registry().hooks = hooks; }
+
+void command_registry_reset_for_test() { registry() = registry_t(); }

@@ -1,0 +1,228 @@
+#include "base/crash_guard.h"
+
+#include "base/ui_port.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <link.h>
+#include <signal.h>
+#include <string_view>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+
+struct fault_name_t {
+    unsigned code;
+    const char *name;
+};
+// clang-format off
+const fault_name_t fault_names[] = {
+    {0xC0000005, "EXCEPTION_ACCESS_VIOLATION"},
+    {0xC000008C, "EXCEPTION_ARRAY_BOUNDS_EXCEEDED"},
+    {0x80000003, "EXCEPTION_BREAKPOINT"},
+    {0x80000002, "EXCEPTION_DATATYPE_MISALIGNMENT"},
+    {0xC000008D, "EXCEPTION_FLT_DENORMAL_OPERAND"},
+    {0xC000008E, "EXCEPTION_FLT_DIVIDE_BY_ZERO"},
+    {0xC000008F, "EXCEPTION_FLT_INEXACT_RESULT"},
+    {0xC0000090, "EXCEPTION_FLT_INVALID_OPERATION"},
+    {0xC0000091, "EXCEPTION_FLT_OVERFLOW"},
+    {0xC0000092, "EXCEPTION_FLT_STACK_CHECK"},
+    {0xC0000093, "EXCEPTION_FLT_UNDERFLOW"},
+    {0xC000001D, "EXCEPTION_ILLEGAL_INSTRUCTION"},
+    {0xC0000006, "EXCEPTION_IN_PAGE_ERROR"},
+    {0xC0000094, "EXCEPTION_INT_DIVIDE_BY_ZERO"},
+    {0xC0000095, "EXCEPTION_INT_OVERFLOW"},
+    {0xC0000026, "EXCEPTION_INVALID_DISPOSITION"},
+    {0xC0000025, "EXCEPTION_NONCONTINUABLE_EXCEPTION"},
+    {0xC0000096, "EXCEPTION_PRIV_INSTRUCTION"},
+    {0x80000004, "EXCEPTION_SINGLE_STEP"},
+    {0xC00000FD, "EXCEPTION_STACK_OVERFLOW"},
+};
+// clang-format on
+
+constexpr size_t stack_size = 64 * 1024;
+constexpr int too_many_faults = 3;
+constexpr time_t fault_window = 10; // seconds
+
+thread_local volatile unsigned fault_code = 0;
+thread_local volatile int fault_errno = 0;
+void (*after_fault)() = nullptr;
+void (*rescue)() = nullptr;
+bool in_after_fault = false;
+time_t recent_faults[too_many_faults];
+int fault_count = 0;
+
+unsigned code_of(int signal_number, const siginfo_t *info, const ucontext_t *context)
+{
+    switch (signal_number) {
+    case SIGFPE:
+        if (info->si_code == FPE_INTOVF)
+            return 0xC0000095;
+        return info->si_code == FPE_FLTDIV ? 0xC000008E : 0xC0000094;
+    case SIGILL:
+        return 0xC000001D;
+    case SIGBUS:
+        return info->si_code == BUS_ADRALN ? 0x80000002 : 0xC0000006;
+    case SIGTRAP:
+        return 0x80000003;
+    default: {
+#ifdef __x86_64__
+        const auto stack = static_cast<uintptr_t>(context->uc_mcontext.gregs[REG_RSP]);
+        const auto address = reinterpret_cast<uintptr_t>(info->si_addr);
+        const uintptr_t distance = address > stack ? address - stack : stack - address;
+        if (address != 0 && distance < 65536)
+            return 0xC00000FD;
+#else
+        static_cast<void>(context);
+#endif
+        return 0xC0000005;
+    }
+    }
+}
+
+struct module_search_t {
+    uintptr_t address;
+    bool untrusted;
+};
+
+// Faults in the heap or in the GL driver leave broken what everything else stands on.
+int is_untrusted_module(dl_phdr_info *info, size_t, void *data)
+{
+    auto *search = static_cast<module_search_t *>(data);
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        const ElfW(Phdr) &header = info->dlpi_phdr[i];
+        const uintptr_t start = info->dlpi_addr + header.p_vaddr;
+        if (header.p_type != PT_LOAD || search->address < start ||
+            search->address >= start + header.p_memsz)
+            continue;
+        for (const char *part :
+             {"mimalloc", "_dri.so", "libGL", "libgallium", "libLLVM", "nvidia"}) {
+            if (strstr(info->dlpi_name, part) != nullptr)
+                search->untrusted = true;
+        }
+        return 1;
+    }
+    return 0;
+}
+
+bool survivable(int signal_number, const ucontext_t *context)
+{
+    if (signal_number == SIGABRT)
+        return false;
+#ifdef __x86_64__
+    module_search_t search = {static_cast<uintptr_t>(context->uc_mcontext.gregs[REG_RIP]), false};
+    dl_iterate_phdr(is_untrusted_module, &search);
+    return !search.untrusted;
+#else
+    static_cast<void>(context);
+    return true;
+#endif
+}
+
+void on_fault(int signal_number, siginfo_t *info, void *raw_context)
+{
+    fault_errno = errno;
+    const auto *context = static_cast<const ucontext_t *>(raw_context);
+    if (crash_guard::top == nullptr || !survivable(signal_number, context)) {
+        if (rescue != nullptr) {
+            auto *once = rescue;
+            rescue = nullptr;
+            once();
+        }
+        constexpr std::string_view line = "VESK: a fault that cannot be survived - exiting.\n";
+        if (write(STDERR_FILENO, line.data(), line.size()) < 0)
+            _exit(1);
+        signal(signal_number, SIG_DFL);
+        raise(signal_number);
+        return;
+    }
+    fault_code = code_of(signal_number, info, context);
+    siglongjmp(crash_guard::top->buffer, 1);
+}
+
+} // namespace
+
+const char *vesk_exception_get_message(unsigned code)
+{
+    for (const fault_name_t &row : fault_names) {
+        if (row.code == code)
+            return row.name;
+    }
+    return "Unknown exception type";
+}
+
+namespace crash_guard {
+
+thread_local frame_t *top = nullptr;
+
+void thread_stack()
+{
+    void *memory =
+        mmap(nullptr, stack_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        return;
+    stack_t stack = {};
+    stack.ss_sp = memory;
+    stack.ss_size = stack_size;
+    sigaltstack(&stack, nullptr);
+}
+
+void install()
+{
+    thread_stack();
+    struct sigaction action = {};
+    action.sa_sigaction = on_fault;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER;
+    sigemptyset(&action.sa_mask);
+    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT})
+        sigaction(number, &action, nullptr);
+}
+
+unsigned last_code() { return fault_code; }
+
+std::string last_error_text()
+{
+    const int number = fault_errno != 0 ? fault_errno : errno;
+    fault_errno = 0;
+    return std::strerror(number);
+}
+
+void set_after_fault(void (*hook)()) { after_fault = hook; }
+
+void set_rescue(void (*hook)()) { rescue = hook; }
+
+void quit_broken()
+{
+    if (rescue != nullptr) {
+        auto *once = rescue;
+        rescue = nullptr;
+        once();
+    }
+    fprintf(stderr, "VESK: too many faults - exiting.\n");
+    _exit(1);
+}
+
+void run_after_fault()
+{
+    const time_t now = time(nullptr);
+    recent_faults[fault_count++ % too_many_faults] = now;
+    const time_t oldest = *std::min_element(std::begin(recent_faults), std::end(recent_faults));
+    if (in_after_fault || (fault_count >= too_many_faults && now - oldest <= fault_window))
+        quit_broken();
+    if (after_fault == nullptr)
+        return;
+    in_after_fault = true;
+    fault_t second;
+    if (!guarded(after_fault, &second))
+        quit_broken();
+    in_after_fault = false;
+}
+
+void forget_faults_for_test() { fault_count = 0; }
+
+} // namespace crash_guard

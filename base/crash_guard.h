@@ -1,0 +1,107 @@
+#ifndef VESK_BASE_CRASH_GUARD_H
+#define VESK_BASE_CRASH_GUARD_H
+
+#include "base/types.h"
+
+VESK_BEGIN_DECLS
+
+/* The name of a fault code ("EXCEPTION_ACCESS_VIOLATION"); "Unknown exception type" for others. */
+VESK_API const char *vesk_exception_get_message(unsigned code);
+
+VESK_END_DECLS
+
+#ifdef VESK_INTERNAL
+
+#include "base/session_state.h"
+
+#include <csetjmp>
+#include <exception>
+#include <string>
+
+// The crash guard: runs a callable so that an exception or a hardware fault inside it ends the
+// callable and not the program. A fault arrives at the signal handler, which jumps to the innermost
+// guard of its thread; the guard throws the fault's code from an ordinary statement. Frames between
+// are skipped without their destructors: whatever is "open" stands in the session state, which the
+// guard copies on entry and puts back.
+//
+// Every entry from Tcl or Tk, every call into a plug-in and every importer runs inside one.
+
+struct fault_t {
+    enum kind_t { EXCEPTION, CODE, OTHER } kind = OTHER;
+    std::string what;       // EXCEPTION: its description
+    unsigned code = 0;      // CODE
+    std::string last_error; // the platform's text for its last error
+};
+
+namespace crash_guard {
+
+struct frame_t {
+    sigjmp_buf buffer;
+    frame_t *outer;
+};
+
+extern thread_local frame_t *top; // innermost active guard
+void install();                   // signal handlers and alternate stack; once, at start
+void thread_stack();              // alternate stack of a further thread
+unsigned last_code();             // of the fault that just jumped
+std::string last_error_text();    // strerror of the errno that the handler or the caller saw
+[[noreturn]] void quit_broken();  // rescue copy, a line on standard error, exit
+
+// Called after a survivable fault, with the session state restored and before any dialog: checks
+// and repairs the world, writes the rescue copy. Three faults within ten seconds, or a fault in
+// here, end the program.
+void set_after_fault(void (*hook)());
+void run_after_fault();
+
+// Writes the rescue copy from memory without allocating; used when the heap cannot be trusted.
+void set_rescue(void (*hook)());
+
+void forget_faults_for_test();
+
+} // namespace crash_guard
+
+// Runs `callable`; false, with `fault` filled, when it faulted.
+template <class F>
+[[gnu::noinline]] bool guarded(F &&callable, fault_t *fault)
+{
+    crash_guard::frame_t frame;
+    frame.outer = crash_guard::top;
+    const session_state_t before = session();
+    struct pop_t {
+        crash_guard::frame_t *outer;
+        ~pop_t() { crash_guard::top = outer; }
+    } pop{frame.outer};
+    try {
+        // The handler runs with SA_NODEFER, so no signal mask needs saving.
+        if (sigsetjmp(frame.buffer, 0) != 0) {
+            crash_guard::top = frame.outer;
+            throw crash_guard::last_code();
+        }
+        crash_guard::top = &frame;
+        callable();
+        return true;
+    } catch (const std::exception &exception) {
+        *fault = {fault_t::EXCEPTION, exception.what(), 0, crash_guard::last_error_text()};
+    } catch (unsigned code) {
+        *fault = {fault_t::CODE, "", code, crash_guard::last_error_text()};
+    } catch (...) {
+        *fault = {fault_t::OTHER, "", 0, crash_guard::last_error_text()};
+    }
+    crash_guard::top = frame.outer;
+    session() = before;
+    return false;
+}
+
+// The same with the steps that follow a fault; the caller then shows its dialog.
+template <class F>
+bool guarded_with_recovery(F &&callable, fault_t *fault)
+{
+    if (guarded(callable, fault))
+        return true;
+    crash_guard::run_after_fault();
+    return false;
+}
+
+#endif
+
+#endif

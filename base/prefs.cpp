@@ -1,0 +1,162 @@
+#include "base/prefs.h"
+
+#include "base/messages_internal.h"
+#include "base/prefs_file.h"
+#include "base/ui_port.h"
+
+#include <cstdio>
+#include <strings.h>
+
+prefs_t prefs;
+
+namespace {
+
+// The same rows three times: addresses, numeric defaults, text defaults.
+constexpr int PREF_KIND_int = PREF_INT;
+constexpr int PREF_KIND_double = PREF_DOUBLE;
+constexpr int PREF_KIND_hex = PREF_HEX;
+constexpr int PREF_KIND_string = PREF_STRING;
+constexpr int PREF_KIND_boolean = PREF_BOOLEAN;
+
+#define PREF(key, field, kind, value) {key, PREF_KIND_##kind, &prefs.field},
+#define PREF_AGAIN(key, field, kind) {key, PREF_KIND_##kind, &prefs.field},
+const vesk_pref_t table[] = {
+#include "base/prefs_rows.inc"
+};
+#undef PREF
+#undef PREF_AGAIN
+
+#define DEFAULT_int(value) value
+#define DEFAULT_double(value) value
+#define DEFAULT_hex(value) value
+#define DEFAULT_boolean(value) value
+#define DEFAULT_string(value) nullptr
+#define PREF(key, field, kind, value) .field = DEFAULT_##kind(value),
+#define PREF_AGAIN(key, field, kind)
+constexpr prefs_t numeric_defaults = {
+#include "base/prefs_rows.inc"
+};
+#undef PREF
+#undef PREF_AGAIN
+
+struct text_default_t {
+    char **setting;
+    const char *text;
+};
+
+#define TEXT_int(field, value)
+#define TEXT_double(field, value)
+#define TEXT_hex(field, value)
+#define TEXT_boolean(field, value)
+#define TEXT_string(field, value) {&prefs.field, value},
+#define PREF(key, field, kind, value) TEXT_##kind(field, value)
+#define PREF_AGAIN(key, field, kind)
+const text_default_t text_defaults[] = {
+#include "base/prefs_rows.inc"
+};
+#undef PREF
+#undef PREF_AGAIN
+
+const char *const kind_names[] = {"PREF_INT",    "PREF_DOUBLE", "PREF_HEX",
+                                  "PREF_STRING", "PREF_KEY",    "PREF_BOOLEAN"};
+
+// The row of `key` when it has the kind `kind`; else null, told on standard error.
+const vesk_pref_t *row_of_kind(const char *key, int kind, const char *getter,
+                               const char *unknown_getter, const char *kind_text,
+                               const char *kind_words)
+{
+    const vesk_pref_t *row = vesk_prefs_get_spec(key);
+    if (row == nullptr) {
+        fprintf(stderr, "%s: %s not found in preferences\n", unknown_getter, key);
+    } else if (row->kind != kind) {
+        fprintf(stderr, "%s: pref %s is not type '%s' (%s %d)\n", getter, key, kind_text,
+                kind_words, row->kind);
+    } else {
+        return row;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::span<const vesk_pref_t> prefs_table() { return table; }
+
+const vesk_pref_t *vesk_prefs_get_spec(const char *key)
+{
+    for (const vesk_pref_t &row : table) {
+        if (strcasecmp(row.key, key) == 0)
+            return &row;
+    }
+    return nullptr;
+}
+
+int vesk_prefs_get_int(const char *key)
+{
+    const char *name = "vesk_prefs_get_int";
+    const auto *row = row_of_kind(key, PREF_INT, name, name, "int", "actually type");
+    return row == nullptr ? -1 : *static_cast<const int *>(row->address);
+}
+
+int vesk_prefs_get_boolean(const char *key)
+{
+    const char *name = "vesk_prefs_get_boolean";
+    const auto *row = row_of_kind(key, PREF_BOOLEAN, name, name, "boolean", "is type number");
+    return row == nullptr ? -1 : (*static_cast<const int *>(row->address) != 0 ? 1 : 0);
+}
+
+double vesk_prefs_get_double(const char *key)
+{
+    const char *name = "vesk_prefs_get_double";
+    const auto *row = row_of_kind(key, PREF_DOUBLE, name, name, "double", "is type number");
+    return row == nullptr ? -1.0 : *static_cast<const double *>(row->address);
+}
+
+int vesk_prefs_get_hex(const char *key)
+{
+    const char *name = "vesk_prefs_get_hex";
+    const auto *row = row_of_kind(key, PREF_HEX, name, name, "hex", "actually type");
+    return row == nullptr ? -1 : *static_cast<const int *>(row->address);
+}
+
+const char *vesk_prefs_get_string(const char *key)
+{
+    const char *name = "vesk_prefs_get_string";
+    const auto *row = row_of_kind(key, PREF_STRING, name, name, "string", "actually type");
+    return row == nullptr ? nullptr : *static_cast<char *const *>(row->address);
+}
+
+const char *vesk_prefs_get_key(const char *key)
+{
+    // Deliberate: an unknown key is told under the string getter's name.
+    const auto *row = row_of_kind(key, PREF_KEY, "vesk_prefs_get_key", "vesk_prefs_get_string",
+                                  "key", "actually type");
+    return row == nullptr ? nullptr
+                          : prefs_key_name(*static_cast<const unsigned char *>(row->address));
+}
+
+void vesk_prefs_list(void)
+{
+    for (const vesk_pref_t &row : table)
+        console_printf("%s \t %s\n", row.key, kind_names[row.kind]);
+}
+
+void prefs_set_string(char **setting, const char *text)
+{
+    char *copy = ui_port().alloc_text(text);
+    if (*setting != nullptr)
+        ui_port().free_text(*setting);
+    *setting = copy;
+}
+
+void prefs_set_defaults(void)
+{
+    prefs_t fresh = numeric_defaults;
+    for (const text_default_t &row : text_defaults) { // keep the texts, they are replaced below
+        const auto offset =
+            reinterpret_cast<char *>(row.setting) - reinterpret_cast<char *>(&prefs);
+        *reinterpret_cast<char **>(reinterpret_cast<char *>(&fresh) + offset) = *row.setting;
+    }
+    prefs = fresh;
+    for (const text_default_t &row : text_defaults)
+        prefs_set_string(row.setting, row.text);
+}

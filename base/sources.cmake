@@ -1,0 +1,30 @@
+# Files of base/: services.
+target_sources(vesk_core PRIVATE
+    base/aside.cpp
+    base/atomic_file.cpp
+    base/command_registry.cpp
+    base/command_result.cpp
+    base/coor_display.cpp
+    base/crash_guard.cpp
+    base/current_file.cpp
+    base/desktop.cpp
+    base/echo.cpp
+    base/entry_guard.cpp
+    base/file_report.cpp
+    base/file_text.cpp
+    base/filename.cpp
+    base/home.cpp
+    base/image_png.cpp
+    base/linked_vars.cpp
+    base/messages.cpp
+    base/numbers.cpp
+    base/prefs.cpp
+    base/prefs_file.cpp
+    base/progress.cpp
+    base/redraw.cpp
+    base/session_state.cpp
+    base/tokens.cpp
+    base/ui_port.cpp
+    base/utf8.cpp
+    base/version.cpp
+)

@@ -1,0 +1,371 @@
+#include "draw/draw_buffers_gl.h"
+
+#include "base/prefs.h"
+#include "model/bounds.h"
+#include "model/textures/textures.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <unordered_map>
+#include <utility>
+
+namespace {
+
+constexpr std::uint32_t small_object = 4096; // slots; larger ones have a page of their own
+constexpr std::uint32_t page_slots = 65536;
+constexpr std::uint32_t page_indices = 6 * page_slots;
+
+std::uint64_t uploaded_bytes = 0;
+
+// A buffer object, or memory of our own where there are none.
+class gpu_buffer {
+public:
+    void reserve(GLenum target, size_t bytes)
+    {
+        bytes_ = bytes;
+        if (!device_caps().buffers) {
+            memory_.resize(bytes);
+            return;
+        }
+        glGenBuffers(1, &id_);
+        glBindBuffer(target, id_);
+        glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
+        glBindBuffer(target, 0); // or the next small array would be read from it
+    }
+
+    void write(GLenum target, size_t offset, const void *data, size_t bytes)
+    {
+        if (bytes == 0)
+            return;
+        uploaded_bytes += bytes;
+        if (id_ == 0) {
+            std::memcpy(memory_.data() + offset, data, bytes);
+            return;
+        }
+        glBindBuffer(target, id_);
+        glBufferSubData(target, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(bytes),
+                        data);
+        glBindBuffer(target, 0);
+    }
+
+    // What a pointer call takes for `offset`, with the buffer bound.
+    [[nodiscard]] const void *bind(GLenum target, size_t offset = 0) const
+    {
+        if (id_ == 0) {
+            if (device_caps().buffers)
+                glBindBuffer(target, 0);
+            return memory_.data() + offset;
+        }
+        glBindBuffer(target, id_);
+        return reinterpret_cast<const void *>(offset);
+    }
+
+    void release()
+    {
+        if (id_ != 0)
+            glDeleteBuffers(1, &id_);
+        id_ = 0;
+        memory_.clear();
+    }
+
+private:
+    GLuint id_ = 0;
+    size_t bytes_ = 0;
+    std::vector<unsigned char> memory_;
+};
+
+constexpr size_t position_bytes = 3 * sizeof(float);
+constexpr size_t normal_bytes = 4 * sizeof(std::int16_t);
+constexpr size_t uv_bytes = 2 * sizeof(float);
+constexpr size_t index_bytes = sizeof(std::uint32_t);
+
+} // namespace
+
+struct buffer_page_t {
+    gpu_buffer positions, normals, texture_coords, triangles, edges;
+    std::uint32_t slots = 0, used_slots = 0;
+    std::uint32_t indices = 0, used_indices = 0;
+    std::uint32_t edge_indices = 0, used_edge_indices = 0;
+    int live = 0; // objects in it
+    bool shared = false;
+    bool textured = false;
+};
+
+namespace {
+
+struct store_t {
+    std::unordered_map<const object_t *, object_buffers_t> objects;
+    std::vector<std::unique_ptr<buffer_page_t>> pages;
+    std::uint64_t sweep = 1;
+};
+
+store_t &store()
+{
+    static store_t state;
+    return state;
+}
+
+buffer_page_t *new_page(std::uint32_t slots, std::uint32_t indices, std::uint32_t edge_indices,
+                        bool shared, bool textured)
+{
+    auto page = std::make_unique<buffer_page_t>();
+    page->slots = slots;
+    page->indices = indices;
+    page->edge_indices = edge_indices;
+    page->shared = shared;
+    page->textured = textured;
+    page->positions.reserve(GL_ARRAY_BUFFER, slots * position_bytes);
+    page->normals.reserve(GL_ARRAY_BUFFER, slots * normal_bytes);
+    if (textured)
+        page->texture_coords.reserve(GL_ARRAY_BUFFER, slots * uv_bytes);
+    page->triangles.reserve(GL_ELEMENT_ARRAY_BUFFER, indices * index_bytes);
+    page->edges.reserve(GL_ELEMENT_ARRAY_BUFFER, edge_indices * index_bytes);
+    store().pages.push_back(std::move(page));
+    return store().pages.back().get();
+}
+
+void free_page(buffer_page_t *page)
+{
+    for (gpu_buffer *buffer :
+         {&page->positions, &page->normals, &page->texture_coords, &page->triangles, &page->edges})
+        buffer->release();
+    auto &pages = store().pages;
+    pages.erase(std::find_if(pages.begin(), pages.end(),
+                             [&](const auto &owned) { return owned.get() == page; }));
+}
+
+// Room in a page is given out once; a page goes when its last object has left it.
+void leave_page(object_buffers_t &buffers)
+{
+    if (buffers.page == nullptr)
+        return;
+    if (--buffers.page->live == 0)
+        free_page(buffers.page);
+    buffers.page = nullptr;
+}
+
+buffer_page_t *page_with_room(std::uint32_t slots, std::uint32_t indices,
+                              std::uint32_t edge_indices, bool textured)
+{
+    if (slots > small_object || indices > page_indices / 4 || edge_indices > page_indices / 4)
+        return new_page(slots, indices, edge_indices, false, textured);
+    auto &pages = store().pages;
+    for (size_t i = pages.size(); i-- > 0;) {
+        const buffer_page_t &page = *pages[i];
+        if (page.shared && page.textured == textured && page.slots - page.used_slots >= slots &&
+            page.indices - page.used_indices >= indices &&
+            page.edge_indices - page.used_edge_indices >= edge_indices)
+            return pages[i].get();
+    }
+    return new_page(page_slots, page_indices, page_indices, true, textured);
+}
+
+void upload_positions(const object_buffers_t &buffers)
+{
+    std::vector<float> data(3 * buffers.num_slots);
+    layout_positions(buffers.layout, *buffers.flat, data.data());
+    buffers.page->positions.write(GL_ARRAY_BUFFER, buffers.first_slot * position_bytes, data.data(),
+                                  data.size() * sizeof(float));
+}
+
+void upload_normals(const object_buffers_t &buffers)
+{
+    std::vector<std::int16_t> data(4 * buffers.num_slots);
+    layout_normals(buffers.layout, *buffers.flat, data.data());
+    buffers.page->normals.write(GL_ARRAY_BUFFER, buffers.first_slot * normal_bytes, data.data(),
+                                data.size() * sizeof(std::int16_t));
+}
+
+void upload_texture_coords(const object_buffers_t &buffers)
+{
+    std::vector<float> data(2 * buffers.num_slots);
+    layout_texture_coords(buffers.layout, *buffers.flat, data.data());
+    buffers.page->texture_coords.write(GL_ARRAY_BUFFER, buffers.first_slot * uv_bytes, data.data(),
+                                       data.size() * sizeof(float));
+}
+
+void upload_indices(gpu_buffer &buffer, std::uint32_t first, std::vector<std::uint32_t> &indices,
+                    std::uint32_t first_slot)
+{
+    for (std::uint32_t &index : indices)
+        index += first_slot;
+    buffer.write(GL_ELEMENT_ARRAY_BUFFER, first * index_bytes, indices.data(),
+                 indices.size() * index_bytes);
+    std::vector<std::uint32_t>().swap(indices);
+}
+
+void find_bounds(object_buffers_t &buffers)
+{
+    bounds_clear(&buffers.min, &buffers.max);
+    for (const point3_t &p : *buffers.flat->positions)
+        bounds_add(p, &buffers.min, &buffers.max);
+}
+
+void build(object_buffers_t &buffers, const flat_ptr &flat)
+{
+    leave_page(buffers);
+    buffers.flat = flat;
+    find_bounds(buffers);
+    if (flat->num_vertices() == 0)
+        return;
+    buffers.layout = layout_mesh(*flat, {.cut_concave = prefs.gl_concave != 0,
+                                         .texture_coords = buffers.textured,
+                                         .quads_by_diagonal = prefs.triangulate_quads != 0});
+    mesh_layout_t &layout = buffers.layout;
+    buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
+    buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
+    const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
+    const auto num_lines = static_cast<std::uint32_t>(layout.lines.size());
+    buffers.num_edge_indices = num_edges + num_lines;
+    buffer_page_t *page = page_with_room(buffers.num_slots, buffers.num_indices,
+                                         buffers.num_edge_indices, buffers.textured);
+    buffers.page = page;
+    ++page->live;
+    buffers.first_slot = page->used_slots;
+    buffers.first_triangle_index = page->used_indices;
+    buffers.edges = {page->used_edge_indices, num_edges};
+    buffers.first_line_index = page->used_edge_indices + num_edges;
+    page->used_slots += buffers.num_slots;
+    page->used_indices += buffers.num_indices;
+    page->used_edge_indices += buffers.num_edge_indices;
+    upload_positions(buffers);
+    upload_normals(buffers);
+    if (buffers.textured)
+        upload_texture_coords(buffers);
+    upload_indices(page->triangles, buffers.first_triangle_index, layout.triangles,
+                   buffers.first_slot);
+    upload_indices(page->edges, buffers.edges.first, layout.edges, buffers.first_slot);
+    upload_indices(page->edges, buffers.first_line_index, layout.lines, buffers.first_slot);
+}
+
+void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
+{
+    const flat_mesh &old = *buffers.flat;
+    const bool moved = old.positions != flat->positions;
+    const bool turned = old.normals != flat->normals || old.face_normals != flat->face_normals;
+    const bool remapped = buffers.textured && old.texture_coords != flat->texture_coords;
+    const bool same_shape = old.surfaces == flat->surfaces &&
+                            old.corner_offsets == flat->corner_offsets &&
+                            old.corners == flat->corners;
+    if (!same_shape || (moved && !layout_fits(buffers.layout, *flat))) {
+        build(buffers, flat);
+        return;
+    }
+    buffers.flat = flat;
+    if (buffers.page == nullptr)
+        return;
+    if (moved) {
+        find_bounds(buffers);
+        upload_positions(buffers);
+    }
+    if (turned)
+        upload_normals(buffers);
+    if (remapped)
+        upload_texture_coords(buffers);
+}
+
+template <class Draw>
+void multi_draw(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &buffer, Draw &&draw)
+{
+    const auto *base = static_cast<const unsigned char *>(buffer.bind(GL_ELEMENT_ARRAY_BUFFER));
+    std::vector<const void *> offsets(ranges.firsts.size());
+    for (size_t i = 0; i < offsets.size(); ++i)
+        offsets[i] = base + ranges.firsts[i] * index_bytes;
+    draw(mode, offsets);
+}
+
+void draw_indexed(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &buffer)
+{
+    multi_draw(mode, ranges, buffer, [&](GLenum how, const std::vector<const void *> &offsets) {
+        if (offsets.size() == 1)
+            glDrawElements(how, ranges.counts[0], GL_UNSIGNED_INT, offsets[0]);
+        else
+            glMultiDrawElements(how, ranges.counts.data(), GL_UNSIGNED_INT, offsets.data(),
+                                static_cast<GLsizei>(offsets.size()));
+    });
+}
+
+} // namespace
+
+const object_buffers_t &object_buffers(object_t *object)
+{
+    object_buffers_t &buffers = store().objects[object];
+    buffers.used_in = store().sweep;
+    const flat_ptr flat = object_flat(object);
+    const bool textured = object_picture(object) != nullptr;
+    const bool was_textured = std::exchange(buffers.textured, textured);
+    if (buffers.flat == nullptr || textured != was_textured)
+        build(buffers, flat);
+    else if (buffers.flat != flat)
+        bring_up_to_date(buffers, flat);
+    return buffers;
+}
+
+void buffers_sweep()
+{
+    store_t &state = store();
+    for (auto entry = state.objects.begin(); entry != state.objects.end();) {
+        if (entry->second.used_in == state.sweep) {
+            ++entry;
+            continue;
+        }
+        leave_page(entry->second);
+        entry = state.objects.erase(entry);
+    }
+    ++state.sweep;
+}
+
+void page_bind(const buffer_page_t &page, bool with_normals, bool with_texture_coords)
+{
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, page.positions.bind(GL_ARRAY_BUFFER));
+    if (with_normals) {
+        glEnableClientState(GL_NORMAL_ARRAY);
+        glNormalPointer(GL_SHORT, normal_bytes, page.normals.bind(GL_ARRAY_BUFFER));
+    }
+    if (with_texture_coords && page.textured) {
+        glEnableClientState(GL_TEXTURE_COORD_ARRAY);
+        glTexCoordPointer(2, GL_FLOAT, 0, page.texture_coords.bind(GL_ARRAY_BUFFER));
+    }
+}
+
+void page_unbind()
+{
+    glDisableClientState(GL_VERTEX_ARRAY);
+    glDisableClientState(GL_NORMAL_ARRAY);
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    if (!device_caps().buffers)
+        return;
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+}
+
+void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges)
+{
+    if (!ranges.empty())
+        draw_indexed(GL_TRIANGLES, ranges, page.triangles);
+}
+
+void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges)
+{
+    if (!ranges.empty())
+        draw_indexed(GL_LINES, ranges, page.edges);
+}
+
+void page_draw_points(const draw_ranges_t &slots)
+{
+    for (size_t i = 0; i < slots.firsts.size(); ++i)
+        glDrawArrays(GL_POINTS, static_cast<GLint>(slots.firsts[i]), slots.counts[i]);
+}
+
+void page_draw_slots(GLenum mode, const std::vector<std::uint32_t> &slots)
+{
+    if (slots.empty())
+        return;
+    if (device_caps().buffers)
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    glDrawElements(mode, static_cast<GLsizei>(slots.size()), GL_UNSIGNED_INT, slots.data());
+}
+
+std::uint64_t buffers_uploaded_bytes() { return uploaded_bytes; }

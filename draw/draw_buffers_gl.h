@@ -1,0 +1,81 @@
+#ifndef VESK_DRAW_DRAW_BUFFERS_GL_H
+#define VESK_DRAW_DRAW_BUFFERS_GL_H
+
+// The buffers of the objects, shared by all views. Small objects live together in pages, so that ten
+// thousand of them are drawn in a few calls; a large one has a page of its own. Only arrays of the
+// flat mesh whose identity changed are uploaded again.
+
+#include "draw/draw_device_gl.h"
+#include "draw/mesh_layout.h"
+#include "model/flat_mesh.h"
+
+#include <cstdint>
+#include <vector>
+
+struct buffer_page_t;
+
+// Part of an index buffer.
+struct index_range_t {
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+};
+
+struct object_buffers_t {
+    buffer_page_t *page = nullptr; // null: nothing to draw
+    std::uint32_t first_slot = 0;
+    mesh_layout_t layout; // group ranges are the object's own; its index arrays are given up
+    std::uint32_t first_triangle_index = 0;
+    index_range_t edges;
+    std::uint32_t first_line_index = 0;
+    point3_t min = {0, 0, 0}, max = {0, 0, 0};
+    flat_ptr flat;
+    std::uint32_t num_slots = 0;
+    std::uint32_t num_indices = 0;      // triangles
+    std::uint32_t num_edge_indices = 0; // edges and lines
+    bool textured = false;              // has texture coordinates
+    std::uint64_t used_in = 0;          // number of the last sweep
+};
+
+// Of an object, up to date.
+const object_buffers_t &object_buffers(object_t *object);
+
+// Frees what belongs to objects that were not asked for since the last sweep.
+void buffers_sweep();
+
+// Ranges that are drawn alike, gathered over a frame; neighbours are joined.
+struct draw_ranges_t {
+    std::vector<GLsizei> counts;
+    std::vector<std::uint32_t> firsts;
+
+    void add(std::uint32_t first, std::uint32_t count)
+    {
+        if (count == 0)
+            return;
+        if (!firsts.empty() && firsts.back() + static_cast<std::uint32_t>(counts.back()) == first) {
+            counts.back() += static_cast<GLsizei>(count);
+            return;
+        }
+        firsts.push_back(first);
+        counts.push_back(static_cast<GLsizei>(count));
+    }
+    void clear()
+    {
+        counts.clear();
+        firsts.clear();
+    }
+    [[nodiscard]] bool empty() const { return counts.empty(); }
+};
+
+// Makes the page's arrays current, then draws ranges of its triangle or edge indices, of its slots
+// as points, or any slots by number.
+void page_bind(const buffer_page_t &page, bool with_normals, bool with_texture_coords = false);
+void page_unbind();
+void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges);
+void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges);
+void page_draw_points(const draw_ranges_t &slots);
+void page_draw_slots(GLenum mode, const std::vector<std::uint32_t> &slots);
+
+// How many bytes were uploaded since the start, for tests.
+std::uint64_t buffers_uploaded_bytes();
+
+#endif

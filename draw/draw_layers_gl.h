@@ -1,0 +1,55 @@
+#ifndef VESK_DRAW_DRAW_LAYERS_GL_H
+#define VESK_DRAW_DRAW_LAYERS_GL_H
+
+// What the two kinds of view have in common while one picture is drawn.
+
+#include "draw/draw_scene_gl.h"
+#include "view/draw_budget.h"
+
+struct picture_t {
+    int view;
+    int width, height;
+    double scale; // of the interface
+    scene_t scene;
+    layer_choice_t layers;
+    draw_budget *budget;
+    bool measure;   // wait after each layer and note what it cost
+    double started; // of the layer in hand
+};
+
+// Ends a layer: its cost goes into the budget while the picture is measured.
+void finish_layer(picture_t &picture, draw_layer layer);
+
+void draw_orthographic_view(picture_t &picture);
+void draw_3d_view(picture_t &picture);
+
+// Over the finished picture, in window pixels.
+void draw_orthographic_overlay(const picture_t &picture);
+void draw_3d_overlay(const picture_t &picture);
+
+void draw_ground_grid();
+
+// Switches the scene's lights on, without any the default light and one from above, and the
+// headlight; the model matrix must be current. Returns how many there are.
+int draw_set_lights();
+
+// The surfaces of a layer by `draw`; while something moves, that is left out when it is shown as a
+// wireframe, or stands where the mouse has brought it.
+template <class Draw>
+void draw_still_and_moving(const scene_t &scene, bool moving, bool wireframe, Draw &&draw)
+{
+    if (!moving) {
+        draw(scene);
+        return;
+    }
+    draw(items_that_move(scene, false));
+    if (wireframe)
+        return;
+    const pending_place_t place;
+    draw(items_that_move(scene, true));
+}
+
+constexpr float edge_alpha_filled = 0.75f;
+constexpr float edge_alpha_wire = 0.8f;
+
+#endif

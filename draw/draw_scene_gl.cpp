@@ -1,0 +1,596 @@
+#include "draw/draw_scene_gl.h"
+
+#include "base/prefs.h"
+#include "draw/draw_textures_gl.h"
+#include "model/bounds.h"
+#include "model/each.h"
+#include "model/ear_cut.h"
+#include "model/palette.h"
+#include "model/vector.h"
+#include "model/world.h"
+#include "view/overlay.h"
+
+#include <algorithm>
+#include <compare>
+#include <map>
+#include <tuple>
+#include <unordered_map>
+
+namespace {
+
+constexpr float locked_dim = 0.6f;
+constexpr float tint_alpha = 0.26f;
+constexpr double nearer_range = 0.9999; // of depths, for what lies on a surface
+
+// The picture on an object and how it lies there; no image: none is drawn.
+struct placed_image_t {
+    VESKImage *image = nullptr;
+    float repeat_x = 1, repeat_y = 1, offset_x = 0, offset_y = 0;
+
+    auto operator<=>(const placed_image_t &) const = default;
+};
+
+// What is drawn in one call: one page and one state.
+struct batch_key_t {
+    bool locked;
+    bool smooth;
+    bool twosided;
+    std::int32_t material;
+    placed_image_t picture;
+    buffer_page_t *page;
+
+    bool operator<(const batch_key_t &other) const
+    {
+        return std::tie(locked, picture, smooth, twosided, material, page) <
+               std::tie(other.locked, other.picture, other.smooth, other.twosided, other.material,
+                        other.page);
+    }
+};
+using batches_t = std::map<batch_key_t, draw_ranges_t>;
+
+const material &material_of(std::int32_t index)
+{
+    static const material fallback = {
+        {1, 1, 1, 1}, {0.2f, 0.2f, 0.2f, 1}, {0.5f, 0.5f, 0.5f, 1}, {0, 0, 0, 1}, 10, 0, nullptr, 0,
+        nullptr};
+    const int count = vesk_get_num_palette();
+    if (count == 0)
+        return fallback;
+    const material *found = vesk_palette_get_material(index >= 0 && index < count ? index : 0);
+    return found != nullptr ? *found : fallback;
+}
+
+bool is_transparent(std::int32_t index) { return material_of(index).transparency > 0; }
+
+void set_material(const material &m, const fill_options_t &options, bool locked)
+{
+    const float alpha = std::clamp(1.0f - m.transparency, 0.0f, 1.0f);
+    const float diffuse[4] = {m.diffuse[0], m.diffuse[1], m.diffuse[2], alpha};
+    const float ambient[4] = {m.ambient[0], m.ambient[1], m.ambient[2], 1};
+    const float emissive[4] = {m.emissive[0], m.emissive[1], m.emissive[2], 1};
+    const bool shines = options.specular && !locked;
+    const float specular[4] = {shines ? m.specular[0] : 0, shines ? m.specular[1] : 0,
+                               shines ? m.specular[2] : 0, 1};
+    glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, diffuse);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, options.own_light ? diffuse : ambient);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, specular);
+    glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, emissive);
+    glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, std::clamp(m.shininess, 0.0f, 128.0f));
+}
+
+void set_surface_state(const batch_key_t &key, const fill_options_t &options)
+{
+    const bool textured = key.picture.image != nullptr && texture_bind(key.picture.image);
+    if (textured)
+        texture_set_placement(key.picture.repeat_x, key.picture.repeat_y, key.picture.offset_x,
+                              key.picture.offset_y);
+    else
+        texture_unbind();
+    use_lit_program({key.smooth, options.num_lights, options.perspective,
+                     key.locked ? locked_dim : 0.0f, textured});
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, key.twosided ? GL_TRUE : GL_FALSE);
+    if (key.twosided)
+        glDisable(GL_CULL_FACE);
+    else
+        glEnable(GL_CULL_FACE);
+}
+
+void draw_batches(const batches_t &batches, const fill_options_t &options)
+{
+    glEnable(GL_LIGHTING);
+    for (const auto &[key, ranges] : batches) {
+        set_surface_state(key, options);
+        set_material(material_of(key.material), options, key.locked);
+        page_bind(*key.page, true, key.picture.image != nullptr);
+        page_draw_triangles(*key.page, ranges);
+        page_unbind();
+    }
+    texture_unbind();
+    texture_reset_placement();
+    use_no_program();
+    glDisable(GL_LIGHTING);
+    glDisable(GL_CULL_FACE);
+}
+
+placed_image_t picture_of(const scene_item_t &item, const fill_options_t &options)
+{
+    const object_t &o = *item.object;
+    VESKImage *image = options.textures && item.buffers->textured ? object_picture(&o) : nullptr;
+    if (image == nullptr)
+        return {};
+    return {image, o.texture_repeat_x, o.texture_repeat_y, o.texture_offset_x, o.texture_offset_y};
+}
+
+bool shines_through(const placed_image_t &picture)
+{
+    return picture.image != nullptr && image_has_alpha(picture.image);
+}
+
+void add_groups(batches_t &batches, const scene_item_t &item, const fill_options_t &options,
+                bool transparent)
+{
+    const placed_image_t picture = picture_of(item, options);
+    for (const layout_group_t &group : item.buffers->layout.groups)
+        if ((is_transparent(group.material) || shines_through(picture)) == transparent)
+            batches[{item.locked, group.smooth, group.twosided, group.material, picture,
+                     item.buffers->page}]
+                .add(item.buffers->first_triangle_index + group.first, group.count);
+}
+
+bool is_drawn_filled(const scene_item_t &item)
+{
+    return !item.hidden && item.buffers->page != nullptr &&
+           (!item.locked || prefs.show_locked_3d != 0);
+}
+
+// ---- selected parts of objects, as slots of their page ----
+
+struct part_slots_t {
+    unsigned generation = ~0u;
+    flat_ptr flat;
+    std::vector<std::uint32_t> edges;     // lines
+    std::vector<std::uint32_t> triangles; // of the selected surfaces
+    std::vector<std::uint32_t> vertices;
+};
+
+std::unordered_map<const object_t *, part_slots_t> &part_cache()
+{
+    static std::unordered_map<const object_t *, part_slots_t> cache;
+    return cache;
+}
+
+void add_surface_triangles(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
+{
+    const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+    const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+    if (corners.size() < 3 || record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE)
+        return;
+    for (const int corner : surface_ears(flat, surface))
+        out.push_back(static_cast<std::uint32_t>(corners[static_cast<size_t>(corner)]));
+}
+
+void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
+{
+    const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+    const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+    if (record.type != SURFACE_LINE && record.type != SURFACE_CLOSED_LINE)
+        return;
+    for (size_t i = 0; i + 1 < corners.size(); ++i)
+        out.insert(out.end(), {static_cast<std::uint32_t>(corners[i]),
+                               static_cast<std::uint32_t>(corners[i + 1])});
+    if (record.type == SURFACE_CLOSED_LINE && corners.size() > 2)
+        out.insert(out.end(), {static_cast<std::uint32_t>(corners.back()),
+                               static_cast<std::uint32_t>(corners.front())});
+}
+
+const part_slots_t &part_slots(const scene_item_t &item)
+{
+    part_slots_t &slots = part_cache()[item.object];
+    if (slots.generation == selection_marks_generation() && slots.flat == item.buffers->flat)
+        return slots;
+    slots.generation = selection_marks_generation();
+    slots.flat = item.buffers->flat;
+    const flat_mesh &flat = *slots.flat;
+    slots.edges.clear();
+    slots.triangles.clear();
+    slots.vertices.clear();
+    std::vector<int> surfaces;
+    for (const int surface : item.part->surfaces)
+        if (surface < flat.num_surfaces())
+            surfaces.push_back(surface);
+    if (!surfaces.empty())
+        slots.edges = unique_edges(flat, &surfaces);
+    for (const int surface : surfaces) {
+        add_surface_triangles(flat, surface, slots.triangles);
+        add_line_segments(flat, surface, slots.edges);
+    }
+    for (const int vertex : item.part->vertices)
+        if (vertex < flat.num_vertices())
+            slots.vertices.push_back(static_cast<std::uint32_t>(vertex));
+    for (std::vector<std::uint32_t> *list : {&slots.edges, &slots.triangles, &slots.vertices})
+        for (std::uint32_t &slot : *list)
+            slot += item.buffers->first_slot;
+    return slots;
+}
+
+bool has_selected_part(const scene_item_t &item)
+{
+    return item.part != nullptr && !item.hidden && item.buffers->page != nullptr &&
+           !item.part->whole;
+}
+
+// ---- ranges of edges and points by page ----
+
+using page_ranges_t = std::map<buffer_page_t *, draw_ranges_t>;
+
+void draw_edge_ranges(const page_ranges_t &ranges)
+{
+    for (const auto &[page, list] : ranges) {
+        page_bind(*page, false);
+        page_draw_edges(*page, list);
+    }
+    page_unbind();
+}
+
+void add_edges(page_ranges_t &ranges, const scene_item_t &item, bool lines_too)
+{
+    const object_buffers_t &b = *item.buffers;
+    ranges[b.page].add(b.edges.first, b.edges.count);
+    if (lines_too)
+        ranges[b.page].add(b.first_line_index, b.num_edge_indices - b.edges.count);
+}
+
+colour_t colour_of_object(const object_buffers_t &buffers, float alpha)
+{
+    const auto &groups =
+        buffers.layout.groups.empty() ? buffers.layout.line_groups : buffers.layout.groups;
+    if (groups.empty())
+        return colour_of(prefs.col_line, alpha);
+    const material &m = material_of(groups.front().material);
+    return {m.diffuse[0], m.diffuse[1], m.diffuse[2], alpha};
+}
+
+struct edge_batch_t {
+    colour_t colour;
+    page_ranges_t ranges;
+};
+
+void draw_points_of(const page_ranges_t &ranges)
+{
+    for (const auto &[page, slots] : ranges) {
+        page_bind(*page, false);
+        page_draw_points(slots);
+    }
+    page_unbind();
+}
+
+void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
+
+// Where vertices would cover the shape, they are left out: the mean distance between an object's
+// vertices on the screen tells.
+class crowding {
+public:
+    crowding()
+    {
+        double model[16];
+        double projection[16];
+        GLint viewport[4];
+        glGetDoublev(GL_MODELVIEW_MATRIX, model);
+        glGetDoublev(GL_PROJECTION_MATRIX, projection);
+        glGetIntegerv(GL_VIEWPORT, viewport);
+        for (int column = 0; column < 4; ++column)
+            for (int row = 0; row < 4; ++row) {
+                double sum = 0;
+                for (int k = 0; k < 4; ++k)
+                    sum += projection[k * 4 + row] * model[column * 4 + k];
+                matrix_[column * 4 + row] = sum;
+            }
+        width_ = viewport[2] / 2.0;
+        height_ = viewport[3] / 2.0;
+    }
+
+    [[nodiscard]] bool is_crowded(const object_buffers_t &b) const
+    {
+        double low[2] = {1e30, 1e30};
+        double high[2] = {-1e30, -1e30};
+        for (int corner = 0; corner < 8; ++corner) {
+            const double p[3] = {(corner & 1) != 0 ? b.max.x : b.min.x,
+                                 (corner & 2) != 0 ? b.max.y : b.min.y,
+                                 (corner & 4) != 0 ? b.max.z : b.min.z};
+            const double w = at(p, 3);
+            if (w <= 0)
+                return false; // partly behind the viewer: near
+            for (int axis = 0; axis < 2; ++axis) {
+                const double place = at(p, axis) / w * (axis == 0 ? width_ : height_);
+                low[axis] = std::min(low[axis], place);
+                high[axis] = std::max(high[axis], place);
+            }
+        }
+        const double area = (high[0] - low[0] + 1) * (high[1] - low[1] + 1);
+        return area < closest * closest * b.layout.num_vertices;
+    }
+
+private:
+    static constexpr double closest = 5; // pixels between vertices
+
+    [[nodiscard]] double at(const double p[3], int row) const
+    {
+        return matrix_[row] * p[0] + matrix_[4 + row] * p[1] + matrix_[8 + row] * p[2] +
+               matrix_[12 + row];
+    }
+
+    double matrix_[16];
+    double width_, height_;
+};
+
+// Selected vertices stand on a dark rim.
+void draw_rimmed_points(const scene_t &scene, float size)
+{
+    const colour_t rim = {0x14 / 255.0f, 0x14 / 255.0f, 0x14 / 255.0f, 0.85f};
+    for (const bool is_rim : {true, false}) {
+        set_colour(is_rim ? rim : colour_of(prefs.col_selvert));
+        set_point_size(is_rim ? size + 2 : size);
+        for (const scene_item_t &item : scene.items) {
+            if (!has_selected_part(item) || item.part->vertices.empty())
+                continue;
+            page_bind(*item.buffers->page, false);
+            page_draw_slots(GL_POINTS, part_slots(item).vertices);
+        }
+    }
+    page_unbind();
+}
+
+// What a drag moves: all that is selected; by a matrix only whole objects, and the selected parts of
+// others apart from their objects.
+bool is_moving(const scene_item_t &item)
+{
+    return overlay().moving && item.part != nullptr && (item.part->whole || !overlay().pending);
+}
+
+} // namespace
+
+scene_t items_that_move(const scene_t &scene, bool moving)
+{
+    scene_t found = {{}, scene.min, scene.max};
+    for (const scene_item_t &item : scene.items)
+        if (is_moving(item) == moving)
+            found.items.push_back(item);
+    return found;
+}
+
+pending_place_t::pending_place_t()
+{
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    if (overlay().pending)
+        glMultMatrixf(overlay().pending_matrix);
+}
+
+pending_place_t::~pending_place_t()
+{
+    glMatrixMode(GL_MODELVIEW);
+    glPopMatrix();
+}
+
+scene_t gather_scene()
+{
+    scene_t scene;
+    bounds_clear(&scene.min, &scene.max);
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        const object_buffers_t &buffers = object_buffers(object);
+        if (buffers.page == nullptr)
+            return;
+        scene.items.push_back(
+            {object, &buffers, selected_part(object), object->visible == 0, object->locked != 0});
+        bounds_add(buffers.min, &scene.min, &scene.max);
+        bounds_add(buffers.max, &scene.min, &scene.max);
+    });
+    buffers_sweep();
+    return scene;
+}
+
+void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
+{
+    batches_t batches;
+    for (const scene_item_t &item : scene.items)
+        if (is_drawn_filled(item))
+            add_groups(batches, item, options, false);
+    if (prefs.polygon_offset != 0)
+        glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(1.0f, 1.0f);
+    draw_batches(batches, options);
+    glDisable(GL_POLYGON_OFFSET_FILL);
+}
+
+void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &options)
+{
+    double m[16];
+    glGetDoublev(GL_MODELVIEW_MATRIX, m);
+    std::vector<std::pair<double, const scene_item_t *>> order;
+    for (const scene_item_t &item : scene.items) {
+        const auto &groups = item.buffers->layout.groups;
+        if (!is_drawn_filled(item) ||
+            (!shines_through(picture_of(item, options)) &&
+             std::none_of(groups.begin(), groups.end(),
+                          [](const layout_group_t &g) { return is_transparent(g.material); })))
+            continue;
+        const point3_t middle = point_scale(point_add(item.buffers->min, item.buffers->max), 0.5f);
+        order.emplace_back(m[2] * middle.x + m[6] * middle.y + m[10] * middle.z, &item);
+    }
+    std::sort(order.begin(), order.end(),
+              [](const auto &a, const auto &b) { return a.first < b.first; });
+    glDepthMask(GL_FALSE);
+    for (const auto &[depth, item] : order) {
+        batches_t batches;
+        add_groups(batches, *item, options, true);
+        draw_batches(batches, options);
+    }
+    glDepthMask(GL_TRUE);
+}
+
+void draw_selection_tint(const scene_t &scene)
+{
+    const pending_place_t place;
+    set_colour(colour_of(prefs.col_selline, tint_alpha));
+    glDepthMask(GL_FALSE);
+    for (const scene_item_t &item : scene.items) {
+        if (!has_selected_part(item) || item.part->surfaces.empty())
+            continue;
+        page_bind(*item.buffers->page, false);
+        page_draw_slots(GL_TRIANGLES, part_slots(item).triangles);
+    }
+    page_unbind();
+    glDepthMask(GL_TRUE);
+}
+
+void draw_edges(const scene_t &scene, const edge_options_t &options)
+{
+    std::map<std::tuple<float, float, float, bool>, edge_batch_t> batches;
+    for (const scene_item_t &item : scene.items) {
+        if (item.buffers->page == nullptr || item.hidden != options.hidden_ones ||
+            (item.part != nullptr && item.part->whole && !item.hidden))
+            continue;
+        colour_t colour = options.by_material ? colour_of_object(*item.buffers, options.colour.a)
+                                              : options.colour;
+        if (item.locked)
+            colour.a *= 0.5f;
+        edge_batch_t &batch = batches[{colour.r, colour.g, colour.b, item.locked}];
+        batch.colour = colour;
+        add_edges(batch.ranges, item, options.lines_too);
+    }
+    draw_set_line_width(options.width);
+    for (const auto &[key, batch] : batches) {
+        set_colour(batch.colour);
+        draw_edge_ranges(batch.ranges);
+    }
+}
+
+void draw_line_surfaces(const scene_t &scene, float width)
+{
+    draw_set_line_width(width);
+    for (const scene_item_t &item : scene.items) {
+        if (item.hidden || item.buffers->page == nullptr)
+            continue;
+        for (const layout_group_t &group : item.buffers->layout.line_groups) {
+            const material &m = material_of(group.material);
+            set_colour({m.diffuse[0], m.diffuse[1], m.diffuse[2], item.locked ? 0.5f : 1.0f});
+            draw_ranges_t ranges;
+            ranges.add(item.buffers->first_line_index + group.first, group.count);
+            page_bind(*item.buffers->page, false);
+            page_draw_edges(*item.buffers->page, ranges);
+        }
+    }
+    page_unbind();
+}
+
+void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width)
+{
+    const pending_place_t place;
+    const crowding screen;
+    set_colour(colour);
+    page_ranges_t whole;
+    page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
+    for (const scene_item_t &item : scene.items)
+        if (item.part != nullptr && item.part->whole && !item.hidden &&
+            item.buffers->page != nullptr)
+            add_edges(screen.is_crowded(*item.buffers) ? crowded : whole, item, true);
+    draw_set_line_width(width / 2);
+    draw_edge_ranges(crowded);
+    draw_set_line_width(width);
+    draw_edge_ranges(whole);
+    for (const scene_item_t &item : scene.items) {
+        if (!has_selected_part(item) || item.part->surfaces.empty())
+            continue;
+        page_bind(*item.buffers->page, false);
+        page_draw_slots(GL_LINES, part_slots(item).edges);
+    }
+    page_unbind();
+}
+
+void draw_vertices(const scene_t &scene, const vertex_options_t &options)
+{
+    const float strength = options.vertex_mode ? 1.0f : 0.8f;
+    const crowding screen;
+    page_ranges_t plain;
+    page_ranges_t selected;
+    for (const scene_item_t &item : scene.items) {
+        if (item.hidden || item.locked || item.buffers->page == nullptr ||
+            (!options.vertex_mode &&
+             (screen.is_crowded(*item.buffers) || (!options.moving_ones && is_moving(item)))))
+            continue;
+        const bool whole = item.part != nullptr && item.part->whole;
+        (whole ? selected : plain)[item.buffers->page].add(item.buffers->first_slot,
+                                                           item.buffers->layout.num_vertices);
+    }
+    if (device_caps().samples > 0)
+        glEnable(GL_POINT_SPRITE);   // several samples a pixel would make the squares round
+    glDepthRange(0.0, nearer_range); // before the edges that end in them
+    set_point_size(options.vertex_mode ? options.size : options.size - 1);
+    if (options.unselected) {
+        set_colour(colour_of(prefs.col_vert, strength));
+        draw_points_of(plain);
+    }
+    if (options.selected) {
+        const pending_place_t place;
+        set_colour(colour_of(prefs.col_selvert, strength));
+        draw_points_of(selected);
+        draw_rimmed_points(scene, options.size + 2);
+    }
+    glDepthRange(0.0, 1.0);
+    if (device_caps().samples > 0)
+        glDisable(GL_POINT_SPRITE);
+}
+
+void draw_normals(const scene_t &scene, float length, const colour_t &colour)
+{
+    std::vector<point3_t> ends;
+    for (const scene_item_t &item : scene.items) {
+        if (item.hidden)
+            continue;
+        const flat_mesh &flat = *item.buffers->flat;
+        for (int surface = 0; surface < flat.num_surfaces(); ++surface) {
+            const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+            if (corners.size() < 3)
+                continue;
+            point3_t middle = {0, 0, 0};
+            for (const std::int32_t corner : corners)
+                middle = point_add(middle, (*flat.positions)[static_cast<size_t>(corner)]);
+            middle = point_scale(middle, 1.0f / static_cast<float>(corners.size()));
+            ends.push_back(middle);
+            ends.push_back(point_add(
+                middle, point_scale((*flat.face_normals)[static_cast<size_t>(surface)], length)));
+        }
+    }
+    if (ends.empty())
+        return;
+    set_colour(colour);
+    draw_set_line_width(1.0f);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, ends.data());
+    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
+    glDisableClientState(GL_VERTEX_ARRAY);
+}
+
+void draw_bounding_boxes(const scene_t &scene, const colour_t &colour)
+{
+    constexpr int box_edges[24] = {0, 1, 2, 3, 4, 5, 6, 7, 0, 2, 1, 3,
+                                   4, 6, 5, 7, 0, 4, 1, 5, 2, 6, 3, 7};
+    std::vector<point3_t> ends;
+    for (const scene_item_t &item : scene.items) {
+        if (item.hidden)
+            continue;
+        const point3_t &a = item.buffers->min;
+        const point3_t &b = item.buffers->max;
+        for (const int corner : box_edges)
+            ends.push_back({(corner & 1) != 0 ? b.x : a.x, (corner & 2) != 0 ? b.y : a.y,
+                            (corner & 4) != 0 ? b.z : a.z});
+    }
+    if (ends.empty())
+        return;
+    set_colour(colour);
+    draw_set_line_width(1.0f);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, ends.data());
+    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
+    glDisableClientState(GL_VERTEX_ARRAY);
+}

@@ -1,0 +1,85 @@
+#ifndef VESK_DRAW_DRAW_SCENE_GL_H
+#define VESK_DRAW_DRAW_SCENE_GL_H
+
+// The layers of a view that show the model, from the objects' buffers. The matrices are set by the
+// view; nothing here depends on which one it is.
+
+#include "draw/draw_buffers_gl.h"
+#include "draw/selection_marks.h"
+
+#include <vector>
+
+struct scene_item_t {
+    object_t *object;
+    const object_buffers_t *buffers;
+    const selected_part_t *part; // null: nothing of it is selected
+    bool hidden, locked;
+};
+
+struct scene_t {
+    std::vector<scene_item_t> items; // objects with geometry
+    point3_t min, max;               // of all of them; min above max when there are none
+};
+
+// The world's objects with their buffers brought up to date.
+scene_t gather_scene();
+
+// While what is selected follows the mouse: the items that do, or the others.
+scene_t items_that_move(const scene_t &scene, bool moving);
+
+// As long as it lives, what is drawn stands where the mouse has brought it; without a pending
+// transform it changes nothing. The model matrix must be current.
+class pending_place_t {
+public:
+    pending_place_t();
+    ~pending_place_t();
+    pending_place_t(const pending_place_t &) = delete;
+    pending_place_t &operator=(const pending_place_t &) = delete;
+};
+
+struct fill_options_t {
+    int num_lights;
+    bool perspective;
+    bool specular;  // flat views do without
+    bool own_light; // without any light: surfaces in their plain colour
+    bool textures;
+};
+
+// Surfaces: the opaque ones in any order, then the transparent ones from back to front.
+void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options);
+void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &options);
+
+// A light veil over selected surfaces.
+void draw_selection_tint(const scene_t &scene);
+
+struct edge_options_t {
+    colour_t colour;
+    float width;
+    bool by_material; // in the colour of the object's surfaces instead
+    bool hidden_ones; // the hidden objects, else the visible ones
+    bool lines_too;   // line surfaces
+};
+void draw_edges(const scene_t &scene, const edge_options_t &options);
+
+// Line surfaces alone, in their materials' colours.
+void draw_line_surfaces(const scene_t &scene, float width);
+
+// Edges of what is selected: the whole of selected objects, and selected surfaces.
+void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width);
+
+struct vertex_options_t {
+    bool unselected;
+    bool selected;
+    bool vertex_mode;
+    float size;
+    bool moving_ones; // those of objects that follow the mouse; vertex mode shows them always
+};
+void draw_vertices(const scene_t &scene, const vertex_options_t &options);
+
+// Of each surface at its middle, in world units.
+void draw_normals(const scene_t &scene, float length, const colour_t &colour);
+
+// Boxes round the visible objects.
+void draw_bounding_boxes(const scene_t &scene, const colour_t &colour);
+
+#endif

@@ -1,0 +1,165 @@
+#include "draw/draw_view_gl.h"
+
+#include "base/prefs.h"
+#include "base/ui_port.h"
+#include "draw/draw_layers_gl.h"
+#include "draw/draw_text_gl.h"
+#include "model/change_marks.h"
+#include "view/interaction.h"
+#include "view/views_internal.h"
+
+namespace {
+
+constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
+constexpr float label_x = 8;
+constexpr float label_y = 17;
+
+struct view_state_t {
+    draw_budget budget;
+    bool partial = false;
+    int width = 0, height = 0; // of the last picture
+    layer_choice_t layers;
+    bool distrusted = false;
+    std::uint64_t distrusted_at = 0; // change count of the model
+};
+view_state_t states[num_views];
+
+bool is_distrusted(view_state_t &state)
+{
+    if (state.distrusted && state.distrusted_at != model_change_count())
+        state.distrusted = false;
+    return state.distrusted;
+}
+
+colour_t background_of(int view)
+{
+    return colour_of(view == VIEW_XYZ ? prefs.col_3dbackground : prefs.col_background);
+}
+
+double scene_vertices(const scene_t &scene)
+{
+    double sum = 0;
+    for (const scene_item_t &item : scene.items)
+        sum += item.object->num_vertices;
+    return sum;
+}
+
+// What the present layers cost against what they would with smoothing.
+void learn_smoothing(picture_t &picture, double seconds)
+{
+    draw_budget &budget = *picture.budget;
+    double expected = budget.cost(draw_layer::rest);
+    if (picture.layers.fill)
+        expected += budget.cost(draw_layer::fill);
+    if (picture.layers.edges)
+        expected += budget.cost(draw_layer::edges);
+    if (picture.layers.vertices)
+        expected += budget.cost(draw_layer::vertices);
+    if (!picture.layers.smoothing && expected > seconds)
+        budget.note(draw_layer::smoothing, expected - seconds);
+}
+
+} // namespace
+
+void finish_layer(picture_t &picture, draw_layer layer)
+{
+    if (!picture.measure)
+        return;
+    const double now = seconds_until_drawn();
+    picture.budget->note(layer, now - picture.started);
+    picture.started = now;
+}
+
+bool draw_view_blank(int view, int width, int height)
+{
+    if (width == states[view].width && height == states[view].height)
+        return false;
+    frame_begin(view, width, height, background_of(view), false);
+    frame_end(view);
+    return true;
+}
+
+void draw_view(int view, int width, int height, double seconds, bool in_full)
+{
+    view_state_t &state = states[view];
+    const bool distrusted = is_distrusted(state);
+    scene_t scene = distrusted ? scene_t() : gather_scene();
+    state.budget.expect(scene_vertices(scene));
+    const bool moving = view_is_moving(view, seconds);
+    const bool quick = moving || (!in_full && state.budget.full_cost() > slow_picture);
+    const bool flat = is_orthographic(view);
+    picture_t picture = {view, width,         height, view_interface_scale(), std::move(scene),
+                         {},   &state.budget, !quick, ui_port().now_seconds()};
+    const double started = picture.started;
+    picture.layers = state.budget.choose(quick, flat);
+    picture.layers.boxes_only = distrusted || (moving && picture.layers.boxes_only);
+    // The first picture of a size comes at once; it is drawn again when the size stays.
+    const bool resized = width != state.width || height != state.height;
+    if (resized) {
+        picture.layers.smoothing = false;
+        picture.measure = false;
+    }
+    state.width = width;
+    state.height = height;
+    frame_begin(view, width, height, background_of(view), picture.layers.smoothing);
+    if (flat)
+        draw_orthographic_view(picture);
+    else
+        draw_3d_view(picture);
+    frame_end(view);
+    if (flat)
+        draw_orthographic_overlay(picture);
+    else
+        draw_3d_overlay(picture);
+    draw_window_label(view);
+    finish_layer(picture, draw_layer::rest);
+    if (quick)
+        learn_smoothing(picture, seconds_until_drawn() - started);
+    state.partial = quick || resized;
+    state.layers = picture.layers;
+}
+
+std::string drawn_view_layers(int view)
+{
+    const layer_choice_t &layers = states[view].layers;
+    if (layers.boxes_only)
+        return "boxes";
+    std::string words = "grid";
+    const bool wanted_fill = view == VIEW_XYZ ? prefs.view3dmode == 0 : prefs.filled_orth != 0;
+    words += layers.fill && wanted_fill ? " fill" : " wire";
+    if (layers.edges)
+        words += " edges";
+    if (layers.vertices)
+        words += " vertices";
+    if (layers.smoothing)
+        words += " smoothing";
+    return words;
+}
+
+bool drawn_view_is_partial(int view) { return states[view].partial; }
+
+void draw_view_distrust(int view)
+{
+    states[view].distrusted = true;
+    states[view].distrusted_at = model_change_count();
+}
+
+std::vector<layer_cost_t> drawn_view_costs(int view)
+{
+    const draw_budget &budget = states[view].budget;
+    return {{"fill", budget.cost(draw_layer::fill)},
+            {"edges", budget.cost(draw_layer::edges)},
+            {"vertices", budget.cost(draw_layer::vertices)},
+            {"rest", budget.cost(draw_layer::rest)},
+            {"smoothing", budget.cost(draw_layer::smoothing)}};
+}
+
+void draw_window_label(int view)
+{
+    const char *const labels[num_views] = {prefs.window_label_xy, prefs.window_label_zy,
+                                           prefs.window_label_xz, prefs.window_label_xyz};
+    if (prefs.show_window_labels == 0 || labels[view] == nullptr)
+        return;
+    const auto scale = static_cast<float>(view_interface_scale());
+    draw_text(label_x * scale, label_y * scale, labels[view], label_colour, atlas_font::regular);
+}

@@ -1,0 +1,48 @@
+#ifndef VESK_DRAW_DRAW_VIEW_GL_H
+#define VESK_DRAW_DRAW_VIEW_GL_H
+
+// One finished picture of a view in the back buffer of the current context.
+
+#include "base/types.h"
+
+#include <string>
+#include <vector>
+
+// While something moves, layers that do not fit the time are left out; also of a slow picture that
+// need not be `in_full` at once. `seconds` is now.
+void draw_view(int view, int width, int height, double seconds, bool in_full);
+
+// A picture of the background alone when the last picture of the view had another size, for drivers
+// that learn of a new size only while they show a picture. False: the size is the same.
+bool draw_view_blank(int view, int width, int height);
+
+// Whether the last picture of the view left something out, so that it is to be drawn again at rest.
+bool drawn_view_is_partial(int view);
+
+// After a fault while drawing: bounding boxes only, until the model changes.
+void draw_view_distrust(int view);
+
+// What the last picture of a view cost, for benchmarks: name and seconds of each layer.
+struct layer_cost_t {
+    std::string layer;
+    double seconds;
+};
+std::vector<layer_cost_t> drawn_view_costs(int view);
+
+// The layers of the last picture, as words.
+std::string drawn_view_layers(int view);
+
+VESK_BEGIN_DECLS
+
+/* The label of a view at pixel 8, 17, in grey. */
+VESK_API void draw_window_label(int view);
+
+/* The grids and axes of an orthographic view; nothing for the 3D view. */
+VESK_API void draw_orth_grid(int view);
+
+/* Width in pixels of the lines that follow. */
+VESK_API void draw_line_width(float width);
+
+VESK_END_DECLS
+
+#endif

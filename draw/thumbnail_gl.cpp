@@ -1,0 +1,137 @@
+#include "draw/thumbnail_gl.h"
+
+#include "base/atomic_file.h"
+#include "base/command_result.h"
+#include "base/command_row.h"
+#include "base/image_png.h"
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "draw/draw_device_gl.h"
+#include "draw/draw_layers_gl.h"
+#include "draw/offscreen_gl.h"
+#include "model/vector.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+constexpr int smallest = 16;
+constexpr int largest = 4096;
+constexpr double half_angle_tangent = 0.26; // of the viewer's field, about 30 degrees in all
+constexpr double margin = 1.06;
+constexpr point3_t from_viewer = {0.52f, 0.43f, 0.74f}; // right, above and in front
+
+struct looks_t {
+    point3_t right, up, back; // unit, of the viewer
+    point3_t centre;          // what it looks at
+    double distance;
+    double near_plane, far_plane;
+};
+
+point3_t unit(const point3_t &v) { return point_scale(v, static_cast<float>(1 / point_length(v))); }
+
+// The viewer as near as the box allows.
+looks_t look_at_box(const point3_t &min, const point3_t &max)
+{
+    looks_t looks;
+    looks.back = unit(from_viewer);
+    looks.right = unit(point_cross({0, 1, 0}, looks.back));
+    looks.up = point_cross(looks.back, looks.right);
+    looks.centre = point_scale(point_add(min, max), 0.5f);
+    double distance = 0;
+    double nearest = 0;
+    double farthest = 0;
+    for (int corner = 0; corner < 8; ++corner) {
+        const point3_t p = {(corner & 1) != 0 ? max.x : min.x, (corner & 2) != 0 ? max.y : min.y,
+                            (corner & 4) != 0 ? max.z : min.z};
+        const point3_t at = point_sub(p, looks.centre);
+        const double across = std::max(std::fabs(static_cast<double>(point_dot(at, looks.right))),
+                                       std::fabs(static_cast<double>(point_dot(at, looks.up))));
+        const double towards = point_dot(at, looks.back);
+        distance = std::max(distance, across * margin / half_angle_tangent + towards);
+        nearest = std::max(nearest, towards);
+        farthest = std::min(farthest, towards);
+    }
+    looks.distance = distance > 0 ? distance : 1;
+    looks.near_plane = std::max((looks.distance - nearest) * 0.99, looks.distance * 1e-4);
+    looks.far_plane = (looks.distance - farthest) * 1.01;
+    return looks;
+}
+
+void set_matrices(const looks_t &looks)
+{
+    const double half = looks.near_plane * half_angle_tangent;
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glFrustum(-half, half, -half, half, looks.near_plane, looks.far_plane);
+    const point3_t &r = looks.right;
+    const point3_t &u = looks.up;
+    const point3_t &b = looks.back;
+    const float turned[16] = {r.x, u.x, b.x, 0, r.y, u.y, b.y, 0, r.z, u.z, b.z, 0, 0, 0, 0, 1};
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glTranslated(0, 0, -looks.distance);
+    glMultMatrixf(turned);
+    glTranslatef(-looks.centre.x, -looks.centre.y, -looks.centre.z);
+}
+
+void draw_model(int size)
+{
+    const scene_t scene = gather_scene();
+    frame_begin(VIEW_XYZ, size, size, colour_of(prefs.col_3dbackground), true);
+    if (scene.min.x <= scene.max.x) {
+        set_matrices(look_at_box(scene.min, scene.max));
+        const fill_options_t options = {draw_set_lights(), true, true, false, true};
+        draw_opaque_surfaces(scene, options);
+        draw_line_surfaces(scene, 1.0f);
+        draw_transparent_surfaces(scene, options);
+    }
+    frame_end(VIEW_XYZ);
+}
+
+std::vector<unsigned char> read_rows_from_top(int size)
+{
+    const std::size_t row = static_cast<std::size_t>(size) * 3;
+    std::vector<unsigned char> rgb(row * static_cast<std::size_t>(size));
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    for (int y = 0; y < size; ++y)
+        glReadPixels(0, size - 1 - y, size, 1, GL_RGB, GL_UNSIGNED_BYTE,
+                     rgb.data() + row * static_cast<std::size_t>(y));
+    return rgb;
+}
+
+bool write_thumbnail(int size, const char *file)
+{
+    if (size < smallest || size > largest) {
+        display_message("thumbnail - expected a size of %d to %d pixels, not %d", smallest, largest,
+                        size);
+        return false;
+    }
+    const offscreen_t surface(size, size);
+    if (!surface.problem().empty()) {
+        display_message("thumbnail - %s", surface.problem().c_str());
+        return false;
+    }
+    draw_model(size);
+    const std::string png = png_of_rgb(size, size, read_rows_from_top(size).data());
+    if (png.empty() || !atomic_file_write(file, png)) {
+        display_message("thumbnail - can't write %s", file);
+        return false;
+    }
+    return true;
+}
+
+void command_write_thumbnail(int size, const char *file)
+{
+    command_result_appendf("%d", write_thumbnail(size, file) ? 1 : 0);
+}
+
+} // namespace
+
+void register_thumbnail_command()
+{
+    command_add_own(command_row("write_thumbnail", command_write_thumbnail, "<int size> <file.png>",
+                                "a square picture of the model without a display; 1 or 0"));
+}

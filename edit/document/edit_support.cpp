@@ -1,0 +1,164 @@
+#include "edit/document/edit_support.h"
+
+#include "base/messages.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo_internal.h"
+#include "model/flat_mesh.h"
+#include "model/freed.h"
+#include "model/normals.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+#include <unordered_set>
+
+std::vector<object_t *> without_descendants(const std::vector<object_t *> &objects)
+{
+    const std::unordered_set<const object_t *> all(objects.begin(), objects.end());
+    std::vector<object_t *> top;
+    for (object_t *object : unique_objects(objects)) {
+        const object_t *above = object->parent;
+        while (above != nullptr && all.count(above) == 0)
+            above = above->parent;
+        if (above == nullptr)
+            top.push_back(object);
+    }
+    return top;
+}
+
+std::vector<object_t *> selected_objects() { return elements_of<object_t>(selection().objects); }
+
+std::vector<object_t *> selected_top_objects() { return without_descendants(selected_objects()); }
+
+void select_results(const std::vector<object_t *> &objects)
+{
+    clear_selection();
+    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+        selection_add_by_rule(objects);
+    } else {
+        std::vector<object_t *> reachable;
+        for (object_t *object : objects) {
+            if (object->visible != 0 && object->locked == 0)
+                reachable.push_back(object);
+        }
+        selection_add_objects(reachable);
+    }
+    selection_changed("select");
+}
+
+std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
+{
+    std::vector<owned_elements> owners = surfaces_by_owner(surfaces);
+    uint32_t rank = 0;
+    for (surface_t *surface : each<surface_t>(surfaces))
+        set_scratch(surface, rank++);
+    for (owned_elements &owned : owners) {
+        const flat_ptr mesh = object_flat(owned.object);
+        const auto earlier = [&](int a, int b) {
+            return scratch((*mesh->surface_records)[static_cast<std::size_t>(a)]) <
+                   scratch((*mesh->surface_records)[static_cast<std::size_t>(b)]);
+        };
+        if (!std::is_sorted(owned.indices.begin(), owned.indices.end(), earlier))
+            std::sort(owned.indices.begin(), owned.indices.end(), earlier);
+    }
+    return owners;
+}
+
+std::vector<owned_elements> target_surfaces()
+{
+    std::vector<owned_elements> of_objects;
+    std::unordered_set<const object_t *> whole;
+    for (object_t *top : selected_top_objects()) {
+        for_each_object(top, [&](object_t *object) {
+            whole.insert(object);
+            if (object->num_surfaces == 0)
+                return;
+            std::vector<int> all(object_flat(object)->surfaces->size());
+            std::iota(all.begin(), all.end(), 0);
+            of_objects.push_back({object, std::move(all)});
+        });
+    }
+    const owned_list surfaces(find_selected_whole_surfaces());
+    std::vector<owned_elements> targets = surfaces_by_owner_in_order(surfaces.get());
+    std::erase_if(targets, [&](const owned_elements &owned) { return whole.count(owned.object); });
+    std::move(of_objects.begin(), of_objects.end(), std::back_inserter(targets));
+    return targets;
+}
+
+std::size_t count_elements(const std::vector<owned_elements> &owners)
+{
+    std::size_t count = 0;
+    for (const owned_elements &owned : owners)
+        count += owned.indices.size();
+    return count;
+}
+
+void run_surface_operation(const char *what, bool (*compute)(surface_work &work))
+{
+    const std::vector<owned_elements> targets = target_surfaces();
+    const std::size_t total = count_elements(targets);
+    if (total > 0)
+        display_message("%s...", what);
+    progress_t progress(static_cast<double>(total));
+    double done = 0;
+    int changed = 0;
+    owned_list results;
+    std::vector<mesh_change> changes;
+    for (const owned_elements &owned : targets) {
+        surface_work work = {changes.emplace_back(owned.object), owned.indices, progress, done};
+        if (!compute(work)) {
+            display_message("%s - cancelled", what);
+            return;
+        }
+        changed += work.changed;
+        for (surface_t *surface : work.kept)
+            results.add(surface);
+    }
+    if (changed == 0) {
+        display_message("%s - nothing selected", what);
+        return;
+    }
+    new_undo(UNDO_WORLD, what);
+    set_undo_all();
+    clear_selection(); // before: what is not selected need not be looked for among what goes
+    std::vector<object_t *> touched;
+    {
+        freed_batch at_once;
+        for (std::size_t i = 0; i < changes.size(); ++i) {
+            for (surface_t *surface : changes[i].commit().surfaces)
+                results.add(surface);
+            touched.push_back(targets[i].object);
+        }
+    }
+    calc_normals_of(touched);
+    select_surfacelist(results.get());
+    finish_edit();
+    display_message("%s - %d surfaces", what, changed);
+}
+
+void calc_normals_of(const std::vector<object_t *> &objects)
+{
+    for (object_t *object : without_descendants(objects))
+        object_calc_normals(object);
+}
+
+void drop_opened_undo()
+{
+    if (prefs.undo_levels > 0)
+        undo_drop_newest();
+}
+
+void cancelled(const char *what)
+{
+    drop_opened_undo();
+    display_message("%s - cancelled", what);
+}
+
+void finish_edit()
+{
+    find_bounding_box();
+    redraw_all();
+    display_status();
+}

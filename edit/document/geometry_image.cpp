@@ -1,0 +1,244 @@
+// Writes the geometry of an image into a live object.
+
+#include "edit/document/model_state_internal.h"
+#include "edit/document/selection_scan.h"
+#include "model/alloc.h"
+#include "model/change_marks_internal.h"
+#include "model/freed_internal.h"
+#include "model/vector.h"
+
+#include <cmath>
+#include <utility>
+
+namespace {
+
+std::size_t places(int n) { return static_cast<std::size_t>(n); }
+
+flat_array<point3_t> normals_from_corners(const flat_mesh &mesh)
+{
+    std::vector<point3_t> normals;
+    normals.reserve(places(mesh.num_surfaces()));
+    for (int i = 0; i < mesh.num_surfaces(); ++i)
+        normals.push_back(normal_of_corners(mesh, i));
+    return std::make_shared<const std::vector<point3_t>>(std::move(normals));
+}
+
+// ---- the lists stay, values are written ----
+
+bool has_lists_of(const object_state &state, const flat_mesh &image)
+{
+    return state.flat && (state.marks & CHANGED_TOPOLOGY) == 0 &&
+           state.flat->corners == image.corners &&
+           state.flat->corner_offsets == image.corner_offsets &&
+           state.flat->num_vertices() == image.num_vertices();
+}
+
+void write_texture_coords(const std::vector<surface_t *> &surfaces,
+                          const std::vector<vertex *> &vertices, const flat_mesh &image)
+{
+    std::size_t corner = 0;
+    for (surface_t *surface : surfaces) {
+        for (svertex *reference : each<svertex>(surface->refs)) {
+            if (corner == image.corners->size())
+                return;
+            // References to no vertex of the object have no corner in the flat mesh.
+            if (vertices[places((*image.corners)[corner])] != reference->vertex)
+                continue;
+            reference->u = (*image.texture_coords)[corner].u;
+            reference->v = (*image.texture_coords)[corner].v;
+            ++corner;
+        }
+    }
+}
+
+void write_attributes(surface_t *surface, const flat_surface &attributes)
+{
+    surface->material = attributes.material;
+    surface->type = attributes.type;
+    if ((surface->shading != 0) != (attributes.smooth != 0))
+        surface->shading = attributes.smooth;
+    if ((surface->twosided != 0) != (attributes.twosided != 0))
+        surface->twosided = attributes.twosided;
+}
+
+void write_values(const object_state &state, const flat_mesh &image)
+{
+    const flat_mesh &now = *state.flat;
+    const std::vector<vertex *> &vertices = *now.vertex_records;
+    const std::vector<surface_t *> &surfaces = *now.surface_records;
+    if ((state.marks & CHANGED_POSITIONS) != 0 || now.positions != image.positions) {
+        for (std::size_t i = 0; i < vertices.size(); ++i)
+            vertices[i]->position = (*image.positions)[i];
+    }
+    if ((state.marks & CHANGED_NORMALS) != 0 || now.normals != image.normals) {
+        for (std::size_t i = 0; i < vertices.size(); ++i)
+            vertices[i]->normal = (*image.normals)[i];
+    }
+    if ((state.marks & CHANGED_NORMALS) != 0 || now.face_normals != image.face_normals) {
+        for (std::size_t i = 0; i < surfaces.size(); ++i)
+            surfaces[i]->normal = (*image.face_normals)[i];
+    }
+    if ((state.marks & CHANGED_ATTRIBUTES) != 0 || now.surfaces != image.surfaces) {
+        for (std::size_t i = 0; i < surfaces.size(); ++i)
+            write_attributes(surfaces[i], (*image.surfaces)[i]);
+    }
+    if ((state.marks & CHANGED_TEXTURE_COORDS) != 0 || now.texture_coords != image.texture_coords)
+        write_texture_coords(surfaces, vertices, image);
+}
+
+// ---- other lists ----
+
+// Goes along a list whose nodes and records are used again, in their order, for other elements: half
+// of what making a million of them anew costs is the allocator's work. `make` makes what is missing;
+// `is_used` tells records that stand in the list twice.
+template <class T>
+class refill {
+public:
+    explicit refill(listitem **head) : head_(head), node_(*head) {}
+
+    template <class IsUsed, class Make>
+    T *next(const IsUsed &is_used, const Make &make)
+    {
+        if (!node_) {
+            last_ = list_add_item_fast(head_, last_, make());
+            return item_of<T>(last_);
+        }
+        last_ = std::exchange(node_, node_->next);
+        if (!item_of<T>(last_) || is_used(item_of<T>(last_)))
+            last_->data = reinterpret_cast<std::intptr_t>(make());
+        return item_of<T>(last_);
+    }
+    // What is left over.
+    template <class IsUsed, class Free>
+    void finish(const IsUsed &is_used, const Free &free_record)
+    {
+        if (!node_)
+            return;
+        *(last_ ? &last_->next : head_) = nullptr;
+        for (T *record : each<T>(node_)) {
+            if (record && !is_used(record))
+                free_record(record);
+        }
+        list_free(&node_);
+    }
+
+private:
+    listitem **head_;
+    listitem *node_; // not used yet
+    listitem *last_ = nullptr;
+};
+
+// True for records that were filled, which carry their places as numbers.
+template <class T>
+class filled_records {
+public:
+    explicit filled_records(std::size_t n) { records.reserve(n); }
+    bool operator()(const T *record) const
+    {
+        const std::uint32_t number = scratch(record);
+        return number < records.size() && records[number] == record;
+    }
+    void add(T *record)
+    {
+        set_scratch(record, static_cast<std::uint32_t>(records.size()));
+        records.push_back(record);
+    }
+    std::vector<T *> records;
+};
+
+std::vector<vertex *> fill_vertices(object_t *object, const flat_mesh &image)
+{
+    const std::size_t n = image.positions->size();
+    filled_records<vertex> filled(n);
+    refill<vertex> list(&object->vertices);
+    for (std::size_t i = 0; i < n; ++i) {
+        vertex *point = list.next(filled, new_vertex);
+        point->position = (*image.positions)[i];
+        point->normal = (*image.normals)[i];
+        filled.add(point);
+    }
+    list.finish(filled, vertex_free_record);
+    object->num_vertices = image.num_vertices();
+    return std::move(filled.records);
+}
+
+void fill_corners(surface_t *surface, const flat_mesh &image, int place,
+                  const std::vector<vertex *> &vertices)
+{
+    const auto never = [](const svertex *) { return false; };
+    const auto make = [] { return new_svertex(nullptr, 0, 0); };
+    auto corner = places((*image.corner_offsets)[places(place)]);
+    refill<svertex> list(&surface->refs);
+    for (const int index : image.surface_corners(place)) {
+        const flat_uv &uv = (*image.texture_coords)[corner++];
+        *list.next(never, make) = {vertices[places(index)], uv.u, uv.v};
+    }
+    list.finish(never, [](svertex *reference) { myfree(reference); });
+    surface->num_refs = static_cast<int>(image.surface_corners(place).size());
+}
+
+std::vector<surface_t *> fill_surfaces(object_t *object, const flat_mesh &image,
+                                       const std::vector<vertex *> &vertices)
+{
+    filled_records<surface_t> filled(image.surfaces->size());
+    refill<surface_t> list(&object->surfaces);
+    for (int i = 0; i < image.num_surfaces(); ++i) {
+        surface_t *surface = list.next(filled, new_surface);
+        write_attributes(surface, (*image.surfaces)[places(i)]);
+        surface->normal = (*image.face_normals)[places(i)];
+        fill_corners(surface, image, i, vertices);
+        filled.add(surface);
+    }
+    list.finish(filled, surface_free_record);
+    object->num_surfaces = image.num_surfaces();
+    return std::move(filled.records);
+}
+
+// Every vertex and surface that was there is gone for those who hold it.
+void fill_lists(object_t *object, flat_mesh *image)
+{
+    freed_announce_geometry(object);
+    list_prepare_fast(nullptr, 0); // its short cuts may lead to nodes that go
+    std::vector<vertex *> vertices = fill_vertices(object, *image);
+    std::vector<surface_t *> surfaces = fill_surfaces(object, *image, vertices);
+    image->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
+    image->surface_records = std::make_shared<const std::vector<surface_t *>>(std::move(surfaces));
+}
+
+} // namespace
+
+point3_t normal_of_corners(const flat_mesh &mesh, int surface)
+{
+    const auto corners = mesh.surface_corners(surface);
+    if (corners.size() < 3)
+        return {0, 0, 0};
+    const point3_t &origin = (*mesh.positions)[places(corners[0])];
+    const point3_t a = point_sub((*mesh.positions)[places(corners[1])], origin);
+    const point3_t b = point_sub((*mesh.positions)[places(corners[2])], origin);
+    const double x = static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y;
+    const double y = static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z;
+    const double z = static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x;
+    const double length = std::sqrt(x * x + y * y + z * z);
+    const double divisor = length != 0 ? length : 1;
+    return {static_cast<float>(x / divisor), static_cast<float>(y / divisor),
+            static_cast<float>(z / divisor)};
+}
+
+void object_write_geometry(object_t *object, const flat_mesh &image)
+{
+    auto flat = std::make_shared<flat_mesh>(image);
+    if (!flat->face_normals)
+        flat->face_normals = normals_from_corners(image);
+    object_state &state = state_of(object);
+    if (has_lists_of(state, *flat)) {
+        write_values(state, *flat);
+        flat->vertex_records = state.flat->vertex_records;
+        flat->surface_records = state.flat->surface_records;
+    } else {
+        fill_lists(object, flat.get());
+    }
+    object_mark(object, 0); // a new stamp: what others know of the object is out of date
+    flat->stamp = state.stamp;
+    state.flat = std::move(flat);
+    state.marks &= ~static_cast<unsigned>(CHANGED_GEOMETRY);
+}

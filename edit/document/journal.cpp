@@ -1,0 +1,419 @@
+#include "edit/document/journal.h"
+
+#include "base/messages_internal.h"
+#include "base/session_state.h"
+#include "edit/document/journal_internal.h"
+#include "edit/document/modes.h"
+#include "model/change_marks.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+struct journal_entry {
+    state_ptr state;
+    std::string label;
+    undo_stack records;
+    // The step opened the records first_serial + 1 .. last_serial.
+    unsigned first_serial = 0, last_serial = 0;
+    std::uint64_t change = 0;       // the same number: the same model
+    bool foreign = false;           // opened a plug-in's operation
+    bool faulted = false;           // made by a command that faulted
+    std::vector<std::string> words; // of the command
+};
+
+struct journal_list {
+    std::vector<journal_entry> entries;
+    int present = -1;
+    // When the present entry was made or gone to.
+    std::uint64_t model_count = 0;
+    unsigned last_serial = 0;
+    std::uint64_t changes = 0;
+    std::size_t limit = journal_default_limit;
+    std::vector<std::string> words; // of the command that is running
+    bool held = false;
+    void (*before_state)(unsigned first_serial) = nullptr;
+};
+
+journal_list &journal()
+{
+    static auto *const list = new journal_list; // states are not freed at exit
+    return *list;
+}
+
+journal_entry &entry(int i) { return journal().entries[static_cast<std::size_t>(i)]; }
+int num_entries() { return static_cast<int>(journal().entries.size()); }
+
+void in_step_now()
+{
+    journal().model_count = model_change_count();
+    journal().last_serial = undo_last_serial();
+}
+
+bool same_model(const model_state &a, const model_state &b)
+{
+    return a.num_objects == b.num_objects && a.blocks == b.blocks && a.palette == b.palette;
+}
+
+journal_entry entry_of_now(const char *label)
+{
+    journal_entry now;
+    now.state = model_state_capture();
+    now.label = label;
+    now.records = undo_records();
+    now.first_serial = now.last_serial = undo_last_serial();
+    return now;
+}
+
+void drop_ahead()
+{
+    const auto end = journal().entries.begin() + journal().present + 1;
+    journal().entries.erase(end, journal().entries.end());
+}
+
+// Oldest first; then what lies ahead, from the far end. The present one stays.
+void keep_limit()
+{
+    journal_list &list = journal();
+    while (num_entries() > 1 && model_state_bytes() > list.limit) {
+        if (list.present > 0) {
+            list.entries.erase(list.entries.begin());
+            --list.present;
+        } else {
+            list.entries.pop_back();
+        }
+    }
+}
+
+std::string label_of_step(const char *label)
+{
+    const undo_stack &records = undo_records();
+    if (!records.empty() && records.back()->serial > journal().last_serial)
+        return records.back()->description;
+    return label ? label : "change";
+}
+
+bool take_step(const char *label, bool faulted)
+{
+    journal_list &list = journal();
+    if (list.held)
+        return false;
+    journal_begin();
+    const journal_entry &before = entry(list.present);
+    const unsigned first_serial = list.last_serial;
+    const bool opened = undo_last_serial() != first_serial;
+    if (!opened && list.model_count == model_change_count())
+        return false;
+    if (!faulted && list.before_state)
+        list.before_state(first_serial);
+    journal_entry now = entry_of_now(label_of_step(label).c_str());
+    in_step_now();
+    const bool changed = !same_model(*now.state, *before.state);
+    if (!opened && !changed)
+        return false;
+    now.first_serial = first_serial;
+    now.change = changed ? ++list.changes : before.change;
+    now.faulted = faulted;
+    if (!faulted)
+        now.words = list.words;
+    for (const undo_record_ptr &record : now.records)
+        now.foreign = now.foreign || (record->foreign && record->serial > first_serial);
+    drop_ahead();
+    list.entries.push_back(std::move(now));
+    ++list.present;
+    keep_limit();
+    return true;
+}
+
+// Scripts that a command's messages run may ask: its step is not cut in two for that.
+bool inside_a_command() { return session().command_depth > 1; }
+
+// Model, selection and mode as in a state. Undo records that name what goes are noted as broken.
+void jump(const state_ptr &state)
+{
+    const int mode = select_mode();
+    undo_set_jumping(true);
+    model_state_restore(state, restore_selection::yes);
+    undo_set_jumping(false);
+    undo_break_external();
+    if (select_mode() != mode)
+        tcl_command("set_select_mode_ui %s", select_mode_name(select_mode()));
+    in_step_now();
+}
+
+void go_to(int index)
+{
+    journal().present = index;
+    const undo_stack records = entry(index).records;
+    jump(entry(index).state);
+    undo_records_restore(records);
+}
+
+// The entry whose step opened the record; 0 when none did.
+int entry_that_opened(const undo_record &record)
+{
+    for (int i = 1; i < num_entries(); ++i) {
+        if (entry(i).first_serial < record.serial && record.serial <= entry(i).last_serial)
+            return i;
+    }
+    return 0;
+}
+
+float largest(const point3_t &p)
+{
+    return std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
+}
+
+// How much the reversal enlarges what the change made smaller; infinite for a box without extent.
+float enlargement(const undo_record &record)
+{
+    if (record.kind == UNDO_SCALE)
+        return std::max(1.0f, largest(record.vector));
+    if (record.kind != UNDO_RESIZE)
+        return 1;
+    const auto extents = [](const point3_t(&box)[2]) {
+        return std::array{box[1].x - box[0].x, box[1].y - box[0].y, box[1].z - box[0].z};
+    };
+    const auto before = extents(record.old_box), after = extents(record.new_box);
+    float most = 1;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (before[i] != 0)
+            most = std::max(most, std::fabs(before[i] / after[i]));
+    }
+    return most;
+}
+
+// The largest number that the change and its reversal reckoned with, in terms of the result.
+float reach(const model_state &changed, const undo_record &record)
+{
+    float most = std::max(model_state_reach(changed), largest(record.centre));
+    if (record.kind == UNDO_MOVE)
+        most = std::max(most, largest(record.vector));
+    for (const point3_t &corner : record.old_box)
+        most = std::max(most, largest(corner));
+    for (const point3_t &corner : record.new_box)
+        most = std::max(most, largest(corner));
+    return most * enlargement(record);
+}
+
+// The result of an undo that leads to no earlier state stands before the state that was undone.
+void insert_before_present(const std::string &label)
+{
+    journal_list &list = journal();
+    journal_entry now = entry_of_now(label.c_str());
+    now.change = ++list.changes;
+    list.entries.insert(list.entries.begin() + list.present, std::move(now));
+    keep_limit();
+}
+
+} // namespace
+
+void journal_begin()
+{
+    journal_list &list = journal();
+    if (list.present >= 0)
+        return;
+    list.entries.push_back(entry_of_now("start"));
+    entry(0).change = ++list.changes;
+    list.present = 0;
+    in_step_now();
+}
+
+void journal_restart()
+{
+    journal().entries.clear();
+    journal().present = -1;
+    journal_begin();
+}
+
+bool journal_step(const char *label) { return take_step(label, false); }
+
+bool journal_step_after_fault(const char *label) { return take_step(label, true); }
+
+void journal_set_before_state(void (*listener)(unsigned first_serial))
+{
+    journal().before_state = listener;
+}
+
+void journal_hold(bool held) { journal().held = held; }
+
+void journal_revert()
+{
+    if (journal().present < 0)
+        return;
+    undo_stack records = entry(journal().present).records;
+    // Those that were undone since that state stay away.
+    std::erase_if(records, [](const undo_record_ptr &record) {
+        const undo_stack &live = undo_records();
+        return std::find(live.begin(), live.end(), record) == live.end();
+    });
+    jump(entry(journal().present).state);
+    undo_records_restore(records);
+}
+
+bool journal_redo()
+{
+    journal_settle();
+    if (journal().present + 1 >= num_entries())
+        return false;
+    go_to(journal().present + 1);
+    return true;
+}
+
+bool journal_goto(int index)
+{
+    journal_settle();
+    if (index < 0 || index >= num_entries())
+        return false;
+    go_to(index);
+    return true;
+}
+
+const char *journal_back_label()
+{
+    const int present = journal().present;
+    if (present < 1)
+        return nullptr;
+    const std::string &label = entry(present).label;
+    const bool loaded = label.starts_with("load");
+    const bool opened = loaded && (present == 1 || entry(present - 1).label == "clear all");
+    // Before the result of an undo stands what was undone.
+    const bool undone = label.starts_with("undo ");
+    return opened || undone || label == "clear all" ? nullptr : label.c_str();
+}
+
+bool journal_back()
+{
+    journal_settle();
+    if (journal_back_label() == nullptr)
+        return false;
+    go_to(journal().present - 1);
+    return true;
+}
+
+void journal_note_selection()
+{
+    journal_settle();
+    if (journal().present >= 0)
+        entry(journal().present).state = model_state_capture();
+}
+
+bool journal_can_take_back() { return journal().present > 0 && entry(journal().present).faulted; }
+
+bool journal_take_back()
+{
+    if (!journal_can_take_back())
+        return false;
+    go_to(journal().present - 1);
+    return true;
+}
+
+std::vector<journal_item> journal_items()
+{
+    if (!inside_a_command())
+        journal_settle();
+    std::vector<journal_item> items;
+    items.reserve(journal().entries.size());
+    for (int i = 0; i < num_entries(); ++i)
+        items.push_back({entry(i).label.c_str(), i == journal().present, entry(i).foreign});
+    return items;
+}
+
+std::uint64_t journal_change_number()
+{
+    if (!inside_a_command())
+        journal_settle();
+    const bool behind = journal().model_count != model_change_count();
+    // What the running command has changed gets the next number when the command ends.
+    return behind ? journal().changes + 1 : entry(journal().present).change;
+}
+
+void journal_note_words(std::vector<std::string> words) { journal().words = std::move(words); }
+
+const std::vector<std::string> &journal_repeat_words()
+{
+    static const std::vector<std::string> none;
+    for (int i = journal().present; i > 0; --i) {
+        if (!entry(i).words.empty())
+            return entry(i).words;
+    }
+    return none;
+}
+
+void journal_set_limit(std::size_t bytes)
+{
+    journal().limit = bytes;
+    keep_limit();
+}
+
+std::size_t journal_limit() { return journal().limit; }
+
+state_ptr journal_state()
+{
+    return journal().present < 0 ? nullptr : entry(journal().present).state;
+}
+
+void journal_reset_after_fault()
+{
+    journal().held = false;
+    undo_set_jumping(false);
+}
+
+void journal_reset_for_test()
+{
+    journal() = {};
+    model_state_reset_for_test();
+}
+
+// ---- for the fixed undo ----
+
+void journal_settle()
+{
+    journal_begin();
+    const std::vector<std::string> words = std::exchange(journal().words, {});
+    take_step(nullptr, false);
+    journal().words = words;
+}
+
+void journal_restore_before(const undo_record_ptr &record)
+{
+    const int opened = entry_that_opened(*record);
+    if (opened > 0)
+        jump(entry(opened - 1).state);
+    if (undo_kind_of(record->kind)->clears_all) {
+        clear_all_undos();
+    } else {
+        undo_drop_newest();
+    }
+    if (opened > 0)
+        journal().present = opened - 1;
+}
+
+void journal_undone(const undo_record_ptr &record)
+{
+    journal_list &list = journal();
+    const int opened = entry_that_opened(*record);
+    if (opened > 0 && list.present == opened - 1) { // by the state itself
+        in_step_now();
+        return;
+    }
+    const bool alone = opened > 0 && opened == list.present &&
+                       entry(opened).first_serial + 1 == entry(opened).last_serial;
+    const auto only_rounded = [&] {
+        const state_ptr now = model_state_capture();
+        const model_state &before = *entry(opened - 1).state;
+        return model_state_nearly_equal(*now, before) ||
+               model_state_nearly_equal(*now, before, reach(*entry(opened).state, *record));
+    };
+    if (alone && only_rounded()) {
+        // What differs is rounding: the old numbers come back.
+        model_state_restore(entry(opened - 1).state, restore_selection::no);
+        list.present = opened - 1;
+    } else {
+        insert_before_present("undo " + record->description);
+    }
+    in_step_now();
+}

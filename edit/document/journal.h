@@ -1,0 +1,79 @@
+#ifndef VESK_EDIT_DOCUMENT_JOURNAL_H
+#define VESK_EDIT_DOCUMENT_JOURNAL_H
+
+// The history beside the fixed undo: one list of states of the whole model, each with its undo
+// records, and the place in it where the model stands. A state is taken when an outermost command
+// or a drag that changed something ends. Redo and the history go from state to state; a new change
+// drops what lies ahead. Oldest states go when all of them hold more than the limit of bytes.
+
+#include "edit/document/model_state.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Before the first change: the state that the history starts with.
+void journal_begin();
+
+// The model as it is becomes the start of a new history: the program is set up.
+void journal_restart();
+
+// After a change: a new state, when the model changed or an undo record was opened since the last.
+// Its label is that of the newest record, else `label`. Returns whether there is a new state.
+bool journal_step(const char *label);
+// The same for a command that faulted: "take back" goes to the state before it.
+bool journal_step_after_fault(const char *label);
+
+// Called at the end of a step, before its state is taken, with the number of the last undo record
+// that was opened before it; null for none. Not after a fault.
+void journal_set_before_state(void (*listener)(unsigned first_serial));
+
+// While held (a drag is under way) no state is taken.
+void journal_hold(bool held);
+
+// Back to the present state, without the undo records opened since: a drag was cancelled.
+void journal_revert();
+
+// One state on, to a state, to before the command that faulted last. They restore model, selection
+// and undo records. False when there is nowhere to go.
+bool journal_redo();
+bool journal_goto(int index);
+
+// One state back, for an interface whose undo records are used up: some reversals drop them all. It
+// does not lead to before the scene was opened. The label is that of the present state, null when
+// there is no way back.
+bool journal_back();
+const char *journal_back_label();
+
+// The selection of now is that of the present state: going back to it brings it, not the one that was
+// there when the step ended.
+void journal_note_selection();
+bool journal_take_back();
+bool journal_can_take_back();
+
+struct journal_item {
+    const char *label;
+    bool current;
+    bool foreign; // holds an operation of a plug-in that only its own undo reverses
+};
+std::vector<journal_item> journal_items();
+
+// Names the content of the model: the same number means the same model, also after undo and redo.
+std::uint64_t journal_change_number();
+
+// The words of the command that made the present state: for repeating it. Empty for none.
+void journal_note_words(std::vector<std::string> words);
+const std::vector<std::string> &journal_repeat_words();
+
+constexpr std::size_t journal_default_limit = 512u << 20;
+void journal_set_limit(std::size_t bytes);
+std::size_t journal_limit();
+
+// The present state; null before the first.
+state_ptr journal_state();
+
+// A fault skipped what would have ended a drag or a jump.
+void journal_reset_after_fault();
+void journal_reset_for_test();
+
+#endif

@@ -1,0 +1,249 @@
+// Making the model what a state says: in this order what the state does not have goes, what it has
+// is made or written, and the tree is linked, so that nothing freed is ever linked.
+
+#include "base/ui_port.h"
+#include "edit/document/model_state_internal.h"
+#include "model/alloc_internal.h"
+#include "model/change_marks.h"
+#include "model/each.h"
+#include "model/freed.h"
+#include "model/identity.h"
+#include "model/object_internal.h"
+#include "model/palette.h"
+#include "model/property.h"
+#include "model/world.h"
+
+#include <unordered_set>
+
+namespace {
+
+const char *c_text(const std::optional<std::string> &text)
+{
+    return text ? text->c_str() : nullptr;
+}
+
+bool properties_match(const listitem *list, const std::vector<property_image> &images)
+{
+    std::size_t i = 0;
+    for (const vesk_prop_t *prop : each<vesk_prop_t>(list)) {
+        if (i == images.size() || images[i].name != prop->name || images[i].kind != prop->kind ||
+            images[i].value != prop->value)
+            return false;
+        ++i;
+    }
+    return i == images.size();
+}
+
+// Everything of the record but geometry and links.
+void write_record(object_t *object, const object_image &image)
+{
+    object_t fresh = image.record;
+    fresh.name = object->name;
+    fresh.data = object->data;
+    fresh.url = object->url;
+    fresh.num_vertices = object->num_vertices;
+    fresh.num_surfaces = object->num_surfaces;
+    fresh.num_children = object->num_children;
+    fresh.vertices = object->vertices;
+    fresh.surfaces = object->surfaces;
+    fresh.children = object->children;
+    fresh.parent = object->parent;
+    fresh.properties = object->properties;
+    *object = fresh;
+    text_set(&object->name, image.name.c_str());
+    text_set(&object->data, c_text(image.data));
+    text_set(&object->url, c_text(image.url));
+    if (!properties_match(object->properties, image.properties)) {
+        proplist_free(&object->properties);
+        for (const property_image &prop : image.properties) {
+            list_add_item(&object->properties,
+                          vesk_new_prop(prop.name.c_str(), prop.kind.c_str(), prop.value.c_str()));
+        }
+    }
+    object_mark(object, CHANGED_RECORD);
+}
+
+// Values go back into their entries; the palette never shrinks, so later entries stay. Properties
+// of materials may be shared between entries: they are set, none is taken away.
+void write_palette(const std::vector<material_image> &images)
+{
+    bool changed = false;
+    const auto size = static_cast<std::size_t>(vesk_get_num_palette());
+    for (std::size_t i = 0; i < images.size() && i < size; ++i) {
+        const material_image &image = images[i];
+        material *entry = vesk_palette_get_material(static_cast<int>(i));
+        material fresh = image.values;
+        fresh.name = entry->name;
+        fresh.properties = entry->properties;
+        *entry = fresh;
+        text_set(&entry->name, c_text(image.name));
+        for (const property_image &prop : image.properties) {
+            vesk_material_set_prop_value(entry, prop.name.c_str(), prop.kind.c_str(),
+                                         prop.value.c_str());
+        }
+        changed = true;
+    }
+    if (changed)
+        palette_mark();
+}
+
+class restoration {
+public:
+    explicit restoration(const state_ptr &state) : state_(state), targets_(size()) {}
+
+    void run(restore_selection with_selection)
+    {
+        find_targets();
+        const bool relink = !tree_is_same();
+        if (relink)
+            free_others();
+        for (int i = 0; i < state_->num_objects; ++i)
+            write_object(i);
+        if (relink)
+            link_tree();
+        if (!known_.state || known_.state->palette != state_->palette ||
+            known_.palette_count != palette_change_count())
+            write_palette(*state_->palette);
+        update_flags();
+        note();
+        if (with_selection == restore_selection::yes)
+            selection_image_restore(*state_->selection, by_identity_);
+    }
+
+private:
+    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(state_->num_objects); }
+    object_t *&target(int i) { return targets_[static_cast<std::size_t>(i)]; }
+
+    void find_targets()
+    {
+        for_each_object(vesk_get_world(), [&](object_t *object) {
+            live_.push_back(object);
+            if (const int identity = identity_known(object); identity != 0)
+                by_identity_.emplace(identity, object);
+        });
+        target(0) = vesk_get_world();
+        for (int i = 1; i < state_->num_objects; ++i) {
+            const auto found = by_identity_.find(state_->entry(i).image->identity);
+            if (found != by_identity_.end() && found->second != vesk_get_world())
+                target(i) = found->second;
+        }
+    }
+
+    // Depth first with the same parents is the same tree.
+    bool tree_is_same()
+    {
+        if (live_ != targets_)
+            return false;
+        for (int i = 1; i < state_->num_objects; ++i) {
+            if (target(i)->parent != target(state_->entry(i).parent))
+                return false;
+        }
+        return true;
+    }
+
+    // Also takes the tree apart: it is linked anew from what stays and what is made.
+    void free_others()
+    {
+        const std::unordered_set<const object_t *> kept(targets_.begin(), targets_.end());
+        freed_batch batch;
+        for (object_t *object : live_) {
+            list_free(&object->children);
+            object->num_children = 0;
+            object->parent = nullptr;
+        }
+        for (object_t *object : live_) {
+            if (kept.count(object) == 0)
+                batch.add(object);
+        }
+        tree_mark();
+    }
+
+    bool equals_image(const object_t *object, std::uint64_t stamp, const image_ptr &image)
+    {
+        const auto place = known_.places.find(object);
+        if (!known_.state || place == known_.places.end())
+            return false;
+        return known_.objects[static_cast<std::size_t>(place->second)].stamp == stamp &&
+               known_.state->entry(place->second).image == image;
+    }
+
+    void write_object(int i)
+    {
+        const image_ptr &image = state_->entry(i).image;
+        object_t *&object = target(i);
+        if (object) {
+            if (equals_image(object, object_stamp(object), image))
+                return;
+        } else {
+            object = new_object(image->record.type);
+            by_identity_[image->identity] = object;
+        }
+        if (identity_known(object) != image->identity)
+            identity_assign(image->identity, object);
+        write_record(object, *image);
+        object_write_geometry(object, image->geometry);
+    }
+
+    void link_tree()
+    {
+        std::vector<listitem *> last(size());
+        for (int i = 1; i < state_->num_objects; ++i) {
+            const int parent_place = state_->entry(i).parent;
+            object_t *parent = target(parent_place);
+            listitem *&node = last[static_cast<std::size_t>(parent_place)];
+            node = list_add_item_fast(&parent->children, node, target(i));
+            ++parent->num_children;
+            target(i)->parent = parent;
+        }
+        tree_mark();
+    }
+
+    // What is linked to the scripts tells the truth.
+    void update_flags()
+    {
+        object_marks &marks = objects_marks();
+        const object_marks before = marks;
+        marks = {};
+        for (int i = 1; i < state_->num_objects; ++i) {
+            marks.hidden |= target(i)->visible == 0 ? 1 : 0;
+            marks.locked |= target(i)->locked != 0 ? 1 : 0;
+        }
+        if (before.hidden != marks.hidden)
+            ui_port().update_linked("objects_are_hidden");
+        if (before.locked != marks.locked)
+            ui_port().update_linked("objects_are_locked");
+    }
+
+    // The model now equals the state.
+    void note()
+    {
+        known_.state = state_;
+        known_.objects.clear();
+        known_.places.clear();
+        for (int i = 0; i < state_->num_objects; ++i) {
+            known_.objects.push_back({target(i), object_stamp(target(i))});
+            known_.places.emplace(target(i), i);
+        }
+        known_.world = vesk_get_world();
+        known_.model_count = model_change_count();
+        known_.tree_count = tree_change_count();
+        known_.palette_count = palette_change_count();
+        known_.selection_count = selection_change_count() - 1; // the selection is looked at again
+    }
+
+    tracked_model &known_ = tracked();
+    const state_ptr state_;
+    std::vector<object_t *> live_;
+    std::vector<object_t *> targets_; // the object of each entry
+    objects_by_identity by_identity_;
+};
+
+} // namespace
+
+void model_state_restore(const state_ptr &state, restore_selection selection)
+{
+    restoration(state).run(selection);
+    find_bounding_box();
+    if (selection == restore_selection::yes)
+        selection_changed("undo");
+}

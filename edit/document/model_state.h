@@ -1,0 +1,107 @@
+#ifndef VESK_EDIT_DOCUMENT_MODEL_STATE_H
+#define VESK_EDIT_DOCUMENT_MODEL_STATE_H
+
+// One picture of the whole model: tree, records, texts, geometry, palette and selection. Undo, the
+// journal, rescue copies and autosave are made of these. A picture is immutable and shared: taking
+// one costs the objects that changed since the last, and their unchanged arrays are shared too.
+// Objects are named by their identities, elements of the selection by their places.
+
+#include "edit/document/selection_internal.h"
+#include "model/flat_mesh.h"
+#include "model/material.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct property_image {
+    std::string name, kind, value;
+};
+
+struct object_image {
+    int identity = 0;
+    object_t record = {}; // the plain fields; its pointers and counts are zero
+    std::string name;
+    std::optional<std::string> data, url;
+    std::optional<std::string> texture_file; // of the texture table, when the object has one
+    std::vector<property_image> properties;
+    // Without records. Face normals are null when every one is what its corners give.
+    flat_mesh geometry;
+
+    object_image() = default;
+    object_image(const object_image &) = delete;
+    object_image &operator=(const object_image &) = delete;
+    ~object_image();
+};
+using image_ptr = std::shared_ptr<const object_image>;
+
+struct state_entry {
+    image_ptr image;
+    int parent; // place of the parent, -1 for the world
+    int num_children;
+    bool operator==(const state_entry &) const = default;
+};
+
+struct material_image {
+    material values; // its pointers are null
+    std::optional<std::string> name;
+    std::vector<property_image> properties;
+};
+
+// Selected elements that follow each other in their owner's list, in the order of the selection.
+struct selection_run {
+    int identity;
+    int first;
+    int count;
+    bool operator==(const selection_run &) const = default;
+};
+struct selection_image {
+    int mode = SELECT_TREE;
+    std::vector<selection_run> vertices, surfaces;
+    std::vector<int> objects; // identities
+    bool operator==(const selection_image &) const = default;
+};
+
+struct model_state {
+    static constexpr int block_size = 128;
+    using block = std::vector<state_entry>; // block_size entries, the last block fewer
+
+    int num_objects = 0; // the world included; depth first
+    std::vector<std::shared_ptr<const block>> blocks;
+    std::shared_ptr<const std::vector<material_image>> palette;
+    std::shared_ptr<const selection_image> selection;
+
+    [[nodiscard]] const state_entry &entry(int i) const
+    {
+        return (*blocks[static_cast<std::size_t>(i / block_size)])[static_cast<std::size_t>(
+            i % block_size)];
+    }
+    // The same images: what was captured without a change in between.
+    bool operator==(const model_state &) const = default;
+};
+using state_ptr = std::shared_ptr<const model_state>;
+
+// The model as it is. Unchanged since the last call: the same pointer.
+state_ptr model_state_capture();
+
+// Makes the model as it was. Objects that did not change since stay as they are; where only values
+// changed they are written back; else the geometry is made anew. Identities are
+// kept, objects that the state does not have are freed, holders of references are told. The
+// selection becomes the state's and is announced with "undo", or stays with what lives on. Draws
+// nothing.
+enum class restore_selection { no, yes };
+void model_state_restore(const state_ptr &state, restore_selection selection);
+
+// True when both have the same objects, lists and texts, and all numbers agree but for rounding.
+// `reach` is the largest coordinate that was in between: what lay there was rounded to its steps.
+bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach = 0);
+// The largest coordinate; infinite when one is no number.
+float model_state_reach(const model_state &state);
+
+// Bytes of the arrays that images hold, each counted once however many share it.
+std::size_t model_state_bytes();
+
+void model_state_reset_for_test();
+
+#endif

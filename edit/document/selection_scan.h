@@ -1,0 +1,67 @@
+#ifndef VESK_EDIT_DOCUMENT_SELECTION_SCAN_H
+#define VESK_EDIT_DOCUMENT_SELECTION_SCAN_H
+
+// Sets of vertices and surfaces without hashing: a record's scratch words carry a mark for the
+// length of one call.
+
+#include "model/each.h"
+#include "model/object_internal.h"
+
+#include <vector>
+
+template <class T>
+void append_elements(const listitem *head, std::vector<T *> *out)
+{
+    for (T *element : each<T>(head))
+        out->push_back(element);
+}
+
+template <class T>
+std::vector<T *> elements_of(const listitem *head)
+{
+    std::vector<T *> elements;
+    append_elements(head, &elements);
+    return elements;
+}
+
+void append_surface_vertices(const surface_t *surface, std::vector<vertex *> *out);
+
+// The scratch word of each kind of record.
+inline uint32_t scratch(const vertex *v) { return vertex_number(v); }
+inline void set_scratch(vertex *v, uint32_t value) { set_vertex_number(v, value); }
+inline uint32_t scratch(const surface_t *s) { return s->words[2]; }
+inline void set_scratch(surface_t *s, uint32_t value) { s->words[2] = value; }
+inline uint32_t scratch(const object_t *o) { return static_cast<uint32_t>(o->extra_word2); }
+inline void set_scratch(object_t *o, uint32_t value) { o->extra_word2 = static_cast<int>(value); }
+
+// Appends those elements that the list does not hold yet, each once, in order. Linear. Returns how
+// many were added.
+template <class T>
+int add_unique(listitem **head, const std::vector<T *> &elements)
+{
+    if (elements.empty())
+        return 0;
+    for (T *element : elements)
+        set_scratch(element, 0);
+    listitem *last = nullptr;
+    for (listitem *node = *head; node != nullptr; node = node->next) {
+        set_scratch(item_of<T>(node), 1);
+        last = node;
+    }
+    int added = 0;
+    for (T *element : elements) {
+        if (scratch(element) != 0)
+            continue;
+        set_scratch(element, 1);
+        last = list_add_item_fast(head, last, element);
+        ++added;
+    }
+    return added;
+}
+
+std::vector<object_t *> unique_objects(const std::vector<object_t *> &objects);
+
+// The surfaces of the world with at least one vertex in `vertices`, in tree order.
+std::vector<surface_t *> surfaces_touching(const std::vector<vertex *> &vertices);
+
+#endif

@@ -1,0 +1,107 @@
+#ifndef VESK_EDIT_DOCUMENT_UNDO_INTERNAL_H
+#define VESK_EDIT_DOCUMENT_UNDO_INTERNAL_H
+
+#include "edit/document/model_state.h"
+#include "edit/document/undo.h"
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+struct saved_position {
+    vertex *point;
+    point3_t position;
+};
+
+struct saved_corner {
+    svertex *reference; // only compared: it goes with its surface
+    float u, v;
+};
+struct saved_texture_coords {
+    surface_t *surface; // null when it was freed
+    std::vector<saved_corner> corners;
+};
+
+struct removed_object {
+    object_t *object;            // null when it was freed
+    object_t *before;            // the child of the world in front of which it stood, or null
+    std::vector<int> identities; // of the object and its descendants, depth first
+};
+
+// One record has the fields of every kind; its kind says which are filled.
+struct undo_record {
+    int kind;
+    const unsigned serial; // grows with every record
+    std::string description;
+    bool filled = false; // by the setter of its kind
+    bool broken = false; // an undo or a jump through the history took what its reversal needs
+
+    svertex *reference = nullptr;
+    point3_t vector = {0, 0, 0};
+    float degrees = 0;
+    int view = 0;
+    point3_t centre = {0, 0, 0};
+    bool has_centre = false;
+    point3_t old_box[2] = {}, new_box[2] = {};
+    saved_selection_t saved;
+    surface_t *surface = nullptr;
+    object_t *object = nullptr;
+    listitem *surfaces = nullptr;
+    listitem *vertices = nullptr;
+    listitem *objects = nullptr;
+    std::vector<removed_object> removed;
+    state_ptr model;
+    std::vector<saved_position> positions;
+    std::vector<saved_texture_coords> texture_coords;
+    vesk_undoable_t undoable = {};
+    bool external = false; // `undoable` reverses it
+    bool foreign = false;  // and is a plug-in's
+
+    undo_record(int new_kind, const char *text);
+    ~undo_record();
+    undo_record(const undo_record &) = delete;
+    undo_record &operator=(const undo_record &) = delete;
+};
+using undo_record_ptr = std::shared_ptr<undo_record>;
+using undo_stack = std::vector<undo_record_ptr>;
+
+// Beside the public kinds: the saved model comes back, older records stay. For changes that free
+// nothing: names, links, flags, the palette.
+constexpr int undo_state_kind = 0x800000;
+// Opens such a record, with the model as it is now.
+void new_undo_state(const char *description);
+
+struct undo_kind {
+    int kind;
+    bool notes_selection; // when the record is opened: the reversal works on it
+    bool clears_all;      // the reversal drops every record
+    void (*reverse)(undo_record &record);
+};
+// The kinds whose reversal is an operation of floors above; handed in at the start, as the rows of
+// commands are.
+void undo_install_kinds(std::span<const undo_kind> rows);
+// Runs `change` on what was selected when the record was made; the live selection comes back.
+void undo_on_saved_selection(const undo_record &record, const std::function<void()> &change);
+// Writes back the coordinates that a record holds, of whatever kind it is.
+void undo_restore_texture_coords(const undo_record &record);
+// Null for a code that is not in the table.
+const undo_kind *undo_kind_of(int kind);
+
+// The records as they stand, and putting them there again: the journal keeps them beside its
+// states. A record that no stack and no state holds any longer is freed.
+const undo_stack &undo_records();
+void undo_records_restore(const undo_stack &stack);
+// Takes the newest record off and shows the label of the one before.
+void undo_drop_newest();
+// Of the record opened last; grows with every one.
+unsigned undo_last_serial();
+// Drops the records after `serial` that their commands did not come to fill: after a fault.
+void undo_drop_unfilled(unsigned serial);
+// While true (undo and jumps), records that lose something they name are marked broken.
+void undo_set_jumping(bool jumping);
+// The operations of plug-ins do not know what a jump did to the model.
+void undo_break_external();
+
+#endif

@@ -1,0 +1,460 @@
+// The kinds of undo records: what reverses each, what the records hold, and how they let go of
+// what is freed.
+
+#include "base/messages_internal.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo_internal.h"
+#include "model/alloc.h"
+#include "model/change_marks.h"
+#include "model/child_changes.h"
+#include "model/freed.h"
+#include "model/identity.h"
+#include "model/matrix.h"
+#include "model/normals.h"
+#include "model/object_tree.h"
+#include "model/world.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace {
+
+// ---- what every record holds ----
+
+struct living_records {
+    std::unordered_set<undo_record *> records;
+    bool listening = false;
+    bool jumping = false; // what goes now goes through the history
+    unsigned last_serial = 0;
+};
+living_records &living()
+{
+    static auto *const record = new living_records; // outlives every record
+    return *record;
+}
+
+// Sets of what went, made when a record first asks.
+class freed_sets {
+public:
+    explicit freed_sets(const freed_things &freed) : freed_(freed) {}
+    bool has(vertex *v) { return look(v, freed_.vertices, &vertices_); }
+    bool has(surface_t *s) { return look(s, freed_.surfaces, &surfaces_); }
+    bool has(object_t *o) { return look(o, freed_.objects, &objects_); }
+
+private:
+    template <class T>
+    static bool look(T *element, const std::vector<T *> &freed, std::unordered_set<const T *> *set)
+    {
+        if (freed.empty() || !element)
+            return false;
+        if (set->empty())
+            set->insert(freed.begin(), freed.end());
+        return set->count(element) != 0;
+    }
+
+    const freed_things &freed_;
+    std::unordered_set<const vertex *> vertices_;
+    std::unordered_set<const surface_t *> surfaces_;
+    std::unordered_set<const object_t *> objects_;
+};
+
+// Each returns whether something went.
+template <class T>
+bool drop(listitem **list, freed_sets &freed)
+{
+    bool any = false;
+    for (T *element : each<T>(*list))
+        any = any || freed.has(element);
+    if (!any)
+        return false;
+    owned_list kept;
+    for (T *element : each<T>(*list)) {
+        if (!freed.has(element))
+            kept.add(element);
+    }
+    list_free(list);
+    *list = kept.release();
+    return true;
+}
+
+template <class T>
+bool drop(T **element, freed_sets &freed)
+{
+    if (!freed.has(*element))
+        return false;
+    *element = nullptr;
+    return true;
+}
+
+bool drop_freed(undo_record &record, freed_sets &freed)
+{
+    bool any = drop<vertex>(&record.saved.vertices, freed);
+    any |= drop<surface_t>(&record.saved.surfaces, freed);
+    any |= drop<object_t>(&record.saved.objects, freed);
+    any |= drop<vertex>(&record.vertices, freed);
+    any |= drop<surface_t>(&record.surfaces, freed);
+    any |= drop<object_t>(&record.objects, freed);
+    any |= drop(&record.surface, freed);
+    any |= drop(&record.object, freed);
+    any |= std::erase_if(record.positions,
+                         [&](const saved_position &p) { return freed.has(p.point); }) != 0;
+    for (saved_texture_coords &coords : record.texture_coords)
+        any |= drop(&coords.surface, freed);
+    for (removed_object &removed : record.removed) {
+        any |= drop(&removed.object, freed);
+        drop(&removed.before, freed); // stands at the end then
+    }
+    return any;
+}
+
+void drop_freed_everywhere(const freed_things &freed)
+{
+    freed_sets sets(freed);
+    for (undo_record *record : living().records) {
+        if (drop_freed(*record, sets) && living().jumping)
+            record->broken = true;
+    }
+}
+
+void hold_everything(freed_things &held)
+{
+    for (const undo_record *record : living().records) {
+        append_elements(record->saved.vertices, &held.vertices);
+        append_elements(record->saved.surfaces, &held.surfaces);
+        append_elements(record->saved.objects, &held.objects);
+        append_elements(record->vertices, &held.vertices);
+        append_elements(record->surfaces, &held.surfaces);
+        append_elements(record->objects, &held.objects);
+        if (record->surface)
+            held.surfaces.push_back(record->surface);
+        if (record->object)
+            held.objects.push_back(record->object);
+        for (const saved_position &saved : record->positions)
+            held.vertices.push_back(saved.point);
+        for (const saved_texture_coords &coords : record->texture_coords) {
+            if (coords.surface)
+                held.surfaces.push_back(coords.surface);
+        }
+        for (const removed_object &removed : record->removed) {
+            for (object_t *object : {removed.object, removed.before}) {
+                if (object)
+                    held.objects.push_back(object);
+            }
+        }
+    }
+}
+
+// ---- parts of reversals ----
+
+// A reversal works on copies: after a redo the record is reversed again.
+saved_selection_t copy_of(const saved_selection_t &saved)
+{
+    return {list_clone(saved.vertices), list_clone(saved.surfaces), list_clone(saved.objects),
+            saved.mode};
+}
+
+void restore_saved_selection(undo_record &record)
+{
+    clear_selection();
+    saved_selection_t saved = copy_of(record.saved);
+    owned_list objects;
+    for (object_t *object : each<object_t>(saved.objects)) {
+        if (object_exists(object) != 0)
+            objects.add(object);
+    }
+    list_free(&saved.objects);
+    saved.objects = objects.release();
+    selection_restore(&saved);
+    find_bounding_box();
+    redraw_all();
+    tcl_command("set_select_mode_ui %s", select_mode_name(select_mode()));
+    undo_drop_newest();
+    selection_changed("undo");
+}
+
+// Takes the surfaces out of the object and frees them.
+void delete_surfaces(object_t *object, const std::unordered_set<const surface_t *> &gone)
+{
+    freed_batch batch;
+    object->num_surfaces -= list_unlink_if<surface_t>(
+        &object->surfaces, batch,
+        [&](const surface_t *surface, std::size_t /*place*/) { return gone.count(surface) != 0; });
+    object_mark(object, CHANGED_TOPOLOGY);
+}
+
+// The same for vertices; corners that name one go too, so that none names what is freed.
+void delete_vertices(object_t *object, const std::unordered_set<const vertex *> &gone)
+{
+    freed_batch batch;
+    for (surface_t *surface : each<surface_t>(object->surfaces)) {
+        owned_list kept;
+        for (svertex *reference : each<svertex>(surface->refs)) {
+            if (gone.count(reference->vertex) == 0) {
+                kept.add(reference);
+                continue;
+            }
+            --surface->num_refs;
+            myfree(reference);
+        }
+        list_free(&surface->refs);
+        surface->refs = kept.release();
+    }
+    object->num_vertices -= list_unlink_if<vertex>(
+        &object->vertices, batch,
+        [&](const vertex *point, std::size_t /*place*/) { return gone.count(point) != 0; });
+    object_mark(object, CHANGED_TOPOLOGY);
+}
+
+std::vector<object_t *> living_owners(std::vector<object_t *> &&owners)
+{
+    std::erase(owners, nullptr);
+    return unique_objects(owners);
+}
+
+// ---- the reversals; each takes its record off ----
+
+void reverse_surface(undo_record &record)
+{
+    if (record.surface) {
+        if (object_t *owner = object_of_surface(nullptr, record.surface))
+            delete_surfaces(owner, {record.surface});
+    }
+    undo_drop_newest();
+}
+
+void delete_created_vertices(const undo_record &record)
+{
+    const auto vertices = elements_of<vertex>(record.vertices);
+    const std::unordered_set<const vertex *> gone(vertices.begin(), vertices.end());
+    for (object_t *owner : living_owners(owners_of_vertices(vertices)))
+        delete_vertices(owner, gone);
+}
+
+// Vertices that came with the surfaces go with them: those that the record names.
+void reverse_surfaces(undo_record &record)
+{
+    if (record.object && record.surfaces) {
+        const auto surfaces = elements_of<surface_t>(record.surfaces);
+        delete_surfaces(record.object, {surfaces.begin(), surfaces.end()});
+    }
+    if (record.vertices)
+        delete_created_vertices(record);
+    undo_drop_newest();
+}
+
+void reverse_vertices(undo_record &record)
+{
+    delete_created_vertices(record);
+    undo_drop_newest();
+}
+
+void reverse_positions(undo_record &record)
+{
+    std::vector<vertex *> vertices;
+    for (const saved_position &saved : record.positions) {
+        saved.point->position = saved.position;
+        vertices.push_back(saved.point);
+    }
+    for (object_t *owner : living_owners(owners_of_vertices(vertices))) {
+        object_mark(owner, CHANGED_POSITIONS);
+        object_calc_normals(owner);
+    }
+    find_bounding_box();
+    undo_drop_newest();
+}
+
+void reverse_texture_coords(undo_record &record)
+{
+    undo_restore_texture_coords(record);
+    undo_drop_newest();
+    selection_changed("undo");
+}
+
+void reverse_creation(undo_record &record)
+{
+    object_t *object = record.object;
+    if (object && object_exists(object) != 0) {
+        object_delete(object);
+    } else {
+        debugf("undo add ob - object no longer exists");
+    }
+    restore_saved_selection(record);
+}
+
+void reverse_creations(undo_record &record)
+{
+    std::vector<object_t *> living = elements_of<object_t>(record.objects);
+    std::erase_if(living, [](const object_t *object) { return object_exists(object) == 0; });
+    objects_delete(without_descendants(living));
+    restore_saved_selection(record);
+}
+
+void reverse_deletion(undo_record &record)
+{
+    owned_list restored;
+    // From the last one: each stands in front of one that is there already.
+    for (auto removed = record.removed.rbegin(); removed != record.removed.rend(); ++removed) {
+        if (!removed->object)
+            continue;
+        object_reparent_before(removed->object, vesk_get_world(), removed->before);
+        auto identity = removed->identities.begin();
+        for_each_object(removed->object, [&](object_t *part) {
+            if (identity != removed->identities.end() && *identity++ != 0)
+                identity_assign(identity[-1], part);
+        });
+    }
+    for (const removed_object &removed : record.removed) {
+        if (removed.object)
+            restored.add(removed.object);
+    }
+    record.removed.clear();
+    record.broken = true;
+    clear_selection();
+    select_objectlist(restored.get());
+    clear_all_undos();
+}
+
+void reverse_world(undo_record &record)
+{
+    clear_selection();
+    const state_ptr model = record.model;
+    if (model)
+        model_state_restore(model, restore_selection::no);
+    clear_all_undos();
+}
+
+void reverse_state(undo_record &record)
+{
+    const state_ptr model = record.model;
+    if (model)
+        model_state_restore(model, restore_selection::no);
+    undo_drop_newest();
+}
+
+void reverse_external(undo_record &record)
+{
+    const vesk_undoable_t undoable = record.undoable;
+    if (undoable.undo)
+        undoable.undo(undoable.user_data);
+    mark_all_suspect();
+    freed_filter_foreign();
+    undo_drop_newest();
+}
+
+// clang-format off
+const undo_kind kinds[] = {
+    {UNDO_SELECTION,      false, false, restore_saved_selection},
+    {UNDO_SURFACE,        false, false, reverse_surface},
+    {UNDO_DELETE,         false, true, reverse_deletion},
+    {UNDO_WORLD_1,        false, true, reverse_world},
+    {UNDO_WORLD_2,        false, true, reverse_world},
+    {UNDO_WORLD_3,        false, true, reverse_world},
+    {UNDO_WORLD_4,        false, true, reverse_world},
+    {UNDO_WORLD,          false, true, reverse_world},
+    {UNDO_OBJECT,         false, false, reverse_creation},
+    {UNDO_POSITIONS,      false, false, reverse_positions},
+    {UNDO_VERTICES,       false, false, reverse_vertices},
+    {UNDO_OBJECTS,        false, false, reverse_creations},
+    {UNDO_TEXTURE_COORDS, false, false, reverse_texture_coords},
+    {UNDO_SURFACES,       false, false, reverse_surfaces},
+    {UNDO_EXTERNAL,       false, false, reverse_external},
+    {undo_state_kind,     false, false, reverse_state},
+};
+// clang-format on
+
+std::span<const undo_kind> installed_kinds;
+
+} // namespace
+
+void undo_install_kinds(std::span<const undo_kind> rows) { installed_kinds = rows; }
+
+void undo_on_saved_selection(const undo_record &record, const std::function<void()> &change)
+{
+    saved_selection_t live = selection_take();
+    const int mode = select_mode();
+    saved_selection_t then = copy_of(record.saved);
+    selection_restore(&then);
+    find_bounding_box();
+    change();
+    saved_selection_t spent = selection_take();
+    selection_free(&spent);
+    live.mode = mode;
+    selection_restore(&live);
+    find_bounding_box();
+}
+
+void undo_restore_texture_coords(const undo_record &record)
+{
+    std::vector<surface_t *> surfaces;
+    for (const saved_texture_coords &coords : record.texture_coords) {
+        if (!coords.surface)
+            continue;
+        surfaces.push_back(coords.surface);
+        // The corners may have changed since: those that are still there are in the same order.
+        auto saved = coords.corners.begin();
+        for (svertex *reference : each<svertex>(coords.surface->refs)) {
+            const auto same = std::find_if(saved, coords.corners.end(), [&](const auto &corner) {
+                return corner.reference == reference;
+            });
+            if (same == coords.corners.end())
+                continue;
+            reference->u = same->u;
+            reference->v = same->v;
+            saved = same + 1;
+        }
+    }
+    for (object_t *owner : living_owners(owners_of_surfaces(surfaces)))
+        object_mark(owner, CHANGED_TEXTURE_COORDS);
+}
+
+const undo_kind *undo_kind_of(int kind)
+{
+    for (const std::span<const undo_kind> rows :
+         {std::span<const undo_kind>(kinds), installed_kinds}) {
+        for (const undo_kind &row : rows) {
+            if (row.kind == kind)
+                return &row;
+        }
+    }
+    return nullptr;
+}
+
+undo_record::undo_record(int new_kind, const char *text)
+    : kind(new_kind), serial(++living().last_serial), description(text)
+{
+    if (!std::exchange(living().listening, true)) {
+        freed_add_listener(drop_freed_everywhere);
+        freed_add_holder(hold_everything);
+    }
+    living().records.insert(this);
+}
+
+undo_record::~undo_record()
+{
+    living().records.erase(this); // what is freed below is told, but not to this record
+    selection_free(&saved);
+    list_free(&surfaces);
+    list_free(&vertices);
+    list_free(&objects);
+    freed_batch at_once;
+    for (const removed_object &entry : removed) {
+        if (entry.object && !entry.object->parent)
+            object_free(entry.object);
+    }
+    if (external && undoable.destroy)
+        undoable.destroy(undoable.user_data, 1);
+}
+
+unsigned undo_last_serial() { return living().last_serial; }
+
+void undo_set_jumping(bool jumping) { living().jumping = jumping; }
+
+void undo_break_external()
+{
+    for (undo_record *record : living().records)
+        record->broken = record->broken || record->external;
+}

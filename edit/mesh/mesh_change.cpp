@@ -1,0 +1,405 @@
+#include "edit/mesh/mesh_change.h"
+
+#include "base/session_state.h"
+#include "model/alloc.h"
+#include "model/change_marks.h"
+#include "model/freed.h"
+#include "model/list_internal.h"
+#include "model/object_internal.h"
+
+#include <algorithm>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+void set_flag(std::vector<bool> &flags, int index, int count)
+{
+    if (flags.empty())
+        flags.resize(place(count));
+    flags[place(index)] = true;
+}
+
+bool flag(const std::vector<bool> &flags, int index)
+{
+    return !flags.empty() && flags[place(index)];
+}
+
+} // namespace
+
+mesh_change::mesh_change(object_t *object) : object_(object), before_(object_flat(object)) {}
+
+int mesh_change::index_of(const surface_t *surface)
+{
+    if (places_.empty()) {
+        int i = 0;
+        for (const surface_t *record : *before_->surface_records)
+            places_.emplace(record, i++);
+    }
+    const auto found = places_.find(surface);
+    return found == places_.end() ? -1 : found->second;
+}
+
+void mesh_change::reserve(std::size_t vertices, std::size_t surfaces, std::size_t corners)
+{
+    vertices_.reserve(vertices_.size() + vertices);
+    surfaces_.reserve(surfaces_.size() + surfaces);
+    corners_.reserve(corners_.size() + corners);
+}
+
+int mesh_change::add_vertex(const point3_t &position, int like)
+{
+    vertices_.push_back({position, like});
+    return num_vertices() - 1;
+}
+
+point3_t mesh_change::position(int at) const
+{
+    const int old = before_->num_vertices();
+    return at < old ? (*before_->positions)[place(at)] : vertices_[place(at - old)].position;
+}
+
+void mesh_change::add_surface(int like) { surfaces_.push_back({like, -1, -1, corners_.size()}); }
+
+void mesh_change::add_corner(int at, flat_uv uv) { corners_.push_back({at, uv}); }
+
+void mesh_change::set_type(int type) { surfaces_.back().type = type; }
+
+void mesh_change::set_material(int material) { surfaces_.back().material = material; }
+
+void mesh_change::reverse_corners()
+{
+    std::reverse(corners_.begin() + static_cast<std::ptrdiff_t>(surfaces_.back().first_corner),
+                 corners_.end());
+}
+
+void mesh_change::turn_corners()
+{
+    std::reverse(corners_.begin() + static_cast<std::ptrdiff_t>(surfaces_.back().first_corner) + 1,
+                 corners_.end());
+}
+
+void mesh_change::redirect_corner(int corner, int at)
+{
+    edits_.push_back({corner_edit::REDIRECT, corner, at, {0, 0}});
+}
+
+void mesh_change::insert_corner_after(int corner, int at, flat_uv uv)
+{
+    edits_.push_back({corner_edit::INSERT, corner, at, uv});
+}
+
+void mesh_change::remove_corner(int corner)
+{
+    edits_.push_back({corner_edit::REMOVE, corner, -1, {0, 0}});
+}
+
+void mesh_change::remove_surface(int surface)
+{
+    set_flag(gone_surfaces_, surface, before_->num_surfaces());
+}
+
+void mesh_change::remove_vertex(int at) { set_flag(gone_vertices_, at, before_->num_vertices()); }
+
+void mesh_change::apply_to_corners()
+{
+    if (edits_.empty())
+        return;
+    corners_after_ = *before_->corners;
+    for (const corner_edit &edit : edits_) {
+        if (edit.kind != corner_edit::INSERT)
+            corners_after_[place(edit.corner)] = edit.vertex;
+    }
+}
+
+void mesh_change::remove_small_surfaces()
+{
+    const std::vector<std::int32_t> &now = corners_after();
+    std::vector<int> inserted(edits_.empty() ? 0 : now.size());
+    for (const corner_edit &edit : edits_)
+        inserted[place(edit.corner)] += edit.kind == corner_edit::INSERT ? 1 : 0;
+    for (int i = 0; i < before_->num_surfaces(); ++i) {
+        int lost = 0, left = 0;
+        for (int c = (*before_->corner_offsets)[place(i)];
+             c < (*before_->corner_offsets)[place(i) + 1]; ++c) {
+            const int v = now[place(c)];
+            const bool goes = is_old(v) && flag(gone_vertices_, v);
+            lost += goes ? 1 : 0;
+            left += v >= 0 && !goes ? 1 : 0;
+            left += inserted.empty() ? 0 : inserted[place(c)];
+        }
+        const bool is_line = (*before_->surfaces)[place(i)].type != SURFACE_POLYGON;
+        if (lost > 0 && left < (is_line ? 2 : 3))
+            remove_surface(i);
+    }
+}
+
+void mesh_change::find_unused()
+{
+    enum { UNTOUCHED, LOST, KEPT };
+    std::vector<char> use(place(before_->num_vertices()), UNTOUCHED);
+    const auto keep = [&](int v) {
+        if (is_old(v))
+            use[place(v)] = KEPT;
+    };
+    const auto lose = [&](int v) {
+        if (use[place(v)] == UNTOUCHED)
+            use[place(v)] = LOST;
+    };
+    for (int i = 0; i < before_->num_surfaces(); ++i) {
+        const bool stays = !flag(gone_surfaces_, i);
+        for (int c = (*before_->corner_offsets)[place(i)];
+             c < (*before_->corner_offsets)[place(i) + 1]; ++c) {
+            const int v = (*before_->corners)[place(c)];
+            const int now = corners_after()[place(c)];
+            if (stays)
+                keep(now);
+            if (!stays || now != v)
+                lose(v);
+        }
+    }
+    for (const corner_edit &edit : edits_) {
+        if (edit.kind == corner_edit::INSERT)
+            keep(edit.vertex);
+    }
+    for (const made_corner &corner : corners_)
+        keep(corner.vertex);
+    for (int v = 0; v < before_->num_vertices(); ++v) {
+        if (use[place(v)] == LOST)
+            remove_vertex(v);
+    }
+}
+
+// Whether the point is one of the object's vertices, by the numbers in their scratch words.
+bool mesh_change::is_own(const vertex *point) const
+{
+    if (point == nullptr)
+        return false;
+    const std::size_t i = vertex_number(point);
+    return i < before_->vertex_records->size() && (*before_->vertex_records)[i] == point;
+}
+
+vertex *mesh_change::vertex_at(int at, const mesh_result &result) const
+{
+    const int old = before_->num_vertices();
+    return at < old ? (*before_->vertex_records)[place(at)] : result.vertices[place(at - old)];
+}
+
+// The corners of the flat mesh are those of the list without the ones that are not its own.
+void mesh_change::edit_surface(int surface, std::span<const corner_edit> edits,
+                               const mesh_result &result) const
+{
+    surface_t *record = (*before_->surface_records)[place(surface)];
+    int corner = (*before_->corner_offsets)[place(surface)];
+    auto edit = edits.begin();
+    for (listitem **at = &record->refs; *at != nullptr && edit != edits.end();) {
+        listitem *node = *at;
+        auto *reference = item_of<svertex>(node);
+        if (!is_own(reference->vertex)) {
+            at = &node->next;
+            continue;
+        }
+        vertex *point = reference->vertex;
+        bool removed = false;
+        listitem *last = node;
+        for (; edit != edits.end() && edit->corner == corner; ++edit) {
+            if (edit->kind == corner_edit::INSERT) {
+                last = list_add_item_head(&last->next, new_svertex(vertex_at(edit->vertex, result),
+                                                                   edit->uv.u, edit->uv.v));
+                ++record->num_refs;
+            } else {
+                removed = edit->kind == corner_edit::REMOVE;
+                point = removed ? point : vertex_at(edit->vertex, result);
+            }
+        }
+        reference->vertex = point;
+        if (removed) {
+            *at = node->next; // which may be one that was inserted
+            myfree(reference);
+            myfree(node);
+            --record->num_refs;
+        }
+        if (!removed || last != node)
+            at = &last->next;
+        ++corner;
+    }
+}
+
+void mesh_change::edit_corners(const mesh_result &result)
+{
+    if (edits_.empty())
+        return;
+    const auto earlier = [](const corner_edit &a, const corner_edit &b) {
+        return a.corner < b.corner;
+    };
+    if (!std::is_sorted(edits_.begin(), edits_.end(), earlier))
+        std::stable_sort(edits_.begin(), edits_.end(), earlier);
+    number_vertices(object_);
+    const std::vector<std::int32_t> &offsets = *before_->corner_offsets;
+    auto at = offsets.begin();
+    for (std::size_t i = 0; i < edits_.size();) {
+        while (*(at + 1) <= edits_[i].corner)
+            ++at;
+        const std::size_t first = i;
+        while (i < edits_.size() && edits_[i].corner < *(at + 1))
+            ++i;
+        const auto surface = static_cast<int>(at - offsets.begin());
+        if (!flag(gone_surfaces_, surface))
+            edit_surface(surface, std::span(edits_).subspan(first, i - first), result);
+    }
+}
+
+// Takes the corners of vertices that go out of the surfaces that stay.
+void mesh_change::drop_references() const
+{
+    const auto goes = [&](const vertex *point) {
+        return is_own(point) && gone_vertices_[vertex_number(point)];
+    };
+    number_vertices(object_);
+    for (int i = 0; i < before_->num_surfaces(); ++i) {
+        const auto first = corners_after().begin() + (*before_->corner_offsets)[place(i)];
+        const auto end = corners_after().begin() + (*before_->corner_offsets)[place(i) + 1];
+        if (flag(gone_surfaces_, i) ||
+            std::none_of(first, end, [&](int v) { return is_old(v) && flag(gone_vertices_, v); }))
+            continue;
+        surface_t *surface = (*before_->surface_records)[place(i)];
+        for (listitem **at = &surface->refs; *at != nullptr;) {
+            listitem *node = *at;
+            auto *reference = item_of<svertex>(node);
+            if (!goes(reference->vertex)) {
+                at = &node->next;
+                continue;
+            }
+            *at = node->next;
+            myfree(reference);
+            myfree(node);
+            --surface->num_refs;
+        }
+    }
+}
+
+void mesh_change::unlink()
+{
+    if (!gone_vertices_.empty())
+        drop_references();
+    freed_batch batch;
+    if (!gone_surfaces_.empty()) {
+        object_->num_surfaces -= list_unlink_if<surface_t>(
+            &object_->surfaces, batch, [&](const surface_t * /*surface*/, std::size_t i) {
+                return i < gone_surfaces_.size() && gone_surfaces_[i];
+            });
+    }
+    if (!gone_vertices_.empty()) {
+        object_->num_vertices -= list_unlink_if<vertex>(
+            &object_->vertices, batch, [&](const vertex * /*point*/, std::size_t i) {
+                return i < gone_vertices_.size() && gone_vertices_[i];
+            });
+    }
+}
+
+std::size_t mesh_change::end_of(std::size_t made) const
+{
+    return made + 1 < surfaces_.size() ? surfaces_[made + 1].first_corner : corners_.size();
+}
+
+// A corner of a surface that goes, with its node, to be used again: what would be freed and taken
+// anew. Null when there is none. Long ones may be known to the short cuts into lists: they go as
+// they are.
+listitem *mesh_change::take_corner()
+{
+    constexpr int too_long = 16;
+    for (; taken_from_ < gone_surfaces_.size(); ++taken_from_) {
+        if (!gone_surfaces_[taken_from_])
+            continue;
+        surface_t *surface = (*before_->surface_records)[taken_from_];
+        listitem *node = surface->refs;
+        if (node == nullptr || node->data == 0 || surface->num_refs >= too_long)
+            continue;
+        list_forget_tail(node);
+        surface->refs = node->next;
+        --surface->num_refs;
+        node->next = nullptr;
+        return node;
+    }
+    return nullptr;
+}
+
+surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result)
+{
+    const made_surface &made = surfaces_[index];
+    surface_t *surface = new_surface();
+    if (made.like >= 0)
+        surface_copy_record(surface, (*before_->surface_records)[place(made.like)]);
+    if (made.type >= 0)
+        surface_set_type(surface, made.type);
+    if (made.material >= 0)
+        surface_set_col(surface, made.material);
+    listitem *last = nullptr;
+    for (std::size_t c = made.first_corner; c < end_of(index); ++c) {
+        const auto &[at, uv] = corners_[c];
+        vertex *point = vertex_at(at, result);
+        if (listitem *node = take_corner(); node != nullptr) {
+            *item_of<svertex>(node) = {point, uv.u, uv.v};
+            (last != nullptr ? last->next : surface->refs) = node;
+            last = node;
+        } else {
+            last = list_add_item_fast(&surface->refs, last, new_svertex(point, uv.u, uv.v));
+        }
+        ++surface->num_refs;
+    }
+    return surface;
+}
+
+void mesh_change::link(mesh_result &result)
+{
+    listitem *last = object_->vertices != nullptr ? list_end(object_->vertices) : nullptr;
+    for (const made_vertex &made : vertices_) {
+        vertex *point = made.like < 0 ? new_vertex()
+                                      : vertex_clone((*before_->vertex_records)[place(made.like)]);
+        point->position = made.position;
+        last = list_add_item_fast(&object_->vertices, last, point);
+        result.vertices.push_back(point);
+    }
+    object_->num_vertices += static_cast<int>(vertices_.size());
+
+    last = object_->surfaces != nullptr ? list_end(object_->surfaces) : nullptr;
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        if (end_of(i) == surfaces_[i].first_corner)
+            continue;
+        surface_t *surface = make_surface(i, result);
+        last = list_add_item_fast(&object_->surfaces, last, surface);
+        ++object_->num_surfaces;
+        result.surfaces.push_back(surface);
+    }
+}
+
+void commit_all(std::vector<mesh_change> &changes)
+{
+    freed_batch at_once;
+    for (mesh_change &change : changes)
+        change.commit();
+}
+
+mesh_result mesh_change::commit()
+{
+    mesh_result result;
+    apply_to_corners();
+    if (!gone_vertices_.empty())
+        remove_small_surfaces();
+    if (remove_unused_ && (!gone_surfaces_.empty() || !edits_.empty()))
+        find_unused();
+    const bool removes = !gone_vertices_.empty() || !gone_surfaces_.empty();
+    if (!removes && vertices_.empty() && surfaces_.empty() && edits_.empty())
+        return result;
+
+    session().committing = true;
+    result.vertices.reserve(vertices_.size());
+    result.surfaces.reserve(surfaces_.size());
+    link(result); // before what it copies from goes
+    edit_corners(result);
+    if (removes)
+        unlink();
+    object_mark(object_, CHANGED_TOPOLOGY);
+    session().committing = false;
+    return result;
+}

@@ -1,0 +1,81 @@
+#include "edit/mesh/surface_copy.h"
+
+#include "model/each.h"
+#include "model/matrix.h"
+#include "model/normals.h"
+#include "model/object_internal.h"
+#include "model/owners.h"
+
+#include <algorithm>
+
+namespace {
+
+std::size_t place(int index) { return static_cast<std::size_t>(index); }
+
+} // namespace
+
+void object_copy_header(object_t *to, const object_t *from)
+{
+    object_set_name(to, from->name);
+    to->has_texture = from->has_texture;
+    to->texture = from->texture;
+    to->texture_repeat_x = from->texture_repeat_x;
+    to->texture_repeat_y = from->texture_repeat_y;
+    to->texture_offset_x = from->texture_offset_x;
+    to->texture_offset_y = from->texture_offset_y;
+    to->centre = from->centre;
+    matrix_copy(from->rotation, to->rotation);
+}
+
+surface_copier::surface_copier(object_t *owner)
+    : owner_(owner), mesh_(object_flat(owner)), copies_(place(mesh_->num_vertices()))
+{
+}
+
+object_t *surface_copier::copy(std::span<const int> surfaces, std::span<const int> loose)
+{
+    object_t *made = new_object(OBJECT_POLY);
+    object_copy_header(made, owner_);
+    std::vector<int> used(loose.begin(), loose.end());
+    for (const int surface : surfaces) {
+        const auto corners = mesh_->surface_corners(surface);
+        used.insert(used.end(), corners.begin(), corners.end());
+    }
+    std::sort(used.begin(), used.end());
+    used.erase(std::unique(used.begin(), used.end()), used.end());
+    listitem *last = nullptr;
+    for (const int v : used) {
+        vertex *&twin = copies_[place(v)];
+        twin = vertex_clone((*mesh_->vertex_records)[place(v)]);
+        last = list_add_item_fast(&made->vertices, last, twin);
+    }
+    made->num_vertices = static_cast<int>(used.size());
+
+    last = nullptr;
+    for (const int surface : surfaces) {
+        surface_t *twin = new_surface();
+        surface_copy_record(twin, (*mesh_->surface_records)[place(surface)]);
+        auto corner = place((*mesh_->corner_offsets)[place(surface)]);
+        listitem *last_corner = nullptr;
+        for (const int v : mesh_->surface_corners(surface)) {
+            const flat_uv &uv = (*mesh_->texture_coords)[corner++];
+            last_corner = list_add_item_fast(&twin->refs, last_corner,
+                                             new_svertex(copies_[place(v)], uv.u, uv.v));
+            ++twin->num_refs;
+        }
+        last = list_add_item_fast(&made->surfaces, last, twin);
+    }
+    made->num_surfaces = static_cast<int>(surfaces.size());
+    object_calc_vertex_normals(made);
+    return made;
+}
+
+std::vector<object_t *> objects_of_surfaces(const listitem *surfaces)
+{
+    std::vector<object_t *> objects;
+    if (surfaces == nullptr)
+        return objects;
+    for (const owned_elements &owned : surfaces_by_owner(surfaces))
+        objects.push_back(surface_copier(owned.object).copy(owned.indices));
+    return objects;
+}

@@ -1,0 +1,479 @@
+#include "edit/uv/uv_editor.h"
+
+#include "base/messages.h"
+#include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection_scan.h"
+#include "edit/document/undo.h"
+#include "model/identity.h"
+#include "model/textures/textures.h"
+#include "model/world.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_set>
+
+namespace {
+
+std::size_t place(int i) { return static_cast<std::size_t>(i); }
+
+struct shown_object {
+    object_t *object;
+    int identity;
+    bool operator==(const shown_object &) const = default;
+};
+
+struct editor_t {
+    uv_state state;
+    std::vector<shown_object> shown;
+    // of the main selection, when it was last looked at
+    unsigned selection_count = ~0u;
+    int select_mode = -1;
+    bool emptied = false; // by choosing nothing here: the objects stay shown
+};
+editor_t &editor()
+{
+    static auto *const record = new editor_t; // its arrays are not freed at exit
+    return *record;
+}
+
+bool is_element_mode(int mode) { return mode == SELECT_SURFACE || mode == SELECT_VERTEX; }
+
+// ---- what is shown ----
+
+bool is_in_the_world(const shown_object &shown)
+{
+    if (identity_known(shown.object) != shown.identity)
+        return false;
+    const object_t *top = shown.object;
+    while (top->parent != nullptr)
+        top = top->parent;
+    return top == vesk_get_world();
+}
+
+std::vector<object_t *> objects_of_main_selection()
+{
+    std::vector<object_t *> objects;
+    const selection_t &all = selection();
+    if (select_mode() == SELECT_SURFACE)
+        objects = owners_of_surfaces(elements_of<surface_t>(all.surfaces));
+    else if (select_mode() == SELECT_VERTEX)
+        objects = owners_of_vertices(elements_of<vertex>(all.vertices));
+    for (object_t *top : selected_top_objects())
+        for_each_object(top, [&](object_t *object) { objects.push_back(object); });
+    std::erase_if(objects, [](const object_t *object) {
+        return object == nullptr || object->visible == 0 || object->locked != 0;
+    });
+    return unique_objects(objects);
+}
+
+std::vector<object_t *> shown_objects()
+{
+    std::erase_if(editor().shown, [](const shown_object &o) { return !is_in_the_world(o); });
+    std::vector<object_t *> objects;
+    for (const shown_object &shown : editor().shown)
+        objects.push_back(shown.object);
+    return objects;
+}
+
+// ---- the choice ----
+
+void count_chosen(uv_state &state)
+{
+    state.num_chosen = static_cast<int>(std::count(state.chosen.begin(), state.chosen.end(), 1));
+    ++state.choice_version;
+}
+
+std::vector<char> none_of(const uv_mesh &mesh) { return std::vector<char>(mesh.at.size(), 0); }
+
+void set_surface(const uv_mesh &mesh, int surface, std::vector<char> &corners)
+{
+    std::fill(corners.begin() + mesh.corners_begin(surface),
+              corners.begin() + mesh.corners_end(surface), 1);
+}
+
+bool is_whole(const uv_mesh &mesh, int surface, const std::vector<char> &corners)
+{
+    return std::all_of(corners.begin() + mesh.corners_begin(surface),
+                       corners.begin() + mesh.corners_end(surface),
+                       [](char chosen) { return chosen != 0; });
+}
+
+bool has_any(const uv_mesh &mesh, int surface, const std::vector<char> &corners)
+{
+    return std::any_of(corners.begin() + mesh.corners_begin(surface),
+                       corners.begin() + mesh.corners_end(surface),
+                       [](char chosen) { return chosen != 0; });
+}
+
+std::vector<char> with_joined(const uv_state &state, const std::vector<char> &corners)
+{
+    std::vector<char> points(place(state.islands.num_points), 0);
+    for (std::size_t c = 0; c < corners.size(); ++c)
+        points[place(state.islands.point[c])] |= corners[c];
+    std::vector<char> joined(corners.size());
+    for (std::size_t c = 0; c < corners.size(); ++c)
+        joined[c] = points[place(state.islands.point[c])];
+    return joined;
+}
+
+std::vector<char> whole_islands(const uv_state &state, const std::vector<char> &corners)
+{
+    std::vector<char> islands(place(state.islands.num_islands), 0);
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i)
+        islands[place(state.islands.island[place(i)])] |= has_any(state.mesh, i, corners) ? 1 : 0;
+    std::vector<char> chosen = none_of(state.mesh);
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+        if (islands[place(state.islands.island[place(i)])] != 0)
+            set_surface(state.mesh, i, chosen);
+    }
+    return chosen;
+}
+
+std::vector<char> by_mode(const uv_state &state, const std::vector<char> &corners)
+{
+    if (state.mode == uv_mode::CORNER)
+        return with_joined(state, corners);
+    if (state.mode == uv_mode::ISLAND)
+        return whole_islands(state, corners);
+    std::vector<char> chosen = none_of(state.mesh);
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+        if (has_any(state.mesh, i, corners))
+            set_surface(state.mesh, i, chosen);
+    }
+    return chosen;
+}
+
+// ---- the main selection ----
+
+vertex *vertex_of(const uv_mesh &mesh, int surface, int corner)
+{
+    const uv_part &part = mesh.parts[place(mesh.part[place(surface)])];
+    return (*part.flat->vertex_records)[place(mesh.vertices[place(corner)] - part.first_vertex)];
+}
+
+// The corners that the main selection means.
+std::vector<char> corners_of_main_selection(const uv_mesh &mesh)
+{
+    std::vector<char> corners = none_of(mesh);
+    const selection_t &all = selection();
+    if (select_mode() == SELECT_SURFACE) {
+        const auto list = elements_of<surface_t>(all.surfaces);
+        const std::unordered_set<const surface_t *> chosen(list.begin(), list.end());
+        for (int i = 0; i < mesh.num_surfaces(); ++i) {
+            if (chosen.count(mesh.surfaces[place(i)]) != 0)
+                set_surface(mesh, i, corners);
+        }
+    } else if (select_mode() == SELECT_VERTEX) {
+        const auto list = elements_of<vertex>(all.vertices);
+        const std::unordered_set<const vertex *> chosen(list.begin(), list.end());
+        for (int i = 0; i < mesh.num_surfaces(); ++i) {
+            for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c)
+                corners[place(c)] = chosen.count(vertex_of(mesh, i, c)) != 0 ? 1 : 0;
+        }
+    }
+    return corners;
+}
+
+// Whether the main selection is what the choice was carried over to.
+bool main_selection_is_ours(const uv_state &state)
+{
+    if (!is_element_mode(select_mode()))
+        return true;
+    const std::vector<char> theirs = corners_of_main_selection(state.mesh);
+    if (select_mode() == SELECT_SURFACE) {
+        for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+            if (is_whole(state.mesh, i, theirs) != is_whole(state.mesh, i, state.chosen))
+                return false;
+        }
+        return true;
+    }
+    std::vector<char> ours(state.mesh.positions.size(), 0);
+    for (std::size_t c = 0; c < state.chosen.size(); ++c)
+        ours[place(state.mesh.vertices[c])] |= state.chosen[c];
+    for (std::size_t c = 0; c < state.chosen.size(); ++c) {
+        if (ours[place(state.mesh.vertices[c])] != theirs[c])
+            return false;
+    }
+    return true;
+}
+
+void follow_select_mode(uv_state &state)
+{
+    if (select_mode() == SELECT_VERTEX)
+        state.mode = uv_mode::CORNER;
+    else if (select_mode() == SELECT_SURFACE && state.mode == uv_mode::CORNER)
+        state.mode = uv_mode::SURFACE;
+}
+
+void take_notice()
+{
+    editor().selection_count = selection_change_count();
+    editor().select_mode = select_mode();
+}
+
+void carry_over()
+{
+    uv_state &state = editor().state;
+    const int wanted = state.mode == uv_mode::CORNER ? SELECT_VERTEX : SELECT_SURFACE;
+    if (state.num_chosen == 0 && !is_element_mode(select_mode()))
+        return;
+    const bool changes_mode = select_mode() != wanted;
+    if (changes_mode) {
+        new_undo(UNDO_SELECTION, "selection");
+        set_undo_selection(selection().vertices, selection().surfaces, selection().objects, 1);
+    }
+    saved_selection_t spent = selection_take();
+    selection_free(&spent);
+    selection_set_mode(wanted);
+    if (wanted == SELECT_SURFACE) {
+        std::vector<surface_t *> surfaces;
+        for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+            if (is_whole(state.mesh, i, state.chosen))
+                surfaces.push_back(state.mesh.surfaces[place(i)]);
+        }
+        selection_add_surfaces(surfaces);
+    } else {
+        std::vector<vertex *> vertices;
+        for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+            for (int c = state.mesh.corners_begin(i); c < state.mesh.corners_end(i); ++c) {
+                if (state.chosen[place(c)] != 0)
+                    vertices.push_back(vertex_of(state.mesh, i, c));
+            }
+        }
+        selection_add_vertices(vertices);
+    }
+    editor().emptied = state.num_chosen == 0;
+    find_bounding_box();
+    selection_changed("texture coordinates");
+    take_notice();
+    if (changes_mode)
+        tcl_command("set_select_mode_ui %s", select_mode_name(wanted));
+}
+
+// ---- keeping up to date ----
+
+bool same_topology(const uv_mesh &mesh)
+{
+    return std::all_of(mesh.parts.begin(), mesh.parts.end(), uv_part_is_current);
+}
+
+bool is_current(const uv_mesh &mesh)
+{
+    return std::all_of(mesh.parts.begin(), mesh.parts.end(), [](const uv_part &part) {
+        if (!uv_part_is_current(part))
+            return false;
+        const flat_ptr now = object_flat(part.object);
+        return now->texture_coords == part.flat->texture_coords &&
+               now->positions == part.flat->positions;
+    });
+}
+
+// Anew from the objects; the choice stays where the corners are the same.
+void gather()
+{
+    uv_state &state = editor().state;
+    const bool keep = same_topology(state.mesh);
+    const uv_mesh old = std::move(state.mesh);
+    state.mesh = uv_mesh_of(shown_objects());
+    state.islands = uv_find_islands(state.mesh);
+    ++state.geometry_version;
+    if (keep && old.surfaces == state.mesh.surfaces && old.vertices == state.mesh.vertices)
+        return;
+    state.chosen = corners_of_main_selection(state.mesh);
+    count_chosen(state);
+}
+
+void follow_main_selection()
+{
+    uv_state &state = editor().state;
+    const bool other_mode = select_mode() != editor().select_mode;
+    std::vector<shown_object> shown;
+    for (object_t *object : objects_of_main_selection())
+        shown.push_back({object, object_identity(object)});
+    const bool stays = shown.empty() && editor().emptied && !other_mode;
+    take_notice();
+    if (other_mode)
+        follow_select_mode(state);
+    if (!stays) {
+        editor().emptied = false;
+        editor().shown = std::move(shown);
+    }
+    const std::vector<object_t *> objects = shown_objects();
+    std::vector<object_t *> gathered;
+    for (const uv_part &part : state.mesh.parts)
+        gathered.push_back(part.object);
+    std::vector<object_t *> wanted = objects;
+    std::erase_if(wanted, [](const object_t *object) { return object->num_surfaces == 0; });
+    if (gathered != wanted || !is_current(state.mesh))
+        gather();
+    if (!main_selection_is_ours(state)) {
+        state.chosen = corners_of_main_selection(state.mesh);
+        count_chosen(state);
+    }
+}
+
+} // namespace
+
+const uv_state &uv_editor()
+{
+    editor_t &now = editor();
+    if (now.selection_count != selection_change_count() || now.select_mode != select_mode()) {
+        follow_main_selection();
+    } else if (shown_objects().size() < now.state.mesh.parts.size() ||
+               !is_current(now.state.mesh)) {
+        gather();
+    }
+    return now.state;
+}
+
+bool uv_mode_of(std::string_view name, uv_mode *mode)
+{
+    for (const uv_mode each_mode : {uv_mode::CORNER, uv_mode::SURFACE, uv_mode::ISLAND}) {
+        if (name == uv_mode_name(each_mode)) {
+            *mode = each_mode;
+            return true;
+        }
+    }
+    return false;
+}
+
+const char *uv_mode_name(uv_mode mode)
+{
+    static constexpr const char *names[] = {"corner", "surface", "island"};
+    return names[static_cast<int>(mode)];
+}
+
+void uv_set_mode(uv_mode mode)
+{
+    uv_editor();
+    uv_state &state = editor().state;
+    if (state.mode == mode)
+        return;
+    const uv_mode before = state.mode;
+    state.mode = mode;
+    if (before == uv_mode::CORNER && mode == uv_mode::SURFACE) {
+        for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+            if (!is_whole(state.mesh, i, state.chosen))
+                std::fill(state.chosen.begin() + state.mesh.corners_begin(i),
+                          state.chosen.begin() + state.mesh.corners_end(i), 0);
+        }
+    } else {
+        state.chosen = by_mode(state, state.chosen);
+    }
+    count_chosen(state);
+    carry_over();
+}
+
+void uv_choose(std::vector<char> corners)
+{
+    uv_editor();
+    uv_state &state = editor().state;
+    if (corners.size() != state.chosen.size())
+        return;
+    state.chosen = by_mode(state, corners);
+    count_chosen(state);
+    carry_over();
+}
+
+std::vector<char> uv_moving_corners(const uv_state &state)
+{
+    if (state.num_chosen == 0)
+        return std::vector<char>(state.mesh.at.size(), 1);
+    return with_joined(state, state.chosen);
+}
+
+std::vector<int> uv_chosen_surfaces(const uv_state &state)
+{
+    std::vector<int> surfaces;
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+        if (state.num_chosen == 0 || is_whole(state.mesh, i, state.chosen))
+            surfaces.push_back(i);
+    }
+    return surfaces;
+}
+
+std::vector<int> uv_chosen_islands(const uv_state &state)
+{
+    std::vector<char> chosen(place(state.islands.num_islands), state.num_chosen == 0 ? 1 : 0);
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i)
+        chosen[place(state.islands.island[place(i)])] |=
+            has_any(state.mesh, i, state.chosen) ? 1 : 0;
+    std::vector<int> islands;
+    for (int i = 0; i < state.islands.num_islands; ++i) {
+        if (chosen[place(i)] != 0)
+            islands.push_back(i);
+    }
+    return islands;
+}
+
+uv_box uv_box_of(const uv_mesh &mesh, const std::vector<char> &corners)
+{
+    uv_box box;
+    for (std::size_t c = 0; c < corners.size(); ++c) {
+        if (corners[c] != 0)
+            box.add(mesh.at[c]);
+    }
+    return box;
+}
+
+object_t *uv_picture_object()
+{
+    const uv_mesh &mesh = uv_editor().mesh;
+    for (const uv_part &part : mesh.parts) {
+        if (object_picture(part.object) != nullptr)
+            return part.object;
+    }
+    return mesh.parts.empty() ? nullptr : mesh.parts.front().object;
+}
+
+uv_pixels uv_picture_size()
+{
+    uv_pixels pixels;
+    const object_t *object = uv_picture_object();
+    const VESKImage *image = object != nullptr ? object_picture(object) : nullptr;
+    if (image == nullptr || image->width == 0 || image->height == 0)
+        return pixels;
+    const auto repeats = [](float repeat) {
+        const double times = std::fabs(static_cast<double>(repeat));
+        return times > 0 && std::isfinite(times) ? std::clamp(times, 1e-4, 1e4) : 1.0;
+    };
+    return {image->width * repeats(object->texture_repeat_x),
+            image->height * repeats(object->texture_repeat_y)};
+}
+
+int uv_commit(const char *label, const std::vector<flat_uv> &wanted)
+{
+    const uv_mesh &mesh = uv_editor().mesh;
+    std::vector<flat_uv> at = wanted;
+    for (std::size_t c = 0; c < at.size(); ++c) {
+        if (!std::isfinite(at[c].u) || !std::isfinite(at[c].v))
+            at[c] = mesh.at[c];
+    }
+    const std::vector<int> changed = uv_changed_surfaces(mesh, mesh.at, at);
+    if (changed.empty())
+        return 0;
+    owned_list surfaces;
+    for (const int i : changed)
+        surfaces.add(mesh.surfaces[place(i)]);
+    new_undo(UNDO_TEXTURE_COORDS, label);
+    set_undo_texture_coords(surfaces.get());
+    uv_write(mesh, at, changed);
+    redraw_all();
+    return static_cast<int>(changed.size());
+}
+
+void uv_preview(const std::vector<flat_uv> &at)
+{
+    uv_state &state = editor().state;
+    if (at.size() != state.mesh.at.size() || !same_topology(state.mesh))
+        return;
+    uv_write(state.mesh, at, uv_changed_surfaces(state.mesh, state.mesh.at, at));
+    state.mesh.at = at;
+    for (uv_part &part : state.mesh.parts)
+        part.flat = object_flat(part.object);
+    ++state.geometry_version;
+}
+
+void uv_editor_reset_for_test() { editor() = {}; }

@@ -1,0 +1,169 @@
+#include "edit/uv/uv_islands.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <tuple>
+
+namespace {
+
+std::size_t place(int i) { return static_cast<std::size_t>(i); }
+
+class union_find {
+public:
+    explicit union_find(int n) : parent_(place(n)) { std::iota(parent_.begin(), parent_.end(), 0); }
+    int find(int i)
+    {
+        while (parent_[place(i)] != i)
+            i = parent_[place(i)] = parent_[place(parent_[place(i)])];
+        return i;
+    }
+    // The smaller number stays: the first of a set names it.
+    void join(int a, int b)
+    {
+        a = find(a);
+        b = find(b);
+        parent_[place(std::max(a, b))] = std::min(a, b);
+    }
+    // Numbers the sets from 0 in the order of their first members.
+    int number(std::vector<int> *out)
+    {
+        int count = 0;
+        out->resize(parent_.size());
+        for (int i = 0; i < static_cast<int>(parent_.size()); ++i) {
+            const int first = find(i);
+            (*out)[place(i)] = first == i ? count++ : (*out)[place(first)];
+        }
+        return count;
+    }
+
+private:
+    std::vector<int> parent_;
+};
+
+// One side of a surface, its ends in the order of their vertices.
+struct side_t {
+    int low, high; // vertices
+    int low_corner, high_corner;
+    int surface;
+};
+
+bool same(const flat_uv &a, const flat_uv &b)
+{
+    return std::fabs(a.u - b.u) <= uv_tolerance && std::fabs(a.v - b.v) <= uv_tolerance;
+}
+
+std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
+{
+    std::vector<side_t> sides(mesh.at.size());
+    std::vector<int> first(mesh.positions.size() + 1, 0);
+    std::vector<side_t> unsorted;
+    unsorted.reserve(mesh.at.size());
+    for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
+        for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
+            const int next = mesh.next_corner(surface, c);
+            const int a = mesh.vertices[place(c)], b = mesh.vertices[place(next)];
+            unsorted.push_back(a <= b ? side_t{a, b, c, next, surface}
+                                      : side_t{b, a, next, c, surface});
+            ++first[place(std::min(a, b)) + 1];
+        }
+    }
+    std::partial_sum(first.begin(), first.end(), first.begin());
+    std::vector<int> end(first.begin(), first.end() - 1);
+    for (const side_t &side : unsorted)
+        sides[place(end[place(side.low)]++)] = side;
+    for (std::size_t v = 0; v + 1 < first.size(); ++v)
+        std::stable_sort(sides.begin() + first[v], sides.begin() + first[v + 1],
+                         [](const side_t &a, const side_t &b) { return a.high < b.high; });
+    return sides;
+}
+
+// The surfaces of one edge.
+class edge_joiner {
+public:
+    edge_joiner(const uv_mesh &mesh, union_find &corners, union_find &surfaces)
+        : mesh_(mesh), corners_(corners), surfaces_(surfaces)
+    {
+    }
+
+    void join(std::vector<side_t>::iterator begin, std::vector<side_t>::iterator end,
+              std::vector<uv_edge> &edges)
+    {
+        // Of more surfaces than a model has, only those that lie next to each other when they are
+        // sorted by their coordinates: all that agree exactly are.
+        constexpr std::ptrdiff_t most_compared = 12;
+        if (end - begin > most_compared) {
+            std::sort(begin, end,
+                      [&](const side_t &a, const side_t &b) { return key(a) < key(b); });
+        }
+        std::vector<bool> drawn(place(static_cast<int>(end - begin)), false);
+        for (auto a = begin; a != end; ++a) {
+            const auto last = end - begin > most_compared ? std::min(a + 2, end) : end;
+            const bool is_later = drawn[place(static_cast<int>(a - begin))];
+            uv_edge edge = {a->low_corner, a->high_corner};
+            for (auto b = a + 1; b < last; ++b) {
+                if (b->surface == a->surface || !agree(*a, *b))
+                    continue;
+                corners_.join(a->low_corner, b->low_corner);
+                corners_.join(a->high_corner, b->high_corner);
+                surfaces_.join(a->surface, b->surface);
+                drawn[place(static_cast<int>(b - begin))] = true;
+                if (edge.is_border()) {
+                    edge.twin = b->low_corner;
+                    edge.twin_next = b->high_corner;
+                }
+            }
+            if (!is_later)
+                edges.push_back(edge);
+        }
+    }
+
+private:
+    [[nodiscard]] const flat_uv &uv(int corner) const { return mesh_.at[place(corner)]; }
+    [[nodiscard]] std::tuple<float, float, float, float> key(const side_t &side) const
+    {
+        const flat_uv &a = uv(side.low_corner), &b = uv(side.high_corner);
+        const auto number = [](float value) { return std::isnan(value) ? 0.0f : value; };
+        return {number(a.u), number(a.v), number(b.u), number(b.v)};
+    }
+    [[nodiscard]] bool agree(const side_t &a, const side_t &b) const
+    {
+        return same(uv(a.low_corner), uv(b.low_corner)) &&
+               same(uv(a.high_corner), uv(b.high_corner));
+    }
+
+    const uv_mesh &mesh_;
+    union_find &corners_, &surfaces_;
+};
+
+} // namespace
+
+uv_islands uv_find_islands(const uv_mesh &mesh)
+{
+    uv_islands found;
+    union_find corners(mesh.num_corners()), surfaces(mesh.num_surfaces());
+    edge_joiner joiner(mesh, corners, surfaces);
+    std::vector<side_t> sides = sides_by_edge(mesh);
+    found.edges.reserve(sides.size() / 2);
+    for (auto begin = sides.begin(); begin != sides.end();) {
+        auto end = begin + 1;
+        while (end != sides.end() && end->low == begin->low && end->high == begin->high)
+            ++end;
+        joiner.join(begin, end, found.edges);
+        begin = end;
+    }
+    found.num_points = corners.number(&found.point);
+    found.num_islands = surfaces.number(&found.island);
+    return found;
+}
+
+std::vector<uv_box> uv_island_boxes(const uv_mesh &mesh, const uv_islands &islands)
+{
+    std::vector<uv_box> boxes(place(islands.num_islands));
+    for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
+        uv_box &box = boxes[place(islands.island[place(surface)])];
+        for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c)
+            box.add(mesh.at[place(c)]);
+    }
+    return boxes;
+}

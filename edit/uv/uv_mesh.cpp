@@ -1,0 +1,151 @@
+#include "edit/uv/uv_mesh.h"
+
+#include "edit/document/model_state_internal.h"
+#include "model/change_marks.h"
+#include "model/each.h"
+#include "model/identity.h"
+#include "model/object_internal.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace {
+
+std::size_t place(int i) { return static_cast<std::size_t>(i); }
+
+void add_part(uv_mesh &mesh, object_t *object, const flat_ptr &flat)
+{
+    uv_part part = {object, object != nullptr ? object_identity(object) : 0,
+                    flat,   mesh.num_surfaces(),
+                    0,      static_cast<int>(mesh.positions.size())};
+    const int number = static_cast<int>(mesh.parts.size());
+    for (int i = 0; i < flat->num_surfaces(); ++i) {
+        const auto corners = flat->surface_corners(i);
+        if ((*flat->surfaces)[place(i)].type != SURFACE_POLYGON || corners.size() < 3)
+            continue;
+        mesh.surfaces.push_back(flat->surface_records ? (*flat->surface_records)[place(i)]
+                                                      : nullptr);
+        mesh.part.push_back(number);
+        mesh.normals.push_back(flat->face_normals ? (*flat->face_normals)[place(i)]
+                                                  : normal_of_corners(*flat, i));
+        const auto begin = flat->texture_coords->begin() + (*flat->corner_offsets)[place(i)];
+        for (const std::int32_t v : corners)
+            mesh.vertices.push_back(part.first_vertex + v);
+        mesh.at.insert(mesh.at.end(), begin, begin + static_cast<std::ptrdiff_t>(corners.size()));
+        mesh.first_corner.push_back(mesh.num_corners());
+        ++part.num_surfaces;
+    }
+    if (part.num_surfaces == 0)
+        return;
+    mesh.positions.insert(mesh.positions.end(), flat->positions->begin(), flat->positions->end());
+    mesh.parts.push_back(std::move(part));
+}
+
+bool same_bits(const flat_uv &a, const flat_uv &b)
+{
+    return std::bit_cast<std::uint32_t>(a.u) == std::bit_cast<std::uint32_t>(b.u) &&
+           std::bit_cast<std::uint32_t>(a.v) == std::bit_cast<std::uint32_t>(b.v);
+}
+
+// Corners without a vertex of the object have no coordinates in the mesh.
+bool is_own(const flat_mesh &flat, const vertex *point)
+{
+    if (point == nullptr)
+        return false;
+    const std::size_t i = vertex_number(point);
+    return i < flat.vertex_records->size() && (*flat.vertex_records)[i] == point;
+}
+
+} // namespace
+
+uv_mesh uv_mesh_of(const std::vector<object_t *> &objects)
+{
+    uv_mesh mesh;
+    mesh.first_corner.push_back(0);
+    for (object_t *object : objects)
+        add_part(mesh, object, object_flat(object));
+    return mesh;
+}
+
+uv_mesh uv_mesh_of_flat(const flat_ptr &flat)
+{
+    uv_mesh mesh;
+    mesh.first_corner.push_back(0);
+    add_part(mesh, nullptr, flat);
+    return mesh;
+}
+
+bool uv_part_is_current(const uv_part &part)
+{
+    if (identity_known(part.object) != part.identity)
+        return false;
+    const flat_ptr now = object_flat(part.object);
+    return now->corners == part.flat->corners && now->corner_offsets == part.flat->corner_offsets &&
+           now->surface_records == part.flat->surface_records &&
+           (now->surfaces == part.flat->surfaces || *now->surfaces == *part.flat->surfaces);
+}
+
+std::vector<int> uv_surface_of_corners(const uv_mesh &mesh)
+{
+    std::vector<int> surface(mesh.at.size());
+    for (int i = 0; i < mesh.num_surfaces(); ++i)
+        std::fill(surface.begin() + mesh.corners_begin(i), surface.begin() + mesh.corners_end(i),
+                  i);
+    return surface;
+}
+
+void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at, const std::vector<int> &surfaces)
+{
+    int numbered = -1; // the part whose vertices carry their numbers
+    for (const int i : surfaces) {
+        const uv_part &part = mesh.parts[place(mesh.part[place(i)])];
+        if (numbered != mesh.part[place(i)]) {
+            numbered = mesh.part[place(i)];
+            number_vertices(part.object);
+            object_mark(part.object, CHANGED_TEXTURE_COORDS);
+        }
+        int corner = mesh.corners_begin(i);
+        for (svertex *reference : each<svertex>(mesh.surfaces[place(i)]->refs)) {
+            if (corner == mesh.corners_end(i))
+                break;
+            if (!is_own(*part.flat, reference->vertex))
+                continue;
+            reference->u = at[place(corner)].u;
+            reference->v = at[place(corner)].v;
+            ++corner;
+        }
+    }
+}
+
+std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat_uv> &from,
+                                     const std::vector<flat_uv> &to)
+{
+    std::vector<int> changed;
+    for (int i = 0; i < mesh.num_surfaces(); ++i) {
+        for (int corner = mesh.corners_begin(i); corner < mesh.corners_end(i); ++corner) {
+            if (!same_bits(from[place(corner)], to[place(corner)])) {
+                changed.push_back(i);
+                break;
+            }
+        }
+    }
+    return changed;
+}
+
+void uv_box::add(const flat_uv &p)
+{
+    if (!std::isfinite(p.u) || !std::isfinite(p.v))
+        return;
+    if (!any) {
+        u0 = u1 = p.u;
+        v0 = v1 = p.v;
+        any = true;
+        return;
+    }
+    u0 = std::min(u0, p.u);
+    u1 = std::max(u1, p.u);
+    v0 = std::min(v0, p.v);
+    v1 = std::max(v1, p.v);
+}

@@ -1,0 +1,81 @@
+#ifndef VESK_EDIT_UV_UV_MESH_H
+#define VESK_EDIT_UV_UV_MESH_H
+
+// The texture coordinates of some objects' polygons as plain arrays: what the operations on texture
+// coordinates compute with. Surfaces, corners and vertices of all objects are numbered through.
+
+#include "model/flat_mesh.h"
+
+#include <cstddef>
+#include <vector>
+
+struct uv_part {
+    object_t *object;
+    int identity;
+    flat_ptr flat;
+    int first_surface, num_surfaces; // of its polygons
+    int first_vertex;
+};
+
+struct uv_mesh {
+    std::vector<uv_part> parts;
+    // one a polygon
+    std::vector<surface_t *> surfaces;
+    std::vector<int> part;
+    std::vector<int> first_corner; // num_surfaces() + 1 elements
+    std::vector<point3_t> normals;
+    // one a corner
+    std::vector<int> vertices;
+    std::vector<flat_uv> at;
+    // one a vertex
+    std::vector<point3_t> positions;
+
+    [[nodiscard]] int num_surfaces() const { return static_cast<int>(surfaces.size()); }
+    [[nodiscard]] int num_corners() const { return static_cast<int>(at.size()); }
+    [[nodiscard]] int corners_begin(int surface) const { return first_corner[index(surface)]; }
+    [[nodiscard]] int corners_end(int surface) const { return first_corner[index(surface) + 1]; }
+    [[nodiscard]] const point3_t &position(int corner) const
+    {
+        return positions[index(vertices[index(corner)])];
+    }
+    // The corner after this one round its surface.
+    [[nodiscard]] int next_corner(int surface, int corner) const
+    {
+        return corner + 1 == corners_end(surface) ? corners_begin(surface) : corner + 1;
+    }
+    static std::size_t index(int i) { return static_cast<std::size_t>(i); }
+};
+
+// The polygons (of three corners at least) of these objects themselves.
+uv_mesh uv_mesh_of(const std::vector<object_t *> &objects);
+
+// Of a flat mesh that may have outlived its records: for computing, not for writing.
+uv_mesh uv_mesh_of_flat(const flat_ptr &flat);
+
+// Whether an object still has the surfaces and corners that the part was made from; its texture
+// coordinates and positions may differ.
+bool uv_part_is_current(const uv_part &part);
+
+// The surface of each corner.
+std::vector<int> uv_surface_of_corners(const uv_mesh &mesh);
+
+// Writes the coordinates `at` of these surfaces (ascending) into the model and marks the objects. No
+// undo, no redraw.
+void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at,
+              const std::vector<int> &surfaces);
+
+// Surfaces with a corner whose coordinates differ, ascending.
+std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat_uv> &from,
+                                     const std::vector<flat_uv> &to);
+
+// Bounds of corners; empty while nothing was added. What is no number does not count.
+struct uv_box {
+    float u0 = 1, v0 = 1, u1 = 0, v1 = 0;
+    bool any = false;
+    void add(const flat_uv &p);
+    [[nodiscard]] double width() const { return double{u1} - u0; }
+    [[nodiscard]] double height() const { return double{v1} - v0; }
+    [[nodiscard]] flat_uv middle() const { return {u0 / 2 + u1 / 2, v0 / 2 + v1 / 2}; }
+};
+
+#endif

@@ -1,0 +1,169 @@
+#include "fileio/text_objects.h"
+
+#include "base/current_file.h"
+#include "base/filename.h"
+#include "base/home.h"
+#include "base/messages_internal.h"
+#include "base/prefs.h"
+#include "edit/create.h"
+#include "edit/transform.h"
+#include "fileio/vesk_reader.h"
+#include "model/bounds.h"
+#include "model/each.h"
+#include "model/object_tree.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace {
+
+struct font_t {
+    object_t *object = nullptr;
+    std::string path; // as the preference named it
+};
+font_t &font()
+{
+    static font_t loaded;
+    return loaded;
+}
+
+std::string found_file(const char *filename)
+{
+    if (filename_is_absolute(filename) || vesk_file_exists(filename) != 0)
+        return filename;
+    return vesk_filename_concat_path_file(vesk_get_vesk_homedir(), filename);
+}
+
+bool font_is_ready()
+{
+    const std::string path = prefs.fontpath ? prefs.fontpath : "";
+    if (font().object && font().path == path)
+        return true;
+    console_printf("Loading font file '%s'\n", path.c_str());
+    return load_font_object(path.c_str()) != 0;
+}
+
+// Length of the UTF-8 character at the start of `text`; 0 when there is none of that form.
+std::size_t utf8_length(std::string_view text)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    std::size_t length = 1;
+    if (byte(0) >= 0xF0) {
+        length = 4;
+    } else if (byte(0) >= 0xE0) {
+        length = 3;
+    } else if (byte(0) >= 0xC0) {
+        length = 2;
+    } else if (byte(0) >= 0x80) {
+        return 0;
+    }
+    if (length > text.size())
+        return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0) != 0x80)
+            return 0;
+    }
+    return length;
+}
+
+// Takes the first character off `text`, as UTF-8. A byte that begins none stands for the Latin-1
+// character of its code.
+std::string take_character(std::string_view *text)
+{
+    const std::size_t length = utf8_length(*text);
+    std::string character(text->substr(0, std::max<std::size_t>(length, 1)));
+    text->remove_prefix(character.size());
+    if (length == 0) {
+        const auto code = static_cast<unsigned char>(character[0]);
+        character = {static_cast<char>(0xC0 | (code >> 6)),
+                     static_cast<char>(0x80 | (code & 0x3F))};
+    }
+    return character;
+}
+
+// Where the next glyph goes.
+struct pen_t {
+    point3_t place = {0, 0, 0};
+    float line_height = 0;
+};
+
+void add_glyph(object_t *text, object_t *glyph, pen_t *pen)
+{
+    const point3_t origin = {0, 0, 0};
+    object_t *clone = object_clone(glyph);
+    object_add_child(text, clone);
+    translate_object_abs(clone, &origin);
+    translate_object_abs(clone, &pen->place);
+    const point3_t size = find_object_size(clone);
+    pen->place.x += size.x + static_cast<float>(prefs.font_char_offset);
+    pen->line_height = std::max(pen->line_height, size.y);
+}
+
+} // namespace
+
+int load_font_object(const char *filename)
+{
+    const std::string path = filename; // may be the kept one
+    if (font().object)
+        object_free(font().object);
+    font() = {};
+    const current_file_t kept = current_file(); // a font is not what is being edited
+    font().object = vesk_import_vesk(found_file(path.c_str()).c_str());
+    current_file() = kept;
+    if (!font().object)
+        return 0;
+    font().path = path;
+    return 1;
+}
+
+object_t *find_named_object(object_t *top, const char *name)
+{
+    return find_object_where(top, [&](const object_t *object) {
+        return object != top && object->name && std::strcmp(object->name, name) == 0;
+    });
+}
+
+object_t *create_text(const char *text)
+{
+    constexpr float blank_width = 0.5f;
+    const std::string whole = text;
+    if (!font_is_ready()) {
+        console_printf("create_text: no font loaded\n");
+        return nullptr;
+    }
+    object_t *object = new_group();
+    object_set_name(object, whole.c_str());
+    pen_t pen;
+    for (std::string_view rest = whole; !rest.empty();) {
+        const std::string character = take_character(&rest);
+        if (character == "\n") {
+            pen.place.x = 0;
+            pen.place.y -= pen.line_height;
+        } else if (character == " ") {
+            pen.place.x += blank_width;
+        } else if (object_t *glyph = find_named_object(font().object, character.c_str())) {
+            add_glyph(object, glyph, &pen);
+        } else {
+            console_printf("no font char for %s\n", character.c_str());
+        }
+    }
+    if (!object->children) {
+        console_printf("no chars created\n");
+        object_free(object);
+        return nullptr;
+    }
+    return object;
+}
+
+void text_objects_reset_for_test()
+{
+    if (font().object)
+        object_free(font().object);
+    font() = {};
+}
+
+// ---- commands ----
+
+void add_text(const char *text) { link_created(create_text(text), "add text"); }

@@ -1,0 +1,117 @@
+#include "program/command_watch.h"
+
+#include "base/command_registry.h"
+#include "base/crash_guard.h"
+#include "base/filename.h"
+#include "base/session_state.h"
+#include "edit/document/journal.h"
+#include "edit/document/undo_internal.h"
+#include "fileio/rescue.h"
+#include "model/change_marks.h"
+#include "model/freed.h"
+#include "model/world.h"
+#include "model/world_check.h"
+#include "view/interaction.h"
+#include "view/tool_left.h"
+#include "view/uv_view.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace {
+
+struct watch_t {
+    unsigned serial = 0; // of the undo records, when the running command began
+    std::string label;   // of its step in the history, when it opens no record
+};
+watch_t &running()
+{
+    static watch_t watch;
+    return watch;
+}
+
+// Commands that "repeat_last" does not repeat.
+constexpr std::string_view not_repeated[] = {
+    "clear_all",        "file_load",        "file_save",     "history_goto",  "load_file",
+    "load_file_select", "load_vesk",        "plugin_load",   "recovery_drop", "redo",
+    "repeat_last",      "save_vesk",        "step_back",     "take_back",     "transform_about",
+    "transform_begin",  "transform_cancel", "transform_end", "transform_to",  "undo",
+};
+
+bool is_repeated(const vesk_command_t *command)
+{
+    return command_kind_of(command) == command_kind::edit &&
+           std::find(std::begin(not_repeated), std::end(not_repeated), command->name) ==
+               std::end(not_repeated);
+}
+
+// "load cube.vesk" for a load, nothing for commands that are not meant to change anything.
+std::string label_of(const vesk_command_t *command, int count, const char *const *words)
+{
+    const std::string_view name = command->name;
+    if (count == 2 && (name == "load_file" || name == "load_vesk" || name == "file_load"))
+        return std::string("load ") + vesk_filename_get_file(words[1]);
+    if (command_kind_of(command) != command_kind::edit)
+        return "change";
+    std::string words_of_name = command->name;
+    std::replace(words_of_name.begin(), words_of_name.end(), '_', ' ');
+    return words_of_name;
+}
+
+void before_command(const vesk_command_t *command, int count, const char *const *words)
+{
+    if (command_kind_of(command) == command_kind::edit &&
+        !std::string_view(command->name).starts_with("transform_")) {
+        left_tool_interrupt();
+        uv_view_cancel();
+    }
+    const bool outermost = session().command_depth == 0;
+    if (outermost) {
+        journal_begin();
+        running().serial = undo_last_serial();
+        running().label = label_of(command, count, words);
+        journal_note_words({});
+    }
+    if (is_repeated(command) && (outermost || std::string_view(session().command) == "repeat_last"))
+        journal_note_words({words, words + count});
+}
+
+void after_command(const vesk_command_t *command, bool whole)
+{
+    if (command_is_foreign(command) || !whole) {
+        mark_all_suspect();
+        freed_filter_foreign();
+    }
+#ifdef VESK_CHECK_MARKS
+    else
+        marks_check(command->name);
+#endif
+    if (session().command_depth > 0)
+        return;
+    if (whole) {
+        journal_step(running().label.c_str());
+    } else {
+        journal_step_after_fault(running().label.c_str());
+    }
+    running().serial = undo_last_serial();
+    rescue_tell_failure();
+}
+
+void after_fault()
+{
+    interaction_forget();
+    uv_view_forget();
+    journal_reset_after_fault();
+    world_check(vesk_get_world());
+    undo_drop_unfilled(running().serial);
+    rescue_write();
+}
+
+} // namespace
+
+void command_watch_install()
+{
+    command_registry_set_hooks({.before = before_command, .after = after_command});
+    crash_guard::set_after_fault(after_fault);
+}

@@ -1,0 +1,68 @@
+// Commands of the model check.
+
+#include "base/command_result.h"
+#include "base/command_row.h"
+#include "base/numbers.h"
+#include "edit/check/model_check_fix.h"
+#include "model/identity.h"
+#include "model/world.h"
+#include "program/added_commands.h"
+
+#include <string>
+
+namespace {
+
+// One line each: kind, object, element, text.
+void command_check_model()
+{
+    std::string lines;
+    for (const found_problem &problem : model_find_problems(vesk_get_world()).problems) {
+        if (!lines.empty())
+            lines += "\n";
+        lines += std::string(model_problem_name(problem.kind)) + " " +
+                 std::to_string(object_identity(problem.object)) + " " + problem_element(problem) +
+                 " " + problem_text(problem);
+    }
+    command_result_set(lines.c_str());
+}
+
+// Kind and number of each kind, those that check_model leaves out too.
+void command_check_counts()
+{
+    command_result_set("");
+    const model_findings found = model_find_problems(vesk_get_world());
+    for (int i = 0; i < num_model_problems; ++i) {
+        const auto kind = static_cast<model_problem>(i);
+        command_result_append_element(std::string_view(model_problem_name(kind)));
+        command_result_append_element(found.total(kind));
+    }
+}
+
+void check_select(int, const char *const *words)
+{
+    command_check_select(words[0], int_of(words[1]), words[2]);
+}
+
+void check_fix(int, const char *const *words)
+{
+    command_check_fix(words[0], int_of(words[1]), words[2]);
+}
+
+} // namespace
+
+void register_check_commands()
+{
+    const vesk_command_t rows[] = {
+        command_row("check_model", command_check_model, nullptr,
+                    "returns lines of kind, object id, element and text: problems of the model"),
+        command_row("check_counts", command_check_counts, nullptr,
+                    "returns each kind of problem and how many there are"),
+        command_row("check_fix_all", command_check_fix_all, "<string kind>",
+                    "fix all problems of a kind"),
+    };
+    for (const vesk_command_t &row : rows)
+        command_add_own(row);
+    constexpr const char *usage = "<string kind> <int object_id> <string element>";
+    command_add_words("check_select", check_select, 3, 3, usage, "select what a problem names");
+    command_add_words("check_fix", check_fix, 3, 3, usage, "fix a problem");
+}

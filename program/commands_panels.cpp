@@ -1,0 +1,201 @@
+// Commands of panels and dialogs: transforms and properties with an undo record.
+
+#include "base/command_result.h"
+#include "base/command_row.h"
+#include "base/messages.h"
+#include "base/numbers.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "edit/document/element_text.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection.h"
+#include "edit/insert_vertex.h"
+#include "edit/measure.h"
+#include "edit/object_place.h"
+#include "edit/object_properties.h"
+#include "edit/panel_transform.h"
+#include "edit/uv/uv_editor.h"
+#include "model/each.h"
+#include "model/flat_mesh.h"
+#include "model/identity.h"
+#include "model/object_tree.h"
+#include "model/palette.h"
+#include "model/textures/texture_preview.h"
+#include "model/world.h"
+#include "program/added_commands.h"
+#include "view/interaction.h"
+#include "view/pick.h"
+#include "view/ruler.h"
+#include "view/tool_extra.h"
+#include "view/views_internal.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+// What lies under a place of a view: its identity, nothing while a drag runs.
+void command_object_at(int view, int x, int y)
+{
+    if (view < 0 || view >= num_views || interaction_drag() != drag_kind::none) {
+        return;
+    }
+    const std::vector<pick_hit_t> hits =
+        pick_at(view, pick_kind::OBJECT, x, y, prefs.pick_pixel_range);
+    if (!hits.empty()) {
+        command_result_set(std::to_string(object_identity(hits.front().object)).c_str());
+    }
+}
+
+// Surfaces of each palette entry.
+void command_material_counts()
+{
+    std::vector<int> counts(static_cast<std::size_t>(vesk_get_num_palette()));
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        for (const flat_surface &surface : *object_flat(object)->surfaces) {
+            if (surface.material >= 0 && surface.material < static_cast<int>(counts.size()))
+                ++counts[static_cast<std::size_t>(surface.material)];
+        }
+    });
+    command_result_set("");
+    for (const int count : counts)
+        command_result_append_element(count);
+}
+
+// Selects every surface of a palette entry, of what is visible and unlocked.
+void command_material_select(int entry)
+{
+    if (entry < 0 || entry >= vesk_get_num_palette()) {
+        display_message("select material - no palette entry %d", entry);
+        return;
+    }
+    set_new_select_mode(SELECT_SURFACE);
+    clear_selection();
+    owned_list found;
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        if (object->visible == 0 || object->locked != 0)
+            return;
+        const flat_ptr mesh = object_flat(object);
+        for (std::size_t i = 0; i < mesh->surfaces->size(); ++i) {
+            if ((*mesh->surfaces)[i].material == entry)
+                found.add((*mesh->surface_records)[i]);
+        }
+    });
+    select_surfacelist(found.get());
+    redraw_all();
+    display_status();
+}
+
+// The outlines in the picture that the editor of texture coordinates would show: one element a
+// surface, 1 or 0 for whether all of it is chosen, then u v of its corners; at most so many.
+void command_uv_outlines(int most)
+{
+    const uv_state &state = uv_editor();
+    command_result_set("");
+    std::string line;
+    for (int s = 0; s < std::min(most, state.mesh.num_surfaces()); ++s) {
+        bool chosen = state.num_chosen > 0;
+        std::string corners;
+        for (int c = state.mesh.corners_begin(s); c < state.mesh.corners_end(s); ++c) {
+            const auto place = static_cast<std::size_t>(c);
+            chosen = chosen && state.chosen[place] != 0;
+            char text[64];
+            snprintf(text, sizeof text, " %.5g %.5g", static_cast<double>(state.mesh.at[place].u),
+                     static_cast<double>(state.mesh.at[place].v));
+            corners += text;
+        }
+        line = (chosen ? "1" : "0") + corners;
+        command_result_append_element(std::string_view(line));
+    }
+}
+
+// The number of the texture on what the editor would show, -1 for none.
+void command_uv_texture()
+{
+    const object_t *object = uv_picture_object();
+    const int id = object == nullptr || object->has_texture == 0 ? -1 : object->texture;
+    command_result_set(std::to_string(id).c_str());
+}
+
+void command_rotate_each(int, const char *const *words)
+{
+    rotate_each_with_undo(int_of(words[0]), finite_float_of(words[1]));
+}
+
+} // namespace
+
+void register_panel_commands()
+{
+    const vesk_command_t rows[] = {
+        command_row("move_with_undo", move_with_undo, "<float x> <float y> <float z>",
+                    "translate the selection, with an undo record"),
+        command_row("rotate_with_undo", rotate_with_undo,
+                    "<float rx-degs> <float ry-degs> <float rz-degs>",
+                    "rotate the selection about its middle, with an undo record"),
+        command_row("rotate_about_with_undo", rotate_about_with_undo,
+                    "<float rx-degs> <float ry-degs> <float rz-degs> <float x> <float y> <float z>",
+                    "rotate the selection about a point, with an undo record"),
+        command_row("rotate_axis_angle_with_undo", rotate_axis_angle_with_undo,
+                    "<float axis> <float angle>",
+                    "rotate the selection about an axis, with an undo record"),
+        command_row("resize_with_undo", resize_with_undo,
+                    "<float minx> <float miny> <float minz> <float maxx> <float maxy> <float maxz>",
+                    "bring the selection's box to these corners, with an undo record"),
+        command_row("select_elements", command_select_elements,
+                    "<string set, add or remove> <string elements>",
+                    "select objects (\"3 7\"), or vertices or surfaces of them (\"3:0-5,9 7:2\")"),
+        command_row("mirror_with_undo", mirror_with_undo, "<int axis>",
+                    "mirror the selection, with an undo record"),
+        command_row("object_at", command_object_at, "<view> <int x> <int y>",
+                    "returns the id of the object under a place of a view"),
+        command_row("transform_begin", panel_transform_begin, "<string move, rotate or scale>",
+                    "begin a transform that follows a number"),
+        command_row("transform_about", panel_transform_about, "<float x> <float y> <float z>",
+                    "the centre of the transform that rotates"),
+        command_row("transform_to", panel_transform_to, "<float x> <float y> <float z>",
+                    "how far the transform has come"),
+        command_row("transform_end", panel_transform_end, nullptr,
+                    "keep the transform, one undo record"),
+        command_row("transform_cancel", panel_transform_cancel, nullptr, "take the transform back"),
+    };
+    command_add_words("rotate_each_with_undo", command_rotate_each, 2, 2,
+                      "<int view> <float degrees>",
+                      "rotate each selected object about its own centre and the axis of a view");
+    command_add_words("insert_vertex_at", command_insert_vertex_at, 4, 4,
+                      "<int object_id> <int vertex> <int vertex> <float share>",
+                      "insert a vertex on the edge between two vertices, returns its place");
+    command_add_words("objects_place", command_objects_place, 3, 3,
+                      "<string object_ids> <int parent_object_id> <int before_object_id>",
+                      "make objects children of a parent in front of another, with an undo record");
+    command_add_words("objects_set", command_objects_set, 3, 3,
+                      "<string object_ids> <string name, url, data, visible or locked> "
+                      "<string value>",
+                      "set a property of objects, with an undo record");
+    const vesk_command_t tab_rows[] = {
+        command_row("material_counts", command_material_counts, nullptr,
+                    "returns the number of surfaces of each palette entry"),
+        command_row("material_select", command_material_select, "<int entrynum>",
+                    "select the surfaces of a palette entry"),
+        command_row("uv_outlines", command_uv_outlines, "<int most>",
+                    "returns the outlines that the editor of texture coordinates shows"),
+        command_row("uv_texture", command_uv_texture, nullptr,
+                    "returns the id of the texture that the editor shows, or -1"),
+        command_row("picture_photo", command_picture_photo, "<string file> <int size>",
+                    "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("set_view_tool", command_set_view_tool,
+                    "<string measure, insert_vertex or none>",
+                    "set a tool of the views beside the draw modes"),
+        command_row("measure_points", command_measure_points, "<string coordinates>",
+                    "lay the ruler between two or three points, tell distance or angle"),
+        command_row("get_measures", command_get_measures, nullptr,
+                    "returns what the selection measures"),
+        command_row("measure", command_measure, nullptr,
+                    "tell distances, angles, areas and volumes of the selection"),
+    };
+    for (const vesk_command_t &row : rows)
+        command_add_own(row);
+    for (const vesk_command_t &row : tab_rows)
+        command_add_own(row);
+}

@@ -1,0 +1,48 @@
+// Commands that keep work from getting lost: autosave, what earlier sessions left, backups.
+
+#include "base/command_result.h"
+#include "base/command_row.h"
+#include "fileio/backup.h"
+#include "fileio/rescue.h"
+#include "program/added_commands.h"
+
+#include <string>
+
+namespace {
+
+// 1 when a copy is being written, 0 when the last one still is, or there is nothing to write.
+void command_autosave(const char *file) { command_result_set(autosave_start(file) ? "1" : "0"); }
+
+// For each copy: file, seconds since 1970, the file that was being edited, its kind.
+void command_recovery_list()
+{
+    command_result_set("");
+    for (const recovery_copy &copy : recovery_copies()) {
+        const std::string words = list_element(copy.file) + " " + std::to_string(copy.written) +
+                                  " " + list_element(copy.original) + " " + copy.kind;
+        command_result_append_element(std::string_view(words));
+    }
+}
+
+void command_recovery_drop(const char *file)
+{
+    command_result_set(recovery_drop(file) ? "1" : "0");
+}
+
+} // namespace
+
+void register_safety_commands()
+{
+    const vesk_command_t rows[] = {
+        command_row("autosave", command_autosave, "<filename>",
+                    "write a copy of the model beside the work, empty name: the session's copy"),
+        command_row("recovery_list", command_recovery_list, nullptr,
+                    "returns file, time, original, kind of copies that were left behind"),
+        command_row("recovery_drop", command_recovery_drop, "<filename>",
+                    "remove a copy that was left behind, returns 1 or 0"),
+        command_row("set_backup_versions", set_backup_versions, "<int versions>",
+                    "previous versions that file_save keeps"),
+    };
+    for (const vesk_command_t &row : rows)
+        command_add_own(row);
+}

@@ -1,0 +1,191 @@
+#include "shell/uv_window_tk.h"
+
+#include "base/command_result.h"
+#include "base/command_row.h"
+#include "base/entry_guard.h"
+#include "base/messages.h"
+#include "base/messages_internal.h"
+#include "base/ui_port.h"
+#include "draw/draw_device_gl.h"
+#include "draw/draw_uv_gl.h"
+#include "shell/bridge_tk.h"
+#include "view/uv_view.h"
+#include "view/views_internal.h"
+
+#include <togl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+struct window_t {
+    Togl *togl = nullptr;
+    bool drawing = false;
+};
+window_t window;
+
+void draw()
+{
+    if (window.togl == nullptr || window.drawing || !Tk_IsMapped(Togl_TkWin(window.togl)))
+        return;
+    window.drawing = true;
+    guarded_entry([] {
+        Togl_MakeCurrent(window.togl);
+        draw_uv_view(Togl_Width(window.togl), Togl_Height(window.togl));
+        Togl_SwapBuffers(window.togl);
+    });
+    window.drawing = false;
+}
+
+// ---- events ----
+
+pointer_event_t pointer_of(int x, int y, unsigned button, unsigned state)
+{
+    return {texture_coords_view,    x, y, static_cast<int>(button), static_cast<int>(state),
+            ui_port().now_seconds()};
+}
+
+void on_press(ClientData, XEvent *event)
+{
+    const XButtonEvent &b = event->xbutton;
+    if (b.button == 4 || b.button == 5) {
+        guarded_entry([&] {
+            constexpr double notch = 1.2;
+            uv_view_zoom(b.button == 4 ? notch : 1 / notch, b.x, b.y);
+        });
+    } else if (b.button < 4) {
+        guarded_entry([&] { uv_view_press(pointer_of(b.x, b.y, b.button, b.state)); });
+    }
+}
+
+void on_release(ClientData, XEvent *event)
+{
+    const XButtonEvent &b = event->xbutton;
+    if (b.button < 4)
+        guarded_entry([&] { uv_view_release(pointer_of(b.x, b.y, b.button, b.state)); });
+}
+
+void on_motion(ClientData, XEvent *event)
+{
+    const XMotionEvent &m = event->xmotion;
+    guarded_entry([&] {
+        uv_view_motion(pointer_of(m.x, m.y, 0, m.state));
+        const flat_uv at = uv_from_screen(m.x, m.y);
+        const uv_pixels pixels = uv_picture_size();
+        tcl_command("uvedit_pointer %.4f %.4f %.0f %.0f", static_cast<double>(at.u),
+                    static_cast<double>(at.v), at.u * pixels.width, at.v * pixels.height);
+    });
+}
+
+// ---- widget callbacks ----
+
+int display_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
+{
+    draw();
+    return TCL_OK;
+}
+
+int reshape_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
+{
+    if (window.togl != nullptr)
+        guarded_entry([] { uv_view_resize(Togl_Width(window.togl), Togl_Height(window.togl)); });
+    return TCL_OK;
+}
+
+int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
+{
+    guarded_entry([] { uv_view_cancel(); });
+    window.togl = nullptr;
+    draw_uv_forget();
+    return TCL_OK;
+}
+
+int bind_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = nullptr;
+    if (argc != 2 || Togl_GetToglFromObj(interp, argv[1], &togl) != TCL_OK) {
+        Tcl_SetObjResult(interp, Tcl_NewStringObj("uv_bind: expected a togl widget", -1));
+        return TCL_ERROR;
+    }
+    const char *const path = Tcl_GetString(argv[1]);
+    window.togl = togl;
+    const Tk_Window tk = Togl_TkWin(togl);
+    Tk_CreateEventHandler(tk, ButtonPressMask, on_press, nullptr);
+    Tk_CreateEventHandler(tk, ButtonReleaseMask, on_release, nullptr);
+    Tk_CreateEventHandler(tk, PointerMotionMask, on_motion, nullptr);
+    Tcl_CreateObjCommand(interp, "::vesk::uv_display", display_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, "::vesk::uv_reshape", reshape_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, "::vesk::uv_destroy", destroy_command, nullptr, nullptr);
+    tcl_command("%s configure -displaycommand ::vesk::uv_display -reshapecommand "
+                "::vesk::uv_reshape -destroycommand ::vesk::uv_destroy",
+                path);
+    const VESKView *first = vesk_get_view(VIEW_XY);
+    if (first != nullptr && first->togl != nullptr &&
+        Togl_ContextTag(togl) != Togl_ContextTag(static_cast<Togl *>(first->togl)))
+        console_printf("the OpenGL window %s does not share its objects with the views\n", path);
+    guarded_entry([&] { uv_view_resize(Togl_Width(togl), Togl_Height(togl)); });
+    return TCL_OK;
+}
+
+// ---- for tests and measuring ----
+
+void save_picture(const char *name)
+{
+    if (window.togl == nullptr)
+        return;
+    const int width = Togl_Width(window.togl), height = Togl_Height(window.togl);
+    const auto row = static_cast<std::size_t>(width) * 3;
+    std::vector<unsigned char> rgb(row * static_cast<std::size_t>(height));
+    Togl_MakeCurrent(window.togl);
+    draw_uv_view(width, height);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, rgb.data());
+    Togl_SwapBuffers(window.togl);
+    std::FILE *file = std::fopen(name, "wb");
+    if (file == nullptr) {
+        display_message("can't write the picture %s", name);
+        return;
+    }
+    std::fprintf(file, "P6\n%d %d\n255\n", width, height);
+    for (int y = height - 1; y >= 0; --y)
+        std::fwrite(rgb.data() + row * static_cast<std::size_t>(y), 1, row, file);
+    std::fclose(file);
+}
+
+// Milliseconds a picture.
+void benchmark(int frames)
+{
+    if (window.togl == nullptr)
+        return;
+    const int count = std::clamp(frames, 1, 1000);
+    draw();
+    const double started = ui_port().now_seconds();
+    for (int i = 0; i < count; ++i) {
+        uv_view_pan(i % 2 == 0 ? 3 : -3, 0);
+        draw();
+        glFinish();
+    }
+    command_result_appendf("%.2f", (ui_port().now_seconds() - started) * 1000.0 / count);
+}
+
+} // namespace
+
+void uv_window_post_redisplay()
+{
+    if (window.togl != nullptr)
+        Togl_PostRedisplay(window.togl);
+}
+
+Tk_Window uv_window_tk() { return window.togl != nullptr ? Togl_TkWin(window.togl) : nullptr; }
+
+void register_uv_window()
+{
+    Tcl_CreateObjCommand(bridge_interp(), "::vesk::uv_bind", bind_command, nullptr, nullptr);
+    command_add_own(command_row("uv_view_save_picture", save_picture, "<file.ppm>",
+                                "save what the window of texture coordinates shows"));
+    command_add_own(command_row("uv_view_benchmark", benchmark, "<frames>",
+                                "milliseconds a picture of the window of texture coordinates"));
+}

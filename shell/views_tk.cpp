@@ -1,0 +1,464 @@
+#include "shell/views_tk.h"
+
+#include "base/command_registry.h"
+#include "base/entry_guard.h"
+#include "base/messages_internal.h"
+#include "base/prefs.h"
+#include "base/redraw.h"
+#include "base/ui_port.h"
+#include "draw/draw_device_gl.h"
+#include "draw/draw_textures_gl.h"
+#include "draw/draw_view_gl.h"
+#include "shell/bridge_tk.h"
+#include "shell/uv_window_tk.h"
+#include "shell/view_commands_tk.h"
+#include "view/camera.h"
+#include "view/interaction.h"
+#include "view/views_internal.h"
+
+#include <togl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+// A little more than the end of a motion takes to be known.
+constexpr int settle_msecs = 160;
+
+constexpr double never = 1e300;
+
+struct widgets_t {
+    Tcl_TimerToken settle = nullptr;
+    double settle_at[num_views] = {never, never, never, never}; // when a view is drawn in full
+    Tcl_TimerToken tick = nullptr;
+    bool drawing[num_views] = {};
+};
+widgets_t widgets;
+
+Togl *togl_of(int view)
+{
+    const VESKView *record = vesk_get_view(view);
+    return record != nullptr ? static_cast<Togl *>(record->togl) : nullptr;
+}
+
+Tk_Window window_of(int view)
+{
+    const VESKView *record = vesk_get_view(view);
+    return record != nullptr ? static_cast<Tk_Window>(record->tk_window) : nullptr;
+}
+
+// View id + 1 as the widget's client data: null means that it is not bound yet.
+int view_of(const Togl *togl)
+{
+    return static_cast<int>(reinterpret_cast<intptr_t>(Togl_GetClientData(togl))) - 1;
+}
+
+// ---- drawing ----
+
+void settle(ClientData);
+
+// A view that left something out is drawn in full when nothing has happened to it for a while.
+void draw_again(int view)
+{
+    widgets.settle_at[view] = ui_port().now_seconds() + settle_msecs / 1000.0;
+    if (widgets.settle == nullptr)
+        widgets.settle = Tcl_CreateTimerHandler(settle_msecs, settle, nullptr);
+}
+
+void draw(int view, bool in_full)
+{
+    Togl *togl = togl_of(view);
+    if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
+        return;
+    widgets.settle_at[view] = never;
+    widgets.drawing[view] = true; // a box shown from inside lets events in
+    Togl_MakeCurrent(togl);
+    fault_t fault;
+    const bool drawn = guarded_with_recovery(
+        [&] {
+            const int width = Togl_Width(togl);
+            const int height = Togl_Height(togl);
+            // Software drivers learn of a window's new size with the first picture in it.
+            if (draw_view_blank(view, width, height))
+                Togl_SwapBuffers(togl);
+            draw_view(view, width, height, ui_port().now_seconds(), in_full);
+            Togl_SwapBuffers(togl);
+        },
+        &fault);
+    widgets.drawing[view] = false;
+    if (!drawn) {
+        draw_view_distrust(view);
+        tell_main_fault(fault);
+    } else if (drawn_view_is_partial(view)) {
+        draw_again(view);
+    }
+}
+
+// One view at a time: full pictures of a large model are slow, and events come between them.
+void settle(ClientData)
+{
+    const auto first = std::min_element(widgets.settle_at, widgets.settle_at + num_views);
+    if (*first <= ui_port().now_seconds())
+        draw(static_cast<int>(first - widgets.settle_at), true);
+    const double next = *std::min_element(widgets.settle_at, widgets.settle_at + num_views);
+    const double msecs = (next - ui_port().now_seconds()) * 1000;
+    widgets.settle =
+        next == never
+            ? nullptr
+            : Tcl_CreateTimerHandler(std::max(1, static_cast<int>(msecs) + 1), settle, nullptr);
+}
+
+// ---- continuous motion ----
+
+void tick(ClientData);
+
+void keep_ticking()
+{
+    const int msecs = interaction_tick_msecs();
+    if (msecs > 0 && widgets.tick == nullptr)
+        widgets.tick = Tcl_CreateTimerHandler(msecs, tick, nullptr);
+}
+
+void tick(ClientData)
+{
+    widgets.tick = nullptr;
+    guarded_entry([] { interaction_tick(ui_port().now_seconds()); });
+    keep_ticking();
+}
+
+// ---- events ----
+
+int view_of_client(ClientData data) { return static_cast<int>(reinterpret_cast<intptr_t>(data)); }
+
+pointer_event_t pointer_of(int view, const XButtonEvent &button)
+{
+    return {view,
+            button.x,
+            button.y,
+            static_cast<int>(button.button),
+            static_cast<int>(button.state),
+            ui_port().now_seconds()};
+}
+
+void on_press(ClientData data, XEvent *event)
+{
+    const XButtonEvent &button = event->xbutton;
+    const int view = view_of_client(data);
+    if (button.button > 3) {
+        // The scripts bind the wheel to "zoomview", which leaves the walking viewer alone.
+        if (view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0 && button.button <= 5)
+            guarded_entry([&] { interaction_wheel(view, button.button == 4 ? 1 : -1); });
+        return;
+    }
+    guarded_entry([&] { interaction_press(pointer_of(view, button)); });
+    keep_ticking();
+}
+
+void on_release(ClientData data, XEvent *event)
+{
+    const XButtonEvent &button = event->xbutton;
+    if (button.button > 3)
+        return;
+    guarded_entry([&] { interaction_release(pointer_of(view_of_client(data), button)); });
+    keep_ticking();
+}
+
+void on_motion(ClientData data, XEvent *event)
+{
+    const XMotionEvent &motion = event->xmotion;
+    const pointer_event_t pointer = {
+        view_of_client(data),   motion.x, motion.y, 0, static_cast<int>(motion.state),
+        ui_port().now_seconds()};
+    guarded_entry([&] { interaction_motion(pointer); });
+}
+
+void on_enter(ClientData data, XEvent *)
+{
+    guarded_entry([&] { interaction_enter(view_of_client(data)); });
+}
+
+void on_leave(ClientData data, XEvent *)
+{
+    guarded_entry([&] { interaction_leave(view_of_client(data)); });
+}
+
+// ---- widget callbacks ----
+
+void take_size(Togl *togl, int view)
+{
+    int x = 0;
+    int y = 0;
+    Tk_GetRootCoords(Togl_TkWin(togl), &x, &y);
+    view_set_position(view, x, y);
+    handle_resize(view, Togl_Width(togl), Togl_Height(togl));
+}
+
+Togl *togl_argument(Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = nullptr;
+    if (argc < 2 || Togl_GetToglFromObj(interp, argv[1], &togl) != TCL_OK)
+        return nullptr;
+    return togl;
+}
+
+int display_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = togl_argument(interp, argc, argv);
+    if (togl != nullptr)
+        redisplay(togl);
+    return TCL_OK;
+}
+
+int reshape_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = togl_argument(interp, argc, argv);
+    if (togl == nullptr) {
+        debugf("togl is null!\n");
+        return TCL_OK;
+    }
+    const int view = view_of(togl);
+    if (view != VIEW_NONE)
+        guarded_entry([&] { take_size(togl, view); });
+    return TCL_OK;
+}
+
+// A widget that goes (with its window) is no longer drawn into.
+int destroy_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
+{
+    Togl *togl = togl_argument(interp, argc, argv);
+    const int view = togl != nullptr ? view_of(togl) : VIEW_NONE;
+    if (view != VIEW_NONE) {
+        VESKView *record = vesk_get_view(view);
+        record->togl = nullptr;
+        record->tk_window = nullptr;
+        record->bound = 0;
+    }
+    return TCL_OK;
+}
+
+constexpr const char *display_name = "::vesk::togl_display";
+constexpr const char *reshape_name = "::vesk::togl_reshape";
+constexpr const char *destroy_name = "::vesk::togl_destroy";
+
+void install_callbacks(const char *widget)
+{
+    Tcl_Interp *interp = bridge_interp();
+    tcl_command("namespace eval ::vesk {}");
+    Tcl_CreateObjCommand(interp, display_name, display_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, reshape_name, reshape_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp, destroy_name, destroy_command, nullptr, nullptr);
+    tcl_command("%s configure -displaycommand %s -reshapecommand %s -destroycommand %s", widget,
+                display_name, reshape_name, destroy_name);
+}
+
+// Buffers and textures are made once: a widget that does not share would show nothing.
+void check_sharing()
+{
+    for (int view = 1; view < num_views; ++view)
+        if (Togl_ContextTag(togl_of(view)) != Togl_ContextTag(togl_of(0)))
+            console_printf("the OpenGL window %s does not share its objects with %s\n",
+                           vesk_get_view(view)->name, vesk_get_view(0)->name);
+}
+
+[[noreturn]] void fail(const char *format, const char *what)
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+    console_printf(format, what);
+#pragma GCC diagnostic pop
+    bridge_exit(1);
+}
+
+// Where the main window's frame stands, which is what "wm geometry" sets; the window itself lies
+// inside it, and would wander at every start.
+bool place_of_frame(int out_xy[2])
+{
+    Tcl_Interp *interp = bridge_interp();
+    Tcl_InterpState state = Tcl_SaveInterpState(interp, TCL_OK);
+    const bool found =
+        Tcl_Eval(interp, "wm geometry .") == TCL_OK &&
+        std::sscanf(Tcl_GetStringResult(interp), "%*dx%*d+%d+%d", &out_xy[0], &out_xy[1]) == 2;
+    Tcl_RestoreInterpState(interp, state);
+    return found;
+}
+
+} // namespace
+
+void views_tk_fill_port(ui_port_t &port)
+{
+    port.post_redisplay = [](int view) {
+        if (view == texture_coords_view)
+            uv_window_post_redisplay();
+        else if (togl_of(view) != nullptr)
+            Togl_PostRedisplay(togl_of(view));
+    };
+    port.draw_now = [](int view) { draw(view, false); };
+    port.make_current = platform_make_window_current;
+    port.read_pixels = views_tk_read_pixels;
+    port.swap_buffers = [](int view) {
+        if (togl_of(view) != nullptr)
+            Togl_SwapBuffers(togl_of(view));
+    };
+    port.texture_upload = [](VESKImage *image) {
+        if (togl_of(VIEW_XYZ) == nullptr)
+            return false;
+        platform_make_window_current(VIEW_XYZ);
+        return texture_upload_gl(image);
+    };
+    port.texture_release = [](VESKImage *image) {
+        platform_make_window_current(VIEW_XYZ);
+        if (togl_of(VIEW_XYZ) != nullptr)
+            texture_release_gl(image);
+    };
+    port.set_cursor = [](int view, const char *cursor) {
+        const Tk_Window window = view == texture_coords_view ? uv_window_tk() : window_of(view);
+        if (window == nullptr)
+            return;
+        if (cursor == nullptr) {
+            Tk_UndefineCursor(window);
+            return;
+        }
+        const Tk_Cursor shape = Tk_GetCursor(bridge_interp(), window, Tk_GetUid(cursor));
+        if (shape != nullptr)
+            Tk_DefineCursor(window, shape);
+    };
+}
+
+void views_tk_draw_in_full(int view) { draw(view, true); }
+
+bool views_tk_geometry(int view, int out[4])
+{
+    const Tk_Window window = view == VIEW_MAIN ? Tk_MainWindow(bridge_interp()) : window_of(view);
+    if (window == nullptr)
+        return false;
+    if (view != VIEW_MAIN || !place_of_frame(out))
+        Tk_GetRootCoords(window, &out[0], &out[1]);
+    out[2] = Tk_Width(window);
+    out[3] = Tk_Height(window);
+    return true;
+}
+
+bool views_tk_read_pixels(int view, int out_wh[2], std::vector<unsigned char> *rgb)
+{
+    Togl *togl = togl_of(view);
+    if (togl == nullptr)
+        return false;
+    const int width = out_wh[0] = Togl_Width(togl);
+    const int height = out_wh[1] = Togl_Height(togl);
+    Togl_MakeCurrent(togl);
+    draw_view(view, width, height, ui_port().now_seconds(), true);
+    const size_t row = static_cast<size_t>(width) * 3;
+    rgb->resize(row * static_cast<size_t>(height));
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, rgb->data());
+    Togl_SwapBuffers(togl);
+    for (int y = 0; y < height / 2; ++y) { // the driver's rows begin below
+        const auto top = rgb->begin() + static_cast<std::ptrdiff_t>(row) * y;
+        const auto bottom = rgb->begin() + static_cast<std::ptrdiff_t>(row) * (height - 1 - y);
+        std::swap_ranges(top, top + static_cast<std::ptrdiff_t>(row), bottom);
+    }
+    return true;
+}
+
+bool views_tk_save_picture(int view, const char *ppm_file)
+{
+    int size[2] = {};
+    std::vector<unsigned char> pixels;
+    if (!views_tk_read_pixels(view, size, &pixels))
+        return false;
+    std::FILE *file = std::fopen(ppm_file, "wb");
+    if (file == nullptr)
+        return false;
+    std::fprintf(file, "P6\n%d %d\n255\n", size[0], size[1]);
+    std::fwrite(pixels.data(), 1, pixels.size(), file);
+    return std::fclose(file) == 0;
+}
+
+void make_tcl_window(int x, int y, int width, int height, const char *, int view)
+{
+    const char *element = view_short_name(view);
+    const char *widget = ui_port().get_element("ToglWinName", element);
+    if (widget == nullptr)
+        fail("can't get value for TCL variable %s\n",
+             (std::string("ToglWinName(") + element + ")").c_str());
+    const std::string name = widget;
+    const Tk_Window window =
+        Tk_NameToWindow(bridge_interp(), name.c_str(), Tk_MainWindow(bridge_interp()));
+    if (window == nullptr)
+        fail("failed to get Tk windows ID for window named %s\n", name.c_str());
+    Togl *togl = nullptr;
+    if (Togl_GetToglFromName(bridge_interp(), name.c_str(), &togl) != TCL_OK)
+        fail("can't get togl id for window %s - it looks like the OpenGL window may have failed "
+             "to open/initialize\n",
+             name.c_str());
+    view_bind(view, name.c_str(), togl, window);
+    Togl_SetClientData(togl, reinterpret_cast<ClientData>(static_cast<intptr_t>(view) + 1));
+    const auto client = reinterpret_cast<ClientData>(static_cast<intptr_t>(view));
+    // One function each: a second handler with the same function would replace the first.
+    Tk_CreateEventHandler(window, ButtonPressMask, on_press, client);
+    Tk_CreateEventHandler(window, ButtonReleaseMask, on_release, client);
+    Tk_CreateEventHandler(window, PointerMotionMask, on_motion, client);
+    Tk_CreateEventHandler(window, EnterWindowMask, on_enter, client);
+    Tk_CreateEventHandler(window, LeaveWindowMask, on_leave, client);
+    install_callbacks(name.c_str());
+    // The widget was shaped before it was bound; files named on the command line are fitted soon.
+    view_set_position(view, x, y);
+    handle_resize(view, width, height);
+    take_size(togl, view);
+}
+
+void create_ui(void)
+{
+    make_tcl_window(prefs.frontwin_x, prefs.frontwin_y, prefs.frontwin_width, prefs.frontwin_height,
+                    prefs.window_label_xy, VIEW_XY);
+    make_tcl_window(prefs.sidewin_x, prefs.sidewin_y, prefs.sidewin_width, prefs.sidewin_height,
+                    prefs.window_label_zy, VIEW_ZY);
+    make_tcl_window(prefs.planwin_x, prefs.planwin_y, prefs.planwin_width, prefs.planwin_height,
+                    prefs.window_label_xz, VIEW_XZ);
+    make_tcl_window(prefs.win3d_x, prefs.win3d_y, prefs.win3d_width, prefs.win3d_height,
+                    prefs.window_label_xyz, VIEW_XYZ);
+    register_view_commands();
+    register_uv_window();
+    check_sharing();
+    constexpr double points_of_pixel = 72.0 / 96.0;
+    const std::string scaling = tcl_command("tk scaling");
+    view_set_interface_scale(
+        std::max(0.75, std::strtod(scaling.c_str(), nullptr) * points_of_pixel));
+}
+
+void init_ui(int, char **) {}
+
+void platform_make_window_current(int view)
+{
+    if (togl_of(view) != nullptr)
+        Togl_MakeCurrent(togl_of(view));
+}
+
+void set_draw_win(int view)
+{
+    Togl *togl = togl_of(view);
+    if (togl == nullptr)
+        return;
+    Togl_MakeCurrent(togl);
+    set_current_draw_win(view);
+    glViewport(0, 0, Togl_Width(togl), Togl_Height(togl));
+    use_pixel_projection(Togl_Width(togl), Togl_Height(togl));
+}
+
+void redisplay(void *togl)
+{
+    const int view = view_of(static_cast<Togl *>(togl));
+    if (view != VIEW_NONE)
+        draw(view, false);
+}
+
+void expose(int view, void *x_event)
+{
+    if (static_cast<XEvent *>(x_event)->xexpose.count == 0)
+        request_redisplay(view);
+}

@@ -1,0 +1,4 @@
+target_sources(vesk_tests PRIVATE
+    draw/material_ball_test.cpp
+    draw/mesh_layout_test.cpp
+)

@@ -1,0 +1,6 @@
+target_sources(vesk_tests PRIVATE
+    program/absurd_arguments_test.cpp
+    program/bounds_test.cpp
+    program/command_test.cpp
+    program/commands_test.cpp
+)

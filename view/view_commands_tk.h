@@ -1,7 +1,0 @@
-#ifndef VESK_VIEW_VIEW_COMMANDS_TK_H
-#define VESK_VIEW_VIEW_COMMANDS_TK_H
-
-// Adds the commands that need the windows: pictures of a view and its speed.
-void register_view_commands();
-
-#endif
