@@ -1,7 +1,6 @@
 // Snapping: points to the grid, vertices to each other, objects by their vertices.
 
 #include "edit/snap.h"
-#include "view/near_snap.h"
 
 #include "base/prefs.h"
 #include "edit/document/selection_internal.h"
@@ -14,6 +13,7 @@
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
+#include "view/near_snap.h"
 
 #include <cmath>
 #include <limits>

@@ -20,7 +20,7 @@ proc mock_preferences {file} {
     }
     close $channel
 }
-mock_preferences [file join $mock_root app prefs_rows.inc]
+mock_preferences [file join $mock_root base prefs_rows.inc]
 set vesk_version_string "VESK v3.6"
 foreach {name value} {viewsetting all undo_count 0 objects_are_hidden 0 objects_are_locked 0
         person_walk_vehicle 0 unsaved_changes 0 escape_pressed 0} {set ::$name $value}
