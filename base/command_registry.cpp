@@ -126,18 +126,15 @@ bool convert(char letter, const char *word, slot_t *slot)
 // ---- the records ----
 
 struct added_t {
-    vesk_command_t record;
+    own_command_t command;
     std::string name;
     std::optional<std::string> argtypes, usage, help;
     bool own;
-    command_words_t words = nullptr; // instead of the record's handler
-    int most = 0;                    // with `words`; the record's nargs is the fewest
 };
 
 struct registry_t {
-    std::span<vesk_command_t> rows;
-    std::unordered_map<std::string_view, vesk_command_t *> row_by_name;
-    std::unordered_map<std::string_view, command_kind> kinds;
+    std::span<own_command_t> rows;
+    std::unordered_map<std::string_view, own_command_t *> row_by_name;
     std::vector<std::unique_ptr<added_t>> added;
     std::unordered_map<std::string_view, added_t *> added_by_name; // the earliest of a name
     std::set<const vesk_command_t *> replaced;
@@ -160,39 +157,43 @@ std::optional<std::string> copy_of(const char *text)
     return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
 
-added_t *add(const vesk_command_t &row, bool own)
+void add(const own_command_t &command, bool own)
 {
+    const vesk_command_t &row = command.row;
     auto entry = std::make_unique<added_t>();
     entry->name = row.name;
     entry->argtypes = copy_of(row.argtypes);
     entry->usage = copy_of(row.usage);
     entry->help = copy_of(row.help);
     entry->own = own;
-    entry->record = {entry->name.c_str(),
-                     row.func,
-                     row.nargs,
-                     text_or_null(entry->argtypes),
-                     text_or_null(entry->usage),
-                     text_or_null(entry->help)};
+    entry->command = command;
+    entry->command.row = {entry->name.c_str(),
+                          row.func,
+                          row.nargs,
+                          text_or_null(entry->argtypes),
+                          text_or_null(entry->usage),
+                          text_or_null(entry->help)};
     registry().added_by_name.emplace(entry->name, entry.get());
     registry().added.push_back(std::move(entry));
-    return registry().added.back().get();
 }
 
-// The entry of a row that takes its arguments as texts, else null.
-const added_t *words_entry(const vesk_command_t *command)
+// The row of ours that holds a record; null for a record of a caller's own.
+const own_command_t *own_row_of(const vesk_command_t *command)
 {
-    const auto found = registry().added_by_name.find(command->name);
-    const bool fits = found != registry().added_by_name.end() &&
-                      &found->second->record == command && found->second->words != nullptr;
-    return fits ? found->second : nullptr;
+    const registry_t &all = registry();
+    if (const auto found = all.added_by_name.find(command->name);
+        found != all.added_by_name.end() && &found->second->command.row == command)
+        return found->second->own ? &found->second->command : nullptr;
+    const auto found = all.row_by_name.find(command->name);
+    return found != all.row_by_name.end() && &found->second->row == command ? found->second
+                                                                            : nullptr;
 }
 
 bool arity_fits(const vesk_command_t *command, int given)
 {
-    const added_t *entry = words_entry(command);
-    return entry == nullptr ? given == command->nargs
-                            : given >= command->nargs && given <= entry->most;
+    const own_command_t *own = own_row_of(command);
+    return own != nullptr && own->words != nullptr ? given >= command->nargs && given <= own->most
+                                                   : given == command->nargs;
 }
 
 void show_fault(const char *name, const fault_t &fault)
@@ -255,7 +256,7 @@ int do_command(int count, const char *const *words)
         command_result_set("command not found");
         return 0;
     }
-    if (command_kind_of(command) == command_kind::edit && session_is_busy()) {
+    if (command_kind_of(command) > command_kind::view && session_is_busy()) {
         command_result_set("busy");
         return 0;
     }
@@ -289,9 +290,9 @@ vesk_command_t *find_command(const char *name)
 {
     const registry_t &all = registry();
     if (const auto found = all.added_by_name.find(name); found != all.added_by_name.end())
-        return &found->second->record;
+        return &found->second->command.row;
     const auto found = all.row_by_name.find(name);
-    return found == all.row_by_name.end() ? nullptr : found->second;
+    return found == all.row_by_name.end() ? nullptr : &found->second->row;
 }
 
 int execute_command(int count, const char *const *words, vesk_command_t *command)
@@ -306,8 +307,8 @@ int execute_command(int count, const char *const *words, vesk_command_t *command
         command_result_set(text.c_str());
         return 0;
     }
-    if (const added_t *entry = words_entry(command)) {
-        entry->words(count - 1, words + 1);
+    if (const own_command_t *own = own_row_of(command); own != nullptr && own->words != nullptr) {
+        own->words(count - 1, words + 1);
         return 1;
     }
     slot_t slots[max_words] = {};
@@ -334,12 +335,12 @@ int execute_command(int count, const char *const *words, vesk_command_t *command
 void vesk_add_command_full(const char *name, vesk_command_func_t func, int nargs,
                            const char *argtypes, const char *usage, const char *help)
 {
-    add({name, func, nargs, argtypes, usage, help}, false);
+    add({{name, func, nargs, argtypes, usage, help}, command_kind::edit}, false);
 }
 
 void vesk_add_command(const char *name, vesk_command_func_t func)
 {
-    add({name, func, 0, nullptr, nullptr, "user command"}, false);
+    add({{name, func, 0, nullptr, nullptr, "user command"}, command_kind::edit}, false);
 }
 
 int vesk_replace_command_function(const char *name, vesk_command_func_t func)
@@ -356,40 +357,27 @@ void command_list(void)
 {
     command_result_set("");
     for (const auto &entry : registry().added)
-        append_list_line(entry->record);
-    for (const vesk_command_t &row : registry().rows)
-        append_list_line(row);
+        append_list_line(entry->command.row);
+    for (const own_command_t &own : registry().rows)
+        append_list_line(own.row);
 }
 
 void set_busy_cursor(int on) { ui_port().busy_cursor(on); }
 
-void command_registry_install(std::span<vesk_command_t> rows,
-                              std::span<const command_kind_row_t> kinds)
+void command_registry_install(std::span<own_command_t> rows)
 {
     registry_t &all = registry();
     all.rows = rows;
-    for (vesk_command_t &row : rows)
-        all.row_by_name.emplace(row.name, &row); // the topmost of a name stays
-    for (const command_kind_row_t &row : kinds)
-        all.kinds[row.name] = row.kind;
+    for (own_command_t &own : rows)
+        all.row_by_name.emplace(own.row.name, &own); // the topmost of a name stays
 }
 
-void command_add_words(const char *name, command_words_t handler, int fewest, int most,
-                       const char *usage, const char *help)
-{
-    added_t *entry = add({name, nullptr, fewest, nullptr, usage, help}, true);
-    entry->words = handler;
-    entry->most = most;
-}
-
-void command_add_own(const vesk_command_t &row) { add(row, true); }
+void command_add_own(const own_command_t &command) { add(command, true); }
 
 command_kind command_kind_of(const vesk_command_t *command)
 {
-    if (command_is_foreign(command))
-        return command_kind::edit;
-    const auto found = registry().kinds.find(command->name);
-    return found == registry().kinds.end() ? command_kind::edit : found->second;
+    const own_command_t *own = command_is_foreign(command) ? nullptr : own_row_of(command);
+    return own == nullptr ? command_kind::edit : own->kind;
 }
 
 bool command_is_foreign(const vesk_command_t *command)
@@ -398,7 +386,7 @@ bool command_is_foreign(const vesk_command_t *command)
     if (all.replaced.contains(command))
         return true;
     const auto found = all.added_by_name.find(command->name);
-    return found != all.added_by_name.end() && &found->second->record == command &&
+    return found != all.added_by_name.end() && &found->second->command.row == command &&
            !found->second->own;
 }
 

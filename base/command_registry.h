@@ -59,28 +59,42 @@ VESK_END_DECLS
 #include <span>
 #include <string_view>
 
-// What a row does to the model. Edits are refused ("busy") while they come from inside a pump of a
-// running handler; queries and view rows always work.
-enum class command_kind { query, view, edit };
-
-struct command_kind_row_t {
-    const char *name;
-    command_kind kind;
+// What a command does. What changes the model, the selection or the tool ends a running drag first,
+// and is refused ("busy") while it comes from inside a pump of a running handler; queries and views
+// always work.
+enum class command_kind {
+    query,  // changes nothing
+    view,   // changes what is shown, a setting or the clipboard
+    select, // changes the selection or the tool
+    edit,   // changes the model; "repeat_last" runs it again
+    once,   // the same, but is not repeated
+    part,   // an edit of the running drag, which goes on
 };
+inline bool changes_model(command_kind kind) { return kind >= command_kind::edit; }
+inline bool leaves_drag(command_kind kind)
+{
+    return kind <= command_kind::view || kind == command_kind::part;
+}
 
-// The built-in rows, in the order that "list" prints, and the rows that are no edits.
-void command_registry_install(std::span<vesk_command_t> rows,
-                              std::span<const command_kind_row_t> kinds);
-
-// Adds a row of our own whose number of arguments is free between two bounds and which gets its
+// The handler of a row whose number of arguments is free between two bounds and which gets its
 // arguments as texts: for what no template fits.
 using command_words_t = void (*)(int count, const char *const *words);
-void command_add_words(const char *name, command_words_t handler, int fewest, int most,
-                       const char *usage, const char *help);
 
-// Adds a row of our own after the built-in ones were installed; its kind as in the kinds table.
-void command_add_own(const vesk_command_t &row);
+// A row of ours, made by command_row (base/command_row.h).
+struct own_command_t {
+    vesk_command_t row;
+    command_kind kind;
+    command_words_t words = nullptr; // instead of the row's handler; its nargs is then the fewest
+    int most = 0;                    // arguments, with `words`
+};
 
+// The built-in rows, in the order that "list" prints.
+void command_registry_install(std::span<own_command_t> rows);
+
+// Adds a row of our own after the built-in ones were installed.
+void command_add_own(const own_command_t &command);
+
+// `edit` for handlers that are not ours.
 command_kind command_kind_of(const vesk_command_t *command);
 
 // True when the handler is not ours: added by a plug-in, or replaced.

@@ -28,15 +28,19 @@ struct letters {
 } // namespace command_row_detail
 
 template <class R, class... A>
-vesk_command_t command_row(const char *name, R (*handler)(A...), const char *usage = nullptr,
-                           const char *help = nullptr)
+own_command_t command_row(const char *name, R (*handler)(A...), command_kind kind,
+                          const char *usage = nullptr, const char *help = nullptr)
 {
-    return {name,
-            reinterpret_cast<vesk_command_func_t>(handler),
-            static_cast<int>(sizeof...(A)),
-            sizeof...(A) == 0 ? nullptr : command_row_detail::letters<A...>::text,
-            usage,
-            help};
+    return {{name, reinterpret_cast<vesk_command_func_t>(handler), static_cast<int>(sizeof...(A)),
+             sizeof...(A) == 0 ? nullptr : command_row_detail::letters<A...>::text, usage, help},
+            kind};
+}
+
+// A row whose handler gets between `fewest` and `most` words.
+inline own_command_t command_row(const char *name, command_words_t handler, command_kind kind,
+                                 int fewest, int most, const char *usage, const char *help)
+{
+    return {{name, nullptr, fewest, nullptr, usage, help}, kind, handler, most};
 }
 
 #endif

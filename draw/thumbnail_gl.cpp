@@ -132,6 +132,7 @@ void command_write_thumbnail(int size, const char *file)
 
 void register_thumbnail_command()
 {
-    command_add_own(command_row("write_thumbnail", command_write_thumbnail, "<int size> <file.png>",
+    command_add_own(command_row("write_thumbnail", command_write_thumbnail, command_kind::query,
+                                "<int size> <file.png>",
                                 "a square picture of the model without a display; 1 or 0"));
 }

@@ -11,6 +11,6 @@
 void register_commands();
 
 // The built-in rows, in the order that "list" prints.
-std::span<const vesk_command_t> command_table();
+std::span<const own_command_t> command_table();
 
 #endif

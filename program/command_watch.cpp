@@ -31,28 +31,13 @@ watch_t &running()
     return watch;
 }
 
-// Commands that "repeat_last" does not repeat.
-constexpr std::string_view not_repeated[] = {
-    "clear_all",        "file_load",        "file_save",     "history_goto",  "load_file",
-    "load_file_select", "load_vesk",        "plugin_load",   "recovery_drop", "redo",
-    "repeat_last",      "save_vesk",        "step_back",     "take_back",     "transform_about",
-    "transform_begin",  "transform_cancel", "transform_end", "transform_to",  "undo",
-};
-
-bool is_repeated(const vesk_command_t *command)
-{
-    return command_kind_of(command) == command_kind::edit &&
-           std::find(std::begin(not_repeated), std::end(not_repeated), command->name) ==
-               std::end(not_repeated);
-}
-
 // "load cube.vesk" for a load, nothing for commands that are not meant to change anything.
 std::string label_of(const vesk_command_t *command, int count, const char *const *words)
 {
     const std::string_view name = command->name;
     if (count == 2 && (name == "load_file" || name == "load_vesk" || name == "file_load"))
         return std::string("load ") + vesk_filename_get_file(words[1]);
-    if (command_kind_of(command) != command_kind::edit)
+    if (command_kind_of(command) <= command_kind::view)
         return "change";
     std::string words_of_name = command->name;
     std::replace(words_of_name.begin(), words_of_name.end(), '_', ' ');
@@ -61,8 +46,7 @@ std::string label_of(const vesk_command_t *command, int count, const char *const
 
 void before_command(const vesk_command_t *command, int count, const char *const *words)
 {
-    if (command_kind_of(command) == command_kind::edit &&
-        !std::string_view(command->name).starts_with("transform_")) {
+    if (!leaves_drag(command_kind_of(command))) {
         left_tool_interrupt();
         uv_view_cancel();
     }
@@ -73,7 +57,8 @@ void before_command(const vesk_command_t *command, int count, const char *const 
         running().label = label_of(command, count, words);
         journal_note_words({});
     }
-    if (is_repeated(command) && (outermost || std::string_view(session().command) == "repeat_last"))
+    if (command_kind_of(command) == command_kind::edit &&
+        (outermost || std::string_view(session().command) == "repeat_last"))
         journal_note_words({words, words + count});
 }
 

@@ -6,7 +6,7 @@
 #include "edit/check/model_check_fix.h"
 #include "model/identity.h"
 #include "model/world.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 
 #include <string>
 
@@ -50,19 +50,21 @@ void check_fix(int, const char *const *words)
 
 } // namespace
 
-void register_check_commands()
+std::span<const own_command_t> check_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("check_model", command_check_model, nullptr,
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("check_model", command_check_model, query, nullptr,
                     "returns lines of kind, object id, element and text: problems of the model"),
-        command_row("check_counts", command_check_counts, nullptr,
+        command_row("check_counts", command_check_counts, query, nullptr,
                     "returns each kind of problem and how many there are"),
-        command_row("check_fix_all", command_check_fix_all, "<string kind>",
+        command_row("check_fix_all", command_check_fix_all, edit, "<string kind>",
                     "fix all problems of a kind"),
+        command_row("check_select", check_select, select, 3, 3,
+                    "<string kind> <int object_id> <string element>",
+                    "select what a problem names"),
+        command_row("check_fix", check_fix, edit, 3, 3,
+                    "<string kind> <int object_id> <string element>", "fix a problem"),
     };
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
-    constexpr const char *usage = "<string kind> <int object_id> <string element>";
-    command_add_words("check_select", check_select, 3, 3, usage, "select what a problem names");
-    command_add_words("check_fix", check_fix, 3, 3, usage, "fix a problem");
+    return rows;
 }

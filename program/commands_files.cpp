@@ -9,7 +9,7 @@
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
 #include "plugin/exporters.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 
 #include <string>
 
@@ -118,26 +118,26 @@ void command_get_texture_loaders()
 
 } // namespace
 
-void register_file_commands()
+std::span<const own_command_t> file_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("export_model", command_export_model, "<filename>",
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("export_model", command_export_model, query, "<filename>",
                     "write the scene by the file's suffix, returns 1 or 0"),
-        command_row("write_vesk_old", command_write_vesk_old, "<filename>",
+        command_row("write_vesk_old", command_write_vesk_old, query, "<filename>",
                     "write the scene as older versions read it, returns 1 or 0"),
-        command_row("keep_material_names", command_keep_material_names, "<int on>",
+        command_row("keep_material_names", command_keep_material_names, view, "<int on>",
                     "1: materials of a file give their names to equal palette entries"),
-        command_row("get_exporters", command_get_exporters, nullptr,
+        command_row("get_exporters", command_get_exporters, query, nullptr,
                     "returns suffix and description of each exporter"),
-        command_row("get_texture_loaders", command_get_texture_loaders, nullptr,
+        command_row("get_texture_loaders", command_get_texture_loaders, query, nullptr,
                     "returns suffixes and description of each texture loader"),
-        command_row("import_report", command_import_report, nullptr,
+        command_row("import_report", command_import_report, query, nullptr,
                     "returns keys and values: what the last import read and complained about"),
-        command_row("report_json", command_report_json, nullptr,
+        command_row("report_json", command_report_json, query, nullptr,
                     "returns the report of the last import and export as JSON"),
-        command_row("set_images_folder", command_set_images_folder, "<string folder>",
+        command_row("set_images_folder", command_set_images_folder, view, "<string folder>",
                     "folder for pictures within model files, empty: ask"),
     };
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
+    return rows;
 }

@@ -6,7 +6,7 @@
 #include "base/redraw.h"
 #include "edit/document/journal.h"
 #include "edit/document/undo_internal.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 
 #include <cstdint>
 #include <string>
@@ -109,30 +109,30 @@ void command_change_count() { command_result_set(std::to_string(journal_change_n
 
 } // namespace
 
-void register_history_commands()
+std::span<const own_command_t> history_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("step_back", command_step_back, nullptr,
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("step_back", command_step_back, once, nullptr,
                     "undo, also where only the history leads back"),
-        command_row("undo_name", command_undo_name, nullptr,
+        command_row("undo_name", command_undo_name, query, nullptr,
                     "returns what step_back takes back, nothing when there is no way back"),
-        command_row("redo", command_redo, nullptr, "redo what was undone"),
-        command_row("history_list", command_history_list, nullptr,
+        command_row("redo", command_redo, once, nullptr, "redo what was undone"),
+        command_row("history_list", command_history_list, query, nullptr,
                     "returns place, label, present, plug-in of each state"),
-        command_row("history_goto", command_history_goto, "<int place>",
+        command_row("history_goto", command_history_goto, once, "<int place>",
                     "go to a state of the history"),
-        command_row("history_note", command_history_note, nullptr,
+        command_row("history_note", command_history_note, view, nullptr,
                     "have the present state of the history remember the selection of now"),
-        command_row("history_limit", command_history_limit, "<int megabytes>",
+        command_row("history_limit", command_history_limit, view, "<int megabytes>",
                     "memory of the history"),
-        command_row("repeat_last", command_repeat_last, nullptr, "repeat the last command"),
-        command_row("take_back", command_take_back, nullptr,
+        command_row("repeat_last", command_repeat_last, once, nullptr, "repeat the last command"),
+        command_row("take_back", command_take_back, once, nullptr,
                     "take back the command that faulted, returns 1 or 0"),
-        command_row("can_take_back", command_can_take_back, nullptr,
+        command_row("can_take_back", command_can_take_back, query, nullptr,
                     "returns 1 while a command that faulted can be taken back"),
-        command_row("change_count", command_change_count, nullptr,
+        command_row("change_count", command_change_count, query, nullptr,
                     "returns a number that names the content of the model"),
     };
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
+    return rows;
 }

@@ -25,8 +25,8 @@
 #include "model/textures/textures.h"
 #include "model/world.h"
 #include "plugin/importers.h"
-#include "program/added_commands.h"
 #include "program/command_table.h"
+#include "program/own_commands.h"
 #include "view/tool_left.h"
 
 #include <algorithm>
@@ -264,67 +264,63 @@ void command_file_save(const char *name)
 
 } // namespace
 
-void register_added_commands()
+std::span<const own_command_t> model_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("object_tree", command_object_tree, nullptr, "returns all objects"),
-        command_row("model_state", command_model_state, nullptr, "returns counts of changes"),
-        command_row("get_counts", command_get_counts, nullptr,
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("create", command_create, edit, 8, 8,
+                    "<kind> <int plane> <float x1> <float y1> <float z1> <float x2> <float y2> "
+                    "<float z2>",
+                    "create circle, disk, rect, grid, mesh, box, cylinder, sphere, cone or ico"),
+        command_row("object_tree", command_object_tree, query, nullptr, "returns all objects"),
+        command_row("model_state", command_model_state, query, nullptr,
+                    "returns counts of changes"),
+        command_row("get_counts", command_get_counts, query, nullptr,
                     "returns selected and all objects, surfaces, vertices"),
-        command_row("object_info", command_object_info, "<int object_id>",
+        command_row("object_info", command_object_info, query, "<int object_id>",
                     "returns keys and values of an object"),
-        command_row("object_set_name", command_object_set_name, "<int object_id> <string name>",
-                    "set object name"),
-        command_row("object_set_url", command_object_set_url, "<int object_id> <string url>",
+        command_row("object_set_name", command_object_set_name, edit,
+                    "<int object_id> <string name>", "set object name"),
+        command_row("object_set_url", command_object_set_url, edit, "<int object_id> <string url>",
                     "set object url"),
-        command_row("object_lock", command_object_lock, "<int object_id>", "lock an object"),
-        command_row("object_unlock", command_object_unlock, "<int object_id>", "unlock an object"),
-        command_row("object_reparent", command_object_reparent,
+        command_row("object_lock", command_object_lock, edit, "<int object_id>", "lock an object"),
+        command_row("object_unlock", command_object_unlock, edit, "<int object_id>",
+                    "unlock an object"),
+        command_row("object_reparent", command_object_reparent, edit,
                     "<int object_id> <int parent_object_id>", "make an object another's child"),
-        command_row("object_move_before", command_object_move_before,
+        command_row("object_move_before", command_object_move_before, edit,
                     "<int object_id> <int parent_object_id> <int before_object_id (0 the end)>",
                     "make an object another's child, in front of a child"),
-        command_row("get_palette", command_get_palette, nullptr, "returns all diffuse colours"),
-        command_row("get_material", command_get_material, "<int entrynum>",
+        command_row("get_palette", command_get_palette, query, nullptr,
+                    "returns all diffuse colours"),
+        command_row("get_material", command_get_material, query, "<int entrynum>",
                     "returns a palette entry"),
-        command_row("material_set_name", command_vesk_material_set_name,
+        command_row("material_set_name", command_vesk_material_set_name, edit,
                     "<int entrynum> <string name>", "name a palette entry"),
-        command_row("file_load", command_file_load, "<filename>",
+        command_row("file_load", command_file_load, once, "<filename>",
                     "load a geometry file, returns 1 or 0"),
-        command_row("file_save", command_file_save, "<filename>",
+        command_row("file_save", command_file_save, once, "<filename>",
                     "save a VESK format file, returns 1 or 0"),
-        command_row("command_info", command_command_info, "<string command>",
+        command_row("command_info", command_command_info, query, "<string command>",
                     "returns arity, template, usage, help"),
-        command_row("objects_select", command_objects_select, "<string object_ids>",
+        command_row("objects_select", command_objects_select, select, "<string object_ids>",
                     "select these objects only"),
-        command_row("tool_key", command_tool_key, "<string keysym>",
+        command_row("tool_key", command_tool_key, view, "<string keysym>",
                     "a key for a running drag or outline, returns 1 when it was used"),
-        command_row("texture_photo", command_texture_photo, "<texture id> <int size>",
+        command_row("texture_photo", command_texture_photo, query, "<texture id> <int size>",
                     "makes a Tk picture of a texture, returns its name"),
-        command_row("texture_list", command_texture_list, nullptr,
+        command_row("texture_list", command_texture_list, query, nullptr,
                     "returns name, file, width, height, depth of each texture"),
-        command_row("surface_doosabin", command_surface_doosabin, nullptr,
+        command_row("surface_doosabin", command_surface_doosabin, edit, nullptr,
                     "Doo-Sabin subdivision of the selected objects"),
-        command_row("cancel", progress_cancel, nullptr, "cancel long work"),
-        command_row("extrude", command_extrude, "<float x> <float y> <float z>",
+        command_row("cancel", progress_cancel, view, nullptr, "cancel long work"),
+        command_row("extrude", command_extrude, edit, "<float x> <float y> <float z>",
                     "extrude the selected surfaces"),
+        command_row("create_outline", command_create_outline, edit,
+                    "<string polygon, polyline or line> <string coordinates>",
+                    "create a polygon or a line from x y z of each point"),
+        command_row("create_light", command_create_light, edit, "<float x> <float y> <float z>",
+                    "create a light"),
     };
-    command_add_words("create", command_create, 8, 8,
-                      "<kind> <int plane> <float x1> <float y1> <float z1> <float x2> <float y2> "
-                      "<float z2>",
-                      "create circle, disk, rect, grid, mesh, box, cylinder, sphere, cone or ico");
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
-    command_add_own(command_row("create_outline", command_create_outline,
-                                "<string polygon, polyline or line> <string coordinates>",
-                                "create a polygon or a line from x y z of each point"));
-    command_add_own(command_row("create_light", command_create_light,
-                                "<float x> <float y> <float z>", "create a light"));
-    register_check_commands();
-    register_file_commands();
-    register_history_commands();
-    register_panel_commands();
-    register_preference_commands();
-    register_safety_commands();
-    register_uv_commands();
+    return rows;
 }

@@ -22,7 +22,7 @@
 #include "model/palette.h"
 #include "model/textures/texture_preview.h"
 #include "model/world.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
@@ -126,76 +126,73 @@ void command_rotate_each(int, const char *const *words)
 
 } // namespace
 
-void register_panel_commands()
+std::span<const own_command_t> panel_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("move_with_undo", move_with_undo, "<float x> <float y> <float z>",
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("rotate_each_with_undo", command_rotate_each, edit, 2, 2,
+                    "<int view> <float degrees>",
+                    "rotate each selected object about its own centre and the axis of a view"),
+        command_row("insert_vertex_at", command_insert_vertex_at, edit, 4, 4,
+                    "<int object_id> <int vertex> <int vertex> <float share>",
+                    "insert a vertex on the edge between two vertices, returns its place"),
+        command_row("objects_place", command_objects_place, edit, 3, 3,
+                    "<string object_ids> <int parent_object_id> <int before_object_id>",
+                    "make objects children of a parent in front of another, with an undo record"),
+        command_row("objects_set", command_objects_set, edit, 3, 3,
+                    "<string object_ids> <string name, url, data, visible or locked> "
+                    "<string value>",
+                    "set a property of objects, with an undo record"),
+        command_row("move_with_undo", move_with_undo, edit, "<float x> <float y> <float z>",
                     "translate the selection, with an undo record"),
-        command_row("rotate_with_undo", rotate_with_undo,
+        command_row("rotate_with_undo", rotate_with_undo, edit,
                     "<float rx-degs> <float ry-degs> <float rz-degs>",
                     "rotate the selection about its middle, with an undo record"),
-        command_row("rotate_about_with_undo", rotate_about_with_undo,
+        command_row("rotate_about_with_undo", rotate_about_with_undo, edit,
                     "<float rx-degs> <float ry-degs> <float rz-degs> <float x> <float y> <float z>",
                     "rotate the selection about a point, with an undo record"),
-        command_row("rotate_axis_angle_with_undo", rotate_axis_angle_with_undo,
+        command_row("rotate_axis_angle_with_undo", rotate_axis_angle_with_undo, edit,
                     "<float axis> <float angle>",
                     "rotate the selection about an axis, with an undo record"),
-        command_row("resize_with_undo", resize_with_undo,
+        command_row("resize_with_undo", resize_with_undo, edit,
                     "<float minx> <float miny> <float minz> <float maxx> <float maxy> <float maxz>",
                     "bring the selection's box to these corners, with an undo record"),
-        command_row("select_elements", command_select_elements,
+        command_row("select_elements", command_select_elements, select,
                     "<string set, add or remove> <string elements>",
                     "select objects (\"3 7\"), or vertices or surfaces of them (\"3:0-5,9 7:2\")"),
-        command_row("mirror_with_undo", mirror_with_undo, "<int axis>",
+        command_row("mirror_with_undo", mirror_with_undo, edit, "<int axis>",
                     "mirror the selection, with an undo record"),
-        command_row("object_at", command_object_at, "<view> <int x> <int y>",
+        command_row("object_at", command_object_at, query, "<view> <int x> <int y>",
                     "returns the id of the object under a place of a view"),
-        command_row("transform_begin", panel_transform_begin, "<string move, rotate or scale>",
-                    "begin a transform that follows a number"),
-        command_row("transform_about", panel_transform_about, "<float x> <float y> <float z>",
+        command_row("transform_begin", panel_transform_begin, part,
+                    "<string move, rotate or scale>", "begin a transform that follows a number"),
+        command_row("transform_about", panel_transform_about, part, "<float x> <float y> <float z>",
                     "the centre of the transform that rotates"),
-        command_row("transform_to", panel_transform_to, "<float x> <float y> <float z>",
+        command_row("transform_to", panel_transform_to, part, "<float x> <float y> <float z>",
                     "how far the transform has come"),
-        command_row("transform_end", panel_transform_end, nullptr,
+        command_row("transform_end", panel_transform_end, part, nullptr,
                     "keep the transform, one undo record"),
-        command_row("transform_cancel", panel_transform_cancel, nullptr, "take the transform back"),
-    };
-    command_add_words("rotate_each_with_undo", command_rotate_each, 2, 2,
-                      "<int view> <float degrees>",
-                      "rotate each selected object about its own centre and the axis of a view");
-    command_add_words("insert_vertex_at", command_insert_vertex_at, 4, 4,
-                      "<int object_id> <int vertex> <int vertex> <float share>",
-                      "insert a vertex on the edge between two vertices, returns its place");
-    command_add_words("objects_place", command_objects_place, 3, 3,
-                      "<string object_ids> <int parent_object_id> <int before_object_id>",
-                      "make objects children of a parent in front of another, with an undo record");
-    command_add_words("objects_set", command_objects_set, 3, 3,
-                      "<string object_ids> <string name, url, data, visible or locked> "
-                      "<string value>",
-                      "set a property of objects, with an undo record");
-    const vesk_command_t tab_rows[] = {
-        command_row("material_counts", command_material_counts, nullptr,
+        command_row("transform_cancel", panel_transform_cancel, part, nullptr,
+                    "take the transform back"),
+        command_row("material_counts", command_material_counts, query, nullptr,
                     "returns the number of surfaces of each palette entry"),
-        command_row("material_select", command_material_select, "<int entrynum>",
+        command_row("material_select", command_material_select, select, "<int entrynum>",
                     "select the surfaces of a palette entry"),
-        command_row("uv_outlines", command_uv_outlines, "<int most>",
+        command_row("uv_outlines", command_uv_outlines, query, "<int most>",
                     "returns the outlines that the editor of texture coordinates shows"),
-        command_row("uv_texture", command_uv_texture, nullptr,
+        command_row("uv_texture", command_uv_texture, query, nullptr,
                     "returns the id of the texture that the editor shows, or -1"),
-        command_row("picture_photo", command_picture_photo, "<string file> <int size>",
+        command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
-        command_row("set_view_tool", command_set_view_tool,
+        command_row("set_view_tool", command_set_view_tool, select,
                     "<string measure, insert_vertex or none>",
                     "set a tool of the views beside the draw modes"),
-        command_row("measure_points", command_measure_points, "<string coordinates>",
+        command_row("measure_points", command_measure_points, view, "<string coordinates>",
                     "lay the ruler between two or three points, tell distance or angle"),
-        command_row("get_measures", command_get_measures, nullptr,
+        command_row("get_measures", command_get_measures, query, nullptr,
                     "returns what the selection measures"),
-        command_row("measure", command_measure, nullptr,
+        command_row("measure", command_measure, query, nullptr,
                     "tell distances, angles, areas and volumes of the selection"),
     };
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
-    for (const vesk_command_t &row : tab_rows)
-        command_add_own(row);
+    return rows;
 }

@@ -5,7 +5,7 @@
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "plugin/loader.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 #include "view/axis_cross.h"
 
 #include <cstdio>
@@ -50,16 +50,16 @@ void command_axis_colours(int x, int y, int z)
 
 } // namespace
 
-void register_preference_commands()
+std::span<const own_command_t> preference_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("prefs_rows", command_prefs_rows, nullptr,
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("prefs_rows", command_prefs_rows, query, nullptr,
                     "returns key, kind and default of each preference"),
-        command_row("axis_colours", command_axis_colours, "<int x> <int y> <int z>",
+        command_row("axis_colours", command_axis_colours, view, "<int x> <int y> <int z>",
                     "colours of the axes in the views, as numbers 0xRRGGBB"),
+        command_row("plugins_skip", skip_plugins, view, 0, most_skipped, "<file name> ...",
+                    "plug-ins that are not loaded at the start, * for all"),
     };
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
-    command_add_words("plugins_skip", skip_plugins, 0, most_skipped, "<file name> ...",
-                      "plug-ins that are not loaded at the start, * for all");
+    return rows;
 }

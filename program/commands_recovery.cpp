@@ -4,7 +4,7 @@
 #include "base/command_row.h"
 #include "fileio/backup.h"
 #include "fileio/rescue.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 
 #include <string>
 
@@ -31,18 +31,18 @@ void command_recovery_drop(const char *file)
 
 } // namespace
 
-void register_safety_commands()
+std::span<const own_command_t> recovery_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("autosave", command_autosave, "<filename>",
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row("autosave", command_autosave, query, "<filename>",
                     "write a copy of the model beside the work, empty name: the session's copy"),
-        command_row("recovery_list", command_recovery_list, nullptr,
+        command_row("recovery_list", command_recovery_list, query, nullptr,
                     "returns file, time, original, kind of copies that were left behind"),
-        command_row("recovery_drop", command_recovery_drop, "<filename>",
+        command_row("recovery_drop", command_recovery_drop, view, "<filename>",
                     "remove a copy that was left behind, returns 1 or 0"),
-        command_row("set_backup_versions", set_backup_versions, "<int versions>",
+        command_row("set_backup_versions", set_backup_versions, view, "<int versions>",
                     "previous versions that file_save keeps"),
     };
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
+    return rows;
 }

@@ -13,7 +13,7 @@
 #include "edit/uv/uv_relax.h"
 #include "edit/uv/uv_replay.h"
 #include "model/textures/textures.h"
-#include "program/added_commands.h"
+#include "program/own_commands.h"
 #include "view/uv_view.h"
 
 #include <algorithm>
@@ -276,78 +276,80 @@ void command_uv_move_pixels(int right, int up)
 
 } // namespace
 
-void register_uv_commands()
+std::span<const own_command_t> uv_commands()
 {
-    const vesk_command_t rows[] = {
-        command_row("uv_info", command_uv_info, nullptr,
+    using enum command_kind;
+    static const own_command_t rows[] = {
+        command_row(
+            "uv_option", command_uv_option, view, 0, 2,
+            "<checker, stretch, overlaps, repeat, snap or picture> <int value>",
+            "what the window of texture coordinates shows (stretch: 1 area and shape, 2 area, "
+            "3 shape); without words returns it"),
+        command_row("uv_project", command_uv_project, edit, 1, 2,
+                    "<planar_x, planar_y, planar_z, box, cylinder or sphere> "
+                    "<int 0 one picture a unit, 1 fitted with its proportions, 2 the square>",
+                    "texture coordinates from positions"),
+        command_row("uv_weld", command_uv_weld, edit, 0, 1, "<float distance>",
+                    "bring chosen corners of each vertex together, or those within a distance"),
+        command_row("uv_transform", command_uv_transform, edit, 7, 7,
+                    "<string move, rotate or scale> <float a> <float b> <float c> <float d> "
+                    "<float e> <float f>",
+                    "texture coordinates by a matrix: u' = a u + b v + e, v' = c u + d v + f"),
+        command_row("uv_select_box", command_uv_select_box, select, 4, 4,
+                    "<float u1> <float v1> <float u2> <float v2>",
+                    "choose what lies in a box of the picture"),
+        command_row("uv_info", command_uv_info, query, nullptr,
                     "returns what the texture coordinate commands work on, as keys and values"),
-        command_row("uv_islands", command_uv_islands, nullptr,
+        command_row("uv_islands", command_uv_islands, query, nullptr,
                     "returns the box of each island (u v of two corners), 1 when it is chosen"),
-        command_row("uv_stretch", command_uv_stretch, nullptr,
+        command_row("uv_stretch", command_uv_stretch, query, nullptr,
                     "returns how the picture is distorted, as keys and values"),
-        command_row("uv_overlaps", command_uv_overlaps, nullptr,
+        command_row("uv_overlaps", command_uv_overlaps, query, nullptr,
                     "returns how many surfaces lie on others in the picture"),
-        command_row("uv_select_mode", command_uv_select_mode, "<string corner, surface or island>",
-                    "what texture coordinates are chosen by"),
-        command_row("uv_select", command_uv_select,
+        command_row("uv_select_mode", command_uv_select_mode, view,
+                    "<string corner, surface or island>", "what texture coordinates are chosen by"),
+        command_row("uv_select", command_uv_select, select,
                     "<string all, none, invert, linked, overlapping or flipped>",
                     "choose texture coordinates"),
-        command_row("uv_select_islands", command_uv_select_islands, "<string numbers>",
+        command_row("uv_select_islands", command_uv_select_islands, select, "<string numbers>",
                     "choose islands by their places in uv_islands, from 0"),
-        command_row("uv_select_corners", command_uv_select_corners, "<string places>",
+        command_row("uv_select_corners", command_uv_select_corners, select, "<string places>",
                     "choose corners by their places among all that are shown, from 0"),
-        command_row("uv_move", command_uv_move, "<float u> <float v>", "move texture coordinates"),
-        command_row("uv_move_pixels", command_uv_move_pixels, "<int right> <int up>",
+        command_row("uv_move", command_uv_move, edit, "<float u> <float v>",
+                    "move texture coordinates"),
+        command_row("uv_move_pixels", command_uv_move_pixels, edit, "<int right> <int up>",
                     "move texture coordinates by pixels of the picture"),
-        command_row("uv_rotate", command_uv_rotate, "<float degrees>",
+        command_row("uv_rotate", command_uv_rotate, edit, "<float degrees>",
                     "rotate texture coordinates about the middle of their box"),
-        command_row("uv_scale", command_uv_scale, "<float u> <float v>",
+        command_row("uv_scale", command_uv_scale, edit, "<float u> <float v>",
                     "scale texture coordinates about the middle of their box"),
-        command_row("uv_flip", command_uv_flip, "<string u or v>", "mirror texture coordinates"),
-        command_row("uv_rotate_90", command_uv_rotate_90, nullptr,
+        command_row("uv_flip", command_uv_flip, edit, "<string u or v>",
+                    "mirror texture coordinates"),
+        command_row("uv_rotate_90", command_uv_rotate_90, edit, nullptr,
                     "turn texture coordinates by 90 degrees to the left"),
-        command_row("uv_fit", command_uv_fit, "<int keep proportions>",
+        command_row("uv_fit", command_uv_fit, edit, "<int keep proportions>",
                     "fit texture coordinates into the unit square"),
-        command_row("uv_align", command_uv_align,
+        command_row("uv_align", command_uv_align, edit,
                     "<string left, right, centre, bottom, top or middle>",
                     "bring chosen corners, or islands, to one line"),
-        command_row("uv_split", command_uv_split, nullptr,
+        command_row("uv_split", command_uv_split, edit, nullptr,
                     "part chosen corners or surfaces from their neighbours by a pixel"),
-        command_row("uv_snap", command_uv_snap, nullptr,
+        command_row("uv_snap", command_uv_snap, edit, nullptr,
                     "move texture coordinates to whole pixels"),
-        command_row("uv_pack", command_uv_pack, "<float margin in pixels>",
+        command_row("uv_pack", command_uv_pack, edit, "<float margin in pixels>",
                     "lay islands side by side into the unit square"),
-        command_row("uv_relax", command_uv_relax, "<int steps>",
+        command_row("uv_relax", command_uv_relax, edit, "<int steps>",
                     "lower the distortion of islands step by step"),
-        command_row("uv_keep", command_uv_keep, "<int on>",
+        command_row("uv_keep", command_uv_keep, view, "<int on>",
                     "keep the picture in place while vertices move"),
-        command_row("uv_tool", command_uv_tool, "<string move, rotate or scale>",
+        command_row("uv_tool", command_uv_tool, view, "<string move, rotate or scale>",
                     "what a drag in the window of texture coordinates does"),
-        command_row("uv_view_fit", command_uv_view_fit, "<int chosen only>",
+        command_row("uv_view_fit", command_uv_view_fit, view, "<int chosen only>",
                     "show the unit square, or what is chosen, as large as it fits"),
-        command_row("uv_view_zoom", command_uv_view_zoom, "<int direction>",
+        command_row("uv_view_zoom", command_uv_view_zoom, view, "<int direction>",
                     "zoom the window of texture coordinates"),
-        command_row("uv_key", command_uv_key, "<string keysym>",
+        command_row("uv_key", command_uv_key, view, "<string keysym>",
                     "a key for a running drag of texture coordinates, returns 1 when it was used"),
     };
-    command_add_words(
-        "uv_option", command_uv_option, 0, 2,
-        "<checker, stretch, overlaps, repeat, snap or picture> <int value>",
-        "what the window of texture coordinates shows (stretch: 1 area and shape, 2 area, "
-        "3 shape); without words returns it");
-    command_add_words("uv_project", command_uv_project, 1, 2,
-                      "<planar_x, planar_y, planar_z, box, cylinder or sphere> "
-                      "<int 0 one picture a unit, 1 fitted with its proportions, 2 the square>",
-                      "texture coordinates from positions");
-    command_add_words("uv_weld", command_uv_weld, 0, 1, "<float distance>",
-                      "bring chosen corners of each vertex together, or those within a distance");
-    command_add_words("uv_transform", command_uv_transform, 7, 7,
-                      "<string move, rotate or scale> <float a> <float b> <float c> <float d> "
-                      "<float e> <float f>",
-                      "texture coordinates by a matrix: u' = a u + b v + e, v' = c u + d v + f");
-    command_add_words("uv_select_box", command_uv_select_box, 4, 4,
-                      "<float u1> <float v1> <float u2> <float v2>",
-                      "choose what lies in a box of the picture");
-    for (const vesk_command_t &row : rows)
-        command_add_own(row);
+    return rows;
 }

@@ -184,8 +184,8 @@ Tk_Window uv_window_tk() { return window.togl != nullptr ? Togl_TkWin(window.tog
 void register_uv_window()
 {
     Tcl_CreateObjCommand(bridge_interp(), "::vesk::uv_bind", bind_command, nullptr, nullptr);
-    command_add_own(command_row("uv_view_save_picture", save_picture, "<file.ppm>",
-                                "save what the window of texture coordinates shows"));
-    command_add_own(command_row("uv_view_benchmark", benchmark, "<frames>",
+    command_add_own(command_row("uv_view_save_picture", save_picture, command_kind::query,
+                                "<file.ppm>", "save what the window of texture coordinates shows"));
+    command_add_own(command_row("uv_view_benchmark", benchmark, command_kind::query, "<frames>",
                                 "milliseconds a picture of the window of texture coordinates"));
 }

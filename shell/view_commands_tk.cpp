@@ -119,14 +119,16 @@ static void view_uploaded_bytes()
 void register_view_commands()
 {
     Tcl_CreateObjCommand(bridge_interp(), "::vesk::material_ball", ball_command, nullptr, nullptr);
-    command_add_own(command_row("view_benchmark", view_benchmark, "<view> <moving|rest> <frames>",
+    command_add_own(command_row("view_benchmark", view_benchmark, command_kind::view,
+                                "<view> <moving|rest> <frames>",
                                 "milliseconds a picture, and its layers"));
-    command_add_own(
-        command_row("view_costs", view_costs, "<view>", "milliseconds of each layer of a view"));
-    command_add_own(command_row("view_save_picture", view_save_picture, "<view> <file.ppm>",
-                                "save what a view shows"));
-    command_add_own(command_row("view_limit_device", view_limit_device, "<all|fixed|oldest>",
+    command_add_own(command_row("view_costs", view_costs, command_kind::query, "<view>",
+                                "milliseconds of each layer of a view"));
+    command_add_own(command_row("view_save_picture", view_save_picture, command_kind::query,
+                                "<view> <file.ppm>", "save what a view shows"));
+    command_add_own(command_row("view_limit_device", view_limit_device, command_kind::view,
+                                "<all|fixed|oldest>",
                                 "draw with fewer means of the graphics device"));
-    command_add_own(command_row("view_uploaded_bytes", view_uploaded_bytes, nullptr,
-                                "bytes that were handed to the graphics device so far"));
+    command_add_own(command_row("view_uploaded_bytes", view_uploaded_bytes, command_kind::query,
+                                nullptr, "bytes that were handed to the graphics device so far"));
 }

@@ -53,11 +53,6 @@ void in_step_now()
     journal().last_serial = undo_last_serial();
 }
 
-bool same_model(const model_state &a, const model_state &b)
-{
-    return a.num_objects == b.num_objects && a.blocks == b.blocks && a.palette == b.palette;
-}
-
 journal_entry entry_of_now(const char *label)
 {
     journal_entry now;
@@ -111,7 +106,7 @@ bool take_step(const char *label, bool faulted)
         list.before_state(first_serial);
     journal_entry now = entry_of_now(label_of_step(label).c_str());
     in_step_now();
-    const bool changed = !same_model(*now.state, *before.state);
+    const bool changed = !model_state_same(*now.state, *before.state);
     if (!opened && !changed)
         return false;
     now.first_serial = first_serial;
@@ -297,7 +292,7 @@ bool journal_back()
 void journal_note_selection()
 {
     journal_settle();
-    if (journal().present >= 0)
+    if (journal().present >= 0 && !journal().held)
         entry(journal().present).state = model_state_capture();
 }
 

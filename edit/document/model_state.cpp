@@ -130,12 +130,13 @@ bool same_array(const flat_array<T> &a, const flat_array<T> &b)
 bool images_near(const object_image &a, const object_image &b, float slack = 0);
 
 // Whether an object that was marked as changed is as it was, to the bit: a drag was taken back.
-// `flat` is what `now` was made from.
-bool is_unchanged(const object_image &now, const flat_mesh &flat, const object_image &before)
+// `face_normals` are those that `now` was made from.
+bool is_unchanged(const object_image &now, const flat_array<point3_t> &face_normals,
+                  const object_image &before)
 {
     const flat_mesh &a = now.geometry, &b = before.geometry;
     const bool same_faces =
-        b.face_normals ? same_array(flat.face_normals, b.face_normals) : !a.face_normals;
+        b.face_normals ? same_array(face_normals, b.face_normals) : !a.face_normals;
     return same_array(a.positions, b.positions) && same_array(a.normals, b.normals) && same_faces &&
            std::memcmp(now.record.rotation, before.record.rotation, sizeof now.record.rotation) ==
                0 &&
@@ -253,7 +254,7 @@ private:
         if (before && before_stamp == stamp)
             return before->image;
         image_ptr image = image_of(object, before ? before->image.get() : nullptr);
-        if (before && is_unchanged(*image, *object_flat(object), *before->image))
+        if (before && is_unchanged(*image, object_flat(object)->face_normals, *before->image))
             return before->image;
         if (!before || before->image->geometry.corners != image->geometry.corners ||
             before->image->geometry.positions->size() != image->geometry.positions->size())
@@ -474,6 +475,29 @@ float model_state_reach(const model_state &state)
         }
     }
     return reach;
+}
+
+bool model_state_same(const model_state &a, const model_state &b)
+{
+    if (a.num_objects != b.num_objects)
+        return false;
+    for (int i = 0; i < a.num_objects; ++i) {
+        const auto block = static_cast<std::size_t>(i / model_state::block_size);
+        if (i % model_state::block_size == 0 && a.blocks[block] == b.blocks[block]) {
+            i += model_state::block_size - 1;
+            continue;
+        }
+        const state_entry &x = a.entry(i), &y = b.entry(i);
+        if (x == y)
+            continue;
+        if (x.parent != y.parent || x.num_children != y.num_children ||
+            x.image->identity != y.image->identity ||
+            !is_unchanged(*x.image, x.image->geometry.face_normals, *y.image))
+            return false;
+    }
+    return a.palette == b.palette ||
+           std::equal(a.palette->begin(), a.palette->end(), b.palette->begin(), b.palette->end(),
+                      materials_equal);
 }
 
 bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach)

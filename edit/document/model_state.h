@@ -93,6 +93,9 @@ state_ptr model_state_capture();
 enum class restore_selection { no, yes };
 void model_state_restore(const state_ptr &state, restore_selection selection);
 
+// True when both hold the same model to the bit, whatever is selected. Costs what is not shared.
+bool model_state_same(const model_state &a, const model_state &b);
+
 // True when both have the same objects, lists and texts, and all numbers agree but for rounding.
 // `reach` is the largest coordinate that was in between: what lay there was rounded to its steps.
 bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach = 0);

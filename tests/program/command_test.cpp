@@ -7,9 +7,11 @@
 #include "edit/document/selection.h"
 #include "edit/document/undo_internal.h"
 #include "program/command_table.h"
+#include "program/own_commands.h"
 #include "tests/support/mesh_test.h"
 
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <stdexcept>
 
@@ -28,12 +30,12 @@ TEST_F(Commands, TableHasEveryRowInOrderWithTheCountedTemplates)
 {
     const auto rows = command_table();
     ASSERT_EQ(rows.size(), 171U);
-    EXPECT_STREQ(rows.front().name, "add_text");
-    EXPECT_STREQ(rows[51].name, "load_file");
-    EXPECT_STREQ(rows.back().name, "zoomview");
+    EXPECT_STREQ(rows.front().row.name, "add_text");
+    EXPECT_STREQ(rows[51].row.name, "load_file");
+    EXPECT_STREQ(rows.back().row.name, "zoomview");
     std::map<std::string, int> templates;
-    for (const vesk_command_t &row : rows)
-        ++templates[row.argtypes == nullptr ? "" : row.argtypes];
+    for (const own_command_t &own : rows)
+        ++templates[own.row.argtypes == nullptr ? "" : own.row.argtypes];
     EXPECT_EQ(templates["s"], 32);
     EXPECT_EQ(templates["d"], 30);
     EXPECT_EQ(templates["fff"], 5);
@@ -177,12 +179,55 @@ TEST_F(Commands, EditsFromInsideAPumpAreRefusedAndNestedCallsAreNot)
 
 TEST_F(Commands, EveryRowTellsItsArguments)
 {
-    for (const vesk_command_t &row : command_table()) {
+    for (const own_command_t &own : command_table()) {
+        const vesk_command_t &row = own.row;
         EXPECT_NE(row.func, nullptr) << row.name;
         EXPECT_TRUE(run("command_info", row.name).starts_with(std::to_string(row.nargs) + ' '))
             << row.name;
     }
     EXPECT_EQ(run("command_info", "no_such_command"), "");
+}
+
+// Every command of ours: the fixed table and the lists of topics.
+std::vector<own_command_t> all_own_commands()
+{
+    std::vector<own_command_t> all(command_table().begin(), command_table().end());
+    for (const auto &list :
+         {model_commands(), check_commands(), file_commands(), history_commands(), panel_commands(),
+          preference_commands(), recovery_commands(), uv_commands()})
+        all.insert(all.end(), list.begin(), list.end());
+    return all;
+}
+
+// Model, history and a running transform stay, whatever queries and views are given; queries change
+// no count either.
+TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
+{
+    const auto folder = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path(temporary_file("x")).parent_path());
+    select_object(add_cube("a"));
+    for (const own_command_t &own : all_own_commands()) {
+        if (own.kind != command_kind::query && own.kind != command_kind::view)
+            continue;
+        run("transform_begin", "move");
+        run("transform_to", 1, 2, 3);
+        const std::string moved = run("get_selection_centre");
+        const std::string state = run("model_state");
+        for (const char *argument : {"0", "1", "3", "none"}) {
+            std::vector<std::string> words(static_cast<std::size_t>(own.row.nargs), argument);
+            words.insert(words.begin(), own.row.name);
+            run_words(words);
+            const std::string after = run("model_state");
+            if (own.kind == command_kind::query) {
+                EXPECT_EQ(after, state) << own.row.name;
+            }
+            EXPECT_EQ(run("get_selection_centre"), moved) << own.row.name;
+        }
+        run("transform_cancel");
+        EXPECT_EQ(run("get_selection_centre"), "0 0 0") << own.row.name;
+        EXPECT_EQ(run("undo_name"), "") << own.row.name;
+    }
+    std::filesystem::current_path(folder);
 }
 
 // ---- texts to scripts ----
