@@ -22,8 +22,10 @@ target_sources(vesk_core PRIVATE
     base/prefs_file.cpp
     base/progress.cpp
     base/redraw.cpp
+    base/script_text.cpp
     base/session_state.cpp
     base/tokens.cpp
+    base/ui_calls.cpp
     base/ui_port.cpp
     base/utf8.cpp
     base/version.cpp

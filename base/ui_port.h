@@ -3,7 +3,8 @@
 
 // The only way from the core to the toolkit: one record of functions. The start value does nothing
 // (linked texts come from malloc); the shell installs the Tk one or the batch one before the
-// preferences are first set, tests install one that records.
+// preferences are first set, tests install one that records. A new service is a line here, one in
+// the silent port and one in each port that offers it.
 
 #include <string_view>
 #include <vector>
@@ -65,10 +66,10 @@ struct ui_port_t {
     const char *(*clipboard_get)();
 };
 
-// The installed port; its functions are never null.
-ui_port_t &ui_port();
-// Installs `port`; null functions keep the start value, which does nothing.
+// The port that does nothing: what an implementation begins with, so that no function is ever null.
+ui_port_t ui_port_silent();
+
+const ui_port_t &ui_port();
 void ui_port_install(const ui_port_t &port);
-void ui_port_reset_for_test();
 
 #endif

@@ -228,7 +228,7 @@ void bridge_set_interp(Tcl_Interp *interp, bool has_tk)
 void bridge_install_port(bool batch)
 {
     bridge.batch = batch;
-    ui_port_t port = {};
+    ui_port_t port = ui_port_silent();
     port.eval = port_eval;
     port.eval_file = port_eval_file;
     port.result = port_result;

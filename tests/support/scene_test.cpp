@@ -43,7 +43,7 @@ const char *answer_to(const char *script)
 
 ui_port_t recording_port()
 {
-    ui_port_t port = {};
+    ui_port_t port = ui_port_silent();
     port.eval = [](const char *script, bool *ok) {
         record.scripts.emplace_back(script);
         *ok = true;

@@ -280,15 +280,17 @@ TEST_F(TextureTable, AreShownInWidgets)
     EXPECT_EQ(last_call("window_show_photo"), "");
 
     static int put[2];
-    ui_port().widget_size = [](const char *, int out[2]) {
+    ui_port_t port = ui_port();
+    port.widget_size = [](const char *, int out[2]) {
         out[0] = out[1] = 10;
         return true;
     };
-    ui_port().photo_put = [](const char *, int width, int height, const unsigned char *) {
+    port.photo_put = [](const char *, int width, int height, const unsigned char *) {
         put[0] = width;
         put[1] = height;
         return true;
     };
+    ui_port_install(port);
     run("window_draw_texture", 0, ".label");
     EXPECT_EQ(last_call("window_show_photo"), ".label\" \"vesk_texture_in.label");
     EXPECT_EQ(put[0], 10);
