@@ -2,8 +2,8 @@
 
 #include "base/messages.h"
 #include "base/redraw.h"
-#include "edit/document/journal.h"
 #include "edit/document/selection_internal.h"
+#include "edit/document/step.h"
 #include "edit/document/undo.h"
 #include "edit/drag_transform.h"
 #include "edit/transform.h"
@@ -21,6 +21,7 @@ enum kind_code { MOVING, TURNING, SCALING };
 
 struct running_t {
     std::unique_ptr<drag_transform_t> transform;
+    std::unique_ptr<step_t> step;
     kind_code kind = MOVING;
     point3_t box_min, box_max, centre;
     bool changed = false;
@@ -118,9 +119,8 @@ void panel_transform_begin(const char *kind)
             return;
         }
         const selection_t &all = selection();
-        journal_begin();
-        journal_hold(true);
         running() = {std::make_unique<drag_transform_t>(),
+                     std::make_unique<step_t>(step_t::of::drag),
                      code,
                      all.box_min,
                      all.box_max,
@@ -147,26 +147,26 @@ void panel_transform_to(float x, float y, float z)
 
 void panel_transform_end()
 {
-    const running_t ended = std::exchange(running(), {});
+    running_t ended = std::exchange(running(), {});
     if (ended.transform == nullptr) {
         return;
     }
     if (ended.changed) {
         ended.transform->finish();
     }
-    journal_hold(false);
+    ended.step.reset(); // the command's own step takes the state
     redraw_all();
     display_status();
 }
 
 void panel_transform_cancel()
 {
-    const running_t ended = std::exchange(running(), {});
+    running_t ended = std::exchange(running(), {});
     if (ended.transform == nullptr) {
         return;
     }
     ended.transform->take_back();
-    journal_hold(false);
+    ended.step.reset();
     redraw_all();
     display_status();
 }

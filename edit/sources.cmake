@@ -55,6 +55,7 @@ target_sources(vesk_core PRIVATE
     edit/document/selection.cpp
     edit/document/selection_image.cpp
     edit/document/selection_scan.cpp
+    edit/document/step.cpp
     edit/document/undo.cpp
     edit/document/undo_kinds.cpp
     edit/uv/uv_edit.cpp

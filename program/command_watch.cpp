@@ -5,6 +5,7 @@
 #include "base/filename.h"
 #include "base/session_state.h"
 #include "edit/document/journal.h"
+#include "edit/document/step.h"
 #include "edit/document/undo_internal.h"
 #include "fileio/rescue.h"
 #include "model/change_marks.h"
@@ -16,14 +17,18 @@
 #include "view/uv_view.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
 struct watch_t {
     unsigned serial = 0; // of the undo records, when the running command began
-    std::string label;   // of its step in the history, when it opens no record
+    std::optional<step_t> step;
+    std::string label;              // of the step, when the command opens no record
+    std::vector<std::string> words; // that repeat it
 };
 watch_t &running()
 {
@@ -52,14 +57,14 @@ void before_command(const vesk_command_t *command, int count, const char *const 
     }
     const bool outermost = session().command_depth == 0;
     if (outermost) {
-        journal_begin();
+        running().step.emplace(step_t::of::command);
         running().serial = undo_last_serial();
         running().label = label_of(command, count, words);
-        journal_note_words({});
+        running().words.clear();
     }
     if (command_kind_of(command) == command_kind::edit &&
         (outermost || std::string_view(session().command) == "repeat_last"))
-        journal_note_words({words, words + count});
+        running().words.assign(words, words + count);
 }
 
 void after_command(const vesk_command_t *command, bool whole)
@@ -75,9 +80,9 @@ void after_command(const vesk_command_t *command, bool whole)
     if (session().command_depth > 0)
         return;
     if (whole) {
-        journal_step(running().label.c_str());
+        running().step->keep(running().label.c_str(), running().words);
     } else {
-        journal_step_after_fault(running().label.c_str());
+        running().step->keep_faulted(running().label.c_str());
     }
     running().serial = undo_last_serial();
     rescue_tell_failure();

@@ -3,7 +3,6 @@
 #include "base/echo.h"
 #include "base/messages.h"
 #include "edit/document/element_text.h"
-#include "edit/document/journal.h"
 
 namespace {
 
@@ -68,11 +67,9 @@ void echo_elements(const std::vector<std::string> &words)
         echo_command(words);
 }
 
-void echo_step(const std::vector<std::string> &words, const char *label)
+void keep_step(step_t &step, const std::vector<std::string> &words, const char *label)
 {
     if (!words.empty())
         echo_command(words);
-    journal_note_words(words);
-    journal_step(label);
-    journal_note_words({});
+    step.keep(label, words);
 }

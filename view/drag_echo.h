@@ -2,6 +2,7 @@
 #define VESK_VIEW_DRAG_ECHO_H
 
 #include "edit/document/selection.h"
+#include "edit/document/step.h"
 #include "edit/drag_transform.h"
 
 #include <string>
@@ -20,7 +21,8 @@ void echo_selection(bool on, bool replace, const listitem *elements);
 // The same of any command whose last word lists elements.
 void echo_elements(const std::vector<std::string> &words);
 
-// Echoes a change of the model (no words: there was none) and makes it the step of the history that "repeat_last" repeats.
-void echo_step(const std::vector<std::string> &words, const char *label);
+// Echoes a change of the model (no words: there was none) and keeps it as the step of the history
+// that "repeat_last" repeats.
+void keep_step(step_t &step, const std::vector<std::string> &words, const char *label);
 
 #endif

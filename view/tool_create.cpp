@@ -6,7 +6,6 @@
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "edit/create.h"
-#include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/snap.h"
 #include "model/bounds.h"
@@ -104,15 +103,14 @@ point3_t next_point(const pointer_event_t &event)
     return p;
 }
 
-// A drag is no command: the history's step is taken here.
 void link_drawn(object_t *object, const char *label, const std::vector<std::string> &words)
 {
     if (object == nullptr) {
         return;
     }
-    journal_begin();
+    step_t step(step_t::of::drag);
     link_created(object, label, draw_mode() == DRAW_SPHERE);
-    echo_step(words, label);
+    keep_step(step, words, label);
 }
 
 // ---- box tools ----
@@ -282,11 +280,11 @@ void outline_click(const outline_kind_t &tool, const pointer_event_t &event)
 void light_click(const pointer_event_t &event)
 {
     const point3_t p = point_at(event);
-    journal_begin();
+    step_t step(step_t::of::drag);
     add_light_at(p);
     std::vector<std::string> words = echo_point(p);
     words.insert(words.begin(), "create_light");
-    echo_step(words, "add light");
+    keep_step(step, words, "add light");
 }
 
 } // namespace

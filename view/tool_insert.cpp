@@ -5,7 +5,6 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
-#include "edit/document/journal.h"
 #include "edit/insert_vertex.h"
 #include "edit/snap.h"
 #include "model/identity.h"
@@ -92,12 +91,13 @@ void release(const pointer_event_t &event)
     forget();
     if (hit.object == nullptr)
         return;
-    journal_begin();
+    step_t step(step_t::of::drag);
     const std::string id = std::to_string(object_identity(hit.object));
     if (!insert_vertex_at(hit.object, hit.a, hit.b, hit.share))
         return;
     display_message("insert vertex - 1 vertex");
-    echo_step({"insert_vertex_at", id, std::to_string(hit.a), std::to_string(hit.b),
+    keep_step(step,
+              {"insert_vertex_at", id, std::to_string(hit.a), std::to_string(hit.b),
                echo_number(hit.share)},
               "insert vertex");
 }

@@ -4,7 +4,6 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
-#include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo.h"
@@ -49,6 +48,7 @@ struct tool_t {
     world_box_t box = {};
     point3_t centre = {0, 0, 0};
     point3_t grabbed = {0, 0, 0}; // vertex nearest to the press: near snap brings it to another
+    std::unique_ptr<step_t> step;
     std::unique_ptr<drag_transform_t> transform;
     std::unique_ptr<extrude_preview_t> extrusion;
     pointer_event_t last = {};
@@ -389,8 +389,7 @@ void begin_change()
     if (draws_band()) {
         return;
     }
-    journal_begin();
-    journal_hold(true);
+    tool.step = std::make_unique<step_t>(step_t::of::drag);
     tool.transform = std::make_unique<drag_transform_t>();
     tool.grabbed = nearest_moving(tool.start);
     if (tool.what == doing::EXTRUDE) {
@@ -432,6 +431,7 @@ void finish_change(const pointer_event_t &event)
     // What runs from here on may announce changes: nothing of the drag is left by then.
     const bool extrudes = tool.what == doing::EXTRUDE;
     const point3_t from = tool.centre;
+    const std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     std::vector<std::string> words;
     forget();
@@ -449,8 +449,7 @@ void finish_change(const pointer_event_t &event)
         transform->finish();
         words = words_of_change(change, transform->turns_own(change));
     }
-    journal_hold(false);
-    echo_step(words, extrudes ? "extrude" : "drag");
+    keep_step(*step, words, extrudes ? "extrude" : "drag");
     redraw_all();
     display_status();
 }
@@ -572,12 +571,13 @@ void transform_release(const pointer_event_t &event)
 
 void transform_cancel()
 {
+    std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     forget();
     if (transform != nullptr) {
         transform->take_back();
-        journal_hold(false);
     }
+    step.reset();
     redraw_all();
     display_status();
 }

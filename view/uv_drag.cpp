@@ -6,7 +6,6 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
-#include "edit/document/journal.h"
 #include "edit/document/selection.h"
 #include "edit/uv/uv_replay.h"
 #include "view/drag_echo.h"
@@ -19,6 +18,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -35,6 +35,7 @@ struct drag_t {
     bool moved = false;
     bool held = false; // the button is up, a number is being typed
     int handle = HANDLE_NONE;
+    std::unique_ptr<step_t> step;
     std::vector<flat_uv> before;
     std::vector<char> moving;
     uv_box box;                                   // of what moves
@@ -235,8 +236,7 @@ void begin()
     if (!changes_coordinates())
         return;
     const uv_state &state = uv_editor();
-    journal_begin();
-    journal_hold(true);
+    drag.step = std::make_unique<step_t>(step_t::of::drag);
     drag.before = state.mesh.at;
     drag.moving = uv_moving_corners(state);
     drag.box = uv_box_of(state.mesh, drag.moving);
@@ -299,15 +299,15 @@ void finish(const pointer_event_t &event)
                              : drag.what == doing::ROTATE ? "rotate"
                                                           : "scale";
     uv_preview(drag.before);
+    const std::unique_ptr<step_t> step = std::move(drag.step);
     end();
-    journal_hold(false);
     std::vector<std::string> words;
     if (uv_transform_by(kind, m) > 0) {
         words = {"uv_transform", kind};
         for (const double number : {m.a, m.b, m.c, m.d, m.e, m.f})
             words.push_back(echo_number(number));
     }
-    echo_step(words, (std::string(kind) + " texture coordinates").c_str());
+    keep_step(*step, words, (std::string(kind) + " texture coordinates").c_str());
     redraw_all();
     display_status();
 }
@@ -406,11 +406,11 @@ void uv_view_release(const pointer_event_t &event)
         drag.held = true;
         return;
     }
-    const drag_t done = drag;
-    if (changes_coordinates() && done.moved) {
+    if (changes_coordinates() && drag.moved) {
         finish(event);
         return;
     }
+    const drag_t done = std::move(drag);
     end();
     if (done.what == doing::BAND && done.moved) {
         uv_view_take_band(done.start.x, done.start.y, event.x, event.y, event.state);
@@ -438,12 +438,12 @@ void uv_view_cancel()
 {
     if (drag.what == doing::NOTHING)
         return;
-    const drag_t done = drag;
-    const bool changed = changes_coordinates() && done.moved;
+    const bool changed = changes_coordinates() && drag.moved;
+    drag_t done = std::move(drag);
     end();
     if (changed) {
         uv_preview(done.before);
-        journal_hold(false);
+        done.step.reset();
     } else {
         uv_view().centre_u = done.centre_u;
         uv_view().centre_v = done.centre_v;

@@ -4,7 +4,6 @@
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"
-#include "edit/document/journal.h"
 #include "edit/document/selection.h"
 #include "edit/uv/uv_replay.h"
 #include "view/drag_echo.h"
@@ -190,11 +189,11 @@ void choose(std::vector<char> corners)
 {
     if (corners == uv_editor().chosen)
         return;
-    journal_begin();
+    step_t step(step_t::of::command);
     const std::string places = uv_corner_text(corners);
     uv_choose(std::move(corners));
     echo_elements({"uv_select_corners", places});
-    journal_step("selection");
+    step.keep("selection");
     redraw_all();
     display_status();
 }

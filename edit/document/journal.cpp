@@ -33,7 +33,6 @@ struct journal_list {
     unsigned last_serial = 0;
     std::uint64_t changes = 0;
     std::size_t limit = journal_default_limit;
-    std::vector<std::string> words; // of the command that is running
     bool held = false;
     void (*before_state)(unsigned first_serial) = nullptr;
 };
@@ -91,7 +90,7 @@ std::string label_of_step(const char *label)
     return label ? label : "change";
 }
 
-bool take_step(const char *label, bool faulted)
+bool take_step(const char *label, const std::vector<std::string> &words, bool faulted)
 {
     journal_list &list = journal();
     if (list.held)
@@ -112,8 +111,7 @@ bool take_step(const char *label, bool faulted)
     now.first_serial = first_serial;
     now.change = changed ? ++list.changes : before.change;
     now.faulted = faulted;
-    if (!faulted)
-        now.words = list.words;
+    now.words = words;
     for (const undo_record_ptr &record : now.records)
         now.foreign = now.foreign || (record->foreign && record->serial > first_serial);
     drop_ahead();
@@ -224,9 +222,12 @@ void journal_restart()
     journal_begin();
 }
 
-bool journal_step(const char *label) { return take_step(label, false); }
+bool journal_step(const char *label, const std::vector<std::string> &words)
+{
+    return take_step(label, words, false);
+}
 
-bool journal_step_after_fault(const char *label) { return take_step(label, true); }
+bool journal_step_after_fault(const char *label) { return take_step(label, {}, true); }
 
 void journal_set_before_state(void (*listener)(unsigned first_serial))
 {
@@ -326,8 +327,6 @@ std::uint64_t journal_change_number()
     return behind ? journal().changes + 1 : entry(journal().present).change;
 }
 
-void journal_note_words(std::vector<std::string> words) { journal().words = std::move(words); }
-
 const std::vector<std::string> &journal_repeat_words()
 {
     static const std::vector<std::string> none;
@@ -368,9 +367,7 @@ void journal_reset_for_test()
 void journal_settle()
 {
     journal_begin();
-    const std::vector<std::string> words = std::exchange(journal().words, {});
-    take_step(nullptr, false);
-    journal().words = words;
+    take_step(nullptr, {}, false);
 }
 
 void journal_restore_before(const undo_record_ptr &record)

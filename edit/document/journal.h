@@ -20,7 +20,8 @@ void journal_restart();
 
 // After a change: a new state, when the model changed or an undo record was opened since the last.
 // Its label is that of the newest record, else `label`. Returns whether there is a new state.
-bool journal_step(const char *label);
+// `words` are the command that repeats it, for "repeat_last"; none for most.
+bool journal_step(const char *label, const std::vector<std::string> &words = {});
 // The same for a command that faulted: "take back" goes to the state before it.
 bool journal_step_after_fault(const char *label);
 
@@ -61,8 +62,7 @@ std::vector<journal_item> journal_items();
 // Names the content of the model: the same number means the same model, also after undo and redo.
 std::uint64_t journal_change_number();
 
-// The words of the command that made the present state: for repeating it. Empty for none.
-void journal_note_words(std::vector<std::string> words);
+// The words of the newest step that has some. Empty for none.
 const std::vector<std::string> &journal_repeat_words();
 
 constexpr std::size_t journal_default_limit = 512u << 20;
