@@ -103,8 +103,9 @@ void open_turn_record(const drag_change_t &turn)
     new_undo(UNDO_ROTATE_AXIS, "rotate");
     set_undo_rotate_axis_angle(&axis, angle * 180.0f / pi);
     if (!undo_records().empty()) {
-        undo_records().back()->centre = turn.centre;
-        undo_records().back()->has_centre = true;
+        auto &saved = std::get<undo_turn>(undo_records().back()->data);
+        saved.centre = turn.centre;
+        saved.has_centre = true;
     }
 }
 

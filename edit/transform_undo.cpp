@@ -10,7 +10,8 @@ namespace {
 
 void reverse_move(undo_record &record)
 {
-    const point3_t back = {-record.vector.x, -record.vector.y, -record.vector.z};
+    const point3_t &way = std::get<undo_vector>(record.data).vector;
+    const point3_t back = {-way.x, -way.y, -way.z};
     undo_on_saved_selection(record, [&] {
         translate_all_selected(&back);
         selected_calc_normals();
@@ -20,33 +21,33 @@ void reverse_move(undo_record &record)
 
 void reverse_scale(undo_record &record)
 {
-    const point3_t factors = record.vector;
+    const point3_t factors = std::get<undo_vector>(record.data).vector;
     undo_on_saved_selection(record, [&] { scale_selection(factors.x, factors.y, factors.z); });
     undo_drop_newest();
 }
 
 void reverse_resize(undo_record &record)
 {
-    undo_on_saved_selection(record, [&] {
-        resize_selection(&record.new_box[0], &record.new_box[1], &record.old_box[0],
-                         &record.old_box[1]);
-    });
+    const auto &[before, after] = std::get<undo_resize>(record.data);
+    const point3_t from[] = {after[0], after[1]}, to[] = {before[0], before[1]};
+    undo_on_saved_selection(record, [&] { resize_selection(&from[0], &from[1], &to[0], &to[1]); });
     undo_drop_newest();
 }
 
 void reverse_rotation(undo_record &record)
 {
     constexpr float pi = 3.1415927f;
-    const float angle = -record.degrees * pi / 180.0f;
+    const undo_turn turn = std::get<undo_turn>(record.data);
+    const float angle = -turn.degrees * pi / 180.0f;
     undo_on_saved_selection(record, [&] {
         if (record.kind == UNDO_ROTATE_AXIS) {
-            set_global_matrix_angle_axis(&record.vector, angle);
+            set_global_matrix_angle_axis(&turn.axis, angle);
         } else { // the signs of rotate_selected
-            set_global_matrix_rotate(record.view == VIEW_ZY ? angle : 0.0f,
-                                     record.view == VIEW_XZ ? -angle : 0.0f,
-                                     record.view == VIEW_XY ? -angle : 0.0f);
+            set_global_matrix_rotate(turn.view == VIEW_ZY ? angle : 0.0f,
+                                     turn.view == VIEW_XZ ? -angle : 0.0f,
+                                     turn.view == VIEW_XY ? -angle : 0.0f);
         }
-        rotate_selected_with_global_matrix(record.has_centre ? &record.centre : nullptr);
+        rotate_selected_with_global_matrix(turn.has_centre ? &turn.centre : nullptr);
         selected_calc_normals();
     });
     undo_drop_newest();
@@ -54,11 +55,11 @@ void reverse_rotation(undo_record &record)
 
 // clang-format off
 const undo_kind kinds[] = {
-    {UNDO_MOVE,        true, false, reverse_move},
-    {UNDO_RESIZE,      true, false, reverse_resize},
-    {UNDO_ROTATE,      true, false, reverse_rotation},
-    {UNDO_SCALE,       true, false, reverse_scale},
-    {UNDO_ROTATE_AXIS, true, false, reverse_rotation},
+    {UNDO_MOVE,        undo_data_of<undo_vector>, true, false, reverse_move},
+    {UNDO_RESIZE,      undo_data_of<undo_resize>, true, false, reverse_resize},
+    {UNDO_ROTATE,      undo_data_of<undo_turn>, true, false, reverse_rotation},
+    {UNDO_SCALE,       undo_data_of<undo_vector>, true, false, reverse_scale},
+    {UNDO_ROTATE_AXIS, undo_data_of<undo_turn>, true, false, reverse_rotation},
 };
 // clang-format on
 

@@ -113,7 +113,8 @@ bool take_step(const char *label, const std::vector<std::string> &words, bool fa
     now.faulted = faulted;
     now.words = words;
     for (const undo_record_ptr &record : now.records)
-        now.foreign = now.foreign || (record->foreign && record->serial > first_serial);
+        now.foreign = now.foreign || (record->serial > first_serial && record->operation() &&
+                                      record->operation()->foreign);
     drop_ahead();
     list.entries.push_back(std::move(now));
     ++list.present;
@@ -161,16 +162,12 @@ float largest(const point3_t &p)
 }
 
 // How much the reversal enlarges what the change made smaller; infinite for a box without extent.
-float enlargement(const undo_record &record)
+float enlargement(const undo_resize &resize)
 {
-    if (record.kind == UNDO_SCALE)
-        return std::max(1.0f, largest(record.vector));
-    if (record.kind != UNDO_RESIZE)
-        return 1;
     const auto extents = [](const point3_t(&box)[2]) {
         return std::array{box[1].x - box[0].x, box[1].y - box[0].y, box[1].z - box[0].z};
     };
-    const auto before = extents(record.old_box), after = extents(record.new_box);
+    const auto before = extents(resize.before), after = extents(resize.after);
     float most = 1;
     for (std::size_t i = 0; i < before.size(); ++i) {
         if (before[i] != 0)
@@ -182,14 +179,17 @@ float enlargement(const undo_record &record)
 // The largest number that the change and its reversal reckoned with, in terms of the result.
 float reach(const model_state &changed, const undo_record &record)
 {
-    float most = std::max(model_state_reach(changed), largest(record.centre));
-    if (record.kind == UNDO_MOVE)
-        most = std::max(most, largest(record.vector));
-    for (const point3_t &corner : record.old_box)
-        most = std::max(most, largest(corner));
-    for (const point3_t &corner : record.new_box)
-        most = std::max(most, largest(corner));
-    return most * enlargement(record);
+    const float own = model_state_reach(changed);
+    if (const auto *vector = std::get_if<undo_vector>(&record.data))
+        return record.kind == UNDO_SCALE ? own * std::max(1.0f, largest(vector->vector))
+                                         : std::max(own, largest(vector->vector));
+    if (const auto *turn = std::get_if<undo_turn>(&record.data))
+        return std::max(own, largest(turn->centre));
+    if (const auto *resize = std::get_if<undo_resize>(&record.data))
+        return std::max({own, largest(resize->before[0]), largest(resize->before[1]),
+                         largest(resize->after[0]), largest(resize->after[1])}) *
+               enlargement(*resize);
+    return own;
 }
 
 // The result of an undo that leads to no earlier state stands before the state that was undone.

@@ -47,9 +47,10 @@ void count_changed()
 // A plug-in's operation is destroyed when its record goes, even while the journal keeps the record.
 void discard(const undo_record_ptr &record)
 {
-    if (!std::exchange(record->external, false))
+    if (!record->operation())
         return;
-    const vesk_undoable_t undoable = std::exchange(record->undoable, {});
+    const vesk_undoable_t undoable = record->operation()->undoable;
+    record->data = std::monostate();
     record->broken = true;
     if (undoable.destroy)
         undoable.destroy(undoable.user_data, 1);
@@ -75,16 +76,18 @@ undo_record *record_for(const char *name)
     return current();
 }
 
-void note_selection(undo_record *record)
+// The same record's data, when it is of that sort.
+template <class Data>
+Data *data_for(const char *name)
 {
-    selection_free(&record->saved);
-    record->saved = selection_clone();
+    undo_record *record = record_for(name);
+    return record ? std::get_if<Data>(&record->data) : nullptr;
 }
 
-void copy_list(listitem **to, const listitem *from)
+void note_selection()
 {
-    list_free(to);
-    *to = list_clone(from);
+    selection_free(&current()->saved);
+    current()->saved = selection_clone();
 }
 
 // The child of the world in front of which each object stands when those before it in the list are
@@ -112,11 +115,11 @@ std::vector<object_t *> places_in_world(const std::vector<object_t *> &objects)
 }
 
 // Takes objects out of the world, told to all who hold them; where they stood is noted.
-std::vector<removed_object> take_out(std::vector<object_t *> &&objects)
+std::vector<undo_removed_objects::removed_t> take_out(std::vector<object_t *> &&objects)
 {
     std::erase_if(objects, [](const object_t *o) { return o->parent != vesk_get_world(); });
     const std::vector<object_t *> places = places_in_world(objects);
-    std::vector<removed_object> removed;
+    std::vector<undo_removed_objects::removed_t> removed;
     child_changes changes;
     for (std::size_t i = 0; i < objects.size(); ++i) {
         removed.push_back({objects[i], places[i], {}});
@@ -171,9 +174,11 @@ void new_undo(int kind, const char *description)
         return;
     debugf("setting up undo for %s\n", description);
     auto record = std::make_shared<undo_record>(kind, description);
-    const undo_kind *row = undo_kind_of(kind);
-    if (row && row->notes_selection)
-        record->saved = selection_clone();
+    if (const undo_kind *row = undo_kind_of(kind)) {
+        record->data = row->data();
+        if (row->notes_selection)
+            record->saved = selection_clone();
+    }
     list().records.push_back(std::move(record));
     while (static_cast<int>(list().records.size()) > prefs.undo_levels)
         drop_oldest();
@@ -191,24 +196,24 @@ void new_undo_state(const char *description)
 
 void set_undo_vert(float x, float y, float z)
 {
-    if (undo_record *record = record_for("set_undo_vert"))
-        record->vector = {x, y, z};
+    if (auto *data = data_for<undo_vector>("set_undo_vert"))
+        data->vector = {x, y, z};
 }
 
 void set_undo_vertices(const listitem *vertices)
 {
-    if (undo_record *record = record_for("set_undo_vert"))
-        copy_list(&record->vertices, vertices);
+    if (auto *data = data_for<undo_made_elements>("set_undo_vert"))
+        data->vertices = elements_of<vertex>(vertices);
 }
 
 void set_undo_vertex_positions(const listitem *vertices, const listitem *objects)
 {
-    undo_record *record = record_for("set_undo_vert");
-    if (!record)
+    auto *data = data_for<undo_positions>("set_undo_vert");
+    if (!data)
         return;
-    const auto save = [record](const listitem *points) {
+    const auto save = [data](const listitem *points) {
         for (vertex *point : each<vertex>(points))
-            record->positions.push_back({point, point->position});
+            data->saved.push_back({point, point->position});
     };
     save(vertices);
     for (object_t *top : each<object_t>(objects))
@@ -217,25 +222,21 @@ void set_undo_vertex_positions(const listitem *vertices, const listitem *objects
 
 void set_undo_object(object_t *object)
 {
-    if (undo_record *record = record_for("set_undo_object")) {
-        record->object = object;
-        note_selection(record);
+    if (auto *data = data_for<undo_made_objects>("set_undo_object")) {
+        data->objects = {object};
+        note_selection();
     }
 }
 
 void set_undo_objectlist(const listitem *objects)
 {
-    if (undo_record *record = record_for("set_undo_objectlist")) {
-        copy_list(&record->objects, objects);
-        note_selection(record);
+    if (auto *data = data_for<undo_made_objects>("set_undo_objectlist")) {
+        data->objects = elements_of<object_t>(objects);
+        note_selection();
     }
 }
 
-void set_undo_vertref(svertex *reference)
-{
-    if (undo_record *record = record_for("set_undo_vert"))
-        record->reference = reference;
-}
+void set_undo_vertref(svertex *) { record_for("set_undo_vert"); }
 
 void set_undo_selection(listitem *vertices, listitem *surfaces, listitem *objects, int take)
 {
@@ -254,22 +255,22 @@ void set_undo_selection(listitem *vertices, listitem *surfaces, listitem *object
 
 void set_undo_surface(surface_t *surface)
 {
-    if (undo_record *record = record_for("set_undo_surface"))
-        record->surface = surface;
+    if (auto *data = data_for<undo_made_elements>("set_undo_surface"))
+        data->surfaces = {surface};
 }
 
 void set_undo_object_surfacelist(object_t *object, const listitem *surfaces)
 {
-    if (undo_record *record = record_for(nullptr)) {
-        record->object = object;
-        copy_list(&record->surfaces, surfaces);
+    if (auto *data = data_for<undo_made_elements>(nullptr)) {
+        data->object = object;
+        data->surfaces = elements_of<surface_t>(surfaces);
     }
 }
 
 void set_undo_all(void)
 {
-    if (undo_record *record = record_for(nullptr))
-        record->model = model_state_capture();
+    if (auto *data = data_for<undo_model>(nullptr))
+        data->model = model_state_capture();
 }
 
 int set_undo_delete_selection(void)
@@ -279,51 +280,42 @@ int set_undo_delete_selection(void)
         return 0;
     if (select_mode() != SELECT_TREE) {
         record->kind = UNDO_WORLD;
-        record->model = model_state_capture();
+        record->data = undo_model{model_state_capture()};
         return 0;
     }
-    std::vector<removed_object> removed = take_out(elements_of<object_t>(selection().objects));
-    record->removed = std::move(removed); // not before: each leaves the lists of all holders
+    auto removed = take_out(elements_of<object_t>(selection().objects));
+    // Not before: each leaves the lists of all holders.
+    record->data = undo_removed_objects{std::move(removed)};
     return 1;
 }
 
 void set_undo_resize(const point3_t *old_a, const point3_t *old_b, const point3_t *new_a,
                      const point3_t *new_b)
 {
-    if (undo_record *record = record_for(nullptr)) {
-        record->old_box[0] = *old_a;
-        record->old_box[1] = *old_b;
-        record->new_box[0] = *new_a;
-        record->new_box[1] = *new_b;
-    }
+    if (auto *data = data_for<undo_resize>(nullptr))
+        *data = {{*old_a, *old_b}, {*new_a, *new_b}};
 }
 
 namespace {
 
-void set_rotation(undo_record *record, float degrees, const point3_t *centre)
+void set_turn(float degrees, int view, const point3_t &axis, const point3_t *centre)
 {
     const selection_t &all = selection();
-    record->degrees = degrees;
-    record->has_centre = centre || all.box_valid != 0;
-    record->centre = centre ? *centre : all.box_centre;
+    if (auto *data = data_for<undo_turn>(nullptr))
+        *data = {degrees, view, axis, centre ? *centre : all.box_centre,
+                 centre || all.box_valid != 0};
 }
 
 } // namespace
 
 void set_undo_rotate(float degrees, int view, const point3_t *centre)
 {
-    if (undo_record *record = record_for(nullptr)) {
-        set_rotation(record, degrees, centre);
-        record->view = view;
-    }
+    set_turn(degrees, view, {0, 0, 0}, centre);
 }
 
 void set_undo_rotate_axis_angle(const point3_t *axis, float degrees)
 {
-    if (undo_record *record = record_for(nullptr)) {
-        set_rotation(record, degrees, nullptr);
-        record->vector = *axis;
-    }
+    set_turn(degrees, 0, *axis, nullptr);
 }
 
 void set_undo_texture_coords(const listitem *surfaces)
@@ -362,9 +354,7 @@ void add_undoable(const char *description, const vesk_undoable_t *undoable)
     const bool recorded = !undo_is_off();
     if (recorded) {
         new_undo(UNDO_EXTERNAL, description);
-        current()->undoable = operation;
-        current()->external = true;
-        current()->foreign = is_foreign(operation);
+        current()->data = undo_operation{operation, is_foreign(operation)};
         current()->filled = true;
     }
     if (operation.perform)

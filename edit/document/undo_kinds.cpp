@@ -90,25 +90,45 @@ bool drop(T **element, freed_sets &freed)
     return true;
 }
 
+template <class T>
+bool drop(std::vector<T *> &elements, freed_sets &freed)
+{
+    return std::erase_if(elements, [&](T *element) { return freed.has(element); }) != 0;
+}
+
+bool drop_from(undo_made_elements &made, freed_sets &freed)
+{
+    const bool any = drop(made.surfaces, freed) | drop(made.vertices, freed);
+    return drop(&made.object, freed) || any;
+}
+bool drop_from(undo_made_objects &made, freed_sets &freed) { return drop(made.objects, freed); }
+bool drop_from(undo_removed_objects &data, freed_sets &freed)
+{
+    bool any = false;
+    for (auto &removed : data.removed) {
+        any |= drop(&removed.object, freed);
+        drop(&removed.before, freed); // stands at the end then
+    }
+    return any;
+}
+bool drop_from(undo_positions &positions, freed_sets &freed)
+{
+    return std::erase_if(positions.saved, [&](const auto &p) { return freed.has(p.point); }) != 0;
+}
+template <class Data>
+bool drop_from(Data &, freed_sets &) // names nothing
+{
+    return false;
+}
+
 bool drop_freed(undo_record &record, freed_sets &freed)
 {
     bool any = drop<vertex>(&record.saved.vertices, freed);
     any |= drop<surface_t>(&record.saved.surfaces, freed);
     any |= drop<object_t>(&record.saved.objects, freed);
-    any |= drop<vertex>(&record.vertices, freed);
-    any |= drop<surface_t>(&record.surfaces, freed);
-    any |= drop<object_t>(&record.objects, freed);
-    any |= drop(&record.surface, freed);
-    any |= drop(&record.object, freed);
-    any |= std::erase_if(record.positions,
-                         [&](const saved_position &p) { return freed.has(p.point); }) != 0;
     for (saved_texture_coords &coords : record.texture_coords)
         any |= drop(&coords.surface, freed);
-    for (removed_object &removed : record.removed) {
-        any |= drop(&removed.object, freed);
-        drop(&removed.before, freed); // stands at the end then
-    }
-    return any;
+    return std::visit([&](auto &data) { return drop_from(data, freed); }, record.data) || any;
 }
 
 void drop_freed_everywhere(const freed_things &freed)
@@ -120,31 +140,47 @@ void drop_freed_everywhere(const freed_things &freed)
     }
 }
 
+void hold(const undo_made_elements &made, freed_things &held)
+{
+    held.surfaces.insert(held.surfaces.end(), made.surfaces.begin(), made.surfaces.end());
+    held.vertices.insert(held.vertices.end(), made.vertices.begin(), made.vertices.end());
+    if (made.object)
+        held.objects.push_back(made.object);
+}
+void hold(const undo_made_objects &made, freed_things &held)
+{
+    held.objects.insert(held.objects.end(), made.objects.begin(), made.objects.end());
+}
+void hold(const undo_removed_objects &data, freed_things &held)
+{
+    for (const auto &removed : data.removed) {
+        for (object_t *object : {removed.object, removed.before}) {
+            if (object)
+                held.objects.push_back(object);
+        }
+    }
+}
+void hold(const undo_positions &positions, freed_things &held)
+{
+    for (const auto &saved : positions.saved)
+        held.vertices.push_back(saved.point);
+}
+template <class Data>
+void hold(const Data &, freed_things &) // names nothing
+{
+}
+
 void hold_everything(freed_things &held)
 {
     for (const undo_record *record : living().records) {
         append_elements(record->saved.vertices, &held.vertices);
         append_elements(record->saved.surfaces, &held.surfaces);
         append_elements(record->saved.objects, &held.objects);
-        append_elements(record->vertices, &held.vertices);
-        append_elements(record->surfaces, &held.surfaces);
-        append_elements(record->objects, &held.objects);
-        if (record->surface)
-            held.surfaces.push_back(record->surface);
-        if (record->object)
-            held.objects.push_back(record->object);
-        for (const saved_position &saved : record->positions)
-            held.vertices.push_back(saved.point);
         for (const saved_texture_coords &coords : record->texture_coords) {
             if (coords.surface)
                 held.surfaces.push_back(coords.surface);
         }
-        for (const removed_object &removed : record->removed) {
-            for (object_t *object : {removed.object, removed.before}) {
-                if (object)
-                    held.objects.push_back(object);
-            }
-        }
+        std::visit([&](const auto &data) { hold(data, held); }, record->data);
     }
 }
 
@@ -217,45 +253,34 @@ std::vector<object_t *> living_owners(std::vector<object_t *> &&owners)
 
 // ---- the reversals; each takes its record off ----
 
-void reverse_surface(undo_record &record)
+void delete_surfaces_of(const undo_made_elements &made)
 {
-    if (record.surface) {
-        if (object_t *owner = object_of_surface(nullptr, record.surface))
-            delete_surfaces(owner, {record.surface});
+    if (made.object) {
+        delete_surfaces(made.object, {made.surfaces.begin(), made.surfaces.end()});
+        return;
     }
-    undo_drop_newest();
-}
-
-void delete_created_vertices(const undo_record &record)
-{
-    const auto vertices = elements_of<vertex>(record.vertices);
-    const std::unordered_set<const vertex *> gone(vertices.begin(), vertices.end());
-    for (object_t *owner : living_owners(owners_of_vertices(vertices)))
-        delete_vertices(owner, gone);
+    for (surface_t *surface : made.surfaces) {
+        if (object_t *owner = object_of_surface(nullptr, surface))
+            delete_surfaces(owner, {surface});
+    }
 }
 
 // Vertices that came with the surfaces go with them: those that the record names.
-void reverse_surfaces(undo_record &record)
+void reverse_made_elements(undo_record &record)
 {
-    if (record.object && record.surfaces) {
-        const auto surfaces = elements_of<surface_t>(record.surfaces);
-        delete_surfaces(record.object, {surfaces.begin(), surfaces.end()});
-    }
-    if (record.vertices)
-        delete_created_vertices(record);
-    undo_drop_newest();
-}
-
-void reverse_vertices(undo_record &record)
-{
-    delete_created_vertices(record);
+    const auto &made = std::get<undo_made_elements>(record.data);
+    if (!made.surfaces.empty())
+        delete_surfaces_of(made);
+    const std::unordered_set<const vertex *> gone(made.vertices.begin(), made.vertices.end());
+    for (object_t *owner : living_owners(owners_of_vertices(made.vertices)))
+        delete_vertices(owner, gone);
     undo_drop_newest();
 }
 
 void reverse_positions(undo_record &record)
 {
     std::vector<vertex *> vertices;
-    for (const saved_position &saved : record.positions) {
+    for (const auto &saved : std::get<undo_positions>(record.data).saved) {
         saved.point->position = saved.position;
         vertices.push_back(saved.point);
     }
@@ -276,28 +301,20 @@ void reverse_texture_coords(undo_record &record)
 
 void reverse_creation(undo_record &record)
 {
-    object_t *object = record.object;
-    if (object && object_exists(object) != 0) {
-        object_delete(object);
-    } else {
-        debugf("undo add ob - object no longer exists");
-    }
-    restore_saved_selection(record);
-}
-
-void reverse_creations(undo_record &record)
-{
-    std::vector<object_t *> living = elements_of<object_t>(record.objects);
+    std::vector<object_t *> living = std::get<undo_made_objects>(record.data).objects;
     std::erase_if(living, [](const object_t *object) { return object_exists(object) == 0; });
+    if (record.kind == UNDO_OBJECT && living.empty())
+        debugf("undo add ob - object no longer exists");
     objects_delete(without_descendants(living));
     restore_saved_selection(record);
 }
 
 void reverse_deletion(undo_record &record)
 {
+    auto &all = std::get<undo_removed_objects>(record.data).removed;
     owned_list restored;
     // From the last one: each stands in front of one that is there already.
-    for (auto removed = record.removed.rbegin(); removed != record.removed.rend(); ++removed) {
+    for (auto removed = all.rbegin(); removed != all.rend(); ++removed) {
         if (!removed->object)
             continue;
         object_reparent_before(removed->object, vesk_get_world(), removed->before);
@@ -307,37 +324,40 @@ void reverse_deletion(undo_record &record)
                 identity_assign(identity[-1], part);
         });
     }
-    for (const removed_object &removed : record.removed) {
+    for (const auto &removed : all) {
         if (removed.object)
             restored.add(removed.object);
     }
-    record.removed.clear();
+    all.clear();
     record.broken = true;
     clear_selection();
     select_objectlist(restored.get());
     clear_all_undos();
 }
 
+void restore_model(const undo_record &record)
+{
+    if (const state_ptr model = std::get<undo_model>(record.data).model)
+        model_state_restore(model, restore_selection::no);
+}
+
 void reverse_world(undo_record &record)
 {
     clear_selection();
-    const state_ptr model = record.model;
-    if (model)
-        model_state_restore(model, restore_selection::no);
+    restore_model(record);
     clear_all_undos();
 }
 
 void reverse_state(undo_record &record)
 {
-    const state_ptr model = record.model;
-    if (model)
-        model_state_restore(model, restore_selection::no);
+    restore_model(record);
     undo_drop_newest();
 }
 
-void reverse_external(undo_record &record)
+void reverse_operation(undo_record &record)
 {
-    const vesk_undoable_t undoable = record.undoable;
+    const vesk_undoable_t undoable =
+        record.operation() ? record.operation()->undoable : vesk_undoable_t{};
     if (undoable.undo)
         undoable.undo(undoable.user_data);
     mark_all_suspect();
@@ -347,22 +367,22 @@ void reverse_external(undo_record &record)
 
 // clang-format off
 const undo_kind kinds[] = {
-    {UNDO_SELECTION,      false, false, restore_saved_selection},
-    {UNDO_SURFACE,        false, false, reverse_surface},
-    {UNDO_DELETE,         false, true, reverse_deletion},
-    {UNDO_WORLD_1,        false, true, reverse_world},
-    {UNDO_WORLD_2,        false, true, reverse_world},
-    {UNDO_WORLD_3,        false, true, reverse_world},
-    {UNDO_WORLD_4,        false, true, reverse_world},
-    {UNDO_WORLD,          false, true, reverse_world},
-    {UNDO_OBJECT,         false, false, reverse_creation},
-    {UNDO_POSITIONS,      false, false, reverse_positions},
-    {UNDO_VERTICES,       false, false, reverse_vertices},
-    {UNDO_OBJECTS,        false, false, reverse_creations},
-    {UNDO_TEXTURE_COORDS, false, false, reverse_texture_coords},
-    {UNDO_SURFACES,       false, false, reverse_surfaces},
-    {UNDO_EXTERNAL,       false, false, reverse_external},
-    {undo_state_kind,     false, false, reverse_state},
+    {UNDO_SELECTION,       undo_data_of<std::monostate>,       false, false, restore_saved_selection},
+    {UNDO_SURFACE,         undo_data_of<undo_made_elements>,   false, false, reverse_made_elements},
+    {UNDO_DELETE,          undo_data_of<undo_removed_objects>, false, true, reverse_deletion},
+    {UNDO_WORLD_1,         undo_data_of<undo_model>,           false, true, reverse_world},
+    {UNDO_WORLD_2,         undo_data_of<undo_model>,           false, true, reverse_world},
+    {UNDO_WORLD_3,         undo_data_of<undo_model>,           false, true, reverse_world},
+    {UNDO_WORLD_4,         undo_data_of<undo_model>,           false, true, reverse_world},
+    {UNDO_WORLD,           undo_data_of<undo_model>,           false, true, reverse_world},
+    {UNDO_OBJECT,          undo_data_of<undo_made_objects>,    false, false, reverse_creation},
+    {UNDO_POSITIONS,       undo_data_of<undo_positions>,       false, false, reverse_positions},
+    {UNDO_VERTICES,        undo_data_of<undo_made_elements>,   false, false, reverse_made_elements},
+    {UNDO_OBJECTS,         undo_data_of<undo_made_objects>,    false, false, reverse_creation},
+    {UNDO_TEXTURE_COORDS,  undo_data_of<std::monostate>,       false, false, reverse_texture_coords},
+    {UNDO_SURFACES,        undo_data_of<undo_made_elements>,   false, false, reverse_made_elements},
+    {UNDO_EXTERNAL,        undo_data_of<undo_operation>,       false, false, reverse_operation},
+    {undo_state_kind,      undo_data_of<undo_model>,           false, false, reverse_state},
 };
 // clang-format on
 
@@ -437,16 +457,15 @@ undo_record::~undo_record()
 {
     living().records.erase(this); // what is freed below is told, but not to this record
     selection_free(&saved);
-    list_free(&surfaces);
-    list_free(&vertices);
-    list_free(&objects);
     freed_batch at_once;
-    for (const removed_object &entry : removed) {
-        if (entry.object && !entry.object->parent)
-            object_free(entry.object);
+    if (const auto *taken = std::get_if<undo_removed_objects>(&data)) {
+        for (const auto &entry : taken->removed) {
+            if (entry.object && !entry.object->parent)
+                object_free(entry.object);
+        }
     }
-    if (external && undoable.destroy)
-        undoable.destroy(undoable.user_data, 1);
+    if (operation() && operation()->undoable.destroy)
+        operation()->undoable.destroy(operation()->undoable.user_data, 1);
 }
 
 unsigned undo_last_serial() { return living().last_serial; }
@@ -456,5 +475,5 @@ void undo_set_jumping(bool jumping) { living().jumping = jumping; }
 void undo_break_external()
 {
     for (undo_record *record : living().records)
-        record->broken = record->broken || record->external;
+        record->broken = record->broken || record->operation();
 }
