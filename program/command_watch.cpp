@@ -12,8 +12,7 @@
 #include "model/freed.h"
 #include "model/world.h"
 #include "model/world_check.h"
-#include "view/interaction.h"
-#include "view/tool_left.h"
+#include "view/tools.h"
 #include "view/uv_view.h"
 
 #include <algorithm>
@@ -52,7 +51,7 @@ std::string label_of(const vesk_command_t *command, int count, const char *const
 void before_command(const vesk_command_t *command, int count, const char *const *words)
 {
     if (!leaves_drag(command_kind_of(command))) {
-        left_tool_interrupt();
+        tools_interrupt();
         uv_view_cancel();
     }
     const bool outermost = session().command_depth == 0;
@@ -90,7 +89,7 @@ void after_command(const vesk_command_t *command, bool whole)
 
 void after_fault()
 {
-    interaction_forget();
+    tools_forget();
     uv_view_forget();
     journal_reset_after_fault();
     world_check(vesk_get_world());

@@ -27,7 +27,7 @@
 #include "plugin/importers.h"
 #include "program/command_table.h"
 #include "program/own_commands.h"
-#include "view/tool_left.h"
+#include "view/tools.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -169,7 +169,7 @@ void command_command_info(const char *name)
 }
 
 // 1 when a running drag or a half-drawn outline took the key; the views' own keys come after it.
-void command_tool_key(const char *keysym) { command_result_set(left_tool_key(keysym) ? "1" : "0"); }
+void command_tool_key(const char *keysym) { command_result_set(tool_key(keysym) ? "1" : "0"); }
 
 // Selects these objects and nothing else, by the rule of the present mode.
 void command_objects_select(const char *ids)

@@ -26,7 +26,7 @@
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
-#include "view/tool_extra.h"
+#include "view/tools.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

@@ -24,7 +24,7 @@
 #include "plugin/loader.h"
 #include "program/command_table.h"
 #include "view/camera_internal.h"
-#include "view/tool_left.h"
+#include "view/tools.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 
@@ -168,7 +168,7 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     create_palette();
     set_new_select_mode(0);
     set_new_draw_mode(0);
-    left_tool_install();
+    tools_install();
     uv_view_install();
     vesk_register_builtin_texture_loaders();
     vesk_register_internal_surface_filters();

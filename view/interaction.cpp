@@ -7,6 +7,8 @@
 #include "view/axis_cross.h"
 #include "view/camera_internal.h"
 #include "view/draw_budget.h"
+#include "view/number_field.h"
+#include "view/tool.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -15,7 +17,6 @@
 
 namespace {
 
-constexpr int click_slack = 3;             // pixels that are still a click
 constexpr float pixels_per_turn_step = 10; // of mouse_rotate_degs
 constexpr float pixels_per_zoom_step = 6;
 constexpr int spin_tick_msecs = 16;
@@ -32,8 +33,9 @@ struct drag_t {
     int start_x = 0, start_y = 0;
     int last_x = 0, last_y = 0;
     bool moved = false;
-    bool held = false;         // the button is up, the drag goes on
-    pointer_event_t last = {}; // of a tool's drag
+    bool held = false;            // the button is up, the drag goes on
+    const tool_t *tool = nullptr; // of drag_kind::tool
+    pointer_event_t last = {};    // of a tool's drag
     double last_time = 0;
     double speed_x = 0, speed_y = 0; // degrees a second, while turning
     int cross_axis = 0;
@@ -48,10 +50,15 @@ struct interaction_t {
     double spin_x = 0, spin_y = 0; // degrees a second
     double last_tick = 0;
     double last_motion[num_views] = {-1e9, -1e9, -1e9, -1e9};
-    const left_tool_t *tool = nullptr;
+    const tool_t *(*tools)() = nullptr;
     double scale = 1.0;
 };
 interaction_t interaction;
+
+const tool_t *tool_of_left_button()
+{
+    return interaction.tools == nullptr ? nullptr : interaction.tools();
+}
 
 // Alt and the left button stand for the middle one.
 int meant_button(const pointer_event_t &event)
@@ -184,9 +191,10 @@ void click(const drag_t &drag, const pointer_event_t &event)
         popup_3d_menu(event.x, event.y);
     else if (drag.button == 3)
         popup_view_menu(event.view, event.x, event.y);
-    else if (drag.button == 1 && drag.kind != drag_kind::pan && interaction.tool != nullptr &&
-             interaction.tool->click != nullptr)
-        interaction.tool->click(event);
+    else if (const tool_t *tool = tool_of_left_button(); drag.button == 1 &&
+                                                         drag.kind != drag_kind::pan &&
+                                                         tool != nullptr && tool->click != nullptr)
+        tool->click(event);
 }
 
 // The right button takes a drag back; a click ends one that goes on without a button.
@@ -199,6 +207,11 @@ void press_during_drag(const pointer_event_t &event)
 }
 
 } // namespace
+
+bool is_click(const pointer_event_t &press, const pointer_event_t &event)
+{
+    return std::abs(event.x - press.x) <= click_slack && std::abs(event.y - press.y) <= click_slack;
+}
 
 void interaction_press(const pointer_event_t &event)
 {
@@ -223,26 +236,31 @@ void interaction_press(const pointer_event_t &event)
         interaction.drag = drag;
         return;
     }
-    if (button == 1 && interaction.tool != nullptr && interaction.tool->press(event))
+    const tool_t *tool = button == 1 ? tool_of_left_button() : nullptr;
+    if (tool != nullptr && tool->press(event)) {
         drag.kind = drag_kind::tool;
-    else
+        drag.tool = tool;
+    } else {
         drag.kind = event.view == VIEW_XYZ ? kind_for_3d_view(button) : kind_for_flat_view(button);
+    }
     interaction.drag = drag;
 }
 
 void interaction_motion(const pointer_event_t &event)
 {
     drag_t &drag = interaction.drag;
-    if (drag.kind == drag_kind::none && drag.button == 0 && interaction.tool != nullptr &&
-        interaction.tool->hover != nullptr)
-        interaction.tool->hover(event);
+    if (drag.kind == drag_kind::none && drag.button == 0) {
+        const tool_t *tool = tool_of_left_button();
+        if (tool != nullptr && tool->hover != nullptr)
+            tool->hover(event);
+    }
     if (drag.kind == drag_kind::none || event.view != drag.view)
         return;
     if (drag.kind == drag_kind::tool) {
         if (drag.held)
             return; // only what is typed counts
         drag.last = event;
-        interaction.tool->motion(event);
+        drag.tool->motion(event);
         return;
     }
     if (!drag.moved && rests(drag, event))
@@ -288,14 +306,13 @@ void interaction_release(const pointer_event_t &event)
     }
     if (event.button != drag.button || drag.held)
         return;
-    if (drag.kind == drag_kind::tool && interaction.tool->holds != nullptr &&
-        interaction.tool->holds()) {
+    if (drag.kind == drag_kind::tool && number_field_is_open()) {
         interaction.drag.held = true;
         return;
     }
     interaction.drag = {};
     if (drag.kind == drag_kind::tool) {
-        interaction.tool->release(event);
+        drag.tool->release(event);
         return;
     }
     if (!drag.moved)
@@ -310,9 +327,9 @@ void interaction_enter(int view) { set_view_under_pointer(view); }
 void interaction_leave(int)
 {
     set_view_under_pointer(VIEW_NONE);
-    if (interaction.drag.kind == drag_kind::none && interaction.tool != nullptr &&
-        interaction.tool->outside != nullptr)
-        interaction.tool->outside();
+    const tool_t *tool = tool_of_left_button();
+    if (interaction.drag.kind == drag_kind::none && tool != nullptr && tool->outside != nullptr)
+        tool->outside();
 }
 
 void interaction_wheel(int view, int direction)
@@ -358,7 +375,7 @@ void interaction_cancel()
     if (drag.kind == drag_kind::none)
         return;
     if (drag.kind == drag_kind::tool) {
-        interaction.tool->cancel();
+        drag.tool->cancel();
         return;
     }
     if (drag.view == VIEW_XYZ) {
@@ -377,15 +394,13 @@ void interaction_accept()
     if (drag.kind != drag_kind::tool)
         return;
     interaction.drag = {};
-    interaction.tool->release(drag.last);
+    drag.tool->release(drag.last);
 }
 
 void interaction_forget()
 {
     interaction.drag = {};
     interaction.spinning = false;
-    if (interaction.tool != nullptr && interaction.tool->forget != nullptr)
-        interaction.tool->forget();
 }
 
 void view_note_motion(int view, double seconds) { interaction.last_motion[view] = seconds; }
@@ -395,7 +410,7 @@ bool view_is_moving(int view, double seconds)
     return seconds - interaction.last_motion[view] < settle_after;
 }
 
-void interaction_set_left_tool(const left_tool_t *tool) { interaction.tool = tool; }
+void interaction_set_tools(const tool_t *(*now)()) { interaction.tools = now; }
 
 void view_set_interface_scale(double scale) { interaction.scale = scale; }
 

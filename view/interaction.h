@@ -5,6 +5,8 @@
 // camera moves, model edits and redraw requests out. It knows no toolkit and is tested by feeding
 // it events.
 
+struct tool_t;
+
 struct pointer_event_t {
     int view;
     int x, y;
@@ -12,6 +14,10 @@ struct pointer_event_t {
     int state;      // modifiers
     double seconds; // monotonic
 };
+
+// Whether the pointer is still so near to a press that it is a click.
+constexpr int click_slack = 3; // pixels
+bool is_click(const pointer_event_t &press, const pointer_event_t &event);
 
 enum class drag_kind {
     none,
@@ -52,27 +58,9 @@ void interaction_forget();
 bool view_is_moving(int view, double seconds);
 void view_note_motion(int view, double seconds);
 
-// What the left button does where neither the camera nor the cross takes it; `click`, `hover`,
-// `holds`, `forget` and `outside` may be null. `press` answers whether the tool wants the drag. A
-// press of the right button during a drag cancels it.
-struct left_tool_t {
-    bool (*press)(const pointer_event_t &event);
-    void (*motion)(const pointer_event_t &event);
-    void (*release)(const pointer_event_t &event);
-    void (*cancel)();
-    // A left click in the 3D view that was no drag and not on the cross.
-    void (*click)(const pointer_event_t &event);
-    // Motion without a button.
-    void (*hover)(const pointer_event_t &event);
-    // Whether the drag goes on although the button was let go (a number is being typed): a click
-    // then ends it.
-    bool (*holds)();
-    // Drops everything that the tool remembers.
-    void (*forget)();
-    // The pointer went out of the views.
-    void (*outside)();
-};
-void interaction_set_left_tool(const left_tool_t *tool);
+// Asks which tool has the left button where neither the camera nor the cross takes it (null: none).
+// A drag stays with the tool that it began with; a press of the right button cancels it.
+void interaction_set_tools(const tool_t *(*now)());
 
 // Interface scale that the shell reports (1 at 96 dpi).
 void view_set_interface_scale(double scale);

@@ -24,4 +24,8 @@ struct overlay_t {
 
 overlay_t &overlay();
 
+// Shows the rubber band from a press to the pointer.
+struct pointer_event_t;
+void show_band(const pointer_event_t &press, const pointer_event_t &event);
+
 #endif

@@ -22,12 +22,12 @@ target_sources(vesk_core PRIVATE
     view/ruler.cpp
     view/screen_ray.cpp
     view/tool_create.cpp
-    view/tool_extra.cpp
     view/tool_insert.cpp
-    view/tool_left.cpp
     view/tool_measure.cpp
     view/tool_select.cpp
     view/tool_transform.cpp
+    view/tool_zoom.cpp
+    view/tools.cpp
     view/uv_drag.cpp
     view/uv_view.cpp
     view/view_picture.cpp

@@ -28,7 +28,6 @@
 
 namespace {
 
-constexpr int click_slack = 3;
 constexpr double double_click_seconds = 0.4;
 
 struct corners_t {
@@ -126,8 +125,7 @@ corners_t corners_of(const pointer_event_t &event, bool solid)
 {
     const view_axes_t axes = view_axes[event.view];
     corners_t c = {point_at(state.start), point_at(event)};
-    if (!number_field_is_open() && std::abs(event.x - state.start.x) <= click_slack &&
-        std::abs(event.y - state.start.y) <= click_slack) {
+    if (!number_field_is_open() && is_click(state.start, event)) {
         c.c2 = c.c1;
         return c;
     }
@@ -287,25 +285,43 @@ void light_click(const pointer_event_t &event)
     keep_step(step, words, "add light");
 }
 
-} // namespace
-
-bool create_press(const pointer_event_t &event)
+bool wanted()
 {
-    if (!is_orthographic(event.view)) {
-        return false;
-    }
-    const bool wanted =
-        box_tool() != nullptr || outline_tool() != nullptr || draw_mode() == DRAW_LIGHT;
-    state.dragging = wanted;
-    state.start = state.last = event;
-    return wanted;
+    return box_tool() != nullptr || outline_tool() != nullptr || draw_mode() == DRAW_LIGHT;
 }
 
-void create_motion(const pointer_event_t &event)
+bool press(const pointer_event_t &event)
+{
+    state.dragging = is_orthographic(event.view);
+    state.start = state.last = event;
+    return state.dragging;
+}
+
+void hover(const pointer_event_t &event)
+{
+    if (!is_orthographic(event.view)) {
+        return;
+    }
+    if (state.points.empty()) {
+        show_point_at(event);
+        return;
+    }
+    if (event.view != state.view) {
+        return;
+    }
+    state.last = event;
+    const point3_t p = next_point(event);
+    show_coors_and_len(&p, &state.points.back(), &p);
+    preview_outline(&p);
+    number_field_show(event.view, event.x, event.y);
+    redraw_all();
+}
+
+void motion(const pointer_event_t &event)
 {
     const create_kind_t *tool = box_tool();
     if (tool == nullptr) {
-        create_hover(event);
+        hover(event);
         return;
     }
     state.last = event;
@@ -317,7 +333,7 @@ void create_motion(const pointer_event_t &event)
     redraw_all();
 }
 
-void create_release(const pointer_event_t &event)
+void release(const pointer_event_t &event)
 {
     state.dragging = false;
     overlay().preview.clear();
@@ -338,36 +354,13 @@ void create_release(const pointer_event_t &event)
     }
 }
 
-void create_cancel()
+void cancel()
 {
     state.dragging = false;
     drop_outline();
 }
 
-void create_hover(const pointer_event_t &event)
-{
-    if (!is_orthographic(event.view)) {
-        return;
-    }
-    if (state.points.empty()) {
-        const point3_t p = point_at(event);
-        show_coors(&p);
-        return;
-    }
-    if (event.view != state.view) {
-        return;
-    }
-    state.last = event;
-    const point3_t p = next_point(event);
-    show_coors_and_len(&p, &state.points.back(), &p);
-    preview_outline(&p);
-    number_field_show(event.view, event.x, event.y);
-    redraw_all();
-}
-
 // ---- keys ----
-
-namespace {
 
 void take_last_point_back()
 {
@@ -376,7 +369,7 @@ void take_last_point_back()
     if (state.points.empty()) {
         drop_outline();
     } else {
-        create_hover(state.last);
+        hover(state.last);
     }
 }
 
@@ -395,7 +388,7 @@ bool outline_key(const outline_kind_t &tool, const char *key)
         if (number_field_is_open()) {
             number_field_choose(axis);
         }
-        create_hover(state.last);
+        hover(state.last);
     } else {
         return false;
     }
@@ -423,13 +416,11 @@ bool take_number(const create_kind_t *box, const outline_kind_t *outline, const 
         break;
     }
     number_field_show(state.last.view, state.last.x, state.last.y);
-    create_motion(state.last);
+    motion(state.last);
     return true;
 }
 
-} // namespace
-
-bool create_key(const char *key)
+bool key(const char *key)
 {
     const create_kind_t *box = state.dragging ? box_tool() : nullptr;
     const outline_kind_t *outline = state.points.empty() ? nullptr : outline_tool();
@@ -439,12 +430,32 @@ bool create_key(const char *key)
     return take_number(box, outline, key) || (outline != nullptr && outline_key(*outline, key));
 }
 
-void create_forget()
+void drop_half_drawn()
+{
+    if (!state.points.empty())
+        cancel();
+}
+
+void forget()
 {
     state = {};
     number_field_close();
 }
 
-bool create_is_half_drawn() { return !state.points.empty(); }
+} // namespace
 
-void tool_create_reset_for_test() { state = {}; }
+void show_point_at(const pointer_event_t &event)
+{
+    const point3_t p = point_at(event);
+    show_coors(&p);
+}
+
+const tool_t create_tool = {.wanted = wanted,
+                            .press = press,
+                            .motion = motion,
+                            .release = release,
+                            .cancel = cancel,
+                            .hover = hover,
+                            .key = key,
+                            .leave = drop_half_drawn,
+                            .forget = forget};

@@ -104,11 +104,15 @@ void release(const pointer_event_t &event)
 
 void hover(const pointer_event_t &event) { show(edge_at(event)); }
 
-bool key(const char *) { return false; }
-
 } // namespace
 
-const extra_tool_t insert_tool = {"insert_vertex", press, motion, release, forget,
-                                  hover,           key,   forget, forget};
+const tool_t insert_tool = {.name = "insert_vertex",
+                            .press = press,
+                            .motion = motion,
+                            .release = release,
+                            .cancel = forget,
+                            .hover = hover,
+                            .outside = forget,
+                            .leave = forget};
 
 const insert_mark_t &insert_mark() { return mark; }

@@ -2,11 +2,11 @@
 #define VESK_VIEW_TOOL_INSERT_H
 
 #include "base/types.h"
-#include "view/tool_extra.h"
+#include "view/tool.h"
 
 // Inserts a vertex where an edge is clicked, in any view: the edge under the pointer and the place on
 // it are shown. While the grid is on the place is where the edge crosses it; Control takes the middle.
-extern const extra_tool_t insert_tool;
+extern const tool_t insert_tool;
 
 // What is shown: the edge and the place of the new vertex.
 struct insert_mark_t {

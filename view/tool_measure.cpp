@@ -22,8 +22,6 @@
 
 namespace {
 
-constexpr int click_slack = 3; // pixels that are still a click
-
 struct measure_t {
     pointer_event_t start = {};
     pointer_event_t last = {};
@@ -161,8 +159,7 @@ bool press(const pointer_event_t &event)
 
 void motion(const pointer_event_t &event)
 {
-    if (!state.moved && std::abs(event.x - state.start.x) <= click_slack &&
-        std::abs(event.y - state.start.y) <= click_slack)
+    if (!state.moved && is_click(state.start, event))
         return;
     if (!state.moved && fixed_points() == 2)
         ruler() = {{state.pressed}, false};
@@ -208,5 +205,11 @@ bool key(const char *keysym)
 
 } // namespace
 
-const extra_tool_t measure_tool = {"measure", press, motion, release, clear,
-                                   hover,     key,   clear,  nullptr};
+const tool_t measure_tool = {.name = "measure",
+                             .press = press,
+                             .motion = motion,
+                             .release = release,
+                             .cancel = clear,
+                             .hover = hover,
+                             .key = key,
+                             .leave = clear};

@@ -33,13 +33,12 @@
 
 namespace {
 
-constexpr int click_slack = 3; // pixels that are still a click
 constexpr float angle_step = 15.0f;
 constexpr double degrees_per_radian = 57.29577951308232;
 
-enum class doing { NOTHING, BAND, ZOOM, MOVE, ROTATE, RESIZE, EXTRUDE };
+enum class doing { NOTHING, BAND, MOVE, ROTATE, RESIZE, EXTRUDE };
 
-struct tool_t {
+struct state_t {
     doing what = doing::NOTHING;
     pointer_event_t start = {};
     bool moved = false;
@@ -53,9 +52,7 @@ struct tool_t {
     std::unique_ptr<extrude_preview_t> extrusion;
     pointer_event_t last = {};
 };
-tool_t tool;
-
-bool draws_band() { return tool.what == doing::BAND || tool.what == doing::ZOOM; }
+state_t tool;
 
 doing what_on_selection(int view)
 {
@@ -71,9 +68,6 @@ doing what_on_selection(int view)
 
 doing what_to_do(const pointer_event_t &event, int handle)
 {
-    if (draw_mode() == DRAW_ZOOM) {
-        return is_orthographic(event.view) ? doing::ZOOM : doing::NOTHING;
-    }
     if (handle > HANDLE_INSIDE_ROTATE) {
         return doing::RESIZE;
     }
@@ -338,21 +332,10 @@ void note_motion_everywhere(double seconds)
     }
 }
 
-void step_band(const pointer_event_t &event)
-{
-    overlay_t &shown = overlay();
-    shown.band_view = event.view;
-    shown.x0 = tool.start.x;
-    shown.y0 = tool.start.y;
-    shown.x1 = event.x;
-    shown.y1 = event.y;
-    redraw(event.view);
-}
-
 void step(const pointer_event_t &event)
 {
-    if (draws_band()) {
-        step_band(event);
+    if (tool.what == doing::BAND) {
+        show_band(tool.start, event);
         return;
     }
     const drag_change_t change = change_of(event);
@@ -367,7 +350,7 @@ void step(const pointer_event_t &event)
     redraw_all();
 }
 
-void forget()
+void drop()
 {
     const int band_view = overlay().band_view;
     number_field_close();
@@ -386,7 +369,7 @@ void begin_change()
         return;
     }
     tool.moved = true;
-    if (draws_band()) {
+    if (tool.what == doing::BAND) {
         return;
     }
     tool.step = std::make_unique<step_t>(step_t::of::drag);
@@ -403,28 +386,6 @@ void begin_change()
 
 // ---- the end of a drag ----
 
-// A click zooms in (Shift: out), a rectangle is seen as large as it fits.
-void finish_zoom(const pointer_event_t &event)
-{
-    const pointer_event_t start = tool.start;
-    const bool clicked = !tool.moved;
-    forget();
-    if (clicked) {
-        qualifier_shift(event.state) != 0 ? zoom_out_win(start.view) : zoom_in_win(start.view);
-        return;
-    }
-    int geometry[4] = {};
-    win_get_geom(start.view, geometry);
-    const auto width = static_cast<float>(std::max(std::abs(event.x - start.x), 4));
-    const auto height = static_cast<float>(std::max(std::abs(event.y - start.y), 4));
-    view_pan_by(start.view,
-                static_cast<float>(geometry[2]) / 2 - static_cast<float>(event.x + start.x) / 2,
-                static_cast<float>(geometry[3]) / 2 - static_cast<float>(event.y + start.y) / 2);
-    view_zoom_by(start.view, std::min(static_cast<float>(geometry[2]) / width,
-                                      static_cast<float>(geometry[3]) / height));
-    redraw_orth();
-}
-
 void finish_change(const pointer_event_t &event)
 {
     const drag_change_t change = change_of(event);
@@ -434,7 +395,7 @@ void finish_change(const pointer_event_t &event)
     const std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     std::vector<std::string> words;
-    forget();
+    drop();
     if (is_nothing(change)) {
         transform->take_back();
     } else if (extrudes) {
@@ -516,12 +477,9 @@ bool take_axis(const char *key)
     return true;
 }
 
-} // namespace
-
-bool transform_press(const pointer_event_t &event)
+bool press(const pointer_event_t &event)
 {
-    const int handle =
-        draw_mode() == DRAW_ZOOM ? HANDLE_NONE : handle_at(event.view, event.x, event.y);
+    const int handle = handle_at(event.view, event.x, event.y);
     const doing what = what_to_do(event, handle);
     if (what == doing::NOTHING) {
         return false; // the camera's
@@ -535,10 +493,9 @@ bool transform_press(const pointer_event_t &event)
     return true;
 }
 
-void transform_motion(const pointer_event_t &event)
+void motion(const pointer_event_t &event)
 {
-    if (!tool.moved && std::abs(event.x - tool.start.x) <= click_slack &&
-        std::abs(event.y - tool.start.y) <= click_slack) {
+    if (!tool.moved && is_click(tool.start, event)) {
         return;
     }
     begin_change();
@@ -547,33 +504,29 @@ void transform_motion(const pointer_event_t &event)
     number_field_show(event.view, event.x, event.y);
 }
 
-void transform_release(const pointer_event_t &event)
+void release(const pointer_event_t &event)
 {
-    if (tool.what == doing::ZOOM) {
-        finish_zoom(event);
-        return;
-    }
     if (!tool.moved) {
         const pointer_event_t start = tool.start;
-        forget();
+        drop();
         select_click(start.view, start.x, start.y, start.state, start.seconds);
         return;
     }
     if (tool.what == doing::BAND) {
         const band_t band = {tool.start.x, tool.start.y, event.x, event.y, event.x < tool.start.x};
         const int view = tool.start.view;
-        forget();
+        drop();
         select_band(view, band, event.state);
         return;
     }
     finish_change(event);
 }
 
-void transform_cancel()
+void cancel()
 {
     std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
-    forget();
+    drop();
     if (transform != nullptr) {
         transform->take_back();
     }
@@ -582,14 +535,37 @@ void transform_cancel()
     display_status();
 }
 
-bool transform_key(const char *key)
+bool key(const char *key)
 {
-    if (tool.what == doing::NOTHING || draws_band()) {
+    if (tool.what == doing::NOTHING || tool.what == doing::BAND) {
         return false;
     }
     return take_number(key) || take_axis(key);
 }
 
-bool transform_runs() { return tool.transform != nullptr; }
+bool runs() { return tool.transform != nullptr; }
 
-void transform_forget() { forget(); }
+void click(const pointer_event_t &event)
+{
+    select_click(event.view, event.x, event.y, event.state, event.seconds);
+}
+
+void hover(const pointer_event_t &event)
+{
+    win_set_handle_cursor(event.view, handle_at(event.view, event.x, event.y));
+}
+
+bool wanted() { return mode_is_selectable(draw_mode()) != 0; }
+
+} // namespace
+
+const tool_t transform_tool = {.wanted = wanted,
+                               .press = press,
+                               .motion = motion,
+                               .release = release,
+                               .cancel = cancel,
+                               .click = click,
+                               .hover = hover,
+                               .key = key,
+                               .runs = runs,
+                               .forget = drop};

@@ -22,7 +22,6 @@
 
 namespace {
 
-constexpr int click_slack = 3;
 constexpr double angle_step = 15;
 constexpr double degrees_per_radian = 57.29577951308232;
 constexpr double pixels_per_zoom_step = 6;
@@ -388,8 +387,7 @@ void uv_view_motion(const pointer_event_t &event)
     }
     if (drag.held)
         return;
-    if (!drag.moved && std::abs(event.x - drag.start.x) <= click_slack &&
-        std::abs(event.y - drag.start.y) <= click_slack)
+    if (!drag.moved && is_click(drag.start, event))
         return;
     if (!drag.moved)
         begin();

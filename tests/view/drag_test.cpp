@@ -160,11 +160,11 @@ struct cancel_case {
 };
 // clang-format off
 const cancel_case cancel_cases[] = {
-    {"escape",        "move",   210, 130, [](Tools *) { left_tool_key("Escape"); }},
+    {"escape",        "move",   210, 130, [](Tools *) { tool_key("Escape"); }},
     {"the_right_button", "move", 210, 130, [](Tools *) { interaction_press({VIEW_XY, 220, 140, 3, 0, 90}); }},
-    {"rotating",      "rotate", 240, 150, [](Tools *) { left_tool_key("Escape"); }},
+    {"rotating",      "rotate", 240, 150, [](Tools *) { tool_key("Escape"); }},
     {"resizing",      "move",   258, 150, [](Tools *) { interaction_press({VIEW_XY, 220, 140, 3, 0, 90}); }},
-    {"after_numbers", "move",   210, 130, [](Tools *) { left_tool_key("7"); left_tool_key("Escape"); }},
+    {"after_numbers", "move",   210, 130, [](Tools *) { tool_key("7"); tool_key("Escape"); }},
     {"undo_meanwhile", "move",  210, 130, [](Tools *) { run("undo"); }, false},
     {"a_key_that_selects", "move", 210, 130, [](Tools *) { run("keypress", 0, "v", 0); run("keypress", 0, "o", 0); }, false},
 };

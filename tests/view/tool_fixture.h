@@ -5,7 +5,7 @@
 #include "tests/support/scene_test.h"
 #include "view/camera_internal.h"
 #include "view/interaction.h"
-#include "view/tool_left.h"
+#include "view/tools.h"
 #include "view/views_internal.h"
 
 constexpr int shift = 1, control = 4;
@@ -19,11 +19,11 @@ protected:
         views_reset_for_test();
         camera_reset_for_test();
         interaction_reset_for_test();
-        left_tool_reset_for_test();
+        tools_reset_for_test();
         for (int view = 0; view < 4; ++view) {
             handle_resize(view, 400, 300);
         }
-        left_tool_install();
+        tools_install();
         cube = add_cube("cube");
     }
     void press(int view, int x, int y, int state = 0)
@@ -50,7 +50,7 @@ protected:
         move(view, x1, y1, state);
         release(view, x1, y1, state);
     }
-    bool key(const char *keysym) { return left_tool_key(keysym); }
+    bool key(const char *keysym) { return tool_key(keysym); }
     bool keys(std::initializer_list<const char *> keysyms)
     {
         bool all = true;

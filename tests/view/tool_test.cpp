@@ -48,7 +48,7 @@ TEST_F(Tools, EscapePutsBackTheVeryBits)
     for (int i = 0; i < 50; ++i) {
         move(VIEW_XY, 210 + i * 3, 130 + i);
     }
-    EXPECT_TRUE(left_tool_key("Escape"));
+    EXPECT_TRUE(tool_key("Escape"));
     const point3_t after = object_get_vertex_at(cube, 3)->position;
     EXPECT_EQ(before.x, after.x);
     EXPECT_EQ(before.y, after.y);
@@ -61,7 +61,7 @@ TEST_F(Tools, KeysLockAxesAndControlTogglesTheGrid)
     select_object(cube);
     press(VIEW_XY, 200, 150);
     move(VIEW_XY, 250, 110);
-    EXPECT_TRUE(left_tool_key("x"));
+    EXPECT_TRUE(tool_key("x"));
     release(VIEW_XY, 250, 110);
     EXPECT_EQ(run("get_selection_centre"), "0.5 0 0");
 
@@ -201,7 +201,7 @@ TEST_F(Tools, OutlinesGoClickByClick)
     click(VIEW_XY, 100, 100);
     click(VIEW_XY, 200, 100);
     click(VIEW_XY, 250, 120);
-    EXPECT_TRUE(left_tool_key("BackSpace"));
+    EXPECT_TRUE(tool_key("BackSpace"));
     click(VIEW_XY, 200, 200);
     click(VIEW_XY, 101, 101); // on the first point: closed
     ASSERT_NE(get_current_object(), nullptr);
@@ -216,7 +216,7 @@ TEST_F(Tools, OutlinesGoClickByClick)
     run("set_draw_mode", "polyline");
     click(VIEW_XY, 100, 100);
     run("set_draw_mode", "move"); // drops what is half drawn
-    EXPECT_FALSE(left_tool_key("Return"));
+    EXPECT_FALSE(tool_key("Return"));
     EXPECT_EQ(vesk_get_world()->num_children, 3);
 }
 

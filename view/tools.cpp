@@ -1,0 +1,120 @@
+#include "view/tools.h"
+
+#include "base/messages.h"
+#include "base/redraw.h"
+#include "edit/document/modes.h"
+#include "edit/document/selection.h"
+#include "edit/panel_transform.h"
+#include "view/interaction.h"
+#include "view/tool_create.h"
+#include "view/tool_insert.h"
+#include "view/tool_measure.h"
+#include "view/tool_select.h"
+#include "view/tool_transform.h"
+#include "view/tool_zoom.h"
+
+#include <cstring>
+
+namespace {
+
+const tool_t *const tools[] = {&transform_tool, &zoom_tool, &create_tool, &measure_tool,
+                               &insert_tool};
+
+const tool_t *chosen = nullptr; // by name
+
+const tool_t *tool_named(const char *name)
+{
+    for (const tool_t *tool : tools) {
+        if (tool->name != nullptr && std::strcmp(tool->name, name) == 0)
+            return tool;
+    }
+    return nullptr;
+}
+
+void choose(const tool_t *tool)
+{
+    if (interaction_drag() == drag_kind::tool)
+        interaction_cancel();
+    const tool_t *before = tool_now();
+    chosen = tool;
+    if (before != nullptr && before != tool_now() && before->leave != nullptr)
+        before->leave();
+    tcl_command("set_view_tool_ui %s", tool == nullptr ? "none" : tool->name);
+    redraw_all();
+}
+
+void draw_mode_changed()
+{
+    if (chosen != nullptr)
+        choose(nullptr);
+}
+
+void cancel_half_drawn() { create_tool.leave(); }
+
+// Half a drag must not go on over another selection than the one that it moves.
+void selection_changes(const char *, void *) { tools_interrupt(); }
+
+} // namespace
+
+const tool_t *tool_now()
+{
+    if (chosen != nullptr)
+        return chosen;
+    for (const tool_t *tool : tools) {
+        if (tool->name == nullptr && tool->wanted())
+            return tool;
+    }
+    return nullptr;
+}
+
+void tools_install()
+{
+    interaction_set_tools(tool_now);
+    set_draw_cancel_hook(cancel_half_drawn);
+    set_draw_mode_hook(draw_mode_changed);
+    vesk_add_selection_changed_callback(selection_changes, nullptr);
+}
+
+bool tool_key(const char *keysym)
+{
+    if (std::strcmp(keysym, "Escape") == 0 && interaction_drag() != drag_kind::none) {
+        interaction_cancel();
+        return true;
+    }
+    const tool_t *tool = tool_now();
+    return tool != nullptr && tool->key != nullptr && tool->key(keysym);
+}
+
+void tools_interrupt()
+{
+    for (const tool_t *tool : tools) {
+        if (tool->runs != nullptr && tool->runs())
+            interaction_cancel();
+    }
+    panel_transform_cancel();
+}
+
+void tools_forget()
+{
+    interaction_forget();
+    for (const tool_t *tool : tools) {
+        if (tool->forget != nullptr)
+            tool->forget();
+    }
+}
+
+void command_set_view_tool(const char *name)
+{
+    const tool_t *tool = tool_named(name);
+    if (tool == nullptr && std::strcmp(name, "none") != 0)
+        display_message("no view tool named '%s'", name);
+    else
+        choose(tool);
+}
+
+void tools_reset_for_test()
+{
+    tools_forget();
+    chosen = nullptr;
+    tool_select_reset_for_test();
+}
