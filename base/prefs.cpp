@@ -11,7 +11,6 @@ prefs_t prefs;
 
 namespace {
 
-// The same rows three times: addresses, numeric defaults, text defaults.
 constexpr int PREF_KIND_int = PREF_INT;
 constexpr int PREF_KIND_double = PREF_DOUBLE;
 constexpr int PREF_KIND_hex = PREF_HEX;
@@ -26,36 +25,9 @@ const vesk_pref_t table[] = {
 #undef PREF
 #undef PREF_AGAIN
 
-#define DEFAULT_int(value) value
-#define DEFAULT_double(value) value
-#define DEFAULT_hex(value) value
-#define DEFAULT_boolean(value) value
-#define DEFAULT_string(value) nullptr
-#define PREF(key, field, kind, value) .field = DEFAULT_##kind(value),
-#define PREF_AGAIN(key, field, kind)
-constexpr prefs_t numeric_defaults = {
-#include "base/prefs_rows.inc"
-};
-#undef PREF
-#undef PREF_AGAIN
-
-struct text_default_t {
-    char **setting;
-    const char *text;
-};
-
-#define TEXT_int(field, value)
-#define TEXT_double(field, value)
-#define TEXT_hex(field, value)
-#define TEXT_boolean(field, value)
-#define TEXT_string(field, value) {&prefs.field, value},
-#define PREF(key, field, kind, value) TEXT_##kind(field, value)
-#define PREF_AGAIN(key, field, kind)
-const text_default_t text_defaults[] = {
-#include "base/prefs_rows.inc"
-};
-#undef PREF
-#undef PREF_AGAIN
+void set_default(int &setting, int value) { setting = value; }
+void set_default(double &setting, double value) { setting = value; }
+void set_default(char *&setting, const char *value) { prefs_set_string(&setting, value); }
 
 const char *const kind_names[] = {"PREF_INT",    "PREF_DOUBLE", "PREF_HEX",
                                   "PREF_STRING", "PREF_KEY",    "PREF_BOOLEAN"};
@@ -150,13 +122,9 @@ void prefs_set_string(char **setting, const char *text)
 
 void prefs_set_defaults(void)
 {
-    prefs_t fresh = numeric_defaults;
-    for (const text_default_t &row : text_defaults) { // keep the texts, they are replaced below
-        const auto offset =
-            reinterpret_cast<char *>(row.setting) - reinterpret_cast<char *>(&prefs);
-        *reinterpret_cast<char **>(reinterpret_cast<char *>(&fresh) + offset) = *row.setting;
-    }
-    prefs = fresh;
-    for (const text_default_t &row : text_defaults)
-        prefs_set_string(row.setting, row.text);
+#define PREF(key, field, kind, value) set_default(prefs.field, value);
+#define PREF_AGAIN(key, field, kind)
+#include "base/prefs_rows.inc"
+#undef PREF
+#undef PREF_AGAIN
 }
