@@ -12,6 +12,7 @@
 #include "fileio/rescue.h"
 #include "program/startup.h"
 #include "shell/icon_image_tk.h"
+#include "shell/interp_tk.h"
 
 #include <tk.h>
 #include <togl.h>
@@ -265,14 +266,14 @@ int init_tcl_stuff(int, char **)
         console_printf("unable to create TCL interpreter\n");
         std::exit(0); // Deliberate: not 1
     }
-    bridge_set_interp(interp, false);
+    interp_tk_set(interp, false);
     set_arguments(interp, command_line);
     if (!init_tcl_library(interp))
         return 0;
     if (!command_line.batch) {
         if (!init_tk_library(interp))
             return 0;
-        bridge_set_interp(interp, true);
+        interp_tk_set(interp, true);
         place_main_window(interp);
         icon_image_install(interp);
     }
@@ -300,7 +301,7 @@ int eval_tcl_file(const char *name)
             return 0;
         }
     }
-    if (Tcl_EvalFile(bridge_interp(), path.c_str()) == TCL_OK)
+    if (Tcl_EvalFile(interp_tk(), path.c_str()) == TCL_OK)
         return 1;
     tcl_trace_error(name);
     return 0;
@@ -316,11 +317,11 @@ bool bridge_run_script(const char *file)
 {
     bool ok = false;
     guarded_entry([&] {
-        ok = Tcl_EvalFile(bridge_interp(), file) == TCL_OK;
+        ok = Tcl_EvalFile(interp_tk(), file) == TCL_OK;
         if (!ok) {
-            const char *trace = Tcl_GetVar(bridge_interp(), "errorInfo", TCL_GLOBAL_ONLY);
+            const char *trace = Tcl_GetVar(interp_tk(), "errorInfo", TCL_GLOBAL_ONLY);
             std::fprintf(stderr, "%s\n",
-                         trace != nullptr ? trace : Tcl_GetStringResult(bridge_interp()));
+                         trace != nullptr ? trace : Tcl_GetStringResult(interp_tk()));
         }
     });
     return ok;

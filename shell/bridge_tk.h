@@ -1,23 +1,11 @@
 #ifndef VESK_SHELL_BRIDGE_TK_H
 #define VESK_SHELL_BRIDGE_TK_H
 
-// The bridge to the one Tcl interpreter.
+// The start and the end of the interpreter, the start scripts, the event loop.
 
 #include "base/types.h"
 
-#include <tcl.h>
-
 struct command_line_t;
-
-// Null before init_tcl_stuff.
-Tcl_Interp *bridge_interp();
-
-// Port functions over Tcl and, unless in batch mode, Tk. Called before there is an interpreter.
-void bridge_install_port(bool batch);
-
-// Whether Tk is up: only then can a message box be shown.
-bool bridge_has_tk();
-void bridge_set_interp(Tcl_Interp *interp, bool has_tk);
 
 bool bridge_init(const command_line_t &line);
 bool bridge_run_script(const char *file);

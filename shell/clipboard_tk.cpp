@@ -1,6 +1,6 @@
 #include "shell/clipboard_tk.h"
 
-#include "shell/bridge_tk.h"
+#include "shell/interp_tk.h"
 
 #include <tk.h>
 
@@ -17,7 +17,7 @@ struct offer_t {
 };
 offer_t offer;
 
-Tk_Window main_window() { return bridge_has_tk() ? Tk_MainWindow(bridge_interp()) : nullptr; }
+Tk_Window main_window() { return interp_has_tk() ? Tk_MainWindow(interp_tk()) : nullptr; }
 
 // The next piece of a text; called with growing offsets.
 int give(std::string_view text, int offset, char *buffer, int room)
@@ -69,7 +69,7 @@ int collect(ClientData to, Tcl_Interp *, const char *portion)
 bool take(Tk_Window window, const char *target, std::string *text)
 {
     text->clear();
-    return Tk_GetSelection(bridge_interp(), window, Tk_InternAtom(window, "CLIPBOARD"),
+    return Tk_GetSelection(interp_tk(), window, Tk_InternAtom(window, "CLIPBOARD"),
                            Tk_InternAtom(window, target), collect, text) == TCL_OK;
 }
 
@@ -105,8 +105,8 @@ const char *clipboard_tk_get()
     Tk_Window window = main_window();
     if (window == nullptr || offer.owned)
         return nullptr;
-    Tcl_InterpState saved = Tcl_SaveInterpState(bridge_interp(), TCL_OK);
+    Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
     const bool taken = take(window, "UTF8_STRING", &text) || take(window, "STRING", &text);
-    Tcl_RestoreInterpState(bridge_interp(), saved);
+    Tcl_RestoreInterpState(interp_tk(), saved);
     return taken ? text.c_str() : nullptr;
 }

@@ -1,6 +1,7 @@
 #include "draw/thumbnail_gl.h"
 #include "program/startup.h"
 #include "shell/bridge_tk.h"
+#include "shell/port_tk.h"
 #include "shell/views_tk.h"
 
 #include <tcl.h>
@@ -18,7 +19,7 @@ int main(int argc, char **argv)
 {
     Tcl_FindExecutable(argv[0]); // before any change of directory
     const startup_toolkit_t toolkit = {
-        .install_port = bridge_install_port,
+        .install_port = port_tk_install,
         .init_tcl = init_tcl,
         .create_windows = create_ui,
         .run_script = bridge_run_script,

@@ -8,7 +8,7 @@
 #include "base/ui_port.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_uv_gl.h"
-#include "shell/bridge_tk.h"
+#include "shell/interp_tk.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 
@@ -183,7 +183,7 @@ Tk_Window uv_window_tk() { return window.togl != nullptr ? Togl_TkWin(window.tog
 
 void register_uv_window()
 {
-    Tcl_CreateObjCommand(bridge_interp(), "::vesk::uv_bind", bind_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp_tk(), "::vesk::uv_bind", bind_command, nullptr, nullptr);
     command_add_own(command_row("uv_view_save_picture", save_picture, command_kind::query,
                                 "<file.ppm>", "save what the window of texture coordinates shows"));
     command_add_own(command_row("uv_view_benchmark", benchmark, command_kind::query, "<frames>",

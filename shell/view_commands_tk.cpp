@@ -9,7 +9,7 @@
 #include "draw/draw_device_gl.h"
 #include "draw/draw_view_gl.h"
 #include "draw/material_ball.h"
-#include "shell/bridge_tk.h"
+#include "shell/interp_tk.h"
 #include "shell/views_tk.h"
 #include "view/camera.h"
 #include "view/interaction.h"
@@ -118,7 +118,7 @@ static void view_uploaded_bytes()
 
 void register_view_commands()
 {
-    Tcl_CreateObjCommand(bridge_interp(), "::vesk::material_ball", ball_command, nullptr, nullptr);
+    Tcl_CreateObjCommand(interp_tk(), "::vesk::material_ball", ball_command, nullptr, nullptr);
     command_add_own(command_row("view_benchmark", view_benchmark, command_kind::view,
                                 "<view> <moving|rest> <frames>",
                                 "milliseconds a picture, and its layers"));

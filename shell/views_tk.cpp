@@ -10,6 +10,7 @@
 #include "draw/draw_textures_gl.h"
 #include "draw/draw_view_gl.h"
 #include "shell/bridge_tk.h"
+#include "shell/interp_tk.h"
 #include "shell/uv_window_tk.h"
 #include "shell/view_commands_tk.h"
 #include "view/camera.h"
@@ -246,7 +247,7 @@ constexpr const char *destroy_name = "::vesk::togl_destroy";
 
 void install_callbacks(const char *widget)
 {
-    Tcl_Interp *interp = bridge_interp();
+    Tcl_Interp *interp = interp_tk();
     tcl_command("namespace eval ::vesk {}");
     Tcl_CreateObjCommand(interp, display_name, display_command, nullptr, nullptr);
     Tcl_CreateObjCommand(interp, reshape_name, reshape_command, nullptr, nullptr);
@@ -277,7 +278,7 @@ void check_sharing()
 // inside it, and would wander at every start.
 bool place_of_frame(int out_xy[2])
 {
-    Tcl_Interp *interp = bridge_interp();
+    Tcl_Interp *interp = interp_tk();
     Tcl_InterpState state = Tcl_SaveInterpState(interp, TCL_OK);
     const bool found =
         Tcl_Eval(interp, "wm geometry .") == TCL_OK &&
@@ -322,7 +323,7 @@ void views_tk_fill_port(ui_port_t &port)
             Tk_UndefineCursor(window);
             return;
         }
-        const Tk_Cursor shape = Tk_GetCursor(bridge_interp(), window, Tk_GetUid(cursor));
+        const Tk_Cursor shape = Tk_GetCursor(interp_tk(), window, Tk_GetUid(cursor));
         if (shape != nullptr)
             Tk_DefineCursor(window, shape);
     };
@@ -332,7 +333,7 @@ void views_tk_draw_in_full(int view) { draw(view, true); }
 
 bool views_tk_geometry(int view, int out[4])
 {
-    const Tk_Window window = view == VIEW_MAIN ? Tk_MainWindow(bridge_interp()) : window_of(view);
+    const Tk_Window window = view == VIEW_MAIN ? Tk_MainWindow(interp_tk()) : window_of(view);
     if (window == nullptr)
         return false;
     if (view != VIEW_MAIN || !place_of_frame(out))
@@ -387,12 +388,11 @@ void make_tcl_window(int x, int y, int width, int height, const char *, int view
         fail("can't get value for TCL variable %s\n",
              (std::string("ToglWinName(") + element + ")").c_str());
     const std::string name = widget;
-    const Tk_Window window =
-        Tk_NameToWindow(bridge_interp(), name.c_str(), Tk_MainWindow(bridge_interp()));
+    const Tk_Window window = Tk_NameToWindow(interp_tk(), name.c_str(), Tk_MainWindow(interp_tk()));
     if (window == nullptr)
         fail("failed to get Tk windows ID for window named %s\n", name.c_str());
     Togl *togl = nullptr;
-    if (Togl_GetToglFromName(bridge_interp(), name.c_str(), &togl) != TCL_OK)
+    if (Togl_GetToglFromName(interp_tk(), name.c_str(), &togl) != TCL_OK)
         fail("can't get togl id for window %s - it looks like the OpenGL window may have failed "
              "to open/initialize\n",
              name.c_str());

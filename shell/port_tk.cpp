@@ -1,8 +1,10 @@
 // The port functions of the shell. Batch mode has Tcl without Tk: what needs a window does nothing
 // there, and messages go to standard error.
+#include "shell/port_tk.h"
+
 #include "base/ui_port.h"
-#include "shell/bridge_tk.h"
 #include "shell/clipboard_tk.h"
+#include "shell/interp_tk.h"
 #include "shell/programs_tk.h"
 #include "shell/views_tk.h"
 
@@ -17,12 +19,7 @@
 
 namespace {
 
-struct bridge_t {
-    Tcl_Interp *interp = nullptr;
-    bool has_tk = false;
-    bool batch = false;
-};
-bridge_t bridge;
+bool in_batch = false;
 
 // Evaluates words as they are: nothing in them is substituted.
 int eval_words(std::initializer_list<const char *> words)
@@ -32,54 +29,51 @@ int eval_words(std::initializer_list<const char *> words)
     for (; word != words.end(); ++word)
         Tcl_ListObjAppendElement(nullptr, list, Tcl_NewStringObj(*word, -1));
     Tcl_IncrRefCount(list);
-    const int code = Tcl_EvalObjEx(bridge.interp, list, TCL_EVAL_GLOBAL | TCL_EVAL_DIRECT);
+    const int code = Tcl_EvalObjEx(interp_tk(), list, TCL_EVAL_GLOBAL | TCL_EVAL_DIRECT);
     Tcl_DecrRefCount(list);
     return code;
 }
 
 // ---- script ----
 
-const char *port_result()
-{
-    return bridge.interp != nullptr ? Tcl_GetStringResult(bridge.interp) : "";
-}
+const char *port_result() { return interp_tk() != nullptr ? Tcl_GetStringResult(interp_tk()) : ""; }
 
 const char *port_eval(const char *script, bool *ok)
 {
-    if (bridge.interp == nullptr) {
+    if (interp_tk() == nullptr) {
         *ok = true;
         return "";
     }
-    *ok = Tcl_EvalEx(bridge.interp, script, -1, TCL_EVAL_GLOBAL) == TCL_OK;
+    *ok = Tcl_EvalEx(interp_tk(), script, -1, TCL_EVAL_GLOBAL) == TCL_OK;
     return port_result();
 }
 
 const char *port_eval_file(const char *file, bool *ok)
 {
-    if (bridge.interp == nullptr) {
+    if (interp_tk() == nullptr) {
         *ok = false;
         return "";
     }
-    *ok = Tcl_EvalFile(bridge.interp, file) == TCL_OK;
+    *ok = Tcl_EvalFile(interp_tk(), file) == TCL_OK;
     return port_result();
 }
 
 const char *get_global(const char *name, const char *element)
 {
-    return bridge.interp != nullptr ? Tcl_GetVar2(bridge.interp, name, element, TCL_GLOBAL_ONLY)
-                                    : nullptr;
+    return interp_tk() != nullptr ? Tcl_GetVar2(interp_tk(), name, element, TCL_GLOBAL_ONLY)
+                                  : nullptr;
 }
 
 void port_set_var(const char *name, const char *value)
 {
-    if (bridge.interp != nullptr)
-        Tcl_SetVar2(bridge.interp, name, nullptr, value, TCL_GLOBAL_ONLY);
+    if (interp_tk() != nullptr)
+        Tcl_SetVar2(interp_tk(), name, nullptr, value, TCL_GLOBAL_ONLY);
 }
 
 void port_update_linked(const char *name)
 {
-    if (bridge.interp != nullptr)
-        Tcl_UpdateLinkedVar(bridge.interp, name);
+    if (interp_tk() != nullptr)
+        Tcl_UpdateLinkedVar(interp_tk(), name);
 }
 
 char *port_alloc_text(const char *text)
@@ -96,11 +90,11 @@ void port_free_text(char *text) { Tcl_Free(text); }
 
 void port_message_box(const char *title, const char *text)
 {
-    if (bridge.has_tk && Tk_GetNumMainWindows() > 0) {
-        Tcl_InterpState saved = Tcl_SaveInterpState(bridge.interp, TCL_OK);
+    if (interp_has_tk() && Tk_GetNumMainWindows() > 0) {
+        Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
         const int code =
             eval_words({"tk_messageBox", "-title", title, "-type", "ok", "-message", text});
-        Tcl_RestoreInterpState(bridge.interp, saved);
+        Tcl_RestoreInterpState(interp_tk(), saved);
         if (code == TCL_OK)
             return;
     }
@@ -109,7 +103,7 @@ void port_message_box(const char *title, const char *text)
 
 void port_console_write(const char *text)
 {
-    std::FILE *stream = bridge.batch ? stderr : stdout;
+    std::FILE *stream = in_batch ? stderr : stdout;
     std::fputs(text, stream);
     std::fflush(stream);
 }
@@ -118,16 +112,16 @@ void port_console_write(const char *text)
 
 bool port_window_geometry(int view, int out[4])
 {
-    return bridge.has_tk && views_tk_geometry(view, out);
+    return interp_has_tk() && views_tk_geometry(view, out);
 }
 
 Tk_Window widget_of(const char *path)
 {
-    if (!bridge.has_tk || Tk_GetNumMainWindows() == 0)
+    if (!interp_has_tk() || Tk_GetNumMainWindows() == 0)
         return nullptr;
-    Tcl_InterpState saved = Tcl_SaveInterpState(bridge.interp, TCL_OK);
-    const Tk_Window window = Tk_NameToWindow(bridge.interp, path, Tk_MainWindow(bridge.interp));
-    Tcl_RestoreInterpState(bridge.interp, saved);
+    Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
+    const Tk_Window window = Tk_NameToWindow(interp_tk(), path, Tk_MainWindow(interp_tk()));
+    Tcl_RestoreInterpState(interp_tk(), saved);
     return window;
 }
 
@@ -145,21 +139,21 @@ bool port_widget_size(const char *widget, int out[2])
 
 bool port_photo_put(const char *photo, int width, int height, const unsigned char *rgb)
 {
-    if (!bridge.has_tk || Tk_GetNumMainWindows() == 0)
+    if (!interp_has_tk() || Tk_GetNumMainWindows() == 0)
         return false;
-    Tk_PhotoHandle handle = Tk_FindPhoto(bridge.interp, photo);
-    Tcl_InterpState saved = Tcl_SaveInterpState(bridge.interp, TCL_OK);
+    Tk_PhotoHandle handle = Tk_FindPhoto(interp_tk(), photo);
+    Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
     if (handle == nullptr && eval_words({"image", "create", "photo", photo}) == TCL_OK)
-        handle = Tk_FindPhoto(bridge.interp, photo);
+        handle = Tk_FindPhoto(interp_tk(), photo);
     bool done = false;
     if (handle != nullptr) {
         Tk_PhotoImageBlock block = {
             const_cast<unsigned char *>(rgb), width, height, 3 * width, 3, {0, 1, 2, -1}};
-        done = Tk_PhotoSetSize(bridge.interp, handle, width, height) == TCL_OK &&
-               Tk_PhotoPutBlock(bridge.interp, handle, &block, 0, 0, width, height,
+        done = Tk_PhotoSetSize(interp_tk(), handle, width, height) == TCL_OK &&
+               Tk_PhotoPutBlock(interp_tk(), handle, &block, 0, 0, width, height,
                                 TK_PHOTO_COMPOSITE_SET) == TCL_OK;
     }
-    Tcl_RestoreInterpState(bridge.interp, saved);
+    Tcl_RestoreInterpState(interp_tk(), saved);
     return done;
 }
 
@@ -167,18 +161,18 @@ bool port_photo_put(const char *photo, int width, int height, const unsigned cha
 
 void port_pump_events()
 {
-    if (bridge.interp != nullptr)
+    if (interp_tk() != nullptr)
         while (Tcl_DoOneEvent(TCL_DONT_WAIT) != 0) {
         }
 }
 
 void port_update()
 {
-    if (bridge.interp == nullptr)
+    if (interp_tk() == nullptr)
         return;
-    Tcl_InterpState saved = Tcl_SaveInterpState(bridge.interp, TCL_OK);
-    Tcl_EvalEx(bridge.interp, "update", -1, TCL_EVAL_GLOBAL);
-    Tcl_RestoreInterpState(bridge.interp, saved);
+    Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
+    Tcl_EvalEx(interp_tk(), "update", -1, TCL_EVAL_GLOBAL);
+    Tcl_RestoreInterpState(interp_tk(), saved);
 }
 
 double port_now_seconds()
@@ -210,24 +204,14 @@ bool start_detached(const char *const *arguments)
 bool port_open_address(const char *url)
 {
     const char *const arguments[] = {"xdg-open", url, nullptr};
-    return !bridge.batch && start_detached(arguments);
+    return !in_batch && start_detached(arguments);
 }
 
 } // namespace
 
-Tcl_Interp *bridge_interp() { return bridge.interp; }
-
-bool bridge_has_tk() { return bridge.has_tk; }
-
-void bridge_set_interp(Tcl_Interp *interp, bool has_tk)
+void port_tk_install(bool batch)
 {
-    bridge.interp = interp;
-    bridge.has_tk = has_tk;
-}
-
-void bridge_install_port(bool batch)
-{
-    bridge.batch = batch;
+    in_batch = batch;
     ui_port_t port = ui_port_silent();
     port.eval = port_eval;
     port.eval_file = port_eval_file;
