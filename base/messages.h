@@ -1,6 +1,7 @@
 #ifndef VESK_BASE_MESSAGES_H
 #define VESK_BASE_MESSAGES_H
 
+#include "base/console.h"
 #include "base/types.h"
 #include "base/ui_calls.h"
 
@@ -14,21 +15,10 @@ VESK_API void display_message(const char *format, ...) VESK_PRINTF(1, 2);
    standard error and the call returns at once. Formats into 2048 bytes. Returns 1. */
 VESK_API int windows_message_dialog(const char *format, ...) VESK_PRINTF(1, 2);
 
-/* Console output in debug mode (-debug), nothing otherwise. Formats into 2048 bytes. */
-VESK_API void debugf(const char *format, ...) VESK_PRINTF(1, 2);
-
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
 #include "base/script_text.h"
-
-// Console text through the port (standard output; standard error in batch mode); dropped once the
-// console is released.
-void console_printf(const char *format, ...) VESK_PRINTF(1, 2);
-void console_release();
-
-void set_debug_mode(bool on);
-bool debug_mode();
 #endif
 
 #endif

@@ -1,10 +1,10 @@
 #include "base/prefs.h"
 
 #include "base/messages_internal.h"
-#include "base/prefs_file.h"
 #include "base/ui_port.h"
 
 #include <cstdio>
+#include <cstring>
 #include <strings.h>
 
 prefs_t prefs;
@@ -28,6 +28,14 @@ const vesk_pref_t table[] = {
 void set_default(int &setting, int value) { setting = value; }
 void set_default(double &setting, double value) { setting = value; }
 void set_default(char *&setting, const char *value) { prefs_set_string(&setting, value); }
+
+struct key_name_t {
+    const char *name;
+    unsigned char code;
+};
+const key_name_t key_names[] = {
+    {"Up", 1}, {"Down", 2}, {"Left", 3}, {"Right", 4}, {"Space", 32},
+};
 
 const char *const kind_names[] = {"PREF_INT",    "PREF_DOUBLE", "PREF_HEX",
                                   "PREF_STRING", "PREF_KEY",    "PREF_BOOLEAN"};
@@ -104,6 +112,28 @@ const char *vesk_prefs_get_key(const char *key)
                                   "key", "actually type");
     return row == nullptr ? nullptr
                           : prefs_key_name(*static_cast<const unsigned char *>(row->address));
+}
+
+const char *prefs_key_name(unsigned char code)
+{
+    static char character[2];
+    for (const key_name_t &key : key_names) {
+        if (key.code == code)
+            return key.name;
+    }
+    character[0] = static_cast<char>(code);
+    return character;
+}
+
+unsigned char prefs_key_code(const char *name)
+{
+    if (std::strlen(name) == 1)
+        return static_cast<unsigned char>(name[0]);
+    for (const key_name_t &key : key_names) {
+        if (std::strcmp(key.name, name) == 0)
+            return key.code;
+    }
+    return 0;
 }
 
 void vesk_prefs_list(void)

@@ -34,16 +34,6 @@ VESK_API void vesk_prefs_list(void);
 /* Sets every setting to its default. Command "prefs_set_defaults". */
 VESK_API void prefs_set_defaults(void);
 
-/* Sets the defaults, then reads the settings file. Called once, before the interpreter exists. */
-VESK_API void init_prefs(void);
-
-/* Writes the settings file, with the windows' present places and sizes; the old file survives
-   every failure. Command "save_settings". */
-VESK_API void save_prefs(void);
-
-/* Name of the settings file; valid until the next call. */
-VESK_API const char *prefs_get_prefs_filename(void);
-
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
@@ -68,6 +58,11 @@ extern prefs_t prefs;
 
 // All rows, in the order of the settings file.
 std::span<const vesk_pref_t> prefs_table();
+
+// Key settings as they stand in the file: "Up", "Down", "Left", "Right", "Space" or the character
+// itself; an unknown name is 0. The name is valid until the next call.
+const char *prefs_key_name(unsigned char code);
+unsigned char prefs_key_code(const char *name);
 
 // Replaces a text setting.
 void prefs_set_string(char **setting, const char *text);

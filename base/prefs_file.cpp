@@ -7,6 +7,7 @@
 #include "base/home.h"
 #include "base/messages_internal.h"
 #include "base/numbers.h"
+#include "base/prefs.h"
 #include "base/tokens.h"
 #include "base/ui_port.h"
 
@@ -32,14 +33,6 @@ int *const geometry[][4] = {
     {&prefs.planwin_x, &prefs.planwin_y, &prefs.planwin_width, &prefs.planwin_height},
     {&prefs.win3d_x, &prefs.win3d_y, &prefs.win3d_width, &prefs.win3d_height},
     {&prefs.cpwin_x, &prefs.cpwin_y, &prefs.cpwin_width, &prefs.cpwin_height},
-};
-
-struct key_name_t {
-    const char *name;
-    unsigned char code;
-};
-const key_name_t key_names[] = {
-    {"Up", 1}, {"Down", 2}, {"Left", 3}, {"Right", 4}, {"Space", 32},
 };
 
 // The next line of `text` from `at` on, its line end included, at most 254 characters.
@@ -203,28 +196,6 @@ void append_value(std::string &out, const vesk_pref_t &row)
 }
 
 } // namespace
-
-const char *prefs_key_name(unsigned char code)
-{
-    static char character[2];
-    for (const key_name_t &key : key_names) {
-        if (key.code == code)
-            return key.name;
-    }
-    character[0] = static_cast<char>(code);
-    return character;
-}
-
-unsigned char prefs_key_code(const char *name)
-{
-    if (std::strlen(name) == 1)
-        return static_cast<unsigned char>(name[0]);
-    for (const key_name_t &key : key_names) {
-        if (std::strcmp(key.name, name) == 0)
-            return key.code;
-    }
-    return 0;
-}
 
 const char *prefs_get_prefs_filename(void)
 {

@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     base/atomic_file.cpp
     base/command_registry.cpp
     base/command_result.cpp
+    base/console.cpp
     base/coor_display.cpp
     base/crash_guard.cpp
     base/current_file.cpp

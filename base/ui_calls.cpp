@@ -1,6 +1,7 @@
 #include "base/ui_calls.h"
 
-#include "base/messages.h"
+#include "base/console.h"
+#include "base/script_text.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"
 

@@ -3,6 +3,7 @@
 #include "base/command_row.h"
 #include "base/desktop.h"
 #include "base/prefs.h"
+#include "base/prefs_file.h"
 #include "base/redraw.h"
 #include "edit/delete.h"
 #include "edit/document/current_object.h"

@@ -6,6 +6,7 @@
 #include "base/linked_vars.h"
 #include "base/messages_internal.h"
 #include "base/prefs.h"
+#include "base/prefs_file.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"
 #include "base/version.h"
