@@ -14,7 +14,7 @@ struct shared_state {
     std::mutex mutex;
     std::condition_variable ended;
     bool done = false;
-    std::exception_ptr failure; // what the work threw: memory ran out
+    std::exception_ptr failure; // thrown by the work: memory ran out
 };
 
 } // namespace

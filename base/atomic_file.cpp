@@ -26,7 +26,7 @@ std::string resolved(const char *name)
     char buffer[PATH_MAX];
     if (realpath(name, buffer) != nullptr)
         return buffer;
-    // A link to a file that does not exist yet: what it points at is to be made.
+    // A link to a file that does not exist yet: its target is to be made.
     const ssize_t length = readlink(name, buffer, sizeof buffer - 1);
     if (length <= 0)
         return name;
@@ -38,7 +38,7 @@ std::string resolved(const char *name)
     return slash == std::string::npos ? target : link.substr(0, slash + 1) + target;
 }
 
-// Writes everything and adds what went out to `written`; false on failure.
+// Writes everything and adds the bytes written to `written`; false on failure.
 bool write_all(int fd, std::string_view text, size_t *written)
 {
     for (size_t at = 0; at < text.size();) {
@@ -166,7 +166,7 @@ bool atomic_writer_t::commit()
     fd = -1;
     if (!failed && how == way::temporary && !noted(rename(other.c_str(), target.c_str()) == 0)) {
         failed = true;
-        is_open = false; // told like a file that could not be opened
+        is_open = false; // reported as a file that could not be opened
     }
     if (failed) {
         take_back();

@@ -25,7 +25,7 @@ public:
     bool write(std::string_view text);
     // True when the target is complete.
     bool commit();
-    // Bytes that went out before the first failure.
+    // Bytes written before the first failure.
     [[nodiscard]] size_t written() const { return bytes; }
 
 private:

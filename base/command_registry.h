@@ -59,12 +59,11 @@ VESK_END_DECLS
 #include <span>
 #include <string_view>
 
-// What a command does. What changes the model, the selection or the tool ends a running drag first,
-// and is refused ("busy") while it comes from inside a pump of a running handler; queries and views
-// always work.
+// The kind of a command. Changes of the model, the selection or the tool end a running drag first and
+// are refused ("busy") from inside a pump of a running handler; queries and views always work.
 enum class command_kind {
     query,  // changes nothing
-    view,   // changes what is shown, a setting or the clipboard
+    view,   // changes a view, a setting or the clipboard
     select, // changes the selection or the tool
     edit,   // changes the model; "repeat_last" runs it again
     once,   // the same, but is not repeated

@@ -90,7 +90,7 @@ struct module_search_t {
     bool untrusted;
 };
 
-// Faults in the heap or in the GL driver leave broken what everything else stands on.
+// Faults in the heap or in the GL driver leave nothing that the program could go on with.
 int is_untrusted_module(dl_phdr_info *info, size_t, void *data)
 {
     auto *search = static_cast<module_search_t *>(data);

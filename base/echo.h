@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-// The line of the console that repeats what was done with the mouse: what a drag or a click came
-// to, as a command and its arguments. The scripts write it ("echo_command").
+// The console line that repeats a gesture of the mouse: the result of a drag or a click,
+// as a command and its arguments. The scripts write it ("echo_command").
 void echo_command(const std::vector<std::string> &words);
 
-// A line that says what could not be told as a command.
+// A console line about a gesture that no command repeats.
 void echo_note(const std::string &text);
 
 // As few digits as give the very same number back.

@@ -5,20 +5,20 @@
 
 VESK_BEGIN_DECLS
 
-/* What importers and exporters tell of the file at hand besides success and failure. It is kept
+/* Remarks of importers and exporters about the file at hand, beside success and failure. They are kept
    until the next import, shown by "import_report" and written by -report. */
 
-/* A complaint about the file that is being read; what it is about was left out or put right.
+/* A complaint about the file that is being read: a part of it was left out or put right.
    `line` counts from 1; 0 stands for the whole file. Formats into 2048 bytes. */
 VESK_API void vesk_report_warning(int line, const char *format, ...) VESK_PRINTF(2, 3);
 
 /* An export begins, with no losses so far. */
 VESK_API void vesk_report_export(const char *filename);
 
-/* Something that the written file cannot hold: how many of what ("lines"). Nothing for 0. */
+/* A loss: the number of things ("lines") that the written file cannot hold. Nothing for 0. */
 VESK_API void vesk_report_loss(int count, const char *what);
 
-/* What was left out by now, for the end of a message: " - 12 lines were left out: STL has no lines",
+/* The losses so far, for the end of a message: " - 12 lines were left out: STL has no lines",
    or "". In one buffer that each call overwrites. */
 VESK_API const char *vesk_report_losses(const char *format);
 

@@ -60,7 +60,7 @@ const char *scan_real(const char *p, const char *end, Real *out)
     if (error == std::errc::invalid_argument)
         return nullptr;
     if (error == std::errc::result_out_of_range) {
-        // Which way it left the range is told by the exponent's sign, else by the digits.
+        // The exponent's sign, else the digits, show on which side it left the range.
         const char *e = std::find_if(p, after, [](char c) { return c == 'e' || c == 'E'; });
         const bool tiny = e != after ? e + 1 != after && e[1] == '-'
                                      : *p == '0' || *p == '.'; // "0.000...1" without an exponent

@@ -16,7 +16,7 @@ const char *scan_int(const char *p, const char *end, int *out);
 // The whole-text forms: 0 when the text holds no number.
 int int_of(std::string_view text);
 double double_of(std::string_view text);
-// What a person or a script gives for a length or an angle: 0 also for "inf", "nan" and what a float
+// A length or an angle from a person or a script: 0 also for "inf", "nan" and numbers that a float
 // cannot hold.
 float finite_float_of(std::string_view text);
 // Automatic base: "0x" hexadecimal, a leading 0 octal, else decimal; 0 for no number.

@@ -40,7 +40,7 @@ const key_name_t key_names[] = {
 const char *const kind_names[] = {"PREF_INT",    "PREF_DOUBLE", "PREF_HEX",
                                   "PREF_STRING", "PREF_KEY",    "PREF_BOOLEAN"};
 
-// The row of `key` when it has the kind `kind`; else null, told on standard error.
+// The row of `key` when it has the kind `kind`; else null, with a line on standard error.
 const vesk_pref_t *row_of_kind(const char *key, int kind, const char *getter,
                                const char *unknown_getter, const char *kind_text,
                                const char *kind_words)
@@ -107,7 +107,7 @@ const char *vesk_prefs_get_string(const char *key)
 
 const char *vesk_prefs_get_key(const char *key)
 {
-    // Deliberate: an unknown key is told under the string getter's name.
+    // Deliberate: an unknown key is reported under the string getter's name, as scripts know it.
     const auto *row = row_of_kind(key, PREF_KEY, "vesk_prefs_get_key", "vesk_prefs_get_string",
                                   "key", "actually type");
     return row == nullptr ? nullptr

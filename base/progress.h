@@ -17,7 +17,7 @@ VESK_API void vesk_progress_begin(double total);
    as it was before, and what was made is to be freed. */
 VESK_API int vesk_progress_step(double done);
 
-/* The work is over: the bar goes. */
+/* Ends the work and hides the bar. */
 VESK_API void vesk_progress_end(void);
 
 VESK_END_DECLS
@@ -35,7 +35,7 @@ public:
     // `done` of `total`; false when the user cancelled. Cheap: looks at the clock only every so
     // often, and when a good part was done at once.
     bool step(double done);
-    // The same for work that comes by seldom: looks at the clock each time.
+    // The same for work that calls seldom: looks at the clock each time.
     bool look(double done);
     bool cancelled() const { return was_cancelled; }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A formatted text in pieces: what came from the format, and what came from its %s arguments.
+// A formatted text in pieces: text of the format, and texts of its %s arguments.
 struct piece_t {
     std::string text;
     bool is_argument;

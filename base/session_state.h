@@ -20,7 +20,7 @@ session_state_t &session();
 void pump_begin();
 void pump_end();
 
-// True while an edit that arrives now comes from inside a pump of a running handler.
+// True inside a pump of a running handler: an edit that arrives now is refused.
 bool session_is_busy();
 
 #endif

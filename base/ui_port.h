@@ -66,7 +66,7 @@ struct ui_port_t {
     const char *(*clipboard_get)();
 };
 
-// The port that does nothing: what an implementation begins with, so that no function is ever null.
+// The port that does nothing: every implementation begins with it, so that no function is ever null.
 ui_port_t ui_port_silent();
 
 const ui_port_t &ui_port();

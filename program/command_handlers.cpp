@@ -53,7 +53,7 @@ void append_point(const point3_t &p)
 
 void append_plugin_text(const char *text) { command_result_append_string(text); }
 
-// A world that holds copies of what is selected, for writing: whole objects, or one object for each
+// A world that holds copies of the selection, for writing: whole objects, or one object for each
 // owner of selected surfaces.
 object_t *copy_of_selection()
 {

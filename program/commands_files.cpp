@@ -1,4 +1,4 @@
-// Commands about files of any format: writing by suffix, and what the last import had to tell.
+// Commands about files of any format: writing by suffix, and the report of the last import.
 
 #include "base/command_result.h"
 #include "base/command_row.h"

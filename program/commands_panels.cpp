@@ -36,7 +36,7 @@
 
 namespace {
 
-// What lies under a place of a view: its identity, nothing while a drag runs.
+// The identity of the object under a place of a view; nothing while a drag runs.
 void command_object_at(int view, int x, int y)
 {
     if (view < 0 || view >= num_views || interaction_drag() != drag_kind::none) {
@@ -64,7 +64,7 @@ void command_material_counts()
         command_result_append_element(count);
 }
 
-// Selects every surface of a palette entry, of what is visible and unlocked.
+// Selects every visible, unlocked surface of a palette entry.
 void command_material_select(int entry)
 {
     if (entry < 0 || entry >= vesk_get_num_palette()) {
@@ -89,7 +89,7 @@ void command_material_select(int entry)
 }
 
 // The outlines in the picture that the editor of texture coordinates would show: one element a
-// surface, 1 or 0 for whether all of it is chosen, then u v of its corners; at most so many.
+// surface, 1 or 0 for whether all of it is chosen, then u v of its corners; at most `most` of them.
 void command_uv_outlines(int most)
 {
     const uv_state &state = uv_editor();
@@ -111,7 +111,7 @@ void command_uv_outlines(int most)
     }
 }
 
-// The number of the texture on what the editor would show, -1 for none.
+// The number of the texture of the objects that the editor would show, -1 for none.
 void command_uv_texture()
 {
     const object_t *object = uv_picture_object();

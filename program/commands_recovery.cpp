@@ -1,4 +1,4 @@
-// Commands that keep work from getting lost: autosave, what earlier sessions left, backups.
+// Commands that keep work from getting lost: autosave, copies of earlier sessions, backups.
 
 #include "base/command_result.h"
 #include "base/command_row.h"

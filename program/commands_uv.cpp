@@ -1,4 +1,4 @@
-// Commands of texture coordinates: what the editor's window does, for scripts.
+// Commands of texture coordinates: the operations of the editor's window, for scripts.
 
 #include "base/command_result.h"
 #include "base/command_row.h"
@@ -111,7 +111,7 @@ std::vector<char> flipped_surfaces(const uv_mesh &mesh)
     return flipped;
 }
 
-// The islands of what is chosen.
+// The islands of the chosen corners.
 std::vector<char> linked(const uv_state &state)
 {
     std::vector<char> islands(place(state.islands.num_islands), 0);

@@ -144,7 +144,7 @@ void import_files(const std::vector<std::string> &files)
         if (vesk_world_import_file(name.c_str()) != 0)
             start.file_name = strdup(name.c_str()); // an earlier copy may still be in use
     }
-    journal_step("load"); // before the scripts hear of it and change what is selected
+    journal_step("load"); // before the scripts hear of it and change the selection
     if (start.file_name != nullptr) {
         std::string shown = start.file_name;
         vesk_unbackslash_string(shown.data());
@@ -287,7 +287,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
     if (line.batch)
         return run_batch_script(line, toolkit);
     rescue_start();
-    tcl_set_int("start_is_over", 1); // what waits for the user may ask now
+    tcl_set_int("start_is_over", 1); // questions to the user may be asked now
     if (prefs.show_startup_tips != 0)
         tcl_command("show_tip");
     if (!line.script.empty())

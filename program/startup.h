@@ -1,7 +1,7 @@
 #ifndef VESK_PROGRAM_STARTUP_H
 #define VESK_PROGRAM_STARTUP_H
 
-// The start-up sequence. What needs the toolkit comes in as a record of functions, so that the
+// The start-up sequence. Services of the toolkit come in as a record of functions, so that the
 // sequence itself stays in the core.
 
 #include "base/types.h"

@@ -10,7 +10,7 @@ struct command_line_t;
 bool bridge_init(const command_line_t &line);
 bool bridge_run_script(const char *file);
 
-// Ends the process; what is registered to run at the end runs.
+// Ends the process after its exit handlers.
 [[noreturn]] void bridge_exit(int status);
 
 VESK_BEGIN_DECLS
@@ -23,7 +23,7 @@ VESK_API int init_tcl_stuff(int argc, char **argv);
    missing or fails (told on the console). */
 VESK_API int eval_tcl_file(const char *name);
 
-/* Runs the event loop; a fault in it is told and the loop goes on. Ends the process when no main
+/* Runs the event loop; a fault in it is reported and the loop continues. Ends the process when no main
    window is left. */
 VESK_API void vesk_mainloop(void);
 

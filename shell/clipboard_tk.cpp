@@ -52,7 +52,7 @@ bool own(const char *target, Tk_SelectionProc *handler)
     const Atom png = Tk_InternAtom(window, "image/png");
     Tk_DeleteSelHandler(window, clipboard, string);
     Tk_DeleteSelHandler(window, clipboard, png);
-    // A picture goes as STRING too: that way its bytes are sent as they are.
+    // A picture is sent as STRING too: that way its bytes stay as they are.
     Tk_CreateSelHandler(window, clipboard, Tk_InternAtom(window, target), handler, nullptr, string);
     Tk_OwnSelection(window, clipboard, lost, nullptr);
     offer = {};

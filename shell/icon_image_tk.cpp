@@ -48,7 +48,7 @@ struct icon_t {
     int x = 0, y = 0, width = 0, height = 0;
 };
 
-// What one window draws with.
+// The drawing resources of one window.
 struct instance_t {
     icon_t *icon;
     Tk_Window window;

@@ -1,4 +1,4 @@
-// The port functions of the shell. Batch mode has Tcl without Tk: what needs a window does nothing
+// The port functions of the shell. Batch mode has Tcl without Tk: services of windows do nothing
 // there, and messages go to standard error.
 #include "shell/port_tk.h"
 
@@ -125,7 +125,7 @@ Tk_Window widget_of(const char *path)
     return window;
 }
 
-// What a widget has, or asks for while it is not laid out yet.
+// The size of a widget, or the requested one while it is not laid out yet.
 bool port_widget_size(const char *widget, int out[2])
 {
     const Tk_Window window = widget_of(widget);

@@ -73,7 +73,7 @@ static void view_benchmark(int view, const char *how, int frames)
         return;
     const bool moving = std::strcmp(how, "moving") == 0;
     const int count = std::clamp(frames, 1, most_frames);
-    views_tk_draw_in_full(view); // uploads, and tells what each layer costs
+    views_tk_draw_in_full(view); // uploads, and measures the cost of each layer
     const double started = ui_port().now_seconds();
     for (int frame = 0; frame < count; ++frame) {
         step_motion(view, frame);
@@ -101,7 +101,7 @@ static void view_save_picture(int view, const char *file)
         display_message("can't write the picture %s", file);
 }
 
-// What the drawing may use: "all", "fixed" (no programs, no several samples a pixel) or "oldest" (no
+// The features that the drawing may use: "all", "fixed" (no programs, no several samples a pixel) or "oldest" (no
 // buffers either).
 static void view_limit_device(const char *limit)
 {

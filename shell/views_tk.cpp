@@ -227,7 +227,7 @@ int reshape_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const arg
     return TCL_OK;
 }
 
-// A widget that goes (with its window) is no longer drawn into.
+// A destroyed widget is no longer drawn into.
 int destroy_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const argv[])
 {
     Togl *togl = togl_argument(interp, argc, argv);
@@ -274,7 +274,7 @@ void check_sharing()
     bridge_exit(1);
 }
 
-// Where the main window's frame stands, which is what "wm geometry" sets; the window itself lies
+// The place of the main window's frame, which "wm geometry" sets; the window itself lies
 // inside it, and would wander at every start.
 bool place_of_frame(int out_xy[2])
 {

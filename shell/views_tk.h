@@ -18,7 +18,7 @@ void views_tk_draw_in_full(int view);
 // x, y, width, height of a drawing window or of the main window; false when there is none.
 bool views_tk_geometry(int view, int out[4]);
 
-// Reads back what view `view` shows now: drawn, then read before the swap. RGB, rows from the top.
+// The pixels of a view: it is drawn, then read before the swap. RGB, rows from the top.
 bool views_tk_read_pixels(int view, int out_wh[2], std::vector<unsigned char> *rgb);
 bool views_tk_save_picture(int view, const char *ppm_file);
 
