@@ -79,13 +79,12 @@ void array_normals(const terrain_arrays &terrain, std::vector<point3_t> *normals
         return point3_t{p[0], p[1], p[2]};
     };
     for (std::size_t s = 0; s + 1 < terrain.offsets.size(); ++s) {
-        const int *corner = &terrain.indices[static_cast<std::size_t>(terrain.offsets[s])];
+        const int *corner = &terrain.indices[terrain.offsets[s]];
         const point3_t p = at(corner[0]);
         const point3_t n = point_cross(point_sub(at(corner[1]), p), point_sub(at(corner[2]), p));
         const auto length = static_cast<float>(point_length(n));
         for (int k = terrain.offsets[s]; k < terrain.offsets[s + 1]; ++k) {
-            point3_t &sum =
-                (*normals)[static_cast<std::size_t>(terrain.indices[static_cast<std::size_t>(k)])];
+            point3_t &sum = (*normals)[terrain.indices[k]];
             sum = point_add(sum, point_scale(n, 1 / length));
         }
     }

@@ -31,8 +31,6 @@ void command(std::initializer_list<const char *> words)
 
 void clear() { command({"clear_all"}); }
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 // ---- models of about n vertices ----
 
 object_t *terrain(int n)
@@ -62,8 +60,7 @@ object_t *loose_quads(int n)
     std::vector<int> indices;
     for (const int at : grid.indices) {
         indices.push_back(static_cast<int>(indices.size()));
-        xyz.insert(xyz.end(), {grid.xyz[3 * place(at)], grid.xyz[3 * place(at) + 1],
-                               grid.xyz[3 * place(at) + 2]});
+        xyz.insert(xyz.end(), {grid.xyz[3 * at], grid.xyz[3 * at + 1], grid.xyz[3 * at + 2]});
     }
     return build(xyz, grid.offsets, indices);
 }
@@ -101,9 +98,9 @@ object_t *stars(int n)
 object_t *long_line(int n)
 {
     object_t *object = stars(n);
-    std::vector<int> indices(place(n));
+    std::vector<int> indices(n);
     for (int i = 0; i < n; ++i)
-        indices[place(i)] = i;
+        indices[i] = i;
     const int offsets[] = {0, n};
     clear();
     object = new_object(OBJECT_POLY);
@@ -181,15 +178,15 @@ double bare_tessellator(const object_t *object)
 double bare_records(const object_t *object)
 {
     std::vector<float> xyz;
-    std::vector<int> offsets{0}, indices(place(4 * object->num_surfaces));
+    std::vector<int> offsets{0}, indices(static_cast<std::size_t>(4 * object->num_surfaces));
     for (const vertex *point : each<vertex>(object->vertices))
         xyz.insert(xyz.end(), {point->position.x, point->position.y, point->position.z});
     for (int i = 0; i < object->num_surfaces; ++i) {
         offsets.push_back(offsets.back() + object_get_surface_at(object, 0)->num_refs);
     }
-    indices.assign(place(offsets.back()), 0);
+    indices.assign(offsets.back(), 0);
     for (std::size_t i = 0; i < indices.size(); ++i)
-        indices[i] = static_cast<int>(i % place(object->num_vertices));
+        indices[i] = static_cast<int>(i % object->num_vertices);
     object_t *copy = nullptr;
     const double took =
         best_of(1, [&] {

@@ -162,16 +162,16 @@ std::unordered_map<const object_t *, part_slots_t> &part_cache()
 void add_surface_triangles(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
 {
     const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-    const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+    const flat_surface &record = flat.surface(surface);
     if (corners.size() < 3 || record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE)
         return;
     for (const int corner : surface_ears(flat, surface))
-        out.push_back(static_cast<std::uint32_t>(corners[static_cast<size_t>(corner)]));
+        out.push_back(static_cast<std::uint32_t>(corners[corner]));
 }
 
 void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
 {
-    const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+    const flat_surface &record = flat.surface(surface);
     const std::span<const std::int32_t> corners = flat.surface_corners(surface);
     if (record.type != SURFACE_LINE && record.type != SURFACE_CLOSED_LINE)
         return;
@@ -554,11 +554,10 @@ void draw_normals(const scene_t &scene, float length, const colour_t &colour)
                 continue;
             point3_t middle = {0, 0, 0};
             for (const std::int32_t corner : corners)
-                middle = point_add(middle, (*flat.positions)[static_cast<size_t>(corner)]);
+                middle = point_add(middle, flat.position(corner));
             middle = point_scale(middle, 1.0f / static_cast<float>(corners.size()));
             ends.push_back(middle);
-            ends.push_back(point_add(
-                middle, point_scale((*flat.face_normals)[static_cast<size_t>(surface)], length)));
+            ends.push_back(point_add(middle, point_scale(flat.face_normal(surface), length)));
         }
     }
     if (ends.empty())

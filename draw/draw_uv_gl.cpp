@@ -30,7 +30,6 @@ constexpr float hatched_from = 0.5f; // of the scale: hatching begins
 constexpr std::size_t many_points = 5000;
 constexpr std::size_t many_edges = 12000;
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
 float narrow(double value) { return static_cast<float>(value); }
 float interface_scale() { return narrow(view_interface_scale()); }
 
@@ -53,16 +52,14 @@ drawing_t drawing;
 
 void add_line(std::vector<vertex2_t> &out, const uv_mesh &mesh, const uv_edge &edge)
 {
-    const flat_uv &a = mesh.at[place(edge.corner)], &b = mesh.at[place(edge.next)];
+    const flat_uv &a = mesh.at[edge.corner], &b = mesh.at[edge.next];
     out.push_back({a.u, a.v});
     out.push_back({b.u, b.v});
 }
 
 bool is_chosen(const uv_state &state, const uv_edge &edge)
 {
-    const auto both = [&](int a, int b) {
-        return state.chosen[place(a)] != 0 && state.chosen[place(b)] != 0;
-    };
+    const auto both = [&](int a, int b) { return state.chosen[a] != 0 && state.chosen[b] != 0; };
     return both(edge.corner, edge.next) || (!edge.is_border() && both(edge.twin, edge.twin_next));
 }
 
@@ -84,9 +81,9 @@ void make_points(const uv_state &state)
 {
     drawing.points.clear();
     drawing.chosen_points.clear();
-    std::vector<char> known(place(state.islands.num_points), 0);
+    std::vector<char> known(state.islands.num_points, 0);
     for (std::size_t c = 0; c < state.chosen.size(); ++c) {
-        char &seen = known[place(state.islands.point[c])];
+        char &seen = known[state.islands.point[c]];
         const bool chosen = state.chosen[c] != 0;
         const vertex2_t at = {state.mesh.at[c].u, state.mesh.at[c].v};
         if (chosen && seen < 2) {
@@ -129,7 +126,7 @@ void for_triangles(const uv_mesh &mesh, int surface, Add &&add)
     const int first = mesh.corners_begin(surface);
     for (int c = first + 1; c + 1 < mesh.corners_end(surface); ++c) {
         for (const int corner : {first, c, c + 1})
-            add(mesh.at[place(corner)]);
+            add(mesh.at[corner]);
     }
 }
 
@@ -141,7 +138,7 @@ void make_fill(const uv_state &state)
         const std::vector<uv_stretch> stretch =
             uv_measure_stretch(mesh, uv_picture_size().aspect());
         for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            const float share = share_of_stretch(stretch[place(i)]);
+            const float share = share_of_stretch(stretch[i]);
             coloured_vertex_t vertex = {};
             colour_of_stretch(share, vertex.rgba);
             for_triangles(mesh, i, [&](const flat_uv &p) {
@@ -156,7 +153,7 @@ void make_fill(const uv_state &state)
     if (drawing.overlaps) {
         const std::vector<char> over = uv_find_overlaps(mesh);
         for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            if (over[place(i)] != 0)
+            if (over[i] != 0)
                 for_triangles(mesh, i, [&](const flat_uv &p) {
                     drawing.fill.over.push_back({p.u, p.v});
                 });

@@ -18,11 +18,10 @@ bool is_line(const flat_surface &surface)
 point3_t outline_normal(const flat_mesh &flat, std::span<const std::int32_t> corners)
 {
     double sum[3] = {};
-    const point3_t &origin = (*flat.positions)[static_cast<size_t>(corners[0])];
+    const point3_t &origin = flat.position(corners[0]);
     for (size_t i = 1; i + 1 < corners.size(); ++i) {
-        const point3_t a = point_sub((*flat.positions)[static_cast<size_t>(corners[i])], origin);
-        const point3_t b =
-            point_sub((*flat.positions)[static_cast<size_t>(corners[i + 1])], origin);
+        const point3_t a = point_sub(flat.position(corners[i]), origin);
+        const point3_t b = point_sub(flat.position(corners[i + 1]), origin);
         const point3_t c = point_cross(a, b);
         sum[0] += c.x;
         sum[1] += c.y;
@@ -38,9 +37,7 @@ bool is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners)
     if (n <= 3)
         return true;
     const point3_t facing = outline_normal(flat, corners);
-    const auto at = [&](size_t i) {
-        return (*flat.positions)[static_cast<size_t>(corners[i % n])];
-    };
+    const auto at = [&](size_t i) { return flat.position(corners[i % n]); };
     const double tolerance = 1e-5 * point_dot(facing, facing);
     for (size_t i = 0; i < n; ++i) {
         const point3_t turn =
@@ -112,15 +109,9 @@ public:
     }
 
 private:
-    const flat_surface &surface_of(int surface) const
-    {
-        return (*flat_.surfaces)[static_cast<size_t>(surface)];
-    }
+    const flat_surface &surface_of(int surface) const { return flat_.surface(surface); }
 
-    const point3_t &position(std::int32_t vertex) const
-    {
-        return (*flat_.positions)[static_cast<size_t>(vertex)];
-    }
+    const point3_t &position(std::int32_t vertex) const { return flat_.position(vertex); }
 
     void sort_into_groups()
     {
@@ -142,7 +133,7 @@ private:
                 continue;
             for (const int surface : members_[group])
                 for (const std::int32_t vertex : flat_.surface_corners(surface))
-                    claimed_[static_cast<size_t>(vertex)] = 1;
+                    claimed_[vertex] = 1;
         }
     }
 
@@ -182,7 +173,7 @@ private:
             note_odd_normal(surface, corners);
         slots_.assign(corners.begin(), corners.end());
         if (options_.texture_coords) {
-            const std::int32_t first = (*flat_.corner_offsets)[static_cast<size_t>(surface)];
+            const std::int32_t first = flat_.first_corner(surface);
             for (size_t i = 0; i < corners.size(); ++i)
                 slots_[i] = new_slot(corners[i], smooth ? -1 : surface,
                                      first + static_cast<std::int32_t>(i));
@@ -192,7 +183,7 @@ private:
         }
         if (ears) {
             for (const int corner : surface_ears(flat_, surface))
-                out_.triangles.push_back(slots_[static_cast<size_t>(corner)]);
+                out_.triangles.push_back(slots_[corner]);
             return;
         }
         const bool own_normals = options_.texture_coords || smooth;
@@ -224,7 +215,7 @@ private:
     // lie on one line.
     void note_odd_normal(int surface, std::span<const std::int32_t> corners)
     {
-        const point3_t &stored = (*flat_.face_normals)[static_cast<size_t>(surface)];
+        const point3_t &stored = flat_.face_normal(surface);
         if (point_dot(stored, outline_normal(flat_, corners)) <= 0)
             out_.odd_faces.push_back(surface);
     }
@@ -295,7 +286,7 @@ bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat)
         const bool was_concave = next < layout.concave.size() && layout.concave[next] == surface;
         if (was_concave)
             return false; // its ears may lie differently now
-        const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
+        const flat_surface &record = flat.surface(surface);
         if (!is_line(record) && !is_convex(flat, flat.surface_corners(surface)))
             return false;
     }
@@ -309,7 +300,7 @@ void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, float 
     std::copy(flat.positions->begin(), flat.positions->end(), points);
     points += layout.num_vertices;
     for (const std::int32_t owner : layout.extra_vertices)
-        *points++ = (*flat.positions)[static_cast<size_t>(owner)];
+        *points++ = flat.position(owner);
 }
 
 void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int16_t *out)
@@ -323,8 +314,7 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
             slot < layout.num_vertices
                 ? slot
                 : static_cast<size_t>(layout.extra_vertices[slot - layout.num_vertices]);
-        point3_t normal =
-            face >= 0 ? (*flat.face_normals)[static_cast<size_t>(face)] : (*flat.normals)[owner];
+        point3_t normal = face >= 0 ? flat.face_normal(face) : flat.normal(owner);
         if (face >= 0 &&
             std::binary_search(layout.odd_faces.begin(), layout.odd_faces.end(), face)) {
             if (face != odd_face) {
@@ -346,8 +336,7 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
 void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out)
 {
     for (const std::int32_t corner : layout.corner_of_slot) {
-        const flat_uv at =
-            corner >= 0 ? (*flat.texture_coords)[static_cast<size_t>(corner)] : flat_uv{0, 0};
+        const flat_uv at = corner >= 0 ? flat.uv(corner) : flat_uv{0, 0};
         *out++ = at.u;
         *out++ = at.v;
     }
@@ -360,7 +349,7 @@ std::vector<std::uint32_t> unique_edges(const flat_mesh &flat, const std::vector
     std::vector<std::uint32_t> starts(num_vertices + 1, 0);
     const auto for_each_edge = [&](auto &&visit) {
         const auto one = [&](int surface) {
-            if (is_line((*flat.surfaces)[static_cast<size_t>(surface)]))
+            if (is_line(flat.surface(surface)))
                 return;
             const std::span<const std::int32_t> corners = flat.surface_corners(surface);
             const size_t n = corners.size();

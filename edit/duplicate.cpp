@@ -17,8 +17,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 point3_t shift_of_copies()
 {
     if (prefs.shift_duplicated == 0)
@@ -56,14 +54,14 @@ mesh_result copy_surfaces(const owned_elements &owned, const point3_t &offset)
 {
     mesh_change change(owned.object);
     const flat_mesh &mesh = change.before();
-    std::vector<int> copies(place(mesh.num_vertices()), -1);
+    std::vector<int> copies(mesh.num_vertices(), -1);
     for (const int surface : owned.indices) {
         change.add_surface(surface);
-        auto corner = place((*mesh.corner_offsets)[place(surface)]);
+        auto corner = mesh.first_corner(surface);
         for (const int v : mesh.surface_corners(surface)) {
-            if (copies[place(v)] < 0)
-                copies[place(v)] = change.add_vertex(point_add(change.position(v), offset), v);
-            change.add_corner(copies[place(v)], (*mesh.texture_coords)[corner++]);
+            if (copies[v] < 0)
+                copies[v] = change.add_vertex(point_add(change.position(v), offset), v);
+            change.add_corner(copies[v], mesh.uv(corner++));
         }
     }
     return change.commit();

@@ -19,8 +19,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // ---- triangles ----
 
 class triangle_cutter {
@@ -30,7 +28,7 @@ public:
     void cut(int face)
     {
         face_ = face;
-        first_ = from_.offsets[place(face)];
+        first_ = from_.offsets[face];
         const auto n = from_.face(face).size();
         if (n == 3) {
             add(0, 1, 2);
@@ -48,16 +46,16 @@ public:
 private:
     [[nodiscard]] const point3_t &at(std::size_t i) const
     {
-        return from_.points[place(from_.corners[place(first_) + i])];
+        return from_.points[from_.corners[first_ + i]];
     }
 
     void add(std::size_t a, std::size_t b, std::size_t c)
     {
         for (const std::size_t i : {a, b, c}) {
-            const std::size_t corner = place(first_) + i;
+            const std::size_t corner = first_ + i;
             to_->add_corner(from_.corners[corner], from_.uv[corner]);
         }
-        to_->end_face(from_.sources[place(face_)]);
+        to_->end_face(from_.sources[face_]);
     }
 
     void fan()
@@ -183,17 +181,17 @@ vesk_mesh_t *vesk_object_to_mesh(object_t *object)
     auto mesh = std::make_unique<vesk_mesh_t>();
     const flat_ptr flat = object_flat(object);
     mesh->points = *flat->positions;
-    mesh->corners.reserve(place(flat->num_corners()));
-    mesh->uv.reserve(place(flat->num_corners()));
-    mesh->sources.reserve(place(flat->num_surfaces()));
-    mesh->offsets.reserve(place(flat->num_surfaces()) + 1);
+    mesh->corners.reserve(flat->num_corners());
+    mesh->uv.reserve(flat->num_corners());
+    mesh->sources.reserve(flat->num_surfaces());
+    mesh->offsets.reserve(flat->num_surfaces() + 1);
     for (int s = 0; s < flat->num_surfaces(); ++s) {
         const auto corners = flat->surface_corners(s);
-        if (!is_polygon((*flat->surfaces)[place(s)]) || corners.size() < 3)
+        if (!is_polygon(flat->surface(s)) || corners.size() < 3)
             continue;
-        auto corner = place((*flat->corner_offsets)[place(s)]);
+        auto corner = flat->first_corner(s);
         for (const int v : corners)
-            mesh->add_corner(v, (*flat->texture_coords)[corner++]);
+            mesh->add_corner(v, flat->uv(corner++));
         mesh->end_face(s);
     }
     return mesh.release();
@@ -255,15 +253,15 @@ private:
         listitem *head = nullptr, *last = nullptr;
         for (int face = 0; face < mesh_.num_faces(); ++face) {
             surface_t *surface = new_surface();
-            const int source = mesh_.sources[place(face)];
+            const int source = mesh_.sources[face];
             if (source >= 0)
-                surface_copy_record(surface, (*before_->surface_records)[place(source)]);
-            auto corner = place(mesh_.offsets[place(face)]);
+                surface_copy_record(surface, before_->surface_record(source));
+            auto corner = mesh_.offsets[face];
             listitem *last_corner = nullptr;
             for (const int v : mesh_.face(face)) {
                 const flat_uv &uv = mesh_.uv[corner++];
                 last_corner = list_add_item_fast(&surface->refs, last_corner,
-                                                 new_svertex(points_[place(v)], uv.u, uv.v));
+                                                 new_svertex(points_[v], uv.u, uv.v));
                 ++surface->num_refs;
             }
             last = list_add_item_fast(&head, last, surface);
@@ -274,17 +272,17 @@ private:
     // Vertices that polygons had and nothing has any more.
     void find_unused()
     {
-        use_.resize(place(before_->num_vertices()), UNTOUCHED);
+        use_.resize(before_->num_vertices(), UNTOUCHED);
         for (int s = 0; s < before_->num_surfaces(); ++s) {
-            const bool goes = is_polygon((*before_->surfaces)[place(s)]);
+            const bool goes = is_polygon(before_->surface(s));
             for (const int v : before_->surface_corners(s)) {
-                if (use_[place(v)] != KEPT)
-                    use_[place(v)] = goes ? LOST : KEPT;
+                if (use_[v] != KEPT)
+                    use_[v] = goes ? LOST : KEPT;
             }
         }
         for (const int v : mesh_.corners) {
             if (v < before_->num_vertices())
-                use_[place(v)] = KEPT;
+                use_[v] = KEPT;
         }
     }
 
@@ -344,7 +342,7 @@ int vesk_mesh_add_face(vesk_mesh_t *mesh, const int *vertices, int n, const floa
         mesh->add_corner(vertices[i],
                          uv == nullptr ? flat_uv{0, 0} : flat_uv{uv[2 * i], uv[2 * i + 1]});
     }
-    mesh->end_face(like < 0 ? -1 : mesh->sources[place(like)]);
+    mesh->end_face(like < 0 ? -1 : mesh->sources[like]);
     mesh->edges.reset();
     return mesh->num_faces() - 1;
 }

@@ -20,9 +20,7 @@ struct vesk_mesh {
     [[nodiscard]] int num_faces() const { return static_cast<int>(sources.size()); }
     [[nodiscard]] std::span<const int> face(int i) const
     {
-        const auto at = static_cast<std::size_t>(i);
-        return {corners.data() + offsets[at],
-                static_cast<std::size_t>(offsets[at + 1] - offsets[at])};
+        return {corners.data() + offsets[i], corners.data() + offsets[i + 1]};
     }
     void add_corner(int v, const flat_uv &coordinates)
     {

@@ -153,10 +153,10 @@ void vesk_extrude_along_path(void)
     for (const direction_t &direction : directions)
         turns.emplace_back(directions.front(), direction);
     const auto place_at = [&](int level, const point3_t &base, const point3_t &) -> point3_t {
-        const point3_t &start = points.front(), &to = points[static_cast<std::size_t>(level)];
-        const direction_t p = turns[static_cast<std::size_t>(level)](
-            {static_cast<double>(base.x) - start.x, static_cast<double>(base.y) - start.y,
-             static_cast<double>(base.z) - start.z});
+        const point3_t &start = points.front(), &to = points[level];
+        const direction_t p = turns[level]({static_cast<double>(base.x) - start.x,
+                                            static_cast<double>(base.y) - start.y,
+                                            static_cast<double>(base.z) - start.z});
         return {static_cast<float>(to.x + p.x), static_cast<float>(to.y + p.y),
                 static_cast<float>(to.z + p.z)};
     };

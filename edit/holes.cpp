@@ -16,8 +16,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 struct outline_t {
     std::span<const std::int32_t> corners;
     const flat_uv *uv; // one a corner
@@ -25,7 +23,7 @@ struct outline_t {
 
 outline_t outline_of(const flat_mesh &mesh, int surface)
 {
-    const auto first = place((*mesh.corner_offsets)[place(surface)]);
+    const auto first = mesh.first_corner(surface);
     return {mesh.surface_corners(surface), mesh.texture_coords->data() + first};
 }
 
@@ -66,7 +64,7 @@ bool hole(int surface, float factor, bool with_inner, mesh_change &change)
     const flat_mesh &mesh = change.before();
     const outline_t outline = outline_of(mesh, surface);
     const std::size_t n = outline.corners.size();
-    if ((*mesh.surfaces)[place(surface)].type != SURFACE_POLYGON || n < 3)
+    if (mesh.surface(surface).type != SURFACE_POLYGON || n < 3)
         return false;
 
     const int copies = add_scaled(change, outline, factor);
@@ -97,7 +95,7 @@ void bevel(int surface, mesh_change &change)
     const outline_t outline = outline_of(mesh, surface);
     const std::size_t n = outline.corners.size();
     const auto size = static_cast<float>(prefs.bevel_size);
-    const point3_t lift = point_scale((*mesh.face_normals)[place(surface)], size);
+    const point3_t lift = point_scale(mesh.face_normal(surface), size);
 
     const int cap = change.num_vertices();
     change.add_surface(surface);
@@ -183,7 +181,7 @@ int object_bevel(object_t *object)
     for_each_object(object, [&count](object_t *part) {
         mesh_change change(part);
         const int n = change.before().num_surfaces();
-        reserve_rings(change, place(n));
+        reserve_rings(change, n);
         for (int i = 0; i < n; ++i)
             bevel(i, change);
         change.commit();

@@ -19,10 +19,9 @@
 #include <cstdlib>
 #include <libqhull_r/qhull_ra.h>
 #include <string>
+#include <utility>
 
 namespace {
-
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
 
 struct file_closer {
     void operator()(std::FILE *file) const { std::fclose(file); }
@@ -129,11 +128,11 @@ void append_polygon(const std::vector<int> &corners, polygons_t *out)
 bool faces_against(const double *normal, const std::vector<point3_t> &points,
                    const std::vector<int> &corners)
 {
-    const point3_t &origin = points[place(corners[0])];
+    const point3_t &origin = points[corners[0]];
     double turn = 0;
     for (std::size_t i = 1; i + 1 < corners.size(); ++i) {
-        const point3_t cross = point_cross(point_sub(points[place(corners[i])], origin),
-                                           point_sub(points[place(corners[i + 1])], origin));
+        const point3_t cross = point_cross(point_sub(points[corners[i]], origin),
+                                           point_sub(points[corners[i + 1]], origin));
         turn += cross.x * normal[0] + cross.y * normal[1] + cross.z * normal[2];
     }
     return turn < 0;
@@ -252,7 +251,7 @@ hull_result convex_hull(const std::vector<point3_t> &points, double precision, p
         names.push_back(static_cast<int>(i));
     }
     const bool apart = std::any_of(names.begin(), names.end(), [&](int name) {
-        return !point_equal(points[place(name)], points[place(names[0])]);
+        return !point_equal(points[name], points[names[0]]);
     });
     if (names.size() < 4 || !apart)
         return hull_result::flat;
@@ -263,7 +262,7 @@ hull_result convex_hull(const std::vector<point3_t> &points, double precision, p
         return result;
     const bool whole = qhull.for_each_polygon([&](const facetT *facet, std::vector<int> &corners) {
         for (int &corner : corners)
-            corner = names[place(corner)];
+            corner = names[corner];
         if (faces_against(facet->normal, points, corners))
             std::reverse(corners.begin(), corners.end());
         append_polygon(corners, out);
@@ -294,14 +293,12 @@ hull_result delaunay_triangulation(const std::vector<point3_t> &points, int axis
     qhull.for_each_simplex([&](const std::array<int, 3> &simplex) {
         corners.clear();
         for (const int corner : simplex) {
-            if (place(corner) < names.size()) // Qz adds a point at infinity
-                corners.push_back(names[place(corner)]);
+            if (std::cmp_less(corner, names.size())) // Qz adds a point at infinity
+                corners.push_back(names[corner]);
         }
         if (corners.size() != 3)
             return;
-        const auto at = [&](std::size_t i) -> const point3_t & {
-            return points[place(corners[i])];
-        };
+        const auto at = [&](std::size_t i) -> const point3_t & { return points[corners[i]]; };
         const double turn = turn_about(axis, at(0), at(1), at(2));
         if (turn == 0)
             return;
@@ -347,7 +344,7 @@ object_t *object_of(const std::vector<point3_t> &points, const polygons_t &polyg
 {
     std::vector<int> number(points.size(), -1);
     for (const int corner : polygons.corners)
-        number[place(corner)] = 0;
+        number[corner] = 0;
     std::vector<float> xyz;
     int used = 0;
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -358,7 +355,7 @@ object_t *object_of(const std::vector<point3_t> &points, const polygons_t &polyg
     }
     std::vector<int> corners;
     for (const int corner : polygons.corners)
-        corners.push_back(number[place(corner)]);
+        corners.push_back(number[corner]);
     constexpr int new_surface_material = 1;
     object_t *object = new_object(OBJECT_POLY);
     object_set_name(object, name);

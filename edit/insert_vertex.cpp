@@ -22,18 +22,17 @@ bool insert_into_surfaces(mesh_change &change, int a, int b, int added, float sh
     const flat_mesh &mesh = change.before();
     bool any = false;
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
-        const auto place = static_cast<std::size_t>(surface);
-        const int end = (*mesh.corner_offsets)[place + 1];
-        const bool open = (*mesh.surfaces)[place].type == SURFACE_LINE;
-        for (int c = (*mesh.corner_offsets)[place]; c < end - (open ? 1 : 0); ++c) {
+        const int end = mesh.end_corner(surface);
+        const bool open = mesh.surface(surface).type == SURFACE_LINE;
+        for (int c = mesh.first_corner(surface); c < end - (open ? 1 : 0); ++c) {
             const int next = next_corner(mesh, surface, c);
-            const int from = (*mesh.corners)[static_cast<std::size_t>(c)];
-            const int to = (*mesh.corners)[static_cast<std::size_t>(next)];
+            const int from = mesh.corner(c);
+            const int to = mesh.corner(next);
             if (!(from == a && to == b) && !(from == b && to == a))
                 continue;
             const float way = from == a ? share : 1 - share;
-            const flat_uv &p = (*mesh.texture_coords)[static_cast<std::size_t>(c)];
-            const flat_uv &q = (*mesh.texture_coords)[static_cast<std::size_t>(next)];
+            const flat_uv &p = mesh.uv(c);
+            const flat_uv &q = mesh.uv(next);
             change.insert_corner_after(c, added, {between(p.u, q.u, way), between(p.v, q.v, way)});
             any = true;
         }

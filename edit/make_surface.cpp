@@ -15,8 +15,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // The vertices in an order in which the polygon's outline does not cross itself.
 void untangle(std::vector<vertex *> &vertices)
 {
@@ -30,7 +28,7 @@ void untangle(std::vector<vertex *> &vertices)
     std::vector<vertex *> ordered;
     ordered.reserve(vertices.size());
     for (const int i : order_by_angle(outline))
-        ordered.push_back(vertices[place(i)]);
+        ordered.push_back(vertices[i]);
     vertices = std::move(ordered);
 }
 
@@ -45,8 +43,7 @@ surface_t *add_surface(object_t *object, const std::vector<vertex *> &vertices, 
     for (const vertex *point : vertices) {
         const int at = static_cast<int>(vertex_number(point));
         const auto uses = corners.of(at);
-        change.add_corner(at, uses.empty() ? flat_uv{0, 0}
-                                           : (*mesh.texture_coords)[place(uses.front())]);
+        change.add_corner(at, uses.empty() ? flat_uv{0, 0} : mesh.uv(uses.front()));
     }
     return change.commit().surfaces.front();
 }

@@ -123,12 +123,11 @@ void add_object(object_t *object, body_t *body)
 {
     const flat_ptr mesh = object_flat(object);
     for (int s = 0; s < mesh->num_surfaces(); ++s) {
-        if (((*mesh->surfaces)[static_cast<std::size_t>(s)].type & SURFACE_TYPE_MASK) !=
-            SURFACE_POLYGON)
+        if ((mesh->surface(s).type & SURFACE_TYPE_MASK) != SURFACE_POLYGON)
             continue;
         std::vector<vec> corners;
         for (const int v : mesh->surface_corners(s))
-            corners.push_back(vec_of((*mesh->positions)[static_cast<std::size_t>(v)]));
+            corners.push_back(vec_of(mesh->position(v)));
         if (corners.size() < 3)
             continue;
         const vec twice = area_vector(corners);

@@ -19,8 +19,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // Removes corners on vertices that their surface has already; `corners` is where they refer to.
 // Returns the number of pairs.
 int remove_repeated(mesh_change &change, const std::vector<std::int32_t> &corners)
@@ -29,12 +27,11 @@ int remove_repeated(mesh_change &change, const std::vector<std::int32_t> &corner
     struct seen_t {
         int surface = -1, times = 0;
     };
-    std::vector<seen_t> seen(place(mesh.num_vertices()));
+    std::vector<seen_t> seen(mesh.num_vertices());
     int pairs = 0;
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
-        for (int c = (*mesh.corner_offsets)[place(i)]; c < (*mesh.corner_offsets)[place(i) + 1];
-             ++c) {
-            seen_t &at = seen[place(corners[place(c)])];
+        for (int c = mesh.first_corner(i); c < mesh.end_corner(i); ++c) {
+            seen_t &at = seen[corners[c]];
             if (at.surface != i)
                 at = {i, 0};
             if (at.times > 0)
@@ -59,7 +56,7 @@ weld_result weld(object_t *object)
     int removed = 0;
     for (std::size_t v = 0; v < n; ++v) {
         const int number = static_cast<int>(v);
-        first[v] = index.find_or_add((*mesh.positions)[v], number);
+        first[v] = index.find_or_add(mesh.position(v), number);
         if (first[v] == number)
             continue;
         change.remove_vertex(number);
@@ -67,7 +64,7 @@ weld_result weld(object_t *object)
     }
     std::vector<std::int32_t> corners = *mesh.corners;
     for (std::size_t c = 0; removed > 0 && c < corners.size(); ++c) {
-        const std::int32_t to = first[place(corners[c])];
+        const std::int32_t to = first[corners[c]];
         if (to == corners[c])
             continue;
         change.redirect_corner(static_cast<int>(c), to);
@@ -98,23 +95,23 @@ int clean_surfaces(object_t *object)
     const flat_mesh &mesh = change.before();
     const std::vector<bool> duplicate = duplicate_surfaces(mesh);
     int removed = 0, degenerate = 0;
-    std::vector<bool> used(place(mesh.num_vertices())), lost(used.size());
+    std::vector<bool> used(mesh.num_vertices()), lost(used.size());
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         const auto corners = mesh.surface_corners(i);
-        const bool polygon = (*mesh.surfaces)[place(i)].type == SURFACE_POLYGON;
+        const bool polygon = mesh.surface(i).type == SURFACE_POLYGON;
         const bool small = corners.size() == 1 || (corners.size() == 2 && polygon);
-        if (duplicate[place(i)] || small)
+        if (duplicate[i] || small)
             change.remove_surface(i);
-        if (duplicate[place(i)]) {
+        if (duplicate[i]) {
             ++removed;
             continue;
         }
         degenerate += small ? 1 : 0;
         for (const int v : corners)
-            (small ? lost : used)[place(v)] = true;
+            (small ? lost : used)[v] = true;
     }
     for (int v = 0; v < mesh.num_vertices(); ++v) {
-        if (lost[place(v)] && !used[place(v)])
+        if (lost[v] && !used[v])
             change.remove_vertex(v);
     }
     if (degenerate > 0) {

@@ -17,26 +17,24 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // Which piece each surface belongs to, numbered from 0 in the order of their first surfaces.
 using piece_numbers = std::vector<int>;
 
 class connected_vertices {
 public:
-    explicit connected_vertices(int n) : parent_(place(n))
+    explicit connected_vertices(int n) : parent_(n)
     {
         std::iota(parent_.begin(), parent_.end(), 0);
     }
     int root(int v)
     {
-        while (parent_[place(v)] != v) {
-            parent_[place(v)] = parent_[place(parent_[place(v)])];
-            v = parent_[place(v)];
+        while (parent_[v] != v) {
+            parent_[v] = parent_[parent_[v]];
+            v = parent_[v];
         }
         return v;
     }
-    void connect(int u, int v) { parent_[place(root(u))] = root(v); }
+    void connect(int u, int v) { parent_[root(u)] = root(v); }
 
 private:
     std::vector<int> parent_;
@@ -51,14 +49,14 @@ int number_connected(const flat_mesh &mesh, piece_numbers *pieces)
             vertices.connect(v, corners.front());
     }
     int count = 0;
-    std::vector<int> piece_of(place(mesh.num_vertices()), -1);
+    std::vector<int> piece_of(mesh.num_vertices(), -1);
     for (int s = 0; s < mesh.num_surfaces(); ++s) {
         const auto corners = mesh.surface_corners(s);
         int lone = -1; // a surface without corners is a piece
-        int &piece = corners.empty() ? lone : piece_of[place(vertices.root(corners.front()))];
+        int &piece = corners.empty() ? lone : piece_of[vertices.root(corners.front())];
         if (piece < 0)
             piece = count++;
-        (*pieces)[place(s)] = piece;
+        (*pieces)[s] = piece;
     }
     return count;
 }
@@ -71,12 +69,12 @@ int number_each(const flat_mesh &mesh, piece_numbers *pieces)
 
 std::vector<int> loose_vertices(const flat_mesh &mesh)
 {
-    std::vector<bool> used(place(mesh.num_vertices()));
+    std::vector<bool> used(mesh.num_vertices());
     for (const int v : *mesh.corners)
-        used[place(v)] = true;
+        used[v] = true;
     std::vector<int> loose;
     for (int v = 0; v < mesh.num_vertices(); ++v) {
-        if (!used[place(v)])
+        if (!used[v])
             loose.push_back(v);
     }
     return loose;
@@ -89,24 +87,24 @@ std::vector<object_t *> take_apart(object_t *object, number_pieces number)
 {
     surface_copier copier(object);
     const flat_mesh &mesh = copier.mesh();
-    piece_numbers pieces(place(mesh.num_surfaces()));
+    piece_numbers pieces(mesh.num_surfaces());
     const int count = number(mesh, &pieces);
     const std::vector<int> loose = loose_vertices(mesh);
     if (count + (loose.empty() ? 0 : 1) < 2)
         return {};
     // The surfaces in the order of their pieces.
-    std::vector<int> starts(place(count) + 1, 0), order(pieces.size());
+    std::vector<int> starts(count + 1, 0), order(pieces.size());
     for (const int piece : pieces)
-        ++starts[place(piece) + 1];
+        ++starts[piece + 1];
     std::partial_sum(starts.begin(), starts.end(), starts.begin());
     std::vector<int> next(starts.begin(), starts.end() - 1);
     for (int s = 0; s < mesh.num_surfaces(); ++s)
-        order[place(next[place(pieces[place(s)])]++)] = s;
+        order[next[pieces[s]]++] = s;
 
     std::vector<object_t *> made;
     for (int piece = 0; piece < count; ++piece) {
-        made.push_back(copier.copy(std::span(order).subspan(
-            place(starts[place(piece)]), place(starts[place(piece) + 1] - starts[place(piece)]))));
+        made.push_back(copier.copy(
+            std::span(order).subspan(starts[piece], starts[piece + 1] - starts[piece])));
     }
     if (!loose.empty())
         made.push_back(copier.copy({}, loose));

@@ -83,7 +83,7 @@ private:
     // Its u is that of column j, also beyond the seam.
     [[nodiscard]] corner_t corner(int i, int j) const
     {
-        const auto &ring = rings[static_cast<size_t>(i)];
+        const auto &ring = rings[i];
         const auto count = static_cast<float>(n);
         return {ring[static_cast<size_t>(j) % ring.size()], 1 - static_cast<float>(j) / count,
                 static_cast<float>(i) / count};

@@ -18,8 +18,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // A vertex as one side of a seam has it: the simplifier sees a seam where a place has two of them,
 // and keeps its line.
 struct wedge_t {
@@ -45,7 +43,7 @@ void number_looks(const flat_mesh &flat, reduce_work *work)
 {
     std::unordered_map<long long, int> known;
     for (const int source : work->mesh.sources) {
-        const flat_surface &surface = (*flat.surfaces)[place(source)];
+        const flat_surface &surface = flat.surface(source);
         const long long key =
             static_cast<long long>(surface.material) * 4 + surface.smooth * 2 + surface.twosided;
         const auto [look, is_new] = known.emplace(key, static_cast<int>(work->like.size()));
@@ -63,14 +61,13 @@ void find_wedges(reduce_work *work)
     for (std::size_t c = 0; c < mesh.corners.size(); ++c) {
         const int v = mesh.corners[c];
         const int look = work->looks[c / 3];
-        int w = first[place(v)];
-        while (w >= 0 &&
-               (work->wedges[place(w)].look != look || !(work->wedges[place(w)].uv == mesh.uv[c])))
-            w = work->wedges[place(w)].next;
+        int w = first[v];
+        while (w >= 0 && (work->wedges[w].look != look || !(work->wedges[w].uv == mesh.uv[c])))
+            w = work->wedges[w].next;
         if (w < 0) {
             w = static_cast<int>(work->wedges.size());
-            work->wedges.push_back({v, mesh.uv[c], look, first[place(v)]});
-            first[place(v)] = w;
+            work->wedges.push_back({v, mesh.uv[c], look, first[v]});
+            first[v] = w;
         }
         work->indices.push_back(static_cast<unsigned>(w));
     }
@@ -81,7 +78,7 @@ int count_vertices(const reduce_work &work, const std::vector<unsigned> &indices
     std::vector<bool> used(work.mesh.points.size());
     int count = 0;
     for (const unsigned w : indices) {
-        const auto v = place(work.wedges[w].vertex);
+        const auto v = work.wedges[w].vertex;
         count += used[v] ? 0 : 1;
         used[v] = true;
     }
@@ -94,7 +91,7 @@ std::vector<unsigned> simplified(const reduce_work &work, const std::vector<poin
     constexpr float any_error = 1e10f;
     std::vector<unsigned> result(work.indices.size());
     // The library does not take a wish for more than there is.
-    const std::size_t wanted = std::min(3 * place(std::max(triangles, 1)), result.size());
+    const std::size_t wanted = std::min<std::size_t>(3 * std::max(triangles, 1), result.size());
     const std::size_t n =
         meshopt_simplify(result.data(), work.indices.data(), work.indices.size(), &positions[0].x,
                          positions.size(), sizeof(point3_t), wanted, any_error, 0, nullptr);
@@ -110,7 +107,7 @@ void reduce(reduce_work *work)
     std::vector<point3_t> positions;
     positions.reserve(work->wedges.size());
     for (const wedge_t &wedge : work->wedges)
-        positions.push_back(work->mesh.points[place(wedge.vertex)]);
+        positions.push_back(work->mesh.points[wedge.vertex]);
 
     const int before = count_vertices(*work, work->indices);
     const auto lost = static_cast<int>(std::lround(before * (work->percent / 100.0)));
@@ -146,7 +143,7 @@ void take_result(reduce_work *work)
             const wedge_t &wedge = work->wedges[work->indices[corner]];
             result.add_corner(wedge.vertex, wedge.uv);
         }
-        result.end_face(work->like[place(work->wedges[work->indices[i]].look)]);
+        result.end_face(work->like[work->wedges[work->indices[i]].look]);
     }
     work->mesh = std::move(result);
 }

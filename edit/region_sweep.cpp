@@ -13,15 +13,13 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // The sweep of one object's surfaces.
 class region_sweep {
 public:
     region_sweep(object_t *object, const std::vector<int> &surfaces, const sweep_t &sweep)
         : change_(object), mesh_(change_.before()), surfaces_(surfaces),
           edges_(edges_of(mesh_, surfaces)), sweep_(sweep), index_(*mesh_.positions),
-          top_(place(mesh_.num_vertices()), -1)
+          top_(mesh_.num_vertices(), -1)
     {
     }
 
@@ -52,18 +50,17 @@ private:
 
 std::vector<bool> region_sweep::outer_edges() const
 {
-    std::vector<std::int32_t> owner(place(edges_.count), -1);
-    std::vector<bool> outer(place(edges_.count), true);
+    std::vector<std::int32_t> owner(edges_.count, -1);
+    std::vector<bool> outer(edges_.count, true);
     for (const int surface : surfaces_) {
-        for (int c = (*mesh_.corner_offsets)[place(surface)];
-             c < (*mesh_.corner_offsets)[place(surface) + 1]; ++c) {
-            const int edge = edges_.of_corner[place(c)];
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
+            const int edge = edges_.of_corner[c];
             if (edge < 0)
                 continue;
             // Deliberate: an edge that one surface has twice is an outer one.
-            if (owner[place(edge)] >= 0 && owner[place(edge)] != surface)
-                outer[place(edge)] = false;
-            owner[place(edge)] = surface;
+            if (owner[edge] >= 0 && owner[edge] != surface)
+                outer[edge] = false;
+            owner[edge] = surface;
         }
     }
     return outer;
@@ -87,14 +84,14 @@ int region_sweep::moved(int level, int base, int before)
 // Level by level, as the walls go, so that rounding opens no seam.
 int region_sweep::moved_to_end(int at)
 {
-    if (top_[place(at)] < 0) {
+    if (top_[at] < 0) {
         const point3_t base = change_.position(at);
         point3_t to = base;
         for (int k = 1; k <= sweep_.levels; ++k)
             to = sweep_.place(k, base, to);
-        top_[place(at)] = vertex_at(to);
+        top_[at] = vertex_at(to);
     }
-    return top_[place(at)];
+    return top_[at];
 }
 
 // Between the edge from a to b and its copies.
@@ -124,12 +121,10 @@ bool region_sweep::add_walls(progress_t &progress, double &done)
 {
     const std::vector<bool> outer = outer_edges();
     for (const int surface : surfaces_) {
-        for (int c = (*mesh_.corner_offsets)[place(surface)];
-             c < (*mesh_.corner_offsets)[place(surface) + 1]; ++c) {
-            const int edge = edges_.of_corner[place(c)];
-            if (edge >= 0 && outer[place(edge)]) {
-                add_strip(surface, (*mesh_.corners)[place(c)],
-                          (*mesh_.corners)[place(next_corner(mesh_, surface, c))]);
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
+            const int edge = edges_.of_corner[c];
+            if (edge >= 0 && outer[edge]) {
+                add_strip(surface, mesh_.corner(c), mesh_.corner(next_corner(mesh_, surface, c)));
             }
         }
         if (!progress.step(++done))
@@ -143,10 +138,8 @@ bool region_sweep::add_caps(progress_t &progress, double &done)
     change_.reserve(mesh_.positions->size(), surfaces_.size(), mesh_.corners->size());
     for (const int surface : surfaces_) {
         change_.add_surface(surface);
-        for (int c = (*mesh_.corner_offsets)[place(surface)];
-             c < (*mesh_.corner_offsets)[place(surface) + 1]; ++c) {
-            change_.add_corner(moved_to_end((*mesh_.corners)[place(c)]),
-                               (*mesh_.texture_coords)[place(c)]);
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
+            change_.add_corner(moved_to_end(mesh_.corner(c)), mesh_.uv(c));
         }
         if (prefs.extrude_flip_cap != 0)
             change_.reverse_corners();

@@ -8,8 +8,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 constexpr double pi = 3.14159265358979323846;
 constexpr int faces_between_looks = 16;
 
@@ -55,23 +53,23 @@ struct surroundings {
     }
     void meet(const vesk_mesh_t &mesh, int v, int other, bool border)
     {
-        neighbours[place(v)].add(mesh.points[place(other)], 1);
-        ++count[place(v)];
+        neighbours[v].add(mesh.points[other], 1);
+        ++count[v];
         if (border) {
-            along[place(v)].add(mesh.points[place(other)], 1);
-            ++borders[place(v)];
+            along[v].add(mesh.points[other], 1);
+            ++borders[v];
         }
     }
 };
 
 point3_t smooth_vertex(const vesk_mesh_t &mesh, const surroundings &round, int v)
 {
-    const point3_t &p = mesh.points[place(v)];
-    const int borders = round.borders[place(v)];
-    const int n = round.count[place(v)];
+    const point3_t &p = mesh.points[v];
+    const int borders = round.borders[v];
+    const int n = round.count[v];
     if (n == 0 || (borders != 0 && borders != 2))
         return p; // a corner of borders stays
-    sum_t sum = borders == 2 ? round.along[place(v)] : round.neighbours[place(v)];
+    sum_t sum = borders == 2 ? round.along[v] : round.neighbours[v];
     double weight = 1.0 / 8;
     if (borders == 0) {
         const double middle = 3.0 / 8 + std::cos(2 * pi / n) / 4;
@@ -85,8 +83,8 @@ point3_t smooth_vertex(const vesk_mesh_t &mesh, const surroundings &round, int v
 // The corner of a triangle that an edge does not touch.
 int opposite(const vesk_mesh_t &mesh, const edge_use &use)
 {
-    const int first = mesh.offsets[place(use.surface)];
-    return mesh.corners[place(first + (use.corner - first + 2) % 3)];
+    const int first = mesh.offsets[use.surface];
+    return mesh.corners[first + (use.corner - first + 2) % 3];
 }
 
 point3_t smooth_middle(const vesk_mesh_t &mesh, const edge_table &edges, int e, double factor)
@@ -96,11 +94,11 @@ point3_t smooth_middle(const vesk_mesh_t &mesh, const edge_table &edges, int e, 
     const bool inside = uses.size() == 2;
     const double ends = inside ? 0.5 - factor / 8 : 0.5;
     sum_t sum;
-    sum.add(mesh.points[place(edge.a)], ends);
-    sum.add(mesh.points[place(edge.b)], ends);
+    sum.add(mesh.points[edge.a], ends);
+    sum.add(mesh.points[edge.b], ends);
     if (inside) {
         for (const edge_use &use : uses)
-            sum.add(mesh.points[place(opposite(mesh, use))], factor / 8);
+            sum.add(mesh.points[opposite(mesh, use)], factor / 8);
     }
     return sum.point();
 }
@@ -117,12 +115,12 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
     const auto old = static_cast<int>(mesh->points.size());
 
     vesk_mesh_t fine;
-    fine.points.reserve(place(old) + place(edges.size()));
+    fine.points.reserve(old + edges.size());
     for (int v = 0; v < old; ++v) {
         sum_t blended;
-        blended.add(mesh->points[place(v)], 1.0 - factor);
+        blended.add(mesh->points[v], 1.0 - factor);
         blended.add(smooth_vertex(*mesh, round, v), factor);
-        fine.points.push_back(factor > 0 ? blended.point() : mesh->points[place(v)]);
+        fine.points.push_back(factor > 0 ? blended.point() : mesh->points[v]);
     }
     for (int e = 0; e < edges.size(); ++e)
         fine.points.push_back(smooth_middle(*mesh, edges, e, factor));
@@ -130,7 +128,7 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
     std::vector<int> edge_of(mesh->corners.size(), -1);
     for (int e = 0; e < edges.size(); ++e) {
         for (const edge_use &use : edges.uses(e))
-            edge_of[place(use.corner)] = e;
+            edge_of[use.corner] = e;
     }
     const auto faces = mesh->sources.size();
     fine.corners.reserve(12 * faces);
@@ -140,7 +138,7 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
     for (int face = 0; face < mesh->num_faces(); ++face) {
         if (!step(progress, face))
             return false;
-        const auto first = place(3 * face);
+        const int first = 3 * face;
         std::array<int, 3> v = {}, m = {};
         std::array<flat_uv, 3> uv = {}, muv = {};
         for (std::size_t i = 0; i < 3; ++i) {
@@ -155,11 +153,11 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
             fine.add_corner(v[i], uv[i]);
             fine.add_corner(m[i], muv[i]);
             fine.add_corner(m[before], muv[before]);
-            fine.end_face(mesh->sources[place(face)]);
+            fine.end_face(mesh->sources[face]);
         }
         for (std::size_t i = 0; i < 3; ++i)
             fine.add_corner(m[i], muv[i]);
-        fine.end_face(mesh->sources[place(face)]);
+        fine.end_face(mesh->sources[face]);
     }
     *mesh = std::move(fine);
     return true;
@@ -177,10 +175,10 @@ void shrink_face(const vesk_mesh_t &mesh, int face, vesk_mesh_t *fine)
     using values = std::array<double, 5>; // x, y, z, u, v
     const auto corners = mesh.face(face);
     const auto n = corners.size();
-    const auto first = place(mesh.offsets[place(face)]);
+    const auto first = mesh.offsets[face];
     const double step = 2 * pi / static_cast<double>(n);
     const auto values_at = [&](std::size_t i) -> values {
-        const point3_t &p = mesh.points[place(corners[i])];
+        const point3_t &p = mesh.points[corners[i]];
         const flat_uv &uv = mesh.uv[first + i];
         return {p.x, p.y, p.z, uv.u, uv.v};
     };
@@ -208,7 +206,7 @@ void shrink_face(const vesk_mesh_t &mesh, int face, vesk_mesh_t *fine)
         fine->add_corner(static_cast<int>(fine->points.size()) - 1,
                          {static_cast<float>(made[3]), static_cast<float>(made[4])});
     }
-    fine->end_face(mesh.sources[place(face)]);
+    fine->end_face(mesh.sources[face]);
 }
 
 // The walk from face to face about a vertex, by corners of the old mesh.
@@ -220,24 +218,22 @@ public:
     {
         for (int e = 0; e < edges.size(); ++e) {
             for (const edge_use &use : edges.uses(e))
-                edge_of_[place(use.corner)] = e;
+                edge_of_[use.corner] = e;
         }
         for (int face = 0; face < mesh.num_faces(); ++face) {
-            for (int c = mesh.offsets[place(face)]; c < mesh.offsets[place(face) + 1]; ++c)
-                face_of_[place(c)] = face;
+            for (int c = mesh.offsets[face]; c < mesh.offsets[face + 1]; ++c)
+                face_of_[c] = face;
         }
     }
     [[nodiscard]] int after(int corner) const
     {
-        const int face = face_of_[place(corner)];
-        return corner + 1 < mesh_.offsets[place(face) + 1] ? corner + 1
-                                                           : mesh_.offsets[place(face)];
+        const int face = face_of_[corner];
+        return corner + 1 < mesh_.offsets[face + 1] ? corner + 1 : mesh_.offsets[face];
     }
     [[nodiscard]] int before(int corner) const
     {
-        const int face = face_of_[place(corner)];
-        return corner > mesh_.offsets[place(face)] ? corner - 1
-                                                   : mesh_.offsets[place(face) + 1] - 1;
+        const int face = face_of_[corner];
+        return corner > mesh_.offsets[face] ? corner - 1 : mesh_.offsets[face + 1] - 1;
     }
     // True for an edge between two faces that agree about their front.
     [[nodiscard]] bool joins(int e) const
@@ -250,13 +246,13 @@ public:
     [[nodiscard]] int next_about(int corner) const
     {
         const int side = before(corner);
-        const int e = edge_of_[place(side)];
+        const int e = edge_of_[side];
         if (e < 0 || !joins(e))
             return -1;
         const auto uses = edges_.uses(e);
         return uses[0].corner == side ? uses[1].corner : uses[0].corner;
     }
-    [[nodiscard]] int face_of(int corner) const { return face_of_[place(corner)]; }
+    [[nodiscard]] int face_of(int corner) const { return face_of_[corner]; }
 
 private:
     const vesk_mesh_t &mesh_;
@@ -278,7 +274,7 @@ bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress)
             return false;
         shrink_face(*mesh, face, &fine);
     }
-    const auto add = [&](int corner) { fine.add_corner(old + corner, fine.uv[place(corner)]); };
+    const auto add = [&](int corner) { fine.add_corner(old + corner, fine.uv[corner]); };
     const corner_walk walk(*mesh, edges);
     for (int e = 0; e < edges.size(); ++e) {
         if (!walk.joins(e))
@@ -288,15 +284,15 @@ bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress)
         add(c);
         add(walk.after(d));
         add(d);
-        fine.end_face(mesh->sources[place(edges.uses(e)[0].surface)]);
+        fine.end_face(mesh->sources[edges.uses(e)[0].surface]);
     }
     std::vector<bool> seen(mesh->corners.size());
     std::vector<int> ring;
     for (int start = 0; start < static_cast<int>(mesh->corners.size()); ++start) {
         ring.clear();
         int corner = start;
-        while (corner >= 0 && !seen[place(corner)]) {
-            seen[place(corner)] = true;
+        while (corner >= 0 && !seen[corner]) {
+            seen[corner] = true;
             ring.push_back(corner);
             corner = walk.next_about(corner);
         }
@@ -304,7 +300,7 @@ bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress)
             continue; // an open fan has no polygon
         for (const int c : ring)
             add(c);
-        fine.end_face(mesh->sources[place(walk.face_of(start))]);
+        fine.end_face(mesh->sources[walk.face_of(start)]);
     }
     *mesh = std::move(fine);
     return true;

@@ -210,11 +210,11 @@ vertex *find_nearest_vertex(const point3_t *point)
     for_each_object(vesk_get_world(), [&](object_t *object) {
         const flat_ptr mesh = object_flat(object);
         for (std::size_t i = 0; i < mesh->positions->size(); ++i) {
-            const point3_t away = point_sub((*mesh->positions)[i], *point);
+            const point3_t away = point_sub(mesh->position(i), *point);
             const double squared = point_dot(away, away);
             if (squared < best) {
                 best = squared;
-                nearest = (*mesh->vertex_records)[i];
+                nearest = mesh->vertex_record(i);
             }
         }
     });

@@ -12,16 +12,11 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
-int first_corner(const flat_mesh &mesh, int surface)
-{
-    return (*mesh.corner_offsets)[place(surface)];
-}
+int first_corner(const flat_mesh &mesh, int surface) { return mesh.first_corner(surface); }
 
 bool is_polygon(const flat_mesh &mesh, int surface)
 {
-    return (*mesh.surfaces)[place(surface)].type == SURFACE_POLYGON &&
+    return mesh.surface(surface).type == SURFACE_POLYGON &&
            mesh.surface_corners(surface).size() >= 3;
 }
 
@@ -37,14 +32,14 @@ centre_t centre_of(const flat_mesh &mesh, int surface)
     double x = 0, y = 0, z = 0, u = 0, v = 0;
     const auto corners = mesh.surface_corners(surface);
     const auto n = static_cast<double>(corners.size());
-    std::size_t c = place(first_corner(mesh, surface));
+    std::size_t c = first_corner(mesh, surface);
     for (const int at : corners) {
-        const point3_t &p = (*mesh.positions)[place(at)];
+        const point3_t &p = mesh.position(at);
         x += p.x;
         y += p.y;
         z += p.z;
-        u += (*mesh.texture_coords)[c].u;
-        v += (*mesh.texture_coords)[c++].v;
+        u += mesh.uv(c).u;
+        v += mesh.uv(c++).v;
     }
     return {{static_cast<float>(x / n), static_cast<float>(y / n), static_cast<float>(z / n)},
             {static_cast<float>(u / n), static_cast<float>(v / n)}};
@@ -56,18 +51,18 @@ class edge_middles {
 public:
     explicit edge_middles(mesh_change &change)
         : change_(change), mesh_(change.before()), edges_(edges_of(mesh_)),
-          middle_(place(edges_.count), -1)
+          middle_(edges_.count, -1)
     {
     }
     // The edge from this corner gets a middle; a corner without an edge none.
     void split(int surface, int corner)
     {
-        const int edge = edges_.of_corner[place(corner)];
-        if (edge < 0 || middle_[place(edge)] >= 0)
+        const int edge = edges_.of_corner[corner];
+        if (edge < 0 || middle_[edge] >= 0)
             return;
         const int a = vertex_of(corner), b = vertex_of(next_corner(mesh_, surface, corner));
         const point3_t p = point_scale(point_add(change_.position(a), change_.position(b)), 0.5f);
-        middle_[place(edge)] = change_.add_vertex(p, a);
+        middle_[edge] = change_.add_vertex(p, a);
     }
     void split_all(int surface)
     {
@@ -77,15 +72,14 @@ public:
     // The middle of the edge from this corner, or -1.
     [[nodiscard]] int of(int corner) const
     {
-        const int edge = edges_.of_corner[place(corner)];
-        return edge < 0 ? -1 : middle_[place(edge)];
+        const int edge = edges_.of_corner[corner];
+        return edge < 0 ? -1 : middle_[edge];
     }
     [[nodiscard]] flat_uv uv_of(int surface, int corner) const
     {
-        return between((*mesh_.texture_coords)[place(corner)],
-                       (*mesh_.texture_coords)[place(next_corner(mesh_, surface, corner))]);
+        return between(mesh_.uv(corner), mesh_.uv(next_corner(mesh_, surface, corner)));
     }
-    [[nodiscard]] int vertex_of(int corner) const { return (*mesh_.corners)[place(corner)]; }
+    [[nodiscard]] int vertex_of(int corner) const { return mesh_.corner(corner); }
 
     // Puts the middles into the surface; returns whether it has any.
     bool insert_into(int surface)
@@ -116,7 +110,7 @@ void split_triangle(mesh_change &change, const edge_middles &middles, int surfac
     for (int i = 0; i < 3; ++i) {
         const int corner = first + i, before = first + (i + 2) % 3;
         change.add_surface(surface);
-        change.add_corner(middles.vertex_of(corner), (*mesh.texture_coords)[place(corner)]);
+        change.add_corner(middles.vertex_of(corner), mesh.uv(corner));
         change.add_corner(middles.of(corner), middles.uv_of(surface, corner));
         change.add_corner(middles.of(before), middles.uv_of(surface, before));
     }
@@ -135,7 +129,7 @@ void split_polygon(mesh_change &change, const edge_middles &middles, int surface
     for (int i = 0; i < n; ++i) {
         const int corner = first + i, before = first + (i + n - 1) % n;
         change.add_surface(surface);
-        change.add_corner(middles.vertex_of(corner), (*mesh.texture_coords)[place(corner)]);
+        change.add_corner(middles.vertex_of(corner), mesh.uv(corner));
         change.add_corner(middles.of(corner), middles.uv_of(surface, corner));
         change.add_corner(middle, centre.uv);
         change.add_corner(middles.of(before), middles.uv_of(surface, before));
@@ -147,7 +141,7 @@ bool subdivide(surface_work &work)
     mesh_change &change = work.change;
     const flat_mesh &mesh = change.before();
     edge_middles middles(change);
-    std::vector<bool> replaced(place(mesh.num_surfaces()));
+    std::vector<bool> replaced(mesh.num_surfaces());
     const std::size_t corners = mesh.corners->size();
     change.reserve(corners / 2 + work.surfaces.size(), corners, 4 * corners);
     for (const int surface : work.surfaces) {
@@ -160,14 +154,14 @@ bool subdivide(surface_work &work)
             else
                 split_polygon(change, middles, surface);
             change.remove_surface(surface);
-            replaced[place(surface)] = true;
+            replaced[surface] = true;
         } else {
-            work.kept.push_back((*mesh.surface_records)[place(surface)]);
+            work.kept.push_back(mesh.surface_record(surface));
         }
         ++work.changed;
     }
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
-        if (!replaced[place(surface)])
+        if (!replaced[surface])
             middles.insert_into(surface);
     }
     return true;
@@ -190,16 +184,15 @@ bool spike(surface_work &work)
         const int first = first_corner(mesh, surface);
         double distance = 0;
         for (const int at : corners)
-            distance += static_cast<double>(points_dist(&(*mesh.positions)[place(at)], &centre.at));
+            distance += static_cast<double>(points_dist(&mesh.position(at), &centre.at));
         const double height = prefs.spike_factor * distance / static_cast<double>(corners.size());
-        const point3_t up =
-            point_scale((*mesh.face_normals)[place(surface)], static_cast<float>(height));
+        const point3_t up = point_scale(mesh.face_normal(surface), static_cast<float>(height));
         const int apex = change.add_vertex(point_add(centre.at, up), corners.front());
         for (int c = first; c < first_corner(mesh, surface + 1); ++c) {
             const int next = next_corner(mesh, surface, c);
             change.add_surface(surface);
-            change.add_corner((*mesh.corners)[place(c)], (*mesh.texture_coords)[place(c)]);
-            change.add_corner((*mesh.corners)[place(next)], (*mesh.texture_coords)[place(next)]);
+            change.add_corner(mesh.corner(c), mesh.uv(c));
+            change.add_corner(mesh.corner(next), mesh.uv(next));
             change.add_corner(apex, centre.uv);
         }
         change.remove_surface(surface);
@@ -228,7 +221,7 @@ class line_points {
 public:
     line_points(const flat_mesh &mesh, int surface)
         : positions_(*mesh.positions), corners_(mesh.surface_corners(surface)),
-          closed_((*mesh.surfaces)[place(surface)].type != SURFACE_LINE)
+          closed_(mesh.surface(surface).type != SURFACE_LINE)
     {
     }
     [[nodiscard]] int segments() const { return closed_ ? count() : count() - 1; }
@@ -245,7 +238,7 @@ public:
 
 private:
     [[nodiscard]] int count() const { return static_cast<int>(corners_.size()); }
-    [[nodiscard]] point3_t corner(int i) const { return positions_[place(corners_[place(i)])]; }
+    [[nodiscard]] point3_t corner(int i) const { return positions_[corners_[i]]; }
 
     const std::vector<point3_t> &positions_;
     std::span<const std::int32_t> corners_;
@@ -260,27 +253,27 @@ bool spline(surface_work &work)
     for (const int surface : work.surfaces) {
         if (!work.progress.step(++work.done))
             return false;
-        const bool line = (*mesh.surfaces)[place(surface)].type != SURFACE_POLYGON;
+        const bool line = mesh.surface(surface).type != SURFACE_POLYGON;
         if (!line || mesh.surface_corners(surface).size() < 2)
             continue;
         const line_points points(mesh, surface);
         for (int i = 0; i < points.segments(); ++i) {
             const int corner = first_corner(mesh, surface) + i;
-            const flat_uv from = (*mesh.texture_coords)[place(corner)];
-            const flat_uv to = (*mesh.texture_coords)[place(next_corner(mesh, surface, corner))];
+            const flat_uv from = mesh.uv(corner);
+            const flat_uv to = mesh.uv(next_corner(mesh, surface, corner));
             for (int k = 1; k < steps; ++k) {
                 const double t = static_cast<double>(k) / steps;
                 const auto part = static_cast<float>(t);
                 const int added = change.add_vertex(
                     catmull_rom(
                         {points.at(i - 1), points.at(i), points.at(i + 1), points.at(i + 2)}, t),
-                    (*mesh.corners)[place(corner)]);
+                    mesh.corner(corner));
                 change.insert_corner_after(
                     corner, added,
                     {from.u + (to.u - from.u) * part, from.v + (to.v - from.v) * part});
             }
         }
-        work.kept.push_back((*mesh.surface_records)[place(surface)]);
+        work.kept.push_back(mesh.surface_record(surface));
         ++work.changed;
     }
     return true;
@@ -291,13 +284,13 @@ bool spline(surface_work &work)
 // Splits the edges between the vertices.
 void split_between(const flat_mesh &mesh, const std::vector<int> &vertices, edge_middles &middles)
 {
-    std::vector<bool> chosen(place(mesh.num_vertices()));
+    std::vector<bool> chosen(mesh.num_vertices());
     for (const int v : vertices)
-        chosen[place(v)] = true;
+        chosen[v] = true;
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
         for (int c = first_corner(mesh, surface); c < first_corner(mesh, surface + 1); ++c) {
             const int next = next_corner(mesh, surface, c);
-            if (chosen[place(middles.vertex_of(c))] && chosen[place(middles.vertex_of(next))])
+            if (chosen[middles.vertex_of(c)] && chosen[middles.vertex_of(next)])
                 middles.split(surface, c);
         }
     }

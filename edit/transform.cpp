@@ -53,7 +53,7 @@ struct selected_points_t {
     {
         std::size_t count = 0;
         for (const object_t *owner : owners)
-            count += static_cast<std::size_t>(owner->num_vertices);
+            count += owner->num_vertices;
         return count == vertices.size() + of_surfaces.size();
     }
 

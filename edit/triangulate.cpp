@@ -15,8 +15,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 struct triangulation_counts {
     int triangulated = 0, failed = 0, lines = 0;
 };
@@ -29,23 +27,23 @@ bool triangulate(int surface, tessellator_t &tessellator, std::vector<point3_t> 
     const auto corners = mesh.surface_corners(surface);
     if (corners.size() <= 3)
         return false;
-    if ((*mesh.surfaces)[place(surface)].type != SURFACE_POLYGON) {
+    if (mesh.surface(surface).type != SURFACE_POLYGON) {
         ++counts.lines;
         return false;
     }
     outline.clear();
     for (const int v : corners)
-        outline.push_back((*mesh.positions)[place(v)]);
+        outline.push_back(mesh.position(v));
     if (!tessellator.cut(outline)) {
         ++counts.failed;
         return false;
     }
-    const auto first = place((*mesh.corner_offsets)[place(surface)]);
+    const auto first = mesh.first_corner(surface);
     int n = 0;
     for (const int at : tessellator.triangles()) {
         if (n++ % 3 == 0)
             change.add_surface(surface);
-        change.add_corner(corners[place(at)], (*mesh.texture_coords)[first + place(at)]);
+        change.add_corner(corners[at], mesh.uv(first + at));
     }
     change.remove_surface(surface);
     ++counts.triangulated;
@@ -63,7 +61,7 @@ bool triangulate_all(const std::vector<int> &surfaces, tessellator_t &tessellato
                      mesh_change &change, triangulation_counts &counts, progress_t *progress,
                      double &done)
 {
-    const auto corners = place(change.before().num_corners());
+    const auto corners = change.before().num_corners();
     change.reserve(0, corners / 2, 3 * (corners / 2));
     std::vector<point3_t> outline;
     for (const int surface : surfaces) {
@@ -102,7 +100,7 @@ listitem *surface_get_triangulations(const surface_t *surface)
             surface_copy_properties(triangle, surface);
             list.add(triangle);
         }
-        const svertex *corner = corners[place(at)];
+        const svertex *corner = corners[at];
         surface_add_vertex(triangle, corner->vertex, corner->u, corner->v);
     }
     return list.release();
@@ -130,7 +128,7 @@ listitem *object_triangulate_surfaces(object_t *object)
     freed_batch at_once;
     for_each_object(object, [&](object_t *part) {
         mesh_change change(part);
-        std::vector<int> all(place(change.before().num_surfaces()));
+        std::vector<int> all(change.before().num_surfaces());
         std::iota(all.begin(), all.end(), 0);
         double done = 0;
         triangulate_all(all, tessellator, change, counts, nullptr, done);

@@ -23,8 +23,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 constexpr char one_from_each[] = "select only one vertex from each object\n";
 
 std::vector<vertex *> selected_vertices() { return elements_of<vertex>(selection().vertices); }
@@ -77,7 +75,7 @@ void pair_nearest(vertex_pairs &pairs)
         }
         left.take_out(partner);
         first.push_back(point);
-        second.push_back(pairs.second[place(partner)]);
+        second.push_back(pairs.second[partner]);
     }
     pairs.first = std::move(first);
     pairs.second = std::move(second);
@@ -106,7 +104,7 @@ owned_list list_of(const std::vector<vertex *> &vertices)
 void redirect_to_partners(const vertex_pairs &pairs)
 {
     number_vertices(pairs.second_object);
-    std::vector<vertex *> partner(place(pairs.second_object->num_vertices));
+    std::vector<vertex *> partner(pairs.second_object->num_vertices);
     for (std::size_t i = 0; i < pairs.first.size(); ++i)
         partner[vertex_number(pairs.second[i])] = pairs.first[i];
     const flat_ptr mesh = object_flat(pairs.second_object);
@@ -115,7 +113,7 @@ void redirect_to_partners(const vertex_pairs &pairs)
             const std::size_t i =
                 reference->vertex ? vertex_number(reference->vertex) : partner.size();
             const bool own = i < partner.size() && i < mesh->vertex_records->size() &&
-                             (*mesh->vertex_records)[i] == reference->vertex;
+                             mesh->vertex_record(i) == reference->vertex;
             if (own && partner[i] != nullptr)
                 reference->vertex = partner[i];
         }

@@ -36,7 +36,7 @@ std::vector<flat_point_t> flatten_outline(const point3_t *corners, int count)
         const double v[3] = {corners[i].x, corners[i].y, corners[i].z};
         const double a = v[(drop + 1) % 3];
         const double b = v[(drop + 2) % 3];
-        points[static_cast<size_t>(i)] = flip ? flat_point_t{b, a} : flat_point_t{a, b};
+        points[i] = flip ? flat_point_t{b, a} : flat_point_t{a, b};
     }
     return points;
 }
@@ -49,30 +49,30 @@ public:
           next_(points_.size()), previous_(points_.size())
     {
         for (int i = 0; i < left_; ++i) {
-            next_[place(i)] = i + 1 == left_ ? 0 : i + 1;
-            previous_[place(i)] = i == 0 ? left_ - 1 : i - 1;
+            next_[i] = i + 1 == left_ ? 0 : i + 1;
+            previous_[i] = i == 0 ? left_ - 1 : i - 1;
         }
         if (left_ > enough_for_a_grid)
             fill_grid();
     }
 
     [[nodiscard]] int left() const { return left_; }
-    [[nodiscard]] int next(int corner) const { return next_[place(corner)]; }
-    [[nodiscard]] int previous(int corner) const { return previous_[place(corner)]; }
-    [[nodiscard]] bool has(int corner) const { return next_[place(corner)] >= 0; }
+    [[nodiscard]] int next(int corner) const { return next_[corner]; }
+    [[nodiscard]] int previous(int corner) const { return previous_[corner]; }
+    [[nodiscard]] bool has(int corner) const { return next_[corner] >= 0; }
 
     // Whether the triangle at this corner lies inside and holds no other corner.
     [[nodiscard]] bool is_ear(int tip) const
     {
-        const flat_point_t &a = points_[place(previous(tip))];
-        const flat_point_t &b = points_[place(tip)];
-        const flat_point_t &c = points_[place(next(tip))];
+        const flat_point_t &a = points_[previous(tip)];
+        const flat_point_t &b = points_[tip];
+        const flat_point_t &c = points_[next(tip)];
         const double ear = side_of(a, b, c);
         if (!(ear > 0))
             return false;
         const double slack = -1e-12 * ear;
         const auto holds = [&](int other) {
-            const flat_point_t &p = points_[place(other)];
+            const flat_point_t &p = points_[other];
             if ((p.x == a.x && p.y == a.y) || (p.x == b.x && p.y == b.y) ||
                 (p.x == c.x && p.y == c.y))
                 return false;
@@ -87,10 +87,10 @@ public:
         const auto [left, right] = std::minmax({a.x, b.x, c.x});
         const auto [low, high] = std::minmax({a.y, b.y, c.y});
         for (int row = row_of(low); row <= row_of(high); ++row) {
-            const int first = cell_starts_[place(row * side_ + column_of(left))];
-            const int last = cell_starts_[place(row * side_ + column_of(right) + 1)];
+            const int first = cell_starts_[row * side_ + column_of(left)];
+            const int last = cell_starts_[row * side_ + column_of(right) + 1];
             for (int i = first; i < last; ++i)
-                if (has(cell_corners_[place(i)]) && holds(cell_corners_[place(i)]))
+                if (has(cell_corners_[i]) && holds(cell_corners_[i]))
                     return false;
         }
         return true;
@@ -98,17 +98,15 @@ public:
 
     void remove(int corner)
     {
-        next_[place(previous(corner))] = next(corner);
-        previous_[place(next(corner))] = previous(corner);
-        next_[place(corner)] = -1;
+        next_[previous(corner)] = next(corner);
+        previous_[next(corner)] = previous(corner);
+        next_[corner] = -1;
         if (--left_ < in_grid_ / 2)
             fill_grid();
     }
 
 private:
     static constexpr int enough_for_a_grid = 32;
-
-    static size_t place(int i) { return static_cast<size_t>(i); }
 
     // Of numbers that are none: the first cell, where they do no harm.
     [[nodiscard]] int line_of(double offset, double scale) const
@@ -126,22 +124,22 @@ private:
         flat_point_t end = {-HUGE_VAL, -HUGE_VAL};
         corner_ = {HUGE_VAL, HUGE_VAL};
         for_each_left([&](int corner) {
-            const flat_point_t &p = points_[place(corner)];
+            const flat_point_t &p = points_[corner];
             corner_ = {std::min(corner_.x, p.x), std::min(corner_.y, p.y)};
             end = {std::max(end.x, p.x), std::max(end.y, p.y)};
         });
         scale_ = {side_ / std::max(end.x - corner_.x, 1e-300),
                   side_ / std::max(end.y - corner_.y, 1e-300)};
         const auto cell_of = [&](int corner) {
-            const flat_point_t &p = points_[place(corner)];
-            return place(row_of(p.y) * side_ + column_of(p.x));
+            const flat_point_t &p = points_[corner];
+            return row_of(p.y) * side_ + column_of(p.x);
         };
-        cell_starts_.assign(place(side_ * side_ + 1), 0);
+        cell_starts_.assign(side_ * side_ + 1, 0);
         for_each_left([&](int corner) { ++cell_starts_[cell_of(corner) + 1]; });
         std::partial_sum(cell_starts_.begin(), cell_starts_.end(), cell_starts_.begin());
         std::vector<int> ends(cell_starts_.begin(), cell_starts_.end() - 1);
-        cell_corners_.resize(place(left_));
-        for_each_left([&](int corner) { cell_corners_[place(ends[cell_of(corner)]++)] = corner; });
+        cell_corners_.resize(left_);
+        for_each_left([&](int corner) { cell_corners_[ends[cell_of(corner)]++] = corner; });
     }
 
     template <class Visit>
@@ -196,7 +194,7 @@ std::vector<int> surface_ears(const flat_mesh &flat, int surface)
 {
     std::vector<point3_t> points;
     for (const std::int32_t index : flat.surface_corners(surface))
-        points.push_back((*flat.positions)[static_cast<size_t>(index)]);
+        points.push_back(flat.position(index));
     std::vector<int> ears;
     cut_ears(points.data(), static_cast<int>(points.size()), ears);
     return ears;

@@ -124,8 +124,7 @@ flat_array<flat_uv> read_texture_coords(const object_t *object, const flat_mesh 
         for (const svertex *reference : each<svertex>(surface->refs)) {
             if (corner == texture_coords.size())
                 return nullptr;
-            const auto index = static_cast<std::size_t>((*old.corners)[corner]);
-            if ((*old.vertex_records)[index] == reference->vertex)
+            if (old.vertex_record(old.corner(corner)) == reference->vertex)
                 texture_coords[corner++] = {reference->u, reference->v};
         }
     }
@@ -164,11 +163,11 @@ unsigned compare_vertices(const object_t *object, const flat_mesh &flat)
     unsigned found = 0;
     std::size_t i = 0;
     for (const vertex *point : each<vertex>(object->vertices)) {
-        if (i == flat.vertex_records->size() || (*flat.vertex_records)[i] != point)
+        if (i == flat.vertex_records->size() || flat.vertex_record(i) != point)
             return CHANGED_TOPOLOGY;
-        if (!same((*flat.positions)[i], point->position))
+        if (!same(flat.position(i), point->position))
             found |= CHANGED_POSITIONS;
-        if (!same((*flat.normals)[i], point->normal))
+        if (!same(flat.normal(i), point->normal))
             found |= CHANGED_NORMALS;
         ++i;
     }
@@ -184,12 +183,12 @@ public:
     {
         std::size_t i = 0;
         for (const surface_t *surface : each<surface_t>(object->surfaces)) {
-            if (i == flat_.surface_records->size() || (*flat_.surface_records)[i] != surface ||
+            if (i == flat_.surface_records->size() || flat_.surface_record(i) != surface ||
                 !corners(*surface, i))
                 return CHANGED_TOPOLOGY;
-            if ((*flat_.surfaces)[i] != attributes_of(*surface))
+            if (flat_.surface(i) != attributes_of(*surface))
                 found_ |= CHANGED_ATTRIBUTES;
-            if (!same((*flat_.face_normals)[i], surface->normal))
+            if (!same(flat_.face_normal(i), surface->normal))
                 found_ |= CHANGED_NORMALS;
             ++i;
         }
@@ -200,19 +199,17 @@ public:
 private:
     bool corners(const surface_t &surface, std::size_t i)
     {
-        auto corner = static_cast<std::size_t>((*flat_.corner_offsets)[i]);
-        const auto end = static_cast<std::size_t>((*flat_.corner_offsets)[i + 1]);
+        int corner = flat_.first_corner(i);
+        const int end = flat_.end_corner(i);
         for (const svertex *reference : each<svertex>(surface.refs)) {
             const bool expected =
-                corner < end &&
-                (*flat_.vertex_records)[static_cast<std::size_t>((*flat_.corners)[corner])] ==
-                    reference->vertex;
+                corner < end && flat_.vertex_record(flat_.corner(corner)) == reference->vertex;
             if (!expected) {
                 if (is_own(reference->vertex))
                     return false;
                 continue; // left out of the flat mesh
             }
-            if (!same((*flat_.texture_coords)[corner], *reference))
+            if (!same(flat_.uv(corner), *reference))
                 found_ |= CHANGED_TEXTURE_COORDS;
             ++corner;
         }
@@ -279,9 +276,9 @@ void flat_drop_unused()
 
 int flat_loose_points(const flat_mesh &flat)
 {
-    std::vector<bool> used(static_cast<std::size_t>(flat.num_vertices()));
+    std::vector<bool> used(flat.num_vertices());
     for (const std::int32_t corner : *flat.corners)
-        used[static_cast<std::size_t>(corner)] = true;
+        used[corner] = true;
     return static_cast<int>(std::count(used.begin(), used.end(), false));
 }
 

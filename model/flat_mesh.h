@@ -50,13 +50,23 @@ struct flat_mesh {
     [[nodiscard]] int num_vertices() const { return static_cast<int>(positions->size()); }
     [[nodiscard]] int num_surfaces() const { return static_cast<int>(surfaces->size()); }
     [[nodiscard]] int num_corners() const { return static_cast<int>(corners->size()); }
+    // of a vertex
+    [[nodiscard]] const point3_t &position(std::size_t v) const { return (*positions)[v]; }
+    [[nodiscard]] const point3_t &normal(std::size_t v) const { return (*normals)[v]; }
+    [[nodiscard]] vertex *vertex_record(std::size_t v) const { return (*vertex_records)[v]; }
+    // of a surface; its corners are first_corner(s) .. end_corner(s) - 1
+    [[nodiscard]] const flat_surface &surface(std::size_t s) const { return (*surfaces)[s]; }
+    [[nodiscard]] const point3_t &face_normal(std::size_t s) const { return (*face_normals)[s]; }
+    [[nodiscard]] surface_t *surface_record(std::size_t s) const { return (*surface_records)[s]; }
+    [[nodiscard]] int first_corner(std::size_t s) const { return (*corner_offsets)[s]; }
+    [[nodiscard]] int end_corner(std::size_t s) const { return (*corner_offsets)[s + 1]; }
+    // of a corner: its vertex, its texture coordinates
+    [[nodiscard]] int corner(std::size_t c) const { return (*corners)[c]; }
+    [[nodiscard]] const flat_uv &uv(std::size_t c) const { return (*texture_coords)[c]; }
     // Vertex indices of one surface.
-    [[nodiscard]] std::span<const std::int32_t> surface_corners(int surface) const
+    [[nodiscard]] std::span<const std::int32_t> surface_corners(std::size_t s) const
     {
-        const auto i = static_cast<std::size_t>(surface);
-        const auto begin = static_cast<std::size_t>((*corner_offsets)[i]);
-        const auto end = static_cast<std::size_t>((*corner_offsets)[i + 1]);
-        return {corners->data() + begin, end - begin};
+        return {corners->data() + first_corner(s), corners->data() + end_corner(s)};
     }
     [[nodiscard]] flat_mesh without_records() const;
     [[nodiscard]] std::size_t bytes() const;

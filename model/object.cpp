@@ -9,6 +9,7 @@
 #include "model/vector.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -174,7 +175,7 @@ int vesk_object_add_surfaces_from_arrays(object_t *object, int n, const int *off
 {
     const int first = object->num_surfaces;
     std::vector<vertex *> points;
-    points.reserve(static_cast<std::size_t>(object->num_vertices));
+    points.reserve(object->num_vertices);
     for (vertex *point : each<vertex>(object->vertices))
         points.push_back(point);
 
@@ -185,8 +186,8 @@ int vesk_object_add_surfaces_from_arrays(object_t *object, int n, const int *off
         last = list_add_item_fast(&object->surfaces, last, surface);
         listitem *last_ref = nullptr;
         for (int corner = offsets[i]; corner < offsets[i + 1]; ++corner) {
-            const auto index = static_cast<std::size_t>(indices[corner]);
-            if (indices[corner] < 0 || index >= points.size())
+            const int index = indices[corner];
+            if (index < 0 || std::cmp_greater_equal(index, points.size()))
                 continue;
             svertex *reference =
                 new_svertex(points[index], uv ? uv[2 * corner] : 0, uv ? uv[2 * corner + 1] : 0);

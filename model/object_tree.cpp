@@ -52,8 +52,8 @@ object_t *clone_alone(object_t *source)
     std::vector<vertex *> copies;
     owned_list vertices;
     const int n = number_vertices(source);
-    originals.reserve(static_cast<std::size_t>(n));
-    copies.reserve(static_cast<std::size_t>(n));
+    originals.reserve(n);
+    copies.reserve(n);
     for (vertex *point : each<vertex>(source->vertices)) {
         vertex *twin = vertex_clone(point);
         originals.push_back(point);

@@ -120,7 +120,7 @@ private:
             clean_list<vertex>(object, &object->vertices, "vertex", CHANGED_TOPOLOGY, any);
         check_count(object, &object->num_vertices, num_vertices, "vertex", CHANGED_TOPOLOGY);
         std::vector<const vertex *> points;
-        points.reserve(static_cast<std::size_t>(num_vertices));
+        points.reserve(num_vertices);
         for (vertex *point : each<vertex>(object->vertices)) {
             set_vertex_number(point, static_cast<std::uint32_t>(points.size()));
             points.push_back(point);

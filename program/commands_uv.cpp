@@ -22,8 +22,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 std::string number_text(float value)
 {
     char buffer[32];
@@ -79,7 +77,7 @@ void command_uv_islands()
     const std::vector<uv_box> boxes = uv_island_boxes(state.mesh, state.islands);
     std::vector<char> chosen(boxes.size(), 0);
     for (const int island : uv_chosen_islands(state))
-        chosen[place(island)] = state.num_chosen > 0 ? 1 : 0;
+        chosen[island] = state.num_chosen > 0 ? 1 : 0;
     for (std::size_t i = 0; i < boxes.size(); ++i)
         command_result_append_element(
             std::string_view(box_text(boxes[i]) + (chosen[i] != 0 ? " 1" : " 0")));
@@ -99,7 +97,7 @@ std::vector<char> corners_of_surfaces(const uv_mesh &mesh, const std::vector<cha
     std::vector<char> corners(mesh.at.size(), 0);
     for (int i = 0; i < mesh.num_surfaces(); ++i)
         std::fill(corners.begin() + mesh.corners_begin(i), corners.begin() + mesh.corners_end(i),
-                  surfaces[place(i)]);
+                  surfaces[i]);
     return corners;
 }
 
@@ -114,14 +112,14 @@ std::vector<char> flipped_surfaces(const uv_mesh &mesh)
 // The islands of the chosen corners.
 std::vector<char> linked(const uv_state &state)
 {
-    std::vector<char> islands(place(state.islands.num_islands), 0);
+    std::vector<char> islands(state.islands.num_islands, 0);
     if (state.num_chosen > 0) {
         for (const int island : uv_chosen_islands(state))
-            islands[place(island)] = 1;
+            islands[island] = 1;
     }
     std::vector<char> surfaces;
     for (const int island : state.islands.island)
-        surfaces.push_back(islands[place(island)]);
+        surfaces.push_back(islands[island]);
     return corners_of_surfaces(state.mesh, surfaces);
 }
 
@@ -164,16 +162,16 @@ void command_uv_select_mode(const char *name)
 void command_uv_select_islands(const char *numbers)
 {
     const uv_state &state = uv_editor();
-    std::vector<char> islands(place(state.islands.num_islands), 0);
+    std::vector<char> islands(state.islands.num_islands, 0);
     const char *end = numbers + std::strlen(numbers);
     int number = 0;
     while ((numbers = scan_int(numbers, end, &number)) != nullptr) {
         if (number >= 0 && number < state.islands.num_islands)
-            islands[place(number)] = 1;
+            islands[number] = 1;
     }
     std::vector<char> surfaces;
     for (const int island : state.islands.island)
-        surfaces.push_back(islands[place(island)]);
+        surfaces.push_back(islands[island]);
     choose(corners_of_surfaces(state.mesh, surfaces));
 }
 

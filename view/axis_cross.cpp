@@ -17,7 +17,7 @@ constexpr double easy_to_hit = 2; // pixels beyond the drawn end
 std::array<int, 3> colours = {0xF07F76, 0x8CCB6B, 0x7CB4F5};
 } // namespace
 
-int axis_colour(int axis) { return colours[static_cast<std::size_t>(axis)]; }
+int axis_colour(int axis) { return colours[axis]; }
 
 void set_axis_colours(int x, int y, int z) { colours = {x, y, z}; }
 
@@ -41,13 +41,12 @@ axis_cross_t axis_cross(double scale)
                 sum += t.axes[row * 3 + k] * t.spin[k * 3 + axis];
             eye[row] = positive ? sum : -sum;
         }
-        cross.ends[static_cast<size_t>(i)] = {axis,
-                                              positive,
-                                              cross.centre_x + eye[0] * arm_length * scale,
-                                              cross.centre_y - eye[1] * arm_length * scale,
-                                              eye[2],
-                                              (positive ? positive_radius : negative_radius) *
-                                                  scale};
+        cross.ends[i] = {axis,
+                         positive,
+                         cross.centre_x + eye[0] * arm_length * scale,
+                         cross.centre_y - eye[1] * arm_length * scale,
+                         eye[2],
+                         (positive ? positive_radius : negative_radius) * scale};
     }
     std::stable_sort(cross.ends.begin(), cross.ends.end(),
                      [](const axis_end_t &a, const axis_end_t &b) { return a.depth < b.depth; });

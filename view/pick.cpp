@@ -43,7 +43,7 @@ struct projected_t {
         sides.resize(n);
         unsigned char all = 0xFF;
         for (size_t i = 0; i < n; ++i) {
-            points[i] = projector((*mesh->positions)[i]);
+            points[i] = projector(mesh->position(i));
             sides[i] = window.sides(points[i]);
             all &= sides[i];
         }
@@ -56,8 +56,8 @@ struct projected_t {
         unsigned char all = 0xFF;
         unsigned char any = 0;
         for (const int corner : mesh->surface_corners(i)) {
-            all &= sides[static_cast<size_t>(corner)];
-            any |= sides[static_cast<size_t>(corner)];
+            all &= sides[corner];
+            any |= sides[corner];
         }
         return all == 0 && (any & 16) == 0;
     }
@@ -92,14 +92,14 @@ found_t near_segment(const screen_point_t &a, const screen_point_t &b, float x, 
 found_t find_on_surface(const projected_t &p, int i, float x, float y, bool faces)
 {
     const auto corners = p.mesh->surface_corners(i);
-    const int type = (*p.mesh->surfaces)[static_cast<size_t>(i)].type;
+    const int type = p.mesh->surface(i).type;
     found_t best;
     bool inside = false;
     float depth_sum = 0;
     const size_t n = corners.size();
     for (size_t k = 0; k < n; ++k) {
-        const screen_point_t &a = p.points[static_cast<size_t>(corners[k])];
-        const screen_point_t &b = p.points[static_cast<size_t>(corners[(k + 1) % n])];
+        const screen_point_t &a = p.points[corners[k]];
+        const screen_point_t &b = p.points[corners[(k + 1) % n]];
         depth_sum += a.depth;
         if (k + 1 == n && type == SURFACE_LINE)
             break;
@@ -122,7 +122,7 @@ void pick_vertices(const projected_t &p, float x, float y, float range,
             continue;
         const float pixels = std::hypot(p.points[i].x - x, p.points[i].y - y);
         if (pixels <= range)
-            hits->push_back({p.object, nullptr, (*p.mesh->vertex_records)[i], std::round(pixels),
+            hits->push_back({p.object, nullptr, p.mesh->vertex_record(i), std::round(pixels),
                              p.points[i].depth});
     }
 }
@@ -135,7 +135,7 @@ void pick_surfaces(const projected_t &p, float x, float y, float range, bool fac
             continue;
         const found_t found = find_on_surface(p, i, x, y, faces);
         if (found.pixels <= range)
-            hits->push_back({p.object, (*p.mesh->surface_records)[static_cast<size_t>(i)], nullptr,
+            hits->push_back({p.object, p.mesh->surface_record(i), nullptr,
                              found.pixels > 0 ? 1.0f : 0.0f, found.depth});
     }
 }
@@ -208,8 +208,8 @@ bool surface_in_band(const projected_t &p, int i, const window_t &w, bool touchi
     unsigned char any = 0;
     unsigned char all = 0xFF;
     for (const int corner : corners) {
-        any |= p.sides[static_cast<size_t>(corner)];
-        all &= p.sides[static_cast<size_t>(corner)];
+        any |= p.sides[corner];
+        all &= p.sides[corner];
     }
     if (any == 0)
         return true;
@@ -217,8 +217,7 @@ bool surface_in_band(const projected_t &p, int i, const window_t &w, bool touchi
         return false;
     const size_t n = corners.size();
     for (size_t k = 0; k < n; ++k) {
-        if (crosses(p.points[static_cast<size_t>(corners[k])],
-                    p.points[static_cast<size_t>(corners[(k + 1) % n])], w))
+        if (crosses(p.points[corners[k]], p.points[corners[(k + 1) % n]], w))
             return true;
     }
     // The band may lie wholly inside the face.
@@ -245,13 +244,12 @@ void band_elements(const projected_t &p, pick_kind kind, const window_t &w, bool
     if (kind == pick_kind::VERTEX) {
         for (size_t i = 0; i < p.sides.size(); ++i) {
             if (p.sides[i] == 0)
-                hits->push_back({p.object, nullptr, (*p.mesh->vertex_records)[i], 0, 0});
+                hits->push_back({p.object, nullptr, p.mesh->vertex_record(i), 0, 0});
         }
     } else if (kind == pick_kind::SURFACE) {
         for (int i = 0; i < p.mesh->num_surfaces(); ++i) {
             if (surface_in_band(p, i, w, touching))
-                hits->push_back(
-                    {p.object, (*p.mesh->surface_records)[static_cast<size_t>(i)], nullptr, 0, 0});
+                hits->push_back({p.object, p.mesh->surface_record(i), nullptr, 0, 0});
         }
     } else if (object_in_band(p, w, touching)) {
         hits->push_back({p.object, nullptr, nullptr, 0, 0});

@@ -84,10 +84,9 @@ void search_object(object_t *object, const projector_t &projector, search_t &sea
         points.push_back(projector(p));
     for (int surface = 0; surface < mesh->num_surfaces(); ++surface) {
         const auto corners = mesh->surface_corners(surface);
-        const bool open = (*mesh->surfaces)[static_cast<std::size_t>(surface)].type == SURFACE_LINE;
+        const bool open = mesh->surface(surface).type == SURFACE_LINE;
         for (std::size_t k = 0; k + (open ? 1 : 0) < corners.size(); ++k) {
-            const auto a = static_cast<std::size_t>(corners[k]);
-            const auto b = static_cast<std::size_t>(corners[(k + 1) % corners.size()]);
+            const int a = corners[k], b = corners[(k + 1) % corners.size()];
             const screen_point_t &p = points[a], &q = points[b];
             if ((p.x < search.x - search.range && q.x < search.x - search.range) ||
                 (p.x > search.x + search.range && q.x > search.x + search.range) ||
@@ -97,12 +96,7 @@ void search_object(object_t *object, const projector_t &projector, search_t &sea
             candidate_t found;
             if (!nearest_place(p, q, search, &found))
                 continue;
-            found.hit = {object,
-                         corners[k],
-                         static_cast<int>(b),
-                         found.hit.share,
-                         (*mesh->positions)[a],
-                         (*mesh->positions)[b]};
+            found.hit = {object, a, b, found.hit.share, mesh->position(a), mesh->position(b)};
             if (is_better(found, search.best))
                 search.best = found;
         }

@@ -21,8 +21,6 @@ constexpr double border = 48;                       // round what is fitted
 constexpr double least_scale = 2, most_scale = 4e6; // pixels a unit
 constexpr int same_place = 2;
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 uv_view_t view;
 
 struct last_click_t {
@@ -45,8 +43,8 @@ bool is_inside(const uv_mesh &mesh, int surface, const flat_uv &p)
 {
     bool inside = false;
     for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
-        const flat_uv &a = mesh.at[place(c)];
-        const flat_uv &b = mesh.at[place(mesh.next_corner(surface, c))];
+        const flat_uv &a = mesh.at[c];
+        const flat_uv &b = mesh.at[mesh.next_corner(surface, c)];
         if ((a.v > p.v) != (b.v > p.v) &&
             p.u < (double{b.u} - a.u) * (double{p.v} - a.v) / (double{b.v} - a.v) + a.u)
             inside = !inside;
@@ -60,10 +58,10 @@ std::vector<int> points_at(const uv_state &state, int x, int y)
     const double range = std::max(1.0, prefs.pick_pixel_range * view_interface_scale());
     const uv_screen screen = uv_screen_now();
     std::vector<std::pair<double, int>> found;
-    std::vector<char> seen(place(state.islands.num_points), 0);
+    std::vector<char> seen(state.islands.num_points, 0);
     for (int c = 0; c < state.mesh.num_corners(); ++c) {
-        char &known = seen[place(state.islands.point[place(c)])];
-        const uv_screen_point p = screen.at(state.mesh.at[place(c)]);
+        char &known = seen[state.islands.point[c]];
+        const uv_screen_point p = screen.at(state.mesh.at[c]);
         if (known != 0 || !same_pixel(p, x, y, range))
             continue;
         known = 1;
@@ -81,10 +79,10 @@ std::vector<int> points_at(const uv_state &state, int x, int y)
 std::vector<int> surfaces_at(const uv_state &state, int x, int y)
 {
     const flat_uv p = uv_from_screen(x + 0.5, y + 0.5);
-    std::vector<char> seen(place(state.islands.num_islands), 0);
+    std::vector<char> seen(state.islands.num_islands, 0);
     std::vector<int> corners;
     for (int i = state.mesh.num_surfaces() - 1; i >= 0; --i) {
-        char &known = seen[place(state.islands.island[place(i)])];
+        char &known = seen[state.islands.island[i]];
         if ((state.mode == uv_mode::ISLAND && known != 0) || !is_inside(state.mesh, i, p))
             continue;
         known = 1;
@@ -102,15 +100,15 @@ std::vector<int> hits_at(const uv_state &state, int x, int y)
 std::vector<char> whole(const uv_state &state, int corner)
 {
     const std::vector<int> surface_of = uv_surface_of_corners(state.mesh);
-    const int surface = surface_of[place(corner)];
+    const int surface = surface_of[corner];
     std::vector<char> corners(state.mesh.at.size(), 0);
     for (std::size_t c = 0; c < corners.size(); ++c) {
-        const auto other = place(surface_of[c]);
+        const auto other = surface_of[c];
         corners[c] = state.mode == uv_mode::CORNER
-                         ? state.islands.point[c] == state.islands.point[place(corner)]
+                         ? state.islands.point[c] == state.islands.point[corner]
                      : state.mode == uv_mode::SURFACE
                          ? surface_of[c] == surface
-                         : state.islands.island[other] == state.islands.island[place(surface)];
+                         : state.islands.island[other] == state.islands.island[surface];
     }
     return corners;
 }
@@ -148,8 +146,8 @@ bool crosses(const band_t &band, const uv_screen_point &a, const uv_screen_point
 bool surface_in_band(const uv_mesh &mesh, int surface, const band_t &band, bool touching)
 {
     for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
-        const uv_screen_point a = band.screen.at(mesh.at[place(c)]);
-        const uv_screen_point b = band.screen.at(mesh.at[place(mesh.next_corner(surface, c))]);
+        const uv_screen_point a = band.screen.at(mesh.at[c]);
+        const uv_screen_point b = band.screen.at(mesh.at[mesh.next_corner(surface, c)]);
         if (!touching && !band.holds(a))
             return false;
         if (touching && crosses(band, a, b))
@@ -169,19 +167,19 @@ std::vector<char> corners_in_band(const uv_state &state, const band_t &band, boo
     }
     std::vector<char> taken(mesh.surfaces.size());
     for (int i = 0; i < mesh.num_surfaces(); ++i)
-        taken[place(i)] = surface_in_band(mesh, i, band, touching) ? 1 : 0;
+        taken[i] = surface_in_band(mesh, i, band, touching) ? 1 : 0;
     if (state.mode == uv_mode::ISLAND) {
-        std::vector<char> islands(place(state.islands.num_islands), touching ? 0 : 1);
+        std::vector<char> islands(state.islands.num_islands, touching ? 0 : 1);
         for (std::size_t i = 0; i < taken.size(); ++i) {
-            char &island = islands[place(state.islands.island[i])];
+            char &island = islands[state.islands.island[i]];
             island = static_cast<char>(touching ? island | taken[i] : island & taken[i]);
         }
         for (std::size_t i = 0; i < taken.size(); ++i)
-            taken[i] = islands[place(state.islands.island[i])];
+            taken[i] = islands[state.islands.island[i]];
     }
     for (int i = 0; i < mesh.num_surfaces(); ++i)
         std::fill(corners.begin() + mesh.corners_begin(i), corners.begin() + mesh.corners_end(i),
-                  taken[place(i)]);
+                  taken[i]);
     return corners;
 }
 
@@ -327,7 +325,7 @@ void uv_view_click(int x, int y, int state_of_keys)
     last_click = {x, y, index};
     std::vector<char> corners = whole(state, hits[index]);
     if (adds) {
-        const bool takes_away = state.chosen[place(hits[index])] != 0;
+        const bool takes_away = state.chosen[hits[index]] != 0;
         for (std::size_t c = 0; c < corners.size(); ++c)
             corners[c] = static_cast<char>(takes_away ? state.chosen[c] & ~corners[c]
                                                       : state.chosen[c] | corners[c]);

@@ -14,8 +14,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // A polygon has no area when twice its area is below this share of its longest side squared.
 constexpr double no_area = 1e-7;
 // A polygon is no plane when a corner is further from it than this share of its extent.
@@ -50,8 +48,8 @@ private:
         if (found_.totals[static_cast<std::size_t>(kind)]++ < most_)
             found_.problems.push_back({kind, object_, first, second, surface});
     }
-    [[nodiscard]] const point3_t &position(int v) const { return (*mesh_->positions)[place(v)]; }
-    [[nodiscard]] bool polygon(int s) const { return is_polygon((*mesh_->surfaces)[place(s)]); }
+    [[nodiscard]] const point3_t &position(int v) const { return mesh_->position(v); }
+    [[nodiscard]] bool polygon(int s) const { return is_polygon(mesh_->surface(s)); }
 
     void find_edges(const edge_table &edges)
     {
@@ -79,8 +77,8 @@ private:
     {
         const std::vector<int> first = first_at_place(*mesh_->positions);
         for (int v = 0; v < mesh_->num_vertices(); ++v) {
-            if (first[place(v)] != v)
-                add(model_problem::duplicate_vertex, v, first[place(v)]);
+            if (first[v] != v)
+                add(model_problem::duplicate_vertex, v, first[v]);
         }
     }
 
@@ -88,8 +86,8 @@ private:
     {
         const std::vector<int> first = first_of_same_corners(*mesh_);
         for (int s = 0; s < mesh_->num_surfaces(); ++s) {
-            if (first[place(s)] != s)
-                add(model_problem::duplicate_surface, s, first[place(s)]);
+            if (first[s] != s)
+                add(model_problem::duplicate_surface, s, first[s]);
         }
     }
 
@@ -109,24 +107,24 @@ private:
 
     void find_flipped(const edge_table &edges)
     {
-        std::vector<bool> told(place(mesh_->num_surfaces()));
+        std::vector<bool> told(mesh_->num_surfaces());
         for (int e = 0; e < edges.size(); ++e) {
             const auto uses = edges.uses(e);
             if (uses.size() != 2 || uses[0].forward != uses[1].forward ||
-                uses[0].surface == uses[1].surface || told[place(uses[1].surface)])
+                uses[0].surface == uses[1].surface || told[uses[1].surface])
                 continue;
-            told[place(uses[1].surface)] = true;
+            told[uses[1].surface] = true;
             add(model_problem::flipped, uses[1].surface, uses[0].surface);
         }
     }
 
     void find_unused()
     {
-        std::vector<bool> used(place(mesh_->num_vertices()));
+        std::vector<bool> used(mesh_->num_vertices());
         for (const int v : *mesh_->corners)
-            used[place(v)] = true;
+            used[v] = true;
         for (int v = 0; v < mesh_->num_vertices(); ++v) {
-            if (!used[place(v)])
+            if (!used[v])
                 add(model_problem::unused_vertex, v, -1);
         }
     }
@@ -171,7 +169,7 @@ void append(const model_findings &more, int most, model_findings *all)
             all->problems.push_back(problem);
     }
     for (std::size_t kind = 0; kind < all->totals.size(); ++kind)
-        all->totals[kind] += more.totals[kind];
+        all->totals[static_cast<std::size_t>(kind)] += more.totals[static_cast<std::size_t>(kind)];
 }
 
 struct problem_words {

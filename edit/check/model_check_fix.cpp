@@ -26,12 +26,11 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
 using problem_list = std::vector<found_problem>;
-
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
 
 // ---- holes ----
 
@@ -41,13 +40,13 @@ class hole_walker {
 public:
     hole_walker(const flat_mesh &mesh, const edge_table &edges) : mesh_(mesh), edges_(edges)
     {
-        next_.resize(place(mesh.num_vertices()));
+        next_.resize(mesh.num_vertices());
         for (int e = 0; e < edges.size(); ++e) {
             const auto uses = edges.uses(e);
             if (uses.size() != 1)
                 continue;
             const mesh_edge &edge = edges.edge(e);
-            next_[place(uses[0].forward ? edge.b : edge.a)].push_back(e);
+            next_[uses[0].forward ? edge.b : edge.a].push_back(e);
         }
     }
 
@@ -86,7 +85,7 @@ private:
                     seen.erase(start_of(*edge));
                 path.erase(from, path.end());
             }
-            std::vector<int> &ways = next_[place(at)];
+            std::vector<int> &ways = next_[at];
             if (ways.empty())
                 return; // what is left of the path leads nowhere
             path.push_back(ways.back());
@@ -114,25 +113,25 @@ int fill_holes(object_t *object, const problem_list &problems)
     mesh_change change(object);
     const flat_mesh &mesh = change.before();
     const edge_table edges(mesh);
-    std::vector<bool> wanted(place(edges.size()));
+    std::vector<bool> wanted(edges.size());
     for (const found_problem &problem : problems) {
         if (const int e = edges.find(problem.first, problem.second); e >= 0)
-            wanted[place(e)] = true;
+            wanted[e] = true;
     }
     hole_walker walker(mesh, edges);
     int count = 0;
     for (const hole_walker::loop &loop : walker.loops()) {
         if (loop.size() < 3 || is_outline(loop, mesh, edges) ||
-            std::none_of(loop.begin(), loop.end(), [&](int e) { return wanted[place(e)]; }))
+            std::none_of(loop.begin(), loop.end(), [&](int e) { return wanted[e]; }))
             continue;
         change.add_surface(edges.uses(loop.front())[0].surface);
         for (const int e : loop) {
             // The corner after the side's own is where the walk begins it.
             const edge_use &use = edges.uses(e)[0];
-            const int first = (*mesh.corner_offsets)[place(use.surface)];
-            const int end = (*mesh.corner_offsets)[place(use.surface) + 1];
+            const int first = mesh.first_corner(use.surface);
+            const int end = mesh.end_corner(use.surface);
             const int corner = use.corner + 1 < end ? use.corner + 1 : first;
-            change.add_corner(walker.start_of(e), (*mesh.texture_coords)[place(corner)]);
+            change.add_corner(walker.start_of(e), mesh.uv(corner));
         }
         ++count;
     }
@@ -156,11 +155,11 @@ int split_crowded(object_t *object, const problem_list &problems)
     for (const auto &[surface, vertices] : shared) {
         std::unordered_map<const vertex *, vertex *> copies;
         for (const int v : vertices) {
-            vertex *original = (*mesh->vertex_records)[place(v)];
+            vertex *original = mesh->vertex_record(v);
             copies[original] = vertex_clone(original);
             object_add_vertex(object, copies[original]);
         }
-        for (svertex *corner : each<svertex>((*mesh->surface_records)[place(surface)]->refs)) {
+        for (svertex *corner : each<svertex>(mesh->surface_record(surface)->refs)) {
             const auto copy = copies.find(corner->vertex);
             if (copy != copies.end())
                 corner->vertex = copy->second;
@@ -187,7 +186,7 @@ void insert_corners(surface_t *surface, int first_corner, std::span<const insert
     for (std::size_t i = 0; i < old.size(); ++i) {
         corners.add(old[i]);
         const svertex *to = old[(i + 1) % old.size()];
-        for (; next != points.end() && place(next->corner - first_corner) == i; ++next) {
+        for (; next != points.end() && std::cmp_equal(next->corner - first_corner, i); ++next) {
             const auto t = static_cast<float>(next->along);
             corners.add(new_svertex(next->point, old[i]->u + t * (to->u - old[i]->u),
                                     old[i]->v + t * (to->v - old[i]->v)));
@@ -205,18 +204,18 @@ int insert_t_vertices(object_t *object, const problem_list &problems)
     const std::vector<point3_t> &points = *mesh->positions;
     std::map<int, std::vector<inserted_vertex>> by_surface;
     for (const found_problem &problem : problems) {
-        const int first = (*mesh->corner_offsets)[place(problem.surface)];
+        const int first = mesh->first_corner(problem.surface);
         const auto corners = mesh->surface_corners(problem.surface);
-        const point3_t &p = points[place(problem.first)];
+        const point3_t &p = points[problem.first];
         // Of the surface's sides at the edge's end the one that the vertex lies on best.
-        inserted_vertex best = {-1, 0, (*mesh->vertex_records)[place(problem.first)]};
+        inserted_vertex best = {-1, 0, mesh->vertex_record(problem.first)};
         double least = 1e300;
         for (std::size_t i = 0; i < corners.size(); ++i) {
             const int from = corners[i], to = corners[(i + 1) % corners.size()];
             if (from != problem.second && to != problem.second)
                 continue;
-            const point3_t &a = points[place(from)];
-            const point3_t along = point_sub(points[place(to)], a);
+            const point3_t &a = points[from];
+            const point3_t along = point_sub(points[to], a);
             const double length2 = point_dot(along, along);
             const double t = length2 > 0 ? point_dot(point_sub(p, a), along) / length2 : 0;
             const auto part = static_cast<float>(t);
@@ -236,8 +235,7 @@ int insert_t_vertices(object_t *object, const problem_list &problems)
             return x.corner != y.corner ? x.corner < y.corner : x.along < y.along;
         });
         count += static_cast<int>(inserted.size());
-        insert_corners((*mesh->surface_records)[place(surface)],
-                       (*mesh->corner_offsets)[place(surface)], inserted);
+        insert_corners(mesh->surface_record(surface), mesh->first_corner(surface), inserted);
     }
     object_mark(object, CHANGED_TOPOLOGY);
     return count;
@@ -270,8 +268,7 @@ int weld(object_t *object, const problem_list &problems)
     const flat_ptr mesh = object_flat(object);
     std::unordered_map<const vertex *, vertex *> stays;
     for (const found_problem &problem : problems) {
-        stays[(*mesh->vertex_records)[place(problem.first)]] =
-            (*mesh->vertex_records)[place(problem.second)];
+        stays[mesh->vertex_record(problem.first)] = mesh->vertex_record(problem.second);
     }
     for (surface_t *surface : each<surface_t>(object->surfaces)) {
         bool changed = false;
@@ -290,7 +287,7 @@ int weld(object_t *object, const problem_list &problems)
     for (const found_problem &problem : problems)
         change.remove_vertex(problem.first);
     for (int s = 0; s < change.before().num_surfaces(); ++s) {
-        const bool polygon = is_polygon((*change.before().surfaces)[place(s)]);
+        const bool polygon = is_polygon(change.before().surface(s));
         if (change.before().surface_corners(s).size() < (polygon ? 3u : 2u) &&
             mesh->surface_corners(s).size() >= (polygon ? 3u : 2u))
             change.remove_surface(s);
@@ -326,7 +323,7 @@ int cut_into_triangles(object_t *object, const problem_list &problems)
     number_vertices(object);
     int count = 0;
     for (const found_problem &problem : problems) {
-        const surface_t *surface = (*change.before().surface_records)[place(problem.first)];
+        const surface_t *surface = change.before().surface_record(problem.first);
         listitem *triangles = surface_get_triangulations(surface);
         for (surface_t *triangle : each<surface_t>(triangles)) {
             change.add_surface(problem.first);
@@ -350,34 +347,33 @@ std::vector<bool> flips_to_agree(const flat_mesh &mesh)
 {
     const edge_table edges(mesh);
     const std::vector<int> edge_of = edges.edges_of_corners(mesh);
-    const auto n = place(mesh.num_surfaces());
+    const auto n = mesh.num_surfaces();
     std::vector<bool> seen(n), flip(n);
     for (int start = 0; start < mesh.num_surfaces(); ++start) {
-        if (seen[place(start)])
+        if (seen[start])
             continue;
         std::vector<int> piece = {start};
-        seen[place(start)] = true;
+        seen[start] = true;
         for (std::size_t i = 0; i < piece.size(); ++i) {
             const int s = piece[i];
-            for (int c = (*mesh.corner_offsets)[place(s)]; c < (*mesh.corner_offsets)[place(s) + 1];
-                 ++c) {
-                const int e = edge_of[place(c)];
+            for (int c = mesh.first_corner(s); c < mesh.end_corner(s); ++c) {
+                const int e = edge_of[c];
                 if (e < 0 || edges.uses(e).size() != 2)
                     continue;
                 const auto uses = edges.uses(e);
                 const int other = uses[0].surface == s ? uses[1].surface : uses[0].surface;
-                if (seen[place(other)])
+                if (seen[other])
                     continue;
-                seen[place(other)] = true;
-                flip[place(other)] = flip[place(s)] != (uses[0].forward == uses[1].forward);
+                seen[other] = true;
+                flip[other] = flip[s] != (uses[0].forward == uses[1].forward);
                 piece.push_back(other);
             }
         }
         const auto flipped =
-            std::count_if(piece.begin(), piece.end(), [&](int s) { return bool(flip[place(s)]); });
+            std::count_if(piece.begin(), piece.end(), [&](int s) { return bool(flip[s]); });
         if (2 * flipped > static_cast<std::ptrdiff_t>(piece.size())) {
             for (const int s : piece)
-                flip[place(s)] = !flip[place(s)];
+                flip[s] = !flip[s];
         }
     }
     return flip;
@@ -386,18 +382,18 @@ std::vector<bool> flips_to_agree(const flat_mesh &mesh)
 int reverse_flipped(object_t *object, const problem_list &problems, bool whole_object)
 {
     const flat_ptr mesh = object_flat(object);
-    std::vector<bool> flip(place(mesh->num_surfaces()));
+    std::vector<bool> flip(mesh->num_surfaces());
     if (whole_object) {
         flip = flips_to_agree(*mesh);
     } else {
         for (const found_problem &problem : problems)
-            flip[place(problem.first)] = true;
+            flip[problem.first] = true;
     }
     int count = 0;
     for (std::size_t s = 0; s < flip.size(); ++s) {
         if (!flip[s])
             continue;
-        surface_reverse_normal((*mesh->surface_records)[s]);
+        surface_reverse_normal(mesh->surface_record(s));
         ++count;
     }
     object_mark(object, CHANGED_TOPOLOGY);
@@ -534,12 +530,12 @@ void command_check_select(const char *kind, int id, const char *element)
     if (is_object) {
         select_object(problem.object);
     } else if (is_vertex) {
-        chosen.add((*mesh->vertex_records)[place(problem.first)]);
+        chosen.add(mesh->vertex_record(problem.first));
         if (is_edge)
-            chosen.add((*mesh->vertex_records)[place(problem.second)]);
+            chosen.add(mesh->vertex_record(problem.second));
         select_vertices(chosen.get());
     } else {
-        select_surface((*mesh->surface_records)[place(problem.first)]);
+        select_surface(mesh->surface_record(problem.first));
     }
     finish_edit();
 }

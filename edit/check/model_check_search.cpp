@@ -8,10 +8,9 @@
 #include <cmath>
 #include <cstdint>
 #include <unordered_map>
+#include <utility>
 
 namespace {
-
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
 
 std::uint64_t mixed(std::uint64_t h)
 {
@@ -75,7 +74,7 @@ std::vector<int> first_at_place(const std::vector<point3_t> &points)
         const point3_t &p = points[i];
         const bool is_number = p.x == p.x && p.y == p.y && p.z == p.z;
         first[i] = !is_number ? at : table.find_or_add(hash_of(p), at, [&](int other) {
-            return point_equal(points[place(other)], p);
+            return point_equal(points[other], p);
         });
     }
     return first;
@@ -84,17 +83,17 @@ std::vector<int> first_at_place(const std::vector<point3_t> &points)
 std::vector<int> first_of_same_corners(const flat_mesh &mesh)
 {
     const int n = mesh.num_surfaces();
-    place_table table(place(n));
-    std::vector<int> first(place(n));
+    place_table table(n);
+    std::vector<int> first(n);
     std::vector<int> own, other_corners;
     for (int s = 0; s < n; ++s) {
-        const bool polygon = is_polygon((*mesh.surfaces)[place(s)]);
+        const bool polygon = is_polygon(mesh.surface(s));
         canonical(mesh.surface_corners(s), &own);
         std::uint64_t hash = polygon ? 1 : 0;
         for (const int v : own)
             hash = mixed(hash + static_cast<std::uint64_t>(v) + 1);
-        first[place(s)] = table.find_or_add(hash, s, [&](int other) {
-            if (is_polygon((*mesh.surfaces)[place(other)]) != polygon ||
+        first[s] = table.find_or_add(hash, s, [&](int other) {
+            if (is_polygon(mesh.surface(other)) != polygon ||
                 mesh.surface_corners(other).size() != own.size())
                 return false;
             canonical(mesh.surface_corners(other), &other_corners);
@@ -107,7 +106,7 @@ std::vector<int> first_of_same_corners(const flat_mesh &mesh)
 polygon_shape shape_of(const flat_mesh &mesh, int surface)
 {
     const auto corners = mesh.surface_corners(surface);
-    const auto at = [&](std::size_t i) { return (*mesh.positions)[place(corners[i])]; };
+    const auto at = [&](std::size_t i) { return mesh.position(corners[i]); };
     polygon_shape shape;
     const std::size_t n = corners.size();
     if (n < 3)
@@ -192,7 +191,7 @@ private:
         node made = {{}, {}, begin, end};
         bounds_clear(&made.min, &made.max);
         for (std::size_t i = begin; i < end; ++i)
-            bounds_add(points_[place(order_[i])], &made.min, &made.max);
+            bounds_add(points_[order_[i]], &made.min, &made.max);
         nodes_.push_back(made);
         if (end - begin <= leaf_size)
             return;
@@ -202,10 +201,10 @@ private:
                                                                      : &point3_t::z;
         const std::size_t middle = begin + (end - begin) / 2;
         const auto first = order_.begin();
-        std::nth_element(
-            first + static_cast<std::ptrdiff_t>(begin), first + static_cast<std::ptrdiff_t>(middle),
-            first + static_cast<std::ptrdiff_t>(end),
-            [&](int i, int j) { return points_[place(i)].*axis < points_[place(j)].*axis; });
+        std::nth_element(first + static_cast<std::ptrdiff_t>(begin),
+                         first + static_cast<std::ptrdiff_t>(middle),
+                         first + static_cast<std::ptrdiff_t>(end),
+                         [&](int i, int j) { return points_[i].*axis < points_[j].*axis; });
         build(begin, middle);
         nodes_[self].right = nodes_.size();
         build(middle, end);
@@ -263,11 +262,11 @@ std::vector<t_vertex> mesh_t_vertices(const flat_mesh &mesh, const edge_table &e
             continue;
         open_edges.push_back(e);
         for (const int v : {edges.edge(e).a, edges.edge(e).b}) {
-            if (is_open[place(v)])
+            if (is_open[v])
                 continue;
-            is_open[place(v)] = true;
+            is_open[v] = true;
             open_vertices.push_back(v);
-            bounds_add(points[place(v)], &min, &max);
+            bounds_add(points[v], &min, &max);
         }
     }
     std::vector<t_vertex> found;
@@ -278,22 +277,22 @@ std::vector<t_vertex> mesh_t_vertices(const flat_mesh &mesh, const edge_table &e
     // would be met by a thousand edges each.
     std::vector<point3_t> places;
     for (const int v : open_vertices)
-        places.push_back(points[place(v)]);
+        places.push_back(points[v]);
     const std::vector<int> first = first_at_place(places);
     std::vector<int> speakers;
     for (std::size_t i = 0; i < first.size(); ++i) {
-        if (place(first[i]) == i)
+        if (std::cmp_equal(first[i], i))
             speakers.push_back(open_vertices[i]);
     }
     const point_tree tree(points, std::move(speakers));
     for (const int e : open_edges) {
         const mesh_edge &edge = edges.edge(e);
-        const point3_t &a = points[place(edge.a)], &b = points[place(edge.b)];
+        const point3_t &a = points[edge.a], &b = points[edge.b];
         if (point_equal(a, b))
             continue;
         const auto before = static_cast<std::ptrdiff_t>(found.size());
         tree.near(a, b, reach, [&](int v) {
-            if (v != edge.a && v != edge.b && lies_inside(points[place(v)], a, b, reach))
+            if (v != edge.a && v != edge.b && lies_inside(points[v], a, b, reach))
                 found.push_back({v, e});
         });
         std::sort(found.begin() + before, found.end(),

@@ -57,8 +57,7 @@ std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
     for (owned_elements &owned : owners) {
         const flat_ptr mesh = object_flat(owned.object);
         const auto earlier = [&](int a, int b) {
-            return scratch((*mesh->surface_records)[static_cast<std::size_t>(a)]) <
-                   scratch((*mesh->surface_records)[static_cast<std::size_t>(b)]);
+            return scratch(mesh->surface_record(a)) < scratch(mesh->surface_record(b));
         };
         if (!std::is_sorted(owned.indices.begin(), owned.indices.end(), earlier))
             std::sort(owned.indices.begin(), owned.indices.end(), earlier);

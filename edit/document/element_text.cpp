@@ -46,9 +46,9 @@ void add_range(object_t *object, const range_t &range, owned_list *found)
     for (int i = std::max(0, range.first); i <= std::min(range.last, count - 1); ++i) {
         const auto place = static_cast<std::size_t>(i);
         if (vertices)
-            found->add((*mesh->vertex_records)[place]);
+            found->add(mesh->vertex_record(place));
         else
-            found->add((*mesh->surface_records)[place]);
+            found->add(mesh->surface_record(place));
     }
 }
 

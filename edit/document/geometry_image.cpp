@@ -42,10 +42,10 @@ void write_texture_coords(const std::vector<surface_t *> &surfaces,
             if (corner == image.corners->size())
                 return;
             // References to no vertex of the object have no corner in the flat mesh.
-            if (vertices[places((*image.corners)[corner])] != reference->vertex)
+            if (vertices[places(image.corner(corner))] != reference->vertex)
                 continue;
-            reference->u = (*image.texture_coords)[corner].u;
-            reference->v = (*image.texture_coords)[corner].v;
+            reference->u = image.uv(corner).u;
+            reference->v = image.uv(corner).v;
             ++corner;
         }
     }
@@ -68,19 +68,19 @@ void write_values(const object_state &state, const flat_mesh &image)
     const std::vector<surface_t *> &surfaces = *now.surface_records;
     if ((state.marks & CHANGED_POSITIONS) != 0 || now.positions != image.positions) {
         for (std::size_t i = 0; i < vertices.size(); ++i)
-            vertices[i]->position = (*image.positions)[i];
+            vertices[i]->position = image.position(i);
     }
     if ((state.marks & CHANGED_NORMALS) != 0 || now.normals != image.normals) {
         for (std::size_t i = 0; i < vertices.size(); ++i)
-            vertices[i]->normal = (*image.normals)[i];
+            vertices[i]->normal = image.normal(i);
     }
     if ((state.marks & CHANGED_NORMALS) != 0 || now.face_normals != image.face_normals) {
         for (std::size_t i = 0; i < surfaces.size(); ++i)
-            surfaces[i]->normal = (*image.face_normals)[i];
+            surfaces[i]->normal = image.face_normal(i);
     }
     if ((state.marks & CHANGED_ATTRIBUTES) != 0 || now.surfaces != image.surfaces) {
         for (std::size_t i = 0; i < surfaces.size(); ++i)
-            write_attributes(surfaces[i], (*image.surfaces)[i]);
+            write_attributes(surfaces[i], image.surface(i));
     }
     if ((state.marks & CHANGED_TEXTURE_COORDS) != 0 || now.texture_coords != image.texture_coords)
         write_texture_coords(surfaces, vertices, image);
@@ -153,8 +153,8 @@ std::vector<vertex *> fill_vertices(object_t *object, const flat_mesh &image)
     refill<vertex> list(&object->vertices);
     for (std::size_t i = 0; i < n; ++i) {
         vertex *point = list.next(filled, new_vertex);
-        point->position = (*image.positions)[i];
-        point->normal = (*image.normals)[i];
+        point->position = image.position(i);
+        point->normal = image.normal(i);
         filled.add(point);
     }
     list.finish(filled, vertex_free_record);
@@ -167,10 +167,10 @@ void fill_corners(surface_t *surface, const flat_mesh &image, int place,
 {
     const auto never = [](const svertex *) { return false; };
     const auto make = [] { return new_svertex(nullptr, 0, 0); };
-    auto corner = places((*image.corner_offsets)[places(place)]);
+    auto corner = places(image.first_corner(places(place)));
     refill<svertex> list(&surface->refs);
     for (const int index : image.surface_corners(place)) {
-        const flat_uv &uv = (*image.texture_coords)[corner++];
+        const flat_uv &uv = image.uv(corner++);
         *list.next(never, make) = {vertices[places(index)], uv.u, uv.v};
     }
     list.finish(never, [](svertex *reference) { myfree(reference); });
@@ -184,8 +184,8 @@ std::vector<surface_t *> fill_surfaces(object_t *object, const flat_mesh &image,
     refill<surface_t> list(&object->surfaces);
     for (int i = 0; i < image.num_surfaces(); ++i) {
         surface_t *surface = list.next(filled, new_surface);
-        write_attributes(surface, (*image.surfaces)[places(i)]);
-        surface->normal = (*image.face_normals)[places(i)];
+        write_attributes(surface, image.surface(places(i)));
+        surface->normal = image.face_normal(places(i));
         fill_corners(surface, image, i, vertices);
         filled.add(surface);
     }
@@ -212,9 +212,9 @@ point3_t normal_of_corners(const flat_mesh &mesh, int surface)
     const auto corners = mesh.surface_corners(surface);
     if (corners.size() < 3)
         return {0, 0, 0};
-    const point3_t &origin = (*mesh.positions)[places(corners[0])];
-    const point3_t a = point_sub((*mesh.positions)[places(corners[1])], origin);
-    const point3_t b = point_sub((*mesh.positions)[places(corners[2])], origin);
+    const point3_t &origin = mesh.position(places(corners[0]));
+    const point3_t a = point_sub(mesh.position(places(corners[1])), origin);
+    const point3_t b = point_sub(mesh.position(places(corners[2])), origin);
     const double x = static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y;
     const double y = static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z;
     const double z = static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x;

@@ -43,7 +43,7 @@ journal_list &journal()
     return *list;
 }
 
-journal_entry &entry(int i) { return journal().entries[static_cast<std::size_t>(i)]; }
+journal_entry &entry(int i) { return journal().entries[i]; }
 int num_entries() { return static_cast<int>(journal().entries.size()); }
 
 void in_step_now()

@@ -112,7 +112,7 @@ public:
 
 private:
     [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(state_->num_objects); }
-    object_t *&target(int i) { return targets_[static_cast<std::size_t>(i)]; }
+    object_t *&target(int i) { return targets_[i]; }
 
     void find_targets()
     {
@@ -163,7 +163,7 @@ private:
         const auto place = known_.places.find(object);
         if (!known_.state || place == known_.places.end())
             return false;
-        return known_.objects[static_cast<std::size_t>(place->second)].stamp == stamp &&
+        return known_.objects[place->second].stamp == stamp &&
                known_.state->entry(place->second).image == image;
     }
 
@@ -190,7 +190,7 @@ private:
         for (int i = 1; i < state_->num_objects; ++i) {
             const int parent_place = state_->entry(i).parent;
             object_t *parent = target(parent_place);
-            listitem *&node = last[static_cast<std::size_t>(parent_place)];
+            listitem *&node = last[parent_place];
             node = list_add_item_fast(&parent->children, node, target(i));
             ++parent->num_children;
             target(i)->parent = parent;

@@ -92,8 +92,7 @@ bool same_bits(const point3_t &a, const point3_t &b)
 bool face_normals_follow(const flat_mesh &mesh)
 {
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
-        if (!same_bits((*mesh.face_normals)[static_cast<std::size_t>(i)],
-                       normal_of_corners(mesh, i)))
+        if (!same_bits(mesh.face_normal(i), normal_of_corners(mesh, i)))
             return false;
     }
     return true;
@@ -271,7 +270,7 @@ private:
         for (int i = 0; i < old_->num_objects; ++i) {
             if (i % model_state::block_size == 0)
                 copy = nullptr;
-            tracked_model::tracked_object &at = known_.objects[static_cast<std::size_t>(i)];
+            tracked_model::tracked_object &at = known_.objects[i];
             const std::uint64_t stamp = object_stamp(at.object);
             if (stamp == at.stamp)
                 continue;
@@ -285,7 +284,7 @@ private:
                 copy = std::make_shared<model_state::block>(*old_->blocks[block]);
                 state->blocks[block] = copy;
             }
-            (*copy)[static_cast<std::size_t>(i % model_state::block_size)].image = std::move(image);
+            (*copy)[i % model_state::block_size].image = std::move(image);
         }
     }
 
@@ -301,7 +300,7 @@ private:
             std::uint64_t before_stamp = 0;
             const auto place = known_.places.find(object);
             if (place != known_.places.end()) {
-                before_stamp = known_.objects[static_cast<std::size_t>(place->second)].stamp;
+                before_stamp = known_.objects[place->second].stamp;
                 before = &old_->entry(place->second);
             }
             const auto parent = places.find(object->parent);

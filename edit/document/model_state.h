@@ -74,8 +74,7 @@ struct model_state {
 
     [[nodiscard]] const state_entry &entry(int i) const
     {
-        return (*blocks[static_cast<std::size_t>(i / block_size)])[static_cast<std::size_t>(
-            i % block_size)];
+        return (*blocks[i / block_size])[i % block_size];
     }
     // The same images: what was captured without a change in between.
     bool operator==(const model_state &) const = default;

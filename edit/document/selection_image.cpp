@@ -111,7 +111,7 @@ void append_runs(const std::vector<selection_run> &runs, const objects_by_identi
         }
         const auto size = static_cast<int>(known.size());
         for (int i = run.first; i < std::min(run.first + run.count, size); ++i)
-            out->add(known[static_cast<std::size_t>(i)]);
+            out->add(known[i]);
     }
 }
 

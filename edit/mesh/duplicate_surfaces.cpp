@@ -7,8 +7,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 // The vertices of each surface, ascending, each once.
 struct vertex_sets {
     std::vector<std::int32_t> begin{0};
@@ -16,8 +14,8 @@ struct vertex_sets {
 
     explicit vertex_sets(const flat_mesh &mesh)
     {
-        vertices.reserve(place(mesh.num_corners()));
-        begin.reserve(place(mesh.num_surfaces()) + 1);
+        vertices.reserve(mesh.num_corners());
+        begin.reserve(mesh.num_surfaces() + 1);
         for (int i = 0; i < mesh.num_surfaces(); ++i) {
             const auto corners = mesh.surface_corners(i);
             const auto first = static_cast<std::ptrdiff_t>(vertices.size());
@@ -29,8 +27,7 @@ struct vertex_sets {
     }
     [[nodiscard]] std::span<const std::int32_t> of(int surface) const
     {
-        return std::span(vertices).subspan(
-            place(begin[place(surface)]), place(begin[place(surface) + 1] - begin[place(surface)]));
+        return std::span(vertices).subspan(begin[surface], begin[surface + 1] - begin[surface]);
     }
 };
 
@@ -43,7 +40,7 @@ std::size_t num_corners(const flat_mesh &mesh, int surface)
 class set_table {
 public:
     set_table(const flat_mesh &mesh, const vertex_sets &sets)
-        : mesh_(mesh), sets_(sets), slots_(std::bit_ceil(2 * place(mesh.num_surfaces()) + 2), -1)
+        : mesh_(mesh), sets_(sets), slots_(std::bit_ceil(2 * mesh.surfaces->size() + 2), -1)
     {
     }
     // The first surface that was added and equals this one: itself when it is the first.
@@ -75,27 +72,26 @@ private:
 class repeating_surfaces {
 public:
     repeating_surfaces(const flat_mesh &mesh, const vertex_sets &sets)
-        : mesh_(mesh), sets_(sets), uses_(place(mesh.num_vertices())),
-          filed_(place(mesh.num_vertices()))
+        : mesh_(mesh), sets_(sets), uses_(mesh.num_vertices()), filed_(mesh.num_vertices())
     {
         for (const std::int32_t v : sets.vertices)
-            ++uses_[place(v)];
+            ++uses_[v];
     }
     void add(int surface)
     {
         const auto set = sets_.of(surface);
         const auto rarest =
             std::min_element(set.begin(), set.end(), [this](std::int32_t a, std::int32_t b) {
-                return uses_[place(a)] < uses_[place(b)];
+                return uses_[a] < uses_[b];
             });
-        filed_[place(*rarest)].push_back(surface);
+        filed_[*rarest].push_back(surface);
     }
     // Whether one of them has as many corners as this surface and only vertices of it.
     [[nodiscard]] bool any_within(int surface) const
     {
         const auto set = sets_.of(surface);
         return std::any_of(set.begin(), set.end(), [&](std::int32_t v) {
-            const std::vector<int> &filed = filed_[place(v)];
+            const std::vector<int> &filed = filed_[v];
             return std::any_of(filed.begin(), filed.end(), [&](int other) {
                 const auto smaller = sets_.of(other);
                 return num_corners(mesh_, other) == num_corners(mesh_, surface) &&
@@ -120,10 +116,10 @@ std::vector<bool> duplicate_surfaces(const flat_mesh &mesh)
     std::optional<repeating_surfaces> repeating;
     if (sets.vertices.size() != mesh.corners->size())
         repeating.emplace(mesh, sets);
-    std::vector<bool> duplicate(place(mesh.num_surfaces()));
+    std::vector<bool> duplicate(mesh.num_surfaces());
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         const bool again = table.find_or_add(i) != i;
-        duplicate[place(i)] = again || (repeating && repeating->any_within(i));
+        duplicate[i] = again || (repeating && repeating->any_within(i));
         if (!again && sets.of(i).size() != num_corners(mesh, i))
             repeating->add(i);
     }

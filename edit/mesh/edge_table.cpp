@@ -4,8 +4,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 struct half_edge {
     int high; // the other end
     edge_use use;
@@ -22,24 +20,24 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
         for (int s = 0; s + 1 < static_cast<int>(offsets.size()); ++s) {
             if (!is_polygon_at(s))
                 continue;
-            const int begin = offsets[place(s)], end = offsets[place(s) + 1];
+            const int begin = offsets[s], end = offsets[s + 1];
             for (int c = begin; c < end; ++c) {
-                const int u = corners[place(c)];
-                const int v = corners[place(c + 1 < end ? c + 1 : begin)];
+                const int u = corners[c];
+                const int v = corners[c + 1 < end ? c + 1 : begin];
                 if (u != v)
                     visit(s, c, u, v);
             }
         }
     };
-    std::vector<int> starts(place(num_vertices) + 1, 0); // of each lower vertex
-    for_each_side([&](int, int, int u, int v) { ++starts[place(std::min(u, v)) + 1]; });
+    std::vector<int> starts(num_vertices + 1, 0); // of each lower vertex
+    for_each_side([&](int, int, int u, int v) { ++starts[std::min(u, v) + 1]; });
     for (std::size_t i = 1; i < starts.size(); ++i)
         starts[i] += starts[i - 1];
-    std::vector<half_edge> halves(place(starts.back()));
+    std::vector<half_edge> halves(starts.back());
     std::vector<int> next(starts.begin(), starts.end() - 1);
     for_each_side([&](int s, int c, int u, int v) {
         const int low = std::min(u, v);
-        halves[place(next[place(low)]++)] = {std::max(u, v), {s, c, u == low}};
+        halves[next[low]++] = {std::max(u, v), {s, c, u == low}};
     });
 
     uses_.reserve(halves.size());
@@ -47,8 +45,8 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
     first_edges_.reserve(starts.size());
     for (int low = 0; low < num_vertices; ++low) {
         first_edges_.push_back(size());
-        const auto begin = halves.begin() + starts[place(low)];
-        const auto end = halves.begin() + starts[place(low) + 1];
+        const auto begin = halves.begin() + starts[low];
+        const auto end = halves.begin() + starts[low + 1];
         std::sort(begin, end, [](const half_edge &x, const half_edge &y) {
             return x.high != y.high ? x.high < y.high : x.use.corner < y.use.corner;
         });
@@ -64,7 +62,7 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
 edge_table::edge_table(const flat_mesh &mesh)
 {
     build(mesh.num_vertices(), *mesh.corner_offsets, *mesh.corners,
-          [&](int s) { return is_polygon((*mesh.surfaces)[place(s)]); });
+          [&](int s) { return is_polygon(mesh.surface(s)); });
 }
 
 edge_table::edge_table(int num_vertices, const std::vector<int> &offsets,
@@ -76,8 +74,8 @@ edge_table::edge_table(int num_vertices, const std::vector<int> &offsets,
 int edge_table::find(int u, int v) const
 {
     const int low = std::min(u, v), high = std::max(u, v);
-    const auto begin = edges_.begin() + first_edges_[place(low)];
-    const auto end = edges_.begin() + first_edges_[place(low) + 1];
+    const auto begin = edges_.begin() + first_edges_[low];
+    const auto end = edges_.begin() + first_edges_[low + 1];
     const auto found = std::lower_bound(
         begin, end, high, [](const mesh_edge &edge, int wanted) { return edge.b < wanted; });
     return found != end && found->b == high ? static_cast<int>(found - edges_.begin()) : -1;
@@ -85,10 +83,10 @@ int edge_table::find(int u, int v) const
 
 std::vector<int> edge_table::edges_of_corners(const flat_mesh &mesh) const
 {
-    std::vector<int> edges(place(mesh.num_corners()), -1);
+    std::vector<int> edges(mesh.num_corners(), -1);
     for (int e = 0; e < size(); ++e) {
         for (const edge_use &use : uses(e))
-            edges[place(use.corner)] = e;
+            edges[use.corner] = e;
     }
     return edges;
 }

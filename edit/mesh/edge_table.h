@@ -28,15 +28,14 @@ public:
     edge_table(int num_vertices, const std::vector<int> &offsets, const std::vector<int> &corners);
 
     [[nodiscard]] int size() const { return static_cast<int>(edges_.size()); }
-    [[nodiscard]] const mesh_edge &edge(int i) const { return edges_[static_cast<std::size_t>(i)]; }
+    [[nodiscard]] const mesh_edge &edge(int i) const { return edges_[i]; }
     // In the order of the surfaces, and of the corners within one.
     [[nodiscard]] std::span<const edge_use> uses(int i) const
     {
-        const auto at = static_cast<std::size_t>(i);
-        const auto begin = static_cast<std::size_t>(edges_[at].first_use);
-        const auto end = at + 1 < edges_.size() ? static_cast<std::size_t>(edges_[at + 1].first_use)
-                                                : uses_.size();
-        return {uses_.data() + begin, end - begin};
+        const edge_use *const begin = uses_.data() + edges_[i].first_use;
+        const edge_use *const end =
+            i + 1 < size() ? uses_.data() + edges_[i + 1].first_use : uses_.data() + uses_.size();
+        return {begin, end};
     }
     // The edge between two vertices, or -1.
     [[nodiscard]] int find(int u, int v) const;

@@ -11,19 +11,14 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 void set_flag(std::vector<bool> &flags, int index, int count)
 {
     if (flags.empty())
-        flags.resize(place(count));
-    flags[place(index)] = true;
+        flags.resize(count);
+    flags[index] = true;
 }
 
-bool flag(const std::vector<bool> &flags, int index)
-{
-    return !flags.empty() && flags[place(index)];
-}
+bool flag(const std::vector<bool> &flags, int index) { return !flags.empty() && flags[index]; }
 
 } // namespace
 
@@ -56,7 +51,7 @@ int mesh_change::add_vertex(const point3_t &position, int like)
 point3_t mesh_change::position(int at) const
 {
     const int old = before_->num_vertices();
-    return at < old ? (*before_->positions)[place(at)] : vertices_[place(at - old)].position;
+    return at < old ? before_->position(at) : vertices_[at - old].position;
 }
 
 void mesh_change::add_surface(int like) { surfaces_.push_back({like, -1, -1, corners_.size()}); }
@@ -108,7 +103,7 @@ void mesh_change::apply_to_corners()
     corners_after_ = *before_->corners;
     for (const corner_edit &edit : edits_) {
         if (edit.kind != corner_edit::INSERT)
-            corners_after_[place(edit.corner)] = edit.vertex;
+            corners_after_[edit.corner] = edit.vertex;
     }
 }
 
@@ -117,18 +112,17 @@ void mesh_change::remove_small_surfaces()
     const std::vector<std::int32_t> &now = corners_after();
     std::vector<int> inserted(edits_.empty() ? 0 : now.size());
     for (const corner_edit &edit : edits_)
-        inserted[place(edit.corner)] += edit.kind == corner_edit::INSERT ? 1 : 0;
+        inserted[edit.corner] += edit.kind == corner_edit::INSERT ? 1 : 0;
     for (int i = 0; i < before_->num_surfaces(); ++i) {
         int lost = 0, left = 0;
-        for (int c = (*before_->corner_offsets)[place(i)];
-             c < (*before_->corner_offsets)[place(i) + 1]; ++c) {
-            const int v = now[place(c)];
+        for (int c = before_->first_corner(i); c < before_->end_corner(i); ++c) {
+            const int v = now[c];
             const bool goes = is_old(v) && flag(gone_vertices_, v);
             lost += goes ? 1 : 0;
             left += v >= 0 && !goes ? 1 : 0;
-            left += inserted.empty() ? 0 : inserted[place(c)];
+            left += inserted.empty() ? 0 : inserted[c];
         }
-        const bool is_line = (*before_->surfaces)[place(i)].type != SURFACE_POLYGON;
+        const bool is_line = before_->surface(i).type != SURFACE_POLYGON;
         if (lost > 0 && left < (is_line ? 2 : 3))
             remove_surface(i);
     }
@@ -137,21 +131,20 @@ void mesh_change::remove_small_surfaces()
 void mesh_change::find_unused()
 {
     enum { UNTOUCHED, LOST, KEPT };
-    std::vector<char> use(place(before_->num_vertices()), UNTOUCHED);
+    std::vector<char> use(before_->num_vertices(), UNTOUCHED);
     const auto keep = [&](int v) {
         if (is_old(v))
-            use[place(v)] = KEPT;
+            use[v] = KEPT;
     };
     const auto lose = [&](int v) {
-        if (use[place(v)] == UNTOUCHED)
-            use[place(v)] = LOST;
+        if (use[v] == UNTOUCHED)
+            use[v] = LOST;
     };
     for (int i = 0; i < before_->num_surfaces(); ++i) {
         const bool stays = !flag(gone_surfaces_, i);
-        for (int c = (*before_->corner_offsets)[place(i)];
-             c < (*before_->corner_offsets)[place(i) + 1]; ++c) {
-            const int v = (*before_->corners)[place(c)];
-            const int now = corners_after()[place(c)];
+        for (int c = before_->first_corner(i); c < before_->end_corner(i); ++c) {
+            const int v = before_->corner(c);
+            const int now = corners_after()[c];
             if (stays)
                 keep(now);
             if (!stays || now != v)
@@ -165,7 +158,7 @@ void mesh_change::find_unused()
     for (const made_corner &corner : corners_)
         keep(corner.vertex);
     for (int v = 0; v < before_->num_vertices(); ++v) {
-        if (use[place(v)] == LOST)
+        if (use[v] == LOST)
             remove_vertex(v);
     }
 }
@@ -176,21 +169,21 @@ bool mesh_change::is_own(const vertex *point) const
     if (point == nullptr)
         return false;
     const std::size_t i = vertex_number(point);
-    return i < before_->vertex_records->size() && (*before_->vertex_records)[i] == point;
+    return i < before_->vertex_records->size() && before_->vertex_record(i) == point;
 }
 
 vertex *mesh_change::vertex_at(int at, const mesh_result &result) const
 {
     const int old = before_->num_vertices();
-    return at < old ? (*before_->vertex_records)[place(at)] : result.vertices[place(at - old)];
+    return at < old ? before_->vertex_record(at) : result.vertices[at - old];
 }
 
 // The corners of the flat mesh are those of the list without the ones that are not its own.
 void mesh_change::edit_surface(int surface, std::span<const corner_edit> edits,
                                const mesh_result &result) const
 {
-    surface_t *record = (*before_->surface_records)[place(surface)];
-    int corner = (*before_->corner_offsets)[place(surface)];
+    surface_t *record = before_->surface_record(surface);
+    int corner = before_->first_corner(surface);
     auto edit = edits.begin();
     for (listitem **at = &record->refs; *at != nullptr && edit != edits.end();) {
         listitem *node = *at;
@@ -257,12 +250,12 @@ void mesh_change::drop_references() const
     };
     number_vertices(object_);
     for (int i = 0; i < before_->num_surfaces(); ++i) {
-        const auto first = corners_after().begin() + (*before_->corner_offsets)[place(i)];
-        const auto end = corners_after().begin() + (*before_->corner_offsets)[place(i) + 1];
+        const auto first = corners_after().begin() + before_->first_corner(i);
+        const auto end = corners_after().begin() + before_->end_corner(i);
         if (flag(gone_surfaces_, i) ||
             std::none_of(first, end, [&](int v) { return is_old(v) && flag(gone_vertices_, v); }))
             continue;
-        surface_t *surface = (*before_->surface_records)[place(i)];
+        surface_t *surface = before_->surface_record(i);
         for (listitem **at = &surface->refs; *at != nullptr;) {
             listitem *node = *at;
             auto *reference = item_of<svertex>(node);
@@ -311,7 +304,7 @@ listitem *mesh_change::take_corner()
     for (; taken_from_ < gone_surfaces_.size(); ++taken_from_) {
         if (!gone_surfaces_[taken_from_])
             continue;
-        surface_t *surface = (*before_->surface_records)[taken_from_];
+        surface_t *surface = before_->surface_record(taken_from_);
         listitem *node = surface->refs;
         if (node == nullptr || node->data == 0 || surface->num_refs >= too_long)
             continue;
@@ -329,7 +322,7 @@ surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &resul
     const made_surface &made = surfaces_[index];
     surface_t *surface = new_surface();
     if (made.like >= 0)
-        surface_copy_record(surface, (*before_->surface_records)[place(made.like)]);
+        surface_copy_record(surface, before_->surface_record(made.like));
     if (made.type >= 0)
         surface_set_type(surface, made.type);
     if (made.material >= 0)
@@ -354,8 +347,8 @@ void mesh_change::link(mesh_result &result)
 {
     listitem *last = object_->vertices != nullptr ? list_end(object_->vertices) : nullptr;
     for (const made_vertex &made : vertices_) {
-        vertex *point = made.like < 0 ? new_vertex()
-                                      : vertex_clone((*before_->vertex_records)[place(made.like)]);
+        vertex *point =
+            made.like < 0 ? new_vertex() : vertex_clone(before_->vertex_record(made.like));
         point->position = made.position;
         last = list_add_item_fast(&object_->vertices, last, point);
         result.vertices.push_back(point);

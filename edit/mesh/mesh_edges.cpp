@@ -6,8 +6,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 struct half_edge {
     std::int32_t high;
     std::int32_t corner;
@@ -22,8 +20,8 @@ template <class Visit>
 void for_each_edge(const flat_mesh &mesh, int surface, Visit &&visit)
 {
     const auto corners = mesh.surface_corners(surface);
-    const int first = (*mesh.corner_offsets)[place(surface)];
-    const bool open = (*mesh.surfaces)[place(surface)].type == SURFACE_LINE;
+    const int first = mesh.first_corner(surface);
+    const bool open = mesh.surface(surface).type == SURFACE_LINE;
     const std::size_t n = corners.size();
     for (std::size_t i = 0; i < n; ++i) {
         if (i + 1 == n && open)
@@ -37,15 +35,15 @@ void for_each_edge(const flat_mesh &mesh, int surface, Visit &&visit)
 std::vector<half_edge> sort_into_buckets(const flat_mesh &mesh, const std::vector<int> &surfaces,
                                          std::vector<std::int32_t> &begin)
 {
-    begin.assign(place(mesh.num_vertices()) + 1, 0);
+    begin.assign(mesh.num_vertices() + 1, 0);
     for (const int surface : surfaces)
-        for_each_edge(mesh, surface, [&](int, int low, int) { ++begin[place(low) + 1]; });
+        for_each_edge(mesh, surface, [&](int, int low, int) { ++begin[low + 1]; });
     std::partial_sum(begin.begin(), begin.end(), begin.begin());
-    std::vector<half_edge> edges(place(begin.back()));
+    std::vector<half_edge> edges(begin.back());
     std::vector<std::int32_t> at(begin.begin(), begin.end() - 1);
     for (const int surface : surfaces) {
         for_each_edge(mesh, surface, [&](int corner, int low, int high) {
-            edges[place(at[place(low)]++)] = {high, corner};
+            edges[at[low]++] = {high, corner};
         });
     }
     for (std::size_t v = 0; v + 1 < begin.size(); ++v)
@@ -60,23 +58,23 @@ mesh_edges edges_of(const flat_mesh &mesh, const std::vector<int> &surfaces)
     std::vector<std::int32_t> begin;
     const std::vector<half_edge> edges = sort_into_buckets(mesh, surfaces, begin);
     mesh_edges result;
-    result.of_corner.assign(place(mesh.num_corners()), -1);
+    result.of_corner.assign(mesh.num_corners(), -1);
     for (std::size_t v = 0; v + 1 < begin.size(); ++v) {
         for (int i = begin[v]; i < begin[v + 1]; ++i) {
-            const bool again = i > begin[v] && edges[place(i)].high == edges[place(i - 1)].high;
+            const bool again = i > begin[v] && edges[i].high == edges[i - 1].high;
             result.count += again ? 0 : 1;
-            result.of_corner[place(edges[place(i)].corner)] = result.count - 1;
+            result.of_corner[edges[i].corner] = result.count - 1;
         }
     }
     // Numbers by first occurrence.
-    std::vector<std::int32_t> number(place(result.count), -1);
+    std::vector<std::int32_t> number(result.count, -1);
     int next = 0;
     for (const int surface : surfaces) {
         for_each_edge(mesh, surface, [&](int corner, int, int) {
-            std::int32_t &edge = result.of_corner[place(corner)];
-            if (number[place(edge)] < 0)
-                number[place(edge)] = next++;
-            edge = number[place(edge)];
+            std::int32_t &edge = result.of_corner[corner];
+            if (number[edge] < 0)
+                number[edge] = next++;
+            edge = number[edge];
         });
     }
     return result;
@@ -84,7 +82,7 @@ mesh_edges edges_of(const flat_mesh &mesh, const std::vector<int> &surfaces)
 
 mesh_edges edges_of(const flat_mesh &mesh)
 {
-    std::vector<int> all(place(mesh.num_surfaces()));
+    std::vector<int> all(mesh.num_surfaces());
     std::iota(all.begin(), all.end(), 0);
     return edges_of(mesh, all);
 }

@@ -25,8 +25,7 @@ mesh_edges edges_of(const flat_mesh &mesh);
 // The corner after `corner` in the surface, wrapping.
 inline int next_corner(const flat_mesh &mesh, int surface, int corner)
 {
-    const auto i = static_cast<std::size_t>(surface);
-    return corner + 1 < (*mesh.corner_offsets)[i + 1] ? corner + 1 : (*mesh.corner_offsets)[i];
+    return corner + 1 < mesh.end_corner(surface) ? corner + 1 : mesh.first_corner(surface);
 }
 
 #endif

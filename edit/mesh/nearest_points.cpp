@@ -11,8 +11,6 @@
 namespace {
 constexpr int leaf_size = 8;
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 float coordinate(const point3_t &p, int axis) { return axis == 0 ? p.x : axis == 1 ? p.y : p.z; }
 } // namespace
 
@@ -36,10 +34,10 @@ void nearest_points::build(std::size_t at, int first, int end)
     box.left = end - first;
     bounds_clear(&box.min, &box.max);
     for (int i = first; i < end; ++i)
-        bounds_add(points_[place(order_[place(i)])], &box.min, &box.max);
+        bounds_add(points_[order_[i]], &box.min, &box.max);
     if (2 * at + 2 >= nodes_.size()) {
         for (int i = first; i < end; ++i)
-            leaf_of_[place(order_[place(i)])] = static_cast<int>(at);
+            leaf_of_[order_[i]] = static_cast<int>(at);
         return;
     }
     int axis = 0;
@@ -50,8 +48,7 @@ void nearest_points::build(std::size_t at, int first, int end)
     }
     const int middle = first + (end - first) / 2;
     const auto less = [&](int a, int b) {
-        const float x = coordinate(points_[place(a)], axis),
-                    y = coordinate(points_[place(b)], axis);
+        const float x = coordinate(points_[a], axis), y = coordinate(points_[b], axis);
         // What is no number goes last: an order must be strict.
         return std::isnan(y) ? !std::isnan(x) : x < y;
     };
@@ -87,10 +84,10 @@ void nearest_points::search(std::size_t at, const point3_t &to, best_t &best) co
         return;
     }
     for (int i = box.first; i < box.end; ++i) {
-        const int point = order_[place(i)];
-        if (out_[place(point)])
+        const int point = order_[i];
+        if (out_[point])
             continue;
-        const float distance = points_dist(&points_[place(point)], &to);
+        const float distance = points_dist(&points_[point], &to);
         if (distance < best.distance || (distance == best.distance && point < best.point))
             best = {distance, point};
     }
@@ -108,8 +105,8 @@ int nearest_points::nearest(const point3_t &to) const
 
 void nearest_points::take_out(int point)
 {
-    out_[place(point)] = true;
-    for (auto at = place(leaf_of_[place(point)]);; at = (at - 1) / 2) {
+    out_[point] = true;
+    for (auto at = leaf_of_[point];; at = (at - 1) / 2) {
         --nodes_[at].left;
         if (at == 0)
             break;

@@ -146,7 +146,7 @@ bool crossing_search::conflict(const side_t &a, const side_t &b) const
     const side_t &second = &first == &a ? b : a;
     if ((first.number + 1) % n != second.number)
         return meet(a, b);
-    const auto shared = outline_[static_cast<std::size_t>(second.number)];
+    const auto shared = outline_[second.number];
     const plane_point &end = same(second.left, shared) ? second.right : second.left;
     const plane_point &begin = same(first.left, shared) ? first.right : first.left;
     return turn(begin, shared, end) == 0 &&
@@ -174,8 +174,8 @@ bool crossing_search::any() const
     std::set<const side_t *, lower> met;
     std::vector<decltype(met)::iterator> where(sides_.size());
     for (const event_t &event : events()) {
-        const side_t &side = sides_[static_cast<std::size_t>(event.side)];
-        auto &at = where[static_cast<std::size_t>(event.side)];
+        const side_t &side = sides_[event.side];
+        auto &at = where[event.side];
         if (event.ends) {
             const auto above = std::next(at);
             if (at != met.begin() && above != met.end() && conflict(**std::prev(at), **above))
@@ -236,7 +236,7 @@ std::vector<int> order_by_angle(const std::vector<plane_point> &points)
     std::vector<int> order(points.size());
     std::iota(order.begin(), order.end(), 0);
     const auto key = [&](int i) {
-        const plane_point &p = points[static_cast<std::size_t>(i)];
+        const plane_point &p = points[i];
         return std::pair(std::atan2(p.y, p.x), std::hypot(p.x, p.y));
     };
     std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return key(a) < key(b); });

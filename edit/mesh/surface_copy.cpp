@@ -10,8 +10,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 } // namespace
 
 void object_copy_header(object_t *to, const object_t *from)
@@ -28,7 +26,7 @@ void object_copy_header(object_t *to, const object_t *from)
 }
 
 surface_copier::surface_copier(object_t *owner)
-    : owner_(owner), mesh_(object_flat(owner)), copies_(place(mesh_->num_vertices()))
+    : owner_(owner), mesh_(object_flat(owner)), copies_(mesh_->num_vertices())
 {
 }
 
@@ -45,8 +43,8 @@ object_t *surface_copier::copy(std::span<const int> surfaces, std::span<const in
     used.erase(std::unique(used.begin(), used.end()), used.end());
     listitem *last = nullptr;
     for (const int v : used) {
-        vertex *&twin = copies_[place(v)];
-        twin = vertex_clone((*mesh_->vertex_records)[place(v)]);
+        vertex *&twin = copies_[v];
+        twin = vertex_clone(mesh_->vertex_record(v));
         last = list_add_item_fast(&made->vertices, last, twin);
     }
     made->num_vertices = static_cast<int>(used.size());
@@ -54,13 +52,13 @@ object_t *surface_copier::copy(std::span<const int> surfaces, std::span<const in
     last = nullptr;
     for (const int surface : surfaces) {
         surface_t *twin = new_surface();
-        surface_copy_record(twin, (*mesh_->surface_records)[place(surface)]);
-        auto corner = place((*mesh_->corner_offsets)[place(surface)]);
+        surface_copy_record(twin, mesh_->surface_record(surface));
+        auto corner = mesh_->first_corner(surface);
         listitem *last_corner = nullptr;
         for (const int v : mesh_->surface_corners(surface)) {
-            const flat_uv &uv = (*mesh_->texture_coords)[corner++];
-            last_corner = list_add_item_fast(&twin->refs, last_corner,
-                                             new_svertex(copies_[place(v)], uv.u, uv.v));
+            const flat_uv &uv = mesh_->uv(corner++);
+            last_corner =
+                list_add_item_fast(&twin->refs, last_corner, new_svertex(copies_[v], uv.u, uv.v));
             ++twin->num_refs;
         }
         last = list_add_item_fast(&made->surfaces, last, twin);

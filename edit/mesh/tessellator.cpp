@@ -106,7 +106,7 @@ bool tessellator_t::cut_slowly(std::span<const point3_t> outline)
 
 bool tessellator_t::cut_quad(std::span<const point3_t> outline, int kind)
 {
-    quad_answer &answer = quads_[static_cast<std::size_t>(kind)];
+    quad_answer &answer = quads_[kind];
     if (answer.known) {
         triangles_.assign(std::begin(answer.corners), std::end(answer.corners));
         return true;

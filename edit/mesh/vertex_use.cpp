@@ -9,8 +9,6 @@
 
 namespace {
 
-std::size_t place(int index) { return static_cast<std::size_t>(index); }
-
 bool has_vertex(const surface_t *surface, const vertex *point)
 {
     for (const svertex *reference : each<svertex>(surface->refs)) {
@@ -67,21 +65,20 @@ int object_replace_surfaceref(object_t *object, const vertex *from, vertex *to)
 }
 
 vertex_corners::vertex_corners(const flat_mesh &mesh)
-    : mesh_(mesh), begin_(place(mesh.num_vertices()) + 1), corners_(place(mesh.num_corners()))
+    : mesh_(mesh), begin_(mesh.num_vertices() + 1), corners_(mesh.num_corners())
 {
     for (const std::int32_t v : *mesh.corners)
-        ++begin_[place(v) + 1];
+        ++begin_[v + 1];
     std::partial_sum(begin_.begin(), begin_.end(), begin_.begin());
     std::vector<std::int32_t> at(begin_.begin(), begin_.end() - 1);
     std::int32_t corner = 0;
     for (const std::int32_t v : *mesh.corners)
-        corners_[place(at[place(v)]++)] = corner++;
+        corners_[at[v]++] = corner++;
 }
 
 std::span<const std::int32_t> vertex_corners::of(int v) const
 {
-    return std::span(corners_).subspan(place(begin_[place(v)]),
-                                       place(begin_[place(v) + 1] - begin_[place(v)]));
+    return std::span(corners_).subspan(begin_[v], begin_[v + 1] - begin_[v]);
 }
 
 int vertex_corners::surface_of(std::int32_t corner) const

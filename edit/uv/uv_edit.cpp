@@ -15,7 +15,6 @@ namespace {
 
 constexpr double pi = 3.14159265358979323846;
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
 float narrow(double value) { return static_cast<float>(value); }
 
 // Commits, and tells what came of it.
@@ -77,7 +76,7 @@ std::vector<flat_uv> aligned(const uv_state &state, const side_row &side)
     const std::vector<uv_box> boxes = uv_island_boxes(state.mesh, state.islands);
     std::vector<char> chosen(boxes.size(), 0);
     for (const int island : uv_chosen_islands(state))
-        chosen[place(island)] = 1;
+        chosen[island] = 1;
     // Whole islands move, so their joint box is what counts.
     uv_box all;
     for (std::size_t i = 0; i < boxes.size(); ++i) {
@@ -88,12 +87,12 @@ std::vector<flat_uv> aligned(const uv_state &state, const side_row &side)
     }
     const float to = along(all, side);
     for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
-        const auto island = place(state.islands.island[place(i)]);
+        const auto island = state.islands.island[i];
         if (chosen[island] == 0)
             continue;
         const float by = to - along(boxes[island], side);
         for (int c = state.mesh.corners_begin(i); c < state.mesh.corners_end(i); ++c)
-            (side.vertical ? at[place(c)].v : at[place(c)].u) += by;
+            (side.vertical ? at[c].v : at[c].u) += by;
     }
     return at;
 }
@@ -110,12 +109,12 @@ void weld_near(const std::vector<flat_uv> &from, const std::vector<int> &order, 
     for (std::size_t i = first; i < end; ++i) {
         if (done[i - first] != 0)
             continue;
-        const flat_uv centre = from[place(order[i])];
+        const flat_uv centre = from[order[i]];
         double u = 0, v = 0;
         bool differ = false;
         near.clear();
         for (std::size_t j = i; j < end; ++j) {
-            const flat_uv &p = from[place(order[j])];
+            const flat_uv &p = from[order[j]];
             if (double{p.u} - centre.u > distance)
                 break;
             if (done[j - first] != 0 ||
@@ -130,7 +129,7 @@ void weld_near(const std::vector<flat_uv> &from, const std::vector<int> &order, 
         const auto count = static_cast<double>(near.size());
         for (const int c : near) {
             if (differ)
-                at[place(c)] = {narrow(u / count), narrow(v / count)};
+                at[c] = {narrow(u / count), narrow(v / count)};
         }
     }
 }
@@ -143,15 +142,15 @@ std::vector<flat_uv> welded(const uv_state &state, double distance)
     const std::vector<char> moving = uv_moving_corners(state);
     std::vector<int> order;
     for (int c = 0; c < mesh.num_corners(); ++c) {
-        const flat_uv &p = mesh.at[place(c)];
-        if (moving[place(c)] != 0 && std::isfinite(p.u) && std::isfinite(p.v))
+        const flat_uv &p = mesh.at[c];
+        if (moving[c] != 0 && std::isfinite(p.u) && std::isfinite(p.v))
             order.push_back(c);
     }
-    const auto key = [&](int c) { return std::pair(mesh.vertices[place(c)], mesh.at[place(c)].u); };
+    const auto key = [&](int c) { return std::pair(mesh.vertices[c], mesh.at[c].u); };
     std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return key(a) < key(b); });
     for (std::size_t first = 0, end = 0; first < order.size(); first = end) {
-        const int vertex = mesh.vertices[place(order[first])];
-        while (end < order.size() && mesh.vertices[place(order[end])] == vertex)
+        const int vertex = mesh.vertices[order[first]];
+        while (end < order.size() && mesh.vertices[order[end]] == vertex)
             ++end;
         weld_near(mesh.at, order, first, end, distance, at);
     }
@@ -167,22 +166,22 @@ std::vector<flat_uv> split(const uv_state &state)
     const uv_mesh &mesh = state.mesh;
     const uv_pixels pixels = uv_picture_size();
     const bool each_corner = state.mode == uv_mode::CORNER;
-    std::vector<int> inside(place(state.islands.num_points), 0);
-    std::vector<int> all(place(state.islands.num_points), 0);
+    std::vector<int> inside(state.islands.num_points, 0);
+    std::vector<int> all(state.islands.num_points, 0);
     std::vector<double> sum_u(inside.size(), 0), sum_v(inside.size(), 0);
     std::vector<flat_uv> middle(mesh.at.size());
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         double u = 0, v = 0;
         const int begin = mesh.corners_begin(i), end = mesh.corners_end(i);
         for (int c = begin; c < end; ++c) {
-            u += mesh.at[place(c)].u / (end - begin);
-            v += mesh.at[place(c)].v / (end - begin);
+            u += mesh.at[c].u / (end - begin);
+            v += mesh.at[c].v / (end - begin);
         }
         for (int c = begin; c < end; ++c) {
-            const auto point = place(state.islands.point[place(c)]);
-            middle[place(c)] = {narrow(u), narrow(v)};
+            const auto point = state.islands.point[c];
+            middle[c] = {narrow(u), narrow(v)};
             ++all[point];
-            if (state.chosen[place(c)] != 0) {
+            if (state.chosen[c] != 0) {
                 ++inside[point];
                 sum_u[point] += u;
                 sum_v[point] += v;
@@ -191,18 +190,18 @@ std::vector<flat_uv> split(const uv_state &state)
     }
     std::vector<flat_uv> at = mesh.at;
     for (int c = 0; c < mesh.num_corners(); ++c) {
-        const auto point = place(state.islands.point[place(c)]);
+        const auto point = state.islands.point[c];
         const bool joined = each_corner ? all[point] > 1 : inside[point] < all[point];
-        if (state.chosen[place(c)] == 0 || !joined)
+        if (state.chosen[c] == 0 || !joined)
             continue;
-        const flat_uv from = mesh.at[place(c)];
-        const double to_u = each_corner ? middle[place(c)].u : sum_u[point] / inside[point];
-        const double to_v = each_corner ? middle[place(c)].v : sum_v[point] / inside[point];
+        const flat_uv from = mesh.at[c];
+        const double to_u = each_corner ? middle[c].u : sum_u[point] / inside[point];
+        const double to_v = each_corner ? middle[c].v : sum_v[point] / inside[point];
         const double du = (to_u - from.u) * pixels.width, dv = (to_v - from.v) * pixels.height;
         const double length = std::hypot(du, dv);
         const double share = length > 0 ? std::min(1.0 / length, 0.25) : 0;
-        at[place(c)] = {narrow(from.u + (to_u - from.u) * share),
-                        narrow(from.v + (to_v - from.v) * share)};
+        at[c] = {narrow(from.u + (to_u - from.u) * share),
+                 narrow(from.v + (to_v - from.v) * share)};
     }
     return at;
 }

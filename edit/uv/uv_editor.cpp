@@ -16,8 +16,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 struct shown_object {
     object_t *object;
     int identity;
@@ -109,23 +107,23 @@ bool has_any(const uv_mesh &mesh, int surface, const std::vector<char> &corners)
 
 std::vector<char> with_joined(const uv_state &state, const std::vector<char> &corners)
 {
-    std::vector<char> points(place(state.islands.num_points), 0);
+    std::vector<char> points(state.islands.num_points, 0);
     for (std::size_t c = 0; c < corners.size(); ++c)
-        points[place(state.islands.point[c])] |= corners[c];
+        points[state.islands.point[c]] |= corners[c];
     std::vector<char> joined(corners.size());
     for (std::size_t c = 0; c < corners.size(); ++c)
-        joined[c] = points[place(state.islands.point[c])];
+        joined[c] = points[state.islands.point[c]];
     return joined;
 }
 
 std::vector<char> whole_islands(const uv_state &state, const std::vector<char> &corners)
 {
-    std::vector<char> islands(place(state.islands.num_islands), 0);
+    std::vector<char> islands(state.islands.num_islands, 0);
     for (int i = 0; i < state.mesh.num_surfaces(); ++i)
-        islands[place(state.islands.island[place(i)])] |= has_any(state.mesh, i, corners) ? 1 : 0;
+        islands[state.islands.island[i]] |= has_any(state.mesh, i, corners) ? 1 : 0;
     std::vector<char> chosen = none_of(state.mesh);
     for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
-        if (islands[place(state.islands.island[place(i)])] != 0)
+        if (islands[state.islands.island[i]] != 0)
             set_surface(state.mesh, i, chosen);
     }
     return chosen;
@@ -149,8 +147,8 @@ std::vector<char> by_mode(const uv_state &state, const std::vector<char> &corner
 
 vertex *vertex_of(const uv_mesh &mesh, int surface, int corner)
 {
-    const uv_part &part = mesh.parts[place(mesh.part[place(surface)])];
-    return (*part.flat->vertex_records)[place(mesh.vertices[place(corner)] - part.first_vertex)];
+    const uv_part &part = mesh.parts[mesh.part[surface]];
+    return part.flat->vertex_record(mesh.vertices[corner] - part.first_vertex);
 }
 
 // The corners that the main selection means.
@@ -162,7 +160,7 @@ std::vector<char> corners_of_main_selection(const uv_mesh &mesh)
         const auto list = elements_of<surface_t>(all.surfaces);
         const std::unordered_set<const surface_t *> chosen(list.begin(), list.end());
         for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            if (chosen.count(mesh.surfaces[place(i)]) != 0)
+            if (chosen.count(mesh.surfaces[i]) != 0)
                 set_surface(mesh, i, corners);
         }
     } else if (select_mode() == SELECT_VERTEX) {
@@ -170,7 +168,7 @@ std::vector<char> corners_of_main_selection(const uv_mesh &mesh)
         const std::unordered_set<const vertex *> chosen(list.begin(), list.end());
         for (int i = 0; i < mesh.num_surfaces(); ++i) {
             for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c)
-                corners[place(c)] = chosen.count(vertex_of(mesh, i, c)) != 0 ? 1 : 0;
+                corners[c] = chosen.count(vertex_of(mesh, i, c)) != 0 ? 1 : 0;
         }
     }
     return corners;
@@ -191,9 +189,9 @@ bool main_selection_is_ours(const uv_state &state)
     }
     std::vector<char> ours(state.mesh.positions.size(), 0);
     for (std::size_t c = 0; c < state.chosen.size(); ++c)
-        ours[place(state.mesh.vertices[c])] |= state.chosen[c];
+        ours[state.mesh.vertices[c]] |= state.chosen[c];
     for (std::size_t c = 0; c < state.chosen.size(); ++c) {
-        if (ours[place(state.mesh.vertices[c])] != theirs[c])
+        if (ours[state.mesh.vertices[c]] != theirs[c])
             return false;
     }
     return true;
@@ -231,14 +229,14 @@ void carry_over()
         std::vector<surface_t *> surfaces;
         for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
             if (is_whole(state.mesh, i, state.chosen))
-                surfaces.push_back(state.mesh.surfaces[place(i)]);
+                surfaces.push_back(state.mesh.surfaces[i]);
         }
         selection_add_surfaces(surfaces);
     } else {
         std::vector<vertex *> vertices;
         for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
             for (int c = state.mesh.corners_begin(i); c < state.mesh.corners_end(i); ++c) {
-                if (state.chosen[place(c)] != 0)
+                if (state.chosen[c] != 0)
                     vertices.push_back(vertex_of(state.mesh, i, c));
             }
         }
@@ -396,13 +394,12 @@ std::vector<int> uv_chosen_surfaces(const uv_state &state)
 
 std::vector<int> uv_chosen_islands(const uv_state &state)
 {
-    std::vector<char> chosen(place(state.islands.num_islands), state.num_chosen == 0 ? 1 : 0);
+    std::vector<char> chosen(state.islands.num_islands, state.num_chosen == 0 ? 1 : 0);
     for (int i = 0; i < state.mesh.num_surfaces(); ++i)
-        chosen[place(state.islands.island[place(i)])] |=
-            has_any(state.mesh, i, state.chosen) ? 1 : 0;
+        chosen[state.islands.island[i]] |= has_any(state.mesh, i, state.chosen) ? 1 : 0;
     std::vector<int> islands;
     for (int i = 0; i < state.islands.num_islands; ++i) {
-        if (chosen[place(i)] != 0)
+        if (chosen[i] != 0)
             islands.push_back(i);
     }
     return islands;
@@ -456,7 +453,7 @@ int uv_commit(const char *label, const std::vector<flat_uv> &wanted)
         return 0;
     owned_list surfaces;
     for (const int i : changed)
-        surfaces.add(mesh.surfaces[place(i)]);
+        surfaces.add(mesh.surfaces[i]);
     new_undo(UNDO_TEXTURE_COORDS, label);
     set_undo_texture_coords(surfaces.get());
     uv_write(mesh, at, changed);

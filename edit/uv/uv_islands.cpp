@@ -7,15 +7,13 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 class union_find {
 public:
-    explicit union_find(int n) : parent_(place(n)) { std::iota(parent_.begin(), parent_.end(), 0); }
+    explicit union_find(int n) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
     int find(int i)
     {
-        while (parent_[place(i)] != i)
-            i = parent_[place(i)] = parent_[place(parent_[place(i)])];
+        while (parent_[i] != i)
+            i = parent_[i] = parent_[parent_[i]];
         return i;
     }
     // The smaller number stays: the first of a set names it.
@@ -23,7 +21,7 @@ public:
     {
         a = find(a);
         b = find(b);
-        parent_[place(std::max(a, b))] = std::min(a, b);
+        parent_[std::max(a, b)] = std::min(a, b);
     }
     // Numbers the sets from 0 in the order of their first members.
     int number(std::vector<int> *out)
@@ -32,7 +30,7 @@ public:
         out->resize(parent_.size());
         for (int i = 0; i < static_cast<int>(parent_.size()); ++i) {
             const int first = find(i);
-            (*out)[place(i)] = first == i ? count++ : (*out)[place(first)];
+            (*out)[i] = first == i ? count++ : (*out)[first];
         }
         return count;
     }
@@ -62,16 +60,16 @@ std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
         for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
             const int next = mesh.next_corner(surface, c);
-            const int a = mesh.vertices[place(c)], b = mesh.vertices[place(next)];
+            const int a = mesh.vertices[c], b = mesh.vertices[next];
             unsorted.push_back(a <= b ? side_t{a, b, c, next, surface}
                                       : side_t{b, a, next, c, surface});
-            ++first[place(std::min(a, b)) + 1];
+            ++first[std::min(a, b) + 1];
         }
     }
     std::partial_sum(first.begin(), first.end(), first.begin());
     std::vector<int> end(first.begin(), first.end() - 1);
     for (const side_t &side : unsorted)
-        sides[place(end[place(side.low)]++)] = side;
+        sides[end[side.low]++] = side;
     for (std::size_t v = 0; v + 1 < first.size(); ++v)
         std::stable_sort(sides.begin() + first[v], sides.begin() + first[v + 1],
                          [](const side_t &a, const side_t &b) { return a.high < b.high; });
@@ -96,10 +94,10 @@ public:
             std::sort(begin, end,
                       [&](const side_t &a, const side_t &b) { return key(a) < key(b); });
         }
-        std::vector<bool> drawn(place(static_cast<int>(end - begin)), false);
+        std::vector<bool> drawn(static_cast<int>(end - begin), false);
         for (auto a = begin; a != end; ++a) {
             const auto last = end - begin > most_compared ? std::min(a + 2, end) : end;
-            const bool is_later = drawn[place(static_cast<int>(a - begin))];
+            const bool is_later = drawn[static_cast<int>(a - begin)];
             uv_edge edge = {a->low_corner, a->high_corner};
             for (auto b = a + 1; b < last; ++b) {
                 if (b->surface == a->surface || !agree(*a, *b))
@@ -107,7 +105,7 @@ public:
                 corners_.join(a->low_corner, b->low_corner);
                 corners_.join(a->high_corner, b->high_corner);
                 surfaces_.join(a->surface, b->surface);
-                drawn[place(static_cast<int>(b - begin))] = true;
+                drawn[static_cast<int>(b - begin)] = true;
                 if (edge.is_border()) {
                     edge.twin = b->low_corner;
                     edge.twin_next = b->high_corner;
@@ -119,7 +117,7 @@ public:
     }
 
 private:
-    [[nodiscard]] const flat_uv &uv(int corner) const { return mesh_.at[place(corner)]; }
+    [[nodiscard]] const flat_uv &uv(int corner) const { return mesh_.at[corner]; }
     [[nodiscard]] std::tuple<float, float, float, float> key(const side_t &side) const
     {
         const flat_uv &a = uv(side.low_corner), &b = uv(side.high_corner);
@@ -159,11 +157,11 @@ uv_islands uv_find_islands(const uv_mesh &mesh)
 
 std::vector<uv_box> uv_island_boxes(const uv_mesh &mesh, const uv_islands &islands)
 {
-    std::vector<uv_box> boxes(place(islands.num_islands));
+    std::vector<uv_box> boxes(islands.num_islands);
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
-        uv_box &box = boxes[place(islands.island[place(surface)])];
+        uv_box &box = boxes[islands.island[surface]];
         for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c)
-            box.add(mesh.at[place(c)]);
+            box.add(mesh.at[c]);
     }
     return boxes;
 }

@@ -22,8 +22,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 // An object as it was: what the coordinates are computed from.
 struct origin_t {
     image_ptr image;
@@ -66,14 +64,14 @@ std::vector<int> pieces_of(const uv_mesh &mesh)
     for (std::size_t i = 0; i < parent.size(); ++i)
         parent[i] = static_cast<int>(i);
     const auto find = [&](int v) {
-        while (parent[place(v)] != v)
-            v = parent[place(v)] = parent[place(parent[place(v)])];
+        while (parent[v] != v)
+            v = parent[v] = parent[parent[v]];
         return v;
     };
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
-        const int first = mesh.vertices[place(mesh.corners_begin(i))];
+        const int first = mesh.vertices[mesh.corners_begin(i)];
         for (int c = mesh.corners_begin(i) + 1; c < mesh.corners_end(i); ++c)
-            parent[place(find(mesh.vertices[place(c)]))] = find(first);
+            parent[find(mesh.vertices[c])] = find(first);
     }
     for (std::size_t i = 0; i < parent.size(); ++i)
         parent[i] = find(static_cast<int>(i));
@@ -140,11 +138,11 @@ std::vector<char> sliding(const origin_t &origin, const std::vector<point3_t> &n
     std::vector<char> moved(count, 0), stays(count, 0);
     for (std::size_t v = 0; v < count; ++v) {
         moved[v] = same_place(origin.mesh.positions[v], now[v]) ? 0 : 1;
-        if (moved[v] == 0 && !all && !selected.has((*part.flat->vertex_records)[v]))
-            stays[place(origin.piece[v])] = 1;
+        if (moved[v] == 0 && !all && !selected.has(part.flat->vertex_record(v)))
+            stays[origin.piece[v]] = 1;
     }
     for (std::size_t v = 0; v < count; ++v)
-        moved[v] = moved[v] != 0 && stays[place(origin.piece[v])] != 0 ? 1 : 0;
+        moved[v] = moved[v] != 0 && stays[origin.piece[v]] != 0 ? 1 : 0;
     return moved;
 }
 
@@ -163,7 +161,7 @@ public:
     slope_t(const uv_mesh &mesh, int surface)
     {
         const int begin = mesh.corners_begin(surface), end = mesh.corners_end(surface);
-        const point3_t &n = mesh.normals[place(surface)];
+        const point3_t &n = mesh.normals[surface];
         normal_ = {n.x, n.y, n.z};
         // Two directions in the plane: the one that is farthest from the normal, laid flat.
         const vector3 start = std::fabs(n.x) <= std::fabs(n.y) && std::fabs(n.x) <= std::fabs(n.z)
@@ -208,14 +206,14 @@ private:
             const vector3 d = difference(mesh.position(c), origin);
             mx += dot(d, across_) / count;
             my += dot(d, up_) / count;
-            mu += mesh.at[place(c)].u / count;
-            mv += mesh.at[place(c)].v / count;
+            mu += mesh.at[c].u / count;
+            mv += mesh.at[c].v / count;
         }
         double xx = 0, xy = 0, yy = 0, xu = 0, yu = 0, xv = 0, yv = 0;
         for (int c = begin; c < end; ++c) {
             const vector3 d = difference(mesh.position(c), origin);
             const double x = dot(d, across_) - mx, y = dot(d, up_) - my;
-            const double u = mesh.at[place(c)].u - mu, v = mesh.at[place(c)].v - mv;
+            const double u = mesh.at[c].u - mu, v = mesh.at[c].v - mv;
             xx += x * x;
             xy += x * y;
             yy += y * y;
@@ -252,29 +250,29 @@ std::vector<flat_uv> slid(const origin_t &origin, const uv_mesh &now_mesh,
     struct sum_t {
         double weight = 0, u = 0, v = 0;
     };
-    std::vector<sum_t> sums(place(origin.islands.num_points));
+    std::vector<sum_t> sums(origin.islands.num_points);
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         const auto begin = mesh.vertices.begin() + mesh.corners_begin(i);
         const auto end = mesh.vertices.begin() + mesh.corners_end(i);
-        if (std::none_of(begin, end, [&](int v) { return slides[place(v)] != 0; }))
+        if (std::none_of(begin, end, [&](int v) { return slides[v] != 0; }))
             continue;
         const slope_t slope(mesh, i);
         for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c) {
-            const int v = mesh.vertices[place(c)];
-            if (slides[place(v)] == 0)
+            const int v = mesh.vertices[c];
+            if (slides[v] == 0)
                 continue;
-            const vector3 move = difference(now[place(v)], mesh.positions[place(v)]);
+            const vector3 move = difference(now[v], mesh.positions[v]);
             const double weight = slope.weight(move);
             if (!(weight > 0))
                 continue;
-            sum_t &sum = sums[place(origin.islands.point[place(c)])];
+            sum_t &sum = sums[origin.islands.point[c]];
             sum.weight += weight;
             sum.u += weight * slope.by_u(move);
             sum.v += weight * slope.by_v(move);
         }
     }
     for (std::size_t c = 0; c < at.size(); ++c) {
-        const sum_t &sum = sums[place(origin.islands.point[c])];
+        const sum_t &sum = sums[origin.islands.point[c]];
         if (sum.weight > 0)
             at[c] = {static_cast<float>(at[c].u + sum.u / sum.weight),
                      static_cast<float>(at[c].v + sum.v / sum.weight)};
@@ -287,15 +285,14 @@ void save_in(undo_record &record, const uv_mesh &mesh, const std::vector<flat_uv
              const std::vector<int> &surfaces)
 {
     for (const int i : surfaces) {
-        saved_texture_coords saved = {mesh.surfaces[place(i)], {}};
+        saved_texture_coords saved = {mesh.surfaces[i], {}};
         int corner = mesh.corners_begin(i);
-        const uv_part &part = mesh.parts[place(mesh.part[place(i)])];
+        const uv_part &part = mesh.parts[mesh.part[i]];
         for (svertex *reference : each<svertex>(saved.surface->refs)) {
-            const int at = corner < mesh.corners_end(i) ? mesh.vertices[place(corner)] : -1;
-            if (at < 0 ||
-                (*part.flat->vertex_records)[place(at - part.first_vertex)] != reference->vertex)
+            const int at = corner < mesh.corners_end(i) ? mesh.vertices[corner] : -1;
+            if (at < 0 || part.flat->vertex_record(at - part.first_vertex) != reference->vertex)
                 continue;
-            saved.corners.push_back({reference, before[place(corner)].u, before[place(corner)].v});
+            saved.corners.push_back({reference, before[corner].u, before[corner].v});
             ++corner;
         }
         record.texture_coords.push_back(std::move(saved));

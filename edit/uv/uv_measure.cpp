@@ -13,8 +13,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 // ---- stretch ----
 
 struct triangle_sums {
@@ -50,9 +48,9 @@ triangle_sums sums_of(const uv_mesh &mesh, int surface, double aspect)
 {
     triangle_sums sums;
     const int first = mesh.corners_begin(surface);
-    const flat_uv &o = mesh.at[place(first)];
+    const flat_uv &o = mesh.at[first];
     for (int c = first + 1; c + 1 < mesh.corners_end(surface); ++c) {
-        const flat_uv &p = mesh.at[place(c)], &q = mesh.at[place(c + 1)];
+        const flat_uv &p = mesh.at[c], &q = mesh.at[c + 1];
         const double u1 = double{p.u} - o.u, v1 = (double{p.v} - o.v) / aspect;
         const double u2 = double{q.u} - o.u, v2 = (double{q.v} - o.v) / aspect;
         const point3_t ab = point_sub(mesh.position(c), mesh.position(first));
@@ -104,7 +102,7 @@ public:
     {
         find_twins();
         for (int i = 0; i < mesh_.num_surfaces(); ++i) {
-            if (twin_[place(i)] == i)
+            if (twin_[i] == i)
                 cut(i);
         }
         std::stable_sort(pieces_.begin(), pieces_.end(),
@@ -112,8 +110,8 @@ public:
         for (std::size_t i = 0; i < pieces_.size(); ++i)
             look_up_and_add(static_cast<int>(i));
         for (int i = 0; i < mesh_.num_surfaces(); ++i) {
-            if (found_[place(twin_[place(i)])] != 0)
-                found_[place(i)] = 1;
+            if (found_[twin_[i]] != 0)
+                found_[i] = 1;
         }
         return found_;
     }
@@ -147,16 +145,16 @@ private:
             std::vector<std::pair<float, float>> outline;
             double area = 0;
             for (int c = mesh_.corners_begin(i); c < mesh_.corners_end(i); ++c) {
-                const flat_uv &p = mesh_.at[place(c)];
+                const flat_uv &p = mesh_.at[c];
                 outline.emplace_back(std::isnan(p.u) ? 0 : p.u, std::isnan(p.v) ? 0 : p.v);
-                area += cross(mesh_.at[place(mesh_.corners_begin(i))], p,
-                              mesh_.at[place(mesh_.next_corner(i, c))]);
+                area +=
+                    cross(mesh_.at[mesh_.corners_begin(i)], p, mesh_.at[mesh_.next_corner(i, c)]);
             }
             std::sort(outline.begin(), outline.end());
             const auto [known, is_new] = outlines.emplace(std::move(outline), i);
-            twin_[place(i)] = known->second;
+            twin_[i] = known->second;
             if (!is_new && std::fabs(area) > 0)
-                found_[place(i)] = found_[place(known->second)] = 1;
+                found_[i] = found_[known->second] = 1;
         }
     }
 
@@ -164,10 +162,7 @@ private:
     {
         const int first = mesh_.corners_begin(surface);
         for (int c = first + 1; c + 1 < mesh_.corners_end(surface); ++c) {
-            piece p = {{{mesh_.at[place(first)], mesh_.at[place(c)], mesh_.at[place(c + 1)]}},
-                       surface,
-                       0,
-                       {}};
+            piece p = {{{mesh_.at[first], mesh_.at[c], mesh_.at[c + 1]}}, surface, 0, {}};
             const double area = cross(p.triangle.p[0], p.triangle.p[1], p.triangle.p[2]);
             if (!(std::fabs(area) > 0) || !std::isfinite(area))
                 continue;
@@ -196,7 +191,7 @@ private:
 
     void look_up_and_add(int number)
     {
-        const piece &p = pieces_[place(number)];
+        const piece &p = pieces_[number];
         for (auto &[level, cells] : levels_) {
             for_cells(p.box, level, [&](const cell_key &key) {
                 const auto at = cells.find(key);
@@ -207,17 +202,17 @@ private:
         const int level = level_of(p.size);
         for_cells(p.box, level, [&](const cell_key &key) {
             cell &at = levels_[level][key];
-            (found_[place(p.surface)] != 0 ? at.lying : at.alone).push_back(number);
+            (found_[p.surface] != 0 ? at.lying : at.alone).push_back(number);
         });
     }
 
     void look_in(cell &at, const piece &p)
     {
         for (std::size_t i = 0; i < at.alone.size();) {
-            const piece &other = pieces_[place(at.alone[i])];
-            if (found_[place(other.surface)] == 0 && meet(p, other))
-                found_[place(p.surface)] = found_[place(other.surface)] = 1;
-            if (found_[place(other.surface)] == 0) {
+            const piece &other = pieces_[at.alone[i]];
+            if (found_[other.surface] == 0 && meet(p, other))
+                found_[p.surface] = found_[other.surface] = 1;
+            if (found_[other.surface] == 0) {
                 ++i;
                 continue;
             }
@@ -225,9 +220,9 @@ private:
             at.alone[i] = at.alone.back();
             at.alone.pop_back();
         }
-        for (std::size_t i = at.lying.size(); i-- > 0 && found_[place(p.surface)] == 0;) {
-            if (meet(p, pieces_[place(at.lying[i])]))
-                found_[place(p.surface)] = 1;
+        for (std::size_t i = at.lying.size(); i-- > 0 && found_[p.surface] == 0;) {
+            if (meet(p, pieces_[at.lying[i]]))
+                found_[p.surface] = 1;
         }
     }
 
@@ -303,7 +298,7 @@ void command_uv_stretch()
     double least = 1e30, most = 0, worst = 1, sum = 0;
     int flipped = 0;
     for (const int i : surfaces) {
-        const uv_stretch &s = stretch[place(i)];
+        const uv_stretch &s = stretch[i];
         least = std::min(least, double{s.area});
         most = std::max(most, double{s.area});
         worst = std::max(worst, double{s.angle});

@@ -13,8 +13,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 void add_part(uv_mesh &mesh, object_t *object, const flat_ptr &flat)
 {
     uv_part part = {object, object != nullptr ? object_identity(object) : 0,
@@ -23,14 +21,13 @@ void add_part(uv_mesh &mesh, object_t *object, const flat_ptr &flat)
     const int number = static_cast<int>(mesh.parts.size());
     for (int i = 0; i < flat->num_surfaces(); ++i) {
         const auto corners = flat->surface_corners(i);
-        if ((*flat->surfaces)[place(i)].type != SURFACE_POLYGON || corners.size() < 3)
+        if (flat->surface(i).type != SURFACE_POLYGON || corners.size() < 3)
             continue;
-        mesh.surfaces.push_back(flat->surface_records ? (*flat->surface_records)[place(i)]
-                                                      : nullptr);
+        mesh.surfaces.push_back(flat->surface_records ? flat->surface_record(i) : nullptr);
         mesh.part.push_back(number);
-        mesh.normals.push_back(flat->face_normals ? (*flat->face_normals)[place(i)]
+        mesh.normals.push_back(flat->face_normals ? flat->face_normal(i)
                                                   : normal_of_corners(*flat, i));
-        const auto begin = flat->texture_coords->begin() + (*flat->corner_offsets)[place(i)];
+        const auto begin = flat->texture_coords->begin() + flat->first_corner(i);
         for (const std::int32_t v : corners)
             mesh.vertices.push_back(part.first_vertex + v);
         mesh.at.insert(mesh.at.end(), begin, begin + static_cast<std::ptrdiff_t>(corners.size()));
@@ -55,7 +52,7 @@ bool is_own(const flat_mesh &flat, const vertex *point)
     if (point == nullptr)
         return false;
     const std::size_t i = vertex_number(point);
-    return i < flat.vertex_records->size() && (*flat.vertex_records)[i] == point;
+    return i < flat.vertex_records->size() && flat.vertex_record(i) == point;
 }
 
 } // namespace
@@ -100,20 +97,20 @@ void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at, const std::ve
 {
     int numbered = -1; // the part whose vertices carry their numbers
     for (const int i : surfaces) {
-        const uv_part &part = mesh.parts[place(mesh.part[place(i)])];
-        if (numbered != mesh.part[place(i)]) {
-            numbered = mesh.part[place(i)];
+        const uv_part &part = mesh.parts[mesh.part[i]];
+        if (numbered != mesh.part[i]) {
+            numbered = mesh.part[i];
             number_vertices(part.object);
             object_mark(part.object, CHANGED_TEXTURE_COORDS);
         }
         int corner = mesh.corners_begin(i);
-        for (svertex *reference : each<svertex>(mesh.surfaces[place(i)]->refs)) {
+        for (svertex *reference : each<svertex>(mesh.surfaces[i]->refs)) {
             if (corner == mesh.corners_end(i))
                 break;
             if (!is_own(*part.flat, reference->vertex))
                 continue;
-            reference->u = at[place(corner)].u;
-            reference->v = at[place(corner)].v;
+            reference->u = at[corner].u;
+            reference->v = at[corner].v;
             ++corner;
         }
     }
@@ -125,7 +122,7 @@ std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat
     std::vector<int> changed;
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         for (int corner = mesh.corners_begin(i); corner < mesh.corners_end(i); ++corner) {
-            if (!same_bits(from[place(corner)], to[place(corner)])) {
+            if (!same_bits(from[corner], to[corner])) {
                 changed.push_back(i);
                 break;
             }

@@ -32,18 +32,14 @@ struct uv_mesh {
 
     [[nodiscard]] int num_surfaces() const { return static_cast<int>(surfaces.size()); }
     [[nodiscard]] int num_corners() const { return static_cast<int>(at.size()); }
-    [[nodiscard]] int corners_begin(int surface) const { return first_corner[index(surface)]; }
-    [[nodiscard]] int corners_end(int surface) const { return first_corner[index(surface) + 1]; }
-    [[nodiscard]] const point3_t &position(int corner) const
-    {
-        return positions[index(vertices[index(corner)])];
-    }
+    [[nodiscard]] int corners_begin(int surface) const { return first_corner[surface]; }
+    [[nodiscard]] int corners_end(int surface) const { return first_corner[surface + 1]; }
+    [[nodiscard]] const point3_t &position(int corner) const { return positions[vertices[corner]]; }
     // The corner after this one round its surface.
     [[nodiscard]] int next_corner(int surface, int corner) const
     {
         return corner + 1 == corners_end(surface) ? corners_begin(surface) : corner + 1;
     }
-    static std::size_t index(int i) { return static_cast<std::size_t>(i); }
 };
 
 // The polygons (of three corners at least) of these objects themselves.

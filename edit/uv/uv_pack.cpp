@@ -14,8 +14,6 @@ constexpr int largest_side = 1024;      // the longest side of any rectangle, in
 constexpr double largest_height = 1e15; // of a picture that is nothing but high, in steps
 constexpr std::size_t most_on_a_skyline = 3000;
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 // In steps, the gap on its right and upper side included.
 struct piece {
     std::int64_t width, height;
@@ -200,9 +198,9 @@ private:
         result.scale = 1 / (picture * unit_);
         result.places.resize(placed_.size());
         for (const piece &p : placed_)
-            result.places[place(p.index)] = {
-                (static_cast<double>(p.x) + half_gap) / picture,
-                (static_cast<double>(p.y) + half_gap) * aspect_ / picture, p.turned};
+            result.places[p.index] = {(static_cast<double>(p.x) + half_gap) / picture,
+                                      (static_cast<double>(p.y) + half_gap) * aspect_ / picture,
+                                      p.turned};
         return result;
     }
 
@@ -237,8 +235,8 @@ void command_uv_pack(float margin)
     std::vector<int> row(boxes.size(), -1);
     bool any_size = false;
     for (const int island : islands) {
-        const uv_box &box = boxes[place(island)];
-        row[place(island)] = static_cast<int>(rectangles.size());
+        const uv_box &box = boxes[island];
+        row[island] = static_cast<int>(rectangles.size());
         rectangles.push_back({box.width(), box.height() / aspect});
         any_size = any_size || box.width() > 0 || box.height() > 0;
     }
@@ -251,11 +249,11 @@ void command_uv_pack(float margin)
         uv_pack_rectangles(rectangles, aspect, std::max(0.0f, margin) / pixels.width, true);
     std::vector<flat_uv> at = state.mesh.at;
     for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
-        const auto island = place(state.islands.island[place(i)]);
+        const auto island = state.islands.island[i];
         if (row[island] < 0)
             continue;
         const uv_box &box = boxes[island];
-        const uv_rectangle_place &to = layout.places[place(row[island])];
+        const uv_rectangle_place &to = layout.places[row[island]];
         // From the box's corner: turned about it, then moved.
         uv_matrix m = {layout.scale,
                        0,
@@ -268,7 +266,7 @@ void command_uv_pack(float margin)
             m = {0, -across, up, 0, to.u + across * box.v1, to.v - up * box.u0};
         }
         for (int c = state.mesh.corners_begin(i); c < state.mesh.corners_end(i); ++c)
-            at[place(c)] = m.apply(at[place(c)]);
+            at[c] = m.apply(at[c]);
     }
     uv_commit(label, at);
     display_message("%s - %d islands", label, static_cast<int>(islands.size()));

@@ -17,7 +17,6 @@ constexpr double pi = 3.14159265358979323846;
 constexpr double end_facing = 0.9; // cosine: a cylinder's surface is an end from there on
 constexpr double gap = 1.0 / 128;  // between parts that lie side by side
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
 float narrow(double value) { return static_cast<float>(value); }
 
 struct box_t {
@@ -90,7 +89,7 @@ public:
     // Which of the parts that lie side by side the surface belongs to.
     int project(int surface)
     {
-        const point3_t &normal = mesh_.normals[place(surface)];
+        const point3_t &normal = mesh_.normals[surface];
         switch (projection_) {
         case uv_projection::BOX: {
             bool behind = false;
@@ -119,7 +118,7 @@ private:
     void project_planar(int surface, int axis, bool behind)
     {
         for (int c = mesh_.corners_begin(surface); c < mesh_.corners_end(surface); ++c)
-            at_[place(c)] = planar(mesh_.position(c), axis, behind);
+            at_[c] = planar(mesh_.position(c), axis, behind);
     }
 
     // As the flat views show it.
@@ -127,9 +126,9 @@ private:
     {
         for (int c = mesh_.corners_begin(surface); c < mesh_.corners_end(surface); ++c) {
             const point3_t &p = mesh_.position(c);
-            at_[place(c)] = projection_ == uv_projection::PLANAR_X   ? flat_uv{p.z, p.y}
-                            : projection_ == uv_projection::PLANAR_Y ? flat_uv{p.x, -p.z}
-                                                                     : flat_uv{p.x, p.y};
+            at_[c] = projection_ == uv_projection::PLANAR_X   ? flat_uv{p.z, p.y}
+                     : projection_ == uv_projection::PLANAR_Y ? flat_uv{p.x, -p.z}
+                                                              : flat_uv{p.x, p.y};
         }
     }
 
@@ -147,7 +146,7 @@ private:
                 v = 0.5 + std::atan2(double{p.y} - middle_.y, radius) / pi;
             else if (radius_ > 0)
                 v = (double{p.y} - box_.min.y) / (2 * pi * radius_);
-            at_[place(c)] = {narrow(u), narrow(v)};
+            at_[c] = {narrow(u), narrow(v)};
             if (!on_axis(radius)) {
                 low = std::min(low, u);
                 high = std::max(high, u);
@@ -168,16 +167,16 @@ private:
             turns_of(mesh_.position(c), middle_, &radius);
             if (on_axis(radius))
                 continue;
-            if (crosses && at_[place(c)].u < 0.5f)
-                at_[place(c)].u += 1.0f;
-            sum += at_[place(c)].u;
+            if (crosses && at_[c].u < 0.5f)
+                at_[c].u += 1.0f;
+            sum += at_[c].u;
             ++count;
         }
         for (int c = begin; c < end && count > 0; ++c) {
             double radius = 0;
             turns_of(mesh_.position(c), middle_, &radius);
             if (on_axis(radius))
-                at_[place(c)].u = narrow(sum / count);
+                at_[c].u = narrow(sum / count);
         }
     }
 
@@ -195,7 +194,7 @@ void scale_part(const uv_mesh &mesh, const std::vector<int> &surfaces, std::vect
 {
     for (const int i : surfaces) {
         for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c)
-            at[place(c)] = matrix.apply(at[place(c)]);
+            at[c] = matrix.apply(at[c]);
     }
 }
 
@@ -205,7 +204,7 @@ uv_box box_of_part(const uv_mesh &mesh, const std::vector<int> &surfaces,
     uv_box box;
     for (const int i : surfaces) {
         for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c)
-            box.add(at[place(c)]);
+            box.add(at[c]);
     }
     return box;
 }
@@ -267,7 +266,7 @@ std::vector<flat_uv> uv_project(const uv_mesh &mesh, const std::vector<int> &sur
     projector work(mesh, surfaces, projection);
     std::vector<std::vector<int>> parts(6);
     for (const int i : surfaces)
-        parts[place(work.project(i))].push_back(i);
+        parts[work.project(i)].push_back(i);
     std::erase_if(parts, [](const std::vector<int> &part) { return part.empty(); });
     std::vector<flat_uv> &at = work.at();
     if (extent == uv_extent::UNITS || parts.empty())
@@ -278,7 +277,7 @@ std::vector<flat_uv> uv_project(const uv_mesh &mesh, const std::vector<int> &sur
             const box_t box = box_of(mesh, surfaces);
             const double size = std::max(box.max.x - box.min.x, box.max.z - box.min.z);
             for (std::size_t i = 0; i < parts.size() && size > 0; ++i) {
-                if (std::fabs(double{mesh.normals[place(parts[i].front())].y}) > end_facing)
+                if (std::fabs(double{mesh.normals[parts[i].front()].y}) > end_facing)
                     scale_part(mesh, parts[i], at,
                                uv_scaling(1 / (pi * size), 1 / (pi * size), {0, 0}));
             }

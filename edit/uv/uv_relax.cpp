@@ -15,8 +15,6 @@ namespace {
 
 using vector2 = Eigen::Vector2d;
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 // A triangle of the island: its corners as unknowns, its shape laid flat, and the weight of each
 // side (half the cotangent of the angle opposite).
 struct cell {
@@ -44,7 +42,7 @@ public:
         held_.assign(points_.size(), false);
         for (std::size_t p = 0; p < corners_.size(); ++p) {
             for (const int c : corners_[p])
-                held_[p] = held_[p] || free[place(c)] == 0;
+                held_[p] = held_[p] || free[c] == 0;
         }
         holds_any_ = std::find(held_.begin(), held_.end(), true) != held_.end();
         if (!holds_any_ && !held_.empty())
@@ -72,7 +70,7 @@ public:
             const cell &tri = cells_[t];
             for (std::size_t i = 0; i < 3; ++i) {
                 const std::size_t j = (i + 1) % 3;
-                const vector2 side = points_[place(tri.points[i])] - points_[place(tri.points[j])];
+                const vector2 side = points_[tri.points[i]] - points_[tri.points[j]];
                 sum += tri.weights[i] *
                        (side - turned(turn[t], tri.flat[i] - tri.flat[j])).squaredNorm();
             }
@@ -85,8 +83,8 @@ public:
         for (std::size_t p = 0; p < points_.size(); ++p) {
             for (const int c : corners_[p]) {
                 if (!held_[p] || !holds_any_)
-                    at[place(c)] = {static_cast<float>(points_[p].x()),
-                                    static_cast<float>(points_[p].y() * aspect_)};
+                    at[c] = {static_cast<float>(points_[p].x()),
+                             static_cast<float>(points_[p].y() * aspect_)};
             }
         }
     }
@@ -99,13 +97,13 @@ private:
 
     int unknown_of(int corner, const uv_islands &islands, const std::vector<flat_uv> &at)
     {
-        const int point = islands.point[place(corner)];
+        const int point = islands.point[corner];
         const auto [known, is_new] = numbers_.emplace(point, static_cast<int>(points_.size()));
         if (is_new) {
-            points_.emplace_back(at[place(corner)].u, at[place(corner)].v / aspect_);
+            points_.emplace_back(at[corner].u, at[corner].v / aspect_);
             corners_.emplace_back();
         }
-        corners_[place(known->second)].push_back(corner);
+        corners_[known->second].push_back(corner);
         return known->second;
     }
 
@@ -117,7 +115,7 @@ private:
             unknowns.push_back(unknown_of(c, islands, at));
         for (int c = first + 1; c + 1 < end; ++c)
             add_triangle({first, c, c + 1},
-                         {unknowns[0], unknowns[place(c - first)], unknowns[place(c + 1 - first)]});
+                         {unknowns[0], unknowns[c - first], unknowns[c + 1 - first]});
     }
 
     void add_triangle(const std::array<int, 3> &corners, const std::array<int, 3> &points)
@@ -134,8 +132,7 @@ private:
         tri.flat = {vector2(0, 0), vector2(length, 0),
                     vector2(point_dot(ab, ac) / length, area2 / length)};
         model_area_ += area2 / 2;
-        const vector2 p = points_[place(points[0])], q = points_[place(points[1])],
-                      r = points_[place(points[2])];
+        const vector2 p = points_[points[0]], q = points_[points[1]], r = points_[points[2]];
         picture_area_ += ((q - p).x() * (r - p).y() - (r - p).x() * (q - p).y()) / 2;
         for (std::size_t i = 0; i < 3; ++i) {
             const vector2 opposite = tri.flat[(i + 2) % 3];
@@ -176,8 +173,8 @@ private:
         entries.reserve(cells_.size() * 12);
         for (const cell &tri : cells_) {
             for (std::size_t i = 0; i < 3; ++i) {
-                const int a = unknown_[place(tri.points[i])];
-                const int b = unknown_[place(tri.points[(i + 1) % 3])];
+                const int a = unknown_[tri.points[i]];
+                const int b = unknown_[tri.points[(i + 1) % 3]];
                 const double w = tri.weights[i];
                 if (a >= 0)
                     entries.emplace_back(a, a, w);
@@ -209,7 +206,7 @@ private:
             for (std::size_t i = 0; i < 3; ++i) {
                 const std::size_t j = (i + 1) % 3;
                 const vector2 from = tri.flat[i] - tri.flat[j];
-                const vector2 to = points_[place(tri.points[i])] - points_[place(tri.points[j])];
+                const vector2 to = points_[tri.points[i]] - points_[tri.points[j]];
                 sum +=
                     tri.weights[i] * vector2(from.dot(to), from.x() * to.y() - from.y() * to.x());
             }
@@ -222,7 +219,7 @@ private:
     void place_points(const std::vector<vector2> &turn)
     {
         Eigen::MatrixX2d right = Eigen::MatrixX2d::Zero(num_unknowns_, 2);
-        std::vector<bool> has_cell(place(num_unknowns_), false);
+        std::vector<bool> has_cell(num_unknowns_, false);
         for (std::size_t t = 0; t < cells_.size(); ++t) {
             const cell &tri = cells_[t];
             for (std::size_t i = 0; i < 3; ++i) {
@@ -233,7 +230,7 @@ private:
             }
         }
         for (std::size_t p = 0; p < points_.size(); ++p) {
-            if (unknown_[p] >= 0 && !has_cell[place(unknown_[p])])
+            if (unknown_[p] >= 0 && !has_cell[unknown_[p]])
                 right.row(unknown_[p]) = points_[p].transpose();
         }
         const Eigen::MatrixX2d solved = solver_.solve(right);
@@ -246,13 +243,13 @@ private:
     void add_side(int at, int other, double weight, const vector2 &side, Eigen::MatrixX2d &right,
                   std::vector<bool> &has_cell) const
     {
-        const int row = unknown_[place(at)];
+        const int row = unknown_[at];
         if (row < 0)
             return;
-        has_cell[place(row)] = true;
+        has_cell[row] = true;
         right.row(row) += side.transpose();
-        if (unknown_[place(other)] < 0)
-            right.row(row) += weight * points_[place(other)].transpose();
+        if (unknown_[other] < 0)
+            right.row(row) += weight * points_[other].transpose();
     }
 
     // Turned and moved back to where the island was: the least squares of all points.
@@ -324,14 +321,14 @@ void command_uv_relax(int steps)
     const std::vector<char> free = state.mode == uv_mode::CORNER
                                        ? uv_moving_corners(state)
                                        : std::vector<char>(state.mesh.at.size(), 1);
-    std::vector<std::vector<int>> surfaces(place(state.islands.num_islands));
+    std::vector<std::vector<int>> surfaces(state.islands.num_islands);
     for (int i = 0; i < state.mesh.num_surfaces(); ++i)
-        surfaces[place(state.islands.island[place(i)])].push_back(i);
+        surfaces[state.islands.island[i]].push_back(i);
     std::vector<flat_uv> at = state.mesh.at;
     int relaxed = 0;
     const double aspect = uv_picture_size().aspect();
     for (const int island : islands)
-        relaxed += uv_relax(state.mesh, state.islands, free, surfaces[place(island)],
+        relaxed += uv_relax(state.mesh, state.islands, free, surfaces[island],
                             std::clamp(steps, 1, most_steps), aspect, at)
                        ? 1
                        : 0;

@@ -24,7 +24,7 @@ void command_uv_select_corners(const char *places)
     const uv_state &state = uv_editor();
     std::vector<char> corners(state.mesh.at.size(), 0);
     for (const int place : places_of_text(places, static_cast<int>(corners.size())))
-        corners[static_cast<std::size_t>(place)] = 1;
+        corners[place] = 1;
     uv_choose(std::move(corners));
     redraw_all();
     display_status();

@@ -190,7 +190,7 @@ void command_inituv()
     for (const owned_elements &owned : target_surfaces()) {
         const flat_ptr mesh = object_flat(owned.object);
         for (const int i : owned.indices) {
-            surface_t *surface = (*mesh->surface_records)[static_cast<std::size_t>(i)];
+            surface_t *surface = mesh->surface_record(i);
             if (surface->type == SURFACE_POLYGON)
                 polygons.add(surface);
         }

@@ -153,8 +153,8 @@ public:
     {
         if (next_ == most_codes)
             return;
-        prefix_[static_cast<std::size_t>(next_)] = static_cast<std::uint16_t>(prefix);
-        pixel_[static_cast<std::size_t>(next_)] = pixel;
+        prefix_[next_] = static_cast<std::uint16_t>(prefix);
+        pixel_[next_] = pixel;
         ++next_;
         if (next_ == 1 << bits_ && bits_ < most_code_bits)
             ++bits_;
@@ -169,8 +169,8 @@ public:
                 debugf("circular table entry BIG ERROR\n");
                 return false;
             }
-            reversed->push_back(pixel_[static_cast<std::size_t>(code)]);
-            code = prefix_[static_cast<std::size_t>(code)];
+            reversed->push_back(pixel_[code]);
+            code = prefix_[code];
         }
         reversed->push_back(static_cast<unsigned char>(code));
         return true;

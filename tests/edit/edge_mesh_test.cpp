@@ -35,9 +35,7 @@ const std::vector<int> closed = {0, 0, 0, 0};
 double polygon_area(const flat_mesh &mesh, int s)
 {
     const auto corners = mesh.surface_corners(s);
-    const auto at = [&](std::size_t i) {
-        return (*mesh.positions)[static_cast<std::size_t>(corners[i])];
-    };
+    const auto at = [&](std::size_t i) { return mesh.position(corners[i]); };
     point3_t normal = {0, 0, 0};
     for (std::size_t i = 1; i + 1 < corners.size(); ++i)
         normal =
@@ -51,7 +49,7 @@ std::map<int, double> areas(object_t *object)
     const flat_ptr mesh = object_flat(object);
     std::map<int, double> sums;
     for (int s = 0; s < mesh->num_surfaces(); ++s)
-        sums[(*mesh->surfaces)[static_cast<std::size_t>(s)].material] += polygon_area(*mesh, s);
+        sums[mesh->surface(s).material] += polygon_area(*mesh, s);
     return sums;
 }
 
@@ -176,7 +174,7 @@ TEST_P(Triangles, CoverTheirPolygonAndFaceAsItDid)
     double area = 0;
     for (int i = 0; i < mesh.num_faces(); ++i) {
         const auto t = mesh.face(i);
-        const auto at = [&](std::size_t k) { return mesh.points[static_cast<std::size_t>(t[k])]; };
+        const auto at = [&](std::size_t k) { return mesh.points[t[k]]; };
         const point3_t cross = point_cross(point_sub(at(1), at(0)), point_sub(at(2), at(0)));
         EXPECT_GT(cross.z, 0);
         area += std::fabs(cross.z) / 2.0;

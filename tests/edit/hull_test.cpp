@@ -22,9 +22,7 @@ using point_list = std::vector<point3_t>;
 
 std::vector<int> polygon(const polygons_t &polygons, int i)
 {
-    const auto at = [&](int k) {
-        return polygons.corners.begin() + polygons.offsets[static_cast<std::size_t>(k)];
-    };
+    const auto at = [&](int k) { return polygons.corners.begin() + polygons.offsets[k]; };
     return {at(i), at(i + 1)};
 }
 
@@ -50,11 +48,10 @@ void expect_outward(const point_list &points, const polygons_t &polygons, double
     for (int i = 0; i < polygons.size(); ++i) {
         const std::vector<int> corners = polygon(polygons, i);
         double normal[3] = {};
-        const point3_t &origin = points[static_cast<std::size_t>(corners[0])];
+        const point3_t &origin = points[corners[0]];
         for (std::size_t c = 1; c + 1 < corners.size(); ++c) {
-            const point3_t cross =
-                point_cross(point_sub(points[static_cast<std::size_t>(corners[c])], origin),
-                            point_sub(points[static_cast<std::size_t>(corners[c + 1])], origin));
+            const point3_t cross = point_cross(point_sub(points[corners[c]], origin),
+                                               point_sub(points[corners[c + 1]], origin));
             normal[0] += cross.x;
             normal[1] += cross.y;
             normal[2] += cross.z;
@@ -194,9 +191,9 @@ TEST_P(RandomDelaunay, HasEmptyCirclesAndCoversTheHull)
     for (int i = 0; i < triangles.size(); ++i) {
         const std::vector<int> t = polygon(triangles, i);
         ASSERT_EQ(t.size(), 3u);
-        const point3_t &a = points[static_cast<std::size_t>(t[0])];
-        const point3_t &b = points[static_cast<std::size_t>(t[1])];
-        const point3_t &c = points[static_cast<std::size_t>(t[2])];
+        const point3_t &a = points[t[0]];
+        const point3_t &b = points[t[1]];
+        const point3_t &c = points[t[2]];
         EXPECT_GT(turn(a, b, c), 0) << "faces along the axis";
         area += turn(a, b, c) / 2;
         for (const point3_t &d : points)

@@ -396,7 +396,7 @@ TEST_F(Snap, NearestPointsAreThoseOfAFullSearch)
             float best = 3.4028e38f;
             int expected = left.size() == 1 ? left.front() : -1;
             for (const int i : left) {
-                const float distance = points_dist(&points[static_cast<std::size_t>(i)], &to);
+                const float distance = points_dist(&points[i], &to);
                 if (distance < best) {
                     best = distance;
                     expected = i;

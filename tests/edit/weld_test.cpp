@@ -30,7 +30,7 @@ object_t *add_loose_cube()
         faces.emplace_back();
         for (const int at : face) {
             faces.back().push_back(static_cast<int>(points.size()));
-            points.push_back(corners[static_cast<std::size_t>(at)]);
+            points.push_back(corners[at]);
         }
     }
     object_delete(cube);
@@ -196,7 +196,7 @@ int weld_by_definition(plain_mesh &mesh)
     for (const std::vector<int> &face : mesh.faces) {
         result.faces.emplace_back();
         for (const int corner : face) {
-            const int at = number[static_cast<std::size_t>(to[static_cast<std::size_t>(corner)])];
+            const int at = number[to[corner]];
             std::vector<int> &kept = result.faces.back();
             if (std::find(kept.begin(), kept.end(), at) == kept.end())
                 kept.push_back(at);

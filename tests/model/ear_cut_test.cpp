@@ -14,9 +14,9 @@ double covered(const outline &corners, const std::vector<int> &ears)
 {
     double sum = 0;
     for (size_t i = 0; i < ears.size(); i += 3) {
-        const point3_t &a = corners[static_cast<size_t>(ears[i])];
-        const point3_t &b = corners[static_cast<size_t>(ears[i + 1])];
-        const point3_t &c = corners[static_cast<size_t>(ears[i + 2])];
+        const point3_t &a = corners[ears[i]];
+        const point3_t &b = corners[ears[i + 1]];
+        const point3_t &c = corners[ears[i + 2]];
         const double turn =
             (double{b.x} - a.x) * (double{c.y} - a.y) - (double{b.y} - a.y) * (double{c.x} - a.x);
         EXPECT_GE(turn, -1e-9);

@@ -27,7 +27,7 @@ object_t *add_mesh(const std::vector<point3_t> &points, const faces_t &faces, in
         surface_set_type(surface, type);
         for (const int corner : face) {
             const point3_t &p = points.at(static_cast<std::size_t>(corner));
-            surface_add_vertex(surface, vertices[static_cast<std::size_t>(corner)], p.x, p.y);
+            surface_add_vertex(surface, vertices[corner], p.x, p.y);
         }
         object_add_surface(object, surface);
     }

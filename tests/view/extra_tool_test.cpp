@@ -165,15 +165,14 @@ TEST_F(InsertTool, AClickPutsAVertexIntoBothSurfacesOfTheEdge)
     int checked = 0;
     for (int i = 0; i < after->num_surfaces(); ++i) {
         const auto corners = after->surface_corners(i);
-        const auto first =
-            static_cast<std::size_t>((*after->corner_offsets)[static_cast<std::size_t>(i)]);
+        const auto first = static_cast<std::size_t>(after->first_corner(i));
         for (std::size_t k = 0; k < corners.size(); ++k) {
             if (corners[k] != 8)
                 continue;
             const std::size_t n = corners.size();
-            const flat_uv &uv = (*after->texture_coords)[first + k];
-            const flat_uv &p = (*after->texture_coords)[first + (k + n - 1) % n];
-            const flat_uv &q = (*after->texture_coords)[first + (k + 1) % n];
+            const flat_uv &uv = after->uv(first + k);
+            const flat_uv &p = after->uv(first + (k + n - 1) % n);
+            const flat_uv &q = after->uv(first + (k + 1) % n);
             const float share = corners[(k + n - 1) % n] == hit.a ? hit.share : 1 - hit.share;
             EXPECT_NEAR(uv.u, p.u + (q.u - p.u) * share, 1e-5f);
             EXPECT_NEAR(uv.v, p.v + (q.v - p.v) * share, 1e-5f);

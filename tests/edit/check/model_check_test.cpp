@@ -280,7 +280,7 @@ TEST_P(RandomChecks, AgreeWithTheDefinitions)
         const auto c = mesh->surface_corners(s);
         for (std::size_t i = 0; i < c.size(); ++i) {
             const int u = c[i], v = c[(i + 1) % c.size()];
-            used[static_cast<std::size_t>(u)] = true;
+            used[u] = true;
             if (u != v)
                 sides[{std::min(u, v), std::max(u, v)}].push_back(s);
         }
@@ -294,7 +294,7 @@ TEST_P(RandomChecks, AgreeWithTheDefinitions)
             open_vertices.insert({edge.first, edge.second});
     }
     std::set<std::pair<std::string, std::pair<int, int>>> on_edges; // place and edge
-    const auto at = [&](int v) { return points[static_cast<std::size_t>(v)]; };
+    const auto at = [&](int v) { return points[v]; };
     for (const auto &[edge, surfaces] : sides) {
         if (surfaces.size() != 1)
             continue;

@@ -86,7 +86,7 @@ TEST_F(Journal, GoesWhereItIsTold)
     }
     for (const int step : {2, 0, 3, 1, 3}) {
         run("history_goto", 2 * step);
-        EXPECT_EQ(scene_text(), seen[static_cast<std::size_t>(step)]) << step;
+        EXPECT_EQ(scene_text(), seen[step]) << step;
     }
     run("history_goto", 99);
     EXPECT_EQ(last_message(), "no such place in the history: 99");

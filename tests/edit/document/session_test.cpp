@@ -49,7 +49,7 @@ private:
             if (object != vesk_get_world())
                 ids.push_back(object_identity(object));
         });
-        return ids.empty() ? 0 : ids[static_cast<std::size_t>(pick(static_cast<int>(ids.size())))];
+        return ids.empty() ? 0 : ids[pick(static_cast<int>(ids.size()))];
     }
 
     void do_something()
@@ -177,7 +177,7 @@ private:
             {"uv_keep", "1"},
             {"uv_keep", "0"},
         };
-        const words_t &words = edits[static_cast<size_t>(pick(static_cast<int>(edits.size())))];
+        const words_t &words = edits[pick(static_cast<int>(edits.size()))];
         last_ = words[0];
         if (is_small())
             run_words(words);

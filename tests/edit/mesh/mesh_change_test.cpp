@@ -111,7 +111,7 @@ TEST_F(MeshChange, RandomChangesGiveWhatPlainListsGive)
                     break;
                 case 1:
                     change.redirect_corner(corner, to);
-                    (*face)[static_cast<std::size_t>(i)] = to;
+                    (*face)[i] = to;
                     break;
                 case 2:
                     change.remove_corner(corner);
@@ -150,14 +150,14 @@ TEST_F(MeshChange, EdgesAreSharedInEitherDirection)
             const auto corners = mesh->surface_corners(s);
             for (std::size_t i = 0; i < corners.size(); ++i, ++corner) {
                 const bool last = i + 1 == corners.size();
-                const bool open = (*mesh->surfaces)[static_cast<std::size_t>(s)].type == 2;
+                const bool open = mesh->surface(s).type == 2;
                 int expected = -1;
                 if (!last || !open) {
                     const auto ends = std::minmax({corners[i], corners[last ? 0 : i + 1]});
                     expected =
                         numbers.try_emplace(ends, static_cast<int>(numbers.size())).first->second;
                 }
-                ASSERT_EQ(edges.of_corner[static_cast<std::size_t>(corner)], expected) << seed;
+                ASSERT_EQ(edges.of_corner[corner], expected) << seed;
             }
         }
         EXPECT_EQ(edges.count, static_cast<int>(numbers.size()));
@@ -180,7 +180,7 @@ TEST_F(MeshChange, PositionsFindTheFirstOfEqualOnes)
         points.push_back({coordinate(), coordinate(), coordinate()});
         int expected = i;
         for (int j = i - 1; j >= 0; --j) {
-            if (point_equal(points[static_cast<std::size_t>(j)], points.back()))
+            if (point_equal(points[j], points.back()))
                 expected = j;
         }
         ASSERT_EQ(index.find_or_add(points.back(), i), expected);

@@ -14,8 +14,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 class UvKeep : public SceneTest {
 protected:
     // Coordinates of a slanted, scaled map of x and y; squares of a plane have them everywhere.
@@ -39,8 +37,8 @@ protected:
         double most = 0;
         for (int c = 0; c < mesh.num_corners(); ++c) {
             const flat_uv wanted = map(mesh.position(c));
-            most = std::max({most, std::fabs(double{mesh.at[place(c)].u} - wanted.u),
-                             std::fabs(double{mesh.at[place(c)].v} - wanted.v)});
+            most = std::max({most, std::fabs(double{mesh.at[c].u} - wanted.u),
+                             std::fabs(double{mesh.at[c].v} - wanted.v)});
         }
         return most;
     }
@@ -141,8 +139,8 @@ TEST_F(UvKeep, OutOfThePlaneNothingSlidesAndTheSidesOfACubeDo)
     const uv_mesh mesh = uv_mesh_of({cube});
     for (int s = 0; s < mesh.num_surfaces(); ++s) {
         for (int c = mesh.corners_begin(s); c < mesh.corners_end(s); ++c) {
-            if (std::fabs(mesh.normals[place(s)].y) < 0.5f) {
-                EXPECT_NEAR(mesh.at[place(c)].v, mesh.position(c).y, 1e-5);
+            if (std::fabs(mesh.normals[s].y) < 0.5f) {
+                EXPECT_NEAR(mesh.at[c].v, mesh.position(c).y, 1e-5);
             }
         }
     }

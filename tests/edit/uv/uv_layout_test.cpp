@@ -19,7 +19,6 @@
 namespace {
 
 constexpr double pi = 3.14159265358979323846;
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
 
 std::vector<int> every_surface(const uv_mesh &mesh)
 {
@@ -107,16 +106,16 @@ TEST_F(UvProjection, TheCylinderGoesOnceRoundWithoutATornSeam)
     object_t *cylinder = only_object();
     const std::vector<flat_uv> at = projected(cylinder, uv_projection::CYLINDER, uv_extent::UNITS);
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
-        if (std::fabs(mesh.normals[place(i)].y) > 0.9f)
+        if (std::fabs(mesh.normals[i].y) > 0.9f)
             continue; // an end
         float low = 1e9f, high = -1e9f;
         for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c) {
             const point3_t &p = mesh.position(c);
             const double turns = 1 - std::atan2(-double{p.x}, double{p.z}) / (2 * pi);
-            EXPECT_NEAR(std::remainder(at[place(c)].u - turns, 1.0), 0, 1e-5);
-            EXPECT_NEAR(at[place(c)].v, (double{p.y} + 1) / (2 * pi), 1e-4);
-            low = std::min(low, at[place(c)].u);
-            high = std::max(high, at[place(c)].u);
+            EXPECT_NEAR(std::remainder(at[c].u - turns, 1.0), 0, 1e-5);
+            EXPECT_NEAR(at[c].v, (double{p.y} + 1) / (2 * pi), 1e-4);
+            low = std::min(low, at[c].u);
+            high = std::max(high, at[c].u);
         }
         EXPECT_LT(high - low, 0.5f);
     }
@@ -138,13 +137,13 @@ TEST_F(UvProjection, TheSphereIsTheGeneratorsButAtItsPoles)
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         float low = 1e9f, high = -1e9f;
         for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c) {
-            low = std::min(low, at[place(c)].u);
-            high = std::max(high, at[place(c)].u);
+            low = std::min(low, at[c].u);
+            high = std::max(high, at[c].u);
             const point3_t &p = mesh.position(c);
             if (std::hypot(p.x, p.z) < 1e-3f)
                 continue;
-            EXPECT_NEAR(std::remainder(at[place(c)].u - expected.at[place(c)].u, 1.0f), 0, 1e-4);
-            EXPECT_NEAR(at[place(c)].v, expected.at[place(c)].v, 1e-4);
+            EXPECT_NEAR(std::remainder(at[c].u - expected.at[c].u, 1.0f), 0, 1e-4);
+            EXPECT_NEAR(at[c].v, expected.at[c].v, 1e-4);
             ++compared;
         }
         EXPECT_LT(high - low, 0.5f);
@@ -247,7 +246,7 @@ TEST_F(UvPack, AMarginThatLeavesNoRoomGetsSmaller)
 {
     for (const double aspect : {1.0, 100.0, 0.01}) {
         for (const int count : {1, 5, 300, 4000}) {
-            const std::vector<uv_rectangle> sizes(place(count), uv_rectangle{1, 1});
+            const std::vector<uv_rectangle> sizes(count, uv_rectangle{1, 1});
             const uv_layout layout = uv_pack_rectangles(sizes, aspect, 5, true);
             EXPECT_GT(layout.scale, 0);
             for (const placed_t &at : placed(sizes, layout, aspect)) {

@@ -20,8 +20,6 @@
 
 namespace {
 
-std::size_t place(int i) { return static_cast<std::size_t>(i); }
-
 std::vector<svertex *> all_corners(const object_t *object)
 {
     std::vector<svertex *> corners;
@@ -78,10 +76,8 @@ bool joined(const uv_mesh &mesh, int a, int b)
         for (int d = mesh.corners_begin(b); d < mesh.corners_end(b); ++d) {
             const int c2 = mesh.next_corner(a, c), d2 = mesh.next_corner(b, d);
             for (const auto &[e, f] : {std::pair(d, d2), std::pair(d2, d)}) {
-                if (mesh.vertices[place(c)] == mesh.vertices[place(e)] &&
-                    mesh.vertices[place(c2)] == mesh.vertices[place(f)] &&
-                    mesh.at[place(c)] == mesh.at[place(e)] &&
-                    mesh.at[place(c2)] == mesh.at[place(f)])
+                if (mesh.vertices[c] == mesh.vertices[e] && mesh.vertices[c2] == mesh.vertices[f] &&
+                    mesh.at[c] == mesh.at[e] && mesh.at[c2] == mesh.at[f])
                     return true;
             }
         }
@@ -97,9 +93,8 @@ std::vector<int> islands_by_search(const uv_mesh &mesh)
         changed = false;
         for (int a = 0; a < mesh.num_surfaces(); ++a) {
             for (int b = 0; b < a; ++b) {
-                if (island[place(a)] != island[place(b)] && joined(mesh, a, b)) {
-                    island[place(a)] = island[place(b)] =
-                        std::min(island[place(a)], island[place(b)]);
+                if (island[a] != island[b] && joined(mesh, a, b)) {
+                    island[a] = island[b] = std::min(island[a], island[b]);
                     changed = true;
                 }
             }
@@ -132,18 +127,17 @@ TEST_P(UvIslands, AreWhatAPlainSearchFinds)
     EXPECT_EQ(found.num_islands, static_cast<int>(names.size()));
     for (int a = 0; a < mesh.num_surfaces(); ++a) {
         for (int b = 0; b < a; ++b)
-            ASSERT_EQ(found.island[place(a)] == found.island[place(b)],
-                      expected[place(a)] == expected[place(b)])
+            ASSERT_EQ(found.island[a] == found.island[b], expected[a] == expected[b])
                 << a << " " << b;
     }
     // Corners of one point are of one vertex and lie on each other.
-    std::vector<int> first(place(found.num_points), -1);
+    std::vector<int> first(found.num_points, -1);
     for (int c = 0; c < mesh.num_corners(); ++c) {
-        int &other = first[place(found.point[place(c)])];
+        int &other = first[found.point[c]];
         if (other < 0)
             other = c;
-        ASSERT_EQ(mesh.vertices[place(c)], mesh.vertices[place(other)]);
-        ASSERT_EQ(mesh.at[place(c)], mesh.at[place(other)]);
+        ASSERT_EQ(mesh.vertices[c], mesh.vertices[other]);
+        ASSERT_EQ(mesh.at[c], mesh.at[other]);
     }
 }
 INSTANTIATE_TEST_SUITE_P(Seeds, UvIslands, testing::Range(1u, 17u));
@@ -428,8 +422,7 @@ TEST_F(Uv, OverlapsAreWhatComparingAllPairsFinds)
         const auto triangles = [&](int i) {
             std::vector<uv_triangle> cut;
             for (int c = mesh.corners_begin(i) + 1; c + 1 < mesh.corners_end(i); ++c) {
-                uv_triangle t = {{mesh.at[place(mesh.corners_begin(i))], mesh.at[place(c)],
-                                  mesh.at[place(c + 1)]}};
+                uv_triangle t = {{mesh.at[mesh.corners_begin(i)], mesh.at[c], mesh.at[c + 1]}};
                 const float area = (t.p[1].u - t.p[0].u) * (t.p[2].v - t.p[0].v) -
                                    (t.p[2].u - t.p[0].u) * (t.p[1].v - t.p[0].v);
                 if (area < 0)
@@ -443,7 +436,7 @@ TEST_F(Uv, OverlapsAreWhatComparingAllPairsFinds)
                 for (const uv_triangle &s : triangles(a)) {
                     for (const uv_triangle &t : triangles(b)) {
                         if (uv_triangles_overlap(s, t))
-                            expected[place(a)] = expected[place(b)] = 1;
+                            expected[a] = expected[b] = 1;
                     }
                 }
             }

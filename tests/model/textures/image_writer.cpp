@@ -279,9 +279,8 @@ std::string write_gif(const picture_t &picture, const gif_options_t &options)
         ++bits;
     std::string map;
     for (int i = 0; i < 1 << bits; ++i) {
-        const rgba_t c = static_cast<size_t>(i) < indexed.colours.size()
-                             ? indexed.colours[static_cast<size_t>(i)]
-                             : rgba_t{};
+        const rgba_t c =
+            static_cast<size_t>(i) < indexed.colours.size() ? indexed.colours[i] : rgba_t{};
         map += {static_cast<char>(c[0]), static_cast<char>(c[1]), static_cast<char>(c[2])};
     }
     const int map_flags = 0x80 | (bits - 1);
