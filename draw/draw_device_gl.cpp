@@ -2,6 +2,7 @@
 
 #include "base/messages.h"
 #include "base/ui_port.h"
+#include "model/angle.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -15,7 +16,6 @@ namespace {
 
 constexpr int wanted_samples = 4;
 constexpr int neutral_grey = 0x555555;
-constexpr float pi = 3.14159265f;
 
 struct frame_buffer_t {
     GLuint frame = 0;
@@ -370,8 +370,8 @@ void add_ring(std::vector<coloured_vertex_t> &out, float x, float y, float r1, f
 {
     constexpr int pieces = 40;
     for (int i = 0; i < pieces; ++i) {
-        const float a = 2 * pi * static_cast<float>(i) / pieces;
-        const float b = 2 * pi * static_cast<float>(i + 1) / pieces;
+        const float a = 2 * pi_f * static_cast<float>(i) / pieces;
+        const float b = 2 * pi_f * static_cast<float>(i + 1) / pieces;
         out.push_back(soft_vertex(x + r1 * std::cos(a), y + r1 * std::sin(a), c, alpha1));
         out.push_back(soft_vertex(x + r2 * std::cos(a), y + r2 * std::sin(a), c, alpha2));
         out.push_back(soft_vertex(x + r2 * std::cos(b), y + r2 * std::sin(b), c, alpha2));

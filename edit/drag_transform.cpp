@@ -5,6 +5,7 @@
 #include "edit/document/undo_internal.h"
 #include "edit/transform.h"
 #include "edit/uv/uv_keep.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/identity.h"
@@ -17,8 +18,6 @@
 
 namespace {
 
-constexpr float pi = 3.1415927f;
-
 bool turns(const drag_change_t &change)
 {
     return change.kind == drag_change_t::ROTATE || change.kind == drag_change_t::TURN;
@@ -28,11 +27,11 @@ bool turns(const drag_change_t &change)
 void set_rotation(const drag_change_t &change)
 {
     if (change.kind == drag_change_t::TURN) {
-        set_global_matrix_rotate(change.angles.x * pi / 180.0f, change.angles.y * pi / 180.0f,
-                                 change.angles.z * pi / 180.0f);
+        set_global_matrix_rotate(radians(change.angles.x), radians(change.angles.y),
+                                 radians(change.angles.z));
         return;
     }
-    const float a = change.degrees * pi / 180.0f;
+    const float a = radians(change.degrees);
     set_global_matrix_rotate(change.view == VIEW_ZY ? a : 0.0f, change.view == VIEW_XZ ? -a : 0.0f,
                              change.view == VIEW_XY ? -a : 0.0f);
 }
@@ -101,7 +100,7 @@ void open_turn_record(const drag_change_t &turn)
     point3_t axis;
     const float angle = angle_axis_of_rotation(&axis);
     new_undo(UNDO_ROTATE_AXIS, "rotate");
-    set_undo_rotate_axis_angle(&axis, angle * 180.0f / pi);
+    set_undo_rotate_axis_angle(&axis, angle * 180.0f / pi_f);
     if (!undo_records().empty()) {
         auto &saved = std::get<undo_turn>(undo_records().back()->data);
         saved.centre = turn.centre;

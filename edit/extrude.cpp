@@ -9,6 +9,7 @@
 #include "edit/link_surfaces.h"
 #include "edit/mesh/position_index.h"
 #include "edit/region_sweep.h"
+#include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"
 #include "model/normals.h"
@@ -91,8 +92,9 @@ object_t *extrude_surface(surface_t *surface, const point3_t *offset, int steps,
         return object;
     const bool turns = degrees != nullptr && !point_equal(*degrees, {0, 0, 0});
     if (turns) {
-        constexpr auto radians = static_cast<float>(3.14159265358979 / 180);
-        set_global_matrix_rotate(degrees->x * radians, degrees->y * radians, degrees->z * radians);
+        constexpr auto per_degree = static_cast<float>(pi / 180);
+        set_global_matrix_rotate(degrees->x * per_degree, degrees->y * per_degree,
+                                 degrees->z * per_degree);
     }
     const surface_t *before = surface;
     for (int k = 1; k <= steps; ++k) {

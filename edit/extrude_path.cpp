@@ -6,9 +6,9 @@
 #include "edit/document/undo.h"
 #include "edit/region_sweep.h"
 #include "model/identity.h"
+#include "model/vec3d.h"
 #include "model/vector.h"
 
-#include <array>
 #include <cmath>
 
 namespace {
@@ -29,27 +29,10 @@ const surface_t *line_of(const object_t *object)
     return surface->type == SURFACE_LINE ? surface : nullptr;
 }
 
-struct direction_t {
-    double x, y, z;
-};
-
-double dot(const direction_t &a, const direction_t &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-
-direction_t normalized(const direction_t &d)
+vec3d normalized(const vec3d &d)
 {
-    const double length = std::sqrt(dot(d, d));
-    return length > 0 ? direction_t{d.x / length, d.y / length, d.z / length} : d;
-}
-
-direction_t cross(const direction_t &a, const direction_t &b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-direction_t between(const point3_t &a, const point3_t &b)
-{
-    return normalized({static_cast<double>(b.x) - a.x, static_cast<double>(b.y) - a.y,
-                       static_cast<double>(b.z) - a.z});
+    const double size = length(d);
+    return size > 0 ? d / size : d;
 }
 
 // The path's points without those at the place of the one before.
@@ -68,15 +51,15 @@ std::vector<point3_t> path_points()
 }
 
 // Where the outline faces at each point.
-std::vector<direction_t> directions_along(const std::vector<point3_t> &points)
+std::vector<vec3d> directions_along(const std::vector<point3_t> &points)
 {
-    std::vector<direction_t> directions;
+    std::vector<vec3d> directions;
     for (std::size_t i = 0; i < points.size(); ++i) {
         const std::size_t last = points.size() - 1;
-        const direction_t in = between(points[i == 0 ? 0 : i - 1], points[i == 0 ? 1 : i]);
-        const direction_t out =
-            between(points[i == last ? i - 1 : i], points[i == last ? i : i + 1]);
-        const direction_t both = {in.x + out.x, in.y + out.y, in.z + out.z};
+        const vec3d in = normalized(between(points[i == 0 ? 0 : i - 1], points[i == 0 ? 1 : i]));
+        const vec3d out =
+            normalized(between(points[i == last ? i - 1 : i], points[i == last ? i : i + 1]));
+        const vec3d both = in + out;
         // Straight back: the way it came.
         directions.push_back(dot(both, both) > 1e-12 ? normalized(both) : in);
     }
@@ -86,30 +69,25 @@ std::vector<direction_t> directions_along(const std::vector<point3_t> &points)
 // The smallest rotation that turns one direction into another.
 class smallest_turn {
 public:
-    smallest_turn(const direction_t &from, const direction_t &to)
+    smallest_turn(const vec3d &from, const vec3d &to)
         : axis_(cross(from, to)), cosine_(dot(from, to))
     {
         if (cosine_ < -1 + 1e-12) { // about any axis across
-            const direction_t other =
-                std::fabs(from.x) < 0.7 ? direction_t{1, 0, 0} : direction_t{0, 1, 0};
+            const vec3d other = std::fabs(from.x) < 0.7 ? vec3d{1, 0, 0} : vec3d{0, 1, 0};
             axis_ = normalized(cross(from, other));
             turns_back_ = true;
         }
     }
-    [[nodiscard]] direction_t operator()(const direction_t &p) const
+    [[nodiscard]] vec3d operator()(const vec3d &p) const
     {
         const double along = dot(axis_, p);
         if (turns_back_)
-            return {2 * along * axis_.x - p.x, 2 * along * axis_.y - p.y,
-                    2 * along * axis_.z - p.z};
-        const direction_t side = cross(axis_, p);
-        const double part = along / (1 + cosine_);
-        return {cosine_ * p.x + side.x + part * axis_.x, cosine_ * p.y + side.y + part * axis_.y,
-                cosine_ * p.z + side.z + part * axis_.z};
+            return axis_ * (2 * along) - p;
+        return p * cosine_ + cross(axis_, p) + axis_ * (along / (1 + cosine_));
     }
 
 private:
-    direction_t axis_; // as long as the sine
+    vec3d axis_; // as long as the sine
     double cosine_;
     bool turns_back_ = false;
 };
@@ -148,17 +126,12 @@ void vesk_extrude_along_path(void)
     display_message("extrude along path...");
     new_undo(UNDO_WORLD, "extrude along path");
     set_undo_all();
-    const std::vector<direction_t> directions = directions_along(points);
+    const std::vector<vec3d> directions = directions_along(points);
     std::vector<smallest_turn> turns;
-    for (const direction_t &direction : directions)
+    for (const vec3d &direction : directions)
         turns.emplace_back(directions.front(), direction);
     const auto place_at = [&](int level, const point3_t &base, const point3_t &) -> point3_t {
-        const point3_t &start = points.front(), &to = points[level];
-        const direction_t p = turns[level]({static_cast<double>(base.x) - start.x,
-                                            static_cast<double>(base.y) - start.y,
-                                            static_cast<double>(base.z) - start.z});
-        return {static_cast<float>(to.x + p.x), static_cast<float>(to.y + p.y),
-                static_cast<float>(to.z + p.z)};
+        return to_point(to_vec3d(points[level]) + turns[level](between(points.front(), base)));
     };
     const sweep_t sweep = {static_cast<int>(points.size()) - 1, true, place_at};
     std::size_t made = 0;

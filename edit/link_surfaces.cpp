@@ -2,6 +2,7 @@
 
 #include "edit/document/selection_scan.h"
 #include "model/matrix.h"
+#include "model/vector.h"
 
 #include <algorithm>
 
@@ -30,21 +31,15 @@ private:
     std::vector<vertex *> to_;
 };
 
-bool same_place(const vertex *a, const vertex *b)
-{
-    return a->position.x == b->position.x && a->position.y == b->position.y &&
-           a->position.z == b->position.z;
-}
-
 surface_t *link(vertex *a, vertex *a_copy, vertex *b_copy, vertex *b, int material)
 {
     surface_t *surface = new_surface();
     surface->material = material;
-    if (!same_place(a, a_copy))
+    if (!point_equal(a->position, a_copy->position))
         surface_add_vertex(surface, a, 0, 0);
     surface_add_vertex(surface, a_copy, 0, 0);
     surface_add_vertex(surface, b_copy, 0, 0);
-    if (!same_place(b, b_copy))
+    if (!point_equal(b->position, b_copy->position))
         surface_add_vertex(surface, b, 0, 0);
     return surface;
 }

@@ -4,32 +4,16 @@
 #include "base/messages.h"
 #include "edit/document/selection_internal.h"
 #include "edit/mesh/edge_table.h"
+#include "model/angle.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/object_tree.h"
 
 #include <cmath>
 #include <cstdio>
-#include <numbers>
 #include <unordered_set>
 
 namespace {
-
-struct vec {
-    double x = 0, y = 0, z = 0;
-};
-vec operator-(const vec &a, const vec &b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-vec operator+(const vec &a, const vec &b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-vec vec_of(const point3_t &p)
-{
-    return {static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)};
-}
-double dot(const vec &a, const vec &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-double length(const vec &a) { return std::sqrt(dot(a, a)); }
-vec cross(const vec &a, const vec &b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
 
 std::string number(double value)
 {
@@ -45,14 +29,7 @@ std::string count_of(std::size_t count, const char *what)
 
 // ---- vertices ----
 
-double angle_at(const vec &corner, const vec &a, const vec &b)
-{
-    const vec u = a - corner;
-    const vec v = b - corner;
-    return std::atan2(length(cross(u, v)), dot(u, v)) * 180 / std::numbers::pi;
-}
-
-std::string measure_vertices(const std::vector<vec> &points)
+std::string measure_vertices(const std::vector<vec3d> &points)
 {
     if (points.size() == 1)
         return "X " + number(points[0].x) + "  Y " + number(points[0].y) + "  Z " +
@@ -60,28 +37,29 @@ std::string measure_vertices(const std::vector<vec> &points)
     double way = 0;
     for (std::size_t i = 1; i < points.size(); ++i)
         way += length(points[i] - points[i - 1]);
-    const vec d = points[1] - points[0];
+    const vec3d d = points[1] - points[0];
     if (points.size() == 2)
         return "distance " + number(way) + "  dX " + number(d.x) + "  dY " + number(d.y) + "  dZ " +
                number(d.z);
     if (points.size() == 3)
-        return "angle " + number(angle_at(points[1], points[0], points[2])) + " degrees  lengths " +
-               number(length(d)) + " and " + number(length(points[2] - points[1]));
+        return "angle " + number(corner_degrees(points[1], points[0], points[2])) +
+               " degrees  lengths " + number(length(d)) + " and " +
+               number(length(points[2] - points[1]));
     return std::to_string(points.size()) + " vertices  way along them " + number(way);
 }
 
 // ---- surfaces ----
 
 // Twice the area vector of an outline.
-vec area_vector(const std::vector<vec> &corners)
+vec3d area_vector(const std::vector<vec3d> &corners)
 {
-    vec sum;
+    vec3d sum;
     for (std::size_t i = 0; i + 2 < corners.size(); ++i)
-        sum = sum + cross(corners[i + 1] - corners[0], corners[i + 2] - corners[0]);
+        sum += cross(corners[i + 1] - corners[0], corners[i + 2] - corners[0]);
     return sum;
 }
 
-double outline(const std::vector<vec> &corners, bool closed)
+double outline(const std::vector<vec3d> &corners, bool closed)
 {
     double sum = 0;
     for (std::size_t i = 1; i < corners.size(); ++i)
@@ -97,10 +75,10 @@ std::string measure_surfaces(const listitem *surfaces)
     double way = 0;
     std::size_t count = 0;
     for (const surface_t *surface : each<surface_t>(surfaces)) {
-        std::vector<vec> corners;
+        std::vector<vec3d> corners;
         for (const svertex *corner : each<svertex>(surface->refs)) {
             if (corner->vertex != nullptr)
-                corners.push_back(vec_of(corner->vertex->position));
+                corners.push_back(to_vec3d(corner->vertex->position));
         }
         const int type = surface->type & SURFACE_TYPE_MASK;
         if (type == SURFACE_POLYGON)
@@ -125,12 +103,12 @@ void add_object(object_t *object, body_t *body)
     for (int s = 0; s < mesh->num_surfaces(); ++s) {
         if ((mesh->surface(s).type & SURFACE_TYPE_MASK) != SURFACE_POLYGON)
             continue;
-        std::vector<vec> corners;
+        std::vector<vec3d> corners;
         for (const int v : mesh->surface_corners(s))
-            corners.push_back(vec_of(mesh->position(v)));
+            corners.push_back(to_vec3d(mesh->position(v)));
         if (corners.size() < 3)
             continue;
-        const vec twice = area_vector(corners);
+        const vec3d twice = area_vector(corners);
         body->area += length(twice) / 2;
         // The cone from the origin over the polygon.
         body->volume += dot(corners[0], twice) / 6;
@@ -158,6 +136,12 @@ std::string measure_objects(const listitem *objects)
 
 } // namespace
 
+double corner_degrees(const vec3d &corner, const vec3d &a, const vec3d &b)
+{
+    const vec3d u = a - corner, v = b - corner;
+    return std::atan2(length(cross(u, v)), dot(u, v)) * 180 / pi;
+}
+
 std::string selection_measures()
 {
     listitem *vertices = nullptr;
@@ -168,17 +152,17 @@ std::string selection_measures()
         return measure_objects(objects);
     if (surfaces != nullptr)
         return measure_surfaces(surfaces);
-    std::vector<vec> points;
+    std::vector<vec3d> points;
     for (const vertex *v : each<vertex>(vertices))
-        points.push_back(vec_of(v->position));
+        points.push_back(to_vec3d(v->position));
     return points.empty() ? "" : measure_vertices(points);
 }
 
 std::string points_measures(const std::vector<point3_t> &points)
 {
-    std::vector<vec> places;
+    std::vector<vec3d> places;
     for (const point3_t &p : points)
-        places.push_back(vec_of(p));
+        places.push_back(to_vec3d(p));
     return places.empty() ? "" : measure_vertices(places);
 }
 

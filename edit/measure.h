@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_MEASURE_H
 #define VESK_EDIT_MEASURE_H
 
-#include "base/types.h"
+#include "model/vec3d.h"
 
 #include <string>
 #include <vector>
@@ -14,6 +14,9 @@ std::string selection_measures();
 
 // The same of two or three points: their distance, or the angle at the second.
 std::string points_measures(const std::vector<point3_t> &points);
+
+// The angle at a corner between the directions to a and b.
+double corner_degrees(const vec3d &corner, const vec3d &a, const vec3d &b);
 
 // Command "get_measures": what the selection measures, as the result only.
 void command_get_measures();

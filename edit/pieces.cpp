@@ -4,6 +4,7 @@
 #include "edit/document/edit_support.h"
 #include "edit/document/undo.h"
 #include "edit/mesh/surface_copy.h"
+#include "edit/mesh/union_find.h"
 #include "model/change_marks.h"
 #include "model/child_changes.h"
 #include "model/freed.h"
@@ -20,40 +21,20 @@ namespace {
 // Which piece each surface belongs to, numbered from 0 in the order of their first surfaces.
 using piece_numbers = std::vector<int>;
 
-class connected_vertices {
-public:
-    explicit connected_vertices(int n) : parent_(n)
-    {
-        std::iota(parent_.begin(), parent_.end(), 0);
-    }
-    int root(int v)
-    {
-        while (parent_[v] != v) {
-            parent_[v] = parent_[parent_[v]];
-            v = parent_[v];
-        }
-        return v;
-    }
-    void connect(int u, int v) { parent_[root(u)] = root(v); }
-
-private:
-    std::vector<int> parent_;
-};
-
 int number_connected(const flat_mesh &mesh, piece_numbers *pieces)
 {
-    connected_vertices vertices(mesh.num_vertices());
+    union_find vertices(mesh.num_vertices());
     for (int s = 0; s < mesh.num_surfaces(); ++s) {
         const auto corners = mesh.surface_corners(s);
         for (const int v : corners)
-            vertices.connect(v, corners.front());
+            vertices.join(v, corners.front());
     }
     int count = 0;
     std::vector<int> piece_of(mesh.num_vertices(), -1);
     for (int s = 0; s < mesh.num_surfaces(); ++s) {
         const auto corners = mesh.surface_corners(s);
         int lone = -1; // a surface without corners is a piece
-        int &piece = corners.empty() ? lone : piece_of[vertices.root(corners.front())];
+        int &piece = corners.empty() ? lone : piece_of[vertices.find(corners.front())];
         if (piece < 0)
             piece = count++;
         (*pieces)[s] = piece;

@@ -7,6 +7,7 @@
 #include "edit/primitives_internal.h"
 #include "edit/transform.h"
 #include "edit/uv/uvmap.h"
+#include "model/angle.h"
 #include "model/identity.h"
 #include "model/normals.h"
 #include "model/world.h"
@@ -32,10 +33,10 @@ public:
     {
         for (int i = 0; i <= n; ++i) {
             const double half = n / 2.0;
-            const double phi = (i - half) * static_cast<double>(pi) / half / 2;
+            const double phi = (i - half) * pi_f / half / 2;
             std::vector<vertex *> ring;
             for (int j = 0; j < (i == 0 || i == n ? 1 : n); ++j) {
-                const double theta = static_cast<double>(two_pi) * j / n;
+                const double theta = 2.0 * pi_f * j / n;
                 ring.push_back(add_vertex(
                     object,
                     {middle.x + static_cast<float>(radii.x * std::cos(phi) * std::cos(theta)),
@@ -232,7 +233,7 @@ void object_add_cylinder_view(object_t *object, int plane, float radius, float h
     const float first_depth = plane == 0 ? -height / 2 : height / 2;
     std::vector<vertex *> first, second;
     for (int k = 1; k <= n; ++k) { // the angle is advanced before use
-        const double angle = static_cast<double>(two_pi) * k / n;
+        const double angle = 2.0 * pi_f * k / n;
         const auto a = static_cast<float>(radius * std::cos(angle));
         const auto b = static_cast<float>(radius * std::sin(angle));
         const point3_t p = on_plane(plane, a, b, first_depth);

@@ -4,6 +4,7 @@
 #include "base/prefs.h"
 #include "edit/primitives_internal.h"
 #include "edit/uv/uvmap.h"
+#include "model/angle.h"
 #include "model/normals.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ std::vector<point3_t> ellipse(int plane, float a, float b, int n)
     std::vector<point3_t> points;
     for (float k = 0; k < static_cast<float>(n); k += 1) {
         const float degrees = k * (360.0f / static_cast<float>(n));
-        const double angle = static_cast<double>(degrees * pi / 180.0f);
+        const double angle = static_cast<double>(radians(degrees));
         points.push_back(on_plane(plane, static_cast<float>(a * std::cos(angle)),
                                   static_cast<float>(b * std::sin(angle)), 0));
     }
@@ -214,10 +215,10 @@ object_t *new_arc(int plane, float radius, float start, float end, int segments)
         start = 0;
         end = 360;
     }
-    const float s = start * pi / 180.0f;
-    const float e = end * pi / 180.0f;
-    const float first = e < s ? s - two_pi : s;
-    const float step = std::fmin(two_pi / static_cast<float>(segments), std::fabs(e - first));
+    const float s = radians(start);
+    const float e = radians(end);
+    const float first = e < s ? s - 2 * pi_f : s;
+    const float step = std::fmin(2 * pi_f / static_cast<float>(segments), std::fabs(e - first));
     for (float angle = first; angle <= e && step > 0; angle += step) {
         surface_add_vertex(line,
                            add_vertex(object, on_plane(plane, radius * std::cos(angle),

@@ -6,9 +6,6 @@
 
 namespace primitive {
 
-constexpr float two_pi = 6.2831855f;
-constexpr float pi = 3.1415927f;
-
 // The point at (first, second) on the plane's two axes and `depth` on the constant one.
 inline point3_t on_plane(int plane, float first, float second, float depth)
 {

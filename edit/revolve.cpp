@@ -7,6 +7,7 @@
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
 #include "edit/link_surfaces.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
@@ -16,8 +17,6 @@
 #include <unordered_set>
 
 namespace {
-
-constexpr float pi = 3.1415927f;
 
 // The object's vertices turned about the axis.
 listitem *ring(const object_t *object, int axis, float angle)
@@ -60,7 +59,7 @@ void add_end_cap(object_t *object, listitem *copies)
 
 void revolve_one(object_t *object, int axis, float degrees, int n)
 {
-    const float step = degrees * pi / 180.0f / static_cast<float>(n);
+    const float step = radians(degrees) / static_cast<float>(n);
     const bool closes = degrees == 360.0f;
     // Of the rings, the links and the surfaces of the ring before only.
     std::vector<owned_list> rings, links;

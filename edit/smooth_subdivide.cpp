@@ -1,6 +1,8 @@
 // Loop's and Doo's and Sabin's subdivision of edge meshes.
 
 #include "edit/edge_mesh_internal.h"
+#include "model/angle.h"
+#include "model/vec3d.h"
 #include "model/vector.h"
 
 #include <array>
@@ -8,23 +10,7 @@
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
 constexpr int faces_between_looks = 16;
-
-// A sum of points in double precision.
-struct sum_t {
-    double x = 0, y = 0, z = 0;
-    void add(const point3_t &p, double weight)
-    {
-        x += p.x * weight;
-        y += p.y * weight;
-        z += p.z * weight;
-    }
-    [[nodiscard]] point3_t point() const
-    {
-        return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
-    }
-};
 
 // True to go on. `faces` more are done.
 bool step(progress_t *progress, int faces)
@@ -36,8 +22,8 @@ bool step(progress_t *progress, int faces)
 
 // What surrounds each vertex, gathered in one pass over the edges.
 struct surroundings {
-    std::vector<sum_t> neighbours; // sum of all
-    std::vector<sum_t> along;      // sum of those at the other end of a border edge
+    std::vector<vec3d> neighbours; // sum of all
+    std::vector<vec3d> along;      // sum of those at the other end of a border edge
     std::vector<int> count, borders;
 
     surroundings(const vesk_mesh_t &mesh, const edge_table &edges)
@@ -53,10 +39,10 @@ struct surroundings {
     }
     void meet(const vesk_mesh_t &mesh, int v, int other, bool border)
     {
-        neighbours[v].add(mesh.points[other], 1);
+        neighbours[v] += to_vec3d(mesh.points[other]);
         ++count[v];
         if (border) {
-            along[v].add(mesh.points[other], 1);
+            along[v] += to_vec3d(mesh.points[other]);
             ++borders[v];
         }
     }
@@ -69,15 +55,14 @@ point3_t smooth_vertex(const vesk_mesh_t &mesh, const surroundings &round, int v
     const int n = round.count[v];
     if (n == 0 || (borders != 0 && borders != 2))
         return p; // a corner of borders stays
-    sum_t sum = borders == 2 ? round.along[v] : round.neighbours[v];
+    vec3d sum = borders == 2 ? round.along[v] : round.neighbours[v];
     double weight = 1.0 / 8;
     if (borders == 0) {
         const double middle = 3.0 / 8 + std::cos(2 * pi / n) / 4;
         weight = (5.0 / 8 - middle * middle) / n;
     }
-    sum = {sum.x * weight, sum.y * weight, sum.z * weight};
-    sum.add(p, 1 - weight * (borders == 2 ? 2 : n));
-    return sum.point();
+    sum = sum * weight + to_vec3d(p) * (1 - weight * (borders == 2 ? 2 : n));
+    return to_point(sum);
 }
 
 // The corner of a triangle that an edge does not touch.
@@ -93,14 +78,14 @@ point3_t smooth_middle(const vesk_mesh_t &mesh, const edge_table &edges, int e, 
     const auto uses = edges.uses(e);
     const bool inside = uses.size() == 2;
     const double ends = inside ? 0.5 - factor / 8 : 0.5;
-    sum_t sum;
-    sum.add(mesh.points[edge.a], ends);
-    sum.add(mesh.points[edge.b], ends);
+    vec3d sum;
+    sum += to_vec3d(mesh.points[edge.a]) * ends;
+    sum += to_vec3d(mesh.points[edge.b]) * ends;
     if (inside) {
         for (const edge_use &use : uses)
-            sum.add(mesh.points[opposite(mesh, use)], factor / 8);
+            sum += to_vec3d(mesh.points[opposite(mesh, use)]) * (factor / 8);
     }
-    return sum.point();
+    return to_point(sum);
 }
 
 flat_uv middle(const flat_uv &a, const flat_uv &b) { return {(a.u + b.u) / 2, (a.v + b.v) / 2}; }
@@ -117,10 +102,10 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
     vesk_mesh_t fine;
     fine.points.reserve(old + edges.size());
     for (int v = 0; v < old; ++v) {
-        sum_t blended;
-        blended.add(mesh->points[v], 1.0 - factor);
-        blended.add(smooth_vertex(*mesh, round, v), factor);
-        fine.points.push_back(factor > 0 ? blended.point() : mesh->points[v]);
+        vec3d blended;
+        blended += to_vec3d(mesh->points[v]) * (1.0 - factor);
+        blended += to_vec3d(smooth_vertex(*mesh, round, v)) * factor;
+        fine.points.push_back(factor > 0 ? to_point(blended) : mesh->points[v]);
     }
     for (int e = 0; e < edges.size(); ++e)
         fine.points.push_back(smooth_middle(*mesh, edges, e, factor));

@@ -11,6 +11,7 @@
 #include "model/change_marks.h"
 #include "model/flat_mesh.h"
 #include "model/matrix.h"
+#include "model/vec3d.h"
 #include "model/vector.h"
 #include "model/world.h"
 
@@ -35,22 +36,16 @@ double snap_coordinate(float &coordinate, float spacing)
 }
 
 struct sum_t {
-    double x = 0, y = 0, z = 0;
+    vec3d sum;
     int count = 0;
 
     void add(const point3_t &p)
     {
-        x += p.x;
-        y += p.y;
-        z += p.z;
+        sum += to_vec3d(p);
         ++count;
     }
     // 0 0 0 of nothing.
-    [[nodiscard]] point3_t mean() const
-    {
-        const double n = std::max(count, 1);
-        return {static_cast<float>(x / n), static_cast<float>(y / n), static_cast<float>(z / n)};
-    }
+    [[nodiscard]] point3_t mean() const { return to_point(sum / std::max(count, 1)); }
 };
 
 // ---- clusters ----
@@ -76,10 +71,7 @@ public:
     void take(std::uint32_t seed, std::vector<std::uint32_t> &out);
 
 private:
-    struct cell {
-        double x, y, z;
-        bool operator==(const cell &) const = default;
-    };
+    using cell = vec3d; // by whole numbers
     struct cell_hash {
         std::size_t operator()(const cell &c) const
         {

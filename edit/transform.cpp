@@ -5,6 +5,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"
 #include "model/normals.h"
@@ -14,10 +15,6 @@
 #include <cmath>
 
 namespace {
-
-constexpr float pi = 3.1415927f;
-
-float radians(float degrees) { return degrees * pi / 180.0f; }
 
 void multiply(point3_t *p, const point3_t &factors)
 {

@@ -2,6 +2,7 @@
 
 #include "edit/resize.h"
 #include "edit/transform.h"
+#include "model/angle.h"
 #include "model/matrix.h"
 
 namespace {
@@ -36,9 +37,8 @@ void reverse_resize(undo_record &record)
 
 void reverse_rotation(undo_record &record)
 {
-    constexpr float pi = 3.1415927f;
     const undo_turn turn = std::get<undo_turn>(record.data);
-    const float angle = -turn.degrees * pi / 180.0f;
+    const float angle = radians(-turn.degrees);
     undo_on_saved_selection(record, [&] {
         if (record.kind == UNDO_ROTATE_AXIS) {
             set_global_matrix_angle_axis(&turn.axis, angle);

@@ -3,6 +3,7 @@
 // up axis stays upright on the screen.
 #include "base/prefs.h"
 #include "base/redraw.h"
+#include "model/angle.h"
 #include "view/camera_internal.h"
 #include "view/views_internal.h"
 
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
 using vector_t = double[3];
 
 double dot(const double *a, const double *b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }

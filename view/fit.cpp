@@ -4,6 +4,7 @@
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/vector.h"
 #include "model/world.h"
@@ -59,10 +60,7 @@ void multiply_scales(float factor)
         vesk_get_view(view)->scale *= factor * static_cast<float>(prefs.fit_view_factor);
 }
 
-float half_fov_tangent()
-{
-    return std::tan(static_cast<float>(prefs.fov / 2) * (3.1415927f / 180.0f));
-}
+float half_fov_tangent() { return std::tan(static_cast<float>(prefs.fov / 2) * (pi_f / 180.0f)); }
 
 // So that the box, turned as it is, just fills the view from where the viewer stands.
 void fit_spin_view(const point3_t &half)

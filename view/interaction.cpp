@@ -30,7 +30,7 @@ struct drag_t {
     drag_kind kind = drag_kind::none;
     int view = VIEW_NONE;
     int button = 0;
-    int start_x = 0, start_y = 0;
+    pointer_event_t start = {};
     int last_x = 0, last_y = 0;
     bool moved = false;
     bool held = false;            // the button is up, the drag goes on
@@ -160,8 +160,8 @@ void start_flick(const drag_t &drag, const pointer_event_t &event)
 void walk_tick(double steps)
 {
     const drag_t &drag = interaction.drag;
-    const auto dx = static_cast<float>((drag.last_x - drag.start_x) * steps);
-    const auto dy = static_cast<float>((drag.last_y - drag.start_y) * steps);
+    const auto dx = static_cast<float>((drag.last_x - drag.start.x) * steps);
+    const auto dy = static_cast<float>((drag.last_y - drag.start.y) * steps);
     const auto move_speed = static_cast<float>(prefs.walk_move_speed);
     if (drag.kind == drag_kind::walk) {
         viewer_move_forward(-dy * move_speed);
@@ -175,12 +175,6 @@ void walk_tick(double steps)
 bool walks_by_timer()
 {
     return interaction.drag.kind == drag_kind::walk || interaction.drag.kind == drag_kind::slide;
-}
-
-bool rests(const drag_t &drag, const pointer_event_t &event)
-{
-    return std::abs(event.x - drag.start_x) <= click_slack &&
-           std::abs(event.y - drag.start_y) <= click_slack;
 }
 
 void click(const drag_t &drag, const pointer_event_t &event)
@@ -210,7 +204,8 @@ void press_during_drag(const pointer_event_t &event)
 
 bool is_click(const pointer_event_t &press, const pointer_event_t &event)
 {
-    return std::abs(event.x - press.x) <= click_slack && std::abs(event.y - press.y) <= click_slack;
+    constexpr int slack = 3; // pixels
+    return std::abs(event.x - press.x) <= slack && std::abs(event.y - press.y) <= slack;
 }
 
 void interaction_press(const pointer_event_t &event)
@@ -225,10 +220,10 @@ void interaction_press(const pointer_event_t &event)
     drag_t drag;
     drag.view = event.view;
     drag.button = event.button;
-    drag.start_x = drag.last_x = event.x;
-    drag.start_y = drag.last_y = event.y;
+    drag.start = drag.last = event;
+    drag.last_x = event.x;
+    drag.last_y = event.y;
     drag.last_time = interaction.last_tick = event.seconds;
-    drag.last = event;
     drag.person_before = *get_person();
     drag.view_before = *vesk_get_view(event.view);
     const int button = meant_button(event);
@@ -263,7 +258,7 @@ void interaction_motion(const pointer_event_t &event)
         drag.tool->motion(event);
         return;
     }
-    if (!drag.moved && rests(drag, event))
+    if (!drag.moved && is_click(drag.start, event))
         return;
     drag.moved = true;
     const auto dx = static_cast<float>(event.x - drag.last_x);
@@ -300,7 +295,7 @@ void interaction_release(const pointer_event_t &event)
     if (drag.kind == drag_kind::none) {
         interaction.drag = {};
         // The right button opens the menu also where it does not zoom.
-        if (drag.button == 3 && event.button == 3 && rests(drag, event))
+        if (drag.button == 3 && event.button == 3 && is_click(drag.start, event))
             click(drag, event);
         return;
     }

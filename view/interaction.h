@@ -16,7 +16,6 @@ struct pointer_event_t {
 };
 
 // Whether the pointer is still so near to a press that it is a click.
-constexpr int click_slack = 3; // pixels
 bool is_click(const pointer_event_t &press, const pointer_event_t &event);
 
 enum class drag_kind {

@@ -20,17 +20,6 @@ std::string shown(double value)
     return text;
 }
 
-double angle_at_corner(const std::vector<point3_t> &p)
-{
-    const double u[3] = {double{p[0].x} - p[1].x, double{p[0].y} - p[1].y, double{p[0].z} - p[1].z};
-    const double v[3] = {double{p[2].x} - p[1].x, double{p[2].y} - p[1].y, double{p[2].z} - p[1].z};
-    const double x = u[1] * v[2] - u[2] * v[1];
-    const double y = u[2] * v[0] - u[0] * v[2];
-    const double z = u[0] * v[1] - u[1] * v[0];
-    const double along = u[0] * v[0] + u[1] * v[1] + u[2] * v[2];
-    return std::atan2(std::sqrt(x * x + y * y + z * z), along) * 180 / M_PI;
-}
-
 } // namespace
 
 ruler_t &ruler()
@@ -43,7 +32,7 @@ std::vector<std::string> ruler_texts(const ruler_t &of)
 {
     const std::vector<point3_t> &p = of.points;
     if (p.size() == 3)
-        return {shown(angle_at_corner(p)) + " degrees"};
+        return {shown(corner_degrees(to_vec3d(p[1]), to_vec3d(p[0]), to_vec3d(p[2]))) + " degrees"};
     if (p.size() != 2)
         return {};
     const double x = double{p[1].x} - p[0].x, y = double{p[1].y} - p[0].y,

@@ -47,8 +47,7 @@ struct create_t {
     pointer_event_t start = {};
     int view = VIEW_NONE; // of a half-drawn outline
     std::vector<point3_t> points;
-    double last_click = -1;
-    int last_x = 0, last_y = 0;
+    pointer_event_t last_click = {VIEW_NONE, 0, 0, 0, 0, -1};
     pointer_event_t last = {}; // where the pointer was
     int axis = -1;             // to which the next edge of an outline is locked
 };
@@ -239,12 +238,9 @@ bool is_on_first_point(const pointer_event_t &event)
 
 bool is_double_click(const pointer_event_t &event)
 {
-    const bool twice = event.seconds - state.last_click < double_click_seconds &&
-                       std::abs(event.x - state.last_x) <= click_slack &&
-                       std::abs(event.y - state.last_y) <= click_slack;
-    state.last_click = event.seconds;
-    state.last_x = event.x;
-    state.last_y = event.y;
+    const bool twice = event.seconds - state.last_click.seconds < double_click_seconds &&
+                       is_click(state.last_click, event);
+    state.last_click = event;
     return twice;
 }
 

@@ -17,7 +17,6 @@
 #include "view/views_internal.h"
 
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
 
 namespace {

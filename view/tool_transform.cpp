@@ -10,6 +10,7 @@
 #include "edit/drag_transform.h"
 #include "edit/extrude.h"
 #include "edit/snap.h"
+#include "model/angle.h"
 #include "model/vector.h"
 #include "view/camera_internal.h"
 #include "view/drag_echo.h"
@@ -34,7 +35,6 @@
 namespace {
 
 constexpr float angle_step = 15.0f;
-constexpr double degrees_per_radian = 57.29577951308232;
 
 enum class doing { NOTHING, BAND, MOVE, ROTATE, RESIZE, EXTRUDE };
 
@@ -192,8 +192,7 @@ drag_change_t rotate_change(const pointer_event_t &event)
     change.view = event.view;
     change.centre = tool.centre;
     change.own_centres = prefs.rotate_about_object_centre != 0;
-    change.degrees =
-        static_cast<float>(std::remainder(now - before, 2 * M_PI) * degrees_per_radian);
+    change.degrees = static_cast<float>(std::remainder(now - before, 2 * pi) * degrees_per_radian);
     if (qualifier_shift(event.state) != 0) {
         change.degrees = std::round(change.degrees / angle_step) * angle_step;
     }

@@ -8,6 +8,7 @@
 #include "base/redraw.h"
 #include "edit/document/selection.h"
 #include "edit/uv/uv_replay.h"
+#include "model/angle.h"
 #include "view/drag_echo.h"
 #include "view/number_field.h"
 #include "view/uv_view.h"
@@ -23,7 +24,6 @@
 namespace {
 
 constexpr double angle_step = 15;
-constexpr double degrees_per_radian = 57.29577951308232;
 constexpr double pixels_per_zoom_step = 6;
 
 enum class doing { NOTHING, PRESSED, BAND, MOVE, ROTATE, SCALE, PAN, ZOOM };
@@ -132,7 +132,7 @@ uv_matrix rotate_matrix(const pointer_event_t &event)
     const uv_screen_point centre = uv_to_screen(drag.box.middle());
     const double before = std::atan2(centre.y - drag.start.y, drag.start.x - centre.x);
     const double now = std::atan2(centre.y - event.y, event.x - centre.x);
-    double degrees = std::remainder(now - before, 2 * M_PI) * degrees_per_radian;
+    double degrees = std::remainder(now - before, 2 * pi) * degrees_per_radian;
     if (qualifier_shift(event.state) != 0)
         degrees = std::round(degrees / angle_step) * angle_step;
     float typed = 0;

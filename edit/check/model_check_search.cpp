@@ -1,9 +1,10 @@
 #include "edit/check/model_check_internal.h"
+#include "edit/mesh/position_index.h"
 #include "model/bounds.h"
+#include "model/vec3d.h"
 #include "model/vector.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -19,12 +20,6 @@ std::uint64_t mixed(std::uint64_t h)
     h ^= h >> 33;
     h *= 0xC4CEB9FE1A85EC53ULL;
     return h ^ (h >> 33);
-}
-
-std::uint64_t hash_of(const point3_t &p)
-{
-    const auto bits = [](float value) { return std::bit_cast<std::uint32_t>(value + 0.0f); };
-    return mixed(mixed(bits(p.x) | static_cast<std::uint64_t>(bits(p.y)) << 32) + bits(p.z));
 }
 
 // An open hash table of places in an array; equality and hash are the caller's.
@@ -67,16 +62,10 @@ void canonical(std::span<const int> corners, std::vector<int> *out)
 
 std::vector<int> first_at_place(const std::vector<point3_t> &points)
 {
-    place_table table(points.size());
+    position_index index(points.size());
     std::vector<int> first(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const auto at = static_cast<int>(i);
-        const point3_t &p = points[i];
-        const bool is_number = p.x == p.x && p.y == p.y && p.z == p.z;
-        first[i] = !is_number ? at : table.find_or_add(hash_of(p), at, [&](int other) {
-            return point_equal(points[other], p);
-        });
-    }
+    for (std::size_t i = 0; i < points.size(); ++i)
+        first[i] = index.find_or_add(points[i], static_cast<int>(i));
     return first;
 }
 
@@ -113,28 +102,23 @@ polygon_shape shape_of(const flat_mesh &mesh, int surface)
         return shape;
     // Sums are formed about the first corner, so that a model far from the origin loses nothing.
     const point3_t origin = at(0);
-    std::array<double, 3> normal = {}, middle = {};
+    vec3d normal, middle;
     point3_t min, max;
     bounds_clear(&min, &max);
     for (std::size_t i = 0; i < n; ++i) {
         const point3_t p = point_sub(at(i), origin), q = point_sub(at((i + 1) % n), origin);
-        normal[0] += static_cast<double>(p.y) * q.z - static_cast<double>(p.z) * q.y;
-        normal[1] += static_cast<double>(p.z) * q.x - static_cast<double>(p.x) * q.z;
-        normal[2] += static_cast<double>(p.x) * q.y - static_cast<double>(p.y) * q.x;
-        middle = {middle[0] + p.x, middle[1] + p.y, middle[2] + p.z};
+        normal += cross(to_vec3d(p), to_vec3d(q));
+        middle += to_vec3d(p);
         shape.longest_side = std::max(shape.longest_side, point_length(point_sub(q, p)));
         bounds_add(p, &min, &max);
     }
-    shape.double_area = std::hypot(normal[0], normal[1], normal[2]);
+    shape.double_area = std::hypot(normal.x, normal.y, normal.z);
     shape.extent = point_length(point_sub(max, min));
     if (n == 3 || shape.double_area == 0)
         return shape;
     for (std::size_t i = 0; i < n; ++i) {
-        const point3_t p = point_sub(at(i), origin);
-        const auto count = static_cast<double>(n);
-        const double distance = (p.x - middle[0] / count) * normal[0] +
-                                (p.y - middle[1] / count) * normal[1] +
-                                (p.z - middle[2] / count) * normal[2];
+        const vec3d p = to_vec3d(point_sub(at(i), origin));
+        const double distance = dot(p - middle / static_cast<double>(n), normal);
         shape.out_of_plane = std::max(shape.out_of_plane, std::fabs(distance) / shape.double_area);
     }
     return shape;

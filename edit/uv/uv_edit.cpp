@@ -3,6 +3,7 @@
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "base/redraw.h"
+#include "model/angle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,8 +13,6 @@
 #include <utility>
 
 namespace {
-
-constexpr double pi = 3.14159265358979323846;
 
 float narrow(double value) { return static_cast<float>(value); }
 

@@ -1,43 +1,13 @@
 #include "edit/uv/uv_islands.h"
 
+#include "edit/mesh/union_find.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <tuple>
 
 namespace {
-
-class union_find {
-public:
-    explicit union_find(int n) : parent_(n) { std::iota(parent_.begin(), parent_.end(), 0); }
-    int find(int i)
-    {
-        while (parent_[i] != i)
-            i = parent_[i] = parent_[parent_[i]];
-        return i;
-    }
-    // The smaller number stays: the first of a set names it.
-    void join(int a, int b)
-    {
-        a = find(a);
-        b = find(b);
-        parent_[std::max(a, b)] = std::min(a, b);
-    }
-    // Numbers the sets from 0 in the order of their first members.
-    int number(std::vector<int> *out)
-    {
-        int count = 0;
-        out->resize(parent_.size());
-        for (int i = 0; i < static_cast<int>(parent_.size()); ++i) {
-            const int first = find(i);
-            (*out)[i] = first == i ? count++ : (*out)[first];
-        }
-        return count;
-    }
-
-private:
-    std::vector<int> parent_;
-};
 
 // One side of a surface, its ends in the order of their vertices.
 struct side_t {
@@ -94,10 +64,10 @@ public:
             std::sort(begin, end,
                       [&](const side_t &a, const side_t &b) { return key(a) < key(b); });
         }
-        std::vector<bool> drawn(static_cast<int>(end - begin), false);
+        std::vector<bool> drawn(end - begin, false);
         for (auto a = begin; a != end; ++a) {
             const auto last = end - begin > most_compared ? std::min(a + 2, end) : end;
-            const bool is_later = drawn[static_cast<int>(a - begin)];
+            const bool is_later = drawn[a - begin];
             uv_edge edge = {a->low_corner, a->high_corner};
             for (auto b = a + 1; b < last; ++b) {
                 if (b->surface == a->surface || !agree(*a, *b))
@@ -105,7 +75,7 @@ public:
                 corners_.join(a->low_corner, b->low_corner);
                 corners_.join(a->high_corner, b->high_corner);
                 surfaces_.join(a->surface, b->surface);
-                drawn[static_cast<int>(b - begin)] = true;
+                drawn[b - begin] = true;
                 if (edge.is_border()) {
                     edge.twin = b->low_corner;
                     edge.twin_next = b->high_corner;

@@ -6,9 +6,11 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
+#include "edit/mesh/union_find.h"
 #include "edit/uv/uv_islands.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/vec3d.h"
 #include "model/vector.h"
 #include "model/world.h"
 
@@ -57,25 +59,17 @@ void look_at_state()
     now.state = std::move(state);
 }
 
-// The first vertex of what each vertex hangs together with.
+// What each vertex hangs together with, by number.
 std::vector<int> pieces_of(const uv_mesh &mesh)
 {
-    std::vector<int> parent(mesh.positions.size());
-    for (std::size_t i = 0; i < parent.size(); ++i)
-        parent[i] = static_cast<int>(i);
-    const auto find = [&](int v) {
-        while (parent[v] != v)
-            v = parent[v] = parent[parent[v]];
-        return v;
-    };
+    union_find vertices(static_cast<int>(mesh.positions.size()));
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
-        const int first = mesh.vertices[mesh.corners_begin(i)];
         for (int c = mesh.corners_begin(i) + 1; c < mesh.corners_end(i); ++c)
-            parent[find(mesh.vertices[c])] = find(first);
+            vertices.join(mesh.vertices[c], mesh.vertices[mesh.corners_begin(i)]);
     }
-    for (std::size_t i = 0; i < parent.size(); ++i)
-        parent[i] = find(static_cast<int>(i));
-    return parent;
+    std::vector<int> pieces;
+    vertices.number(&pieces);
+    return pieces;
 }
 
 std::shared_ptr<const origin_t> origin_of(int identity)
@@ -94,11 +88,6 @@ std::shared_ptr<const origin_t> origin_of(int identity)
     origin->piece = pieces_of(origin->mesh);
     now.origins[identity] = origin;
     return origin;
-}
-
-bool same_place(const point3_t &a, const point3_t &b)
-{
-    return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
 // What a transform works on. Some of it may stay where it is, as the middle of what is scaled does.
@@ -137,7 +126,7 @@ std::vector<char> sliding(const origin_t &origin, const std::vector<point3_t> &n
     const std::size_t count = now.size();
     std::vector<char> moved(count, 0), stays(count, 0);
     for (std::size_t v = 0; v < count; ++v) {
-        moved[v] = same_place(origin.mesh.positions[v], now[v]) ? 0 : 1;
+        moved[v] = point_equal(origin.mesh.positions[v], now[v]) ? 0 : 1;
         if (moved[v] == 0 && !all && !selected.has(part.flat->vertex_record(v)))
             stays[origin.piece[v]] = 1;
     }
@@ -146,15 +135,6 @@ std::vector<char> sliding(const origin_t &origin, const std::vector<point3_t> &n
     return moved;
 }
 
-struct vector3 {
-    double x, y, z;
-};
-vector3 difference(const point3_t &a, const point3_t &b)
-{
-    return {double{a.x} - b.x, double{a.y} - b.y, double{a.z} - b.z};
-}
-double dot(const vector3 &a, const vector3 &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-
 // How the coordinates of one polygon grow along its plane, fitted to its corners.
 class slope_t {
 public:
@@ -162,36 +142,33 @@ public:
     {
         const int begin = mesh.corners_begin(surface), end = mesh.corners_end(surface);
         const point3_t &n = mesh.normals[surface];
-        normal_ = {n.x, n.y, n.z};
+        normal_ = to_vec3d(n);
         // Two directions in the plane: the one that is farthest from the normal, laid flat.
-        const vector3 start = std::fabs(n.x) <= std::fabs(n.y) && std::fabs(n.x) <= std::fabs(n.z)
-                                  ? vector3{1, 0, 0}
-                              : std::fabs(n.y) <= std::fabs(n.z) ? vector3{0, 1, 0}
-                                                                 : vector3{0, 0, 1};
+        const vec3d start = std::fabs(n.x) <= std::fabs(n.y) && std::fabs(n.x) <= std::fabs(n.z)
+                                ? vec3d{1, 0, 0}
+                            : std::fabs(n.y) <= std::fabs(n.z) ? vec3d{0, 1, 0}
+                                                               : vec3d{0, 0, 1};
         const double along = dot(start, normal_);
-        across_ = {start.x - along * normal_.x, start.y - along * normal_.y,
-                   start.z - along * normal_.z};
-        const double length = std::sqrt(dot(across_, across_));
-        if (!(length > 0) || !(dot(normal_, normal_) > 0.5))
+        across_ = start - normal_ * along;
+        const double size = length(across_);
+        if (!(size > 0) || !(dot(normal_, normal_) > 0.5))
             return;
-        across_ = {across_.x / length, across_.y / length, across_.z / length};
-        up_ = {normal_.y * across_.z - normal_.z * across_.y,
-               normal_.z * across_.x - normal_.x * across_.z,
-               normal_.x * across_.y - normal_.y * across_.x};
+        across_ = across_ / size;
+        up_ = cross(normal_, across_);
         fit(mesh, begin, end);
     }
 
     // How much the surface has to say about a move: 1 in its plane, 0 from 30 degrees out of it.
-    [[nodiscard]] double weight(const vector3 &move) const
+    [[nodiscard]] double weight(const vec3d &move) const
     {
         const double out = dot(move, normal_);
         return known_ ? std::max(0.0, 1 - 4 * out * out / dot(move, move)) : 0;
     }
-    [[nodiscard]] double by_u(const vector3 &move) const
+    [[nodiscard]] double by_u(const vec3d &move) const
     {
         return u_[0] * dot(move, across_) + u_[1] * dot(move, up_);
     }
-    [[nodiscard]] double by_v(const vector3 &move) const
+    [[nodiscard]] double by_v(const vec3d &move) const
     {
         return v_[0] * dot(move, across_) + v_[1] * dot(move, up_);
     }
@@ -203,7 +180,7 @@ private:
         const double count = end - begin;
         double mx = 0, my = 0, mu = 0, mv = 0;
         for (int c = begin; c < end; ++c) {
-            const vector3 d = difference(mesh.position(c), origin);
+            const vec3d d = between(origin, mesh.position(c));
             mx += dot(d, across_) / count;
             my += dot(d, up_) / count;
             mu += mesh.at[c].u / count;
@@ -211,7 +188,7 @@ private:
         }
         double xx = 0, xy = 0, yy = 0, xu = 0, yu = 0, xv = 0, yv = 0;
         for (int c = begin; c < end; ++c) {
-            const vector3 d = difference(mesh.position(c), origin);
+            const vec3d d = between(origin, mesh.position(c));
             const double x = dot(d, across_) - mx, y = dot(d, up_) - my;
             const double u = mesh.at[c].u - mu, v = mesh.at[c].v - mv;
             xx += x * x;
@@ -232,7 +209,7 @@ private:
         known_ = true;
     }
 
-    vector3 normal_ = {}, across_ = {}, up_ = {};
+    vec3d normal_ = {}, across_ = {}, up_ = {};
     double u_[2] = {}, v_[2] = {};
     bool known_ = false;
 };
@@ -261,7 +238,7 @@ std::vector<flat_uv> slid(const origin_t &origin, const uv_mesh &now_mesh,
             const int v = mesh.vertices[c];
             if (slides[v] == 0)
                 continue;
-            const vector3 move = difference(now[v], mesh.positions[v]);
+            const vec3d move = between(mesh.positions[v], now[v]);
             const double weight = slope.weight(move);
             if (!(weight > 0))
                 continue;

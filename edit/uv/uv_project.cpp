@@ -5,6 +5,7 @@
 #include "base/redraw.h"
 #include "edit/uv/uv_edit.h"
 #include "edit/uv/uv_pack.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/vector.h"
 
@@ -13,7 +14,6 @@
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
 constexpr double end_facing = 0.9; // cosine: a cylinder's surface is an end from there on
 constexpr double gap = 1.0 / 128;  // between parts that lie side by side
 

@@ -7,6 +7,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/vector.h"
@@ -14,8 +15,6 @@
 #include <cmath>
 
 namespace {
-
-constexpr double pi = 3.14159265358979323846;
 
 // (value - min) / size, computed as 1 / (size / (value - min)); 0 where that cannot be done.
 float fraction(float value, float min, float size)

@@ -6,6 +6,7 @@
 #include "edit/uv/uv_pack.h"
 #include "edit/uv/uv_project.h"
 #include "edit/uv/uvmap.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"
@@ -17,8 +18,6 @@
 #include <cmath>
 
 namespace {
-
-constexpr double pi = 3.14159265358979323846;
 
 std::vector<int> every_surface(const uv_mesh &mesh)
 {
