@@ -10,7 +10,6 @@ struct session_state_t {
     bool committing = false;     // an operation writes its result back: no pump, script or box
     bool progress_shown = false; // long work shows its bar
     bool cancel_requested = false;
-    int undo_being_filled = 0;     // number of the undo record that the running command opened
     const char *command = nullptr; // name of the running command
 };
 

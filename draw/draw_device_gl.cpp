@@ -28,7 +28,6 @@ struct device_t {
     device_caps_t caps;
     std::map<int, GLuint> programs; // by what they are made for
     frame_buffer_t frames[texture_coords_view + 1];
-    bool smoothed = false;
     bool into_frame_buffer = false;
 };
 device_t device;
@@ -239,7 +238,6 @@ void frame_begin(int view, int width, int height, const colour_t &background, bo
 {
     const device_caps_t &caps = device_caps();
     frame_buffer_t &frame = device.frames[view];
-    device.smoothed = smoothing;
     device.into_frame_buffer = smoothing && caps.samples > 0 && !frame.broken && width > 0 &&
                                height > 0 && make_frame_buffer(frame, width, height);
     if (device.into_frame_buffer)
@@ -265,13 +263,10 @@ void frame_end(int view)
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
     }
     device.into_frame_buffer = false;
-    device.smoothed = false;
     glDisable(GL_DEPTH_TEST);
 }
 
 void frame_forget(int view) { device.frames[view] = {}; }
-
-bool frame_is_smoothed() { return device.smoothed; }
 
 double seconds_until_drawn()
 {

@@ -40,7 +40,6 @@ void frame_begin(int view, int width, int height, const colour_t &background, bo
 void frame_end(int view);
 // The view's window goes, with its context: what was made in it is gone.
 void frame_forget(int view);
-bool frame_is_smoothed();
 
 // Waits until everything is drawn: for measuring.
 double seconds_until_drawn();

@@ -30,9 +30,8 @@ public:
     // Remembers what is selected now.
     drag_transform_t();
 
-    // What moves, and where it was at the press.
+    // What moves.
     [[nodiscard]] const std::vector<vertex *> &moving() const { return vertices; }
-    [[nodiscard]] const std::vector<point3_t> &start_positions() const { return positions; }
 
     [[nodiscard]] bool empty() const { return vertices.empty() && objects.empty(); }
     // Whether `change` is to turn objects about their own centres, and can.
@@ -65,8 +64,8 @@ private:
     void show_box(const drag_change_t &change) const;
     void mark() const;
 
-    std::vector<vertex *> vertices; // each once
-    std::vector<point3_t> positions;
+    std::vector<vertex *> vertices;  // each once
+    std::vector<point3_t> positions; // at the press
     std::vector<moved_object_t> objects;
     std::vector<object_t *> owners; // of everything that moves
     point3_t box_min, box_max;      // of the selection, at the press

@@ -171,8 +171,6 @@ void panel_transform_cancel()
     display_status();
 }
 
-bool panel_transform_runs() { return running().transform != nullptr; }
-
 // ---- commands ----
 
 void move_with_undo(float x, float y, float z)

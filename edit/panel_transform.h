@@ -26,6 +26,5 @@ void panel_transform_about(float x, float y, float z);
 void panel_transform_to(float x, float y, float z);
 void panel_transform_end();
 void panel_transform_cancel();
-bool panel_transform_runs();
 
 #endif

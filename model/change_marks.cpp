@@ -176,11 +176,6 @@ void state_resolve(const object_t *object, object_state &state)
 
 void object_mark(object_t *object, unsigned aspects) { mark_state(state_of(object), aspects); }
 
-void object_mark_tree(object_t *top, unsigned aspects)
-{
-    for_each_object(top, [aspects](object_t *object) { object_mark(object, aspects); });
-}
-
 void tree_mark()
 {
     ++record().tree;

@@ -23,8 +23,6 @@ enum change_aspect : unsigned {
 
 // The object differs from its flat mesh in these aspects. Cheap: may be called for every vertex.
 void object_mark(object_t *object, unsigned aspects);
-// The object and all its descendants.
-void object_mark_tree(object_t *top, unsigned aspects);
 // The tree's links changed (objects came, went or moved).
 void tree_mark();
 // Material values changed in place.

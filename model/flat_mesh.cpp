@@ -257,23 +257,6 @@ flat_ptr object_flat(object_t *object)
     return state.flat;
 }
 
-bool object_flat_is_current(const object_t *object)
-{
-    object_state &state = state_of(object);
-    state_resolve(object, state);
-    return state.flat && (state.marks & CHANGED_GEOMETRY) == 0;
-}
-
-void flat_drop_unused()
-{
-    for_each_state([](const object_t *, object_state &state) {
-        if (state.flat.use_count() != 1)
-            return;
-        state.flat = nullptr;
-        state.marks |= CHANGED_GEOMETRY;
-    });
-}
-
 int flat_loose_points(const flat_mesh &flat)
 {
     std::vector<bool> used(flat.num_vertices());

@@ -78,13 +78,7 @@ using flat_ptr = std::shared_ptr<const flat_mesh>;
 // long as the pointer is held. An unchanged object costs a look-up.
 flat_ptr object_flat(object_t *object);
 
-// True when a flat mesh is kept and nothing is marked: object_flat would cost nothing.
-bool object_flat_is_current(const object_t *object);
-
 // How many vertices no surface has.
 int flat_loose_points(const flat_mesh &flat);
-
-// Drops the kept flat meshes that nobody else holds, of all objects: to win memory.
-void flat_drop_unused();
 
 #endif

@@ -80,15 +80,6 @@ int identity_known(const object_t *object)
     return found == record().ids.end() ? 0 : found->second;
 }
 
-void identity_transfer(const object_t *from, const object_t *to)
-{
-    const int id = identity_known(from);
-    if (id == 0)
-        return;
-    drop(from);
-    enter(id, to);
-}
-
 void identity_assign(int id, const object_t *object)
 {
     const auto found = record().objects.find(id);
@@ -96,11 +87,4 @@ void identity_assign(int id, const object_t *object)
         drop(found->second);
     if (object && id > 0)
         enter(id, object);
-}
-
-void identity_reset_for_test()
-{
-    record().ids.clear();
-    record().objects.clear();
-    record().last = 0;
 }

@@ -12,13 +12,9 @@ int object_identity(const object_t *object);
 // The live object of a number. None: null and the console line "no object with id %d".
 object_t *object_by_identity(int id);
 
-// `to` takes the number of `from`, which has none then: for copies that replace their originals.
-void identity_transfer(const object_t *from, const object_t *to);
 // Gives an object back the number it had (a restored state); null object: the number is free.
 void identity_assign(int id, const object_t *object);
 // The number without giving one: 0 for none.
 int identity_known(const object_t *object);
-
-void identity_reset_for_test();
 
 #endif

@@ -3,8 +3,6 @@
 #include "model/change_marks.h"
 #include "model/object_tree.h"
 
-#include <utility>
-
 namespace {
 object_t *world;
 }
@@ -17,9 +15,3 @@ object_t *new_world(void)
 }
 
 object_t *vesk_get_world(void) { return world; }
-
-void world_reset_for_test()
-{
-    object_free(std::exchange(world, nullptr));
-    new_world();
-}

@@ -13,8 +13,4 @@ VESK_API object_t *vesk_get_world(void);
 
 VESK_END_DECLS
 
-#ifdef VESK_INTERNAL
-void world_reset_for_test();
-#endif
-
 #endif

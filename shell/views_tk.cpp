@@ -177,11 +177,6 @@ void on_motion(ClientData data, XEvent *event)
     guarded_entry([&] { interaction_motion(pointer); });
 }
 
-void on_enter(ClientData data, XEvent *)
-{
-    guarded_entry([&] { interaction_enter(view_of_client(data)); });
-}
-
 void on_leave(ClientData data, XEvent *)
 {
     guarded_entry([&] { interaction_leave(view_of_client(data)); });
@@ -403,7 +398,6 @@ void make_tcl_window(int x, int y, int width, int height, const char *, int view
     Tk_CreateEventHandler(window, ButtonPressMask, on_press, client);
     Tk_CreateEventHandler(window, ButtonReleaseMask, on_release, client);
     Tk_CreateEventHandler(window, PointerMotionMask, on_motion, client);
-    Tk_CreateEventHandler(window, EnterWindowMask, on_enter, client);
     Tk_CreateEventHandler(window, LeaveWindowMask, on_leave, client);
     install_callbacks(name.c_str());
     // The widget was shaped before it was bound; files named on the command line are fitted soon.
@@ -445,7 +439,6 @@ void set_draw_win(int view)
     if (togl == nullptr)
         return;
     Togl_MakeCurrent(togl);
-    set_current_draw_win(view);
     glViewport(0, 0, Togl_Width(togl), Togl_Height(togl));
     use_pixel_projection(Togl_Width(togl), Togl_Height(togl));
 }

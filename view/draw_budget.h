@@ -10,10 +10,9 @@
 
 enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
 
-constexpr double frame_budget = 0.033;      // seconds
-constexpr double slow_picture = 0.06;       // above it events come before the full picture
-constexpr double settle_after = 0.15;       // of the last motion
-constexpr double other_view_interval = 0.1; // of the views that are not under the pointer
+constexpr double frame_budget = 0.033; // seconds
+constexpr double slow_picture = 0.06;  // above it events come before the full picture
+constexpr double settle_after = 0.15;  // of the last motion
 
 struct layer_choice_t {
     bool fill = true;

@@ -317,11 +317,8 @@ void interaction_release(const pointer_event_t &event)
     redraw(event.view);
 }
 
-void interaction_enter(int view) { set_view_under_pointer(view); }
-
 void interaction_leave(int)
 {
-    set_view_under_pointer(VIEW_NONE);
     const tool_t *tool = tool_of_left_button();
     if (interaction.drag.kind == drag_kind::none && tool != nullptr && tool->outside != nullptr)
         tool->outside();

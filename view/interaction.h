@@ -33,7 +33,6 @@ enum class drag_kind {
 void interaction_press(const pointer_event_t &event);
 void interaction_motion(const pointer_event_t &event);
 void interaction_release(const pointer_event_t &event);
-void interaction_enter(int view);
 void interaction_leave(int view);
 
 // One notch of the wheel, positive away from the user.

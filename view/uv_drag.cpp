@@ -458,6 +458,4 @@ void uv_view_forget()
     uv_view().locked_axis = -1;
 }
 
-std::string uv_view_drag_text() { return drag.text; }
-
 void uv_view_install() { vesk_add_selection_changed_callback(selection_changes, nullptr); }

@@ -88,9 +88,6 @@ void uv_view_click(int x, int y, int state);
 // A rubber band; from right to left it takes what it touches.
 void uv_view_take_band(int x0, int y0, int x1, int y1, int state);
 
-// What stands in the status line while a drag runs: "dU 0.25  dV 0", or "".
-std::string uv_view_drag_text();
-
 void uv_view_install();
 void uv_view_reset_for_test();
 

@@ -19,8 +19,6 @@ constexpr float wheel_zoom = 1.1f;
 struct views_t {
     VESKView *record[num_views] = {};
     int geometry[num_views][4] = {};
-    int under_pointer = VIEW_NONE;
-    int draw_win = VIEW_NONE;
     point3_t depth = {0, 0, 0};
     char *viewsetting = nullptr;
 };
@@ -255,14 +253,6 @@ int window_is_visible(int view)
 }
 
 char **views_viewsetting() { return &views.viewsetting; }
-
-int view_under_pointer() { return views.under_pointer; }
-
-void set_view_under_pointer(int view) { views.under_pointer = view; }
-
-int current_draw_win() { return views.draw_win; }
-
-void set_current_draw_win(int view) { views.draw_win = view; }
 
 void views_reset_for_test()
 {

@@ -42,12 +42,6 @@ void view_set_position(int view, int x, int y);
 void view_pan_by(int view, float dx, float dy);
 void view_zoom_by(int view, float factor);
 
-// The drawing window that holds the pointer, and the one that was last made current for drawing.
-int view_under_pointer();
-void set_view_under_pointer(int view);
-int current_draw_win();
-void set_current_draw_win(int view);
-
 // The script variable that says which views are laid out, a text of the toolkit's allocator.
 char **views_viewsetting();
 

@@ -236,20 +236,6 @@ void journal_set_before_state(void (*listener)(unsigned first_serial))
 
 void journal_hold(bool held) { journal().held = held; }
 
-void journal_revert()
-{
-    if (journal().present < 0)
-        return;
-    undo_stack records = entry(journal().present).records;
-    // Those that were undone since that state stay away.
-    std::erase_if(records, [](const undo_record_ptr &record) {
-        const undo_stack &live = undo_records();
-        return std::find(live.begin(), live.end(), record) == live.end();
-    });
-    jump(entry(journal().present).state);
-    undo_records_restore(records);
-}
-
 bool journal_redo()
 {
     journal_settle();

@@ -32,9 +32,6 @@ void journal_set_before_state(void (*listener)(unsigned first_serial));
 // While held (a drag is under way) no state is taken.
 void journal_hold(bool held);
 
-// Back to the present state, without the undo records opened since: a drag was cancelled.
-void journal_revert();
-
 // One state on, to a state, to before the command that faulted last. They restore model, selection
 // and undo records. False when there is nowhere to go.
 bool journal_redo();

@@ -62,22 +62,6 @@ public:
         return true;
     }
 
-    [[nodiscard]] double energy() const
-    {
-        double sum = 0;
-        const std::vector<vector2> turn = turns();
-        for (std::size_t t = 0; t < cells_.size(); ++t) {
-            const cell &tri = cells_[t];
-            for (std::size_t i = 0; i < 3; ++i) {
-                const std::size_t j = (i + 1) % 3;
-                const vector2 side = points_[tri.points[i]] - points_[tri.points[j]];
-                sum += tri.weights[i] *
-                       (side - turned(turn[t], tri.flat[i] - tri.flat[j])).squaredNorm();
-            }
-        }
-        return sum;
-    }
-
     void write(std::vector<flat_uv> &at) const
     {
         for (std::size_t p = 0; p < points_.size(); ++p) {
@@ -297,13 +281,6 @@ bool uv_relax(const uv_mesh &mesh, const uv_islands &islands, const std::vector<
         return false;
     work.write(at);
     return true;
-}
-
-double uv_relax_energy(const uv_mesh &mesh, const uv_islands &islands,
-                       const std::vector<int> &surfaces, double aspect,
-                       const std::vector<flat_uv> &at)
-{
-    return relaxation(mesh, islands, surfaces, aspect, at).energy();
 }
 
 // ---- commands ----

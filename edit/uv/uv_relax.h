@@ -13,11 +13,6 @@
 bool uv_relax(const uv_mesh &mesh, const uv_islands &islands, const std::vector<char> &free,
               const std::vector<int> &surfaces, int steps, double aspect, std::vector<flat_uv> &at);
 
-// The sum of squares that uv_relax lowers, of one island with those coordinates.
-double uv_relax_energy(const uv_mesh &mesh, const uv_islands &islands,
-                       const std::vector<int> &surfaces, double aspect,
-                       const std::vector<flat_uv> &at);
-
 // The chosen islands; in corner mode only what is chosen moves.
 void command_uv_relax(int steps);
 

@@ -14,6 +14,7 @@
 #include "edit/uv/uv_keep.h"
 #include "fileio/clipboard.h"
 #include "model/change_marks.h"
+#include "model/each.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
@@ -195,6 +196,11 @@ object_t *add_square(float half_size)
     object_calc_normals_force(square);
     object_add_child(vesk_get_world(), square);
     return square;
+}
+
+void object_mark_tree(object_t *top, unsigned aspects)
+{
+    for_each_object(top, [aspects](object_t *object) { object_mark(object, aspects); });
 }
 
 object_t *add_cube(const char *name)

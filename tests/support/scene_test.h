@@ -52,6 +52,8 @@ std::string last_undo();    // label of the newest undo record
 
 object_t *add_square(float half_size); // under the world, in z = 0, facing +z
 object_t *add_cube(const char *name);  // unit cube at the origin, under the world
+// After a test wrote into records itself: the object and all below it have changed.
+void object_mark_tree(object_t *top, unsigned aspects);
 
 // A file in a folder of its own that goes when the test program ends.
 std::string temporary_file(const std::string &name);

@@ -249,21 +249,6 @@ TEST_F(Journal, NumbersTheContentsOfTheModel)
     EXPECT_EQ(run("change_count"), moved);
 }
 
-TEST_F(Journal, ACancelledDragLeavesNothing)
-{
-    run("select_all");
-    run("move", 1, 0, 0);
-    const std::string before = scene_text();
-    journal_hold(true);
-    new_undo(UNDO_MOVE, "drag");
-    run("move", 5, 5, 5);
-    journal_hold(false);
-    journal_revert();
-    EXPECT_EQ(scene_text(), before);
-    EXPECT_EQ(last_undo(), "");
-    EXPECT_EQ(labels(), (texts{"start", "*move"}));
-}
-
 TEST_F(Journal, RepeatsTheLastCommand)
 {
     run("repeat_last");

@@ -5,8 +5,9 @@
 #include "base/prefs.h"
 #include "edit/document/journal.h"
 #include "edit/document/selection_internal.h"
+#include "edit/document/step.h"
 #include "edit/document/undo.h"
-#include "edit/transform.h"
+#include "edit/drag_transform.h"
 #include "fileio/vesk_writer.h"
 #include "model/change_marks.h"
 #include "model/each.h"
@@ -187,19 +188,20 @@ private:
     void drag()
     {
         const std::string before = scene_text();
-        const point3_t offset = {0.3f, 0.7f, 0.1f};
-        journal_hold(true);
-        translate_all_selected(&offset);
-        journal_hold(false);
+        step_t step(step_t::of::drag);
+        drag_transform_t drag;
+        if (drag.empty())
+            return;
+        drag_change_t way;
+        way.offset = {0.3f, 0.7f, 0.1f};
+        drag.step(way);
         if (pick(2) == 0) {
-            journal_revert();
+            drag.take_back();
             ASSERT_EQ(scene_text(), before);
             return;
         }
-        new_undo(UNDO_MOVE, "drag");
-        set_undo_vert(offset.x, offset.y, offset.z);
-        find_bounding_box();
-        journal_step("drag");
+        drag.finish();
+        step.keep("drag");
     }
 
     void fault()
