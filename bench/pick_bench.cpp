@@ -9,7 +9,7 @@
 #include "model/flat_mesh.h"
 #include "model/normals.h"
 #include "program/command_table.h"
-#include "view/camera_internal.h"
+#include "view/camera.h"
 #include "view/fit.h"
 #include "view/pick.h"
 #include "view/tool_select.h"

@@ -11,6 +11,7 @@
 #include "model/change_marks.h"
 #include "model/normals.h"
 #include "program/command_table.h"
+#include "view/uv_drag.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 
@@ -42,20 +43,20 @@ void bench_drag()
     uv_view_resize(800, 600);
     command({"uv_select_mode", "island"});
     command({"uv_select", "all"});
-    uv_view_press(event(400, 1));
-    uv_view_motion(event(410));
+    uv_drag_press(event(400, 1));
+    uv_drag_motion(event(410));
     int x = 410;
-    measure("one step of a drag of all corners", [&] { uv_view_motion(event(++x)); });
+    measure("one step of a drag of all corners", [&] { uv_drag_motion(event(++x)); });
     measure("the same, and the picture's lines are numbered anew", [&] {
-        uv_view_motion(event(++x));
+        uv_drag_motion(event(++x));
         uv_find_islands(uv_editor().mesh);
     });
     measure("its release: one undo record, one state", [&] {
-        uv_view_release(event(++x, 1));
-        uv_view_press(event(400, 1));
-        uv_view_motion(event(430));
+        uv_drag_release(event(++x, 1));
+        uv_drag_press(event(400, 1));
+        uv_drag_motion(event(430));
     });
-    uv_view_cancel();
+    uv_drag_cancel();
     measure("a click", [] { uv_view_click(400, 300, 0); });
     measure("a rubber band over all", [] { uv_view_take_band(800, 600, 0, 0, 0); });
 }

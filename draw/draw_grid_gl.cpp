@@ -1,8 +1,9 @@
+#include "draw/draw_grid_gl.h"
+
 #include "base/prefs.h"
 #include "draw/draw_device_gl.h"
-#include "draw/draw_layers_gl.h"
-#include "draw/draw_view_gl.h"
 #include "view/axis_cross.h"
+#include "view/camera_eye.h"
 #include "view/camera_internal.h"
 #include "view/grid.h"
 #include "view/interaction.h"

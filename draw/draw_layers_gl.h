@@ -20,19 +20,6 @@ struct picture_t {
 // Ends a layer: its cost goes into the budget while the picture is measured.
 void finish_layer(picture_t &picture, draw_layer layer);
 
-void draw_orthographic_view(picture_t &picture);
-void draw_3d_view(picture_t &picture);
-
-// Over the finished picture, in window pixels.
-void draw_orthographic_overlay(const picture_t &picture);
-void draw_3d_overlay(const picture_t &picture);
-
-void draw_ground_grid();
-
-// Switches the scene's lights on, without any the default light and one from above, and the
-// headlight; the model matrix must be current. Returns how many there are.
-int draw_set_lights();
-
 // The surfaces of a layer by `draw`; while something moves, that is left out when it is shown as a
 // wireframe, or stands where the mouse has brought it.
 template <class Draw>

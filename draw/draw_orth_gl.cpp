@@ -1,8 +1,9 @@
+#include "draw/draw_orth_gl.h"
+
 #include "base/prefs.h"
-#include "draw/draw_layers_gl.h"
+#include "draw/draw_grid_gl.h"
 #include "draw/draw_overlay_gl.h"
 #include "draw/draw_textures_gl.h"
-#include "draw/draw_view_gl.h"
 #include "edit/document/selection_internal.h"
 #include "view/overlay.h"
 #include "view/views_internal.h"

@@ -9,7 +9,7 @@
 #include "model/lights.h"
 #include "model/world.h"
 #include "view/axis_cross.h"
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 #include "view/handles.h"
 #include "view/interaction.h"
 #include "view/overlay.h"

@@ -6,6 +6,7 @@
 #include "draw/draw_text_gl.h"
 #include "draw/draw_textures_gl.h"
 #include "edit/uv/uv_measure.h"
+#include "view/uv_drag.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 
@@ -450,7 +451,7 @@ void draw_uv_view(int width, int height)
 {
     const uv_state &state = uv_editor();
     bring_up_to_date(state);
-    const bool hurries = uv_view_is_dragging() && state.islands.edges.size() > many_edges;
+    const bool hurries = uv_drag_runs() && state.islands.edges.size() > many_edges;
     frame_begin(texture_coords_view, width, height, colour_of(prefs.uveditor_bgcol),
                 prefs.uveditor_antialias != 0 && !hurries);
     glDisable(GL_DEPTH_TEST);

@@ -2,7 +2,8 @@
 
 #include "base/prefs.h"
 #include "base/ui_port.h"
-#include "draw/draw_layers_gl.h"
+#include "draw/draw_3d_gl.h"
+#include "draw/draw_orth_gl.h"
 #include "draw/draw_text_gl.h"
 #include "model/change_marks.h"
 #include "view/interaction.h"
@@ -60,15 +61,6 @@ void learn_smoothing(picture_t &picture, double seconds)
 }
 
 } // namespace
-
-void finish_layer(picture_t &picture, draw_layer layer)
-{
-    if (!picture.measure)
-        return;
-    const double now = seconds_until_drawn();
-    picture.budget->note(layer, now - picture.started);
-    picture.started = now;
-}
 
 bool draw_view_blank(int view, int width, int height)
 {

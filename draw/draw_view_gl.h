@@ -37,12 +37,6 @@ VESK_BEGIN_DECLS
 /* The label of a view at pixel 8, 17, in grey. */
 VESK_API void draw_window_label(int view);
 
-/* The grids and axes of an orthographic view; nothing for the 3D view. */
-VESK_API void draw_orth_grid(int view);
-
-/* Width in pixels of the lines that follow. */
-VESK_API void draw_line_width(float width);
-
 VESK_END_DECLS
 
 #endif

@@ -9,6 +9,7 @@ target_sources(vesk PRIVATE
     draw/draw_buffers_gl.cpp
     draw/draw_device_gl.cpp
     draw/draw_grid_gl.cpp
+    draw/draw_layers_gl.cpp
     draw/draw_marks_gl.cpp
     draw/draw_orth_gl.cpp
     draw/draw_overlay_gl.cpp

@@ -6,8 +6,8 @@
 #include "base/image_png.h"
 #include "base/messages.h"
 #include "base/prefs.h"
+#include "draw/draw_3d_gl.h"
 #include "draw/draw_device_gl.h"
-#include "draw/draw_layers_gl.h"
 #include "draw/offscreen_gl.h"
 #include "model/vector.h"
 

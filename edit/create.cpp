@@ -8,6 +8,7 @@
 #include "edit/document/selection.h"
 #include "edit/document/undo.h"
 #include "edit/primitives.h"
+#include "edit/primitives_flat.h"
 #include "edit/transform.h"
 #include "model/bounds.h"
 #include "model/identity.h"

@@ -1,7 +1,6 @@
-#include "base/messages.h"
+#include "edit/edge_mesh.h"
+
 #include "base/session_state.h"
-#include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/edge_mesh_internal.h"
 #include "edit/triangulate.h"
 #include "model/alloc.h"
@@ -14,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 #include <utility>
 
 namespace {
@@ -382,77 +380,3 @@ int vesk_mesh_edge(vesk_mesh_t *mesh, int edge, int out_vertices[2], int out_fac
         out_faces[i] = i < uses.size() ? uses[i].surface : -1;
     return static_cast<int>(uses.size());
 }
-
-void loop_subdivide(vesk_mesh_t *mesh, float factor) { loop_step(mesh, factor, nullptr); }
-
-void doosabin_subdivide(vesk_mesh_t *mesh) { doosabin_step(mesh, nullptr); }
-
-// ---- commands ----
-
-namespace {
-
-struct mesh_freer {
-    void operator()(vesk_mesh_t *mesh) const { vesk_mesh_free(mesh); }
-};
-using mesh_ptr = std::unique_ptr<vesk_mesh_t, mesh_freer>;
-
-// Computes a new mesh of every selected object, then writes them all back.
-void subdivide_selected(const char *what,
-                        const std::function<bool(vesk_mesh_t *, progress_t *)> &step)
-{
-    struct result_t {
-        object_t *object;
-        mesh_ptr mesh;
-    };
-    std::vector<object_t *> parts;
-    double work = 0;
-    for (object_t *top : selected_top_objects()) {
-        for_each_object(top, [&](object_t *object) {
-            if (object->surfaces == nullptr)
-                return;
-            parts.push_back(object);
-            work += object->num_surfaces;
-        });
-    }
-    if (parts.empty()) {
-        display_message("%s - nothing selected", what);
-        return;
-    }
-    display_message("%s...", what);
-    progress_t progress(work);
-    std::vector<result_t> results;
-    int count = 0;
-    for (object_t *object : parts) {
-        mesh_ptr mesh(vesk_object_to_mesh(object));
-        if (!step(mesh.get(), &progress)) {
-            display_message("%s - cancelled", what);
-            return;
-        }
-        count += mesh->num_faces();
-        results.push_back({object, std::move(mesh)});
-    }
-    new_undo(UNDO_WORLD, what);
-    set_undo_all();
-    {
-        freed_batch at_once;
-        for (result_t &result : results) {
-            vesk_mesh_to_object(result.mesh.get(), result.object);
-            result.mesh.reset();
-        }
-    }
-    calc_normals_of(parts);
-    finish_edit();
-    display_message("%s - %d surfaces", what, count);
-}
-
-} // namespace
-
-void surface_loop_subdivision(float factor)
-{
-    const float blend = std::clamp(factor, 0.0f, 1.0f);
-    subdivide_selected("loop subdivision", [blend](vesk_mesh_t *mesh, progress_t *progress) {
-        return loop_step(mesh, blend, progress);
-    });
-}
-
-void command_surface_doosabin() { subdivide_selected("doo-sabin subdivision", doosabin_step); }

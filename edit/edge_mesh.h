@@ -6,7 +6,7 @@
 VESK_BEGIN_DECLS
 
 /* An edge mesh: positions, polygons with texture coordinates, and the edges between them, apart
-   from any object. Loop's and Doo's and Sabin's subdivision work on it. */
+   from any object. */
 typedef struct vesk_mesh vesk_mesh_t;
 
 /* The polygons of the object's own geometry; lines are left out. Vertex i of the mesh is vertex i
@@ -40,27 +40,6 @@ VESK_API const int *vesk_mesh_face(const vesk_mesh_t *mesh, int face, int *n);
    many it belongs. */
 VESK_API int vesk_mesh_edge(vesk_mesh_t *mesh, int edge, int out_vertices[2], int out_faces[2]);
 
-/* One step of Loop's scheme on the triangulated mesh: every triangle becomes four. `factor` 0
-   leaves the vertices and puts new ones on the middles of the edges, 1 gives the smooth positions,
-   values between blend. Open edges, and those of more than two triangles, are curves of their own.
-   Texture coordinates are interpolated within each triangle. Source: C. Loop, Smooth Subdivision
-   Surfaces Based on Triangles, 1987. */
-VESK_API void loop_subdivide(vesk_mesh_t *mesh, float factor);
-
-/* One step of Doo's and Sabin's scheme: a smaller polygon in every polygon, a quad over every edge
-   between two and a polygon over every vertex that is surrounded. Open borders shrink. Source: D.
-   Doo, M. Sabin, Behaviour of recursive division surfaces near extraordinary points, 1978. */
-VESK_API void doosabin_subdivide(vesk_mesh_t *mesh);
-
-/* Command "surface_loop_subdivision": one step of Loop's scheme on the selected objects, factor 0
-   to 1. Undo "loop subdivision". */
-VESK_API void surface_loop_subdivision(float factor);
-
 VESK_END_DECLS
-
-#ifdef VESK_INTERNAL
-// Added command "surface_doosabin": the same for Doo's and Sabin's. Undo "doo-sabin subdivision".
-void command_surface_doosabin();
-#endif
 
 #endif

@@ -1,7 +1,6 @@
 #ifndef VESK_EDIT_EDGE_MESH_INTERNAL_H
 #define VESK_EDIT_EDGE_MESH_INTERNAL_H
 
-#include "base/progress.h"
 #include "edit/edge_mesh.h"
 #include "edit/mesh/edge_table.h"
 
@@ -39,9 +38,5 @@ struct vesk_mesh {
 // Cuts every polygon into triangles: quads along a diagonal that lies inside, the shorter of two;
 // convex polygons into a fan; others by the tessellator.
 void mesh_triangulate(vesk_mesh_t *mesh);
-
-// The subdivisions with progress; false when the user cancelled (the mesh is then of no use).
-bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress);
-bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress);
 
 #endif

@@ -1,9 +1,10 @@
-// Boxes, spheres, cones, cylinders and the icosahedron.
+#include "edit/primitives.h"
 
 #include "base/command_result.h"
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
+#include "edit/primitives_flat.h"
 #include "edit/primitives_internal.h"
 #include "edit/transform.h"
 #include "edit/uv/uvmap.h"
@@ -112,6 +113,30 @@ const box_face_t box_faces[] = {
 // clang-format on
 
 } // namespace
+
+namespace primitive {
+
+surface_t *new_side(bool smooth)
+{
+    surface_t *surface = new_surface();
+    surface_set_shading(surface, smooth ? 1 : 0);
+    surface_set_twosided(surface, 0);
+    return surface;
+}
+
+object_t *new_named(const char *name)
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, name);
+    return object;
+}
+
+void set_middle(object_t *object, const point3_t &c1, const point3_t &c2)
+{
+    vesk_object_set_centre(object, (c1.x + c2.x) / 2, (c1.y + c2.y) / 2, (c1.z + c2.z) / 2);
+}
+
+} // namespace primitive
 
 void surface_add_quad_refs(surface_t *surface, vertex *a, vertex *b, vertex *c, vertex *d)
 {

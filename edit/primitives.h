@@ -6,8 +6,7 @@
 
 VESK_BEGIN_DECLS
 
-/* Planes: 0 front (x, y; constant z), 1 side (z, y; constant x), 2 plan (x, z; constant y). Another
-   plane leaves the coordinates that depend on it at zero. */
+/* Boxes, spheres, cones, cylinders and the icosahedron. Planes are those of primitives_flat.h. */
 
 /* Appends four references with texture coordinates (0,0) (1,0) (1,1) (0,1). */
 VESK_API void surface_add_quad_refs(surface_t *surface, vertex *a, vertex *b, vertex *c, vertex *d);
@@ -26,25 +25,10 @@ VESK_API void object_add_sphere_view(object_t *object, float radius);
 VESK_API void object_add_cylinder_view(object_t *object, int plane, float radius, float height,
                                        int first_end, int second_end);
 
-/* A filled ellipse of triangles about a centre vertex. */
-VESK_API void object_add_disk_view(object_t *object, int plane, float radius_a, float radius_b,
-                                   int segments);
-
 /* ---- free-standing objects; the caller owns them ---- */
 
-/* From a box given by two opposite corners, in any order. Named "rect", "grid", "mesh", "ellipse",
-   "disk", "cube", "sphere", "cone". */
+/* From a box given by two opposite corners, in any order. Named "cube", "sphere", "cone". */
 
-/* One four-sided polygon. */
-VESK_API object_t *add_rect(int plane, const point3_t *c1, const point3_t *c2);
-/* Lines: grid_object_x + 1 and grid_object_y + 1 of them; counts below 1 are 1. No normals. */
-VESK_API object_t *add_grid(int plane, const point3_t *c1, const point3_t *c2);
-/* meshx by meshy cells of quads, or of triangles (mesh_triangles), materials 0 and 1 in turn. */
-VESK_API object_t *add_mesh(int plane, const point3_t *c1, const point3_t *c2);
-/* Outline of an ellipse of ellipse_segments corners, and a filled one of disk_segments, about the
-   origin: the caller moves them. Below 3 segments: 3, told on the console. */
-VESK_API object_t *add_circle(int plane, const point3_t *c1, const point3_t *c2);
-VESK_API object_t *add_disk(int plane, const point3_t *c1, const point3_t *c2);
 /* A box that fills the box; the plane is not used. */
 VESK_API object_t *add_cube(int plane, const point3_t *c1, const point3_t *c2);
 /* An ellipsoid of num_surface_div segments; the plane is not used. Below 3 segments: a message box
@@ -53,11 +37,6 @@ VESK_API object_t *add_sphere(int plane, const point3_t *c1, const point3_t *c2)
 /* A cone about its axis's middle at the origin, its base fitted to the box. */
 VESK_API object_t *create_cone(int plane, const point3_t *c1, const point3_t *c2);
 
-/* Outline of an ellipse about the origin, of `segments` corners. */
-VESK_API object_t *new_circle(int plane, float radius_a, float radius_b, int segments);
-/* An open line along a circle, in degrees; equal angles give the whole turn. */
-VESK_API object_t *new_arc(int plane, float radius, float start, float end, int segments);
-VESK_API object_t *new_disk(int plane, float radius_a, float radius_b, int segments);
 VESK_API object_t *new_cone(int plane, float radius_a, float radius_b, float height, int segments);
 VESK_API object_t *new_cylinder(int plane);
 /* An empty object of the sphere type. */
@@ -65,9 +44,7 @@ VESK_API object_t *new_sphere(void);
 /* The unit icosahedron. */
 VESK_API object_t *create_ico(void);
 
-/* Of unit size: about the origin, or about a point. */
-VESK_API object_t *create_regular_elipse(int plane);
-VESK_API object_t *create_regular_disk(int plane);
+/* Of unit size about a point. */
 VESK_API object_t *create_regular_cube(const point3_t *centre);
 VESK_API object_t *create_regular_sphere(const point3_t *centre);
 

@@ -1,4 +1,4 @@
-// Rectangles, line grids, meshes, ellipses, arcs and disks.
+#include "edit/primitives_flat.h"
 
 #include "base/messages_internal.h"
 #include "base/prefs.h"
@@ -61,30 +61,6 @@ std::vector<point3_t> ellipse(int plane, float a, float b, int n)
 }
 
 } // namespace
-
-namespace primitive {
-
-surface_t *new_side(bool smooth)
-{
-    surface_t *surface = new_surface();
-    surface_set_shading(surface, smooth ? 1 : 0);
-    surface_set_twosided(surface, 0);
-    return surface;
-}
-
-object_t *new_named(const char *name)
-{
-    object_t *object = new_object(OBJECT_POLY);
-    object_set_name(object, name);
-    return object;
-}
-
-void set_middle(object_t *object, const point3_t &c1, const point3_t &c2)
-{
-    vesk_object_set_centre(object, (c1.x + c2.x) / 2, (c1.y + c2.y) / 2, (c1.z + c2.z) / 2);
-}
-
-} // namespace primitive
 
 object_t *add_rect(int plane, const point3_t *c1, const point3_t *c2)
 {

@@ -1,12 +1,18 @@
-// Loop's and Doo's and Sabin's subdivision of edge meshes.
+#include "edit/smooth_subdivide.h"
 
+#include "base/messages.h"
+#include "base/progress.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
 #include "edit/edge_mesh_internal.h"
 #include "model/angle.h"
+#include "model/freed.h"
 #include "model/vec3d.h"
 #include "model/vector.h"
 
 #include <array>
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -90,8 +96,7 @@ point3_t smooth_middle(const vesk_mesh_t &mesh, const edge_table &edges, int e, 
 
 flat_uv middle(const flat_uv &a, const flat_uv &b) { return {(a.u + b.u) / 2, (a.v + b.v) / 2}; }
 
-} // namespace
-
+// One step of Loop's scheme; false when the user cancelled (the mesh is then of no use).
 bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
 {
     mesh_triangulate(mesh);
@@ -149,8 +154,6 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
 }
 
 // ---- Doo and Sabin ----
-
-namespace {
 
 // Each corner's new vertex, for a face of n corners: weight (n + 5) / 4n of the corner itself and
 // (3 + 2 cos(2 pi k / n)) / 4n of the one k further. By cos(a - b) = cos a cos b + sin a sin b the
@@ -245,8 +248,7 @@ private:
     std::vector<int> edge_of_, face_of_;
 };
 
-} // namespace
-
+// One step of Doo's and Sabin's scheme; false as above.
 bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress)
 {
     const edge_table &edges = mesh->edge_list();
@@ -290,3 +292,79 @@ bool doosabin_step(vesk_mesh_t *mesh, progress_t *progress)
     *mesh = std::move(fine);
     return true;
 }
+
+} // namespace
+
+void loop_subdivide(vesk_mesh_t *mesh, float factor) { loop_step(mesh, factor, nullptr); }
+
+void doosabin_subdivide(vesk_mesh_t *mesh) { doosabin_step(mesh, nullptr); }
+
+// ---- commands ----
+
+namespace {
+
+struct mesh_freer {
+    void operator()(vesk_mesh_t *mesh) const { vesk_mesh_free(mesh); }
+};
+using mesh_ptr = std::unique_ptr<vesk_mesh_t, mesh_freer>;
+
+// Computes a new mesh of every selected object, then writes them all back.
+void subdivide_selected(const char *what,
+                        const std::function<bool(vesk_mesh_t *, progress_t *)> &step)
+{
+    struct result_t {
+        object_t *object;
+        mesh_ptr mesh;
+    };
+    std::vector<object_t *> parts;
+    double work = 0;
+    for (object_t *top : selected_top_objects()) {
+        for_each_object(top, [&](object_t *object) {
+            if (object->surfaces == nullptr)
+                return;
+            parts.push_back(object);
+            work += object->num_surfaces;
+        });
+    }
+    if (parts.empty()) {
+        display_message("%s - nothing selected", what);
+        return;
+    }
+    display_message("%s...", what);
+    progress_t progress(work);
+    std::vector<result_t> results;
+    int count = 0;
+    for (object_t *object : parts) {
+        mesh_ptr mesh(vesk_object_to_mesh(object));
+        if (!step(mesh.get(), &progress)) {
+            display_message("%s - cancelled", what);
+            return;
+        }
+        count += mesh->num_faces();
+        results.push_back({object, std::move(mesh)});
+    }
+    new_undo(UNDO_WORLD, what);
+    set_undo_all();
+    {
+        freed_batch at_once;
+        for (result_t &result : results) {
+            vesk_mesh_to_object(result.mesh.get(), result.object);
+            result.mesh.reset();
+        }
+    }
+    calc_normals_of(parts);
+    finish_edit();
+    display_message("%s - %d surfaces", what, count);
+}
+
+} // namespace
+
+void surface_loop_subdivision(float factor)
+{
+    const float blend = std::clamp(factor, 0.0f, 1.0f);
+    subdivide_selected("loop subdivision", [blend](vesk_mesh_t *mesh, progress_t *progress) {
+        return loop_step(mesh, blend, progress);
+    });
+}
+
+void command_surface_doosabin() { subdivide_selected("doo-sabin subdivision", doosabin_step); }

@@ -15,7 +15,7 @@
 #include "model/palette.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 
 #include <algorithm>
 #include <map>

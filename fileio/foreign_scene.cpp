@@ -12,6 +12,7 @@
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 
 #include <algorithm>

@@ -4,6 +4,7 @@
 #include "base/filename.h"
 #include "fileio/import_mesh.h"
 #include "model/object_tree.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 
 #include <array>

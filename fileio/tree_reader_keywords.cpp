@@ -2,6 +2,7 @@
 
 #include "base/prefs.h"
 #include "edit/primitives.h"
+#include "edit/primitives_flat.h"
 #include "edit/transform.h"
 #include "fileio/tree_reader.h"
 #include "model/alloc_internal.h"

@@ -10,6 +10,7 @@
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/palette.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 

@@ -11,6 +11,7 @@
 #include "model/flat_mesh.h"
 #include "model/list.h"
 #include "model/palette.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 

@@ -16,7 +16,6 @@ target_sources(vesk_core PRIVATE
     model/mesh_arrays.cpp
     model/normals.cpp
     model/object.cpp
-    model/object_access.cpp
     model/object_tree.cpp
     model/owners.cpp
     model/palette.cpp
@@ -24,7 +23,6 @@ target_sources(vesk_core PRIVATE
     model/world.cpp
     model/world_check.cpp
     model/textures/image_bmp.cpp
-    model/textures/image_decode.cpp
     model/textures/image_gif.cpp
     model/textures/image_sgi.cpp
     model/textures/texture_preview.cpp

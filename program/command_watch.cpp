@@ -13,7 +13,7 @@
 #include "model/world.h"
 #include "model/world_check.h"
 #include "view/tools.h"
-#include "view/uv_view.h"
+#include "view/uv_drag.h"
 
 #include <algorithm>
 #include <optional>
@@ -52,7 +52,7 @@ void before_command(const vesk_command_t *command, int count, const char *const 
 {
     if (!leaves_drag(command_kind_of(command))) {
         tools_interrupt();
-        uv_view_cancel();
+        uv_drag_cancel();
     }
     const bool outermost = session().command_depth == 0;
     if (outermost) {
@@ -90,7 +90,7 @@ void after_command(const vesk_command_t *command, bool whole)
 void after_fault()
 {
     tools_forget();
-    uv_view_forget();
+    uv_drag_forget();
     journal_reset_after_fault();
     world_check(vesk_get_world());
     undo_drop_unfilled(running().serial);

@@ -14,6 +14,7 @@
 #include "edit/uv/uv_replay.h"
 #include "model/textures/textures.h"
 #include "program/own_commands.h"
+#include "view/uv_drag.h"
 #include "view/uv_view.h"
 
 #include <algorithm>
@@ -263,7 +264,7 @@ void command_uv_view_zoom(int direction)
     uv_view_zoom(direction > 0 ? step : 1 / step, uv_view().width / 2, uv_view().height / 2);
 }
 
-void command_uv_key(const char *keysym) { command_result_set(uv_view_key(keysym) ? "1" : "0"); }
+void command_uv_key(const char *keysym) { command_result_set(uv_drag_key(keysym) ? "1" : "0"); }
 
 void command_uv_move_pixels(int right, int up)
 {

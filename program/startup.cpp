@@ -26,7 +26,7 @@
 #include "program/command_table.h"
 #include "view/camera_internal.h"
 #include "view/tools.h"
-#include "view/uv_view.h"
+#include "view/uv_drag.h"
 #include "view/views_internal.h"
 
 #include <climits>
@@ -170,7 +170,7 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     set_new_select_mode(0);
     set_new_draw_mode(0);
     tools_install();
-    uv_view_install();
+    uv_drag_install();
     vesk_register_builtin_texture_loaders();
     vesk_register_internal_surface_filters();
     vesk_register_internal_file_importers();

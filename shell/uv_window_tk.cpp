@@ -9,6 +9,7 @@
 #include "draw/draw_device_gl.h"
 #include "draw/draw_uv_gl.h"
 #include "shell/interp_tk.h"
+#include "view/uv_drag.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 
@@ -56,7 +57,7 @@ void on_press(ClientData, XEvent *event)
             uv_view_zoom(b.button == 4 ? notch : 1 / notch, b.x, b.y);
         });
     } else if (b.button < 4) {
-        guarded_entry([&] { uv_view_press(pointer_of(b.x, b.y, b.button, b.state)); });
+        guarded_entry([&] { uv_drag_press(pointer_of(b.x, b.y, b.button, b.state)); });
     }
 }
 
@@ -64,14 +65,14 @@ void on_release(ClientData, XEvent *event)
 {
     const XButtonEvent &b = event->xbutton;
     if (b.button < 4)
-        guarded_entry([&] { uv_view_release(pointer_of(b.x, b.y, b.button, b.state)); });
+        guarded_entry([&] { uv_drag_release(pointer_of(b.x, b.y, b.button, b.state)); });
 }
 
 void on_motion(ClientData, XEvent *event)
 {
     const XMotionEvent &m = event->xmotion;
     guarded_entry([&] {
-        uv_view_motion(pointer_of(m.x, m.y, 0, m.state));
+        uv_drag_motion(pointer_of(m.x, m.y, 0, m.state));
         const flat_uv at = uv_from_screen(m.x, m.y);
         const uv_pixels pixels = uv_picture_size();
         tcl_command("uvedit_pointer %.4f %.4f %.0f %.0f", static_cast<double>(at.u),
@@ -96,7 +97,7 @@ int reshape_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 
 int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
-    guarded_entry([] { uv_view_cancel(); });
+    guarded_entry([] { uv_drag_cancel(); });
     window.togl = nullptr;
     draw_uv_forget();
     return TCL_OK;

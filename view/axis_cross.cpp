@@ -1,6 +1,6 @@
 #include "view/axis_cross.h"
 
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

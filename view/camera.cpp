@@ -45,6 +45,7 @@ struct camera_t {
     saved_camera_t saved_spin = {}, saved_walk = {};
     double fit = 1.0;
     bool perspective = true;
+    point3_t depth = {0, 0, 0};
     int walk_indicator = 0;
 };
 
@@ -459,6 +460,34 @@ void do_perspective(int perspective)
 }
 
 void command_person_get_loc_dir(void) { command_result_set(person_get_loc_dir_string()); }
+
+// ---- depth point ----
+
+point3_t *vesk_get_depth_point(void) { return &camera().depth; }
+
+void set_av_depth(const point3_t *min, const point3_t *max, point3_t *depth, int view)
+{
+    if (!is_orthographic(view))
+        return;
+    const view_axes_t &axes = view_axes[view];
+    const float step = (std::fabs(axis_of(*max, axes.horizontal) - axis_of(*min, axes.horizontal)) +
+                        std::fabs(axis_of(*max, axes.vertical) - axis_of(*min, axes.vertical))) /
+                       2.0f;
+    float &component = axis_of(*depth, axes.depth);
+    component += component < 0 ? -step : step;
+}
+
+void set_av_depth_box(const point3_t *min, const point3_t *max, int view)
+{
+    set_av_depth(min, max, &camera().depth, view);
+}
+
+void command_get_3d_cursor(void)
+{
+    command_result_appendf("%g %g %g", static_cast<double>(camera().depth.x),
+                           static_cast<double>(camera().depth.y),
+                           static_cast<double>(camera().depth.z));
+}
 
 // ---- what the drawing needs ----
 

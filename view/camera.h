@@ -100,11 +100,21 @@ VESK_API void person_flyto(int steps, float x, float y, float z, float dx, float
 /* Perspective (1) or parallel (0) projection of the 3D view. Command "do_perspective". */
 VESK_API void do_perspective(int perspective);
 
+/* The hidden coordinates of what the mouse points at in the orthographic views; the 3D cursor. */
+VESK_API point3_t *vesk_get_depth_point(void);
+
+/* Moves the depth coordinate of `view` away from zero by half the mean extent of the box min, max:
+   of `depth`, or of the depth point. */
+VESK_API void set_av_depth(const point3_t *min, const point3_t *max, point3_t *depth, int view);
+VESK_API void set_av_depth_box(const point3_t *min, const point3_t *max, int view);
+
 /* Prints the viewer's state to the debug output. */
 VESK_API void person_print_info(void);
 
 /* Command "person_get_loc_dir". */
 VESK_API void command_person_get_loc_dir(void);
+/* Command "get_3d_cursor": the depth point. */
+VESK_API void command_get_3d_cursor(void);
 
 VESK_END_DECLS
 

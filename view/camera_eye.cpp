@@ -1,6 +1,8 @@
 // How the viewer's record becomes the transform of the 3D view: eye = axes * (scale * spin * (p -
 // origin) + offset - location). Spin turns about y first and then about x, so that the model's own
 // up axis stays upright on the screen.
+#include "view/camera_eye.h"
+
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "model/angle.h"

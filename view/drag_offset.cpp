@@ -3,7 +3,7 @@
 #include "base/prefs.h"
 #include "edit/snap.h"
 #include "model/vector.h"
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 #include "view/near_snap.h"
 #include "view/projection.h"
 #include "view/views_internal.h"

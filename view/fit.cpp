@@ -8,6 +8,7 @@
 #include "model/bounds.h"
 #include "model/vector.h"
 #include "model/world.h"
+#include "view/camera_eye.h"
 #include "view/camera_internal.h"
 #include "view/views_internal.h"
 

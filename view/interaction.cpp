@@ -5,7 +5,7 @@
 #include "base/redraw.h"
 #include "model/vector.h"
 #include "view/axis_cross.h"
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 #include "view/draw_budget.h"
 #include "view/number_field.h"
 #include "view/tool.h"

@@ -6,7 +6,7 @@
 #include "model/change_marks.h"
 #include "model/matrix.h"
 #include "model/world.h"
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 #include "view/interaction.h"
 #include "view/projection.h"
 #include "view/projector.h"

@@ -4,6 +4,7 @@
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"
+#include "view/camera_internal.h"
 #include "view/pick.h"
 #include "view/projector.h"
 #include "view/screen_ray.h"

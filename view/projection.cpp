@@ -1,5 +1,6 @@
 #include "view/projection.h"
 
+#include "view/camera.h"
 #include "view/views_internal.h"
 
 #include <algorithm>

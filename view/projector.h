@@ -3,7 +3,7 @@
 
 // World to window of many points of one view: what the view asks for is read once.
 
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 #include "view/views_internal.h"
 
 #include <limits>

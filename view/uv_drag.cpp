@@ -1,6 +1,6 @@
-// The mouse in the window of texture coordinates: panning, zooming, the rubber band, and drags that
-// move, turn and scale what is chosen. Every step is computed from the coordinates at the press; the
-// release is one undo record.
+// Every step of a drag is computed from the coordinates at the press; the release is one undo record.
+
+#include "view/uv_drag.h"
 
 #include "base/echo.h"
 #include "base/messages.h"
@@ -10,6 +10,7 @@
 #include "edit/uv/uv_replay.h"
 #include "model/angle.h"
 #include "view/drag_echo.h"
+#include "view/interaction.h"
 #include "view/number_field.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
@@ -357,16 +358,16 @@ bool take_axis(const char *key)
 void selection_changes(const char *, void *)
 {
     if (drag.what != doing::NOTHING)
-        uv_view_cancel();
+        uv_drag_cancel();
 }
 
 } // namespace
 
-void uv_view_press(const pointer_event_t &event)
+void uv_drag_press(const pointer_event_t &event)
 {
     if (drag.what != doing::NOTHING) {
         if (event.button == 3 && drag.start.button != 3)
-            uv_view_cancel();
+            uv_drag_cancel();
         else if (event.button == 1 && drag.held)
             finish(drag.last);
         return;
@@ -379,7 +380,7 @@ void uv_view_press(const pointer_event_t &event)
     drag.scale = uv_view().scale;
 }
 
-void uv_view_motion(const pointer_event_t &event)
+void uv_drag_motion(const pointer_event_t &event)
 {
     if (drag.what == doing::NOTHING) {
         win_set_handle_cursor(texture_coords_view, handle_under(event.x, event.y));
@@ -396,7 +397,7 @@ void uv_view_motion(const pointer_event_t &event)
     number_field_show(texture_coords_view, event.x, event.y);
 }
 
-void uv_view_release(const pointer_event_t &event)
+void uv_drag_release(const pointer_event_t &event)
 {
     if (drag.what == doing::NOTHING || drag.held || event.button != drag.start.button)
         return;
@@ -419,20 +420,20 @@ void uv_view_release(const pointer_event_t &event)
     }
 }
 
-bool uv_view_key(const char *keysym)
+bool uv_drag_key(const char *keysym)
 {
     if (drag.what == doing::NOTHING)
         return false;
     if (std::strcmp(keysym, "Escape") == 0) {
-        uv_view_cancel();
+        uv_drag_cancel();
         return true;
     }
     return changes_coordinates() && (take_number(keysym) || take_axis(keysym));
 }
 
-bool uv_view_is_dragging() { return drag.what != doing::NOTHING; }
+bool uv_drag_runs() { return drag.what != doing::NOTHING; }
 
-void uv_view_cancel()
+void uv_drag_cancel()
 {
     if (drag.what == doing::NOTHING)
         return;
@@ -451,11 +452,11 @@ void uv_view_cancel()
     display_status();
 }
 
-void uv_view_forget()
+void uv_drag_forget()
 {
     drag = {};
     uv_view().band = false;
     uv_view().locked_axis = -1;
 }
 
-void uv_view_install() { vesk_add_selection_changed_callback(selection_changes, nullptr); }
+void uv_drag_install() { vesk_add_selection_changed_callback(selection_changes, nullptr); }

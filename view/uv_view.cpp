@@ -7,6 +7,7 @@
 #include "edit/document/selection.h"
 #include "edit/uv/uv_replay.h"
 #include "view/drag_echo.h"
+#include "view/interaction.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -354,7 +355,6 @@ void uv_view_take_band(int x0, int y0, int x1, int y1, int state_of_keys)
 
 void uv_view_reset_for_test()
 {
-    uv_view_forget();
     view = {};
     last_click = {};
 }

@@ -7,7 +7,6 @@
 
 #include "edit/uv/uv_edit.h"
 #include "view/handles.h"
-#include "view/interaction.h"
 
 #include <string>
 
@@ -67,17 +66,6 @@ void uv_view_zoom(double factor, int x, int y);
 void uv_view_pan(double dx, double dy);
 void uv_view_redraw();
 
-// ---- the mouse ----
-
-void uv_view_press(const pointer_event_t &event);
-void uv_view_motion(const pointer_event_t &event);
-void uv_view_release(const pointer_event_t &event);
-// Whether a running drag took the key: digits, X or U, Y or V, Escape, Return and so on.
-bool uv_view_key(const char *keysym);
-bool uv_view_is_dragging();
-void uv_view_cancel();
-// After a fault: drops the drag and touches nothing.
-void uv_view_forget();
 // The frame round what is chosen and its handles, in window pixels; not valid when nothing is.
 handle_box_t uv_handle_box();
 
@@ -88,7 +76,6 @@ void uv_view_click(int x, int y, int state);
 // A rubber band; from right to left it takes what it touches.
 void uv_view_take_band(int x0, int y0, int x1, int y1, int state);
 
-void uv_view_install();
 void uv_view_reset_for_test();
 
 #endif

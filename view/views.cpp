@@ -1,4 +1,3 @@
-#include "base/command_result.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"
@@ -6,9 +5,7 @@
 #include "view/camera.h"
 #include "view/views_internal.h"
 
-#include <cmath>
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -19,7 +16,6 @@ constexpr float wheel_zoom = 1.1f;
 struct views_t {
     VESKView *record[num_views] = {};
     int geometry[num_views][4] = {};
-    point3_t depth = {0, 0, 0};
     char *viewsetting = nullptr;
 };
 views_t views;
@@ -389,27 +385,6 @@ void goto_point(const point3_t *point)
     redraw_orth();
 }
 
-// ---- depth point ----
-
-point3_t *vesk_get_depth_point(void) { return &views.depth; }
-
-void set_av_depth(const point3_t *min, const point3_t *max, point3_t *depth, int view)
-{
-    if (!is_orthographic(view))
-        return;
-    const view_axes_t &axes = view_axes[view];
-    const float step = (std::fabs(axis_of(*max, axes.horizontal) - axis_of(*min, axes.horizontal)) +
-                        std::fabs(axis_of(*max, axes.vertical) - axis_of(*min, axes.vertical))) /
-                       2.0f;
-    float &component = axis_of(*depth, axes.depth);
-    component += component < 0 ? -step : step;
-}
-
-void set_av_depth_box(const point3_t *min, const point3_t *max, int view)
-{
-    set_av_depth(min, max, &views.depth, view);
-}
-
 // ---- modifiers and pointer shapes ----
 
 int qualifier_shift(int state) { return (state & 0x1) != 0; }
@@ -439,12 +414,4 @@ void win_set_mode_cursor(int view, int draw_mode)
         win_set_cursor(view, xcursor_names[prefs.orth_xcursor / 2]);
     else
         win_set_cursor(view, nullptr);
-}
-
-// ---- commands ----
-
-void command_get_3d_cursor(void)
-{
-    command_result_appendf("%g %g %g", static_cast<double>(views.depth.x),
-                           static_cast<double>(views.depth.y), static_cast<double>(views.depth.z));
 }

@@ -66,14 +66,6 @@ VESK_API void handle_resize(int view, int width, int height);
 /* Whether `viewsetting` lays the view out: "all", or the view's own name. */
 VESK_API int window_is_visible(int view);
 
-/* The hidden coordinates of what the mouse points at in the orthographic views; the 3D cursor. */
-VESK_API point3_t *vesk_get_depth_point(void);
-
-/* Moves the depth coordinate of `view` away from zero by half the mean extent of the box min, max:
-   of `depth`, or of the depth point. */
-VESK_API void set_av_depth(const point3_t *min, const point3_t *max, point3_t *depth, int view);
-VESK_API void set_av_depth_box(const point3_t *min, const point3_t *max, int view);
-
 /* Modifiers of an event state. */
 VESK_API int qualifier_shift(int state);
 VESK_API int qualifier_control(int state);
@@ -84,9 +76,6 @@ VESK_API int qualifier_alt(int state);
 VESK_API void win_set_cursor(int view, const char *cursor);
 VESK_API void win_set_handle_cursor(int view, int handle);
 VESK_API void win_set_mode_cursor(int view, int draw_mode);
-
-/* Command "get_3d_cursor": the depth point. */
-VESK_API void command_get_3d_cursor(void);
 
 VESK_END_DECLS
 

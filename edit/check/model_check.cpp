@@ -1,6 +1,6 @@
 #include "edit/check/model_check.h"
 
-#include "edit/check/model_check_internal.h"
+#include "edit/check/model_check_search.h"
 #include "edit/mesh/edge_table.h"
 #include "model/change_marks.h"
 #include "model/each.h"

@@ -1,4 +1,5 @@
-#include "edit/check/model_check_internal.h"
+#include "edit/check/model_check_search.h"
+
 #include "edit/mesh/position_index.h"
 #include "model/bounds.h"
 #include "model/vec3d.h"

@@ -1,6 +1,5 @@
-// Writes the geometry of an image into a live object.
+#include "edit/document/geometry_image.h"
 
-#include "edit/document/model_state_internal.h"
 #include "edit/document/selection_scan.h"
 #include "model/alloc.h"
 #include "model/change_marks_internal.h"
@@ -12,12 +11,10 @@
 
 namespace {
 
-std::size_t places(int n) { return static_cast<std::size_t>(n); }
-
 flat_array<point3_t> normals_from_corners(const flat_mesh &mesh)
 {
     std::vector<point3_t> normals;
-    normals.reserve(places(mesh.num_surfaces()));
+    normals.reserve(mesh.num_surfaces());
     for (int i = 0; i < mesh.num_surfaces(); ++i)
         normals.push_back(normal_of_corners(mesh, i));
     return std::make_shared<const std::vector<point3_t>>(std::move(normals));
@@ -42,7 +39,7 @@ void write_texture_coords(const std::vector<surface_t *> &surfaces,
             if (corner == image.corners->size())
                 return;
             // References to no vertex of the object have no corner in the flat mesh.
-            if (vertices[places(image.corner(corner))] != reference->vertex)
+            if (vertices[image.corner(corner)] != reference->vertex)
                 continue;
             reference->u = image.uv(corner).u;
             reference->v = image.uv(corner).v;
@@ -167,11 +164,11 @@ void fill_corners(surface_t *surface, const flat_mesh &image, int place,
 {
     const auto never = [](const svertex *) { return false; };
     const auto make = [] { return new_svertex(nullptr, 0, 0); };
-    auto corner = places(image.first_corner(places(place)));
+    int corner = image.first_corner(place);
     refill<svertex> list(&surface->refs);
     for (const int index : image.surface_corners(place)) {
         const flat_uv &uv = image.uv(corner++);
-        *list.next(never, make) = {vertices[places(index)], uv.u, uv.v};
+        *list.next(never, make) = {vertices[index], uv.u, uv.v};
     }
     list.finish(never, [](svertex *reference) { myfree(reference); });
     surface->num_refs = static_cast<int>(image.surface_corners(place).size());
@@ -184,8 +181,8 @@ std::vector<surface_t *> fill_surfaces(object_t *object, const flat_mesh &image,
     refill<surface_t> list(&object->surfaces);
     for (int i = 0; i < image.num_surfaces(); ++i) {
         surface_t *surface = list.next(filled, new_surface);
-        write_attributes(surface, image.surface(places(i)));
-        surface->normal = image.face_normal(places(i));
+        write_attributes(surface, image.surface(i));
+        surface->normal = image.face_normal(i);
         fill_corners(surface, image, i, vertices);
         filled.add(surface);
     }
@@ -212,9 +209,9 @@ point3_t normal_of_corners(const flat_mesh &mesh, int surface)
     const auto corners = mesh.surface_corners(surface);
     if (corners.size() < 3)
         return {0, 0, 0};
-    const point3_t &origin = mesh.position(places(corners[0]));
-    const point3_t a = point_sub(mesh.position(places(corners[1])), origin);
-    const point3_t b = point_sub(mesh.position(places(corners[2])), origin);
+    const point3_t &origin = mesh.position(corners[0]);
+    const point3_t a = point_sub(mesh.position(corners[1]), origin);
+    const point3_t b = point_sub(mesh.position(corners[2]), origin);
     const double x = static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y;
     const double y = static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z;
     const double z = static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x;

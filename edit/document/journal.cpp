@@ -3,6 +3,7 @@
 #include "base/messages_internal.h"
 #include "base/session_state.h"
 #include "edit/document/journal_internal.h"
+#include "edit/document/model_restore.h"
 #include "edit/document/modes.h"
 #include "model/change_marks.h"
 

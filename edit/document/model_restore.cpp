@@ -1,8 +1,12 @@
 // Making the model what a state says: in this order what the state does not have goes, what it has
 // is made or written, and the tree is linked, so that nothing freed is ever linked.
 
+#include "edit/document/model_restore.h"
+
 #include "base/ui_port.h"
+#include "edit/document/geometry_image.h"
 #include "edit/document/model_state_internal.h"
+#include "edit/document/selection_image.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
 #include "model/each.h"

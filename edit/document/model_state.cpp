@@ -1,4 +1,8 @@
+#include "edit/document/model_state.h"
+
+#include "edit/document/geometry_image.h"
 #include "edit/document/model_state_internal.h"
+#include "edit/document/selection_image.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
@@ -77,6 +81,30 @@ object_t plain_fields(const object_t &object)
     record.vertices = record.surfaces = record.children = record.properties = nullptr;
     record.parent = nullptr;
     return record;
+}
+
+void images_hold(const flat_mesh &geometry)
+{
+    image_accounts &all = accounts();
+    const std::lock_guard lock(all.mutex);
+    for_each_array(geometry, [&](const void *array, std::size_t bytes) {
+        if (all.arrays.try_emplace(array, image_accounts::held_array{bytes, 0})
+                .first->second.images++ == 0)
+            all.bytes += bytes;
+    });
+}
+
+void images_release(const flat_mesh &geometry)
+{
+    image_accounts &all = accounts();
+    const std::lock_guard lock(all.mutex);
+    for_each_array(geometry, [&](const void *array, std::size_t) {
+        const auto held = all.arrays.find(array);
+        if (held != all.arrays.end() && --held->second.images == 0) {
+            all.bytes -= held->second.bytes;
+            all.arrays.erase(held);
+        }
+    });
 }
 
 bool same_bits(float a, float b)
@@ -409,30 +437,6 @@ bool images_near(const object_image &a, const object_image &b, float slack)
 } // namespace
 
 object_image::~object_image() { images_release(geometry); }
-
-void images_hold(const flat_mesh &geometry)
-{
-    image_accounts &all = accounts();
-    const std::lock_guard lock(all.mutex);
-    for_each_array(geometry, [&](const void *array, std::size_t bytes) {
-        if (all.arrays.try_emplace(array, image_accounts::held_array{bytes, 0})
-                .first->second.images++ == 0)
-            all.bytes += bytes;
-    });
-}
-
-void images_release(const flat_mesh &geometry)
-{
-    image_accounts &all = accounts();
-    const std::lock_guard lock(all.mutex);
-    for_each_array(geometry, [&](const void *array, std::size_t) {
-        const auto held = all.arrays.find(array);
-        if (held != all.arrays.end() && --held->second.images == 0) {
-            all.bytes -= held->second.bytes;
-            all.arrays.erase(held);
-        }
-    });
-}
 
 std::size_t model_state_bytes()
 {

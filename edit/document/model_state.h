@@ -84,14 +84,6 @@ using state_ptr = std::shared_ptr<const model_state>;
 // The model as it is. Unchanged since the last call: the same pointer.
 state_ptr model_state_capture();
 
-// Makes the model as it was. Objects that did not change since stay as they are; where only values
-// changed they are written back; else the geometry is made anew. Identities are
-// kept, objects that the state does not have are freed, holders of references are told. The
-// selection becomes the state's and is announced with "undo", or stays with what lives on. Draws
-// nothing.
-enum class restore_selection { no, yes };
-void model_state_restore(const state_ptr &state, restore_selection selection);
-
 // True when both hold the same model to the bit, whatever is selected. Costs what is not shared.
 bool model_state_same(const model_state &a, const model_state &b);
 

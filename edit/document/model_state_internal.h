@@ -22,25 +22,4 @@ struct tracked_model {
 };
 tracked_model &tracked();
 
-// The normal that three or more corners give, as surface_calc_normal computes it; 0 0 0 for fewer.
-point3_t normal_of_corners(const flat_mesh &mesh, int surface);
-
-// Accounting of the arrays of images.
-void images_hold(const flat_mesh &geometry);
-void images_release(const flat_mesh &geometry);
-
-// ---- selection ----
-
-std::shared_ptr<const selection_image>
-selection_image_take(const std::vector<tracked_model::tracked_object> &objects);
-using objects_by_identity = std::unordered_map<int, object_t *>;
-void selection_image_restore(const selection_image &image, const objects_by_identity &objects);
-
-// ---- geometry ----
-
-// Makes the object's vertices and surfaces those of the image and sets its flat mesh. Where the
-// lists are known to be the image's, values are written; else the holders of references are told
-// that all vertices and surfaces are gone, though their records are used again.
-void object_write_geometry(object_t *object, const flat_mesh &image);
-
 #endif

@@ -1,7 +1,8 @@
 // The selection as runs of places: elements that follow each other in their owner's list, which is
 // what "all" and most rubber bands are, cost one run however many they are.
 
-#include "edit/document/model_state_internal.h"
+#include "edit/document/selection_image.h"
+
 #include "edit/document/selection_scan.h"
 #include "model/identity.h"
 

@@ -1,9 +1,12 @@
 // The kinds of undo records: what reverses each, what the records hold, and how they let go of
 // what is freed.
 
+#include "edit/document/undo_kinds.h"
+
 #include "base/messages_internal.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
+#include "edit/document/model_restore.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"

@@ -1,6 +1,6 @@
 #include "edit/uv/uv_mesh.h"
 
-#include "edit/document/model_state_internal.h"
+#include "edit/document/geometry_image.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"

@@ -1,8 +1,9 @@
 // Windows bitmaps: headers of 12 (OS/2), 16, 40, 52, 56, 64, 108 and 124 bytes; 1, 2, 4, 8, 16, 24
 // and 32 bits a pixel, plain, run-length encoded (4 and 8 bits) or with bit masks, bottom-up or
 // top-down. RGB comes out, RGBA when the header names an alpha mask.
+#include "model/textures/image_bmp.h"
+
 #include "base/messages.h"
-#include "model/textures/image_decode.h"
 
 #include <algorithm>
 #include <array>

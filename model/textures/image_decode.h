@@ -1,11 +1,9 @@
 #ifndef VESK_MODEL_TEXTURES_IMAGE_DECODE_H
 #define VESK_MODEL_TEXTURES_IMAGE_DECODE_H
 
-// The built-in readers of image files. Each works on the bytes of a whole file and never reads
+// The pixels of the built-in readers of image files, and what the readers share. Each works on the bytes of a whole file and never reads
 // outside them; what a header claims is believed only as far as the data goes, so memory is taken
 // for pixels that are there and not for those that are promised.
-
-#include "model/textures/textures.h"
 
 #include <cstdint>
 #include <string_view>
@@ -17,20 +15,14 @@ struct decoded_image {
     std::vector<unsigned char> pixels; // rows from bottom to top
 };
 
-// False, told with -debug, when the bytes are no such image.
-bool decode_gif(std::string_view bytes, const char *filename, decoded_image *out);
-bool decode_sgi(std::string_view bytes, const char *filename, decoded_image *out);
-bool decode_bmp(std::string_view bytes, const char *filename, decoded_image *out);
-
-// Texture loaders.
-VESKImage *load_gif(const char *filename);
-VESKImage *load_sgi(const char *filename);
-VESKImage *load_bmp(const char *filename);
-
-// ---- for the readers ----
-
 // Sizes that an image record can hold.
-bool image_size_fits(std::uint64_t width, std::uint64_t height, std::uint64_t depth);
+constexpr bool image_size_fits(std::uint64_t width, std::uint64_t height, std::uint64_t depth)
+{
+    constexpr std::uint64_t most_side = 65535;       // sides are 16-bit numbers
+    constexpr std::uint64_t most_bytes = 1ULL << 29; // of one image
+    return width > 0 && height > 0 && width <= most_side && height <= most_side &&
+           width * height * depth <= most_bytes;
+}
 
 // Unsigned numbers at a place of a file; 0 outside it.
 inline unsigned image_byte(std::string_view bytes, std::size_t at)

@@ -1,7 +1,8 @@
 // GIF 87a and 89a: the first image of a file, with its local or the global colour map, as RGB.
 // Transparency and what extension blocks say are ignored.
+#include "model/textures/image_gif.h"
+
 #include "base/messages.h"
-#include "model/textures/image_decode.h"
 
 #include <algorithm>
 #include <array>

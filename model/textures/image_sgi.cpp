@@ -1,7 +1,8 @@
 // SGI images, stored verbatim or run-length encoded, 8 or 16 bits a value, 1 to 4 channels: grey,
 // grey and alpha, RGB, RGBA. Rows run from bottom to top in the file, too.
+#include "model/textures/image_sgi.h"
+
 #include "base/messages.h"
-#include "model/textures/image_decode.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
+#include "model/textures/texture_search.h"
+
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/messages.h"
-#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <cstring>
@@ -76,30 +77,5 @@ const char *search_texture_save(const char *model_filename, const char *texture_
         name = texture.substr(folder.size());
     else
         name = texture; // in full: from where the file goes, a name from here leads nowhere
-    return name.c_str();
-}
-
-const char *object_texture_beside(const object_t *object, const char *filename)
-{
-    static std::string name;
-    const char *file = object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
-    if (file == nullptr) {
-        const char *missing = object_missing_texture(object);
-        name = missing == nullptr ? "" : missing;
-        return name.c_str();
-    }
-    name = search_texture_save(filename, file);
-    if (!filename_is_absolute(name.c_str()))
-        return name.c_str();
-    const std::string folder = vesk_filename_get_path(filename);
-    std::error_code error; // links would lead ".." astray
-    const auto from = std::filesystem::weakly_canonical(folder.empty() ? "." : folder, error);
-    const auto to = error ? from : std::filesystem::weakly_canonical(file, error);
-    const auto first_folder = [](const std::filesystem::path &path) {
-        return *std::next(path.begin()); // after the root
-    };
-    if (!error && from.has_relative_path() && to.has_relative_path() &&
-        first_folder(from) == first_folder(to))
-        name = to.lexically_relative(from).string();
     return name.c_str();
 }

@@ -1,5 +1,6 @@
 #include "model/textures/textures.h"
 
+#include "base/atomic_file.h"
 #include "base/crash_guard.h"
 #include "base/file_report.h"
 #include "base/filename.h"
@@ -9,10 +10,15 @@
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/property.h"
-#include "model/textures/image_decode.h"
+#include "model/textures/image_bmp.h"
+#include "model/textures/image_gif.h"
+#include "model/textures/image_sgi.h"
+#include "model/textures/texture_search.h"
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -113,6 +119,68 @@ VESKImage *load_guarded(const texture_loader_t *loader, const char *filename)
         return nullptr;
     }
     return image;
+}
+
+// ---- the built-in loaders ----
+
+using decode_t = bool (*)(std::string_view, const char *, decoded_image *);
+
+// The record of decoded pixels; null without memory.
+VESKImage *make_image(const char *filename, const decoded_image &decoded)
+{
+    auto *data =
+        static_cast<unsigned char *>(myalloc(static_cast<std::uint32_t>(decoded.pixels.size())));
+    VESKImage *image = data != nullptr ? new_veskimage(filename) : nullptr;
+    if (image == nullptr) {
+        myfree(data);
+        return nullptr;
+    }
+    std::memcpy(data, decoded.pixels.data(), decoded.pixels.size());
+    vesk_image_set_dim(image, decoded.width, decoded.height, decoded.depth);
+    vesk_image_set_data(image, data);
+    return image;
+}
+
+struct messages_t {
+    const char *cannot_open;
+    const char *no_memory;
+};
+
+VESKImage *load_by(decode_t decode, const char *filename, const messages_t &texts)
+{
+    std::string bytes;
+    if (!read_whole_file(filename, &bytes)) {
+        debugf("%s", texts.cannot_open);
+        return nullptr;
+    }
+    decoded_image decoded;
+    if (!decode(bytes, filename, &decoded))
+        return nullptr;
+    VESKImage *image = make_image(filename, decoded);
+    if (image == nullptr)
+        debugf("%s", texts.no_memory);
+    return image;
+}
+
+VESKImage *load_gif(const char *filename)
+{
+    VESKImage *image = load_by(decode_gif, filename,
+                               {"divepic_read_gif: error reading magic number\n",
+                                "gif_ReadImage: Not enough memory to create Dive pic\n"});
+    if (image == nullptr)
+        debugf("gif load failed - %s\n", filename);
+    return image;
+}
+
+VESKImage *load_sgi(const char *filename)
+{
+    return load_by(decode_sgi, filename, {"error opening rgb file\n", "Out of memory!\n"});
+}
+
+VESKImage *load_bmp(const char *filename)
+{
+    return load_by(decode_bmp, filename,
+                   {"error opening bitmap file\n", "bitmap file: out of memory\n"});
 }
 
 } // namespace
@@ -391,4 +459,29 @@ const char *object_missing_texture(const object_t *object)
 {
     return object->has_texture != 0 ? nullptr
                                     : vesk_object_get_prop_value(object, missing_texture_property);
+}
+
+const char *object_texture_beside(const object_t *object, const char *filename)
+{
+    static std::string name;
+    const char *file = object->has_texture != 0 ? texture_id_to_name(object->texture) : nullptr;
+    if (file == nullptr) {
+        const char *missing = object_missing_texture(object);
+        name = missing == nullptr ? "" : missing;
+        return name.c_str();
+    }
+    name = search_texture_save(filename, file);
+    if (!filename_is_absolute(name.c_str()))
+        return name.c_str();
+    const std::string folder = vesk_filename_get_path(filename);
+    std::error_code error; // links would lead ".." astray
+    const auto from = std::filesystem::weakly_canonical(folder.empty() ? "." : folder, error);
+    const auto to = error ? from : std::filesystem::weakly_canonical(file, error);
+    const auto first_folder = [](const std::filesystem::path &path) {
+        return *std::next(path.begin()); // after the root
+    };
+    if (!error && from.has_relative_path() && to.has_relative_path() &&
+        first_folder(from) == first_folder(to))
+        name = to.lexically_relative(from).string();
+    return name.c_str();
 }

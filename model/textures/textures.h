@@ -1,8 +1,8 @@
 #ifndef VESK_MODEL_TEXTURES_TEXTURES_H
 #define VESK_MODEL_TEXTURES_TEXTURES_H
 
-/* The one table of textures (an object holds an index into it), the loaders by file suffix, and
-   the search for the file that a model names. Entries are never removed. */
+/* The one table of textures (an object holds an index into it) and the loaders by file suffix.
+   Entries are never removed. */
 
 #include "base/types.h"
 #include "model/object.h"
@@ -66,17 +66,6 @@ VESK_API int texture_build(VESKImage *image);
 /* The same for an image, or for the whole table (again). */
 VESK_API void texture_build_for_all_windows(VESKImage *image);
 VESK_API void texture_rebuild_all(void);
-
-/* ---- search ---- */
-
-/* The file that a model means by a texture name: the name itself when absolute, else beside the
-   model file, there in textures/, or (Deliberate: the folder itself) the home directory's
-   textures. In one buffer that each call overwrites; null when there is none. */
-VESK_API const char *search_texture(const char *model_filename, const char *texture_name);
-
-/* The name to store for a texture file in a model file: relative when the texture lies in the
-   model's folder or below, else the full name. In one buffer that each call overwrites. */
-VESK_API const char *search_texture_save(const char *model_filename, const char *texture_filename);
 
 /* ---- of objects; no undo, no redraw ---- */
 

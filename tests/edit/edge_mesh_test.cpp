@@ -1,6 +1,7 @@
 #include "edit/edge_mesh.h"
 
 #include "base/prefs.h"
+#include "base/progress.h"
 #include "edit/check/model_check.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"

@@ -1,6 +1,7 @@
 #include "edit/primitives.h"
 
 #include "base/prefs.h"
+#include "edit/primitives_flat.h"
 #include "edit/uv/uvmap.h"
 #include "model/identity.h"
 #include "model/normals.h"

@@ -4,6 +4,7 @@
 #include "base/messages_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 #include "tests/fileio/file_cases.h"

@@ -22,6 +22,7 @@
 #include "plugin/exporters.h"
 #include "plugin/importers.h"
 #include "program/command_table.h"
+#include "view/uv_drag.h"
 #include "view/uv_view.h"
 
 #include <cstring>
@@ -136,6 +137,7 @@ void SceneTest::SetUp()
     vesk_register_internal_file_exporters();
     selection_reset_for_test();
     modes_reset_for_test();
+    uv_drag_forget();
     uv_view_reset_for_test();
     uv_editor_reset_for_test();
     uv_keep_set(false);

@@ -1,6 +1,7 @@
 #include "edit/document/selection.h"
 #include "tests/view/view_test.h"
 #include "view/axis_cross.h"
+#include "view/camera_eye.h"
 #include "view/fit.h"
 
 #include <cmath>

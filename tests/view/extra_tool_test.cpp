@@ -7,6 +7,7 @@
 #include "model/flat_mesh.h"
 #include "model/world.h"
 #include "tests/view/tool_fixture.h"
+#include "view/camera_eye.h"
 #include "view/pick_edge.h"
 #include "view/ruler.h"
 #include "view/tool_insert.h"

@@ -4,6 +4,8 @@
 #include "edit/snap.h"
 #include "model/change_marks.h"
 #include "tests/view/view_test.h"
+#include "view/camera.h"
+#include "view/camera_eye.h"
 #include "view/fit.h"
 #include "view/grid.h"
 

@@ -10,6 +10,7 @@
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "tests/support/mesh_test.h"
+#include "view/uv_drag.h"
 #include "view/views_internal.h"
 
 #include <sstream>
@@ -23,7 +24,7 @@ protected:
     void SetUp() override
     {
         SceneTest::SetUp();
-        uv_view_install();
+        uv_drag_install();
         uv_view_resize(600, 400);
         uv_view().scale = 200;
         // Two islands: the lower left quarter of the square, and a small one at its upper right.
@@ -48,15 +49,15 @@ protected:
 
     static void press(int x, int y, int button = 1, int state = 0)
     {
-        uv_view_press({texture_coords_view, x, y, button, state, 0});
+        uv_drag_press({texture_coords_view, x, y, button, state, 0});
     }
     static void motion(int x, int y, int state = 0)
     {
-        uv_view_motion({texture_coords_view, x, y, 0, state, 0});
+        uv_drag_motion({texture_coords_view, x, y, 0, state, 0});
     }
     static void release(int x, int y, int button = 1, int state = 0)
     {
-        uv_view_release({texture_coords_view, x, y, button, state, 0});
+        uv_drag_release({texture_coords_view, x, y, button, state, 0});
     }
     static void drag(int x0, int y0, int x1, int y1, int state = 0, int button = 1)
     {
@@ -168,10 +169,10 @@ struct taken_back_case {
     void (*how)();
 };
 const taken_back_case taken_back_cases[] = {
-    {"escape", [] { uv_view_key("Escape"); }},
+    {"escape", [] { uv_drag_key("Escape"); }},
     {"right_button",
      [] {
-         uv_view_press({texture_coords_view, 0, 0, 3, 0, 0});
+         uv_drag_press({texture_coords_view, 0, 0, 3, 0, 0});
      }},
     {"another_edit", [] { run("uv_select", "all"); }},
     {"a_selection", [] { clear_selection(); }},
@@ -190,7 +191,7 @@ TEST_P(UvViewTakenBack, IsAsBeforeToTheBit)
     ASSERT_NE(scene_text(), before);
     GetParam().how();
     EXPECT_EQ(scene_text(), before);
-    EXPECT_FALSE(uv_view_is_dragging());
+    EXPECT_FALSE(uv_drag_runs());
     motion(300, 200);
     release(300, 200);
     EXPECT_EQ(scene_text(), before);
@@ -203,21 +204,21 @@ TEST_F(UvView, LocksNumbersAndPixelsRuleTheDrag)
     run("uv_select_mode", "island");
     click(210, 290);
     press(220, 280);
-    EXPECT_TRUE(uv_view_key("x"));
+    EXPECT_TRUE(uv_drag_key("x"));
     motion(260, 230);
     expect_box(0.2f, 0, 0.7f, 0.5f);
-    EXPECT_TRUE(uv_view_key("v")); // the other one instead
+    EXPECT_TRUE(uv_drag_key("v")); // the other one instead
     expect_box(0, 0.25f, 0.5f, 0.75f);
-    EXPECT_TRUE(uv_view_key("V")); // free again
+    EXPECT_TRUE(uv_drag_key("V")); // free again
     for (const char *key : {"period", "2", "5", "Tab", "minus", "1"})
-        EXPECT_TRUE(uv_view_key(key)) << key;
+        EXPECT_TRUE(uv_drag_key(key)) << key;
     expect_box(0.25f, -1, 0.75f, -0.5f);
     release(260, 230);
-    EXPECT_TRUE(uv_view_is_dragging()); // a number is being typed
-    EXPECT_TRUE(uv_view_key("Return"));
-    EXPECT_FALSE(uv_view_is_dragging());
+    EXPECT_TRUE(uv_drag_runs()); // a number is being typed
+    EXPECT_TRUE(uv_drag_key("Return"));
+    EXPECT_FALSE(uv_drag_runs());
     expect_box(0.25f, -1, 0.75f, -0.5f);
-    EXPECT_FALSE(uv_view_key("x"));
+    EXPECT_FALSE(uv_drag_key("x"));
 
     run("undo");
     run("uv_option", "snap", "1"); // 512 pixels
@@ -263,7 +264,7 @@ TEST_F(UvView, TheRotateToolTurnsAboutTheMiddle)
     press(280, 250);
     motion(285, 240);
     for (const char *key : {"4", "5", "Return"})
-        uv_view_key(key);
+        uv_drag_key(key);
     const float half = 0.25f * 1.41421356f;
     expect_box(0.25f - half, 0.25f - half, 0.25f + half, 0.25f + half);
 }

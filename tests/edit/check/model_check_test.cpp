@@ -1,7 +1,7 @@
 #include "edit/check/model_check.h"
 
 #include "edit/check/model_check_fix.h"
-#include "edit/check/model_check_internal.h"
+#include "edit/check/model_check_search.h"
 #include "edit/document/selection_internal.h"
 #include "edit/mesh/edge_table.h"
 #include "fileio/vesk_writer.h"

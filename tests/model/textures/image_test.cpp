@@ -3,7 +3,10 @@
 
 #include "base/messages_internal.h"
 #include "model/alloc_internal.h"
-#include "model/textures/image_decode.h"
+#include "model/textures/image_bmp.h"
+#include "model/textures/image_gif.h"
+#include "model/textures/image_sgi.h"
+#include "model/textures/textures.h"
 #include "tests/model/textures/image_writer.h"
 #include "tests/support/scene_test.h"
 

@@ -6,6 +6,7 @@
 #include "model/alloc_internal.h"
 #include "model/object_tree.h"
 #include "model/textures/texture_preview.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 #include "tests/model/textures/image_writer.h"

@@ -1,5 +1,5 @@
-#ifndef VESK_EDIT_CHECK_MODEL_CHECK_INTERNAL_H
-#define VESK_EDIT_CHECK_MODEL_CHECK_INTERNAL_H
+#ifndef VESK_EDIT_CHECK_MODEL_CHECK_SEARCH_H
+#define VESK_EDIT_CHECK_MODEL_CHECK_SEARCH_H
 
 // The searches of the model check on plain arrays.
 

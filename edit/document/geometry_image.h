@@ -1,0 +1,16 @@
+#ifndef VESK_EDIT_DOCUMENT_GEOMETRY_IMAGE_H
+#define VESK_EDIT_DOCUMENT_GEOMETRY_IMAGE_H
+
+// Writing the geometry of an image into a live object.
+
+#include "model/flat_mesh.h"
+
+// The normal that three or more corners give, as surface_calc_normal computes it; 0 0 0 for fewer.
+point3_t normal_of_corners(const flat_mesh &mesh, int surface);
+
+// Makes the object's vertices and surfaces those of the image and sets its flat mesh. Where the
+// lists are known to be the image's, values are written; else the holders of references are told
+// that all vertices and surfaces are gone, though their records are used again.
+void object_write_geometry(object_t *object, const flat_mesh &image);
+
+#endif

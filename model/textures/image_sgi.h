@@ -1,0 +1,9 @@
+#ifndef VESK_MODEL_TEXTURES_IMAGE_SGI_H
+#define VESK_MODEL_TEXTURES_IMAGE_SGI_H
+
+#include "model/textures/image_decode.h"
+
+// False, told with -debug, when the bytes are no such image.
+bool decode_sgi(std::string_view bytes, const char *filename, decoded_image *out);
+
+#endif
