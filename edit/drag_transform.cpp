@@ -23,19 +23,6 @@ bool turns(const drag_change_t &change)
     return change.kind == drag_change_t::ROTATE || change.kind == drag_change_t::TURN;
 }
 
-// The rotation of rotate_selected or rotate_selection as the global matrix.
-void set_rotation(const drag_change_t &change)
-{
-    if (change.kind == drag_change_t::TURN) {
-        set_global_matrix_rotate(radians(change.angles.x), radians(change.angles.y),
-                                 radians(change.angles.z));
-        return;
-    }
-    const float a = radians(change.degrees);
-    set_global_matrix_rotate(change.view == VIEW_ZY ? a : 0.0f, change.view == VIEW_XZ ? -a : 0.0f,
-                             change.view == VIEW_XY ? -a : 0.0f);
-}
-
 float map_axis(float value, float from_min, float from_max, float to_min, float to_max)
 {
     const float size = from_max - from_min;
@@ -45,28 +32,44 @@ float map_axis(float value, float from_min, float from_max, float to_min, float 
     return to_min + (value - from_min) * ((to_max - to_min) / size);
 }
 
-point3_t transformed(const point3_t &p, const drag_change_t &change)
-{
-    switch (change.kind) {
-    case drag_change_t::MOVE:
-        return point_add(p, change.offset);
-    case drag_change_t::ROTATE:
-    case drag_change_t::TURN: {
-        point3_t turned = point_sub(p, change.centre);
-        rotate_point_3d(&turned);
-        return point_add(turned, change.centre);
+// Where a change takes points. Its rotation is computed once.
+class mapping_t {
+public:
+    explicit mapping_t(const drag_change_t &change) : change_(change), centre_(change.centre)
+    {
+        if (change.kind == drag_change_t::TURN)
+            matrix_set_rotate(rotation_, radians(change.angles.x), radians(change.angles.y),
+                              radians(change.angles.z));
+        else
+            matrix_set_turn_in_view(rotation_, change.view, change.degrees);
     }
-    default:
-        return map_between_boxes(p, change);
-    }
-}
+    // Turns about another centre from now on.
+    void set_centre(const point3_t &centre) { centre_ = centre; }
+    [[nodiscard]] const float *rotation() const { return rotation_; }
 
-// The one axis and angle of the global matrix.
-float angle_axis_of_rotation(point3_t *axis)
+    [[nodiscard]] point3_t operator()(const point3_t &p) const
+    {
+        if (change_.kind == drag_change_t::MOVE)
+            return point_add(p, change_.offset);
+        if (!turns(change_))
+            return map_between_boxes(p, change_);
+        point3_t turned = point_sub(p, centre_);
+        matrix_rotate_point(rotation_, &turned);
+        return point_add(turned, centre_);
+    }
+
+private:
+    const drag_change_t &change_;
+    point3_t centre_;
+    float rotation_[9];
+};
+
+// The one axis and angle of a rotation.
+float angle_axis_of_rotation(const float *m, point3_t *axis)
 {
     point3_t x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1};
     for (point3_t *p : {&x, &y, &z}) {
-        rotate_point_3d(p);
+        matrix_rotate_point(m, p);
     }
     // The skew part points along the axis, as long as twice the sine.
     *axis = {y.z - z.y, z.x - x.z, x.y - y.x};
@@ -96,9 +99,8 @@ void open_turn_record(const drag_change_t &turn)
         set_undo_rotate(view == VIEW_ZY ? a.x : -(a.y + a.z), view, &turn.centre);
         return;
     }
-    set_rotation(turn);
     point3_t axis;
-    const float angle = angle_axis_of_rotation(&axis);
+    const float angle = angle_axis_of_rotation(mapping_t(turn).rotation(), &axis);
     new_undo(UNDO_ROTATE_AXIS, "rotate");
     set_undo_rotate_axis_angle(&axis, angle * 180.0f / pi_f);
     if (!undo_records().empty()) {
@@ -122,25 +124,25 @@ struct own_turn_t {
     {
         drag_change_t back = change;
         back.degrees = -back.degrees;
-        set_rotation(back);
+        mapping_t map(back);
         for (const part_t &part : parts) {
             if (object_t *object = object_by_identity(part.identity)) {
-                back.centre = part.pivot;
-                turn_back(object, back);
+                map.set_centre(part.pivot);
+                turn_back(object, map);
             }
         }
         find_bounding_box();
     }
 
 private:
-    static void turn_back(object_t *object, const drag_change_t &back)
+    static void turn_back(object_t *object, const mapping_t &map)
     {
-        object->centre = transformed(object->centre, back);
+        object->centre = map(object->centre);
         for (vertex *v : each<vertex>(object->vertices)) {
-            v->position = transformed(v->position, back);
+            v->position = map(v->position);
         }
         float turned[9];
-        matrix_multiply(global_matrix(), object->rotation, turned);
+        matrix_multiply(map.rotation(), object->rotation, turned);
         matrix_copy(turned, object->rotation);
         object_mark(object, CHANGED_POSITIONS | CHANGED_RECORD);
         object_calc_normals(object);
@@ -164,13 +166,10 @@ point3_t middle_of(object_t *top)
 
 void drag_matrix(const drag_change_t &change, float out[16])
 {
-    if (turns(change)) {
-        set_rotation(change);
-    }
-    const point3_t zero = transformed({0, 0, 0}, change);
-    const point3_t columns[4] = {point_sub(transformed({1, 0, 0}, change), zero),
-                                 point_sub(transformed({0, 1, 0}, change), zero),
-                                 point_sub(transformed({0, 0, 1}, change), zero), zero};
+    const mapping_t map(change);
+    const point3_t zero = map({0, 0, 0});
+    const point3_t columns[4] = {point_sub(map({1, 0, 0}), zero), point_sub(map({0, 1, 0}), zero),
+                                 point_sub(map({0, 0, 1}), zero), zero};
     for (int i = 0; i < 4; ++i) {
         out[i * 4] = columns[i].x;
         out[i * 4 + 1] = columns[i].y;
@@ -236,36 +235,28 @@ void drag_transform_t::mark() const
     uv_keep_follow(owners);
 }
 
-void drag_transform_t::apply_own_centres(const drag_change_t &change)
-{
-    drag_change_t own = change;
-    for (const moved_object_t &moved : objects) {
-        own.centre = moved.pivot;
-        for (size_t i = moved.first_vertex; i < moved.end_vertex; ++i) {
-            vertices[i]->position = transformed(positions[i], own);
-        }
-        moved.object->centre = transformed(moved.centre, own);
-    }
-}
-
 void drag_transform_t::apply(const drag_change_t &change)
 {
-    if (turns(change)) {
-        set_rotation(change);
-    }
+    mapping_t map(change);
     if (turns_own(change)) {
-        apply_own_centres(change);
+        for (const moved_object_t &moved : objects) {
+            map.set_centre(moved.pivot);
+            for (size_t i = moved.first_vertex; i < moved.end_vertex; ++i) {
+                vertices[i]->position = map(positions[i]);
+            }
+            moved.object->centre = map(moved.centre);
+        }
     } else {
         for (size_t i = 0; i < vertices.size(); ++i) {
-            vertices[i]->position = transformed(positions[i], change);
+            vertices[i]->position = map(positions[i]);
         }
         for (const moved_object_t &moved : objects) {
-            moved.object->centre = transformed(moved.centre, change);
+            moved.object->centre = map(moved.centre);
         }
     }
     for (const moved_object_t &moved : objects) {
         if (turns(change)) {
-            matrix_multiply(global_matrix(), moved.rotation, moved.object->rotation);
+            matrix_multiply(map.rotation(), moved.rotation, moved.object->rotation);
         } else {
             matrix_copy(moved.rotation, moved.object->rotation);
         }
@@ -288,16 +279,14 @@ void drag_transform_t::step(const drag_change_t &change)
 // What is drawn by a matrix has its box there too.
 void drag_transform_t::show_box(const drag_change_t &change) const
 {
-    if (turns(change)) {
-        set_rotation(change);
-    }
+    const mapping_t map(change);
     selection_t &all = selection();
     bounds_clear(&all.box_min, &all.box_max);
     for (int i = 0; i < 8; ++i) {
         const point3_t corner = {(i & 1) != 0 ? box_max.x : box_min.x,
                                  (i & 2) != 0 ? box_max.y : box_min.y,
                                  (i & 4) != 0 ? box_max.z : box_min.z};
-        bounds_add(transformed(corner, change), &all.box_min, &all.box_max);
+        bounds_add(map(corner), &all.box_min, &all.box_max);
     }
     recalc_bb_info();
 }

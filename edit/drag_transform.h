@@ -59,7 +59,6 @@ private:
         size_t end_vertex;
     };
     void apply(const drag_change_t &change);
-    void apply_own_centres(const drag_change_t &change);
     void open_record() const;
     void show_box(const drag_change_t &change) const;
     void mark() const;

@@ -102,10 +102,15 @@ listitem *surfaces_create_link_surfaces(const listitem *from, const listitem *to
 
 listitem *copy_pointlist_rotate(const listitem *vertices)
 {
+    return copy_vertices_rotated(vertices, global_matrix());
+}
+
+listitem *copy_vertices_rotated(const listitem *vertices, const float *m)
+{
     owned_list copies;
     for (const vertex *point : each<vertex>(vertices)) {
         vertex *copy = vertex_clone(point);
-        rotate_point_3d(&copy->position);
+        matrix_rotate_point(m, &copy->position);
         copies.add(copy);
     }
     return copies.release();

@@ -29,4 +29,9 @@ VESK_API listitem *copy_surfacelist(const listitem *surfaces, const listitem *fr
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+// The same as copy_pointlist_rotate by a matrix of the caller's.
+listitem *copy_vertices_rotated(const listitem *vertices, const float *m);
+#endif
+
 #endif

@@ -104,53 +104,57 @@ object_t *group_of(object_t *object, const std::vector<object_t *> &pieces)
     return group;
 }
 
+struct replacement_t {
+    object_t *object, *group;
+};
+
+// Each group takes the place of its object, whose children follow the pieces; the objects are freed.
+void replace_by_groups(const std::vector<replacement_t> &replacements)
+{
+    child_changes changes;
+    for (const auto &[object, group] : replacements)
+        changes.replace(object, {group});
+    changes.commit();
+    freed_batch batch;
+    for (const auto &[object, group] : replacements) {
+        // By now groups stand for those of the children that were taken apart too.
+        for (object_t *child : each<object_t>(object->children))
+            object_add_child(group, child);
+        list_free(&object->children);
+        object->num_children = 0;
+        batch.add(object);
+    }
+}
+
 void apart(const char *what, number_pieces number)
 {
-    struct result_t {
-        object_t *source, *group;
-    };
     if (selection().objects == nullptr) {
         display_message("%s - nothing selected", what);
         return;
     }
     display_message("%s...", what);
-    std::vector<result_t> results;
+    std::vector<replacement_t> replacements;
     std::vector<object_t *> all_pieces;
     for (object_t *top : selected_top_objects()) {
         for_each_object(top, [&](object_t *object) {
             const std::vector<object_t *> pieces = take_apart(object, number);
             if (pieces.empty())
                 return;
-            results.push_back({object, group_of(object, pieces)});
+            replacements.push_back({object, group_of(object, pieces)});
             all_pieces.insert(all_pieces.end(), pieces.begin(), pieces.end());
         });
     }
-    if (results.empty()) {
+    if (replacements.empty()) {
         display_message("%s - of one piece already", what);
         return;
     }
     new_undo(UNDO_WORLD, what);
     set_undo_all();
-    child_changes changes;
-    for (const result_t &result : results)
-        changes.replace(result.source, {result.group});
-    changes.commit();
-    // By now groups stand for those of the children that were taken apart too.
-    for (const auto &[source, group] : results) {
-        for (object_t *child : each<object_t>(source->children))
-            object_add_child(group, child);
-        list_free(&source->children);
-        source->num_children = 0;
-    }
-    {
-        freed_batch batch;
-        for (const result_t &result : results)
-            batch.add(result.source);
-    }
+    replace_by_groups(replacements);
     if (select_mode() == SELECT_TREE) {
         std::vector<object_t *> tops;
-        for (const result_t &result : results)
-            tops.push_back(object_top_ancestor(result.group));
+        for (const replacement_t &done : replacements)
+            tops.push_back(object_top_ancestor(done.group));
         select_results(tops);
     } else {
         select_results(all_pieces);

@@ -3,9 +3,10 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/undo.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
-#include "edit/document/undo.h"
 #include "edit/link_surfaces.h"
 #include "model/angle.h"
 #include "model/bounds.h"
@@ -21,9 +22,10 @@ namespace {
 // The object's vertices turned about the axis.
 listitem *ring(const object_t *object, int axis, float angle)
 {
-    set_global_matrix_rotate(axis == 0 ? angle : 0.0f, axis == 1 ? angle : 0.0f,
-                             axis == 2 ? angle : 0.0f);
-    return copy_pointlist_rotate(object->vertices);
+    float m[9];
+    matrix_set_rotate(m, axis == 0 ? angle : 0.0f, axis == 1 ? angle : 0.0f,
+                      axis == 2 ? angle : 0.0f);
+    return copy_vertices_rotated(object->vertices, m);
 }
 
 void free_surfaces(listitem *surfaces)

@@ -145,15 +145,17 @@ void translate_object_abs(object_t *object, const point3_t *point)
     translate_object(object, &offset);
 }
 
-void rotate_object(object_t *object)
+void rotate_object(object_t *object) { object_rotate(object, global_matrix()); }
+
+void object_rotate(object_t *object, const float *m)
 {
-    for_each_object(object, [](object_t *o) {
-        rotate_point_3d(&o->centre);
+    for_each_object(object, [m](object_t *o) {
+        matrix_rotate_point(m, &o->centre);
         float turned[9];
-        matrix_multiply(global_matrix(), o->rotation, turned); // m := m x G
+        matrix_multiply(m, o->rotation, turned);
         matrix_copy(turned, o->rotation);
         for (vertex *v : each<vertex>(o->vertices))
-            rotate_point_3d(&v->position);
+            matrix_rotate_point(m, &v->position);
         object_mark(o, CHANGED_POSITIONS | CHANGED_RECORD);
     });
 }
@@ -167,6 +169,14 @@ void object_scale(object_t *object, float sx, float sy, float sz)
             multiply(&v->position, factors);
         object_mark(o, CHANGED_POSITIONS | CHANGED_RECORD);
     });
+}
+
+void matrix_set_turn_in_view(float *m, int view, float degrees)
+{
+    const float a = radians(degrees);
+    // Deliberate: the signs differ between the views.
+    matrix_set_rotate(m, view == VIEW_ZY ? a : 0.0f, view == VIEW_XZ ? -a : 0.0f,
+                      view == VIEW_XY ? -a : 0.0f);
 }
 
 // ---- the selection ----
@@ -215,27 +225,30 @@ void translate_multiply_selected(const point3_t *first, const point3_t *factors,
 
 void rotate_selected_with_global_matrix(const point3_t *centre)
 {
+    selection_rotate(global_matrix(), centre);
+}
+
+void selection_rotate(const float *m, const point3_t *centre)
+{
     const selection_t &all = selection();
     if (centre == nullptr && all.box_valid == 0)
         return;
     const point3_t middle = centre == nullptr ? rotation_centre() : *centre;
     const selected_points_t points;
     translate_selected(points, negated(middle));
-    change_selected(points, rotate_point_3d, rotate_object);
+    change_selected(
+        points, [m](point3_t *p) { matrix_rotate_point(m, p); },
+        [m](object_t *object) { object_rotate(object, m); });
     translate_selected(points, middle);
 }
 
-void rotate_selection(float rx, float ry, float rz)
-{
-    set_global_matrix_rotate(radians(rx), radians(ry), radians(rz));
-    rotate_selected_with_global_matrix(nullptr);
-    finish_rotation();
-}
+void rotate_selection(float rx, float ry, float rz) { rotate_selection_about(rx, ry, rz, nullptr); }
 
 void rotate_selection_about(float rx, float ry, float rz, const point3_t *centre)
 {
-    set_global_matrix_rotate(radians(rx), radians(ry), radians(rz));
-    rotate_selected_with_global_matrix(centre);
+    float m[9];
+    matrix_set_rotate(m, radians(rx), radians(ry), radians(rz));
+    selection_rotate(m, centre);
     finish_rotation();
 }
 
@@ -248,11 +261,9 @@ void rotate_selection_axis_angle(int axis, float degrees)
 void rotate_selected(float degrees, int view, const point3_t *centre)
 {
     display_message("rotating...");
-    const float a = radians(degrees);
-    // Deliberate: the signs differ between the views.
-    set_global_matrix_rotate(view == VIEW_ZY ? a : 0.0f, view == VIEW_XZ ? -a : 0.0f,
-                             view == VIEW_XY ? -a : 0.0f);
-    rotate_selected_with_global_matrix(centre);
+    float m[9];
+    matrix_set_turn_in_view(m, view, degrees);
+    selection_rotate(m, centre);
     finish_rotation();
     display_message("rotation done");
 }

@@ -81,4 +81,12 @@ VESK_API void mirror_selected(int axis);
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+// rotate_object and rotate_selected_with_global_matrix by a matrix of the caller's.
+void object_rotate(object_t *object, const float *m);
+void selection_rotate(const float *m, const point3_t *centre);
+// The rotation of rotate_selected.
+void matrix_set_turn_in_view(float *m, int view, float degrees);
+#endif
+
 #endif

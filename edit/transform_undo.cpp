@@ -38,16 +38,13 @@ void reverse_resize(undo_record &record)
 void reverse_rotation(undo_record &record)
 {
     const undo_turn turn = std::get<undo_turn>(record.data);
-    const float angle = radians(-turn.degrees);
+    float m[9];
+    if (record.kind == UNDO_ROTATE_AXIS)
+        matrix_set_rotate_angle_axis(m, &turn.axis, radians(-turn.degrees));
+    else
+        matrix_set_turn_in_view(m, turn.view, -turn.degrees);
     undo_on_saved_selection(record, [&] {
-        if (record.kind == UNDO_ROTATE_AXIS) {
-            set_global_matrix_angle_axis(&turn.axis, angle);
-        } else { // the signs of rotate_selected
-            set_global_matrix_rotate(turn.view == VIEW_ZY ? angle : 0.0f,
-                                     turn.view == VIEW_XZ ? -angle : 0.0f,
-                                     turn.view == VIEW_XY ? -angle : 0.0f);
-        }
-        rotate_selected_with_global_matrix(turn.has_centre ? &turn.centre : nullptr);
+        selection_rotate(m, turn.has_centre ? &turn.centre : nullptr);
         selected_calc_normals();
     });
     undo_drop_newest();

@@ -15,7 +15,7 @@ typedef struct material {
     float shininess;
     float transparency; /* 0 opaque */
     char *name;
-    int extra_word;
+    int extra_word; /* without a meaning */
     listitem *properties;
 } material;
 

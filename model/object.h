@@ -42,9 +42,9 @@ typedef struct surface {
     int material;    /* palette index */
     point3_t normal; /* unit face normal */
     uint8_t type;
-    int shading;  /* non-zero: smooth */
-    int twosided; /* non-zero: both faces drawn */
-    uint32_t words[3];
+    int shading;       /* non-zero: smooth */
+    int twosided;      /* non-zero: both faces drawn */
+    uint32_t words[3]; /* scratch: nothing keeps a meaning there across a call */
 } surface_t;
 
 typedef struct object {
@@ -63,8 +63,8 @@ typedef struct object {
     float texture_repeat_x, texture_repeat_y;
     float texture_offset_x, texture_offset_y;
     point3_t centre;
-    float rotation[9]; /* accumulated orientation, row by row */
-    point3_t extra_point;
+    float rotation[9];    /* accumulated orientation, row by row */
+    point3_t extra_point; /* without a meaning, as the extra fields below */
     int type;
     int extra_word;
     int is_sphere;
@@ -72,7 +72,7 @@ typedef struct object {
     int visible;
     int extra_flag;
     int locked;
-    int extra_word2;
+    int extra_word2; /* scratch: nothing keeps a meaning there across a call */
     listitem *properties;
 } object_t;
 

@@ -178,44 +178,49 @@ vertex *mesh_change::vertex_at(int at, const mesh_result &result) const
     return at < old ? before_->vertex_record(at) : result.vertices[at - old];
 }
 
-// The corners of the flat mesh are those of the list without the ones that are not its own.
+// Puts the nodes of the surface's corners into `nodes` as the edits leave them, then links them. The
+// corners of the flat mesh are those of the list without the ones that are not its own.
 void mesh_change::edit_surface(int surface, std::span<const corner_edit> edits,
-                               const mesh_result &result) const
+                               const mesh_result &result, std::vector<listitem *> &nodes) const
 {
     surface_t *record = before_->surface_record(surface);
     int corner = before_->first_corner(surface);
     auto edit = edits.begin();
-    for (listitem **at = &record->refs; *at != nullptr && edit != edits.end();) {
-        listitem *node = *at;
+    nodes.clear();
+    for (listitem *node = record->refs, *next = nullptr; node != nullptr; node = next) {
+        next = node->next;
         auto *reference = item_of<svertex>(node);
-        if (!is_own(reference->vertex)) {
-            at = &node->next;
+        const auto place = static_cast<std::ptrdiff_t>(nodes.size());
+        nodes.push_back(node);
+        if (!is_own(reference->vertex))
             continue;
-        }
-        vertex *point = reference->vertex;
         bool removed = false;
-        listitem *last = node;
         for (; edit != edits.end() && edit->corner == corner; ++edit) {
+            vertex *to =
+                edit->kind == corner_edit::REMOVE ? nullptr : vertex_at(edit->vertex, result);
             if (edit->kind == corner_edit::INSERT) {
-                last = list_add_item_head(&last->next, new_svertex(vertex_at(edit->vertex, result),
-                                                                   edit->uv.u, edit->uv.v));
-                ++record->num_refs;
-            } else {
-                removed = edit->kind == corner_edit::REMOVE;
-                point = removed ? point : vertex_at(edit->vertex, result);
+                listitem *made = nullptr;
+                nodes.push_back(list_add_item_head(&made, new_svertex(to, edit->uv.u, edit->uv.v)));
+                continue;
             }
+            removed = edit->kind == corner_edit::REMOVE;
+            if (!removed)
+                reference->vertex = to;
         }
-        reference->vertex = point;
         if (removed) {
-            *at = node->next; // which may be one that was inserted
+            nodes.erase(nodes.begin() + place);
             myfree(reference);
             myfree(node);
-            --record->num_refs;
         }
-        if (!removed || last != node)
-            at = &last->next;
         ++corner;
     }
+    listitem **link = &record->refs;
+    for (listitem *node : nodes) {
+        *link = node;
+        link = &node->next;
+    }
+    *link = nullptr;
+    record->num_refs = static_cast<int>(nodes.size());
 }
 
 void mesh_change::edit_corners(const mesh_result &result)
@@ -230,6 +235,7 @@ void mesh_change::edit_corners(const mesh_result &result)
     number_vertices(object_);
     const std::vector<std::int32_t> &offsets = *before_->corner_offsets;
     auto at = offsets.begin();
+    std::vector<listitem *> nodes; // of the surface in hand
     for (std::size_t i = 0; i < edits_.size();) {
         while (*(at + 1) <= edits_[i].corner)
             ++at;
@@ -238,7 +244,7 @@ void mesh_change::edit_corners(const mesh_result &result)
             ++i;
         const auto surface = static_cast<int>(at - offsets.begin());
         if (!flag(gone_surfaces_, surface))
-            edit_surface(surface, std::span(edits_).subspan(first, i - first), result);
+            edit_surface(surface, std::span(edits_).subspan(first, i - first), result, nodes);
     }
 }
 

@@ -98,8 +98,8 @@ private:
     void remove_small_surfaces();
     void find_unused();
     void edit_corners(const mesh_result &result);
-    void edit_surface(int surface, std::span<const corner_edit> edits,
-                      const mesh_result &result) const;
+    void edit_surface(int surface, std::span<const corner_edit> edits, const mesh_result &result,
+                      std::vector<listitem *> &nodes) const;
     [[nodiscard]] bool is_old(int v) const { return v >= 0 && v < before_->num_vertices(); }
     [[nodiscard]] bool is_own(const vertex *point) const;
     [[nodiscard]] vertex *vertex_at(int at, const mesh_result &result) const;
