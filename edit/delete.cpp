@@ -94,8 +94,7 @@ void delete_selection(const char *label)
                                               : all.num_objects;
     std::vector<object_t *> touched;
     if (surfaces || mode == SELECT_VERTEX) {
-        new_undo(UNDO_WORLD, label);
-        set_undo_all();
+        open_world_undo(label);
         const owned_list elements(list_clone(surfaces ? all.surfaces : all.vertices));
         touched =
             surfaces ? delete_surfaces(elements.get(), true) : delete_vertices(elements.get());
@@ -118,8 +117,7 @@ void remove_selected_surfaces(void)
     }
     display_message("remove surface...");
     const int count = list_count(surfaces.get());
-    new_undo(UNDO_WORLD, "remove surface");
-    set_undo_all();
+    open_world_undo("remove surface");
     calc_normals_of(delete_surfaces(surfaces.get(), false));
     finish_edit();
     display_message("remove surface - %d surfaces", count);

@@ -73,8 +73,7 @@ void open_undo(const std::vector<owned_elements> &owners)
         new_undo(UNDO_SURFACES, "duplicate");
         return;
     }
-    new_undo(UNDO_WORLD, "duplicate");
-    set_undo_all();
+    open_world_undo("duplicate");
 }
 
 std::vector<surface_t *> duplicate_surfaces(const listitem *surfaces, const point3_t &offset)

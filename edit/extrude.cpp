@@ -5,7 +5,6 @@
 #include "edit/delete.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
-#include "edit/document/undo.h"
 #include "edit/link_surfaces.h"
 #include "edit/mesh/position_index.h"
 #include "edit/region_sweep.h"
@@ -22,8 +21,9 @@
 
 namespace {
 
-// Tells why it refused. Counts the new surfaces; none when nothing changed.
-sweep_outcome extrude_by(const point3_t &offset, std::size_t &made)
+// Says why it refused. Counts the new surfaces; none when nothing changed. Opens an undo record
+// unless the label is null.
+sweep_outcome extrude_by(const point3_t &offset, const char *undo_label, std::size_t &made)
 {
     made = 0;
     const owned_list surfaces(find_selected_whole_surfaces());
@@ -38,27 +38,25 @@ sweep_outcome extrude_by(const point3_t &offset, std::size_t &made)
     const auto place = [&step](int, const point3_t &, const point3_t &before) {
         return point_add(before, step);
     };
-    const sweep_outcome outcome = sweep_surfaces(surfaces.get(), {steps, false, place}, made);
+    const sweep_outcome outcome =
+        sweep_surfaces(surfaces.get(), {steps, false, place, undo_label}, made);
     if (outcome == sweep_outcome::no_outer_edge)
         windows_message_dialog("Extrude failed: There are no external surface edges.");
     return outcome;
 }
 
-void turn(const listitem *vertices)
-{
-    for (vertex *point : each<vertex>(vertices))
-        rotate_point_3d(&point->position);
-}
-
-// The outline moved by minus the offset, on new vertices; those go to `vertices`.
-surface_t *moved_outline(const surface_t *surface, const point3_t &offset, owned_list &vertices)
+// The outline moved by minus the offset and turned (null: not), on new vertices; those go to `vertices`.
+surface_t *moved_outline(const surface_t *surface, const point3_t &offset, const float *rotation,
+                         owned_list &vertices)
 {
     surface_t *copy = new_surface();
     surface_copy_record(copy, surface);
     for (const svertex *reference : each<svertex>(surface->refs)) {
         if (reference->vertex == nullptr)
             continue;
-        const point3_t p = point_sub(reference->vertex->position, offset);
+        point3_t p = point_sub(reference->vertex->position, offset);
+        if (rotation != nullptr)
+            matrix_rotate_point(rotation, &p);
         vertex *point = new_vertex_set(p.x, p.y, p.z);
         vertices.add(point);
         surface_add_vertex(copy, point, reference->u, reference->v);
@@ -71,7 +69,7 @@ surface_t *moved_outline(const surface_t *surface, const point3_t &offset, owned
 int extrude_selected_diff(const point3_t *offset)
 {
     std::size_t made = 0;
-    const sweep_outcome result = extrude_by(*offset, made);
+    const sweep_outcome result = extrude_by(*offset, nullptr, made);
     if (result == sweep_outcome::cancelled)
         display_message("extrude - cancelled");
     return result == sweep_outcome::done ? 1 : 0;
@@ -90,19 +88,19 @@ object_t *extrude_surface(surface_t *surface, const point3_t *offset, int steps,
     object_t *object = object_of_surface(nullptr, surface);
     if (object == nullptr || steps < 1)
         return object;
+    float rotation[9];
     const bool turns = degrees != nullptr && !point_equal(*degrees, {0, 0, 0});
     if (turns) {
         constexpr auto per_degree = static_cast<float>(pi / 180);
-        set_global_matrix_rotate(degrees->x * per_degree, degrees->y * per_degree,
-                                 degrees->z * per_degree);
+        matrix_set_rotate(rotation, degrees->x * per_degree, degrees->y * per_degree,
+                          degrees->z * per_degree);
     }
     const surface_t *before = surface;
     for (int k = 1; k <= steps; ++k) {
         const float part = static_cast<float>(k) / static_cast<float>(steps);
         owned_list vertices;
-        surface_t *copy = moved_outline(surface, point_scale(*offset, part), vertices);
-        if (turns)
-            turn(vertices.get());
+        surface_t *copy = moved_outline(surface, point_scale(*offset, part),
+                                        turns ? rotation : nullptr, vertices);
         object_add_vertices(object, vertices.get());
         const owned_list links(surface_create_link_surfaces(before, copy));
         object_add_surfaces(object, links.get());
@@ -157,15 +155,11 @@ void command_extrude(float dx, float dy, float dz)
         display_message("extrude - nothing selected");
         return;
     }
-    new_undo(UNDO_WORLD, "extrude");
-    set_undo_all();
     display_message("extruding...");
     std::size_t made = 0;
-    const sweep_outcome result = extrude_by({dx, dy, dz}, made);
+    const sweep_outcome result = extrude_by({dx, dy, dz}, "extrude", made);
     if (result == sweep_outcome::cancelled)
-        cancelled("extrude");
-    if (result == sweep_outcome::no_outer_edge)
-        drop_opened_undo();
+        display_message("extrude - cancelled");
     if (result != sweep_outcome::done)
         return;
     finish_edit();

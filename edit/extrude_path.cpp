@@ -3,7 +3,6 @@
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
-#include "edit/document/undo.h"
 #include "edit/region_sweep.h"
 #include "model/identity.h"
 #include "model/vec3d.h"
@@ -124,8 +123,6 @@ void vesk_extrude_along_path(void)
         return;
     }
     display_message("extrude along path...");
-    new_undo(UNDO_WORLD, "extrude along path");
-    set_undo_all();
     const std::vector<vec3d> directions = directions_along(points);
     std::vector<smallest_turn> turns;
     for (const vec3d &direction : directions)
@@ -133,15 +130,14 @@ void vesk_extrude_along_path(void)
     const auto place_at = [&](int level, const point3_t &base, const point3_t &) -> point3_t {
         return to_point(to_vec3d(points[level]) + turns[level](between(points.front(), base)));
     };
-    const sweep_t sweep = {static_cast<int>(points.size()) - 1, true, place_at};
+    const sweep_t sweep = {static_cast<int>(points.size()) - 1, true, place_at,
+                           "extrude along path"};
     std::size_t made = 0;
     const sweep_outcome outcome = sweep_surfaces(surfaces.get(), sweep, made);
     if (outcome == sweep_outcome::cancelled)
-        cancelled("extrude along path");
-    if (outcome == sweep_outcome::no_outer_edge) {
-        drop_opened_undo();
+        display_message("extrude along path - cancelled");
+    if (outcome == sweep_outcome::no_outer_edge)
         windows_message_dialog("Extrude failed: There are no external surface edges.");
-    }
     if (outcome != sweep_outcome::done)
         return;
     finish_edit();

@@ -2,7 +2,6 @@
 
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "model/bounds.h"
 #include "model/child_changes.h"
 #include "model/freed.h"
@@ -73,8 +72,7 @@ void set_centres(const char *what, Place &&place)
         return;
     }
     display_message("%s...", what);
-    new_undo(UNDO_WORLD, what);
-    set_undo_all();
+    open_world_undo(what);
     for (const auto &[object, centre] : found)
         vesk_object_set_centre(object, centre.x, centre.y, centre.z);
     finish_edit();
@@ -97,8 +95,7 @@ void group_selected_objects(void)
         return;
     }
     display_message("group...");
-    new_undo(UNDO_WORLD, "group");
-    set_undo_all();
+    open_world_undo("group");
     object_t *group = new_group();
     object_set_name(group, "group");
     child_changes changes;
@@ -127,8 +124,7 @@ void command_ungroup()
         return;
     }
     display_message("ungroup...");
-    new_undo(UNDO_WORLD, "ungroup");
-    set_undo_all();
+    open_world_undo("ungroup");
     const object_set going(groups.begin(), groups.end());
     child_changes changes;
     std::vector<object_t *> released;

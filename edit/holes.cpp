@@ -5,7 +5,6 @@
 #include "base/progress.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/mesh/mesh_change.h"
 #include "model/matrix.h"
 #include "model/normals.h"
@@ -210,9 +209,8 @@ void selected_surfaces_make_hole(void)
         return;
     }
     display_message("make hole...");
-    new_undo(UNDO_WORLD, "make hole");
-    set_undo_all();
     if (prefs.hole_percent < 0) {
+        open_world_undo("make hole"); // Deliberate: the refusal has its record.
         windows_message_dialog(
             "the hole %% setting is less than zero - please set to a positive number");
         return;
@@ -223,9 +221,10 @@ void selected_surfaces_make_hole(void)
             hole(surface, factor, false, change);
         });
     if (!finished) {
-        cancelled("make hole");
+        display_message("make hole - cancelled");
         return;
     }
+    open_world_undo("make hole");
     clear_selection();
     commit_all(changes);
     redraw_all();
@@ -241,15 +240,14 @@ void selected_surfaces_bevel(void)
         return;
     }
     display_message("bevel...");
-    new_undo(UNDO_WORLD, "bevel");
-    set_undo_all();
     const std::vector<owned_elements> targets = target_surfaces();
     const std::vector<object_t *> objects = selected_top_objects();
     std::vector<mesh_change> changes;
     if (!compute_rings(targets, changes, bevel)) {
-        cancelled("bevel");
+        display_message("bevel - cancelled");
         return;
     }
+    open_world_undo("bevel");
     clear_selection();
     commit_all(changes);
     std::vector<object_t *> touched;

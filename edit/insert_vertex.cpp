@@ -4,7 +4,6 @@
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/mesh/mesh_edges.h"
 #include "model/identity.h"
 
@@ -55,8 +54,7 @@ bool insert_vertex_at(object_t *object, int a, int b, float share)
         {between(p.x, q.x, share), between(p.y, q.y, share), between(p.z, q.z, share)}, a);
     if (!insert_into_surfaces(change, a, b, added, share))
         return false;
-    new_undo(UNDO_WORLD, "insert vertex");
-    set_undo_all();
+    open_world_undo("insert vertex");
     const mesh_result made = change.commit();
     calc_normals_of({object});
     if (select_mode() == SELECT_VERTEX) {

@@ -2,7 +2,6 @@
 
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/mesh/surface_copy.h"
 #include "edit/mesh/union_find.h"
 #include "model/change_marks.h"
@@ -148,8 +147,7 @@ void apart(const char *what, number_pieces number)
         display_message("%s - of one piece already", what);
         return;
     }
-    new_undo(UNDO_WORLD, what);
-    set_undo_all();
+    open_world_undo(what);
     replace_by_groups(replacements);
     if (select_mode() == SELECT_TREE) {
         std::vector<object_t *> tops;
@@ -270,8 +268,7 @@ void command_object_merge()
         return;
     }
     display_message("merge...");
-    new_undo(UNDO_WORLD, "merge");
-    set_undo_all();
+    open_world_undo("merge");
     object_t *target = tops.front();
     const auto count = static_cast<int>(merge.sources.size());
     merge_into(target, tops, merge);

@@ -4,7 +4,6 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/edge_mesh_internal.h"
 #include "model/child_changes.h"
 #include "model/freed.h"
@@ -219,8 +218,7 @@ void selected_objects_reduce(int percent)
         display_message("reduce - cancelled");
         return;
     }
-    new_undo(UNDO_WORLD, "reduce");
-    set_undo_all();
+    open_world_undo("reduce");
     if (prefs.reduce_keep_original != 0)
         select_results(clones_beside(tops, works.get()));
     int before = 0, after = 0;

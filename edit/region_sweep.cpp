@@ -192,6 +192,8 @@ sweep_outcome sweep_surfaces(const listitem *surfaces, const sweep_t &sweep, std
     const sweep_outcome outcome = compute(owners, sweep, parts);
     if (outcome != sweep_outcome::done)
         return outcome;
+    if (sweep.undo_label != nullptr)
+        open_world_undo(sweep.undo_label);
     std::vector<object_t *> touched;
     freed_batch at_once;
     for (std::size_t i = 0; i < owners.size(); ++i) {

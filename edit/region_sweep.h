@@ -15,6 +15,8 @@ struct sweep_t {
     // Where a vertex of the surfaces goes at a level, counted from 1: from its own place and the
     // one at the level before. A vertex that stands there already is used.
     std::function<point3_t(int level, const point3_t &base, const point3_t &before)> place;
+    // Of the whole-model undo record that is opened before the first change; null: none.
+    const char *undo_label;
 };
 
 enum class sweep_outcome { done, no_outer_edge, cancelled };

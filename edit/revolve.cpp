@@ -4,7 +4,6 @@
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/link_surfaces.h"
@@ -102,8 +101,7 @@ void rotate_form_selected_objects_param(int axis, float degrees, int n)
         windows_message_dialog("The setting 'revolve degrees' is out of range (should be 1-360)");
         return;
     }
-    new_undo(UNDO_WORLD, "revolve");
-    set_undo_all();
+    open_world_undo("revolve");
     for (object_t *object : each<object_t>(selection().objects)) {
         object_revolve(object, axis, degrees, n);
         object_calc_normals(object);

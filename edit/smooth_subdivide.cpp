@@ -3,7 +3,6 @@
 #include "base/messages.h"
 #include "base/progress.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/edge_mesh_internal.h"
 #include "model/angle.h"
 #include "model/freed.h"
@@ -343,8 +342,7 @@ void subdivide_selected(const char *what,
         count += mesh->num_faces();
         results.push_back({object, std::move(mesh)});
     }
-    new_undo(UNDO_WORLD, what);
-    set_undo_all();
+    open_world_undo(what);
     {
         freed_batch at_once;
         for (result_t &result : results) {

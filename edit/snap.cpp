@@ -260,7 +260,6 @@ void selected_snap_together(void)
 void selected_snap_together_distance(float distance)
 {
     display_message("snapping together...");
-    open_positions_undo("snap vertices together by distance");
     const std::vector<vertex *> vertices = elements_of<vertex>(selection().vertices);
     std::vector<point3_t> points;
     points.reserve(vertices.size());
@@ -269,9 +268,10 @@ void selected_snap_together_distance(float distance)
     std::vector<point3_t> to;
     cluster_result result;
     if (!find_clusters(points, distance, to, result)) {
-        cancelled("snap together");
+        display_message("snap together - cancelled");
         return;
     }
+    open_positions_undo("snap vertices together by distance");
     for (std::size_t i = 0; i < vertices.size(); ++i)
         vertices[i]->position = to[i];
     mark_owners(selection().vertices);

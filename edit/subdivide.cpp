@@ -3,7 +3,6 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/mesh/mesh_edges.h"
 #include "model/matrix.h"
 #include "model/vector.h"
@@ -356,8 +355,7 @@ void command_insert_vertex()
         return;
     }
     display_message("insert vertex...");
-    new_undo(UNDO_WORLD, "insert vertex");
-    set_undo_all();
+    open_world_undo("insert vertex");
     owned_list added;
     std::vector<object_t *> touched;
     for (std::size_t i = 0; i < changes.size(); ++i) {

@@ -3,7 +3,6 @@
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
-#include "edit/document/undo.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
 #include "model/owners.h"
@@ -21,8 +20,7 @@ void change_surfaces(const char *what, unsigned aspects, Change &&change)
         return;
     }
     display_message("%s...", what);
-    new_undo(UNDO_WORLD, what);
-    set_undo_all();
+    open_world_undo(what);
     int count = 0;
     std::vector<object_t *> touched;
     for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {

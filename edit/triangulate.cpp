@@ -4,7 +4,6 @@
 #include "base/progress.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/mesh/mesh_change.h"
 #include "edit/mesh/tessellator.h"
 #include "model/freed.h"
@@ -143,8 +142,6 @@ void selected_surface_triangulate(void)
 {
     const std::vector<owned_elements> targets = target_surfaces();
     display_status();
-    new_undo(UNDO_WORLD, "triangluate"); // Deliberate: spelt so.
-    set_undo_all();
 
     triangulation_counts counts;
     tessellator_t tessellator;
@@ -154,10 +151,11 @@ void selected_surface_triangulate(void)
     for (const owned_elements &owned : targets) {
         if (!triangulate_all(owned.indices, tessellator, changes.emplace_back(owned.object), counts,
                              &progress, done)) {
-            cancelled("triangulate");
+            display_message("triangulate - cancelled");
             return;
         }
     }
+    open_world_undo("triangluate"); // Deliberate: spelt so.
     clear_selection();
     owned_list triangles;
     {

@@ -272,8 +272,6 @@ void selected_unshare_vertices(void)
         display_message("unshare vertices - nothing selected");
         return;
     }
-    new_undo(UNDO_WORLD, "Unshare vertices");
-    set_undo_all();
     std::vector<mesh_change> changes;
     std::vector<object_t *> touched;
     progress_t progress(selection_get_num_vertices());
@@ -281,10 +279,11 @@ void selected_unshare_vertices(void)
     for (const owned_elements &owned : vertices_by_owner(chosen.get())) {
         touched.push_back(owned.object);
         if (!unshare(owned, changes.emplace_back(owned.object), progress, done)) {
-            cancelled("unshare vertices");
+            display_message("unshare vertices - cancelled");
             return;
         }
     }
+    open_world_undo("Unshare vertices");
     owned_list clones;
     int count = 0;
     for (mesh_change &change : changes) {

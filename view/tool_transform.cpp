@@ -5,7 +5,6 @@
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/drag_transform.h"
@@ -399,8 +398,7 @@ void finish_change(const pointer_event_t &event)
     if (is_nothing(change)) {
         transform->take_back();
     } else if (extrudes) {
-        new_undo(UNDO_WORLD, "extrude");
-        set_undo_all();
+        open_world_undo("extrude");
         const point3_t to = point_add(from, change.offset);
         words = words_of_extrusion(point_sub(to, from));
         extrude_selected(&from, &to);

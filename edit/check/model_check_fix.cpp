@@ -4,7 +4,6 @@
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/document/edit_support.h"
-#include "edit/document/undo.h"
 #include "edit/document/modes.h"
 #include "edit/mesh/edge_table.h"
 #include "edit/mesh/mesh_change.h"
@@ -439,8 +438,7 @@ void fix(const problem_list &problems, bool all)
     std::string label = std::string("fix ") + model_problem_name(problems.front().kind);
     std::replace(label.begin(), label.end(), '_', ' ');
     display_message("%s...", label.c_str());
-    new_undo(UNDO_WORLD, label.c_str());
-    set_undo_all();
+    open_world_undo(label.c_str());
     int count = 0;
     std::vector<object_t *> touched;
     {

@@ -1,10 +1,9 @@
 #include "edit/document/edit_support.h"
 
 #include "base/messages.h"
-#include "base/prefs.h"
 #include "base/redraw.h"
 #include "edit/document/selection_scan.h"
-#include "edit/document/undo_internal.h"
+#include "edit/document/undo.h"
 #include "model/flat_mesh.h"
 #include "model/freed.h"
 #include "model/normals.h"
@@ -119,8 +118,7 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
         display_message("%s - nothing selected", what);
         return;
     }
-    new_undo(UNDO_WORLD, what);
-    set_undo_all();
+    open_world_undo(what);
     clear_selection(); // before: what is not selected need not be looked for among what goes
     std::vector<object_t *> touched;
     {
@@ -143,16 +141,10 @@ void calc_normals_of(const std::vector<object_t *> &objects)
         object_calc_normals(object);
 }
 
-void drop_opened_undo()
+void open_world_undo(const char *label)
 {
-    if (prefs.undo_levels > 0)
-        undo_drop_newest();
-}
-
-void cancelled(const char *what)
-{
-    drop_opened_undo();
-    display_message("%s - cancelled", what);
+    new_undo(UNDO_WORLD, label);
+    set_undo_all();
 }
 
 void finish_edit()

@@ -49,12 +49,10 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
 // Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
 void calc_normals_of(const std::vector<object_t *> &objects);
 
-// Drops the undo record that the running command opened: nothing was changed.
-void drop_opened_undo();
-
-// After the user stopped an operation before it changed anything: says so and drops the undo record
-// that the running command opened for it.
-void cancelled(const char *what);
+// Opens a whole-model undo record. Between the computing half of an operation and its first change:
+// a full list gives its oldest record for a new one, which what is refused or cancelled must not
+// cost.
+void open_world_undo(const char *label);
 
 // Box, redraw and status after a change.
 void finish_edit();
