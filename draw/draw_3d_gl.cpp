@@ -69,7 +69,7 @@ private:
     int count_ = 0;
 };
 
-// What the planes of the projection have to hold.
+// The box that the planes of the projection have to hold.
 void visible_box(const picture_t &picture, point3_t *min, point3_t *max)
 {
     *min = picture.scene.min;
@@ -195,7 +195,7 @@ int draw_set_lights()
         lights.add(above, headlight ? fill_diffuse : fill_diffuse_alone, 0);
         return lights.count();
     }
-    // Several lights share what one would give, or the model burns out.
+    // Several lights share the brightness of one, or the model burns out.
     const float share = 1.0f / std::sqrt(static_cast<float>(places.size()));
     for (const point3_t &place : places) {
         const float position[4] = {place.x, place.y, place.z, 1};

@@ -49,7 +49,7 @@ public:
         glBindBuffer(target, 0);
     }
 
-    // What a pointer call takes for `offset`, with the buffer bound.
+    // `offset` as a pointer call takes it, with the buffer bound.
     [[nodiscard]] const void *bind(GLenum target, size_t offset = 0) const
     {
         if (id_ == 0) {
@@ -135,7 +135,7 @@ void free_page(buffer_page_t *page)
                              [&](const auto &owned) { return owned.get() == page; }));
 }
 
-// Room in a page is given out once; a page goes when its last object has left it.
+// Room in a page is given out once; a page is freed when its last object has left it.
 void leave_page(object_buffers_t &buffers)
 {
     if (buffers.page == nullptr)

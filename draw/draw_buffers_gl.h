@@ -1,9 +1,9 @@
 #ifndef VESK_DRAW_DRAW_BUFFERS_GL_H
 #define VESK_DRAW_DRAW_BUFFERS_GL_H
 
-// The buffers of the objects, shared by all views. Small objects live together in pages, so that ten
-// thousand of them are drawn in a few calls; a large one has a page of its own. Only arrays of the
-// flat mesh whose identity changed are uploaded again.
+// The buffers of the objects, shared by all views. Small objects live together in pages, so that
+// ten thousand of them are drawn in a few calls; a large one has a page of its own. Only arrays of
+// the flat mesh whose identity changed are uploaded again.
 
 #include "draw/draw_device_gl.h"
 #include "draw/mesh_layout.h"
@@ -39,7 +39,7 @@ struct object_buffers_t {
 // Of an object, up to date.
 const object_buffers_t &object_buffers(object_t *object);
 
-// Frees what belongs to objects that were not asked for since the last sweep.
+// Frees the buffers of objects that were not drawn since the last sweep.
 void buffers_sweep();
 
 // Ranges that are drawn alike, gathered over a frame; neighbours are joined.

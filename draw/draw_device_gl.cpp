@@ -26,7 +26,7 @@ struct frame_buffer_t {
 
 struct device_t {
     device_caps_t caps;
-    std::map<int, GLuint> programs; // by what they are made for
+    std::map<int, GLuint> programs; // by purpose
     frame_buffer_t frames[texture_coords_view + 1];
     bool into_frame_buffer = false;
 };

@@ -1,7 +1,7 @@
 #ifndef VESK_DRAW_DRAW_DEVICE_GL_H
 #define VESK_DRAW_DRAW_DEVICE_GL_H
 
-// The OpenGL device: what it can do, frames with and without smoothing, programs, and small arrays
+// The OpenGL device: its abilities, frames with and without smoothing, programs, and small arrays
 // of lines, quads and points in window pixels or in the world. Matrices, lights and materials are
 // the fixed-function state in every case; programs read it, so that a device without them draws the
 // same with less precision.
@@ -34,11 +34,11 @@ struct colour_t {
 colour_t colour_of(int rgb, float alpha = 1.0f);
 inline void set_colour(const colour_t &c) { glColor4f(c.r, c.g, c.b, c.a); }
 
-// A frame of view `view`: cleared, with a viewport of the whole window. Without smoothing nothing is
-// antialiased. frame_end leaves the finished picture in the back buffer, for texts and the swap.
+// A frame of view `view`: cleared, with a viewport of the whole window. Without smoothing nothing
+// is antialiased. frame_end leaves the finished picture in the back buffer, for texts and the swap.
 void frame_begin(int view, int width, int height, const colour_t &background, bool smoothing);
 void frame_end(int view);
-// The view's window goes, with its context: what was made in it is gone.
+// The view's window is closed, and with its context everything made in it is gone.
 void frame_forget(int view);
 
 // Waits until everything is drawn: for measuring.

@@ -1,7 +1,7 @@
 #ifndef VESK_DRAW_DRAW_LAYERS_GL_H
 #define VESK_DRAW_DRAW_LAYERS_GL_H
 
-// What the two kinds of view have in common while one picture is drawn.
+// Shared by the two kinds of view while one picture is drawn.
 
 #include "draw/draw_scene_gl.h"
 #include "view/draw_budget.h"
@@ -13,11 +13,11 @@ struct picture_t {
     scene_t scene;
     layer_choice_t layers;
     draw_budget *budget;
-    bool measure;   // wait after each layer and note what it cost
+    bool measure;   // wait after each layer and note its cost
     double started; // of the layer in hand
 };
 
-// Ends a layer: its cost goes into the budget while the picture is measured.
+// Ends a layer: notes its cost in the budget while the picture is measured.
 void finish_layer(picture_t &picture, draw_layer layer);
 
 // The surfaces of a layer by `draw`; while something moves, that is left out when it is shown as a

@@ -1,7 +1,7 @@
 #ifndef VESK_DRAW_DRAW_OVERLAY_GL_H
 #define VESK_DRAW_DRAW_OVERLAY_GL_H
 
-// What lies over the model, in window pixels: the selection's box with its handles, the icons of
+// Everything over the model, in window pixels: the selection's box with its handles, the icons of
 // lights, object centres, the axis cross.
 
 #include "draw/draw_device_gl.h"
@@ -16,7 +16,7 @@ void draw_selection_box(int view);
 // A box with its handles, in pixels of the present window.
 void draw_box_with_handles(const handle_box_t &box, float width, const colour_t &colour);
 
-// What a running tool shows: rubber band, preview of what it makes, the axis it is locked to.
+// The marks of a running tool: rubber band, preview of what it makes, the axis it is locked to.
 void draw_tool_overlay(int view, int width, int height);
 
 // Icons of the lights, and the crosses of object centres while they are shown. Any view.

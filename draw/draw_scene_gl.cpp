@@ -20,7 +20,7 @@ namespace {
 
 constexpr float locked_dim = 0.6f;
 constexpr float tint_alpha = 0.26f;
-constexpr double nearer_range = 0.9999; // of depths, for what lies on a surface
+constexpr double nearer_range = 0.9999; // of depths, for marks on a surface
 
 // The picture on an object and how it lies there; no image: none is drawn.
 struct placed_image_t {
@@ -30,7 +30,7 @@ struct placed_image_t {
     auto operator<=>(const placed_image_t &) const = default;
 };
 
-// What is drawn in one call: one page and one state.
+// The parts that are drawn in one call: one page and one state.
 struct batch_key_t {
     bool locked;
     bool smooth;
@@ -163,7 +163,7 @@ void add_surface_triangles(const flat_mesh &flat, int surface, std::vector<std::
 {
     const std::span<const std::int32_t> corners = flat.surface_corners(surface);
     const flat_surface &record = flat.surface(surface);
-    if (corners.size() < 3 || record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE)
+    if (corners.size() < 3 || record.is_line())
         return;
     for (const int corner : surface_ears(flat, surface))
         out.push_back(static_cast<std::uint32_t>(corners[corner]));
@@ -173,7 +173,7 @@ void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint
 {
     const flat_surface &record = flat.surface(surface);
     const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-    if (record.type != SURFACE_LINE && record.type != SURFACE_CLOSED_LINE)
+    if (!record.is_line())
         return;
     for (size_t i = 0; i + 1 < corners.size(); ++i)
         out.insert(out.end(), {static_cast<std::uint32_t>(corners[i]),
@@ -217,6 +217,19 @@ bool has_selected_part(const scene_item_t &item)
 {
     return item.part != nullptr && !item.hidden && item.buffers->page != nullptr &&
            !item.part->whole;
+}
+
+// Of every object that is selected in part one list of slots.
+void draw_selected_parts(const scene_t &scene, GLenum mode,
+                         std::vector<std::uint32_t> part_slots_t::*list)
+{
+    for (const scene_item_t &item : scene.items) {
+        if (!has_selected_part(item) || (part_slots(item).*list).empty())
+            continue;
+        page_bind(*item.buffers->page, false);
+        page_draw_slots(mode, part_slots(item).*list);
+    }
+    page_unbind();
 }
 
 // ---- ranges of edges and points by page ----
@@ -330,18 +343,12 @@ void draw_rimmed_points(const scene_t &scene, float size)
     for (const bool is_rim : {true, false}) {
         set_colour(is_rim ? rim : colour_of(prefs.col_selvert));
         set_point_size(is_rim ? size + 2 : size);
-        for (const scene_item_t &item : scene.items) {
-            if (!has_selected_part(item) || item.part->vertices.empty())
-                continue;
-            page_bind(*item.buffers->page, false);
-            page_draw_slots(GL_POINTS, part_slots(item).vertices);
-        }
+        draw_selected_parts(scene, GL_POINTS, &part_slots_t::vertices);
     }
-    page_unbind();
 }
 
-// What a drag moves: all that is selected; by a matrix only whole objects, and the selected parts of
-// others apart from their objects.
+// The moving part during a drag: the selection; by a matrix only whole objects, and the selected
+// parts of others apart from their objects.
 bool is_moving(const scene_item_t &item)
 {
     return overlay().moving && item.part != nullptr && (item.part->whole || !overlay().pending);
@@ -433,13 +440,7 @@ void draw_selection_tint(const scene_t &scene)
     const pending_place_t place;
     set_colour(colour_of(prefs.col_selline, tint_alpha));
     glDepthMask(GL_FALSE);
-    for (const scene_item_t &item : scene.items) {
-        if (!has_selected_part(item) || item.part->surfaces.empty())
-            continue;
-        page_bind(*item.buffers->page, false);
-        page_draw_slots(GL_TRIANGLES, part_slots(item).triangles);
-    }
-    page_unbind();
+    draw_selected_parts(scene, GL_TRIANGLES, &part_slots_t::triangles);
     glDepthMask(GL_TRUE);
 }
 
@@ -498,13 +499,7 @@ void draw_selected_edges(const scene_t &scene, const colour_t &colour, float wid
     draw_edge_ranges(crowded);
     draw_set_line_width(width);
     draw_edge_ranges(whole);
-    for (const scene_item_t &item : scene.items) {
-        if (!has_selected_part(item) || item.part->surfaces.empty())
-            continue;
-        page_bind(*item.buffers->page, false);
-        page_draw_slots(GL_LINES, part_slots(item).edges);
-    }
-    page_unbind();
+    draw_selected_parts(scene, GL_LINES, &part_slots_t::edges);
 }
 
 void draw_vertices(const scene_t &scene, const vertex_options_t &options)

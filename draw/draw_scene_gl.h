@@ -24,10 +24,10 @@ struct scene_t {
 // The world's objects with their buffers brought up to date.
 scene_t gather_scene();
 
-// While what is selected follows the mouse: the items that do, or the others.
+// While the selection follows the mouse: the items that do, or the others.
 scene_t items_that_move(const scene_t &scene, bool moving);
 
-// As long as it lives, what is drawn stands where the mouse has brought it; without a pending
+// As long as it lives, items are drawn where the mouse has brought them; without a pending
 // transform it changes nothing. The model matrix must be current.
 class pending_place_t {
 public:
@@ -64,7 +64,7 @@ void draw_edges(const scene_t &scene, const edge_options_t &options);
 // Line surfaces alone, in their materials' colours.
 void draw_line_surfaces(const scene_t &scene, float width);
 
-// Edges of what is selected: the whole of selected objects, and selected surfaces.
+// Edges of the selection: the whole of selected objects, and selected surfaces.
 void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width);
 
 struct vertex_options_t {

@@ -34,7 +34,7 @@ constexpr std::size_t many_edges = 12000;
 float narrow(double value) { return static_cast<float>(value); }
 float interface_scale() { return narrow(view_interface_scale()); }
 
-// ---- what is drawn, in texture coordinates; made anew when something changed ----
+// ---- the drawing, in texture coordinates; made anew when something changed ----
 
 struct fill_t {
     std::vector<coloured_vertex_t> plain;       // triangles
@@ -364,7 +364,7 @@ void draw_axis_lock(int width, int height)
         draw_soft_line(x, 0, x, static_cast<float>(height), interface_scale(), colour);
 }
 
-// What the colours of the stretch mean.
+// The legend of the colours of the stretch.
 void draw_legend(int height)
 {
     const uv_shown_stretch shown = uv_view().options.stretch;

@@ -4,7 +4,7 @@
 // One finished picture of the window of texture coordinates in the back buffer.
 void draw_uv_view(int width, int height);
 
-// Its window goes.
+// Its window is closed.
 void draw_uv_forget();
 
 #endif

@@ -45,7 +45,7 @@ double scene_vertices(const scene_t &scene)
     return sum;
 }
 
-// What the present layers cost against what they would with smoothing.
+// Notes the cost of smoothing: that of all layers against the present ones.
 void learn_smoothing(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
@@ -85,7 +85,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     const double started = picture.started;
     picture.layers = state.budget.choose(quick, flat);
     picture.layers.boxes_only = distrusted || (moving && picture.layers.boxes_only);
-    // The first picture of a size comes at once; it is drawn again when the size stays.
+    // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
     if (resized) {
         picture.layers.smoothing = false;

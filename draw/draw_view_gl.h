@@ -22,7 +22,7 @@ bool drawn_view_is_partial(int view);
 // After a fault while drawing: bounding boxes only, until the model changes.
 void draw_view_distrust(int view);
 
-// What the last picture of a view cost, for benchmarks: name and seconds of each layer.
+// The cost of the last picture of a view, for benchmarks: name and seconds of each layer.
 struct layer_cost_t {
     std::string layer;
     double seconds;

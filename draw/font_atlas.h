@@ -20,7 +20,7 @@ struct font_atlas_t {
 
 enum class atlas_font { regular, bold };
 
-// The atlas that comes nearest to an interface scale.
+// The atlas nearest to an interface scale.
 const font_atlas_t &font_atlas_for(double scale);
 
 // Characters that the font does not hold are shown as "?".

@@ -1,6 +1,7 @@
 #include "draw/mesh_layout.h"
 
 #include "model/ear_cut.h"
+#include "model/vec3d.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -9,25 +10,17 @@
 
 namespace {
 
-bool is_line(const flat_surface &surface)
-{
-    return surface.type == SURFACE_CLOSED_LINE || surface.type == SURFACE_LINE;
-}
-
 // Sum over the outline; its direction is that of the outline's facing, also when it is concave.
 point3_t outline_normal(const flat_mesh &flat, std::span<const std::int32_t> corners)
 {
-    double sum[3] = {};
+    vec3d sum;
     const point3_t &origin = flat.position(corners[0]);
     for (size_t i = 1; i + 1 < corners.size(); ++i) {
         const point3_t a = point_sub(flat.position(corners[i]), origin);
         const point3_t b = point_sub(flat.position(corners[i + 1]), origin);
-        const point3_t c = point_cross(a, b);
-        sum[0] += c.x;
-        sum[1] += c.y;
-        sum[2] += c.z;
+        sum += to_vec3d(point_cross(a, b));
     }
-    return {static_cast<float>(sum[0]), static_cast<float>(sum[1]), static_cast<float>(sum[2])};
+    return to_point(sum);
 }
 
 // A fan fills the polygon rightly when no corner turns against the others.
@@ -109,17 +102,13 @@ public:
     }
 
 private:
-    const flat_surface &surface_of(int surface) const { return flat_.surface(surface); }
-
-    const point3_t &position(std::int32_t vertex) const { return flat_.position(vertex); }
-
     void sort_into_groups()
     {
         group_table table(out_.groups);
         for (int surface = 0; surface < flat_.num_surfaces(); ++surface) {
-            if (is_line(surface_of(surface)) || flat_.surface_corners(surface).size() < 3)
+            if (flat_.surface(surface).is_line() || flat_.surface_corners(surface).size() < 3)
                 continue;
-            const std::uint32_t group = table.find(surface_of(surface));
+            const std::uint32_t group = table.find(flat_.surface(surface));
             if (group == members_.size())
                 members_.emplace_back();
             members_[group].push_back(surface);
@@ -165,7 +154,7 @@ private:
     void add_polygon(int surface)
     {
         const std::span<const std::int32_t> corners = flat_.surface_corners(surface);
-        const bool smooth = surface_of(surface).smooth != 0;
+        const bool smooth = flat_.surface(surface).smooth != 0;
         const bool ears = options_.cut_concave && !is_convex(flat_, corners);
         if (ears)
             out_.concave.push_back(surface);
@@ -195,8 +184,10 @@ private:
     {
         if (!options_.quads_by_diagonal || corners.size() != 4)
             return 0;
-        const double first = point_length(point_sub(position(corners[0]), position(corners[2])));
-        const double second = point_length(point_sub(position(corners[1]), position(corners[3])));
+        const double first =
+            point_length(point_sub(flat_.position(corners[0]), flat_.position(corners[2])));
+        const double second =
+            point_length(point_sub(flat_.position(corners[1]), flat_.position(corners[3])));
         return second < first ? 1 : 0;
     }
 
@@ -225,9 +216,9 @@ private:
         std::vector<std::vector<int>> members;
         group_table table(out_.line_groups);
         for (int surface = 0; surface < flat_.num_surfaces(); ++surface) {
-            if (!is_line(surface_of(surface)))
+            if (!flat_.surface(surface).is_line())
                 continue;
-            const std::uint32_t group = table.find(surface_of(surface));
+            const std::uint32_t group = table.find(flat_.surface(surface));
             if (group == members.size())
                 members.emplace_back();
             members[group].push_back(surface);
@@ -250,7 +241,7 @@ private:
         };
         for (size_t i = 0; i + 1 < corners.size(); ++i)
             segment(i, i + 1);
-        if (surface_of(surface).type == SURFACE_CLOSED_LINE && corners.size() > 2)
+        if (flat_.surface(surface).type == SURFACE_CLOSED_LINE && corners.size() > 2)
             segment(corners.size() - 1, 0);
     }
 
@@ -287,7 +278,7 @@ bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat)
         if (was_concave)
             return false; // its ears may lie differently now
         const flat_surface &record = flat.surface(surface);
-        if (!is_line(record) && !is_convex(flat, flat.surface_corners(surface)))
+        if (!record.is_line() && !is_convex(flat, flat.surface_corners(surface)))
             return false;
     }
     return true;
@@ -349,7 +340,7 @@ std::vector<std::uint32_t> unique_edges(const flat_mesh &flat, const std::vector
     std::vector<std::uint32_t> starts(num_vertices + 1, 0);
     const auto for_each_edge = [&](auto &&visit) {
         const auto one = [&](int surface) {
-            if (is_line(flat.surface(surface)))
+            if (flat.surface(surface).is_line())
                 return;
             const std::span<const std::int32_t> corners = flat.surface_corners(surface);
             const size_t n = corners.size();

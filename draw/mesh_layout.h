@@ -3,9 +3,9 @@
 
 // How one object's flat mesh becomes vertex and index buffers. Slots are what a vertex buffer
 // holds: slot i is vertex i, further slots follow. A flat surface needs one slot that carries its
-// normal (the last corner of each of its triangles, which flat shading reads); it claims the slot of
-// one of its vertices when that is free. So a mesh of quads takes about one slot a vertex, edges and
-// points are plain vertex indices, and a move rewrites positions and normals only.
+// normal (the last corner of each of its triangles, which flat shading reads); it claims the slot
+// of one of its vertices when that is free. So a mesh of quads takes about one slot a vertex, edges
+// and points are plain vertex indices, and a move rewrites positions and normals only.
 
 #include "model/flat_mesh.h"
 
@@ -48,7 +48,7 @@ mesh_layout_t layout_mesh(const flat_mesh &flat, const layout_options_t &options
 // Whether the layout still fits after vertices moved: no polygon became concave or stopped to be.
 bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat);
 
-// What the buffers hold: three floats a slot, and a normal as four signed 16-bit numbers.
+// The contents of the buffers: three floats a slot, and a normal as four signed 16-bit numbers.
 void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
 void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int16_t *out);
 // Of a layout with texture coordinates: two floats a slot.

@@ -7,7 +7,7 @@
 
 namespace {
 
-// What is used of the library, by name.
+// The functions of the library, by name.
 struct egl_t {
     void *library = nullptr;
     PFNEGLGETPROCADDRESSPROC get_proc_address = nullptr;

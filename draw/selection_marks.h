@@ -1,7 +1,8 @@
 #ifndef VESK_DRAW_SELECTION_MARKS_H
 #define VESK_DRAW_SELECTION_MARKS_H
 
-// What of each object is selected, as the drawing wants it: looked up once after each change.
+// The selected elements of each object, as the drawing needs them: looked up once after each
+// change.
 
 #include "model/object.h"
 

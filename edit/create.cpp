@@ -224,7 +224,7 @@ void command_create_outline(const char *name, const char *coordinates)
         if (at == nullptr) {
             break;
         }
-        if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) {
+        if (!point_is_finite(p)) {
             display_message("create outline - a coordinate is no number");
             return;
         }

@@ -5,8 +5,8 @@
 
 #include <vector>
 
-// What the create tools and the command "create" make from the two corners of a box: one table for
-// both. The plane is a view's (0 front, 1 side, 2 plan).
+// The shapes that the create tools and the command "create" make from the corners of a box: one
+// table for both. The plane is a view's (0 front, 1 side, 2 plan).
 
 struct create_kind_t {
     const char *name;  // also the draw mode's, where there is one

@@ -21,7 +21,8 @@ VESK_API void surfacelist_delete_with_vertices(const listitem *surfaces);
    the vertices with every reference to them. Undo "delete". */
 VESK_API void delete_selected(void);
 
-/* Command "removesurface": the whole surfaces go, their vertices stay. Undo "remove surface". */
+/* Command "removesurface": the whole surfaces are removed, their vertices stay. Undo "remove
+   surface". */
 VESK_API void remove_selected_surfaces(void);
 
 VESK_END_DECLS

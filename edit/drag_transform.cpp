@@ -89,7 +89,7 @@ float angle_axis_of_rotation(const float *m, point3_t *axis)
 }
 
 // A record for a turn: about the axis that looks into a view where it is only one, else about the
-// one axis that the three angles come to.
+// one axis that stands for the three angles.
 void open_turn_record(const drag_change_t &turn)
 {
     const point3_t &a = turn.angles;
@@ -149,7 +149,7 @@ private:
     }
 };
 
-// Of the box of the object and what is below it; its centre when nothing has an extent.
+// Of the box of the object and its descendants; its centre when nothing has an extent.
 point3_t middle_of(object_t *top)
 {
     point3_t min, max;
@@ -276,7 +276,7 @@ void drag_transform_t::step(const drag_change_t &change)
     }
 }
 
-// What is drawn by a matrix has its box there too.
+// The box of a selection that is drawn by a matrix.
 void drag_transform_t::show_box(const drag_change_t &change) const
 {
     const mapping_t map(change);

@@ -27,10 +27,10 @@ void drag_matrix(const drag_change_t &change, float out[16]);
 
 class drag_transform_t {
 public:
-    // Remembers what is selected now.
+    // Remembers the present selection.
     drag_transform_t();
 
-    // What moves.
+    // The vertices that move.
     [[nodiscard]] const std::vector<vertex *> &moving() const { return vertices; }
 
     [[nodiscard]] bool empty() const { return vertices.empty() && objects.empty(); }

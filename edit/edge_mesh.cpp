@@ -185,7 +185,7 @@ vesk_mesh_t *vesk_object_to_mesh(object_t *object)
     mesh->offsets.reserve(flat->num_surfaces() + 1);
     for (int s = 0; s < flat->num_surfaces(); ++s) {
         const auto corners = flat->surface_corners(s);
-        if (!is_polygon(flat->surface(s)) || corners.size() < 3)
+        if (flat->surface(s).is_line() || corners.size() < 3)
             continue;
         auto corner = flat->first_corner(s);
         for (const int v : corners)
@@ -214,7 +214,8 @@ public:
         session().committing = true;
         move_vertices();
         add_vertices();
-        listitem *made = make_surfaces(); // before the old ones, whose properties they take, go
+        listitem *made =
+            make_surfaces(); // before the old ones, whose properties they take, are freed
         find_unused();
         freed_batch batch;
         drop_polygons(batch);
@@ -272,7 +273,7 @@ private:
     {
         use_.resize(before_->num_vertices(), UNTOUCHED);
         for (int s = 0; s < before_->num_surfaces(); ++s) {
-            const bool goes = is_polygon(before_->surface(s));
+            const bool goes = !before_->surface(s).is_line();
             for (const int v : before_->surface_corners(s)) {
                 if (use_[v] != KEPT)
                     use_[v] = goes ? LOST : KEPT;
@@ -289,7 +290,7 @@ private:
         const std::vector<flat_surface> &surfaces = *before_->surfaces;
         object_->num_surfaces -= list_unlink_if<surface_t>(
             &object_->surfaces, batch, [&](const surface_t * /*surface*/, std::size_t i) {
-                return i < surfaces.size() && is_polygon(surfaces[i]);
+                return i < surfaces.size() && !surfaces[i].is_line();
             });
     }
 

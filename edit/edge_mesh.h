@@ -16,8 +16,8 @@ VESK_API void vesk_mesh_free(vesk_mesh_t *mesh);
 
 /* Makes the mesh the object's geometry: its polygons replace the object's, with the properties of
    those they came from; its first vertices are the object's, moved, the others new ones; vertices
-   that lost their last surface go. Lines stay. The object must be the one that the mesh was made
-   of, unchanged since. Computes no normals. */
+   that lost their last surface are removed. Lines stay. The object must be the one that the mesh
+   was made of, unchanged since. Computes no normals. */
 VESK_API void vesk_mesh_to_object(const vesk_mesh_t *mesh, object_t *object);
 
 /* Appends n vertices from 3n floats x y z; returns the first one's index. */
@@ -34,7 +34,7 @@ VESK_API int vesk_mesh_num_faces(const vesk_mesh_t *mesh);
 VESK_API int vesk_mesh_num_edges(vesk_mesh_t *mesh);
 /* Three floats a vertex, valid until the next change. */
 VESK_API const float *vesk_mesh_positions(const vesk_mesh_t *mesh);
-/* The vertices of a polygon, valid until the next change; their number goes to `n`. */
+/* The vertices of a polygon, valid until the next change; `n` is set to their number. */
 VESK_API const int *vesk_mesh_face(const vesk_mesh_t *mesh, int face, int *n);
 /* Vertices a < b of an edge, and the first two polygons it belongs to (-1 for none); returns to how
    many it belongs. */

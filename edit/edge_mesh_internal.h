@@ -17,6 +17,7 @@ struct vesk_mesh {
     std::unique_ptr<edge_table> edges; // null after a change
 
     [[nodiscard]] int num_faces() const { return static_cast<int>(sources.size()); }
+    [[nodiscard]] int num_corners() const { return static_cast<int>(corners.size()); }
     [[nodiscard]] std::span<const int> face(int i) const
     {
         return {corners.data() + offsets[i], corners.data() + offsets[i + 1]};

@@ -45,7 +45,8 @@ sweep_outcome extrude_by(const point3_t &offset, const char *undo_label, std::si
     return outcome;
 }
 
-// The outline moved by minus the offset and turned (null: not), on new vertices; those go to `vertices`.
+// The outline moved by minus the offset and turned (null: not), on new vertices, which are added to
+// `vertices`.
 surface_t *moved_outline(const surface_t *surface, const point3_t &offset, const float *rotation,
                          owned_list &vertices)
 {

@@ -9,10 +9,10 @@ VESK_BEGIN_DECLS
 /* Sweeps the selected whole surfaces by `offset`: walls of quads on the outer edges of the selected
    region, in as many steps as the preference extrude_num says (below 1: one), with extrude_cap_end
    a moved copy of each surface, with extrude_delete_original the surfaces and the vertices that
-   only they used go. extrude_flip_cap turns walls and copies round. Vertices that already stand
-   where a new one would are used. A message box and no change: nothing is selected; the selected
-   surfaces have no outer edge. Computes the normals of the objects touched; opens no undo, draws
-   nothing. The user may cancel. Returns 1, or 0 when nothing changed. */
+   only they used are removed. extrude_flip_cap turns walls and copies round. Vertices that already
+   stand where a new one would are used. A message box and no change: nothing is selected; the
+   selected surfaces have no outer edge. Computes the normals of the objects touched; opens no undo,
+   draws nothing. The user may cancel. Returns 1, or 0 when nothing changed. */
 VESK_API int extrude_selected_diff(const point3_t *offset);
 
 /* The same by `end` minus `start`; announces itself on the message line. */

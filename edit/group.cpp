@@ -21,8 +21,8 @@ bool can_dissolve(const object_t *object)
 
 using object_set = std::unordered_set<const object_t *>;
 
-// What stands in a group's place: its children, those of the groups among them that go too instead
-// of these.
+// The objects that replace a group: its children, those of the groups among them that are dissolved
+// instead of these.
 std::vector<object_t *> contents(const object_t *group, const object_set &going)
 {
     std::vector<object_t *> found, stack;
@@ -51,7 +51,7 @@ void drop_children(object_t *group)
     group->num_children = 0;
 }
 
-// Sets a centre of every selected object to what `place` makes of its box.
+// Sets a centre of every selected object to the point that `place` makes of its box.
 template <class Place>
 void set_centres(const char *what, Place &&place)
 {

@@ -113,11 +113,6 @@ private:
     qhT state_;
 };
 
-bool is_number(const point3_t &p)
-{
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
 void append_polygon(const std::vector<int> &corners, polygons_t *out)
 {
     out->corners.insert(out->corners.end(), corners.begin(), corners.end());
@@ -142,7 +137,7 @@ bool faces_against(const double *normal, const std::vector<point3_t> &points,
 double turn_about(int axis, const point3_t &a, const point3_t &b, const point3_t &c)
 {
     const point3_t cross = point_cross(point_sub(b, a), point_sub(c, a));
-    return axis == 0 ? cross.x : axis == 1 ? cross.y : cross.z;
+    return axis_of(cross, axis);
 }
 
 } // namespace
@@ -201,7 +196,8 @@ std::vector<double> furthest_points(const std::vector<double> &numbers)
 }
 
 // Takes out the points that lie well inside the hull of a few: they cannot be part of the whole
-// one. Of a body most points go. (S. Akl, G. Toussaint, A fast convex hull algorithm, 1978.)
+// one. Of a body most points are dropped. (S. Akl, G. Toussaint, A fast convex hull algorithm,
+// 1978.)
 void drop_inner_points(double precision, std::vector<double> *numbers, std::vector<int> *names)
 {
     constexpr std::size_t few = 1000;
@@ -245,7 +241,7 @@ hull_result convex_hull(const std::vector<point3_t> &points, double precision, p
     numbers.reserve(3 * points.size());
     names.reserve(points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
-        if (!is_number(points[i]))
+        if (!point_is_finite(points[i]))
             continue;
         numbers.insert(numbers.end(), {points[i].x, points[i].y, points[i].z});
         names.push_back(static_cast<int>(i));
@@ -277,7 +273,7 @@ hull_result delaunay_triangulation(const std::vector<point3_t> &points, int axis
     std::vector<int> names;
     for (std::size_t i = 0; i < points.size(); ++i) {
         const point3_t &p = points[i];
-        if (!is_number(p))
+        if (!point_is_finite(p))
             continue;
         numbers.push_back(axis == 0 ? p.y : p.x);
         numbers.push_back(axis == 2 ? p.y : p.z);
@@ -313,7 +309,7 @@ hull_result delaunay_triangulation(const std::vector<point3_t> &points, int axis
 
 namespace {
 
-// What the worker owns, so that it may outlive a cancelled command.
+// Data of the worker, which may outlive a cancelled command.
 struct hull_work {
     std::vector<point3_t> points;
     polygons_t polygons;

@@ -12,9 +12,9 @@ VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
 
-// Hiding and locking, by whole objects: in surface and vertex mode the owners of what is selected.
-// Hidden and locked objects leave the selection; the script variables objects_are_hidden and
-// objects_are_locked tell the truth afterwards.
+// Hiding and locking, by whole objects: in surface and vertex mode the owners of the selected
+// elements. Hidden and locked objects leave the selection; the script variables objects_are_hidden
+// and objects_are_locked tell the truth afterwards.
 
 void command_hide_selected();
 void command_hide_unselected();
@@ -22,7 +22,7 @@ void command_lock_selected();
 void command_lock_unselected();
 void command_unlock();
 
-// After flags were set in another way: what is out of reach leaves the selection, the script
+// After flags were set in another way: hidden and locked elements leave the selection, the script
 // variables are set, all is drawn.
 void object_flags_changed();
 

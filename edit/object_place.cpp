@@ -60,7 +60,7 @@ void command_objects_place(int, const char *const *words)
             objects.push_back(object);
         }
     }
-    // What stands in front of itself would lose its place: the next that stays is meant.
+    // An object cannot stand in front of itself: the next one that stays is meant.
     object_t *before = before_id == 0 ? nullptr : object_by_identity(before_id);
     while (before != nullptr && moving.contains(before)) {
         before = child_after(before);

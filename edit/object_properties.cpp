@@ -61,7 +61,7 @@ const property_t properties[] = {
      }},
 };
 
-// A group has no geometry of its own; lights and the world stay what they are.
+// A group has no geometry of its own; lights and the world keep their types.
 bool can_be(const object_t *object, const std::string &type)
 {
     const bool changes = object->type != OBJECT_LIGHT && object->type != OBJECT_WORLD;

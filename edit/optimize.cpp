@@ -148,7 +148,7 @@ int object_optimize(object_t *object)
 {
     struct step {
         object_t *object;
-        int references; // to be told when the children are done; -1: not begun
+        int references; // to be reported when the children are done; -1: not begun
     };
     std::vector<step> steps{{object, -1}};
     int total = 0;

@@ -106,6 +106,23 @@ void turn(const point3_t &angles, const point3_t &centre)
     make(change);
 }
 
+// Ends the running transform and keeps its change, or takes it back.
+void end_transform(bool keep)
+{
+    running_t ended = std::exchange(running(), {});
+    if (ended.transform == nullptr) {
+        return;
+    }
+    if (!keep) {
+        ended.transform->take_back();
+    } else if (ended.changed) {
+        ended.transform->finish();
+    }
+    ended.step.reset(); // the command's own step takes the state
+    redraw_all();
+    display_status();
+}
+
 } // namespace
 
 void panel_transform_begin(const char *kind)
@@ -145,31 +162,9 @@ void panel_transform_to(float x, float y, float z)
     display_status();
 }
 
-void panel_transform_end()
-{
-    running_t ended = std::exchange(running(), {});
-    if (ended.transform == nullptr) {
-        return;
-    }
-    if (ended.changed) {
-        ended.transform->finish();
-    }
-    ended.step.reset(); // the command's own step takes the state
-    redraw_all();
-    display_status();
-}
+void panel_transform_end() { end_transform(true); }
 
-void panel_transform_cancel()
-{
-    running_t ended = std::exchange(running(), {});
-    if (ended.transform == nullptr) {
-        return;
-    }
-    ended.transform->take_back();
-    ended.step.reset();
-    redraw_all();
-    display_status();
-}
+void panel_transform_cancel() { end_transform(false); }
 
 // ---- commands ----
 

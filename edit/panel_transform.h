@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_PANEL_TRANSFORM_H
 #define VESK_EDIT_PANEL_TRANSFORM_H
 
-// The transforms of panels and dialogs: what the plain commands do, with one undo record each; and
+// The transforms of panels and dialogs: the plain commands with one undo record each; and
 // one that follows a number while it is dragged. Nothing selected: a status line.
 
 // Each moves, turns (degrees, about the middle of the box or a point) or mirrors the selection.
@@ -18,7 +18,7 @@ void rotate_each_with_undo(int view, float degrees);
 void resize_with_undo(float min_x, float min_y, float min_z, float max_x, float max_y, float max_z);
 
 // Begins a transform: "move" (by an offset), "rotate" (by degrees about the middle of the box) or
-// "scale" (by factors about it). panel_transform_to says how far it has come since the beginning,
+// "scale" (by factors about it). panel_transform_to gives the whole amount since the beginning,
 // panel_transform_end keeps it as one undo record, panel_transform_cancel puts back the very bits.
 // panel_transform_about gives a rotation another centre.
 void panel_transform_begin(const char *kind);

@@ -47,19 +47,6 @@ int number_each(const flat_mesh &mesh, piece_numbers *pieces)
     return mesh.num_surfaces();
 }
 
-std::vector<int> loose_vertices(const flat_mesh &mesh)
-{
-    std::vector<bool> used(mesh.num_vertices());
-    for (const int v : *mesh.corners)
-        used[v] = true;
-    std::vector<int> loose;
-    for (int v = 0; v < mesh.num_vertices(); ++v) {
-        if (!used[v])
-            loose.push_back(v);
-    }
-    return loose;
-}
-
 using number_pieces = int (*)(const flat_mesh &, piece_numbers *);
 
 // The pieces of an object as new objects; none when it is of one piece.
@@ -69,7 +56,7 @@ std::vector<object_t *> take_apart(object_t *object, number_pieces number)
     const flat_mesh &mesh = copier.mesh();
     piece_numbers pieces(mesh.num_surfaces());
     const int count = number(mesh, &pieces);
-    const std::vector<int> loose = loose_vertices(mesh);
+    const std::vector<int> loose = flat_loose_vertices(mesh);
     if (count + (loose.empty() ? 0 : 1) < 2)
         return {};
     // The surfaces in the order of their pieces.
@@ -107,7 +94,8 @@ struct replacement_t {
     object_t *object, *group;
 };
 
-// Each group takes the place of its object, whose children follow the pieces; the objects are freed.
+// Each group takes the place of its object, whose children follow the pieces; the objects are
+// freed.
 void replace_by_groups(const std::vector<replacement_t> &replacements)
 {
     child_changes changes;
@@ -208,7 +196,7 @@ private:
     listitem *last_;
 };
 
-// Vertices and surfaces go over as they are.
+// Moves vertices and surfaces as they are.
 void move_geometry(const std::vector<object_t *> &sources, object_t *to)
 {
     list_joiner vertices(&to->vertices), surfaces(&to->surfaces);

@@ -5,7 +5,7 @@
 
 // "object_fragment": one object for each connected piece of a selected object, descendants
 // included; surfaces that share a vertex are connected. "object_explode": one for each surface.
-// What came of one object stands in a group of its name, in its place, with its children behind;
+// The pieces of one object stand in a group of its name, in its place, its children behind them;
 // vertices without a surface make a piece of their own. Objects of one piece stay as they are.
 // Undo "fragment", "explode".
 void command_object_fragment();

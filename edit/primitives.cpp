@@ -114,30 +114,6 @@ const box_face_t box_faces[] = {
 
 } // namespace
 
-namespace primitive {
-
-surface_t *new_side(bool smooth)
-{
-    surface_t *surface = new_surface();
-    surface_set_shading(surface, smooth ? 1 : 0);
-    surface_set_twosided(surface, 0);
-    return surface;
-}
-
-object_t *new_named(const char *name)
-{
-    object_t *object = new_object(OBJECT_POLY);
-    object_set_name(object, name);
-    return object;
-}
-
-void set_middle(object_t *object, const point3_t &c1, const point3_t &c2)
-{
-    vesk_object_set_centre(object, (c1.x + c2.x) / 2, (c1.y + c2.y) / 2, (c1.z + c2.z) / 2);
-}
-
-} // namespace primitive
-
 void surface_add_quad_refs(surface_t *surface, vertex *a, vertex *b, vertex *c, vertex *d)
 {
     add_corners(surface, {{a, 0, 0}, {b, 1, 0}, {c, 1, 1}, {d, 0, 1}});
@@ -196,7 +172,7 @@ object_t *add_sphere(int, const point3_t *c1, const point3_t *c2)
                              std::min(c1->z, c2->z) + radii.z};
     object_t *object = new_named("sphere");
     const sphere_t sphere(object, middle, radii, n);
-    // The body comes in reverse order before the caps.
+    // The body is listed in reverse order before the caps.
     sphere.add_body([&](surface_t *surface) { object_add_surface_head(object, surface); });
     sphere.add_caps([&](surface_t *surface) { object_add_surface(object, surface); });
     object_calc_normals_force(object);

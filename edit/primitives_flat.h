@@ -20,7 +20,7 @@ VESK_API object_t *add_grid(int plane, const point3_t *c1, const point3_t *c2);
 /* meshx by meshy cells of quads, or of triangles (mesh_triangles), materials 0 and 1 in turn. */
 VESK_API object_t *add_mesh(int plane, const point3_t *c1, const point3_t *c2);
 /* Outline of an ellipse of ellipse_segments corners, and a filled one of disk_segments, about the
-   origin: the caller moves them. Below 3 segments: 3, told on the console. */
+   origin: the caller moves them. Below 3 segments: 3, reported on the console. */
 VESK_API object_t *add_circle(int plane, const point3_t *c1, const point3_t *c2);
 VESK_API object_t *add_disk(int plane, const point3_t *c1, const point3_t *c2);
 

@@ -1,7 +1,8 @@
 #ifndef VESK_EDIT_PRIMITIVES_INTERNAL_H
 #define VESK_EDIT_PRIMITIVES_INTERNAL_H
 
-#include "edit/primitives.h"
+// Shared by the solid and the flat shapes.
+
 #include "model/object.h"
 
 namespace primitive {
@@ -58,10 +59,25 @@ surface_t *add_corners(surface_t *surface, const corner_t (&corners)[N])
 }
 
 // A one-sided surface, not yet in an object.
-surface_t *new_side(bool smooth);
+inline surface_t *new_side(bool smooth)
+{
+    surface_t *surface = new_surface();
+    surface_set_shading(surface, smooth ? 1 : 0);
+    surface_set_twosided(surface, 0);
+    return surface;
+}
 
-object_t *new_named(const char *name);
-void set_middle(object_t *object, const point3_t &c1, const point3_t &c2);
+inline object_t *new_named(const char *name)
+{
+    object_t *object = new_object(OBJECT_POLY);
+    object_set_name(object, name);
+    return object;
+}
+
+inline void set_middle(object_t *object, const point3_t &c1, const point3_t &c2)
+{
+    vesk_object_set_centre(object, (c1.x + c2.x) / 2, (c1.y + c2.y) / 2, (c1.z + c2.z) / 2);
+}
 
 } // namespace primitive
 

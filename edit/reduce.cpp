@@ -8,6 +8,7 @@
 #include "model/child_changes.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
+#include "model/vector.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,7 +100,7 @@ std::vector<unsigned> simplified(const reduce_work &work, const std::vector<poin
 }
 
 // A triangle has about half as many vertices of its own as corners; how many exactly shows
-// afterwards. Small meshes are tried again with what was learnt.
+// afterwards. Small meshes are tried again with the result of the first try.
 void reduce(reduce_work *work)
 {
     find_wedges(work);
@@ -159,9 +160,7 @@ void add_work(object_t *object, int percent, work_list *list)
     vesk_mesh_free(mesh);
     mesh_triangulate(&work.mesh);
     const bool is_sound =
-        std::all_of(work.mesh.points.begin(), work.mesh.points.end(), [](const point3_t &p) {
-            return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-        });
+        std::all_of(work.mesh.points.begin(), work.mesh.points.end(), point_is_finite);
     if (work.mesh.sources.empty() || !is_sound)
         return;
     number_looks(*object_flat(object), &work);

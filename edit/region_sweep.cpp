@@ -57,7 +57,7 @@ std::vector<bool> region_sweep::outer_edges() const
             const int edge = edges_.of_corner[c];
             if (edge < 0)
                 continue;
-            // Deliberate: an edge that one surface has twice is an outer one.
+            // Deliberate: an edge that one surface has twice is an outer one, for no other surface has it.
             if (owner[edge] >= 0 && owner[edge] != surface)
                 outer[edge] = false;
             owner[edge] = surface;

@@ -2,7 +2,7 @@
 #define VESK_EDIT_REGION_SWEEP_H
 
 // Sweeping surfaces: a strip of quads on every outer edge of the region that they are, a moved copy
-// of each as a cap, and what goes, as the extrude preferences say.
+// of each as a cap, and the removal of the originals, as the extrude preferences say.
 
 #include "model/object.h"
 
@@ -12,7 +12,7 @@ struct sweep_t {
     int levels; // at least 1
     // Leaves out the corners of a side that do not move, so that edges on an axis give triangles.
     bool drops_resting_corners;
-    // Where a vertex of the surfaces goes at a level, counted from 1: from its own place and the
+    // Place of a vertex of the surfaces at a level, counted from 1: from its own place and the
     // one at the level before. A vertex that stands there already is used.
     std::function<point3_t(int level, const point3_t &base, const point3_t &before)> place;
     // Of the whole-model undo record that is opened before the first change; null: none.
@@ -21,8 +21,8 @@ struct sweep_t {
 
 enum class sweep_outcome { done, no_outer_edge, cancelled };
 
-// Sweeps these surfaces, each in its object, and computes the normals of the objects. Counts the new
-// surfaces; unless it is done, nothing changed.
+// Sweeps these surfaces, each in its object, and computes the normals of the objects. Counts the
+// new surfaces; unless it is done, nothing changed.
 sweep_outcome sweep_surfaces(const listitem *surfaces, const sweep_t &sweep, std::size_t &made);
 
 #endif

@@ -25,7 +25,7 @@ bool step(progress_t *progress, int faces)
 
 // ---- Loop ----
 
-// What surrounds each vertex, gathered in one pass over the edges.
+// The neighbourhood of each vertex, gathered in one pass over the edges.
 struct surroundings {
     std::vector<vec3d> neighbours; // sum of all
     std::vector<vec3d> along;      // sum of those at the other end of a border edge
@@ -114,11 +114,7 @@ bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
     for (int e = 0; e < edges.size(); ++e)
         fine.points.push_back(smooth_middle(*mesh, edges, e, factor));
 
-    std::vector<int> edge_of(mesh->corners.size(), -1);
-    for (int e = 0; e < edges.size(); ++e) {
-        for (const edge_use &use : edges.uses(e))
-            edge_of[use.corner] = e;
-    }
+    const std::vector<int> edge_of = edges.edges_of_corners(mesh->num_corners());
     const auto faces = mesh->sources.size();
     fine.corners.reserve(12 * faces);
     fine.uv.reserve(12 * faces);
@@ -200,13 +196,9 @@ void shrink_face(const vesk_mesh_t &mesh, int face, vesk_mesh_t *fine)
 class corner_walk {
 public:
     corner_walk(const vesk_mesh_t &mesh, const edge_table &edges)
-        : mesh_(mesh), edges_(edges), edge_of_(mesh.corners.size(), -1),
+        : mesh_(mesh), edges_(edges), edge_of_(edges.edges_of_corners(mesh.num_corners())),
           face_of_(mesh.corners.size())
     {
-        for (int e = 0; e < edges.size(); ++e) {
-            for (const edge_use &use : edges.uses(e))
-                edge_of_[use.corner] = e;
-        }
         for (int face = 0; face < mesh.num_faces(); ++face) {
             for (int c = mesh.offsets[face]; c < mesh.offsets[face + 1]; ++c)
                 face_of_[c] = face;

@@ -50,7 +50,7 @@ struct sum_t {
 
 // ---- clusters ----
 
-// Points in cubes a little larger than the distance: what is within it of a point lies in the cubes
+// Points in cubes a little larger than the distance: the neighbours of a point lie in the cubes
 // around. Seeds are farther apart than the distance, so few look into the same cube.
 class cluster_grid {
 public:
@@ -59,13 +59,9 @@ public:
           size_(distance > 0 ? static_cast<double>(distance) * 1.001 : 1e-60)
     {
         for (std::size_t i = 0; i < points.size(); ++i) {
-            if (is_finite(points[i]))
+            if (point_is_finite(points[i]))
                 cells_[cell_of(points[i])].push_back(static_cast<std::uint32_t>(i));
         }
-    }
-    static bool is_finite(const point3_t &p)
-    {
-        return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
     }
     // Takes out the points within the distance of this one, ascending.
     void take(std::uint32_t seed, std::vector<std::uint32_t> &out);
@@ -132,7 +128,7 @@ struct cluster_result {
     int moved = 0, clusters = 0;
 };
 
-// Where each point goes. False when the user cancelled.
+// The new place of each point. False when the user cancelled.
 bool find_clusters(const std::vector<point3_t> &points, float distance, std::vector<point3_t> &to,
                    cluster_result &result)
 {
@@ -146,7 +142,7 @@ bool find_clusters(const std::vector<point3_t> &points, float distance, std::vec
     for (std::uint32_t i = 0; i < points.size(); ++i) {
         if (!progress.step(i))
             return false;
-        if (taken[i] || !cluster_grid::is_finite(points[i]))
+        if (taken[i] || !point_is_finite(points[i]))
             continue;
         members.clear();
         grid.take(i, members);

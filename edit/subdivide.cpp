@@ -11,8 +11,6 @@
 
 namespace {
 
-int first_corner(const flat_mesh &mesh, int surface) { return mesh.first_corner(surface); }
-
 bool is_polygon(const flat_mesh &mesh, int surface)
 {
     return mesh.surface(surface).type == SURFACE_POLYGON &&
@@ -31,7 +29,7 @@ centre_t centre_of(const flat_mesh &mesh, int surface)
     double x = 0, y = 0, z = 0, u = 0, v = 0;
     const auto corners = mesh.surface_corners(surface);
     const auto n = static_cast<double>(corners.size());
-    std::size_t c = first_corner(mesh, surface);
+    std::size_t c = mesh.first_corner(surface);
     for (const int at : corners) {
         const point3_t &p = mesh.position(at);
         x += p.x;
@@ -65,7 +63,7 @@ public:
     }
     void split_all(int surface)
     {
-        for (int c = first_corner(mesh_, surface); c < first_corner(mesh_, surface + 1); ++c)
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
             split(surface, c);
     }
     // The middle of the edge from this corner, or -1.
@@ -84,7 +82,7 @@ public:
     bool insert_into(int surface)
     {
         bool any = false;
-        for (int c = first_corner(mesh_, surface); c < first_corner(mesh_, surface + 1); ++c) {
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
             if (of(c) < 0)
                 continue;
             change_.insert_corner_after(c, of(c), uv_of(surface, c));
@@ -105,7 +103,7 @@ private:
 void split_triangle(mesh_change &change, const edge_middles &middles, int surface)
 {
     const flat_mesh &mesh = change.before();
-    const int first = first_corner(mesh, surface);
+    const int first = mesh.first_corner(surface);
     for (int i = 0; i < 3; ++i) {
         const int corner = first + i, before = first + (i + 2) % 3;
         change.add_surface(surface);
@@ -121,7 +119,7 @@ void split_triangle(mesh_change &change, const edge_middles &middles, int surfac
 void split_polygon(mesh_change &change, const edge_middles &middles, int surface)
 {
     const flat_mesh &mesh = change.before();
-    const int first = first_corner(mesh, surface);
+    const int first = mesh.first_corner(surface);
     const auto n = static_cast<int>(mesh.surface_corners(surface).size());
     const centre_t centre = centre_of(mesh, surface);
     const int middle = change.add_vertex(centre.at, middles.vertex_of(first));
@@ -180,14 +178,14 @@ bool spike(surface_work &work)
             continue;
         const centre_t centre = centre_of(mesh, surface);
         const auto corners = mesh.surface_corners(surface);
-        const int first = first_corner(mesh, surface);
+        const int first = mesh.first_corner(surface);
         double distance = 0;
         for (const int at : corners)
             distance += static_cast<double>(points_dist(&mesh.position(at), &centre.at));
         const double height = prefs.spike_factor * distance / static_cast<double>(corners.size());
         const point3_t up = point_scale(mesh.face_normal(surface), static_cast<float>(height));
         const int apex = change.add_vertex(point_add(centre.at, up), corners.front());
-        for (int c = first; c < first_corner(mesh, surface + 1); ++c) {
+        for (int c = first; c < mesh.end_corner(surface); ++c) {
             const int next = next_corner(mesh, surface, c);
             change.add_surface(surface);
             change.add_corner(mesh.corner(c), mesh.uv(c));
@@ -257,7 +255,7 @@ bool spline(surface_work &work)
             continue;
         const line_points points(mesh, surface);
         for (int i = 0; i < points.segments(); ++i) {
-            const int corner = first_corner(mesh, surface) + i;
+            const int corner = mesh.first_corner(surface) + i;
             const flat_uv from = mesh.uv(corner);
             const flat_uv to = mesh.uv(next_corner(mesh, surface, corner));
             for (int k = 1; k < steps; ++k) {
@@ -287,7 +285,7 @@ void split_between(const flat_mesh &mesh, const std::vector<int> &vertices, edge
     for (const int v : vertices)
         chosen[v] = true;
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
-        for (int c = first_corner(mesh, surface); c < first_corner(mesh, surface + 1); ++c) {
+        for (int c = mesh.first_corner(surface); c < mesh.end_corner(surface); ++c) {
             const int next = next_corner(mesh, surface, c);
             if (chosen[middles.vertex_of(c)] && chosen[middles.vertex_of(next)])
                 middles.split(surface, c);

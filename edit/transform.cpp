@@ -174,7 +174,8 @@ void object_scale(object_t *object, float sx, float sy, float sz)
 void matrix_set_turn_in_view(float *m, int view, float degrees)
 {
     const float a = radians(degrees);
-    // Deliberate: the signs differ between the views.
+    // Deliberate: the signs differ between the views: the hidden axis of the side view points away
+    // from the viewer, those of the others towards it.
     matrix_set_rotate(m, view == VIEW_ZY ? a : 0.0f, view == VIEW_XZ ? -a : 0.0f,
                       view == VIEW_XY ? -a : 0.0f);
 }
@@ -203,7 +204,7 @@ void move_selection(const point3_t *offset)
     translate_selected(points, *offset);
     all.box_min = point_add(all.box_min, *offset);
     all.box_max = point_add(all.box_max, *offset);
-    // What moves as a whole keeps its normals.
+    // Objects that move as a whole keep their normals.
     if (all.num_objects == 0 && !points.are_whole_objects()) {
         for (object_t *owner : points.owners)
             object_calc_normals(owner);

@@ -3,7 +3,7 @@
 
 #include "edit/document/undo_internal.h"
 
-// The kinds of undo records whose reversal moves, turns or scales what was selected.
+// The kinds of undo records whose reversal moves, turns or scales the selection of that time.
 std::span<const undo_kind> transform_undo_kinds();
 
 #endif

@@ -32,7 +32,7 @@ struct vertex_pairs {
     std::vector<vertex *> first, second; // one with one
 };
 
-// False: told on the console.
+// False, reported on the console, when they do not pair.
 bool split(const std::vector<vertex *> &vertices, vertex_pairs &pairs)
 {
     const std::vector<object_t *> owners = owners_of_vertices(vertices);
@@ -100,7 +100,7 @@ owned_list list_of(const std::vector<vertex *> &vertices)
     return list;
 }
 
-// The second object's surfaces go to the partners in the first one.
+// Redirects the second object's surfaces to the partners in the first one.
 void redirect_to_partners(const vertex_pairs &pairs)
 {
     number_vertices(pairs.second_object);
@@ -120,7 +120,7 @@ void redirect_to_partners(const vertex_pairs &pairs)
     }
 }
 
-// What is left of the second object goes to the first; the second is deleted.
+// Moves the rest of the second object to the first; the second is deleted.
 void move_rest(const vertex_pairs &pairs)
 {
     object_t *from = pairs.second_object;

@@ -11,13 +11,13 @@ VESK_BEGIN_DECLS
    first one's object is moved so that they meet; else a message box. No undo. */
 VESK_API void allign_objects_using_2_vert(void);
 
-/* Each selected vertex' object is moved so that the vertex lies on the grid. Told on the console
-   and nothing moved: no vertex, or two of one object. No undo. */
+/* Each selected vertex' object is moved so that the vertex lies on the grid. Reported on the
+   console and nothing moved: no vertex, or two of one object. No undo. */
 VESK_API void snap_objects_using_vert(void);
 
 /* Pairs the vertices of a list that belong to two objects: `first` gets those of the first one's
    object, in order, `paired` in the same places the nearest vertex of the other object that is not
-   yet taken. New lists, the caller frees them. Returns 1; else 0, told on the console, and no
+   yet taken. New lists, the caller frees them. Returns 1; else 0, reported on the console, and no
    lists: more than two objects, or not as many vertices of each. */
 VESK_API int split_list_into_two_objects(const listitem *vertices, listitem **first,
                                          listitem **paired);

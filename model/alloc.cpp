@@ -31,7 +31,7 @@ struct header {
 };
 
 // Freed blocks of the guarded mode wait here before the heap gets them: a heap writes its own links
-// into a free block, and a second free could no longer be told from a damaged block.
+// into a free block, and a second free could no longer be distinguished from a damaged block.
 constexpr std::size_t quarantine_size = 1024;
 
 struct alloc_state {
@@ -182,7 +182,7 @@ char *text_copy(const char *text) { return text ? text_copy(std::string_view(tex
 
 void text_set(char **slot, const char *text)
 {
-    char *copy = text_copy(text); // first: `text` may be the text that goes
+    char *copy = text_copy(text); // first: `text` may be the text that is freed
     myfree(*slot);
     *slot = copy;
 }

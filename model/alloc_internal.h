@@ -12,7 +12,7 @@
 void alloc_set_mode(bool debug, bool tracking);
 // Bytes in live blocks; counted in guarded mode only, else 0.
 long long alloc_total();
-// What the process holds, for "memory used": from the allocator, else from the system.
+// Bytes that the process holds, for "memory used": from the allocator, else from the system.
 std::size_t alloc_process_bytes();
 // A test sets the mode at will; the blocks it takes it must free before it sets another.
 void alloc_set_mode_for_test(bool debug, bool tracking);

@@ -92,7 +92,7 @@ void mark_state(object_state &state, unsigned aspects)
     }
 }
 
-// What differs from what is known of the object: its flat mesh and the sum of its record.
+// The aspects in which the object differs from its flat mesh and the sum of its record.
 unsigned differences(const object_t *object, object_state &state)
 {
     unsigned found = 0;
@@ -225,7 +225,7 @@ int marks_check(const char *after)
             mark_state(state, found);
             ++unmarked;
         }
-        object_flat(object); // what the next check compares with
+        object_flat(object); // for the next check to compare with
         object_stamp(object);
     });
     record().unmarked += unmarked;

@@ -12,7 +12,7 @@
 
 enum change_aspect : unsigned {
     CHANGED_POSITIONS = 1,
-    CHANGED_TOPOLOGY = 2, // vertices or surfaces came or went, corners changed
+    CHANGED_TOPOLOGY = 2, // vertices, surfaces or corners were added, removed or redirected
     CHANGED_TEXTURE_COORDS = 4,
     CHANGED_ATTRIBUTES = 8, // material, type, shading, sides of surfaces
     CHANGED_NORMALS = 16,   // of vertices and surfaces
@@ -23,7 +23,7 @@ enum change_aspect : unsigned {
 
 // The object differs from its flat mesh in these aspects. Cheap: may be called for every vertex.
 void object_mark(object_t *object, unsigned aspects);
-// The tree's links changed (objects came, went or moved).
+// The tree's links changed (objects were added, removed or moved).
 void tree_mark();
 // Material values changed in place.
 void palette_mark();

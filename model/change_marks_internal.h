@@ -1,7 +1,7 @@
 #ifndef VESK_MODEL_CHANGE_MARKS_INTERNAL_H
 #define VESK_MODEL_CHANGE_MARKS_INTERNAL_H
 
-// What is known about each live object beside its record: kept in a table of its own, because the
+// The state of each live object beside its record: kept in a table of its own, because the
 // record's layout is public and foreign code may copy it byte by byte.
 
 #include "model/change_marks.h"
@@ -24,7 +24,7 @@ bool state_is_alive(const object_t *object);
 object_state &state_of(const object_t *object);
 void for_each_state(const std::function<void(const object_t *, object_state &)> &visit);
 
-// Looks into a suspicion that is not yet looked into: marks what differs.
+// Compares an object that is suspect and was not compared since; marks the differences.
 void state_resolve(const object_t *object, object_state &state);
 
 // Which aspects of the raw lists differ from a flat mesh (geometry only).

@@ -11,11 +11,11 @@
 class child_changes {
 public:
     // In its parent's list these objects take the child's place, which it keeps only when it is
-    // one of them. Objects that come from elsewhere have no parent by then: see unlink.
+    // one of them. Objects from another parent must have been unlinked: see unlink.
     void replace(object_t *child, std::vector<object_t *> by);
     // The child leaves its parent.
     void unlink(object_t *child) { replace(child, {}); }
-    // Writes it all back; nobody is told. To be called once.
+    // Writes all changes back; nobody is notified. To be called once.
     void commit();
 
 private:
@@ -24,7 +24,7 @@ private:
 };
 
 // Unlinks the objects, none of which may lie below another, and frees them with all they own; every
-// holder of a reference is told once.
+// holder of a reference is notified once.
 void objects_delete(const std::vector<object_t *> &objects);
 
 #endif

@@ -172,7 +172,7 @@ void cut_ears(const point3_t *corners, int count, std::vector<int> &out)
     int tip = 0;
     int tried = 0;
     while (outline.left() > 3) {
-        // After a whole round without an ear the outline crosses itself: any corner goes.
+        // After a whole round without an ear the outline crosses itself: any corner is cut off.
         if (tried < outline.left() && !outline.is_ear(tip)) {
             tip = outline.next(tip);
             ++tried;

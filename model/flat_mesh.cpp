@@ -257,12 +257,22 @@ flat_ptr object_flat(object_t *object)
     return state.flat;
 }
 
-int flat_loose_points(const flat_mesh &flat)
+std::vector<int> flat_loose_vertices(const flat_mesh &flat)
 {
     std::vector<bool> used(flat.num_vertices());
-    for (const std::int32_t corner : *flat.corners)
-        used[corner] = true;
-    return static_cast<int>(std::count(used.begin(), used.end(), false));
+    for (const int v : *flat.corners)
+        used[v] = true;
+    std::vector<int> loose;
+    for (int v = 0; v < flat.num_vertices(); ++v) {
+        if (!used[v])
+            loose.push_back(v);
+    }
+    return loose;
+}
+
+int flat_loose_points(const flat_mesh &flat)
+{
+    return static_cast<int>(flat_loose_vertices(flat).size());
 }
 
 flat_mesh flat_mesh::without_records() const

@@ -24,6 +24,11 @@ struct flat_surface {
     std::uint8_t smooth;   // 0 or 1
     std::uint8_t twosided; // 0 or 1
     std::uint8_t unused;
+    // Open or closed; every other type code is drawn as a polygon.
+    [[nodiscard]] bool is_line() const
+    {
+        return type == SURFACE_CLOSED_LINE || type == SURFACE_LINE;
+    }
     bool operator==(const flat_surface &) const = default;
 };
 
@@ -78,7 +83,8 @@ using flat_ptr = std::shared_ptr<const flat_mesh>;
 // long as the pointer is held. An unchanged object costs a look-up.
 flat_ptr object_flat(object_t *object);
 
-// How many vertices no surface has.
+// The vertices that no surface has; how many there are.
+std::vector<int> flat_loose_vertices(const flat_mesh &flat);
 int flat_loose_points(const flat_mesh &flat);
 
 #endif

@@ -45,7 +45,7 @@ void free_object_record(object_t *object)
     myfree(object);
 }
 
-// Everything that `freed` names, with what its objects own.
+// Everything that `freed` names, with the elements of its objects.
 freed_things with_contents(const freed_things &freed)
 {
     freed_things all = freed;
@@ -74,7 +74,7 @@ void finish(const freed_things &freed)
         vertex_free_record(point);
 }
 
-// What is held but was not met in a walk of the living.
+// Held elements that were not met in a walk of the living.
 class missing_things {
 public:
     explicit missing_things(const freed_things &held)
@@ -162,7 +162,7 @@ void freed_announce_geometry(const object_t *object)
 
 void freed_reset_after_fault()
 {
-    // What was pending may still be linked somewhere: it is left alone.
+    // Pending elements may still be linked somewhere: they are left alone.
     record().pending = {};
     record().depth = 0;
 }

@@ -2,8 +2,8 @@
 #define VESK_MODEL_FREED_H
 
 // Who holds pointers into the scene from outside (selection, undo records, views, clipboard, path
-// object, identities) is told before things go: once for each batch of frees, however many they
-// are. After foreign code, which frees without telling, freed_filter_foreign finds out what died.
+// object, identities) is notified before records are freed: once for each batch, however many they
+// are. After foreign code, which frees without notice, freed_filter_foreign finds the dead ones.
 
 #include "model/alloc.h"
 #include "model/each.h"
@@ -22,7 +22,7 @@ struct freed_things {
     }
 };
 
-// Called with things that go (their records are still readable, except in freed_filter_foreign).
+// Called with the records that are freed (still readable, except in freed_filter_foreign).
 // The surfaces and vertices of a freed object are listed too.
 using freed_listener = void (*)(const freed_things &freed);
 void freed_add_listener(freed_listener listener);
@@ -50,7 +50,7 @@ public:
     void add(object_t *object); // with descendants and everything they own
 };
 
-// Takes the elements out of the scene's list for which goes(element, place in the list) holds and
+// Takes the elements out of the scene's list for which goes(element, place in the list) is true and
 // hands them to the batch. Returns how many went.
 template <class T, class Goes>
 int list_unlink_if(listitem **head, freed_batch &batch, const Goes &goes)
@@ -72,8 +72,8 @@ int list_unlink_if(listitem **head, freed_batch &batch, const Goes &goes)
     return removed;
 }
 
-// Takes what is freed out of a holder's list; returns how many nodes went. Linear in the list and
-// in what was freed; nothing when the list is empty.
+// Takes freed elements out of a holder's list; returns the number of nodes removed. Linear in the
+// list and in what was freed; nothing when the list is empty.
 template <class T>
 int list_drop_freed(listitem **head, const std::vector<T *> &freed)
 {

@@ -3,11 +3,11 @@
 
 #include "model/freed.h"
 
-// Tells the holders that these trees have left the scene, though they are not freed.
+// Notifies the holders that these trees have left the scene, though they are not freed.
 void freed_announce_left(const std::vector<object_t *> &tops);
 
-// Tells the holders that the object's own vertices and surfaces are gone: their records are about
-// to be used for others.
+// Notifies the holders that the object's own vertices and surfaces are gone: their records are
+// about to be used for others.
 void freed_announce_geometry(const object_t *object);
 
 // A fault skipped the ends of the batches that were open.

@@ -19,7 +19,7 @@ object_t *new_light(void) { return new_object(OBJECT_LIGHT); }
 
 void register_light(object_t *light)
 {
-    // The list is read off the world; a light that comes in changes the tree.
+    // The list is read off the world; a new light changes the tree.
     if (light)
         tree_mark();
 }

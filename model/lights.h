@@ -8,7 +8,7 @@ VESK_BEGIN_DECLS
 /* A light object, named "light"; its position is its centre. */
 VESK_API object_t *new_light(void);
 
-/* Notes a light that came into the scene. */
+/* Registers a light that was added to the scene. */
 VESK_API void register_light(object_t *light);
 
 VESK_END_DECLS

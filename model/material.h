@@ -19,7 +19,7 @@ typedef struct material {
     listitem *properties;
 } material;
 
-/* A record with the defaults (white, opaque, shininess 10), or null (told on the console). */
+/* A record with the defaults (white, opaque, shininess 10), or null (reported on the console). */
 VESK_API material *new_material(void);
 /* Sets the defaults; a former name or property list is not freed. */
 VESK_API void material_init(material *mat);

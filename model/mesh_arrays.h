@@ -7,7 +7,7 @@ VESK_BEGIN_DECLS
 
 /* Whole meshes in one call, for importers and exporters. */
 
-/* What a surface is; the flag word is that of vesk_surface_get_flags. */
+/* Attributes of a surface; the flag word is that of vesk_surface_get_flags. */
 typedef struct vesk_surface_attributes {
     int material; /* palette index */
     int flags;
@@ -29,7 +29,7 @@ typedef struct vesk_mesh_arrays {
 /* The object's geometry as arrays. They stay as they are until the next call of this function. */
 VESK_API vesk_mesh_arrays_t vesk_object_get_mesh_arrays(object_t *object);
 
-/* Sets what surfaces `first` .. `first + n - 1` of the object are, in one walk. */
+/* Sets the attributes of surfaces `first` .. `first + n - 1` of the object in one walk. */
 VESK_API void vesk_object_set_surface_attributes(object_t *object, int first, int n,
                                                  const vesk_surface_attributes_t *attributes);
 

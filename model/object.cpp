@@ -287,7 +287,7 @@ surface_t *vesk_object_add_triangle_uv(object_t *object, int a, int b, int c, co
     return surface;
 }
 
-// ---- what goes ----
+// ---- freeing ----
 
 void vertex_free_record(vertex *point) { myfree(point); }
 

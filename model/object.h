@@ -117,7 +117,7 @@ VESK_API int vesk_object_add_surfaces_from_arrays(object_t *object, int n, const
 /* Appends `child` and sets its parent. Null: a console line, nothing added. */
 VESK_API void object_add_child(object_t *parent, object_t *child);
 VESK_API void object_add_children(object_t *parent, const listitem *children);
-/* Appends, or puts in front, a corner. A null vertex is told on the console and added all the
+/* Appends, or puts in front, a corner. A null vertex is reported on the console and added all the
    same. */
 VESK_API svertex *surface_add_vertex(surface_t *surface, vertex *point, float u, float v);
 VESK_API svertex *surface_add_vertex_head(surface_t *surface, vertex *point, float u, float v);

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-// Frees the record, a surface's corners with it; tells nobody: see freed.h for what callers owe.
+// Frees the record, a surface's corners with it; notifies nobody: freed.h says what its callers
+// must do.
 void vertex_free_record(vertex *point);
 void surface_free_record(surface_t *surface);
 

@@ -190,7 +190,7 @@ object_t *object_clone(object_t *object)
 {
     struct step {
         object_t *source;
-        object_t *parent; // the copy that the copy goes into
+        object_t *parent; // the copy of the parent
     };
     object_t *top = nullptr;
     std::vector<step> steps{{object, nullptr}};

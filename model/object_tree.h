@@ -25,11 +25,11 @@ VESK_API int object_reparent_before(object_t *object, object_t *parent, object_t
 VESK_API void object_move_to_head(object_t *object);
 
 /* Unlinks and frees the object with all it owns, descendants included; every holder of a
-   reference is told first. */
+   reference is notified first. */
 VESK_API void object_delete(object_t *object);
 /* The same; inside a batch of changes the telling waits for the batch's end. */
 VESK_API void object_delete_nocleanup(object_t *object);
-/* Frees an object that is in no child list, with all it owns; holders are told first. */
+/* Frees an object that is in no child list, with all it owns; holders are notified first. */
 VESK_API void object_free(object_t *object);
 
 /* The ancestor directly below the world (or without a parent): the object itself when it is one. */

@@ -31,7 +31,7 @@ std::vector<owned_elements> elements_by_owner(const listitem *elements, ListOf l
 {
     if (!elements)
         return {};
-    // Most lists come in the order of the model ("select all"): then no table is needed.
+    // Most lists are in the order of the model ("select all"): then no table is needed.
     const listitem *next = elements;
     std::vector<owned_elements> owners = gather(list_of, [&](const void *element) {
         if (!next || item_of<void>(next) != element)

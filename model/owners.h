@@ -13,7 +13,7 @@ struct owned_elements {
 };
 
 // For a list of vertices (surfaces): each owning object, in tree order, with the places of those it
-// owns. Elements that no object owns are left out, repeated ones told once.
+// owns. Elements that no object owns are left out, repeated ones are listed once.
 std::vector<owned_elements> vertices_by_owner(const listitem *vertices);
 std::vector<owned_elements> surfaces_by_owner(const listitem *surfaces);
 

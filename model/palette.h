@@ -10,7 +10,7 @@
 VESK_BEGIN_DECLS
 
 VESK_API int vesk_get_num_palette(void);
-/* The entry, or null; an index above the count is told on the console. */
+/* The entry, or null; an index above the count is reported on the console. */
 VESK_API material *vesk_palette_get_material(int i);
 /* Appends; the palette owns the record from now on. Returns the new index. */
 VESK_API int vesk_palette_append_material(material *mat);

@@ -35,5 +35,19 @@ constexpr bool point_equal(const point3_t &a, const point3_t &b)
 {
     return a.x == b.x && a.y == b.y && a.z == b.z;
 }
+inline bool point_is_finite(const point3_t &a)
+{
+    return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
+}
+
+// The coordinate on axis 0 to 2.
+constexpr float axis_of(const point3_t &point, int axis)
+{
+    return axis == 0 ? point.x : axis == 1 ? point.y : point.z;
+}
+constexpr float &axis_of(point3_t &point, int axis)
+{
+    return axis == 0 ? point.x : axis == 1 ? point.y : point.z;
+}
 
 #endif

@@ -1,10 +1,10 @@
 #ifndef VESK_MODEL_WORLD_CHECK_H
 #define VESK_MODEL_WORLD_CHECK_H
 
-// One walk of the world that repairs what faults and foreign code may leave behind, and says what
-// it found: counts that differ from their lists, cycles, wrong parents, null and shared records,
-// corners whose vertex belongs to no or another object. References held outside the scene
-// (selection, undo records) are then filtered against what lives.
+// One walk of the world that repairs the damage that faults and foreign code may leave, and reports
+// what it found: counts that differ from their lists, cycles, wrong parents, null and shared
+// records, corners whose vertex belongs to no or another object. References held outside the scene
+// (selection, undo records) are then filtered against the living records.
 
 #include "model/object.h"
 
@@ -16,7 +16,7 @@ struct world_fault {
     std::string text; // "vertex count 7, list has 5"
 };
 
-// Repairs the tree below `top`; marks and announces what changed. Empty when all is well.
+// Repairs the tree below `top`; marks and announces the changes. Empty when all is well.
 std::vector<world_fault> world_check(object_t *top);
 
 #endif

@@ -9,6 +9,7 @@
 #include "base/ui_port.h"
 #include "view/camera_internal.h"
 #include "view/views_internal.h"
+#include "model/vector.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,11 +19,6 @@
 namespace {
 
 constexpr float radians_per_degree = 0.017453293f;
-
-bool is_finite(const point3_t &p)
-{
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
 
 Person_t initial_person()
 {
@@ -57,9 +53,7 @@ camera_t &camera()
 
 point3_t normalised(const point3_t &v)
 {
-    const double length =
-        std::sqrt(static_cast<double>(v.x) * v.x + static_cast<double>(v.y) * v.y +
-                  static_cast<double>(v.z) * v.z);
+    const double length = point_length(v);
     if (!(length > 0))
         return v;
     return {static_cast<float>(v.x / length), static_cast<float>(v.y / length),
@@ -357,7 +351,7 @@ void person_set_loc_dir_string(const char *text)
     point3_t direction;
     if (std::sscanf(text, "%f %f %f  %f %f %f", &location.x, &location.y, &location.z, &direction.x,
                     &direction.y, &direction.z) != 6 ||
-        !is_finite(location) || !is_finite(direction)) {
+        !point_is_finite(location) || !point_is_finite(direction)) {
         debugf("invalid loc_dir string in person_set_loc_dir_string (got '%s', want 6 floats)\n",
                text);
         return;
@@ -489,7 +483,7 @@ void command_get_3d_cursor(void)
                            static_cast<double>(camera().depth.z));
 }
 
-// ---- what the drawing needs ----
+// ---- for the drawing ----
 
 int *camera_walk_indicator() { return &camera().walk_indicator; }
 

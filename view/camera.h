@@ -5,8 +5,8 @@
 
 VESK_BEGIN_DECLS
 
-/* The viewer of the 3D view. In spin mode the model is turned about `origin` in front of it, in walk
-   mode the viewer itself moves and turns; each mode keeps its own camera across switches. */
+/* The viewer of the 3D view. In spin mode the model is turned about `origin` in front of it, in
+   walk mode the viewer itself moves and turns; each mode keeps its own camera across switches. */
 typedef struct Person {
     point3_t origin;    /* what the spin rotation turns about */
     point3_t location;  /* of the viewer */
@@ -94,13 +94,14 @@ VESK_API const char *person_get_loc_dir_string(void);
 VESK_API void person_set_loc_dir_string(const char *text);
 
 /* Moves and turns the viewer in `steps` steps, drawing each; returns when it is there. The location
-   stops one increment short. Below 1 step nothing happens; above 100000 there are so many. "cancel" stops it where it is. */
+   stops one increment short. Below 1 step nothing happens; more than 100000 are 100000. "cancel"
+   stops it where it is. */
 VESK_API void person_flyto(int steps, float x, float y, float z, float dx, float dy, float dz);
 
 /* Perspective (1) or parallel (0) projection of the 3D view. Command "do_perspective". */
 VESK_API void do_perspective(int perspective);
 
-/* The hidden coordinates of what the mouse points at in the orthographic views; the 3D cursor. */
+/* The hidden coordinates of the mouse position in the orthographic views; the 3D cursor. */
 VESK_API point3_t *vesk_get_depth_point(void);
 
 /* Moves the depth coordinate of `view` away from zero by half the mean extent of the box min, max:

@@ -109,7 +109,7 @@ void world_to_eye(const eye_transform_t &t, const point3_t &p, double out[3])
 
 double half_fov_tangent() { return std::tan(std::clamp(prefs.fov, 1, 170) * pi / 360.0); }
 
-// Of what the view is centred on, for the parallel projection and for dragging.
+// Of the point that the view is centred on, for the parallel projection and for dragging.
 double working_distance(const eye_transform_t &t)
 {
     double eye[3];

@@ -8,15 +8,15 @@
 #include <string>
 #include <vector>
 
-// What the mouse did, as lines of the console that do the same again.
+// Drags as console lines that repeat them.
 
-// The words of the command that a drag of the selection came to; `own` turns each object about its
+// The words of the command that equals a drag of the selection; `own` turns each object about its
 // own centre.
 std::vector<std::string> words_of_change(const drag_change_t &change, bool own);
 std::vector<std::string> words_of_extrusion(const point3_t &offset);
 
 // Elements, as the select mode has them, that were added, taken out, or became the selection. Where
-// they are too many to be listed, a line says so.
+// they are too many to be listed, a line says that.
 void echo_selection(bool on, bool replace, const listitem *elements);
 // The same of any command whose last word lists elements.
 void echo_elements(const std::vector<std::string> &words);

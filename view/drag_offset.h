@@ -3,7 +3,7 @@
 
 #include "base/types.h"
 
-// World offsets of drags, and bringing what is dragged to where it snaps.
+// World offsets of drags, and their snapping.
 
 // Of a pixel offset in the plane of the screen through `at`, in the 3D view.
 point3_t screen_offset_3d(const point3_t &at, int dx, int dy);
@@ -13,8 +13,8 @@ point3_t screen_offset_3d(const point3_t &at, int dx, int dy);
 void snap_to_grid_from(const point3_t &from, point3_t *offset);
 
 // Changes an offset so that the vertex `from` comes to one that is near on the screen; false when
-// there is none. What a flat view does not show is only followed when it is near, too: a vertex far
-// behind lends its place on the screen.
+// there is none. Along the axis that a flat view hides it is only followed when it is near there,
+// too: a vertex far behind lends its place on the screen.
 bool snap_near_from(const point3_t &from, int view, point3_t *offset);
 
 #endif

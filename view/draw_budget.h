@@ -1,9 +1,9 @@
 #ifndef VESK_VIEW_DRAW_BUDGET_H
 #define VESK_VIEW_DRAW_BUDGET_H
 
-// What a view leaves out while something moves, so that it keeps up: each view keeps a running cost
-// of every layer, and layers go in a fixed order until the rest fits. When the motion has ended
-// everything is drawn in full.
+// The layers that a view leaves out while something moves, so that it keeps up: each view keeps a
+// running cost of every layer, and layers go in a fixed order until the rest fits. When the motion
+// has ended everything is drawn in full.
 
 #include <array>
 #include <cstddef>
@@ -24,15 +24,15 @@ struct layer_choice_t {
 
 class draw_budget {
 public:
-    // A measured cost in seconds of one layer of a frame; smoothing is what it added.
+    // A measured cost in seconds of one layer of a frame; that of smoothing is its surplus.
     void note(draw_layer layer, double seconds);
 
     // The size of the scene that is drawn next. For one that is much larger than any before it the
     // costs are guessed until they are measured.
     void expect(double num_vertices);
 
-    // What to draw: everything at rest, and while moving what fits. `fill_first` says whether the
-    // fill goes before the edges (flat views) or after them (3D).
+    // The layers to draw: all at rest, and while moving those that fit. `fill_first` says whether
+    // the fill goes before the edges (flat views) or after them (3D).
     [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
 
     [[nodiscard]] double cost(draw_layer layer) const

@@ -3,8 +3,8 @@
 
 #include "view/overlay.h"
 
-// What the extrude tool shows while it is dragged: the outline of the selected whole surfaces as
-// they are when this is made.
+// The preview of the extrude tool while it is dragged: the outline of the selected whole surfaces
+// as they are when this is made.
 
 class extrude_preview_t {
 public:

@@ -18,7 +18,7 @@ VESK_API void goto_selected_all(void);
 VESK_API void fit_selected(int view);
 VESK_API void fit_selected_all(void);
 
-/* The whole model; which view decides depends on what is laid out. */
+/* The whole model; which view decides depends on the layout. */
 VESK_API void fit_all(void);
 
 /* Command "set_view_3d_selection": the middle of the box becomes what the model turns about, and in

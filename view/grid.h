@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_GRID_H
 #define VESK_VIEW_GRID_H
 
-// What the grids of the views consist of; the drawing takes these lines.
+// The lines of the grids of the views, for the drawing.
 
 #include <vector>
 

@@ -24,7 +24,7 @@ constexpr double flick_window = 0.06;  // seconds between the last motion and th
 constexpr double slowest_flick = 20.0; // degrees a second
 constexpr double fastest_flick = 720.0;
 constexpr float look_degrees_per_pixel = 0.25f;
-constexpr double seconds_of_walk_step = 0.1; // what the walking speeds are meant for
+constexpr double seconds_of_walk_step = 0.1; // the time that walking speeds refer to
 
 struct drag_t {
     drag_kind kind = drag_kind::none;
@@ -123,7 +123,7 @@ void turn(drag_t &drag, const pointer_event_t &event, float dx, float dy)
     const float degrees = static_cast<float>(prefs.mouse_rotate_degs) / pixels_per_turn_step;
     person_add_spin_rotation(dy * degrees, dx * degrees);
     const double seconds = std::max(event.seconds - drag.last_time, 0.001);
-    // A short memory: the flick is what the hand did last.
+    // A short memory: the flick is the last motion of the hand.
     drag.speed_x = 0.5 * drag.speed_x + 0.5 * dy * degrees / seconds;
     drag.speed_y = 0.5 * drag.speed_y + 0.5 * dx * degrees / seconds;
 }
@@ -253,7 +253,7 @@ void interaction_motion(const pointer_event_t &event)
         return;
     if (drag.kind == drag_kind::tool) {
         if (drag.held)
-            return; // only what is typed counts
+            return; // only typed numbers count
         drag.last = event;
         drag.tool->motion(event);
         return;

@@ -1,5 +1,5 @@
-// What the keys do in the views. The rows of each table are tried in order, so a row with Shift
-// stands before the same key without.
+// The actions of the keys in the views. The rows of each table are tried in order, so a row with
+// Shift stands before the same key without.
 
 #include "view/keys.h"
 

@@ -3,8 +3,9 @@
 
 #include <vector>
 
-// Numbers that are typed during a drag: the first digit opens a field at the pointer, Tab goes to
-// the next component. The tools ask for what was typed; the field itself is drawn by the scripts.
+// Numbers that are typed during a drag: the first digit opens a field at the pointer, Tab chooses
+// the next component. The tools ask for the typed numbers; the field itself is drawn by the
+// scripts.
 
 struct number_part_t {
     const char *label;
@@ -18,9 +19,9 @@ enum class number_key { unused, changed, accepted };
 number_key number_field_key(const char *key, const std::vector<number_part_t> &parts, int first);
 
 bool number_field_is_open();
-// Goes to another component of an open field.
+// Chooses another component of an open field.
 void number_field_choose(int part);
-// What was typed for a component; false while there is no number.
+// The number typed for a component; false while there is none.
 bool number_field_value(int part, float *value);
 
 // Shows the field at a place of a view, and closes it.

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-// What a running tool shows over the model: written by the tools, read by the drawing.
+// The marks of a running tool over the model: written by the tools, read by the drawing.
 
 struct overlay_segment_t {
     point3_t from, to; // world
@@ -17,7 +17,7 @@ struct overlay_t {
     std::vector<overlay_segment_t> preview; // of a create tool, in all views
     int locked_axis = -1;                   // 0 to 2 while a drag is locked to an axis
     point3_t lock_point = {0, 0, 0};
-    bool moving = false;      // what is selected follows the mouse
+    bool moving = false;      // the selection follows the mouse
     bool pending = false;     // ... by a matrix: the model is changed at the end
     float pending_matrix[16]; // column by column
 };

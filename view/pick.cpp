@@ -92,7 +92,7 @@ found_t near_segment(const screen_point_t &a, const screen_point_t &b, float x, 
 found_t find_on_surface(const projected_t &p, int i, float x, float y, bool faces)
 {
     const auto corners = p.mesh->surface_corners(i);
-    const int type = p.mesh->surface(i).type;
+    const flat_surface &record = p.mesh->surface(i);
     found_t best;
     bool inside = false;
     float depth_sum = 0;
@@ -101,7 +101,7 @@ found_t find_on_surface(const projected_t &p, int i, float x, float y, bool face
         const screen_point_t &a = p.points[corners[k]];
         const screen_point_t &b = p.points[corners[(k + 1) % n]];
         depth_sum += a.depth;
-        if (k + 1 == n && type == SURFACE_LINE)
+        if (k + 1 == n && record.type == SURFACE_LINE)
             break;
         const found_t edge = near_segment(a, b, x, y);
         if (edge.pixels < best.pixels)
@@ -109,7 +109,7 @@ found_t find_on_surface(const projected_t &p, int i, float x, float y, bool face
         if ((a.y > y) != (b.y > y) && x < lerp(a.x, b.x, (y - a.y) / (b.y - a.y)))
             inside = !inside;
     }
-    if (faces && type != SURFACE_LINE && type != SURFACE_CLOSED_LINE && inside && n > 2)
+    if (faces && !record.is_line() && inside && n > 2)
         return {0, depth_sum / static_cast<float>(n)};
     return best;
 }

@@ -1,8 +1,8 @@
 #ifndef VESK_VIEW_PICK_H
 #define VESK_VIEW_PICK_H
 
-// What lies under a window position or inside a rubber band, from the flat meshes: nothing is kept
-// between calls, so there is no build that could be felt. Hidden and locked objects are never
+// The elements under a window position or inside a rubber band, from the flat meshes: nothing is
+// kept between calls, so there is no build that could be felt. Hidden and locked objects are never
 // found. Positions are window pixels.
 
 #include "model/object.h"
@@ -19,13 +19,13 @@ struct pick_hit_t {
     float depth = 0;  // from the viewer; smaller is nearer
 };
 
-// Everything of that kind within `range` pixels of (x, y), best first: what the pointer is on comes
-// before what is merely near, and then what is in front. Objects are told once.
+// Everything of that kind within `range` pixels of (x, y), best first: those under the pointer
+// before those that are merely near, then the nearer to the viewer. Objects are listed once.
 std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int range);
 
 struct band_t {
     int x0, y0, x1, y1;
-    bool touching; // else only what is wholly inside
+    bool touching; // else only elements wholly inside
 };
 
 // In tree order. Elements by `kind`; objects by their own geometry, lights by their centre.

@@ -25,7 +25,7 @@ struct candidate_t {
 struct search_t {
     int view;
     float x, y, range;
-    float deepest; // a face lies in front of what is farther
+    float deepest; // a face hides farther edges
     candidate_t best;
 };
 
@@ -108,7 +108,7 @@ void search_object(object_t *object, const projector_t &projector, search_t &sea
 
 edge_hit_t pick_edge_at(int view, int x, int y, int range)
 {
-    // What is a little behind the face at the pointer may be the face's own edge.
+    // An edge a little behind the face at the pointer may be the face's own.
     const projector_t projector(view);
     const float face = depth_of_face(view, x, y);
     const auto slack =

@@ -1,7 +1,7 @@
 #ifndef VESK_VIEW_PROJECTOR_H
 #define VESK_VIEW_PROJECTOR_H
 
-// World to window of many points of one view: what the view asks for is read once.
+// World to window of many points of one view, whose settings are read once.
 
 #include "view/camera_eye.h"
 #include "view/views_internal.h"

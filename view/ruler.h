@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// The ruler over the model: a line between two points, and with a third the angle at the second. The
-// measure tool and the command "measure_points" lay it; it changes nothing.
+// The ruler over the model: a line between two points, and with a third the angle at the second.
+// The measure tool and the command "measure_points" lay it; it changes nothing.
 
 struct ruler_t {
     std::vector<point3_t> points; // none: no ruler
@@ -15,11 +15,11 @@ struct ruler_t {
 };
 ruler_t &ruler();
 
-// What is written at the ruler: a headline and, of a length, its parts.
+// The texts at the ruler: a headline and, of a length, its parts.
 std::vector<std::string> ruler_texts(const ruler_t &of);
 
-// Command "measure_points": x y z of two or three points in one text (none: the ruler goes). Tells
-// what they measure, also as the result.
+// Command "measure_points": x y z of two or three points in one text (none: removes the ruler).
+// Shows their measures, also as the result.
 void command_measure_points(const char *coordinates);
 
 #endif

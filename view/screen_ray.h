@@ -3,7 +3,7 @@
 
 #include "model/object.h"
 
-// What lies behind a window position: the line of sight of any view.
+// The line of sight behind a window position, in any view.
 
 struct screen_ray_t {
     double origin[3];

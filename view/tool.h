@@ -3,7 +3,7 @@
 
 struct pointer_event_t;
 
-// A tool of the left button: what it does with the pointer, in any view. A new tool is one file that
+// A tool of the left button: its answers to the pointer, in any view. A new tool is one file that
 // fills such a record, and a row of the table in view/tools.cpp. Null functions do nothing.
 struct tool_t {
     // Of "set_view_tool"; null for a tool of the draw modes, which `wanted` knows.
@@ -14,7 +14,7 @@ struct tool_t {
     bool (*press)(const pointer_event_t &event) = nullptr;
     void (*motion)(const pointer_event_t &event) = nullptr;
     void (*release)(const pointer_event_t &event) = nullptr;
-    // Ends a drag and takes back what it did.
+    // Ends a drag and takes its changes back.
     void (*cancel)() = nullptr;
     // A left click in the 3D view that was neither a drag nor on the axis cross.
     void (*click)(const pointer_event_t &event) = nullptr;
@@ -23,7 +23,7 @@ struct tool_t {
     void (*outside)() = nullptr;
     // A key (a keysym) before the views' own keys; whether it was used.
     bool (*key)(const char *keysym) = nullptr;
-    // Another tool takes its place; drops what is half done.
+    // Another tool takes its place; drops unfinished work.
     void (*leave)() = nullptr;
     // Whether a drag is changing the model: an edit from elsewhere takes it back first.
     bool (*runs)() = nullptr;

@@ -60,7 +60,7 @@ bool snaps_to_grid(int modifiers)
     return (prefs.gridsnap != 0) != toggled;
 }
 
-// What lies under the pointer, snapped. A point of an outline takes the place of a near vertex
+// The point under the pointer, snapped. A point of an outline takes the place of a near vertex
 // whole, a corner of a box only where the view shows it.
 point3_t point_at(const pointer_event_t &event)
 {

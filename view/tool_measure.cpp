@@ -65,7 +65,7 @@ void point_in_flat_view(const pointer_event_t &event, point3_t *at)
     }
 }
 
-// What the pointer means; false where there is nothing to begin with.
+// The point that the pointer means; false where there is none to begin with.
 bool point_at(const pointer_event_t &event, point3_t *at)
 {
     const double range = prefs.pick_pixel_range * view_interface_scale();
@@ -112,7 +112,7 @@ void clear()
     redraw_all();
 }
 
-// The point that follows the pointer goes to it.
+// Moves the free point to the pointer.
 void follow(const pointer_event_t &event)
 {
     point3_t at;

@@ -178,7 +178,7 @@ void select_click(int view, int x, int y, int state, double seconds)
     const std::vector<pick_hit_t> hits = hits_at(view, x, y);
     if (hits.empty()) {
         last_click = {};
-        // Who takes hold of a handle and lets it go again does not mean the ground behind it.
+        // A press and release on a handle is no click on the ground behind it.
         if (!shift && handle_at(view, x, y) <= HANDLE_INSIDE_ROTATE) {
             select_nothing();
         }

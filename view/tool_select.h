@@ -5,9 +5,9 @@
 
 // Selecting with the mouse, by the present select mode. Both redraw and refresh the status.
 
-// A click: selects what is under the pointer, nothing when there is nothing. Shift (in `state`)
+// A click: selects the element under the pointer, or nothing. Shift (in `state`)
 // adds or removes it. A second click at the same place takes the next thing behind; a double click
-// in the object modes goes down to object mode with the object itself selected.
+// in the object modes changes to object mode with the object itself selected.
 void select_click(int view, int x, int y, int state, double seconds);
 
 // A rubber band: replaces the selection; Shift adds, Control removes.

@@ -158,7 +158,7 @@ point3_t nearest_moving(const pointer_event_t &event)
     return nearest;
 }
 
-// ---- what the drag comes to ----
+// ---- the result of the drag ----
 
 void apply_typed(point3_t *numbers)
 {
@@ -203,7 +203,7 @@ drag_change_t rotate_change(const pointer_event_t &event)
     return change;
 }
 
-// Where the dragged sides of the box go, as distances along the view's axes.
+// The way of the dragged sides of the box, as distances along the view's axes.
 void snap_sides(const pointer_event_t &event, float *by_horizontal, float *by_vertical)
 {
     const view_axes_t axes = view_axes[event.view];
@@ -388,7 +388,7 @@ void begin_change()
 void finish_change(const pointer_event_t &event)
 {
     const drag_change_t change = change_of(event);
-    // What runs from here on may announce changes: nothing of the drag is left by then.
+    // Calls from here on may announce changes: the drag must be forgotten by then.
     const bool extrudes = tool.what == doing::EXTRUDE;
     const point3_t from = tool.centre;
     const std::unique_ptr<step_t> step = std::move(tool.step);

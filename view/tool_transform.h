@@ -3,7 +3,7 @@
 
 #include "view/tool.h"
 
-// Selecting by clicks and rubber bands, and what the left button does with the selection: moving,
+// Selecting by clicks and rubber bands, and the left button's drags of the selection: moving,
 // rotating, extruding, resizing by handles. X, Y, Z lock an axis or free it again, digits open the
 // number field. The model is changed by one undo record at the release; a cancelled drag leaves the
 // very bits as they were.

@@ -51,7 +51,7 @@ void draw_mode_changed()
 
 void cancel_half_drawn() { create_tool.leave(); }
 
-// Half a drag must not go on over another selection than the one that it moves.
+// A drag must not continue over another selection than the one that it moves.
 void selection_changes(const char *, void *) { tools_interrupt(); }
 
 } // namespace

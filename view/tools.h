@@ -15,14 +15,14 @@ const tool_t *tool_now();
 // it. True when it was used.
 bool tool_key(const char *keysym);
 
-// An edit comes from elsewhere: a drag that changes the model is taken back first.
+// Before an edit from elsewhere: a drag that changes the model is taken back first.
 void tools_interrupt();
 
 // After a fault.
 void tools_forget();
 
-// Command "set_view_tool": a name, or "none", which gives the button back to the draw mode. Tells the
-// scripts ("set_view_tool_ui").
+// Command "set_view_tool": a name, or "none", which gives the button back to the draw mode. Tells
+// the scripts ("set_view_tool_ui").
 void command_set_view_tool(const char *name);
 
 void tools_reset_for_test();

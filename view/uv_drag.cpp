@@ -1,4 +1,5 @@
-// Every step of a drag is computed from the coordinates at the press; the release is one undo record.
+// Every step of a drag is computed from the coordinates at the press; the release is one undo
+// record.
 
 #include "view/uv_drag.h"
 
@@ -38,7 +39,7 @@ struct drag_t {
     std::unique_ptr<step_t> step;
     std::vector<flat_uv> before;
     std::vector<char> moving;
-    uv_box box;                                   // of what moves
+    uv_box box;                                   // of the moving corners
     double centre_u = 0, centre_v = 0, scale = 0; // of the view, at the press
     std::string text;
 };
@@ -96,7 +97,7 @@ doing what_to_do(const pointer_event_t &event)
     }
 }
 
-// ---- what the drag comes to ----
+// ---- the result of the drag ----
 
 bool snaps(int state) { return uv_view().options.snap != (qualifier_control(state) != 0); }
 

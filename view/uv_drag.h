@@ -2,7 +2,7 @@
 #define VESK_VIEW_UV_DRAG_H
 
 // The mouse in the window of texture coordinates: panning, zooming, the rubber band, and drags that
-// move, rotate or scale what is chosen.
+// move, rotate or scale the choice.
 
 #include "view/interaction.h"
 

@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr double margin = 8; // between what is chosen and its frame
+constexpr double margin = 8; // between the choice and its frame
 constexpr double shortest_side_with_handle = 36;
-constexpr double border = 48;                       // round what is fitted
+constexpr double border = 48;                       // round the fitted box
 constexpr double least_scale = 2, most_scale = 4e6; // pixels a unit
 constexpr int same_place = 2;
 
@@ -37,7 +37,7 @@ bool same_pixel(const uv_screen_point &p, int x, int y, double range)
     return std::fabs(p.x - x) <= range && std::fabs(p.y - y) <= range;
 }
 
-// ---- what lies under a place ----
+// ---- elements under a place ----
 
 // Crossings of a line to the right: odd inside.
 bool is_inside(const uv_mesh &mesh, int surface, const flat_uv &p)
@@ -97,7 +97,7 @@ std::vector<int> hits_at(const uv_state &state, int x, int y)
     return state.mode == uv_mode::CORNER ? points_at(state, x, y) : surfaces_at(state, x, y);
 }
 
-// The corners that go with one of them by the mode.
+// The corners that are chosen together with one of them in the present mode.
 std::vector<char> whole(const uv_state &state, int corner)
 {
     const std::vector<int> surface_of = uv_surface_of_corners(state.mesh);

@@ -1,9 +1,9 @@
 #ifndef VESK_VIEW_UV_VIEW_H
 #define VESK_VIEW_UV_VIEW_H
 
-// The window of texture coordinates without its toolkit: what it shows, where, and the mouse in it.
+// The window of texture coordinates without its toolkit: its contents and their places.
 // Positions, buttons and keys in; changes of the choice and of the coordinates out. Window pixels
-// have their origin at the top left; u goes to the right, v upwards.
+// have their origin at the top left; u runs to the right, v upwards.
 
 #include "edit/uv/uv_edit.h"
 #include "view/handles.h"
@@ -30,7 +30,7 @@ struct uv_view_t {
     bool placed = false; // by the user; until then the square is fitted to every size
     uv_tool tool = uv_tool::MOVE;
     uv_options options;
-    // what a drag draws
+    // marks of a drag
     bool band = false;
     int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
     int locked_axis = -1; // 0 u, 1 v
@@ -59,19 +59,19 @@ double uv_scale_v();
 // ---- the window ----
 
 void uv_view_resize(int width, int height);
-// The unit square, or what is chosen, as large as it fits.
+// The unit square, or the choice, as large as it fits.
 void uv_view_fit(bool chosen_only);
 // About a place; above 1 it gets larger.
 void uv_view_zoom(double factor, int x, int y);
 void uv_view_pan(double dx, double dy);
 void uv_view_redraw();
 
-// The frame round what is chosen and its handles, in window pixels; not valid when nothing is.
+// The frame round the choice with its handles, in window pixels; not valid without a choice.
 handle_box_t uv_handle_box();
 
 // ---- choosing ----
 
-// A click; again at the same place it takes what lies behind.
+// A click; again at the same place it takes the next element behind.
 void uv_view_click(int x, int y, int state);
 // A rubber band; from right to left it takes what it touches.
 void uv_view_take_band(int x0, int y0, int x1, int y1, int state);

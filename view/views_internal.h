@@ -2,6 +2,7 @@
 #define VESK_VIEW_VIEWS_INTERNAL_H
 
 #include "view/views.h"
+#include "model/vector.h"
 
 // The screen axes of an orthographic view as indices of world axes.
 struct view_axes_t {
@@ -14,16 +15,6 @@ constexpr float axis_sign[3] = {1.0f, -1.0f, 1.0f};
 
 constexpr int num_views = 4;
 constexpr int orthographic_order[3] = {0, 2, 1}; // in which the views are zoomed, panned and fitted
-
-inline float axis_of(const point3_t &point, int axis)
-{
-    return axis == 0 ? point.x : axis == 1 ? point.y : point.z;
-}
-
-inline float &axis_of(point3_t &point, int axis)
-{
-    return axis == 0 ? point.x : axis == 1 ? point.y : point.z;
-}
 
 // Per view: names of the script's array element with the widget's path and of its kind.
 const char *view_short_name(int view); // "xy", "zy", "xz", "xyz"

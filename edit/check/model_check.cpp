@@ -49,7 +49,7 @@ private:
             found_.problems.push_back({kind, object_, first, second, surface});
     }
     [[nodiscard]] const point3_t &position(int v) const { return mesh_->position(v); }
-    [[nodiscard]] bool polygon(int s) const { return is_polygon(mesh_->surface(s)); }
+    [[nodiscard]] bool polygon(int s) const { return !mesh_->surface(s).is_line(); }
 
     void find_edges(const edge_table &edges)
     {
@@ -120,13 +120,8 @@ private:
 
     void find_unused()
     {
-        std::vector<bool> used(mesh_->num_vertices());
-        for (const int v : *mesh_->corners)
-            used[v] = true;
-        for (int v = 0; v < mesh_->num_vertices(); ++v) {
-            if (!used[v])
-                add(model_problem::unused_vertex, v, -1);
-        }
+        for (const int v : flat_loose_vertices(*mesh_))
+            add(model_problem::unused_vertex, v, -1);
     }
 
     object_t *object_;
@@ -135,7 +130,7 @@ private:
     model_findings found_;
 };
 
-// What was found of each object, with its stamp then.
+// The findings of each object, with its stamp then.
 struct kept_findings {
     std::uint64_t stamp;
     unsigned walk; // the check that used it last

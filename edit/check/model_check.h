@@ -2,7 +2,7 @@
 #define VESK_EDIT_CHECK_MODEL_CHECK_H
 
 // Looks for problems of a model: open edges, cracks, doubled and degenerate elements. Reads flat
-// meshes, changes nothing; what was found of an object is kept until the object changes.
+// meshes, changes nothing; the findings of an object are kept until the object changes.
 
 #include "model/object.h"
 

@@ -86,7 +86,7 @@ private:
             }
             std::vector<int> &ways = next_[at];
             if (ways.empty())
-                return; // what is left of the path leads nowhere
+                return; // the rest of the path leads nowhere
             path.push_back(ways.back());
             ways.pop_back();
             at = end_of(path.back());
@@ -240,7 +240,7 @@ int insert_t_vertices(object_t *object, const problem_list &problems)
     return count;
 }
 
-// Corners that follow one of the same vertex go.
+// Removes corners that follow one of the same vertex.
 void drop_repeated_corners(surface_t *surface)
 {
     std::vector<svertex *> kept;
@@ -286,7 +286,7 @@ int weld(object_t *object, const problem_list &problems)
     for (const found_problem &problem : problems)
         change.remove_vertex(problem.first);
     for (int s = 0; s < change.before().num_surfaces(); ++s) {
-        const bool polygon = is_polygon(change.before().surface(s));
+        const bool polygon = !change.before().surface(s).is_line();
         if (change.before().surface_corners(s).size() < (polygon ? 3u : 2u) &&
             mesh->surface_corners(s).size() >= (polygon ? 3u : 2u))
             change.remove_surface(s);
@@ -345,7 +345,7 @@ int cut_into_triangles(object_t *object, const problem_list &problems)
 std::vector<bool> flips_to_agree(const flat_mesh &mesh)
 {
     const edge_table edges(mesh);
-    const std::vector<int> edge_of = edges.edges_of_corners(mesh);
+    const std::vector<int> edge_of = edges.edges_of_corners(mesh.num_corners());
     const auto n = mesh.num_surfaces();
     std::vector<bool> seen(n), flip(n);
     for (int start = 0; start < mesh.num_surfaces(); ++start) {

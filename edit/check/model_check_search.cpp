@@ -77,13 +77,13 @@ std::vector<int> first_of_same_corners(const flat_mesh &mesh)
     std::vector<int> first(n);
     std::vector<int> own, other_corners;
     for (int s = 0; s < n; ++s) {
-        const bool polygon = is_polygon(mesh.surface(s));
+        const bool polygon = !mesh.surface(s).is_line();
         canonical(mesh.surface_corners(s), &own);
         std::uint64_t hash = polygon ? 1 : 0;
         for (const int v : own)
             hash = mixed(hash + static_cast<std::uint64_t>(v) + 1);
         first[s] = table.find_or_add(hash, s, [&](int other) {
-            if (is_polygon(mesh.surface(other)) != polygon ||
+            if (mesh.surface(other).is_line() == polygon ||
                 mesh.surface_corners(other).size() != own.size())
                 return false;
             canonical(mesh.surface_corners(other), &other_corners);

@@ -8,7 +8,7 @@
 #include <vector>
 
 // For each point the first one at exactly its place (itself when it is that); minus zero is zero,
-// and what is no number is at no other's place.
+// and a point that is no number is at no other's place.
 std::vector<int> first_at_place(const std::vector<point3_t> &points);
 
 // For each surface the first of its type's kind (polygon or line) with the same corners in the same

@@ -119,7 +119,7 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
         return;
     }
     open_world_undo(what);
-    clear_selection(); // before: what is not selected need not be looked for among what goes
+    clear_selection(); // before: unselected elements need no search among those that are freed
     std::vector<object_t *> touched;
     {
         freed_batch at_once;

@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_DOCUMENT_EDIT_SUPPORT_H
 #define VESK_EDIT_DOCUMENT_EDIT_SUPPORT_H
 
-// What the handlers of the geometry commands have in common.
+// Shared by the handlers of the geometry commands.
 
 #include "base/progress.h"
 #include "edit/document/selection_internal.h"
@@ -26,13 +26,13 @@ void select_results(const std::vector<object_t *> &objects);
 // surfaces_by_owner, each owner's surfaces in the order of the list.
 std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces);
 
-// What the surface operations work on: the selected whole surfaces, and all surfaces of the selected
-// objects and their descendants.
+// The targets of the surface operations: the selected whole surfaces, and all surfaces of the
+// selected objects and their descendants.
 std::vector<owned_elements> target_surfaces();
 std::size_t count_elements(const std::vector<owned_elements> &owners);
 
 // An operation that replaces surfaces or gives them more corners: the computing half for one
-// object, then what it leaves behind.
+// object, and its results.
 struct surface_work {
     mesh_change &change;
     const std::vector<int> &surfaces;
@@ -49,9 +49,9 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
 // Recomputes the normals of each object once; one whose ancestor is in the list is done with it.
 void calc_normals_of(const std::vector<object_t *> &objects);
 
-// Opens a whole-model undo record. Between the computing half of an operation and its first change:
-// a full list gives its oldest record for a new one, which what is refused or cancelled must not
-// cost.
+// Opens a whole-model undo record. To be called between the computing half of an operation and its
+// first change: a full list drops its oldest record for a new one, and an operation that is refused
+// or cancelled must not cost a record.
 void open_world_undo(const char *label);
 
 // Box, redraw and status after a change.

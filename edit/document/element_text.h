@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-// Elements of the model as a text that a script can keep: objects by their numbers ("3 7"), vertices
-// and surfaces by their places in an object ("3:0-5,9 7:2"), both as the select mode takes them.
+// Elements of the model as a text that a script can keep: objects by their numbers ("3 7"),
+// vertices and surfaces by their places in an object ("3:0-5,9 7:2"), both as the select mode takes
+// them.
 
 // Adds elements as the present select mode has them, or takes them out.
 void change_selection(const listitem *elements, bool on);
@@ -21,7 +22,7 @@ std::vector<int> places_of_text(const char *text, int count);
 std::string element_text(const listitem *elements);
 
 // The objects, surfaces or vertices of a text, by the present select mode; the caller frees the
-// list. What is hidden, locked or not there is left out; a bare object number in surface or vertex
+// list. Hidden, locked and missing elements are left out; a bare object number in surface or vertex
 // mode stands for all its elements.
 listitem *elements_of_text(const char *text);
 

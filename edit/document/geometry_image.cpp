@@ -85,9 +85,9 @@ void write_values(const object_state &state, const flat_mesh &image)
 
 // ---- other lists ----
 
-// Goes along a list whose nodes and records are used again, in their order, for other elements: half
-// of what making a million of them anew costs is the allocator's work. `make` makes what is missing;
-// `is_used` tells records that stand in the list twice.
+// Walks a list whose nodes and records are used again, in their order, for other elements: half the
+// cost of making a million of them anew is the allocator's. `make` makes the missing ones;
+// `is_used` is true for records that stand in the list twice.
 template <class T>
 class refill {
 public:
@@ -105,7 +105,7 @@ public:
             last_->data = reinterpret_cast<std::intptr_t>(make());
         return item_of<T>(last_);
     }
-    // What is left over.
+    // Frees the nodes that are left over.
     template <class IsUsed, class Free>
     void finish(const IsUsed &is_used, const Free &free_record)
     {
@@ -195,7 +195,7 @@ std::vector<surface_t *> fill_surfaces(object_t *object, const flat_mesh &image,
 void fill_lists(object_t *object, flat_mesh *image)
 {
     freed_announce_geometry(object);
-    list_prepare_fast(nullptr, 0); // its short cuts may lead to nodes that go
+    list_prepare_fast(nullptr, 0); // its short cuts may lead to freed nodes
     std::vector<vertex *> vertices = fill_vertices(object, *image);
     std::vector<surface_t *> surfaces = fill_surfaces(object, *image, vertices);
     image->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
@@ -234,7 +234,7 @@ void object_write_geometry(object_t *object, const flat_mesh &image)
     } else {
         fill_lists(object, flat.get());
     }
-    object_mark(object, 0); // a new stamp: what others know of the object is out of date
+    object_mark(object, 0); // a new stamp: copies that others keep of the object are out of date
     flat->stamp = state.stamp;
     state.flat = std::move(flat);
     state.marks &= ~static_cast<unsigned>(CHANGED_GEOMETRY);

@@ -69,7 +69,7 @@ void drop_ahead()
     journal().entries.erase(end, journal().entries.end());
 }
 
-// Oldest first; then what lies ahead, from the far end. The present one stays.
+// Oldest first; then the states ahead, from the far end. The present one stays.
 void keep_limit()
 {
     journal_list &list = journal();
@@ -126,7 +126,7 @@ bool take_step(const char *label, const std::vector<std::string> &words, bool fa
 // Scripts that a command's messages run may ask: its step is not cut in two for that.
 bool inside_a_command() { return session().command_depth > 1; }
 
-// Model, selection and mode as in a state. Undo records that name what goes are noted as broken.
+// Model, selection and mode as in a state. Undo records that name freed elements are marked broken.
 void jump(const state_ptr &state)
 {
     const int mode = select_mode();
@@ -162,7 +162,7 @@ float largest(const point3_t &p)
     return std::max({std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
 }
 
-// How much the reversal enlarges what the change made smaller; infinite for a box without extent.
+// By how much the reversal enlarges the shrunk part; infinite for a box without extent.
 float enlargement(const undo_resize &resize)
 {
     const auto extents = [](const point3_t(&box)[2]) {
@@ -263,7 +263,7 @@ const char *journal_back_label()
     const std::string &label = entry(present).label;
     const bool loaded = label.starts_with("load");
     const bool opened = loaded && (present == 1 || entry(present - 1).label == "clear all");
-    // Before the result of an undo stands what was undone.
+    // The undone state stands before the result of the undo.
     const bool undone = label.starts_with("undo ");
     return opened || undone || label == "clear all" ? nullptr : label.c_str();
 }
@@ -310,7 +310,7 @@ std::uint64_t journal_change_number()
     if (!inside_a_command())
         journal_settle();
     const bool behind = journal().model_count != model_change_count();
-    // What the running command has changed gets the next number when the command ends.
+    // Changes of the running command get the next number when it ends.
     return behind ? journal().changes + 1 : entry(journal().present).change;
 }
 
@@ -388,7 +388,7 @@ void journal_undone(const undo_record_ptr &record)
                model_state_nearly_equal(*now, before, reach(*entry(opened).state, *record));
     };
     if (alone && only_rounded()) {
-        // What differs is rounding: the old numbers come back.
+        // The difference is rounding: the old numbers are restored.
         model_state_restore(entry(opened - 1).state, restore_selection::no);
         list.present = opened - 1;
     } else {

@@ -4,7 +4,7 @@
 // The history beside the fixed undo: one list of states of the whole model, each with its undo
 // records, and the place in it where the model stands. A state is taken when an outermost command
 // or a drag that changed something ends. Redo and the history go from state to state; a new change
-// drops what lies ahead. Oldest states go when all of them hold more than the limit of bytes.
+// drops the states ahead. The oldest states are dropped when all together exceed the byte limit.
 
 #include "edit/document/model_state.h"
 
@@ -33,7 +33,7 @@ void journal_set_before_state(void (*listener)(unsigned first_serial));
 void journal_hold(bool held);
 
 // One state on, to a state, to before the command that faulted last. They restore model, selection
-// and undo records. False when there is nowhere to go.
+// and undo records. False when there is no such state.
 bool journal_redo();
 bool journal_goto(int index);
 
@@ -43,8 +43,8 @@ bool journal_goto(int index);
 bool journal_back();
 const char *journal_back_label();
 
-// The selection of now is that of the present state: going back to it brings it, not the one that was
-// there when the step ended.
+// The selection of now is that of the present state: going back to it brings it, not the one that
+// was there when the step ended.
 void journal_note_selection();
 bool journal_take_back();
 bool journal_can_take_back();
@@ -69,7 +69,7 @@ std::size_t journal_limit();
 // The present state; null before the first.
 state_ptr journal_state();
 
-// A fault skipped what would have ended a drag or a jump.
+// After a fault, which skipped the end of a drag or a jump.
 void journal_reset_after_fault();
 void journal_reset_for_test();
 

@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_DOCUMENT_JOURNAL_INTERNAL_H
 #define VESK_EDIT_DOCUMENT_JOURNAL_INTERNAL_H
 
-// What the fixed undo asks of the journal.
+// The journal's part in the command "undo".
 
 #include "edit/document/journal.h"
 #include "edit/document/undo_internal.h"

@@ -1,5 +1,5 @@
-// Making the model what a state says: in this order what the state does not have goes, what it has
-// is made or written, and the tree is linked, so that nothing freed is ever linked.
+// Making the model that of a state: first the objects that the state lacks are freed, then its own
+// are made or written, then the tree is linked, so that nothing freed is ever linked.
 
 #include "edit/document/model_restore.h"
 
@@ -145,7 +145,7 @@ private:
         return true;
     }
 
-    // Also takes the tree apart: it is linked anew from what stays and what is made.
+    // Also takes the tree apart: it is linked anew from kept and new objects.
     void free_others()
     {
         const std::unordered_set<const object_t *> kept(targets_.begin(), targets_.end());
@@ -202,7 +202,7 @@ private:
         tree_mark();
     }
 
-    // What is linked to the scripts tells the truth.
+    // The linked script variables show the new state.
     void update_flags()
     {
         object_marks &marks = objects_marks();

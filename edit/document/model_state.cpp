@@ -361,7 +361,7 @@ private:
 
 // ---- comparing ----
 
-// `slack` is what may be lost whatever the scale; when it is infinite, all of it.
+// `slack` is the loss allowed at any scale; an infinite one allows every difference.
 bool near(float a, float b, float scale, float slack)
 {
     if (same_bits(a, b) || std::isinf(slack))

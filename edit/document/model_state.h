@@ -26,7 +26,7 @@ struct object_image {
     std::optional<std::string> data, url;
     std::optional<std::string> texture_file; // of the texture table, when the object has one
     std::vector<property_image> properties;
-    // Without records. Face normals are null when every one is what its corners give.
+    // Without records. Face normals are null when each follows from its corners.
     flat_mesh geometry;
 
     object_image() = default;
@@ -76,7 +76,7 @@ struct model_state {
     {
         return (*blocks[i / block_size])[i % block_size];
     }
-    // The same images: what was captured without a change in between.
+    // The same images: captured without a change in between.
     bool operator==(const model_state &) const = default;
 };
 using state_ptr = std::shared_ptr<const model_state>;
@@ -84,11 +84,13 @@ using state_ptr = std::shared_ptr<const model_state>;
 // The model as it is. Unchanged since the last call: the same pointer.
 state_ptr model_state_capture();
 
-// True when both hold the same model to the bit, whatever is selected. Costs what is not shared.
+// True when both hold the same model to the bit, whatever is selected. Its cost is that of the
+// arrays that are not shared.
 bool model_state_same(const model_state &a, const model_state &b);
 
 // True when both have the same objects, lists and texts, and all numbers agree but for rounding.
-// `reach` is the largest coordinate that was in between: what lay there was rounded to its steps.
+// `reach` is the largest coordinate that was in between: coordinates of that size were rounded to
+// its steps.
 bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach = 0);
 // The largest coordinate; infinite when one is no number.
 float model_state_reach(const model_state &state);

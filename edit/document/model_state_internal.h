@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_DOCUMENT_MODEL_STATE_INTERNAL_H
 #define VESK_EDIT_DOCUMENT_MODEL_STATE_INTERNAL_H
 
-// What the taking and the restoring of states share.
+// Shared by the capture and the restoring of states.
 
 #include "edit/document/model_state.h"
 

@@ -94,7 +94,7 @@ void add_with_descendants(const objects_t &objects)
             if (object == vesk_get_world() || reached.contains(object))
                 return;
             order.push_back(object);
-            // What the rule visits from here, it need not visit again.
+            // Objects that the rule visits from here need no second visit.
             std::vector<object_t *> stack = {object};
             while (!stack.empty()) {
                 object_t *visited = stack.back();

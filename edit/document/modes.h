@@ -26,11 +26,11 @@ enum {
 };
 
 /* Changes the select mode (undoable, kind 4, label "selection") and carries the selection over;
-   the same mode again only tells the scripts ("set_select_mode_ui"). */
+   the same mode again only calls the scripts ("set_select_mode_ui"). */
 VESK_API void set_new_select_mode(int mode);
 
-/* Changes the draw mode by its code or name and tells the scripts ("set_draw_mode_ui"); an unknown
-   one is told on the console. A half-drawn polygon or line is dropped first. */
+/* Changes the draw mode by its code or name and calls the scripts ("set_draw_mode_ui"); an unknown
+   one is reported on the console. A half-drawn polygon or line is dropped first. */
 VESK_API void set_new_draw_mode(int mode);
 VESK_API void set_new_draw_mode_string(const char *name);
 
@@ -48,7 +48,7 @@ VESK_END_DECLS
 int draw_mode();
 const char *select_mode_name(int mode); // null for an unknown code
 
-// Told whenever the draw mode is set, also to what it was.
+// Called whenever the draw mode is set, even to the present one.
 void set_draw_mode_hook(void (*hook)());
 
 // Drops a half-drawn object; set by the create tools.

@@ -114,7 +114,7 @@ void remove_objects(const std::vector<object_t *> &objects)
     all.num_objects -= list_drop_freed(&all.objects, objects);
 }
 
-// What an object stands for in the list of the present mode, for taking it out again.
+// The list entry of an object in the present mode, for taking it out again.
 void remove_by_rule(const std::vector<object_t *> &objects)
 {
     selection_t &all = selection();
@@ -133,7 +133,7 @@ void remove_by_rule(const std::vector<object_t *> &objects)
         for (object_t *object : objects)
             tops.push_back(object_top_ancestor(object));
         remove_objects(tops);
-    } else { // members of groups are what stands in the list
+    } else { // the list holds members of groups
         std::vector<object_t *> members;
         for (object_t *object : objects)
             for_each_object(object, [&](object_t *o) { members.push_back(o); });

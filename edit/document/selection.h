@@ -6,7 +6,7 @@
 
 VESK_BEGIN_DECLS
 
-/* What the next operation works on: three lists without repetitions, and a select mode that says
+/* The target of the next operation: three lists without repetitions, and a select mode that says
    which of them is in use. Only visible, unlocked objects are taken; never the world. Every change
    is announced to the callbacks. */
 
@@ -30,7 +30,7 @@ typedef struct selection_record {
 VESK_API int vesk_get_current_selection(listitem **vertices, listitem **surfaces,
                                         listitem **objects);
 
-/* The old form of vesk_get_current_selection; says so on the console. */
+/* The old form of vesk_get_current_selection; a console line says that. */
 VESK_API int vesk_get_selection(listitem **vertices, listitem **surfaces, listitem **objects);
 
 /* Installs `selection`, a record from myalloc, and frees the former record and its lists. */
@@ -104,7 +104,7 @@ VESK_API listitem *selection_get_part_selected_toplevel_objects(void);
    else null. A new list; the caller frees it. */
 VESK_API listitem *find_selected_whole_surfaces(void);
 
-/* Switched off: only says so on the console. */
+/* Switched off: only a console line. */
 VESK_API void select_whole_surfaces(void);
 
 /* The one selected object when exactly one is, else null. */

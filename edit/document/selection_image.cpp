@@ -1,5 +1,5 @@
-// The selection as runs of places: elements that follow each other in their owner's list, which is
-// what "all" and most rubber bands are, cost one run however many they are.
+// The selection as runs of places: elements that follow each other in their owner's list, as those
+// of "select all" and most rubber bands do, cost one run however many they are.
 
 #include "edit/document/selection_image.h"
 

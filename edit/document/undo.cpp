@@ -1,4 +1,5 @@
-// The stack of undo records and the calls that fill them. What the kinds mean is in undo_kinds.cpp.
+// The stack of undo records and the calls that fill them. The meaning of the kinds is in
+// undo_kinds.cpp.
 
 #include "edit/document/undo.h"
 
@@ -26,7 +27,7 @@ namespace {
 
 struct undo_list {
     undo_stack records; // oldest first
-    int count = 0;      // linked: what scripts read
+    int count = 0;      // linked to the script variable
 };
 undo_list &list()
 {
@@ -44,7 +45,8 @@ void count_changed()
     ui_port().update_linked("undo_count");
 }
 
-// A plug-in's operation is destroyed when its record goes, even while the journal keeps the record.
+// A plug-in's operation is destroyed when its record is dropped, even while the journal keeps the
+// record.
 void discard(const undo_record_ptr &record)
 {
     if (!record->operation())
@@ -63,8 +65,8 @@ void drop_oldest()
     discard(oldest);
 }
 
-// The newest record for a setter to fill; null when undo is off or there is none. `name` is told on
-// the console then, null tells nothing.
+// The newest record for a setter to fill; null when undo is off or there is none. `name` is
+// reported on the console then, null reports nothing.
 undo_record *record_for(const char *name)
 {
     if (undo_is_off())
@@ -114,7 +116,7 @@ std::vector<object_t *> places_in_world(const std::vector<object_t *> &objects)
     return places;
 }
 
-// Takes objects out of the world, told to all who hold them; where they stood is noted.
+// Takes objects out of the world, notifies all who hold them and notes their places.
 std::vector<undo_removed_objects::removed_t> take_out(std::vector<object_t *> &&objects)
 {
     std::erase_if(objects, [](const object_t *o) { return o->parent != vesk_get_world(); });
@@ -394,10 +396,11 @@ void UNDO(void)
         if (record->broken) {
             journal_restore_before(record);
         } else {
-            undo_set_jumping(true); // what loses something now cannot reverse it after a redo
+            undo_set_jumping(
+                true); // a record that loses elements now cannot reverse its change after a redo
             row->reverse(*record);
             if (row->kind != UNDO_TEXTURE_COORDS)
-                undo_restore_texture_coords(*record); // what slid along
+                undo_restore_texture_coords(*record); // coordinates that slid along
             undo_set_jumping(false);
         }
         journal_undone(record);

@@ -6,18 +6,18 @@
 
 VESK_BEGIN_DECLS
 
-/* An edit opens a record (new_undo), fills it with what reversing it needs (the set_undo_ call of
+/* An edit opens a record (new_undo), fills it with the data of its reversal (the set_undo_ call of
    that kind), then makes its change. "undo" reverses the newest record and drops it. At most
-   undo_levels records are kept; with undo_levels 0 nothing is recorded. A record never touches what
-   was freed since: what goes leaves its lists. */
+   undo_levels records are kept; with undo_levels 0 nothing is recorded. A record never touches
+   freed elements: they leave its lists. */
 
-/* Kinds of records and what reverses them. */
+/* Kinds of records and their reversals. */
 enum {
-    UNDO_SELECTION = 4,             /* set_undo_selection: the saved selection comes back */
+    UNDO_SELECTION = 4,             /* set_undo_selection: the saved selection is restored */
     UNDO_MOVE = 8,                  /* set_undo_vert: moved back by the vector */
     UNDO_SURFACE = 0x10,            /* set_undo_surface: the created surface is deleted */
     UNDO_DELETE = 0x40,             /* set_undo_delete_selection: the objects are put back */
-    UNDO_WORLD_1 = 0x80,            /* set_undo_all: the saved model comes back, as for ... */
+    UNDO_WORLD_1 = 0x80,            /* set_undo_all: the saved model is restored, as for ... */
     UNDO_OBJECT = 0x100,            /* set_undo_object: the created object is deleted */
     UNDO_WORLD_2 = 0x200,           /* ... */
     UNDO_WORLD_3 = 0x400,           /* ... */
@@ -35,8 +35,9 @@ enum {
     UNDO_EXTERNAL = 0x400000        /* add_undoable */
 };
 
-/* Opens a record with a copy of the description; the oldest goes when there are too many. The kinds
-   8, 0x1000, 0x2000, 0x40000 and 0x80000 note the selection, on which their reversal works. */
+/* Opens a record with a copy of the description; the oldest is dropped when there are too many. The
+   kinds 8, 0x1000, 0x2000, 0x40000 and 0x80000 note the selection, on which their reversal works.
+   */
 VESK_API void new_undo(int kind, const char *description);
 
 /* ---- filling the newest record; nothing when undo is off. Without a record a console line where
@@ -60,7 +61,7 @@ VESK_API void set_undo_selection(listitem *vertices, listitem *surfaces, listite
 /* A created surface; surfaces that were added to an object. */
 VESK_API void set_undo_surface(surface_t *surface);
 VESK_API void set_undo_object_surfacelist(object_t *object, const listitem *surfaces);
-/* The whole model. Costs what changed since it was last kept. */
+/* The whole model. Its cost is that of the changes since the last capture. */
 VESK_API void set_undo_all(void);
 /* In tree mode takes the selected objects out of the world into the record and returns 1: they are
    deleted. In other modes makes the record a whole-model one (0x10000) and returns 0: the caller
@@ -80,8 +81,8 @@ VESK_API void set_undo_surface_colour(surface_t *surface, int colour);
 
 /* ---- operations of plug-ins ---- */
 
-/* What a plug-in can do, undo and throw away. `destroy` is called once, with 1 when it is to free
-   what user_data points at. */
+/* An operation of a plug-in. `destroy` is called once, with 1 when it is to free
+   user_data. */
 typedef struct vesk_undoable {
     void (*destroy)(void *user_data, int free_it);
     void (*perform)(void *user_data);

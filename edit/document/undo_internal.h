@@ -24,11 +24,11 @@ void undo_records_restore(const undo_stack &stack);
 void undo_drop_newest();
 // Of the record opened last; grows with every one.
 unsigned undo_last_serial();
-// Drops the records after `serial` that their commands did not come to fill: after a fault.
+// Drops the records after `serial` that their commands had not filled: after a fault.
 void undo_drop_unfilled(unsigned serial);
 // While true (undo and jumps), records that lose something they name are marked broken.
 void undo_set_jumping(bool jumping);
-// The operations of plug-ins do not know what a jump did to the model.
+// Marks the operations of plug-ins broken: a jump changed the model without them.
 void undo_break_external();
 
 #endif

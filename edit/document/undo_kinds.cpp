@@ -1,5 +1,4 @@
-// The kinds of undo records: what reverses each, what the records hold, and how they let go of
-// what is freed.
+// The kinds of undo records: their reversals, their data, and how they let go of freed elements.
 
 #include "edit/document/undo_kinds.h"
 
@@ -26,12 +25,12 @@
 
 namespace {
 
-// ---- what every record holds ----
+// ---- the data of every record ----
 
 struct living_records {
     std::unordered_set<undo_record *> records;
     bool listening = false;
-    bool jumping = false; // what goes now goes through the history
+    bool jumping = false; // elements are freed by the history now
     unsigned last_serial = 0;
 };
 living_records &living()
@@ -40,7 +39,7 @@ living_records &living()
     return *record;
 }
 
-// Sets of what went, made when a record first asks.
+// Sets of the freed elements, made when a record first asks.
 class freed_sets {
 public:
     explicit freed_sets(const freed_things &freed) : freed_(freed) {}
@@ -225,7 +224,7 @@ void delete_surfaces(object_t *object, const std::unordered_set<const surface_t 
     object_mark(object, CHANGED_TOPOLOGY);
 }
 
-// The same for vertices; corners that name one go too, so that none names what is freed.
+// The same for vertices; corners that name one are removed too, so that none names a freed vertex.
 void delete_vertices(object_t *object, const std::unordered_set<const vertex *> &gone)
 {
     freed_batch batch;
@@ -268,7 +267,7 @@ void delete_surfaces_of(const undo_made_elements &made)
     }
 }
 
-// Vertices that came with the surfaces go with them: those that the record names.
+// Vertices that were made with the surfaces are removed with them: those that the record names.
 void reverse_made_elements(undo_record &record)
 {
     const auto &made = std::get<undo_made_elements>(record.data);
@@ -458,7 +457,7 @@ undo_record::undo_record(int new_kind, const char *text)
 
 undo_record::~undo_record()
 {
-    living().records.erase(this); // what is freed below is told, but not to this record
+    living().records.erase(this); // elements freed below are announced, but not to this record
     selection_free(&saved);
     freed_batch at_once;
     if (const auto *taken = std::get_if<undo_removed_objects>(&data)) {

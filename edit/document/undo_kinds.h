@@ -1,7 +1,7 @@
 #ifndef VESK_EDIT_DOCUMENT_UNDO_KINDS_H
 #define VESK_EDIT_DOCUMENT_UNDO_KINDS_H
 
-// The kinds of undo records: what each holds and how it is reversed.
+// The kinds of undo records: the data of each and its reversal.
 
 #include "edit/document/model_state.h"
 #include "edit/document/undo.h"
@@ -13,7 +13,7 @@
 #include <vector>
 
 struct saved_corner {
-    svertex *reference; // only compared: it goes with its surface
+    svertex *reference; // only compared: it is freed with its surface
     float u, v;
 };
 struct saved_texture_coords {
@@ -21,7 +21,7 @@ struct saved_texture_coords {
     std::vector<saved_corner> corners;
 };
 
-// ---- what reverses a change: each kind of record has one of these ----
+// ---- data that reverse a change: each kind of record has one of these ----
 
 struct undo_vector {
     point3_t vector = {0, 0, 0}; // translation, or the factors that reverse a scaling
@@ -76,7 +76,8 @@ struct undo_record {
     const unsigned serial; // grows with every record
     std::string description;
     bool filled = false; // by the setter of its kind
-    bool broken = false; // an undo or a jump through the history took what its reversal needs
+    bool broken =
+        false; // an undo or a jump through the history freed elements that its reversal needs
     saved_selection_t saved;
     std::vector<saved_texture_coords> texture_coords; // that changed, or slid along
     undo_data data;

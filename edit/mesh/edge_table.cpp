@@ -62,7 +62,7 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
 edge_table::edge_table(const flat_mesh &mesh)
 {
     build(mesh.num_vertices(), *mesh.corner_offsets, *mesh.corners,
-          [&](int s) { return is_polygon(mesh.surface(s)); });
+          [&](int s) { return !mesh.surface(s).is_line(); });
 }
 
 edge_table::edge_table(int num_vertices, const std::vector<int> &offsets,
@@ -81,9 +81,9 @@ int edge_table::find(int u, int v) const
     return found != end && found->b == high ? static_cast<int>(found - edges_.begin()) : -1;
 }
 
-std::vector<int> edge_table::edges_of_corners(const flat_mesh &mesh) const
+std::vector<int> edge_table::edges_of_corners(int num_corners) const
 {
-    std::vector<int> edges(mesh.num_corners(), -1);
+    std::vector<int> edges(num_corners, -1);
     for (int e = 0; e < size(); ++e) {
         for (const edge_use &use : uses(e))
             edges[use.corner] = e;

@@ -41,7 +41,7 @@ public:
     [[nodiscard]] int find(int u, int v) const;
     // The edge that each corner of the mesh begins; -1 for corners of lines and for edges of no
     // extent (from a vertex to itself).
-    [[nodiscard]] std::vector<int> edges_of_corners(const flat_mesh &mesh) const;
+    [[nodiscard]] std::vector<int> edges_of_corners(int num_corners) const;
 
 private:
     template <class IsPolygon>
@@ -52,11 +52,5 @@ private:
     std::vector<edge_use> uses_;
     std::vector<int> first_edges_; // of each vertex as `a`, and one more
 };
-
-// True for surfaces that are drawn as polygons, whatever their type code.
-inline bool is_polygon(const flat_surface &surface)
-{
-    return surface.type != SURFACE_CLOSED_LINE && surface.type != SURFACE_LINE;
-}
 
 #endif

@@ -178,8 +178,8 @@ vertex *mesh_change::vertex_at(int at, const mesh_result &result) const
     return at < old ? before_->vertex_record(at) : result.vertices[at - old];
 }
 
-// Puts the nodes of the surface's corners into `nodes` as the edits leave them, then links them. The
-// corners of the flat mesh are those of the list without the ones that are not its own.
+// Puts the nodes of the surface's corners into `nodes` as the edits leave them, then links them.
+// The corners of the flat mesh are those of the list without the ones that are not its own.
 void mesh_change::edit_surface(int surface, std::span<const corner_edit> edits,
                                const mesh_result &result, std::vector<listitem *> &nodes) const
 {
@@ -248,7 +248,7 @@ void mesh_change::edit_corners(const mesh_result &result)
     }
 }
 
-// Takes the corners of vertices that go out of the surfaces that stay.
+// Removes the corners of removed vertices from the surfaces that stay.
 void mesh_change::drop_references() const
 {
     const auto goes = [&](const vertex *point) {
@@ -301,9 +301,9 @@ std::size_t mesh_change::end_of(std::size_t made) const
     return made + 1 < surfaces_.size() ? surfaces_[made + 1].first_corner : corners_.size();
 }
 
-// A corner of a surface that goes, with its node, to be used again: what would be freed and taken
-// anew. Null when there is none. Long ones may be known to the short cuts into lists: they go as
-// they are.
+// A corner of a removed surface, with its node, to be used again instead of freeing one and
+// allocating another. Null when there is none. Long surfaces may be known to the short cuts into
+// lists: theirs are freed.
 listitem *mesh_change::take_corner()
 {
     constexpr int too_long = 16;
@@ -394,7 +394,7 @@ mesh_result mesh_change::commit()
     session().committing = true;
     result.vertices.reserve(vertices_.size());
     result.surfaces.reserve(surfaces_.size());
-    link(result); // before what it copies from goes
+    link(result); // before the elements it copies from are freed
     edit_corners(result);
     if (removes)
         unlink();

@@ -24,7 +24,7 @@ public:
     // Place of a surface of the object, or -1.
     int index_of(const surface_t *surface);
 
-    // Room for about so many new ones, to be made in one piece.
+    // Reserves room for about this many new ones.
     void reserve(std::size_t vertices, std::size_t surfaces, std::size_t corners);
 
     // A new vertex; with `like` it takes over that old vertex's other fields. Returns its place.
@@ -57,12 +57,12 @@ public:
 
     void remove_surface(int surface);
     // The vertex and every reference to it; a surface that is left with fewer than 3 corners by it
-    // (2 when it is a line) goes too.
+    // (2 when it is a line) is removed too.
     void remove_vertex(int at);
-    // Vertices whose last surface this change removes go with it.
+    // Vertices whose last surface this change removes are removed with it.
     void remove_unused() { remove_unused_ = true; }
 
-    // Writes it back: tells nobody but the holders of what is freed, computes no normals. To be
+    // Writes it back: notifies only the holders of freed elements, computes no normals. To be
     // called once.
     mesh_result commit();
 
@@ -117,13 +117,13 @@ private:
     std::vector<made_corner> corners_;
     std::vector<corner_edit> edits_;
     std::vector<std::int32_t> corners_after_;         // empty without edits
-    std::vector<bool> gone_vertices_, gone_surfaces_; // empty while none goes
+    std::vector<bool> gone_vertices_, gone_surfaces_; // empty while none is removed
     std::unordered_map<const surface_t *, int> places_;
-    std::size_t taken_from_ = 0; // the surface that goes whose corners are used again now
+    std::size_t taken_from_ = 0; // the removed surface whose corners are used again now
     bool remove_unused_ = false;
 };
 
-// Commits them in one go: who keeps elements is told once of all that went.
+// Commits them together: holders of elements are notified once of all freed ones.
 void commit_all(std::vector<mesh_change> &changes);
 
 #endif

@@ -13,7 +13,7 @@
 struct mesh_edges {
     int count = 0;
     // One for each corner of the mesh: its edge, or -1 (the end of an open line, and corners of
-    // surfaces that were not asked for). Edges are numbered in the order in which the corners of
+    // surfaces that are not in the list). Edges are numbered in the order in which the corners of
     // the surfaces, as they were given, first have them.
     std::vector<std::int32_t> of_corner;
 };

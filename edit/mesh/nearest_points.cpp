@@ -2,6 +2,7 @@
 
 #include "model/bounds.h"
 #include "model/matrix.h"
+#include "model/vector.h"
 
 #include <algorithm>
 #include <bit>
@@ -11,7 +12,7 @@
 namespace {
 constexpr int leaf_size = 8;
 
-float coordinate(const point3_t &p, int axis) { return axis == 0 ? p.x : axis == 1 ? p.y : p.z; }
+float axis_of(const point3_t &p, int axis) { return axis == 0 ? p.x : axis == 1 ? p.y : p.z; }
 } // namespace
 
 nearest_points::nearest_points(const std::vector<point3_t> &points)
@@ -42,14 +43,14 @@ void nearest_points::build(std::size_t at, int first, int end)
     }
     int axis = 0;
     for (int other = 1; other < 3; ++other) {
-        if (coordinate(box.max, other) - coordinate(box.min, other) >
-            coordinate(box.max, axis) - coordinate(box.min, axis))
+        if (axis_of(box.max, other) - axis_of(box.min, other) >
+            axis_of(box.max, axis) - axis_of(box.min, axis))
             axis = other;
     }
     const int middle = first + (end - first) / 2;
     const auto less = [&](int a, int b) {
-        const float x = coordinate(points_[a], axis), y = coordinate(points_[b], axis);
-        // What is no number goes last: an order must be strict.
+        const float x = axis_of(points_[a], axis), y = axis_of(points_[b], axis);
+        // Points that are no numbers are last: an order must be strict.
         return std::isnan(y) ? !std::isnan(x) : x < y;
     };
     std::nth_element(order_.begin() + first, order_.begin() + middle, order_.begin() + end, less);
@@ -62,8 +63,8 @@ double nearest_points::distance_to_box(const node &box, const point3_t &to) cons
 {
     double squared = 0;
     for (int axis = 0; axis < 3; ++axis) {
-        const double p = coordinate(to, axis);
-        const double below = coordinate(box.min, axis) - p, above = p - coordinate(box.max, axis);
+        const double p = axis_of(to, axis);
+        const double below = axis_of(box.min, axis) - p, above = p - axis_of(box.max, axis);
         const double away = std::max({below, above, 0.0});
         squared += away * away;
     }

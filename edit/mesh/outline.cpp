@@ -164,7 +164,7 @@ std::vector<crossing_search::event_t> crossing_search::events() const
     std::sort(all.begin(), all.end(), [](const event_t &a, const event_t &b) {
         if (!same(a.at, b.at))
             return before(a.at, b.at);
-        return a.ends != b.ends ? b.ends : a.side < b.side; // what begins comes first
+        return a.ends != b.ends ? b.ends : a.side < b.side; // beginnings before ends
     });
     return all;
 }

@@ -38,7 +38,7 @@ position_index::position_index(const std::vector<point3_t> &positions)
         find_or_add(at, number++);
 }
 
-// The slot that holds the position, or the empty one where it would go.
+// The slot that holds the position, or the empty one for it.
 std::size_t position_index::slot_of(const point3_t &at, std::uint32_t hash) const
 {
     const std::size_t mask = slots_.size() - 1;

@@ -11,7 +11,7 @@
 
 class position_index {
 public:
-    // For about so many positions; grows.
+    // For about this many positions; grows.
     explicit position_index(std::size_t expected);
     // Holds all of these, under their places.
     explicit position_index(const std::vector<point3_t> &positions);

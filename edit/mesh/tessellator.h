@@ -18,7 +18,7 @@ public:
     tessellator_t &operator=(const tessellator_t &) = delete;
 
     // Fills triangles() with places in the outline, three for each. False when the outline is
-    // refused (told on the console), or too flat to give any.
+    // refused (reported on the console), or too flat to give any.
     bool cut(std::span<const point3_t> outline);
     // The same without the short cut.
     bool cut_slowly(std::span<const point3_t> outline);
@@ -29,7 +29,7 @@ private:
         double at[3];
         int index;
     };
-    // What the tessellator answered for quads of one kind; none while `known` is false.
+    // The tessellator's answer for quads of one kind; none while `known` is false.
     struct quad_answer {
         bool known;
         std::int8_t corners[6];

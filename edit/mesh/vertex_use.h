@@ -10,9 +10,9 @@ VESK_BEGIN_DECLS
 VESK_API listitem *surfaces_of_vertex(const vertex *point);
 VESK_API listitem *surfaces_of_object_vertex(const object_t *object, const vertex *point);
 
-/* Every corner on `from` goes to `to`, in one surface or in all surfaces of the object; texture
-   coordinates stay. Return how many there were. The form for one surface marks nothing: the caller
-   knows the object. */
+/* Every corner on `from` is redirected to `to`, in one surface or in all surfaces of the object;
+   texture coordinates stay. Return how many there were. The form for one surface marks nothing: the
+   caller knows the object. */
 VESK_API int surface_replace_vertex_all(surface_t *surface, const vertex *from, vertex *to);
 VESK_API int object_replace_surfaceref(object_t *object, const vertex *from, vertex *to);
 

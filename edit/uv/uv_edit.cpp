@@ -16,7 +16,7 @@ namespace {
 
 float narrow(double value) { return static_cast<float>(value); }
 
-// Commits, and tells what came of it.
+// Commits, and reports the result.
 void finish(const char *label, const std::vector<flat_uv> &at)
 {
     const int changed = uv_commit(label, at);
@@ -32,7 +32,7 @@ bool refuse(const char *label, const uv_state &state)
     return true;
 }
 
-// Applies a matrix that the box of what moves decides.
+// Applies a matrix that depends on the box of the moving corners.
 template <class MatrixOf>
 void transform(const char *label, MatrixOf &&matrix_of)
 {
@@ -76,7 +76,7 @@ std::vector<flat_uv> aligned(const uv_state &state, const side_row &side)
     std::vector<char> chosen(boxes.size(), 0);
     for (const int island : uv_chosen_islands(state))
         chosen[island] = 1;
-    // Whole islands move, so their joint box is what counts.
+    // Whole islands move, so their joint box counts.
     uv_box all;
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         if (chosen[i] != 0) {
@@ -99,7 +99,7 @@ std::vector<flat_uv> aligned(const uv_state &state, const side_row &side)
 // ---- weld ----
 
 // Those of the corners order[first] .. order[end - 1], sorted by u, that lie within the distance of
-// the first of them that is left come to their middle, and so on.
+// the first of them that is left are moved to their middle, and so on.
 void weld_near(const std::vector<flat_uv> &from, const std::vector<int> &order, std::size_t first,
                std::size_t end, double distance, std::vector<flat_uv> &at)
 {
@@ -158,8 +158,8 @@ std::vector<flat_uv> welded(const uv_state &state, double distance)
 
 // ---- split ----
 
-// What parts as one: the chosen surfaces that are joined, or each chosen corner by itself. Its
-// corners that are joined to others go a pixel towards the middle of their surfaces.
+// A part that is split off as one: the chosen surfaces that are joined, or each chosen corner by
+// itself. Its corners that are joined to others move a pixel towards the middle of their surfaces.
 std::vector<flat_uv> split(const uv_state &state)
 {
     const uv_mesh &mesh = state.mesh;

@@ -2,8 +2,8 @@
 #define VESK_EDIT_UV_UV_EDIT_H
 
 // Changes of texture coordinates: the arithmetic that the mouse and the commands share, and the
-// commands. Commands work on what is chosen in the editor, else on everything it shows; each is one
-// undo record of texture coordinates, and tells when there is nothing to work on.
+// commands. Commands work on the choice in the editor, else on everything it shows; each is one
+// undo record of texture coordinates, and a status line says when there is no target.
 
 #include "edit/uv/uv_editor.h"
 
@@ -33,9 +33,9 @@ void command_uv_scale(float su, float sv);
 void command_uv_flip(const char *axis);
 // By 90 degrees to the left, in the pixels of the picture.
 void command_uv_rotate_90();
-// The box of what is chosen becomes the unit square; `keep` keeps its proportions and centres it.
+// The box of the choice becomes the unit square; `keep` keeps its proportions and centres it.
 void command_uv_fit(int keep);
-// Chosen corners come to one line; in the modes of surfaces and islands whole islands do.
+// Chosen corners are moved to one line; in the modes of surfaces and islands whole islands do.
 void command_uv_align(const char *side);
 // Words: optionally a distance.
 void command_uv_weld(int count, const char *const *words);

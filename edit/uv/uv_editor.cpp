@@ -38,7 +38,7 @@ editor_t &editor()
 
 bool is_element_mode(int mode) { return mode == SELECT_SURFACE || mode == SELECT_VERTEX; }
 
-// ---- what is shown ----
+// ---- the shown surfaces ----
 
 bool is_in_the_world(const shown_object &shown)
 {
@@ -174,7 +174,7 @@ std::vector<char> corners_of_main_selection(const uv_mesh &mesh)
     return corners;
 }
 
-// Whether the main selection is what the choice was carried over to.
+// Whether the main selection is the one that the choice was carried over to.
 bool main_selection_is_ours(const uv_state &state)
 {
     if (!is_element_mode(select_mode()))

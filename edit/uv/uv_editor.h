@@ -1,10 +1,11 @@
 #ifndef VESK_EDIT_UV_UV_EDITOR_H
 #define VESK_EDIT_UV_UV_EDITOR_H
 
-// What the operations on texture coordinates work on, with or without a window. Shown are the
-// polygons of the visible, unlocked objects that are selected, or that own what is selected; chosen
-// are some of their corners. Chosen surfaces (corners) are the main selection in surface (vertex)
-// mode and the other way round; choosing while whole objects are selected changes the select mode.
+// The target of the operations on texture coordinates, with or without a window. Shown are the
+// polygons of the visible, unlocked objects that are selected, or that own selected elements;
+// chosen are some of their corners. Chosen surfaces (corners) are the main selection in surface
+// (vertex) mode and the other way round; choosing while whole objects are selected changes the
+// select mode.
 
 #include "edit/uv/uv_islands.h"
 
@@ -33,7 +34,8 @@ const char *uv_mode_name(uv_mode mode);
 // whole surfaces or islands with a corner among them. Carried over to the main selection.
 void uv_choose(std::vector<char> corners);
 
-// What operations change: the corners that are chosen and those joined to them; all when none is.
+// The corners that operations change: those that are chosen and those joined to them; all when none
+// is.
 std::vector<char> uv_moving_corners(const uv_state &state);
 // The surfaces all of whose corners are chosen; all when no corner is.
 std::vector<int> uv_chosen_surfaces(const uv_state &state);
@@ -42,8 +44,8 @@ std::vector<int> uv_chosen_islands(const uv_state &state);
 
 uv_box uv_box_of(const uv_mesh &mesh, const std::vector<char> &corners);
 
-// Pixels of the picture on the shown objects that the unit square covers; without a picture a square
-// of 512.
+// Pixels of the picture on the shown objects that the unit square covers; without a picture a
+// square of 512.
 struct uv_pixels {
     double width = 512, height = 512;
     [[nodiscard]] double aspect() const { return width / height; }
@@ -54,8 +56,8 @@ object_t *uv_picture_object();
 
 // ---- changes ----
 
-// Makes `at` the coordinates of all shown corners, but for what is no number: one undo record with
-// that label. Returns how many surfaces changed; 0: no record.
+// Makes `at` the coordinates of all shown corners, but for those that are no numbers: one undo
+// record with that label. Returns how many surfaces changed; 0: no record.
 int uv_commit(const char *label, const std::vector<flat_uv> &at);
 
 // The same without a record, for a drag: islands stay as they were numbered at its begin.

@@ -24,17 +24,17 @@
 
 namespace {
 
-// An object as it was: what the coordinates are computed from.
+// An object as it was: the source of the new coordinates.
 struct origin_t {
     image_ptr image;
     uv_mesh mesh;
     uv_islands islands;
-    std::vector<int> piece; // of each vertex: what hangs together
+    std::vector<int> piece; // of each vertex: the connected part it is in
 };
 
 struct keep_t {
     bool on = false;
-    state_ptr state; // what the images are of
+    state_ptr state; // the state that the images belong to
     std::unordered_map<int, image_ptr> images;
     std::unordered_map<int, std::shared_ptr<const origin_t>> origins;
     std::unordered_set<int> followed; // objects whose coordinates were written since that state
@@ -59,7 +59,7 @@ void look_at_state()
     now.state = std::move(state);
 }
 
-// What each vertex hangs together with, by number.
+// The number of the connected part that each vertex is in.
 std::vector<int> pieces_of(const uv_mesh &mesh)
 {
     union_find vertices(static_cast<int>(mesh.positions.size()));
@@ -90,7 +90,7 @@ std::shared_ptr<const origin_t> origin_of(int identity)
     return origin;
 }
 
-// What a transform works on. Some of it may stay where it is, as the middle of what is scaled does.
+// The elements that a transform works on. Some may stay in place, as the middle of a scaled part.
 class selected_set {
 public:
     selected_set()
@@ -214,7 +214,7 @@ private:
     bool known_ = false;
 };
 
-// All corners of a point slide by the mean of what their surfaces say.
+// All corners of a point slide by the mean of their surfaces' answers.
 std::vector<flat_uv> slid(const origin_t &origin, const uv_mesh &now_mesh,
                           const selected_set &selected)
 {
@@ -257,7 +257,7 @@ std::vector<flat_uv> slid(const origin_t &origin, const uv_mesh &now_mesh,
     return at;
 }
 
-// What an undo record gets: the coordinates as they were.
+// Saves the coordinates as they were in an undo record.
 void save_in(undo_record &record, const uv_mesh &mesh, const std::vector<flat_uv> &before,
              const std::vector<int> &surfaces)
 {
@@ -310,7 +310,7 @@ void follow(object_t *object, const selected_set &selected, undo_record *record,
 
 // At the end of a step, before its state is taken: all objects follow, but not those whose
 // coordinates the step changed itself. The undo record that the step opened (the newest one, when
-// its number is above `first_serial`) gets what the coordinates were.
+// its number is above `first_serial`) gets the former coordinates.
 void end_step(unsigned first_serial)
 {
     look_at_state();

@@ -11,8 +11,8 @@ struct uv_stretch {
     bool flipped = false; // mirrored, or against most others
 };
 
-// One a surface. Each is cut into triangles from its first corner; areas are summed, shapes weighted
-// by area. Linear.
+// One a surface. Each is cut into triangles from its first corner; areas are summed, shapes
+// weighted by area. Linear.
 //   aspect  width of the picture by its height
 std::vector<uv_stretch> uv_measure_stretch(const uv_mesh &mesh, double aspect);
 
@@ -26,7 +26,7 @@ struct uv_triangle {
 };
 bool uv_triangles_overlap(const uv_triangle &a, const uv_triangle &b);
 
-// Queries: "surfaces 12 area_least 0.5 ..." of what is chosen, and the overlapping surfaces.
+// Queries: "surfaces 12 area_least 0.5 ..." of the choice, and the overlapping surfaces.
 void command_uv_stretch();
 void command_uv_overlaps();
 

@@ -1,8 +1,8 @@
 #ifndef VESK_EDIT_UV_UV_MESH_H
 #define VESK_EDIT_UV_UV_MESH_H
 
-// The texture coordinates of some objects' polygons as plain arrays: what the operations on texture
-// coordinates compute with. Surfaces, corners and vertices of all objects are numbered through.
+// The texture coordinates of some objects' polygons as plain arrays: the input of the operations on
+// texture coordinates. Surfaces, corners and vertices of all objects are numbered through.
 
 #include "model/flat_mesh.h"
 
@@ -55,8 +55,8 @@ bool uv_part_is_current(const uv_part &part);
 // The surface of each corner.
 std::vector<int> uv_surface_of_corners(const uv_mesh &mesh);
 
-// Writes the coordinates `at` of these surfaces (ascending) into the model and marks the objects. No
-// undo, no redraw.
+// Writes the coordinates `at` of these surfaces (ascending) into the model and marks the objects.
+// No undo, no redraw.
 void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at,
               const std::vector<int> &surfaces);
 
@@ -64,7 +64,7 @@ void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at,
 std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat_uv> &from,
                                      const std::vector<flat_uv> &to);
 
-// Bounds of corners; empty while nothing was added. What is no number does not count.
+// Bounds of corners; empty while nothing was added. Coordinates that are no numbers do not count.
 struct uv_box {
     float u0 = 1, v0 = 1, u1 = 0, v1 = 0;
     bool any = false;

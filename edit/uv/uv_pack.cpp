@@ -22,7 +22,7 @@ struct piece {
     std::int64_t x = 0, y = 0;
 };
 
-// The upper edge of what stands already, from left to right.
+// The upper edge of the rectangles placed so far, from left to right.
 struct level {
     std::int64_t x, y, width;
 };
@@ -162,7 +162,7 @@ public:
     }
 
 private:
-    // Rounded up, but for what rounding of the coordinates adds.
+    // Rounded up, but for the rounding of the coordinates.
     [[nodiscard]] std::int64_t steps(double size) const
     {
         return std::max<std::int64_t>(1, static_cast<std::int64_t>(std::ceil(size / unit_ - 0.02)));

@@ -12,7 +12,7 @@ enum class uv_projection { PLANAR_X, PLANAR_Y, PLANAR_Z, BOX, CYLINDER, SPHERE }
 // planar_x, planar_y, planar_z, box, cylinder, sphere; false for another name.
 bool uv_projection_of(std::string_view name, uv_projection *projection);
 
-// What the projection gives one picture width: a unit of the model, the whole of it with its
+// The length that one picture width stands for: a unit of the model, the whole of it with its
 // proportions, or its own extent in each direction.
 enum class uv_extent { UNITS = 0, PROPORTIONS = 1, SQUARE = 2 };
 

@@ -13,7 +13,7 @@
 bool uv_relax(const uv_mesh &mesh, const uv_islands &islands, const std::vector<char> &free,
               const std::vector<int> &surfaces, int steps, double aspect, std::vector<flat_uv> &at);
 
-// The chosen islands; in corner mode only what is chosen moves.
+// The chosen islands; in corner mode only the chosen corners move.
 void command_uv_relax(int steps);
 
 #endif

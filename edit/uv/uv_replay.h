@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// What the mouse does to texture coordinates, as commands that do the same again.
+// Drags of texture coordinates as commands that repeat them.
 
 // Chosen corners by their places among all that are shown: "0-3,8".
 std::string uv_corner_text(const std::vector<char> &corners);

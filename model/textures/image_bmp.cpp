@@ -1,6 +1,6 @@
 // Windows bitmaps: headers of 12 (OS/2), 16, 40, 52, 56, 64, 108 and 124 bytes; 1, 2, 4, 8, 16, 24
 // and 32 bits a pixel, plain, run-length encoded (4 and 8 bits) or with bit masks, bottom-up or
-// top-down. RGB comes out, RGBA when the header names an alpha mask.
+// top-down. The result is RGB, or RGBA when the header names an alpha mask.
 #include "model/textures/image_bmp.h"
 
 #include "base/messages.h"
@@ -128,7 +128,7 @@ std::vector<rgb_t> read_palette(std::string_view bytes, const bmp_header &h)
     return palette;
 }
 
-// What a mask selects, widened to a byte.
+// The bits that a mask selects, widened to a byte.
 class channel {
 public:
     explicit channel(std::uint32_t mask)
@@ -210,7 +210,7 @@ void read_masked(std::string_view bytes, const bmp_header &h, decoded_image *out
 
 // ---- runs ----
 
-// Writes runs of indices into the picture; what lies outside it is dropped.
+// Writes runs of indices into the picture; indices outside it are dropped.
 class run_painter {
 public:
     run_painter(const bmp_header &h, decoded_image *out, const std::vector<rgb_t> &palette)

@@ -3,7 +3,7 @@
 
 #include "model/textures/image_decode.h"
 
-// False, told with -debug, when the bytes are no such image.
+// False, reported with -debug, when the bytes are no such image.
 bool decode_bmp(std::string_view bytes, const char *filename, decoded_image *out);
 
 #endif

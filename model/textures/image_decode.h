@@ -1,9 +1,10 @@
 #ifndef VESK_MODEL_TEXTURES_IMAGE_DECODE_H
 #define VESK_MODEL_TEXTURES_IMAGE_DECODE_H
 
-// The pixels of the built-in readers of image files, and what the readers share. Each works on the bytes of a whole file and never reads
-// outside them; what a header claims is believed only as far as the data goes, so memory is taken
-// for pixels that are there and not for those that are promised.
+// The result of the built-in readers of image files, and the helpers they share. Each reader works
+// on the bytes of a whole file and never reads outside them; what a header claims is believed only
+// as far as the data goes, so memory is taken for pixels that are there and not for those that are
+// promised.
 
 #include <cstdint>
 #include <string_view>

@@ -1,5 +1,5 @@
 // GIF 87a and 89a: the first image of a file, with its local or the global colour map, as RGB.
-// Transparency and what extension blocks say are ignored.
+// Transparency and extension blocks are ignored.
 #include "model/textures/image_gif.h"
 
 #include "base/messages.h"
@@ -31,7 +31,7 @@ public:
     // The next byte, -1 at the end.
     int byte() { return at_ < bytes_.size() ? static_cast<unsigned char>(bytes_[at_++]) : -1; }
 
-    // The next block of data; empty for the terminator and, told, at the end of the file.
+    // The next block of data; empty for the terminator and, with a report, at the end of the file.
     bool block(std::string_view *out)
     {
         *out = {};
@@ -188,8 +188,8 @@ private:
     std::array<unsigned char, most_codes> pixel_ = {};
 };
 
-// Appends a string and, of a code that was not known yet, its first pixel once more; never more than
-// `count` in all. False, told, when there was more.
+// Appends a string and, of a code that was not known yet, its first pixel once more; never more
+// than `count` in all. False, with a report, when there was more.
 bool append_string(const std::vector<unsigned char> &reversed, bool first_again, std::size_t count,
                    std::vector<unsigned char> *indices)
 {
@@ -237,7 +237,7 @@ std::vector<unsigned char> read_indices(gif_stream &stream, int first_bits, std:
     return indices;
 }
 
-// The row of the picture, from the top, that comes `i`-th in an interlaced file.
+// The row of the picture, from the top, that is `i`-th in an interlaced file.
 std::vector<int> row_order(int height, bool interlaced)
 {
     std::vector<int> rows;

@@ -70,12 +70,12 @@ const char *search_texture_save(const char *model_filename, const char *texture_
     const std::string texture = plain_path(texture_filename);
     std::string folder =
         plain_path(vesk_filename_concat_path_file(vesk_filename_get_path(model_filename), "x"));
-    folder.pop_back(); // the "x": what is left ends in "/"
+    folder.pop_back(); // the "x": the rest ends in "/"
     const bool below = *model_filename != '\0' && texture.size() > folder.size() &&
                        texture.compare(0, folder.size(), folder) == 0;
     if (below)
         name = texture.substr(folder.size());
     else
-        name = texture; // in full: from where the file goes, a name from here leads nowhere
+        name = texture; // in full: a relative name would lead nowhere from the file's folder
     return name.c_str();
 }

@@ -300,7 +300,7 @@ int add_new_texture_reload(const char *filename, const char *origname)
             ui_port().make_current(VIEW_XYZ);
         }
     }
-    // Deliberate: what was just reloaded is read once more and appended.
+    // Deliberate: the reloaded file is read once more and appended.
     return texture_add(filename, origname);
 }
 

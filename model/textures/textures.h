@@ -43,7 +43,7 @@ VESK_API void vesk_image_set_dim(VESKImage *image, int width, int height, int de
 VESK_API void vesk_image_set_data(VESKImage *image, unsigned char *data);
 VESK_API void free_veskimage(VESKImage *image);
 
-/* Loads one image. Failures are told in a box or on the console; then null. */
+/* Loads one image. Failures are reported in a box or on the console; the result is then null. */
 VESK_API VESKImage *texture_read(const char *filename, const char *origname);
 
 /* ---- table ---- */
@@ -55,13 +55,14 @@ VESK_API int add_new_texture_opt(const char *filename, const char *origname);
 VESK_API int add_new_texture_reload(const char *filename, const char *origname);
 /* Index of the entry of exactly that file name, or -1. */
 VESK_API int texture_find_by_name(const char *filename);
-/* Entry, its file name, its name as given; null for a bad index (told on the console). */
+/* Entry, its file name, its name as given; null for a bad index (reported on the console). */
 VESK_API VESKImage *texture_id_to_image(int id);
 VESK_API const char *texture_id_to_name(int id);
 VESK_API const char *texture_id_to_origname(int id);
 VESK_API int vesk_get_num_textures(void);
 /* Hands an image to the drawing code: a texture with its smaller copies is made of it, in whatever
-   size the device takes. All windows share it. Returns 1, or 0 without a window or without pixels. */
+   size the device takes. All windows share it. Returns 1, or 0 without a window or without pixels.
+   */
 VESK_API int texture_build(VESKImage *image);
 /* The same for an image, or for the whole table (again). */
 VESK_API void texture_build_for_all_windows(VESKImage *image);
@@ -73,16 +74,16 @@ VESK_API void texture_rebuild_all(void);
    saved again. Returns 1 when a texture was set. */
 VESK_API int search_and_set_texture(object_t *object, const char *model_filename,
                                     const char *texture_name);
-/* Loads a file and sets it; returns 1, or 0 (told on the console). */
+/* Loads a file and sets it; returns 1, or 0 (reported on the console). */
 VESK_API int object_set_init_texture(object_t *object, const char *filename, const char *origname);
 VESK_API void object_texture_set(object_t *object, int id);
 VESK_API void object_texture_clear(object_t *object);
 /* The name of a texture that was not found when the object was loaded, or null. */
 VESK_API const char *object_missing_texture(const object_t *object);
-/* The name of an object's texture for a file of another format, which may go elsewhere together with
-   it: relative to the file's folder, by way of ".." when it lies beside or above that, and in full
-   only when the two share no folder. One that was not found keeps its name. "" without a texture.
-   In one buffer that each call overwrites. */
+/* The name of an object's texture for a file of another format, which may go elsewhere together
+   with it: relative to the file's folder, by way of ".." when it lies beside or above that, and in
+   full only when the two share no folder. One that was not found keeps its name. "" without a
+   texture. In one buffer that each call overwrites. */
 VESK_API const char *object_texture_beside(const object_t *object, const char *filename);
 
 VESK_END_DECLS
@@ -90,7 +91,8 @@ VESK_END_DECLS
 #ifdef VESK_INTERNAL
 // The property that keeps the name of a texture that was not found.
 constexpr const char *missing_texture_property = "missing_texture";
-// While one lives (a load), at most one message box about textures is shown; others go to the console.
+// While one lives (a load), at most one message box about textures is shown; others go to the
+// console.
 class texture_load_scope {
 public:
     texture_load_scope();
