@@ -37,7 +37,7 @@ proc on_entry {menu words} {
 
 ::test::run {
     set tabs .main.right.tabs
-    set tree $::vesk::hier::tree
+    set tree $::vesk::objects::tree
     ::test::check "an empty scene says how to begin" {[winfo ismapped .main.right.objects.empty]}
     vesk new_cube
     vesk objects_set [vesk object_get_children [vesk get_world]] name cube
@@ -168,17 +168,17 @@ proc on_entry {menu words} {
     vesk surface_triangulate
     ::test::pause 300
     ::test::check "the panel's numbers follow an operation" {[$tree set $cube surfaces] == 12}
-    set ::vesk::hier::filter group
+    set ::vesk::objects::filter group
     ::test::pause 400
     ::test::check "the filter leaves the selection as it is" {[vesk get_selected_objects] eq $cube}
-    set ::vesk::hier::filter ""
+    set ::vesk::objects::filter ""
     vesk clear_selection
     ::test::pause 400
     $tree item $group -open 0
-    set ::vesk::hier::filter nothing
+    set ::vesk::objects::filter nothing
     ::test::pause 400
     ::test::check "says when nothing matches" {[winfo ismapped .main.right.objects.empty]}
-    set ::vesk::hier::filter ""
+    set ::vesk::objects::filter ""
     ::test::pause 400
     ::test::check "and what was closed is still closed" {![$tree item $group -open]}
 

@@ -245,6 +245,7 @@ proc fresh {} {
         ::vesk::help::page $page
         ::test::check "Help has a page for $page" {[string match "web browser - *" $::vesk::status::message]}
     }
+    ::vesk::need windows tips
     ::test::check "thirty tips, each another" {
         [llength $::vesk::tips::list] >= 30
         && [llength [lsort -unique $::vesk::tips::list]] == [llength $::vesk::tips::list]

@@ -81,7 +81,7 @@ proc modal_shown {w name meanwhile} {
     ::test::pause 500
     vesk set_select_mode object
     vesk select_by_name lamp
-    foreach id [vesk get_selected_objects] {catch {$::vesk::hier::tree see $id}}
+    foreach id [vesk get_selected_objects] {catch {$::vesk::objects::tree see $id}}
     foreach theme {dark light contrast safe} {
         set ::vesk::theme_name $theme
         ::vesk::main::set_theme
@@ -132,9 +132,9 @@ proc modal_shown {w name meanwhile} {
             [expr {[winfo rooty .mbar.object] + [winfo height .mbar.object]}]
         shot menu
         .mbar.object.menu unpost
-        ::vesk::tips::show .main.tools.extrude
+        ::vesk::tooltips::show .main.tools.extrude
         shot tooltip
-        ::vesk::tips::hide
+        ::vesk::tooltips::hide
     }
     ::test::check "no script failed" {$::test::errors eq {}}
 }

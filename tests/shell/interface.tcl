@@ -32,7 +32,7 @@ proc click {w {x ""} {y ""} {count 1}} {
     ::test::pause 450
 }
 proc row {id} {
-    set tree $::vesk::hier::tree
+    set tree $::vesk::objects::tree
     $tree see $id
     update
     lassign [$tree bbox $id #0] x y width height
@@ -40,7 +40,7 @@ proc row {id} {
 }
 
 ::test::run {
-    set tree $::vesk::hier::tree
+    set tree $::vesk::objects::tree
     set all {}
     foreach {id parent type name surfaces visible locked} [vesk object_tree] {lappend all $id}
     set first [lindex $all 0]
@@ -86,15 +86,15 @@ proc row {id} {
     }
     key Escape
 
-    set strip $::vesk::hier::strip
+    set strip $::vesk::objects::strip
     click $strip [::vesk::theme::px 13] [lindex [row $first] 1]
     ::test::check "the eye hides" {[vesk object_is_hidden $first] eq "1"}
     click .status.hidden
     ::test::check "the badge shows all" {[vesk object_is_hidden $first] eq "0"}
-    set ::vesk::hier::filter "no such name"
+    set ::vesk::objects::filter "no such name"
     ::test::pause 300
     ::test::check "the filter hides other rows" {[llength [$tree children {}]] == 0}
-    set ::vesk::hier::filter ""
+    set ::vesk::objects::filter ""
     ::test::pause 300
 
     # The history window and the kinds that only the command makes.

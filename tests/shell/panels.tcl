@@ -32,7 +32,7 @@ proc near {list wanted {tolerance 1e-4}} {
 proc centre {} {return [vesk get_selection_centre]}
 proc size {} {return [vesk get_selection_size]}
 proc row {id} {
-    set tree $::vesk::hier::tree
+    set tree $::vesk::objects::tree
     $tree see $id
     update
     lassign [$tree bbox $id #0] x y width height
@@ -137,11 +137,11 @@ proc one_record {{label ""}} {
     foreach i {1 2 3} {vesk create box 0 $i 0 0 [expr {$i + 0.5}] 1 1}
     set ids [vesk object_get_children [vesk get_world]]
     ::test::pause 400
-    set tree $::vesk::hier::tree
+    set tree $::vesk::objects::tree
     # drag_row --
     #   Drags a row to a share of another row's height.
     proc drag_row {from to share} {
-        set tree $::vesk::hier::tree
+        set tree $::vesk::objects::tree
         point_at $tree {*}[row $from]
         exec xdotool mousedown 1
         lassign [$tree bbox $to #0] x y width height
@@ -308,8 +308,8 @@ proc one_record {{label ""}} {
     vesk clear_selection
     ::vesk::ops::refresh
     update
-    set ::vesk::hier::flat {}
-    set took [lindex [time {::vesk::hier::refresh; update idletasks}] 0]
+    set ::vesk::objects::flat {}
+    set took [lindex [time {::vesk::objects::refresh; update idletasks}] 0]
     puts "10,000 rows in [expr {$took / 1000}] ms"
     ::test::check "ten thousand rows" {[llength [$tree children {}]] == 10000 && $took < 600000}
 }

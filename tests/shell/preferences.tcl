@@ -153,19 +153,19 @@ proc show_field {key} {
 
     # Keys: record one, a clash, presets.
     page Keys
-    set list $::vesk::keys::page.list
+    set list $::vesk::keyspage::page.list
     ::test::press_row $list view.rotate
-    ::test::press $::vesk::keys::page.edit.record
+    ::test::press $::vesk::keyspage::page.edit.record
     ::test::key y
     ::test::check "a pressed key is recorded" {[::vesk::keys::key_of view.rotate] eq "Y"}
     ::test::press_row $list tool.scale
-    ::test::press $::vesk::keys::page.edit.record
+    ::test::press $::vesk::keyspage::page.edit.record
     ::test::key m
     ::test::check "a key that another has asks first" {
-        [winfo ismapped $::vesk::keys::page.clash] && [::vesk::keys::key_of view.move] eq "M"
+        [winfo ismapped $::vesk::keyspage::page.clash] && [::vesk::keys::key_of view.move] eq "M"
     }
     ::test::shot preferences-keys
-    ::test::press $::vesk::keys::page.clash.take
+    ::test::press $::vesk::keyspage::page.clash.take
     ::test::check "and is taken over" {
         [::vesk::keys::key_of tool.scale] eq "M" && [::vesk::keys::key_of view.move] eq ""
     }

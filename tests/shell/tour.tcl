@@ -125,7 +125,7 @@ proc look_at_the_saved_file {} {
     picture narrow
     # 4. Materials: a new one for the shade, one of the palette for the rest.
     ::test::press .opt.modes.object
-    ::test::press_row $::vesk::hier::tree [row_of shade]
+    ::test::press_row $::vesk::objects::tree [row_of shade]
     ::test::key F3
     ::test::type two-sided
     ::test::key Return
@@ -137,9 +137,9 @@ proc look_at_the_saved_file {} {
     field $tab.rows.eemissive "#806030"
     ::test::press $tab.top.apply
     picture material
-    ::test::press_row $::vesk::hier::tree [row_of base]
+    ::test::press_row $::vesk::objects::tree [row_of base]
     exec xdotool keydown ctrl
-    ::test::press_row $::vesk::hier::tree [row_of stem]
+    ::test::press_row $::vesk::objects::tree [row_of stem]
     exec xdotool keyup ctrl
     ::test::check "a click with Control adds" {[llength [vesk get_selected_objects]] == 2}
     .main.right.tabs select .main.right.tabs.palette
