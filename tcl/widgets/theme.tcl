@@ -11,6 +11,20 @@ namespace eval ::vesk::theme {
     variable made {}            ;# ttk themes made so far
     variable surfaces {{} chrome Panel. panel Field. field}
     variable followers {}       ;# scripts to run after a change
+    variable looks {}           ;# options of classic widgets, by class, in the current theme
+    # The same with palette names in place of colours.
+    variable classic {
+        Menu {-background menu -foreground text -activebackground sel -activeforeground on_sel
+            -disabledforeground off -selectcolor text}
+        Listbox {-background field -foreground text -selectbackground sel -selectforeground on_sel}
+        Text {-background field -foreground text -inactiveselectbackground sel
+            -selectbackground sel -selectforeground on_sel -insertbackground text}
+        Entry {-background field -foreground text -disabledbackground chrome
+            -disabledforeground off -readonlybackground field -selectbackground sel
+            -selectforeground on_sel -insertbackground text}
+        Menubutton {-background chrome -foreground text -activebackground raise
+            -activeforeground text -disabledforeground off}
+    }
     # The defaults of the two font preferences; anything else there wins over our own fonts.
     variable font_main_default "{arial} 9 {bold}"
     variable font_menu_default "{arial} 9 {bold italic}"
@@ -107,10 +121,15 @@ proc ::vesk::theme::apply {theme} {
     variable current
     variable colours
     variable made
+    variable classic
+    variable looks
     variable followers
     if {$theme ni [dict keys $::vesk::palettes::names]} {set theme dark}
     set current $theme
     set colours [::vesk::palettes::colours $theme]
+    set looks [dict map {class options} $classic {
+        concat {*}[lmap {option name} $options {list $option [colour $name]}]
+    }]
     ::vesk::icons::set_theme $theme
     if {$theme ni $made} {
         lappend made $theme
@@ -319,6 +338,7 @@ proc ::vesk::theme::view_background {} {
 
 proc ::vesk::theme::configure_surfaces {c} {
     variable surfaces
+    dict with c {}
     foreach {prefix surface} $surfaces {
         set ground [dict get $c $surface]
         foreach style {TFrame TLabel TButton Default.TButton TEntry TCombobox Icon.Toolbutton
@@ -327,27 +347,22 @@ proc ::vesk::theme::configure_surfaces {c} {
             ttk::style configure $prefix$style -background $ground
             ttk::style map $prefix$style -background {}
         }
-        ttk::style configure ${prefix}TLabel -foreground [dict get $c text]
-        ttk::style configure ${prefix}Dim.TLabel -background $ground \
-            -foreground [dict get $c dim]
-        ttk::style configure ${prefix}Hint.TLabel -background $ground \
-            -foreground [dict get $c faint] -font VeskHint
-        ttk::style configure ${prefix}Key.TLabel -background $ground \
-            -foreground [dict get $c faint] -font VeskKey
-        ttk::style configure ${prefix}Bold.TLabel -background $ground -font VeskBold
-        ttk::style configure ${prefix}Title.TLabel -background $ground -font VeskTitle
+        foreach {style options} [list \
+                TLabel [list -foreground $text] Dim.TLabel [list -foreground $dim] \
+                Hint.TLabel [list -foreground $faint -font VeskHint] \
+                Key.TLabel [list -foreground $faint -font VeskKey] \
+                Bold.TLabel {-font VeskBold} Title.TLabel {-font VeskTitle}] {
+            ttk::style configure $prefix$style -background $ground {*}$options
+        }
         ttk::style configure ${prefix}TButton -width 0 -anchor center -padding 0
         ttk::style configure ${prefix}Default.TButton -width 0 -anchor center -padding 0 \
-            -foreground [dict get $c on_sel]
-        ttk::style map ${prefix}Default.TButton -foreground [list disabled [dict get $c off]]
-        ttk::style configure ${prefix}TEntry -foreground [dict get $c text] \
-            -insertcolor [dict get $c text] -padding 0
-        ttk::style configure ${prefix}TCombobox -foreground [dict get $c text] -padding 0
+            -foreground $on_sel
+        ttk::style map ${prefix}Default.TButton -foreground [list disabled $off]
+        ttk::style configure ${prefix}TEntry -foreground $text -insertcolor $text -padding 0
+        ttk::style configure ${prefix}TCombobox -foreground $text -padding 0
         # In a read-only box the selection would stay as a blue block.
-        ttk::style map ${prefix}TCombobox \
-            -selectbackground [list readonly [dict get $c field]] \
-            -selectforeground [list readonly [dict get $c text]] \
-            -foreground [list disabled [dict get $c off]]
+        ttk::style map ${prefix}TCombobox -selectbackground [list readonly $field] \
+            -selectforeground [list readonly $text] -foreground [list disabled $off]
     }
 }
 
@@ -378,15 +393,14 @@ proc ::vesk::theme::set_options {} {
     } {
         option add $pattern [colour $name] widgetDefault
     }
-    option add *Menu.borderWidth 1 widgetDefault
-    option add *Menu.activeBorderWidth 0 widgetDefault
-    option add *Menu.tearOff 0 widgetDefault
-    option add *Menu.relief [menu_relief] widgetDefault
-    foreach {class option value} {Listbox highlightThickness 0 Listbox borderWidth 0
-            Text highlightThickness 0 Text borderWidth 0 Canvas highlightThickness 0
-            Canvas borderWidth 0 TCombobox*Listbox.activeStyle {} none} {
-        if {$option ne ""} {option add *$class.$option $value widgetDefault}
+    dict for {pattern value} {
+        *Menu.borderWidth 1 *Menu.activeBorderWidth 0 *Menu.tearOff 0
+        *Listbox.highlightThickness 0 *Listbox.borderWidth 0 *Text.highlightThickness 0
+        *Text.borderWidth 0 *Canvas.highlightThickness 0 *Canvas.borderWidth 0
+    } {
+        option add $pattern $value widgetDefault
     }
+    option add *Menu.relief [menu_relief] widgetDefault
 }
 
 proc ::vesk::theme::menu_relief {} {
@@ -399,45 +413,20 @@ proc ::vesk::theme::menu_relief {} {
 #   that wants other ones says so in the array `surface` (path -> palette name of its background).
 proc ::vesk::theme::recolour {w} {
     variable surface
-    switch -- [winfo class $w] {
-        Menu {
-            $w configure -background [colour menu] -foreground [colour text] \
-                -activebackground [colour sel] -activeforeground [colour on_sel] \
-                -disabledforeground [colour off] -selectcolor [colour text] \
-                -relief [menu_relief] -borderwidth 1 -activeborderwidth 0
-        }
-        Listbox {
-            $w configure -background [colour field] -foreground [colour text] \
-                -selectbackground [colour sel] -selectforeground [colour on_sel]
-        }
-        Text {
-            $w tag raise sel
-            $w configure -background [colour field] -foreground [colour text] \
-                -inactiveselectbackground [colour sel] \
-                -selectbackground [colour sel] -selectforeground [colour on_sel] \
-                -insertbackground [colour text]
-        }
-        Entry {
-            $w configure -background [colour field] -foreground [colour text] \
-                -disabledbackground [colour chrome] -disabledforeground [colour off] \
-                -readonlybackground [colour field] \
-                -selectbackground [colour sel] -selectforeground [colour on_sel] \
-                -insertbackground [colour text]
-        }
-        Menubutton {
-            $w configure -background [colour chrome] -foreground [colour text] \
-                -activebackground [colour raise] -activeforeground [colour text] \
-                -disabledforeground [colour off]
-        }
+    variable looks
+    set class [winfo class $w]
+    if {[dict exists $looks $class]} {$w configure {*}[dict get $looks $class]}
+    switch -- $class {
+        Menu {$w configure -relief [menu_relief] -borderwidth 1 -activeborderwidth 0}
+        Text {$w tag raise sel}
         Canvas - Frame - Toplevel {
             if {![info exists surface($w)]} {$w configure -background [colour chrome]}
         }
-    }
-    if {[winfo class $w] eq "Dialog"} {
-        # Black windows on black ones need an edge.
-        set edge [expr {$::vesk::theme::current eq "contrast"}]
-        $w configure -highlightthickness $edge -highlightbackground [colour line] \
-            -highlightcolor [colour line]
+        Dialog {
+            # Black windows on black ones need an edge.
+            $w configure -highlightthickness [expr {$::vesk::theme::current eq "contrast"}] \
+                -highlightbackground [colour line] -highlightcolor [colour line]
+        }
     }
     if {[info exists surface($w)] && $surface($w) ne "-"} {
         $w configure -background [colour $surface($w)]
