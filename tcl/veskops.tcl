@@ -1,5 +1,5 @@
 # veskops.tcl --
-#   The first script: how the others are read, and what all of them build on.
+#   The first script: reads widgets and libraries; procedures that read the other files.
 
 namespace eval ::vesk {
     variable script_folder [file dirname [file normalize [info script]]]
@@ -26,8 +26,8 @@ proc ::vesk::need {folder args} {
 }
 
 # later --
-#   Has a file read when one of its procedures is first called: what is seldom used costs nothing at
-#   the start.
+#   Reads a file when one of its procedures is first called, so that seldom used files cost nothing
+#   at the start.
 #   args  procedures of the file's namespace
 proc ::vesk::later {folder file args} {
     namespace eval ::vesk::$file {}

@@ -1,4 +1,4 @@
 # veskpalette.tcl --
-#   The palette, and the material that is chosen of it.
+#   The Palette and the Material tab.
 
 ::vesk::need panels palette material

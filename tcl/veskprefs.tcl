@@ -1,5 +1,5 @@
 # veskprefs.tcl --
-#   Preferences and settings as the interface follows them; their window is read when it opens.
+#   Preferences, settings and keys; their window is read when it opens.
 
 ::vesk::need lib prefs
 ::vesk::later lib keys use restore pressed

@@ -7,8 +7,8 @@ proc show_tip {} {::vesk::tips::at_start}
 #   Builds the window, names the Togl widgets and shows it once it is styled.
 proc ::vesk::init {} {
     wm withdraw .
-    # An input context costs two answers of the X server for each window that gets an event; with
-    # input methods off while the window is built, those that are never typed into go without.
+    # An input context costs two round trips to the X server for each window that gets an event.
+    # With input methods off while the window is built, widgets without text do not get one.
     tk useinputmethods 0
     foreach name {coors size} {set ::$name ""}
     ::vesk::prefs::take

@@ -1,5 +1,5 @@
 # veskuvedit.tcl --
-#   Textures in the interface, and the door to the editor of texture coordinates.
+#   Textures, and the window of texture coordinates, which is read when it opens.
 
 namespace eval ::vesk::uvedit {
     variable keep 0             ;# pictures stay in place while vertices move

@@ -5,8 +5,8 @@
 namespace eval ::vesk::arith {}
 
 # value --
-#   The number that `text` means. Raises an error that says what is wrong with it.
-#   current  what the field shows, for the relative forms; "" when it shows no number
+#   Returns the number that a text means; raises an error that names the mistake.
+#   current  the number in the field, for the relative forms; "" when there is none
 proc ::vesk::arith::value {text {current ""}} {
     set text [string trim $text]
     if {$text eq ""} {error "a number is missing"}
@@ -96,14 +96,14 @@ proc ::vesk::arith::combine {operator a b} {
 }
 
 # checked --
-#   Refuses what single precision cannot hold.
+#   Refuses a number that single precision cannot hold.
 proc ::vesk::arith::checked {number} {
     if {!(abs($number) < 3.4e38)} {error "the number is too large"}
     return $number
 }
 
 # shown --
-#   A number as the fields show it: three places, more only where those would say nothing.
+#   A number as the fields show it: three places, or four digits where three places would show none.
 proc ::vesk::arith::shown {number} {
     if {![string is double -strict $number] || $number != $number} {return ""}
     set size [expr {abs($number)}]

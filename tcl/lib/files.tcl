@@ -10,13 +10,13 @@ namespace eval ::vesk::files {
     variable starting 1         ;# files of the command line are still being read
     variable geometry {"Geometry files" {*.vesk *.3ds *.dxf *.lwo *.lws *.md2 *.bsp *.wrl *.tri
         *.vec *.r2v *.obj *.ply *.stl *.gltf *.glb *.dae *.fbx *.3mf}}
-    variable loaded_before 0    ;# the world was not empty before the load that is told
+    variable loaded_before 0    ;# the world was not empty before the last load
 }
 
 # ---- unsaved changes ----
 
 # mark_saved --
-#   The model as it is now is what the file holds.
+#   Notes that the file holds the model as it is now.
 proc ::vesk::files::mark_saved {} {
     variable saved_count
     variable saved_at
@@ -44,7 +44,7 @@ proc ::vesk::files::show_title {} {
 }
 
 # confirmed --
-#   Asks what to do with unsaved changes; 1 when the caller may go on.
+#   Asks about unsaved changes; returns 1 when the caller may go on.
 proc ::vesk::files::confirmed {} {
     variable saved_at
     variable title
@@ -68,11 +68,11 @@ proc ::vesk::files::since {time} {
     return "the last save, $minutes minute[expr {$minutes == 1 ? "" : "s"}] ago"
 }
 
-# ---- names told by the executable ----
+# ---- names from the executable ----
 
 # told_name --
-#   A file was read or written. Only a .vesk name read into an empty world becomes what Save
-#   writes; any other is but the title.
+#   A file was read or written. Only a .vesk file that was read into an empty world becomes the
+#   target of Save; any other name is only the title.
 proc ::vesk::files::told_name {name} {
     variable target
     variable title
@@ -85,7 +85,7 @@ proc ::vesk::files::told_name {name} {
     if {$starting} {
         add_recent $name
         if {!$many} {mark_saved}
-        # A model that was just opened is looked at, not edited: nothing of it is selected.
+        # Nothing of a model is selected after opening: a user first looks at it.
         vesk clear_selection
     }
     show_title
@@ -99,7 +99,7 @@ proc ::vesk::files::start_files {} {
 }
 
 # started --
-#   The start-up is over: a scene without a file counts as saved while it is empty.
+#   Ends the start-up: an empty scene without a file counts as saved.
 proc ::vesk::files::started {} {
     variable starting
     variable saved_count
@@ -140,7 +140,7 @@ proc ::vesk::files::open_ask {} {
 }
 
 # open_file --
-#   Replaces the scene by a file's. What cannot be read at all is refused before anything goes.
+#   Replaces the scene by that of a file. An unreadable file is refused before the scene is cleared.
 proc ::vesk::files::open_file {name} {
     variable loaded_before
     variable title
@@ -164,7 +164,7 @@ proc ::vesk::files::open_file {name} {
 }
 
 # unreadable --
-#   Why a file cannot be opened, or "". A model file shows by its first bytes what it is.
+#   Why a file cannot be opened, or "". A model file is known by its first bytes.
 proc ::vesk::files::unreadable {name} {
     if {[file isdirectory $name]} {return "$name is a folder"}
     if {[catch {::open $name rb} channel]} {return "can't read $name"}
@@ -212,7 +212,7 @@ proc ::vesk::files::save_as {} {
 }
 
 # write --
-#   Saves to `name`; it becomes the target only when that worked.
+#   Saves to a file, which becomes the target if that worked.
 proc ::vesk::files::write {name} {
     variable target
     variable title
@@ -235,7 +235,7 @@ proc ::vesk::files::quit {} {
 # ---- recent files ----
 
 # add_recent --
-#   Puts a name before the four recent ones.
+#   Puts a name first among the four recent ones.
 proc ::vesk::files::add_recent {name} {
     set names [list $name]
     foreach old [recent] {
@@ -286,7 +286,7 @@ proc ::vesk::files::shortened {name limit} {
 proc update_savefile_name {args} {::vesk::files::told_name [join $args]}
 
 # pick --
-#   One of the dialogs that the executable asks for; answers with the chosen name or "".
+#   Opens one of the file dialogs of the executable; returns the chosen name or "".
 #   key  preference that keeps the folder of this kind
 proc ::vesk::files::pick {how title filter key} {
     set name [::vesk::filebox::ask $how $title [set ::prefs_$key] $filter]

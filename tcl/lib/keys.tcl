@@ -1,14 +1,15 @@
 # keys.tcl --
-#   Keys that were changed: what is pressed in a view is translated before the executable sees it,
-#   and the menus' keys are bound anew. The standard keys need none of this; the file is read when
+#   Changed keys: a key that is pressed in a view is translated before the executable sees it, and
+#   the keys of the menus are bound anew. The standard keys need none of this; the file is read when
 #   the keys page opens, or at the start when the settings hold other keys.
 
 namespace eval ::vesk::keys {
     variable changed {}         ;# id -> key, where it is not the standard one
     variable in_views {}        ;# key -> action, of all keys that act in the views
     variable standard {}        ;# id -> key of the table, before anything was changed
-    # What the executable's own keys do in the views: id, label, standard key, then the character
-    # and state that "keypress" gets.
+    variable id_at {}           ;# {menu label} -> id of its action
+    # Actions of the executable's own keys in the views: id, label, standard key, then the character
+    # and the state for "keypress".
     variable native {
         view.object   "Object mode"                          O        o 0
         view.surface  "Surface mode"                         S        s 0
@@ -37,7 +38,7 @@ namespace eval ::vesk::keys {
         view.delete3  "Delete (third key)"                   BackSpace BackSpace 0
         view.none     "Select nothing"                       Escape   \x1b 0
     }
-    # Presets: name, then what differs from the standard keys.
+    # Presets: name, label, and the keys that differ from the standard ones.
     variable presets {
         standard "Standard" {}
         grs "G R S keys" {
@@ -73,25 +74,29 @@ proc ::vesk::keys::rows {} {
     foreach words $::vesk::tools::rows {
         lappend result [list tool.[lindex $words 0] Tools "Tool: [lindex $words 5]" ""]
     }
-    foreach id [dict keys $standard] {
-        set trail [lrange [split [string map {" > " \u0001} $id] \u0001] 0 end-1]
-        lappend result [list $id [join $trail " > "] \
-            [lindex [split [string map {" > " \u0001} $id] \u0001] end] [dict get $standard $id]]
+    dict for {id key} $standard {
+        set at [string last " > " $id]
+        lappend result [list $id [string range $id 0 $at-1] [string range $id $at+3 end] $key]
     }
     return $result
 }
 
 # remember --
-#   Notes the keys of the menu table as they are without changes. Rows that name a key of the views
-#   belong to the executable's own keys.
+#   Notes the action of each menu row, and its key while the table still has the standard ones. Rows
+#   with a key of the views stand for the executable's own actions.
 proc ::vesk::keys::remember {} {
     variable standard
+    variable id_at
     if {[dict size $standard] > 0} {return}
-    foreach pair [::vesk::menus::all] {
-        lassign $pair trail row
+    foreach entry [::vesk::menus::all] {
+        lassign $entry trail row name
         set key [lindex $row 3]
-        if {$key ne "" && [native_of $key] ne ""} {continue}
-        dict set standard [id_of $trail $row] $key
+        set id [expr {$key eq "" ? "" : [native_of $key]}]
+        if {$id eq ""} {
+            set id [id_of $trail $row]
+            dict set standard $id $key
+        }
+        dict set id_at [list $name [lindex $row 1]] $id
     }
 }
 proc ::vesk::keys::id_of {trail row} {
@@ -131,7 +136,7 @@ proc ::vesk::keys::users {key} {
 # ---- changing ----
 
 # set_key --
-#   Gives an action another key; "" none.
+#   Gives an action another key, or none with "".
 proc ::vesk::keys::set_key {id key} {
     variable changed
     dict unset changed $id
@@ -162,7 +167,7 @@ proc ::vesk::keys::preset {} {
 }
 
 # restore --
-#   The keys of the settings, at the start. What is no list of pairs is left alone.
+#   Takes the keys of the settings at the start; a damaged list is ignored.
 proc ::vesk::keys::restore {} {
     variable changed
     set kept [::vesk::settings::get keys]
@@ -172,7 +177,7 @@ proc ::vesk::keys::restore {} {
 }
 
 # take_effect --
-#   Menus show and bind the keys; the map of the views is made anew; the settings keep them.
+#   Shows and binds the keys in the menus, rebuilds the map of the views, and keeps the settings.
 proc ::vesk::keys::take_effect {} {
     variable changed
     variable in_views
@@ -206,7 +211,6 @@ proc ::vesk::keys::take_effect {} {
 # set_menu_keys --
 #   Writes the keys into the menu table and the menus that stand, and binds them.
 proc ::vesk::keys::set_menu_keys {} {
-    variable standard
     dict for {name menu} $::vesk::menus::table {
         lassign $menu label rows
         set new {}
@@ -227,42 +231,12 @@ proc ::vesk::keys::set_menu_keys {} {
 }
 
 # menu_key --
-#   The key that a row of a menu shows: its own, or that of the native action it stands for.
+#   The key that a row of a menu shows now.
 proc ::vesk::keys::menu_key {name row} {
-    variable rows_of
-    variable natives
-    if {![info exists rows_of]} {note_rows}
+    variable id_at
+    remember
     set place [list $name [lindex $row 1]]
-    if {[dict exists $natives $place]} {return [key_of [dict get $natives $place]]}
-    if {[dict exists $rows_of $place]} {return [key_of [dict get $rows_of $place]]}
-    return [lindex $row 3]
-}
-
-# note_rows --
-#   Which action each row of each menu is, while the table is still the standard one.
-proc ::vesk::keys::note_rows {} {
-    variable rows_of {}
-    variable natives {}
-    foreach name $::vesk::menus::bar {walk $name [::vesk::menus::label $name]}
-}
-proc ::vesk::keys::walk {name trail} {
-    variable rows_of
-    variable natives
-    foreach row [::vesk::menus::rows $name] {
-        switch -- [lindex $row 0] {
-            line {}
-            menu {walk [lindex $row 2] "$trail > [string map {& {}} [lindex $row 1]]"}
-            default {
-                set place [list $name [lindex $row 1]]
-                set native [native_of [lindex $row 3]]
-                if {[lindex $row 3] ne "" && $native ne ""} {
-                    dict set natives $place $native
-                } else {
-                    dict set rows_of $place [id_of $trail $row]
-                }
-            }
-        }
-    }
+    return [expr {[dict exists $id_at $place] ? [key_of [dict get $id_at $place]] : [lindex $row 3]}]
 }
 
 proc ::vesk::keys::show_key {name entry key} {
@@ -291,7 +265,7 @@ proc ::vesk::keys::text_of {text keysym state} {
     set modifiers ""
     if {$state & 4} {append modifiers Ctrl+}
     if {$state & 8} {append modifiers Alt+}
-    # With Shift a sign key gives another sign already.
+    # The sign of a sign key differs with Shift already.
     if {$state & 1 && ([string length $key] > 1 || [string is alnum $key])} {
         append modifiers Shift+
     }
@@ -299,7 +273,7 @@ proc ::vesk::keys::text_of {text keysym state} {
 }
 
 # pressed --
-#   A key in a view while keys are changed. Returns 1 when it was taken.
+#   Handles a key in a view while keys are changed; returns 1 when it has an action.
 proc ::vesk::keys::pressed {view text keysym state} {
     variable in_views
     set key [text_of $text $keysym $state]

@@ -1,13 +1,14 @@
 # menus.tcl --
 #   Builds menus from the table: the bar (real Tk menus below .mbar, so that Alt+letter and F10
-#   work), context menus, accelerators. What fits the selection and what this build can do is asked
-#   when a menu is opened: entries are greyed, never hidden.
+#   work), context menus, accelerators. An entry that fits neither the selection nor this build is
+#   greyed when the menu opens, never hidden.
 
 namespace eval ::vesk::menus {
     variable bound {}       ;# accelerators bound: event -> row
     variable info           ;# cache of command_info: name -> list
     variable paths {}       ;# menu name -> widget, for menus of the bar
     variable rows_at        ;# menu widget -> its rows, in order
+    # Needs of the rows, and the message when they are not met.
     variable reasons {
         some "select something first" object "select objects first"
         several "select two objects or more" group "select a group first"
@@ -48,7 +49,7 @@ proc ::vesk::menus::build_bar {bar_frame} {
     ::vesk::theme::recolour $bar_frame
     bind $bar_frame <Configure> {::vesk::menus::fit_bar %W %w}
     bind_accelerators
-    # Tk does not make greyed entries the active one: the pointer is asked, too.
+    # Tk does not activate greyed entries: the place of the pointer is used, too.
     bind Menu <<MenuSelect>> {+::vesk::menus::tell %W active}
     bind Menu <Motion> {+::vesk::menus::tell %W @%y}
     bind Menu <Unmap> {+::vesk::status::preview ""}
@@ -82,7 +83,7 @@ proc ::vesk::menus::build {name path} {
 }
 
 # plain --
-#   A label as messages name it.
+#   A label without its marks, as messages show it.
 proc ::vesk::menus::plain {label} {return [string map {& {} ... {}} $label]}
 
 # split_label --
@@ -93,8 +94,8 @@ proc ::vesk::menus::split_label {label} {
 }
 
 # add_command, add_entry, accelerator --
-#   Appends an entry, with further options of it. Blanks round label and key make the margins that Tk
-#   leaves out, and an empty picture gives the height.
+#   Appends an entry, with further options of it. Blanks round label and key make the margins that
+#   Tk leaves out, and an empty picture gives the height.
 proc ::vesk::menus::add_command {path label script args} {
     add_entry $path command $label -command $script {*}$args
 }
@@ -146,7 +147,7 @@ proc ::vesk::menus::menu_widget_name {name} {
 }
 
 # invoke --
-#   Does what a row says.
+#   Runs the action of a row.
 proc ::vesk::menus::invoke {row} {
     lassign $row kind label target key needs help
     switch -- $kind {
@@ -225,7 +226,7 @@ proc ::vesk::menus::row_command {row} {
 }
 
 # why_not --
-#   "" when a row can be chosen now, else what is missing.
+#   Why a row cannot be chosen now, or "".
 #   state  dictionary as `now` makes it
 proc ::vesk::menus::why_not {row state} {
     variable reasons
@@ -240,7 +241,7 @@ proc ::vesk::menus::possible {row state} {
 }
 
 # fits --
-#   Whether what a row needs is there.
+#   Whether the state fulfils the needs of a row.
 proc ::vesk::menus::fits {needs state} {
     switch -- $needs {
         some    {return [expr {[dict get $state selected] > 0}]}
@@ -262,7 +263,7 @@ proc ::vesk::menus::fits {needs state} {
 }
 
 # now --
-#   What is selected and how much there is.
+#   Counts of the selection and of the scene, as a dictionary.
 proc ::vesk::menus::now {} {
     lassign [vesk get_counts] objects total surfaces all_surfaces vertices all_vertices
     set ids [vesk get_selected_objects]
@@ -280,8 +281,8 @@ proc ::vesk::menus::now {} {
 }
 
 # tell --
-#   The status line says what the entry does that the pointer or the keys are on, or what it needs.
-#   place  of the entry in the menu, as Tk takes it
+#   Shows the help of the entry under the pointer or the keys in the status line, or its needs.
+#   place  index of the entry, in any form that Tk knows
 proc ::vesk::menus::tell {path place} {
     variable rows_at
     set entry none
@@ -299,7 +300,8 @@ proc ::vesk::menus::tell {path place} {
 }
 
 # refresh --
-#   Greys what cannot be chosen; called when a menu opens. Rows that others appended stay.
+#   Greys the rows that cannot be chosen; called when a menu opens. Appended entries stay as they
+#   are.
 proc ::vesk::menus::refresh {name path} {
     set state [now]
     set entry 0
@@ -352,12 +354,12 @@ proc ::vesk::menus::bind_accelerators {} {
             bind . $event [list ::vesk::menus::key %W $row]
         }
     }
-    # What people who come from other programs press for redo.
+    # The redo key of many other programs.
     bind . <Control-Key-y> [list ::vesk::menus::key %W [find edit redo]]
 }
 
 # bind_again --
-#   The table has other keys now.
+#   Binds the keys anew after a change of the table.
 proc ::vesk::menus::bind_again {} {
     variable bound
     foreach event [dict keys $bound] {bind . $event {}}
@@ -367,7 +369,8 @@ proc ::vesk::menus::bind_again {} {
 }
 
 # key --
-#   An accelerator. While text is edited the editing keys are the field's; disabled rows refuse.
+#   Runs the row of an accelerator. While text is edited the editing keys are the field's; a row
+#   that cannot be chosen is refused with a message.
 proc ::vesk::menus::key {w row} {
     if {![::vesk::view::in_main $w]} {return}
     if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {return}
@@ -381,8 +384,8 @@ proc ::vesk::menus::key {w row} {
 }
 
 # edits_text --
-#   Whether a key belongs to the field that has the focus. Undo is the model's again as soon as
-#   what was typed has been applied.
+#   Whether a key belongs to the field that has the focus. Undo is the model's again as soon as the
+#   typed text was applied.
 proc ::vesk::menus::edits_text {key w} {
     if {$key in {Ctrl+Z Ctrl+Shift+Z}} {return [::vesk::fields::being_typed $w]}
     return [expr {$key in {Ctrl+X Ctrl+C Ctrl+V Ctrl+A Ctrl+D}}]
@@ -424,7 +427,7 @@ proc ::vesk::menus::popup_rows {rows x y} {
 }
 
 # new_popup --
-#   An empty menu in place of the last one; who asks for it fills and posts it.
+#   An empty menu in place of the last one; the caller fills and posts it.
 proc ::vesk::menus::new_popup {{path .popup}} {
     variable rows_at
     destroy $path
@@ -435,25 +438,22 @@ proc ::vesk::menus::new_popup {{path .popup}} {
 }
 
 # all --
-#   Every row that does something, as {menu-path row} pairs, for the search and the key table.
+#   Every row with an action, as {menu-path row menu}, for the search, the keys and their table.
 proc ::vesk::menus::all {} {
     variable bar
-    set result {}
-    foreach name $bar {
-        collect $name [label $name] result
-    }
-    return $result
+    return [concat {*}[lmap name $bar {all_below $name [label $name]}]]
 }
-proc ::vesk::menus::collect {name trail result_var} {
-    upvar 1 $result_var result
+proc ::vesk::menus::all_below {name trail} {
+    set result {}
     foreach row [rows $name] {
         switch -- [lindex $row 0] {
             line {}
             menu {
                 set text [string map {& {}} [lindex $row 1]]
-                collect [lindex $row 2] "$trail > $text" result
+                lappend result {*}[all_below [lindex $row 2] "$trail > $text"]
             }
-            default {lappend result [list $trail $row]}
+            default {lappend result [list $trail $row $name]}
         }
     }
+    return $result
 }

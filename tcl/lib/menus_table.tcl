@@ -1,6 +1,7 @@
 # menus_table.tcl --
 #   The menus that edit, as data (menus_table_view.tcl holds the others): the menu bar, the context
-#   menus, the key table and the command search are all built from this table. A menu is {name underlined-label {row ...}}; a row is
+#   menus, the key table and the command search are all built from this table. A menu is {name
+#   underlined-label {row ...}}; a row is
 #     {kind label target key needs help}
 #   kind    run     target: words after "vesk"
 #           ask     target: command, then its fields (see options.tcl): an options box
@@ -9,12 +10,12 @@
 #           radio   target: variable, value, then the words to call
 #           menu    target: name of another menu of this table
 #           line    a separator
-#     show    target: one command, and a title: shows what it answers
+#           show    target: one command and a title: shows its answer
 #   "&" stands before the underlined letter.
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
-#   needs   what must be there: "" nothing, some a selection, object, surface, vertex a selection
-#           in that mode, several objects, a group, undo, redo, hidden, locked, model a model
+#   needs   condition of the row: "" none, some a selection, object, surface, vertex a selection in
+#           that mode, several objects, a group, undo, redo, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.

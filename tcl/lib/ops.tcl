@@ -1,6 +1,6 @@
 # ops.tcl --
-#   How the interface calls the executable: one place that echoes to the console, tells refusals and
-#   keeps what is shown in step with the model.
+#   Calls of the executable, in one place that echoes them to the console, shows refusals in the
+#   status line and keeps the panels in step with the model.
 
 namespace eval ::vesk::ops {
     variable pending 0          ;# a refresh waits for the idle loop
@@ -10,7 +10,7 @@ namespace eval ::vesk::ops {
 }
 
 # run --
-#   Calls an executable command, echoes it to the console and tells a refusal in the status line.
+#   Calls an executable command, echoes it to the console and shows a refusal in the status line.
 #   Returns the command's result.
 proc ::vesk::ops::run {args} {
     echo vesk {*}$args
@@ -33,8 +33,8 @@ proc ::vesk::ops::echo {args} {
 # ---- keeping the interface in step ----
 
 # listen --
-#   Has `script` (a list of words) run when an aspect changed: model, tree, selection, palette, or
-#   any for every refresh.
+#   Has `script` (a list of words) run after a change of an aspect: model, tree, selection or
+#   palette; any means every refresh.
 proc ::vesk::ops::listen {aspect script} {
     variable listeners
     dict lappend listeners $aspect $script
@@ -51,7 +51,7 @@ proc ::vesk::ops::request {} {
 }
 
 # soon --
-#   Has `script` (a list of words) run by the next refresh also when no aspect of it changed.
+#   Has `script` (a list of words) run by the next refresh in any case.
 proc ::vesk::ops::soon {script} {
     variable due
     lappend due $script
@@ -59,8 +59,8 @@ proc ::vesk::ops::soon {script} {
 }
 
 # refresh --
-#   Compares the stamps of the model with those of the last time and runs the scripts of those who
-#   listen: each once, whatever number of aspects it listens to.
+#   Compares the stamps of the model with the last ones and runs the scripts of the changed aspects:
+#   each once, also when several of its aspects changed.
 proc ::vesk::ops::refresh {} {
     variable pending 0
     variable last
@@ -89,13 +89,13 @@ proc ::vesk::ops::refresh {} {
 }
 
 # change_count --
-#   The number of what the model holds: the same after undo, redo and a drag that was taken back.
+#   A number for the content of the model; undo and a cancelled drag bring the old one back.
 proc ::vesk::ops::change_count {} {
     return [vesk change_count]
 }
 
 # failed --
-#   An error in a script of the interface: told in the status line, with its stack in the console.
+#   Shows an error of the interface's scripts in the status line, and its stack in the console.
 proc ::vesk::ops::failed {message options} {
     set stack [dict get $options -errorinfo]
     puts stderr $stack
@@ -118,6 +118,6 @@ proc ::vesk::ops::render {} {
 
 proc sync_ui {} {::vesk::ops::request}
 
-# What was done with the mouse in the views, told by the executable.
+# The executable reports actions of the mouse in the views.
 proc echo_command {args} {::vesk::ops::echo vesk {*}$args}
 proc echo_note {text} {::vesk::console::say "# $text" note}

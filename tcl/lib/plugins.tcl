@@ -1,6 +1,6 @@
 # plugins.tcl --
-#   Menu items of plug-ins, and what is told about plug-ins. A plug-in's command text is a script
-#   of that plug-in and runs as it stands; its label and help are only shown.
+#   Menu items of plug-ins, and the list of what each of them added. A plug-in's command text is a
+#   script of that plug-in and runs as it stands; its label and help are only shown.
 
 namespace eval ::vesk::plugins {
     variable parted {}          ;# menus that already have the line above the plug-ins' items
@@ -11,8 +11,8 @@ namespace eval ::vesk::plugins {
 set ::plugin_loading ""
 
 # noted --
-#   The executable tells a plug-in's path before it registers itself, and the empty text after:
-#   what was added meanwhile is its own.
+#   The executable sets the path of a plug-in before that registers itself, and the empty text
+#   after: additions in between belong to the plug-in.
 proc ::vesk::plugins::noted {args} {
     variable loading
     variable before
@@ -33,7 +33,7 @@ proc ::vesk::plugins::noted {args} {
 }
 
 # folder --
-#   Where the dialog that loads a plug-in begins: what the preference names, else the home folder's.
+#   First folder of the dialog that loads a plug-in: that of the preference, else the home folder's.
 proc ::vesk::plugins::folder {} {
     set folder [string map [list \$VESK_HOME $::VESK_HOME] $::prefs_plugin_dir]
     if {[file isdirectory $folder]} {return $folder}
@@ -41,7 +41,7 @@ proc ::vesk::plugins::folder {} {
 }
 
 # registered --
-#   What plug-ins can add, as it is now: heading -> names.
+#   Everything that plug-ins can add, as it is now: heading -> names.
 proc ::vesk::plugins::registered {} {
     set described {{rows} {lmap row $rows {
         lassign $row suffixes text
@@ -54,7 +54,7 @@ proc ::vesk::plugins::registered {} {
 }
 
 # added --
-#   What a plug-in added, as heading, items, heading, items ...
+#   The additions of a plug-in: heading, items, heading, items ...
 proc ::vesk::plugins::added {path} {
     variable gave
     return [expr {[dict exists $gave $path] ? [dict get $gave $path] : {}}]

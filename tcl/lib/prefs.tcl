@@ -1,6 +1,6 @@
 # prefs.tcl --
-#   What the interface takes from the settings at the start, and what it does when a preference
-#   that it shows is changed elsewhere.
+#   Settings that the interface reads at the start, and its reaction to preferences that are changed
+#   elsewhere.
 
 namespace eval ::vesk::prefs {}
 
@@ -19,8 +19,7 @@ proc ::vesk::prefs::take {} {
 }
 
 # apply, apply_ui --
-#   Has a changed preference, or one of the scripts' own settings, take effect where nothing reads it
-#   anew by itself.
+#   Puts a changed preference, or one of the scripts' own settings, into effect.
 proc ::vesk::prefs::apply {key} {
     switch -glob -- $key {
         tk_strictmotif {set ::tk_strictMotif $::prefs_tk_strictmotif}
@@ -49,7 +48,7 @@ proc ::vesk::prefs::apply_ui {key} {
 }
 
 # use_view_colours --
-#   Gives the views the colours that go with a theme, and their axes its own.
+#   Sets the colours of the views and their axes that belong to a theme.
 proc ::vesk::prefs::use_view_colours {theme} {
     dict for {key value} [::vesk::palettes::views $theme] {set ::prefs_$key $value}
     vesk axis_colours {*}[lmap hex [::vesk::palettes::axes $theme] {

@@ -3,8 +3,8 @@
 #   "ui" edit the scripts' own settings. Read when the window or the command search first needs it.
 
 namespace eval ::vesk::prefs {
-    # Pages in order: name, then {group row ...}. A row is {key label help widget}; the widget is
-    # known from the preference's kind unless one stands there:
+    # Pages in order: name, then {group row ...}. A row is {key label help widget}; without a widget
+    # the kind of the preference decides:
     #   slider LOW HIGH          a number with a slider
     #   choice {label value ...}
     #   folder, file             a text with a dialog

@@ -39,7 +39,7 @@ proc ::vesk::settings::file_name {} {
 }
 
 # read --
-#   Takes over what the file says; a missing file, unknown keys and damaged lines are passed over.
+#   Takes the values of the file; a missing file, unknown keys and damaged lines are ignored.
 proc ::vesk::settings::read {{name ""}} {
     variable values
     variable free
@@ -55,7 +55,7 @@ proc ::vesk::settings::read {{name ""}} {
 }
 
 # save --
-#   Writes all settings; returns the empty text, or what went wrong.
+#   Writes all settings; returns "" or an error message.
 proc ::vesk::settings::save {{name ""}} {
     variable values
     if {$name eq ""} {set name [file_name]}
@@ -81,7 +81,7 @@ proc ::vesk::settings::get {key} {
 }
 
 # number --
-#   A numeric setting within bounds; what is no number becomes `low`.
+#   A numeric setting within bounds; a text that is no number counts as `low`.
 proc ::vesk::settings::number {key low high} {
     set value [get $key]
     if {![string is integer -strict $value]} {return $low}

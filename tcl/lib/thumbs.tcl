@@ -21,8 +21,8 @@ proc ::vesk::thumbs::can_draw {file} {
 }
 
 # request --
-#   Has `script` (words) called with the picture of a file, or with "" when there is none; at once
-#   when it is known.
+#   Calls `script` (words) with the picture of a file, or with "" when there is none; at once when
+#   the picture is known.
 #   size  pixels of its side
 proc ::vesk::thumbs::request {file size script} {
     variable made
@@ -54,7 +54,7 @@ proc ::vesk::thumbs::temporary {} {
 }
 
 # readable --
-#   What the process says is passed over; at its end the picture is there, or not.
+#   Ignores the output of the process and fetches the picture at its end.
 proc ::vesk::thumbs::readable {} {
     variable running
     variable made
@@ -76,7 +76,7 @@ proc ::vesk::thumbs::readable {} {
 }
 
 # cancel --
-#   Ends a process whose picture is not wanted any more.
+#   Ends the process of a picture that nobody waits for any more.
 proc ::vesk::thumbs::cancel {} {
     variable running
     if {$running eq ""} {return}

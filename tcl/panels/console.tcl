@@ -4,7 +4,7 @@
 
 namespace eval ::vesk::console {
     variable path ""
-    variable lines {}           ;# kept while the window does not exist yet
+    variable lines {}           ;# lines from before the widget existed
     variable history {}
     variable place 0
     variable typed ""
@@ -86,7 +86,7 @@ proc ::vesk::console::append_line {text kind} {
 }
 
 # last --
-#   The last lines, as they stand there.
+#   The last lines of the console.
 proc ::vesk::console::last {count} {
     variable path
     return [split [string trimright [$path.text get "end - $count lines" end]] \n]
@@ -100,7 +100,7 @@ proc ::vesk::console::empty {} {
 }
 
 # show, toggle --
-#   Shows or hides the console as ::vesk::console_shown says, and puts the focus there.
+#   Shows or hides the console by ::vesk::console_shown, and gives it the focus.
 proc ::vesk::console::show {} {
     ::vesk::main::place_console
     if {$::vesk::console_shown} {
@@ -116,7 +116,7 @@ proc ::vesk::console::toggle {} {
 }
 
 # enter --
-#   Runs the typed line: what the console is for.
+#   Runs the typed line.
 proc ::vesk::console::enter {} {
     variable typed
     variable history
@@ -152,7 +152,7 @@ proc ::vesk::console::recall {step} {
 }
 
 # complete --
-#   Tab: the one command or preference that fits, else as far as all agree, and the choice.
+#   Tab completes a command or preference, as far as all candidates agree, and lists them.
 proc ::vesk::console::complete {} {
     variable typed
     variable path
@@ -183,7 +183,7 @@ proc ::vesk::console::common_start {words} {
 }
 
 # command_names --
-#   Every name that "list" tells.
+#   The names of all commands.
 proc ::vesk::console::command_names {} {
     set names {}
     foreach line [split [vesk list] \n] {

@@ -1,12 +1,12 @@
 # issues.tcl --
-#   The Issues tab: what the model check finds, kind by kind, checked anew when the model rests. A
-#   click selects what a line names and fits it; the right button mends one or all of a kind. A
-#   model whose check takes long is only checked while the tab is shown.
+#   The Issues tab: problems of the model by kind, checked anew when the model rests. A click
+#   selects and fits the element of a line; the right button mends one problem or all of a kind. A
+#   model whose check takes long is only checked while the tab is visible.
 
 namespace eval ::vesk::issues {
     variable path ""
     variable list ""            ;# the treeview
-    variable counts {}          ;# kind -> how many there are
+    variable counts {}          ;# kind -> number of problems
     variable found {}           ;# kind -> {id element text ...}, at most 1000 each
     variable checked_at 0       ;# seconds; 0 never
     variable checked_model ""   ;# model stamp of the last check
@@ -17,7 +17,7 @@ namespace eval ::vesk::issues {
     variable slow 250           ;# a check that takes longer waits for the tab
     variable large 300000       ;# vertices; the first check of a larger model waits too
     variable open_limit 20      ;# kinds with more lines are shown folded
-    # Kinds in the order of the list: name, what it is called, one of it, icon.
+    # Kinds in the order of the list: name, label, singular, icon.
     variable kinds {
         missing_texture   "Missing textures"           "missing texture"       error
         crowded_edge      "Edges of too many surfaces" "crowded edge"          warning
@@ -70,7 +70,7 @@ proc ::vesk::issues::build {tab} {
 }
 
 # shown --
-#   The tab came to the front: what it tells is made new when the model is another by now.
+#   Checks a changed model anew when the tab comes to the front.
 proc ::vesk::issues::shown {} {
     variable checked_model
     if {[::vesk::ops::change_count] ne $checked_model} {check 1} else {show_age}
@@ -79,7 +79,7 @@ proc ::vesk::issues::shown {} {
 # ---- checking ----
 
 # model_changed --
-#   Asks for a check once nothing changed for a while.
+#   Plans a check for the time when nothing changed for a while.
 proc ::vesk::issues::model_changed {} {
     variable timer
     variable rest
@@ -94,7 +94,8 @@ proc ::vesk::issues::visible {} {
 }
 
 # check --
-#   Checks the model now; `always` 0 leaves it when that would be felt.
+#   Checks the model now.
+#   always  0 skips a check that would take long
 proc ::vesk::issues::check {always} {
     variable took
     variable slow
@@ -128,7 +129,7 @@ proc ::vesk::issues::check {always} {
 }
 
 # total --
-#   How many problems the last check found.
+#   Number of problems that the last check found.
 proc ::vesk::issues::total {} {
     variable counts
     set sum 0
@@ -137,9 +138,9 @@ proc ::vesk::issues::total {} {
 }
 
 # exporting --
-#   Runs what exports, after a check; the message then tells how many problems the file has. A model
-#   whose check takes long is told as the last check found it.
-#   script  words
+#   Runs an export after a check and adds the number of problems to the message. A model whose check
+#   takes long keeps the number of the last check.
+#   script  words of the export
 proc ::vesk::issues::exporting {script} {
     variable checked_model
     if {[::vesk::ops::change_count] ne $checked_model} {check 0}
@@ -162,7 +163,7 @@ proc ::vesk::issues::set_title {text} {
 }
 
 # show --
-#   The list as the last check left it; kinds that were open stay open.
+#   Fills the list with the result of the last check; open kinds stay open.
 proc ::vesk::issues::show {} {
     variable path
     variable list
@@ -185,7 +186,7 @@ proc ::vesk::issues::show {} {
         if {![info exists open($kind)]} {set open($kind) [expr {$count <= $open_limit}]}
         $list insert {} end -id $kind -text " $label" -open $open($kind) \
             -image [::vesk::icons::get $icon] -values [list "[::vesk::arith::grouped $count] "]
-        # A line that makes the mark appear, until the kind is unfolded.
+        # This line makes the mark appear until the kind is unfolded.
         $list insert $kind end -id $kind,more
         if {$open($kind)} {unfold $kind}
     }
@@ -224,7 +225,7 @@ proc ::vesk::issues::unfold {kind} {
 }
 
 # short --
-#   "canopy, edge 3-7".
+#   The text of a line: "canopy, edge 3-7".
 proc ::vesk::issues::short {kind id element text} {
     set name "object $id"
     if {[dict exists $::vesk::objects::rows $id]} {
@@ -243,7 +244,7 @@ proc ::vesk::issues::short {kind id element text} {
 }
 
 # show_age --
-#   How long ago the check was; told anew while it can be seen.
+#   Shows the age of the check, again and again while the tab is visible.
 proc ::vesk::issues::show_age {} {
     variable path
     variable checked_at
@@ -275,7 +276,7 @@ proc ::vesk::issues::problem {row} {
 }
 
 # chosen --
-#   A row was clicked, or reached with the arrow keys: selects what it names and fits the views.
+#   Selects the element of the chosen row and fits the views to it.
 proc ::vesk::issues::chosen {} {
     variable list
     variable filling
@@ -290,14 +291,14 @@ proc ::vesk::issues::chosen {} {
 }
 
 # context --
-#   The right button: what can be done about a row.
+#   The menu of the right button on a row.
 proc ::vesk::issues::context {x y root_x root_y} {
     variable list
     variable kinds
     variable filling
     set row [$list identify row $x $y]
     if {$row eq ""} {return}
-    # Choosing with this button only marks the row.
+    # The right button only marks the row.
     set filling 1
     $list selection set [list $row]
     $list focus $row
@@ -337,7 +338,7 @@ proc ::vesk::issues::fix_kind {kind} {
 }
 
 # fix_all --
-#   The button: the kind of the chosen row, else every kind, one undo step each.
+#   The button: mends the kind of the chosen row, else every kind, one undo step each.
 proc ::vesk::issues::fix_all {} {
     variable list
     variable kinds
@@ -357,7 +358,7 @@ proc ::vesk::issues::fix_all {} {
 }
 
 # open --
-#   The menu entry and its key: the tab, checked now.
+#   The menu entry and its key: shows the tab and checks the model.
 proc ::vesk::issues::open {} {
     ::vesk::main::show_tab issues
     update idletasks

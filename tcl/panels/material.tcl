@@ -38,7 +38,7 @@ proc ::vesk::material::build {tab} {
 }
 
 # build_top --
-#   The picture, the name, and what can be done with the entry.
+#   The picture, the name, and the buttons of the entry.
 proc ::vesk::material::build_top {top} {
     ttk::frame $top -style Panel.TFrame
     set side [::vesk::theme::px 92]
@@ -89,7 +89,7 @@ proc ::vesk::material::add_number_row {rows row kind label} {
 }
 
 # add_slider --
-#   What every row has: label, slider, entry.
+#   The common parts of a row: label, slider, entry.
 proc ::vesk::material::add_slider {rows kind label top script} {
     ttk::label $rows.l$kind -text $label -style Panel.Dim.TLabel
     ttk::scale $rows.b$kind -style Panel.Horizontal.TScale -from 0 -to $top \
@@ -135,14 +135,14 @@ proc ::vesk::material::to_hex {r g b} {
 }
 
 # parts --
-#   "#rrggbb" as three numbers from 0 to 1.
+#   Splits "#rrggbb" into three numbers from 0 to 1.
 proc ::vesk::material::parts {hex} {
     scan $hex "#%2x%2x%2x" r g b
     return [list [expr {$r / 255.0}] [expr {$g / 255.0}] [expr {$b / 255.0}]]
 }
 
 # draw_ball --
-#   A sphere lit by the material, once somebody can see it.
+#   Draws a sphere in the material, once the tab is visible.
 proc ::vesk::material::draw_ball {} {
     variable path
     variable value
@@ -166,7 +166,7 @@ proc ::vesk::material::colour_parts {} {
 # ---- editing ----
 
 # put_colour --
-#   Another colour of the entry.
+#   Gives the entry another colour.
 proc ::vesk::material::put_colour {kind hex} {
     variable path
     variable value
@@ -232,7 +232,7 @@ proc ::vesk::material::number_typed {kind number} {
 }
 
 # moved --
-#   While a slider is dragged the picture follows, and the model too where that is wanted.
+#   While a slider is dragged the picture follows, and by a preference the model too.
 proc ::vesk::material::moved {} {
     variable pending
     after cancel $pending
@@ -241,7 +241,7 @@ proc ::vesk::material::moved {} {
 }
 
 # commit --
-#   Writes the entry as the tab shows it.
+#   Writes the values of the tab into the entry.
 proc ::vesk::material::commit {} {
     variable value
     variable pending

@@ -7,13 +7,13 @@ namespace eval ::vesk::objects {
     variable tree ""
     variable strip ""           ;# the canvas with the two icons
     variable rows {}            ;# id -> {parent type name surfaces visible locked}
-    variable flat {}            ;# what the executable told last
+    variable flat {}            ;# the last answer of "object_tree"
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
     variable chosen {}          ;# ids selected in the model
     variable open {}            ;# id -> 1 or 0, of rows with others below them
-    variable filtered 0         ;# the rows that stand there are those that match
-    variable surfaces 0         ;# of all objects, as the numbers stand there
+    variable filtered 0         ;# only the rows that match the filter are there
+    variable surfaces 0         ;# of all objects, as the list shows them
     variable strip_pending 0
     variable drag ""            ;# {row x y started target} while rows may be dragged
     variable marked {}          ;# rows with the icon for selected ones
@@ -87,7 +87,7 @@ proc ::vesk::objects::bind_tree {} {
     bind $tree <Double-Button-1> {::vesk::objects::double %x %y; break}
     bind $tree <Button-3> {::vesk::objects::context %x %y %X %Y}
     bind $tree <Button-1> {+::vesk::objects::drag_press %x %y}
-    # Presses that add to the selection are no drags, whose release would choose one row.
+    # A press that adds to the selection must not become a drag: its release would choose one row.
     bind $tree <Control-Button-1> {set ::vesk::objects::drag ""}
     bind $tree <Shift-Button-1> {set ::vesk::objects::drag ""}
     bind $tree <B1-Motion> {::vesk::objects::drag_motion %x %y}
@@ -127,8 +127,8 @@ proc ::vesk::objects::show_focus {on} {
 # ---- filling ----
 
 # refresh --
-#   The tree, names or flags changed: takes them over. When the same objects stand in the same
-#   order only the rows that differ are touched.
+#   Takes over a changed tree, names or flags. While the same objects stand in the same order only
+#   the rows that differ are touched.
 proc ::vesk::objects::refresh {} {
     variable flat
     variable rows
@@ -158,25 +158,26 @@ proc ::vesk::objects::refresh {} {
 }
 
 # follow_counts --
-#   An operation that makes surfaces leaves the tree as it is, but not its numbers.
+#   Renews the numbers after an operation that changed surfaces but not the tree.
 proc ::vesk::objects::follow_counts {} {
     variable surfaces
     if {[lindex [vesk get_counts] 3] != $surfaces} refresh
 }
 
 # totals --
-#   Surfaces of each object with those below it: id -> count.
+#   Number of surfaces of each object and its children: id count id count ...
 proc ::vesk::objects::totals {} {
     variable flat
     variable tree
     set total([vesk get_world]) 0
-    # Children stand behind their parent, so from the end every sum is complete when it is passed on.
+    # Children stand behind their parent, so from the end every sum is complete when it is passed
+    # on.
     for {set at [expr {[llength $flat] - 7}]} {$at >= 0} {incr at -7} {
         set id [lindex $flat $at]
         incr total([lindex $flat $at+1]) [incr total($id) [lindex $flat $at+4]]
     }
     variable surfaces $total([vesk get_world])
-    # No number is wider than that of all.
+    # No number is wider than the total.
     set widest [font measure TkDefaultFont "[::vesk::arith::grouped $total([vesk get_world])]0"]
     $tree column surfaces -width [expr {max([::vesk::theme::px 58], $widest)}]
     return [array get total]
@@ -190,7 +191,7 @@ proc ::vesk::objects::show_totals {} {
 }
 
 # fill --
-#   Makes all rows anew; what was open stays open, by identity.
+#   Makes all rows anew; open objects stay open.
 proc ::vesk::objects::fill {} {
     variable flat
     variable rows
@@ -207,7 +208,7 @@ proc ::vesk::objects::fill {} {
     set wanted [string tolower $filter]
     set filtered [expr {$wanted ne ""}]
     array set total [totals]
-    # Images of tags: one of each row costs a walk over all of them when it changes.
+    # The images belong to tags: an image of each row would cost a walk over all rows at a change.
     foreach {type icon} $icons {
         $tree tag configure $type -image [::vesk::icons::get $icon dim]
         $tree tag configure $type-active -image [::vesk::icons::get $icon active]
@@ -224,7 +225,7 @@ proc ::vesk::objects::fill {} {
         }
         set opened [expr {$first_time && $parent eq {}}]
         if {[dict exists $open $id]} {set opened [dict get $open $id]}
-        # Procedures are called only where they change something: there may be ten thousand rows.
+        # There may be ten thousand rows: procedures are called only where they change the text.
         set count $total($id)
         if {$count >= 1000} {set count [::vesk::arith::grouped $count]}
         set text " $name"
@@ -240,7 +241,7 @@ proc ::vesk::objects::fill {} {
 }
 
 # note_open --
-#   Which of the rows that have others below them are open.
+#   Notes which of the rows with children are open.
 proc ::vesk::objects::note_open {} {
     variable tree
     variable rows
@@ -252,7 +253,7 @@ proc ::vesk::objects::note_open {} {
 }
 
 # show_empty --
-#   Says why no row is there.
+#   Shows why the list is empty.
 proc ::vesk::objects::show_empty {} {
     variable path
     variable tree
@@ -289,7 +290,7 @@ proc ::vesk::objects::show_count {} {
 # ---- selection ----
 
 # show_selection --
-#   The model's selection, as the tree's.
+#   Takes the selection of the model over into the tree.
 proc ::vesk::objects::show_selection {} {
     variable tree
     variable chosen
@@ -314,7 +315,7 @@ proc ::vesk::objects::show_selection {} {
 }
 
 # present --
-#   Those of the objects that have a row.
+#   The objects among `ids` that have a row.
 proc ::vesk::objects::present {ids} {
     variable tree
     return [lmap id $ids {
@@ -324,8 +325,8 @@ proc ::vesk::objects::present {ids} {
 }
 
 # selected --
-#   The user chose rows: the model follows. In tree mode only whole top-level objects can be
-#   selected, so a row below them first switches to object mode.
+#   Takes the selection of the tree over into the model. In tree mode only whole top-level objects
+#   can be selected, so a row below them first switches to object mode.
 proc ::vesk::objects::selected {} {
     variable tree
     variable chosen
@@ -335,7 +336,7 @@ proc ::vesk::objects::selected {} {
     mark_icons
     if {$syncing} {return}
     set wanted [$tree selection]
-    # Rows that the filter took away are no choice of the user's.
+    # The user did not deselect the rows that the filter hides.
     if {[lsort $wanted] eq [lsort [present $chosen]]} {return}
     set world [vesk get_world]
     if {$::vesk::select_mode eq "tree"} {
@@ -351,7 +352,7 @@ proc ::vesk::objects::selected {} {
 }
 
 # mark_icons --
-#   Selected rows carry the icon that shows on the band, the others the dim one.
+#   Gives selected rows the icon that contrasts with the band, the others the dim one.
 proc ::vesk::objects::mark_icons {} {
     variable tree
     variable rows
@@ -368,7 +369,7 @@ proc ::vesk::objects::mark_icons {} {
 }
 
 # double --
-#   A double click on a name renames; elsewhere it opens and closes as ever.
+#   A double click on a name renames; elsewhere it opens or closes the row.
 proc ::vesk::objects::double {x y} {
     variable tree
     set row [$tree identify row $x $y]
@@ -392,7 +393,7 @@ proc ::vesk::objects::context {x y root_x root_y} {
 }
 
 # context_key --
-#   The same by key, below the row that has the focus.
+#   The same menu by key, below the row that has the focus.
 proc ::vesk::objects::context_key {} {
     variable tree
     lassign [$tree bbox [$tree focus] #0] x y width height
@@ -407,7 +408,7 @@ proc ::vesk::objects::run {command} {
 }
 
 # to_head --
-#   Moves the selected objects before their brothers.
+#   Moves the selected objects before their siblings.
 proc ::vesk::objects::to_head {} {
     variable rows
     set by_parent {}
@@ -442,7 +443,7 @@ proc ::vesk::objects::rename {} {
     lassign $box x y width height
     set w $tree.rename
     destroy $w
-    # The name's own place: right of the indent, the mark and the icon.
+    # The place of the name: right of the indent, the mark and the icon.
     set left [expr {$x + [::vesk::theme::px 36]}]
     ttk::entry $w -style Field.TEntry
     $w insert 0 [lindex [dict get $rows $id] 2]

@@ -20,7 +20,7 @@ proc ::vesk::objects::drag_press {x y} {
 }
 
 # drag_motion --
-#   Shows where the rows would go: a line between two rows, or a frame round the group they go into.
+#   Shows the target of the rows: a line between two rows, or a bar beside the group.
 proc ::vesk::objects::drag_motion {x y} {
     variable tree
     variable drag
@@ -35,7 +35,7 @@ proc ::vesk::objects::drag_motion {x y} {
 }
 
 # drop_place --
-#   {parent before row how} of a place in the list; how is line, into or end.
+#   The target at a place of the list: {parent before row how}; how is line, below, into or end.
 proc ::vesk::objects::drop_place {x y} {
     variable tree
     variable rows
@@ -84,7 +84,7 @@ proc ::vesk::objects::drag_release {} {
     lassign $target parent before
     set ids [$tree selection]
     if {$row ni $ids} {set ids [list $row]}
-    # In the order of the list, and no row together with the group that it lies in.
+    # In the order of the list, without the rows whose group moves too.
     set kept {}
     foreach id [dict keys $rows] {
         if {$id ni $ids} {continue}

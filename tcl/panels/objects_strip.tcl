@@ -11,7 +11,7 @@ proc ::vesk::objects::scroll {lines} {
 proc ::vesk::objects::scrolled {first last} {
     variable path
     $path.bar set $first $last
-    # Without the bar the band of selected rows goes on to the edge.
+    # Without the scrollbar the band of selected rows reaches the edge.
     if {$first <= 0 && $last >= 1} {
         grid remove $path.bar
         grid configure $path.strip -columnspan 2
@@ -33,7 +33,7 @@ proc ::vesk::objects::strip_later {} {
 }
 
 # draw_strip --
-#   The icons of the rows that can be seen; the band of selected rows goes on below them.
+#   Draws the icons of the visible rows, on the band of the selected ones.
 proc ::vesk::objects::draw_strip {} {
     variable strip_pending 0
     variable strip
@@ -47,7 +47,7 @@ proc ::vesk::objects::draw_strip {} {
         set id [$tree identify row 5 $y]
         if {$id eq "" || ![dict exists $rows $id]} {continue}
         lassign [$tree bbox $id] x0 y0 w0 h0
-        # The list leaves out a row that it cannot show whole.
+        # The list does not draw a row that is not wholly visible.
         if {$y0 eq "" || $y0 + $h0 > $height} {continue}
         lassign [dict get $rows $id] parent type name surfaces visible locked
         set on [expr {$id in [$tree selection]}]
@@ -68,7 +68,7 @@ proc ::vesk::objects::draw_strip {} {
 }
 
 # strip_click --
-#   A click on an eye or a lock; with several rows selected it does all of them.
+#   A click on an eye or a lock; on a selected row it changes all selected rows.
 proc ::vesk::objects::strip_click {x y} {
     variable tree
     variable rows

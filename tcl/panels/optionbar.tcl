@@ -1,13 +1,13 @@
 # optionbar.tcl --
-#   The bar below the menus: select modes, the current tool's fields, snapping, pivot, search. When
-#   it gets narrow the search field shrinks first, then the texts of the inactive modes go, then
-#   the pivot, then the near snap.
+#   The bar below the menus: select modes, fields of the current tool, snapping, pivot, search. In a
+#   narrow window the search field shrinks first; then the texts of the inactive modes, the pivot
+#   and the near snap are left out.
 
 namespace eval ::vesk::optionbar {
     variable path ""
     variable pivot Selection
-    variable shown ""           ;# tool whose fields stand there
-    variable level -1           ;# how much was left out at the last fit
+    variable shown ""           ;# the tool whose fields are shown
+    variable level -1           ;# number of groups left out at the last fit
     variable modes {
         tree m-tree "Tree" "" "Whole top-level objects."
         object m-object "Object" O "Single objects."
@@ -39,7 +39,7 @@ proc ::vesk::optionbar::build {bar} {
     ::vesk::tooltips::attach $bar.settings "Operation settings" Ctrl+E \
         "Hole, bevel, spike, spline, reduce and other numbers."
     build_search $bar.search
-    # First what must not be cut off in a narrow window.
+    # Packed first, so that a narrow window does not cut them off.
     pack $bar.search $bar.settings -side right
     pack $bar.modes $bar.line1 $bar.tool $bar.line2 $bar.snap $bar.line3 $bar.pivot -side left
     pack configure $bar.settings -padx [::vesk::theme::pad 4 4]
@@ -79,7 +79,7 @@ proc ::vesk::optionbar::build_pivot {path} {
 }
 
 # build_search --
-#   Looks like a field; opens the command search.
+#   A button in the look of a field that opens the command search.
 proc ::vesk::optionbar::build_search {path} {
     ttk::frame $path -style Axis.TFrame -padding [::vesk::theme::pad 6 3 6 3] -takefocus 1 \
         -width [::vesk::theme::px 197] -height [::vesk::theme::px 27]
@@ -127,7 +127,7 @@ proc ::vesk::optionbar::show_fields {tool} {
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  run: a command;  measures: what the selection measures
+#   kind  bool, int or number: a preference;  run: a command;  measures: sizes of the selection
 proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
@@ -179,7 +179,7 @@ proc ::vesk::optionbar::step_vector {axis step} {
 }
 
 # tidy_vector --
-#   Shows what a typed sum comes to; what is no number stays as it was typed.
+#   Replaces a typed sum by its value; a text that is no sum stays.
 proc ::vesk::optionbar::tidy_vector {axis} {
     if {![catch {::vesk::arith::value $::vesk::tools::vector($axis)} number]} {
         set ::vesk::tools::vector($axis) [::vesk::arith::shown $number]
@@ -214,7 +214,7 @@ proc ::vesk::optionbar::mode_changed {args} {
 # ---- fitting the width ----
 
 # fit --
-#   Leaves out as little as the width asks for.
+#   Leaves out as few groups as the width requires.
 proc ::vesk::optionbar::fit {} {
     variable path
     variable level
@@ -239,13 +239,13 @@ proc ::vesk::optionbar::fit {} {
 }
 
 # search_minimum --
-#   What the search field keeps at each level.
+#   The smallest width of the search field at a level.
 proc ::vesk::optionbar::search_minimum {level} {
     return [::vesk::theme::px [expr {$level == 0 ? 100 : 56}]]
 }
 
 # needed_width --
-#   Width of the bar when so much is left out.
+#   Width of the bar at a level.
 proc ::vesk::optionbar::needed_width {level} {
     variable path
     variable modes

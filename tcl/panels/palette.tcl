@@ -1,7 +1,6 @@
 # palette.tcl --
-#   The palette as the panels know it: its colours, the entry that the Palette and the Material tab
-#   show, and what makes new ones. The Palette tab: a grid of all entries, eight in a row, and what can
-#   be done with them.
+#   The palette: its colours, the current entry, which the Palette and the Material tab show, and
+#   new entries. The Palette tab: a grid of all entries, eight in a row, and their buttons.
 
 namespace eval ::vesk::palette {
     variable path ""            ;# the Palette tab
@@ -15,7 +14,7 @@ namespace eval ::vesk::palette {
 # ---- entries ----
 
 # refresh --
-#   The palette changed, or another entry is to be shown.
+#   Reads the palette anew and shows it.
 proc ::vesk::palette::refresh {} {
     variable colours
     variable current
@@ -93,7 +92,7 @@ proc ::vesk::palette::append_entry {words} {
 # ---- the tab ----
 
 # build --
-#   Makes the tab: the grid, what the current entry is called, and what can be done with it.
+#   Makes the tab: the grid, the name of the current entry, and its buttons.
 proc ::vesk::palette::build {tab} {
     variable path $tab
     ttk::frame $tab -style Panel.TFrame -padding [::vesk::theme::px 12]
@@ -151,7 +150,7 @@ proc ::vesk::palette::bind_grid {grid} {
 }
 
 # draw --
-#   One square an entry, eight in a row.
+#   Draws one square for each entry.
 proc ::vesk::palette::draw {} {
     variable path
     variable colours
@@ -174,7 +173,8 @@ proc ::vesk::palette::draw {} {
 }
 
 # fit_grid --
-#   Height of the grid: all rows, as long as what stands below them keeps its place; else they scroll.
+#   Sets the height of the grid: all rows, or fewer with a scrollbar where the widgets below need
+#   the room.
 proc ::vesk::palette::fit_grid {} {
     variable path
     variable colours
@@ -281,7 +281,7 @@ proc ::vesk::palette::next_unused {} {
 }
 
 # swatch_step --
-#   Distance of two swatches: eight fill the width beside the scrollbar, at most so large.
+#   Distance of two squares: eight fill the width beside the scrollbar, up to a largest size.
 proc ::vesk::palette::swatch_step {} {
     variable path
     variable columns
@@ -312,7 +312,7 @@ proc ::vesk::palette::swatch_at {x y} {
 }
 
 # context, swatch_menu --
-#   What can be done with a material; the right button makes it the current one first.
+#   The menu of a material; the right button makes it the current one first.
 proc ::vesk::palette::context {x y root_x root_y} {
     set index [swatch_below $x $y]
     if {$index >= 0} {select $index}

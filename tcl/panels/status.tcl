@@ -1,16 +1,16 @@
 # status.tcl --
 #   The status line: message or hint, coordinates, size, counts, next undo, badges, progress.
-#   When it gets narrow W H D go first, then the undo name, then the counts' totals.
+#   In a narrow window the size is left out first, then the name of the undo step.
 
 namespace eval ::vesk::status {
     variable path ""
-    variable message ""         ;# what the line shows at the left
+    variable message ""         ;# the text at the left
     variable history {}         ;# older messages, newest first
     variable progress 0
     variable busy_since 0       ;# milliseconds; 0 while nothing runs
     variable idle_timer ""
-    variable behind ""          ;# the message below what a menu tells
-    variable previews 0         ;# a menu tells something
+    variable behind ""          ;# the message that the help of a menu entry covers
+    variable previews 0         ;# the help of a menu entry is shown
 }
 
 proc ::vesk::status::build {line} {
@@ -47,11 +47,16 @@ proc ::vesk::status::build_triple {path letters} {
         set style [expr {$kind eq "axis" ? "${letter}Axis.TLabel" : "Dim.TLabel"}]
         ttk::label $path.l$letter -text [string toupper $letter] -style $style
         ttk::label $path.$letter -style Status.TLabel -anchor e -width 6
+    }
+    ttk::label $path.text -style Status.TLabel
+    pack_triple $path [dict keys $letters]
+}
+proc ::vesk::status::pack_triple {path letters} {
+    pack forget $path.text
+    foreach letter $letters {
         pack $path.l$letter $path.$letter -side left
         pack configure $path.$letter -padx [::vesk::theme::pad 2 10]
     }
-    ttk::label $path.text -style Status.TLabel
-    return $path
 }
 
 proc ::vesk::status::build_counts {line} {
@@ -74,8 +79,7 @@ proc ::vesk::status::build_undo {line} {
 }
 
 # build_badges --
-#   Small buttons at the right; all but the console's stand there only when they have something to
-#   tell.
+#   Small buttons at the right; all but that of the console are shown only when they are needed.
 proc ::vesk::status::build_badges {line} {
     foreach {name icon variant command label key help} {
         hidden eye-off dim {::vesk::ops::run unhide} "Hidden objects" "" "Click to show all."
@@ -134,7 +138,7 @@ proc ::vesk::status::show {text} {
 }
 
 # preview --
-#   Shows what a menu's entry does in place of the message, which comes back with "".
+#   Shows the help of a menu entry in place of the message; "" brings the message back.
 proc ::vesk::status::preview {text} {
     variable message
     variable behind
@@ -153,7 +157,7 @@ proc ::vesk::status::older {} {
 }
 
 # hint --
-#   When nothing is told: what the mouse does with the current tool.
+#   Shows the hint of the current tool in place of an old message.
 proc ::vesk::status::hint {} {
     variable message
     variable idle_timer
@@ -178,24 +182,17 @@ proc ::vesk::status::show_size {args} {
 }
 
 # show_triple --
-#   Splits what the executable told into its three numbers; other texts are shown as they are.
+#   Splits a text of the executable into its three numbers; other texts are shown as they are.
 proc ::vesk::status::show_triple {path letters text pattern} {
     if {![winfo exists $path]} {return}
-    if {[string trim $text] eq "" || [regexp $pattern $text -> a b c]} {
-        if {[string trim $text] eq ""} {lassign {\u2013 \u2013 \u2013} a b c}
-        foreach letter $letters value [list $a $b $c] {
-            $path.$letter configure -text $value
-        }
-        if {[winfo manager $path.text] ne ""} {
-            pack forget $path.text
-            foreach letter $letters {
-                pack $path.l$letter $path.$letter -side left
-                pack configure $path.$letter -padx [::vesk::theme::pad 2 10]
-            }
-        }
+    set text [string trim $text]
+    if {$text eq "" || [regexp $pattern $text -> a b c]} {
+        if {$text eq ""} {lassign {\u2013 \u2013 \u2013} a b c}
+        foreach letter $letters value [list $a $b $c] {$path.$letter configure -text $value}
+        if {[winfo manager $path.text] ne ""} {pack_triple $path $letters}
         return
     }
-    $path.text configure -text [string trim $text]
+    $path.text configure -text $text
     if {[winfo manager $path.text] eq ""} {
         foreach letter $letters {pack forget $path.l$letter $path.$letter}
         pack $path.text -side left
@@ -203,7 +200,7 @@ proc ::vesk::status::show_triple {path letters text pattern} {
 }
 
 # refresh --
-#   Counts, badges and the undo name, from what the executable says now.
+#   Shows the present counts and the name of the undo step.
 proc ::vesk::status::refresh {} {
     variable path
     lassign [vesk get_counts] obj all_obj surf all_surf vert all_vert
@@ -218,7 +215,7 @@ proc ::vesk::status::refresh {} {
 }
 
 # show_badges --
-#   How many objects are hidden and locked; told by the objects panel, which knows the tree.
+#   Shows the numbers of hidden and locked objects, which the objects panel counts.
 proc ::vesk::status::show_badges {hidden locked} {
     show_badge hidden [expr {$hidden > 0}] "$hidden hidden"
     show_badge locked [expr {$locked > 0}] "$locked locked"
@@ -234,15 +231,15 @@ proc ::vesk::status::show_undo {} {
 }
 
 # fit_later --
-#   Fits once the changed texts have told their sizes.
+#   Fits once the changed texts have their sizes.
 proc ::vesk::status::fit_later {} {
     after cancel ::vesk::status::fit
     after 20 ::vesk::status::fit
 }
 
 # fit --
-#   Leaves out what the width does not hold: size first, then the undo name; while a progress bar
-#   is shown the coordinates too.
+#   Leaves out the parts that do not fit: the size first, then the undo name; beside a progress bar
+#   the coordinates too.
 proc ::vesk::status::fit {} {
     variable path
     if {![winfo exists $path] || [winfo width $path] < 50} {return}
@@ -255,7 +252,7 @@ proc ::vesk::status::fit {} {
     set wanted [::vesk::theme::px 170]
     set working [expr {[winfo manager $path.progress] ne ""}]
     if {$working} {set wanted [expr {[winfo reqwidth $path.progress] + [::vesk::theme::px 20]}]}
-    # What always stays is counted first; the undo button keeps at least its picture.
+    # The parts that always stay are counted first; the undo button keeps at least its picture.
     incr room -[part_width counts]
     if {!$working} {incr room -[part_width coors]}
     $path.undo configure -compound left

@@ -17,7 +17,7 @@ proc ::vesk::textures::build {} {
 }
 
 # prepare_menu --
-#   Called before Object > Texture opens.
+#   Completes the menu Object > Texture before it opens.
 proc ::vesk::textures::prepare_menu {} {
     set path .mbar.object.menu.texture
     ::vesk::menus::refresh texture_list $path
@@ -68,8 +68,8 @@ proc ::vesk::textures::add_rows {tab row} {
 }
 
 # refresh --
-#   Shows what the selected objects have, a dash where they differ; repeats and offsets only where
-#   there is a texture.
+#   Shows the textures of the selected objects, a dash where they differ; repeats and offsets only
+#   where there is a texture.
 #   infos  their object_info
 proc ::vesk::textures::refresh {infos force} {
     variable path
@@ -106,7 +106,7 @@ proc ::vesk::textures::refresh {infos force} {
 }
 
 # fill_choice --
-#   The menu of the texture row: none, a file, and everything that is loaded.
+#   The menu of the texture row: none, a file, and all loaded textures.
 proc ::vesk::textures::fill_choice {} {
     variable path
     set menu $path.texture.menu
@@ -124,7 +124,7 @@ proc ::vesk::textures::fill_choice {} {
 }
 
 # do --
-#   Runs a command and shows what came of it.
+#   Runs a command and refreshes the tab.
 proc ::vesk::textures::do {args} {
     ::vesk::ops::run {*}$args
     ::vesk::ops::soon ::vesk::transform::refresh

@@ -1,12 +1,12 @@
 # tools.tcl --
-#   The tool column and, for the tool in use, its fields in the option bar. One table says all.
+#   The tool column, and the fields of each tool in the option bar, from one table.
 
 namespace eval ::vesk::tools {
     variable current move
-    variable choosing 0         ;# the draw mode is being set by a tool chosen here
+    variable choosing 0         ;# a tool of the column is setting the draw mode
     variable columns 2
-    variable full_height 0      ;# that two columns need; 0 before it was asked for
-    # A row: name, icon, draw mode ("" none), command that must be there, key, label, help, hint.
+    variable full_height 0      ;# height of two columns; 0 before it is known
+    # A row: name, icon, draw mode ("" none), required command, key, label, help, hint.
     # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
     # a tool of the views beside the draw modes.
     variable table {
@@ -54,10 +54,10 @@ namespace eval ::vesk::tools {
             "Drag from point to point. A third click: the angle. Escape clears."}
         {zoom zoom zoom create "" "Zoom" "Drag a rectangle to see it larger." "Drag a rectangle to see it larger."}
     }
-    # The same without the partings.
+    # The rows without the group separators.
     variable rows [lsearch -all -inline -not -exact $table {}]
-    # Fields of the option bar: {label kind preference}, kinds as in optionbar.tcl; {vector START} is
-    # three axis fields with Apply.
+    # Fields of the option bar: {label kind preference}, kinds as in optionbar.tcl; {vector START}
+    # is three axis fields with Apply.
     variable fields {
         move     {{vector 0}}
         rotate   {{vector 0} {"Own centres" bool rotate_about_object_centre}}
@@ -76,7 +76,7 @@ namespace eval ::vesk::tools {
     }
     variable vector             ;# the three numbers of move, rotate, scale
     array set vector {x 0.000 y 0.000 z 0.000}
-    variable measured ""        ;# what the selection measures, while the measure tool is on
+    variable measured ""        ;# sizes of the selection, while the measure tool is on
 }
 
 # row --
@@ -160,7 +160,7 @@ proc ::vesk::tools::arrange {path} {
 }
 
 # fit --
-#   More columns where two would not end above the window's edge.
+#   Uses more columns where two would be higher than the window.
 proc ::vesk::tools::fit {path height} {
     variable columns
     variable full_height
@@ -235,7 +235,7 @@ proc ::vesk::tools::show {name} {
 }
 
 # act --
-#   Tools without a mode of their own.
+#   Runs a tool without a draw mode.
 proc ::vesk::tools::act {name} {
     switch -- $name {
         revolve {::vesk::menus::invoke [::vesk::menus::find create revolve]}
@@ -250,7 +250,7 @@ proc ::vesk::tools::act {name} {
 }
 
 # options --
-#   The right button on a tool: its fields, in the option bar.
+#   The right button on a tool moves the focus to its fields in the option bar.
 proc ::vesk::tools::options {name} {
     if {[.main.tools.$name instate disabled]} {return}
     choose $name
@@ -285,7 +285,7 @@ proc ::vesk::tools::apply {} {
 }
 
 # pivot_point --
-#   What typed angles turn about.
+#   The centre of typed rotations.
 proc ::vesk::tools::pivot_point {} {
     switch -- $::vesk::optionbar::pivot {
         Origin      {return {0 0 0}}
@@ -295,7 +295,7 @@ proc ::vesk::tools::pivot_point {} {
 }
 
 # show_measured --
-#   What the selection measures, for the option bar.
+#   Shows the sizes of the selection in the option bar.
 proc ::vesk::tools::show_measured {} {
     variable current
     variable measured
@@ -306,7 +306,7 @@ proc ::vesk::tools::show_measured {} {
 }
 
 # set_view_tool_ui --
-#   A tool of the views beside the draw modes came on, or went ("none"): the column follows.
+#   Shows a tool of the views beside the draw modes, or that it is off ("none").
 proc set_view_tool_ui {name} {
     set ::vesk::view_tool $name
     set mode [expr {$name eq "none" ? $::vesk::draw_mode : "+$name"}]
@@ -315,7 +315,7 @@ proc set_view_tool_ui {name} {
 }
 
 # set_draw_mode_ui --
-#   The executable's draw mode changed: the column follows.
+#   Shows a changed draw mode of the executable in the column.
 proc set_draw_mode_ui {mode} {
     set ::vesk::draw_mode $mode
     if {$::vesk::tools::choosing} {return}

@@ -1,7 +1,8 @@
 # transform.tcl --
 #   The Object tab: position, size and rotation of the selection as 3 x 3 number fields, mirroring,
-#   name, type, url, data, flags and counts. "to" types where things go, "by" how far; the letter in
-#   a field drags its number. A dash stands where objects differ. Each change is one undo record.
+#   name, type, url, data, flags and counts. With "to" the numbers are absolute, with "by" relative;
+#   the letter in a field drags its number. A dash stands where objects differ. Each change is one
+#   undo record.
 
 namespace eval ::vesk::transform {
     variable path ""
@@ -10,8 +11,8 @@ namespace eval ::vesk::transform {
     variable value              ;# (what,axis) -> text shown
     variable shown_ids {}       ;# objects whose texts the tab shows
     variable text               ;# name, url, data
-    variable shown_text         ;# the same, before anything was typed
-    variable shown_for          ;# and the objects that they are of
+    variable shown_text         ;# the same texts before the typing
+    variable shown_for          ;# the objects of these texts
     variable flag               ;# visible, locked
     variable drag ""            ;# {what axis root-x started} while a letter is dragged
     array set value {}
@@ -27,7 +28,7 @@ proc ::vesk::transform::build {tab} {
     ttk::frame $tab.gap0 -style Panel.TFrame -height [::vesk::theme::px 4]
     grid $tab.gap0 -row 1
     add_numbers $tab 2
-    # In the order in which Tab goes through them.
+    # In the order of the Tab key.
     add_switches $tab 6
     add_mirror $tab 5
     ttk::frame $tab.line -style Line.TFrame -height [::vesk::theme::px 1]
@@ -74,7 +75,7 @@ proc ::vesk::transform::add_mirror {tab row} {
 }
 
 # add_switches --
-#   What the numbers mean.
+#   The switches for the meaning of the numbers.
 proc ::vesk::transform::add_switches {tab row} {
     variable keep [::vesk::settings::get keep_proportions]
     ttk::checkbutton $tab.keep -style Panel.TCheckbutton -text "Keep proportions" \
@@ -125,8 +126,9 @@ proc ::vesk::transform::add_text_row {tab row key label} {
 # ---- showing ----
 
 # refresh --
-#   Shows the selection's numbers and the objects' texts. A field being typed into is left alone.
-#   force  1 also replaces what is typed
+#   Shows the numbers of the selection and the texts of the objects. A field with unapplied text
+#   stays as it is.
+#   force  1 replaces that text too
 proc ::vesk::transform::refresh {{force 0}} {
     variable path
     variable drag
@@ -151,21 +153,21 @@ proc ::vesk::transform::refresh {{force 0}} {
 }
 
 # use_mode --
-#   "to" or "by" was chosen.
+#   Switches between "to" and "by".
 proc ::vesk::transform::use_mode {name} {
     variable mode $name
     refresh
 }
 
 # numbers --
-#   What the three fields of a row show.
+#   The numbers of a row.
 proc ::vesk::transform::numbers {what any} {
     variable mode
     if {!$any} {return {"" "" ""}}
     if {$what eq "rotate"} {return {0 0 0}}
     if {$mode eq "by"} {return [lrepeat 3 [expr {$what eq "size" ? "1.000" : "0.000"}]]}
     set size [vesk get_selection_size]
-    # What is nothing beside the selection's size comes from rounding.
+    # A coordinate far below the size of the selection is a rounding error.
     set nothing [expr {1e-6 * [tcl::mathfunc::max 0 {*}$size]}]
     return [lmap n [expr {$what eq "size" ? $size : [vesk get_selection_centre]}] {
         ::vesk::arith::shown [expr {abs($n) < $nothing ? 0.0 : $n}]
@@ -183,7 +185,7 @@ proc ::vesk::transform::show_texts {force} {
     set ids $shown_ids
     set infos [lmap id [lrange $ids 0 99] {vesk object_info $id}]
     foreach key {name url data} {
-        # What is being typed belongs to the objects that it was begun for.
+        # A text that is being typed belongs to the objects that were selected at its beginning.
         if {!$force && [focus] eq "$path.$key" && $text($key) ne $shown_text($key)} {continue}
         set text($key) [common [distinct $infos $key]]
         set shown_text($key) $text($key)
@@ -248,7 +250,7 @@ proc ::vesk::transform::flag_set {key} {
 proc ::vesk::transform::count_line {ids infos} {
     lassign [vesk get_counts] objects all_objects surfaces all_surfaces vertices
     if {[llength $ids] == 0 && $surfaces + $vertices == 0} {return "Nothing selected"}
-    # In one line, also when there are many: what stands above must not move.
+    # Always one line, so that the rows above do not move.
     if {[llength $ids] > 1} {
         return "[::vesk::arith::counted [llength $ids] object],\
             [::vesk::arith::grouped $surfaces] surf, [::vesk::arith::grouped $vertices] vert"
@@ -313,7 +315,7 @@ proc ::vesk::transform::factors {place factor} {
 }
 
 # text_typed --
-#   Name, url or data: applies to every selected object, when it was changed.
+#   Gives every object the typed name, url or data, if it was changed.
 proc ::vesk::transform::text_typed {key} {
     variable text
     variable shown_text

@@ -1,6 +1,6 @@
 # uvtab.tcl --
-#   The UV tab: the picture with the outlines of the selected surfaces, how many there are, and the
-#   button of the editor.
+#   The UV tab: the picture with the outlines of the selected surfaces, their number, and the button
+#   of the editor.
 
 namespace eval ::vesk::uvtab {
     variable path ""
@@ -34,7 +34,7 @@ proc ::vesk::uvtab::build {tab} {
 }
 
 # later --
-#   Draws once, when the tab can be seen and the model rests.
+#   Draws the tab once the model rests, while it is visible.
 proc ::vesk::uvtab::later {args} {
     variable path
     variable pending
@@ -47,8 +47,8 @@ proc ::vesk::uvtab::colour {key} {
 }
 
 # frame --
-#   {left top width height} of the unit square, in the picture's shape: it and the outlines fit into
-#   the canvas.
+#   Place of the unit square in the canvas, {left top width height}, in the shape of the picture;
+#   the square and all outlines fit into the canvas.
 proc ::vesk::uvtab::frame {outlines} {
     variable path
     lassign {0.0 0.0 1.0 1.0} u0 v0 u1 v1

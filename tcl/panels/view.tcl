@@ -55,7 +55,7 @@ proc ::vesk::view::build_cell {name} {
     set cell $area_path.$name
     ::vesk::theme::on [frame $cell] -
     set options {-rgba 1 -depth 1 -stencil 1 -width 300 -height 220}
-    # The first widget owns what the others share; the name is its -ident.
+    # The first widget owns the objects that the others share; the name is its -ident.
     lappend options -ident view$name
     if {$name ne "xy"} {lappend options -sharelist viewxy}
     lappend options -double [expr {$name eq "xyz" || $::prefs_doublebuffer_orth ? 1 : 0}]
@@ -126,7 +126,7 @@ proc ::vesk::view::refresh_chip_menu {path rows} {
 # ---- layout ----
 
 # layout --
-#   Places the cells by `viewsetting` and the two shares. What lies beside a view that has a window
+#   Places the cells by `viewsetting` and the two shares. The neighbour of a view that has a window
 #   of its own takes its place.
 proc ::vesk::view::layout {args} {
     variable ids
@@ -212,7 +212,7 @@ proc ::vesk::view::toggle_focused {} {
 # ---- dividers ----
 
 # edge --
-#   Which dividers a place of a cell's border belongs to: x, y, both or none.
+#   The dividers at a place of a cell's border: x, y, both or none.
 proc ::vesk::view::edge {name x y} {
     variable places
     variable area_path
@@ -240,7 +240,7 @@ proc ::vesk::view::edge_cursor {name x y} {
 }
 
 # grip, drag --
-#   A press on a border takes hold of its dividers; moving moves them.
+#   A press on a border grips its dividers; the motion moves them.
 proc ::vesk::view::grip {name x y} {
     variable dragging [edge $name $x $y]
 }
@@ -310,13 +310,13 @@ proc ::vesk::view::key {id text keysym state} {
         press $id $keysym $state
     } elseif {[string length $text] == 1 && ([string is print $text] || $text eq "\x1b")
             && !($state & 0x2000c)} {
-        # Characters with Control or Alt are the menus'.
+        # Characters with Control or Alt belong to the menus.
         press $id $text $state
     }
 }
 
 # press --
-#   A key of the executable's own, echoed.
+#   Hands a key to the executable and echoes it.
 proc ::vesk::view::press {id key state} {
     # An unprintable character is echoed as its escape.
     if {[regexp {^[[:cntrl:]]$} $key]} {
@@ -329,7 +329,7 @@ proc ::vesk::view::press {id key state} {
 }
 
 # entered --
-#   The pointer came into a view: it takes the focus, unless a text is being edited.
+#   Gives the focus to the view under the pointer, unless a text is being edited.
 proc ::vesk::view::entered {name} {
     variable area_path
     set now [focus]
@@ -347,7 +347,7 @@ proc ::vesk::view::focus_changed {name on} {
 }
 
 # colour_frames --
-#   The focused view's frame is lit; the others lie in the gap.
+#   Lights the frame of the focused view; the others have the colour of the gap.
 proc ::vesk::view::colour_frames {} {
     variable ids
     variable area_path
@@ -418,7 +418,7 @@ proc ::vesk::view::place_options {w} {
     variable ids
     variable detached
     set name $focused
-    # One that can be seen in the main window.
+    # A view that is visible in the main window.
     foreach other [list $focused {*}[dict keys $ids]] {
         if {$other ni $detached && [winfo ismapped $area_path.$other]} {
             set name $other
@@ -434,7 +434,7 @@ proc ::vesk::view::place_options {w} {
     raise $w
 }
 
-# The executable tells a right click in a view that was no drag.
+# The executable reports a click of the right button in a view.
 proc popup_3d_menu {x y} {
     ::vesk::menus::popup $::vesk::select_mode {*}[winfo pointerxy .]
 }

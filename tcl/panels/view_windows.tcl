@@ -1,6 +1,6 @@
 # view_windows.tcl --
-#   Views that leave the main window: detached into windows of their own and back, exchanged with
-#   each other, and where they were at the end of the last session.
+#   Views outside the main window: detached into windows of their own and back, exchanged with each
+#   other, and restored from the last session.
 
 # in_main --
 #   Whether a widget belongs to the main window or to a view that was detached from it.
@@ -29,8 +29,8 @@ proc ::vesk::view::detach_or_back_focused {} {
 }
 
 # detach --
-#   Gives a view a window of its own; the last one stays.
-#   geometry  size and place; "" as large as it is now, beside where it was
+#   Gives a view a window of its own; the last view stays.
+#   geometry  size and place; "" the present ones
 proc ::vesk::view::detach {name {geometry ""}} {
     variable ids
     variable area_path
@@ -47,9 +47,9 @@ proc ::vesk::view::detach {name {geometry ""}} {
     }
     lappend detached $name
     place forget $cell
-    # The frame becomes a window; what is drawn in it lives on.
+    # The frame becomes a window and keeps its drawing context.
     wm manage $cell
-    # The keys of the main window go on working in it.
+    # The keys of the main window work in it too.
     bindtags $cell.togl [list $cell.togl Togl . all]
     title $name
     wm minsize $cell [::vesk::theme::px 160] [::vesk::theme::px 120]
@@ -99,7 +99,7 @@ proc ::vesk::view::exchange {name other} {
 # ---- remembered ----
 
 # read_places --
-#   The places of the last session; what is no complete table is passed over.
+#   Takes the places of the last session; an incomplete table is ignored.
 proc ::vesk::view::read_places {} {
     variable places
     set kept [::vesk::settings::get view_places]
@@ -111,7 +111,7 @@ proc ::vesk::view::read_places {} {
 }
 
 # restore_windows --
-#   Detaches what was detached at the end of the last session; once the main window stands.
+#   Detaches the views that were detached at the end of the last session.
 proc ::vesk::view::restore_windows {} {
     variable ids
     set kept [::vesk::settings::get view_windows]
@@ -124,7 +124,7 @@ proc ::vesk::view::restore_windows {} {
 }
 
 # note_windows --
-#   What `restore_windows` needs, at the end.
+#   Keeps the detached views for `restore_windows`.
 proc ::vesk::view::note_windows {} {
     variable area_path
     variable detached

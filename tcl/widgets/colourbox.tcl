@@ -1,5 +1,6 @@
 # colourbox.tcl --
-#   Choosing a colour: a field of saturation and brightness, a strip of hues, the colour as text.
+#   The dialog that chooses a colour: a field of saturation and brightness, a strip of hues, the
+#   colour as text.
 
 namespace eval ::vesk::colourbox {
     variable hex "#000000"
@@ -10,7 +11,7 @@ namespace eval ::vesk::colourbox {
 }
 
 # ask --
-#   Returns the chosen "#RRGGBB", or "" when the window was left.
+#   Returns the chosen colour as "#RRGGBB", or "" when the dialog was cancelled.
 proc ::vesk::colourbox::ask {start} {
     variable hex $start
     set w .colour
@@ -61,7 +62,7 @@ proc ::vesk::colourbox::build {w} {
 }
 
 # to_rgb --
-#   Hue, saturation, brightness (0 to 1) as three numbers from 0 to 255.
+#   Converts hue, saturation and brightness (0 to 1) to red, green and blue (0 to 255).
 proc ::vesk::colourbox::to_rgb {h s v} {
     set result {}
     foreach offset {5 3 1} {
@@ -72,7 +73,7 @@ proc ::vesk::colourbox::to_rgb {h s v} {
 }
 
 # from_hex --
-#   Takes hue, saturation and brightness from the text; greys keep the last hue.
+#   Computes hue, saturation and brightness from the text; a grey keeps the last hue.
 proc ::vesk::colourbox::from_hex {} {
     variable hex
     variable hue
@@ -97,7 +98,7 @@ proc ::vesk::colourbox::from_hex {} {
 }
 
 # show --
-#   Draws the field of the hue and the marks.
+#   Draws the field in the present hue, and the two marks.
 proc ::vesk::colourbox::show {} {
     variable hue
     variable saturation

@@ -1,9 +1,9 @@
 # dialogs.tcl --
-#   Windows beside the main one: how they are made, placed and waited for; a question with buttons;
-#   a text to read.
+#   Windows beside the main one: making, placing and waiting for them; a question with buttons; a
+#   text to read.
 
 namespace eval ::vesk::dialogs {
-    variable answers            ;# window -> what it was answered
+    variable answers            ;# window -> its answer
     variable focus_before       ;# window -> widget that had the focus
 }
 
@@ -36,8 +36,8 @@ proc ::vesk::dialogs::show {w focus} {
 }
 
 # place_over --
-#   Puts a window over the middle of the main one, on the screen with all of it: what does not fit
-#   there gets less than it wants.
+#   Puts a window over the middle of the main one, all of it on the screen: a window that is larger
+#   than the screen gets smaller.
 proc ::vesk::dialogs::place_over {w} {
     set room_x [winfo screenwidth $w]
     set room_y [expr {[winfo screenheight $w] - [::vesk::theme::px 30]}]
@@ -58,7 +58,7 @@ proc ::vesk::dialogs::place_over {w} {
 
 # modal --
 #   Makes a window for `wait`.
-#   escape  its answer to Escape, and to being closed
+#   escape  the answer of Escape and of the window manager's close button
 proc ::vesk::dialogs::modal {w title escape {margin ""}} {
     window $w $title $margin
     foreach way [list [list bind $w <Escape>] [list wm protocol $w WM_DELETE_WINDOW]] {
@@ -72,7 +72,7 @@ proc ::vesk::dialogs::answer {w text} {
 }
 
 # wait --
-#   Shows a window with a grab; returns what it is answered. The focus goes back afterwards.
+#   Shows a window with a grab and returns the answer. The focus goes back afterwards.
 proc ::vesk::dialogs::wait {w focus} {
     variable answers
     variable focus_before
@@ -93,10 +93,10 @@ proc ::vesk::dialogs::wait {w focus} {
 }
 
 # question --
-#   Asks; returns the name of the chosen answer.
+#   Asks a question; returns the name of the chosen answer.
 #   answers   name label pairs from left to right
-#   default   answer of Return;  escape  answer of Escape and of closing the window
-#   model     a model file whose picture is shown
+#   default   the answer of Return;  escape  the answer of Escape
+#   model     a model file whose picture is shown beside the text
 proc ::vesk::dialogs::question {title text answers default escape {model ""}} {
     set w .question
     modal $w VESK $escape 20
@@ -117,7 +117,7 @@ proc ::vesk::dialogs::question {title text answers default escape {model ""}} {
             -style [expr {$name eq $default ? "Panel.Default.TButton" : "Panel.TButton"}] \
             -command [list ::vesk::dialogs::answer $w $name]
     }
-    # The answers that do not go on stand apart at the left.
+    # Of three answers the one that loses something stands apart at the left.
     set names [dict keys $answers]
     if {[llength $names] > 2} {
         pack $w.in.row.[lindex $names 0] -side left -padx [::vesk::theme::pad 0 40]
@@ -147,7 +147,7 @@ proc ::vesk::dialogs::press_focused {default} {
 # ---- a text to read ----
 
 # show_text --
-#   A window with a text; one per title.
+#   A window with a text to read; there is one per title.
 proc ::vesk::dialogs::show_text {title text {columns 72} {lines 24}} {
     set w .text[string tolower [regsub -all {[^A-Za-z]} $title ""]]
     window $w "$title - VESK"

@@ -1,5 +1,5 @@
 # fieldmenu.tcl --
-#   The right button and the menu key in fields and texts: cut, copy, paste, select all.
+#   The menu of the right button and the menu key in fields and texts: cut, copy, paste, select all.
 
 namespace eval ::vesk::fieldmenu {}
 
@@ -25,7 +25,7 @@ proc ::vesk::fieldmenu::popup {w x y} {
 }
 
 # state_of --
-#   normal, readonly or disabled, of classic and of themed fields.
+#   The state of a classic or themed field: normal, readonly or disabled.
 proc ::vesk::fieldmenu::state_of {w} {
     if {[winfo class $w] in {TEntry TCombobox}} {
         foreach state {disabled readonly} {

@@ -1,14 +1,13 @@
 # fields.tcl --
-#   Fields for numbers, texts and colours: what they look like, what their keys do, and how they show
-#   that something typed is wrong.
+#   Fields for numbers, texts and colours: their look, their keys, and the mark of a wrong entry.
 
 namespace eval ::vesk::fields {
-    variable before             ;# number field -> what it showed before something was typed
+    variable before             ;# number field -> its text before the typing
     variable done ""            ;# the field that ended with Return, and its text then
     array set before {}
 }
 
-# ---- what they look like ----
+# ---- look ----
 
 # bare_entry --
 #   An entry without a frame of its own; `lit` lends it the one that it stands in.
@@ -19,7 +18,7 @@ proc ::vesk::fields::bare_entry {path variable args} {
 }
 
 # lit --
-#   Has a frame show the focus of the widget in it.
+#   Lights a frame while the widget in it has the focus.
 proc ::vesk::fields::lit {frame w} {
     bind $w <FocusIn> +[list $frame state focus]
     bind $w <FocusOut> +[list $frame state !focus]
@@ -27,7 +26,7 @@ proc ::vesk::fields::lit {frame w} {
 
 # axis_field --
 #   A field with a bold letter and a right-aligned number. Returns its entry.
-#   letter    x, y, z, u or v; it tells the colour too
+#   letter    x, y, z, u or v; the colour follows from it
 #   variable  the global name of the variable that the entry shows
 #   prefix    the surface that it lies on: "", Panel.
 proc ::vesk::fields::axis_field {path letter variable {prefix ""} {width 8}} {
@@ -62,9 +61,10 @@ proc ::vesk::fields::axis_row {tab row what label letters variable} {
 }
 
 # filter_field --
-#   A field with a picture, and a hint as long as it is empty. Escape empties it first.
+#   A field with a picture that filters a list; a hint stands in it while it is empty. Escape
+#   empties it first.
 #   variable  the global name of its text
-#   list      the widget that Down goes to
+#   list      the list, to which Down moves the focus
 proc ::vesk::fields::filter_field {path icon hint variable list width pad} {
     ttk::frame $path -style Axis.TFrame -padding [::vesk::theme::pad 6 $pad 6 $pad]
     ttk::label $path.icon -style Field.TLabel -image [::vesk::icons::get $icon dim]
@@ -96,7 +96,7 @@ proc ::vesk::fields::show_hint {path variable args} {
 }
 
 # has_words --
-#   Whether a text, in small letters, holds every word of what was typed into a filter.
+#   Whether a text in lower case holds every word of a filter.
 proc ::vesk::fields::has_words {text typed} {
     foreach word [regexp -all -inline {\S+} [string tolower $typed]] {
         if {[string first $word $text] < 0} {return 0}
@@ -107,7 +107,7 @@ proc ::vesk::fields::has_words {text typed} {
 # ---- colours ----
 
 # swatch --
-#   A square of a colour; a click, the space bar and Return run `command`.
+#   A coloured square; a click, the space bar and Return run `command`.
 proc ::vesk::fields::swatch {path width height command} {
     ::vesk::theme::on [frame $path -width [::vesk::theme::px $width] \
         -height [::vesk::theme::px $height] -takefocus 1 -highlightthickness 1] -
@@ -120,14 +120,14 @@ proc ::vesk::fields::show_swatch {path colour} {
 }
 
 # hex --
-#   "#RRGGBB" of a typed colour, "" of what is none.
+#   A typed colour as "#RRGGBB", or "" when the text is no colour.
 proc ::vesk::fields::hex {text} {
     if {![regexp {^#?([0-9A-Fa-f]{6})$} $text -> digits]} {return ""}
     return "#[string toupper $digits]"
 }
 
 # typed_colour --
-#   The same for the text of a field, which is marked and told when it is wrong.
+#   The same for the text of a field; a wrong text is marked and reported in the status line.
 proc ::vesk::fields::typed_colour {entry} {
     set hex [hex [$entry get]]
     mark_invalid $entry [expr {$hex eq ""}]
@@ -138,8 +138,8 @@ proc ::vesk::fields::typed_colour {entry} {
 # ---- keys ----
 
 # on_keys --
-#   Gives a widget keys that nobody else hears.
-#   keys  keys and scripts in turns; Return is that of the keypad too
+#   Binds keys of a widget; no other binding of the key runs after them.
+#   keys  key, script, key, script ...; Return includes the one of the keypad
 proc ::vesk::fields::on_keys {w keys} {
     foreach {key script} $keys {
         foreach one [expr {$key eq "Return" ? {Return KP_Enter} : [list $key]}] {
@@ -178,7 +178,7 @@ proc ::vesk::fields::number_keys {entry variable apply {unit ""}} {
 }
 
 # number_begin --
-#   Remembers what the field showed, for Escape and to see whether anything was typed.
+#   Remembers the text of the field, for Escape and for `being_typed`.
 proc ::vesk::fields::number_begin {w variable} {
     variable before
     set before($w) [set $variable]
@@ -186,15 +186,15 @@ proc ::vesk::fields::number_begin {w variable} {
 }
 
 # being_typed --
-#   Whether a field holds something that was not applied yet.
+#   Whether a field holds a text that was not applied yet.
 proc ::vesk::fields::being_typed {w} {
     variable before
     return [expr {![info exists before($w)] || [$w get] ne $before($w)}]
 }
 
 # show_number --
-#   Shows the model's number in a field, unless something else is being typed there.
-#   force  1 also replaces what is typed
+#   Shows a number of the model in a field, unless another text is being typed there.
+#   force  1 replaces that text too
 proc ::vesk::fields::show_number {w variable number force} {
     variable before
     set typing [expr {[focus] eq $w}]
@@ -212,7 +212,7 @@ proc ::vesk::fields::number_done {w variable apply} {
     if {[info exists before($w)] && $before($w) eq $text} {return}
     if {[string match *disabled* [$w cget -state]]} {return}
     if {[string trim $text] eq "" && [info exists before($w)]} {
-        # An emptied field shows its number again.
+        # An emptied field gets its number back.
         set $variable $before($w)
         mark_invalid $w 0
         return
@@ -230,7 +230,7 @@ proc ::vesk::fields::number_done {w variable apply} {
 }
 
 # number_escape --
-#   Escape shows what was there; a second one goes back to the views.
+#   Escape restores the number; a second one goes back to the views.
 proc ::vesk::fields::number_escape {w variable} {
     variable before
     if {[info exists before($w)] && $before($w) ne [set $variable]} {
@@ -255,15 +255,15 @@ proc ::vesk::fields::number_step {w variable apply step unit} {
 }
 
 # mark_invalid --
-#   Shows or clears the error outline of a field, whichever kind it is.
+#   Shows or clears the error outline of a field of any kind.
 proc ::vesk::fields::mark_invalid {w invalid} {
     if {[winfo class $w] eq "Entry"} {set w [winfo parent $w]}
     $w state [expr {$invalid ? "invalid" : "!invalid"}]
 }
 
 # done_in, is_done --
-#   After Return a field counts as left until something is typed or clicked in it again: then a
-#   view that the pointer enters gets the keys.
+#   After Return a field counts as left until a key or a click changes it: a view that the pointer
+#   enters then takes the focus.
 proc ::vesk::fields::done_in {entry} {
     after idle [list ::vesk::fields::note_done $entry]
 }
@@ -280,7 +280,7 @@ proc ::vesk::fields::is_done {entry} {
 
 # follow_preference --
 #   Ties an entry to a numeric preference, both ways.
-#   variable  what the entry shows;  kind  number or int
+#   variable  the text of the entry;  kind  number or int
 proc ::vesk::fields::follow_preference {entry variable key kind} {
     set show [list ::vesk::fields::show_preference $variable $key $kind]
     {*}$show

@@ -11,7 +11,7 @@ namespace eval ::vesk::filebox {
 }
 
 # ask --
-#   Returns the chosen absolute name, or "" when the dialog was left.
+#   Returns the chosen absolute name, or "" when the dialog was cancelled.
 #   how      open (an existing file), save (a new name; asks before replacing) or folder
 #   start    folder to begin in; "" the home folder
 #   filters  {{description patterns} ...}; the number of the chosen one is fsBox(currentfilter)
@@ -67,7 +67,7 @@ proc ::vesk::filebox::build {w title} {
     ::vesk::dialogs::modal $w "$title - VESK" ""
     build_top $w
     build_lists $w
-    # Tab goes through them in this order.
+    # Tab visits the parts in this order.
     build_bottom $w
     build_line $w
     set p [::vesk::theme::px 8]
@@ -91,7 +91,7 @@ proc ::vesk::filebox::build_top {w} {
 }
 
 # build_lists --
-#   Places, files, and the chosen file's picture.
+#   The lists of places and files, and the picture of the chosen file.
 proc ::vesk::filebox::build_lists {w} {
     ttk::treeview $w.places -show tree -selectmode browse -height 14
     $w.places column #0 -width [::vesk::theme::px 150]
@@ -148,7 +148,7 @@ proc ::vesk::filebox::build_bottom {w} {
 }
 
 # places --
-#   Where models usually lie: {label folder ...}, each once.
+#   The folders in which models usually lie: label folder label folder ..., each once.
 proc ::vesk::filebox::places {} {
     set result {}
     set seen {}
@@ -252,7 +252,7 @@ proc ::vesk::filebox::selected {w} {
 }
 
 # preview --
-#   The chosen file's picture, where it is one or a model; what the file holds below it.
+#   Shows the picture of the chosen file where it is a picture or a model, with its size below.
 proc ::vesk::filebox::preview {} {
     variable shown
     variable folder
@@ -280,7 +280,7 @@ proc ::vesk::filebox::preview {} {
 }
 
 # show_preview --
-#   A picture with a line below it; neither: nothing is shown.
+#   Shows a picture with a line of text below; without both the place is hidden.
 proc ::vesk::filebox::show_preview {text photo} {
     set w .filebox
     if {![winfo exists $w.preview]} {return}
@@ -294,7 +294,7 @@ proc ::vesk::filebox::show_preview {text photo} {
 }
 
 # accept --
-#   Enters a chosen folder, else answers with the name when it will do.
+#   Enters a chosen folder, else answers with the name if it is usable.
 proc ::vesk::filebox::accept {w} {
     variable shown
     variable folder
@@ -338,7 +338,7 @@ proc ::vesk::filebox::why_not {path} {
 }
 
 # with_suffix --
-#   A name without suffix gets the first one of the filter.
+#   Appends the first suffix of the filter to a name without suffix.
 proc ::vesk::filebox::with_suffix {path} {
     variable filters
     variable filter

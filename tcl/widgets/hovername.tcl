@@ -9,7 +9,7 @@ namespace eval ::vesk::hovername {
 }
 
 # bind_view --
-#   Called once for each view.
+#   Binds the mouse events of one view.
 proc ::vesk::hovername::bind_view {name id togl} {
     bind $togl <Motion> [list ::vesk::hovername::moved $name $id %x %y %s]
     bind $togl <Leave> ::vesk::hovername::hide
@@ -18,7 +18,7 @@ proc ::vesk::hovername::bind_view {name id togl} {
 }
 
 # moved --
-#   The pointer moved: the chip goes, and comes again when the pointer rests.
+#   Hides the chip after a motion and shows it again when the pointer rests.
 proc ::vesk::hovername::moved {name id x y state} {
     variable timer
     variable delay

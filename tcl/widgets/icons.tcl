@@ -1,6 +1,6 @@
 # icons.tcl --
-#   Pictures: one sheet a theme, scale and variant, loaded once; an icon is cropped from it when it
-#   is first asked for. Switching the theme refills the same images, so every widget follows. The
+#   Icons: one sheet a theme, scale and variant, loaded once; an icon is cropped from it on its
+#   first use. Switching the theme refills the same images, so every widget follows. The
 #   executable's image type "vesk_icon" leaves the sheets on the X server; where it is missing the
 #   images are photos.
 
@@ -86,13 +86,13 @@ proc ::vesk::icons::get {name {variant normal}} {
 }
 
 # or_disabled --
-#   An icon with the one that a disabled button shows instead, as ttk takes them.
+#   The -image of a button: an icon, and its variant for the disabled button.
 proc ::vesk::icons::or_disabled {name {variant normal}} {
     return [list [get $name $variant] disabled [get $name disabled]]
 }
 
 # follow_selection --
-#   Has the icons of a list's selected rows show on the selection's colour.
+#   Gives the selected rows of a list the icons that contrast with the selection's colour.
 proc ::vesk::icons::follow_selection {list} {
     bind $list <<TreeviewSelect>> {+::vesk::icons::swap_selected %W}
     bind $list <Destroy> {+unset -nocomplain ::vesk::icons::swapped(%W)}

@@ -1,6 +1,6 @@
 # numberfield.tcl --
-#   The number field at the pointer while a drag takes numbers. The executable holds what is typed;
-#   here it is only shown, as a focused axis field inside the view.
+#   The number field at the pointer while a drag takes numbers. The executable holds the typed text;
+#   the field only shows it, as a focused axis field inside the view.
 
 namespace eval ::vesk::numberfield {
     variable path ""            ;# the field, while it is shown
@@ -9,9 +9,9 @@ namespace eval ::vesk::numberfield {
 }
 
 # show --
-#   view   view id;  x y  where the pointer is, in the view
-#   label  what the number is;  axis  0 to 2: its colour
-#   text   what was typed so far
+#   view   view id;  x y  place of the pointer in the view
+#   label  name of the number;  axis  0 to 2: its colour
+#   text   the digits typed so far
 proc ::vesk::numberfield::show {view x y label axis text} {
     variable path
     variable names

@@ -3,9 +3,9 @@
 #   pictures (tools/make_icons.tcl), so it needs neither Tk nor anything else.
 
 namespace eval ::vesk::palettes {
-    # Theme names, in the order of the menu, with what the menu calls them.
+    # Theme names in the order of the menu, with their labels there.
     variable names {dark Dark light Light contrast "High contrast" safe "Colour-blind safe"}
-    # A theme that uses another's pictures, and its colours but for these: told apart by lightness
+    # A theme that uses another's pictures and its colours except these, which differ by lightness
     # and by blue against orange.
     variable pictures {safe dark}
     variable safe {
@@ -62,19 +62,19 @@ namespace eval ::vesk::palettes {
         icon_off        #686B71 #A3A6AB #8A8A8A
     }
 
-    # The colour preferences that the high contrast preset sets besides.
+    # The colour preferences of the high contrast preset.
     variable contrast_views {
         col_background 0x000000 col_3dbackground 0x000000 col_line 0xC8C8C8 col_selline 0xFFFF00
         col_vert 0xFF8080 col_selvert 0x00FFFF col_box 0x00FFFF col_grid 0x3A3A3A
         col_axis 0x9A9A9A col_3dgrid 0x8A8A8A
     }
-    # What those preferences are without it.
+    # The same preferences of the other presets.
     variable plain_views {
         col_background 0x555555 col_3dbackground 0x555555 col_line 0xAAAAAA col_selline 0xFFFFFF
         col_vert 0xFF4444 col_selvert 0x00FF00 col_box 0x00FF00 col_grid 0x454545
         col_axis 0x777777 col_3dgrid 0xAAAAAA
     }
-    # The same of the colour-blind safe preset, where they differ.
+    # Those of the colour-blind safe preset that differ.
     variable safe_views {col_vert 0xFFB000 col_selvert 0x00C8FF col_box 0x00C8FF}
 }
 
@@ -101,7 +101,7 @@ proc ::vesk::palettes::pictures_of {theme} {
 }
 
 # views --
-#   The colour preferences that go with a theme.
+#   The colour preferences of a theme.
 proc ::vesk::palettes::views {theme} {
     variable contrast_views
     variable plain_views
@@ -114,8 +114,8 @@ proc ::vesk::palettes::views {theme} {
 }
 
 # axes --
-#   The axes' colours in the views: those of the dark theme on every background, but for the safe
-#   ones.
+#   Colours of the axes in the views: those of the dark theme on every background, except in the
+#   safe theme.
 proc ::vesk::palettes::axes {theme} {
     set colours [colours [expr {$theme eq "safe" ? "safe" : "dark"}]]
     return [lmap axis {x y z} {dict get $colours axis_$axis}]

@@ -1,11 +1,11 @@
 # parts.tcl --
-#   What bars, panels and windows are made of: hairlines, rows of segments, buttons with a picture,
+#   Building blocks of bars, panels and windows: hairlines, rows of segments, icon buttons,
 #   scrollbars.
 
 namespace eval ::vesk::parts {}
 
 # at_least --
-#   A bar of packed widgets as high as this also where its font needs less.
+#   Keeps a bar of packed widgets at least so high, also with a smaller font.
 proc ::vesk::parts::at_least {bar pixels} {
     pack [ttk::frame $bar.least -width 1 -height [::vesk::theme::px $pixels]] -side right
 }
@@ -21,7 +21,7 @@ proc ::vesk::parts::hairline {path} {
 }
 
 # segments --
-#   A row of buttons one of which is pressed. A button's name is its value.
+#   A row of buttons one of which is pressed; the name of a button is its value.
 #   prefix    the surface that it lies on: "", Panel.
 #   variable  the global name of the variable with the value
 #   script    words; the chosen value is appended
@@ -51,7 +51,8 @@ proc ::vesk::parts::icon_button {path icon name help command} {
 }
 
 # scrollbar --
-#   The bar of a list, text or canvas; it stands in a grid and hides while everything can be seen.
+#   The scrollbar of a list, text or canvas; managed by grid, and hidden while everything is
+#   visible.
 #   prefix  the surface that it lies on: Panel., Field.
 proc ::vesk::parts::scrollbar {bar of {prefix Panel.}} {
     ttk::scrollbar $bar -style ${prefix}Vertical.TScrollbar -command [list $of yview]
@@ -68,8 +69,8 @@ proc ::vesk::parts::scrolled {bar first last} {
 }
 
 # floating --
-#   A small panel with an edge and a title, to be placed over the window; its rows go into the grid of
-#   its frame .in.
+#   A small panel with an edge and a title, placed over the window by the caller. Its rows belong
+#   into the grid of the frame .in.
 proc ::vesk::parts::floating {w title} {
     destroy $w
     ttk::frame $w -style Raise.TFrame -padding 1

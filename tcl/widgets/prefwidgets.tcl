@@ -32,7 +32,7 @@ proc ::vesk::prefwidgets::make {path key widget} {
 }
 
 # show --
-#   Shows the present value, unless it is being typed over.
+#   Shows the present value of a preference in its widget.
 proc ::vesk::prefwidgets::show {key args} {
     variable made
     if {![info exists made($key)]} {return}
@@ -167,7 +167,7 @@ proc ::vesk::prefwidgets::text_typed {key} {
     if {$text ne [::vesk::preferences::get $key]} {::vesk::preferences::put $key $text}
 }
 # text_escape --
-#   Shows what was there; when nothing was typed the window takes the key.
+#   Restores the text; when nothing was typed the key is the window's.
 proc ::vesk::prefwidgets::text_escape {key} {
     if {[set [text_variable $key]] eq [::vesk::preferences::get $key]} {return}
     show $key

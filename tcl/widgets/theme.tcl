@@ -12,7 +12,7 @@ namespace eval ::vesk::theme {
     variable surfaces {{} chrome Panel. panel Field. field}
     variable followers {}       ;# scripts to run after a change
     variable looks {}           ;# options of classic widgets, by class, in the current theme
-    # The same with palette names in place of colours.
+    # The same options with palette names in place of colours.
     variable classic {
         Menu {-background menu -foreground text -activebackground sel -activeforeground on_sel
             -disabledforeground off -selectcolor text}
@@ -25,7 +25,7 @@ namespace eval ::vesk::theme {
         Menubutton {-background chrome -foreground text -activebackground raise
             -activeforeground text -disabledforeground off}
     }
-    # The defaults of the two font preferences; anything else there wins over our own fonts.
+    # The defaults of the two font preferences; other values replace our own fonts.
     variable font_main_default "{arial} 9 {bold}"
     variable font_menu_default "{arial} 9 {bold italic}"
 }
@@ -72,7 +72,7 @@ proc ::vesk::theme::init {theme percent} {
 }
 
 # make_fonts --
-#   The named fonts of the interface; changed font preferences win over them.
+#   Makes the named fonts of the interface; changed font preferences replace them.
 proc ::vesk::theme::make_fonts {} {
     variable font_main_default
     variable font_menu_default
@@ -170,7 +170,7 @@ proc ::vesk::theme::image_element {theme name states options} {
 }
 
 # make_elements --
-#   {name {picture states picture ...} options} for every frame.
+#   Makes every frame from a table of name, {picture states picture ...} and options.
 proc ::vesk::theme::make_elements {theme} {
     foreach {name states options} {
         Fld.rr {field-normal disabled field-disabled invalid field-invalid focus field-focus
@@ -215,7 +215,7 @@ proc ::vesk::theme::make_elements {theme} {
     } {
         image_element $theme $name $states $options
     }
-    # What stands between a mark and its text.
+    # The gap between a mark and its text.
     ttk::style element create Gap.rr image [::vesk::icons::element $theme nothing] \
         -width [px 6] -height 1 -border 0 -padding 0 -sticky {}
 }
@@ -381,7 +381,7 @@ proc ::vesk::theme::configure_lists {c} {
 # ---- classic widgets ----
 
 # set_options --
-#   What classic widgets made from now on look like.
+#   Sets the look of classic widgets that are made from now on.
 proc ::vesk::theme::set_options {} {
     dict for {pattern name} {
         *Menu.background menu *Menu.foreground text *Menu.activeBackground sel
@@ -409,8 +409,8 @@ proc ::vesk::theme::menu_relief {} {
 }
 
 # recolour --
-#   Gives one classic widget and everything below it the colours of the current theme. A widget
-#   that wants other ones says so in the array `surface` (path -> palette name of its background).
+#   Gives a classic widget and its children the colours of the current theme. The array `surface`
+#   (path -> palette name) holds the backgrounds that differ.
 proc ::vesk::theme::recolour {w} {
     variable surface
     variable looks

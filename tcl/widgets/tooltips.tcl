@@ -1,5 +1,5 @@
 # tooltips.tcl --
-#   A small window under the pointer: name in bold with its key at the right, one line of help.
+#   Tooltips: a small window under the pointer with the name in bold, its key, and a line of help.
 
 namespace eval ::vesk::tooltips {
     variable texts              ;# widget -> {name key help}
@@ -10,7 +10,7 @@ namespace eval ::vesk::tooltips {
 
 # attach --
 #   Gives a widget a tooltip.
-#   help  a line, or the name of a procedure that answers with one
+#   help  a line of text, or the name of a procedure that returns one
 proc ::vesk::tooltips::attach {w name key help} {
     variable texts
     set texts($w) [list $name $key $help]
@@ -28,7 +28,7 @@ proc ::vesk::tooltips::wait {w} {
 }
 
 # gone --
-#   A widget is no more: neither is its tooltip.
+#   Removes the tooltip of a destroyed widget.
 proc ::vesk::tooltips::gone {w} {
     variable texts
     variable shown

@@ -1,5 +1,5 @@
 # help.tcl --
-#   The key table, the command list, about, and windows for what a command answers.
+#   The key table, the command list, the about window, and windows for answers of commands.
 
 namespace eval ::vesk::help {
     # Keys of the views, fixed in the executable: {keys what}.
@@ -60,7 +60,7 @@ namespace eval ::vesk::help {
 }
 
 # keys --
-#   Every key: those of the menus from their table, and the fixed ones of the views.
+#   Shows every key: those of the menus from their table, and the fixed ones of the views.
 proc ::vesk::help::keys {} {
     variable views
     set text ""
@@ -99,7 +99,7 @@ proc ::vesk::help::page {name} {
 }
 
 # show_result --
-#   Runs a command and shows what it answers.
+#   Runs a command and shows its answer.
 proc ::vesk::help::show_result {command title} {
     ::vesk::dialogs::show_text $title [::vesk::ops::run $command]
 }

@@ -1,13 +1,13 @@
 # history.tcl --
-#   The history window: the states that the executable remembers; a click goes to one.
+#   The history window: the states that the executable keeps; a click returns to one.
 
 namespace eval ::vesk::history {
     variable filling 0          ;# the list's selection is being set by us
-    variable shown {}           ;# what the list shows
+    variable shown {}           ;# the states in the list
 }
 
 # can_redo --
-#   1 when a state lies after the present one.
+#   Whether a state lies after the present one.
 proc ::vesk::history::can_redo {} {
     set states [vesk history_list]
     return [expr {[llength $states] > 0 && ![lindex $states end 2]}]
@@ -38,7 +38,7 @@ proc ::vesk::history::build {w} {
 }
 
 # refresh --
-#   The list as the executable tells it; states after the present one are dim.
+#   Fills the list with the states; those after the present one are dim.
 proc ::vesk::history::refresh {} {
     variable filling
     variable shown
@@ -61,7 +61,7 @@ proc ::vesk::history::refresh {} {
             $list see $place
         }
     }
-    # The virtual event of setting the selection comes before this.
+    # The virtual event of the selection arrives before this.
     after idle {set ::vesk::history::filling 0}
 }
 

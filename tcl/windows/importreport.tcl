@@ -1,6 +1,6 @@
 # importreport.tcl --
-#   What the last import had to tell: missing files, what was left out, with line numbers. Shown by
-#   itself after an import with complaints, and by File > Import report.
+#   The report of the last import: counts, missing files and complaints with line numbers. Shown
+#   after an import with complaints, and by File > Import report.
 
 namespace eval ::vesk::importreport {
     variable most_shown 500     ;# complaints; a damaged file has one a line

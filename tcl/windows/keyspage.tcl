@@ -1,5 +1,5 @@
 # keyspage.tcl --
-#   The keys page of the preferences: a table of every action, a key recorded by pressing it, what
+#   The keys page of the preferences: a table of all actions, keys recorded by pressing them,
 #   clashes, and presets.
 
 ::vesk::need lib keys
@@ -69,7 +69,7 @@ proc ::vesk::keyspage::build_list {list} {
 }
 
 # build_edit --
-#   What can be done with the chosen action.
+#   The buttons for the chosen action.
 proc ::vesk::keyspage::build_edit {edit} {
     ttk::frame $edit -style Panel.TFrame
     ttk::button $edit.record -style Panel.Default.TButton -text "Press a key..." \
@@ -84,7 +84,7 @@ proc ::vesk::keyspage::build_edit {edit} {
 }
 
 # build_clash --
-#   The question what happens to a key that another action has.
+#   The question about a key that another action has.
 proc ::vesk::keyspage::build_clash {clash} {
     ttk::frame $clash -style Panel.TFrame
     ttk::label $clash.text -style Panel.TLabel -anchor w \
@@ -97,7 +97,7 @@ proc ::vesk::keyspage::build_clash {clash} {
 }
 
 # fill --
-#   The table: groups, and below them the actions; clashing keys stand out.
+#   Fills the table: groups, and below them the actions; clashing keys have a colour of their own.
 proc ::vesk::keyspage::fill {} {
     variable page
     variable filter
@@ -164,7 +164,7 @@ proc ::vesk::keyspage::row_chosen {} {
 }
 
 # record --
-#   The next key that is pressed becomes that of the chosen action; Escape leaves it.
+#   Records the next key for the chosen action; Escape keeps the old one.
 proc ::vesk::keyspage::record {} {
     variable page
     variable recording [chosen]
@@ -246,7 +246,7 @@ proc ::vesk::keyspage::give_standard {} {
 }
 
 # shown_again --
-#   After a change.
+#   Fills the page anew after a change, with a message.
 proc ::vesk::keyspage::shown_again {message} {
     variable page
     if {![winfo exists $page]} {return}

@@ -1,9 +1,9 @@
 # main.tcl --
-#   The main window: what stands where, the right panel, the console's place, regions for F6, the
-#   size and theme that are remembered.
+#   The main window: its layout, the right panel, the place of the console, regions for F6, theme
+#   and size.
 
 namespace eval ::vesk::main {
-    variable folded_by_width 0  ;# the right panel went because the window is narrow
+    variable folded_by_width 0  ;# the right panel is hidden because the window is narrow
 }
 
 # build --
@@ -26,7 +26,7 @@ proc ::vesk::main::build {} {
     sash .main.centre.sash sb_v_double_arrow console
     pack .main.centre.views -fill both -expand 1
     build_right .main.right
-    # Tab comes to it after the panels, although it stands below the views.
+    # Made after the panels for the order of Tab, although it stands below the views.
     ::vesk::console::build .main.console
     sash .main.sash sb_h_double_arrow right
     grid .main.tools -row 0 -column 0 -sticky ns
@@ -35,7 +35,7 @@ proc ::vesk::main::build {} {
     grid .main.right -row 0 -column 3 -sticky nswe
     grid columnconfigure .main 1 -weight 1
     grid rowconfigure .main 0 -weight 1
-    # The right panel goes when the views would become too small.
+    # The right panel is hidden when the views would become too small.
     bind .main <Configure> ::vesk::main::width_changed
     place_console
     if {!$::vesk::panel_shown} place_right
@@ -54,8 +54,8 @@ proc ::vesk::main::build {} {
 }
 
 # first_size --
-#   As long as there is no settings file the window is as large as the panels beside four views need,
-#   if the screen allows it.
+#   Without a settings file the window gets room for the panels beside four views, if the screen
+#   allows it.
 proc ::vesk::main::first_size {} {
     foreach folder [list [file dirname [::vesk::settings::file_name]] $::VESK_HOME] {
         if {[file exists [file join $folder veskprefs.txt]]} {return}
@@ -129,7 +129,7 @@ proc ::vesk::main::build_right {path} {
 }
 
 # share_right --
-#   Height of the objects panel: as it was dragged, as long as the tabs keep what they need.
+#   Sets the height of the objects panel: as it was dragged, but the tabs keep the room they need.
 proc ::vesk::main::share_right {} {
     set height [::vesk::theme::px [::vesk::settings::number objects_height 90 2000]]
     set needed [expr {[winfo reqheight .main.right.tabs.object] + [::vesk::theme::px 40]}]
@@ -146,7 +146,7 @@ proc ::vesk::main::set_right_width {width} {
 }
 
 # show_panel --
-#   Shows or folds the right panel as ::vesk::panel_shown says.
+#   Shows or hides the right panel by ::vesk::panel_shown.
 proc ::vesk::main::show_panel {} {
     variable folded_by_width 0
     place_right
@@ -156,7 +156,7 @@ proc ::vesk::main::show_panel {} {
 proc ::vesk::main::place_right {} {
     if {$::vesk::panel_shown} {
         grid .main.sash .main.right
-        # Refreshing what could not be seen.
+        # The tab was not refreshed while it was hidden.
         after idle {::vesk::transform::refresh 1}
     } else {
         grid remove .main.sash .main.right
@@ -164,8 +164,8 @@ proc ::vesk::main::place_right {} {
 }
 
 # width_changed --
-#   Folds the panel in a narrow window and brings it back in a wide one; only what the width did
-#   is undone by the width.
+#   Hides the panel in a narrow window and shows it again in a wide one, unless the user has shown
+#   or hidden it meanwhile.
 proc ::vesk::main::width_changed {} {
     variable folded_by_width
     set width [winfo width .main]
@@ -207,7 +207,7 @@ proc ::vesk::main::place_console {} {
 # ---- focus ----
 
 # next_region --
-#   F6: option bar, tools, views, objects, tabs, console.
+#   F6 moves the focus on: option bar, tools, views, objects, tabs, console.
 proc ::vesk::main::next_region {step} {
     set regions [list .opt .main.tools .main.centre.views]
     if {$::vesk::panel_shown} {lappend regions .main.right.objects .main.right.tabs}
@@ -233,7 +233,7 @@ proc ::vesk::main::next_region {step} {
 }
 
 # escape --
-#   Escape where nothing else takes it: stops long work, else goes back to the views.
+#   Escape without another binding: stops long work, else goes back to the views.
 proc ::vesk::main::escape {} {
     set ::escape_pressed 1
     if {$::vesk::status::busy_since} {
@@ -254,13 +254,13 @@ proc ::vesk::main::escape {} {
     }
 }
 
-# ---- remembered things ----
+# ---- kept for the next session ----
 
 proc ::vesk::main::set_theme {} {
     set before $::vesk::theme::current
     ::vesk::theme::apply $::vesk::theme_name
     ::vesk::settings::set_value theme $::vesk::theme::current
-    # High contrast and the safe colours change the views too; leaving them puts those back.
+    # High contrast and the safe colours change the views too; the other themes restore those.
     set special {contrast safe}
     if {$before ne $::vesk::theme_name && ($before in $special || $::vesk::theme_name in $special)} {
         ::vesk::prefs::use_view_colours $::vesk::theme_name

@@ -1,6 +1,6 @@
 # operations.tcl --
-#   The numbers that operations use, in one small panel that opens below the option bar: they are
-#   preferences, or settings of these scripts where there is no preference.
+#   The numbers of the operations in a small panel below the option bar: preferences, or settings of
+#   these scripts where there is no preference.
 
 namespace eval ::vesk::operations {
     variable path ""
@@ -22,7 +22,7 @@ namespace eval ::vesk::operations {
 }
 
 # toggle, open, close --
-#   The panel, from the button in the option bar or the menu.
+#   Opens and closes the panel, from the option bar or the menu.
 proc ::vesk::operations::toggle {} {
     if {[winfo exists .operations]} {close} else {open}
 }

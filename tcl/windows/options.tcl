@@ -3,7 +3,7 @@
 #   result at once, and the options of the last one can be opened once more.
 
 namespace eval ::vesk::options {
-    variable fields             ;# row -> what its field holds
+    variable fields             ;# row -> text or value of its field
     variable kept               ;# last typed values: command -> list
     # Operations whose options show their result at once, unless the selection is large.
     variable live {extrude surface_make_hole surface_bevel surface_spike surface_spline revolve
@@ -17,8 +17,8 @@ namespace eval ::vesk::options {
 }
 
 # ask --
-#   Opens the options of a command. Where the result shows at once Return and Keep keep it and Escape
-#   takes it back; other commands run on Return or Apply.
+#   Opens the options of a command. A result that shows at once is kept with Return or Keep and
+#   taken back with Escape; other commands run on Return or Apply.
 #   target  command, then fields {label kind default ...}:
 #             number, int, text   typed, an argument each
 #             from KEY            a number, kept in the preference
@@ -29,7 +29,7 @@ namespace eval ::vesk::options {
 #   before  the operation whose options are opened again, as `last`; "" for a new one
 proc ::vesk::options::ask {title target help {before ""}} {
     set items [lassign $target command]
-    # A lone file name needs no panel around its dialog.
+    # A file name alone needs only the file dialog.
     if {[llength $items] == 1 && [lindex $items 0 1] in {open_file save_file}} {
         run_with_file $command [lindex $items 0] $title
         return
@@ -39,7 +39,7 @@ proc ::vesk::options::ask {title target help {before ""}} {
     variable session
     dict set session row [dict create title $title target $target help $help]
     if {$before ne ""} {
-        # What is there now is the result; what the fields say is what it was made with.
+        # The model is the result already, made with the values in the fields.
         dict set session start [dict get $before start]
         dict set session words [dict get $before words]
         dict set session original [lindex [dict get $before words] 1]
@@ -97,7 +97,7 @@ proc ::vesk::options::build {w title} {
     pack $w.in.row.close $w.in.row.apply -side right -padx [::vesk::theme::pad 8 0]
     grid $w.in.row - -sticky we -pady [::vesk::theme::pad 10 0]
     foreach child [concat [winfo children $w.in] [winfo children $w.in.row]] {
-        # What has keys bound would be a stop of Tab.
+        # A label with bound keys would be a stop of Tab.
         if {[winfo class $child] in {TLabel TFrame}} {continue}
         ::vesk::fields::on_keys $child \
             [list Escape $close Return [expr {$child eq "$w.in.row.close" ? $close : $run}]]
@@ -114,7 +114,7 @@ proc ::vesk::options::begin_session {w command items} {
     variable live_limit
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
-    # What the first try is taken back to has the selection of now.
+    # The state to which the first try is taken back has the present selection.
     if {$on} {vesk history_note}
     set session [dict create window $w command $command items $items live $on words {} \
         start [history_place] now [history_place] timer ""]
@@ -145,7 +145,7 @@ proc ::vesk::options::live_later {args} {
 }
 
 # live_update --
-#   Shows what the fields say now in place of what they said before.
+#   Replaces the result by that of the present fields.
 proc ::vesk::options::live_update {} {
     variable session
     if {![winfo exists [dict get $session window]]} {return}
@@ -164,7 +164,7 @@ proc ::vesk::options::live_update {} {
 }
 
 # live_take_back --
-#   As it was when the options were opened. What was done elsewhere meanwhile stays.
+#   Restores the state at the opening of the options. Other edits since then stay.
 proc ::vesk::options::live_take_back {} {
     variable session
     set place [history_place]
@@ -239,9 +239,9 @@ proc ::vesk::options::ask_file {item title} {
 }
 
 # read_options --
-#   The command with what the fields say, preferences and settings among them set; empty when a
-#   field holds no number.
-#   tell  1: what is wrong is told
+#   The command with the values of the fields, of which preferences and settings are set; empty when
+#   a number field holds no number.
+#   tell  1: marks and reports that field
 proc ::vesk::options::read_options {tell} {
     variable fields
     variable kept
@@ -276,7 +276,7 @@ proc ::vesk::options::read_options {tell} {
 }
 
 # value_kind --
-#   What is typed into a field: that of a preference or setting stands behind its key.
+#   The kind of a field's value; of a preference or setting it stands behind the key.
 proc ::vesk::options::value_kind {item} {
     lassign $item label kind default extra
     return [expr {$kind in {pref setting} ? $extra : $kind}]
@@ -301,7 +301,7 @@ proc ::vesk::options::run {} {
 }
 
 # restore_original --
-#   The result that was there before its options were opened once more.
+#   Makes the result again that was there when its options were opened once more.
 proc ::vesk::options::restore_original {} {
     variable session
     variable fields

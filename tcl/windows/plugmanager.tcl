@@ -1,11 +1,11 @@
 # plugmanager.tcl --
-#   The plug-ins page of the preferences: what is loaded and what each plug-in added, its own texts,
-#   loading one, leaving one out at the next start.
+#   The plug-ins page of the preferences: the plug-ins with their texts and additions, loading one,
+#   leaving one out at the next start.
 
 namespace eval ::vesk::plugmanager {
     variable page ""
     variable all 1              ;# plug-ins are loaded at the start
-    variable wanted 1           ;# the chosen one is
+    variable wanted 1           ;# the chosen one is loaded
 }
 
 # build --
@@ -75,7 +75,7 @@ proc ::vesk::plugmanager::fill {} {
 }
 
 # show --
-#   What the chosen plug-in says of itself, and what it added.
+#   Shows the texts and the additions of the chosen plug-in.
 proc ::vesk::plugmanager::show {} {
     variable page
     variable wanted
@@ -107,7 +107,7 @@ proc ::vesk::plugmanager::is_wanted {path} {
 }
 
 # wanted_set, all_set --
-#   What is left out is kept in the settings and counts from the next start on.
+#   Plug-ins that are left out are kept in the settings, for the next start.
 proc ::vesk::plugmanager::wanted_set {} {
     variable page
     variable wanted

@@ -1,7 +1,7 @@
 # preferences.tcl --
 #   The preferences window (Control+comma): pages at the left, a search over names, keys and help
-#   texts, a widget by kind for each row of prefs_table.tcl. Changes count at once; what differs
-#   from the default has a mark and an arrow that puts it back.
+#   texts, a widget by kind for each row of prefs_table.tcl. Changes take effect at once; a row that
+#   differs from its default has a mark and an arrow that resets it.
 
 ::vesk::need lib prefs_table
 
@@ -39,7 +39,7 @@ proc ::vesk::preferences::default {key} {
 }
 
 # put --
-#   Sets a preference or setting, and has it take effect.
+#   Sets a preference or setting and puts it into effect.
 proc ::vesk::preferences::put {key value} {
     if {[is_ui $key]} {
         ::vesk::settings::set_value $key $value
@@ -52,7 +52,7 @@ proc ::vesk::preferences::put {key value} {
 }
 
 # took_effect --
-#   After a change: the views follow, the row is marked.
+#   Puts a change into effect and marks its row.
 proc ::vesk::preferences::took_effect {key args} {
     if {![is_ui $key]} {::vesk::prefs::apply $key}
     mark $key
@@ -67,7 +67,8 @@ proc ::vesk::preferences::same_number {a b} {
 }
 
 # left_out --
-#   Rows that note what happened rather than what is wanted: never counted, never reset with a page.
+#   Whether a row is no choice of the user but a record, such as a window's place: such rows are
+#   neither counted nor reset with a page.
 proc ::vesk::preferences::left_out {key} {
     return [regexp {^(\w+win_(x|y|width|height)|recentfiles\d|\w+_file_path|current_tip|last_update_id)$} \
         $key]
@@ -94,7 +95,7 @@ proc ::vesk::preferences::open {{wanted ""}} {
 
 proc ::vesk::preferences::close {} {
     variable w
-    # What is being typed is applied by the field's focus-out first.
+    # The field that loses the focus applies its text.
     focus $w
     update idletasks
     destroy $w
@@ -226,7 +227,7 @@ proc ::vesk::preferences::wheel {widget lines} {
 }
 
 # see --
-#   Scrolls so that what has the keyboard focus can be seen.
+#   Scrolls to the widget that has the keyboard focus.
 proc ::vesk::preferences::see {widget} {
     variable w
     variable body
@@ -256,7 +257,7 @@ proc ::vesk::preferences::fit {width} {
 # ---- a page ----
 
 # groups --
-#   What is to be shown: title, rows, ...
+#   The groups of the page or of the search: title, rows, title, rows ...
 proc ::vesk::preferences::groups {} {
     variable page
     variable query
@@ -276,7 +277,7 @@ proc ::vesk::preferences::groups {} {
 }
 
 # show_page --
-#   Fills the right side.
+#   Shows the rows of the page or of the search.
 proc ::vesk::preferences::show_page {} {
     variable w
     variable body
@@ -382,7 +383,7 @@ proc ::vesk::preferences::add_row {number line key label help {widget ""}} {
 }
 
 # written --
-#   A shown preference was changed, here or elsewhere.
+#   Marks the row of a preference that was changed, here or elsewhere.
 proc ::vesk::preferences::written {key args} {
     mark $key
     after cancel ::vesk::preferences::show_count
@@ -410,7 +411,7 @@ proc ::vesk::preferences::shown_default {key widget} {
 }
 
 # mark --
-#   The bar before a changed row and its arrow.
+#   Shows or hides the bar and the arrow of a changed row.
 proc ::vesk::preferences::mark {key} {
     variable marks
     if {![info exists marks($key)]} {return}
@@ -429,7 +430,7 @@ proc ::vesk::preferences::reset {key} {
 }
 
 # reset_page --
-#   Every row of the page, or of what was found.
+#   Resets every row of the page, or of the search.
 proc ::vesk::preferences::reset_page {} {
     variable page
     variable query
@@ -447,7 +448,7 @@ proc ::vesk::preferences::reset_page {} {
 }
 
 # show_count --
-#   How many settings differ from their defaults.
+#   Shows the number of settings that differ from their defaults.
 proc ::vesk::preferences::show_count {} {
     variable w
     if {![winfo exists $w]} {return}

@@ -1,7 +1,7 @@
 # recovery.tcl --
-#   Not losing work: a copy every two minutes while there are unsaved changes, and the offer of
-#   what an earlier session left behind. The copies lie in the user's state folder, never over a
-#   file of the user's; the executable writes them beside the work.
+#   Recovery of unsaved work: a copy every two minutes, and the offer to open a copy that an earlier
+#   session left. The copies lie in the state folder, never over a file of the user's; the
+#   executable writes them in a thread of its own.
 
 namespace eval ::vesk::recovery {
     variable interval 120000    ;# milliseconds between copies
@@ -9,7 +9,7 @@ namespace eval ::vesk::recovery {
 }
 
 # start --
-#   Once, when the start-up is over.
+#   Begins to write copies; called once after the start-up.
 proc ::vesk::recovery::start {} {
     variable interval
     if {![::vesk::menus::known autosave]} {return}
@@ -18,7 +18,7 @@ proc ::vesk::recovery::start {} {
 }
 
 # tick --
-#   Writes a copy of unsaved work and asks for the next turn.
+#   Writes a copy of unsaved work and plans the next one.
 proc ::vesk::recovery::tick {} {
     variable interval
     variable retry
@@ -28,7 +28,7 @@ proc ::vesk::recovery::tick {} {
 }
 
 # described --
-#   What a copy is, in words: its model's name and when it was written.
+#   A copy in words: the name of its model and the time of writing.
 proc ::vesk::recovery::described {copy} {
     lassign $copy file written original kind
     set name [expr {$original eq "" ? "a model without a name" : [file tail $original]}]
@@ -40,7 +40,7 @@ proc ::vesk::recovery::described {copy} {
 #   Asks about the newest copy that an earlier session left; the older ones follow, one by one, when
 #   it was opened or discarded.
 proc ::vesk::recovery::offer {} {
-    # On a slow machine the start-up itself still lets events in; its own copy is not begun then.
+    # On a slow machine events are handled during the start-up; its own copy does not exist yet.
     if {![info exists ::start_is_over]} {after 100 ::vesk::recovery::offer; return}
     if {[grab current .] ne ""} {after 1000 ::vesk::recovery::offer; return}
     set copies [vesk recovery_list]

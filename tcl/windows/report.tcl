@@ -1,5 +1,5 @@
 # report.tcl --
-#   Help > Report a problem: what somebody needs who is to find the cause, ready to be copied.
+#   Help > Report a problem: the facts that help to find a cause, ready to be copied.
 
 namespace eval ::vesk::report {}
 
@@ -19,7 +19,7 @@ proc ::vesk::report::gathered {} {
     }
     set differing {}
     foreach {key kind value} [vesk prefs_rows] {
-        # Names of files are nobody's business.
+        # Texts may name files of the user.
         if {$kind eq "string" || [regexp {win_|current_tip|last_update} $key]} {continue}
         set now [set ::prefs_$key]
         if {$now ne $value && !([string is double -strict $value] && $now == $value)} {

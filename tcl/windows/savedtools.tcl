@@ -1,13 +1,13 @@
 # savedtools.tcl --
-#   Tools made of lines of the console: selected there, saved under a name, listed in the Tools menu
-#   and kept in the settings. A tool is a script of the user's own and runs as it stands.
+#   Tools from lines of the console: selected there, saved under a name, listed in the Tools menu
+#   and kept in the settings. A tool is a script of the user and runs as it stands.
 
 namespace eval ::vesk::savedtools {
     variable name ""
 }
 
 # context --
-#   The right button in the console.
+#   The menu of the right button in the console.
 proc ::vesk::savedtools::context {x y} {
     set text $::vesk::console::path.text
     set chosen [expr {[$text tag ranges sel] eq "" ? "disabled" : "normal"}]
@@ -23,7 +23,7 @@ proc ::vesk::savedtools::context {x y} {
 }
 
 # script_of --
-#   The commands among the selected lines: those with a prompt, in their order.
+#   The commands among the selected lines, which have a prompt.
 proc ::vesk::savedtools::script_of {} {
     set text $::vesk::console::path.text
     if {[$text tag ranges sel] eq ""} {return ""}
@@ -40,7 +40,7 @@ proc ::vesk::savedtools::script_of {} {
 }
 
 # save_ask --
-#   Asks for the name.
+#   Asks for the name of a new tool.
 proc ::vesk::savedtools::save_ask {} {
     variable name ""
     set script [script_of]
@@ -87,7 +87,8 @@ proc ::vesk::savedtools::save {} {
 }
 
 # keep --
-#   The settings file has one line a setting: lines of a script are joined by semicolons.
+#   Keeps the tools in the settings, whose file has one line a setting: lines of a script are joined
+#   by semicolons.
 proc ::vesk::savedtools::keep {tools} {
     dict for {name script} $tools {
         dict set tools $name [join [lmap line [split $script \n] {
@@ -101,7 +102,7 @@ proc ::vesk::savedtools::keep {tools} {
 }
 
 # fill_menu --
-#   Tools > My tools, each time it opens.
+#   Fills Tools > My tools each time it opens.
 proc ::vesk::savedtools::fill_menu {path} {
     $path delete 0 end
     set tools [::vesk::settings::get saved_tools]

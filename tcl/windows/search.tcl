@@ -9,7 +9,7 @@ namespace eval ::vesk::search {
 }
 
 # collect --
-#   What can be found, from the menu table and from "list".
+#   Collects the entries from the menu table and from "list".
 proc ::vesk::search::collect {} {
     variable entries {}
     set named {}
@@ -118,7 +118,7 @@ proc ::vesk::search::close {} {
         grab release .search
         destroy .search
     }
-    # A window that no window manager knows gives the keyboard back to nobody.
+    # Without a window manager's help the keyboard would belong to no window.
     focus -force .
     ::vesk::view::focus_last
 }
@@ -129,7 +129,7 @@ proc ::vesk::search::find_later {args} {
 }
 
 # find --
-#   Lists what holds every typed word; labels that begin with the text come first.
+#   Lists the entries that hold every typed word; labels that begin with the text come first.
 proc ::vesk::search::find {} {
     variable text
     variable entries

@@ -1,5 +1,5 @@
 # tips.tcl --
-#   A line of advice at the start and in Help, each time another.
+#   Tips: a line of advice at the start and in Help, each time another.
 
 namespace eval ::vesk::tips {
     variable list {
@@ -39,7 +39,7 @@ namespace eval ::vesk::tips {
 }
 
 # next --
-#   The text of the next tip; `current_tip` remembers where it stopped.
+#   The text of the next tip; the preference `current_tip` counts them.
 proc ::vesk::tips::next {} {
     variable list
     set place [expr {$::prefs_current_tip % [llength $list]}]
@@ -69,8 +69,8 @@ proc ::vesk::tips::open {} {
 }
 
 # at_start --
-#   The tip of the start. In a small window it would cover the views: a line below the
-#   option bar tells it then.
+#   Shows the tip of the start: in a window, or in a small main window, whose views that would
+#   cover, in a line below the option bar.
 proc ::vesk::tips::at_start {} {
     if {[winfo width .] < [::vesk::theme::px 1100]} {
         strip

@@ -1,16 +1,16 @@
 # uvedit.tcl --
-#   The window of texture coordinates: a bar with modes, tools, numbers and the picture; the drawing; a
-#   panel (uvedit_panel.tcl); a status line.
+#   The window of texture coordinates: a bar with modes, tools, numbers and the picture; the
+#   drawing; a panel (uvedit_panel.tcl); a status line.
 
 namespace eval ::vesk::uvedit {
     variable mode surface       ;# corner, surface or island
     variable tool move          ;# move, rotate or scale
     variable number             ;# fields of the tool: u, v
-    variable picture ""         ;# what the choice of pictures shows
+    variable picture ""         ;# text of the box that chooses the picture
     variable option             ;# checker, stretch, overlaps, repeat, snap
     variable info {}            ;# uv_info at the last refresh
-    variable edits {}           ;# buttons that need something shown
-    variable dragged ""         ;# what the status line tells of a running drag
+    variable edits {}           ;# buttons that need surfaces in the drawing
+    variable dragged ""         ;# text of the status line during a drag
     array set number {u 0.000 v 0.000}
     array set option {checker 0 stretch 0 overlaps 0 repeat 0 snap 0}
 
@@ -159,7 +159,7 @@ proc ::vesk::uvedit::build_status {path} {
 }
 
 # bind_window --
-#   Keys that work wherever the focus is, as in the main window.
+#   Keys of the whole window, as in the main window.
 proc ::vesk::uvedit::bind_window {w} {
     foreach {event words} {<Control-Key-z> undo <Control-Key-Z> redo <Control-Key-y> redo} {
         bind $w $event [list ::vesk::uvedit::undo_key %W $words]
@@ -168,10 +168,10 @@ proc ::vesk::uvedit::bind_window {w} {
     wm protocol $w WM_DELETE_WINDOW [list destroy $w]
 }
 
-# ---- what buttons and keys do ----
+# ---- actions of buttons and keys ----
 
 # run --
-#   An executable command; what it changed is shown by the refresh that it asks for.
+#   Runs an executable command; the refresh that follows shows its result.
 proc ::vesk::uvedit::run {args} {::vesk::ops::run {*}$args}
 
 proc ::vesk::uvedit::choose_tool {name} {
@@ -212,7 +212,8 @@ proc ::vesk::uvedit::apply {} {
 }
 
 # key --
-#   A key in the drawing: first for a running drag, then the window's own. Returns 1 when used.
+#   Handles a key in the drawing, first for a running drag, then as a key of the window. Returns 1
+#   when the key has an effect.
 proc ::vesk::uvedit::key {keysym state} {
     if {[vesk uv_key $keysym] eq "1"} {return 1}
     if {$state & 12} {return [expr {$state & 4 && [control_key $keysym]}]}
@@ -247,7 +248,7 @@ proc ::vesk::uvedit::control_key {keysym} {
 }
 
 # undo_key --
-#   Undo is the model's, unless a text is being edited.
+#   Undo and redo belong to the model, unless a text is being edited.
 proc ::vesk::uvedit::undo_key {w command} {
     if {[winfo class $w] in {Entry TEntry} && [::vesk::fields::being_typed $w]} {return}
     run $command
@@ -268,7 +269,7 @@ proc ::vesk::uvedit::choose_picture {} {
 # ---- showing ----
 
 # refresh --
-#   Brings everything up to date with the executable.
+#   Shows the present state of the executable.
 proc ::vesk::uvedit::refresh {} {
     variable info
     variable mode
@@ -302,7 +303,7 @@ proc ::vesk::uvedit::show_picture {} {
 }
 
 # count_text --
-#   "1 of 9 islands, 20 of 183 surfaces".
+#   The counts in words: "1 of 9 islands, 20 of 183 surfaces".
 proc ::vesk::uvedit::count_text {} {
     variable info
     dict with info {
@@ -342,7 +343,8 @@ proc ::vesk::uvedit::tell {text} {
 }
 
 # pointer --
-#   Where the pointer is; empty texts when it left. Pixels count from the upper left corner.
+#   Shows the place of the pointer; empty texts after it left. Pixels count from the upper left
+#   corner.
 proc ::vesk::uvedit::pointer {u v x y} {
     variable info
     if {![winfo exists .uv.status.place]} {return}
@@ -360,7 +362,7 @@ proc ::vesk::uvedit::pointer {u v x y} {
 }
 
 # drag --
-#   How far a running drag has come; "" at its end.
+#   Shows the distance of a running drag; "" at its end.
 proc ::vesk::uvedit::drag {text} {
     variable dragged $text
     show_hint
@@ -373,7 +375,7 @@ proc ::vesk::uvedit::entered {} {
 }
 
 # colour_frame --
-#   The drawing's frame is lit while it has the focus; the chip lies on its background.
+#   Lights the frame of the drawing while it has the focus.
 proc ::vesk::uvedit::colour_frame {} {
     if {[winfo exists .uv.view.togl]} {::vesk::view::colour_frame .uv.view}
 }

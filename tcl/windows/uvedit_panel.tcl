@@ -1,11 +1,12 @@
 # uvedit_panel.tcl --
-#   The panel of the window of texture coordinates: everything that arranges coordinates, and what the
-#   drawing shows.
+#   The panel of the window of texture coordinates: buttons that arrange coordinates, and options of
+#   the drawing.
 
 namespace eval ::vesk::uvedit {
     variable extent "Proportions"
     variable margin 2           ;# pixels, between packed islands
-    # Sections of the panel: title, then buttons {icon label words help}; "call" runs a procedure.
+    # Sections of the panel: title, then buttons {icon label words help}; the words begin with a
+    # procedure of this window.
     variable sections {
         Project {
             {u-planar "Planar X" {project planar_x} "As the side view shows it."}
@@ -68,7 +69,7 @@ proc ::vesk::uvedit::add_title {label text row above} {
 }
 
 # add_buttons --
-#   Two in a row. Returns the last row.
+#   Adds buttons, two in a row. Returns the last row.
 proc ::vesk::uvedit::add_buttons {path row buttons} {
     variable edits
     set column 1
@@ -116,7 +117,7 @@ proc ::vesk::uvedit::build_align {menu} {
 }
 
 # build_show --
-#   The check boxes of what is drawn, and what the stretch comes to.
+#   The options of the drawing, and the numbers of the stretch.
 proc ::vesk::uvedit::build_show {path row} {
     variable measures
     add_title $path.show Show $row 12
@@ -151,7 +152,7 @@ proc ::vesk::uvedit::build_show {path row} {
     grid $path.measure - -row [incr row] -sticky we -pady [::vesk::theme::pad 6 0]
 }
 
-# ---- what its buttons do ----
+# ---- actions ----
 
 # call_of --
 #   The script of a button: a procedure of this window with its words.
@@ -195,7 +196,7 @@ proc ::vesk::uvedit::set_option {name} {
 }
 
 # popup --
-#   A right click in the drawing.
+#   The menu of the right button in the drawing.
 proc ::vesk::uvedit::popup {x y} {
     variable sections
     if {![winfo exists .uv]} {return}
@@ -218,7 +219,7 @@ proc ::vesk::uvedit::popup {x y} {
 }
 
 # show_measure --
-#   Numbers of the stretch and overlaps, while they are shown.
+#   Shows the numbers of the stretch and the overlaps while these are drawn.
 proc ::vesk::uvedit::show_measure {} {
     variable option
     set lines {}
