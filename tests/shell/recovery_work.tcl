@@ -4,10 +4,10 @@
 
 proc step {number} {
     vesk create box 0 $number 0 0 [expr {$number + 1}] 1 1
-    vesk objects_set [top_objects] name "step $number"
+    vesk objects_set [vesk object_get_children [vesk get_world]] name "step $number"
     vesk select_all
     vesk move_with_undo 0 0.25 0
-    set stream [open [work steps] a]
+    set stream [open [file join $::env(VESK_TEST_WORK) steps] a]
     set written [vesk autosave ""]
     puts $stream "$number [expr {$written eq "1" ? "written" : "busy"}]"
     close $stream
