@@ -10,7 +10,7 @@ source [file join [file dirname [info script]] frontview.tcl]
 proc popped {script} {
     destroy .popup
     uplevel 1 $script
-    if {![wait_until {[winfo ismapped .popup]}]} {return ""}
+    wait_until {[winfo ismapped .popup]}
     set labels [menu_labels .popup]
     key Escape
     return $labels

@@ -41,10 +41,10 @@ proc ::test::hangs {} {
 # check --
 #   Counts a failure and says what was expected when a condition (an expression) does not come true.
 proc ::test::check {what condition} {
-    variable failures
-    if {[uplevel 1 [list ::test::wait_until $condition]]} {
+    if {[uplevel 1 [list ::test::comes_true $condition]]} {
         puts "ok   $what"
     } else {
+        variable failures
         incr failures
         catch {uplevel 1 [list expr $condition]} result
         puts "FAIL $what: $condition ($result)"
@@ -54,9 +54,19 @@ proc ::test::check {what condition} {
 # ---- waiting ----
 
 # wait_until --
-#   Lets events in until a condition holds. Returns 0 when it does not within the limit; an error,
-#   as of a window that is not there yet, counts as no.
+#   Lets events in until a condition holds, which a test takes for granted.
 proc ::test::wait_until {condition} {
+    if {![uplevel 1 [list ::test::comes_true $condition]]} {
+        variable failures
+        incr failures
+        puts "FAIL waited in vain for $condition"
+    }
+}
+
+# comes_true --
+#   Lets events in until a condition holds; returns 0 when it does not within the limit. An error, as
+#   of a window that is not there yet, counts as no.
+proc ::test::comes_true {condition} {
     variable limit
     set end [expr {[clock milliseconds] + $limit}]
     while {[catch {uplevel 1 [list expr $condition]} holds] || !$holds} {
