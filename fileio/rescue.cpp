@@ -62,7 +62,7 @@ std::string copy_name(const fs::path &base, const char *kind)
 void note_original()
 {
     const rescue_session &session = session_files();
-    const std::string &name = current_file().name;
+    const std::string &name = edited_file();
     std::error_code error;
     const std::string full = name.empty() ? name : fs::absolute(name, error).string();
     if (ftruncate(session.lock, 0) == 0 && pwrite(session.lock, full.data(), full.size(), 0) < 0)

@@ -1,6 +1,5 @@
 #include "fileio/text_objects.h"
 
-#include "base/current_file.h"
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/messages_internal.h"
@@ -109,9 +108,7 @@ int load_font_object(const char *filename)
     if (font().object)
         object_free(font().object);
     font() = {};
-    const current_file_t kept = current_file(); // a font is not what is being edited
-    font().object = vesk_import_vesk(found_file(path.c_str()).c_str());
-    current_file() = kept;
+    font().object = vesk_read_model(found_file(path.c_str()));
     if (!font().object)
         return 0;
     font().path = path;

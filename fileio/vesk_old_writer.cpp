@@ -1,7 +1,6 @@
 // The writer of the older line vocabulary; its grammar stands in vesk_old.cpp.
 
 #include "base/atomic_file.h"
-#include "base/current_file.h"
 #include "base/file_report.h"
 #include "base/messages_internal.h"
 #include "base/progress.h"
@@ -64,6 +63,7 @@ void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
 }
 
 struct work_t {
+    const char *filename;
     progress_t progress;
     double done = 0;
 };
@@ -81,7 +81,7 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
     const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture)
                                                    : object_missing_texture(object);
     if (texture != nullptr && object->has_texture != 0)
-        texture = search_texture_save(current_file().name.c_str(), texture);
+        texture = search_texture_save(work.filename, texture);
     append_text(out, "texture ", texture);
     const float repeat[] = {object->texture_repeat_x, object->texture_repeat_y};
     if (repeat[0] != 1 || repeat[1] != 1)
@@ -133,14 +133,13 @@ int poorer_materials()
 
 int write_vesk_old(const char *filename)
 {
-    current_file_set(filename);
-    const std::string name = current_file().name;
+    const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
     std::string text = "VESKa\n";
     double surfaces = 0;
     for_each_object(vesk_get_world(),
                     [&](const object_t *object) { surfaces += object->num_surfaces; });
-    work_t work = {progress_t(surfaces)};
+    work_t work = {name.c_str(), progress_t(surfaces)};
     for_each_written(vesk_get_world(), [&](object_t *object, const local_frame_t &frame) {
         append_object(text, object, frame, work);
     });

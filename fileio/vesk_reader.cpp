@@ -52,8 +52,14 @@ void place_object(object_t *object, point3_t location)
 
 object_t *readfile_vesk2(const char *filename)
 {
-    const std::string name = filename; // may be a text that the current file slots hold
+    const std::string name = filename; // may be a text that the current file holds
     current_file_set(name.c_str());
+    return vesk_read_model(name);
+}
+
+object_t *vesk_read_model(const std::string &filename)
+{
+    const std::string name = filename; // the messages let scripts run
     complaints_clear();
     file_text text;
     if (!file_text_read(name.c_str(), &text)) {

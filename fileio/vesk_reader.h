@@ -26,7 +26,11 @@ VESK_END_DECLS
 int vesk_reader_complaints();
 const char *vesk_reader_first_complaint();
 
+#include <string>
 #include <string_view>
+// The same as readfile_vesk2 for a file that is only a part of something: the current file stays.
+object_t *vesk_read_model(const std::string &filename);
+
 // The model that a text holds, as readfile_vesk2 reads a file's; the current file stays and nothing
 // is told. Null when it is none, of another revision, or empty.
 object_t *vesk_object_of_text(std::string_view text);

@@ -118,6 +118,7 @@ void format_block(block_t &block)
 // ---- the file as blocks ----
 
 struct plan_t {
+    std::string texture_base; // the file that texture names are relative to
     std::vector<std::unique_ptr<geometry_t>> geometries;
     std::vector<std::unique_ptr<block_t>> blocks;
     int elements = 0;
@@ -158,13 +159,13 @@ void tell_bad_references(const geometry_t &g)
 }
 
 // The name that stands in the file; null for none.
-const char *texture_of(const object_t *object)
+const char *texture_of(const object_t *object, const std::string &base)
 {
     const char *name = nullptr;
     if (object->has_texture != 0) {
         const char *file = texture_id_to_name(object->texture);
         if (file != nullptr)
-            name = search_texture_save(current_file().name.c_str(), file);
+            name = search_texture_save(base.c_str(), file);
     } else {
         name = object_missing_texture(object); // not found at load: nothing is lost
     }
@@ -173,10 +174,12 @@ const char *texture_of(const object_t *object)
     return name;
 }
 
-void append_header(std::string &out, const object_t *object, const local_frame_t &local)
+void append_header(std::string &out, const object_t *object, const local_frame_t &local,
+                   const std::string &texture_base)
 {
-    append_object_header(out, *object,
-                         {object->name, object->url, object->data, texture_of(object)}, local);
+    append_object_header(
+        out, *object, {object->name, object->url, object->data, texture_of(object, texture_base)},
+        local);
     debugf("TEXTURE OFFSET save %f %f\n", static_cast<double>(object->texture_offset_x),
            static_cast<double>(object->texture_offset_y));
 }
@@ -184,7 +187,7 @@ void append_header(std::string &out, const object_t *object, const local_frame_t
 // Adds an object without its children.
 void plan_object(plan_t &plan, object_t *object, const local_frame_t &frame)
 {
-    append_header(plan.text(), object, frame);
+    append_header(plan.text(), object, frame, plan.texture_base);
 
     const flat_ptr mesh = object_flat(object);
     plan.geometries.push_back(std::make_unique<geometry_t>(geometry_t{object, mesh, frame}));
@@ -322,9 +325,10 @@ void tell_failure(const atomic_writer_t &file, const char *name, size_t header, 
 
 // Hands the text of the objects on, piece by piece, for as long as `write` returns true.
 template <class Write>
-void write_objects(object_t *top, const Write &write)
+void write_objects(object_t *top, const std::string &texture_base, const Write &write)
 {
     plan_t plan;
+    plan.texture_base = texture_base;
     for_each_written(top, [&](object_t *object, const local_frame_t &frame) {
         plan_object(plan, object, frame);
     });
@@ -339,12 +343,18 @@ void write_objects(object_t *top, const Write &write)
 
 int write_vesk(const char *filename)
 {
-    current_file_set(filename);
-    write_vesk_object(current_file().name.c_str(), vesk_get_world());
+    const std::string name = filename; // may be a text that the current file holds
+    current_file_set(name.c_str());
+    vesk_write_model(name, vesk_get_world(), name);
     return 1;
 }
 
 int write_vesk_object(const char *filename, object_t *object)
+{
+    return vesk_write_model(filename, object, current_file().name);
+}
+
+int vesk_write_model(const std::string &filename, object_t *object, const std::string &texture_base)
 {
     const std::string name = filename; // messages let scripts run
     atomic_writer_t file(name.c_str());
@@ -357,7 +367,8 @@ int write_vesk_object(const char *filename, object_t *object)
     collect_materials(object);
     const std::string palette = palette_text();
     if (file.write(header) && file.write(palette))
-        write_objects(object, [&](const std::string &text) { return file.write(text); });
+        write_objects(object, texture_base,
+                      [&](const std::string &text) { return file.write(text); });
     if (!file.commit()) {
         tell_failure(file, name.c_str(), header.size(), palette.size());
         return 0;
@@ -375,7 +386,7 @@ std::string vesk_object_text(object_t *object)
     append_file_header(text);
     collect_materials(object);
     text += palette_text();
-    write_objects(object, [&](const std::string &piece) {
+    write_objects(object, "", [&](const std::string &piece) {
         text += piece;
         return true;
     });

@@ -1,7 +1,6 @@
 #include "plugin/exporters.h"
 
 #include "base/crash_guard.h"
-#include "base/current_file.h"
 #include "base/file_report.h"
 #include "base/filename.h"
 #include "base/messages.h"
@@ -35,11 +34,7 @@ std::string known_formats()
 // A copy: the current file stays what it was.
 int write_copy(const char *filename)
 {
-    const current_file_t kept = current_file();
-    current_file_set(filename); // texture names are made relative to it
-    const int written = write_vesk_object(filename, vesk_get_world());
-    current_file() = kept;
-    return written;
+    return vesk_write_model(filename, vesk_get_world(), filename);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "plugin/importers.h"
 
 #include "base/crash_guard.h"
+#include "base/current_file.h"
 #include "base/file_report.h"
 #include "base/filename.h"
 #include "base/messages.h"
@@ -185,10 +186,12 @@ object_t *vesk_import_file(const char *filename)
     return object;
 }
 
-int world_adopt_import(object_t *object)
+int world_adopt_import(object_t *object, const std::string &filename, bool model_file)
 {
     if (object == nullptr)
         return 0;
+    if (model_file && vesk_get_world()->children == nullptr)
+        edited_file_set(filename);
     clear_selection();
     if (object->type == OBJECT_WORLD) {
         adopt_children(object);
@@ -209,7 +212,10 @@ int world_adopt_import(object_t *object)
 
 int vesk_world_import_file(const char *filename)
 {
-    const int came = world_adopt_import(vesk_import_file(filename));
+    const std::string name = filename; // the messages let scripts run
+    const char *suffix = string_get_suffix(name.c_str());
+    const bool model_file = suffix != nullptr && strcasecmp(suffix, ".vesk") == 0;
+    const int came = world_adopt_import(vesk_import_file(name.c_str()), name, model_file);
     if (came != 0 && !last_file_report().warnings.empty())
         tcl_command("show_import_report");
     return came;
@@ -217,7 +223,8 @@ int vesk_world_import_file(const char *filename)
 
 void command_load_vesk(const char *filename)
 {
-    static_cast<void>(world_adopt_import(vesk_import_vesk(filename)));
+    const std::string name = filename;
+    static_cast<void>(world_adopt_import(vesk_import_vesk(name.c_str()), name, true));
 }
 
 const char *vesk_file_select_import_name(const char *title)

@@ -65,8 +65,10 @@ VESK_API void command_export_3ds(void);
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
-// Links a tree that an importer returned; 0 for null.
-int world_adopt_import(object_t *object);
+#include <string>
+// Links a tree that was read from a file; 0 for null. A model file read into an empty world is the
+// one that is edited from now on.
+int world_adopt_import(object_t *object, const std::string &filename, bool model_file);
 void importers_reset_for_test();
 #endif
 
