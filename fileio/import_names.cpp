@@ -1,8 +1,8 @@
 #include "fileio/import_names.h"
 
 #include "base/file_report.h"
-#include "fileio/tree_reader.h"
 #include "fileio/vesk_format.h"
+#include "fileio/vesk_lines.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
 

@@ -26,13 +26,13 @@ target_sources(vesk_core PRIVATE
     fileio/state_writer.cpp
     fileio/text_objects.cpp
     fileio/tree_reader.cpp
-    fileio/tree_reader_geometry.cpp
-    fileio/tree_reader_keywords.cpp
     fileio/vesk_frames.cpp
+    fileio/vesk_geometry.cpp
+    fileio/vesk_lines.cpp
+    fileio/vesk_messages.cpp
     fileio/vesk_old.cpp
-    fileio/vesk_old_writer.cpp
+    fileio/vesk_place.cpp
     fileio/vesk_reader.cpp
-    fileio/vesk_reader_messages.cpp
     fileio/vesk_scan.cpp
     fileio/vesk_writer.cpp
     fileio/vrml1_scan.cpp

@@ -6,14 +6,13 @@
 // rescue copy, which works when nothing may be allocated any more.
 
 #include "base/numbers.h"
-#include "fileio/vesk_writer_internal.h"
+#include "fileio/vesk_frames.h"
+#include "fileio/vesk_place.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"
 #include "model/object_internal.h"
 
 #include <cstring>
-
-constexpr int vesk_file_revision = 11;
 
 template <class Out>
 void append_g(Out &out, float value)
@@ -64,7 +63,7 @@ template <class Out>
 void append_file_header(Out &out)
 {
     out += "VESK";
-    out += "0123456789abcdef"[vesk_file_revision];
+    out += "0123456789abcdef"[vesk_revision];
     out += '\n';
 }
 

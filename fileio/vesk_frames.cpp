@@ -1,6 +1,5 @@
-// The frames that objects are written in.
+#include "fileio/vesk_frames.h"
 
-#include "fileio/vesk_writer_internal.h"
 #include "model/each.h"
 #include "model/matrix.h"
 

@@ -15,17 +15,9 @@ VESK_API object_t *readfile_vesk2(const char *filename);
 /* The importer entry of the native format. */
 VESK_API object_t *vesk_import_vesk(const char *filename);
 
-/* The reader of revisions below 11 (docs/file-format.md). */
-VESK_API object_t *readfile_vesk_old2(const char *filename);
-
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
-// Complaints about faulty lines of the last load, for the import report: their number and the first
-// of them ("" for none).
-int vesk_reader_complaints();
-const char *vesk_reader_first_complaint();
-
 #include <string>
 #include <string_view>
 // The same as readfile_vesk2 for a file that is only a part of something: the current file stays.

@@ -1,6 +1,8 @@
 // The native writer. The model's world coordinates become coordinates relative to the parent; the
 // text of big objects is formatted in blocks by two threads and written in order.
 
+#include "fileio/vesk_writer.h"
+
 #include "base/atomic_file.h"
 #include "base/current_file.h"
 #include "base/messages_internal.h"

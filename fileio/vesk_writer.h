@@ -15,9 +15,6 @@ VESK_API int write_vesk(const char *filename);
    or 0 after a message box; the old file is then untouched. */
 VESK_API int write_vesk_object(const char *filename, object_t *object);
 
-/* Saves the whole scene in the older line vocabulary (docs/file-format.md). Returns 1 or 0. */
-VESK_API int write_vesk_old(const char *filename);
-
 /* Writes a text in double quotes, with a backslash before each double quote and backslash.
    Returns 1. */
 VESK_API int output_string(FILE *stream, const char *text);

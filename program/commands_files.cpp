@@ -4,7 +4,7 @@
 #include "base/command_row.h"
 #include "base/file_report.h"
 #include "fileio/embedded_images.h"
-#include "fileio/vesk_writer.h"
+#include "fileio/vesk_old.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
 #include "plugin/exporters.h"

@@ -1,7 +1,9 @@
-#ifndef VESK_FILEIO_VESK_WRITER_INTERNAL_H
-#define VESK_FILEIO_VESK_WRITER_INTERNAL_H
+#ifndef VESK_FILEIO_VESK_FRAMES_H
+#define VESK_FILEIO_VESK_FRAMES_H
 
-#include "fileio/vesk_writer.h"
+// The frames that objects are written in.
+
+#include "model/object.h"
 
 #include <functional>
 
