@@ -6,6 +6,7 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/progress.h"
+#include "fileio/export_scene.h"
 #include "fileio/write_report.h"
 #include "model/each.h"
 #include "model/ear_cut.h"
@@ -164,15 +165,14 @@ private:
     void count_losses(const object_t &object, const flat_mesh &flat)
     {
         points_ += flat_loose_points(flat);
-        texts_ += (object.url != nullptr && *object.url != '\0' ? 1 : 0) +
-                  (object.data != nullptr && *object.data != '\0' ? 1 : 0);
+        texts_ += (is_set(object.url) ? 1 : 0) + (is_set(object.data) ? 1 : 0);
     }
 
     void add_surface(const flat_mesh &flat, int surface, object_t *object, mesh_t &mesh)
     {
         const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
         const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-        if (record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE) {
+        if (is_line(record.type)) {
             ++lines_;
             return;
         }
@@ -259,7 +259,7 @@ private:
     // Names are short; one that is taken gets a number.
     std::string unique(names_t *names, const char *wanted, const char *fallback, size_t most)
     {
-        const std::string whole = wanted == nullptr || *wanted == '\0' ? fallback : wanted;
+        const std::string whole = is_set(wanted) ? wanted : fallback;
         shortened_ += whole.size() > most ? 1 : 0;
         const std::string start = first_letters(whole, most);
         int &number = names->numbers[start];
@@ -284,8 +284,7 @@ private:
     // A palette entry together with the object's picture, described when it is first used.
     std::string material_name(const flat_surface &surface, const object_t *object)
     {
-        const int count = vesk_get_num_palette();
-        const int index = surface.material >= 0 && surface.material < count ? surface.material : 0;
+        const int index = written_index(surface.material);
         const auto key =
             std::tuple(index, picture_, object->texture_repeat_x, object->texture_repeat_y,
                        object->texture_offset_x, object->texture_offset_y, surface.twosided);
@@ -332,10 +331,7 @@ int write_3ds(const char *filename)
 {
     const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
-    double surfaces = 0;
-    for_each_object(vesk_get_world(),
-                    [&](const object_t *object) { surfaces += object->num_surfaces; });
-    writer scene(name, surfaces);
+    writer scene(name, surfaces_of_world());
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
     if (scene.cancelled()) {
         display_message("write 3DS - cancelled");

@@ -1,7 +1,4 @@
-// VRML 1.0 and the ASCII form of Open Inventor 2.1, of which the former is a subset: the nodes
-// written here are the same in both, only the first line differs.
-
-#include "fileio/export_scene.h"
+#include "fileio/export_inventor.h"
 
 #include <algorithm>
 

@@ -1,6 +1,5 @@
-// Triangle lists, and the plain scene text that docs/manual.md describes.
+#include "fileio/export_plain.h"
 
-#include "fileio/export_scene.h"
 #include "model/palette.h"
 
 #include <algorithm>

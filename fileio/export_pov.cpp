@@ -1,9 +1,6 @@
-// Scenes of the POV renderer, version 3.5: a camera, lights, and a union for each object with its
-// meshes and children. The world's right-handed axes are kept: the camera's right vector points
-// backwards (pov_right_aspect is negative).
+#include "fileio/export_pov.h"
 
 #include "base/prefs.h"
-#include "fileio/export_scene.h"
 #include "model/bounds.h"
 #include "model/lights.h"
 #include "model/world.h"

@@ -1,8 +1,6 @@
-// RenderMan interface bytestream: with a camera and a world round it (output_rib_header), or only
-// the objects, for inclusion in another file.
+#include "fileio/export_rib.h"
 
 #include "base/prefs.h"
-#include "fileio/export_scene.h"
 #include "model/lights.h"
 
 #include <algorithm>

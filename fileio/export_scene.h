@@ -5,8 +5,8 @@
 // then the tree, each object cut into parts of one material, shading and kind. A format is a record
 // of small functions that append text.
 
-#include "base/numbers.h"
 #include "base/progress.h"
+#include "fileio/append_text.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"
 
@@ -42,16 +42,8 @@ private:
     void put(const char *words) { text += words; }
     void put(const std::string &words) { text += words; }
     void put(char sign) { text += sign; }
-    void put(int value)
-    {
-        char buffer[12];
-        text.append(buffer, write_int(buffer, value));
-    }
-    void put(float value)
-    {
-        char buffer[16];
-        text.append(buffer, write_g(buffer, std::isfinite(value) ? value : 0.0f));
-    }
+    void put(int value) { append_int(text, value); }
+    void put(float value) { append_g(text, std::isfinite(value) ? value : 0.0f); }
     void put(double value) { put(static_cast<float>(value)); }
     void put(const point3_t &p) { add(p.x, ' ', p.y, ' ', p.z); }
     void put(const flat_uv &at) { add(at.u, ' ', at.v); }
@@ -114,18 +106,17 @@ struct export_format {
     void (*end)(export_text &out) = nullptr;
 };
 
-extern const export_format vrml1_format;
-extern const export_format inventor_format;
-extern const export_format pov_format;
-extern const export_format rib_format;
-extern const export_format triangle_format;
-extern const export_format dive_format;
-extern const export_format dvs_format;
-extern const export_format massive_format;
-
 // ---- what several formats need ----
 
 inline bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
+inline bool is_line(int type) { return type == SURFACE_LINE || type == SURFACE_CLOSED_LINE; }
+
+// The palette entry that a surface is written with: the first for one that is not there.
+int written_index(int index);
+const material &written_material(int index);
+
+// The number of surfaces, for the progress bar.
+double surfaces_of_world();
 
 // Control characters become blanks, so that a name in a comment stays on its line.
 std::string export_one_line(const char *text);

@@ -9,6 +9,7 @@ target_sources(vesk_core PRIVATE
     fileio/export_plain.cpp
     fileio/export_pov.cpp
     fileio/export_rib.cpp
+    fileio/export_scene.cpp
     fileio/export_vrml2.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp

@@ -30,6 +30,7 @@
 #include "base/numbers.h"
 #include "base/progress.h"
 #include "base/tokens.h"
+#include "fileio/export_scene.h"
 #include "fileio/vesk_format.h"
 #include "fileio/vesk_messages.h"
 #include "fileio/vesk_place.h"
@@ -307,7 +308,7 @@ void append_line(std::string &out, const char *word, const float *values, int n)
 
 void append_text(std::string &out, const char *word, const char *text)
 {
-    if (text == nullptr || text[0] == '\0')
+    if (!is_set(text))
         return;
     out += word;
     append_quoted(out, text);
@@ -366,7 +367,7 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
     if (repeat[0] != 1 || repeat[1] != 1)
         append_line(out, "texturerep ", repeat, 2);
     append_text(out, "url ", object->url);
-    if (object->data != nullptr && object->data[0] != '\0') {
+    if (is_set(object->data)) {
         const std::string_view data = object->data;
         out += "dataitems 1\n";
         append_count(out, "string ", data.size());
@@ -448,10 +449,7 @@ int write_vesk_old(const char *filename)
     const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
     std::string text = "VESKa\n";
-    double surfaces = 0;
-    for_each_object(vesk_get_world(),
-                    [&](const object_t *object) { surfaces += object->num_surfaces; });
-    work_t work = {name.c_str(), progress_t(surfaces)};
+    work_t work = {name.c_str(), progress_t(surfaces_of_world())};
     for_each_written(vesk_get_world(), [&](object_t *object, const local_frame_t &frame) {
         append_object(text, object, frame, work);
     });
