@@ -46,3 +46,16 @@ const char *vesk_utf8(const char *text)
     out = letters; // the argument may be this very buffer
     return out.c_str();
 }
+
+const char *vesk_json_text(const char *text)
+{
+    static std::string out;
+    std::string quoted = "\"";
+    for (const char *p = vesk_utf8(text); *p != '\0'; ++p) {
+        if (*p == '"' || *p == '\\')
+            quoted += '\\';
+        quoted += *p;
+    }
+    out = quoted + '"'; // the argument may be this very buffer
+    return out.c_str();
+}

@@ -10,6 +10,9 @@ VESK_BEGIN_DECLS
    call overwrites. */
 VESK_API const char *vesk_utf8(const char *text);
 
+/* The same in double quotes, as a text of JSON. In one buffer that each call overwrites. */
+VESK_API const char *vesk_json_text(const char *text);
+
 VESK_END_DECLS
 
 #endif

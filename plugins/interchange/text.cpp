@@ -28,17 +28,6 @@ std::string xml_text(const std::string &text)
     return out;
 }
 
-std::string json_text(const std::string &text)
-{
-    std::string out = "\"";
-    for (const char *p = vesk_utf8(text.c_str()); *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
-            out += '\\';
-        out += *p;
-    }
-    return out + '"';
-}
-
 std::string url_text(const std::string &text)
 {
     static const char digits[] = "0123456789ABCDEF";

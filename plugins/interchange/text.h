@@ -54,8 +54,6 @@ void add_bytes(std::string &out, N value)
 
 // "<", "&" and the like as XML wants them.
 std::string xml_text(const std::string &text);
-// In double quotes, as JSON wants it.
-std::string json_text(const std::string &text);
 // A file name as an address: blanks and the like as %20.
 std::string url_text(const std::string &text);
 
