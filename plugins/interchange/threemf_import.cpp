@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -462,13 +463,10 @@ private:
 };
 
 // The name of the model's part: the one that the archive's list of relations names.
-std::string model_part(const std::string &bytes,
-                       const std::map<std::string, archive_entry> &entries)
+std::string model_part(const archive_reader &archive)
 {
-    const auto relations = entries.find("_rels/.rels");
     std::string text;
-    if (relations != entries.end() &&
-        archive_extract(bytes, relations->second, most_bytes, &text)) {
+    if (archive.extract("_rels/.rels", most_bytes, &text)) {
         tag_reader tags(text);
         while (tags.next()) {
             std::string target = tags.text("Target");
@@ -483,8 +481,8 @@ std::string model_part(const std::string &bytes,
 }
 
 // Writes the pictures of the archive to files; their names by the pictures' numbers.
-std::map<int, std::string> extract_pictures(const std::string &filename, const std::string &bytes,
-                                            const std::map<std::string, archive_entry> &entries,
+std::map<int, std::string> extract_pictures(const std::string &filename,
+                                            const archive_reader &archive,
                                             const std::map<int, std::string> &pictures)
 {
     std::map<int, std::string> files;
@@ -493,11 +491,9 @@ std::map<int, std::string> extract_pictures(const std::string &filename, const s
     const std::string folder =
         vesk_embedded_images_folder(filename.c_str(), static_cast<int>(pictures.size()));
     for (const auto &[number, path] : pictures) {
-        const auto entry =
-            entries.find(path.substr(std::min(path.find_first_not_of('/'), path.size())));
+        const std::string part = path.substr(std::min(path.find_first_not_of('/'), path.size()));
         std::string content;
-        if (entry == entries.end() ||
-            !archive_extract(bytes, entry->second, most_picture_bytes, &content)) {
+        if (!archive.extract(part, most_picture_bytes, &content)) {
             vesk_report_warning(0, "the picture %s is not in the file", path.c_str());
             continue;
         }
@@ -533,18 +529,18 @@ object_t *threemf_import(const char *filename)
     job work;
     if (!read_file(name, &bytes, &work))
         return refuse(work, name, std::strerror(errno));
-    const std::map<std::string, archive_entry> entries = archive_entries(bytes);
-    const auto part = entries.find(model_part(bytes, entries));
+    const archive_reader archive(bytes);
+    const std::string part = model_part(archive);
     std::string text;
-    if (part == entries.end())
+    if (!archive.has(part))
         return refuse(work, name, "there is no model in it");
-    if (!archive_extract(bytes, part->second, most_bytes, &text))
+    if (!archive.extract(part, most_bytes, &text))
         return refuse(work, name, "its model is damaged");
     threemf_reader reader(work, text);
     reader.read();
     if (work.cancelled())
         return refuse(work, name, "");
-    object_t *world = reader.build(name, extract_pictures(name, bytes, entries, reader.pictures()));
+    object_t *world = reader.build(name, extract_pictures(name, archive, reader.pictures()));
     if (holds_surfaces(world))
         return world;
     object_free(world);
