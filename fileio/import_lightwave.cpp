@@ -4,6 +4,7 @@
 #include "base/filename.h"
 #include "base/numbers.h"
 #include "fileio/foreign_scene.h"
+#include "fileio/import_lwob.h"
 #include "fileio/import_mesh.h"
 #include "model/change_marks.h"
 #include "model/each.h"
@@ -254,6 +255,6 @@ object_t *vesk_import_lightwave(const char *filename)
     if (suffix != nullptr && strcasecmp(suffix, ".lws") == 0)
         return import_scene(name, bytes);
     if (bytes.size() > 12 && bytes.compare(8, 4, "LWOB") == 0)
-        return import_lwob(name.c_str(), bytes.data(), bytes.size());
+        return import_lwob(name.c_str(), bytes);
     return vesk_assimp_import(name.c_str(), "lwo");
 }

@@ -1,7 +1,7 @@
 #ifndef VESK_MODULES_ASSIMP_LOSSES_H
 #define VESK_MODULES_ASSIMP_LOSSES_H
 
-#include "modules/scene_helper.h"
+#include "modules/assimp_read.h"
 
 struct aiScene;
 

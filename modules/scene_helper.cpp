@@ -4,7 +4,7 @@
 // words stands there. It limits itself before it opens anything, and ends with the program that
 // started it.
 
-#include "modules/scene_helper.h"
+#include "modules/assimp_read.h"
 
 #include <csignal>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 /* Texture files that photographs and painting programs come in: PNG, JPEG and TGA. */
 
-#include "files.h"
+#include "images.h"
 
 #include <stdio.h>
 #include <stdlib.h>

@@ -1,6 +1,6 @@
 /* JPEG through libjpeg: grey, colour and, turned into colour, the four inks of printing. */
 
-#include "files.h"
+#include "images.h"
 
 #include <jpeglib.h>
 #include <setjmp.h>

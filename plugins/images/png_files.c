@@ -1,6 +1,6 @@
 /* PNG through libpng: every colour type, palettes and interlacing; 16 bits are narrowed to 8. */
 
-#include "files.h"
+#include "images.h"
 
 #include <png.h>
 #include <setjmp.h>

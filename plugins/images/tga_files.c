@@ -1,6 +1,6 @@
 /* TGA: colour maps, true colour and grey, plain or in runs, from any corner. */
 
-#include "files.h"
+#include "images.h"
 
 #include <stdlib.h>
 #include <string.h>

@@ -1,6 +1,6 @@
 #include "formats.h"
 #include "mesh.h"
-#include "obj.h"
+#include "obj_materials.h"
 #include "scan.h"
 #include "text.h"
 #include "work.h"

@@ -1,4 +1,5 @@
-#include "obj.h"
+#include "obj_materials.h"
+
 #include "text.h"
 #include "work.h"
 

@@ -18,14 +18,7 @@ constexpr std::size_t triangle_size = 50;
 struct place_hash {
     std::size_t operator()(const std::array<float, 3> &p) const
     {
-        std::size_t sum = 0;
-        for (const float value : p) {
-            std::uint32_t bits = 0;
-            std::memcpy(&bits, &value, sizeof bits);
-            sum = (sum ^ bits) * 0x9E3779B97F4A7C15u;
-            sum ^= sum >> 29;
-        }
-        return sum;
+        return std::hash<std::string_view>()({reinterpret_cast<const char *>(p.data()), sizeof p});
     }
 };
 

@@ -1,6 +1,6 @@
 /* What the readers of this plug-in have in common. */
-#ifndef IMAGES_FILES_H
-#define IMAGES_FILES_H
+#ifndef IMAGES_IMAGES_H
+#define IMAGES_IMAGES_H
 
 #include <plugin/vesk.h>
 #include <stddef.h>

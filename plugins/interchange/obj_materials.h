@@ -1,6 +1,6 @@
 // Materials of Wavefront OBJ files.
-#ifndef INTERCHANGE_OBJ_H
-#define INTERCHANGE_OBJ_H
+#ifndef INTERCHANGE_OBJ_MATERIALS_H
+#define INTERCHANGE_OBJ_MATERIALS_H
 
 #include <cstdlib>
 #include <map>

@@ -1,5 +1,5 @@
-#ifndef VESK_MODULES_SCENE_HELPER_H
-#define VESK_MODULES_SCENE_HELPER_H
+#ifndef VESK_MODULES_ASSIMP_READ_H
+#define VESK_MODULES_ASSIMP_READ_H
 
 #include "fileio/scene_stream.h"
 
