@@ -24,8 +24,8 @@ struct helper_result {
     std::string reason; // why it failed, in plain words
 };
 
-// Runs the helper with these words. Events are let in meanwhile and the
-// progress bar moves; the command "cancel" ends it at once. Returns when it is gone.
+// Runs the helper with these words. Events are let in meanwhile and the progress bar moves; the command
+// "cancel" ends it at once. Returns when it is gone.
 helper_result run_helper(const std::vector<std::string> &words, const helper_limits &limits);
 
 #endif

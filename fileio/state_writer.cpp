@@ -177,15 +177,15 @@ void append_state(Out &out, const model_state &state)
             {image.name.c_str(), text_of(image.url), text_of(image.data), texture_of(image)},
             frame);
         if (mesh.num_vertices() != 0) {
-            append_count(out, "numvert ", mesh.num_vertices());
+            append_count(out, "numvert", mesh.num_vertices());
             append_vertices(out, mesh, frame, 0, mesh.num_vertices());
         }
         if (mesh.num_surfaces() != 0) {
-            append_count(out, "numsurf ", mesh.num_surfaces());
+            append_count(out, "numsurf", mesh.num_surfaces());
             append_surfaces(out, mesh, 0, mesh.num_surfaces(), place_of,
                             [](int, int corners) { return corners; });
         }
-        append_count(out, "kids ", entry.num_children);
+        append_count(out, "kids", entry.num_children);
     }
 }
 

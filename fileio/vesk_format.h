@@ -22,12 +22,51 @@ void append_file_header(Out &out)
     out += '\n';
 }
 
+// How a text stands on its line: as it is, between quotes, or there with its quotes and backslashes
+// escaped.
+enum class quoting { BARE, QUOTED, ESCAPED };
+
+template <class Out>
+void append_line(Out &out, const char *keyword, quoting how, const char *text)
+{
+    out += keyword;
+    out += ' ';
+    if (how == quoting::ESCAPED) {
+        append_quoted(out, text);
+    } else {
+        const char *mark = how == quoting::QUOTED ? "\"" : "";
+        out += mark;
+        out += text;
+        out += mark;
+    }
+    out += '\n';
+}
+
+template <class Out>
+void append_line(Out &out, const char *keyword, const float *values, int n)
+{
+    out += keyword;
+    out += ' ';
+    append_floats(out, values, n);
+    out += '\n';
+}
+
+// "numvert 8", "numsurf 6", "kids 0".
+template <class Out>
+void append_count(Out &out, const char *keyword, int count)
+{
+    out += keyword;
+    out += ' ';
+    append_int(out, count);
+    out += '\n';
+}
+
 // `name` may be null.
 template <class Out>
 void append_material(Out &out, const material &m, const char *name)
 {
     out += "MATERIAL \"";
-    out += name == nullptr ? "" : name; // Deliberate: not escaped
+    out += name == nullptr ? "" : name; // the palette's names hold no quotes
     out += "\" rgb ";
     append_floats(out, m.diffuse, 3);
     out += "  amb ";
@@ -48,70 +87,49 @@ struct object_texts_t {
     const char *name, *url, *data, *texture;
 };
 
+template <class Out>
+void append_frame(Out &out, const local_frame_t &local)
+{
+    const float location[] = {local.location.x, local.location.y, local.location.z};
+    if (location[0] != 0 || location[1] != 0 || location[2] != 0)
+        append_line(out, "loc", location, 3);
+    if (!local.has_rotation)
+        return;
+    out += "rot ";
+    append_floats(out, local.rotation, 3);
+    out += "  ";
+    append_floats(out, local.rotation + 3, 3);
+    out += "  ";
+    append_floats(out, local.rotation + 6, 3);
+    out += '\n';
+}
+
 // The lines before the geometry. Of the record only plain fields are read.
 template <class Out>
 void append_object_header(Out &out, const object_t &object, const object_texts_t &texts,
                           const local_frame_t &local)
 {
     const auto has = [](const char *text) { return text != nullptr && text[0] != '\0'; };
-    const auto pair = [&out](const char *keyword, float x, float y, float default_value) {
-        if (x == default_value && y == default_value)
-            return;
-        const float values[] = {x, y};
-        out += keyword;
-        append_floats(out, values, 2);
-        out += '\n';
-    };
-    out += "OBJECT ";
-    out += object_type_word(object.type);
-    out += '\n';
-    if (has(texts.name)) {
-        out += "name ";
-        append_quoted(out, texts.name);
-        out += '\n';
-    }
-    if (local.location.x != 0 || local.location.y != 0 || local.location.z != 0) {
-        out += "loc ";
-        append_point(out, local.location);
-        out += '\n';
-    }
-    if (local.has_rotation) {
-        out += "rot ";
-        append_floats(out, local.rotation, 3);
-        out += "  ";
-        append_floats(out, local.rotation + 3, 3);
-        out += "  ";
-        append_floats(out, local.rotation + 6, 3);
-        out += '\n';
-    }
-    if (has(texts.url)) {
-        out += "url \""; // Deliberate: not escaped
-        out += texts.url;
-        out += "\"\n";
-    }
+    append_line(out, "OBJECT", quoting::BARE, object_type_word(object.type));
+    if (has(texts.name))
+        append_line(out, "name", quoting::ESCAPED, texts.name);
+    append_frame(out, local);
+    // Deliberate: addresses and textures are not escaped; readers of this form take them as they are.
+    if (has(texts.url))
+        append_line(out, "url", quoting::QUOTED, texts.url);
     if (has(texts.data)) {
-        out += "data ";
-        append_int(out, static_cast<int>(std::strlen(texts.data)));
-        out += '\n';
+        append_count(out, "data", static_cast<int>(std::strlen(texts.data)));
         out += texts.data;
         out += '\n';
     }
-    if (texts.texture != nullptr) {
-        out += "texture \""; // Deliberate: not escaped
-        out += texts.texture;
-        out += "\"\n";
-    }
-    pair("texrep ", object.texture_repeat_x, object.texture_repeat_y, 1);
-    pair("texoff ", object.texture_offset_x, object.texture_offset_y, 0);
-}
-
-// "numvert 8", "numsurf 6", "kids 0".
-template <class Out>
-void append_count(Out &out, const char *keyword, int count)
-{
-    out += keyword;
-    append_int(out, count);
-    out += '\n';
+    if (texts.texture != nullptr)
+        append_line(out, "texture", quoting::QUOTED, texts.texture);
+    const float repeat[] = {object.texture_repeat_x, object.texture_repeat_y};
+    if (repeat[0] != 1 || repeat[1] != 1)
+        append_line(out, "texrep", repeat, 2);
+    const float offset[] = {object.texture_offset_x, object.texture_offset_y};
+    if (offset[0] != 0 || offset[1] != 0)
+        append_line(out, "texoff", offset, 2);
 }
 
 template <class Out>

@@ -299,32 +299,17 @@ void old_reader::read_corners(surface_t *surface, int claimed)
 
 // ---- writing ----
 
-void append_line(std::string &out, const char *word, const float *values, int n)
-{
-    out += word;
-    append_floats(out, values, n);
-    out += '\n';
-}
-
 void append_text(std::string &out, const char *word, const char *text)
 {
-    if (!is_set(text))
-        return;
-    out += word;
-    append_quoted(out, text);
-    out += '\n';
-}
-
-void append_count(std::string &out, const char *word, size_t n)
-{
-    out += word + std::to_string(n) + '\n';
+    if (is_set(text))
+        append_line(out, word, quoting::ESCAPED, text);
 }
 
 void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
 {
     const flat_surface &surface = (*mesh.surfaces)[i];
     if (surface.type != SURFACE_POLYGON)
-        append_count(out, "type ", surface.type);
+        append_count(out, "type", surface.type);
     char colour[32];
     std::snprintf(colour, sizeof colour, "rgb 0x%x\n",
                   static_cast<unsigned>(index_to_rgb(surface.material)));
@@ -333,12 +318,11 @@ void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
     out += surface.twosided != 0 ? "twosided\n" : "";
     const auto first = static_cast<size_t>((*mesh.corner_offsets)[i]);
     const auto last = static_cast<size_t>((*mesh.corner_offsets)[i + 1]);
-    append_count(out, "points ", last - first);
+    append_count(out, "points", static_cast<int>(last - first));
     for (size_t corner = first; corner < last; ++corner) {
         const flat_uv &uv = (*mesh.texture_coords)[corner];
         const float values[] = {uv.u, uv.v};
-        out += std::to_string((*mesh.corners)[corner]) + ' ';
-        append_line(out, "", values, 2);
+        append_line(out, std::to_string((*mesh.corners)[corner]).c_str(), values, 2);
     }
 }
 
@@ -355,37 +339,37 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
     out += "\ntype " + std::to_string(object->type) + '\n';
     const float location[] = {frame.location.x, frame.location.y, frame.location.z};
     if (location[0] != 0 || location[1] != 0 || location[2] != 0)
-        append_line(out, "translation ", location, 3);
+        append_line(out, "translation", location, 3);
     if (frame.has_rotation)
-        append_line(out, "rotation ", frame.rotation, 9);
+        append_line(out, "rotation", frame.rotation, 9);
     const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture)
                                                    : object_missing_texture(object);
     if (texture != nullptr && object->has_texture != 0)
         texture = search_texture_save(work.filename, texture);
-    append_text(out, "texture ", texture);
+    append_text(out, "texture", texture);
     const float repeat[] = {object->texture_repeat_x, object->texture_repeat_y};
     if (repeat[0] != 1 || repeat[1] != 1)
-        append_line(out, "texturerep ", repeat, 2);
-    append_text(out, "url ", object->url);
+        append_line(out, "texturerep", repeat, 2);
+    append_text(out, "url", object->url);
     if (is_set(object->data)) {
         const std::string_view data = object->data;
         out += "dataitems 1\n";
-        append_count(out, "string ", data.size());
+        append_count(out, "string", static_cast<int>(data.size()));
         out += data;
         out += '\n';
     }
     const flat_ptr mesh = object_flat(object);
     if (mesh->num_vertices() != 0)
-        append_count(out, "points ", mesh->positions->size());
+        append_count(out, "points", mesh->num_vertices());
     for (const point3_t &position : *mesh->positions) {
         append_point(out, frame.local(position));
         out += '\n';
     }
     if (mesh->num_surfaces() != 0)
-        append_count(out, "surfaces ", mesh->surfaces->size());
+        append_count(out, "surfaces", mesh->num_surfaces());
     for (size_t i = 0; i < mesh->surfaces->size() && work.progress.step(++work.done); ++i)
         append_surface(out, *mesh, i);
-    append_count(out, "children ", static_cast<size_t>(list_count(object->children)));
+    append_count(out, "children", list_count(object->children));
 }
 
 // Surfaces have a plain colour only: of how many materials the rest is left out.

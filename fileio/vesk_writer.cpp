@@ -196,14 +196,14 @@ void plan_object(plan_t &plan, object_t *object, const local_frame_t &frame)
     const geometry_t *geometry = plan.geometries.back().get();
     tell_bad_references(*geometry);
     if (mesh->num_vertices() != 0) {
-        append_count(plan.text(), "numvert ", mesh->num_vertices());
+        append_count(plan.text(), "numvert", mesh->num_vertices());
         plan.add(geometry, false, mesh->num_vertices());
     }
     if (mesh->num_surfaces() != 0) {
-        append_count(plan.text(), "numsurf ", mesh->num_surfaces());
+        append_count(plan.text(), "numsurf", mesh->num_surfaces());
         plan.add(geometry, true, mesh->num_surfaces());
     }
-    append_count(plan.text(), "kids ", list_count(object->children));
+    append_count(plan.text(), "kids", list_count(object->children));
 }
 
 // ---- formatting beside writing ----
