@@ -7,7 +7,7 @@
 #include "base/prefs.h"
 #include "base/progress.h"
 #include "fileio/export_scene.h"
-#include "fileio/write_report.h"
+#include "fileio/output.h"
 #include "model/each.h"
 #include "model/ear_cut.h"
 #include "model/flat_mesh.h"
@@ -333,15 +333,8 @@ int write_3ds(const char *filename)
     vesk_report_export(name.c_str());
     writer scene(name, surfaces_of_world());
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
-    if (scene.cancelled()) {
-        display_message("write 3DS - cancelled");
-        return 0;
-    }
-    if (!atomic_file_write(name.c_str(), scene.file())) {
-        tell_cannot_write(name.c_str());
-        return 0;
-    }
-    scene.report();
-    display_message("written file %s%s", name.c_str(), vesk_report_losses("3DS"));
-    return 1;
+    const bool written = !scene.cancelled() && atomic_file_write(name.c_str(), scene.file());
+    if (written)
+        scene.report();
+    return export_end(name, "3DS", scene.cancelled(), written);
 }

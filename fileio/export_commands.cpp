@@ -8,7 +8,7 @@
 #include "fileio/export_plain.h"
 #include "fileio/export_pov.h"
 #include "fileio/export_rib.h"
-#include "fileio/write_report.h"
+#include "fileio/output.h"
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/lights.h"
@@ -241,17 +241,11 @@ int write_scene(const char *filename, const export_format &format)
     const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
     writer scene(format, name.c_str());
-    if (!scene.scene()) {
-        display_message("write %s - cancelled", format.name);
-        return 0;
-    }
-    if (!scene.commit()) {
-        tell_cannot_write(name.c_str());
-        return 0;
-    }
-    report_losses(scene.losses());
-    display_message("written file %s%s", name.c_str(), vesk_report_losses(format.name));
-    return 1;
+    const bool complete = scene.scene();
+    const bool written = complete && scene.commit();
+    if (written)
+        report_losses(scene.losses());
+    return export_end(name, format.name, !complete, written);
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include "base/prefs.h"
 #include "base/progress.h"
 #include "fileio/export_scene.h"
-#include "fileio/write_report.h"
+#include "fileio/output.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/lights.h"
@@ -405,19 +405,15 @@ int write_world(const char *filename, bool prototypes)
                    prefs.vrml_output_textures != 0 ? "with texture support" : "no texture support");
     work_t work = {progress_t(work_of_world())};
     const std::string text = world_text(name, prototypes, &work);
-    if (work.progress.cancelled()) {
-        display_message("write VRML 2.0 - cancelled");
-        return 0;
-    }
-    if (!atomic_file_write(name.c_str(), text)) {
+    const bool cancelled = work.progress.cancelled();
+    const bool written = !cancelled && atomic_file_write(name.c_str(), text);
+    if (written) {
+        console_printf("written file %s\n", name.c_str());
+        report_losses(name);
+    } else if (!cancelled) {
         console_printf("can't open file for writing\n");
-        tell_cannot_write(name.c_str());
-        return 0;
     }
-    console_printf("written file %s\n", name.c_str());
-    report_losses(name);
-    display_message("written file %s%s", name.c_str(), vesk_report_losses("VRML 2.0"));
-    return 1;
+    return export_end(name, "VRML 2.0", cancelled, written);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "fileio/helper_process.h"
 
+#include "base/atomic_file.h"
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/progress.h"
@@ -45,25 +46,6 @@ public:
 private:
     int fd_ = -1;
 };
-
-std::string read_all(int fd)
-{
-    std::string bytes;
-    const off_t size = lseek(fd, 0, SEEK_END);
-    bytes.resize(static_cast<size_t>(std::max<off_t>(size, 0)));
-    size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t count =
-            pread(fd, &bytes[done], bytes.size() - done, static_cast<off_t>(done));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            break;
-        done += static_cast<size_t>(count);
-    }
-    bytes.resize(done);
-    return bytes;
-}
 
 // Starts the helper; 0 or an error number.
 int spawn(const std::vector<std::string> &words, int output, int alive, pid_t *pid)
@@ -180,7 +162,7 @@ helper_result helper_run::verdict() const
     const bool well = WIFEXITED(status_) && WEXITSTATUS(status_) == 0;
     const bool told = WIFEXITED(status_) && WEXITSTATUS(status_) == 1;
     if (well || told)
-        result.output = read_all(made_.get());
+        read_whole_file(("/proc/self/fd/" + std::to_string(made_.get())).c_str(), &result.output);
     if (well)
         result.state = helper_result::DONE;
     else

@@ -25,4 +25,18 @@ VESK_API int vesk_output_close(vesk_output_t *output, int keep);
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+#include <string>
+
+// On the status line: "can't open file ... for writing", then why.
+void tell_cannot_write(const char *name);
+
+// The system's reason alone, after the message or box that names the file.
+void tell_write_reason(const char *name);
+
+// Ends an export: tells that it was cancelled, could not be written, or what was written and what was
+// left out. Returns 1 or 0.
+int export_end(const std::string &filename, const char *format, bool cancelled, bool written);
+#endif
+
 #endif

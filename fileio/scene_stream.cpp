@@ -106,21 +106,25 @@ private:
 
 // ---- the fields of each record, once for both directions ----
 
-template <class Stream, class Text>
-requires std::is_same_v<std::remove_const_t<Text>, std::string>
-void fields(Stream &stream, Text &text) { stream.text(text); }
+// A record of a type, to be read or to be written.
+template <class Given, class Record>
+concept either = std::is_same_v<std::remove_const_t<Given>, Record>;
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_image>
-void fields(Stream &stream, Record &image)
+template <class Stream>
+void fields(Stream &stream, either<std::string> auto &text)
+{
+    stream.text(text);
+}
+
+template <class Stream>
+void fields(Stream &stream, either<plain_image> auto &image)
 {
     stream.text(image.name);
     stream.text(image.bytes);
 }
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_material>
-void fields(Stream &stream, Record &m)
+template <class Stream>
+void fields(Stream &stream, either<plain_material> auto &m)
 {
     stream.text(m.name);
     stream.plain(m.diffuse);
@@ -134,9 +138,8 @@ void fields(Stream &stream, Record &m)
     stream.plain(m.offset);
 }
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_node>
-void fields(Stream &stream, Record &node)
+template <class Stream>
+void fields(Stream &stream, either<plain_node> auto &node)
 {
     stream.text(node.name);
     stream.plain(node.kind);
@@ -152,9 +155,8 @@ void fields(Stream &stream, Record &node)
     stream.numbers(node.flags);
 }
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_scene>
-void fields(Stream &stream, Record &scene)
+template <class Stream>
+void fields(Stream &stream, either<plain_scene> auto &scene)
 {
     stream.records(scene.materials);
     stream.records(scene.nodes);

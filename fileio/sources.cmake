@@ -38,5 +38,4 @@ target_sources(vesk_core PRIVATE
     fileio/vesk_writer.cpp
     fileio/vrml1_scan.cpp
     fileio/vrml1_shapes.cpp
-    fileio/write_report.cpp
 )

@@ -191,13 +191,6 @@ void append_state(Out &out, const model_state &state)
 
 } // namespace
 
-std::string model_state_text(const model_state &state)
-{
-    std::string text;
-    append_state(text, state);
-    return text;
-}
-
 bool write_model_state(const model_state &state, const char *file)
 {
     atomic_writer_t target(file);

@@ -483,12 +483,10 @@ private:
 
 int fbx_export(const char *filename)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
     model_wishes wishes;
     wishes.lines = false;
-    const model scene = take_model(work, filename, wishes);
-    files.add(name, fbx_writer(work, scene).run());
-    return files.finish(name, "FBX");
+    return export_scene(filename, "FBX", wishes,
+                        [](job &work, const model &scene, export_files &files, const auto &name) {
+                            files.add(name, fbx_writer(work, scene).run());
+                        });
 }

