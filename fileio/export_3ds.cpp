@@ -6,6 +6,7 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/progress.h"
+#include "base/utf8.h"
 #include "fileio/export_scene.h"
 #include "fileio/output.h"
 #include "model/each.h"
@@ -271,14 +272,9 @@ private:
         return name;
     }
 
-    // As many whole letters as fit into so many bytes.
     static std::string first_letters(const std::string &name, size_t bytes)
     {
-        size_t end = std::min(name.size(), bytes);
-        while (end > 0 && end < name.size() &&
-               (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80)
-            --end;
-        return name.substr(0, end);
+        return name.substr(0, utf8_whole(name.c_str(), bytes));
     }
 
     // A palette entry together with the object's picture, described when it is first used.

@@ -1,6 +1,7 @@
 #include "fileio/import_names.h"
 
 #include "base/file_report.h"
+#include "base/utf8.h"
 #include "fileio/vesk_format.h"
 #include "fileio/vesk_lines.h"
 #include "model/alloc_internal.h"
@@ -19,15 +20,6 @@ bool fits(const std::string &name)
     return line.size() <= std::size_t{line_length};
 }
 
-// Takes a whole character off the end.
-void shorten(std::string &text)
-{
-    constexpr unsigned char further = 0x80; // what is not the first byte of a character
-    while (text.size() > 1 && (static_cast<unsigned char>(text.back()) & 0xC0) == further)
-        text.pop_back();
-    text.pop_back();
-}
-
 } // namespace
 
 void names_for_model_file(object_t *top)
@@ -43,7 +35,7 @@ void names_for_model_file(object_t *top)
         const std::size_t whole = name.size();
         name.resize(std::min(whole, std::size_t{line_length}));
         while (!name.empty() && !fits(name))
-            shorten(name);
+            name.resize(utf8_whole(name.c_str(), name.size() - 1));
         if (object->name != name)
             text_set(&object->name, name.c_str());
         shortened += name.size() < whole ? 1 : 0;
