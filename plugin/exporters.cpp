@@ -9,11 +9,9 @@
 #include "fileio/export_commands.h"
 #include "fileio/export_vrml2.h"
 #include "fileio/vesk_writer.h"
-#include "model/alloc_internal.h"
-#include "model/each.h"
 #include "model/ear_cut.h"
-#include "model/list.h"
 #include "model/world.h"
+#include "plugin/format_table.h"
 
 #include <algorithm>
 #include <string>
@@ -22,14 +20,6 @@
 namespace {
 
 listitem *exporters = nullptr;
-
-std::string known_formats()
-{
-    std::string text = "I can export these files:\n";
-    for (const vesk_exporter_t *exporter : each<vesk_exporter_t>(exporters))
-        text += std::string(exporter->suffix) + " (" + exporter->description + ")\n";
-    return text;
-}
 
 // A copy: the current file stays what it was.
 int write_copy(const char *filename)
@@ -42,13 +32,7 @@ int write_copy(const char *filename)
 vesk_exporter_t *vesk_register_file_exporter(const char *suffix, const char *description,
                                              vesk_export_func_t write, const char *info)
 {
-    auto *exporter = static_cast<vesk_exporter_t *>(myalloc(sizeof(vesk_exporter_t)));
-    if (exporter == nullptr)
-        return nullptr;
-    *exporter = {text_copy(suffix), text_copy(description == nullptr ? "-" : description),
-                 text_copy(info == nullptr ? "-" : info), write};
-    list_add_item(&exporters, exporter);
-    return exporter;
+    return format_table_add<vesk_exporter_t>(&exporters, suffix, description, info, write);
 }
 
 vesk_exporter_t *vesk_get_file_exporter_by_suffix(const char *suffix)
@@ -73,7 +57,7 @@ int vesk_export_file(const char *filename)
     const vesk_exporter_t *exporter = vesk_get_file_exporter_by_suffix(suffix);
     if (exporter == nullptr) {
         windows_message_dialog("Sorry, there is no geometry exporter for %s files\n%s", suffix,
-                               known_formats().c_str());
+                               format_table_text<vesk_exporter_t>(exporters, "export").c_str());
         return 0;
     }
     vesk_report_export(name.c_str());
@@ -123,13 +107,4 @@ void vesk_register_internal_file_exporters(void)
 
 const listitem *file_exporters() { return exporters; }
 
-void exporters_reset_for_test()
-{
-    for (vesk_exporter_t *exporter : each<vesk_exporter_t>(exporters)) {
-        myfree(exporter->suffix);
-        myfree(exporter->description);
-        myfree(exporter->info);
-        myfree(exporter);
-    }
-    list_free(&exporters);
-}
+void exporters_reset_for_test() { format_table_free<vesk_exporter_t>(&exporters); }

@@ -18,16 +18,14 @@
 #include "fileio/import_text.h"
 #include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
-#include "model/alloc_internal.h"
 #include "model/change_marks.h"
-#include "model/each.h"
 #include "model/freed.h"
-#include "model/list.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
+#include "plugin/format_table.h"
 #include "plugin/menus.h"
 #include "view/fit.h"
 
@@ -41,27 +39,8 @@ namespace {
 
 listitem *importers = nullptr;
 
-vesk_importer_t *new_importer(const char *suffix, const char *description, vesk_import_func_t load,
-                              const char *info)
-{
-    auto *importer = static_cast<vesk_importer_t *>(myalloc(sizeof(vesk_importer_t)));
-    if (importer == nullptr)
-        return nullptr;
-    *importer = {text_copy(suffix), text_copy(description == nullptr ? "-" : description),
-                 text_copy(info == nullptr ? "-" : info), load};
-    return importer;
-}
-
-std::string known_formats()
-{
-    std::string text = "I can import these files:\n";
-    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
-        text += std::string(importer->suffix) + " (" + importer->description + ")\n";
-    return text;
-}
-
-// What came, for the report.
-void count_what_came(object_t *top, double seconds)
+// Counts for the import report.
+void count_import(object_t *top, double seconds)
 {
     file_report &report = last_file_report();
     std::set<int> materials;
@@ -120,10 +99,7 @@ void adopt_children(object_t *container)
 vesk_importer_t *vesk_register_file_importer(const char *suffix, const char *description,
                                              vesk_import_func_t load, const char *info)
 {
-    vesk_importer_t *importer = new_importer(suffix, description, load, info);
-    if (importer != nullptr)
-        list_add_item(&importers, importer);
-    return importer;
+    return format_table_add<vesk_importer_t>(&importers, suffix, description, info, load);
 }
 
 vesk_importer_t *vesk_replace_importer_function(const char *suffix, vesk_import_func_t load)
@@ -172,7 +148,7 @@ object_t *vesk_import_file(const char *filename)
     const vesk_importer_t *importer = vesk_get_file_importer_by_suffix(suffix);
     if (importer == nullptr) {
         windows_message_dialog("Sorry, there is no geometry importer for %s files\n%s", suffix,
-                               known_formats().c_str());
+                               format_table_text<vesk_importer_t>(importers, "import").c_str());
         return nullptr;
     }
     const double began = ui_port().now_seconds();
@@ -182,7 +158,7 @@ object_t *vesk_import_file(const char *filename)
         return nullptr;
     if (importer->load != vesk_import_vesk)
         names_for_model_file(object);
-    count_what_came(object, ui_port().now_seconds() - began);
+    count_import(object, ui_port().now_seconds() - began);
     return object;
 }
 
@@ -283,13 +259,4 @@ void command_export_3ds(void)
         write_3ds(name);
 }
 
-void importers_reset_for_test()
-{
-    for (vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
-        myfree(importer->suffix);
-        myfree(importer->description);
-        myfree(importer->info);
-        myfree(importer);
-    }
-    list_free(&importers);
-}
+void importers_reset_for_test() { format_table_free<vesk_importer_t>(&importers); }
