@@ -30,8 +30,8 @@ void write_material(export_text &out, const export_part &part)
     colour(out, "diffuseColor", m.diffuse);
     colour(out, "specularColor", m.specular);
     colour(out, "emissiveColor", line ? m.diffuse : m.emissive); // lines are not lit
-    out.add("  shininess ", std::clamp(m.shininess / 128, 0.0f, 1.0f), "\n  transparency ",
-            std::clamp(m.transparency, 0.0f, 1.0f), "\n}\n");
+    out.add("  shininess ", within_one(m.shininess / 128), "\n  transparency ",
+            within_one(m.transparency), "\n}\n");
 }
 
 // Indices of all corners, -1 after each surface.

@@ -10,6 +10,7 @@
 #include "model/flat_mesh.h"
 #include "model/material.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -109,6 +110,7 @@ struct export_format {
 // ---- what several formats need ----
 
 inline bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
+inline float within_one(float value) { return std::clamp(value, 0.0f, 1.0f); }
 inline bool is_line(int type) { return type == SURFACE_LINE || type == SURFACE_CLOSED_LINE; }
 
 // The palette entry that a surface is written with: the first for one that is not there.
@@ -125,6 +127,11 @@ std::string export_quoted(const char *text);
 
 // The 3D view's eye.
 struct export_eye {
+    // A point before it.
+    [[nodiscard]] point3_t target() const
+    {
+        return {location.x + direction.x, location.y + direction.y, location.z + direction.z};
+    }
     point3_t location, right, up, direction; // the last three are unit vectors at right angles
     bool perspective;
     double half_height; // of the picture: at distance 1 with perspective, else in world units

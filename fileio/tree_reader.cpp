@@ -332,25 +332,15 @@ void tree_reader::read_texoff(block &at)
 
 void tree_reader::read_rot(block &at)
 {
-    const char *p = lines_.values();
-    const char *end = p + std::strlen(p);
-    for (float &value : at.rotation) {
-        p = scan_float(p, end, &value);
-        if (!p) // what is missing keeps what an earlier line had
-            break;
-    }
+    lines_.reals(at.rotation, 9);
     std::copy_n(at.rotation, 9, at.object->rotation);
 }
 
 void tree_reader::read_loc(block &at)
 {
-    const char *p = lines_.values();
-    const char *end = p + std::strlen(p);
-    for (float *value : {&at.location.x, &at.location.y, &at.location.z}) {
-        p = scan_float(p, end, value);
-        if (!p)
-            break;
-    }
+    float location[] = {at.location.x, at.location.y, at.location.z};
+    lines_.reals(location, 3);
+    at.location = {location[0], location[1], location[2]};
 }
 
 void tree_reader::read_url(block &at)

@@ -53,6 +53,14 @@ int vesk_lines::integer() const
     return value;
 }
 
+void vesk_lines::reals(float *out, int n) const
+{
+    const char *p = values_;
+    const char *end = p + std::strlen(p);
+    for (int i = 0; i < n && p != nullptr; ++i)
+        p = scan_float(p, end, out + i);
+}
+
 float vesk_lines::real(int word) const
 {
     float value = 0;

@@ -33,6 +33,10 @@ public:
     [[nodiscard]] const char *values() const { return values_; }
     [[nodiscard]] int integer() const;
 
+    // The real numbers after the first word; one that is missing leaves its place and those after it
+    // as they are.
+    void reals(float *out, int n) const;
+
     // Splits the line into words and returns how many there are.
     int split() { return vesk_get_tokens(buffer_, nullptr, words_); }
     [[nodiscard]] const char *word(int i) const { return words_[i]; }

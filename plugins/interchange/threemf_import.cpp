@@ -419,27 +419,22 @@ private:
     // Of a frame that only turns, perhaps with one scale.
     static void set_rotation(object_t *object, const placing &place)
     {
-        float lengths[3];
-        for (int i = 0; i < 3; ++i)
-            lengths[i] = std::hypot(place.m[3 * i], place.m[3 * i + 1], place.m[3 * i + 2]);
-        const auto dot = [&](int i, int k) {
-            return place.m[3 * i] * place.m[3 * k] + place.m[3 * i + 1] * place.m[3 * k + 1] +
-                   place.m[3 * i + 2] * place.m[3 * k + 2];
-        };
-        const float size = lengths[0];
-        if (!(size > 0) || std::fabs(lengths[1] - size) > 1e-4f * size ||
-            std::fabs(lengths[2] - size) > 1e-4f * size ||
-            std::fabs(dot(0, 1)) > 1e-4f * size * size ||
-            std::fabs(dot(1, 2)) > 1e-4f * size * size ||
-            std::fabs(dot(0, 2)) > 1e-4f * size * size)
-            return;
         const float *m = place.m;
-        if (m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6]) +
-                m[2] * (m[3] * m[7] - m[4] * m[6]) <
-            0)
-            return; // a mirror
-        for (int i = 0; i < 9; ++i)
-            object->rotation[i] = place.m[i] / size;
+        const auto dot = [m](int i, int k) {
+            return m[3 * i] * m[3 * k] + m[3 * i + 1] * m[3 * k + 1] + m[3 * i + 2] * m[3 * k + 2];
+        };
+        const float size = std::hypot(m[0], m[1], m[2]);
+        bool turns = size > 0;
+        for (int i = 0; i < 3 && turns; ++i)
+            turns = !(std::fabs(std::hypot(m[3 * i], m[3 * i + 1], m[3 * i + 2]) - size) >
+                          1e-4f * size ||
+                      std::fabs(dot(i, (i + 1) % 3)) > 1e-4f * size * size);
+        const bool mirrors = m[0] * (m[4] * m[8] - m[5] * m[7]) -
+                                 m[1] * (m[3] * m[8] - m[5] * m[6]) +
+                                 m[2] * (m[3] * m[7] - m[4] * m[6]) <
+                             0;
+        for (int i = 0; i < 9 && turns && !mirrors; ++i)
+            object->rotation[i] = m[i] / size;
     }
 
     job &work_;
