@@ -18,7 +18,6 @@ target_sources(vesk_core PRIVATE
     fileio/import_lightwave.cpp
     fileio/import_lwob.cpp
     fileio/import_mesh.cpp
-    fileio/import_names.cpp
     fileio/import_text.cpp
     fileio/import_vrml.cpp
     fileio/output.cpp

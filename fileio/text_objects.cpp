@@ -131,13 +131,6 @@ object_t *create_text(const char *text)
     return object;
 }
 
-void text_objects_reset_for_test()
-{
-    if (font().object)
-        object_free(font().object);
-    font() = {};
-}
-
 // ---- commands ----
 
 void add_text(const char *text) { link_created(create_text(text), "add text"); }

@@ -27,8 +27,4 @@ VESK_API void add_text(const char *text);
 
 VESK_END_DECLS
 
-#ifdef VESK_INTERNAL
-void text_objects_reset_for_test();
-#endif
-
 #endif

@@ -14,7 +14,7 @@
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_lightwave.h"
-#include "fileio/import_names.h"
+#include "fileio/import_mesh.h"
 #include "fileio/import_text.h"
 #include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
@@ -157,7 +157,7 @@ object_t *vesk_import_file(const char *filename)
     if (object == nullptr)
         return nullptr;
     if (importer->load != vesk_import_vesk)
-        names_for_model_file(object);
+        import_fit_names(object);
     count_import(object, ui_port().now_seconds() - began);
     return object;
 }
