@@ -2,8 +2,8 @@
 #define VESK_FILEIO_APPEND_TEXT_H
 
 // Numbers and quoted texts at the end of a text. `Out` has `+= char` and `append(const char *,
-// size_t)`: a std::string, or the sink of the rescue copy, which works when nothing may be allocated
-// any more.
+// size_t)`: a std::string, or the sink of the rescue copy, which works when nothing may be
+// allocated any more.
 
 #include "base/numbers.h"
 #include "model/object.h"

@@ -71,10 +71,10 @@ int copy_selection(const char *what)
     return static_cast<int>(copies.size());
 }
 
-// The objects of a model text that another program offers. They leave their container, which goes.
+// The objects of a model text that another program offers, without their container.
 std::vector<object_t *> objects_of_others()
 {
-    pump_begin(); // events come in while the other program answers
+    pump_begin(); // events are let in while the other program answers
     const char *text = ui_port().clipboard_get();
     pump_end();
     object_t *top = text != nullptr ? vesk_object_of_text(text) : nullptr;

@@ -34,7 +34,7 @@ constexpr size_t most_material_name = 16;
 
 struct names_t {
     std::set<std::string> taken;
-    std::unordered_map<std::string, int> numbers; // the last one that a name was told apart by
+    std::unordered_map<std::string, int> numbers; // the last number behind a name
 };
 
 // ---- chunks ----

@@ -22,10 +22,10 @@
 
 namespace {
 
-constexpr size_t piece_size = 1 << 20; // bytes that go out at once
+constexpr size_t piece_size = 1 << 20; // bytes written at once
 constexpr float smallest_scene = 1e-6f;
 
-// ---- what is written of an object ----
+// ---- the written parts of an object ----
 
 struct losses_t {
     int lines = 0;
@@ -64,7 +64,7 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
     return parts;
 }
 
-// What the format has no place for, besides surfaces.
+// Counts the losses besides surfaces.
 void count_losses(const object_t *object, const flat_mesh &flat, const export_format &format,
                   losses_t *losses)
 {
@@ -91,8 +91,8 @@ export_object described(object_t *object, const export_format &format, const std
 
 // ---- the walk ----
 
-// The tree below the world, parents before their children; `holds` tells of surfaces in the object
-// or below it.
+// The tree below the world, parents before their children; `holds`: there are surfaces in the
+// object or below it.
 struct node_t {
     object_t *object;
     int parent; // index, -1 for the world
@@ -179,7 +179,7 @@ private:
             out_.next += work_of(node);
             if (!progress.step(out_.done))
                 return false;
-            // Lights were written as such; what they hold besides is an object like others.
+            // Lights were written as such; their surfaces and children are an object like others.
             const export_object object = described(node.object, format_, filename_, &losses_);
             if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
                 continue;
@@ -224,7 +224,7 @@ private:
     losses_t losses_;
 };
 
-// Counts what was left out in the report.
+// Enters the losses in the report.
 void report_losses(const losses_t &losses)
 {
     vesk_report_loss(losses.lines, "lines");

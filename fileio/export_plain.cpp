@@ -7,7 +7,7 @@
 
 namespace {
 
-// ---- triangle lists: what fileio/import_text.cpp reads ----
+// ---- triangle lists, in the form that fileio/import_text.cpp reads ----
 
 void put_triangles(export_text &out, const export_object &object)
 {

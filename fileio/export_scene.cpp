@@ -16,10 +16,7 @@ flat_uv export_object::uv(int corner) const
             at.v * object->texture_repeat_y + object->texture_offset_y};
 }
 
-int written_index(int index)
-{
-    return index >= 0 && index < vesk_get_num_palette() ? index : 0;
-}
+int written_index(int index) { return index >= 0 && index < vesk_get_num_palette() ? index : 0; }
 
 const material &written_material(int index)
 {

@@ -1,9 +1,9 @@
 #ifndef VESK_FILEIO_EXPORT_SCENE_H
 #define VESK_FILEIO_EXPORT_SCENE_H
 
-// The text formats that the scene is written in, and the one walk that feeds them all: lights first,
-// then the tree, each object cut into parts of one material, shading and kind. A format is a record
-// of small functions that append text.
+// The text formats that the scene is written in, and the one walk that feeds them all: lights
+// first, then the tree, each object cut into parts of one material, shading and kind. A format is a
+// record of small functions that append text.
 
 #include "base/progress.h"
 #include "fileio/append_text.h"
@@ -14,9 +14,9 @@
 #include <cmath>
 #include <string>
 
-// Text that grows. Numbers are written as "%g" writes them; what is not finite becomes 0, which
-// every format can read. With `work` set the bar moves while text is added, and nothing more is added
-// once the user cancelled.
+// A text under construction. Numbers are written as "%g" writes them; infinite ones and those that
+// are none become 0, which every format can read. With `work` set the bar moves while text is
+// added, and nothing more is added once the user cancelled.
 class export_text {
 public:
     std::string text;
@@ -33,7 +33,8 @@ public:
     }
 
 private:
-    // The size of an object's text is not known before: the bar goes part of the rest each time.
+    // The size of an object's text is not known before: the bar moves by a part of the rest each
+    // time.
     bool going()
     {
         done += (next - done) / 65536;
@@ -91,7 +92,7 @@ struct export_object {
 
 struct export_format {
     const char *name; // in messages
-    // What it has a place for; what it has not is counted and told.
+    // The elements that it has a place for; the others are counted as losses.
     bool lines = true;
     bool lights = true;
     bool pictures = true;
@@ -107,7 +108,7 @@ struct export_format {
     void (*end)(export_text &out) = nullptr;
 };
 
-// ---- what several formats need ----
+// ---- parts that several formats need ----
 
 inline bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
 inline float within_one(float value) { return std::clamp(value, 0.0f, 1.0f); }

@@ -370,8 +370,8 @@ double work_of_world()
     return surfaces_of_world() * (1 + (normals ? 2 : 0) + (textures ? 2 : 0));
 }
 
-// What the form has no place for: texture files are named without their folders, and where an object
-// has several materials only their colours stand with its surfaces.
+// The losses of the form: texture files are named without their folders, and where an object has
+// several materials only their colours stand with its surfaces.
 void report_losses(const std::string &filename)
 {
     const bool textures = prefs.vrml_output_textures != 0;

@@ -19,12 +19,12 @@
 
 namespace {
 
-constexpr int output_fd = 3; // where the helper leaves what it made
+constexpr int output_fd = 3; // takes the result of the helper
 constexpr int alive_fd = 4;  // held open as long as it lives
 
 constexpr int look_interval = 50; // milliseconds
 constexpr int wall_per_cpu = 4;   // on a busy machine a second of work takes longer
-constexpr double bar_pace = 5;    // seconds in which the bar comes half way
+constexpr double bar_pace = 5;    // seconds until the bar is half way
 
 class file_descriptor {
 public:
@@ -33,7 +33,8 @@ public:
     file_descriptor(const file_descriptor &) = delete;
     file_descriptor &operator=(const file_descriptor &) = delete;
     [[nodiscard]] int get() const { return fd_; }
-    // Closes the one it holds and takes another, under a high number: the low ones are the helper's.
+    // Closes the one it holds and takes another, under a high number: the low ones are the
+    // helper's.
     void reset(int fd)
     {
         if (fd_ >= 0)
@@ -112,7 +113,7 @@ public:
 
 private:
     const helper_limits limits_;
-    file_descriptor made_;  // what the helper writes
+    file_descriptor made_;  // its result
     file_descriptor alive_; // ends with the helper
     pid_t pid_ = 0;
     int status_ = 0;

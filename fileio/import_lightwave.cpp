@@ -150,8 +150,8 @@ private:
 
 // ---- placing ----
 
-// A place of an item in its parent's space. The scene is left-handed, what was read is not: z is
-// turned round on the way in and out.
+// A place of an item in its parent's space. The scene is left-handed, the objects read are not: z
+// is turned round on the way in and out.
 point3_t through(const item_t &item, const point3_t &p)
 {
     const motion_t &m = item.motion;

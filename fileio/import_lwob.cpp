@@ -1,5 +1,5 @@
-// Points, polygons, and surfaces with colour, picture and a few values. Left-handed: z is turned round,
-// and so are the outlines.
+// Points, polygons, and surfaces with colour, picture and a few values. Left-handed: z is turned
+// round, and so are the outlines.
 
 #include "fileio/import_lwob.h"
 
@@ -24,7 +24,7 @@ public:
         bytes_.remove_prefix(out.size());
         return out;
     }
-    // Big end first; what the data lacks counts as 0.
+    // Big end first; missing bytes count as 0.
     std::uint32_t number(std::size_t count)
     {
         const std::string_view digits = take(count);

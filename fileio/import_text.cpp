@@ -39,7 +39,7 @@ private:
     progress_t progress_;
 };
 
-// The leading numbers of a line, separated by blanks or commas; `rest` is what follows them.
+// The leading numbers of a line, separated by blanks or commas; `rest` is the text after them.
 std::vector<float> numbers_of(std::string_view line, std::string_view *rest)
 {
     std::vector<float> numbers;

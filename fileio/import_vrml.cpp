@@ -41,7 +41,8 @@ vrml_matrix scaling(const std::vector<float> &v)
     return m;
 }
 
-// About an axis x y z by an angle, counter-clockwise seen from its tip (Rodrigues, for row vectors).
+// About an axis x y z by an angle, counter-clockwise seen from its tip (Rodrigues, for row
+// vectors).
 vrml_matrix rotation(const std::vector<float> &v)
 {
     vrml_matrix m = vrml_identity;

@@ -82,7 +82,7 @@ public:
     void records(std::vector<T> &values)
     {
         // A record takes at least four bytes, and its numbers take more in memory than here: grown
-        // one by one, they never outgrow what was sent by much.
+        // one by one, the records stay close to the size of the bytes.
         const size_t wanted = count(4);
         values.clear();
         for (size_t i = 0; i < wanted && good_; ++i)
@@ -164,7 +164,7 @@ void fields(Stream &stream, either<plain_scene> auto &scene)
     stream.records(scene.warnings);
 }
 
-// ---- what must hold between the numbers ----
+// ---- conditions between the numbers ----
 
 bool all_within(const std::vector<int> &indices, size_t low, size_t count)
 {
@@ -201,7 +201,7 @@ bool node_fits(const plain_scene &scene, size_t place)
 // Texts end at their first zero, as the scene's do.
 void cut(std::string &text) { text.resize(std::strlen(text.c_str())); }
 
-// What is no number, or out of its range, becomes the nearest that can be used.
+// Values that are no numbers, or out of their range, become the nearest usable ones.
 void repair(plain_material &m)
 {
     cut(m.name);

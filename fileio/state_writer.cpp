@@ -91,8 +91,8 @@ char bare_sink::buffer[1u << 16];
 
 // ---- the file ----
 
-// What a reader will rebuild of an entry, from its ancestors. Neighbours mostly share their parent,
-// or are parent and child: these two are remembered.
+// The frame that a reader will rebuild of an entry, from its ancestors. Neighbours mostly share
+// their parent, or are parent and child: these two are remembered.
 class rebuilt_frames {
 public:
     explicit rebuilt_frames(const model_state &state) : state_(state) {}

@@ -59,7 +59,7 @@ std::string take_character(const char **text)
     return character;
 }
 
-// Where the next glyph goes.
+// The place of the next glyph.
 struct pen_t {
     point3_t place = {0, 0, 0};
     float line_height = 0;

@@ -139,7 +139,7 @@ object_t *tree_reader::read()
 {
     std::vector<block> stack(1);
     object_t *result = nullptr;
-    bool returned = false; // a child block has come back with `result`
+    bool returned = false; // a child block ended with `result`
     while (!stack.empty()) {
         block &at = stack.back();
         bool complete = false;
@@ -188,7 +188,7 @@ tree_reader::ending tree_reader::read_lines(block &at)
     return ending::END;
 }
 
-// END: the block goes on.
+// END: the block has further lines.
 tree_reader::ending tree_reader::handle_line(block &at, bool blank)
 {
     if (word_.empty())
@@ -349,7 +349,7 @@ void tree_reader::read_url(block &at)
         object_set_url(at.object, lines_.word(1));
         return;
     }
-    // Deliberate: the second number is not the token count but an address.
+    // Deliberate: the second number of this fixed text is an address, and means nothing.
     const auto address = static_cast<int>(reinterpret_cast<std::intptr_t>(&lines_));
     complain("expected one arg to url at line %d (got %d)\n", lines_.number, address);
 }

@@ -1,8 +1,8 @@
 #ifndef VESK_FILEIO_VESK_FORMAT_H
 #define VESK_FILEIO_VESK_FORMAT_H
 
-// The text of a model file, piece by piece. `Out` is what takes the text: it has `+= char`,
-// `+= const char *` and `append(const char *, size_t)`. A std::string does; so does the sink of the
+// The text of a model file, piece by piece. `Out` takes the text: it has `+= char`,
+// `+= const char *` and `append(const char *, size_t)`. A std::string has them, and the sink of the
 // rescue copy, which works when nothing may be allocated any more.
 
 #include "fileio/append_text.h"
@@ -114,7 +114,8 @@ void append_object_header(Out &out, const object_t &object, const object_texts_t
     if (has(texts.name))
         append_line(out, "name", quoting::ESCAPED, texts.name);
     append_frame(out, local);
-    // Deliberate: addresses and textures are not escaped; readers of this form take them as they are.
+    // Deliberate: addresses and textures are not escaped; readers of this form take them as they
+    // are.
     if (has(texts.url))
         append_line(out, "url", quoting::QUOTED, texts.url);
     if (has(texts.data)) {
@@ -142,8 +143,8 @@ void append_vertices(Out &out, const flat_mesh &mesh, const local_frame_t &frame
     }
 }
 
-// `place_of` gives a palette index's number in the file, `count_of` how many references a surface
-// tells to have, from its place and its corners.
+// `place_of` gives a palette index's number in the file, `count_of` the number on a surface's refs
+// line, from its place and its corners.
 template <class Out, class PlaceOf, class CountOf>
 void append_surfaces(Out &out, const flat_mesh &mesh, int begin, int end, const PlaceOf &place_of,
                      const CountOf &count_of)

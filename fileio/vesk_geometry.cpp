@@ -142,7 +142,8 @@ void vesk_geometry::add_reference(surface_t *surface, listitem **last, const sca
 {
     ++lines_.number;
     if (ref.index < 0 || static_cast<std::size_t>(ref.index) >= points_.size()) {
-        complain("ERROR in file line %d - surface's vertex index invalid (%d)\n", lines_.number, ref.index);
+        complain("ERROR in file line %d - surface's vertex index invalid (%d)\n", lines_.number,
+                 ref.index);
         return;
     }
     *last =
@@ -154,8 +155,8 @@ void vesk_geometry::add_reference(surface_t *surface, listitem **last, const sca
 void vesk_geometry::set_material(surface_t *surface, int number)
 {
     if (number > last_material()) {
-        complain("line %d Surface material index (%d) out of range [palette is 0->%d]\n", lines_.number,
-                 number, last_material());
+        complain("line %d Surface material index (%d) out of range [palette is 0->%d]\n",
+                 lines_.number, number, last_material());
         return;
     }
     surface_set_col(surface, palette_index(number));

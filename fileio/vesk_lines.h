@@ -20,21 +20,22 @@ public:
     int number = 0; // of the line, from 1
 
     [[nodiscard]] const char *end() const { return end_; }
-    // Whether lines go to the debug output.
+    // Whether lines are echoed on the debug output.
     [[nodiscard]] bool echoed() const { return echoed_; }
     // Share of the file that was read by now.
     [[nodiscard]] double fraction() const;
 
     // The next line; false at the end of the file.
     bool next();
-    // The line's first word; false, with the word of an earlier line left in place, on a blank line.
+    // The line's first word; false, with the word of an earlier line left in place, on a blank
+    // line.
     bool first_word(std::string *word);
     // The text after the first word, and the whole number there, 0 for none.
     [[nodiscard]] const char *values() const { return values_; }
     [[nodiscard]] int integer() const;
 
-    // The real numbers after the first word; one that is missing leaves its place and those after it
-    // as they are.
+    // The real numbers after the first word; one that is missing leaves its place and those after
+    // it as they are.
     void reals(float *out, int n) const;
 
     // Splits the line into words and returns how many there are.

@@ -1,5 +1,5 @@
-// The older line vocabulary, revisions below 11. After the first word ("VESKa") the file is one block,
-// nested:
+// The older line vocabulary, revisions below 11. After the first word ("VESKa") the file is one
+// block, nested:
 //
 //     OBJECT "name"              (backslash before a quote or backslash)
 //     type CODE                  (0 poly, 1 group, 2 light, 3 cube, 4 sphere, 999 world)
@@ -8,7 +8,7 @@
 //     texture "file"
 //     texturerep X Y
 //     url "text"
-//     dataitems N                number of string lines that follow; only told
+//     dataitems N                number of string lines that follow; not used
 //     string N                   then N bytes and a line end: the object's data
 //     points N                   then N lines X Y Z
 //     surfaces N                 then N surfaces, each:
@@ -191,7 +191,7 @@ bool old_reader::read_line(block *at)
     } else if (word_is("url", 1)) {
         object_set_url(object, text(1));
     } else if (word_is("dataitems", 1)) {
-        return true; // the string lines that follow tell for themselves
+        return true; // the string lines that follow have their own lengths
     } else if (word_is("string", 1)) {
         return read_data(object, integer(1));
     } else if (word_is("points", 1)) {

@@ -1,8 +1,8 @@
 #ifndef VESK_FILEIO_VESK_PLACE_H
 #define VESK_FILEIO_VESK_PLACE_H
 
-// The parts that the readers of both line vocabularies share: the revision that tells which one it
-// is, the limit on what a small file may cost, and the placing of an object that was read.
+// The parts that the readers of both line vocabularies share: the revision, by which they differ,
+// the limit on what a small file may cost, and the placing of an object that was read.
 
 #include "model/object.h"
 

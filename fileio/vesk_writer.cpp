@@ -94,7 +94,7 @@ struct block_t {
     std::atomic<bool> done = false;
 };
 
-// References that the flat mesh left out are told; their count stands in the file all the same.
+// References that the flat mesh left out are counted in the file all the same.
 int reference_count(const geometry_t &g, int i, int corners)
 {
     const surface_t *surface = (*g.mesh->surface_records)[static_cast<size_t>(i)];
@@ -247,7 +247,8 @@ public:
     }
 
 private:
-    // Buffers go from block to block: freed on another thread than took them they would pile up.
+    // Buffers are handed from block to block: freed on another thread than took them they would
+    // pile up.
     void recycle(std::string &text)
     {
         const std::lock_guard lock(mutex);

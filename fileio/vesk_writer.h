@@ -7,8 +7,8 @@
 
 VESK_BEGIN_DECLS
 
-/* Saves the whole scene and makes the file the current one. Always returns 1: failures are told in
-   a message box (write_vesk_object returns them). The file is replaced only when it is complete. */
+/* Saves the whole scene and makes the file the current one. Always returns 1: a failure gives a
+   message box (write_vesk_object returns them). The file is replaced only when it is complete. */
 VESK_API int write_vesk(const char *filename);
 
 /* Saves an object with its descendants; texture names are relative to the current file. Returns 1,
@@ -26,7 +26,7 @@ VESK_END_DECLS
 // The same with texture names relative to `texture_base`, a file name; "" for names in full.
 int vesk_write_model(const std::string &filename, object_t *object,
                      const std::string &texture_base);
-// What it writes, with textures' names in full; tells nothing.
+// The text that it writes, with textures' names in full; no messages.
 std::string vesk_object_text(object_t *object);
 #endif
 

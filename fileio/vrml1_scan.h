@@ -17,7 +17,7 @@ struct vrml_word {
     std::string_view text; // of a TEXT without its quotes
 };
 
-// With progress; what is there by then when the user cancels.
+// With progress; when the user cancels, the words found by then.
 std::vector<vrml_word> vrml_words(std::string_view text, progress_t &progress);
 
 // A range of words.

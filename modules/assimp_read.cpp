@@ -1,4 +1,4 @@
-// What the Assimp library reads, as the plain arrays that the program makes objects of.
+// Scenes that the Assimp library reads, as the plain arrays that the program makes objects of.
 
 #include "modules/assimp_read.h"
 
@@ -85,7 +85,7 @@ private:
                  std::strcmp(top.mName.C_Str(), "ROOT") == 0);
     }
 
-    // FBX tells its unit in centimetres; ours is the metre of the others.
+    // FBX gives its unit in centimetres; ours is the metre of the others.
     aiMatrix4x4 axes() const
     {
         aiMatrix4x4 turn;
@@ -237,7 +237,7 @@ bool has_other_pictures(const aiMaterial &source)
     return false;
 }
 
-// Warns of what the scene holds and the program has no place for, each kind in one line.
+// A warning for each kind of element that the program has no place for.
 void tell_what_is_not_read(const aiScene &scene, plain_scene *out)
 {
     std::size_t pictures = 0;
@@ -269,7 +269,7 @@ void tell_what_is_not_read(const aiScene &scene, plain_scene *out)
 
 // ---- pictures ----
 
-// The suffix of a picture's bytes; what the file says of them when they have no known beginning.
+// The suffix of a picture's bytes; the file's hint when they have no known beginning.
 std::string suffix_of(const aiTexture &texture)
 {
     const auto *bytes = reinterpret_cast<const char *>(texture.pcData);
@@ -325,8 +325,8 @@ std::string gltf_text(const std::string &filename)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Whether a glTF file says of all its triangles that fans of them are polygons: by an extension that
-// it names once in its head and once with each mesh. The library does not tell.
+// Whether a glTF file says of all its triangles that fans of them are polygons: by an extension
+// that it names once in its head and once with each mesh. The library does not report it.
 bool has_fans(const aiScene &scene, const std::string &filename)
 {
     const std::string name = "\"FB_ngon_encoding\"";
@@ -340,7 +340,7 @@ bool has_fans(const aiScene &scene, const std::string &filename)
     return found > 1 && found == meshes + 1;
 }
 
-// Takes out every reader but those of the suffix: what a file looks like never chooses another.
+// Takes out every reader but those of the suffix: the content of a file never chooses another.
 // Two versions of one format may have a reader each.
 bool keep_readers_of(Assimp::Importer &importer, const char *suffix)
 {

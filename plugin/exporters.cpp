@@ -21,7 +21,7 @@ namespace {
 
 listitem *exporters = nullptr;
 
-// A copy: the current file stays what it was.
+// A copy: the current file stays.
 int write_copy(const char *filename)
 {
     return vesk_write_model(filename, vesk_get_world(), filename);

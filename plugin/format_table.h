@@ -1,8 +1,8 @@
 #ifndef VESK_PLUGIN_FORMAT_TABLE_H
 #define VESK_PLUGIN_FORMAT_TABLE_H
 
-// The tables of importers and exporters: lists of records that begin with the texts suffix, description
-// and info, and end with a function.
+// The tables of importers and exporters: lists of records that begin with the texts suffix,
+// description and info, and end with a function.
 
 #include "model/alloc_internal.h"
 #include "model/each.h"

@@ -69,7 +69,7 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     const palette_table by_hash; // of the materials
     const bool whole = guarded_with_recovery(
         [&] {
-            freed_batch at_once; // of what an importer drops on its way
+            freed_batch at_once; // of the objects that an importer drops on its way
             object = importer->load(filename);
         },
         &fault);
@@ -89,7 +89,7 @@ void adopt_children(object_t *container)
     const owned_list children(list_clone(container->children)); // the list changes on the way
     for (object_t *child : each<object_t>(children.get()))
         object_reparent(child, vesk_get_world());
-    select_objectlist(children.get()); // in one go: each selection measures all that is selected
+    select_objectlist(children.get()); // at once: each selection measures all that is selected
     // The container itself stays as it is; nothing refers to it any more.
     object_free(container);
 }

@@ -41,7 +41,7 @@ VESK_API char *vesk_get_all_importer_info(void);
    after a message box (no suffix, no importer) or the importer's own message. */
 VESK_API object_t *vesk_import_file(const char *filename);
 
-/* Reads a file into the scene: what comes is linked under the world (a world gives its children),
+/* Reads a file into the scene: the new tree is linked under the world (a world gives its children),
    selected, and fitted into the views when fit_view_after_load is on. Records no undo. A failed
    load touches neither the scene nor the selection. Returns 1 or 0. Command "load_file". */
 VESK_API int vesk_world_import_file(const char *filename);

@@ -1,4 +1,5 @@
-// Archives (zip) within memory, by libzip: it knows their many forms and checks what it unpacks.
+// Archives (zip) within memory, by libzip, which knows their many forms and checks the unpacked
+// bytes.
 #ifndef INTERCHANGE_ARCHIVE_H
 #define INTERCHANGE_ARCHIVE_H
 
@@ -15,8 +16,8 @@ public:
     archive_reader &operator=(const archive_reader &) = delete;
 
     [[nodiscard]] bool has(const std::string &name) const;
-    // The content of a file. False when there is none of that name, or it is damaged, packed in a way
-    // that such files do not use, or larger than `most` bytes.
+    // The content of a file. False when there is none of that name, or it is damaged, packed in a
+    // way that such files do not use, or larger than `most` bytes.
     bool extract(const std::string &name, std::size_t most, std::string *out) const;
 
 private:

@@ -1,7 +1,7 @@
 // glTF 2.0, as JSON with a .bin beside it, or as one binary file. A mesh has a primitive for each
-// material; flat surfaces have corners of their own, smooth ones share theirs. A polygon is a fan of
-// triangles with one first vertex, which is not that of the polygon before it: so says the extension
-// FB_ngon_encoding, by which readers that know it have the polygons again.
+// material; flat surfaces have corners of their own, smooth ones share theirs. A polygon is a fan
+// of triangles with one first vertex, which is not that of the polygon before it: so says the
+// extension FB_ngon_encoding, by which readers that know it have the polygons again.
 #include "formats.h"
 #include "json.h"
 #include "model.h"

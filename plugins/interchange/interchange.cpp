@@ -1,5 +1,5 @@
-// Formats that come and go through the public interface: readers of its own for OBJ, PLY, STL
-// and 3MF, the program's Assimp process for the others; all writers are its own.
+// Formats that are read and written through the public interface: readers of its own for OBJ, PLY,
+// STL and 3MF, the program's Assimp process for the others; all writers are its own.
 #include "formats.h"
 
 #include <string>

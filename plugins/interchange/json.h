@@ -1,6 +1,5 @@
-// JSON texts in the making. Written by hand: which line a value stands on and how its numbers look is
-// part of what users of these files know, and the JSON library of the distribution has only its own
-// layouts.
+// JSON texts under construction. Of its own: the JSON library of the distribution has only its own
+// layouts, all on one line or all apart, and writes 1 as 1.0; files would change.
 #ifndef INTERCHANGE_JSON_H
 #define INTERCHANGE_JSON_H
 

@@ -1,6 +1,6 @@
 // PLY: tables of vertices, faces and edges, whose columns the file itself describes; as text or
-// binary in either byte order. Texture coordinates come by vertex or by corner, colours by face or
-// by vertex; the texture is the one that a comment names ("TextureFile").
+// binary in either byte order. Texture coordinates stand by vertex or by corner, colours by face
+// or by vertex; the texture is the one that a comment names ("TextureFile").
 #include "formats.h"
 #include "mesh.h"
 #include "text.h"

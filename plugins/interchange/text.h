@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <vector>
 
-// Text that grows. Numbers take the fewest digits that read back as the same number; what is not
-// finite becomes 0.
+// A text under construction. Numbers take the fewest digits that read back as the same number;
+// infinite ones and those that are none become 0.
 class text_out {
 public:
     std::string text;
@@ -60,8 +60,8 @@ std::string url_text(const std::string &text);
 // The words of a line, separated by blanks.
 std::vector<std::string> words_of(const std::string &line);
 
-// Without the mark that some programs put before UTF-8, and with line feeds where lines end in carriage
-// returns alone.
+// Without the mark that some programs put before UTF-8, and with line feeds where lines end in
+// carriage returns alone.
 void plain_lines(std::string &text);
 
 // The name of a file without its folder and suffix.

@@ -36,7 +36,7 @@ public:
                  "<metadata name=\"Application\">VESK</metadata>\n<resources>\n");
         materials();
         textures();
-        // What a list of parts names stands before it.
+        // Parts stand before the list that names them.
         for (std::size_t i = scene_.nodes.size(); i > 0; --i)
             node(i - 1);
         out_.add("</resources>\n<build>\n");

@@ -1,6 +1,6 @@
 // 3MF as it is read: objects by their names with their frames, triangles in the colours of base
 // materials and colour groups and with the pictures of texture groups, also several of these on one
-// triangle. What it has besides (slices, lattices) is told.
+// triangle. Its other elements (slices, lattices) are complaints.
 #include "archive.h"
 #include "formats.h"
 #include "mesh.h"
@@ -23,7 +23,7 @@ constexpr std::size_t most_triangles = 50000000;         // of all that is built
 constexpr int most_levels = 100;
 constexpr std::size_t most_picture_bytes = std::size_t{1} << 28; // of one
 
-// ---- what the file holds ----
+// ---- the records of the file ----
 
 // v x the first nine + the last three.
 struct placing {
@@ -91,7 +91,7 @@ struct multi_group {
     std::vector<std::vector<int>> entries;
 };
 
-// What a corner of a triangle looks like.
+// The look of a corner of a triangle.
 struct corner_look {
     int material = no_material;
     int picture = no_picture;
@@ -343,8 +343,8 @@ private:
                 level + 1);
     }
 
-    // A group; an object when there are triangles; one below a group for each picture when there are
-    // several.
+    // A group; an object when there are triangles; one below a group for each picture when there
+    // are several.
     [[nodiscard]] object_t *make(const stored_object &stored, const std::string &name,
                                  const placing &place) const
     {
