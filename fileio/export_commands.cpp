@@ -17,6 +17,8 @@
 #include "model/world.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <map>
 #include <tuple>
 
@@ -27,15 +29,11 @@ constexpr float smallest_scene = 1e-6f;
 
 // ---- the written parts of an object ----
 
-struct losses_t {
-    int lines = 0;
-    int lights = 0;
-    int pictures = 0;
-    int smooth = 0;
-    int points = 0;
-    int urls = 0;
-    int data = 0;
-};
+// The elements that a format may have no place for, as the report names them.
+enum loss { LINES, LIGHTS, PICTURES, SMOOTH, POINTS, URLS, DATA };
+constexpr const char *loss_names[] = {"lines",        "lights",    "textures",  "smooth surfaces",
+                                      "loose points", "addresses", "data texts"};
+using losses_t = std::array<int, std::size(loss_names)>;
 
 std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &format,
                                   losses_t *losses)
@@ -48,11 +46,11 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
         if (flat.surface_corners(surface).size() < (line ? 2u : 3u))
             continue; // nothing to be seen
         if (line && !format.lines) {
-            ++losses->lines;
+            ++(*losses)[LINES];
             continue;
         }
         const bool smooth = !line && record.smooth != 0;
-        losses->smooth += smooth && !format.smooth ? 1 : 0;
+        (*losses)[SMOOTH] += smooth && !format.smooth ? 1 : 0;
         const int index = written_index(record.material);
         const int type = line ? int{record.type} : int{SURFACE_POLYGON};
         const bool twosided = line || record.twosided != 0;
@@ -68,9 +66,9 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
 void count_losses(const object_t *object, const flat_mesh &flat, const export_format &format,
                   losses_t *losses)
 {
-    losses->points += format.points ? 0 : flat_loose_points(flat);
-    losses->urls += !format.urls && is_set(object->url) ? 1 : 0;
-    losses->data += !format.data && is_set(object->data) ? 1 : 0;
+    (*losses)[POINTS] += format.points ? 0 : flat_loose_points(flat);
+    (*losses)[URLS] += !format.urls && is_set(object->url) ? 1 : 0;
+    (*losses)[DATA] += !format.data && is_set(object->data) ? 1 : 0;
 }
 
 export_object described(object_t *object, const export_format &format, const std::string &filename,
@@ -83,7 +81,7 @@ export_object described(object_t *object, const export_format &format, const std
         return out;
     out.picture = object_texture_beside(object, filename.c_str());
     if (!format.pictures && !out.picture.empty()) {
-        ++losses->pictures;
+        ++(*losses)[PICTURES];
         out.picture.clear();
     }
     return out;
@@ -117,7 +115,7 @@ std::vector<node_t> nodes_of_world(const export_format &format)
     }
     for (size_t i = nodes.size(); i > 0; --i) {
         node_t &node = nodes[i - 1];
-        losses_t ignored;
+        losses_t ignored = {};
         node.holds = node.holds || !parts_of(*object_flat(node.object), format, &ignored).empty();
         if (node.holds && node.parent >= 0)
             nodes[static_cast<size_t>(node.parent)].holds = true;
@@ -159,7 +157,7 @@ private:
     {
         for (const object_t *light : each<object_t>(world_lights())) {
             if (!format_.lights) {
-                ++losses_.lights;
+                ++losses_[LIGHTS];
                 continue;
             }
             ++out_.lights;
@@ -221,20 +219,8 @@ private:
     const std::string filename_;
     atomic_writer_t file_;
     export_text out_;
-    losses_t losses_;
+    losses_t losses_ = {};
 };
-
-// Enters the losses in the report.
-void report_losses(const losses_t &losses)
-{
-    vesk_report_loss(losses.lines, "lines");
-    vesk_report_loss(losses.lights, "lights");
-    vesk_report_loss(losses.pictures, "textures");
-    vesk_report_loss(losses.smooth, "smooth surfaces");
-    vesk_report_loss(losses.points, "loose points");
-    vesk_report_loss(losses.urls, "addresses");
-    vesk_report_loss(losses.data, "data texts");
-}
 
 int write_scene(const char *filename, const export_format &format)
 {
@@ -243,8 +229,8 @@ int write_scene(const char *filename, const export_format &format)
     writer scene(format, name.c_str());
     const bool complete = scene.scene();
     const bool written = complete && scene.commit();
-    if (written)
-        report_losses(scene.losses());
+    for (size_t i = 0; i < std::size(loss_names) && written; ++i)
+        vesk_report_loss(scene.losses()[i], loss_names[i]);
     return export_end(name, format.name, !complete, written);
 }
 
