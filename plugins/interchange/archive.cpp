@@ -10,7 +10,7 @@ constexpr zip_uint16_t first_of_1980 = 1 << 5 | 1; // the date of all files
 
 } // namespace
 
-archive_reader::archive_reader(const std::string &bytes)
+archive_reader::archive_reader(const std::string &bytes) : size_(bytes.size())
 {
     zip_source_t *source = zip_source_buffer_create(bytes.data(), bytes.size(), 0, nullptr);
     archive_ = source == nullptr ? nullptr : zip_open_from_source(source, ZIP_RDONLY, nullptr);
@@ -39,8 +39,8 @@ bool archive_reader::extract(const std::string &name, std::size_t most, std::str
     zip_file_t *file = zip_fopen_index(archive_, about.index, 0);
     if (file == nullptr)
         return false;
-    // The size is but a claim: no more room is made than the packed bytes can fill.
-    out->reserve(std::min({std::size_t{about.size}, most, about.comp_size * most_packing}) + piece);
+    // The sizes are but claims: no more room is made than the archive's bytes can fill.
+    out->reserve(std::min({std::size_t{about.size}, most, size_ * most_packing}) + piece);
     zip_int64_t count = 1;
     while (count > 0 && out->size() <= most) {
         const std::size_t before = out->size();
@@ -54,8 +54,11 @@ bool archive_reader::extract(const std::string &name, std::size_t most, std::str
 
 archive_writer::archive_writer() : bytes_(zip_source_buffer_create(nullptr, 0, 0, nullptr))
 {
+    if (bytes_ == nullptr)
+        return;
     zip_source_keep(bytes_); // they outlive the archive
     archive_ = zip_open_from_source(bytes_, ZIP_TRUNCATE, nullptr);
+    good_ = archive_ != nullptr;
 }
 
 archive_writer::~archive_writer()
@@ -67,14 +70,15 @@ archive_writer::~archive_writer()
 
 void archive_writer::add(const std::string &name, std::string content)
 {
+    if (!good_)
+        return;
     const std::string &kept = contents_.emplace_back(std::move(content));
     zip_source_t *source = zip_source_buffer(archive_, kept.data(), kept.size(), 0);
     const zip_int64_t place = zip_file_add(archive_, name.c_str(), source, ZIP_FL_ENC_UTF_8);
     if (place < 0)
         zip_source_free(source);
     const auto index = static_cast<zip_uint64_t>(place);
-    good_ = good_ && place >= 0 &&
-            zip_set_file_compression(archive_, index, ZIP_CM_STORE, 0) == 0 &&
+    good_ = place >= 0 && zip_set_file_compression(archive_, index, ZIP_CM_STORE, 0) == 0 &&
             zip_file_set_dostime(archive_, index, 0, first_of_1980, 0) == 0;
 }
 

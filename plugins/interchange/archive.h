@@ -21,6 +21,7 @@ public:
     bool extract(const std::string &name, std::size_t most, std::string *out) const;
 
 private:
+    const std::size_t size_; // of the bytes
     zip_t *archive_ = nullptr;
 };
 
@@ -40,7 +41,7 @@ private:
     zip_source_t *bytes_ = nullptr;
     zip_t *archive_ = nullptr;
     std::list<std::string> contents_; // until they are in the archive
-    bool good_ = true;
+    bool good_ = false;
 };
 
 #endif
