@@ -1,12 +1,14 @@
-#ifndef VESK_FILEIO_VESK_WRITER_INTERNAL_H
-#define VESK_FILEIO_VESK_WRITER_INTERNAL_H
+#ifndef VESK_FILEIO_VESK_FRAMES_H
+#define VESK_FILEIO_VESK_FRAMES_H
 
-#include "fileio/vesk_writer.h"
+// The frames that objects are written in.
+
+#include "model/object.h"
 
 #include <functional>
 
-// What a reader will rebuild of an object: its orientation and its centre. An object without a rot
-// line takes its parent's orientation, whatever its own matrix says.
+// The orientation and centre that a reader will rebuild of an object. An object without a rot line
+// takes its parent's orientation, not that of its own matrix.
 struct rebuilt_t {
     float rotation[9];
     point3_t centre;

@@ -1,12 +1,11 @@
 // Materials of Wavefront OBJ files.
-#ifndef INTERCHANGE_OBJ_H
-#define INTERCHANGE_OBJ_H
+#ifndef INTERCHANGE_OBJ_MATERIALS_H
+#define INTERCHANGE_OBJ_MATERIALS_H
 
 #include <cstdlib>
 #include <map>
 #include <plugin/vesk.h>
 #include <string>
-#include <vector>
 
 // A material of an .mtl file.
 struct obj_material {
@@ -14,9 +13,6 @@ struct obj_material {
     std::string picture; // file name as written; "" for none
     float repeat[2] = {1, 1}, offset[2] = {0, 0};
 };
-
-// Words of a line, separated by blanks.
-std::vector<std::string> obj_words(const std::string &line);
 
 // The number that a word holds, 0 for none.
 inline float obj_number(const std::string &word) { return std::strtof(word.c_str(), nullptr); }

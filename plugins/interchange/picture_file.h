@@ -1,6 +1,6 @@
 // Pictures as the files that model files may hold.
-#ifndef INTERCHANGE_PNG_H
-#define INTERCHANGE_PNG_H
+#ifndef INTERCHANGE_PICTURE_FILE_H
+#define INTERCHANGE_PICTURE_FILE_H
 
 #include <plugin/vesk.h>
 #include <string>

@@ -1,12 +1,13 @@
-// Blocks of vertices and of surfaces.
+#include "fileio/vesk_geometry.h"
 
-#include "fileio/tree_reader.h"
+#include "base/numbers.h"
+#include "fileio/vesk_messages.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 
 // ---- vertices ----
 
-void tree_reader::know_vertices(const object_t *object)
+void vesk_geometry::know_vertices(const object_t *object)
 {
     if (known_ == object && points_.size() == static_cast<std::size_t>(object->num_vertices))
         return;
@@ -16,13 +17,12 @@ void tree_reader::know_vertices(const object_t *object)
     known_ = object;
 }
 
-void tree_reader::read_numvert(block &at)
+void vesk_geometry::read_vertices(object_t *object)
 {
-    object_t *object = at.object;
     know_vertices(object);
     listitem *last = object->vertices ? list_end(object->vertices) : nullptr;
-    for (int left = line_int(); left > 0;) {
-        const scan_piece &piece = scanner_.vertices(p_, left);
+    for (int left = lines_.integer(); left > 0;) {
+        const scan_piece &piece = scanner_.vertices(lines_.place, left);
         const float *xyz = scanner_.batch().xyz.data() + piece.first;
         for (int i = 0; i < piece.count; ++i, xyz += 3) {
             vertex *point = new_vertex_set(xyz[0], xyz[1], xyz[2]);
@@ -30,25 +30,24 @@ void tree_reader::read_numvert(block &at)
             points_.push_back(point);
         }
         object->num_vertices += piece.count;
-        line_ += piece.count;
+        lines_.number += piece.count;
         left = piece.stopped ? 0 : left - piece.count;
-        p_ = piece.end;
+        lines_.place = piece.end;
     }
     object_mark(object, CHANGED_TOPOLOGY);
 }
 
 // ---- surfaces ----
 
-bool tree_reader::read_surfaces(block &at)
+bool vesk_geometry::read_surfaces(object_t *object)
 {
-    object_t *object = at.object;
     know_vertices(object);
     object_mark(object, CHANGED_TOPOLOGY);
-    for (int left = line_int(); left > 0;) {
-        if (!verbose_) { // else every line is echoed
-            const scan_piece &piece = scanner_.surfaces(p_, left);
+    for (int left = lines_.integer(); left > 0;) {
+        if (!lines_.echoed()) { // else every line is echoed
+            const scan_piece &piece = scanner_.surfaces(lines_.place, left);
             build_surfaces(object, piece);
-            p_ = piece.end;
+            lines_.place = piece.end;
             left -= piece.count;
             if (!piece.stopped)
                 continue;
@@ -60,7 +59,7 @@ bool tree_reader::read_surfaces(block &at)
     return true;
 }
 
-void tree_reader::build_surfaces(object_t *object, const scan_piece &piece)
+void vesk_geometry::build_surfaces(object_t *object, const scan_piece &piece)
 {
     const scan_batch &batch = scanner_.batch();
     const scanned_ref *ref = batch.refs.data() + piece.first_ref;
@@ -70,9 +69,9 @@ void tree_reader::build_surfaces(object_t *object, const scan_piece &piece)
         surface_t *surface = new_surface();
         last = list_add_item_fast(&object->surfaces, last, surface);
         vesk_surface_set_flags(surface, from->flags);
-        line_ += 2;
+        lines_.number += 2;
         set_material(surface, from->material);
-        ++line_;
+        ++lines_.number;
         listitem *last_ref = nullptr;
         for (int corner = 0; corner < from->num_refs; ++corner)
             add_reference(surface, &last_ref, *ref++);
@@ -81,26 +80,26 @@ void tree_reader::build_surfaces(object_t *object, const scan_piece &piece)
 }
 
 // By lines, in any order; false at the end of the file.
-bool tree_reader::read_surface(object_t *object)
+bool vesk_geometry::read_surface(object_t *object)
 {
     surface_t *surface = new_surface();
     object_add_surface(object, surface);
     std::string word;
-    while (next_line()) {
-        const bool blank = !line_word(&word);
+    while (lines_.next()) {
+        const bool blank = !lines_.first_word(&word);
         if (word.empty())
             continue;
         if (word == "SURF") {
-            if (tokens() == 2)
-                vesk_surface_set_flags(surface, int_of_any_base(tokens_[1]));
+            if (lines_.split() == 2)
+                vesk_surface_set_flags(surface, int_of_any_base(lines_.word(1)));
             else
                 complain("SURF should be followed by one flags argument\n");
         } else if (word == "mat") {
             if (!blank)
-                set_material(surface, line_int());
+                set_material(surface, lines_.integer());
         } else if (word == "refs") {
             if (!blank) {
-                read_references(surface, line_int());
+                read_references(surface, lines_.integer());
                 return true;
             }
         } else if (word == "kids" || word == "OBJECT") {
@@ -116,34 +115,35 @@ bool tree_reader::read_surface(object_t *object)
     return false;
 }
 
-void tree_reader::read_references(surface_t *surface, int claimed)
+void vesk_geometry::read_references(surface_t *surface, int claimed)
 {
     listitem *last = nullptr;
     for (int i = 0; i < claimed; ++i) {
         scanned_ref ref = {};
-        const char *after = scan_int(p_, end_, &ref.index);
+        const char *after = scan_int(lines_.place, lines_.end(), &ref.index);
         if (!after) {
-            p_ = skip_space(p_, end_);
+            lines_.place = skip_space(lines_.place, lines_.end());
             return;
         }
-        p_ = after;
+        lines_.place = after;
         for (float *value : {&ref.u, &ref.v}) {
-            after = scan_float(p_, end_, value);
+            after = scan_float(lines_.place, lines_.end(), value);
             if (!after)
                 break;
-            p_ = after;
+            lines_.place = after;
         }
-        p_ = skip_space(p_, end_);
+        lines_.place = skip_space(lines_.place, lines_.end());
         add_reference(surface, &last, ref);
     }
 }
 
 // Counts the reference's line.
-void tree_reader::add_reference(surface_t *surface, listitem **last, const scanned_ref &ref)
+void vesk_geometry::add_reference(surface_t *surface, listitem **last, const scanned_ref &ref)
 {
-    ++line_;
+    ++lines_.number;
     if (ref.index < 0 || static_cast<std::size_t>(ref.index) >= points_.size()) {
-        complain("ERROR in file line %d - surface's vertex index invalid (%d)\n", line_, ref.index);
+        complain("ERROR in file line %d - surface's vertex index invalid (%d)\n", lines_.number,
+                 ref.index);
         return;
     }
     *last =
@@ -152,11 +152,11 @@ void tree_reader::add_reference(surface_t *surface, listitem **last, const scann
     ++surface->num_refs;
 }
 
-void tree_reader::set_material(surface_t *surface, int number)
+void vesk_geometry::set_material(surface_t *surface, int number)
 {
     if (number > last_material()) {
-        complain("line %d Surface material index (%d) out of range [palette is 0->%d]\n", line_,
-                 number, last_material());
+        complain("line %d Surface material index (%d) out of range [palette is 0->%d]\n",
+                 lines_.number, number, last_material());
         return;
     }
     surface_set_col(surface, palette_index(number));

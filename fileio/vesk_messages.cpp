@@ -1,10 +1,8 @@
-// What the readers of model files tell the user.
+#include "fileio/vesk_messages.h"
 
 #include "base/messages_internal.h"
-#include "fileio/vesk_reader_internal.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -23,16 +21,6 @@ complaint_record &complaints()
 }
 
 } // namespace
-
-std::optional<unsigned> vesk_revision_of(std::string_view word)
-{
-    if (word.substr(0, 4) != "VESK")
-        return std::nullopt;
-    unsigned revision = 0;
-    const auto [after, error] =
-        std::from_chars(word.data() + 4, word.data() + word.size(), revision, 16);
-    return error == std::errc::result_out_of_range ? UINT32_MAX : revision;
-}
 
 void tell_newer_version(const char *filename)
 {
@@ -77,7 +65,3 @@ void tell_load_done()
         display_message("%d problems in the file, the first: %s", record.count,
                         record.first.c_str());
 }
-
-int vesk_reader_complaints() { return complaints().count; }
-
-const char *vesk_reader_first_complaint() { return complaints().first.c_str(); }
