@@ -29,6 +29,8 @@ void add_count(std::vector<file_report::count> &counts, int number, const char *
 
 // ---- JSON ----
 
+std::string json_text(const std::string &text) { return vesk_json_text(text.c_str()); }
+
 class json_writer {
 public:
     std::string text = "{";
@@ -130,17 +132,6 @@ const char *vesk_report_losses(const char *format)
     }
     text = counts.empty() ? "" : " - " + counts + " were left out: " + format + " has no " + lacks;
     return text.c_str();
-}
-
-std::string json_text(const std::string &text)
-{
-    std::string out = "\"";
-    for (const char *p = vesk_utf8(text.c_str()); *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
-            out += '\\';
-        out += *p;
-    }
-    return out + '"';
 }
 
 std::string file_report_json(const file_report &shown_report)

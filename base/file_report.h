@@ -68,7 +68,6 @@ void file_report_merged(const char *name, const char *into);
 
 // As a JSON text with a line for each field.
 std::string file_report_json(const file_report &report);
-std::string json_text(const std::string &text); // in quotes
 #endif
 
 #endif

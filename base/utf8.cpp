@@ -1,14 +1,15 @@
 #include "base/utf8.h"
 
+#include <algorithm>
+#include <cstring>
 #include <string>
 
-namespace {
-
-// Length of the letter of several bytes that begins there, 0 when none does.
-size_t letter_length(const char *text)
+size_t utf8_letter(const char *text)
 {
     const auto byte = [text](size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned first = byte(0);
+    if (first < 0x80)
+        return first == 0 ? 0 : 1;
     const size_t length = first >= 0xC2 && first <= 0xDF   ? 2
                           : first >= 0xE0 && first <= 0xEF ? 3
                           : first >= 0xF0 && first <= 0xF4 ? 4
@@ -24,7 +25,13 @@ size_t letter_length(const char *text)
     return odd ? 0 : length;
 }
 
-} // namespace
+size_t utf8_whole(const char *text, size_t most)
+{
+    size_t end = std::min(std::strlen(text), most);
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;
+    return end;
+}
 
 const char *vesk_utf8(const char *text)
 {
@@ -32,8 +39,8 @@ const char *vesk_utf8(const char *text)
     std::string letters;
     for (const char *p = text == nullptr ? "" : text; *p != '\0';) {
         const auto byte = static_cast<unsigned char>(*p);
-        const size_t length = letter_length(p);
-        if (length > 0) {
+        const size_t length = utf8_letter(p);
+        if (length > 1) {
             letters.append(p, length);
         } else if (byte >= 0x80) {
             letters += static_cast<char>(0xC0 | byte >> 6);
@@ -44,5 +51,18 @@ const char *vesk_utf8(const char *text)
         p += length > 0 ? length : 1;
     }
     out = letters; // the argument may be this very buffer
+    return out.c_str();
+}
+
+const char *vesk_json_text(const char *text)
+{
+    static std::string out;
+    std::string quoted = "\"";
+    for (const char *p = vesk_utf8(text); *p != '\0'; ++p) {
+        if (*p == '"' || *p == '\\')
+            quoted += '\\';
+        quoted += *p;
+    }
+    out = quoted + '"'; // the argument may be this very buffer
     return out.c_str();
 }

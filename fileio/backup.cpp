@@ -18,8 +18,6 @@ std::string version(const char *file, int number)
 
 void set_backup_versions(int versions) { versions_kept = std::clamp(versions, 0, 99); }
 
-int backup_versions() { return versions_kept; }
-
 std::string backup_begin(const char *file)
 {
     std::error_code error;

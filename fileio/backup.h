@@ -7,7 +7,6 @@
 
 // How many are kept; 0 keeps none. At most 99.
 void set_backup_versions(int versions);
-int backup_versions();
 
 // Round a save: begin keeps the present version of the file aside, end makes it the newest backup
 // when the save succeeded, else forgets it. A file that is not there has no previous version.

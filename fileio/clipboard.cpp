@@ -1,6 +1,5 @@
 #include "fileio/clipboard.h"
 
-#include "base/current_file.h"
 #include "base/messages.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"
@@ -15,7 +14,6 @@
 #include "model/world.h"
 
 #include <string>
-#include <utility>
 
 namespace {
 
@@ -40,11 +38,8 @@ void clear()
 std::string_view text_for_others()
 {
     clipboard_t &held = clipboard();
-    if (held.text.empty() && held.world != nullptr) {
-        const current_file_t kept = std::exchange(current_file(), {}); // full names of textures
+    if (held.text.empty() && held.world != nullptr)
         held.text = vesk_object_text(held.world);
-        current_file() = kept;
-    }
     return held.text;
 }
 
@@ -76,10 +71,10 @@ int copy_selection(const char *what)
     return static_cast<int>(copies.size());
 }
 
-// The objects of a model text that another program offers. They leave their container, which goes.
+// The objects of a model text that another program offers, without their container.
 std::vector<object_t *> objects_of_others()
 {
-    pump_begin(); // events come in while the other program answers
+    pump_begin(); // events are let in while the other program answers
     const char *text = ui_port().clipboard_get();
     pump_end();
     object_t *top = text != nullptr ? vesk_object_of_text(text) : nullptr;

@@ -3,7 +3,7 @@
 
 // The clipboard: copies of objects outside the world, owned by it. It is offered to other programs
 // as the text of a model file, which is made when one of them asks; a paste takes such a text from
-// another running instance. What comes in is read as a model file and never evaluated.
+// another running instance. A pasted text is read as a model file and never evaluated.
 
 // "clipboard_copy": the selected objects; in surface and vertex mode one object for each owner of
 // whole surfaces.

@@ -19,7 +19,7 @@ std::string &images_folder()
 }
 
 // Without folders, and never the name of a hidden file or of anything but a picture: the model file
-// may come from anywhere.
+// is not trusted.
 std::string plain_name(const char *name)
 {
     std::string plain = vesk_filename_get_file(name);

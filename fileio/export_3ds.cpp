@@ -6,7 +6,9 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/progress.h"
-#include "fileio/write_report.h"
+#include "base/utf8.h"
+#include "fileio/export_scene.h"
+#include "fileio/output.h"
 #include "model/each.h"
 #include "model/ear_cut.h"
 #include "model/flat_mesh.h"
@@ -32,7 +34,7 @@ constexpr size_t most_material_name = 16;
 
 struct names_t {
     std::set<std::string> taken;
-    std::unordered_map<std::string, int> numbers; // the last one that a name was told apart by
+    std::unordered_map<std::string, int> numbers; // the last number behind a name
 };
 
 // ---- chunks ----
@@ -164,15 +166,14 @@ private:
     void count_losses(const object_t &object, const flat_mesh &flat)
     {
         points_ += flat_loose_points(flat);
-        texts_ += (object.url != nullptr && *object.url != '\0' ? 1 : 0) +
-                  (object.data != nullptr && *object.data != '\0' ? 1 : 0);
+        texts_ += (is_set(object.url) ? 1 : 0) + (is_set(object.data) ? 1 : 0);
     }
 
     void add_surface(const flat_mesh &flat, int surface, object_t *object, mesh_t &mesh)
     {
         const flat_surface &record = (*flat.surfaces)[static_cast<size_t>(surface)];
         const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-        if (record.type == SURFACE_LINE || record.type == SURFACE_CLOSED_LINE) {
+        if (is_line(record.type)) {
             ++lines_;
             return;
         }
@@ -259,7 +260,7 @@ private:
     // Names are short; one that is taken gets a number.
     std::string unique(names_t *names, const char *wanted, const char *fallback, size_t most)
     {
-        const std::string whole = wanted == nullptr || *wanted == '\0' ? fallback : wanted;
+        const std::string whole = is_set(wanted) ? wanted : fallback;
         shortened_ += whole.size() > most ? 1 : 0;
         const std::string start = first_letters(whole, most);
         int &number = names->numbers[start];
@@ -271,21 +272,15 @@ private:
         return name;
     }
 
-    // As many whole letters as fit into so many bytes.
     static std::string first_letters(const std::string &name, size_t bytes)
     {
-        size_t end = std::min(name.size(), bytes);
-        while (end > 0 && end < name.size() &&
-               (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80)
-            --end;
-        return name.substr(0, end);
+        return name.substr(0, utf8_whole(name.c_str(), bytes));
     }
 
     // A palette entry together with the object's picture, described when it is first used.
     std::string material_name(const flat_surface &surface, const object_t *object)
     {
-        const int count = vesk_get_num_palette();
-        const int index = surface.material >= 0 && surface.material < count ? surface.material : 0;
+        const int index = written_index(surface.material);
         const auto key =
             std::tuple(index, picture_, object->texture_repeat_x, object->texture_repeat_y,
                        object->texture_offset_x, object->texture_offset_y, surface.twosided);
@@ -332,20 +327,10 @@ int write_3ds(const char *filename)
 {
     const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
-    double surfaces = 0;
-    for_each_object(vesk_get_world(),
-                    [&](const object_t *object) { surfaces += object->num_surfaces; });
-    writer scene(name, surfaces);
+    writer scene(name, surfaces_of_world());
     for_each_object(vesk_get_world(), [&](object_t *object) { scene.add(object); });
-    if (scene.cancelled()) {
-        display_message("write 3DS - cancelled");
-        return 0;
-    }
-    if (!atomic_file_write(name.c_str(), scene.file())) {
-        tell_cannot_write(name.c_str());
-        return 0;
-    }
-    scene.report();
-    display_message("written file %s%s", name.c_str(), vesk_report_losses("3DS"));
-    return 1;
+    const bool written = !scene.cancelled() && atomic_file_write(name.c_str(), scene.file());
+    if (written)
+        scene.report();
+    return export_end(name, "3DS", scene.cancelled(), written);
 }

@@ -7,7 +7,7 @@ VESK_BEGIN_DECLS
 
 /* Writes the world as 3D Studio file: an object for each that has polygons (several for large ones),
    cut into triangles, with materials, pictures and texture coordinates; Z upwards with swap_3ds_yz.
-   Lines are left out and counted. Returns 1, or 0 (told) when the file could not be written. Command
+   Lines are left out and counted. Returns 1, or 0 after a message when it could not be written. Command
    "write_3ds". */
 VESK_API int write_3ds(const char *filename);
 

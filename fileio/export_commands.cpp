@@ -2,45 +2,38 @@
 
 #include "base/atomic_file.h"
 #include "base/file_report.h"
-#include "base/filename.h"
 #include "base/messages.h"
 #include "base/prefs.h"
-#include "base/progress.h"
-#include "fileio/export_scene.h"
-#include "fileio/write_report.h"
+#include "fileio/export_inventor.h"
+#include "fileio/export_plain.h"
+#include "fileio/export_pov.h"
+#include "fileio/export_rib.h"
+#include "fileio/output.h"
 #include "model/bounds.h"
 #include "model/each.h"
-#include "model/ear_cut.h"
 #include "model/lights.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
-#include "view/camera_eye.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <map>
 #include <tuple>
 
 namespace {
 
-constexpr size_t piece_size = 1 << 20; // bytes that go out at once
+constexpr size_t piece_size = 1 << 20; // bytes written at once
 constexpr float smallest_scene = 1e-6f;
 
-bool is_line(int type) { return type == SURFACE_LINE || type == SURFACE_CLOSED_LINE; }
+// ---- the written parts of an object ----
 
-// ---- what is written of an object ----
-
-int palette_index(int index) { return index >= 0 && index < vesk_get_num_palette() ? index : 0; }
-
-struct losses_t {
-    int lines = 0;
-    int lights = 0;
-    int pictures = 0;
-    int smooth = 0;
-    int points = 0;
-    int urls = 0;
-    int data = 0;
-};
+// The elements that a format may have no place for, as the report names them.
+enum loss { LINES, LIGHTS, PICTURES, SMOOTH, POINTS, URLS, DATA };
+constexpr const char *loss_names[] = {"lines",        "lights",    "textures",  "smooth surfaces",
+                                      "loose points", "addresses", "data texts"};
+using losses_t = std::array<int, std::size(loss_names)>;
 
 std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &format,
                                   losses_t *losses)
@@ -53,12 +46,12 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
         if (flat.surface_corners(surface).size() < (line ? 2u : 3u))
             continue; // nothing to be seen
         if (line && !format.lines) {
-            ++losses->lines;
+            ++(*losses)[LINES];
             continue;
         }
         const bool smooth = !line && record.smooth != 0;
-        losses->smooth += smooth && !format.smooth ? 1 : 0;
-        const int index = palette_index(record.material);
+        (*losses)[SMOOTH] += smooth && !format.smooth ? 1 : 0;
+        const int index = written_index(record.material);
         const int type = line ? int{record.type} : int{SURFACE_POLYGON};
         const bool twosided = line || record.twosided != 0;
         const auto found = known.emplace(std::tuple(index, type, smooth, twosided), parts.size());
@@ -69,13 +62,13 @@ std::vector<export_part> parts_of(const flat_mesh &flat, const export_format &fo
     return parts;
 }
 
-// What the format has no place for, besides surfaces.
+// Counts the losses besides surfaces.
 void count_losses(const object_t *object, const flat_mesh &flat, const export_format &format,
                   losses_t *losses)
 {
-    losses->points += format.points ? 0 : flat_loose_points(flat);
-    losses->urls += !format.urls && is_set(object->url) ? 1 : 0;
-    losses->data += !format.data && is_set(object->data) ? 1 : 0;
+    (*losses)[POINTS] += format.points ? 0 : flat_loose_points(flat);
+    (*losses)[URLS] += !format.urls && is_set(object->url) ? 1 : 0;
+    (*losses)[DATA] += !format.data && is_set(object->data) ? 1 : 0;
 }
 
 export_object described(object_t *object, const export_format &format, const std::string &filename,
@@ -88,7 +81,7 @@ export_object described(object_t *object, const export_format &format, const std
         return out;
     out.picture = object_texture_beside(object, filename.c_str());
     if (!format.pictures && !out.picture.empty()) {
-        ++losses->pictures;
+        ++(*losses)[PICTURES];
         out.picture.clear();
     }
     return out;
@@ -96,8 +89,8 @@ export_object described(object_t *object, const export_format &format, const std
 
 // ---- the walk ----
 
-// The tree below the world, parents before their children; `holds` tells of surfaces in the object
-// or below it.
+// The tree below the world, parents before their children; `holds`: there are surfaces in the
+// object or below it.
 struct node_t {
     object_t *object;
     int parent; // index, -1 for the world
@@ -122,7 +115,7 @@ std::vector<node_t> nodes_of_world(const export_format &format)
     }
     for (size_t i = nodes.size(); i > 0; --i) {
         node_t &node = nodes[i - 1];
-        losses_t ignored;
+        losses_t ignored = {};
         node.holds = node.holds || !parts_of(*object_flat(node.object), format, &ignored).empty();
         if (node.holds && node.parent >= 0)
             nodes[static_cast<size_t>(node.parent)].holds = true;
@@ -164,7 +157,7 @@ private:
     {
         for (const object_t *light : each<object_t>(world_lights())) {
             if (!format_.lights) {
-                ++losses_.lights;
+                ++losses_[LIGHTS];
                 continue;
             }
             ++out_.lights;
@@ -184,7 +177,7 @@ private:
             out_.next += work_of(node);
             if (!progress.step(out_.done))
                 return false;
-            // Lights were written as such; what they hold besides is an object like others.
+            // Lights were written as such; their surfaces and children are an object like others.
             const export_object object = described(node.object, format_, filename_, &losses_);
             if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
                 continue;
@@ -226,122 +219,22 @@ private:
     const std::string filename_;
     atomic_writer_t file_;
     export_text out_;
-    losses_t losses_;
+    losses_t losses_ = {};
 };
-
-// Counts what was left out in the report.
-void report_losses(const losses_t &losses)
-{
-    vesk_report_loss(losses.lines, "lines");
-    vesk_report_loss(losses.lights, "lights");
-    vesk_report_loss(losses.pictures, "textures");
-    vesk_report_loss(losses.smooth, "smooth surfaces");
-    vesk_report_loss(losses.points, "loose points");
-    vesk_report_loss(losses.urls, "addresses");
-    vesk_report_loss(losses.data, "data texts");
-}
 
 int write_scene(const char *filename, const export_format &format)
 {
     const std::string name = filename; // the messages let scripts run
     vesk_report_export(name.c_str());
     writer scene(format, name.c_str());
-    if (!scene.scene()) {
-        display_message("write %s - cancelled", format.name);
-        return 0;
-    }
-    if (!scene.commit()) {
-        tell_cannot_write(name.c_str());
-        return 0;
-    }
-    report_losses(scene.losses());
-    display_message("written file %s%s", name.c_str(), vesk_report_losses(format.name));
-    return 1;
+    const bool complete = scene.scene();
+    const bool written = complete && scene.commit();
+    for (size_t i = 0; i < std::size(loss_names) && written; ++i)
+        vesk_report_loss(scene.losses()[i], loss_names[i]);
+    return export_end(name, format.name, !complete, written);
 }
 
 } // namespace
-
-// ---- what several formats need ----
-
-flat_uv export_object::uv(int corner) const
-{
-    const flat_uv &at = (*flat->texture_coords)[static_cast<size_t>(corner)];
-    return {at.u * object->texture_repeat_x + object->texture_offset_x,
-            at.v * object->texture_repeat_y + object->texture_offset_y};
-}
-
-std::string export_one_line(const char *text)
-{
-    std::string line = text == nullptr ? "" : text;
-    for (char &c : line)
-        if (static_cast<unsigned char>(c) < ' ' || c == 0x7F)
-            c = ' ';
-    return line;
-}
-
-std::string export_quoted(const char *text)
-{
-    std::string out = "\"";
-    for (const char c : export_one_line(text)) {
-        if (c == '"' || c == '\\')
-            out += '\\';
-        out += c;
-    }
-    return out + '"';
-}
-
-export_eye export_view_eye()
-{
-    double m[16]; // column by column
-    camera_modelview(m);
-    const double scale = std::sqrt(m[0] * m[0] + m[4] * m[4] + m[8] * m[8]);
-    const double size = scale > 0 ? scale : 1;
-    point3_t axes[3];
-    double location[3] = {};
-    for (int i = 0; i < 3; ++i) {
-        axes[i] = {static_cast<float>(m[i] / size), static_cast<float>(m[4 + i] / size),
-                   static_cast<float>(m[8 + i] / size)};
-        for (int k = 0; k < 3; ++k)
-            location[k] -= m[4 * k + i] * m[12 + i] / (size * size);
-    }
-    const point3_t low = find_object_min(vesk_get_world());
-    const point3_t extent = find_object_size(vesk_get_world());
-    const projection_t view =
-        camera_projection(low, {low.x + extent.x, low.y + extent.y, low.z + extent.z});
-    return {.location = {static_cast<float>(location[0]), static_cast<float>(location[1]),
-                         static_cast<float>(location[2])},
-            .right = axes[0],
-            .up = axes[1],
-            .direction = {-axes[2].x, -axes[2].y, -axes[2].z},
-            .perspective = view.perspective,
-            .half_height = view.perspective ? view.half_height : view.half_height / size};
-}
-
-int export_vertices::place(int index) const
-{
-    return static_cast<int>(std::lower_bound(used.begin(), used.end(), index) - used.begin());
-}
-
-export_vertices export_used_vertices(const export_object &object, const export_part &part)
-{
-    export_vertices out;
-    for (const int surface : part.surfaces) {
-        const auto corners = object.flat->surface_corners(surface);
-        out.used.insert(out.used.end(), corners.begin(), corners.end());
-    }
-    std::sort(out.used.begin(), out.used.end());
-    out.used.erase(std::unique(out.used.begin(), out.used.end()), out.used.end());
-    return out;
-}
-
-std::vector<int> export_triangles(const export_object &object, const export_part &part)
-{
-    std::vector<int> triangles;
-    for (const int surface : part.surfaces)
-        for (const int corner : surface_ears(*object.flat, surface))
-            triangles.push_back(object.first_corner(surface) + corner);
-    return triangles;
-}
 
 // ---- commands ----
 

@@ -1,9 +1,9 @@
 #ifndef VESK_FILEIO_EXPORT_COMMANDS_H
 #define VESK_FILEIO_EXPORT_COMMANDS_H
 
-// Commands of the same names: each writes the scene in a text format. What the format has no place
-// for is left out, counted and told in one line. Returns 1, or 0 (told) when the file could not be
-// written or the user cancelled; a former file is then as it was.
+// Commands of the same names: each writes the scene in a text format. Elements that the format has
+// no place for are left out and counted in one line. Returns 1, or 0 after a message when the file
+// could not be written or the user cancelled; a former file is then as it was.
 int write_vrml(const char *filename);     // VRML 1.0
 int write_inventor(const char *filename); // Open Inventor 2.1, ASCII
 int write_POV(const char *filename);      // scene of the POV renderer, as the pov_ preferences say

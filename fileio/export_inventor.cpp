@@ -1,7 +1,4 @@
-// VRML 1.0 and the ASCII form of Open Inventor 2.1, of which the former is a subset: the nodes
-// written here are the same in both, only the first line differs.
-
-#include "fileio/export_scene.h"
+#include "fileio/export_inventor.h"
 
 #include <algorithm>
 
@@ -33,8 +30,8 @@ void write_material(export_text &out, const export_part &part)
     colour(out, "diffuseColor", m.diffuse);
     colour(out, "specularColor", m.specular);
     colour(out, "emissiveColor", line ? m.diffuse : m.emissive); // lines are not lit
-    out.add("  shininess ", std::clamp(m.shininess / 128, 0.0f, 1.0f), "\n  transparency ",
-            std::clamp(m.transparency, 0.0f, 1.0f), "\n}\n");
+    out.add("  shininess ", within_one(m.shininess / 128), "\n  transparency ",
+            within_one(m.transparency), "\n}\n");
 }
 
 // Indices of all corners, -1 after each surface.

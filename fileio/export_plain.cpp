@@ -1,6 +1,5 @@
-// Triangle lists, and the plain scene text that docs/manual.md describes.
+#include "fileio/export_plain.h"
 
-#include "fileio/export_scene.h"
 #include "model/palette.h"
 
 #include <algorithm>
@@ -8,7 +7,7 @@
 
 namespace {
 
-// ---- triangle lists: what fileio/import_text.cpp reads ----
+// ---- triangle lists, in the form that fileio/import_text.cpp reads ----
 
 void put_triangles(export_text &out, const export_object &object)
 {

@@ -1,9 +1,6 @@
-// Scenes of the POV renderer, version 3.5: a camera, lights, and a union for each object with its
-// meshes and children. The world's right-handed axes are kept: the camera's right vector points
-// backwards (pov_right_aspect is negative).
+#include "fileio/export_pov.h"
 
 #include "base/prefs.h"
-#include "fileio/export_scene.h"
 #include "model/bounds.h"
 #include "model/lights.h"
 #include "model/world.h"
@@ -23,16 +20,15 @@ std::string vector(const point3_t &p)
     return out.text;
 }
 
-float within(float value) { return std::clamp(value, 0.0f, 1.0f); }
-
-point3_t colour(const float *rgb) { return {within(rgb[0]), within(rgb[1]), within(rgb[2])}; }
+point3_t colour(const float *rgb)
+{
+    return {within_one(rgb[0]), within_one(rgb[1]), within_one(rgb[2])};
+}
 
 void write_camera(export_text &out, const export_eye &eye)
 {
     const double right = prefs.pov_right_aspect;
     const double up = prefs.pov_up_aspect;
-    const point3_t target = {eye.location.x + eye.direction.x, eye.location.y + eye.direction.y,
-                             eye.location.z + eye.direction.z};
     out.add("camera {\n");
     if (eye.perspective) {
         // The angle is that of the picture's width.
@@ -44,7 +40,7 @@ void write_camera(export_text &out, const export_eye &eye)
         out.add("  orthographic\n  location ", vector(eye.location), "\n  up <0, ", up * height,
                 ", 0>\n  right <", right * height, ", 0, 0>\n");
     }
-    out.add("  sky ", vector(eye.up), "\n  look_at ", vector(target), "\n}\n");
+    out.add("  sky ", vector(eye.up), "\n  look_at ", vector(eye.target()), "\n}\n");
 }
 
 // Seen from the front, whole: where the viewer of the 3D view is not asked for.
@@ -105,17 +101,17 @@ void write_look(export_text &out, const export_object &object, const export_part
 {
     const material &m = *part.look;
     const point3_t specular = colour(m.specular);
-    const point3_t ambient = {within(m.ambient[0] * scene_ambient + m.emissive[0]),
-                              within(m.ambient[1] * scene_ambient + m.emissive[1]),
-                              within(m.ambient[2] * scene_ambient + m.emissive[2])};
+    const point3_t ambient = {within_one(m.ambient[0] * scene_ambient + m.emissive[0]),
+                              within_one(m.ambient[1] * scene_ambient + m.emissive[1]),
+                              within_one(m.ambient[2] * scene_ambient + m.emissive[2])};
     out.add("    texture {\n");
     if (!object.picture.empty())
         out.add("      uv_mapping\n      pigment { image_map { ", picture_kind(object.picture), ' ',
-                export_quoted(object.picture.c_str()), " transmit all ", within(m.transparency),
+                export_quoted(object.picture.c_str()), " transmit all ", within_one(m.transparency),
                 " } }\n");
     else
         out.add("      pigment { color rgb ", vector(colour(m.diffuse)), " transmit ",
-                within(m.transparency), " }\n");
+                within_one(m.transparency), " }\n");
     out.add("      finish { ambient rgb ", vector(ambient), " diffuse 1 phong ",
             std::max({specular.x, specular.y, specular.z}), " phong_size ",
             std::max(m.shininess, 1.0f), " }\n    }\n");

@@ -1,8 +1,6 @@
-// RenderMan interface bytestream: with a camera and a world round it (output_rib_header), or only
-// the objects, for inclusion in another file.
+#include "fileio/export_rib.h"
 
 #include "base/prefs.h"
-#include "fileio/export_scene.h"
 #include "model/lights.h"
 
 #include <algorithm>
@@ -15,12 +13,10 @@ constexpr int picture_height = 480;
 constexpr float ambient_light = 0.2f;
 constexpr float line_width = 1 / 500.0f; // of the scene's size
 
-float within(float value) { return std::clamp(value, 0.0f, 1.0f); }
-
 std::string colour(const float *rgb)
 {
     export_text out;
-    out.add('[', within(rgb[0]), ' ', within(rgb[1]), ' ', within(rgb[2]), ']');
+    out.add('[', within_one(rgb[0]), ' ', within_one(rgb[1]), ' ', within_one(rgb[2]), ']');
     return out.text;
 }
 
@@ -57,11 +53,9 @@ void begin(export_text &out)
     out.add("WorldBegin\nLightSource \"ambientlight\" 0 \"intensity\" [", ambient_light, "]\n");
     // Shines from the viewer, as the 3D view's own light.
     const export_eye eye = export_view_eye();
-    const point3_t to = {eye.location.x + eye.direction.x, eye.location.y + eye.direction.y,
-                         eye.location.z + eye.direction.z};
     if (world_lights() == nullptr)
         out.add("LightSource \"distantlight\" 1 \"intensity\" [1] \"from\" [", eye.location,
-                "] \"to\" [", to, "]\n");
+                "] \"to\" [", eye.target(), "]\n");
 }
 
 // Lights count upwards from 1: 0 is the ambient one. Their strength falls with the square of the
@@ -89,7 +83,7 @@ void write_look(export_text &out, const export_object &object, const export_part
                 bool textured)
 {
     const material &m = *part.look;
-    const float opacity = 1 - within(m.transparency);
+    const float opacity = 1 - within_one(m.transparency);
     out.add("Color ", colour(m.diffuse), "\nOpacity [", opacity, ' ', opacity, ' ', opacity, "]\n");
     if (part.type != SURFACE_POLYGON) {
         out.add("Surface \"constant\"\n");

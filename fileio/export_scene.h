@@ -1,21 +1,22 @@
 #ifndef VESK_FILEIO_EXPORT_SCENE_H
 #define VESK_FILEIO_EXPORT_SCENE_H
 
-// The text formats that the scene is written in, and the one walk that feeds them all: lights first,
-// then the tree, each object cut into parts of one material, shading and kind. A format is a record
-// of small functions that append text.
+// The text formats that the scene is written in, and the one walk that feeds them all: lights
+// first, then the tree, each object cut into parts of one material, shading and kind. A format is a
+// record of small functions that append text.
 
-#include "base/numbers.h"
 #include "base/progress.h"
+#include "fileio/append_text.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
-// Text that grows. Numbers are written as "%g" writes them; what is not finite becomes 0, which
-// every format can read. With `work` set the bar moves while text is added, and nothing more is added
-// once the user cancelled.
+// A text under construction. Numbers are written as "%g" writes them; infinite ones and those that
+// are none become 0, which every format can read. With `work` set the bar moves while text is
+// added, and nothing more is added once the user cancelled.
 class export_text {
 public:
     std::string text;
@@ -32,7 +33,8 @@ public:
     }
 
 private:
-    // The size of an object's text is not known before: the bar goes part of the rest each time.
+    // The size of an object's text is not known before: the bar moves by a part of the rest each
+    // time.
     bool going()
     {
         done += (next - done) / 65536;
@@ -42,16 +44,8 @@ private:
     void put(const char *words) { text += words; }
     void put(const std::string &words) { text += words; }
     void put(char sign) { text += sign; }
-    void put(int value)
-    {
-        char buffer[12];
-        text.append(buffer, write_int(buffer, value));
-    }
-    void put(float value)
-    {
-        char buffer[16];
-        text.append(buffer, write_g(buffer, std::isfinite(value) ? value : 0.0f));
-    }
+    void put(int value) { append_int(text, value); }
+    void put(float value) { append_g(text, std::isfinite(value) ? value : 0.0f); }
     void put(double value) { put(static_cast<float>(value)); }
     void put(const point3_t &p) { add(p.x, ' ', p.y, ' ', p.z); }
     void put(const flat_uv &at) { add(at.u, ' ', at.v); }
@@ -98,7 +92,7 @@ struct export_object {
 
 struct export_format {
     const char *name; // in messages
-    // What it has a place for; what it has not is counted and told.
+    // The elements that it has a place for; the others are counted as losses.
     bool lines = true;
     bool lights = true;
     bool pictures = true;
@@ -114,18 +108,18 @@ struct export_format {
     void (*end)(export_text &out) = nullptr;
 };
 
-extern const export_format vrml1_format;
-extern const export_format inventor_format;
-extern const export_format pov_format;
-extern const export_format rib_format;
-extern const export_format triangle_format;
-extern const export_format dive_format;
-extern const export_format dvs_format;
-extern const export_format massive_format;
-
-// ---- what several formats need ----
+// ---- parts that several formats need ----
 
 inline bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
+inline float within_one(float value) { return std::clamp(value, 0.0f, 1.0f); }
+inline bool is_line(int type) { return type == SURFACE_LINE || type == SURFACE_CLOSED_LINE; }
+
+// The palette entry that a surface is written with: the first for one that is not there.
+int written_index(int index);
+const material &written_material(int index);
+
+// The number of surfaces, for the progress bar.
+double surfaces_of_world();
 
 // Control characters become blanks, so that a name in a comment stays on its line.
 std::string export_one_line(const char *text);
@@ -134,6 +128,11 @@ std::string export_quoted(const char *text);
 
 // The 3D view's eye.
 struct export_eye {
+    // A point before it.
+    [[nodiscard]] point3_t target() const
+    {
+        return {location.x + direction.x, location.y + direction.y, location.z + direction.z};
+    }
     point3_t location, right, up, direction; // the last three are unit vectors at right angles
     bool perspective;
     double half_height; // of the picture: at distance 1 with perspective, else in world units

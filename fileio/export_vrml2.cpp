@@ -4,10 +4,10 @@
 #include "base/file_report.h"
 #include "base/filename.h"
 #include "base/messages_internal.h"
-#include "base/numbers.h"
 #include "base/prefs.h"
 #include "base/progress.h"
-#include "fileio/write_report.h"
+#include "fileio/export_scene.h"
+#include "fileio/output.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/lights.h"
@@ -21,27 +21,6 @@
 namespace {
 
 // ---- numbers and texts ----
-
-void append_int(std::string &out, int value)
-{
-    char buffer[12];
-    out.append(buffer, write_int(buffer, value));
-}
-
-void append_g(std::string &out, float value)
-{
-    char buffer[16];
-    out.append(buffer, write_g(buffer, value));
-}
-
-void append_point(std::string &out, float x, float y, float z)
-{
-    append_g(out, x);
-    out += ' ';
-    append_g(out, y);
-    out += ' ';
-    append_g(out, z);
-}
 
 void append_f(std::string &out, float value)
 {
@@ -58,30 +37,6 @@ std::string one_line(const char *text)
         if (c == '\n' || c == '\r')
             c = ' ';
     return line;
-}
-
-std::string in_string(const char *text)
-{
-    std::string out;
-    for (const char *p = text; *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
-            out += '\\';
-        out += *p;
-    }
-    return out;
-}
-
-bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
-
-bool is_line(const flat_surface &surface)
-{
-    return surface.type == SURFACE_CLOSED_LINE || surface.type == SURFACE_LINE;
-}
-
-const material &material_at(int index)
-{
-    const int count = vesk_get_num_palette();
-    return *vesk_palette_get_material(index >= 0 && index < count ? index : 0);
 }
 
 // ---- one shape ----
@@ -106,7 +61,7 @@ struct shape_t {
 void append_colour(std::string &out, const char *key, const float *colour)
 {
     out += key;
-    append_point(out, colour[0], colour[1], colour[2]);
+    append_floats(out, colour, 3);
     out += '\n';
 }
 
@@ -116,7 +71,7 @@ void append_material(std::string &out, const shape_t &shape)
         out += " material Material {  }\n";
         return;
     }
-    const material &m = material_at(shape.material);
+    const material &m = written_material(shape.material);
     out += " material Material {\n";
     if (shape.lines) {
         append_colour(out, "  emissiveColor ", m.diffuse);
@@ -149,7 +104,9 @@ void append_texture(std::string &out, const object_t &object)
     const char *name = texture_id_to_name(object.texture);
     if (name == nullptr)
         return;
-    out += "texture ImageTexture { url \"" + in_string(vesk_filename_get_file(name)) + "\" }\n";
+    out += "texture ImageTexture { url ";
+    append_quoted(out, vesk_filename_get_file(name));
+    out += " }\n";
     out += "textureTransform TextureTransform {\n";
     if (object.texture_repeat_x != 1 || object.texture_repeat_y != 1)
         append_pair(out, "  scale ", object.texture_repeat_x, object.texture_repeat_y);
@@ -162,21 +119,31 @@ void append_coordinates(std::string &out, const flat_mesh &flat)
 {
     out += "coord Coordinate { \npoint [\n";
     for (const point3_t &p : *flat.positions) {
-        append_point(out, p.x, p.y, p.z);
+        append_point(out, p);
         out += '\n';
     }
     out += "]\n}\n";
 }
 
-void append_coordinate_indices(std::string &out, const shape_t &shape)
+// Calls `each` for the shape's surfaces, with `between` in the text; false when the user cancelled.
+template <class Each>
+bool each_surface(std::string &out, const shape_t &shape, const char *between, Each &&each)
 {
-    out += "\ncoordIndex [\n ";
     bool first = true;
     for (const int surface : shape.surfaces) {
         if (!shape.work->step())
-            return;
+            return false;
         if (!std::exchange(first, false))
-            out += ",\n ";
+            out += between;
+        each(surface);
+    }
+    return true;
+}
+
+void append_coordinate_indices(std::string &out, const shape_t &shape)
+{
+    out += "\ncoordIndex [\n ";
+    each_surface(out, shape, ",\n ", [&](int surface) {
         const std::span<const std::int32_t> corners = shape.flat->surface_corners(surface);
         for (const std::int32_t corner : corners) {
             append_int(out, corner);
@@ -188,7 +155,7 @@ void append_coordinate_indices(std::string &out, const shape_t &shape)
             out += ", ";
         }
         out += "-1";
-    }
+    });
     out += ']';
 }
 
@@ -197,18 +164,13 @@ void append_running_indices(std::string &out, const shape_t &shape, const char *
 {
     out += head;
     int number = 0;
-    bool first = true;
-    for (const int surface : shape.surfaces) {
-        if (!shape.work->step())
-            return;
-        if (!std::exchange(first, false))
-            out += ",\n";
+    each_surface(out, shape, ",\n", [&](int surface) {
         for (size_t i = shape.flat->surface_corners(surface).size(); i > 0; --i) {
             append_int(out, number++);
             out += ", ";
         }
         out += "-1";
-    }
+    });
     out += "]\n";
 }
 
@@ -217,12 +179,7 @@ void append_normals(std::string &out, const shape_t &shape)
     const flat_mesh &flat = *shape.flat;
     out += "\nnormal Normal {\n    vector [ \n";
     int count = 0;
-    bool first = true;
-    for (const int surface : shape.surfaces) {
-        if (!shape.work->step())
-            return;
-        if (!std::exchange(first, false))
-            out += ",\n";
+    const bool complete = each_surface(out, shape, ",\n", [&](int surface) {
         const auto place = static_cast<size_t>(surface);
         const char *separator = "";
         for (const std::int32_t corner : flat.surface_corners(surface)) {
@@ -230,10 +187,12 @@ void append_normals(std::string &out, const shape_t &shape)
                                     ? (*flat.normals)[static_cast<size_t>(corner)]
                                     : (*flat.face_normals)[place];
             out += std::exchange(separator, ", ");
-            append_point(out, n.x, n.y, n.z);
+            append_point(out, n);
             ++count;
         }
-    }
+    });
+    if (!complete)
+        return;
     out += "\n]\n}\n";
     console_printf("number of normals output = %d\n", count);
     append_running_indices(out, shape, "\n    normalIndex [ ");
@@ -244,18 +203,15 @@ void append_texture_coordinates(std::string &out, const shape_t &shape)
     const flat_mesh &flat = *shape.flat;
     out += "\n texCoord TextureCoordinate {\n    point [ \n";
     const char *separator = "";
-    for (const int surface : shape.surfaces) {
-        if (!shape.work->step())
-            return;
+    each_surface(out, shape, "", [&](int surface) {
         const auto place = static_cast<size_t>(surface);
         for (int i = (*flat.corner_offsets)[place]; i < (*flat.corner_offsets)[place + 1]; ++i) {
             const flat_uv &at = (*flat.texture_coords)[static_cast<size_t>(i)];
+            const float values[] = {at.u, at.v};
             out += std::exchange(separator, ", ");
-            append_g(out, at.u);
-            out += ' ';
-            append_g(out, at.v);
+            append_floats(out, values, 2);
         }
-    }
+    });
     out += "\n]\n}\n";
     append_running_indices(out, shape, "\n    texCoordIndex [ ");
 }
@@ -265,15 +221,10 @@ void append_colours(std::string &out, const shape_t &shape)
     if (shape.material >= 0)
         return;
     out += "\n    color Color { \n    color [ ";
-    const char *separator = "";
-    for (const int surface : shape.surfaces) {
-        if (!shape.work->step())
-            return;
-        const material &m =
-            material_at((*shape.flat->surfaces)[static_cast<size_t>(surface)].material);
-        out += std::exchange(separator, ",\n");
-        append_point(out, m.diffuse[0], m.diffuse[1], m.diffuse[2]);
-    }
+    each_surface(out, shape, ",\n", [&](int surface) {
+        const flat_surface &record = (*shape.flat->surfaces)[static_cast<size_t>(surface)];
+        append_floats(out, written_material(record.material).diffuse, 3);
+    });
     out += "]\n}\ncolorPerVertex FALSE\n";
 }
 
@@ -312,7 +263,7 @@ void append_shapes(std::string &out, object_t *object, work_t *work)
     shape_t lines = {object, flat.get(), work, {}, same, true};
     shape_t polygons = {object, flat.get(), work, {}, same, false};
     for (int surface = 0; surface < flat->num_surfaces(); ++surface)
-        (is_line((*flat->surfaces)[static_cast<size_t>(surface)]) ? lines : polygons)
+        (is_line((*flat->surfaces)[static_cast<size_t>(surface)].type) ? lines : polygons)
             .surfaces.push_back(surface);
     append_shape(out, lines);
     append_shape(out, polygons);
@@ -321,8 +272,11 @@ void append_shapes(std::string &out, object_t *object, work_t *work)
 void open_object(std::string &out, object_t *object, work_t *work)
 {
     out += '\n';
-    if (is_set(object->url))
-        out += "Anchor { url \"" + in_string(object->url) + "\"\nchildren [\n";
+    if (is_set(object->url)) {
+        out += "Anchor { url ";
+        append_quoted(out, object->url);
+        out += "\nchildren [\n";
+    }
     if (is_set(object->name))
         out += "# Object \"" + one_line(object->name) + "\" \n";
     append_shapes(out, object, work);
@@ -362,7 +316,7 @@ void append_lights(std::string &out)
 {
     for (const object_t *light : each<object_t>(world_lights())) {
         out += "# Light " + one_line(light->name) + "\nTransform {\n\ttranslation ";
-        append_point(out, light->centre.x, light->centre.y, light->centre.z);
+        append_point(out, light->centre);
         out += "\n\tchildren [\n\t\tPointLight\n\t\t{\n\t\ton TRUE\n\t\tintensity 1\n"
                "\t\tcolor 1 1 1\n\t\t}\n\t\t]\n}\n\n";
     }
@@ -411,16 +365,13 @@ std::string world_text(const std::string &filename, bool prototypes, work_t *wor
 // How often its surfaces are gone through.
 double work_of_world()
 {
-    double surfaces = 0;
-    for_each_object(vesk_get_world(),
-                    [&](const object_t *object) { surfaces += object->num_surfaces; });
     const bool normals = prefs.vrml_output_normals != 0;
     const bool textures = prefs.vrml_output_textures != 0;
-    return surfaces * (1 + (normals ? 2 : 0) + (textures ? 2 : 0));
+    return surfaces_of_world() * (1 + (normals ? 2 : 0) + (textures ? 2 : 0));
 }
 
-// What the form has no place for: texture files are named without their folders, and where an object
-// has several materials only their colours stand with its surfaces.
+// The losses of the form: texture files are named without their folders, and where an object has
+// several materials only their colours stand with its surfaces.
 void report_losses(const std::string &filename)
 {
     const bool textures = prefs.vrml_output_textures != 0;
@@ -454,19 +405,15 @@ int write_world(const char *filename, bool prototypes)
                    prefs.vrml_output_textures != 0 ? "with texture support" : "no texture support");
     work_t work = {progress_t(work_of_world())};
     const std::string text = world_text(name, prototypes, &work);
-    if (work.progress.cancelled()) {
-        display_message("write VRML 2.0 - cancelled");
-        return 0;
-    }
-    if (!atomic_file_write(name.c_str(), text)) {
+    const bool cancelled = work.progress.cancelled();
+    const bool written = !cancelled && atomic_file_write(name.c_str(), text);
+    if (written) {
+        console_printf("written file %s\n", name.c_str());
+        report_losses(name);
+    } else if (!cancelled) {
         console_printf("can't open file for writing\n");
-        tell_cannot_write(name.c_str());
-        return 0;
     }
-    console_printf("written file %s\n", name.c_str());
-    report_losses(name);
-    display_message("written file %s%s", name.c_str(), vesk_report_losses("VRML 2.0"));
-    return 1;
+    return export_end(name, "VRML 2.0", cancelled, written);
 }
 
 } // namespace

@@ -7,7 +7,7 @@ VESK_BEGIN_DECLS
 
 /* Writes the world as VRML 2.0, with normals and textures as vrml_output_normals and
    vrml_output_textures say. Lights come first, wherever they are in the tree. The second form wraps
-   each top-level object in a PROTO of its name. Returns 1, or 0 (told on the console) when the file
+   each top-level object in a PROTO of its name. Returns 1, or 0 after a console line when the file
    could not be written; the former file is then as it was. Commands of the same names. */
 VESK_API int write_vrml2(const char *filename);
 VESK_API int write_vrml2_proto(const char *filename);

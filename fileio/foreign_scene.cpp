@@ -2,7 +2,6 @@
 
 #include "base/file_report.h"
 #include "base/filename.h"
-#include "base/messages.h"
 #include "fileio/embedded_images.h"
 #include "fileio/helper_process.h"
 #include "fileio/import_mesh.h"
@@ -135,12 +134,6 @@ object_t *make_tree(const plain_scene &scene, const std::string &filename)
     return world;
 }
 
-object_t *refused(const std::string &filename, const std::string &reason)
-{
-    windows_message_dialog("can't read %s\n%s", filename.c_str(), reason.c_str());
-    return nullptr;
-}
-
 } // namespace
 
 object_t *vesk_assimp_import(const char *filename, const char *suffix)
@@ -148,18 +141,18 @@ object_t *vesk_assimp_import(const char *filename, const char *suffix)
     const std::string name = filename; // the messages let scripts run
     struct stat file = {};
     if (stat(name.c_str(), &file) != 0)
-        return refused(name, strerror(errno));
+        return import_refused(name, strerror(errno));
     if (!S_ISREG(file.st_mode))
-        return refused(name, "it is no file");
+        return import_refused(name, "it is no file");
     const helper_result result =
         run_helper({"read", suffix, name}, helper_limits_for(static_cast<size_t>(file.st_size)));
     if (result.state == helper_result::CANCELLED)
         return import_cancelled();
     if (result.state == helper_result::FAILED)
-        return refused(name, result.reason);
+        return import_refused(name, result.reason.c_str());
     plain_scene scene;
     if (!decode_scene(result.output, &scene) || scene.nodes.empty())
-        return refused(name, "its reader gave something that is no scene");
+        return import_refused(name, "its reader gave something that is no scene");
     for (const std::string &warning : scene.warnings)
         vesk_report_warning(0, "%s", warning.c_str());
     write_images(scene, name);

@@ -1,5 +1,6 @@
 #include "fileio/helper_process.h"
 
+#include "base/atomic_file.h"
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/progress.h"
@@ -18,56 +19,37 @@
 
 namespace {
 
-constexpr int output_fd = 3; // where the helper leaves what it made
+constexpr int output_fd = 3; // takes the result of the helper
 constexpr int alive_fd = 4;  // held open as long as it lives
 
 constexpr int look_interval = 50; // milliseconds
 constexpr int wall_per_cpu = 4;   // on a busy machine a second of work takes longer
-constexpr double bar_pace = 5;    // seconds in which the bar comes half way
+constexpr double bar_pace = 5;    // seconds until the bar is half way
 
 class file_descriptor {
 public:
-    explicit file_descriptor(int fd) : fd_(fd < 0 ? fd : fcntl(fd, F_DUPFD_CLOEXEC, 10))
-    {
-        if (fd >= 0)
-            close(fd); // the low numbers are the helper's
-    }
-    ~file_descriptor() { reset(); }
+    file_descriptor() = default;
+    ~file_descriptor() { reset(-1); }
     file_descriptor(const file_descriptor &) = delete;
     file_descriptor &operator=(const file_descriptor &) = delete;
     [[nodiscard]] int get() const { return fd_; }
-    void reset()
+    // Closes the one it holds and takes another, under a high number: the low ones are the
+    // helper's.
+    void reset(int fd)
     {
         if (fd_ >= 0)
             close(fd_);
-        fd_ = -1;
+        fd_ = fd < 0 ? fd : fcntl(fd, F_DUPFD_CLOEXEC, 10);
+        if (fd >= 0)
+            close(fd);
     }
 
 private:
-    int fd_;
+    int fd_ = -1;
 };
 
-std::string read_all(int fd)
-{
-    std::string bytes;
-    const off_t size = lseek(fd, 0, SEEK_END);
-    bytes.resize(static_cast<size_t>(std::max<off_t>(size, 0)));
-    size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t count =
-            pread(fd, &bytes[done], bytes.size() - done, static_cast<off_t>(done));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            break;
-        done += static_cast<size_t>(count);
-    }
-    bytes.resize(done);
-    return bytes;
-}
-
 // Starts the helper; 0 or an error number.
-int start(const std::vector<std::string> &words, int output, int alive, pid_t *pid)
+int spawn(const std::vector<std::string> &words, int output, int alive, pid_t *pid)
 {
     const std::string folder = vesk_filename_concat_path_file(vesk_get_vesk_homedir(), "lib");
     const std::string path = vesk_filename_concat_path_file(folder.c_str(), "scene_helper");
@@ -118,6 +100,78 @@ std::string reason_of(int status, const helper_limits &limits)
     return "its reader gave up";
 }
 
+// One run of the helper.
+class helper_run {
+public:
+    explicit helper_run(const helper_limits &limits) : limits_(limits) {}
+
+    // "" when it runs, else why it does not.
+    std::string start(const std::vector<std::string> &words);
+    // Until it is gone; false when the user cancelled.
+    bool wait();
+    [[nodiscard]] helper_result verdict() const;
+
+private:
+    const helper_limits limits_;
+    file_descriptor made_;  // its result
+    file_descriptor alive_; // ends with the helper
+    pid_t pid_ = 0;
+    int status_ = 0;
+};
+
+std::string helper_run::start(const std::vector<std::string> &words)
+{
+    made_.reset(memfd_create("scene", MFD_CLOEXEC));
+    int ends[2] = {-1, -1};
+    const bool piped = pipe2(ends, O_CLOEXEC) == 0;
+    file_descriptor held; // by the helper alone
+    alive_.reset(ends[0]);
+    held.reset(ends[1]);
+    if (made_.get() < 0 || !piped)
+        return strerror(errno);
+    std::vector<std::string> all = {std::to_string(limits_.megabytes),
+                                    std::to_string(limits_.seconds)};
+    all.insert(all.end(), words.begin(), words.end());
+    const int error = spawn(all, made_.get(), held.get(), &pid_);
+    return error == 0 ? "" : std::string("lib/scene_helper cannot be started: ") + strerror(error);
+}
+
+bool helper_run::wait()
+{
+    progress_t progress(1);
+    const double began = ui_port().now_seconds();
+    const double real_limit = wall_per_cpu * static_cast<double>(limits_.seconds);
+    int waited = 0; // milliseconds; the port's clock may stand still
+    bool wanted = true;
+    pollfd ended = {alive_.get(), POLLIN, 0};
+    while (wanted && waited / 1000.0 <= real_limit && poll(&ended, 1, look_interval) <= 0) {
+        waited += look_interval;
+        const double passed = ui_port().now_seconds() - began;
+        wanted = progress.look(passed / (passed + bar_pace));
+    }
+    if (waited / 1000.0 > real_limit)
+        kill(pid_, SIGXCPU);
+    if (!wanted || waited / 1000.0 > real_limit)
+        kill(pid_, SIGKILL);
+    status_ = wait_for(pid_);
+    return wanted;
+}
+
+helper_result helper_run::verdict() const
+{
+    helper_result result;
+    const bool well = WIFEXITED(status_) && WEXITSTATUS(status_) == 0;
+    const bool told = WIFEXITED(status_) && WEXITSTATUS(status_) == 1;
+    if (well || told)
+        read_whole_file(("/proc/self/fd/" + std::to_string(made_.get())).c_str(), &result.output);
+    if (well)
+        result.state = helper_result::DONE;
+    else
+        result.reason =
+            told && !result.output.empty() ? result.output : reason_of(status_, limits_);
+    return result;
+}
+
 } // namespace
 
 helper_limits helper_limits_for(size_t file_size)
@@ -133,54 +187,13 @@ helper_limits helper_limits_for(size_t file_size)
 
 helper_result run_helper(const std::vector<std::string> &words, const helper_limits &limits)
 {
+    helper_run helper(limits);
     helper_result result;
-    const file_descriptor made(memfd_create("scene", MFD_CLOEXEC));
-    int ends[2] = {-1, -1};
-    const bool piped = pipe2(ends, O_CLOEXEC) == 0;
-    const file_descriptor alive(ends[0]);
-    file_descriptor held(ends[1]);
-    if (made.get() < 0 || !piped) {
-        result.reason = strerror(errno);
+    result.reason = helper.start(words);
+    if (!result.reason.empty())
         return result;
-    }
-    std::vector<std::string> all = {std::to_string(limits.megabytes),
-                                    std::to_string(limits.seconds)};
-    all.insert(all.end(), words.begin(), words.end());
-    pid_t pid = 0;
-    if (const int error = start(all, made.get(), held.get(), &pid); error != 0) {
-        result.reason = std::string("lib/scene_helper cannot be started: ") + strerror(error);
-        return result;
-    }
-    held.reset();
-
-    progress_t progress(1);
-    const double began = ui_port().now_seconds();
-    const double real_limit = wall_per_cpu * static_cast<double>(limits.seconds);
-    int waited = 0; // milliseconds; the port's clock may stand still
-    pollfd ended = {alive.get(), POLLIN, 0};
-    while (poll(&ended, 1, look_interval) <= 0) {
-        waited += look_interval;
-        const double passed = ui_port().now_seconds() - began;
-        if (!progress.look(passed / (passed + bar_pace))) {
-            kill(pid, SIGKILL);
-            wait_for(pid);
-            result.state = helper_result::CANCELLED;
-            return result;
-        }
-        if (waited / 1000.0 > real_limit) {
-            kill(pid, SIGXCPU);
-            kill(pid, SIGKILL);
-            break;
-        }
-    }
-    const int status = wait_for(pid);
-    const bool well = WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    const bool told = WIFEXITED(status) && WEXITSTATUS(status) == 1;
-    if (well || told)
-        result.output = read_all(made.get());
-    if (well)
-        result.state = helper_result::DONE;
-    else
-        result.reason = told && !result.output.empty() ? result.output : reason_of(status, limits);
+    if (helper.wait())
+        return helper.verdict();
+    result.state = helper_result::CANCELLED;
     return result;
 }

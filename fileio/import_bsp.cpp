@@ -24,7 +24,7 @@ enum face_kind { FACE_POLYGON = 1, FACE_PATCH = 2, FACE_MESH = 3 };
 constexpr int patch_steps = 4;
 constexpr int most_patch_side = 129;
 constexpr int grey = 0;
-// Faces may share what they refer to: a small file could promise more than memory holds.
+// Faces may share vertices: a small file could promise more of them than memory holds.
 constexpr long long most_references = 1 << 24;
 
 struct bsp_vertex {

@@ -4,6 +4,7 @@
 #include "base/filename.h"
 #include "base/numbers.h"
 #include "fileio/foreign_scene.h"
+#include "fileio/import_lwob.h"
 #include "fileio/import_mesh.h"
 #include "model/change_marks.h"
 #include "model/each.h"
@@ -149,8 +150,8 @@ private:
 
 // ---- placing ----
 
-// A place of an item in its parent's space. The scene is left-handed, what was read is not: z is
-// turned round on the way in and out.
+// A place of an item in its parent's space. The scene is left-handed, the objects read are not: z
+// is turned round on the way in and out.
 point3_t through(const item_t &item, const point3_t &p)
 {
     const motion_t &m = item.motion;
@@ -254,6 +255,6 @@ object_t *vesk_import_lightwave(const char *filename)
     if (suffix != nullptr && strcasecmp(suffix, ".lws") == 0)
         return import_scene(name, bytes);
     if (bytes.size() > 12 && bytes.compare(8, 4, "LWOB") == 0)
-        return import_lwob(name.c_str(), bytes.data(), bytes.size());
+        return import_lwob(name.c_str(), bytes);
     return vesk_assimp_import(name.c_str(), "lwo");
 }

@@ -12,8 +12,4 @@ VESK_API object_t *vesk_import_lightwave(const char *filename);
 
 VESK_END_DECLS
 
-#ifdef VESK_INTERNAL
-object_t *import_lwob(const char *filename, const char *bytes, unsigned long size);
-#endif
-
 #endif

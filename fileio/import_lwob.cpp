@@ -1,7 +1,8 @@
-// Lightwave objects of the older kind (FORM LWOB): points, polygons, and surfaces with colour, picture
-// and a few values. Left-handed: z is turned round, and so are the outlines.
-#include "base/messages.h"
-#include "fileio/import_lightwave.h"
+// Points, polygons, and surfaces with colour, picture and a few values. Left-handed: z is turned
+// round, and so are the outlines.
+
+#include "fileio/import_lwob.h"
+
 #include "fileio/import_mesh.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
@@ -13,7 +14,7 @@ namespace {
 
 class iff_bytes {
 public:
-    iff_bytes(const char *bytes, std::size_t size) : bytes_(bytes, size) {}
+    explicit iff_bytes(std::string_view bytes) : bytes_(bytes) {}
 
     [[nodiscard]] bool at_end() const { return bytes_.empty(); }
     [[nodiscard]] std::size_t size() const { return bytes_.size(); }
@@ -23,7 +24,7 @@ public:
         bytes_.remove_prefix(out.size());
         return out;
     }
-    // Big end first; what the data lacks counts as 0.
+    // Big end first; missing bytes count as 0.
     std::uint32_t number(std::size_t count)
     {
         const std::string_view digits = take(count);
@@ -54,7 +55,7 @@ public:
         const std::size_t length = number(count);
         const std::string_view inside = take(length);
         take(length % 2);
-        *content = {inside.data(), inside.size()};
+        *content = iff_bytes(inside);
         return name;
     }
 
@@ -106,7 +107,7 @@ void read_surface(iff_bytes chunk, lwob_file &file)
     m.name = name.data(); // the palette keeps a copy
     lwob_surface surface = {name, 0, false, true, ""};
     while (!chunk.at_end()) {
-        iff_bytes part("", 0);
+        iff_bytes part("");
         const std::string_view kind = chunk.chunk(2, &part);
         if (kind == "COLR") {
             for (std::size_t i = 0; i < 3; ++i)
@@ -129,7 +130,7 @@ lwob_file read_file(iff_bytes bytes)
 {
     lwob_file file;
     while (bytes.size() >= 8) {
-        iff_bytes chunk("", 0);
+        iff_bytes chunk("");
         const std::string_view kind = bytes.chunk(4, &chunk);
         if (kind == "PNTS") {
             while (chunk.size() >= 12) {
@@ -172,9 +173,9 @@ import_mesh make_mesh(const lwob_file &file)
 
 } // namespace
 
-object_t *import_lwob(const char *filename, const char *bytes, unsigned long size)
+object_t *import_lwob(const char *filename, std::string_view bytes)
 {
-    const lwob_file file = read_file({bytes + 12, size - 12});
+    const lwob_file file = read_file(iff_bytes(bytes.substr(12)));
     const import_mesh mesh = make_mesh(file);
     if (mesh.empty())
         return import_refused(filename, "there is no geometry in it");

@@ -1,9 +1,17 @@
 #include "fileio/import_mesh.h"
 
+#include "base/file_report.h"
 #include "base/filename.h"
 #include "base/messages.h"
+#include "base/utf8.h"
+#include "fileio/append_text.h"
+#include "fileio/vesk_lines.h"
+#include "model/alloc_internal.h"
+#include "model/each.h"
 #include "model/normals.h"
 #include "model/palette.h"
+
+#include <algorithm>
 
 int import_mesh::add_point(float x, float y, float z)
 {
@@ -60,6 +68,33 @@ std::string import_base_name(const char *filename)
 {
     const std::string name = vesk_filename_get_file(filename);
     return name.substr(0, name.rfind('.'));
+}
+
+void import_fit_names(object_t *top)
+{
+    const auto fits = [](const std::string &name) {
+        std::string line = "name ";
+        append_quoted(line, name.c_str());
+        return line.size() < std::size_t{line_length}; // and its end
+    };
+    int shortened = 0;
+    for_each_object(top, [&](object_t *object) {
+        if (object->name == nullptr)
+            return;
+        std::string name = object->name;
+        for (char &c : name)
+            if (static_cast<unsigned char>(c) < ' ' || c == 0x7F)
+                c = ' ';
+        const std::size_t whole = name.size();
+        name.resize(std::min(whole, std::size_t{line_length}));
+        while (!name.empty() && !fits(name))
+            name.resize(utf8_whole(name.c_str(), name.size() - 1));
+        if (object->name != name)
+            text_set(&object->name, name.c_str());
+        shortened += name.size() < whole ? 1 : 0;
+    });
+    if (shortened > 0)
+        vesk_report_warning(0, "%d names are too long and were shortened", shortened);
 }
 
 int import_colour(float r, float g, float b)

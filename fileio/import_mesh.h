@@ -36,6 +36,10 @@ object_t *import_cancelled();
 // The name of a file without its folder and suffix.
 std::string import_base_name(const char *filename);
 
+// Makes the names of a tree fit on a line of a model file: control characters become blanks, long
+// names are shortened with a complaint in the report.
+void import_fit_names(object_t *top);
+
 // Palette index of a plain colour; the other values are those of a new material.
 int import_colour(float r, float g, float b);
 

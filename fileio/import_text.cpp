@@ -39,7 +39,7 @@ private:
     progress_t progress_;
 };
 
-// The leading numbers of a line, separated by blanks or commas; `rest` is what follows them.
+// The leading numbers of a line, separated by blanks or commas; `rest` is the text after them.
 std::vector<float> numbers_of(std::string_view line, std::string_view *rest)
 {
     std::vector<float> numbers;
@@ -66,20 +66,12 @@ std::string first_word(std::string_view text)
     return std::string(text.substr(0, std::min(text.find_last_not_of(" \t") + 1, text.size())));
 }
 
-bool read_text(const std::string &filename, std::string *text)
-{
-    if (read_whole_file(filename.c_str(), text))
-        return true;
-    import_refused(filename, strerror(errno));
-    return false;
-}
-
 // ---- triangles ----
 
 class triangle_reader {
 public:
-    explicit triangle_reader(const char *filename)
-        : top_(new_group()), name_(import_base_name(filename))
+    explicit triangle_reader(const std::string &filename)
+        : top_(new_group()), name_(import_base_name(filename.c_str()))
     {
         object_set_name(top_, name_.c_str());
     }
@@ -97,10 +89,14 @@ public:
         }
     }
 
-    object_t *finish()
+    // Null when there are no triangles, or they are not wanted.
+    object_t *finish(bool cancelled)
     {
         end_object();
-        return top_;
+        if (!cancelled && top_->num_children > 0)
+            return top_;
+        object_free(top_);
+        return nullptr;
     }
 
 private:
@@ -150,6 +146,10 @@ private:
 
 class vector_reader {
 public:
+    explicit vector_reader(const std::string &filename) : name_(import_base_name(filename.c_str()))
+    {
+    }
+
     void line(std::string_view text)
     {
         std::string_view rest;
@@ -160,10 +160,10 @@ public:
             points_.push_back({numbers[0], numbers[1], numbers.size() > 2 ? numbers[2] : 0});
     }
 
-    const import_mesh &finish()
+    object_t *finish(bool cancelled)
     {
         end_line();
-        return mesh_;
+        return cancelled || mesh_.empty() ? nullptr : mesh_.make_object(name_);
     }
 
 private:
@@ -185,44 +185,37 @@ private:
         points_.clear();
     }
 
+    const std::string name_;
     import_mesh mesh_;
     std::vector<point3_t> points_;
 };
+
+// Hands the lines of a file to a reader, whose object is the result.
+template <class Reader>
+object_t *read_lines(const std::string &filename, Reader &&reader, const char *when_empty)
+{
+    std::string text;
+    if (!read_whole_file(filename.c_str(), &text))
+        return import_refused(filename, strerror(errno));
+    line_reader lines(text);
+    for (std::string_view line; lines.next(&line);)
+        reader.line(line);
+    object_t *object = reader.finish(lines.cancelled());
+    if (lines.cancelled())
+        return import_cancelled();
+    return object != nullptr ? object : import_refused(filename, when_empty);
+}
 
 } // namespace
 
 object_t *vesk_import_aliastri(const char *filename)
 {
     const std::string name = filename;
-    std::string text;
-    if (!read_text(name, &text))
-        return nullptr;
-    triangle_reader reader(name.c_str());
-    line_reader lines(text);
-    for (std::string_view line; lines.next(&line);)
-        reader.line(line);
-    object_t *object = reader.finish();
-    if (object->num_children > 0 && !lines.cancelled())
-        return object;
-    object_free(object);
-    if (lines.cancelled())
-        return import_cancelled();
-    return import_refused(name, "there are no triangles in it");
+    return read_lines(name, triangle_reader(name), "there are no triangles in it");
 }
 
 object_t *vesk_import_vector(const char *filename)
 {
     const std::string name = filename;
-    std::string text;
-    if (!read_text(name, &text))
-        return nullptr;
-    vector_reader reader;
-    line_reader lines(text);
-    for (std::string_view line; lines.next(&line);)
-        reader.line(line);
-    if (lines.cancelled())
-        return import_cancelled();
-    const import_mesh &mesh = reader.finish();
-    return mesh.empty() ? import_refused(name, "there are no lines in it")
-                        : mesh.make_object(import_base_name(name.c_str()));
+    return read_lines(name, vector_reader(name), "there are no lines in it");
 }

@@ -19,6 +19,10 @@ constexpr int most_levels = 200;       // of nodes in nodes
 constexpr int most_repeated = 1 << 16; // nodes read again by USE, which may repeat a USE
 constexpr long most_points = 1 << 24;  // of the whole scene
 
+// Beside the numbers of a switch's children.
+constexpr int no_child = -1;
+constexpr int all_children = -3;
+
 // ---- frames ----
 
 vrml_matrix translation(const std::vector<float> &v)
@@ -37,7 +41,8 @@ vrml_matrix scaling(const std::vector<float> &v)
     return m;
 }
 
-// About an axis x y z by an angle, counter-clockwise seen from its tip (Rodrigues, for row vectors).
+// About an axis x y z by an angle, counter-clockwise seen from its tip (Rodrigues, for row
+// vectors).
 vrml_matrix rotation(const std::vector<float> &v)
 {
     vrml_matrix m = vrml_identity;
@@ -250,7 +255,7 @@ private:
         vrml_state state = outer;
         object_t *own = new_group();
         object_set_name(own, std::string(name).c_str());
-        children(own, state, -1);
+        children(own, state, all_children);
         if (own->num_children == 1 && name.empty()) {
             auto *only = reinterpret_cast<object_t *>(own->children->data);
             object_remove_child_nocleanup(own, only);
@@ -266,23 +271,18 @@ private:
     void group(object_t *parent, vrml_state &state, std::string_view type)
     {
         const vrml_matrix frame = state.frame;
-        constexpr int none = -1;
-        constexpr int all = -3;
-        int chosen = all;
-        if (type == "LOD")
-            chosen = 0;
-        if (type == "Switch")
-            chosen = none;
-        // What a switch leaves out still has to be read over.
-        children(parent, state, type == "Switch" || type == "LOD" ? chosen : all, type);
+        children(parent, state,
+                 type == "LOD"      ? 0
+                 : type == "Switch" ? no_child
+                                    : all_children,
+                 type == "Switch");
         if (type == "TransformSeparator")
             state.frame = frame;
     }
 
     // The nodes up to the closing brace; of a switch only the chosen one adds and changes anything.
-    void children(object_t *parent, vrml_state &state, int chosen, std::string_view type = "")
+    void children(object_t *parent, vrml_state &state, int chosen, bool chooses = false)
     {
-        const bool chooses = type == "Switch" || type == "LOD";
         for (int number = 0; !failed_;) {
             if (at_ >= words_.size()) {
                 failed_ = true;
@@ -291,19 +291,24 @@ private:
                 return;
             } else if (!is_node(at_)) {
                 const vrml_fields fields = one_field();
-                if (type == "Switch" && fields.has("whichChild"))
+                if (chooses && fields.has("whichChild"))
                     chosen = static_cast<int>(fields.number("whichChild", -1));
-            } else if (!chooses || chosen == -3 || number == chosen) {
-                node(parent, state);
-                ++number;
             } else {
-                object_t *scratch = new_group();
-                vrml_state unused = state;
-                node(scratch, unused);
-                object_free(scratch);
+                if (chosen == all_children || number == chosen)
+                    node(parent, state);
+                else
+                    read_over(state);
                 ++number;
             }
         }
+    }
+
+    // A node that adds and changes nothing.
+    void read_over(vrml_state state)
+    {
+        object_t *scratch = new_group();
+        node(scratch, state);
+        object_free(scratch);
     }
 
     // A field name with its values.
@@ -339,10 +344,7 @@ private:
             if (at_ >= words_.size()) {
                 failed_ = true;
             } else if (is_node(at_)) { // of a type that is not known
-                object_t *scratch = new_group();
-                vrml_state unused = state;
-                node(scratch, unused);
-                object_free(scratch);
+                read_over(state);
             } else {
                 read_field(fields);
             }

@@ -6,8 +6,8 @@
 VESK_BEGIN_DECLS
 
 /* VRML 1.0 worlds: separators become groups, shapes objects named by DEF, with their materials,
-   texture coordinates and textures; lights become light objects. What has no place in a scene here
-   (cameras, texts, points, inlined files) is counted and told on the status line. */
+   texture coordinates and textures; lights become light objects. Nodes that have no place in a
+   scene here (cameras, texts, points, inlined files) are counted on the status line. */
 VESK_API object_t *vesk_import_vrml(const char *filename);
 
 VESK_END_DECLS

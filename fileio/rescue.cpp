@@ -58,11 +58,11 @@ std::string copy_name(const fs::path &base, const char *kind)
     return base.string() + "." + kind + ".vesk";
 }
 
-// The session's file tells what was being edited.
+// Writes the edited file's name into the session's file.
 void note_original()
 {
     const rescue_session &session = session_files();
-    const std::string &name = current_file().name;
+    const std::string &name = edited_file();
     std::error_code error;
     const std::string full = name.empty() ? name : fs::absolute(name, error).string();
     if (ftruncate(session.lock, 0) == 0 && pwrite(session.lock, full.data(), full.size(), 0) < 0)
@@ -85,7 +85,7 @@ void remove_files(const fs::path &base)
     fs::remove(base.string() + session_suffix, ignored);
 }
 
-// Signals go to the main thread.
+// Signals are the main thread's.
 void work(const state_ptr &state, const std::string &file)
 {
     rescue_session &session = session_files();

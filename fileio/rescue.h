@@ -14,7 +14,7 @@
 
 // Begins the session's copies: from now on a fault that cannot be survived writes one.
 void rescue_start();
-// The session ends well: its copies go. Registered for the program's exit.
+// Removes the copies of a session that ends well. Registered for the program's exit.
 void rescue_end();
 // The copies outlive the program: it is ended from outside.
 void rescue_keep();
@@ -27,7 +27,7 @@ void rescue_write();
 void rescue_write_now();
 // Waits until the worker is idle. Returns whether the last copy was written.
 bool rescue_wait();
-// Tells a failure of the worker in the status line, once until one succeeds.
+// A failure of the worker on the status line, once until a copy succeeds.
 void rescue_tell_failure();
 
 struct recovery_copy {

@@ -82,7 +82,7 @@ public:
     void records(std::vector<T> &values)
     {
         // A record takes at least four bytes, and its numbers take more in memory than here: grown
-        // one by one, they never outgrow what was sent by much.
+        // one by one, the records stay close to the size of the bytes.
         const size_t wanted = count(4);
         values.clear();
         for (size_t i = 0; i < wanted && good_; ++i)
@@ -106,21 +106,25 @@ private:
 
 // ---- the fields of each record, once for both directions ----
 
-template <class Stream, class Text>
-requires std::is_same_v<std::remove_const_t<Text>, std::string>
-void fields(Stream &stream, Text &text) { stream.text(text); }
+// A record of a type, to be read or to be written.
+template <class Given, class Record>
+concept either = std::is_same_v<std::remove_const_t<Given>, Record>;
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_image>
-void fields(Stream &stream, Record &image)
+template <class Stream>
+void fields(Stream &stream, either<std::string> auto &text)
+{
+    stream.text(text);
+}
+
+template <class Stream>
+void fields(Stream &stream, either<plain_image> auto &image)
 {
     stream.text(image.name);
     stream.text(image.bytes);
 }
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_material>
-void fields(Stream &stream, Record &m)
+template <class Stream>
+void fields(Stream &stream, either<plain_material> auto &m)
 {
     stream.text(m.name);
     stream.plain(m.diffuse);
@@ -134,9 +138,8 @@ void fields(Stream &stream, Record &m)
     stream.plain(m.offset);
 }
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_node>
-void fields(Stream &stream, Record &node)
+template <class Stream>
+void fields(Stream &stream, either<plain_node> auto &node)
 {
     stream.text(node.name);
     stream.plain(node.kind);
@@ -152,9 +155,8 @@ void fields(Stream &stream, Record &node)
     stream.numbers(node.flags);
 }
 
-template <class Stream, class Record>
-requires std::is_same_v<std::remove_const_t<Record>, plain_scene>
-void fields(Stream &stream, Record &scene)
+template <class Stream>
+void fields(Stream &stream, either<plain_scene> auto &scene)
 {
     stream.records(scene.materials);
     stream.records(scene.nodes);
@@ -162,7 +164,7 @@ void fields(Stream &stream, Record &scene)
     stream.records(scene.warnings);
 }
 
-// ---- what must hold between the numbers ----
+// ---- conditions between the numbers ----
 
 bool all_within(const std::vector<int> &indices, size_t low, size_t count)
 {
@@ -199,7 +201,7 @@ bool node_fits(const plain_scene &scene, size_t place)
 // Texts end at their first zero, as the scene's do.
 void cut(std::string &text) { text.resize(std::strlen(text.c_str())); }
 
-// What is no number, or out of its range, becomes the nearest that can be used.
+// Values that are no numbers, or out of their range, become the nearest usable ones.
 void repair(plain_material &m)
 {
     cut(m.name);

@@ -1,8 +1,8 @@
 #ifndef VESK_FILEIO_SCENE_STREAM_H
 #define VESK_FILEIO_SCENE_STREAM_H
 
-// A scene as plain arrays, and its bytes: what the helper process, which reads other formats, tells
-// the program. Includes nothing of the project: both are built with it.
+// A scene as plain arrays, and its bytes, in which the helper process hands it to the program.
+// Includes nothing of the project: both are built with it.
 
 #include <string>
 #include <string_view>
@@ -51,7 +51,7 @@ struct plain_scene {
 std::string encode_scene(const plain_scene &scene);
 
 // False when the bytes are no scene: every count is compared with the bytes that are there before
-// anything of that size is made, and every index with what it points into. `scene` then holds
+// anything of that size is made, and every index with the array it points into. `scene` then holds
 // nothing of use.
 bool decode_scene(std::string_view bytes, plain_scene *scene);
 

@@ -9,6 +9,7 @@ target_sources(vesk_core PRIVATE
     fileio/export_plain.cpp
     fileio/export_pov.cpp
     fileio/export_rib.cpp
+    fileio/export_scene.cpp
     fileio/export_vrml2.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp
@@ -17,7 +18,6 @@ target_sources(vesk_core PRIVATE
     fileio/import_lightwave.cpp
     fileio/import_lwob.cpp
     fileio/import_mesh.cpp
-    fileio/import_names.cpp
     fileio/import_text.cpp
     fileio/import_vrml.cpp
     fileio/output.cpp
@@ -26,16 +26,15 @@ target_sources(vesk_core PRIVATE
     fileio/state_writer.cpp
     fileio/text_objects.cpp
     fileio/tree_reader.cpp
-    fileio/tree_reader_geometry.cpp
-    fileio/tree_reader_keywords.cpp
     fileio/vesk_frames.cpp
+    fileio/vesk_geometry.cpp
+    fileio/vesk_lines.cpp
+    fileio/vesk_messages.cpp
     fileio/vesk_old.cpp
-    fileio/vesk_old_writer.cpp
+    fileio/vesk_place.cpp
     fileio/vesk_reader.cpp
-    fileio/vesk_reader_messages.cpp
     fileio/vesk_scan.cpp
     fileio/vesk_writer.cpp
     fileio/vrml1_scan.cpp
     fileio/vrml1_shapes.cpp
-    fileio/write_report.cpp
 )

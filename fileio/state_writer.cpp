@@ -91,8 +91,8 @@ char bare_sink::buffer[1u << 16];
 
 // ---- the file ----
 
-// What a reader will rebuild of an entry, from its ancestors. Neighbours mostly share their parent,
-// or are parent and child: these two are remembered.
+// The frame that a reader will rebuild of an entry, from its ancestors. Neighbours mostly share
+// their parent, or are parent and child: these two are remembered.
 class rebuilt_frames {
 public:
     explicit rebuilt_frames(const model_state &state) : state_(state) {}
@@ -177,26 +177,19 @@ void append_state(Out &out, const model_state &state)
             {image.name.c_str(), text_of(image.url), text_of(image.data), texture_of(image)},
             frame);
         if (mesh.num_vertices() != 0) {
-            append_count(out, "numvert ", mesh.num_vertices());
+            append_count(out, "numvert", mesh.num_vertices());
             append_vertices(out, mesh, frame, 0, mesh.num_vertices());
         }
         if (mesh.num_surfaces() != 0) {
-            append_count(out, "numsurf ", mesh.num_surfaces());
+            append_count(out, "numsurf", mesh.num_surfaces());
             append_surfaces(out, mesh, 0, mesh.num_surfaces(), place_of,
                             [](int, int corners) { return corners; });
         }
-        append_count(out, "kids ", entry.num_children);
+        append_count(out, "kids", entry.num_children);
     }
 }
 
 } // namespace
-
-std::string model_state_text(const model_state &state)
-{
-    std::string text;
-    append_state(text, state);
-    return text;
-}
 
 bool write_model_state(const model_state &state, const char *file)
 {

@@ -7,10 +7,6 @@
 
 #include "edit/document/model_state.h"
 
-#include <string>
-
-std::string model_state_text(const model_state &state);
-
 // The old file stays when writing fails.
 bool write_model_state(const model_state &state, const char *file);
 

@@ -1,10 +1,10 @@
 #include "fileio/text_objects.h"
 
-#include "base/current_file.h"
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/messages_internal.h"
 #include "base/prefs.h"
+#include "base/utf8.h"
 #include "edit/create.h"
 #include "edit/transform.h"
 #include "fileio/vesk_reader.h"
@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 namespace {
 
@@ -45,36 +44,13 @@ bool font_is_ready()
     return load_font_object(path.c_str()) != 0;
 }
 
-// Length of the UTF-8 character at the start of `text`; 0 when there is none of that form.
-std::size_t utf8_length(std::string_view text)
-{
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    std::size_t length = 1;
-    if (byte(0) >= 0xF0) {
-        length = 4;
-    } else if (byte(0) >= 0xE0) {
-        length = 3;
-    } else if (byte(0) >= 0xC0) {
-        length = 2;
-    } else if (byte(0) >= 0x80) {
-        return 0;
-    }
-    if (length > text.size())
-        return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0) != 0x80)
-            return 0;
-    }
-    return length;
-}
-
 // Takes the first character off `text`, as UTF-8. A byte that begins none stands for the Latin-1
 // character of its code.
-std::string take_character(std::string_view *text)
+std::string take_character(const char **text)
 {
-    const std::size_t length = utf8_length(*text);
-    std::string character(text->substr(0, std::max<std::size_t>(length, 1)));
-    text->remove_prefix(character.size());
+    const std::size_t length = utf8_letter(*text);
+    std::string character(*text, std::max<std::size_t>(length, 1));
+    *text += character.size();
     if (length == 0) {
         const auto code = static_cast<unsigned char>(character[0]);
         character = {static_cast<char>(0xC0 | (code >> 6)),
@@ -83,7 +59,7 @@ std::string take_character(std::string_view *text)
     return character;
 }
 
-// Where the next glyph goes.
+// The place of the next glyph.
 struct pen_t {
     point3_t place = {0, 0, 0};
     float line_height = 0;
@@ -109,9 +85,7 @@ int load_font_object(const char *filename)
     if (font().object)
         object_free(font().object);
     font() = {};
-    const current_file_t kept = current_file(); // a font is not what is being edited
-    font().object = vesk_import_vesk(found_file(path.c_str()).c_str());
-    current_file() = kept;
+    font().object = vesk_read_model(found_file(path.c_str()));
     if (!font().object)
         return 0;
     font().path = path;
@@ -136,7 +110,7 @@ object_t *create_text(const char *text)
     object_t *object = new_group();
     object_set_name(object, whole.c_str());
     pen_t pen;
-    for (std::string_view rest = whole; !rest.empty();) {
+    for (const char *rest = whole.c_str(); *rest != '\0';) {
         const std::string character = take_character(&rest);
         if (character == "\n") {
             pen.place.x = 0;
@@ -155,13 +129,6 @@ object_t *create_text(const char *text)
         return nullptr;
     }
     return object;
-}
-
-void text_objects_reset_for_test()
-{
-    if (font().object)
-        object_free(font().object);
-    font() = {};
 }
 
 // ---- commands ----

@@ -18,17 +18,13 @@ VESK_API object_t *find_named_object(object_t *top, const char *name);
 
 /* A new object named after the text (UTF-8) that holds a copy of each character's glyph; line feeds
    start new lines. Loads the font that the preference fontpath names when that is not the loaded
-   one. Characters without a glyph are told on the console. Null, told on the console: no font, or
-   no glyph at all. The caller owns the object. */
+   one. Characters without a glyph give a console line. Null, after a console line: no font, or no
+   glyph at all. The caller owns the object. */
 VESK_API object_t *create_text(const char *text);
 
 /* Commands "add_text" and "create_text": such an object under the world, selected; undo "add text". */
 VESK_API void add_text(const char *text);
 
 VESK_END_DECLS
-
-#ifdef VESK_INTERNAL
-void text_objects_reset_for_test();
-#endif
 
 #endif

@@ -1,70 +1,63 @@
 #ifndef VESK_FILEIO_VESK_FORMAT_H
 #define VESK_FILEIO_VESK_FORMAT_H
 
-// The text of a model file, piece by piece. `Out` is what takes the text: it has `+= char`,
-// `+= const char *` and `append(const char *, size_t)`. A std::string does; so does the sink of the
+// The text of a model file, piece by piece. `Out` takes the text: it has `+= char`,
+// `+= const char *` and `append(const char *, size_t)`. A std::string has them, and the sink of the
 // rescue copy, which works when nothing may be allocated any more.
 
-#include "base/numbers.h"
-#include "fileio/vesk_writer_internal.h"
+#include "fileio/append_text.h"
+#include "fileio/vesk_frames.h"
+#include "fileio/vesk_place.h"
 #include "model/flat_mesh.h"
 #include "model/material.h"
 #include "model/object_internal.h"
 
 #include <cstring>
 
-constexpr int vesk_file_revision = 11;
-
-template <class Out>
-void append_g(Out &out, float value)
-{
-    char buffer[16];
-    out.append(buffer, static_cast<std::size_t>(write_g(buffer, value) - buffer));
-}
-
-template <class Out>
-void append_int(Out &out, int value)
-{
-    char buffer[12];
-    out.append(buffer, static_cast<std::size_t>(write_int(buffer, value) - buffer));
-}
-
-// Numbers as "%g" writes them, with blanks between.
-template <class Out>
-void append_floats(Out &out, const float *values, int n)
-{
-    for (int i = 0; i < n; ++i) {
-        if (i > 0)
-            out += ' ';
-        append_g(out, values[i]);
-    }
-}
-
-template <class Out>
-void append_point(Out &out, const point3_t &p)
-{
-    const float values[] = {p.x, p.y, p.z};
-    append_floats(out, values, 3);
-}
-
-// The text in double quotes, with a backslash before each double quote and backslash.
-template <class Out>
-void append_quoted(Out &out, const char *text)
-{
-    out += '"';
-    for (const char *p = text; *p != '\0'; ++p) {
-        if (*p == '\\' || *p == '"')
-            out += '\\';
-        out += *p;
-    }
-    out += '"';
-}
-
 template <class Out>
 void append_file_header(Out &out)
 {
     out += "VESK";
-    out += "0123456789abcdef"[vesk_file_revision];
+    out += "0123456789abcdef"[vesk_revision];
+    out += '\n';
+}
+
+// How a text stands on its line: as it is, between quotes, or there with its quotes and backslashes
+// escaped.
+enum class quoting { BARE, QUOTED, ESCAPED };
+
+template <class Out>
+void append_line(Out &out, const char *keyword, quoting how, const char *text)
+{
+    out += keyword;
+    out += ' ';
+    if (how == quoting::ESCAPED) {
+        append_quoted(out, text);
+    } else {
+        const char *mark = how == quoting::QUOTED ? "\"" : "";
+        out += mark;
+        out += text;
+        out += mark;
+    }
+    out += '\n';
+}
+
+template <class Out>
+void append_line(Out &out, const char *keyword, const float *values, int n)
+{
+    out += keyword;
+    out += ' ';
+    append_floats(out, values, n);
+    out += '\n';
+}
+
+// "numvert 8", "numsurf 6", "kids 0".
+template <class Out>
+void append_count(Out &out, const char *keyword, int count)
+{
+    out += keyword;
+    out += ' ';
+    append_int(out, count);
     out += '\n';
 }
 
@@ -73,7 +66,7 @@ template <class Out>
 void append_material(Out &out, const material &m, const char *name)
 {
     out += "MATERIAL \"";
-    out += name == nullptr ? "" : name; // Deliberate: not escaped
+    out += name == nullptr ? "" : name; // the palette's names hold no quotes
     out += "\" rgb ";
     append_floats(out, m.diffuse, 3);
     out += "  amb ";
@@ -94,70 +87,50 @@ struct object_texts_t {
     const char *name, *url, *data, *texture;
 };
 
+template <class Out>
+void append_frame(Out &out, const local_frame_t &local)
+{
+    const float location[] = {local.location.x, local.location.y, local.location.z};
+    if (location[0] != 0 || location[1] != 0 || location[2] != 0)
+        append_line(out, "loc", location, 3);
+    if (!local.has_rotation)
+        return;
+    out += "rot ";
+    append_floats(out, local.rotation, 3);
+    out += "  ";
+    append_floats(out, local.rotation + 3, 3);
+    out += "  ";
+    append_floats(out, local.rotation + 6, 3);
+    out += '\n';
+}
+
 // The lines before the geometry. Of the record only plain fields are read.
 template <class Out>
 void append_object_header(Out &out, const object_t &object, const object_texts_t &texts,
                           const local_frame_t &local)
 {
     const auto has = [](const char *text) { return text != nullptr && text[0] != '\0'; };
-    const auto pair = [&out](const char *keyword, float x, float y, float default_value) {
-        if (x == default_value && y == default_value)
-            return;
-        const float values[] = {x, y};
-        out += keyword;
-        append_floats(out, values, 2);
-        out += '\n';
-    };
-    out += "OBJECT ";
-    out += object_type_word(object.type);
-    out += '\n';
-    if (has(texts.name)) {
-        out += "name ";
-        append_quoted(out, texts.name);
-        out += '\n';
-    }
-    if (local.location.x != 0 || local.location.y != 0 || local.location.z != 0) {
-        out += "loc ";
-        append_point(out, local.location);
-        out += '\n';
-    }
-    if (local.has_rotation) {
-        out += "rot ";
-        append_floats(out, local.rotation, 3);
-        out += "  ";
-        append_floats(out, local.rotation + 3, 3);
-        out += "  ";
-        append_floats(out, local.rotation + 6, 3);
-        out += '\n';
-    }
-    if (has(texts.url)) {
-        out += "url \""; // Deliberate: not escaped
-        out += texts.url;
-        out += "\"\n";
-    }
+    append_line(out, "OBJECT", quoting::BARE, object_type_word(object.type));
+    if (has(texts.name))
+        append_line(out, "name", quoting::ESCAPED, texts.name);
+    append_frame(out, local);
+    // Deliberate: addresses and textures are not escaped; readers of this form take them as they
+    // are.
+    if (has(texts.url))
+        append_line(out, "url", quoting::QUOTED, texts.url);
     if (has(texts.data)) {
-        out += "data ";
-        append_int(out, static_cast<int>(std::strlen(texts.data)));
-        out += '\n';
+        append_count(out, "data", static_cast<int>(std::strlen(texts.data)));
         out += texts.data;
         out += '\n';
     }
-    if (texts.texture != nullptr) {
-        out += "texture \""; // Deliberate: not escaped
-        out += texts.texture;
-        out += "\"\n";
-    }
-    pair("texrep ", object.texture_repeat_x, object.texture_repeat_y, 1);
-    pair("texoff ", object.texture_offset_x, object.texture_offset_y, 0);
-}
-
-// "numvert 8", "numsurf 6", "kids 0".
-template <class Out>
-void append_count(Out &out, const char *keyword, int count)
-{
-    out += keyword;
-    append_int(out, count);
-    out += '\n';
+    if (texts.texture != nullptr)
+        append_line(out, "texture", quoting::QUOTED, texts.texture);
+    const float repeat[] = {object.texture_repeat_x, object.texture_repeat_y};
+    if (repeat[0] != 1 || repeat[1] != 1)
+        append_line(out, "texrep", repeat, 2);
+    const float offset[] = {object.texture_offset_x, object.texture_offset_y};
+    if (offset[0] != 0 || offset[1] != 0)
+        append_line(out, "texoff", offset, 2);
 }
 
 template <class Out>
@@ -170,8 +143,8 @@ void append_vertices(Out &out, const flat_mesh &mesh, const local_frame_t &frame
     }
 }
 
-// `place_of` gives a palette index's number in the file, `count_of` how many references a surface
-// tells to have, from its place and its corners.
+// `place_of` gives a palette index's number in the file, `count_of` the number on a surface's refs
+// line, from its place and its corners.
 template <class Out, class PlaceOf, class CountOf>
 void append_surfaces(Out &out, const flat_mesh &mesh, int begin, int end, const PlaceOf &place_of,
                      const CountOf &count_of)

@@ -1,6 +1,5 @@
-// The frames that objects are written in.
+#include "fileio/vesk_frames.h"
 
-#include "fileio/vesk_writer_internal.h"
 #include "model/each.h"
 #include "model/matrix.h"
 
@@ -9,7 +8,7 @@
 local_frame_t frame_of(const object_t *object, const rebuilt_t *parent)
 {
     local_frame_t frame = {};
-    // Deliberate: the test is made on the world matrix.
+    // Deliberate: the test is made on the world matrix, as the form of the file demands.
     frame.has_rotation = matrix_is_identity(object->rotation) == 0;
     frame.top = parent == nullptr;
     if (frame.top) {

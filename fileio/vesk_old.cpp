@@ -1,5 +1,5 @@
-// The reader of the older line vocabulary, revisions below 11. After the first word ("VESKa") the
-// file is one block, nested:
+// The older line vocabulary, revisions below 11. After the first word ("VESKa") the file is one
+// block, nested:
 //
 //     OBJECT "name"              (backslash before a quote or backslash)
 //     type CODE                  (0 poly, 1 group, 2 light, 3 cube, 4 sphere, 999 world)
@@ -8,7 +8,7 @@
 //     texture "file"
 //     texturerep X Y
 //     url "text"
-//     dataitems N                number of string lines that follow; only told
+//     dataitems N                number of string lines that follow; not used
 //     string N                   then N bytes and a line end: the object's data
 //     points N                   then N lines X Y Z
 //     surfaces N                 then N surfaces, each:
@@ -21,27 +21,43 @@
 //
 // A line that is none of these is an error and nothing is loaded.
 
+#include "fileio/vesk_old.h"
+
+#include "base/atomic_file.h"
+#include "base/file_report.h"
 #include "base/file_text.h"
 #include "base/messages_internal.h"
 #include "base/numbers.h"
+#include "base/progress.h"
 #include "base/tokens.h"
-#include "fileio/vesk_reader_internal.h"
+#include "fileio/export_scene.h"
+#include "fileio/output.h"
+#include "fileio/vesk_format.h"
+#include "fileio/vesk_messages.h"
+#include "fileio/vesk_place.h"
 #include "fileio/vesk_scan.h"
 #include "model/change_marks.h"
 #include "model/each.h"
+#include "model/flat_mesh.h"
 #include "model/normals.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/world.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <set>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
-constexpr std::size_t deepest_nesting = 100000;
+// ---- reading ----
 
 class old_reader {
 public:
@@ -175,7 +191,7 @@ bool old_reader::read_line(block *at)
     } else if (word_is("url", 1)) {
         object_set_url(object, text(1));
     } else if (word_is("dataitems", 1)) {
-        return true; // the string lines that follow tell for themselves
+        return true; // the string lines that follow have their own lengths
     } else if (word_is("string", 1)) {
         return read_data(object, integer(1));
     } else if (word_is("points", 1)) {
@@ -281,6 +297,102 @@ void old_reader::read_corners(surface_t *surface, int claimed)
     }
 }
 
+// ---- writing ----
+
+void append_text(std::string &out, const char *word, const char *text)
+{
+    if (is_set(text))
+        append_line(out, word, quoting::ESCAPED, text);
+}
+
+void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
+{
+    const flat_surface &surface = (*mesh.surfaces)[i];
+    if (surface.type != SURFACE_POLYGON)
+        append_count(out, "type", surface.type);
+    char colour[32];
+    std::snprintf(colour, sizeof colour, "rgb 0x%x\n",
+                  static_cast<unsigned>(index_to_rgb(surface.material)));
+    out += colour;
+    out += surface.smooth != 0 ? "shaded\n" : "";
+    out += surface.twosided != 0 ? "twosided\n" : "";
+    const auto first = static_cast<size_t>((*mesh.corner_offsets)[i]);
+    const auto last = static_cast<size_t>((*mesh.corner_offsets)[i + 1]);
+    append_count(out, "points", static_cast<int>(last - first));
+    for (size_t corner = first; corner < last; ++corner) {
+        const flat_uv &uv = (*mesh.texture_coords)[corner];
+        const float values[] = {uv.u, uv.v};
+        append_line(out, std::to_string((*mesh.corners)[corner]).c_str(), values, 2);
+    }
+}
+
+struct work_t {
+    const char *filename;
+    progress_t progress;
+    double done = 0;
+};
+
+void append_object(std::string &out, object_t *object, const local_frame_t &frame, work_t &work)
+{
+    out += "OBJECT ";
+    append_quoted(out, object->name == nullptr ? "" : object->name);
+    out += "\ntype " + std::to_string(object->type) + '\n';
+    const float location[] = {frame.location.x, frame.location.y, frame.location.z};
+    if (location[0] != 0 || location[1] != 0 || location[2] != 0)
+        append_line(out, "translation", location, 3);
+    if (frame.has_rotation)
+        append_line(out, "rotation", frame.rotation, 9);
+    const char *texture = object->has_texture != 0 ? texture_id_to_name(object->texture)
+                                                   : object_missing_texture(object);
+    if (texture != nullptr && object->has_texture != 0)
+        texture = search_texture_save(work.filename, texture);
+    append_text(out, "texture", texture);
+    const float repeat[] = {object->texture_repeat_x, object->texture_repeat_y};
+    if (repeat[0] != 1 || repeat[1] != 1)
+        append_line(out, "texturerep", repeat, 2);
+    append_text(out, "url", object->url);
+    if (is_set(object->data)) {
+        const std::string_view data = object->data;
+        out += "dataitems 1\n";
+        append_count(out, "string", static_cast<int>(data.size()));
+        out += data;
+        out += '\n';
+    }
+    const flat_ptr mesh = object_flat(object);
+    if (mesh->num_vertices() != 0)
+        append_count(out, "points", mesh->num_vertices());
+    for (const point3_t &position : *mesh->positions) {
+        append_point(out, frame.local(position));
+        out += '\n';
+    }
+    if (mesh->num_surfaces() != 0)
+        append_count(out, "surfaces", mesh->num_surfaces());
+    for (size_t i = 0; i < mesh->surfaces->size() && work.progress.step(++work.done); ++i)
+        append_surface(out, *mesh, i);
+    append_count(out, "children", list_count(object->children));
+}
+
+// Surfaces have a plain colour only: of how many materials the rest is left out.
+int poorer_materials()
+{
+    material plain;
+    material_init(&plain);
+    std::set<int> poorer;
+    for_each_object(vesk_get_world(), [&](const object_t *object) {
+        int last = -1;
+        for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+            const material *m = vesk_palette_get_material(surface->material);
+            if (m == nullptr || surface->material == last)
+                continue;
+            last = surface->material;
+            std::copy_n(m->diffuse, 3, plain.diffuse);
+            if (material_compare(m, &plain) == 0)
+                poorer.insert(last);
+        }
+    });
+    return static_cast<int>(poorer.size());
+}
+
 } // namespace
 
 object_t *readfile_vesk_old2(const char *filename)
@@ -292,12 +404,9 @@ object_t *readfile_vesk_old2(const char *filename)
         console_printf("can't open file for readiing\n");
         return nullptr;
     }
-    const char *word = skip_space(text.begin(), text.end());
-    const char *first = word;
-    while (first < text.end() && !is_blank(*first))
-        ++first;
+    const char *first = nullptr;
     const std::optional<unsigned> revision =
-        vesk_revision_of(std::string_view(word, static_cast<std::size_t>(first - word)));
+        vesk_revision_of(std::string_view(text.begin(), text.size), &first);
     if (!revision) {
         tell_not_valid(name.c_str());
         return nullptr;
@@ -317,4 +426,35 @@ object_t *readfile_vesk_old2(const char *filename)
     object_calc_normals_force(top);
     tell_load_done();
     return top;
+}
+
+int write_vesk_old(const char *filename)
+{
+    const std::string name = filename; // the messages let scripts run
+    vesk_report_export(name.c_str());
+    std::string text = "VESKa\n";
+    work_t work = {name.c_str(), progress_t(surfaces_of_world())};
+    for_each_written(vesk_get_world(), [&](object_t *object, const local_frame_t &frame) {
+        append_object(text, object, frame, work);
+    });
+    if (work.progress.cancelled()) {
+        display_message("write VESK - cancelled");
+        return 0;
+    }
+    atomic_writer_t file(name.c_str());
+    if (!file.opened()) {
+        windows_message_dialog("can't open file '%s' for writing", name.c_str());
+        tell_write_reason(name.c_str());
+        return 0;
+    }
+    file.write(text);
+    if (!file.commit()) {
+        windows_message_dialog("An error occured when writing the .vesk file \"%s\"", name.c_str());
+        tell_write_reason(name.c_str());
+        return 0;
+    }
+    debugf("written file %s OK\n", name.c_str());
+    vesk_report_loss(poorer_materials(), "shining colours");
+    display_message("written file %s%s", name.c_str(), vesk_report_losses("the older VESK"));
+    return 1;
 }

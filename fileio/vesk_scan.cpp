@@ -47,7 +47,7 @@ const char *scan_word_line(const char *p, const char *end, std::string_view word
     return p + 1;
 }
 
-// One surface at `p`: the place after it, else null with whatever was appended to be taken back.
+// One surface at `p`: the place after it, else null, and the caller takes appended references back.
 const char *scan_surface(const char *p, const char *end, scan_batch *batch)
 {
     scanned_surface surface = {};
@@ -193,7 +193,7 @@ std::unique_ptr<scan_batch> block_scanner::ahead_t::take(std::unique_ptr<scan_ba
     return batch;
 }
 
-// Looks for the lines that announce blocks and scans what follows them.
+// Looks for the lines that announce blocks and scans the blocks.
 void block_scanner::ahead_t::run(const char *p, const char *end)
 {
     std::unique_ptr<scan_batch> batch = empty_batch();

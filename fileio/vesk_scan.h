@@ -3,7 +3,7 @@
 
 // The lower layer of the model file reader: turns the bytes of a block of vertices or surfaces into
 // numbers. It knows no model, prints nothing and takes nothing from myalloc, so it may run on a
-// worker thread ahead of the builder. What it finds depends on nothing but the place where a block
+// worker thread ahead of the builder. The result depends only on the place where a block
 // begins and the number of elements asked for: a guess of the worker that the builder does not ask
 // for is only wasted.
 

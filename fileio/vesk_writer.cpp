@@ -1,11 +1,13 @@
 // The native writer. The model's world coordinates become coordinates relative to the parent; the
 // text of big objects is formatted in blocks by two threads and written in order.
 
+#include "fileio/vesk_writer.h"
+
 #include "base/atomic_file.h"
 #include "base/current_file.h"
 #include "base/messages_internal.h"
+#include "fileio/output.h"
 #include "fileio/vesk_format.h"
-#include "fileio/write_report.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
@@ -93,7 +95,7 @@ struct block_t {
     std::atomic<bool> done = false;
 };
 
-// References that the flat mesh left out are told; their count stands in the file all the same.
+// References that the flat mesh left out are counted in the file all the same.
 int reference_count(const geometry_t &g, int i, int corners)
 {
     const surface_t *surface = (*g.mesh->surface_records)[static_cast<size_t>(i)];
@@ -119,6 +121,7 @@ void format_block(block_t &block)
 // ---- the file as blocks ----
 
 struct plan_t {
+    std::string texture_base; // the file that texture names are relative to
     std::vector<std::unique_ptr<geometry_t>> geometries;
     std::vector<std::unique_ptr<block_t>> blocks;
     int elements = 0;
@@ -159,13 +162,13 @@ void tell_bad_references(const geometry_t &g)
 }
 
 // The name that stands in the file; null for none.
-const char *texture_of(const object_t *object)
+const char *texture_of(const object_t *object, const std::string &base)
 {
     const char *name = nullptr;
     if (object->has_texture != 0) {
         const char *file = texture_id_to_name(object->texture);
         if (file != nullptr)
-            name = search_texture_save(current_file().name.c_str(), file);
+            name = search_texture_save(base.c_str(), file);
     } else {
         name = object_missing_texture(object); // not found at load: nothing is lost
     }
@@ -174,10 +177,12 @@ const char *texture_of(const object_t *object)
     return name;
 }
 
-void append_header(std::string &out, const object_t *object, const local_frame_t &local)
+void append_header(std::string &out, const object_t *object, const local_frame_t &local,
+                   const std::string &texture_base)
 {
-    append_object_header(out, *object,
-                         {object->name, object->url, object->data, texture_of(object)}, local);
+    append_object_header(
+        out, *object, {object->name, object->url, object->data, texture_of(object, texture_base)},
+        local);
     debugf("TEXTURE OFFSET save %f %f\n", static_cast<double>(object->texture_offset_x),
            static_cast<double>(object->texture_offset_y));
 }
@@ -185,21 +190,21 @@ void append_header(std::string &out, const object_t *object, const local_frame_t
 // Adds an object without its children.
 void plan_object(plan_t &plan, object_t *object, const local_frame_t &frame)
 {
-    append_header(plan.text(), object, frame);
+    append_header(plan.text(), object, frame, plan.texture_base);
 
     const flat_ptr mesh = object_flat(object);
     plan.geometries.push_back(std::make_unique<geometry_t>(geometry_t{object, mesh, frame}));
     const geometry_t *geometry = plan.geometries.back().get();
     tell_bad_references(*geometry);
     if (mesh->num_vertices() != 0) {
-        append_count(plan.text(), "numvert ", mesh->num_vertices());
+        append_count(plan.text(), "numvert", mesh->num_vertices());
         plan.add(geometry, false, mesh->num_vertices());
     }
     if (mesh->num_surfaces() != 0) {
-        append_count(plan.text(), "numsurf ", mesh->num_surfaces());
+        append_count(plan.text(), "numsurf", mesh->num_surfaces());
         plan.add(geometry, true, mesh->num_surfaces());
     }
-    append_count(plan.text(), "kids ", list_count(object->children));
+    append_count(plan.text(), "kids", list_count(object->children));
 }
 
 // ---- formatting beside writing ----
@@ -243,7 +248,8 @@ public:
     }
 
 private:
-    // Buffers go from block to block: freed on another thread than took them they would pile up.
+    // Buffers are handed from block to block: freed on another thread than took them they would
+    // pile up.
     void recycle(std::string &text)
     {
         const std::lock_guard lock(mutex);
@@ -323,9 +329,10 @@ void tell_failure(const atomic_writer_t &file, const char *name, size_t header, 
 
 // Hands the text of the objects on, piece by piece, for as long as `write` returns true.
 template <class Write>
-void write_objects(object_t *top, const Write &write)
+void write_objects(object_t *top, const std::string &texture_base, const Write &write)
 {
     plan_t plan;
+    plan.texture_base = texture_base;
     for_each_written(top, [&](object_t *object, const local_frame_t &frame) {
         plan_object(plan, object, frame);
     });
@@ -340,12 +347,18 @@ void write_objects(object_t *top, const Write &write)
 
 int write_vesk(const char *filename)
 {
-    current_file_set(filename);
-    write_vesk_object(current_file().name.c_str(), vesk_get_world());
+    const std::string name = filename; // may be a text that the current file holds
+    current_file_set(name.c_str());
+    vesk_write_model(name, vesk_get_world(), name);
     return 1;
 }
 
 int write_vesk_object(const char *filename, object_t *object)
+{
+    return vesk_write_model(filename, object, current_file().name);
+}
+
+int vesk_write_model(const std::string &filename, object_t *object, const std::string &texture_base)
 {
     const std::string name = filename; // messages let scripts run
     atomic_writer_t file(name.c_str());
@@ -358,7 +371,8 @@ int write_vesk_object(const char *filename, object_t *object)
     collect_materials(object);
     const std::string palette = palette_text();
     if (file.write(header) && file.write(palette))
-        write_objects(object, [&](const std::string &text) { return file.write(text); });
+        write_objects(object, texture_base,
+                      [&](const std::string &text) { return file.write(text); });
     if (!file.commit()) {
         tell_failure(file, name.c_str(), header.size(), palette.size());
         return 0;
@@ -376,7 +390,7 @@ std::string vesk_object_text(object_t *object)
     append_file_header(text);
     collect_materials(object);
     text += palette_text();
-    write_objects(object, [&](const std::string &piece) {
+    write_objects(object, "", [&](const std::string &piece) {
         text += piece;
         return true;
     });

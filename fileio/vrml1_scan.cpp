@@ -50,33 +50,34 @@ std::vector<vrml_word> vrml_words(std::string_view text, progress_t &progress)
     return words;
 }
 
-std::vector<float> vrml_fields::numbers(std::string_view name) const
+std::span<const vrml_word> vrml_fields::values(std::string_view name) const
 {
-    std::vector<float> values;
     const auto found = fields_.find(name);
     if (found == fields_.end())
-        return values;
-    for (std::size_t i = found->second.begin; i < found->second.end; ++i) {
-        const std::string_view text = words_[i].text;
+        return {};
+    return std::span(words_).subspan(found->second.begin, found->second.end - found->second.begin);
+}
+
+std::vector<float> vrml_fields::numbers(std::string_view name) const
+{
+    std::vector<float> numbers;
+    for (const vrml_word &word : values(name)) {
         float value = 0;
-        if (words_[i].kind == vrml_word::NUMBER) {
-            scan_float(text.data(), text.data() + text.size(), &value);
-            values.push_back(value);
+        if (word.kind == vrml_word::NUMBER) {
+            scan_float(word.text.data(), word.text.data() + word.text.size(), &value);
+            numbers.push_back(value);
         }
     }
-    return values;
+    return numbers;
 }
 
 std::vector<int> vrml_fields::integers(std::string_view name) const
 {
-    std::vector<int> values;
-    const auto found = fields_.find(name);
-    if (found == fields_.end())
-        return values;
-    for (std::size_t i = found->second.begin; i < found->second.end; ++i)
-        if (words_[i].kind == vrml_word::NUMBER)
-            values.push_back(int_of(words_[i].text));
-    return values;
+    std::vector<int> integers;
+    for (const vrml_word &word : values(name))
+        if (word.kind == vrml_word::NUMBER)
+            integers.push_back(int_of(word.text));
+    return integers;
 }
 
 float vrml_fields::number(std::string_view name, float fallback) const
@@ -87,22 +88,14 @@ float vrml_fields::number(std::string_view name, float fallback) const
 
 std::string_view vrml_fields::word(std::string_view name) const
 {
-    const auto found = fields_.find(name);
-    if (found == fields_.end())
-        return "";
-    for (std::size_t i = found->second.begin; i < found->second.end; ++i)
-        if (words_[i].kind == vrml_word::NAME || words_[i].kind == vrml_word::TEXT)
-            return words_[i].text;
+    for (const vrml_word &word : values(name))
+        if (word.kind == vrml_word::NAME || word.kind == vrml_word::TEXT)
+            return word.text;
     return "";
 }
 
 bool vrml_fields::mentions(std::string_view name, std::string_view word) const
 {
-    const auto found = fields_.find(name);
-    if (found == fields_.end())
-        return false;
-    for (std::size_t i = found->second.begin; i < found->second.end; ++i)
-        if (words_[i].text == word)
-            return true;
-    return false;
+    const auto all = values(name);
+    return std::any_of(all.begin(), all.end(), [&](const auto &w) { return w.text == word; });
 }

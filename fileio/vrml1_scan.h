@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,7 +17,7 @@ struct vrml_word {
     std::string_view text; // of a TEXT without its quotes
 };
 
-// With progress; what is there by then when the user cancels.
+// With progress; when the user cancels, the words found by then.
 std::vector<vrml_word> vrml_words(std::string_view text, progress_t &progress);
 
 // A range of words.
@@ -41,6 +42,8 @@ public:
     [[nodiscard]] bool mentions(std::string_view name, std::string_view word) const;
 
 private:
+    [[nodiscard]] std::span<const vrml_word> values(std::string_view name) const;
+
     const std::vector<vrml_word> &words_;
     std::map<std::string_view, vrml_range> fields_;
 };

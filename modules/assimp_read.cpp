@@ -1,60 +1,24 @@
-// What the Assimp library reads, as the plain arrays that the program makes objects of.
+// Scenes that the Assimp library reads, as the plain arrays that the program makes objects of.
 
-#include "modules/assimp_losses.h"
+#include "modules/assimp_read.h"
+
+#include "modules/assimp_materials.h"
+#include "modules/assimp_meshes.h"
 
 #include <algorithm>
-#include <array>
 #include <assimp/BaseImporter.h>
 #include <assimp/DefaultIOSystem.h>
 #include <assimp/Importer.hpp>
-#include <assimp/commonMetaData.h>
 #include <assimp/config.h>
-#include <assimp/importerdesc.h>
-#include <assimp/scene.h>
 #include <cmath>
 #include <cstring>
 #include <fstream>
 #include <map>
 #include <set>
-#include <unordered_map>
 
 namespace {
 
 constexpr int most_levels = 1000;
-constexpr float gltf_shininess = 1000; // the reader's value of a perfect mirror
-
-bool is_one_of(const std::string &word, std::initializer_list<const char *> words)
-{
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
-
-// ---- materials ----
-
-void take_colour(const aiMaterial &source, const char *key, unsigned type, unsigned index,
-                 float *to)
-{
-    aiColor3D colour;
-    if (source.Get(key, type, index, colour) != AI_SUCCESS)
-        return;
-    to[0] = colour.r;
-    to[1] = colour.g;
-    to[2] = colour.b;
-}
-
-// "my%20wood.png" as it is in the folder.
-std::string without_escapes(const std::string &address)
-{
-    std::string name;
-    for (std::size_t i = 0; i < address.size(); ++i) {
-        const bool escape = address[i] == '%' && i + 2 < address.size() &&
-                            std::isxdigit(static_cast<unsigned char>(address[i + 1])) != 0 &&
-                            std::isxdigit(static_cast<unsigned char>(address[i + 2])) != 0;
-        name += escape ? static_cast<char>(std::stoi(address.substr(i + 1, 2), nullptr, 16))
-                       : address[i];
-        i += escape ? 2 : 0;
-    }
-    return name;
-}
 
 // Finds files whose names are addresses, too.
 class address_files : public Assimp::DefaultIOSystem {
@@ -70,233 +34,6 @@ public:
         return stream != nullptr ? stream
                                  : DefaultIOSystem::Open(without_escapes(file).c_str(), mode);
     }
-};
-
-class material_reader {
-public:
-    material_reader(const aiScene &scene, const std::string &suffix)
-        : scene_(scene), gltf_(is_one_of(suffix, {"gltf", "glb"})),
-          tells_sides_(gltf_ || (suffix == "dae" && generator() == "VESK"))
-    {
-    }
-
-    plain_material read(const aiMaterial &source) const
-    {
-        plain_material m;
-        take_colour(source, AI_MATKEY_COLOR_DIFFUSE, m.diffuse);
-        take_colour(source, AI_MATKEY_COLOR_AMBIENT, m.ambient);
-        take_colour(source, AI_MATKEY_COLOR_SPECULAR, m.specular);
-        take_colour(source, AI_MATKEY_COLOR_EMISSIVE, m.emissive);
-        float value = 0;
-        if (source.Get(AI_MATKEY_SHININESS, value) == AI_SUCCESS && value >= 0)
-            m.shininess = std::min(gltf_ ? value / gltf_shininess * 128 : value, 128.0f);
-        if (source.Get(AI_MATKEY_OPACITY, value) == AI_SUCCESS)
-            m.transparency = 1 - value;
-        aiString name;
-        if (source.Get(AI_MATKEY_NAME, name) == AI_SUCCESS)
-            m.name = name.C_Str();
-        take_picture(source, &m);
-        return m;
-    }
-
-    // Only there do files say which sides are drawn; COLLADA by an extra that many programs leave
-    // out.
-    bool twosided(const aiMaterial &source) const
-    {
-        int both = 1;
-        return !tells_sides_ || source.Get(AI_MATKEY_TWOSIDED, both) != AI_SUCCESS || both != 0;
-    }
-
-private:
-    void take_picture(const aiMaterial &source, plain_material *m) const
-    {
-        aiString path;
-        for (const aiTextureType type : {aiTextureType_DIFFUSE, aiTextureType_BASE_COLOR}) {
-            if (source.GetTexture(type, 0, &path) != AI_SUCCESS || path.length == 0)
-                continue;
-            const auto within = scene_.GetEmbeddedTextureAndIndex(path.C_Str());
-            if (within.second >= 0)
-                m->picture = "*" + std::to_string(within.second);
-            else
-                m->picture = gltf_ ? without_escapes(path.C_Str()) : path.C_Str();
-            aiUVTransform placed;
-            if (source.Get(AI_MATKEY_UVTRANSFORM(type, 0), placed) == AI_SUCCESS) {
-                m->repeat[0] = placed.mScaling.x;
-                m->repeat[1] = placed.mScaling.y;
-                m->offset[0] = placed.mTranslation.x;
-                m->offset[1] = placed.mTranslation.y;
-            }
-            return;
-        }
-    }
-
-    [[nodiscard]] std::string generator() const
-    {
-        aiString name;
-        const bool told = scene_.mMetaData != nullptr &&
-                          scene_.mMetaData->Get(AI_METADATA_SOURCE_GENERATOR, name);
-        return told ? name.C_Str() : "";
-    }
-
-    const aiScene &scene_;
-    const bool gltf_;
-    const bool tells_sides_;
-};
-
-// ---- meshes ----
-
-struct place_hash {
-    std::size_t operator()(const std::array<float, 3> &p) const
-    {
-        std::size_t sum = 0;
-        for (const float value : p) {
-            std::uint32_t bits = 0;
-            std::memcpy(&bits, &value, sizeof bits);
-            sum = (sum ^ bits) * 0x9E3779B97F4A7C15u;
-            sum ^= sum >> 29;
-        }
-        return sum;
-    }
-};
-
-// The arrays of one object, from all meshes that share its picture.
-class mesh_builder {
-public:
-    plain_node node;
-    std::size_t bad_points = 0;
-
-    // `fans`: triangles that follow each other with one first vertex are a polygon.
-    void add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided, bool fans)
-    {
-        known_.reserve(known_.size() + mesh.mNumVertices);
-        std::vector<int> places;
-        places.reserve(mesh.mNumVertices);
-        for (unsigned i = 0; i < mesh.mNumVertices; ++i)
-            places.push_back(place_of(frame * mesh.mVertices[i]));
-        for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
-            const aiFace &face = mesh.mFaces[i];
-            outline_.assign(face.mIndices, face.mIndices + face.mNumIndices);
-            while (fans && i + 1 < mesh.mNumFaces && goes_on(mesh.mFaces[i + 1]))
-                outline_.push_back(mesh.mFaces[++i].mIndices[2]);
-            add_face(mesh, places, material, twosided);
-        }
-        end_line();
-    }
-
-private:
-    // Readers part vertices that differ in anything; here only the place counts.
-    int place_of(const aiVector3D &p)
-    {
-        std::array<float, 3> key = {p.x, p.y, p.z};
-        for (float &value : key) {
-            bad_points += std::isfinite(value) ? 0 : 1;
-            value = std::isfinite(value) ? value + 0.0f : 0.0f;
-        }
-        const auto found = known_.emplace(key, static_cast<int>(node.points.size() / 3));
-        if (found.second)
-            node.points.insert(node.points.end(), key.begin(), key.end());
-        return found.first->second;
-    }
-
-    void add_corner(const aiMesh &mesh, unsigned index, int place)
-    {
-        const bool has_uv = mesh.HasTextureCoords(0);
-        const aiVector3D uv = has_uv ? mesh.mTextureCoords[0][index] : aiVector3D();
-        node.corners.push_back(place);
-        node.uv.push_back(std::isfinite(uv.x) ? uv.x : 0);
-        node.uv.push_back(std::isfinite(uv.y) ? uv.y : 0);
-    }
-
-    void end_surface(int material, int flags)
-    {
-        node.offsets.push_back(static_cast<int>(node.corners.size()));
-        node.materials.push_back(material);
-        node.flags.push_back(flags);
-    }
-
-    // Whether the next triangle belongs to the outline's fan.
-    [[nodiscard]] bool goes_on(const aiFace &next) const
-    {
-        return outline_.size() > 2 && next.mNumIndices == 3 &&
-               next.mIndices[0] == outline_.front() && next.mIndices[1] == outline_.back();
-    }
-
-    void add_face(const aiMesh &mesh, const std::vector<int> &places, int material, bool twosided)
-    {
-        for (const unsigned index : outline_)
-            if (index >= mesh.mNumVertices)
-                return;
-        if (outline_.size() == 2) {
-            add_segment(mesh, places, material);
-            return;
-        }
-        end_line();
-        if (outline_.size() < 3)
-            return;
-        for (const unsigned index : outline_)
-            add_corner(mesh, index, places[index]);
-        end_surface(material,
-                    (twosided ? PLAIN_TWOSIDED : 0) | (is_smooth(mesh) ? PLAIN_SMOOTH : 0));
-    }
-
-    // Segments that go on where the last one ended are one line.
-    void add_segment(const aiMesh &mesh, const std::vector<int> &places, int material)
-    {
-        const int from = places[outline_[0]];
-        const int to = places[outline_[1]];
-        if (!line_open_ || node.corners.back() != from || line_material_ != material) {
-            end_line();
-            line_open_ = true;
-            line_material_ = material;
-            add_corner(mesh, outline_[0], from);
-        }
-        add_corner(mesh, outline_[1], to);
-    }
-
-    void end_line()
-    {
-        if (!line_open_)
-            return;
-        line_open_ = false;
-        const auto first = static_cast<std::size_t>(node.offsets.back());
-        const bool closed =
-            node.corners.size() - first > 3 && node.corners[first] == node.corners.back();
-        if (closed) {
-            node.corners.pop_back();
-            node.uv.resize(node.uv.size() - 2);
-        }
-        end_surface(line_material_, PLAIN_TWOSIDED | (closed ? PLAIN_CLOSED_LINE : PLAIN_LINE));
-    }
-
-    // A face with a corner whose normal is not the face's.
-    [[nodiscard]] bool is_smooth(const aiMesh &mesh) const
-    {
-        if (!mesh.HasNormals())
-            return false;
-        aiVector3D sum; // Newell's
-        for (std::size_t k = 0; k < outline_.size(); ++k) {
-            const aiVector3D &p = mesh.mVertices[outline_[k]];
-            const aiVector3D &q = mesh.mVertices[outline_[(k + 1) % outline_.size()]];
-            sum += aiVector3D((p.y - q.y) * (p.z + q.z), (p.z - q.z) * (p.x + q.x),
-                              (p.x - q.x) * (p.y + q.y));
-        }
-        const float length = sum.Length();
-        if (!(length > 0))
-            return false;
-        for (const unsigned index : outline_) {
-            const aiVector3D &normal = mesh.mNormals[index];
-            const float size = normal.Length();
-            // Some files' normals all look the other way; a degree and a half is rounding.
-            if (size > 0 && std::fabs(normal * sum) < 0.9997f * size * length)
-                return true;
-        }
-        return false;
-    }
-
-    std::unordered_map<std::array<float, 3>, int, place_hash> known_;
-    std::vector<unsigned> outline_; // of the face at hand: vertices of the mesh
-    bool line_open_ = false;
-    int line_material_ = 0;
 };
 
 // ---- the tree ----
@@ -348,7 +85,7 @@ private:
                  std::strcmp(top.mName.C_Str(), "ROOT") == 0);
     }
 
-    // FBX tells its unit in centimetres; ours is the metre of the others.
+    // FBX gives its unit in centimetres; ours is the metre of the others.
     aiMatrix4x4 axes() const
     {
         aiMatrix4x4 turn;
@@ -482,7 +219,57 @@ private:
     bool too_deep_ = false;
 };
 
-// The suffix of a picture's bytes; what the file says of them when they have no known beginning.
+// ---- losses ----
+
+void tell_count(std::size_t count, const char *what, plain_scene *out)
+{
+    if (count > 0)
+        out->warnings.push_back(std::to_string(count) + " " + what + " were left out");
+}
+
+// Whether a material has a picture of another use than that for its colour.
+bool has_other_pictures(const aiMaterial &source)
+{
+    for (int type = aiTextureType_DIFFUSE + 1; type <= AI_TEXTURE_TYPE_MAX; ++type)
+        if (type != aiTextureType_BASE_COLOR &&
+            source.GetTextureCount(static_cast<aiTextureType>(type)) > 0)
+            return true;
+    return false;
+}
+
+// A warning for each kind of element that the program has no place for.
+void tell_what_is_not_read(const aiScene &scene, plain_scene *out)
+{
+    std::size_t pictures = 0;
+    for (unsigned i = 0; i < scene.mNumMaterials; ++i)
+        pictures += has_other_pictures(*scene.mMaterials[i]) ? 1 : 0;
+    std::size_t bones = 0;
+    std::size_t forms = 0;
+    std::size_t colours = 0;
+    std::size_t coordinates = 0;
+    std::size_t points = 0;
+    for (unsigned i = 0; i < scene.mNumMeshes; ++i) {
+        const aiMesh &mesh = *scene.mMeshes[i];
+        bones += mesh.mNumBones > 0 ? 1 : 0;
+        forms += mesh.mNumAnimMeshes;
+        colours += mesh.HasVertexColors(0) ? 1 : 0;
+        coordinates += mesh.GetNumUVChannels() > 1 ? 1 : 0;
+        for (unsigned k = 0; k < mesh.mNumFaces; ++k)
+            points += mesh.mFaces[k].mNumIndices == 1 ? 1 : 0;
+    }
+    tell_count(pictures, "materials' pictures for bumps, shine and the like", out);
+    tell_count(scene.mNumAnimations, "animations", out);
+    tell_count(scene.mNumCameras, "cameras", out);
+    tell_count(bones, "meshes' bones", out);
+    tell_count(forms, "further forms of meshes", out);
+    tell_count(colours, "meshes' colours of corners", out);
+    tell_count(coordinates, "meshes' further texture coordinates", out);
+    tell_count(points, "points", out);
+}
+
+// ---- pictures ----
+
+// The suffix of a picture's bytes; the file's hint when they have no known beginning.
 std::string suffix_of(const aiTexture &texture)
 {
     const auto *bytes = reinterpret_cast<const char *>(texture.pcData);
@@ -538,8 +325,8 @@ std::string gltf_text(const std::string &filename)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Whether a glTF file says of all its triangles that fans of them are polygons: by an extension that
-// it names once in its head and once with each mesh. The library does not tell.
+// Whether a glTF file says of all its triangles that fans of them are polygons: by an extension
+// that it names once in its head and once with each mesh. The library does not report it.
 bool has_fans(const aiScene &scene, const std::string &filename)
 {
     const std::string name = "\"FB_ngon_encoding\"";
@@ -553,7 +340,7 @@ bool has_fans(const aiScene &scene, const std::string &filename)
     return found > 1 && found == meshes + 1;
 }
 
-// Takes out every reader but those of the suffix: what a file looks like never chooses another.
+// Takes out every reader but those of the suffix: the content of a file never chooses another.
 // Two versions of one format may have a reader each.
 bool keep_readers_of(Assimp::Importer &importer, const char *suffix)
 {

@@ -4,7 +4,7 @@
 // words stands there. It limits itself before it opens anything, and ends with the program that
 // started it.
 
-#include "modules/scene_helper.h"
+#include "modules/assimp_read.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -19,7 +19,7 @@ namespace {
 
 constexpr int output_fd = 3;
 
-// Past `most` it is told by a signal, past `end` it is gone.
+// Past `most` the process gets a signal, past `end` it is killed.
 void limit(__rlimit_resource resource, rlim_t most, rlim_t end)
 {
     const rlimit both = {most, end};
@@ -68,5 +68,7 @@ int main(int argc, char **argv)
         reason = problem.what();
     }
     const bool told = put(reason.empty() ? output : reason);
-    _exit(told && reason.empty() ? 0 : 1); // what a damaged file left is not taken down
+    _exit(told && reason.empty()
+              ? 0
+              : 1); // no destructors: a damaged file may have broken their objects
 }

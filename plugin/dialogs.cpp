@@ -8,8 +8,8 @@
 
 namespace {
 
-// Calls one of the scripts' dialog procedures. It waits for the user and so lets events in: what
-// edits meanwhile is refused.
+// Calls one of the scripts' dialog procedures. It waits for the user and so lets events in; edits
+// are refused meanwhile.
 const char *ask(const char *procedure, const char *title, const char *const *filters)
 {
     const char *filter_text = vesk_filter_array_to_string(filters);

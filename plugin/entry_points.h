@@ -5,7 +5,7 @@
 
 VESK_BEGIN_DECLS
 
-/* What a plug-in defines itself. Non-zero from the initialisation means success. About and Info
+/* The functions that a plug-in defines. Non-zero from the initialisation means success. About and Info
    may be missing; their texts stay the plug-in's. */
 VESK_API int VESKPluginInit(void);
 VESK_API void VESKPluginExit(void);

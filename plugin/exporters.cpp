@@ -1,7 +1,6 @@
 #include "plugin/exporters.h"
 
 #include "base/crash_guard.h"
-#include "base/current_file.h"
 #include "base/file_report.h"
 #include "base/filename.h"
 #include "base/messages.h"
@@ -10,11 +9,9 @@
 #include "fileio/export_commands.h"
 #include "fileio/export_vrml2.h"
 #include "fileio/vesk_writer.h"
-#include "model/alloc_internal.h"
-#include "model/each.h"
 #include "model/ear_cut.h"
-#include "model/list.h"
 #include "model/world.h"
+#include "plugin/format_table.h"
 
 #include <algorithm>
 #include <string>
@@ -24,22 +21,10 @@ namespace {
 
 listitem *exporters = nullptr;
 
-std::string known_formats()
-{
-    std::string text = "I can export these files:\n";
-    for (const vesk_exporter_t *exporter : each<vesk_exporter_t>(exporters))
-        text += std::string(exporter->suffix) + " (" + exporter->description + ")\n";
-    return text;
-}
-
-// A copy: the current file stays what it was.
+// A copy: the current file stays.
 int write_copy(const char *filename)
 {
-    const current_file_t kept = current_file();
-    current_file_set(filename); // texture names are made relative to it
-    const int written = write_vesk_object(filename, vesk_get_world());
-    current_file() = kept;
-    return written;
+    return vesk_write_model(filename, vesk_get_world(), filename);
 }
 
 } // namespace
@@ -47,13 +32,7 @@ int write_copy(const char *filename)
 vesk_exporter_t *vesk_register_file_exporter(const char *suffix, const char *description,
                                              vesk_export_func_t write, const char *info)
 {
-    auto *exporter = static_cast<vesk_exporter_t *>(myalloc(sizeof(vesk_exporter_t)));
-    if (exporter == nullptr)
-        return nullptr;
-    *exporter = {text_copy(suffix), text_copy(description == nullptr ? "-" : description),
-                 text_copy(info == nullptr ? "-" : info), write};
-    list_add_item(&exporters, exporter);
-    return exporter;
+    return format_table_add<vesk_exporter_t>(&exporters, suffix, description, info, write);
 }
 
 vesk_exporter_t *vesk_get_file_exporter_by_suffix(const char *suffix)
@@ -78,7 +57,7 @@ int vesk_export_file(const char *filename)
     const vesk_exporter_t *exporter = vesk_get_file_exporter_by_suffix(suffix);
     if (exporter == nullptr) {
         windows_message_dialog("Sorry, there is no geometry exporter for %s files\n%s", suffix,
-                               known_formats().c_str());
+                               format_table_text<vesk_exporter_t>(exporters, "export").c_str());
         return 0;
     }
     vesk_report_export(name.c_str());
@@ -128,13 +107,4 @@ void vesk_register_internal_file_exporters(void)
 
 const listitem *file_exporters() { return exporters; }
 
-void exporters_reset_for_test()
-{
-    for (vesk_exporter_t *exporter : each<vesk_exporter_t>(exporters)) {
-        myfree(exporter->suffix);
-        myfree(exporter->description);
-        myfree(exporter->info);
-        myfree(exporter);
-    }
-    list_free(&exporters);
-}
+void exporters_reset_for_test() { format_table_free<vesk_exporter_t>(&exporters); }

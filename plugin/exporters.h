@@ -5,8 +5,8 @@
 
 VESK_BEGIN_DECLS
 
-/* Writes the whole scene to a file; returns 1, or 0 after telling the user why not. What the format
-   cannot hold is told by vesk_report_loss. */
+/* Writes the whole scene to a file; returns 1, or 0 after telling the user why not. Elements that the format
+   cannot hold are counted by vesk_report_loss. */
 typedef int (*vesk_export_func_t)(const char *filename);
 
 /* One row of the exporter table; never freed. */

@@ -17,7 +17,7 @@ namespace {
 
 listitem *filters = nullptr;
 
-// What was freed since the running filter began: it may delete more than the surface in hand.
+// Surfaces freed since the running filter began: it may delete more than the one in hand.
 std::unordered_set<const surface_t *> freed_surfaces;
 
 void note_freed(const freed_things &freed)

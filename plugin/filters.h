@@ -26,7 +26,7 @@ VESK_API vesk_surface_filter_t *vesk_register_surface_filter(const char *name, c
                                                              vesk_surface_filter_func_t filter,
                                                              int flags);
 
-/* Runs the filter of that identifier on the selection; an unknown one is told in a message box.
+/* Runs the filter of that identifier on the selection; an unknown one gives a message box.
    Command "execute_surface_filter". */
 VESK_API void execute_surface_filter(const char *identifier);
 

@@ -1,6 +1,7 @@
 #include "plugin/importers.h"
 
 #include "base/crash_guard.h"
+#include "base/current_file.h"
 #include "base/file_report.h"
 #include "base/filename.h"
 #include "base/messages.h"
@@ -13,20 +14,18 @@
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_lightwave.h"
-#include "fileio/import_names.h"
+#include "fileio/import_mesh.h"
 #include "fileio/import_text.h"
 #include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
-#include "model/alloc_internal.h"
 #include "model/change_marks.h"
-#include "model/each.h"
 #include "model/freed.h"
-#include "model/list.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
+#include "plugin/format_table.h"
 #include "plugin/menus.h"
 #include "view/fit.h"
 
@@ -40,27 +39,8 @@ namespace {
 
 listitem *importers = nullptr;
 
-vesk_importer_t *new_importer(const char *suffix, const char *description, vesk_import_func_t load,
-                              const char *info)
-{
-    auto *importer = static_cast<vesk_importer_t *>(myalloc(sizeof(vesk_importer_t)));
-    if (importer == nullptr)
-        return nullptr;
-    *importer = {text_copy(suffix), text_copy(description == nullptr ? "-" : description),
-                 text_copy(info == nullptr ? "-" : info), load};
-    return importer;
-}
-
-std::string known_formats()
-{
-    std::string text = "I can import these files:\n";
-    for (const vesk_importer_t *importer : each<vesk_importer_t>(importers))
-        text += std::string(importer->suffix) + " (" + importer->description + ")\n";
-    return text;
-}
-
-// What came, for the report.
-void count_what_came(object_t *top, double seconds)
+// Counts for the import report.
+void count_import(object_t *top, double seconds)
 {
     file_report &report = last_file_report();
     std::set<int> materials;
@@ -89,7 +69,7 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     const palette_table by_hash; // of the materials
     const bool whole = guarded_with_recovery(
         [&] {
-            freed_batch at_once; // of what an importer drops on its way
+            freed_batch at_once; // of the objects that an importer drops on its way
             object = importer->load(filename);
         },
         &fault);
@@ -109,7 +89,7 @@ void adopt_children(object_t *container)
     const owned_list children(list_clone(container->children)); // the list changes on the way
     for (object_t *child : each<object_t>(children.get()))
         object_reparent(child, vesk_get_world());
-    select_objectlist(children.get()); // in one go: each selection measures all that is selected
+    select_objectlist(children.get()); // at once: each selection measures all that is selected
     // The container itself stays as it is; nothing refers to it any more.
     object_free(container);
 }
@@ -119,10 +99,7 @@ void adopt_children(object_t *container)
 vesk_importer_t *vesk_register_file_importer(const char *suffix, const char *description,
                                              vesk_import_func_t load, const char *info)
 {
-    vesk_importer_t *importer = new_importer(suffix, description, load, info);
-    if (importer != nullptr)
-        list_add_item(&importers, importer);
-    return importer;
+    return format_table_add<vesk_importer_t>(&importers, suffix, description, info, load);
 }
 
 vesk_importer_t *vesk_replace_importer_function(const char *suffix, vesk_import_func_t load)
@@ -171,7 +148,7 @@ object_t *vesk_import_file(const char *filename)
     const vesk_importer_t *importer = vesk_get_file_importer_by_suffix(suffix);
     if (importer == nullptr) {
         windows_message_dialog("Sorry, there is no geometry importer for %s files\n%s", suffix,
-                               known_formats().c_str());
+                               format_table_text<vesk_importer_t>(importers, "import").c_str());
         return nullptr;
     }
     const double began = ui_port().now_seconds();
@@ -180,15 +157,17 @@ object_t *vesk_import_file(const char *filename)
     if (object == nullptr)
         return nullptr;
     if (importer->load != vesk_import_vesk)
-        names_for_model_file(object);
-    count_what_came(object, ui_port().now_seconds() - began);
+        import_fit_names(object);
+    count_import(object, ui_port().now_seconds() - began);
     return object;
 }
 
-int world_adopt_import(object_t *object)
+int world_adopt_import(object_t *object, const std::string &filename, bool model_file)
 {
     if (object == nullptr)
         return 0;
+    if (model_file && vesk_get_world()->children == nullptr)
+        edited_file_set(filename);
     clear_selection();
     if (object->type == OBJECT_WORLD) {
         adopt_children(object);
@@ -209,7 +188,10 @@ int world_adopt_import(object_t *object)
 
 int vesk_world_import_file(const char *filename)
 {
-    const int came = world_adopt_import(vesk_import_file(filename));
+    const std::string name = filename; // the messages let scripts run
+    const char *suffix = string_get_suffix(name.c_str());
+    const bool model_file = suffix != nullptr && strcasecmp(suffix, ".vesk") == 0;
+    const int came = world_adopt_import(vesk_import_file(name.c_str()), name, model_file);
     if (came != 0 && !last_file_report().warnings.empty())
         tcl_command("show_import_report");
     return came;
@@ -217,7 +199,8 @@ int vesk_world_import_file(const char *filename)
 
 void command_load_vesk(const char *filename)
 {
-    static_cast<void>(world_adopt_import(vesk_import_vesk(filename)));
+    const std::string name = filename;
+    static_cast<void>(world_adopt_import(vesk_import_vesk(name.c_str()), name, true));
 }
 
 const char *vesk_file_select_import_name(const char *title)
@@ -276,13 +259,4 @@ void command_export_3ds(void)
         write_3ds(name);
 }
 
-void importers_reset_for_test()
-{
-    for (vesk_importer_t *importer : each<vesk_importer_t>(importers)) {
-        myfree(importer->suffix);
-        myfree(importer->description);
-        myfree(importer->info);
-        myfree(importer);
-    }
-    list_free(&importers);
-}
+void importers_reset_for_test() { format_table_free<vesk_importer_t>(&importers); }

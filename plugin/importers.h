@@ -41,7 +41,7 @@ VESK_API char *vesk_get_all_importer_info(void);
    after a message box (no suffix, no importer) or the importer's own message. */
 VESK_API object_t *vesk_import_file(const char *filename);
 
-/* Reads a file into the scene: what comes is linked under the world (a world gives its children),
+/* Reads a file into the scene: the new tree is linked under the world (a world gives its children),
    selected, and fitted into the views when fit_view_after_load is on. Records no undo. A failed
    load touches neither the scene nor the selection. Returns 1 or 0. Command "load_file". */
 VESK_API int vesk_world_import_file(const char *filename);
@@ -65,8 +65,10 @@ VESK_API void command_export_3ds(void);
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
-// Links a tree that an importer returned; 0 for null.
-int world_adopt_import(object_t *object);
+#include <string>
+// Links a tree that was read from a file; 0 for null. A model file read into an empty world is the
+// one that is edited from now on.
+int world_adopt_import(object_t *object, const std::string &filename, bool model_file);
 void importers_reset_for_test();
 #endif
 

@@ -91,7 +91,7 @@ bool find_entries(plugin_t *plugin, const char *path)
 bool initialise(const plugin_t &plugin)
 {
     int result = 0;
-    // The scripts note by this variable what a plug-in adds.
+    // By this variable the scripts note the menu items of a plug-in.
     ui_port().set_var("plugin_loading", plugin.path.c_str());
     const bool whole = call_guarded(plugin, "VESKPluginInit", [&] { result = plugin.init(); });
     ui_port().set_var("plugin_loading", "");

@@ -15,7 +15,7 @@ VESK_BEGIN_DECLS
 /* Loads every plug-in of the home directory's "plugins", by name. Once, at start. */
 VESK_API void load_all_plugins(void);
 
-/* Loads one plug-in. A failure is told on the console and in a message box and leaves nothing
+/* Loads one plug-in. A failure gives a console line and a message box and leaves nothing
    behind. Returns 1 or 0. Command "plugin_load". */
 VESK_API int plugin_load(const char *path);
 
@@ -23,7 +23,7 @@ VESK_API int plugin_load(const char *path);
    valid until the next call. */
 VESK_API const char *vesk_get_plugin_list(void);
 
-/* What a plug-in says of itself, by its path as listed; "" for an unknown one or none. Valid until
+/* The texts of a plug-in about itself, by its path as listed; "" for an unknown one or none. Valid until
    the next call. */
 VESK_API const char *vesk_get_plugin_info(const char *path);
 VESK_API const char *vesk_get_plugin_about(const char *path);

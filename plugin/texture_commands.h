@@ -18,7 +18,7 @@ VESK_API const char *file_select_texture_name(void);
 /* Asks for a file, loads it and gives it to the selected objects. Command "file_select_texture". */
 VESK_API void file_select_texture(void);
 
-/* The image behind orthographic view 0 to 2; another view is told on the status line. A file that
+/* The image behind orthographic view 0 to 2; another view gives a status line. A file that
    cannot be read leaves the former image. Records no undo. Commands of the same names. */
 VESK_API void load_background_image(const char *filename, int view);
 VESK_API void file_select_background_image(int view);

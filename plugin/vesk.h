@@ -77,6 +77,7 @@
 #include "fileio/import_vrml.h"
 #include "fileio/output.h"
 #include "fileio/text_objects.h"
+#include "fileio/vesk_old.h"
 #include "fileio/vesk_reader.h"
 #include "fileio/vesk_writer.h"
 #include "model/alloc.h"

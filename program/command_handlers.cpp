@@ -244,13 +244,15 @@ void command_clear_all(void)
     freed_batch at_once; // who hears of freed things looks through all that it keeps
     for (object_t *child : elements_of<object_t>(vesk_get_world()->children))
         object_delete_nocleanup(child);
-    current_file() = {};
+    current_file_set("");
+    edited_file_set("");
     redraw_all();
     display_status();
 }
 
 void command_save_vesk(const char *filename)
 {
+    edited_file_set(filename);
     write_vesk(filename);
     display_status();
 }
@@ -262,12 +264,9 @@ void command_save_selection_vesk(const char *filename)
         return;
     }
     const std::string name = filename; // the messages let scripts run
-    const current_file_t kept = std::exchange(current_file(), {});
-    current_file_set(name.c_str()); // texture names are made relative to it
     object_t *copies = copy_of_selection();
-    write_vesk_object(name.c_str(), copies);
+    vesk_write_model(name, copies, name);
     object_free(copies);
-    current_file() = kept;
     display_status();
 }
 

@@ -2,10 +2,9 @@
 
 #include "base/command_result.h"
 #include "base/command_row.h"
-#include "base/current_file.h"
 #include "base/file_report.h"
 #include "fileio/embedded_images.h"
-#include "fileio/vesk_writer.h"
+#include "fileio/vesk_old.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
 #include "plugin/exporters.h"
@@ -83,13 +82,9 @@ void command_export_model(const char *filename)
     command_result_set(vesk_export_file(filename) != 0 ? "1" : "0");
 }
 
-// A copy: the current file stays what it was.
 void command_write_vesk_old(const char *filename)
 {
-    const current_file_t kept = current_file();
-    const int written = write_vesk_old(filename);
-    current_file() = kept;
-    command_result_set(written != 0 ? "1" : "0");
+    command_result_set(write_vesk_old(filename) != 0 ? "1" : "0");
 }
 
 void command_keep_material_names(int on) { palette_adopts_names(on != 0); }

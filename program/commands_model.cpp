@@ -257,7 +257,9 @@ void command_file_save(const char *name)
     const std::string kept = name; // the messages let scripts run
     current_file_set(kept.c_str());
     const std::string aside = backup_begin(kept.c_str());
-    const int done = write_vesk_object(kept.c_str(), vesk_get_world());
+    const int done = vesk_write_model(kept, vesk_get_world(), kept);
+    if (done != 0)
+        edited_file_set(kept);
     backup_end(kept.c_str(), aside, done != 0);
     command_result_set(done != 0 ? "1" : "0");
 }

@@ -1,23 +1,23 @@
 # batch.tcl --
-#   What the executable calls and reads, for runs without a window (-batch, -convert, -thumbnail):
-#   messages go to standard error, so that standard output carries only what scripts write;
-#   everything that would show or ask does nothing and answers with the empty text.
+#   Procedures and variables that the executable expects, for runs without a window (-batch,
+#   -convert, -thumbnail): messages go to standard error, so that standard output belongs to the
+#   scripts; procedures that would show or ask something return the empty text.
 
 namespace eval ::vesk {
-    # What set_undo_string told last, for scripts that want to know.
+    # The last text of set_undo_string, for scripts.
     variable undo_label ""
     # Menu items of plug-ins: {menu label command help} rows, so that scripts can list them.
     variable plugin_items {}
 }
 
 namespace eval ::vesk::batch {
-    # Procedures without an effect here; the executable ignores what they return.
+    # Procedures without an effect here; the executable ignores their results.
     variable silent {
         sync_ui set_progress_bar popup_3d_menu popup_view_menu show_number_field
         hide_number_field echo_command echo_note set_view_tool_ui update_savefile_name show_tip show_import_report
         add_palette_button edit_colour_ui set_select_mode_ui set_draw_mode_ui .mbar.object.menu.texture
     }
-    # Questions that nobody can answer: an empty name means cancelled.
+    # Questions, which nobody can answer here: an empty name means cancelled.
     variable unanswered {
         get_opentexturename get_loadfilename get_importfilename get_savefilename
         get_exportfilename get_exportfolder
@@ -54,9 +54,8 @@ proc ::vesk::batch::add_item {menu words} {
 }
 
 # ask_import_images --
-#   Pictures within a model's file go beside it, or where that cannot be written into the user's state
-#   folder.
-#   Returns 1, or the other folder; "" when there is none either.
+#   Pictures inside a model's file are written beside it, or into the state folder where its folder
+#   is read-only. Returns 1, the path of the state folder, or "" when neither can be written.
 proc ask_import_images {count folder} {
     if {[file writable $folder]} {
         return 1

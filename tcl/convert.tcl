@@ -7,8 +7,8 @@
 #                    is converted to a file of that suffix beside it
 #     -into FOLDER   ... in that folder
 #     -do SCRIPT     evaluated with the model loaded; may stand several times
-#     -report FILE   what was read, found, missing and lost, as JSON
-#   Exit status: 0 done, 1 something failed, 2 done, but not everything came along.
+#     -report FILE   a report in JSON: contents, textures, warnings, losses
+#   Exit status: 0 done, 1 failed, 2 done with losses or warnings.
 
 namespace eval ::vesk::convert {
     variable usage "usage: vesk -convert ?-from S? ?-to S? ?-do SCRIPT? ?-report FILE? IN OUT
@@ -20,7 +20,7 @@ namespace eval ::vesk::convert {
 }
 
 # parse --
-#   Takes the options off, wherever they stand before "--"; returns the remaining words.
+#   Reads the options, which may stand anywhere before "--"; returns the remaining words.
 proc ::vesk::convert::parse {words} {
     variable options
     variable usage
@@ -83,7 +83,7 @@ proc ::vesk::convert::pairs {words} {
 }
 
 # temporary --
-#   A name in a folder of this run's own, which goes at its end.
+#   A name in a temporary folder, which is deleted at the end.
 proc ::vesk::convert::temporary {name} {
     variable folder
     if {$folder eq ""} {
@@ -103,7 +103,7 @@ proc ::vesk::convert::copy_channel {from to} {
 }
 
 # convert --
-#   One file; returns the exit status.
+#   Converts one file; returns the exit status.
 proc ::vesk::convert::convert {in out} {
     variable options
     vesk clear_all
@@ -151,7 +151,7 @@ proc ::vesk::convert::convert {in out} {
 }
 
 # send --
-#   A file to standard output; returns 2 when it needs others that cannot go along.
+#   Writes a file to standard output; returns 2 when it refers to other files.
 proc ::vesk::convert::send {name} {
     set file [open $name rb]
     copy_channel $file stdout
@@ -165,7 +165,7 @@ proc ::vesk::convert::send {name} {
 }
 
 # report --
-#   The report of the last conversion; standard input and output are "-" in it.
+#   The report of the last conversion, with "-" for standard input and output.
 proc ::vesk::convert::report {} {
     variable options
     variable folder
@@ -193,7 +193,7 @@ proc ::vesk::convert::write_reports {} {
 }
 
 # run --
-#   Returns the exit status.
+#   Converts all files; returns the exit status.
 proc ::vesk::convert::run {words} {
     variable reports
     variable folder

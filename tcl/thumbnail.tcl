@@ -1,6 +1,6 @@
 # thumbnail.tcl --
 #   vesk -thumbnail SIZE OUT.png FILE ...
-#   Writes a square picture of what the files hold; needs no display.
+#   Writes a square picture of the models; needs no display.
 
 # thumbnail --
 #   Returns the exit status.

@@ -7,7 +7,7 @@
 #   "index", a Tcl dictionary: icons SCALE NAME {x y width height}, elements SCALE NAME {...}.
 
 set root [file dirname [file dirname [file normalize [info script]]]]
-source [file join $root tcl palettes.tcl]
+source [file join $root tcl widgets palettes.tcl]
 source [file join $root icons elements.tcl]
 
 set scales {1 1.25 1.5 2 3}

@@ -4,8 +4,9 @@
 #   usage: make_keys.tcl docs/keys.md
 
 set scripts [file join [file dirname [file dirname [file normalize [info script]]]] tcl]
-namespace eval ::vesk {variable script_folder $::scripts}
-foreach file {menu_table menu_table_view menubar help} {source [file join $scripts $file.tcl]}
+foreach file {lib/menus_table lib/menus_table_view lib/menus windows/help} {
+    source [file join $scripts $file.tcl]
+}
 
 # cell --
 proc cell {text} {return [string map {| \\| < &lt; > &gt; ` \\`} $text]}
@@ -28,7 +29,7 @@ foreach pair [::vesk::menus::all] {
     lassign $pair trail row
     set key [lindex $row 3]
     if {[::vesk::menus::event_of $key] eq ""} {continue}
-    lappend pairs $key "$trail > [string map {& {} ... {}} [lindex $row 1]]: [lindex $row end]"
+    lappend pairs $key "$trail > [::vesk::menus::plain [lindex $row 1]]: [lindex $row end]"
 }
 lappend pairs "Alt+letter, F10" "The menus."
 append page "\n## Everywhere in the window\n\n[table $pairs]"

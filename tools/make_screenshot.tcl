@@ -10,10 +10,10 @@ proc picture {} {
     vesk person_set_loc_dir "-1.75 2.1 3.55  0.41 -0.40 -0.84"
     foreach {id parent type name surfaces visible locked} [vesk object_tree] {
         if {$name eq "rod" && [vesk object_is_selected $id] == 1} {
-            $::vesk::hier::tree see $id
+            $::vesk::objects::tree see $id
         }
     }
-    $::vesk::hier::tree yview scroll 2 units
+    $::vesk::objects::tree yview scroll 2 units
     vesk redraw_all
     update
     after 1500 {exec import -window root $::env(VESK_PICTURE); exit}

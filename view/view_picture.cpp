@@ -16,7 +16,7 @@ namespace {
 
 std::string folder_of_pictures()
 {
-    const std::string &models = current_file().path;
+    const std::string models = vesk_filename_get_path(edited_file().c_str());
     if (!models.empty() && access(models.c_str(), W_OK) == 0)
         return models;
     const char *home = std::getenv("HOME");

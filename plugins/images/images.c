@@ -1,6 +1,6 @@
 /* Texture files that photographs and painting programs come in: PNG, JPEG and TGA. */
 
-#include "files.h"
+#include "images.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -8,29 +8,16 @@
 unsigned char *read_file(const char *filename, size_t *size)
 {
     FILE *file = fopen(filename, "rb");
-    unsigned char *bytes = 0;
-    size_t room = 0;
-    *size = 0;
     if (!file)
         return 0;
-    for (;;) {
-        if (*size == room) {
-            room = room ? 2 * room : 65536;
-            unsigned char *more = realloc(bytes, room);
-            if (!more)
-                break;
-            bytes = more;
-        }
-        const size_t got = fread(bytes + *size, 1, room - *size, file);
-        if (got == 0) {
-            fclose(file);
-            return bytes;
-        }
-        *size += got;
+    unsigned char *bytes = 0;
+    const long length = fseek(file, 0, SEEK_END) == 0 ? ftell(file) : -1;
+    if (length >= 0 && (bytes = malloc((size_t)length + 1)) != 0) {
+        rewind(file);
+        *size = fread(bytes, 1, (size_t)length, file);
     }
     fclose(file);
-    free(bytes);
-    return 0;
+    return bytes;
 }
 
 VESKImage *refuse(const char *filename, const char *reason)

@@ -1,6 +1,6 @@
 /* JPEG through libjpeg: grey, colour and, turned into colour, the four inks of printing. */
 
-#include "files.h"
+#include "images.h"
 
 #include <jpeglib.h>
 #include <setjmp.h>
@@ -32,8 +32,8 @@ static void inks_to_rgb(const unsigned char *inks, unsigned char *rgb, unsigned 
             rgb[i] = (unsigned char)(inks[i] * inks[3] / 255);
 }
 
-/* All that can leave by longjmp; what it made stands in the caller's variables. Returns 1, 0 for a
-   file that is no picture, or -1 when the reason is told already. */
+/* All that can leave by longjmp; its results stand in the caller's variables. Returns 1, 0 for a file
+   that is no picture, or -1 after a message. */
 static int decode(struct jpeg_decompress_struct *info, errors_t *errors, const char *filename,
                   const unsigned char *bytes, size_t size, VESKImage **image, unsigned char **row)
 {

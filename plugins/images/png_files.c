@@ -1,6 +1,6 @@
 /* PNG through libpng: every colour type, palettes and interlacing; 16 bits are narrowed to 8. */
 
-#include "files.h"
+#include "images.h"
 
 #include <png.h>
 #include <setjmp.h>
@@ -44,8 +44,8 @@ static void set_transformations(png_structp png, png_infop info)
         png_set_tRNS_to_alpha(png);
 }
 
-/* All that can leave by longjmp; what it made stands in the caller's variables. Returns 1, 0 for a
-   file that is no picture, or -1 when the reason is told already. */
+/* All that can leave by longjmp; its results stand in the caller's variables. Returns 1, 0 for a file
+   that is no picture, or -1 after a message. */
 static int decode(png_structp png, png_infop info, const char *filename, source_t *source,
                   VESKImage **image, png_bytep **rows)
 {

@@ -1,6 +1,6 @@
 /* TGA: colour maps, true colour and grey, plain or in runs, from any corner. */
 
-#include "files.h"
+#include "images.h"
 
 #include <stdlib.h>
 #include <string.h>
@@ -16,7 +16,7 @@ typedef struct tga {
     unsigned width, height, bits, alpha_bits;
     int from_top, from_right;
     size_t map, data;
-    int depth; /* of what comes out */
+    int depth; /* of the picture */
 } tga_t;
 
 static unsigned u16(const unsigned char *p) { return p[0] | (unsigned)p[1] << 8; }
@@ -141,7 +141,7 @@ VESKImage *load_tga(const char *filename)
     if (whole)
         return image;
     if (known && !image)
-        return 0; /* told already */
+        return 0; /* after a message */
     free_veskimage(image);
     return refuse(filename, "no TGA picture that can be read");
 }

@@ -1,123 +1,101 @@
 #include "archive.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <zlib.h>
 
 namespace {
 
-constexpr std::size_t end_size = 22;
-constexpr std::size_t entry_size = 46;
-constexpr std::size_t local_size = 30;
-
-// A number of `size` bytes, the lowest first; 0 outside the archive.
-std::size_t number_at(const std::string &bytes, std::size_t at, int size)
-{
-    std::size_t value = 0;
-    for (int i = size; i-- > 0;) {
-        const std::size_t place = at + static_cast<std::size_t>(i);
-        value = value << 8 | (place < bytes.size() ? static_cast<unsigned char>(bytes[place]) : 0u);
-    }
-    return value;
-}
-
-template <class N>
-void add_number(std::string &out, N value)
-{
-    for (std::size_t i = 0; i < sizeof(N); ++i)
-        out += static_cast<char>(value >> 8 * i);
-}
+constexpr std::size_t piece = 1 << 20;             // bytes that are unpacked at once
+constexpr std::size_t most_packing = 1032;         // the best that the packing can do
+constexpr zip_uint16_t first_of_1980 = 1 << 5 | 1; // the date of all files
 
 } // namespace
 
-std::map<std::string, archive_entry> archive_entries(const std::string &bytes)
+archive_reader::archive_reader(const std::string &bytes) : size_(bytes.size())
 {
-    std::map<std::string, archive_entry> entries;
-    const std::size_t end = bytes.rfind("PK\5\6");
-    if (end == std::string::npos || bytes.size() - end < end_size)
-        return entries;
-    const std::size_t count = number_at(bytes, end + 10, 2);
-    std::size_t at = number_at(bytes, end + 16, 4);
-    for (std::size_t i = 0; i < count; ++i) {
-        if (at + entry_size > bytes.size() || bytes.compare(at, 4, "PK\1\2") != 0)
-            break;
-        const std::size_t name = number_at(bytes, at + 28, 2);
-        const std::size_t local = number_at(bytes, at + 42, 4);
-        if (at + entry_size + name > bytes.size() || local + local_size > bytes.size())
-            break;
-        const std::size_t data =
-            local + local_size + number_at(bytes, local + 26, 2) + number_at(bytes, local + 28, 2);
-        const std::size_t packed = number_at(bytes, at + 20, 4);
-        if (data <= bytes.size() && packed <= bytes.size() - data)
-            entries[bytes.substr(at + entry_size, name)] = {
-                data, packed, number_at(bytes, at + 24, 4),
-                static_cast<int>(number_at(bytes, at + 10, 2))};
-        at += entry_size + name + number_at(bytes, at + 30, 2) + number_at(bytes, at + 32, 2);
-    }
-    return entries;
+    zip_source_t *source = zip_source_buffer_create(bytes.data(), bytes.size(), 0, nullptr);
+    archive_ = source == nullptr ? nullptr : zip_open_from_source(source, ZIP_RDONLY, nullptr);
+    if (archive_ == nullptr)
+        zip_source_free(source);
 }
 
-bool archive_extract(const std::string &bytes, const archive_entry &entry, std::size_t most,
-                     std::string *out)
+archive_reader::~archive_reader()
 {
-    if (entry.method == 0) {
-        *out = bytes.substr(entry.offset, entry.packed);
-        return out->size() <= most;
-    }
-    z_stream stream = {};
-    if (entry.method != 8 || inflateInit2(&stream, -MAX_WBITS) != Z_OK)
-        return false;
-    std::string packed = bytes.substr(entry.offset, entry.packed);
-    stream.next_in = reinterpret_cast<Bytef *>(packed.data());
-    stream.avail_in = static_cast<uInt>(packed.size());
+    if (archive_ != nullptr)
+        zip_discard(archive_);
+}
+
+bool archive_reader::has(const std::string &name) const
+{
+    return archive_ != nullptr && zip_name_locate(archive_, name.c_str(), 0) >= 0;
+}
+
+bool archive_reader::extract(const std::string &name, std::size_t most, std::string *out) const
+{
     out->clear();
-    int state = Z_OK;
-    while (state == Z_OK && out->size() <= most) {
-        char piece[65536];
-        stream.next_out = reinterpret_cast<Bytef *>(piece);
-        stream.avail_out = sizeof piece;
-        state = inflate(&stream, Z_NO_FLUSH);
-        out->append(piece, sizeof piece - stream.avail_out);
+    zip_stat_t about;
+    if (archive_ == nullptr || zip_stat(archive_, name.c_str(), 0, &about) != 0 ||
+        (about.comp_method != ZIP_CM_STORE && about.comp_method != ZIP_CM_DEFLATE))
+        return false;
+    zip_file_t *file = zip_fopen_index(archive_, about.index, 0);
+    if (file == nullptr)
+        return false;
+    // The sizes are but claims: no more room is made than the archive's bytes can fill.
+    out->reserve(std::min({std::size_t{about.size}, most, size_ * most_packing}) + piece);
+    zip_int64_t count = 1;
+    while (count > 0 && out->size() <= most) {
+        const std::size_t before = out->size();
+        out->resize(before + piece);
+        count = zip_fread(file, out->data() + before, piece);
+        out->resize(before + static_cast<std::size_t>(std::max(count, zip_int64_t{0})));
     }
-    inflateEnd(&stream);
-    return state == Z_STREAM_END && out->size() <= most;
+    const bool whole = count == 0;
+    return zip_fclose(file) == 0 && whole && out->size() <= most;
 }
 
-bool archive_writer::add(const std::string &name, const std::string &content)
+archive_writer::archive_writer() : bytes_(zip_source_buffer_create(nullptr, 0, 0, nullptr))
 {
-    constexpr std::size_t most = 0xFFFF0000u; // places and sizes have four bytes
-    if (bytes_.size() + content.size() + directory_.size() > most)
-        return false;
-    const auto place = static_cast<std::uint32_t>(bytes_.size());
-    const auto size = static_cast<std::uint32_t>(content.size());
-    std::string common;                        // of both headers
-    for (const int half : {20, 0, 0, 0, 0x21}) // version, flags, stored, time, 1980-01-01
-        add_number(common, static_cast<std::uint16_t>(half));
-    add_number(common, static_cast<std::uint32_t>(
-                           crc32_z(0, reinterpret_cast<const Bytef *>(content.data()), size)));
-    add_number(common, size);
-    add_number(common, size);
-    add_number(common, static_cast<std::uint16_t>(name.size()));
-    add_number(common, std::uint16_t{0});
-    bytes_ += "PK\3\4" + common + name;
-    bytes_ += content;
-    directory_ += std::string("PK\1\2\24\0", 6) + common;
-    directory_.append(10, '\0'); // no comment, first disk, no attributes
-    add_number(directory_, place);
-    directory_ += name;
-    ++count_;
-    return true;
+    if (bytes_ == nullptr)
+        return;
+    zip_source_keep(bytes_); // they outlive the archive
+    archive_ = zip_open_from_source(bytes_, ZIP_TRUNCATE, nullptr);
+    good_ = archive_ != nullptr;
+}
+
+archive_writer::~archive_writer()
+{
+    if (archive_ != nullptr)
+        zip_discard(archive_);
+    zip_source_free(bytes_);
+}
+
+void archive_writer::add(const std::string &name, std::string content)
+{
+    if (!good_)
+        return;
+    const std::string &kept = contents_.emplace_back(std::move(content));
+    zip_source_t *source = zip_source_buffer(archive_, kept.data(), kept.size(), 0);
+    const zip_int64_t place = zip_file_add(archive_, name.c_str(), source, ZIP_FL_ENC_UTF_8);
+    if (place < 0)
+        zip_source_free(source);
+    const auto index = static_cast<zip_uint64_t>(place);
+    good_ = place >= 0 && zip_set_file_compression(archive_, index, ZIP_CM_STORE, 0) == 0 &&
+            zip_file_set_dostime(archive_, index, 0, first_of_1980, 0) == 0;
 }
 
 std::string archive_writer::finish()
 {
-    const auto place = static_cast<std::uint32_t>(bytes_.size());
-    bytes_ += directory_ + std::string("PK\5\6\0\0\0\0", 8);
-    add_number(bytes_, count_);
-    add_number(bytes_, count_);
-    add_number(bytes_, static_cast<std::uint32_t>(directory_.size()));
-    add_number(bytes_, place);
-    add_number(bytes_, std::uint16_t{0});
-    return std::move(bytes_);
+    std::string out;
+    if (!good_ || zip_close(archive_) != 0)
+        return out;
+    archive_ = nullptr;
+    contents_.clear();
+    zip_stat_t about;
+    if (zip_source_stat(bytes_, &about) != 0 || zip_source_open(bytes_) != 0)
+        return out;
+    out.resize(about.size);
+    const zip_int64_t count = zip_source_read(bytes_, out.data(), out.size());
+    zip_source_close(bytes_);
+    if (count < 0 || static_cast<std::size_t>(count) != out.size())
+        out.clear();
+    return out;
 }

@@ -1,34 +1,47 @@
-// Archives (zip) within memory.
+// Archives (zip) within memory, by libzip, which knows their many forms and checks the unpacked
+// bytes.
 #ifndef INTERCHANGE_ARCHIVE_H
 #define INTERCHANGE_ARCHIVE_H
 
-#include <cstdint>
-#include <map>
+#include <list>
 #include <string>
+#include <zip.h>
 
-// Places of the files in an archive, by name.
-struct archive_entry {
-    std::size_t offset, packed, size;
-    int method; // 0 as they are, 8 deflated
+// Bytes that are no archive make one without files.
+class archive_reader {
+public:
+    explicit archive_reader(const std::string &bytes); // which stay where they are
+    ~archive_reader();
+    archive_reader(const archive_reader &) = delete;
+    archive_reader &operator=(const archive_reader &) = delete;
+
+    [[nodiscard]] bool has(const std::string &name) const;
+    // The content of a file. False when there is none of that name, or it is damaged, packed in a
+    // way that such files do not use, or larger than `most` bytes.
+    bool extract(const std::string &name, std::size_t most, std::string *out) const;
+
+private:
+    const std::size_t size_; // of the bytes
+    zip_t *archive_ = nullptr;
 };
-
-// Empty when the bytes are no archive.
-std::map<std::string, archive_entry> archive_entries(const std::string &bytes);
-
-// False when the entry is damaged, or larger than `most` bytes.
-bool archive_extract(const std::string &bytes, const archive_entry &entry, std::size_t most,
-                     std::string *out);
 
 // An archive whose files are stored as they are.
 class archive_writer {
 public:
-    // False when the archive would become too large.
-    bool add(const std::string &name, const std::string &content);
+    archive_writer();
+    ~archive_writer();
+    archive_writer(const archive_writer &) = delete;
+    archive_writer &operator=(const archive_writer &) = delete;
+
+    void add(const std::string &name, std::string content);
+    // The archive's bytes, "" when there is no memory for them.
     std::string finish();
 
 private:
-    std::string bytes_, directory_;
-    std::uint16_t count_ = 0;
+    zip_source_t *bytes_ = nullptr;
+    zip_t *archive_ = nullptr;
+    std::list<std::string> contents_; // until they are in the archive
+    bool good_ = false;
 };
 
 #endif

@@ -271,13 +271,11 @@ private:
 
 int collada_export(const char *filename)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
     model_wishes wishes;
     wishes.tints = false; // a diffuse colour or a texture, not both
     wishes.sides = true;  // as a widespread extra says it
-    const model scene = take_model(work, filename, wishes);
-    files.add(name, collada_writer(work, scene).run());
-    return files.finish(name, "COLLADA");
+    return export_scene(filename, "COLLADA", wishes,
+                        [](job &work, const model &scene, export_files &files, const auto &name) {
+                            files.add(name, collada_writer(work, scene).run());
+                        });
 }

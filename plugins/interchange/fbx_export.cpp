@@ -370,51 +370,73 @@ private:
         connections_.push_back({number, node_id(i), ""});
     }
 
-    void add_geometry(std::size_t i)
+    // The lists of one geometry; normals and coordinates stand for each corner.
+    struct geometry {
+        std::vector<double> points, normals, uv;
+        std::vector<std::int32_t> indices, smoothing, materials;
+        std::vector<int> used; // the object's materials, in the order of their connections
+    };
+
+    geometry take_geometry(const model_node &node)
     {
-        const model_node &node = scene_.nodes[i];
-        const std::int64_t number = node_id(i) + GEOMETRY;
-        std::vector<double> points;
+        geometry g;
         for (const point3_t &p : node.points)
             for (const float value : {p.x, p.y, p.z})
-                points.push_back(std::isfinite(value) ? static_cast<double>(value) : 0);
-        std::vector<std::int32_t> indices, materials, smoothing;
-        std::vector<double> normals, uv;
-        std::vector<int> used; // the object's materials, in the order of their connections
+                g.points.push_back(std::isfinite(value) ? static_cast<double>(value) : 0);
         for (const model_surface &surface : node.surfaces) {
             if (!work_.step())
                 break;
             for (int k = surface.first; k < surface.first + surface.count; ++k) {
                 const auto corner = static_cast<std::size_t>(k);
                 const int point = node.corners[corner];
-                indices.push_back(k + 1 < surface.first + surface.count ? point : ~point);
+                g.indices.push_back(k + 1 < surface.first + surface.count ? point : ~point);
                 const point3_t &normal =
                     surface.smooth ? node.normals[static_cast<std::size_t>(point)] : surface.normal;
-                normals.insert(normals.end(), {normal.x, normal.y, normal.z});
+                g.normals.insert(g.normals.end(), {normal.x, normal.y, normal.z});
                 if (node.textured)
-                    uv.insert(uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
+                    g.uv.insert(g.uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
             }
-            smoothing.push_back(surface.smooth ? 1 : 0);
-            const auto found = std::find(used.begin(), used.end(), surface.material);
-            materials.push_back(static_cast<std::int32_t>(found - used.begin()));
-            if (found == used.end())
-                used.push_back(surface.material);
+            g.smoothing.push_back(surface.smooth ? 1 : 0);
+            const auto found = std::find(g.used.begin(), g.used.end(), surface.material);
+            g.materials.push_back(static_cast<std::int32_t>(found - g.used.begin()));
+            if (found == g.used.end())
+                g.used.push_back(surface.material);
         }
+        return g;
+    }
+
+    void add_geometry(std::size_t i)
+    {
+        const model_node &node = scene_.nodes[i];
+        const std::int64_t number = node_id(i) + GEOMETRY;
+        const geometry g = take_geometry(node);
         begin_object("Geometry", number, named(node.name, "Geometry"), "Mesh");
         out_.leaf("GeometryVersion", std::int32_t{124});
-        out_.leaf("Vertices", points);
-        out_.leaf("PolygonVertexIndex", indices);
-        layer_element("LayerElementNormal", "ByPolygonVertex", "Direct", "Normals", normals);
-        layer_element("LayerElementSmoothing", "ByPolygon", "Direct", "Smoothing", smoothing);
+        out_.leaf("Vertices", g.points);
+        out_.leaf("PolygonVertexIndex", g.indices);
+        const char *const by_corner = "ByPolygonVertex";
+        layer_element("LayerElementNormal", by_corner, "Direct", "Normals", g.normals);
+        layer_element("LayerElementSmoothing", "ByPolygon", "Direct", "Smoothing", g.smoothing);
         if (node.textured)
-            layer_element("LayerElementUV", "ByPolygonVertex", "Direct", "UV", uv);
-        layer_element("LayerElementMaterial", "ByPolygon", "IndexToDirect", "Materials", materials);
+            layer_element("LayerElementUV", by_corner, "Direct", "UV", g.uv);
+        layer_element("LayerElementMaterial", "ByPolygon", "IndexToDirect", "Materials",
+                      g.materials);
+        add_layer(node.textured);
+        out_.close();
+        connections_.push_back({number, node_id(i), ""});
+        for (const int material : g.used)
+            connections_.push_back(
+                {id(static_cast<std::size_t>(material), MATERIAL), node_id(i), ""});
+    }
+
+    void add_layer(bool textured)
+    {
         out_.open("Layer");
         out_.property(std::int32_t{0});
         out_.leaf("Version", std::int32_t{100});
         for (const char *type : {"LayerElementNormal", "LayerElementSmoothing", "LayerElementUV",
                                  "LayerElementMaterial"}) {
-            if (!node.textured && std::string(type) == "LayerElementUV")
+            if (!textured && std::string(type) == "LayerElementUV")
                 continue;
             out_.open("LayerElement");
             out_.leaf("Type", type);
@@ -422,11 +444,6 @@ private:
             out_.close();
         }
         out_.close();
-        out_.close();
-        connections_.push_back({number, node_id(i), ""});
-        for (const int material : used)
-            connections_.push_back(
-                {id(static_cast<std::size_t>(material), MATERIAL), node_id(i), ""});
     }
 
     template <class Values>
@@ -466,12 +483,10 @@ private:
 
 int fbx_export(const char *filename)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
     model_wishes wishes;
     wishes.lines = false;
-    const model scene = take_model(work, filename, wishes);
-    files.add(name, fbx_writer(work, scene).run());
-    return files.finish(name, "FBX");
+    return export_scene(filename, "FBX", wishes,
+                        [](job &work, const model &scene, export_files &files, const auto &name) {
+                            files.add(name, fbx_writer(work, scene).run());
+                        });
 }

@@ -1,10 +1,10 @@
 // glTF 2.0, as JSON with a .bin beside it, or as one binary file. A mesh has a primitive for each
-// material; flat surfaces have corners of their own, smooth ones share theirs. A polygon is a fan of
-// triangles with one first vertex, which is not that of the polygon before it: so says the extension
-// FB_ngon_encoding, by which readers that know it have the polygons again.
+// material; flat surfaces have corners of their own, smooth ones share theirs. A polygon is a fan
+// of triangles with one first vertex, which is not that of the polygon before it: so says the
+// extension FB_ngon_encoding, by which readers that know it have the polygons again.
 #include "formats.h"
+#include "json.h"
 #include "model.h"
-#include "text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -31,36 +31,6 @@ point3_t finite(point3_t p)
         *value = std::isfinite(*value) ? *value : 0;
     return p;
 }
-
-// A list of JSON values, each written as it comes.
-class json_list {
-public:
-    int count = 0;
-    std::string text;
-
-    text_out &next()
-    {
-        flush();
-        ++count;
-        return item_;
-    }
-    void field(text_out &to, const char *name)
-    {
-        flush();
-        if (count > 0)
-            to.add(",\n\"", name, "\": [\n", text, "\n]");
-    }
-
-private:
-    void flush()
-    {
-        if (item_.text.empty())
-            return;
-        text += (text.empty() ? "" : ",\n") + item_.text;
-        item_.text.clear();
-    }
-    text_out item_;
-};
 
 // The vertices of one mesh and the indices of its primitives.
 class mesh_data {
@@ -220,82 +190,88 @@ public:
             add_material(m);
         for (const model_node &node : scene_.nodes)
             add_node(node);
-        text_out out;
-        out.add("{\n\"asset\": {\"version\": \"2.0\", \"generator\": \"VESK\"},\n"
-                "\"scene\": 0,\n\"scenes\": [{",
-                tops_.empty() ? "" : "\"nodes\": [" + tops_ + "]", "}]");
-        nodes_.field(out, "nodes");
-        meshes_.field(out, "meshes");
-        materials_.field(out, "materials");
-        textures_.field(out, "textures");
-        images_.field(out, "images");
-        accessors_.field(out, "accessors");
-        views_.field(out, "bufferViews");
-        if (!bin_.empty())
-            out.add(",\n\"buffers\": [{\"byteLength\": ", bin_.size(),
-                    uri.empty() ? "" : ", \"uri\": " + json_text(url_text(uri)), "}]");
-        if (lights_.count > 0) {
-            text_out list;
-            lights_.field(list, "lights");
-            out.add(",\n\"extensions\": {\"KHR_lights_punctual\": {", list.text.substr(2), "}}");
-        }
-        std::string used;
-        const struct {
-            bool used;
-            const char *name;
-        } extensions[] = {{materials_.count > 0, "KHR_materials_pbrSpecularGlossiness"},
-                          {lights_.count > 0, "KHR_lights_punctual"},
-                          {has_polygons_, "FB_ngon_encoding"}};
-        for (const auto &extension : extensions)
-            if (extension.used)
-                used += std::string(used.empty() ? "\"" : ", \"") + extension.name + '"';
         vesk_report_note(cut_, "polygons cut into triangles");
-        if (!used.empty())
-            out.add(",\n\"extensionsUsed\": [", used, "]");
-        out.add("\n}\n");
+        json_list top(true);
+        top.field("asset", R"({"version": "2.0", "generator": "VESK"})");
+        top.field("scene", 0);
+        json_list scene;
+        scene.field_of_array("nodes", tops_);
+        top.field("scenes", '[', scene.object(), ']');
+        top.field_of_array("nodes", nodes_);
+        top.field_of_array("meshes", meshes_);
+        top.field_of_array("materials", materials_);
+        top.field_of_array("textures", textures_);
+        top.field_of_array("images", images_);
+        top.field_of_array("accessors", accessors_);
+        top.field_of_array("bufferViews", views_);
+        if (!bin_.empty()) {
+            json_list buffer;
+            buffer.field("byteLength", bin_.size());
+            if (!uri.empty())
+                buffer.field("uri", json_text(url_text(uri)));
+            top.field("buffers", '[', buffer.object(), ']');
+        }
+        if (lights_.count() > 0)
+            top.field("extensions", R"({"KHR_lights_punctual": {"lights": )", lights_.array(),
+                      "}}");
+        top.field_of_array("extensionsUsed", extensions());
         *bin = std::move(bin_);
-        return std::move(out.text);
+        return top.object() + '\n';
     }
 
 private:
+    [[nodiscard]] json_list extensions() const
+    {
+        json_list used;
+        if (materials_.count() > 0)
+            used.add("\"KHR_materials_pbrSpecularGlossiness\"");
+        if (lights_.count() > 0)
+            used.add("\"KHR_lights_punctual\"");
+        if (has_polygons_)
+            used.add("\"FB_ngon_encoding\"");
+        return used;
+    }
+
     void add_material(const model_material &m)
     {
-        const float opacity = 1 - m.look.transparency;
         const float gloss = std::min(std::max(m.look.shininess / 128, 0.0f), 1.0f);
-        const std::string colour = colour_text(m.look.diffuse) + ", " + number(opacity) + "]";
+        json_list diffuse = colour(m.look.diffuse);
+        diffuse.add(1 - m.look.transparency);
         std::string texture;
         if (!m.picture.empty())
             texture = "{\"index\": " + std::to_string(texture_of(m.picture)) + "}";
-        text_out &out = materials_.next();
-        out.add("{\"name\": ", json_text(m.name),
-                ", \"pbrMetallicRoughness\": {\"baseColorFactor\": ", colour,
-                texture.empty() ? "" : ", \"baseColorTexture\": " + texture,
-                ", \"metallicFactor\": 0, \"roughnessFactor\": ", 1 - gloss, "}, ");
-        out.add("\"emissiveFactor\": ", colour_text(m.look.emissive), "], ");
+        json_list rough;
+        rough.field("baseColorFactor", diffuse.array());
+        if (!texture.empty())
+            rough.field("baseColorTexture", texture);
+        rough.field("metallicFactor", 0);
+        rough.field("roughnessFactor", 1 - gloss);
+        json_list glossy;
+        glossy.field("diffuseFactor", diffuse.array());
+        if (!texture.empty())
+            glossy.field("diffuseTexture", texture);
+        glossy.field("specularFactor", colour(m.look.specular).array());
+        glossy.field("glossinessFactor", gloss);
+        json_list out;
+        out.field("name", json_text(m.name));
+        out.field("pbrMetallicRoughness", rough.object());
+        out.field("emissiveFactor", colour(m.look.emissive).array());
         if (m.twosided)
-            out.add("\"doubleSided\": true, ");
+            out.field("doubleSided", "true");
         if (m.look.transparency > 0)
-            out.add("\"alphaMode\": \"BLEND\", ");
-        out.add("\"extensions\": {\"KHR_materials_pbrSpecularGlossiness\": {\"diffuseFactor\": ",
-                colour, texture.empty() ? "" : ", \"diffuseTexture\": " + texture,
-                ", \"specularFactor\": ", colour_text(m.look.specular),
-                "], \"glossinessFactor\": ", gloss, "}}}");
+            out.field("alphaMode", "\"BLEND\"");
+        out.field("extensions", R"({"KHR_materials_pbrSpecularGlossiness": )", glossy.object(),
+                  '}');
+        materials_.add(out.object());
     }
 
-    static std::string number(float value)
+    // Each part from 0 to 1.
+    static json_list colour(const float *rgb)
     {
-        text_out out;
-        out.add(value);
-        return out.text;
-    }
-
-    // "[r, g, b", each from 0 to 1.
-    static std::string colour_text(const float *rgb)
-    {
-        text_out out;
+        json_list parts;
         for (int i = 0; i < 3; ++i)
-            out.add(i == 0 ? "[" : ", ", std::min(std::max(rgb[i], 0.0f), 1.0f));
-        return out.text;
+            parts.add(std::min(std::max(rgb[i], 0.0f), 1.0f));
+        return parts;
     }
 
     int texture_of(const std::string &picture)
@@ -303,82 +279,100 @@ private:
         const auto found = known_textures_.find(picture);
         if (found != known_textures_.end())
             return found->second;
-        images_.next().add("{\"uri\": ", json_text(url_text(picture)), "}");
-        textures_.next().add("{\"source\": ", images_.count - 1, "}");
-        return known_textures_[picture] = textures_.count - 1;
+        images_.add("{\"uri\": ", json_text(url_text(picture)), '}');
+        textures_.add("{\"source\": ", images_.count() - 1, '}');
+        return known_textures_[picture] = textures_.count() - 1;
     }
 
     void add_node(const model_node &node)
     {
-        const int place = nodes_.count;
         if (node.parent < 0)
-            tops_ += (tops_.empty() ? "" : ", ") + std::to_string(place);
-        const int mesh = node.surfaces.empty() ? -1 : add_mesh(node);
-        text_out &out = nodes_.next();
-        out.add("{\"name\": ", json_text(node.name));
-        if (mesh >= 0)
-            out.add(", \"mesh\": ", mesh);
+            tops_.add(nodes_.count());
+        json_list out;
+        out.field("name", json_text(node.name));
+        if (!node.surfaces.empty())
+            out.field("mesh", add_mesh(node));
         if (node.light) {
-            lights_.next().add("{\"type\": \"point\", \"name\": ", json_text(node.name), "}");
-            out.add(", \"extensions\": {\"KHR_lights_punctual\": {\"light\": ", lights_.count - 1,
-                    "}}");
+            lights_.add(R"({"type": "point", "name": )", json_text(node.name), '}');
+            out.field("extensions", R"({"KHR_lights_punctual": {"light": )", lights_.count() - 1,
+                      "}}");
         }
         if (node.moved) {
             const float *r = node.rotation;
-            out.add(", \"matrix\": [");
+            json_list matrix;
             for (int i = 0; i < 9; i += 3)
-                out.add(r[i], ", ", r[i + 1], ", ", r[i + 2], ", 0, ");
-            out.add(node.place.x, ", ", node.place.y, ", ", node.place.z, ", 1]");
+                matrix.add(r[i], ", ", r[i + 1], ", ", r[i + 2], ", ", 0);
+            matrix.add(node.place.x, ", ", node.place.y, ", ", node.place.z, ", ", 1);
+            out.field("matrix", matrix.array());
         }
-        for (std::size_t i = 0; i < node.children.size(); ++i)
-            out.add(i == 0 ? ", \"children\": [" : ", ", node.children[i]);
-        out.add(node.children.empty() ? "}" : "]}");
+        json_list children;
+        for (const int child : node.children)
+            children.add(child);
+        out.field_of_array("children", children);
+        nodes_.add(out.object());
     }
 
     int add_mesh(const model_node &node)
     {
         const mesh_data data(work_, node);
         cut_ += data.cut;
-        text_out primitives;
-        const auto add = [&](int mode, int material, const std::vector<std::uint32_t> &indices,
-                             const std::string &attributes) {
-            const int place = add_indices(indices);
-            has_polygons_ = has_polygons_ || mode == TRIANGLES;
-            primitives.add(primitives.text.empty() ? "" : ", ", "{",
-                           mode == TRIANGLES ? "\"extensions\": {\"FB_ngon_encoding\": {}}, " : "",
-                           "\"mode\": ", mode, ", \"material\": ", material,
-                           ", \"indices\": ", place, ", \"attributes\": {", attributes, "}}");
-        };
+        json_list primitives;
         if (!data.points.empty()) {
-            text_out attributes;
-            attributes.add("\"POSITION\": ", add_points(data.points, true),
-                           ", \"NORMAL\": ", add_points(data.normals, false));
+            json_list attributes;
+            const int normals = add_points(data.normals, false);
+            attributes.field("POSITION", add_points(data.points, true));
+            attributes.field("NORMAL", normals);
             if (node.textured)
-                attributes.add(", \"TEXCOORD_0\": ", add_uv(data.uv));
-            for (const auto &[material, indices] : data.triangles)
-                add(TRIANGLES, material, indices, attributes.text);
+                attributes.field("TEXCOORD_0", add_uv(data.uv));
+            add_primitives(TRIANGLES, data.triangles, attributes, primitives);
         }
         if (!data.line_points.empty()) {
-            text_out attributes;
-            attributes.add("\"POSITION\": ", add_points(data.line_points, true));
-            for (const auto &[material, indices] : data.lines)
-                add(LINES, material, indices, attributes.text);
+            json_list attributes;
+            attributes.field("POSITION", add_points(data.line_points, true));
+            add_primitives(LINES, data.lines, attributes, primitives);
         }
-        meshes_.next().add("{\"name\": ", json_text(node.name), ", \"primitives\": [",
-                           primitives.text, "]}");
-        return meshes_.count - 1;
+        meshes_.add("{\"name\": ", json_text(node.name), ", \"primitives\": ", primitives.array(),
+                    '}');
+        return meshes_.count() - 1;
     }
 
-    // A view of the last `size` bytes, and one accessor for all of it.
-    int add_accessor(std::size_t size, std::size_t count, int target, int component,
-                     const char *type, const std::string &bounds)
+    // One for each material.
+    void add_primitives(int mode, const std::map<int, std::vector<std::uint32_t>> &indices,
+                        const json_list &attributes, json_list &primitives)
     {
-        views_.next().add("{\"buffer\": 0, \"byteOffset\": ", bin_.size() - size,
-                          ", \"byteLength\": ", size, ", \"target\": ", target, "}");
-        accessors_.next().add("{\"bufferView\": ", views_.count - 1,
-                              ", \"componentType\": ", component, ", \"count\": ", count,
-                              ", \"type\": \"", type, "\"", bounds, "}");
-        return accessors_.count - 1;
+        for (const auto &[material, list] : indices) {
+            json_list primitive;
+            has_polygons_ = has_polygons_ || mode == TRIANGLES;
+            if (mode == TRIANGLES)
+                primitive.field("extensions", "{\"FB_ngon_encoding\": {}}");
+            primitive.field("mode", mode);
+            primitive.field("material", material);
+            primitive.field("indices", add_indices(list));
+            primitive.field("attributes", attributes.object());
+            primitives.add(primitive.object());
+        }
+    }
+
+    // A view of the last `size` bytes, and one accessor for all of it, whose bounds, if it has any,
+    // are those of points.
+    int add_accessor(std::size_t size, std::size_t count, int target, int component,
+                     const char *type, const json_list &low, const json_list &high)
+    {
+        json_list view;
+        view.field("buffer", 0);
+        view.field("byteOffset", bin_.size() - size);
+        view.field("byteLength", size);
+        view.field("target", target);
+        views_.add(view.object());
+        json_list accessor;
+        accessor.field("bufferView", views_.count() - 1);
+        accessor.field("componentType", component);
+        accessor.field("count", count);
+        accessor.field("type", '"', type, '"');
+        accessor.field_of_array("min", low);
+        accessor.field_of_array("max", high);
+        accessors_.add(accessor.object());
+        return accessors_.count() - 1;
     }
 
     int add_points(const std::vector<point3_t> &points, bool with_bounds)
@@ -393,31 +387,36 @@ private:
             low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
             high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
         }
-        text_out bounds;
-        if (with_bounds)
-            bounds.add(", \"min\": [", low.x, ", ", low.y, ", ", low.z, "], \"max\": [", high.x,
-                       ", ", high.y, ", ", high.z, "]");
-        return add_accessor(12 * points.size(), points.size(), VERTICES, REAL, "VEC3", bounds.text);
+        json_list least;
+        json_list most;
+        if (with_bounds) {
+            least.add(low.x, ", ", low.y, ", ", low.z);
+            most.add(high.x, ", ", high.y, ", ", high.z);
+        }
+        return add_accessor(12 * points.size(), points.size(), VERTICES, REAL, "VEC3", least, most);
     }
 
     int add_uv(const std::vector<float> &uv)
     {
         for (const float value : uv)
             add_bytes(bin_, value);
-        return add_accessor(4 * uv.size(), uv.size() / 2, VERTICES, REAL, "VEC2", "");
+        return add_accessor(4 * uv.size(), uv.size() / 2, VERTICES, REAL, "VEC2", {}, {});
     }
 
     int add_indices(const std::vector<std::uint32_t> &indices)
     {
         for (const std::uint32_t index : indices)
             add_bytes(bin_, index);
-        return add_accessor(4 * indices.size(), indices.size(), INDICES, UNSIGNED, "SCALAR", "");
+        return add_accessor(4 * indices.size(), indices.size(), INDICES, UNSIGNED, "SCALAR", {},
+                            {});
     }
 
     job &work_;
     const model &scene_;
-    std::string bin_, tops_;
-    json_list nodes_, meshes_, materials_, textures_, images_, accessors_, views_, lights_;
+    std::string bin_;
+    json_list tops_;
+    json_list nodes_{true}, meshes_{true}, materials_{true}, textures_{true}, images_{true};
+    json_list accessors_{true}, views_{true}, lights_{true};
     std::map<std::string, int> known_textures_;
     bool has_polygons_ = false;
     int cut_ = 0;
@@ -439,14 +438,9 @@ void add_chunk(std::string &out, const char *kind, std::string bytes, char fille
     out += bytes;
 }
 
-} // namespace
-
-int gltf_export(const char *filename)
+// The text form: the numbers lie in a file beside it.
+void make_gltf(job &work, const model &scene, export_files &files, const std::string &name)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes());
     std::string bin_name = base_name(name) + ".bin"; // some readers know no escapes
     for (char &c : bin_name)
         if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '-' && c != '.')
@@ -458,24 +452,26 @@ int gltf_export(const char *filename)
         files.add(vesk_filename_concat_path_file(folder.c_str(), bin_name.c_str()), bin);
     files.begin(name);
     files.write(json);
-    return files.finish(name, "glTF");
 }
 
-int glb_export(const char *filename)
+void make_glb(job &work, const model &scene, export_files &files, const std::string &name)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes());
     std::string bin;
-    const std::string json = gltf_writer(work, scene).run("", &bin);
     std::string chunks;
-    add_chunk(chunks, "JSON", json, ' ');
+    add_chunk(chunks, "JSON", gltf_writer(work, scene).run("", &bin), ' ');
     if (!bin.empty())
         add_chunk(chunks, "BIN\0", std::move(bin), '\0');
     std::string bytes = "glTF";
     add_bytes(bytes, std::uint32_t{2});
     add_bytes(bytes, static_cast<std::uint32_t>(chunks.size() + 12));
     files.add(name, bytes + chunks);
-    return files.finish(name, "glTF");
 }
+
+} // namespace
+
+int gltf_export(const char *filename)
+{
+    return export_scene(filename, "glTF", wishes(), make_gltf);
+}
+
+int glb_export(const char *filename) { return export_scene(filename, "glTF", wishes(), make_glb); }

@@ -1,8 +1,10 @@
-// Formats that come and go through the public interface: readers of its own for OBJ, PLY, STL
-// and 3MF, the program's Assimp process for the others; all writers are its own.
+// Formats that are read and written through the public interface: readers of its own for OBJ, PLY,
+// STL and 3MF, the program's Assimp process for the others; all writers are its own.
 #include "formats.h"
 
+#include <iterator>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -12,59 +14,37 @@ object_t *import_by_suffix(const char *filename)
     return vesk_assimp_import(filename, suffix == nullptr ? "" : suffix + 1);
 }
 
-// Each format's commands: "export_x" asks for a file, "write_x" is given its name.
-using writer_t = int (*)(const char *);
-
-template <writer_t write>
-void write_command(const char *filename)
-{
-    command_result_append_int(write(filename));
-}
-
 struct format {
     const char *suffix, *description, *name; // name: in menus
     vesk_import_func_t read;
-    writer_t write;
-    const char *write_name, *export_name;
-    void (*write_command)(const char *);
-    void (*export_command)();
+    vesk_export_func_t write;
+    const char *write_name, *export_name; // commands
 };
-
-template <int row>
-void export_command();
-
-template <int row, writer_t write>
-constexpr format format_of(const char *suffix, const char *description, const char *name,
-                           vesk_import_func_t read, const char *write_name, const char *export_name)
-{
-    return {suffix,
-            description,
-            name,
-            read,
-            write,
-            write_name,
-            export_name,
-            write_command<write>,
-            export_command<row>};
-}
 
 // A description without a reader is that of a second form of the row before.
 // clang-format off
 const format formats[] = {
-    format_of<0, obj_export>(".obj", "OBJ files", "OBJ...", obj_import, "write_obj", "export_obj"),
-    format_of<1, ply_export>(".ply", "PLY files", "PLY...", ply_import, "write_ply", "export_ply"),
-    format_of<2, ply_text_export>(".ply", "PLY text files", "PLY as text...", nullptr, "write_ply_text", "export_ply_text"),
-    format_of<3, stl_export>(".stl", "STL files", "STL...", stl_import, "write_stl", "export_stl"),
-    format_of<4, stl_text_export>(".stl", "STL text files", "STL as text...", nullptr, "write_stl_text", "export_stl_text"),
-    format_of<5, gltf_export>(".gltf", "glTF files", "glTF...", import_by_suffix, "write_gltf", "export_gltf"),
-    format_of<6, glb_export>(".glb", "Binary glTF files", "Binary glTF...", import_by_suffix, "write_glb", "export_glb"),
-    format_of<7, collada_export>(".dae", "COLLADA files", "COLLADA...", import_by_suffix, "write_collada", "export_collada"),
-    format_of<8, fbx_export>(".fbx", "FBX files", "FBX...", import_by_suffix, "write_fbx", "export_fbx"),
-    format_of<9, threemf_export>(".3mf", "3MF files", "3MF...", threemf_import, "write_3mf", "export_3mf"),
+    {".obj",  "OBJ files",         "OBJ...",         obj_import,       obj_export,      "write_obj",      "export_obj"},
+    {".ply",  "PLY files",         "PLY...",         ply_import,       ply_export,      "write_ply",      "export_ply"},
+    {".ply",  "PLY text files",    "PLY as text...", nullptr,          ply_text_export, "write_ply_text", "export_ply_text"},
+    {".stl",  "STL files",         "STL...",         stl_import,       stl_export,      "write_stl",      "export_stl"},
+    {".stl",  "STL text files",    "STL as text...", nullptr,          stl_text_export, "write_stl_text", "export_stl_text"},
+    {".gltf", "glTF files",        "glTF...",        import_by_suffix, gltf_export,     "write_gltf",     "export_gltf"},
+    {".glb",  "Binary glTF files", "Binary glTF...", import_by_suffix, glb_export,      "write_glb",      "export_glb"},
+    {".dae",  "COLLADA files",     "COLLADA...",     import_by_suffix, collada_export,  "write_collada",  "export_collada"},
+    {".fbx",  "FBX files",         "FBX...",         import_by_suffix, fbx_export,      "write_fbx",      "export_fbx"},
+    {".3mf",  "3MF files",         "3MF...",         threemf_import,   threemf_export,  "write_3mf",      "export_3mf"},
 };
 // clang-format on
 
-template <int row>
+// Each format's commands: "write_x" is given a file's name, "export_x" asks for it.
+template <std::size_t row>
+void write_command(const char *filename)
+{
+    command_result_append_int(formats[row].write(filename));
+}
+
+template <std::size_t row>
 void export_command()
 {
     const format &f = formats[row];
@@ -75,24 +55,35 @@ void export_command()
         f.write(name);
 }
 
+template <std::size_t row>
+void register_format()
+{
+    static const char info[] = "interchange 1.1";
+    const format &f = formats[row];
+    if (f.read != nullptr) {
+        vesk_register_file_importer(f.suffix, f.description, f.read, info);
+        vesk_register_file_exporter(f.suffix, f.description, f.write, info);
+    }
+    const std::string help =
+        std::string("write the scene as ") + f.description + ", returns 1 or 0";
+    vesk_add_command_full(f.write_name, reinterpret_cast<vesk_command_func_t>(write_command<row>),
+                          1, "s", "<filename>", help.c_str());
+    vesk_add_command(f.export_name, export_command<row>);
+    const std::string script = std::string("vesk ") + f.export_name;
+    vesk_add_export_menu_item(f.name, script.c_str());
+}
+
+template <std::size_t... rows>
+void register_formats(std::index_sequence<rows...> /*all*/)
+{
+    (register_format<rows>(), ...);
+}
+
 } // namespace
 
 int VESKPluginInit(void)
 {
-    static const char info[] = "interchange 1.1";
-    for (const format &f : formats) {
-        if (f.read != nullptr) {
-            vesk_register_file_importer(f.suffix, f.description, f.read, info);
-            vesk_register_file_exporter(f.suffix, f.description, f.write, info);
-        }
-        const std::string help =
-            std::string("write the scene as ") + f.description + ", returns 1 or 0";
-        vesk_add_command_full(f.write_name, reinterpret_cast<vesk_command_func_t>(f.write_command),
-                              1, "s", "<filename>", help.c_str());
-        vesk_add_command(f.export_name, f.export_command);
-        const std::string script = std::string("vesk ") + f.export_name;
-        vesk_add_export_menu_item(f.name, script.c_str());
-    }
+    register_formats(std::make_index_sequence<std::size(formats)>());
     return 1;
 }
 

@@ -16,10 +16,10 @@ inline int palette_index_of(unsigned rgb)
     return vesk_palette_get_new_material_index(&m);
 }
 
-// Of an import: what comes after are the objects.
+// The share of an import; the rest is for making the objects.
 constexpr double share_of_parsing = 0.7;
 
-// What surfaces look like of which the file says nothing.
+// Surfaces without a material in the file.
 constexpr int no_material = -1;
 constexpr unsigned colour_without_material = 0xCCCCCC;
 
@@ -48,8 +48,8 @@ struct mesh_arrays {
             uv.resize(2 * count);
     }
 
-    // Ends the surface whose corners were added since the last one. False, and none of them is left,
-    // when there are too few.
+    // Ends the surface whose corners were added since the last one. False, and none of them is
+    // left, when there are too few.
     bool end_surface(int palette_index, int flags)
     {
         const int type = flags & SURFACE_TYPE_MASK;

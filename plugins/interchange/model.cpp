@@ -110,7 +110,7 @@ private:
         }
     }
 
-    // The first child comes out first.
+    // The last child is pushed first.
     void push_children(const object_t *object, int place, const frame &f)
     {
         std::vector<object_t *> children;

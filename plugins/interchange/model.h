@@ -48,7 +48,7 @@ struct model {
     double elements = 0; // points, surfaces and nodes
 };
 
-// What a format has a place for; the rest is counted in the report.
+// The elements that a format has a place for; the others are counted in the report.
 struct model_wishes {
     bool lines = true;
     bool lights = true;
@@ -65,12 +65,24 @@ struct model_wishes {
     bool tints = true;    // a diffuse colour beside a texture
 };
 
-// The whole world, or what there is of it when the user cancelled. `filename` is that of the file to
-// be written.
+// The whole world, or the part of it that was taken when the user cancelled. `filename` is that of
+// the file to be written.
 model take_model(job &work, const char *filename, const model_wishes &wishes);
 
 // Three corner numbers (of the node) for each triangle of a polygon.
 void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out);
+
+// One export: takes the scene, has `make` write its files, and reports the outcome. Returns 1 or 0.
+template <class Make>
+int export_scene(const char *filename, const char *format, const model_wishes &wishes, Make &&make)
+{
+    const std::string name = filename; // the messages let scripts run
+    job work;
+    export_files files(work);
+    const model scene = take_model(work, name.c_str(), wishes);
+    make(work, scene, files, name);
+    return files.finish(name, format);
+}
 
 inline bool is_line(const model_surface &surface) { return surface.kind != SURFACE_POLYGON; }
 

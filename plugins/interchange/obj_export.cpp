@@ -8,24 +8,14 @@
 
 namespace {
 
-// A name without blanks and line ends.
-std::string one_word(const std::string &name, const char *fallback)
+// A name, or a fallback for none, with `gap` in place of blanks and line ends.
+std::string written_name(const std::string &name, const char *fallback, char gap = '_')
 {
-    std::string word = name.empty() ? fallback : name;
-    for (char &c : word)
+    std::string out = name.empty() ? fallback : name;
+    for (char &c : out)
         if (std::isspace(static_cast<unsigned char>(c)) != 0)
-            c = '_';
-    return word;
-}
-
-// A name on one line.
-std::string one_line(const std::string &name)
-{
-    std::string line = name.empty() ? "object" : name;
-    for (char &c : line)
-        if (std::isspace(static_cast<unsigned char>(c)) != 0)
-            c = ' ';
-    return line;
+            c = gap;
+    return out;
 }
 
 class obj_writer {
@@ -35,7 +25,7 @@ public:
     {
         std::set<std::string> taken;
         for (const model_material &m : scene.materials) {
-            const std::string wanted = one_word(m.name, "material");
+            const std::string wanted = written_name(m.name, "material");
             std::string name = wanted;
             for (int number = 1; !taken.insert(name).second; ++number)
                 name = wanted + "-" + std::to_string(number);
@@ -65,7 +55,7 @@ private:
     {
         if (node.surfaces.empty() && node.loose.empty())
             return;
-        out_.add("o ", one_line(node.name), '\n');
+        out_.add("o ", written_name(node.name, "object", ' '), '\n');
         for (const point3_t &p : node.points) {
             out_.add("v ", p, '\n');
             if (!out_.goes_on())
@@ -146,19 +136,18 @@ private:
 
 int obj_export(const char *filename)
 {
-    const std::string name = filename;
     model_wishes wishes;
     wishes.lights = wishes.groups = wishes.normals = false;
     wishes.placing = wishes.points = true;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes);
-    obj_writer writer(work, scene, files);
-    const std::string materials = one_word(base_name(name), "scene") + ".mtl";
-    const std::string folder = vesk_filename_get_path(name.c_str());
-    files.begin(vesk_filename_concat_path_file(folder.c_str(), materials.c_str()));
-    files.write(writer.materials());
-    files.begin(name);
-    writer.geometry(materials);
-    return files.finish(name, "OBJ");
+    return export_scene(
+        filename, "OBJ", wishes,
+        [](job &work, const model &scene, export_files &files, const std::string &name) {
+            obj_writer writer(work, scene, files);
+            const std::string materials = written_name(base_name(name), "scene") + ".mtl";
+            const std::string folder = vesk_filename_get_path(name.c_str());
+            files.begin(vesk_filename_concat_path_file(folder.c_str(), materials.c_str()));
+            files.write(writer.materials());
+            files.begin(name);
+            writer.geometry(materials);
+        });
 }

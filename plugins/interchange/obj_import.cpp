@@ -1,6 +1,6 @@
 #include "formats.h"
 #include "mesh.h"
-#include "obj.h"
+#include "obj_materials.h"
 #include "scan.h"
 #include "text.h"
 #include "work.h"
@@ -16,7 +16,7 @@ namespace {
 
 bool is_gap(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
-// What shares a name, and a picture with its placing, is one part.
+// Surfaces that share a name, and a picture with its placing, are one part.
 std::string key_of(const std::string &name, const obj_material *m)
 {
     if (m == nullptr || m->picture.empty())
@@ -27,7 +27,7 @@ std::string key_of(const std::string &name, const obj_material *m)
     return key.text;
 }
 
-// One object of the scene while it is read: what shares a name and a picture.
+// One object of the scene while it is read: the surfaces that share a name and a picture.
 struct part {
     std::string name;
     const obj_material *picture_of = nullptr;
@@ -59,7 +59,7 @@ public:
             if (!has_shading_)
                 numbers(p + 3, end, 3, normals_);
         } else if (length > 1 && *p != '#') {
-            keyword(obj_words(std::string(p, end)));
+            keyword(words_of(std::string(p, end)));
         }
     }
 
@@ -220,8 +220,8 @@ private:
             vesk_report_warning(line_, "a point is not there");
     }
 
-    // Whether the open surface has a corner whose normal is not the surface's: files that tell no
-    // shading show it so.
+    // Whether the open surface has a corner whose normal is not the surface's: files without
+    // shading lines show it so.
     [[nodiscard]] bool bends(const mesh_arrays &mesh) const
     {
         const std::size_t first = static_cast<std::size_t>(mesh.offsets.back());
@@ -320,14 +320,14 @@ private:
     std::string name_;
     bool has_objects_ = false;
     bool smooth_ = false;
-    bool has_shading_ = false; // the file tells it ("s")
+    bool has_shading_ = false; // the file has lines of it ("s")
     std::vector<part> parts_;
     std::map<std::string, std::size_t> places_;
     std::size_t current_ = no_part;
-    std::set<std::string> unknown_; // told once each
+    std::set<std::string> unknown_; // one complaint each
 };
 
-// Line by line; one that ends in "\" goes on with the next.
+// Line by line; "\" at the end of a line joins the next one to it.
 void read_lines(job &work, const std::string &text, obj_reader &reader)
 {
     std::string joined;

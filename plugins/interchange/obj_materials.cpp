@@ -1,4 +1,5 @@
-#include "obj.h"
+#include "obj_materials.h"
+
 #include "text.h"
 #include "work.h"
 
@@ -102,7 +103,7 @@ void read_materials(std::string &text, const std::string &name, int line,
     material_reader reader(materials);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\n', at), text.size());
-        const std::vector<std::string> words = obj_words(text.substr(at, end - at));
+        const std::vector<std::string> words = words_of(text.substr(at, end - at));
         if (!words.empty() && words[0][0] != '#')
             reader.line(words);
         at = end + 1;
@@ -110,22 +111,6 @@ void read_materials(std::string &text, const std::string &name, int line,
     for (const std::string &key : reader.unread)
         vesk_report_warning(line, "pictures by %s in %s are not read", key.c_str(), name.c_str());
 }
-
-} // namespace
-
-std::vector<std::string> obj_words(const std::string &line)
-{
-    std::vector<std::string> words;
-    std::size_t at = 0;
-    while ((at = line.find_first_not_of(" \t\r", at)) != std::string::npos) {
-        const std::size_t end = std::min(line.find_first_of(" \t\r", at), line.size());
-        words.push_back(line.substr(at, end - at));
-        at = end;
-    }
-    return words;
-}
-
-namespace {
 
 constexpr off_t most_bytes = off_t{1} << 30; // a library has a few thousand
 
@@ -153,7 +138,7 @@ void obj_read_materials(const std::string &obj_file, const std::string &name, in
     }
     // A name may hold blanks; else they part several.
     std::vector<std::string> missing;
-    const std::vector<std::string> words = obj_words(name);
+    const std::vector<std::string> words = words_of(name);
     for (const std::string &word : words) {
         text.clear();
         if (words.size() > 1 && read_library(obj_file, word, &text))

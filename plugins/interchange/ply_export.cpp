@@ -180,17 +180,15 @@ private:
 
 int ply_write(const char *filename, bool binary)
 {
-    const std::string name = filename;
     model_wishes wishes;
     wishes.lights = wishes.smooth = wishes.groups = wishes.colours = wishes.normals = false;
     wishes.ambient = false;
     wishes.points = true;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes);
-    files.begin(name);
-    ply_writer(work, scene, files, binary).run();
-    return files.finish(name, "PLY");
+    return export_scene(filename, "PLY", wishes,
+                        [&](job &work, const model &scene, export_files &files, const auto &name) {
+                            files.begin(name);
+                            ply_writer(work, scene, files, binary).run();
+                        });
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // PLY: tables of vertices, faces and edges, whose columns the file itself describes; as text or
-// binary in either byte order. Texture coordinates come by vertex or by corner, colours by face or
-// by vertex; the texture is the one that a comment names ("TextureFile").
+// binary in either byte order. Texture coordinates stand by vertex or by corner, colours by face
+// or by vertex; the texture is the one that a comment names ("TextureFile").
 #include "formats.h"
 #include "mesh.h"
 #include "text.h"
@@ -219,17 +219,6 @@ private:
                 return reason + " (line " + std::to_string(line_) + ")";
         }
         return "its header has no end";
-    }
-
-    static std::vector<std::string> words_of(const std::string &line)
-    {
-        std::vector<std::string> words;
-        for (std::size_t at = 0; (at = line.find_first_not_of(" \t", at)) != std::string::npos;) {
-            const std::size_t end = std::min(line.find_first_of(" \t", at), line.size());
-            words.push_back(line.substr(at, end - at));
-            at = end;
-        }
-        return words;
     }
 
     std::string header_words(const std::vector<std::string> &words, const std::string &line)

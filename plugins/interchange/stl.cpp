@@ -18,14 +18,7 @@ constexpr std::size_t triangle_size = 50;
 struct place_hash {
     std::size_t operator()(const std::array<float, 3> &p) const
     {
-        std::size_t sum = 0;
-        for (const float value : p) {
-            std::uint32_t bits = 0;
-            std::memcpy(&bits, &value, sizeof bits);
-            sum = (sum ^ bits) * 0x9E3779B97F4A7C15u;
-            sum ^= sum >> 29;
-        }
-        return sum;
+        return std::hash<std::string_view>()({reinterpret_cast<const char *>(p.data()), sizeof p});
     }
 };
 
@@ -197,6 +190,51 @@ void report_colours(const model &scene)
                      "materials");
 }
 
+void make_text(job &work, const model &scene, export_files &files, const std::string &name)
+{
+    report_colours(scene);
+    text_out out;
+    work.phase(0.9, scene.elements);
+    for (const model_node &node : scene.nodes) {
+        const std::string title = vesk_utf8(node.name.c_str());
+        out.add("solid ", title, '\n');
+        each_triangle(work, node, [&](const point3_t &normal, const int *corners) {
+            out.add("facet normal ", normal, "\nouter loop\n");
+            for (int k = 0; k < 3; ++k)
+                out.add("vertex ", point_of(node, corners[k]), '\n');
+            out.add("endloop\nendfacet\n");
+        });
+        out.add("endsolid ", title, '\n');
+    }
+    files.add(name, out.text);
+}
+
+void make_binary(job &work, const model &scene, export_files &files, const std::string &name)
+{
+    report_colours(scene);
+    vesk_report_loss(scene.nodes.size() > 1 ? static_cast<int>(scene.nodes.size()) : 0,
+                     "objects of their own");
+    std::string bytes = "VESK";
+    bytes.resize(header_size, '\0');
+    std::uint32_t count = 0;
+    work.phase(0.9, scene.elements);
+    const auto add = [&bytes](const point3_t &p) {
+        for (const float value : {p.x, p.y, p.z})
+            add_bytes(bytes, value);
+    };
+    for (const model_node &node : scene.nodes) {
+        each_triangle(work, node, [&](const point3_t &normal, const int *corners) {
+            add(normal);
+            for (int k = 0; k < 3; ++k)
+                add(point_of(node, corners[k]));
+            add_bytes(bytes, std::uint16_t{0});
+            ++count;
+        });
+    }
+    std::memcpy(&bytes[header_size - 4], &count, sizeof count);
+    files.add(name, bytes);
+}
+
 } // namespace
 
 object_t *stl_import(const char *filename)
@@ -219,55 +257,10 @@ object_t *stl_import(const char *filename)
 
 int stl_text_export(const char *filename)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes());
-    report_colours(scene);
-    text_out out;
-    work.phase(0.9, scene.elements);
-    for (const model_node &node : scene.nodes) {
-        const std::string title = vesk_utf8(node.name.c_str());
-        out.add("solid ", title, '\n');
-        each_triangle(work, node, [&](const point3_t &normal, const int *corners) {
-            out.add("facet normal ", normal, "\nouter loop\n");
-            for (int k = 0; k < 3; ++k)
-                out.add("vertex ", point_of(node, corners[k]), '\n');
-            out.add("endloop\nendfacet\n");
-        });
-        out.add("endsolid ", title, '\n');
-    }
-    files.add(name, out.text);
-    return files.finish(name, "STL");
+    return export_scene(filename, "STL", wishes(), make_text);
 }
 
 int stl_export(const char *filename)
 {
-    const std::string name = filename;
-    job work;
-    export_files files(work);
-    const model scene = take_model(work, filename, wishes());
-    report_colours(scene);
-    vesk_report_loss(scene.nodes.size() > 1 ? static_cast<int>(scene.nodes.size()) : 0,
-                     "objects of their own");
-    std::string bytes = "VESK";
-    bytes.resize(header_size, '\0');
-    std::uint32_t count = 0;
-    work.phase(0.9, scene.elements);
-    for (const model_node &node : scene.nodes) {
-        each_triangle(work, node, [&](const point3_t &normal, const int *corners) {
-            const auto add = [&](const point3_t &p) {
-                for (const float value : {p.x, p.y, p.z})
-                    add_bytes(bytes, value);
-            };
-            add(normal);
-            for (int k = 0; k < 3; ++k)
-                add(point_of(node, corners[k]));
-            add_bytes(bytes, std::uint16_t{0});
-            ++count;
-        });
-    }
-    std::memcpy(&bytes[header_size - 4], &count, sizeof count);
-    files.add(name, bytes);
-    return files.finish(name, "STL");
+    return export_scene(filename, "STL", wishes(), make_binary);
 }

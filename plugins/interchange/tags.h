@@ -1,4 +1,5 @@
-// XML as far as 3MF needs it: tags and their attributes.
+// XML as far as 3MF needs it: tags and their attributes. Of its own, because expat, which copies
+// each attribute, makes the import of a mesh of a million vertices take 1.5 times as long.
 #ifndef INTERCHANGE_TAGS_H
 #define INTERCHANGE_TAGS_H
 

@@ -3,40 +3,33 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <map>
 
 std::string xml_text(const std::string &text)
 {
+    static const std::map<char, const char *> entities = {
+        {'<', "&lt;"}, {'>', "&gt;"}, {'&', "&amp;"}, {'"', "&quot;"}};
     std::string out;
     for (const char *p = vesk_utf8(text.c_str()); *p != '\0'; ++p) {
-        switch (*p) {
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '&':
-            out += "&amp;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
+        const auto found = entities.find(*p);
+        if (found == entities.end())
             out += *p;
-        }
+        else
+            out += found->second;
     }
     return out;
 }
 
-std::string json_text(const std::string &text)
+std::vector<std::string> words_of(const std::string &line)
 {
-    std::string out = "\"";
-    for (const char *p = vesk_utf8(text.c_str()); *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
-            out += '\\';
-        out += *p;
+    std::vector<std::string> words;
+    std::size_t at = 0;
+    while ((at = line.find_first_not_of(" \t\r", at)) != std::string::npos) {
+        const std::size_t end = std::min(line.find_first_of(" \t\r", at), line.size());
+        words.push_back(line.substr(at, end - at));
+        at = end;
     }
-    return out + '"';
+    return words;
 }
 
 std::string url_text(const std::string &text)

@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <vector>
 
-// Text that grows. Numbers take the fewest digits that read back as the same number; what is not
-// finite becomes 0.
+// A text under construction. Numbers take the fewest digits that read back as the same number;
+// infinite ones and those that are none become 0.
 class text_out {
 public:
     std::string text;
@@ -54,13 +54,14 @@ void add_bytes(std::string &out, N value)
 
 // "<", "&" and the like as XML wants them.
 std::string xml_text(const std::string &text);
-// In double quotes, as JSON wants it.
-std::string json_text(const std::string &text);
 // A file name as an address: blanks and the like as %20.
 std::string url_text(const std::string &text);
 
-// Without the mark that some programs put before UTF-8, and with line feeds where lines end in carriage
-// returns alone.
+// The words of a line, separated by blanks.
+std::vector<std::string> words_of(const std::string &line);
+
+// Without the mark that some programs put before UTF-8, and with line feeds where lines end in
+// carriage returns alone.
 void plain_lines(std::string &text);
 
 // The name of a file without its folder and suffix.

@@ -4,12 +4,13 @@
 #include "archive.h"
 #include "formats.h"
 #include "model.h"
-#include "png.h"
+#include "picture_file.h"
 #include "text.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <set>
 #include <unordered_map>
 
@@ -35,7 +36,7 @@ public:
                  "<metadata name=\"Application\">VESK</metadata>\n<resources>\n");
         materials();
         textures();
-        // What a list of parts names stands before it.
+        // Parts stand before the list that names them.
         for (std::size_t i = scene_.nodes.size(); i > 0; --i)
             node(i - 1);
         out_.add("</resources>\n<build>\n");
@@ -305,29 +306,29 @@ int threemf_export(const char *filename)
     const model scene = take_model(work, filename, wishes);
     threemf_writer writer(work, scene);
     archive_writer parts;
-    bool good =
-        parts.add("[Content_Types].xml",
-                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Types "
-                  "xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\"><Default "
-                  "Extension=\"rels\" ContentType=\"" +
-                      std::string(relations_type) +
-                      "\"/><Default Extension=\"model\" "
-                      "ContentType=\"application/vnd.ms-package.3dmanufacturing-3dmodel+xml\"/>"
-                      "<Default Extension=\"png\" ContentType=\"image/png\"/>"
-                      "<Default Extension=\"jpeg\" ContentType=\"image/jpeg\"/></Types>\n") &&
-        parts.add("_rels/.rels", relations({"3D/3dmodel.model"}, "3dmodel")) &&
-        parts.add("3D/3dmodel.model", writer.run());
+    parts.add("[Content_Types].xml",
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Types "
+              "xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\"><Default "
+              "Extension=\"rels\" ContentType=\"" +
+                  std::string(relations_type) +
+                  "\"/><Default Extension=\"model\" "
+                  "ContentType=\"application/vnd.ms-package.3dmanufacturing-3dmodel+xml\"/>"
+                  "<Default Extension=\"png\" ContentType=\"image/png\"/>"
+                  "<Default Extension=\"jpeg\" ContentType=\"image/jpeg\"/></Types>\n");
+    parts.add("_rels/.rels", relations({"3D/3dmodel.model"}, "3dmodel"));
+    parts.add("3D/3dmodel.model", writer.run());
     std::vector<std::string> targets;
     for (const auto &[part, picture] : writer.pictures()) {
         targets.push_back(part);
-        good = good && parts.add(part, picture.bytes);
+        parts.add(part, picture.bytes);
     }
     if (!targets.empty())
-        good = good && parts.add("3D/_rels/3dmodel.model.rels", relations(targets, "3dtexture"));
-    if (!good) {
+        parts.add("3D/_rels/3dmodel.model.rels", relations(targets, "3dtexture"));
+    const std::string bytes = parts.finish();
+    if (bytes.empty()) {
         display_message("%s was not written: the model is too large for 3MF", name.c_str());
         return 0;
     }
-    files.add(name, parts.finish());
+    files.add(name, bytes);
     return files.finish(name, "3MF");
 }

@@ -1,6 +1,6 @@
 // 3MF as it is read: objects by their names with their frames, triangles in the colours of base
 // materials and colour groups and with the pictures of texture groups, also several of these on one
-// triangle. What it has besides (slices, lattices) is told.
+// triangle. Its other elements (slices, lattices) are complaints.
 #include "archive.h"
 #include "formats.h"
 #include "mesh.h"
@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -22,7 +23,7 @@ constexpr std::size_t most_triangles = 50000000;         // of all that is built
 constexpr int most_levels = 100;
 constexpr std::size_t most_picture_bytes = std::size_t{1} << 28; // of one
 
-// ---- what the file holds ----
+// ---- the records of the file ----
 
 // v x the first nine + the last three.
 struct placing {
@@ -90,7 +91,7 @@ struct multi_group {
     std::vector<std::vector<int>> entries;
 };
 
-// What a corner of a triangle looks like.
+// The look of a corner of a triangle.
 struct corner_look {
     int material = no_material;
     int picture = no_picture;
@@ -156,6 +157,8 @@ public:
         object_calc_normals_force(world);
         return world;
     }
+
+    [[nodiscard]] bool has_surfaces() const { return has_surfaces_; }
 
 private:
     void tag()
@@ -332,6 +335,7 @@ private:
                 first = 1;
             }
         }
+        has_surfaces_ = has_surfaces_ || !own->materials.empty();
         object_t *object = make(*own, stored.name, place);
         object_add_child(parent, object);
         for (std::size_t i = first; i < stored.components.size(); ++i)
@@ -339,8 +343,8 @@ private:
                 level + 1);
     }
 
-    // A group; an object when there are triangles; one below a group for each picture when there are
-    // several.
+    // A group; an object when there are triangles; one below a group for each picture when there
+    // are several.
     [[nodiscard]] object_t *make(const stored_object &stored, const std::string &name,
                                  const placing &place) const
     {
@@ -415,27 +419,22 @@ private:
     // Of a frame that only turns, perhaps with one scale.
     static void set_rotation(object_t *object, const placing &place)
     {
-        float lengths[3];
-        for (int i = 0; i < 3; ++i)
-            lengths[i] = std::hypot(place.m[3 * i], place.m[3 * i + 1], place.m[3 * i + 2]);
-        const auto dot = [&](int i, int k) {
-            return place.m[3 * i] * place.m[3 * k] + place.m[3 * i + 1] * place.m[3 * k + 1] +
-                   place.m[3 * i + 2] * place.m[3 * k + 2];
-        };
-        const float size = lengths[0];
-        if (!(size > 0) || std::fabs(lengths[1] - size) > 1e-4f * size ||
-            std::fabs(lengths[2] - size) > 1e-4f * size ||
-            std::fabs(dot(0, 1)) > 1e-4f * size * size ||
-            std::fabs(dot(1, 2)) > 1e-4f * size * size ||
-            std::fabs(dot(0, 2)) > 1e-4f * size * size)
-            return;
         const float *m = place.m;
-        if (m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6]) +
-                m[2] * (m[3] * m[7] - m[4] * m[6]) <
-            0)
-            return; // a mirror
-        for (int i = 0; i < 9; ++i)
-            object->rotation[i] = place.m[i] / size;
+        const auto dot = [m](int i, int k) {
+            return m[3 * i] * m[3 * k] + m[3 * i + 1] * m[3 * k + 1] + m[3 * i + 2] * m[3 * k + 2];
+        };
+        const float size = std::hypot(m[0], m[1], m[2]);
+        bool turns = size > 0;
+        for (int i = 0; i < 3 && turns; ++i)
+            turns = !(std::fabs(std::hypot(m[3 * i], m[3 * i + 1], m[3 * i + 2]) - size) >
+                          1e-4f * size ||
+                      std::fabs(dot(i, (i + 1) % 3)) > 1e-4f * size * size);
+        const bool mirrors = m[0] * (m[4] * m[8] - m[5] * m[7]) -
+                                 m[1] * (m[3] * m[8] - m[5] * m[6]) +
+                                 m[2] * (m[3] * m[7] - m[4] * m[6]) <
+                             0;
+        for (int i = 0; i < 9 && turns && !mirrors; ++i)
+            object->rotation[i] = m[i] / size;
     }
 
     job &work_;
@@ -458,17 +457,15 @@ private:
     std::set<std::string> told_;
     unsigned bad_ = 0;
     std::size_t triangles_ = 0;
+    bool has_surfaces_ = false;
     bool too_much_ = false;
 };
 
 // The name of the model's part: the one that the archive's list of relations names.
-std::string model_part(const std::string &bytes,
-                       const std::map<std::string, archive_entry> &entries)
+std::string model_part(const archive_reader &archive)
 {
-    const auto relations = entries.find("_rels/.rels");
     std::string text;
-    if (relations != entries.end() &&
-        archive_extract(bytes, relations->second, most_bytes, &text)) {
+    if (archive.extract("_rels/.rels", most_bytes, &text)) {
         tag_reader tags(text);
         while (tags.next()) {
             std::string target = tags.text("Target");
@@ -483,8 +480,8 @@ std::string model_part(const std::string &bytes,
 }
 
 // Writes the pictures of the archive to files; their names by the pictures' numbers.
-std::map<int, std::string> extract_pictures(const std::string &filename, const std::string &bytes,
-                                            const std::map<std::string, archive_entry> &entries,
+std::map<int, std::string> extract_pictures(const std::string &filename,
+                                            const archive_reader &archive,
                                             const std::map<int, std::string> &pictures)
 {
     std::map<int, std::string> files;
@@ -493,11 +490,9 @@ std::map<int, std::string> extract_pictures(const std::string &filename, const s
     const std::string folder =
         vesk_embedded_images_folder(filename.c_str(), static_cast<int>(pictures.size()));
     for (const auto &[number, path] : pictures) {
-        const auto entry =
-            entries.find(path.substr(std::min(path.find_first_not_of('/'), path.size())));
+        const std::string part = path.substr(std::min(path.find_first_not_of('/'), path.size()));
         std::string content;
-        if (entry == entries.end() ||
-            !archive_extract(bytes, entry->second, most_picture_bytes, &content)) {
+        if (!archive.extract(part, most_picture_bytes, &content)) {
             vesk_report_warning(0, "the picture %s is not in the file", path.c_str());
             continue;
         }
@@ -509,21 +504,6 @@ std::map<int, std::string> extract_pictures(const std::string &filename, const s
     return files;
 }
 
-// Whether there is a surface in it or below.
-bool holds_surfaces(object_t *top)
-{
-    std::vector<object_t *> waiting(1, top);
-    while (!waiting.empty()) {
-        object_t *object = waiting.back();
-        waiting.pop_back();
-        if (object->num_surfaces > 0)
-            return true;
-        for (const listitem *at = object->children; at != nullptr; at = at->next)
-            waiting.push_back(reinterpret_cast<object_t *>(at->data));
-    }
-    return false;
-}
-
 } // namespace
 
 object_t *threemf_import(const char *filename)
@@ -533,19 +513,19 @@ object_t *threemf_import(const char *filename)
     job work;
     if (!read_file(name, &bytes, &work))
         return refuse(work, name, std::strerror(errno));
-    const std::map<std::string, archive_entry> entries = archive_entries(bytes);
-    const auto part = entries.find(model_part(bytes, entries));
+    const archive_reader archive(bytes);
+    const std::string part = model_part(archive);
     std::string text;
-    if (part == entries.end())
+    if (!archive.has(part))
         return refuse(work, name, "there is no model in it");
-    if (!archive_extract(bytes, part->second, most_bytes, &text))
+    if (!archive.extract(part, most_bytes, &text))
         return refuse(work, name, "its model is damaged");
     threemf_reader reader(work, text);
     reader.read();
     if (work.cancelled())
         return refuse(work, name, "");
-    object_t *world = reader.build(name, extract_pictures(name, bytes, entries, reader.pictures()));
-    if (holds_surfaces(world))
+    object_t *world = reader.build(name, extract_pictures(name, archive, reader.pictures()));
+    if (reader.has_surfaces())
         return world;
     object_free(world);
     return refuse(work, name, "there is no geometry in it");

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t piece = 1 << 20; // bytes that go out at once
+constexpr std::size_t piece = 1 << 20; // bytes written at once
 constexpr double reading = 0.1;        // share of getting a file's bytes
 
 } // namespace

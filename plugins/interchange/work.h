@@ -1,5 +1,5 @@
-// Long work in phases, each of which takes its share of the status line's bar, and the files that an
-// export writes.
+// Long work in phases, each of which takes its share of the status line's bar, and the files that
+// an export writes.
 #ifndef INTERCHANGE_WORK_H
 #define INTERCHANGE_WORK_H
 
@@ -59,8 +59,8 @@ public:
     // A whole file.
     void add(const std::string &filename, const std::string &bytes);
 
-    // Keeps the files, unless the user cancelled, and tells the outcome in one line, with what was
-    // left out. Returns 1 or 0.
+    // Keeps the files, unless the user cancelled, with one message: the outcome and the losses.
+    // Returns 1 or 0.
     int finish(const std::string &filename, const char *format);
 
 private:
@@ -69,7 +69,7 @@ private:
     bool good_ = true;
 };
 
-// A file's text that goes out piece by piece while it grows.
+// A file's text that is written piece by piece while it grows.
 class growing_text : public text_out {
 public:
     growing_text(job &work, export_files &files) : work_(work), files_(files) {}
@@ -86,7 +86,7 @@ private:
 // A whole file, as the first phase of an import when there is `work`.
 bool read_file(const std::string &name, std::string *bytes, job *work = nullptr);
 
-// Tells that a file cannot be read, or, when the user cancelled, just that; returns null.
+// The box about a file that cannot be read, or the message that the user cancelled; returns null.
 object_t *refuse(const job &work, const std::string &filename, const std::string &reason);
 
 #endif

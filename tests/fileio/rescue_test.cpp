@@ -32,7 +32,7 @@ protected:
         SceneTest::SetUp();
         folder_ = temporary_file("state");
         setenv("XDG_STATE_HOME", folder_.c_str(), 1);
-        current_file() = {};
+        edited_file_set("");
         object_t *group = new_group();
         object_set_name(group, "a \"group\"");
         const float quarter_turn[9] = {0, 1, 0, -1, 0, 0, 0, 0, 1}; // exact in every number
@@ -78,13 +78,13 @@ TEST_F(Rescue, CopiesReadBackAsTheModel)
 {
     const std::string whole = scene();
     const std::string copy = temporary_file("copy.vesk");
-    current_file_set("/somewhere/mine.vesk");
     recording().scripts.clear();
     EXPECT_EQ(run("autosave", copy), "1");
     EXPECT_TRUE(rescue_wait());
-    EXPECT_EQ(current_file().name, "/somewhere/mine.vesk");
     EXPECT_TRUE(recording().scripts.empty()); // says nothing
-    EXPECT_EQ(read_text(copy), model_state_text(*model_state_capture()));
+    const std::string other = temporary_file("other.vesk");
+    ASSERT_TRUE(write_model_state(*model_state_capture(), other.c_str()));
+    EXPECT_EQ(read_text(copy), read_text(other));
     run("clear_all");
     run("file_load", copy);
     EXPECT_EQ(scene(), whole);
@@ -95,7 +95,9 @@ TEST_F(Rescue, TheBareWriterWritesTheSame)
     const state_ptr state = model_state_capture();
     const std::string file = temporary_file("bare.vesk");
     ASSERT_TRUE(write_model_state_bare(*state, (file + ".part").c_str(), file.c_str()));
-    EXPECT_EQ(read_text(file), model_state_text(*state));
+    const std::string other = temporary_file("other.vesk");
+    ASSERT_TRUE(write_model_state(*state, other.c_str()));
+    EXPECT_EQ(read_text(file), read_text(other));
     EXPECT_FALSE(fs::exists(file + ".part"));
     EXPECT_FALSE(write_model_state_bare(*state, "/nowhere/x", "/nowhere/y"));
 }
@@ -156,7 +158,7 @@ TEST_F(Rescue, CopiesOlderThanTheirFileAreNotOffered)
     const std::string original = temporary_file("original.vesk");
     write_text(original, "VESKb\n");
     in_another_process([&] {
-        current_file_set(original.c_str());
+        edited_file_set(original);
         rescue_start();
         run("autosave", "");
         rescue_wait();
@@ -167,6 +169,51 @@ TEST_F(Rescue, CopiesOlderThanTheirFileAreNotOffered)
     fs::last_write_time(original, fs::file_time_type::clock::now() + std::chrono::hours(1));
     EXPECT_TRUE(recovery_copies().empty());
 }
+
+struct original_case {
+    const char *name;
+    std::vector<std::pair<const char *, const char *>> commands; // with a file or ""
+    const char *original;
+};
+void PrintTo(const original_case &c, std::ostream *out) { *out << c.name; }
+// clang-format off
+const original_case original_cases[] = {
+    {"import_into_a_model",   {{"file_load", "a.vesk"}, {"load_file", "b.vesk"}}, "a.vesk"},
+    {"import_into_no_model",  {{"new_cube", ""}, {"load_file", "b.vesk"}}, ""},
+    {"another_format",        {{"file_load", "c.tri"}}, ""},
+    {"copies",                {{"file_load", "a.vesk"}, {"export_model", "c.vesk"},
+                               {"save_selection_vesk", "c.vesk"}, {"write_vesk_old", "c.vesk"},
+                               {"add_text", "x"}}, "a.vesk"},
+    {"save_under_a_new_name", {{"file_load", "a.vesk"}, {"file_save", "c.vesk"}}, "c.vesk"},
+    {"failed_save",           {{"file_load", "a.vesk"}, {"file_save", "no/folder/c.vesk"}}, "a.vesk"},
+    {"emptied",               {{"file_load", "a.vesk"}, {"clear_all", ""}, {"new_cube", ""}}, ""},
+};
+// clang-format on
+class Original : public Rescue, public testing::WithParamInterface<original_case> {};
+
+TEST_P(Original, IsTheModelThatWasEdited)
+{
+    for (const char *name : {"a.vesk", "b.vesk"})
+        ASSERT_EQ(run("export_model", temporary_file(name)), "1");
+    write_text(temporary_file("c.tri"), "0 0 0 1 0 0 0 1 0\n");
+    in_another_process([&] {
+        run("clear_all");
+        rescue_start();
+        for (const auto &[command, file] : GetParam().commands) {
+            if (*file == '\0')
+                run(command);
+            else
+                run(command, temporary_file(file));
+        }
+        run("autosave", "");
+        rescue_wait();
+        raise(SIGKILL);
+    });
+    ASSERT_EQ(recovery_copies().size(), 1u);
+    const std::string wanted = GetParam().original;
+    EXPECT_EQ(recovery_copies()[0].original, wanted.empty() ? wanted : temporary_file(wanted));
+}
+INSTANTIATE_TEST_SUITE_P(Files, Original, testing::ValuesIn(original_cases));
 
 TEST_F(Rescue, AFailureIsToldOnce)
 {

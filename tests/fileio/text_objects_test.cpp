@@ -22,11 +22,10 @@ protected:
     {
         SceneTest::SetUp();
         vesk_set_homedir(VESK_BINARY_DIR "/home");
-        text_objects_reset_for_test();
     }
     void TearDown() override
     {
-        text_objects_reset_for_test();
+        load_font_object("no font");
         SceneTest::TearDown();
     }
     void set_font(const char *path)

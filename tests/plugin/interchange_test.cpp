@@ -220,6 +220,19 @@ TEST_F(Interchange, FilesThatEndTooEarlyAreRefused)
         EXPECT_TRUE(box.starts_with("can't read ")) << box;
 }
 
+TEST_F(Interchange, AnArchiveWhoseBytesAreNotThoseThatWerePackedIsRefused)
+{
+    add_cube("packed");
+    const std::string file = temporary_file("packed.3mf");
+    ASSERT_EQ(run("export_model", file), "1");
+    std::string bytes = read_text(file);
+    const std::size_t vertex = bytes.find("<vertex x=\"");
+    ASSERT_NE(vertex, std::string::npos);
+    bytes[vertex + 3] ^= 1;
+    EXPECT_EQ(load("damaged.3mf", bytes), "0");
+    EXPECT_NE(recording().boxes.back().find("its model is damaged"), std::string::npos);
+}
+
 // Without "s" the normals tell it; with it they do not count.
 TEST_F(Interchange, ObjNormalsTellTheShadingWhereTheFileDoesNot)
 {

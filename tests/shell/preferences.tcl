@@ -6,35 +6,37 @@ source [file join [file dirname [info script]] support.tcl]
 
 set w .preferences
 proc page {name} {
-    ::test::press_row .preferences.left.list $name
-    ::test::wait_until {[.preferences.head.title cget -text] eq $name}
+    press_row .preferences.left.list $name
+    wait_until {[.preferences.head.title cget -text] eq $name}
 }
-# widget --
-#   The widget of a row that takes the keyboard, found by the label of its key.
-proc field {key} {
-    set rows $::vesk::preferences::body
-    foreach label [winfo children $rows] {
+# field, arrow --
+#   The widget of a row that takes the keyboard, found by the label of its key; what puts it back.
+proc number_of {key} {
+    foreach label [winfo children $::vesk::preferences::body] {
         if {[winfo class $label] eq "TLabel" && [$label cget -text] eq $key} {
-            set field $rows.f[string range [winfo name $label] 1 end]
-            if {[winfo class $field] eq "TCheckbutton"} {return $field}
-            return $field.value
+            return [string range [winfo name $label] 1 end]
         }
     }
-    return ""
 }
+proc field {key} {
+    if {[set number [number_of $key]] eq ""} {return ""}
+    set field $::vesk::preferences::body.f$number
+    return [expr {[winfo class $field] eq "TCheckbutton" ? $field : "$field.value"}]
+}
+proc arrow {key} {return $::vesk::preferences::body.r[number_of $key]}
 proc show_field {key} {
     ::vesk::preferences::see [field $key]
     update
     return [field $key]
 }
 
-::test::run {
-    ::test::at xy 200 200
-    ::test::key ctrl+comma
-    ::test::check "Control+comma opens the window" {[winfo ismapped $w]}
-    ::test::key Escape
-    ::test::check "Escape closes it" {![winfo exists $w] && [winfo class [focus]] eq "Togl"}
-    ::test::key ctrl+comma
+run {
+    at xy 200 200
+    key ctrl+comma
+    check "Control+comma opens the window" {[winfo ismapped $w]}
+    key Escape
+    check "Escape closes it" {![winfo exists $w] && [winfo class [focus]] eq "Togl"}
+    key ctrl+comma
 
     # Every preference of the executable has one row and a widget that follows it.
     set kinds {}
@@ -80,59 +82,46 @@ proc show_field {key} {
     foreach key [dict keys $kinds] {
         if {![dict exists $seen $key]} {lappend missing $key}
     }
-    ::test::check "every preference has a row" {$missing eq {}}
-    ::test::check "whose widget shows and writes it" {$deaf eq {}}
+    check "every preference has a row" {$missing eq {}}
+    check "whose widget shows and writes it" {$deaf eq {}}
     if {$missing ne "" || $deaf ne ""} {puts "missing: $missing  deaf: $deaf"}
 
     # By hand.
     page Views
-    ::test::press [show_field vert_size]
-    ::test::key ctrl+a
-    ::test::type "3+4"
-    ::test::key Return
-    ::test::check "a typed number counts at once" {$::prefs_vert_size == 7}
-    ::test::key Up
-    ::test::check "Up steps by one" {$::prefs_vert_size == 8}
-    ::test::type x
-    ::test::key Escape
-    ::test::check "Escape takes the typing back" {$::prefs_vert_size == 8 && [winfo exists $w]}
-    ::test::shot preferences-views
-    foreach child [winfo children $::vesk::preferences::body] {
-        if {[winfo class $child] eq "TLabel" && [$child cget -text] eq "vert_size"} {
-            set reset $::vesk::preferences::body.r[string range [winfo name $child] 1 end]
-        }
-    }
-    ::test::check "a changed row has an arrow" {[winfo ismapped $reset]}
-    ::test::press $reset
-    ::test::check "which puts the default back" {$::prefs_vert_size == 3 && ![winfo ismapped $reset]}
-    ::test::press [show_field filled_orth] 8
-    ::test::check "a check box counts at once" {$::prefs_filled_orth == 0}
-    ::test::press $w.foot.reset
-    ::test::check "the page is reset" {$::prefs_filled_orth == 1}
+    enter [show_field vert_size] "3+4"
+    check "a typed number counts at once" {$::prefs_vert_size == 7}
+    key Up
+    check "Up steps by one" {$::prefs_vert_size == 8}
+    type x
+    key Escape
+    check "Escape takes the typing back" {$::prefs_vert_size == 8 && [winfo exists $w]}
+    shot preferences-views
+    set reset [arrow vert_size]
+    check "a changed row has an arrow" {[winfo ismapped $reset]}
+    press $reset
+    check "which puts the default back" {$::prefs_vert_size == 3 && ![winfo ismapped $reset]}
+    press [show_field filled_orth] 8
+    check "a check box counts at once" {$::prefs_filled_orth == 0}
+    press $w.foot.reset
+    check "the page is reset" {$::prefs_filled_orth == 1}
     page Colours
-    ::test::press [show_field col_line]
-    ::test::key ctrl+a
-    ::test::type "00ff7f"
-    ::test::key Return
-    ::test::check "a typed colour counts" {$::prefs_col_line == 0x00ff7f}
-    ::test::key ctrl+a
-    ::test::type "red?"
-    ::test::key Return
-    ::test::check "what is none is refused" {
+    enter [show_field col_line] "00ff7f"
+    check "a typed colour counts" {$::prefs_col_line == 0x00ff7f}
+    enter [field col_line] "red?"
+    check "what is none is refused" {
         $::prefs_col_line == 0x00ff7f && [[field col_line] instate invalid]
     }
-    ::test::press $w.foot.reset
+    press $w.foot.reset
 
     # Search.
-    ::test::press $w.left.search.value
-    ::test::type "hole per"
-    ::test::wait_until {[field hole_percent] ne ""}
-    ::test::check "the search finds by words, in any order" {
+    press $w.left.search.value
+    type "hole per"
+    check "the search finds by words, in any order" {
         [field hole_percent] ne "" && [field bevel_size] eq ""
     }
-    ::test::shot preferences-search
-    ::test::key Escape
-    ::test::check "Escape empties it first" {$::vesk::preferences::query eq "" && [winfo exists $w]}
+    shot preferences-search
+    key Escape
+    check "Escape empties it first" {$::vesk::preferences::query eq "" && [winfo exists $w]}
 
     # Presets.
     foreach {name background vertices axis} {
@@ -142,9 +131,9 @@ proc show_field {key} {
         dark     0x555555 0xFF4444 #F07F76
     } {
         ::vesk::preferences::use_preset $name
-        ::test::pause 300
-        ::test::shot preferences-$name
-        ::test::check "preset $name" {
+        settle
+        shot preferences-$name
+        check "preset $name" {
             $::prefs_col_background == $background && $::prefs_col_vert == $vertices
             && [::vesk::theme::colour axis_x] eq $axis
             && $::vesk::preferences::preset eq [dict get $::vesk::palettes::names $name]
@@ -153,55 +142,53 @@ proc show_field {key} {
 
     # Keys: record one, a clash, presets.
     page Keys
-    set list $::vesk::keys::page.list
-    ::test::press_row $list view.rotate
-    ::test::press $::vesk::keys::page.edit.record
-    ::test::key y
-    ::test::check "a pressed key is recorded" {[::vesk::keys::key_of view.rotate] eq "Y"}
-    ::test::press_row $list tool.scale
-    ::test::press $::vesk::keys::page.edit.record
-    ::test::key m
-    ::test::check "a key that another has asks first" {
-        [winfo ismapped $::vesk::keys::page.clash] && [::vesk::keys::key_of view.move] eq "M"
+    set list $::vesk::keyspage::page.list
+    press_row $list view.rotate
+    press $::vesk::keyspage::page.edit.record
+    key y
+    check "a pressed key is recorded" {[::vesk::keys::key_of view.rotate] eq "Y"}
+    press_row $list tool.scale
+    press $::vesk::keyspage::page.edit.record
+    key m
+    check "a key that another has asks first" {
+        [winfo ismapped $::vesk::keyspage::page.clash] && [::vesk::keys::key_of view.move] eq "M"
     }
-    ::test::shot preferences-keys
-    ::test::press $::vesk::keys::page.clash.take
-    ::test::check "and is taken over" {
+    shot preferences-keys
+    press $::vesk::keyspage::page.clash.take
+    check "and is taken over" {
         [::vesk::keys::key_of tool.scale] eq "M" && [::vesk::keys::key_of view.move] eq ""
     }
-    ::test::key Escape
-    ::test::at xy 150 150
-    ::test::key y
-    ::test::check "the new key turns" {$::vesk::draw_mode eq "rotate"}
-    ::test::key m
-    ::test::check "and the other one scales" {$::vesk::tools::current eq "scale"}
-    ::test::key r
-    ::test::check "the old one does nothing any more" {$::vesk::tools::current eq "scale"}
+    key Escape
+    at xy 150 150
+    key y
+    check "the new key turns" {$::vesk::draw_mode eq "rotate"}
+    key m
+    check "and the other one scales" {$::vesk::tools::current eq "scale"}
+    key r
+    check "the old one does nothing any more" {$::vesk::tools::current eq "scale"}
     ::vesk::keys::use grs
     vesk set_select_mode object
     vesk new_cube
     vesk select_all
-    ::test::key g
-    ::test::check "G moves with the keys of the G R S style" {$::vesk::tools::current eq "move"}
-    ::test::key shift+d
-    ::test::check "Shift+D duplicates" {[llength [vesk object_tree]] == 14}
-    ::test::key x
-    ::test::check "X deletes" {[llength [vesk object_tree]] == 7}
-    set edit [dict get $::vesk::menus::paths edit]
-    set rows [::vesk::menus::rows edit]
-    set entry [lsearch -exact $rows [::vesk::menus::find edit duplicate]]
-    ::test::check "the menus show these keys" {
+    key g
+    check "G moves with the keys of the G R S style" {$::vesk::tools::current eq "move"}
+    key shift+d
+    check "Shift+D duplicates" {[llength [vesk object_tree]] == 14}
+    key x
+    check "X deletes" {[llength [vesk object_tree]] == 7}
+    lassign [entry_of edit duplicate] edit entry
+    check "the menus show these keys" {
         [lindex [::vesk::menus::find edit duplicate] 3] eq "Shift+D"
         && [string trim [$edit entrycget $entry -accelerator]] eq "Shift+D"
     }
     ::vesk::keys::use laptop
-    ::test::key ctrl+t
-    ::test::check "Control+T opens the console of the laptop keys" {[winfo ismapped .main.console]}
-    ::test::key ctrl+t
+    key ctrl+t
+    check "Control+T opens the console of the laptop keys" {[winfo ismapped .main.console]}
+    key ctrl+t
     ::vesk::keys::use standard
-    ::test::at xy 150 150
-    ::test::key r
-    ::test::check "the standard keys are back" {
+    at xy 150 150
+    key r
+    check "the standard keys are back" {
         $::vesk::tools::current eq "rotate" && [::vesk::settings::get keys] eq ""
         && [lindex [::vesk::menus::find edit duplicate] 3] eq "Ctrl+D"
     }
@@ -220,7 +207,7 @@ proc show_field {key} {
         }
     }
     ::vesk::keys::use standard
-    ::test::check "presets are sound" {$wrong eq {}}
+    check "presets are sound" {$wrong eq {}}
     if {$wrong ne ""} {puts $wrong}
 
     # Settings survive.
@@ -229,36 +216,32 @@ proc show_field {key} {
     ::vesk::keys::use standard
     ::vesk::settings::read
     ::vesk::keys::restore
-    ::test::check "changed keys are kept" {[::vesk::keys::key_of view.move] eq "Q"}
+    check "changed keys are kept" {[::vesk::keys::key_of view.move] eq "Q"}
     ::vesk::keys::use standard
 
     vesk plugin_load [file join $::VESK_HOME plugins images.p]
-    ::test::key ctrl+comma
+    key ctrl+comma
     page Plug-ins
     set list $::vesk::plugmanager::page.list
     $list selection set [list [lindex [vesk get_plugin_list] 0]]
-    ::test::pause 200
-    set told [$::vesk::plugmanager::page.text get 1.0 end]
-    ::test::check "what a plug-in added is told: texture files" {
-        [string match "*Texture files\n*.png (PNG files)*.tga (Targa files)*" $told]
+    check "what a plug-in added is told: texture files" {
+        [string match "*Texture files\n*.png (PNG files)*.tga (Targa files)*" \
+            [$::vesk::plugmanager::page.text get 1.0 end]]
     }
-    ::test::check "the plug-ins of the home folder are listed" {
-        [llength [$::vesk::plugmanager::page.list children {}]] >= 1
+    check "the plug-ins of the home folder are listed" {
+        [llength [$list children {}]] >= 1
     }
-    ::test::check "the dialog for another begins in the home folder" {
+    check "the dialog for another begins in the home folder" {
         [::vesk::plugins::folder] eq [file join $::VESK_HOME plugins]
     }
     set ::prefs_plugin_dir $::env(VESK_TEST_WORK)
-    ::test::check "or where the preference says" {
-        [::vesk::plugins::folder] eq $::env(VESK_TEST_WORK)
-    }
-    ::test::press $::vesk::plugmanager::page.row.wanted 8
-    ::test::check "one can be left out at the next start" {
+    check "or where the preference says" {[::vesk::plugins::folder] eq $::env(VESK_TEST_WORK)}
+    press $::vesk::plugmanager::page.row.wanted 8
+    check "one can be left out at the next start" {
         [::vesk::settings::get plugins_off] eq
-            [file tail [lindex [$::vesk::plugmanager::page.list children {}] 0]]
+            [file tail [lindex [$list children {}] 0]]
     }
-    ::test::shot preferences-plugins
-    ::test::press $::vesk::plugmanager::page.row.wanted 8
-    ::test::key Escape
-    ::test::check "no script failed" {$::test::errors eq {}}
+    shot preferences-plugins
+    press $::vesk::plugmanager::page.row.wanted 8
+    key Escape
 }

@@ -6,12 +6,8 @@ source [file join [file dirname [info script]] support.tcl]
 source [file join [file dirname [info script]] frontview.tcl]
 
 proc saved {} {
-    set file [file join $::env(VESK_TEST_WORK) replay.vesk]
-    vesk file_save $file
-    set stream [open $file]
-    set text [read $stream]
-    close $stream
-    return $text
+    vesk file_save [work replay.vesk]
+    return [contents [work replay.vesk]]
 }
 
 # commands --
@@ -36,20 +32,14 @@ proc replays {what script} {
     foreach line $lines {uplevel #0 $line}
     set again [saved]
     while {$::undo_count > $records} {vesk undo}
-    ::test::check "$what: [lindex $lines end]" {
+    check "$what: [lindex $lines end]" {
         [llength $lines] > 0 && $before ne $by_mouse && $again eq $by_mouse
     }
 }
 
-::test::run {
-    foreach {name value} {prefs_gridsnap 0 prefs_snap_near 0 prefs_grid 0.1} {set ::$name $value}
-    set ::vesk::console_shown 1
-    ::vesk::console::show
-    ::test::pause 300
-    vesk clear_all
-    vesk reset_views
-    vesk new_cube
-    vesk set_select_mode object
+run {
+    show_console 1
+    fresh
     vesk clear_selection
     replays "select and move" {
         click_at 0.3 0.2
@@ -64,7 +54,7 @@ proc replays {what script} {
         from_to 0.58 0 0.91 0
         begin 0.1 0 0.3 0.1
         key 2 Tab 1 Return
-        finish
+        release
     }
     replays "mode by key, band, vertices" {
         key v

@@ -3,31 +3,35 @@
 
 source [file join [file dirname [info script]] support.tcl]
 
-# Writes a bitmap of four columns: red, green, red, green.
-proc stripes {name} {
-    set row [binary format c* {0 0 220 0 200 0 0 0 220 0 200 0}]
-    set pixels [string repeat $row 4]
-    set stream [open $name wb]
-    puts -nonewline $stream [binary format a2issiiiissiiiiii BM [expr {54 + [string length $pixels]}] \
-        0 0 54 40 4 4 1 24 0 [string length $pixels] 2835 2835 0 0]
-    puts -nonewline $stream $pixels
-    close $stream
-}
-
 proc reds {picture} {
     set found 0
     for {set y 0} {$y < [dict get $picture height]} {incr y 4} {
         for {set x 0} {$x < [dict get $picture width]} {incr x 4} {
-            lassign [::test::pixel $picture $x $y] r g b
+            lassign [pixel $picture $x $y] r g b
             if {$r > 40 && $r > 3 * $g && $r > 3 * $b} {incr found}
         }
     }
     return $found
 }
 
-::test::run {
-    set file [file join $::env(VESK_TEST_WORK) stripes.bmp]
-    stripes $file
+# changes --
+#   How often the colour changes along a row.
+proc changes {picture row} {
+    set count 0
+    set before ""
+    for {set x 0} {$x < [dict get $picture width]} {incr x} {
+        lassign [pixel $picture $x $row] r g b
+        set colour [expr {$r > 2 * $g ? "red" : $g > 2 * $r ? "green" : $before}]
+        if {$colour ne $before} {incr count}
+        set before $colour
+    }
+    return $count
+}
+
+run {
+    # Four columns: red, green, red, green.
+    set row [binary format c* {0 0 220 0 200 0 0 0 220 0 200 0}]
+    set file [write_bmp [work stripes.bmp] 4 4 [string repeat $row 4]]
     vesk create rect 0 -1 -1 0 1 1 0
     vesk select_all
     vesk surface_set_twosided 1
@@ -36,71 +40,58 @@ proc reds {picture} {
     vesk clear_selection
     set ::prefs_filled_orth 1
     vesk redraw_all
-    ::test::pause 400
-    set plain [::test::picture xy]
-    ::test::check "nothing is red at first" {[reds $plain] == 0}
+    settle
+    set plain [picture xy]
+    check "nothing is red at first" {[reds $plain] == 0}
 
     set id [vesk add_new_texture $file]
-    ::test::check "the texture is loaded" {$id == 0}
+    check "the texture is loaded" {$id == 0}
     vesk select_all
     vesk set_texture 0
     vesk clear_selection
-    ::test::pause 300
-    set textured [::test::picture xy]
+    settle
+    set textured [picture xy]
     set all [expr {[dict get $textured width] * [dict get $textured height] / 16}]
-    ::test::check "half of the rectangle is red in the front view" {
+    check "half of the rectangle is red in the front view" {
         [reds $textured] > 0.05 * $all && [reds $textured] < 0.5 * $all
     }
-    ::test::check "and in the 3D view" {[reds [::test::picture xyz]] > 50}
-    ::test::shot textured
+    check "and in the 3D view" {[reds [picture xyz]] > 50}
+    shot textured
     foreach limit {fixed oldest} {
         vesk view_limit_device $limit
-        ::test::check "a device that is $limit shows it, too" {
-            abs([reds [::test::picture xy]] - [reds $textured]) < 0.1 * $all
+        check "a device that is $limit shows it, too" {
+            abs([reds [picture xy]] - [reds $textured]) < 0.1 * $all
         }
     }
     vesk view_limit_device all
 
     set row [expr {[dict get $textured height] / 2}]
-    proc changes {picture row} {
-        set count 0
-        set before ""
-        for {set x 0} {$x < [dict get $picture width]} {incr x} {
-            lassign [::test::pixel $picture $x $row] r g b
-            set colour [expr {$r > 2 * $g ? "red" : $g > 2 * $r ? "green" : $before}]
-            if {$colour ne $before} {incr count}
-            set before $colour
-        }
-        return $count
-    }
     set stripes_once [changes $textured $row]
     vesk select_all
     vesk set_texture_repeats 3 1
     vesk clear_selection
-    set repeated [::test::picture xy]
-    ::test::check "repeats make more stripes" {[changes $repeated $row] >= $stripes_once + 6}
+    check "repeats make more stripes" {[changes [picture xy] $row] >= $stripes_once + 6}
     set ::prefs_orth_textures 0
-    ::test::check "the preference takes them away" {[reds [::test::picture xy]] == 0}
+    check "the preference takes them away" {[reds [picture xy]] == 0}
     set ::prefs_orth_textures 1
 
     vesk select_all
-    ::test::pause 500
     ::vesk::textures::prepare_menu
     set menu .mbar.object.menu.texture
-    ::test::check "the menu shows a preview" {
+    check "the menu shows a preview" {
         [string match vesk_texture_0_* [$menu entrycget end -image]]
     }
-    ::test::check "the Object tab tells texture and repeats" {
+    check "the Object tab tells texture and repeats" {
         [string match " stripes.bmp" [${::vesk::textures::path}.texture cget -text]] &&
         $::vesk::textures::value(repeat,u) == 3
     }
-    ::test::shot textures-panel
+    shot textures-panel
     ::vesk::textures::typed offset u 0.5
-    ::test::check "the tab sets offsets" {[vesk get_texture_repoff] eq "3 1 0.5 0"}
+    check "the tab sets offsets" {[vesk get_texture_repoff] eq "3 1 0.5 0"}
     pack [label .preview -width 80 -height 60 -image [image create photo -width 80 -height 60]]
-    ::test::pause 100
+    settle
     vesk window_draw_texture 0 .preview
-    ::test::check "a texture is drawn in a label" {
+    check "a texture is drawn in a label" {
         [.preview cget -image] eq "vesk_texture_in.preview" && [image height vesk_texture_in.preview] > 20
     }
     destroy .preview
@@ -111,13 +102,13 @@ proc reds {picture} {
         vesk clear_all
         vesk reset_views
         vesk load_background_image $file 2
-        ::test::pause 200
-        set picture [::test::picture xz]
+        settle
+        set picture [picture xz]
         set x [expr {[dict get $picture width] / 2}]
         set y [expr {[dict get $picture height] / 2}]
-        ::test::check "the background image lies in the middle ($way)" {
-            [lindex [::test::pixel $picture [expr {$x - 2}] $y] 0] > 100 ||
-            [lindex [::test::pixel $picture [expr {$x - 2}] [expr {$y - 1}]] 0] > 100
+        check "the background image lies in the middle ($way)" {
+            [lindex [pixel $picture [expr {$x - 2}] $y] 0] > 100 ||
+            [lindex [pixel $picture [expr {$x - 2}] [expr {$y - 1}]] 0] > 100
         }
         vesk keypress 2 Up 9
         vesk clear_background_image 2

@@ -3,30 +3,13 @@
 #   looked at; with VESK_TOUR_PICTURES=FOLDER the tour's pictures are made on the way.
 
 source [file join [file dirname [info script]] support.tcl]
+source [file join [file dirname [info script]] frontview.tcl]
 
-# spot --
-#   A place of a flat view, in pixels, from units. At the start 100 pixels are one unit.
-proc spot {view across up} {
-    set w [::test::widget $view]
-    return [list [expr {round([winfo width $w] / 2 + 100 * $across)}] \
-        [expr {round([winfo height $w] / 2 - 100 * $up)}]]
-}
-proc drag {view x0 y0 x1 y1} {
-    lassign [spot $view $x0 $y0] px py
-    lassign [spot $view $x1 $y1] qx qy
-    ::test::drag $view 1 $px $py [expr {$qx - $px}] [expr {$qy - $py}]
-}
-proc tool {name} {::test::press .main.tools.$name}
-proc field {path text} {
-    ::test::press $path
-    ::test::key ctrl+a
-    ::test::type $text
-    ::test::key Return
-}
-proc picture {name} {
+proc tool {name} {press .main.tools.$name}
+proc page_picture {name} {
     if {![info exists ::env(VESK_TOUR_PICTURES)]} {return}
-    exec xdotool mousemove 5 [expr {[winfo screenheight .] - 1}]
-    ::test::pause 900
+    xdo mousemove 5 [expr {[winfo screenheight .] - 1}]
+    pause 900
     set window [winfo width .]x[winfo height .]+[winfo rootx .]+[winfo rooty .]
     exec import -window root -crop $window +repage -depth 8 -colors 200 \
         PNG8:[file join $::env(VESK_TOUR_PICTURES) tour-$name.png]
@@ -45,10 +28,10 @@ proc row_of {name} {
 proc part {name radius height middle} {
     set tab .main.right.tabs.object
     tool cylinder
-    drag xz -$radius $radius $radius -$radius
-    field $tab.sizey.value $height
-    field $tab.positiony.value $middle
-    field $tab.name $name
+    from_to -$radius $radius $radius -$radius "" xz
+    enter $tab.sizey.value $height
+    enter $tab.positiony.value $middle
+    enter $tab.name $name
 }
 
 # extent --
@@ -56,15 +39,14 @@ proc part {name radius height middle} {
 proc extent {name} {
     vesk clear_selection
     vesk select_by_name $name
-    return [lmap n [concat [vesk get_selection_centre] [vesk get_selection_size]] {
+    return [lmap n [concat [centre] [size]] {
         format %.2f $n
     }]
 }
 
-# look_at_the_saved_file --
 proc look_at_the_saved_file {} {
-    set file [file join $::env(VESK_TEST_WORK) lamp.vesk]
-    ::test::check "the file is there, and nothing is unsaved" {
+    set file [work lamp.vesk]
+    check "the file is there, and nothing is unsaved" {
         [file exists $file] && !$::unsaved_changes
     }
     vesk clear_all
@@ -75,7 +57,7 @@ proc look_at_the_saved_file {} {
         if {$name eq "table lamp"} {set lamp $id}
         if {$parent ne "" && $name in {base stem shade}} {lappend parents $parent}
     }
-    ::test::check "it holds the lamp and its parts" {
+    check "it holds the lamp and its parts" {
         [lsort $names] eq [lsort {{table lamp} base stem shade light}] && [lsort -unique $parents] eq $lamp
     }
     vesk set_select_mode object
@@ -84,93 +66,80 @@ proc look_at_the_saved_file {} {
         stem {0.00 0.70 0.00 0.20 1.20 0.20}
         shade {0.00 1.35 0.00 0.80 0.50 0.80}
     } {
-        ::test::check "$name stands where the tour says" {[extent $name] eq $wanted}
+        check "$name stands where the tour says" {[extent $name] eq $wanted}
     }
-    set stream [open $file]
-    set text [read $stream]
-    close $stream
-    ::test::check "two materials are in use, those that were chosen" {
+    set text [contents $file]
+    check "two materials are in use, those that were chosen" {
         [regexp -all {(?n)^MATERIAL} $text] == 2 &&
         [regexp {rgb 0.627451 0.752941 0.878431.*rgb 1 0.8745 0.6275} $text]
     }
 }
 
-::test::run {
+run {
     vesk reset_views
     # 1. A base.
-    ::test::press .opt.snap.on 8 8
+    press .opt.snap.on 8 8
     tool cylinder
-    ::test::press .opt.tool.f2 8 8
+    press .opt.tool.f2 8 8
     part base 0.5 0.1 0.05
-    picture base
+    page_picture base
     # 2. A stem.
     part stem 0.1 1.2 0.7
     # 3. A shade without ends, narrower at the top.
     tool cylinder
-    ::test::press .opt.tool.f2 8 8
+    press .opt.tool.f2 8 8
     part shade 0.4 0.5 1.35
     tool move
-    ::test::press .opt.modes.vertex
-    ::test::key Escape
-    drag xy -0.6 1.68 0.6 1.5
-    ::test::check "the rubber band takes the ring" {[vesk selection_get_num_vertices] == 12}
+    press .opt.modes.vertex
+    key Escape
+    from_to -0.6 1.68 0.6 1.5 "" xy
+    check "the rubber band takes the ring" {[count vertices] == 12}
     tool scale
-    ::test::press .opt.tool.x.value
-    ::test::key ctrl+a
-    ::test::type 0.5
-    ::test::press .opt.tool.z.value
-    ::test::key ctrl+a
-    ::test::type 0.5
-    ::test::key Return
-    picture narrow
+    press .opt.tool.x.value
+    key ctrl+a
+    type 0.5
+    press .opt.tool.z.value
+    key ctrl+a
+    type 0.5
+    key Return
+    page_picture narrow
     # 4. Materials: a new one for the shade, one of the palette for the rest.
-    ::test::press .opt.modes.object
-    ::test::press_row $::vesk::hier::tree [row_of shade]
-    ::test::key F3
-    ::test::type two-sided
-    ::test::key Return
+    press .opt.modes.object
+    press_row $::vesk::objects::tree [row_of shade]
+    search two-sided Two-sided
     set tab .main.right.tabs.material
-    .main.right.tabs select $tab
-    ::test::pause 300
-    ::test::press $tab.top.icons.add
-    field $tab.rows.ediffuse "#FFDFA0"
-    field $tab.rows.eemissive "#806030"
-    ::test::press $tab.top.apply
-    picture material
-    ::test::press_row $::vesk::hier::tree [row_of base]
-    exec xdotool keydown ctrl
-    ::test::press_row $::vesk::hier::tree [row_of stem]
-    exec xdotool keyup ctrl
-    ::test::check "a click with Control adds" {[llength [vesk get_selected_objects]] == 2}
-    .main.right.tabs select .main.right.tabs.palette
-    ::test::pause 300
-    lassign [.main.right.tabs.palette.grid coords e8] x y x1
-    ::test::check "the colours can be hit" {$x1 - $x > 20}
-    ::test::press .main.right.tabs.palette.grid [expr {int($x) + 8}] [expr {int($y) + 8}]
+    open_tab material
+    press $tab.top.icons.add
+    enter $tab.rows.ediffuse "#FFDFA0"
+    enter $tab.rows.eemissive "#806030"
+    press $tab.top.apply
+    page_picture material
+    press_row $::vesk::objects::tree [row_of base]
+    with_key ctrl {press_row $::vesk::objects::tree [row_of stem]}
+    check "a click with Control adds" {[llength [vesk get_selected_objects]] == 2}
+    open_tab palette
+    set grid .main.right.tabs.palette.grid
+    lassign [$grid coords e8] x y x1
+    check "the colours can be hit" {$x1 - $x > 20}
+    press $grid [expr {int($x) + 8}] [expr {int($y) + 8}]
     # 5. A light, and everything in one group.
-    ::test::press .opt.modes.tree
+    press .opt.modes.tree
     tool light
-    ::test::click xy 1 {*}[spot xy 0 1.3]
+    click xy 1 {*}[spot 0 1.3]
     tool move
-    ::test::at xy {*}[spot xy 1.5 -1]
-    ::test::key ctrl+a
-    ::test::key ctrl+g
-    .main.right.tabs select .main.right.tabs.object
-    ::test::pause 300
-    field .main.right.tabs.object.name "table lamp"
+    at xy {*}[spot 1.5 -1]
+    key ctrl+a
+    key ctrl+g
+    open_tab object
+    enter .main.right.tabs.object.name "table lamp"
     # 6. Look at it, and save.
-    ::test::at xy {*}[spot xy 1.5 -1]
-    ::test::key shift+f
-    ::test::drag xyz 1 40 200 60 30
-    ::test::key Escape
-    picture done
-    ::test::at xy {*}[spot xy 1.5 -1]
-    after 800 {
-        exec xdotool key ctrl+a
-        exec xdotool type --delay 12 [file join $::env(VESK_TEST_WORK) lamp.vesk]
-        exec xdotool key Return
-    }
-    ::test::key ctrl+s
-    ::test::pause 500
+    at xy {*}[spot 1.5 -1]
+    key shift+f
+    drag xyz 1 40 200 60 30
+    key Escape
+    page_picture done
+    at xy {*}[spot 1.5 -1]
+    answer_file [work lamp.vesk]
+    key ctrl+s
     look_at_the_saved_file
 }

@@ -1,7 +1,6 @@
 // What is done with the mouse is echoed as commands that do the same: the drag with events, the
 // lines again on the model before it, and both models saved and compared.
 
-#include "base/current_file.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "fileio/vesk_writer.h"

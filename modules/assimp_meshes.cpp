@@ -1,0 +1,130 @@
+#include "modules/assimp_meshes.h"
+
+#include <cmath>
+
+void mesh_builder::add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided,
+                       bool fans)
+{
+    known_.reserve(known_.size() + mesh.mNumVertices);
+    std::vector<int> places;
+    places.reserve(mesh.mNumVertices);
+    for (unsigned i = 0; i < mesh.mNumVertices; ++i)
+        places.push_back(place_of(frame * mesh.mVertices[i]));
+    for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
+        const aiFace &face = mesh.mFaces[i];
+        outline_.assign(face.mIndices, face.mIndices + face.mNumIndices);
+        while (fans && i + 1 < mesh.mNumFaces && goes_on(mesh.mFaces[i + 1]))
+            outline_.push_back(mesh.mFaces[++i].mIndices[2]);
+        add_face(mesh, places, material, twosided);
+    }
+    end_line();
+}
+
+// Readers part vertices that differ in anything; here only the place counts.
+int mesh_builder::place_of(const aiVector3D &p)
+{
+    std::array<float, 3> key = {p.x, p.y, p.z};
+    for (float &value : key) {
+        bad_points += std::isfinite(value) ? 0 : 1;
+        value = std::isfinite(value) ? value + 0.0f : 0.0f;
+    }
+    const auto found = known_.emplace(key, static_cast<int>(node.points.size() / 3));
+    if (found.second)
+        node.points.insert(node.points.end(), key.begin(), key.end());
+    return found.first->second;
+}
+
+void mesh_builder::add_corner(const aiMesh &mesh, unsigned index, int place)
+{
+    const bool has_uv = mesh.HasTextureCoords(0);
+    const aiVector3D uv = has_uv ? mesh.mTextureCoords[0][index] : aiVector3D();
+    node.corners.push_back(place);
+    node.uv.push_back(std::isfinite(uv.x) ? uv.x : 0);
+    node.uv.push_back(std::isfinite(uv.y) ? uv.y : 0);
+}
+
+void mesh_builder::end_surface(int material, int flags)
+{
+    node.offsets.push_back(static_cast<int>(node.corners.size()));
+    node.materials.push_back(material);
+    node.flags.push_back(flags);
+}
+
+// Whether the next triangle belongs to the outline's fan.
+bool mesh_builder::goes_on(const aiFace &next) const
+{
+    return outline_.size() > 2 && next.mNumIndices == 3 && next.mIndices[0] == outline_.front() &&
+           next.mIndices[1] == outline_.back();
+}
+
+void mesh_builder::add_face(const aiMesh &mesh, const std::vector<int> &places, int material,
+                            bool twosided)
+{
+    for (const unsigned index : outline_)
+        if (index >= mesh.mNumVertices)
+            return;
+    if (outline_.size() == 2) {
+        add_segment(mesh, places, material);
+        return;
+    }
+    end_line();
+    if (outline_.size() < 3)
+        return;
+    for (const unsigned index : outline_)
+        add_corner(mesh, index, places[index]);
+    end_surface(material, (twosided ? PLAIN_TWOSIDED : 0) | (is_smooth(mesh) ? PLAIN_SMOOTH : 0));
+}
+
+// Segments that go on where the last one ended are one line.
+void mesh_builder::add_segment(const aiMesh &mesh, const std::vector<int> &places, int material)
+{
+    const int from = places[outline_[0]];
+    const int to = places[outline_[1]];
+    if (!line_open_ || node.corners.back() != from || line_material_ != material) {
+        end_line();
+        line_open_ = true;
+        line_material_ = material;
+        add_corner(mesh, outline_[0], from);
+    }
+    add_corner(mesh, outline_[1], to);
+}
+
+void mesh_builder::end_line()
+{
+    if (!line_open_)
+        return;
+    line_open_ = false;
+    const auto first = static_cast<std::size_t>(node.offsets.back());
+    const bool closed =
+        node.corners.size() - first > 3 && node.corners[first] == node.corners.back();
+    if (closed) {
+        node.corners.pop_back();
+        node.uv.resize(node.uv.size() - 2);
+    }
+    end_surface(line_material_, PLAIN_TWOSIDED | (closed ? PLAIN_CLOSED_LINE : PLAIN_LINE));
+}
+
+// A face with a corner whose normal is not the face's.
+bool mesh_builder::is_smooth(const aiMesh &mesh) const
+{
+    if (!mesh.HasNormals())
+        return false;
+    aiVector3D sum; // Newell's
+    for (std::size_t k = 0; k < outline_.size(); ++k) {
+        const aiVector3D &p = mesh.mVertices[outline_[k]];
+        const aiVector3D &q = mesh.mVertices[outline_[(k + 1) % outline_.size()]];
+        sum += aiVector3D((p.y - q.y) * (p.z + q.z), (p.z - q.z) * (p.x + q.x),
+                          (p.x - q.x) * (p.y + q.y));
+    }
+    const float length = sum.Length();
+    if (!(length > 0))
+        return false;
+    for (const unsigned index : outline_) {
+        const aiVector3D &normal = mesh.mNormals[index];
+        const float size = normal.Length();
+        // Some files' normals all look the other way; a degree and a half is rounding.
+        if (size > 0 && std::fabs(normal * sum) < 0.9997f * size * length)
+            return true;
+    }
+    return false;
+}

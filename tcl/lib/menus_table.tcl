@@ -1,0 +1,260 @@
+# menus_table.tcl --
+#   The menus that edit, as data (menus_table_view.tcl holds the others): the menu bar, the context
+#   menus, the key table and the command search are all built from this table. A menu is {name
+#   underlined-label {row ...}}; a row is
+#     {kind label target key needs help}
+#   kind    run     target: words after "vesk"
+#           ask     target: command, then its fields (see options.tcl): an options box
+#           call    target: a procedure of these scripts and its arguments
+#           check   target: variable, then the words to call after a change
+#           radio   target: variable, value, then the words to call
+#           menu    target: name of another menu of this table
+#           line    a separator
+#           show    target: one command and a title: shows its answer
+#   "&" stands before the underlined letter.
+#   key     shown at the right; those with a modifier and function keys are bound in the window,
+#           single letters belong to the views and the objects panel
+#   needs   condition of the row: "" none, some a selection, object, surface, vertex a selection in
+#           that mode, several objects, a group, undo, redo, hidden, locked, model a model
+
+namespace eval ::vesk::menus {
+    # Menus of the bar, in order.
+    variable bar {file edit select create object surface vertex view texture tools plugins window
+        help}
+    variable table {}
+}
+
+# define --
+#   Adds one menu to the table.
+proc ::vesk::menus::define {name label rows} {
+    variable table
+    dict set table $name [list $label $rows]
+}
+
+::vesk::menus::define file "&File" {
+    {call "&New" {::vesk::files::new} Ctrl+N "" "Empties the scene."}
+    {call "&Open..." {::vesk::files::open_ask} Ctrl+O "" "Replaces the scene by a file's."}
+    {menu "Open &recent" recent "" "" "Files opened or saved lately."}
+    {call "&Import..." {::vesk::files::import_ask} Ctrl+I "" "Adds a file to the scene."}
+    {call "I&mport report..." {::vesk::importreport::show} "" "" "What the last import complained about."}
+    {line}
+    {call "&Save" {::vesk::files::save} Ctrl+S "" "Writes the scene to its file."}
+    {call "Save &as..." {::vesk::files::save_as} Ctrl+Shift+S "" "Writes the scene to another file."}
+    {ask "Save se&lection..." {save_selection_vesk {File save_file {}}} "" some
+        "Writes what is selected to a file of its own."}
+    {menu "&Export" export "" "" "Writes the scene in other formats."}
+    {line}
+    {run "Copy &3D view" {copy_3d_win_to_clipboard} "" "" "Puts a picture of the 3D view on the clipboard."}
+    {run "Save se&ttings" {save_settings} "" "" "Writes the preferences now."}
+    {line}
+    {call "&Quit" {::vesk::files::quit} Ctrl+Q "" "Ends the program."}
+}
+::vesk::menus::define export "Export" {
+    {ask "VRML &2.0..." {write_vrml2 {File save_file .wrl}} "" model "Writes a VRML 2.0 world."}
+    {ask "VRML 2.0 &prototypes..." {write_vrml2_proto {File save_file .wrl}} "" model
+        "Writes each object as a VRML 2.0 prototype."}
+    {ask "VRML &1.0..." {write_vrml {File save_file .wrl}} "" model "Writes a VRML 1.0 world."}
+    {ask "&Inventor..." {write_inventor {File save_file .iv}} "" model "Writes an Inventor scene."}
+    {ask "P&OV..." {write_POV {File save_file .pov}} "" model "Writes a scene for the POV renderer."}
+    {ask "&RIB..." {write_rib {File save_file .rib}} "" model "Writes a RIB archive."}
+    {ask "&Dive..." {write_dive {File save_file .vr}} "" model "Writes a Dive world."}
+    {ask "d&VS..." {write_dvs {File save_file .vdi}} "" model "Writes dVS geometry."}
+    {ask "&MASSIVE..." {write_massive {File save_file .geo}} "" model "Writes MASSIVE geometry."}
+    {ask "&Triangles..." {write_tri {File save_file .tri}} "" model "Writes a list of triangles."}
+    {ask "O&lder VESK..." {write_vesk_old {File save_file .vesk}} "" model
+        "Writes a model file that older versions read."}
+}
+::vesk::menus::define edit "&Edit" {
+    {run "&Undo" {step_back} Ctrl+Z undo "Takes the last change back."}
+    {run "&Redo" {redo} Ctrl+Shift+Z redo "Makes the change again that was taken back."}
+    {call "&History..." {::vesk::history::open} Ctrl+H "" "Lists the changes; a click goes back or forth."}
+    {run "Repeat the la&st" {repeat_last} Ctrl+R "" "Does the last operation again."}
+    {call "Ad&just the last..." {::vesk::options::again} Ctrl+Shift+R "" "The options of the last operation once more."}
+    {line}
+    {run "Cu&t" {clipboard_cut} Ctrl+X some "Copies the selection and deletes it."}
+    {run "&Copy" {clipboard_copy} Ctrl+C some "Copies the selection to the clipboard."}
+    {run "&Paste" {clipboard_paste} Ctrl+V "" "Adds what the clipboard holds."}
+    {run "&Duplicate" {duplicate} Ctrl+D some "Copies the selection beside itself."}
+    {run "C&lone" {clone_selection} "" some "Copies the selection in place."}
+    {run "D&elete" {delete} Del some "Deletes the selection."}
+    {line}
+    {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
+    {line}
+    {call "Pre&ferences..." {::vesk::preferences::open} Ctrl+, "" "Every setting, the keys and the plug-ins."}
+}
+::vesk::menus::define transform "Transform" {
+    {ask "&Move..." {move_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
+        "Moves the selection by a distance."}
+    {ask "Move &to..." {move_to {X number 0} {Y number 0} {Z number 0}} "" some
+        "Moves the middle of the selection to a point."}
+    {ask "&Scale..." {scale {X number 1} {Y number 1} {Z number 1}} "" some "Multiplies the size of the selection."}
+    {ask "Si&ze to..." {size_to {X number 1} {Y number 1} {Z number 1}} "" some
+        "Gives the selection a size; an axis of no extent stays."}
+    {ask "&Rotate..." {rotate_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
+        "Turns the selection about its middle, in degrees."}
+    {ask "Rotate a&bout a point..." {rotate_about_with_undo {"Turn X" number 0} {"Turn Y" number 0}
+        {"Turn Z" number 0} {"Point X" number 0} {"Point Y" number 0} {"Point Z" number 0}} "" some
+        "Turns the selection about a point, in degrees."}
+    {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
+        {Degrees number 90}} "" some "Turns the selection about one axis."}
+    {menu "M&irror" mirror "" "" "Mirrors the selection at its middle."}
+}
+::vesk::menus::define mirror "Mirror" {
+    {run "Along &X" {mirror_with_undo 0} "" some "Mirrors the selection along X."}
+    {run "Along &Y" {mirror_with_undo 1} "" some "Mirrors the selection along Y."}
+    {run "Along &Z" {mirror_with_undo 2} "" some "Mirrors the selection along Z."}
+}
+::vesk::menus::define select "&Select" {
+    {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}
+    {radio "&Object" {::vesk::select_mode object set_select_mode object} O "" "Selects single objects."}
+    {radio "&Surface" {::vesk::select_mode surface set_select_mode surface} S "" "Selects surfaces."}
+    {radio "&Vertex" {::vesk::select_mode vertex set_select_mode vertex} V "" "Selects vertices."}
+    {radio "&Light" {::vesk::select_mode light set_select_mode light} "" "" "Selects lights."}
+    {line}
+    {run "&All" {select_all} Ctrl+A model "Selects everything of the current mode."}
+    {run "&None" {clear_selection} Ctrl+Shift+A "" "Selects nothing."}
+    {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
+    {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
+        "Takes the objects of a name out of the selection."}
+    {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
+        "Selects every surface that has a selected vertex."}
+}
+::vesk::menus::define create "&Create" {
+    {call "&Polygon" {::vesk::tools::choose polygon} "" "" "Draws a polygon corner by corner."}
+    {call "Poly&line" {::vesk::tools::choose polyline} "" "" "Draws a line of many points."}
+    {call "L&ine" {::vesk::tools::choose line} "" "" "Draws lines of two points."}
+    {call "&Circle" {::vesk::tools::choose circle} "" "" "Draws a circle or ellipse."}
+    {call "&Disk" {::vesk::tools::choose disk} "" "" "Draws a disk of triangles."}
+    {call "&Rectangle" {::vesk::tools::choose rect} "" "" "Draws a rectangle."}
+    {call "&Grid" {::vesk::tools::choose grid} "" "" "Draws a grid of lines."}
+    {call "&Mesh" {::vesk::tools::choose mesh} "" "" "Draws a mesh of surfaces."}
+    {line}
+    {call "&Box" {::vesk::tools::choose box} "" "" "Draws a box."}
+    {call "C&ylinder" {::vesk::tools::choose cylinder} "" "" "Draws a cylinder."}
+    {call "&Sphere" {::vesk::tools::choose sphere} "" "" "Draws a sphere."}
+    {run "Cub&e" {new_cube} "" "" "Adds a regular cube at the origin."}
+    {menu "&At the origin" atorigin "" "" "Adds a shape of unit size."}
+    {call "Lig&ht" {::vesk::tools::choose light} "" "" "Sets a light."}
+    {ask "&Text..." {create_text {Text text {}}} "" "" "Adds a text made of surfaces."}
+    {line}
+    {ask "Re&volve..." {revolve {Axis choice {X 0 Y 1 Z 2}} {Degrees pref revolve_degs int}
+        {Segments pref revolve_segments int}} "" object "Sweeps the selection around an axis."}
+    {menu "Surface &from vertices" fromvertices "" "" "Joins the selected vertices."}
+    {run "&Object from surfaces" {surface_create_object} "" surface
+        "Copies the selected surfaces into an object of their own."}
+}
+::vesk::menus::define atorigin "At the origin" {
+    {run "&Circle" {create circle 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a circle."}
+    {run "&Disk" {create disk 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a disk."}
+    {run "&Rectangle" {create rect 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a rectangle."}
+    {run "&Grid" {create grid 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a grid of lines."}
+    {run "&Mesh" {create mesh 0 -0.5 -0.5 0 0.5 0.5 0} "" "" "Adds a mesh of surfaces."}
+    {run "&Box" {create box 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a box."}
+    {run "C&ylinder" {create cylinder 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a cylinder."}
+    {run "C&one" {create cone 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a cone."}
+    {run "&Sphere" {create sphere 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds a sphere."}
+    {run "&Icosahedron" {create ico 2 -0.5 -0.5 -0.5 0.5 0.5 0.5} "" "" "Adds an icosahedron."}
+}
+::vesk::menus::define fromvertices "Surface from vertices" {
+    {run "&Polygon" {createsurface 0} "" vertex "Joins the selected vertices to a polygon."}
+    {run "&Closed line" {createsurface 1} "" vertex "Joins the selected vertices to a closed line."}
+    {run "&Line" {createsurface 2} "" vertex "Joins the selected vertices to a line."}
+}
+::vesk::menus::define object "&Object" {
+    {run "&Group" {group} Ctrl+G object "Puts the selected objects into a new group."}
+    {run "&Ungroup" {ungroup} Ctrl+Shift+G group "Dissolves the selected groups."}
+    {line}
+    {run "&Hide" {hide_selected} H some "Hides the selected objects."}
+    {run "Hide &others" {hide_unselected} "" some "Hides everything that is not selected."}
+    {run "&Show all" {unhide} "" hidden "Shows everything again."}
+    {run "&Lock" {lock_selected} "" some "Keeps the selected objects from being picked."}
+    {run "Loc&k others" {lock_unselected} "" some "Locks everything that is not selected."}
+    {run "U&nlock all" {unlock} "" locked "Unlocks everything."}
+    {line}
+    {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
+    {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
+    {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
+    {run "&Explode" {object_explode} "" object "Makes an object of every surface."}
+    {call "To the front of the l&ist" {::vesk::objects::to_head} "" object
+        "Moves the object before its brothers."}
+    {menu "&Texture" texture_list "" "" "The picture on the selected objects."}
+    {line}
+    {run "Con&vex hull" {convexhull} "" some "Encloses the selected vertices."}
+    {run "&Delaunay" {delaunay} "" some "Triangulates the selected vertices."}
+    {ask "Su&bdivide..." {surface_loop_subdivision {Smoothing setting loop_smoothing number}} ""
+        object "Divides and smooths the selected objects."}
+    {ask "&Reduce..." {reduce {"Percent to lose" setting reduce_percent int}
+        {"Keep the original" pref reduce_keep_original bool}} "" object
+        "Takes vertices away and keeps the shape."}
+    {run "O&ptimise" {optimize} "" object "Welds vertices that lie at the same place."}
+    {run "Optimise surf&aces" {optimize_surfaces} "" object
+        "Deletes double and empty surfaces and objects."}
+    {run "Snap together b&y vertices" {object_snap_together_by_vertices} "" vertex
+        "Moves objects so that two chosen vertices meet."}
+}
+::vesk::menus::define centre "Centre of object" {
+    {run "To the &middle" {object_recentre} "" object "The middle of the object's box."}
+    {run "To the lowest &corner" {object_mincentre} "" object "The lowest corner of the object's box."}
+}
+# The executable and plug-ins add the loaded textures below these.
+::vesk::menus::define texture_list "Texture" {
+    {run "&None" {set_no_texture} "" some "Takes the texture off."}
+    {run "&Choose..." {file_select_texture} "" some "Puts a picture on the selected objects."}
+}
+::vesk::menus::define surface "S&urface" {
+    {ask "&Extrude..." {extrude {X number 0} {Y number 0} {Z number 0.5}
+        {Steps pref extrude_num int} {"Close the end" pref extrude_cap_end bool}
+        {"Delete the original" pref extrude_delete_original bool}
+        {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
+        "Sweeps the selected surfaces along a vector."}
+    {run "&Define extrude path" {define_extrude_path} "" object "Takes the selection as the path."}
+    {run "Extrude along &path" {extrude_along_path} "" surface
+        "Carries the selected surfaces along the path."}
+    {line}
+    {ask "&Hole..." {surface_make_hole {Percent pref hole_percent int}} "" some
+        "Cuts a hole into each selected surface."}
+    {ask "&Bevel..." {surface_bevel {Size pref bevel_size number}} "" some
+        "Bevels the edges of the selected surfaces."}
+    {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
+        "Raises a spike on each selected surface."}
+    {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
+    {run "Subdivide, r&ounded" {surface_doosabin} "" object
+        "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
+    {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
+        "Makes smooth curves of the selected lines."}
+    {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
+    {line}
+    {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
+    {run "Change &vertex order" {surface_change_vertex_order} "" some
+        "Starts each selected surface at its next vertex."}
+    {menu "Shadin&g" shading "" "" "How the surfaces are lit."}
+    {menu "T&ype" surfacetype "" "" "What the surfaces are drawn as."}
+    {call "Set &colour" {::vesk::palette::apply_current} "" some
+        "Gives the selection the current material."}
+    {run "Recalculate &normals" {recalc_normals_all} "" model "Computes every normal anew."}
+    {line}
+    {run "&Remove" {removesurface} "" some "Deletes the selected surfaces and keeps their vertices."}
+}
+::vesk::menus::define shading "Shading" {
+    {run "&Smooth" {surface_set_shaded 1} "" some "Lights the surfaces as one curve."}
+    {run "&Flat" {surface_set_shaded 0} "" some "Lights each surface as a plane."}
+    {line}
+    {run "&Two-sided" {surface_set_twosided 1} "" some "Shows both sides of the surfaces."}
+    {run "&One-sided" {surface_set_twosided 0} "" some "Shows the front of the surfaces only."}
+}
+::vesk::menus::define surfacetype "Type" {
+    {run "&Polygon" {set_surface_type 0} "" some "Filled polygons."}
+    {run "&Closed line" {set_surface_type 1} "" some "Closed lines."}
+    {run "&Line" {set_surface_type 2} "" some "Open lines."}
+}
+::vesk::menus::define vertex "&Vertex" {
+    {run "&Insert" {insert_vertex} "" some "Divides the selected edges."}
+    {call "Insert where &clicked" {::vesk::tools::choose insert} "" ""
+        "A vertex where an edge is clicked in a view."}
+    {line}
+    {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
+    {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
+    {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
+        "" vertex "Joins the selected vertices that lie close together."}
+    {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
+}

@@ -1,0 +1,123 @@
+# ops.tcl --
+#   Calls of the executable, in one place that echoes them to the console, shows refusals in the
+#   status line and keeps the panels in step with the model.
+
+namespace eval ::vesk::ops {
+    variable pending 0          ;# a refresh waits for the idle loop
+    variable last {}            ;# model_state at the last refresh
+    variable listeners {}       ;# aspect -> scripts
+    variable due {}             ;# scripts that the next refresh runs whatever changed
+}
+
+# run --
+#   Calls an executable command, echoes it to the console and shows a refusal in the status line.
+#   Returns the command's result.
+proc ::vesk::ops::run {args} {
+    echo vesk {*}$args
+    set result [vesk {*}$args]
+    if {$result eq "command not found"
+            || [string match "incorrect number of args for *" $result]} {
+        ::vesk::console::say $result error
+        display_message [lindex [split $result \n] 0]
+    }
+    request
+    return $result
+}
+
+# echo --
+#   Writes the line that repeats an action to the console.
+proc ::vesk::ops::echo {args} {
+    ::vesk::console::say [list {*}$args] command
+}
+
+# ---- keeping the interface in step ----
+
+# listen --
+#   Has `script` (a list of words) run after a change of an aspect: model, tree, selection or
+#   palette; any means every refresh.
+proc ::vesk::ops::listen {aspect script} {
+    variable listeners
+    dict lappend listeners $aspect $script
+}
+
+# request --
+#   Asks for one refresh in the idle loop, however often it is called.
+proc ::vesk::ops::request {} {
+    variable pending
+    if {!$pending} {
+        set pending 1
+        after idle ::vesk::ops::refresh
+    }
+}
+
+# soon --
+#   Has `script` (a list of words) run by the next refresh in any case.
+proc ::vesk::ops::soon {script} {
+    variable due
+    lappend due $script
+    request
+}
+
+# refresh --
+#   Compares the stamps of the model with the last ones and runs the scripts of the changed aspects:
+#   each once, also when several of its aspects changed.
+proc ::vesk::ops::refresh {} {
+    variable pending 0
+    variable last
+    variable listeners
+    variable due
+    set state [vesk model_state]
+    if {[llength $state] != 4} {return}
+    set changed {any}
+    foreach aspect {model tree selection palette} new $state old $last {
+        if {$new ne $old} {lappend changed $aspect}
+    }
+    set last $state
+    set scripts $due
+    set due {}
+    foreach aspect {palette tree selection model any} {
+        if {$aspect in $changed && [dict exists $listeners $aspect]} {
+            lappend scripts {*}[dict get $listeners $aspect]
+        }
+    }
+    set done {}
+    foreach script $scripts {
+        if {[dict exists $done $script]} {continue}
+        dict set done $script 1
+        {*}$script
+    }
+}
+
+# change_count --
+#   A number for the content of the model; undo and a cancelled drag bring the old one back.
+proc ::vesk::ops::change_count {} {
+    return [vesk change_count]
+}
+
+# failed --
+#   Shows an error of the interface's scripts in the status line, and its stack in the console.
+proc ::vesk::ops::failed {message options} {
+    set stack [dict get $options -errorinfo]
+    puts stderr $stack
+    catch {
+        ::vesk::console::say $stack error
+        display_message "script error: [lindex [split $message \n] 0]"
+    }
+}
+interp bgerror {} ::vesk::ops::failed
+
+# render --
+#   Tools > Render: the one preference whose text is a script.
+proc ::vesk::ops::render {} {
+    echo uplevel #0 $::prefs_render_command
+    if {[catch {uplevel #0 $::prefs_render_command} message]} {
+        ::vesk::console::say $message error
+        display_message "render: [lindex [split $message \n] 0] (preference render_command)"
+    }
+}
+
+proc sync_ui {} {::vesk::ops::request}
+
+# The executable reports actions of the mouse in the views.
+proc echo_command {args} {::vesk::ops::echo vesk {*}$args}
+proc echo_note {text} {::vesk::console::say "# $text" note}

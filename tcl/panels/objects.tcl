@@ -1,0 +1,473 @@
+# objects.tcl --
+#   The objects panel: the tree of objects with name, number of surfaces, eye and lock; filter;
+#   selection in step with the views both ways; rename in place.
+
+namespace eval ::vesk::objects {
+    variable path ""
+    variable tree ""
+    variable strip ""           ;# the canvas with the two icons
+    variable rows {}            ;# id -> {parent type name surfaces visible locked}
+    variable flat {}            ;# the last answer of "object_tree"
+    variable filter ""
+    variable syncing 0          ;# the tree's selection is being set by us
+    variable chosen {}          ;# ids selected in the model
+    variable open {}            ;# id -> 1 or 0, of rows with others below them
+    variable filtered 0         ;# only the rows that match the filter are there
+    variable surfaces 0         ;# of all objects, as the list shows them
+    variable strip_pending 0
+    variable drag ""            ;# {row x y started target} while rows may be dragged
+    variable marked {}          ;# rows with the icon for selected ones
+    variable icons {group o-group poly o-poly light o-light cube u-box sphere u-sphere
+        world o-world}
+}
+
+proc ::vesk::objects::build {panel} {
+    variable path $panel
+    variable tree $panel.tree
+    variable strip $panel.strip
+    ttk::frame $panel -style Chrome.TFrame
+    set head $panel.head
+    ttk::frame $head -padding [::vesk::theme::pad 12 5 8 5]
+    ttk::label $head.title -text Objects -style Bold.TLabel
+    ttk::label $head.count -style Dim.TLabel
+    ::vesk::fields::filter_field $head.filter filter Filter ::vesk::objects::filter $tree 16 2
+    trace add variable ::vesk::objects::filter write ::vesk::objects::filter_changed
+    pack $head.title $head.count -side left
+    pack configure $head.count -padx [::vesk::theme::pad 10 0]
+    pack $head.filter -side right
+    ttk::treeview $tree -columns {surfaces} -show tree -selectmode extended \
+        -yscrollcommand ::vesk::objects::scrolled
+    $tree column #0 -stretch 1 -width [::vesk::theme::px 170] -minwidth [::vesk::theme::px 60]
+    $tree column surfaces -stretch 0 -anchor e -width [::vesk::theme::px 58]
+    ::vesk::theme::on [canvas $strip -width [::vesk::theme::px 52] -height 10] field
+    ttk::scrollbar $panel.bar -style Field.Vertical.TScrollbar -command [list $tree yview]
+    ttk::frame $panel.ground -style Field.TFrame
+    grid $head - - -sticky we
+    grid $tree $strip $panel.bar -sticky nswe
+    grid columnconfigure $panel 0 -weight 1
+    grid columnconfigure $panel 2 -minsize [::vesk::theme::px 10]
+    grid rowconfigure $panel 1 -weight 1
+    place $panel.ground -in $panel -relx 1 -x -[::vesk::theme::px 10] -y 0 \
+        -width [::vesk::theme::px 10] -relheight 1
+    lower $panel.ground
+    bind_tree
+    ttk::label $panel.empty -style Field.Dim.TLabel -justify center
+    show_empty
+    ::vesk::ops::listen tree ::vesk::objects::refresh
+    ::vesk::ops::listen model ::vesk::objects::follow_counts
+    ::vesk::ops::listen selection ::vesk::objects::show_selection
+    ::vesk::theme::follow ::vesk::objects::strip_later
+    return $panel
+}
+
+proc ::vesk::objects::filter_changed {args} {
+    after cancel ::vesk::objects::fill
+    after 120 ::vesk::objects::fill
+}
+
+proc ::vesk::objects::bind_tree {} {
+    variable tree
+    variable strip
+    bind $tree <<TreeviewSelect>> ::vesk::objects::selected
+    bind $tree <<TreeviewOpen>> ::vesk::objects::strip_later
+    bind $tree <<TreeviewClose>> ::vesk::objects::strip_later
+    bind $tree <Configure> ::vesk::objects::strip_later
+    ::vesk::fields::on_keys $tree {
+        F2 ::vesk::objects::rename
+        Delete {::vesk::ops::run delete}
+        Key-h {::vesk::objects::run hide_selected}
+        Key-H {::vesk::objects::run hide_selected}
+        Key-l {::vesk::objects::run lock_selected}
+        Key-L {::vesk::objects::run lock_selected}
+        Escape ::vesk::objects::escape
+        Key-Menu ::vesk::objects::context_key
+        Shift-Key-F10 ::vesk::objects::context_key
+        Control-Key-a {::vesk::ops::run select_all}
+    }
+    bind $tree <Double-Button-1> {::vesk::objects::double %x %y; break}
+    bind $tree <Button-3> {::vesk::objects::context %x %y %X %Y}
+    bind $tree <Button-1> {+::vesk::objects::drag_press %x %y}
+    # A press that adds to the selection must not become a drag: its release would choose one row.
+    bind $tree <Control-Button-1> {set ::vesk::objects::drag ""}
+    bind $tree <Shift-Button-1> {set ::vesk::objects::drag ""}
+    bind $tree <B1-Motion> {::vesk::objects::drag_motion %x %y}
+    bind $tree <ButtonRelease-1> {::vesk::objects::drag_release}
+    bind $tree <FocusIn> {::vesk::objects::show_focus 1}
+    bind $tree <FocusOut> {::vesk::objects::show_focus 0}
+    bind $strip <Button-1> {::vesk::objects::strip_click %x %y}
+    foreach w [list $strip $tree] {
+        bind $w <Button-4> [list ::vesk::objects::scroll -3]
+        bind $w <Button-5> [list ::vesk::objects::scroll 3]
+    }
+}
+
+# show_focus --
+#   Keyboard focus shows as a frame of 2 pixels around the list.
+proc ::vesk::objects::show_focus {on} {
+    variable path
+    variable tree
+    destroy $path.f1 $path.f2 $path.f3 $path.f4
+    if {!$on} {return}
+    set width [::vesk::theme::px 2]
+    foreach {name options} [list \
+            f1 [list -relx 0 -rely 0 -relwidth 1 -height $width] \
+            f2 [list -relx 0 -rely 1 -relwidth 1 -height $width -anchor sw] \
+            f3 [list -relx 0 -rely 0 -relheight 1 -width $width] \
+            f4 [list -relx 1 -rely 0 -relheight 1 -width $width -anchor ne]] {
+        ::vesk::theme::on [frame $path.$name] ring
+        place $path.$name -in $path.tree {*}$options
+        raise $path.$name
+    }
+    # The right edge belongs to the strip of icons.
+    place $path.f4 -in $path.strip
+    place $path.f1 -relwidth 1 -width [winfo width $path.strip]
+    place $path.f2 -relwidth 1 -width [winfo width $path.strip]
+}
+
+# ---- filling ----
+
+# refresh --
+#   Takes over a changed tree, names or flags. While the same objects stand in the same order only
+#   the rows that differ are touched.
+proc ::vesk::objects::refresh {} {
+    variable flat
+    variable rows
+    variable tree
+    set told [vesk object_tree]
+    set same [expr {[llength $told] == [llength $flat]}]
+    set counts 0
+    if {$same} {
+        foreach {id parent type name surfaces visible locked} $told \
+                {old_id old_parent old_type old_name old_surfaces old_visible old_locked} $flat {
+            if {$id != $old_id || $parent != $old_parent || $type ne $old_type} {
+                set same 0
+                break
+            }
+            if {$name ne $old_name || $surfaces != $old_surfaces || $visible != $old_visible
+                    || $locked != $old_locked} {
+                dict set rows $id [list $parent $type $name $surfaces $visible $locked]
+                if {$surfaces != $old_surfaces} {set counts 1}
+                if {[$tree exists $id]} {$tree item $id -text [shown_name $name]}
+            }
+        }
+    }
+    set flat $told
+    if {!$same} {fill} elseif {$counts} {show_totals}
+    show_count
+    strip_later
+}
+
+# follow_counts --
+#   Renews the numbers after an operation that changed surfaces but not the tree.
+proc ::vesk::objects::follow_counts {} {
+    variable surfaces
+    if {[lindex [vesk get_counts] 3] != $surfaces} refresh
+}
+
+# totals --
+#   Number of surfaces of each object and its children: id count id count ...
+proc ::vesk::objects::totals {} {
+    variable flat
+    variable tree
+    set total([vesk get_world]) 0
+    # Children stand behind their parent, so from the end every sum is complete when it is passed
+    # on.
+    for {set at [expr {[llength $flat] - 7}]} {$at >= 0} {incr at -7} {
+        set id [lindex $flat $at]
+        incr total([lindex $flat $at+1]) [incr total($id) [lindex $flat $at+4]]
+    }
+    variable surfaces $total([vesk get_world])
+    # No number is wider than the total.
+    set widest [font measure TkDefaultFont "[::vesk::arith::grouped $total([vesk get_world])]0"]
+    $tree column surfaces -width [expr {max([::vesk::theme::px 58], $widest)}]
+    return [array get total]
+}
+
+proc ::vesk::objects::show_totals {} {
+    variable tree
+    dict for {id count} [totals] {
+        if {[$tree exists $id]} {$tree set $id surfaces [::vesk::arith::grouped $count]}
+    }
+}
+
+# fill --
+#   Makes all rows anew; open objects stay open.
+proc ::vesk::objects::fill {} {
+    variable flat
+    variable rows
+    variable tree
+    variable filter
+    variable icons
+    variable open
+    variable filtered
+    variable syncing 1
+    if {!$filtered} note_open
+    set top [$tree yview]
+    $tree delete [$tree children {}]
+    set rows {}
+    set wanted [string tolower $filter]
+    set filtered [expr {$wanted ne ""}]
+    array set total [totals]
+    # The images belong to tags: an image of each row would cost a walk over all rows at a change.
+    foreach {type icon} $icons {
+        $tree tag configure $type -image [::vesk::icons::get $icon dim]
+        $tree tag configure $type-active -image [::vesk::icons::get $icon active]
+    }
+    set first_time [expr {[dict size $open] == 0}]
+    set world [vesk get_world]
+    foreach {id parent type name surfaces visible locked} $flat {
+        dict set rows $id [list $parent $type $name $surfaces $visible $locked]
+        if {$wanted ne ""} {
+            if {[string first $wanted [string tolower $name]] < 0} {continue}
+            set parent {}
+        } elseif {$parent == $world || ![$tree exists $parent]} {
+            set parent {}
+        }
+        set opened [expr {$first_time && $parent eq {}}]
+        if {[dict exists $open $id]} {set opened [dict get $open $id]}
+        # There may be ten thousand rows: procedures are called only where they change the text.
+        set count $total($id)
+        if {$count >= 1000} {set count [::vesk::arith::grouped $count]}
+        set text " $name"
+        if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
+        $tree insert $parent end -id $id -text $text -tags [list $type] -open $opened \
+            -values [list $count]
+    }
+    $tree yview moveto [lindex $top 0]
+    set syncing 0
+    show_empty
+    show_selection
+    strip_later
+}
+
+# note_open --
+#   Notes which of the rows with children are open.
+proc ::vesk::objects::note_open {} {
+    variable tree
+    variable rows
+    variable open {}
+    dict for {id row} $rows {set above([lindex $row 0]) 1}
+    foreach id [array names above] {
+        if {[$tree exists $id]} {dict set open $id [$tree item $id -open]}
+    }
+}
+
+# show_empty --
+#   Shows why the list is empty.
+proc ::vesk::objects::show_empty {} {
+    variable path
+    variable tree
+    variable filter
+    if {[llength [$tree children {}]] > 0} {
+        place forget $path.empty
+        return
+    }
+    $path.empty configure -text [expr {$filter eq "" \
+        ? "No objects yet.\nDraw one with a tool at the left,\nor open a file."
+        : "No object has this in its name."}]
+    place $path.empty -in $tree -relx 0.5 -rely 0.4 -anchor center
+}
+
+proc ::vesk::objects::shown_name {name} {
+    if {$name eq ""} {return " (no name)"}
+    return " [string map {\n " "} $name]"
+}
+
+proc ::vesk::objects::show_count {} {
+    variable path
+    variable flat
+    set count [expr {[llength $flat] / 7}]
+    $path.head.count configure -text [::vesk::arith::grouped $count]
+    set hidden 0
+    set locked 0
+    foreach {id parent type name surfaces visible is_locked} $flat {
+        if {!$visible} {incr hidden}
+        if {$is_locked} {incr locked}
+    }
+    ::vesk::status::show_badges $hidden $locked
+}
+
+# ---- selection ----
+
+# show_selection --
+#   Takes the selection of the model over into the tree.
+proc ::vesk::objects::show_selection {} {
+    variable tree
+    variable chosen
+    variable syncing
+    set chosen [vesk get_selected_objects]
+    set present [present $chosen]
+    if {[lsort $present] eq [lsort [$tree selection]]} {
+        strip_later
+        return
+    }
+    set syncing 1
+    $tree selection set $present
+    if {[llength $present] == 1} {
+        set id [lindex $present 0]
+        $tree see $id
+        $tree focus $id
+    }
+    strip_later
+    mark_icons
+    # The virtual event arrives later; by then the two agree.
+    after idle {set ::vesk::objects::syncing 0}
+}
+
+# present --
+#   The objects among `ids` that have a row.
+proc ::vesk::objects::present {ids} {
+    variable tree
+    return [lmap id $ids {
+        if {![$tree exists $id]} continue
+        set id
+    }]
+}
+
+# selected --
+#   Takes the selection of the tree over into the model. In tree mode only whole top-level objects
+#   can be selected, so a row below them first switches to object mode.
+proc ::vesk::objects::selected {} {
+    variable tree
+    variable chosen
+    variable syncing
+    variable rows
+    strip_later
+    mark_icons
+    if {$syncing} {return}
+    set wanted [$tree selection]
+    # The user did not deselect the rows that the filter hides.
+    if {[lsort $wanted] eq [lsort [present $chosen]]} {return}
+    set world [vesk get_world]
+    if {$::vesk::select_mode eq "tree"} {
+        foreach id $wanted {
+            if {[dict exists $rows $id] && [lindex [dict get $rows $id] 0] != $world} {
+                ::vesk::ops::run set_select_mode object
+                break
+            }
+        }
+    }
+    ::vesk::ops::run objects_select $wanted
+    show_selection
+}
+
+# mark_icons --
+#   Gives selected rows the icon that contrasts with the band, the others the dim one.
+proc ::vesk::objects::mark_icons {} {
+    variable tree
+    variable rows
+    variable marked
+    variable icons
+    set now [$tree selection]
+    foreach {ids variant} [list $marked "" $now -active] {
+        foreach id $ids {
+            if {![$tree exists $id] || ![dict exists $rows $id]} {continue}
+            $tree item $id -tags [list [lindex [dict get $rows $id] 1]$variant]
+        }
+    }
+    set marked $now
+}
+
+# double --
+#   A double click on a name renames; elsewhere it opens or closes the row.
+proc ::vesk::objects::double {x y} {
+    variable tree
+    set row [$tree identify row $x $y]
+    if {$row eq ""} {return}
+    if {[string match *text [$tree identify element $x $y]]} {
+        rename
+    } else {
+        $tree item $row -open [expr {![$tree item $row -open]}]
+        strip_later
+    }
+}
+
+proc ::vesk::objects::context {x y root_x root_y} {
+    variable tree
+    set row [$tree identify row $x $y]
+    if {$row ne "" && $row ni [$tree selection]} {
+        $tree selection set [list $row]
+        selected
+    }
+    ::vesk::menus::popup object $root_x $root_y
+}
+
+# context_key --
+#   The same menu by key, below the row that has the focus.
+proc ::vesk::objects::context_key {} {
+    variable tree
+    lassign [$tree bbox [$tree focus] #0] x y width height
+    if {$x eq ""} {lassign {0 0 0 0} x y width height}
+    ::vesk::menus::popup object [expr {[winfo rootx $tree] + $x + [::vesk::theme::px 40]}] \
+        [expr {[winfo rooty $tree] + $y + $height}]
+}
+
+proc ::vesk::objects::run {command} {
+    ::vesk::ops::run $command
+    vesk redraw_all
+}
+
+# to_head --
+#   Moves the selected objects before their siblings.
+proc ::vesk::objects::to_head {} {
+    variable rows
+    set by_parent {}
+    foreach id [vesk get_selected_objects] {
+        if {[dict exists $rows $id]} {dict lappend by_parent [lindex [dict get $rows $id] 0] $id}
+    }
+    dict for {parent ids} $by_parent {
+        ::vesk::ops::run objects_place $ids $parent [lindex [vesk object_get_children $parent] 0]
+    }
+}
+
+proc ::vesk::objects::escape {} {
+    variable drag
+    if {$drag ne ""} {
+        drag_end
+        return
+    }
+    ::vesk::ops::run clear_selection
+    ::vesk::ops::run redraw_all
+}
+
+# ---- rename in place ----
+
+proc ::vesk::objects::rename {} {
+    variable tree
+    variable rows
+    set id [$tree focus]
+    if {$id eq "" || ![dict exists $rows $id]} {return}
+    $tree see $id
+    set box [$tree bbox $id #0]
+    if {$box eq ""} {return}
+    lassign $box x y width height
+    set w $tree.rename
+    destroy $w
+    # The place of the name: right of the indent, the mark and the icon.
+    set left [expr {$x + [::vesk::theme::px 36]}]
+    ttk::entry $w -style Field.TEntry
+    $w insert 0 [lindex [dict get $rows $id] 2]
+    $w selection range 0 end
+    place $w -x $left -y [expr {$y - [::vesk::theme::px 2]}] \
+        -width [expr {max([::vesk::theme::px 80], $x + $width - $left)}] \
+        -height [expr {$height + [::vesk::theme::px 4]}]
+    ::vesk::fields::on_keys $w [list Return [list ::vesk::objects::renamed $id 1] \
+        Escape [list ::vesk::objects::renamed $id 0]]
+    bind $w <FocusOut> [list ::vesk::objects::renamed $id 1]
+    focus $w
+}
+
+proc ::vesk::objects::renamed {id keep} {
+    variable tree
+    variable rows
+    set w $tree.rename
+    if {![winfo exists $w]} {return}
+    set name [$w get]
+    # Destroying it raises <FocusOut> once more.
+    bind $w <FocusOut> {}
+    destroy $w
+    focus $tree
+    if {$keep && [dict exists $rows $id] && $name ne [lindex [dict get $rows $id] 2]} {
+        ::vesk::ops::run objects_set $id name $name
+    }
+}

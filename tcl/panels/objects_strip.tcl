@@ -1,0 +1,86 @@
+# objects_strip.tcl --
+#   The eyes and locks beside the list of the objects panel: drawn for the visible rows on a canvas,
+#   because a treeview shows pictures only in its first column.
+
+proc ::vesk::objects::scroll {lines} {
+    variable tree
+    $tree yview scroll $lines units
+    return -code break
+}
+
+proc ::vesk::objects::scrolled {first last} {
+    variable path
+    $path.bar set $first $last
+    # Without the scrollbar the band of selected rows reaches the edge.
+    if {$first <= 0 && $last >= 1} {
+        grid remove $path.bar
+        grid configure $path.strip -columnspan 2
+    } else {
+        grid $path.bar
+        grid configure $path.strip -columnspan 1
+    }
+    strip_later
+}
+
+# strip_later --
+#   Redraws the icons once, in the idle loop.
+proc ::vesk::objects::strip_later {} {
+    variable strip_pending
+    if {!$strip_pending} {
+        set strip_pending 1
+        after idle ::vesk::objects::draw_strip
+    }
+}
+
+# draw_strip --
+#   Draws the icons of the visible rows, on the band of the selected ones.
+proc ::vesk::objects::draw_strip {} {
+    variable strip_pending 0
+    variable strip
+    variable tree
+    variable rows
+    $strip delete all
+    set height [winfo height $tree]
+    set row_height [ttk::style lookup Treeview -rowheight]
+    set width [winfo width $strip]
+    for {set y 2} {$y < $height} {incr y $row_height} {
+        set id [$tree identify row 5 $y]
+        if {$id eq "" || ![dict exists $rows $id]} {continue}
+        lassign [$tree bbox $id] x0 y0 w0 h0
+        # The list does not draw a row that is not wholly visible.
+        if {$y0 eq "" || $y0 + $h0 > $height} {continue}
+        lassign [dict get $rows $id] parent type name surfaces visible locked
+        set on [expr {$id in [$tree selection]}]
+        if {$on} {
+            $strip create rectangle 0 $y0 $width [expr {$y0 + $h0}] -width 0 \
+                -fill [::vesk::theme::colour sel]
+        }
+        set middle [expr {$y0 + $h0 / 2}]
+        set variant [expr {$on ? "active" : $visible ? "dim" : "disabled"}]
+        $strip create image [::vesk::theme::px 13] $middle \
+            -image [::vesk::icons::get [expr {$visible ? "eye" : "eye-off"}] $variant]
+        if {$locked || $on} {
+            $strip create image [::vesk::theme::px 38] $middle \
+                -image [::vesk::icons::get [expr {$locked ? "lock" : "unlock"}] \
+                    [expr {$on ? "active" : "normal"}]]
+        }
+    }
+}
+
+# strip_click --
+#   A click on an eye or a lock; on a selected row it changes all selected rows.
+proc ::vesk::objects::strip_click {x y} {
+    variable tree
+    variable rows
+    set id [$tree identify row 5 $y]
+    if {$id eq "" || ![dict exists $rows $id]} {return}
+    lassign [dict get $rows $id] parent type name surfaces visible locked
+    set ids [list $id]
+    if {$id in [$tree selection]} {set ids [$tree selection]}
+    if {$x < [::vesk::theme::px 26]} {
+        ::vesk::ops::run objects_set $ids visible [expr {!$visible}]
+    } else {
+        ::vesk::ops::run objects_set $ids locked [expr {!$locked}]
+    }
+    vesk redraw_all
+}

@@ -1,0 +1,324 @@
+# tools.tcl --
+#   The tool column, and the fields of each tool in the option bar, from one table.
+
+namespace eval ::vesk::tools {
+    variable current move
+    variable choosing 0         ;# a tool of the column is setting the draw mode
+    variable columns 2
+    variable full_height 0      ;# height of two columns; 0 before it is known
+    # A row: name, icon, draw mode ("" none), required command, key, label, help, hint.
+    # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
+    # a tool of the views beside the draw modes.
+    variable table {
+        {move move move move M "Move"
+            "Drag to move, or type a distance." "Drag to move. X, Y, Z lock an axis."}
+        {rotate rotate rotate rotate R "Rotate"
+            "Drag to turn, or type angles." "Drag to turn. Shift: steps of 15 degrees."}
+        {scale scale move scale "" "Scale"
+            "Drag a handle, or type factors." "Drag a handle. Shift keeps proportions."}
+        {extrude extrude extrude extrude E "Extrude"
+            "Drag to sweep the selected surfaces." "Drag to sweep the selected surfaces."}
+        {}
+        {polygon polygon polygon create "" "Polygon"
+            "Click corner by corner." "Click corners. Return ends, BackSpace takes one back."}
+        {polyline polyline polyline create "" "Polyline"
+            "Click point by point." "Click points. Return ends, BackSpace takes one back."}
+        {line line line create "" "Line" "Click two points." "Click the first point of a line."}
+        {circle circle circle create "" "Circle"
+            "Drag from corner to corner." "Drag from corner to corner. Shift: equal sides."}
+        {disk disk disk create "" "Disk"
+            "A filled circle of triangles." "Drag from corner to corner. Shift: equal sides."}
+        {rect rect rect create "" "Rectangle"
+            "Drag from corner to corner." "Drag from corner to corner. Shift: equal sides."}
+        {}
+        {grid grid grid create "" "Grid"
+            "A grid of lines." "Drag from corner to corner. Shift: equal sides."}
+        {mesh mesh mesh create "" "Mesh"
+            "A mesh of surfaces." "Drag from corner to corner. Shift: equal sides."}
+        {box box box create "" "Box"
+            "Drag from corner to corner." "Drag from corner to corner. Control: from the centre."}
+        {cylinder cylinder cylinder create "" "Cylinder"
+            "Drag from corner to corner." "Drag from corner to corner. Control: from the centre."}
+        {sphere sphere sphere create "" "Sphere"
+            "Drag from corner to corner." "Drag from corner to corner. Control: from the centre."}
+        {cone cone "" create "" "Cone" "Adds a cone." ""}
+        {revolve revolve "" revolve "" "Revolve"
+            "Sweeps the selection around an axis." ""}
+        {text text "" create_text "" "Text" "Adds a text made of surfaces." ""}
+        {}
+        {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
+        {insert insert +insert_vertex set_view_tool "" "Insert vertices"
+            "Click an edge where the vertex comes." "Click an edge. Control: in the middle."}
+        {measure measure +measure set_view_tool "" "Measure"
+            "Drag a ruler; a third click gives the angle."
+            "Drag from point to point. A third click: the angle. Escape clears."}
+        {zoom zoom zoom create "" "Zoom" "Drag a rectangle to see it larger." "Drag a rectangle to see it larger."}
+    }
+    # The rows without the group separators.
+    variable rows [lsearch -all -inline -not -exact $table {}]
+    # Fields of the option bar: {label kind preference}, kinds as in optionbar.tcl; {vector START}
+    # is three axis fields with Apply.
+    variable fields {
+        move     {{vector 0}}
+        rotate   {{vector 0} {"Own centres" bool rotate_about_object_centre}}
+        scale    {{vector 1}}
+        extrude  {{vector 0} {Steps int extrude_num} {Cap bool extrude_cap_end}
+                  {"Delete original" bool extrude_delete_original}
+                  {Turn bool extrude_flip_cap}}
+        circle   {{Segments int ellipse_segments}}
+        disk     {{Segments int disk_segments}}
+        grid     {{Columns int grid_object_x} {Rows int grid_object_y}}
+        mesh     {{Columns int meshx} {Rows int meshy} {Triangles bool mesh_triangles}}
+        cylinder {{Segments int cylinder_segments} {Ends bool cylinder_has_ends}}
+        sphere   {{Segments int num_surface_div} {Triangles bool sphere_triangles}}
+        insert   {{"Divide the selected edges" run insert_vertex}}
+        measure  {{Selection measures}}
+    }
+    variable vector             ;# the three numbers of move, rotate, scale
+    array set vector {x 0.000 y 0.000 z 0.000}
+    variable measured ""        ;# sizes of the selection, while the measure tool is on
+}
+
+# row --
+#   One tool's row as a dictionary.
+proc ::vesk::tools::row {name} {
+    variable rows
+    set words [lsearch -inline -exact -index 0 $rows $name]
+    set result {}
+    foreach key {name icon mode needs key label help hint} word $words {
+        dict set result $key $word
+    }
+    return $result
+}
+
+proc ::vesk::tools::fields_of {name} {
+    variable fields
+    return [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+}
+
+# needed --
+#   The executable command that a tool depends on.
+proc ::vesk::tools::needed {name} {
+    return [dict get [row $name] needs]
+}
+
+# build --
+#   Makes the column.
+proc ::vesk::tools::build {path} {
+    variable table
+    ttk::frame $path -style Chrome.TFrame -padding [::vesk::theme::pad 6 7 6 4] \
+        -width [::vesk::theme::px 78]
+    set lines 0
+    foreach words $table {
+        if {[llength $words] == 0} {
+            ttk::frame $path.line[incr lines] -style Line.TFrame -height [::vesk::theme::px 1]
+            continue
+        }
+        set tool [row [lindex $words 0]]
+        dict with tool {}
+        set button $path.$name
+        ttk::radiobutton $button -style Tool.Toolbutton -variable ::vesk::tools::current \
+            -value $name -command [list ::vesk::tools::chosen $name] \
+            -image [list {*}[::vesk::icons::or_disabled $icon] \
+                selected [::vesk::icons::get $icon active]]
+        ::vesk::tooltips::attach $button $label $key $help
+        bind $button <Button-3> [list ::vesk::tools::options $name]
+        foreach {event step} {Up -1 Down 1 Left -1 Right 1} {
+            ::vesk::fields::on_keys $button [list $event [list ::vesk::tools::step $name $step]]
+        }
+    }
+    arrange $path
+    bind $path <Configure> [list ::vesk::tools::fit $path %h]
+    foreach aspect {selection model} {::vesk::ops::listen $aspect ::vesk::tools::show_measured}
+    return $path
+}
+
+# arrange --
+#   Puts the tools into their columns.
+proc ::vesk::tools::arrange {path} {
+    variable table
+    variable columns
+    set line 0
+    set column 0
+    set lines 0
+    foreach words $table {
+        if {[llength $words] == 0} {
+            if {$column > 0} {incr line}
+            set column 0
+            grid $path.line[incr lines] -row $line -column 0 -columnspan $columns -sticky we \
+                -padx [::vesk::theme::px 3] -pady [::vesk::theme::px 7]
+            incr line
+            continue
+        }
+        grid $path.[lindex $words 0] -row $line -column $column -padx [::vesk::theme::pad 0 2] \
+            -pady [::vesk::theme::pad 0 2]
+        if {[incr column] == $columns} {
+            set column 0
+            incr line
+        }
+    }
+}
+
+# fit --
+#   Uses more columns where two would be higher than the window.
+proc ::vesk::tools::fit {path height} {
+    variable columns
+    variable full_height
+    if {$height < 50} {return}
+    if {$full_height == 0} {set full_height [winfo reqheight $path]}
+    set wanted [expr {$height >= $full_height ? 2 : 4}]
+    if {$wanted == $columns} {return}
+    set columns $wanted
+    arrange $path
+}
+
+# refresh --
+#   Greys the tools that this build cannot do.
+proc ::vesk::tools::refresh {path} {
+    variable rows
+    foreach words $rows {
+        set known [::vesk::menus::known [lindex $words 3]]
+        $path.[lindex $words 0] state [expr {$known ? "!disabled" : "disabled"}]
+    }
+}
+
+# step --
+#   Arrow keys move the focus through the column.
+proc ::vesk::tools::step {name step} {
+    variable rows
+    set names [lmap words $rows {lindex $words 0}]
+    set place [lsearch -exact $names $name]
+    for {set i 1} {$i < [llength $names]} {incr i} {
+        set other .main.tools.[lindex $names [expr {($place + $i * $step) % [llength $names]}]]
+        if {![$other instate disabled]} {
+            focus $other
+            return
+        }
+    }
+}
+
+# choose --
+#   Makes a tool the current one, from a menu.
+proc ::vesk::tools::choose {name} {
+    variable current
+    set current $name
+    chosen $name
+}
+
+# chosen --
+#   A tool was picked: tells the executable its draw mode, or acts at once.
+proc ::vesk::tools::chosen {name} {
+    variable current
+    set mode [dict get [row $name] mode]
+    if {$mode eq ""} {
+        set current [tool_of_mode $::vesk::draw_mode]
+        act $name
+        return
+    }
+    if {[string match +* $mode]} {
+        ::vesk::ops::run set_view_tool [string range $mode 1 end]
+        return
+    }
+    # Deliberate: the tool "scale" shares the draw mode "move"; only its fields differ.
+    variable choosing 1
+    ::vesk::ops::run set_draw_mode $mode
+    set choosing 0
+    show $name
+}
+
+# show --
+#   The column, the option bar and the status line tell which tool is in use.
+proc ::vesk::tools::show {name} {
+    variable current $name
+    ::vesk::optionbar::show_fields $name
+    ::vesk::status::hint
+}
+
+# act --
+#   Runs a tool without a draw mode.
+proc ::vesk::tools::act {name} {
+    switch -- $name {
+        revolve {::vesk::menus::invoke [::vesk::menus::find create revolve]}
+        text    {::vesk::menus::invoke [::vesk::menus::find create create_text]}
+        cone    {
+            ::vesk::options::ask Cone {create {Kind choice {Cone cone}}
+                {Plane choice {Front 0 Side 1 Plan 2}} {x1 number -1} {y1 number -1} {z1 number -1}
+                {x2 number 1} {y2 number 1} {z2 number 1}
+                {Segments pref cylinder_segments int}} "Adds a cone between two corners."
+        }
+    }
+}
+
+# options --
+#   The right button on a tool moves the focus to its fields in the option bar.
+proc ::vesk::tools::options {name} {
+    if {[.main.tools.$name instate disabled]} {return}
+    choose $name
+    ::vesk::optionbar::focus_fields
+}
+
+proc ::vesk::tools::tool_of_mode {mode} {
+    variable rows
+    return [lindex [lsearch -inline -exact -index 2 $rows $mode] 0]
+}
+
+# apply --
+#   Runs the current tool with the three typed numbers.
+proc ::vesk::tools::apply {} {
+    variable current
+    variable vector
+    set numbers {}
+    foreach axis {x y z} {
+        if {[catch {::vesk::arith::value $vector($axis)} number]} {
+            display_message "[string toupper $axis]: $number"
+            return
+        }
+        lappend numbers $number
+    }
+    switch -- $current {
+        move    {::vesk::ops::run move_with_undo {*}$numbers}
+        scale   {::vesk::ops::run scale {*}$numbers}
+        rotate  {::vesk::ops::run rotate_about_with_undo {*}$numbers {*}[pivot_point]}
+        extrude {::vesk::ops::run extrude {*}$numbers}
+    }
+    vesk redraw_all
+}
+
+# pivot_point --
+#   The centre of typed rotations.
+proc ::vesk::tools::pivot_point {} {
+    switch -- $::vesk::optionbar::pivot {
+        Origin      {return {0 0 0}}
+        "3D cursor" {return [vesk get_3d_cursor]}
+    }
+    return [vesk get_selection_centre]
+}
+
+# show_measured --
+#   Shows the sizes of the selection in the option bar.
+proc ::vesk::tools::show_measured {} {
+    variable current
+    variable measured
+    if {$current ne "measure"} {return}
+    set measured [vesk get_measures]
+    if {$measured eq ""} {set measured "nothing"}
+    after idle ::vesk::optionbar::fit
+}
+
+# set_view_tool_ui --
+#   Shows a tool of the views beside the draw modes, or that it is off ("none").
+proc set_view_tool_ui {name} {
+    set ::vesk::view_tool $name
+    set mode [expr {$name eq "none" ? $::vesk::draw_mode : "+$name"}]
+    ::vesk::tools::show [::vesk::tools::tool_of_mode $mode]
+    ::vesk::tools::show_measured
+}
+
+# set_draw_mode_ui --
+#   Shows a changed draw mode of the executable in the column.
+proc set_draw_mode_ui {mode} {
+    set ::vesk::draw_mode $mode
+    if {$::vesk::tools::choosing} {return}
+    set tool [::vesk::tools::tool_of_mode $mode]
+    if {$tool ne ""} {::vesk::tools::show $tool}
+}

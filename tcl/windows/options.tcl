@@ -1,0 +1,325 @@
+# options.tcl --
+#   The options of an operation at the lower left of the focused view. Most operations show their
+#   result at once, and the options of the last one can be opened once more.
+
+namespace eval ::vesk::options {
+    variable fields             ;# row -> text or value of its field
+    variable kept               ;# last typed values: command -> list
+    # Operations whose options show their result at once, unless the selection is large.
+    variable live {extrude surface_make_hole surface_bevel surface_spike surface_spline revolve
+        surface_loop_subdivision reduce move_with_undo move_to scale size_to rotate_with_undo
+        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
+        set_texture_repeats set_texture_offsets}
+    variable live_limit 20000   ;# vertices
+    variable session {}         ;# of the open options: start, now, words, timer
+    variable last ""            ;# of the options kept last: title, target, help, start, now
+    array set kept {}
+}
+
+# ask --
+#   Opens the options of a command. A result that shows at once is kept with Return or Keep and
+#   taken back with Escape; other commands run on Return or Apply.
+#   target  command, then fields {label kind default ...}:
+#             number, int, text   typed, an argument each
+#             from KEY            a number, kept in the preference
+#             setting KEY number|int   a number, kept in the scripts' own settings
+#             choice {text value ...}
+#             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
+#             pref KEY number|int|bool   edits a preference, is no argument
+#   before  the operation whose options are opened again, as `last`; "" for a new one
+proc ::vesk::options::ask {title target help {before ""}} {
+    set items [lassign $target command]
+    # A file name alone needs only the file dialog.
+    if {[llength $items] == 1 && [lindex $items 0 1] in {open_file save_file}} {
+        run_with_file $command [lindex $items 0] $title
+        return
+    }
+    set w [::vesk::view::area].options
+    begin_session $w $command $items
+    variable session
+    dict set session row [dict create title $title target $target help $help]
+    if {$before ne ""} {
+        # The model is the result already, made with the values in the fields.
+        dict set session start [dict get $before start]
+        dict set session words [dict get $before words]
+        dict set session original [lindex [dict get $before words] 1]
+    }
+    build $w $title
+    ::vesk::view::place_options $w
+    if {[llength $items] > 0} {
+        focus $w.in.f0
+        if {[winfo class $w.in.f0] eq "TEntry"} {$w.in.f0 selection range 0 end}
+    } else {
+        focus $w.in.row.apply
+    }
+    display_message $help
+    follow_fields
+}
+
+# again --
+#   The options of the last operation once more, as long as nothing was changed since: its result is
+#   taken back and made anew while the numbers change.
+proc ::vesk::options::again {} {
+    variable last
+    if {$last eq "" || [history_place] != [dict get $last now]} {
+        display_message "there is no last operation whose options could be changed"
+        return
+    }
+    ask [dict get $last title] [dict get $last target] [dict get $last help] $last
+}
+
+proc ::vesk::options::run_with_file {command item title} {
+    set name [ask_file $item $title]
+    if {$name eq ""} {return}
+    set run [list ::vesk::ops::run $command $name]
+    if {[string match write_* $command]} {set run [list ::vesk::issues::exporting $run]}
+    {*}$run
+}
+
+# build --
+#   The panel of the session: title, a row for each field, two buttons.
+proc ::vesk::options::build {w title} {
+    variable session
+    variable fields
+    array unset fields
+    ::vesk::parts::floating $w $title
+    set row -1
+    foreach item [dict get $session items] {
+        add_field $w.in [incr row] $item [dict get $session command]
+    }
+    set run ::vesk::options::run
+    set close ::vesk::options::close
+    ttk::frame $w.in.row -style Panel.TFrame
+    ttk::button $w.in.row.apply -style Panel.Default.TButton -command $run \
+        -text [expr {[is_live] ? "Keep" : "Apply"}]
+    ttk::button $w.in.row.close -style Panel.TButton -command $close \
+        -text [expr {[is_live] ? "Cancel" : "Close"}]
+    pack $w.in.row.close $w.in.row.apply -side right -padx [::vesk::theme::pad 8 0]
+    grid $w.in.row - -sticky we -pady [::vesk::theme::pad 10 0]
+    foreach child [concat [winfo children $w.in] [winfo children $w.in.row]] {
+        # A label with bound keys would be a stop of Tab.
+        if {[winfo class $child] in {TLabel TFrame}} {continue}
+        ::vesk::fields::on_keys $child \
+            [list Escape $close Return [expr {$child eq "$w.in.row.close" ? $close : $run}]]
+    }
+}
+
+# ---- results at once ----
+
+# begin_session --
+#   The options of a command are opened: remembers where the history stands.
+proc ::vesk::options::begin_session {w command items} {
+    variable session
+    variable live
+    variable live_limit
+    set vertices [lindex [vesk get_counts] 4]
+    set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
+    # The state to which the first try is taken back has the present selection.
+    if {$on} {vesk history_note}
+    set session [dict create window $w command $command items $items live $on words {} \
+        start [history_place] now [history_place] timer ""]
+}
+proc ::vesk::options::is_live {} {
+    variable session
+    return [dict get $session live]
+}
+
+# history_place --
+#   The present place in the history.
+proc ::vesk::options::history_place {} {
+    return [lsearch -exact -index 2 [vesk history_list] 1]
+}
+
+# follow_fields, live_later --
+#   Every change of a field asks for a new result, and so does the opening.
+proc ::vesk::options::follow_fields {} {
+    variable fields
+    if {![is_live]} {return}
+    trace add variable fields write ::vesk::options::live_later
+    live_later
+}
+proc ::vesk::options::live_later {args} {
+    variable session
+    after cancel [dict get $session timer]
+    dict set session timer [after 150 ::vesk::options::live_update]
+}
+
+# live_update --
+#   Replaces the result by that of the present fields.
+proc ::vesk::options::live_update {} {
+    variable session
+    if {![winfo exists [dict get $session window]]} {return}
+    set words [read_options 0]
+    if {$words eq ""} {return}
+    # Preferences among the fields are no words of the command.
+    variable kept
+    set typed [list $words $kept([dict get $session command])]
+    if {$typed eq [dict get $session words]} {return}
+    live_take_back
+    dict set session words $typed
+    vesk {*}$words
+    vesk redraw_all
+    dict set session now [history_place]
+    ::vesk::ops::request
+}
+
+# live_take_back --
+#   Restores the state at the opening of the options. Other edits since then stay.
+proc ::vesk::options::live_take_back {} {
+    variable session
+    set place [history_place]
+    set start [dict get $session start]
+    if {$place == [dict get $session now] && $place > $start} {
+        vesk history_goto $start
+    } else {
+        dict set session start $place
+    }
+    dict set session now [history_place]
+    dict set session words {}
+}
+
+# add_field --
+#   One row of the options: label left, field right.
+proc ::vesk::options::add_field {w row item command} {
+    variable fields
+    variable kept
+    lassign $item label kind default
+    set fields($row) [switch -- $kind {
+        from    {::vesk::arith::shown [set ::prefs_$default]}
+        setting {::vesk::settings::get $default}
+        pref    {set ::prefs_$default}
+        number - int - text - choice {
+            expr {[info exists kept($command)] ? [lindex $kept($command) $row] : $default}
+        }
+        default {set default}
+    }]
+    set path $w.f$row
+    set options [list -textvariable ::vesk::options::fields($row)]
+    switch -- [value_kind $item] {
+        bool {
+            ttk::checkbutton $path -text $label -variable ::vesk::options::fields($row) \
+                -style Panel.TCheckbutton
+            grid $path - -sticky w -pady [::vesk::theme::px 4]
+            return
+        }
+        choice {
+            set texts [dict keys $default]
+            if {$fields($row) ni $texts} {set fields($row) [lindex $texts 0]}
+            ttk::combobox $path -values $texts -state readonly -width 9 -style Panel.TCombobox \
+                {*}$options
+        }
+        text - open_file - save_file {ttk::entry $path -width 24 -style Panel.TEntry {*}$options}
+        default {
+            ttk::entry $path -width 9 -justify right -font VeskNumber -style Panel.TEntry \
+                {*}$options
+        }
+    }
+    ttk::label $w.l$row -text $label -style Panel.Dim.TLabel
+    grid $w.l$row $path -sticky we -pady [::vesk::theme::px 2]
+    grid configure $w.l$row -padx [::vesk::theme::pad 0 12]
+}
+
+# ask_file --
+#   The file dialog of one field.
+proc ::vesk::options::ask_file {item title} {
+    lassign $item label kind suffixes
+    set patterns [lmap suffix $suffixes {string cat * $suffix}]
+    if {$kind eq "open_file"} {
+        set filters [list [list $title $patterns] {"All files" *}]
+        if {".p" in $suffixes} {
+            return [::vesk::filebox::ask open $title [::vesk::plugins::folder] $filters]
+        }
+        return [::vesk::files::pick open $title $filters texture_file_path]
+    }
+    if {$suffixes eq ""} {set patterns *.vesk}
+    set name [::vesk::filebox::ask save $title $::prefs_export_file_path \
+        [list [list $title $patterns] {"All files" *}]]
+    if {$name ne ""} {set ::prefs_export_file_path [file dirname $name]}
+    return $name
+}
+
+# read_options --
+#   The command with the values of the fields, of which preferences and settings are set; empty when
+#   a number field holds no number.
+#   tell  1: marks and reports that field
+proc ::vesk::options::read_options {tell} {
+    variable fields
+    variable kept
+    variable session
+    set words [list [dict get $session command]]
+    set typed {}
+    set row -1
+    foreach item [dict get $session items] {
+        lassign $item label kind default extra
+        set text $fields([incr row])
+        lappend typed $text
+        if {[value_kind $item] in {number int from}} {
+            set field [dict get $session window].in.f$row
+            set wrong [catch {::vesk::arith::value $text} text]
+            if {!$wrong || $tell} {::vesk::fields::mark_invalid $field $wrong}
+            if {$wrong} {
+                if {$tell} {
+                    display_message "$label: $text"
+                    focus $field
+                }
+                return ""
+            }
+            if {[value_kind $item] eq "int"} {set text [expr {int($text)}]}
+        }
+        if {$kind eq "choice"} {set text [dict get $default $text]}
+        if {$kind in {pref from}} {set ::prefs_$default $text}
+        if {$kind eq "setting"} {::vesk::settings::set_value $default $text}
+        if {$kind ne "pref"} {lappend words $text}
+    }
+    set kept([dict get $session command]) $typed
+    return $words
+}
+
+# value_kind --
+#   The kind of a field's value; of a preference or setting it stands behind the key.
+proc ::vesk::options::value_kind {item} {
+    lassign $item label kind default extra
+    return [expr {$kind in {pref setting} ? $extra : $kind}]
+}
+
+# run --
+#   Return, Keep or Apply.
+proc ::vesk::options::run {} {
+    variable session
+    set words [read_options 1]
+    if {$words eq ""} {return}
+    if {![is_live]} {
+        ::vesk::ops::run {*}$words
+        return
+    }
+    live_update
+    ::vesk::ops::echo vesk {*}$words
+    variable last [dict merge [dict get $session row] [dict create \
+        start [dict get $session start] now [history_place] words [dict get $session words]]]
+    dict set session now -1
+    close
+}
+
+# restore_original --
+#   Makes the result again that was there when its options were opened once more.
+proc ::vesk::options::restore_original {} {
+    variable session
+    variable fields
+    set row -1
+    foreach text [dict get $session original] {set fields([incr row]) $text}
+    live_update
+}
+
+# close --
+#   Cancel or Close, and the end of `run`.
+proc ::vesk::options::close {} {
+    variable session
+    after cancel [dict get $session timer]
+    if {[is_live] && [dict get $session now] != -1} {
+        if {[dict exists $session original]} restore_original else live_take_back
+        vesk redraw_all
+        ::vesk::ops::request
+    }
+    destroy [dict get $session window]
+    ::vesk::view::focus_last
+}
