@@ -1,6 +1,6 @@
 #include "base/command_result.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "base/prefs.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/ui_port.h"
 
 #include <cstdio>

@@ -5,7 +5,7 @@
 #include "base/atomic_file.h"
 #include "base/filename.h"
 #include "base/home.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "base/prefs.h"
 #include "base/tokens.h"

@@ -1,7 +1,6 @@
 #include "edit/optimize.h"
 
 #include "base/messages.h"
-#include "base/messages_internal.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"

@@ -1,6 +1,6 @@
 #include "edit/primitives_flat.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "edit/primitives_internal.h"
 #include "edit/uv/uvmap.h"

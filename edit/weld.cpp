@@ -1,7 +1,6 @@
 #include "edit/weld.h"
 
 #include "base/messages.h"
-#include "base/messages_internal.h"
 #include "base/prefs.h"
 #include "base/progress.h"
 #include "base/redraw.h"

@@ -3,7 +3,7 @@
 #include "base/atomic_file.h"
 #include "base/file_report.h"
 #include "base/filename.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/session_state.h"
 #include "model/textures/textures.h"
 

@@ -5,7 +5,7 @@
 #include "model/ear_cut.h"
 #include "model/palette.h"
 #include "model/world.h"
-#include "view/camera_internal.h"
+#include "view/camera_eye.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "base/filename.h"
 #include "base/home.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/utf8.h"
 #include "edit/create.h"

@@ -1,9 +1,10 @@
 #include "fileio/tree_reader.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "base/prefs.h"
 #include "edit/primitives.h"
+#include "edit/primitives_flat.h"
 #include "edit/transform.h"
 #include "fileio/vesk_geometry.h"
 #include "fileio/vesk_messages.h"

@@ -1,6 +1,6 @@
 #include "fileio/vesk_lines.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "fileio/vesk_scan.h"
 

@@ -1,6 +1,6 @@
 #include "fileio/vesk_messages.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 
 #include <algorithm>
 #include <cstdarg>

@@ -26,7 +26,7 @@
 #include "base/atomic_file.h"
 #include "base/file_report.h"
 #include "base/file_text.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "base/progress.h"
 #include "base/tokens.h"
@@ -43,6 +43,7 @@
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 

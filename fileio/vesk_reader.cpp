@@ -1,7 +1,7 @@
 #include "fileio/vesk_reader.h"
 
 #include "base/current_file.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "fileio/tree_reader.h"
 #include "fileio/vesk_messages.h"
 #include "fileio/vesk_old.h"

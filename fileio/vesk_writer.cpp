@@ -5,7 +5,7 @@
 
 #include "base/atomic_file.h"
 #include "base/current_file.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "fileio/output.h"
 #include "fileio/vesk_format.h"
 #include "model/alloc_internal.h"

@@ -1,4 +1,4 @@
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/list_internal.h"
 

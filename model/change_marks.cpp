@@ -1,4 +1,4 @@
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/property.h"

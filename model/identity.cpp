@@ -1,6 +1,6 @@
 #include "model/identity.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/freed.h"
 
 #include <unordered_map>

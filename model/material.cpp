@@ -1,6 +1,6 @@
 #include "model/material.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/palette_internal.h"
 

@@ -1,6 +1,6 @@
 #include "model/matrix.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/each.h"
 #include "model/vector.h"
 

@@ -1,6 +1,6 @@
 #include "model/object.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"

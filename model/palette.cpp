@@ -1,5 +1,5 @@
 #include "base/file_report.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
 #include "model/palette_internal.h"

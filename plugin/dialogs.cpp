@@ -1,7 +1,7 @@
 #include "plugin/dialogs.h"
 
 #include "base/command_result.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/session_state.h"
 
 #include <string>

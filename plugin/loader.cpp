@@ -3,7 +3,7 @@
 #include "base/crash_guard.h"
 #include "base/filename.h"
 #include "base/home.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/ui_port.h"
 #include "model/change_marks.h"
 

@@ -1,6 +1,6 @@
 #include "plugin/menus.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 
 void vesk_add_menu_item(const char *menu, const char *label, const char *command)
 {

@@ -2,7 +2,7 @@
 
 #include "base/command_result.h"
 #include "base/command_row.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/journal.h"
 #include "edit/document/undo_internal.h"

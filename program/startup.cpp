@@ -4,7 +4,7 @@
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/linked_vars.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/prefs_file.h"
 #include "base/redraw.h"

@@ -6,7 +6,7 @@
 #include "base/filename.h"
 #include "base/home.h"
 #include "base/linked_vars.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/session_state.h"
 #include "fileio/rescue.h"

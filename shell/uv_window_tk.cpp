@@ -4,7 +4,6 @@
 #include "base/command_row.h"
 #include "base/entry_guard.h"
 #include "base/messages.h"
-#include "base/messages_internal.h"
 #include "base/ui_port.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_uv_gl.h"

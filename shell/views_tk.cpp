@@ -2,7 +2,7 @@
 
 #include "base/command_registry.h"
 #include "base/entry_guard.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"

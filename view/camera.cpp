@@ -2,14 +2,14 @@
 // side, up and direction. Element 6 belongs to two of them and element 9 is never set by
 // person_set_direction; the drawing therefore takes the side and the direction only.
 #include "base/command_result.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/progress.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"
+#include "model/vector.h"
 #include "view/camera_internal.h"
 #include "view/views_internal.h"
-#include "model/vector.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 #include "view/keys.h"
 
 #include "base/command_registry.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"

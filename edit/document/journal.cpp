@@ -1,6 +1,6 @@
 #include "edit/document/journal.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/session_state.h"
 #include "edit/document/journal_internal.h"
 #include "edit/document/model_restore.h"

@@ -1,6 +1,6 @@
 #include "edit/document/modes.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"

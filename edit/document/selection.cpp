@@ -1,5 +1,5 @@
 #include "base/coor_display.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"

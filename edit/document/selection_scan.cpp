@@ -1,6 +1,6 @@
 #include "edit/document/selection_scan.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "edit/document/selection_internal.h"
 #include "model/object_tree.h"
 #include "model/world.h"

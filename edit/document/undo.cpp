@@ -3,7 +3,7 @@
 
 #include "edit/document/undo.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
 #include "base/ui_port.h"

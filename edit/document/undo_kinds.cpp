@@ -2,7 +2,7 @@
 
 #include "edit/document/undo_kinds.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/model_restore.h"

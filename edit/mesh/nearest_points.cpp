@@ -11,8 +11,6 @@
 
 namespace {
 constexpr int leaf_size = 8;
-
-float axis_of(const point3_t &p, int axis) { return axis == 0 ? p.x : axis == 1 ? p.y : p.z; }
 } // namespace
 
 nearest_points::nearest_points(const std::vector<point3_t> &points)

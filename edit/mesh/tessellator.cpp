@@ -1,6 +1,6 @@
 #include "edit/mesh/tessellator.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 
 #include <GL/glu.h>
 

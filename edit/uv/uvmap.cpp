@@ -1,7 +1,6 @@
 #include "edit/uv/uvmap.h"
 
 #include "base/messages.h"
-#include "base/messages_internal.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_internal.h"

@@ -1,7 +1,7 @@
 #include "model/textures/texture_preview.h"
 
 #include "base/command_result.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/ui_port.h"
 
 #include <algorithm>

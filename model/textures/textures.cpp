@@ -4,7 +4,7 @@
 #include "base/crash_guard.h"
 #include "base/file_report.h"
 #include "base/filename.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/ui_port.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"

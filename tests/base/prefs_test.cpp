@@ -1,6 +1,6 @@
 #include "base/prefs.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs_file.h"
 #include "tests/support/scene_test.h"
 

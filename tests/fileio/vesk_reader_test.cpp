@@ -1,7 +1,7 @@
 #include "fileio/vesk_reader.h"
 
 #include "base/current_file.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/textures/texture_search.h"

@@ -1,6 +1,6 @@
 // Trees through a file and back, and files that are damaged at random.
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "fileio/vesk_reader.h"
 #include "fileio/vesk_scan.h"
 #include "fileio/vesk_writer.h"

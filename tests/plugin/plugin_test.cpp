@@ -3,7 +3,7 @@
 #include "tests/plugin/plugin_test.h"
 
 #include "base/home.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "edit/document/selection.h"
 #include "model/each.h"
 #include "model/object_tree.h"

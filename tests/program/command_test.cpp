@@ -2,7 +2,7 @@
 
 #include "base/command_result.h"
 #include "base/crash_guard.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/session_state.h"
 #include "edit/document/selection.h"
 #include "edit/document/undo_internal.h"

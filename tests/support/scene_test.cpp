@@ -1,7 +1,7 @@
 #include "tests/support/scene_test.h"
 
 #include "base/command_result.h"
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"

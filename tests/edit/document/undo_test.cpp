@@ -1,6 +1,6 @@
 #include "edit/document/undo.h"
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"

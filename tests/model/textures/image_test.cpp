@@ -1,7 +1,7 @@
 // The built-in image readers: every sub-format against the picture it was written from and against an
 // independent decoder, damaged files, and headers that promise more than there is.
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/textures/image_bmp.h"
 #include "model/textures/image_gif.h"

@@ -1,6 +1,6 @@
 // The texture table, its loaders and the commands that put pictures on objects and behind views.
 
-#include "base/messages_internal.h"
+#include "base/messages.h"
 #include "base/ui_port.h"
 #include "edit/document/selection.h"
 #include "model/alloc_internal.h"
