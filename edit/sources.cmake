@@ -7,6 +7,7 @@ target_sources(vesk_core PRIVATE
     edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
+    edit/edge_bevel.cpp
     edit/edge_mesh.cpp
     edit/edge_operation.cpp
     edit/edge_select.cpp
@@ -55,6 +56,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/surface_copy.cpp
     edit/mesh/shortest_way.cpp
     edit/mesh/tessellator.cpp
+    edit/mesh/vertex_fan.cpp
     edit/mesh/vertex_use.cpp
     edit/document/current_object.cpp
     edit/document/edge_selection.cpp
