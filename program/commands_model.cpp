@@ -10,6 +10,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
+#include "edit/holes.h"
 #include "edit/object_flags.h"
 #include "edit/smooth_subdivide.h"
 #include "fileio/backup.h"
@@ -318,6 +319,16 @@ std::span<const own_command_t> model_commands()
         command_row("cancel", progress_cancel, view, nullptr, "cancel long work"),
         command_row("extrude", command_extrude, edit, "<float x> <float y> <float z>",
                     "extrude the selected surfaces"),
+        command_row("extrude_select", command_extrude_select, edit, 4, 4,
+                    "<int automatic> <float x> <float y> <float z>",
+                    "extrude the selected surfaces and select the new ones"),
+        command_row("extrude_normal", command_extrude_normal, edit, 2, 2,
+                    "<int automatic> <float distance>",
+                    "extrude the selected surfaces where they face and select the new ones"),
+        command_row("hole_select", command_hole_select, edit, nullptr,
+                    "hole the selected surfaces and select the new ones"),
+        command_row("bevel_select", command_bevel_select, edit, nullptr,
+                    "bevel the selected surfaces and select the new ones"),
         command_row("create_outline", command_create_outline, edit,
                     "<string polygon, polyline or line> <string coordinates>",
                     "create a polygon or a line from x y z of each point"),
