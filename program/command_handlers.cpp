@@ -5,9 +5,9 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
-#include "base/ui_port.h"
 #include "base/version.h"
 #include "edit/document/current_object.h"
+#include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
@@ -27,6 +27,7 @@
 #include "plugin/importers.h"
 #include "plugin/loader.h"
 
+#include <string>
 #include <utility>
 
 namespace {
@@ -81,24 +82,14 @@ counts_t counts_below(object_t *top)
     return counts;
 }
 
-// A record for the change of a palette entry. Changes that follow each other at once, as while a
-// slider is dragged, are one.
+// Opens the undo record of a change of a palette entry. A slider makes many small changes: those
+// that follow each other at once are one step.
 void undo_of_material(int entry)
 {
-    static int last_entry = -1;
-    static unsigned last_serial = 0;
-    static double last_time = 0;
-    constexpr double at_once = 1.0; // seconds
     if (entry < 0 || entry >= vesk_get_num_palette())
         return;
-    const double now = ui_port().now_seconds();
-    const bool goes_on = entry == last_entry && last_serial == undo_last_serial() &&
-                         undo_label() != nullptr && now - last_time < at_once;
-    if (!goes_on)
+    if (!journal_joins("material " + std::to_string(entry)))
         new_undo_state("edit material");
-    last_entry = entry;
-    last_serial = undo_last_serial();
-    last_time = now;
 }
 
 } // namespace

@@ -115,8 +115,6 @@ proc ::vesk::options::begin_session {w command items} {
     variable live_limit
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
-    # The state to which the first try is taken back has the present selection.
-    if {$on} {vesk history_note}
     set session [dict create window $w command $command items $items live $on words {} \
         start [history_place] now [history_place] timer ""]
 }
