@@ -7,6 +7,7 @@
 #include "base/redraw.h"
 #include "base/version.h"
 #include "edit/document/current_object.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
@@ -152,7 +153,7 @@ void command_get_info()
     counts_t all = counts_below(vesk_get_world());
     --all.objects; // the world itself
     counts_t chosen = {0, selection().num_surfaces, selection().num_vertices};
-    for (object_t *object : each<object_t>(selection().objects)) {
+    for (object_t *object : selected_top_objects()) {
         const counts_t below = counts_below(object);
         chosen.objects += below.objects;
         chosen.surfaces += below.surfaces;

@@ -7,6 +7,7 @@
 #include "base/redraw.h"
 #include "edit/create.h"
 #include "edit/document/current_object.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
@@ -99,7 +100,7 @@ void command_get_counts()
     });
     const selection_t &all = selection();
     int chosen_surfaces = all.num_surfaces, chosen_vertices = all.num_vertices;
-    for (object_t *top : each<object_t>(all.objects)) {
+    for (object_t *top : selected_top_objects()) {
         for_each_object(top, [&](const object_t *object) {
             chosen_surfaces += object->num_surfaces;
             chosen_vertices += object->num_vertices;
