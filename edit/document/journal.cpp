@@ -304,9 +304,11 @@ void journal_before_step(bool changes)
 {
     journal_list &list = journal();
     journal_begin();
+    if (list.held)
+        return;
     list.series.clear();
     list.selected = nullptr;
-    if (list.held || !changes)
+    if (!changes)
         return;
     if (list.model_count != model_change_count())
         journal_settle();
