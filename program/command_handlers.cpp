@@ -14,6 +14,7 @@
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
 #include "edit/mesh/surface_copy.h"
+#include "edit/object_flags.h"
 #include "fileio/vesk_writer.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
@@ -233,12 +234,14 @@ void command_clear_all(void)
 {
     clear_selection();
     clear_all_undos();
-    freed_batch at_once; // who hears of freed things looks through all that it keeps
-    for (object_t *child : elements_of<object_t>(vesk_get_world()->children))
-        object_delete_nocleanup(child);
+    {
+        freed_batch at_once; // who hears of freed things looks through all that it keeps
+        for (object_t *child : elements_of<object_t>(vesk_get_world()->children))
+            object_delete_nocleanup(child);
+    }
     current_file_set("");
     edited_file_set("");
-    redraw_all();
+    object_flags_changed(); // none is hidden or locked any more
     display_status();
 }
 

@@ -14,6 +14,7 @@
 #include "edit/holes.h"
 #include "edit/object_flags.h"
 #include "edit/smooth_subdivide.h"
+#include "edit/snap.h"
 #include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
 #include "model/bounds.h"
@@ -330,6 +331,10 @@ std::span<const own_command_t> model_commands()
                     "hole the selected surfaces and select the new ones"),
         command_row("bevel_select", command_bevel_select, edit, nullptr,
                     "bevel the selected surfaces and select the new ones"),
+        command_row("weld", command_weld, edit, nullptr,
+                    "bring the selected vertices together and join them"),
+        command_row("weld_distance", command_weld_distance, edit, "<float distance>",
+                    "bring selected vertices together by distance and join them"),
         command_row("create_outline", command_create_outline, edit,
                     "<string polygon, polyline or line> <string coordinates>",
                     "create a polygon or a line from x y z of each point"),

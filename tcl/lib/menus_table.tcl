@@ -260,8 +260,8 @@ proc ::vesk::menus::define {name label rows} {
         "A vertex where an edge is clicked in a view."}
     {line}
     {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
-    {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
-    {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
+    {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
+    {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
 }

@@ -178,7 +178,7 @@ namespace eval ::vesk::menus {
             {edit delete} - {object hide_selected} {object lock_selected} -
             {view fit_selected_all}}
         vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
-            {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
+            {vertex snaptogrid} {vertex weld} {vertex unshare_vertices} -
             {select select_part_selected_surfaces} {edit delete}}
     }
 }

@@ -9,7 +9,7 @@ namespace eval ::vesk::options {
     variable live {extrude_normal extrude_select hole_select bevel_select surface_spike
         surface_spline revolve
         surface_loop_subdivision reduce move_with_undo move_to scale size_to rotate_with_undo
-        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
+        rotate_about_with_undo rotate_axis_angle_with_undo weld_distance
         set_texture_repeats set_texture_offsets}
     variable live_limit 20000   ;# vertices
     variable session {}         ;# of the open options: start, now, words, timer
