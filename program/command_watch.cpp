@@ -56,7 +56,8 @@ void before_command(const vesk_command_t *command, int count, const char *const 
     }
     const bool outermost = session().command_depth == 0;
     if (outermost) {
-        running().step.emplace(step_t::of::command);
+        running().step.emplace(changes_model(command_kind_of(command)) ? step_t::of::command
+                                                                       : step_t::of::question);
         running().serial = undo_last_serial();
         running().label = label_of(command, count, words);
         running().words.clear();

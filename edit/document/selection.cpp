@@ -134,10 +134,14 @@ void remove_by_rule(const std::vector<object_t *> &objects)
         for (object_t *object : objects)
             tops.push_back(object_top_ancestor(object));
         remove_objects(tops);
-    } else { // the list holds members of groups
+    } else { // the list holds members of groups; what lies below a polygon object has its own entry
         std::vector<object_t *> members;
-        for (object_t *object : objects)
-            for_each_object(object, [&](object_t *o) { members.push_back(o); });
+        for (object_t *object : objects) {
+            walk_while(object, [&](object_t *o) {
+                members.push_back(o);
+                return state.mode == SELECT_LIGHT || o->type != OBJECT_POLY;
+            });
+        }
         remove_objects(members);
     }
 }

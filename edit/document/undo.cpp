@@ -394,7 +394,8 @@ void UNDO(void)
     // Records of an unknown kind stay where they are.
     if (const undo_kind *row = undo_kind_of(record->kind)) {
         journal_settle();
-        if (record->broken) {
+        // A selection is in no state of its own: what is left of it is restored.
+        if (record->broken && record->kind != UNDO_SELECTION) {
             journal_restore_before(record);
         } else {
             undo_set_jumping(

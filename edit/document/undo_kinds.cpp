@@ -348,7 +348,7 @@ void reverse_deletion(undo_record &record)
 void restore_model(const undo_record &record)
 {
     if (const state_ptr model = std::get<undo_model>(record.data).model)
-        model_state_restore(model, restore_selection::no);
+        model_state_restore(model, nullptr);
 }
 
 void reverse_world(undo_record &record)

@@ -448,6 +448,20 @@ void object_texture_clear(object_t *object)
     object_mark(object, CHANGED_RECORD);
 }
 
+void object_copy_texture(object_t *to, const object_t *from)
+{
+    object_texture_clear(to);
+    to->has_texture = from->has_texture;
+    to->texture = from->texture;
+    to->texture_repeat_x = from->texture_repeat_x;
+    to->texture_repeat_y = from->texture_repeat_y;
+    to->texture_offset_x = from->texture_offset_x;
+    to->texture_offset_y = from->texture_offset_y;
+    if (const char *missing = object_missing_texture(from))
+        vesk_object_set_prop_value(to, missing_texture_property, "text", missing);
+    object_mark(to, CHANGED_RECORD);
+}
+
 VESKImage *object_picture(const object_t *object)
 {
     return object->has_texture != 0 && is_texture(object->texture)

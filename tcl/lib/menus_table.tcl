@@ -202,8 +202,15 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Choose..." {file_select_texture} "" some "Puts a picture on the selected objects."}
 }
 ::vesk::menus::define surface "S&urface" {
-    {ask "&Extrude..." {extrude {X number 0} {Y number 0} {Z number 0.5}
-        {Steps pref extrude_num int} {"Close the end" pref extrude_cap_end bool}
+    {ask "&Extrude..." {extrude_normal {Body choice {Automatic 1 "As set below" 0}}
+        {Distance number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
+        {"Delete the original" pref extrude_delete_original bool}
+        {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
+        "Sweeps the selected surfaces where they face."}
+    {ask "E&xtrude by a vector..." {extrude_select {Body choice {Automatic 1 "As set below" 0}}
+        {X number 0} {Y number 0} {Z number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
         {"Delete the original" pref extrude_delete_original bool}
         {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
@@ -211,9 +218,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}
     {line}
-    {ask "&Hole..." {surface_make_hole {Percent pref hole_percent int}} "" some
+    {ask "&Hole..." {hole_select {Percent pref hole_percent int}} "" some
         "Cuts a hole into each selected surface."}
-    {ask "&Bevel..." {surface_bevel {Size pref bevel_size number}} "" some
+    {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}
@@ -253,8 +260,8 @@ proc ::vesk::menus::define {name label rows} {
         "A vertex where an edge is clicked in a view."}
     {line}
     {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
-    {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
-    {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
+    {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
+    {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
 }

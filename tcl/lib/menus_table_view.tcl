@@ -169,8 +169,8 @@ namespace eval ::vesk::menus {
             {object lock_selected} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
-            {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
-            {surface extrude} -
+            {surface surface_subdivide} {surface hole_select} {surface bevel_select}
+            {surface extrude_normal} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {create surface_create_object}
             {surface removesurface} {edit delete}}
@@ -178,7 +178,7 @@ namespace eval ::vesk::menus {
             {edit delete} - {object hide_selected} {object lock_selected} -
             {view fit_selected_all}}
         vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
-            {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
+            {vertex snaptogrid} {vertex weld} {vertex unshare_vertices} -
             {select select_part_selected_surfaces} {edit delete}}
     }
 }

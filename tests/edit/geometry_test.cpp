@@ -2,6 +2,7 @@
 // brings everything back.
 
 #include "base/prefs.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
@@ -10,6 +11,7 @@
 #include "edit/triangulate.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
+#include "model/identity.h"
 #include "model/vector.h"
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
@@ -96,6 +98,31 @@ TEST_F(Geometry, ASurfaceOfAnotherObjectIsLeftAlone)
     const point3_t up = {0, 0, 2};
     surface_translate_vertices(foreign, &up);
     EXPECT_EQ(item_of<svertex>(foreign->refs)->vertex->position.z, height + 2);
+}
+
+TEST_F(Geometry, OperationsOfTheInterfaceSelectWhatTheyMake)
+{
+    struct row_t {
+        const char *command;
+        int surfaces; // selected afterwards
+    };
+    for (const row_t &row : {row_t{"hole_select", 8}, row_t{"bevel_select", 2},
+                             row_t{"surface_spike", 8}, row_t{"surface_subdivide", 8}}) {
+        SCOPED_TRACE(row.command);
+        object_t *object = add_squares(3, 1);
+        select_surfaces_at(object, {0, 1});
+        run(row.command);
+        EXPECT_EQ(selection().num_surfaces, row.surfaces);
+        EXPECT_NE(selection().box_valid, 0);
+        run("set_select_mode", "object");
+        run("objects_select", object_identity(object));
+        run(row.command);
+        EXPECT_EQ(selected_objects(), std::vector{object});
+    }
+    prefs.hole_percent = -1;
+    const std::string undo = last_undo();
+    run("hole_select");
+    EXPECT_EQ(last_undo(), undo) << "a refusal costs no step";
 }
 
 TEST_F(Geometry, BevelMovesCornersAlongBisectorAndNormal)
