@@ -34,7 +34,7 @@ object_t *vesk_read_model(const std::string &filename)
     complaints_clear();
     file_text text;
     if (!file_text_read(name.c_str(), &text)) {
-        windows_message_dialog("Load VESK file:\n\ncan't open file %s for reading", name.c_str());
+        windows_message_dialog("Load VESK file:\n\ncan't open file %s for reading\n", name.c_str());
         return nullptr;
     }
     const char *first = nullptr;

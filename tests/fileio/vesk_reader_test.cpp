@@ -198,7 +198,7 @@ TEST_F(Reader, TellsOfAFileThatCannotBeOpened)
 {
     EXPECT_EQ(readfile_vesk2("/nowhere/x.vesk"), nullptr);
     EXPECT_EQ(recording().boxes.at(0),
-              "Load VESK file:\n\ncan't open file /nowhere/x.vesk for reading");
+              "Load VESK file:\n\ncan't open file /nowhere/x.vesk for reading\n");
 }
 
 TEST_F(Reader, ShowsItsStagesAndNoTouchOfTheWorld)
