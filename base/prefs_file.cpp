@@ -12,6 +12,7 @@
 #include "base/ui_port.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -61,6 +62,14 @@ int boolean_of(const char *value)
     return truncated(double_of(value));
 }
 
+// "0xFF00C0"; anything else leaves the setting.
+void read_hex(const char *value, int *out)
+{
+    if (value[0] == '0' && value[1] == 'x' &&
+        std::isxdigit(static_cast<unsigned char>(value[2])) != 0)
+        *out = static_cast<int>(unsigned_of_hex(value));
+}
+
 void set_value(const vesk_pref_t &row, const char *value)
 {
     switch (row.kind) {
@@ -71,7 +80,7 @@ void set_value(const vesk_pref_t &row, const char *value)
         *static_cast<int *>(row.address) = truncated(double_of(value));
         break;
     case PREF_HEX:
-        *static_cast<int *>(row.address) = static_cast<int>(unsigned_of_hex(value));
+        read_hex(value, static_cast<int *>(row.address));
         break;
     case PREF_STRING:
         prefs_set_string(static_cast<char **>(row.address), value);
@@ -87,7 +96,7 @@ void set_value(const vesk_pref_t &row, const char *value)
 // One line after the header; false stops the reading.
 bool read_setting(const std::string &line, int number)
 {
-    if (line[0] == '\n' || line[0] == '#')
+    if (line[0] == '\n' || line[0] == '#' || line == "\r\n")
         return true;
     std::string tokenized = line;
     char *tokens[VESK_MAX_TOKENS];

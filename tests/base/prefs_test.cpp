@@ -69,7 +69,7 @@ TEST_F(Prefs, EverythingSurvivesSavingAndReading)
 TEST_F(Prefs, ValuesAreReadLeniently)
 {
     read("VESKPR 12\n# a comment\n\nGRID 2.5\ngridsnap 1\nsphere_triangles 0.7\nfov 49.9\n"
-         "col_line 0xFF00ff\nno_such_key 5\nmeshx 3\n");
+         "col_line 0xFF00ff\nno_such_key 5\nmeshx 3\n\r\ncol_box FF\r\nmeshy 5\r\n");
 
     EXPECT_EQ(prefs.grid, 2.5);
     EXPECT_EQ(prefs.gridsnap, 1);
@@ -77,6 +77,8 @@ TEST_F(Prefs, ValuesAreReadLeniently)
     EXPECT_EQ(prefs.fov, 49);
     EXPECT_EQ(prefs.col_line, 0xFF00FF);
     EXPECT_EQ(prefs.meshx, 3);
+    EXPECT_NE(prefs.col_box, 0xFF); // not as it is written: the setting stays
+    EXPECT_EQ(prefs.meshy, 5);
     EXPECT_NE(recording().console.find("prefs token 'no_such_key' in prefs file (line 8) - ignored "
                                        "(it's probably no longer used)\n"),
               std::string::npos);
