@@ -12,6 +12,7 @@
 #include "model/freed.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "plugin/loader.h"
 #include "view/tools.h"
 #include "view/uv_drag.h"
 
@@ -69,7 +70,7 @@ void before_command(const vesk_command_t *command, int count, const char *const 
 void after_command(const vesk_command_t *command, bool whole)
 {
     if (command_is_foreign(command) || !whole) {
-        mark_all_suspect();
+        mark_all_suspect(); // those of a fault, too
         freed_filter_foreign();
     }
 #ifdef VESK_CHECK_MARKS
@@ -87,7 +88,7 @@ void after_command(const vesk_command_t *command, bool whole)
     rescue_tell_failure();
 }
 
-void after_fault()
+void after_fault(const fault_t &fault)
 {
     tools_forget();
     uv_drag_forget();
@@ -95,6 +96,8 @@ void after_fault()
     world_check(vesk_get_world());
     undo_drop_unfilled(running().serial);
     rescue_write();
+    if (fault.foreign != nullptr)
+        plugin_tell_fault(fault.foreign);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "base/prefs.h"
 #include "base/session_state.h"
 #include "fileio/rescue.h"
+#include "plugin/loader.h"
 #include "program/startup.h"
 #include "shell/icon_image_tk.h"
 #include "shell/interp_tk.h"
@@ -277,6 +278,8 @@ int init_tcl_stuff(int, char **)
         place_main_window(interp);
         icon_image_install(interp);
     }
+    // After Tk's own handler, which therefore runs later: plug-ins end while the windows are there.
+    Tcl_CreateExitHandler([](ClientData) { plugins_exit(); }, nullptr);
     std::setlocale(LC_NUMERIC, "C");
     catch_end_signals();
     Tcl_CreateCommand(interp, "vesk", tcl_vesk_command, nullptr, nullptr);

@@ -94,6 +94,20 @@ TEST_F(Commands, ArgumentsAreConvertedByTheirLetters)
     EXPECT_EQ(given_text, "a b $x [exit]");
 }
 
+TEST_F(Commands, NumbersThatAFloatCannotHoldAreToldAndAreZero)
+{
+    vesk_add_command_full("many", erased(take_many), 15, "dffffffffffffff", nullptr, nullptr);
+    run("many", 7, "inf", "nan", "1e39", "-1e39", "3e38", 6, 7, 8, 9, 10, 11, 12, 13, 14);
+    const float expected[] = {0, 0, 0, 0, 3e38f, 6};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(given_floats[i], expected[i]) << i;
+    EXPECT_EQ(recording().console,
+              "many: argument 2, 'inf', is no number that can be used - 0 is taken\n"
+              "many: argument 3, 'nan', is no number that can be used - 0 is taken\n"
+              "many: argument 4, '1e39', is no number that can be used - 0 is taken\n"
+              "many: argument 5, '-1e39', is no number that can be used - 0 is taken\n");
+}
+
 TEST_F(Commands, UnknownTemplatesAndLettersAreTold)
 {
     vesk_add_command_full("odd", erased(take_text), 2, "fs", nullptr, nullptr);
@@ -144,6 +158,7 @@ TEST_F(Commands, AFaultCostsADialogAndTheSessionStateComesBack)
               "Exception occured in command crash\ncode: 0xc0000005\ntype: "
               "EXCEPTION_ACCESS_VIOLATION\n\nPlease report this to Dovan");
     EXPECT_EQ(session().command_depth, 0);
+    EXPECT_EQ(command_result_get(), nullptr);
     run("throw");
     EXPECT_TRUE(recording().boxes.back().starts_with(
         "Exception occured in command throw\nException what()=broken\nLast Error: "));
