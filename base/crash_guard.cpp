@@ -101,8 +101,9 @@ int is_untrusted_module(dl_phdr_info *info, size_t, void *data)
         if (header.p_type != PT_LOAD || search->address < start ||
             search->address >= start + header.p_memsz)
             continue;
-        for (const char *part :
-             {"mimalloc", "_dri.so", "libGL", "libgallium", "libLLVM", "nvidia"}) {
+        // libGLU computes only.
+        for (const char *part : {"mimalloc", "_dri.so", "libGL.", "libGLX", "libGLdispatch",
+                                 "libgallium", "libLLVM", "nvidia"}) {
             if (strstr(info->dlpi_name, part) != nullptr)
                 search->untrusted = true;
         }
