@@ -424,6 +424,7 @@ object_t *readfile_vesk_old2(const char *filename)
         return nullptr;
     }
     display_message("calculating normals...");
+    complain_of_numbers(top);
     object_calc_normals_force(top);
     tell_load_done();
     return top;

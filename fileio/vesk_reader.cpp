@@ -64,6 +64,7 @@ object_t *vesk_read_model(const std::string &filename)
         return nullptr;
     }
     display_message("calculating normals...");
+    complain_of_numbers(top);
     object_calc_normals_force(top);
     tell_load_done();
     return top;
@@ -88,7 +89,9 @@ object_t *vesk_object_of_text(std::string_view text)
     object_t *top = read_tree(copy, first, "", &moved_bar);
     if (moved_bar)
         set_progress_bar(0);
-    if (top)
+    if (top) {
+        complain_of_numbers(top);
         object_calc_normals_force(top);
+    }
     return top;
 }

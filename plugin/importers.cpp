@@ -12,6 +12,7 @@
 #include "base/ui_port.h"
 #include "edit/document/selection.h"
 #include "fileio/export_3ds.h"
+#include "fileio/finite_numbers.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_lightwave.h"
@@ -21,6 +22,7 @@
 #include "fileio/vesk_reader.h"
 #include "model/change_marks_internal.h"
 #include "model/freed.h"
+#include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
@@ -161,8 +163,13 @@ object_t *vesk_import_file(const char *filename)
     object_t *object = load_guarded(importer, filename);
     if (object == nullptr)
         return nullptr;
-    if (importer->load != vesk_import_vesk)
+    if (importer->load != vesk_import_vesk && object != vesk_get_world()) {
         import_fit_names(object);
+        if (const int wrong = numbers_make_finite(object); wrong > 0) {
+            vesk_report_warning(0, "%d numbers are none or too large: 0 is taken", wrong);
+            object_calc_normals_force(object);
+        }
+    }
     count_import(object, ui_port().now_seconds() - began);
     return object;
 }
