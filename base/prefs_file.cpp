@@ -25,7 +25,7 @@ namespace {
 
 constexpr const char *file_name = "veskprefs.txt";
 constexpr int file_version = 12;
-constexpr size_t line_limit = 254; // longer lines are split and their rest is the next line
+constexpr size_t line_limit = 254; // of a longer line without quotes the rest is the next line
 
 // The window geometry settings by view id: x, y, width, height.
 int *const geometry[][4] = {
@@ -36,12 +36,15 @@ int *const geometry[][4] = {
     {&prefs.cpwin_x, &prefs.cpwin_y, &prefs.cpwin_width, &prefs.cpwin_height},
 };
 
-// The next line of `text` from `at` on, its line end included, at most 254 characters.
+// The next line of `text` from `at` on, its line end included: of one with a text in quotes all, of
+// others at most 254 characters.
 std::string next_line(const std::string &text, size_t *at)
 {
     const size_t line_end = text.find('\n', *at);
     const size_t whole = line_end == std::string::npos ? text.size() - *at : line_end + 1 - *at;
-    const std::string line = text.substr(*at, std::min(whole, line_limit));
+    std::string line = text.substr(*at, whole);
+    if (line.find('"') == std::string::npos)
+        line.resize(std::min(whole, line_limit));
     *at += line.size();
     return line;
 }
@@ -60,6 +63,19 @@ int boolean_of(const char *value)
     if (strcasecmp(value, "FALSE") == 0)
         return 0;
     return truncated(double_of(value));
+}
+
+// The text in quotes on a line: a backslash stands before quotes and backslashes, "\n" and "\r" are
+// line ends.
+std::string quoted_text(const std::string &line)
+{
+    std::string text;
+    for (size_t i = line.find('"') + 1; i < line.size() && line[i] != '"'; ++i) {
+        const bool escaped = line[i] == '\\' && i + 1 < line.size();
+        const char c = escaped ? line[++i] : line[i];
+        text += escaped && c == 'n' ? '\n' : escaped && c == 'r' ? '\r' : c;
+    }
+    return text;
 }
 
 // "0xFF00C0"; anything else leaves the setting.
@@ -114,7 +130,8 @@ bool read_setting(const std::string &line, int number)
                        "longer used)\n",
                        tokens[0], number);
     } else {
-        set_value(*row, tokens[1]);
+        const bool quoted = row->kind == PREF_STRING && line.find('"') != std::string::npos;
+        set_value(*row, quoted ? quoted_text(line).c_str() : tokens[1]);
     }
     return true;
 }
@@ -174,9 +191,9 @@ void append_quoted(std::string &out, const char *text)
 {
     out += '"';
     for (const char *p = text == nullptr ? "" : text; *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
+        if (*p == '"' || *p == '\\' || *p == '\n' || *p == '\r')
             out += '\\';
-        out += *p;
+        out += *p == '\n' ? 'n' : *p == '\r' ? 'r' : *p;
     }
     out += '"';
 }

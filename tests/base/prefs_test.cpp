@@ -84,6 +84,27 @@ TEST_F(Prefs, ValuesAreReadLeniently)
               std::string::npos);
 }
 
+TEST_F(Prefs, TextsOfAnyLengthAndContentCostNothingBelowThem)
+{
+    const std::string header = "two\nlines, \\n, \"quoted\"\r" + std::string(1000, '\\');
+    prefs_set_string(&prefs.pov_file_header, header.c_str());
+    prefs.fov = 31;
+    run("save_settings");
+    prefs_set_defaults();
+    init_prefs();
+    EXPECT_EQ(prefs.pov_file_header, header);
+    EXPECT_EQ(prefs.fov, 31);
+    for (const vesk_pref_t &row : prefs_table()) // each stands below some other
+        if (row.kind == PREF_STRING)
+            prefs_set_string(static_cast<char **>(row.address), header.c_str());
+    prefs.meshx = 77;
+    run("save_settings");
+    prefs_set_defaults();
+    init_prefs();
+    EXPECT_EQ(prefs.meshx, 77);
+    EXPECT_EQ(prefs.render_command, header);
+}
+
 TEST_F(Prefs, ALineThatIsNoPairStopsTheReading)
 {
     read("VESKPR 12\nmeshx 3\nmeshy\nfov 20\n");

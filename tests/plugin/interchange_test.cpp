@@ -394,6 +394,15 @@ TEST_F(Interchange, NamesDoNotBreakTheModelFile)
     EXPECT_TRUE(std::string(parts()[1]->name).starts_with("kids xxx"));
 }
 
+TEST_F(Interchange, ALibraryOfMaterialsIsReadOnce)
+{
+    write_text(temporary_file("bumpy.mtl"), "newmtl a\nmap_Bump b.png\n");
+    ASSERT_EQ(load("bumpy.obj", "mtllib bumpy.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nusemtl a\nmtllib "
+                                "bumpy.mtl\nf 1 2 3\nmtllib bumpy.mtl\nf 1 2 3\n"),
+              "1");
+    EXPECT_EQ(complaints(), "1 pictures by map_Bump in bumpy.mtl are not read\n");
+}
+
 TEST_F(Interchange, TexturesThatAreMissingKeepTheirNames)
 {
     write_text(temporary_file("lost.mtl"), "newmtl p\nmap_Kd some where/oak.png\n");
