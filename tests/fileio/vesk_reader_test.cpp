@@ -236,7 +236,7 @@ TEST_F(Reader, TakesZeroForWhatIsNoNumber)
                    "kids 0\n"),
               "poly''(1 2 0)(0 5 6)(7 0 9)[0 m1 0/0/0.5]");
     EXPECT_EQ(last_message(),
-              "1 problem in the file: 6 numbers are none or too large - 0 is taken");
+              "1 problem in the file: 5 numbers are none or too large - 0 is taken");
 }
 
 struct words_case {

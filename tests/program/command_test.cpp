@@ -108,6 +108,28 @@ TEST_F(Commands, NumbersThatAFloatCannotHoldAreToldAndAreZero)
               "many: argument 5, '-1e39', is no number that can be used - 0 is taken\n");
 }
 
+TEST_F(Commands, ResultsThatNoFloatHoldsAreTakenBack)
+{
+    select_object(add_cube("cube"));
+    run("rotate", 3.4e38, 0, 0); // a turn like any other
+    run("move", 0, 1, 0);
+    run("move", 3e38, 0, 0);
+    const std::string before = run("get_selection_centre") + run("get_selection_size");
+    for (const std::vector<std::string> &words :
+         {std::vector<std::string>{"move", "3e38", "0", "0"},
+          {"rotate_about", "45", "45", "0", "-3e38", "3e38", "-3e38"},
+          {"move_with_undo", "3e38", "0", "0"}}) {
+        const std::string undo = last_undo();
+        run_words(words);
+        EXPECT_TRUE(last_message().ends_with(
+            "the result is beyond what coordinates can hold: nothing was changed"))
+            << words[0];
+        EXPECT_EQ(run("get_selection_centre") + run("get_selection_size"), before) << words[0];
+        EXPECT_EQ(last_undo(), undo);
+    }
+    EXPECT_EQ(selection_get_num_objects(), 1);
+}
+
 TEST_F(Commands, UnknownTemplatesAndLettersAreTold)
 {
     vesk_add_command_full("odd", erased(take_text), 2, "fs", nullptr, nullptr);
