@@ -241,9 +241,8 @@ void command_vesk_material_set_name(int i, const char *name)
         display_message("name material - no palette entry %d", i);
         return;
     }
-    const std::string fitting = material_name_for_files(name);
     new_undo_state("name material");
-    vesk_material_set_name(vesk_palette_get_material(i), fitting.c_str());
+    vesk_material_set_name(vesk_palette_get_material(i), name);
     palette_mark();
     display_status();
 }

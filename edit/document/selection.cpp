@@ -1,4 +1,5 @@
 #include "base/coor_display.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
@@ -224,8 +225,11 @@ void selection_changed(const char *tag)
 {
     ++state.changes;
     debugf("SELECTION CHANGED (%s)\n", tag);
-    for (size_t i = 0; i < state.callbacks.size(); ++i) // a callback may add another
-        state.callbacks[i].function(tag, state.callbacks[i].user_data);
+    for (size_t i = 0; i < state.callbacks.size(); ++i) { // a callback may add another
+        const callback_t callback = state.callbacks[i];
+        const foreign_scope scope(code_of_function(callback.function));
+        callback.function(tag, callback.user_data);
+    }
 }
 
 void clear_selection(void)

@@ -4,6 +4,7 @@
 #include "base/crash_guard.h"
 #include "base/file_report.h"
 #include "base/filename.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/ui_port.h"
 #include "model/alloc_internal.h"
@@ -101,9 +102,12 @@ VESKImage *load_guarded(const texture_loader_t *loader, const char *filename)
 {
     VESKImage *image = nullptr;
     fault_t fault;
-    const bool returned = guarded_with_recovery([&] { image = loader->load(filename); }, &fault);
-    if (!loader->built_in)
-        mark_all_suspect();
+    const bool returned = guarded_with_recovery(
+        [&] {
+            const foreign_scope scope(code_of_function(loader->load), loader->built_in == 0);
+            image = loader->load(filename);
+        },
+        &fault);
     if (!returned) {
         const std::string text =
             "The texture loader for " + std::string(loader->suffixes) + " files failed on " +

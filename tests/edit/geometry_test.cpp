@@ -9,6 +9,7 @@
 #include "edit/holes.h"
 #include "edit/primitives.h"
 #include "edit/triangulate.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/identity.h"
@@ -265,6 +266,21 @@ TEST_P(Triangulate, CoversThePolygonAndKeepsWhatItCarries)
     expect_sound(object);
 }
 INSTANTIATE_TEST_SUITE_P(Polygons, Triangulate, testing::ValuesIn(triangulation_cases));
+
+// The tessellator does not survive them.
+TEST_F(Geometry, CornersThatAreNoNumbersAreNotTriangulated)
+{
+    object_t *object = add_polygon({{0, 0, 0}, {2, 0, 0}, {3, 1, 0}, {2, 2, 0}, {0, 2, 0}}, 0);
+    select_object(object);
+    for (const float wrong : {NAN, INFINITY}) {
+        for (vertex *point : each<vertex>(object->vertices))
+            point->position.x = wrong;
+        mark_all_suspect();
+        run("surface_triangulate");
+        EXPECT_EQ(object->num_surfaces, 1);
+        EXPECT_NE(recording().boxes.back().find("polys not triangulated: 1"), std::string::npos);
+    }
+}
 
 // ---- attributes ----
 
