@@ -9,6 +9,8 @@ target_sources(vesk_tests PRIVATE
     edit/information_test.cpp
     edit/many_objects_test.cpp
     edit/measure_test.cpp
+    edit/mesh_corpus.cpp
+    edit/mesh_corpus_test.cpp
     edit/object_properties_test.cpp
     edit/panel_transform_test.cpp
     edit/pieces_test.cpp
