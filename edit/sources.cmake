@@ -11,6 +11,7 @@ target_sources(vesk_core PRIVATE
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
+    edit/inset.cpp
     edit/link_surfaces.cpp
     edit/make_surface.cpp
     edit/measure.cpp
@@ -30,6 +31,7 @@ target_sources(vesk_core PRIVATE
     edit/snap.cpp
     edit/subdivide.cpp
     edit/surface_attributes.cpp
+    edit/surface_edit.cpp
     edit/transform.cpp
     edit/transform_undo.cpp
     edit/triangulate.cpp
@@ -40,8 +42,10 @@ target_sources(vesk_core PRIVATE
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
+    edit/mesh/polygon_plane.cpp
     edit/mesh/position_index.cpp
     edit/mesh/surface_copy.cpp
+    edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_use.cpp
     edit/document/current_object.cpp

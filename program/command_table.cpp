@@ -244,7 +244,7 @@ void register_commands()
     undo_install_kinds(transform_undo_kinds());
     for (const auto &list :
          {model_commands(), check_commands(), file_commands(), history_commands(), panel_commands(),
-          preference_commands(), recovery_commands(), uv_commands()}) {
+          preference_commands(), recovery_commands(), uv_commands(), topology_commands()}) {
         for (const own_command_t &command : list)
             command_add_own(command);
     }

@@ -170,7 +170,7 @@ namespace eval ::vesk::menus {
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
             {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
-            {surface extrude} -
+            {surface inset} {surface extrude} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {create surface_create_object}
             {surface removesurface} {edit delete}}

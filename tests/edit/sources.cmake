@@ -15,6 +15,7 @@ target_sources(vesk_tests PRIVATE
     edit/panel_transform_test.cpp
     edit/pieces_test.cpp
     edit/primitives_test.cpp
+    edit/region_edit_test.cpp
     edit/revolve_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
