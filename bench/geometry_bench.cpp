@@ -237,6 +237,7 @@ const operation_t operations[] = {
     {"hole every face",      terrain,      "object",  {"surface_make_hole"}, hole_alone,   "bare records", nullptr, bare_records},
     {"bevel every face",     terrain,      "object",  {"surface_bevel"}, bevel_alone,       "bare records", nullptr, bare_records},
     {"subdivide all",        terrain,      "object",  {"surface_subdivide"}, nullptr,   "bare records", nullptr, bare_records},
+    {"catmull-clark all",    terrain,      "object",  {"catmull_clark", "1"}, nullptr,  "bare records", nullptr, bare_records},
     {"spike all",            terrain,      "object",  {"surface_spike"}, nullptr,       "bare records", nullptr, bare_records},
     {"insert vertices",      terrain,      "object",  {"insert_vertex"}, nullptr,       "bare records", nullptr, bare_records},
     {"unshare all",          terrain,      "vertex",  {"unshare_vertices"}, nullptr,    "bare records", nullptr, bare_records},

@@ -1,5 +1,6 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
+    edit/catmull_clark.cpp
     edit/create.cpp
     edit/delete.cpp
     edit/drag_transform.cpp

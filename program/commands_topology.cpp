@@ -1,5 +1,6 @@
 #include "base/command_row.h"
 #include "base/numbers.h"
+#include "edit/catmull_clark.h"
 #include "edit/inset.h"
 #include "program/own_commands.h"
 
@@ -19,6 +20,8 @@ std::span<const own_command_t> topology_commands()
         command_row("inset", inset_words, edit, 3, 3,
                     "<float width> <float depth> <string each or region>",
                     "a smaller polygon inside each selected one, or each region"),
+        command_row("catmull_clark", command_catmull_clark, edit, "<int steps>",
+                    "smooth subdivision into quads"),
     };
     return rows;
 }

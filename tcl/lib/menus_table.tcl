@@ -223,6 +223,8 @@ proc ::vesk::menus::define {name label rows} {
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+        "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
