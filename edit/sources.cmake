@@ -7,6 +7,7 @@ target_sources(vesk_core PRIVATE
     edit/duplicate.cpp
     edit/edge_mesh.cpp
     edit/extrude.cpp
+    edit/extrude_normals.cpp
     edit/extrude_path.cpp
     edit/group.cpp
     edit/holes.cpp

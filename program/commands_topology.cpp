@@ -1,6 +1,7 @@
 #include "base/command_row.h"
 #include "base/numbers.h"
 #include "edit/catmull_clark.h"
+#include "edit/extrude_normals.h"
 #include "edit/inset.h"
 #include "program/own_commands.h"
 
@@ -9,6 +10,11 @@ namespace {
 void inset_words(int /*count*/, const char *const *words)
 {
     command_inset(finite_float_of(words[0]), finite_float_of(words[1]), words[2]);
+}
+
+void shell_words(int /*count*/, const char *const *words)
+{
+    command_shell(finite_float_of(words[0]), int_of(words[1]));
 }
 
 } // namespace
@@ -22,6 +28,12 @@ std::span<const own_command_t> topology_commands()
                     "a smaller polygon inside each selected one, or each region"),
         command_row("catmull_clark", command_catmull_clark, edit, "<int steps>",
                     "smooth subdivision into quads"),
+        command_row("extrude_each", command_extrude_each, edit, "<float distance>",
+                    "extrude every selected surface along its own normal"),
+        command_row("extrude_normals", command_extrude_normals, edit, "<float distance>",
+                    "extrude the selected regions along their normals, evenly"),
+        command_row("shell", shell_words, edit, 2, 2, "<float thickness> <int rim>",
+                    "give the selected surfaces a thickness"),
     };
     return rows;
 }

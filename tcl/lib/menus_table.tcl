@@ -207,6 +207,12 @@ proc ::vesk::menus::define {name label rows} {
         {"Delete the original" pref extrude_delete_original bool}
         {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
+    {ask "Extrude e&ach..." {extrude_each {Distance number 0.1}} "" some
+        "Moves every selected surface along its own normal, with walls."}
+    {ask "Extrude al&ong normals..." {extrude_normals {Distance number 0.1}} "" some
+        "Moves connected surfaces evenly along their normals, with walls."}
+    {ask "Thic&kness..." {shell {Thickness number 0.1} {Rim choice {Closed 1 Open 0}}} "" some
+        "Gives the selected surfaces an inner side (shell)."}
     {run "&Define extrude path" {define_extrude_path} "" object "Takes the selection as the path."}
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}

@@ -170,8 +170,9 @@ namespace eval ::vesk::menus {
             {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
-            {surface surface_subdivide} {surface catmull_clark} {surface surface_make_hole} {surface surface_bevel}
-            {surface inset} {surface extrude} -
+            {surface surface_subdivide} {surface catmull_clark} {surface surface_make_hole}
+            {surface surface_bevel} {surface inset} {surface extrude} {surface extrude_each}
+            {surface extrude_normals} {surface shell} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {create surface_create_object}
             {surface removesurface} {edit delete}}

@@ -6,7 +6,8 @@ namespace eval ::vesk::options {
     variable fields             ;# row -> text or value of its field
     variable kept               ;# last typed values: command -> list
     # Operations whose options show their result at once, unless the selection is large.
-    variable live {extrude inset surface_make_hole surface_bevel surface_spike surface_spline revolve
+    variable live {extrude extrude_each extrude_normals shell inset surface_make_hole surface_bevel
+        surface_spike surface_spline revolve
         surface_loop_subdivision catmull_clark reduce move_with_undo move_to scale size_to rotate_with_undo
         rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
         set_texture_repeats set_texture_offsets}
