@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 
 namespace {
 
@@ -290,6 +291,16 @@ owned_list commit(std::vector<smooth_mesh> &meshes, bool collect)
 }
 
 } // namespace
+
+void object_catmull_clark(object_t *object, int steps)
+{
+    std::vector<int> all(object_flat(object)->num_surfaces());
+    std::iota(all.begin(), all.end(), 0);
+    std::vector<smooth_mesh> meshes;
+    meshes.push_back(mesh_of({object, std::move(all)}));
+    if (smooth_all(meshes, steps))
+        commit(meshes, false);
+}
 
 // ---- commands ----
 

@@ -209,7 +209,7 @@ proc ::vesk::menus::define {name label rows} {
         "Sweeps the selected surfaces along a vector."}
     {ask "Extrude e&ach..." {extrude_each {Distance number 0.1}} "" some
         "Moves every selected surface along its own normal, with walls."}
-    {ask "Extrude al&ong normals..." {extrude_normals {Distance number 0.1}} "" some
+    {ask "E&xtrude along normals..." {extrude_normals {Distance number 0.1}} "" some
         "Moves connected surfaces evenly along their normals, with walls."}
     {ask "Thic&kness..." {shell {Thickness number 0.1} {Rim choice {Closed 1 Open 0}}} "" some
         "Gives the selected surfaces an inner side (shell)."}
