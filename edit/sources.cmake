@@ -21,10 +21,12 @@ target_sources(vesk_core PRIVATE
     edit/object_place.cpp
     edit/object_properties.cpp
     edit/optimize.cpp
+    edit/orient.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
+    edit/quads_from_triangles.cpp
     edit/reduce.cpp
     edit/region_sweep.cpp
     edit/resize.cpp

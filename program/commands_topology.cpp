@@ -3,6 +3,8 @@
 #include "edit/catmull_clark.h"
 #include "edit/extrude_normals.h"
 #include "edit/inset.h"
+#include "edit/orient.h"
+#include "edit/quads_from_triangles.h"
 #include "program/own_commands.h"
 
 namespace {
@@ -34,6 +36,10 @@ std::span<const own_command_t> topology_commands()
                     "extrude the selected regions along their normals, evenly"),
         command_row("shell", shell_words, edit, 2, 2, "<float thickness> <int rim>",
                     "give the selected surfaces a thickness"),
+        command_row("quads_from_triangles", command_quads_from_triangles, edit, "<float degrees>",
+                    "join pairs of triangles to quads"),
+        command_row("orient_outwards", command_orient_outwards, edit, nullptr,
+                    "make the selected surfaces agree and face outwards"),
     };
     return rows;
 }

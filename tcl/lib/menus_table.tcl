@@ -234,7 +234,11 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
+    {ask "&Quads from triangles..." {quads_from_triangles {"Largest angle" number 30}} "" some
+        "Joins pairs of the selected triangles to four-sided surfaces."}
     {line}
+    {run "Face out&wards" {orient_outwards} "" some
+        "Turns selected surfaces over until they agree and face outwards."}
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
     {run "Change &vertex order" {surface_change_vertex_order} "" some
         "Starts each selected surface at its next vertex."}

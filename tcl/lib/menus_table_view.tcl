@@ -169,7 +169,8 @@ namespace eval ::vesk::menus {
             {object lock_selected} - {surface catmull_clark} {view fit_selected_all}
             {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
-        surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
+        surface {{edit step_back} - {surface surface_flip_normals} {surface orient_outwards}
+            {surface surface_triangulate} {surface quads_from_triangles}
             {surface surface_subdivide} {surface catmull_clark} {surface surface_make_hole}
             {surface surface_bevel} {surface inset} {surface extrude} {surface extrude_each}
             {surface extrude_normals} {surface shell} -

@@ -272,6 +272,8 @@ TEST_P(OverTheCorpus, KeepsWhatHolds)
 INSTANTIATE_TEST_SUITE_P(Commands, OverTheCorpus, testing::Values(
     random_case{"catmull_clark",     {"catmull_clark", "1"}},
     random_case{"catmull_clark_2",   {"catmull_clark", "2"}},
+    random_case{"quads",             {"quads_from_triangles", "40"}, true, true, true},
+    random_case{"orient",            {"orient_outwards"}},
     random_case{"extrude_each",      {"extrude_each", "0.2"}, true, false},
     random_case{"extrude_normals",   {"extrude_normals", "0.2"}, true, false},
     random_case{"shell",             {"shell", "0.05", "0"}, false, false},
