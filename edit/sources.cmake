@@ -39,6 +39,7 @@ target_sources(vesk_core PRIVATE
     edit/transform.cpp
     edit/transform_undo.cpp
     edit/triangulate.cpp
+    edit/vertex_tidy.cpp
     edit/weld.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
@@ -51,6 +52,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/surface_copy.cpp
     edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp
+    edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
     edit/document/current_object.cpp
     edit/document/edit_support.cpp

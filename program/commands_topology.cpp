@@ -5,6 +5,7 @@
 #include "edit/inset.h"
 #include "edit/orient.h"
 #include "edit/quads_from_triangles.h"
+#include "edit/vertex_tidy.h"
 #include "program/own_commands.h"
 
 namespace {
@@ -17,6 +18,11 @@ void inset_words(int /*count*/, const char *const *words)
 void shell_words(int /*count*/, const char *const *words)
 {
     command_shell(finite_float_of(words[0]), int_of(words[1]));
+}
+
+void smooth_words(int /*count*/, const char *const *words)
+{
+    command_smooth_vertices(finite_float_of(words[0]), int_of(words[1]));
 }
 
 } // namespace
@@ -40,6 +46,16 @@ std::span<const own_command_t> topology_commands()
                     "join pairs of triangles to quads"),
         command_row("orient_outwards", command_orient_outwards, edit, nullptr,
                     "make the selected surfaces agree and face outwards"),
+        command_row("flatten", command_flatten, edit, nullptr,
+                    "move the selected vertices onto their plane"),
+        command_row("circularize", command_circularize, edit, nullptr,
+                    "move the selected vertices onto a circle"),
+        command_row("straighten", command_straighten, edit, nullptr,
+                    "move chains of selected vertices onto lines"),
+        command_row("space_evenly", command_space_evenly, edit, nullptr,
+                    "space chains of selected vertices evenly"),
+        command_row("smooth_vertices", smooth_words, edit, 2, 2, "<float factor> <int steps>",
+                    "smooth the places of the selected vertices"),
     };
     return rows;
 }

@@ -271,5 +271,14 @@ proc ::vesk::menus::define {name label rows} {
     {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
     {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
+    {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
+}
+::vesk::menus::define arrange "Arrange" {
+    {run "&Flatten" {flatten} "" some "Moves each group of selected vertices onto its plane."}
+    {run "To a &circle" {circularize} "" some "Moves each group of selected vertices onto a circle."}
+    {run "&Straighten" {straighten} "" some "Moves chains of vertices onto the lines between their ends."}
+    {run "Space &evenly" {space_evenly} "" some "Gives chains of vertices even distances."}
+    {ask "S&mooth..." {smooth_vertices {Factor number 0.5} {Steps int 1}} "" some
+        "Moves the selected vertices towards their neighbours."}
 }

@@ -182,6 +182,8 @@ namespace eval ::vesk::menus {
             {view fit_selected_all}}
         vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
             {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
+            {arrange flatten} {arrange circularize} {arrange straighten} {arrange space_evenly}
+            {arrange smooth_vertices} -
             {select select_part_selected_surfaces} {edit delete}}
     }
 }

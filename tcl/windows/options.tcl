@@ -9,7 +9,8 @@ namespace eval ::vesk::options {
     variable live {extrude extrude_each extrude_normals shell inset surface_make_hole surface_bevel
         surface_spike surface_spline revolve
         surface_loop_subdivision catmull_clark reduce move_with_undo move_to scale size_to rotate_with_undo
-        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
+        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance smooth_vertices
+        quads_from_triangles
         set_texture_repeats set_texture_offsets}
     variable live_limit 20000   ;# vertices
     variable session {}         ;# of the open options: start, now, words, timer

@@ -22,6 +22,7 @@ target_sources(vesk_tests PRIVATE
     edit/subdivide_test.cpp
     edit/transform_test.cpp
     edit/tidy_surfaces_test.cpp
+    edit/vertex_tidy_test.cpp
     edit/weld_test.cpp
     edit/mesh/mesh_change_test.cpp
     edit/mesh/tessellator_test.cpp
