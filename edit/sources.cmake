@@ -31,6 +31,8 @@ target_sources(vesk_core PRIVATE
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
+    edit/select_more.cpp
+    edit/select_similar.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
@@ -43,6 +45,7 @@ target_sources(vesk_core PRIVATE
     edit/weld.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
+    edit/mesh/element_graph.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp

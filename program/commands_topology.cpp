@@ -5,6 +5,7 @@
 #include "edit/inset.h"
 #include "edit/orient.h"
 #include "edit/quads_from_triangles.h"
+#include "edit/select_more.h"
 #include "edit/vertex_tidy.h"
 #include "program/own_commands.h"
 
@@ -23,6 +24,11 @@ void shell_words(int /*count*/, const char *const *words)
 void smooth_words(int /*count*/, const char *const *words)
 {
     command_smooth_vertices(finite_float_of(words[0]), int_of(words[1]));
+}
+
+void similar_words(int /*count*/, const char *const *words)
+{
+    command_select_similar(words[0], finite_float_of(words[1]));
 }
 
 } // namespace
@@ -56,6 +62,20 @@ std::span<const own_command_t> topology_commands()
                     "space chains of selected vertices evenly"),
         command_row("smooth_vertices", smooth_words, edit, 2, 2, "<float factor> <int steps>",
                     "smooth the places of the selected vertices"),
+        command_row("select_grow", command_select_grow, select, nullptr,
+                    "select the neighbours of the selection, too"),
+        command_row("select_shrink", command_select_shrink, select, nullptr,
+                    "unselect what touches unselected elements"),
+        command_row("select_invert", command_select_invert, select, nullptr,
+                    "select what is not selected"),
+        command_row("select_linked", command_select_linked, select, nullptr,
+                    "select all that hangs together with the selection"),
+        command_row("select_similar", similar_words, select, 2, 2,
+                    "<string material, normal, area, length, corners or coplanar> "
+                    "<float tolerance>",
+                    "select what is like the selection"),
+        command_row("select_random", command_select_random, select, "<int percent> <int seed>",
+                    "select a random part"),
     };
     return rows;
 }

@@ -116,6 +116,17 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
+    {line}
+    {run "&Grow" {select_grow} "" some "Adds the neighbours of what is selected."}
+    {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
+    {run "Inv&ert" {select_invert} "" model "Selects what is not selected."}
+    {run "Lin&ked" {select_linked} "" some "Adds all that hangs together with the selection."}
+    {ask "S&imilar..." {select_similar {Property choice {Material material Normal normal Area area
+        Length length Corners corners Coplanar coplanar}} {Tolerance number 0.01}} "" some
+        "Adds what is like the selection: degrees, shares, numbers or distances apart."}
+    {ask "Ran&dom..." {select_random {Percent int 50} {Seed int 1}} "" model
+        "Keeps a random part of the selection, or of everything."}
+    {line}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }

@@ -175,7 +175,8 @@ namespace eval ::vesk::menus {
             {surface surface_bevel} {surface inset} {surface extrude} {surface extrude_each}
             {surface extrude_normals} {surface shell} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
-            {surface ::vesk::palette::apply_current} - {create surface_create_object}
+            {surface ::vesk::palette::apply_current} - {select select_grow} {select select_shrink}
+            {select select_linked} {select select_similar} - {create surface_create_object}
             {surface removesurface} {edit delete}}
         light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -
@@ -184,6 +185,7 @@ namespace eval ::vesk::menus {
             {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
             {arrange flatten} {arrange circularize} {arrange straighten} {arrange space_evenly}
             {arrange smooth_vertices} -
-            {select select_part_selected_surfaces} {edit delete}}
+            {select select_part_selected_surfaces} {select select_grow} {select select_shrink}
+            {select select_linked} {edit delete}}
     }
 }

@@ -18,6 +18,7 @@ target_sources(vesk_tests PRIVATE
     edit/primitives_test.cpp
     edit/region_edit_test.cpp
     edit/revolve_test.cpp
+    edit/select_more_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/transform_test.cpp
