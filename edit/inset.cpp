@@ -120,8 +120,14 @@ class inset_t {
 public:
     inset_t(surface_edit &edit, const surface_region &region, double width, double depth)
         : edit_(edit), region_(region), mesh_(region.mesh()), depth_(depth),
-          slides_(region.fan_slides()), widths_(region.num_parts(), width)
+          slides_(region.fan_slides()), widths_(region.num_parts(), width),
+          bordered_(region.num_parts())
     {
+        for (std::size_t i = 0; i < region.polygons().size(); ++i) {
+            const int s = region.polygons()[i];
+            for (int c = mesh_.first_corner(s); c < mesh_.end_corner(s); ++c)
+                bordered_[region.part(i)] = bordered_[region.part(i)] || region.is_border(c);
+        }
     }
 
     // Both false when the user cancelled.
@@ -142,7 +148,8 @@ public:
         move_fans();
         edit_.change.reserve(0, 2 * region_.polygons().size(), 5 * region_.polygons().size());
         for (std::size_t i = 0; i < region_.polygons().size(); ++i) {
-            build_polygon(i);
+            if (bordered_[region_.part(i)])
+                build_polygon(i);
             if (!edit_.step())
                 return false;
         }
@@ -155,11 +162,12 @@ private:
     void move_fans()
     {
         std::vector<double> width_of(region_.num_fans());
-        std::vector<bool> on_border(region_.num_fans());
+        std::vector<bool> on_border(region_.num_fans()), lifted(region_.num_fans());
         for (std::size_t i = 0; i < region_.polygons().size(); ++i) {
             const int s = region_.polygons()[i];
             for (int c = mesh_.first_corner(s); c < mesh_.end_corner(s); ++c) {
                 width_of[region_.fan(c)] = widths_[region_.part(i)];
+                lifted[region_.fan(c)] = depth_ != 0 && bordered_[region_.part(i)];
                 if (!region_.is_border(c))
                     continue;
                 on_border[region_.fan(c)] = true;
@@ -174,9 +182,9 @@ private:
         for (std::size_t fan = 0; fan < vertices_.size(); ++fan) {
             const int old = vertices_[fan];
             slid_[fan] = to_vec3d(mesh_.position(old)) + slides_[fan] * width_of[fan];
-            if (!on_border[fan] && depth_ == 0)
+            if (!on_border[fan] && !lifted[fan])
                 continue; // stays
-            const vec3d lift = depth_ != 0 ? offsets[fan] * depth_ : vec3d{};
+            const vec3d lift = lifted[fan] ? offsets[fan] * depth_ : vec3d{};
             vertices_[fan] = edit_.change.add_vertex(to_point(slid_[fan] + lift), old);
         }
     }
@@ -214,6 +222,7 @@ private:
     double depth_;
     std::vector<vec3d> slides_;
     std::vector<double> widths_; // of the parts
+    std::vector<bool> bordered_; // the parts that are no closed bodies: those stay as they are
     bool limited_ = false;
     std::vector<int> vertices_; // of each fan, the one of the inner polygons
     std::vector<vec3d> slid_;   // and its place, before it is lifted

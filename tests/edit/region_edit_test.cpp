@@ -89,6 +89,17 @@ TEST_F(RegionEdit, InsetOfACornerOfABoxSlidesAlongItsFaces)
     expect_no_problems(object);
 }
 
+TEST_F(RegionEdit, AClosedBodyBesideARegionStaysAsItIs)
+{
+    object_t *boxes = corpus_with(MESH_CLOSED)[2].add(); // two in one object
+    select_surfaces_at(boxes, {0, 1, 2, 3, 4, 5, 7});
+    run("inset", "0.1", "0.1", "region");
+    EXPECT_EQ(last_message(), "inset - 1 surfaces");
+    EXPECT_EQ(boxes->num_surfaces, 12 + 4);
+    EXPECT_EQ(boxes->num_vertices, 16 + 4);
+    expect_closed(boxes);
+}
+
 TEST_F(RegionEdit, InsetDepthIsTheDistanceOfThePlanes)
 {
     object_t *object = corpus_with(MESH_CLOSED)[0].add();
