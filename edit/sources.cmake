@@ -2,6 +2,7 @@
 target_sources(vesk_core PRIVATE
     edit/bridge.cpp
     edit/connect.cpp
+    edit/catmull_clark.cpp
     edit/create.cpp
     edit/delete.cpp
     edit/dissolve.cpp
@@ -13,12 +14,14 @@ target_sources(vesk_core PRIVATE
     edit/edge_select.cpp
     edit/extrude.cpp
     edit/extrude_edges.cpp
+    edit/extrude_normals.cpp
     edit/extrude_path.cpp
     edit/fill_hole.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
+    edit/inset.cpp
     edit/link_surfaces.cpp
     edit/loop_cut.cpp
     edit/make_surface.cpp
@@ -27,36 +30,46 @@ target_sources(vesk_core PRIVATE
     edit/object_place.cpp
     edit/object_properties.cpp
     edit/optimize.cpp
+    edit/orient.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
+    edit/quads_from_triangles.cpp
     edit/reduce.cpp
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
     edit/slide.cpp
+    edit/select_more.cpp
+    edit/select_similar.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
     edit/surface_attributes.cpp
+    edit/surface_edit.cpp
     edit/transform.cpp
     edit/transform_undo.cpp
     edit/triangulate.cpp
+    edit/vertex_tidy.cpp
     edit/weld.cpp
     edit/mesh/borders.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
     edit/mesh/edge_topology.cpp
+    edit/mesh/element_graph.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
+    edit/mesh/polygon_plane.cpp
     edit/mesh/position_index.cpp
     edit/mesh/surface_copy.cpp
     edit/mesh/shortest_way.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_fan.cpp
+    edit/mesh/surface_region.cpp
+    edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
     edit/document/current_object.cpp
     edit/document/edge_selection.cpp

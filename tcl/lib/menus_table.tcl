@@ -116,6 +116,17 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
+    {line}
+    {run "&Grow" {select_grow} "" some "Adds the neighbours of what is selected."}
+    {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
+    {run "Inv&ert" {select_invert} "" model "Selects what is not selected."}
+    {run "Lin&ked" {select_linked} "" some "Adds all that hangs together with the selection."}
+    {ask "S&imilar..." {select_similar {Property choice {Material material Normal normal Area area
+        Length length Corners corners Coplanar coplanar}} {Tolerance number 0.01}} "" some
+        "Adds what is like the selection: degrees, shares, numbers or distances apart."}
+    {ask "Ran&dom..." {select_random {Percent int 50} {Seed int 1}} "" model
+        "Keeps a random part of the selection, or of everything."}
+    {line}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
@@ -214,6 +225,12 @@ proc ::vesk::menus::define {name label rows} {
         {"Delete the original" pref extrude_delete_original bool}
         {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
+    {ask "Extrude e&ach..." {extrude_each {Distance number 0.1}} "" some
+        "Moves every selected surface along its own normal, with walls."}
+    {ask "E&xtrude along normals..." {extrude_normals {Distance number 0.1}} "" some
+        "Moves connected surfaces evenly along their normals, with walls."}
+    {ask "Thic&kness..." {shell {Thickness number 0.1} {Rim choice {Closed 1 Open 0}}} "" some
+        "Gives the selected surfaces an inner side (shell)."}
     {run "&Define extrude path" {define_extrude_path} "" object "Takes the selection as the path."}
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}
@@ -222,15 +239,24 @@ proc ::vesk::menus::define {name label rows} {
         "Cuts a hole into each selected surface."}
     {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
+    {ask "&Inset..." {inset {Width number 0.1} {Depth number 0}
+        {Of choice {"Each surface" each "Each region" region}}} "" some
+        "A smaller surface inside each selected one, or each connected region."}
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+        "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
+    {ask "&Quads from triangles..." {quads_from_triangles {"Largest angle" number 30}} "" some
+        "Joins pairs of the selected triangles to four-sided surfaces."}
     {line}
+    {run "Face out&wards" {orient_outwards} "" some
+        "Turns selected surfaces over until they agree and face outwards."}
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
     {run "Change &vertex order" {surface_change_vertex_order} "" some
         "Starts each selected surface at its next vertex."}
@@ -263,5 +289,14 @@ proc ::vesk::menus::define {name label rows} {
     {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
     {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
+    {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
+}
+::vesk::menus::define arrange "Arrange" {
+    {run "&Flatten" {flatten} "" some "Moves each group of selected vertices onto its plane."}
+    {run "To a &circle" {circularize} "" some "Moves each group of selected vertices onto a circle."}
+    {run "&Straighten" {straighten} "" some "Moves chains of vertices onto the lines between their ends."}
+    {run "Space &evenly" {space_evenly} "" some "Gives chains of vertices even distances."}
+    {ask "S&mooth..." {smooth_vertices {Factor number 0.5} {Steps int 1}} "" some
+        "Moves the selected vertices towards their neighbours."}
 }

@@ -6,10 +6,10 @@ namespace eval ::vesk::options {
     variable fields             ;# row -> text or value of its field
     variable kept               ;# last typed values: command -> list
     # Operations whose options show their result at once, unless the selection is large.
-    variable live {extrude_normal extrude_select hole_select bevel_select surface_spike
-        surface_spline revolve
-        surface_loop_subdivision reduce move_with_undo move_to scale size_to rotate_with_undo
-        rotate_about_with_undo rotate_axis_angle_with_undo weld_distance
+    variable live {extrude_normal extrude_select extrude_each extrude_normals shell inset hole_select
+        bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
+        move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
+        rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets}
     variable live_limit 20000   ;# vertices
     variable session {}         ;# of the open options: start, now, words, timer
