@@ -39,6 +39,7 @@ proc ::vesk::main::build {} {
     bind .main <Configure> ::vesk::main::width_changed
     place_console
     if {!$::vesk::panel_shown} place_right
+    ::vesk::fields::own_keys
     foreach class {Entry TEntry TCombobox Text} {
         bind $class <Button-3> {::vesk::fieldmenu::popup %W %X %Y}
         foreach event {<Key-Menu> <Shift-Key-F10>} {
