@@ -8,7 +8,8 @@
 #include "base/redraw.h"
 #include "edit/document/element_text.h"
 #include "edit/document/modes.h"
-#include "edit/document/selection.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/step.h"
 #include "edit/insert_vertex.h"
 #include "edit/measure.h"
 #include "edit/object_place.h"
@@ -31,6 +32,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -63,6 +66,51 @@ void command_material_counts()
     for (const int count : counts)
         command_result_append_element(count);
 }
+
+// Palette entries of the selected surfaces and objects, the most frequent first.
+void command_selection_materials()
+{
+    std::map<int, int> counts;
+    for (const object_t *top : each<object_t>(selection().objects)) {
+        for_each_object(const_cast<object_t *>(top), [&](object_t *object) {
+            for (const flat_surface &surface : *object_flat(object)->surfaces)
+                ++counts[surface.material];
+        });
+    }
+    const owned_list surfaces(select_mode() == SELECT_SURFACE ? find_selected_whole_surfaces()
+                                                              : nullptr);
+    for (const surface_t *surface : each<surface_t>(surfaces.get()))
+        ++counts[surface->material];
+    std::vector<std::pair<int, int>> found; // count negated, entry
+    for (const auto &[entry, count] : counts)
+        found.emplace_back(-count, entry);
+    std::sort(found.begin(), found.end());
+    command_result_set("");
+    for (const auto &[count, entry] : found)
+        command_result_append_element(entry);
+}
+
+// Holds the history while the slider of an entry is dragged.
+std::unique_ptr<step_t> &palette_drag()
+{
+    static std::unique_ptr<step_t> step;
+    return step;
+}
+
+// An entry while its slider is dragged: neither a record nor a state of the history.
+void command_palette_preview(int, const char *const *words)
+{
+    if (palette_drag() == nullptr)
+        palette_drag() = std::make_unique<step_t>(step_t::of::drag);
+    float v[14];
+    for (int i = 0; i < 14; ++i)
+        v[i] = finite_float_of(words[i + 1]);
+    set_palette_entry(int_of(words[0]), v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9],
+                      v[10], v[11], v[12], v[13]);
+    redraw_all();
+}
+
+void command_palette_preview_end() { palette_drag().reset(); }
 
 // Selects every visible, unlocked surface of a palette entry.
 void command_material_select(int entry)
@@ -179,6 +227,13 @@ std::span<const own_command_t> panel_commands()
                     "take the transform back"),
         command_row("material_counts", command_material_counts, query, nullptr,
                     "returns the number of surfaces of each palette entry"),
+        command_row("selection_materials", command_selection_materials, query, nullptr,
+                    "returns the palette entries of what is selected, the most frequent first"),
+        command_row("palette_preview", command_palette_preview, part, 15, 15,
+                    "<int entrynum> <float ...>",
+                    "shows an entry while its slider is dragged, without a step of the history"),
+        command_row("palette_preview_end", command_palette_preview_end, part, nullptr,
+                    "ends the drag; the entry has its old values again by then"),
         command_row("material_select", command_material_select, select, "<int entrynum>",
                     "select the surfaces of a palette entry"),
         command_row("uv_outlines", command_uv_outlines, query, "<int most>",
