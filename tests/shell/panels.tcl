@@ -261,6 +261,32 @@ run {
         [lindex [vesk get_counts] 3] > 6 && [made] == 1 && ![winfo exists $options]
     }
 
+    # Options with a goal start from what is there, and change what was typed.
+    cube
+    vesk move_with_undo 0.1234567 0 0
+    set ::test::records $::undo_count
+    foreach {row what} {move_to centre size_to size} {
+        set there [$what]
+        open_options transform $row
+        key Return
+        check "$row without a number changes nothing" {[made] == 0 && [$what] eq $there}
+    }
+    open_options transform size_to
+    key Tab
+    type 5
+    key Return
+    check "and with one, only that" {
+        [made] == 1 && [near [size] {1 5 3}]
+    }
+    cube
+    foreach times {1 2} {
+        open_options transform move_with_undo
+        if {$times == 2} {key Return; continue}
+        type 2
+        key Return
+    }
+    check "moving starts from nothing each time" {[near [centre] {2 0 0}]}
+
     # A selection that no step made: each try works on it, and taking back keeps it.
     cube
     vesk group
