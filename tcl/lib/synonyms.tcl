@@ -84,7 +84,7 @@ namespace eval ::vesk::menus {
         snaptogrid                   {align quantise round}
         snaptogether                 {weld merge collapse "merge vertices"}
         snaptogetherdistance         {weld merge "merge vertices" "remove doubles" threshold}
-        unshare_vertices             {split rip tear unweld detach}
+        unshare_vertices             {rip tear unweld detach "split vertices"}
         ::vesk::view::toggle_focused {fullscreen}
         fit_all                      {frame zoom home}
         fit_selected_all             {frame focus zoom}

@@ -9,7 +9,7 @@ namespace eval ::vesk::palette {
     variable name ""            ;# of the current entry
     variable columns 8
     variable users {}           ;# surfaces of each entry, when they were counted
-    variable applying ""        ;# a click's material that is given unless a second click follows
+    variable applying ""        ;# the clicked entry, which is given unless a second click follows
 }
 
 # ---- entries ----
@@ -161,6 +161,7 @@ proc ::vesk::palette::bind_grid {grid} {
     }
     bind $grid <Button-1> {focus %W; ::vesk::palette::swatch_at %x %y}
     bind $grid <Double-Button-1> {::vesk::palette::edit_current}
+    bind $grid <Leave> {::vesk::palette::apply_clicked}
     bind $grid <Key-Return> ::vesk::palette::apply_current
     bind $grid <Button-3> {focus %W; ::vesk::palette::context %x %y %X %Y}
     foreach event {<Key-Menu> <Shift-Key-F10>} {
@@ -328,18 +329,29 @@ proc ::vesk::palette::swatch_below {x y} {
     return [expr {$column < $columns && $index < [llength $colours] ? $index : -1}]
 }
 
+# swatch_at, apply_clicked, edit_current --
+#   A click gives the selection the material, as Return does, unless a second click follows, which
+#   edits it. Whoever leaves the grid meanwhile clicked once.
 proc ::vesk::palette::swatch_at {x y} {
     variable applying
     set index [swatch_below $x $y]
+    apply_clicked
     if {$index < 0} {return}
     select $index
-    # A click gives the selection the material, as Return does; two clicks edit it.
-    after cancel $applying
-    if {[lindex [vesk get_counts] 2] > 0} {set applying [after 250 ::vesk::palette::apply_current]}
+    if {[lindex [vesk get_counts] 2] > 0} {
+        set applying $index
+        after 250 ::vesk::palette::apply_clicked
+    }
+}
+proc ::vesk::palette::apply_clicked {} {
+    variable applying
+    after cancel ::vesk::palette::apply_clicked
+    if {$applying ne ""} {::vesk::ops::run set_col $applying}
+    set applying ""
 }
 proc ::vesk::palette::edit_current {} {
-    variable applying
-    after cancel $applying
+    variable applying ""
+    after cancel ::vesk::palette::apply_clicked
     ::vesk::main::show_tab material
 }
 

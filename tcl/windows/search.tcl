@@ -173,8 +173,10 @@ proc ::vesk::search::ranked {typed} {
     foreach entry $entries {
         incr place
         set rank [rank $entry $typed]
-        # Of the same rank the shorter name.
-        if {$rank ne ""} {lappend found [list [expr {100 * $rank + [string length [lindex $entry 0]]}] $place]}
+        if {$rank eq ""} {continue}
+        # Of the same rank the shorter name; all of them in the order of the menus.
+        if {$typed ne ""} {set rank [expr {100 * $rank + [string length [lindex $entry 0]]}]}
+        lappend found [list $rank $place]
     }
     return [lmap pair [lsort -integer -index 0 $found] {lindex $pair 1}]
 }
