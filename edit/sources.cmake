@@ -71,5 +71,6 @@ target_sources(vesk_core PRIVATE
     edit/uv/uvmap.cpp
     edit/check/model_check.cpp
     edit/check/model_check_fix.cpp
+    edit/check/model_check_notes.cpp
     edit/check/model_check_search.cpp
 )

@@ -501,11 +501,16 @@ void find_bounding_box(void)
     for (const object_t *object : each<object_t>(all.objects)) {
         point3_t low, high;
         const int n = object_bounds(object, &low, &high);
-        if (n > 0) {
-            bounds_add(low, &all.box_min, &all.box_max);
-            bounds_add(high, &all.box_min, &all.box_max);
-        }
-        visited += n + add_lights(object, &all.box_min, &all.box_max);
+        if (n == 0)
+            continue;
+        visited += n;
+        bounds_add(low, &all.box_min, &all.box_max);
+        bounds_add(high, &all.box_min, &all.box_max);
+    }
+    // Beside geometry the lights, which often stand far away, do not count.
+    if (visited == 0) {
+        for (const object_t *object : each<object_t>(all.objects))
+            visited += add_lights(object, &all.box_min, &all.box_max);
     }
     // A box of coordinates that are no numbers is none.
     all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x &&
