@@ -18,6 +18,7 @@ target_sources(vesk_core PRIVATE
     edit/object_place.cpp
     edit/object_properties.cpp
     edit/optimize.cpp
+    edit/palette_preview.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp

@@ -9,11 +9,12 @@
 #include "edit/document/element_text.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
-#include "edit/document/step.h"
 #include "edit/insert_vertex.h"
+#include "edit/make_surface.h"
 #include "edit/measure.h"
 #include "edit/object_place.h"
 #include "edit/object_properties.h"
+#include "edit/palette_preview.h"
 #include "edit/panel_transform.h"
 #include "edit/uv/uv_editor.h"
 #include "model/each.h"
@@ -33,7 +34,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -90,27 +90,14 @@ void command_selection_materials()
         command_result_append_element(entry);
 }
 
-// Holds the history while the slider of an entry is dragged.
-std::unique_ptr<step_t> &palette_drag()
-{
-    static std::unique_ptr<step_t> step;
-    return step;
-}
-
-// An entry while its slider is dragged: neither a record nor a state of the history.
 void command_palette_preview(int, const char *const *words)
 {
-    if (palette_drag() == nullptr)
-        palette_drag() = std::make_unique<step_t>(step_t::of::drag);
-    float v[14];
-    for (int i = 0; i < 14; ++i)
-        v[i] = finite_float_of(words[i + 1]);
-    set_palette_entry(int_of(words[0]), v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9],
-                      v[10], v[11], v[12], v[13]);
+    palette_values values = {};
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = finite_float_of(words[i + 1]);
+    palette_preview(int_of(words[0]), values);
     redraw_all();
 }
-
-void command_palette_preview_end() { palette_drag().reset(); }
 
 // Selects every visible, unlocked surface of a palette entry.
 void command_material_select(int entry)
@@ -227,13 +214,13 @@ std::span<const own_command_t> panel_commands()
                     "take the transform back"),
         command_row("material_counts", command_material_counts, query, nullptr,
                     "returns the number of surfaces of each palette entry"),
+        command_row("surfaces_separate", command_surfaces_separate, edit, nullptr,
+                    "move the selected surfaces into objects of their own"),
         command_row("selection_materials", command_selection_materials, query, nullptr,
                     "returns the palette entries of what is selected, the most frequent first"),
         command_row("palette_preview", command_palette_preview, part, 15, 15,
                     "<int entrynum> <float ...>",
                     "shows an entry while its slider is dragged, without a step of the history"),
-        command_row("palette_preview_end", command_palette_preview_end, part, nullptr,
-                    "ends the drag; the entry has its old values again by then"),
         command_row("material_select", command_material_select, select, "<int entrynum>",
                     "select the surfaces of a palette entry"),
         command_row("uv_outlines", command_uv_outlines, query, "<int most>",

@@ -140,7 +140,9 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Re&volve..." {revolve {Axis choice {X 0 Y 1 Z 2}} {Degrees pref revolve_degs int}
         {Segments pref revolve_segments int}} "" object "Sweeps the selection around an axis."}
     {menu "Surface &from vertices" fromvertices "" "" "Joins the selected vertices."}
-    {run "&Object from surfaces" {surface_create_object} "" surface
+    {run "&Object from surfaces" {surfaces_separate} "" surface
+        "Moves the selected surfaces into an object of their own."}
+    {run "Object from copied surfaces" {surface_create_object} "" surface
         "Copies the selected surfaces into an object of their own."}
 }
 ::vesk::menus::define atorigin "At the origin" {

@@ -172,7 +172,7 @@ namespace eval ::vesk::menus {
             {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
             {surface extrude} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
-            {surface ::vesk::palette::apply_current} - {create surface_create_object}
+            {surface ::vesk::palette::apply_current} - {create surfaces_separate}
             {surface removesurface} {edit delete}}
         light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -

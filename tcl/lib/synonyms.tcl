@@ -38,7 +38,8 @@ namespace eval ::vesk::menus {
         new_cube                     {box}
         {createsurface 0}            {face fill "make face" bridge cap}
         {createsurface 2}            {edge connect}
-        surface_create_object        {separate detach extract}
+        surfaces_separate            {separate detach extract split}
+        surface_create_object        {extract}
         group                        {parent}
         ungroup                      {unparent}
         hide_selected                {invisible}

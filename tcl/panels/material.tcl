@@ -11,7 +11,6 @@ namespace eval ::vesk::material {
     variable picked ""          ;# text of the field that chooses and names
     variable loading 0          ;# the sliders are set by us
     variable pending ""
-    variable before ""          ;# the entry before the slider was dragged
     array set value {diffuse #000000 ambient #000000 emissive #000000 specular #000000
         shininess 10 transparency 0.00 diffuse,level 0 ambient,level 0 emissive,level 0
         specular,level 0}
@@ -252,11 +251,6 @@ proc ::vesk::material::moved {} {
 # preview --
 #   The model follows the drag without a step of the history.
 proc ::vesk::material::preview {} {
-    variable before
-    if {$before eq ""} {
-        set before [linsert [lrange [vesk get_material $::vesk::palette::current] 1 end] 0 \
-            $::vesk::palette::current]
-    }
     draw_ball
     vesk palette_preview {*}[entry_words]
 }
@@ -273,14 +267,8 @@ proc ::vesk::material::entry_words {} {
 #   Writes the values of the tab into the entry: one step, from what was before a drag.
 proc ::vesk::material::commit {} {
     variable pending
-    variable before
     after cancel $pending
     draw_ball
-    if {$before ne ""} {
-        vesk palette_preview {*}$before
-        vesk palette_preview_end
-    }
-    set before ""
     ::vesk::ops::run set_palette_entry {*}[entry_words]
     vesk redraw_all
 }

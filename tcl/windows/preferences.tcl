@@ -92,6 +92,12 @@ proc ::vesk::preferences::open {{wanted ""}} {
     focus $w.left.search.value
 }
 
+# seek --
+#   Searches for a text in the open window.
+proc ::vesk::preferences::seek {text} {
+    variable query $text
+}
+
 proc ::vesk::preferences::close {} {
     variable w
     # The field that loses the focus applies its text.
