@@ -219,7 +219,11 @@ std::span<const own_command_t> panel_commands()
         command_row("selection_materials", command_selection_materials, query, nullptr,
                     "returns the palette entries of what is selected, the most frequent first"),
         command_row("palette_preview", command_palette_preview, part, 15, 15,
-                    "<int entrynum> <float ...>",
+                    "<int entrynum> <float red> <float green> <float blue> <float ambient-red> "
+                    "<float ambient-green> <float ambient-blue> <float emissive-red> "
+                    "<float emissive-green> <float emissive-blue> <float specular-red> "
+                    "<float specular-green> <float specular-blue> <float shininess> "
+                    "<float transp>",
                     "shows an entry while its slider is dragged, without a step of the history"),
         command_row("material_select", command_material_select, select, "<int entrynum>",
                     "select the surfaces of a palette entry"),

@@ -236,6 +236,7 @@ proc ::vesk::fields::show_number {w variable number force} {
     set typing [expr {[focus] eq $w}]
     if {[set $variable] eq $number || (!$force && $typing && [being_typed $w])} {return}
     set $variable $number
+    mark_invalid $w 0
     if {$typing} {
         set before($w) $number
         $w selection range 0 end
@@ -307,7 +308,9 @@ proc ::vesk::fields::note_done {entry} {
     variable done
     if {![winfo exists $entry]} {return}
     set done [list $entry [$entry get]]
-    note_text $entry
+    # A text that was refused is not what the field holds.
+    set frame [expr {[winfo class $entry] eq "Entry" ? [winfo parent $entry] : $entry}]
+    if {[winfo class $frame] eq "Frame" || ![$frame instate invalid]} {note_text $entry}
 }
 proc ::vesk::fields::is_done {entry} {
     variable done

@@ -117,7 +117,9 @@ proc ::vesk::main::build_right {path} {
     foreach {name label} {object Object material Material palette Palette uv UV issues Issues} {
         $path.tabs add $path.tabs.$name -text $label
     }
-    bind $path.tabs <<NotebookTabChanged>> {after idle {::vesk::transform::refresh 1}}
+    set kept [::vesk::settings::get panel_tab]
+    if {[winfo exists $path.tabs.$kept]} {$path.tabs select $path.tabs.$kept}
+    bind $path.tabs <<NotebookTabChanged>> {::vesk::main::tab_changed %W}
     grid $path.objects -row 0 -sticky nswe
     grid $path.sash -row 1 -sticky we
     grid $path.tabs -row 2 -sticky nswe
@@ -181,6 +183,13 @@ proc ::vesk::main::width_changed {} {
         set ::vesk::panel_shown 1
         place_right
     }
+}
+
+# tab_changed --
+#   The Object tab was not refreshed while another one hid it; the tab is kept for the next session.
+proc ::vesk::main::tab_changed {tabs} {
+    ::vesk::settings::set_value panel_tab [winfo name [$tabs select]]
+    after idle {::vesk::transform::refresh 1}
 }
 
 proc ::vesk::main::show_tab {name} {
