@@ -31,6 +31,7 @@ target_sources(vesk_core PRIVATE
     edit/object_properties.cpp
     edit/optimize.cpp
     edit/orient.cpp
+    edit/palette_preview.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp
@@ -99,5 +100,6 @@ target_sources(vesk_core PRIVATE
     edit/uv/uvmap.cpp
     edit/check/model_check.cpp
     edit/check/model_check_fix.cpp
+    edit/check/model_check_notes.cpp
     edit/check/model_check_search.cpp
 )

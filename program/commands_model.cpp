@@ -17,15 +17,18 @@
 #include "edit/snap.h"
 #include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/matrix.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/texture_preview.h"
 #include "model/textures/textures.h"
+#include "model/vector.h"
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "program/command_table.h"
@@ -135,6 +138,8 @@ void command_object_info(int id)
     append_pair("url", text_or_empty(object->url));
     append_pair("data", text_or_empty(object->data));
     append_pair("centre", point_text(object->centre));
+    append_pair("angles", point_text(point_scale(matrix_angles(object->rotation),
+                                                 static_cast<float>(degrees_per_radian))));
     append_pair("size", point_text(find_object_size(object)));
 }
 

@@ -480,6 +480,23 @@ void select_part_selected_surfaces(void)
 
 // ---- the box ----
 
+namespace {
+
+// A light has no vertices: the place where it stands counts as one. Returns how many there are.
+int add_lights(const object_t *top, point3_t *min, point3_t *max)
+{
+    int lights = 0;
+    for_each_object(const_cast<object_t *>(top), [&](const object_t *part) {
+        if (part->type != OBJECT_LIGHT || part->vertices != nullptr)
+            return;
+        bounds_add(part->centre, min, max);
+        ++lights;
+    });
+    return lights;
+}
+
+} // namespace
+
 void find_bounding_box(void)
 {
     selection_t &all = selection();
@@ -503,6 +520,11 @@ void find_bounding_box(void)
         visited += n;
         bounds_add(low, &all.box_min, &all.box_max);
         bounds_add(high, &all.box_min, &all.box_max);
+    }
+    // Beside geometry the lights, which often stand far away, do not count.
+    if (visited == 0) {
+        for (const object_t *object : each<object_t>(all.objects))
+            visited += add_lights(object, &all.box_min, &all.box_max);
     }
     // A box of coordinates that are no numbers is none.
     all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x &&

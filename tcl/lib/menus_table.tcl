@@ -85,10 +85,10 @@ proc ::vesk::menus::define {name label rows} {
 ::vesk::menus::define transform "Transform" {
     {ask "&Move..." {move_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
         "Moves the selection by a distance."}
-    {ask "Move &to..." {move_to {X number 0} {Y number 0} {Z number 0}} "" some
+    {ask "Move &to..." {move_to {X centre 0} {Y centre 1} {Z centre 2}} "" some
         "Moves the middle of the selection to a point."}
     {ask "&Scale..." {scale {X number 1} {Y number 1} {Z number 1}} "" some "Multiplies the size of the selection."}
-    {ask "Si&ze to..." {size_to {X number 1} {Y number 1} {Z number 1}} "" some
+    {ask "Si&ze to..." {size_to {X size 0} {Y size 1} {Z size 2}} "" some
         "Gives the selection a size; an axis of no extent stays."}
     {ask "&Rotate..." {rotate_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
         "Turns the selection about its middle, in degrees."}
@@ -151,7 +151,9 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Re&volve..." {revolve {Axis choice {X 0 Y 1 Z 2}} {Degrees pref revolve_degs int}
         {Segments pref revolve_segments int}} "" object "Sweeps the selection around an axis."}
     {menu "Surface &from vertices" fromvertices "" "" "Joins the selected vertices."}
-    {run "&Object from surfaces" {surface_create_object} "" surface
+    {run "&Object from surfaces" {surfaces_separate} "" surface
+        "Moves the selected surfaces into an object of their own."}
+    {run "Object from copied surfaces" {surface_create_object} "" surface
         "Copies the selected surfaces into an object of their own."}
 }
 ::vesk::menus::define atorigin "At the origin" {

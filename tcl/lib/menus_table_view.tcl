@@ -176,7 +176,7 @@ namespace eval ::vesk::menus {
             {surface extrude_normals} {surface shell} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {select select_grow} {select select_shrink}
-            {select select_linked} {select select_similar} - {create surface_create_object}
+            {select select_linked} {select select_similar} - {create surfaces_separate}
             {surface removesurface} {edit delete}}
         light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -

@@ -345,6 +345,23 @@ TEST_F(Subdivide, SurfacesOfSeveralObjectsBecomeOne)
     expect_sound_scene();
 }
 
+TEST_F(Subdivide, SurfacesLeaveTheirObjectForOneOfTheirOwn)
+{
+    object_t *object = add_squares(2, 2);
+    object_set_name(object, "grid");
+    select_surfaces_at(object, {0, 1});
+    const std::string before = scene_text();
+    run("surfaces_separate");
+    ASSERT_EQ(vesk_get_world()->num_children, 2);
+    object_t *made = item_of<object_t>(vesk_get_world()->children->next);
+    EXPECT_EQ(made->num_surfaces, 2);
+    EXPECT_EQ(object->num_surfaces, 2);
+    EXPECT_EQ(selected_surfaces_of(made), (std::vector<int>{0, 1}));
+    run("undo");
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(vesk_get_world()->num_children, 1);
+}
+
 // ---- texture coordinates ----
 
 TEST_F(Subdivide, InitialTextureCoordinatesFillTheUnitSquare)

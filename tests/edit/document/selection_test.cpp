@@ -257,8 +257,12 @@ TEST_F(Selection, BoxIsOfEverythingSelectedAndOnlyThenValid)
     clear_selection();
     object_t *light = new_light();
     object_add_child(vesk_get_world(), light);
+    vesk_object_set_centre(light, 3, 2, 1);
     select_object(light);
-    EXPECT_EQ(selection().box_valid, 0);
+    EXPECT_EQ(run("get_selection_centre"), "3 2 1"); // the place of a light that is alone
+    EXPECT_EQ(run("get_selection_size"), "0 0 0");
+    select_object(d);
+    EXPECT_EQ(run("get_selection_size"), "1 1 1");
 }
 
 TEST_F(Selection, DeletedThingsLeaveIt)
