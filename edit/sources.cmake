@@ -26,6 +26,7 @@ target_sources(vesk_core PRIVATE
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
+    edit/slice.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
@@ -36,14 +37,18 @@ target_sources(vesk_core PRIVATE
     edit/weld.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
+    edit/mesh/exact.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
+    edit/mesh/planar_sides.cpp
+    edit/mesh/plane_cut.cpp
     edit/mesh/position_index.cpp
     edit/mesh/surface_copy.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_use.cpp
+    edit/mesh/wide_int.cpp
     edit/document/current_object.cpp
     edit/document/edit_support.cpp
     edit/document/element_text.cpp

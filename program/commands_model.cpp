@@ -11,6 +11,7 @@
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
 #include "edit/object_flags.h"
+#include "edit/slice.h"
 #include "edit/smooth_subdivide.h"
 #include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
@@ -321,6 +322,10 @@ std::span<const own_command_t> model_commands()
         command_row("create_outline", command_create_outline, edit,
                     "<string polygon, polyline or line> <string coordinates>",
                     "create a polygon or a line from x y z of each point"),
+        command_row("slice", command_slice, edit, 8, 8,
+                    "<float px> <float py> <float pz> <float nx> <float ny> <float nz> "
+                    "<string both, front or back> <int cap (0 or 1)>",
+                    "cut the selection by a plane"),
         command_row("create_light", command_create_light, edit, "<float x> <float y> <float z>",
                     "create a light"),
     };

@@ -222,6 +222,11 @@ proc ::vesk::menus::define {name label rows} {
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
+    {ask "Sl&ice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+        {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
+        {Keep choice {"Both sides" both "The front" front "The back" back}}
+        {Caps choice {None 0 "Closed by polygons" 1}}} "" some
+        "Cuts the selection by a plane; the front is where its normal points."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
     {line}
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}

@@ -166,11 +166,12 @@ namespace eval ::vesk::menus {
     variable context {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
-            {object lock_selected} - {view fit_selected_all} {view3d set_view_3d_selection}
+            {object lock_selected} - {surface slice} -
+            {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
             {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
-            {surface extrude} -
+            {surface extrude} {surface slice} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {create surface_create_object}
             {surface removesurface} {edit delete}}

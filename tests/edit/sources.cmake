@@ -14,10 +14,12 @@ target_sources(vesk_tests PRIVATE
     edit/pieces_test.cpp
     edit/primitives_test.cpp
     edit/revolve_test.cpp
+    edit/slice_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/transform_test.cpp
     edit/weld_test.cpp
+    edit/mesh/exact_test.cpp
     edit/mesh/mesh_change_test.cpp
     edit/mesh/tessellator_test.cpp
     edit/document/journal_test.cpp
