@@ -1,5 +1,6 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
+    edit/boolean.cpp
     edit/create.cpp
     edit/delete.cpp
     edit/drag_transform.cpp
@@ -35,6 +36,8 @@ target_sources(vesk_core PRIVATE
     edit/transform_undo.cpp
     edit/triangulate.cpp
     edit/weld.cpp
+    edit/mesh/box_tree.cpp
+    edit/mesh/crossings.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
     edit/mesh/exact.cpp
@@ -45,6 +48,9 @@ target_sources(vesk_core PRIVATE
     edit/mesh/planar_sides.cpp
     edit/mesh/plane_cut.cpp
     edit/mesh/position_index.cpp
+    edit/mesh/solid_boolean.cpp
+    edit/mesh/solid_faces.cpp
+    edit/mesh/solid_meshes.cpp
     edit/mesh/surface_copy.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_use.cpp

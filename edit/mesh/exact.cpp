@@ -270,6 +270,23 @@ int exact_points::cross_planes(const exact_plane &p, const exact_plane &q, const
     return point.w.sign() == 0 ? -1 : keep(point);
 }
 
+int exact_points::mix(std::span<const share_t> shares)
+{
+    homogeneous point;
+    point.w = wide_int(1);
+    std::int64_t total = 0;
+    for (const share_t &share : shares) {
+        // The sum of two quotients.
+        const wide_int w = part(share.point, 3), weight(share.weight);
+        for (int i = 0; i < 3; ++i)
+            point.x[i] = point.x[i] * w + part(share.point, i) * weight * point.w;
+        point.w = point.w * w;
+        total += share.weight;
+    }
+    point.w = point.w * wide_int(total);
+    return keep(point);
+}
+
 int exact_points::keep(homogeneous &point)
 {
     if (point.w.sign() < 0) {

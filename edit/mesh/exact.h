@@ -61,6 +61,12 @@ public:
     // one that was made or entered.
     int cross_edge(int a, int b, const exact_plane &plane);
     int cross_planes(const exact_plane &p, const exact_plane &q, const exact_plane &r);
+    // The mean of some points by these weights, which are positive.
+    struct share_t {
+        int point;
+        std::int64_t weight;
+    };
+    int mix(std::span<const share_t> shares);
 
 private:
     struct coefficients {

@@ -166,7 +166,7 @@ namespace eval ::vesk::menus {
     variable context {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
-            {object lock_selected} - {surface slice} -
+            {object lock_selected} - {object boolean} {surface slice} -
             {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}

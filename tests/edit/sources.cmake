@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    edit/boolean_test.cpp
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
     edit/extrude_test.cpp
