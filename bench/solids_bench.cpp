@@ -75,10 +75,10 @@ void bench(const char *name, int n, int spheres, std::initializer_list<const cha
         sphere(n, 0.7f * static_cast<float>(i));
     command({"set_select_mode", "object"});
     command({"select_all"});
-    const double seconds = best_of(1, [&] { command(words); }).wall;
+    const double seconds = best_of(1, [&] { command(words); }).cpu;
     int surfaces = 0;
     for_each_object(vesk_get_world(), [&](object_t *object) { surfaces += object->num_surfaces; });
-    std::printf("%-14s %9d triangles  %8.3f s  %6.0f ns a triangle  -> %d surfaces\n", name,
+    std::printf("%-14s %9d triangles  %8.3f s cpu  %6.0f ns a triangle  -> %d surfaces\n", name,
                 n * spheres, seconds, seconds * 1e9 / n / spheres, surfaces);
 }
 

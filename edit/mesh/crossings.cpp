@@ -26,19 +26,24 @@ public:
     finder(exact_points &points, const std::vector<solid_triangle> &triangles)
         : points_(points), triangles_(triangles)
     {
+        planes_.reserve(triangles.size());
+        for (const solid_triangle &t : triangles)
+            planes_.push_back(points.plane(t.v[0], t.v[1], t.v[2]));
     }
 
     // Keeps the pair for later when more than its common corners may meet.
     void consider(int a, int b);
+    // After all pairs were considered: points that are made later find the corners.
+    void enter_corners();
     void meet(const touching_pair &pair);
 
     std::vector<touching_pair> pairs;
     crossings_t found;
 
 private:
-    [[nodiscard]] exact_plane plane_of(const solid_triangle &t) const
+    [[nodiscard]] const exact_plane &plane_of(const solid_triangle &t) const
     {
-        return points_.plane(t.v[0], t.v[1], t.v[2]);
+        return planes_[&t - triangles_.data()];
     }
     static bool has(const solid_triangle &t, int p)
     {
@@ -68,6 +73,7 @@ private:
 
     exact_points &points_;
     const std::vector<solid_triangle> &triangles_;
+    std::vector<exact_plane> planes_; // of the triangles
 };
 
 // The sides of the triangle's corners to the other's plane; false when nothing but the common
@@ -75,7 +81,7 @@ private:
 bool finder::sides(const solid_triangle &of, const solid_triangle &other, int shared,
                    signs_t *out) const
 {
-    const exact_plane plane = plane_of(other);
+    const exact_plane &plane = plane_of(other);
     int front = 0, back = 0;
     for (std::size_t i = 0; i < 3; ++i) {
         const int side = has(other, of.v[i]) ? 0 : points_.side(plane, of.v[i]);
@@ -99,10 +105,20 @@ void finder::consider(int a, int b)
     if (flat && shared == 2 && !overlap(t, u))
         return;
     pairs.push_back(pair);
-    for (const int v : t.v)
-        points_.enter(v);
-    for (const int v : u.v)
-        points_.enter(v);
+}
+
+void finder::enter_corners()
+{
+    std::vector<bool> entered(points_.num_input());
+    for (const touching_pair &pair : pairs) {
+        for (const int t : {pair.a, pair.b}) {
+            for (const int v : triangles_[t].v) {
+                if (!entered[v])
+                    points_.enter(v);
+                entered[v] = true;
+            }
+        }
+    }
 }
 
 // The stretch of the triangle in the plane, in order; the same point twice for a touch.
@@ -136,7 +152,7 @@ void finder::note(int triangle, int from, int to, const exact_plane &plane)
 // How far the triangle reaches through the other's plane, on the side where it does so less.
 double finder::depth(const solid_triangle &t, const solid_triangle &other) const
 {
-    const exact_plane plane = plane_of(other);
+    const exact_plane &plane = plane_of(other);
     const double length = std::hypot(plane.normal[0], plane.normal[1], plane.normal[2]);
     double front = 0, back = 0;
     for (const int v : t.v) {
@@ -167,7 +183,7 @@ void finder::meet(const touching_pair &pair)
         clip_sides(pair.b, pair.a);
         return;
     }
-    const exact_plane t_plane = plane_of(t), u_plane = plane_of(u);
+    const exact_plane &t_plane = plane_of(t), &u_plane = plane_of(u);
     const std::array<int, 2> on_t = on_plane(u, t_plane, pair.b_sides);
     const std::array<int, 2> on_u = on_plane(t, u_plane, pair.a_sides);
     if (on_t[0] < 0 || on_u[0] < 0)
@@ -254,6 +270,7 @@ crossings_t find_crossings(exact_points &points, const std::vector<solid_triangl
                go_on(std::min(1.0, static_cast<double>(seen) / 6 /
                                        static_cast<double>(triangles.size())));
     });
+    search.enter_corners();
     for (std::size_t i = 0; complete && i < search.pairs.size(); ++i) {
         search.meet(search.pairs[i]);
         if (i % 256 == 0 && !go_on(1.0))

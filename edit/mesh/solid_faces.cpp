@@ -1,5 +1,6 @@
 #include "edit/mesh/solid_faces.h"
 
+#include "edit/mesh/edge_order.h"
 #include "edit/mesh/planar_sides.h"
 #include "edit/mesh/union_find.h"
 
@@ -255,9 +256,7 @@ void solid_faces::join_patches()
             uses.push_back({std::min(a, b), std::max(a, b), first, (a < b) != face.opposite});
         }
     }
-    std::sort(uses.begin(), uses.end(), [](const use_t &a, const use_t &b) {
-        if (a.low != b.low)
-            return a.low < b.low;
+    sort_edge_uses(uses, solids_.points().size(), [](const use_t &a, const use_t &b) {
         if (a.high != b.high)
             return a.high < b.high;
         return a.face != b.face ? a.face < b.face : a.forward < b.forward;

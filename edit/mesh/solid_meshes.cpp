@@ -1,3 +1,4 @@
+#include "edit/mesh/edge_order.h"
 #include "edit/mesh/position_index.h"
 #include "edit/mesh/solid_faces.h"
 #include "model/ear_cut.h"
@@ -101,10 +102,8 @@ std::vector<solid_meshes::open_edge_t> solid_meshes::open_edges() const
                 uses.push_back({std::min(a, b), std::max(a, b), units_[u].part, a < b ? 1 : -1, u});
         }
     }
-    std::sort(uses.begin(), uses.end(), [](const use_t &a, const use_t &b) {
-        return a.low != b.low     ? a.low < b.low
-               : a.high != b.high ? a.high < b.high
-                                  : a.part < b.part;
+    sort_edge_uses(uses, points_->size(), [](const use_t &a, const use_t &b) {
+        return a.high != b.high ? a.high < b.high : a.part < b.part;
     });
     std::vector<open_edge_t> open;
     for (std::size_t i = 0; i < uses.size();) {
