@@ -48,6 +48,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/planar_sides.cpp
     edit/mesh/plane_cut.cpp
     edit/mesh/position_index.cpp
+    edit/mesh/sliver_tidy.cpp
     edit/mesh/solid_boolean.cpp
     edit/mesh/solid_faces.cpp
     edit/mesh/solid_meshes.cpp

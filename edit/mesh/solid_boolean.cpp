@@ -2,6 +2,7 @@
 
 #include "edit/mesh/planar_sides.h"
 #include "edit/mesh/position_index.h"
+#include "edit/mesh/sliver_tidy.h"
 #include "model/vec3d.h"
 
 #include <algorithm>
@@ -56,6 +57,7 @@ private:
     void drop_needless();
     [[nodiscard]] bool lies_between(int p, int a, int b) const;
     void round();
+    void drop_unused();
     int rounded_point(int point);
     [[nodiscard]] bool is_outline(const solid_result::polygon_t &polygon) const;
 
@@ -313,7 +315,32 @@ solid_result assembler::make()
     }
     drop_needless();
     round();
+    tidy_slivers(result_.polygons, [&](int vertex) {
+        return vertex < result_.num_points ? points_.rounded(vertex)
+                                           : result_.new_points[vertex - result_.num_points];
+    });
+    drop_unused();
     return std::move(result_);
+}
+
+// Numbers the new points anew, without those that no polygon has any more.
+void assembler::drop_unused()
+{
+    std::vector<int> number(result_.new_points.size(), -1);
+    std::vector<point3_t> used;
+    for (solid_result::polygon_t &polygon : result_.polygons) {
+        for (solid_result::corner_t &corner : polygon.corners) {
+            if (corner.vertex < result_.num_points)
+                continue;
+            int &now = number[corner.vertex - result_.num_points];
+            if (now < 0) {
+                now = static_cast<int>(used.size());
+                used.push_back(result_.new_points[corner.vertex - result_.num_points]);
+            }
+            corner.vertex = result_.num_points + now;
+        }
+    }
+    result_.new_points.swap(used);
 }
 
 } // namespace

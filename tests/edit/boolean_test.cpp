@@ -96,6 +96,8 @@ double left_of(const solid_t &a, const solid_t &b, const char *operation, const 
     EXPECT_EQ(found.total(model_problem::open_edge), 0) << what;
     EXPECT_EQ(found.total(model_problem::flipped), 0) << what;
     EXPECT_EQ(found.total(model_problem::duplicate_vertex), 0) << what;
+    EXPECT_EQ(found.total(model_problem::unused_vertex), 0) << what;
+    EXPECT_EQ(found.total(model_problem::zero_area), 0) << what;
     return volume(result);
 }
 
