@@ -247,6 +247,19 @@ void merge_into(object_t *target, const std::vector<object_t *> &tops, merge_t &
 
 } // namespace
 
+std::vector<object_t *> objects_with_geometry(const std::vector<object_t *> &tops)
+{
+    return gather(tops).sources;
+}
+
+bool objects_merge(const std::vector<object_t *> &tops)
+{
+    merge_t merge = gather(tops);
+    if (!merge.sources.empty())
+        merge_into(tops.front(), tops, merge);
+    return merge.textures_differ;
+}
+
 // ---- commands ----
 
 void command_object_fragment() { apart("fragment", number_connected); }

@@ -5,6 +5,7 @@
 #include "base/numbers.h"
 #include "base/progress.h"
 #include "base/redraw.h"
+#include "edit/boolean.h"
 #include "edit/create.h"
 #include "edit/document/current_object.h"
 #include "edit/document/edit_support.h"
@@ -13,6 +14,7 @@
 #include "edit/extrude.h"
 #include "edit/holes.h"
 #include "edit/object_flags.h"
+#include "edit/slice.h"
 #include "edit/smooth_subdivide.h"
 #include "edit/snap.h"
 #include "fileio/backup.h"
@@ -342,6 +344,13 @@ std::span<const own_command_t> model_commands()
         command_row("create_outline", command_create_outline, edit,
                     "<string polygon, polyline or line> <string coordinates>",
                     "create a polygon or a line from x y z of each point"),
+        command_row("boolean", command_boolean, edit, 1, 2,
+                    "<string union, difference or intersection> [<int keep the others (0 or 1)>]",
+                    "the first selected solid with the others"),
+        command_row("slice", command_slice, edit, 8, 8,
+                    "<float px> <float py> <float pz> <float nx> <float ny> <float nz> "
+                    "<string both, front or back> <int cap (0 or 1)>",
+                    "cut the selection by a plane"),
         command_row("create_light", command_create_light, edit, "<float x> <float y> <float z>",
                     "create a light"),
     };

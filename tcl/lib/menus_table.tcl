@@ -186,6 +186,9 @@ proc ::vesk::menus::define {name label rows} {
     {line}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
+    {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
+        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}} "" several
+        "Makes one solid of the first selected object and the others."}
     {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
     {run "&Explode" {object_explode} "" object "Makes an object of every surface."}
     {call "To the front of the l&ist" {::vesk::objects::to_head} "" object
@@ -253,6 +256,11 @@ proc ::vesk::menus::define {name label rows} {
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
+    {ask "Sl&ice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+        {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
+        {Keep choice {"Both sides" both "The front" front "The back" back}}
+        {Caps choice {None 0 "Closed by polygons" 1}}} "" some
+        "Cuts the selection by a plane; the front is where its normal points."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
     {ask "&Quads from triangles..." {quads_from_triangles {"Largest angle" number 30}} "" some
         "Joins pairs of the selected triangles to four-sided surfaces."}
