@@ -382,6 +382,7 @@ pending_place_t::~pending_place_t()
 scene_t gather_scene()
 {
     scene_t scene;
+    selection_marks_update();
     bounds_clear(&scene.min, &scene.max);
     for_each_object(vesk_get_world(), [&](object_t *object) {
         const object_buffers_t &buffers = object_buffers(object);

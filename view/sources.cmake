@@ -18,6 +18,8 @@ target_sources(vesk_core PRIVATE
     view/overlay.cpp
     view/pick.cpp
     view/pick_edge.cpp
+    view/pick_index.cpp
+    view/pick_outline.cpp
     view/projection.cpp
     view/ruler.cpp
     view/screen_ray.cpp

@@ -8,6 +8,7 @@
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
+#include "model/change_marks.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "view/drag_echo.h"
@@ -24,6 +25,7 @@ namespace {
 
 constexpr int same_place = 2; // pixels
 constexpr double double_click_seconds = 0.4;
+constexpr double cycle_seconds = 1.5; // after it a click takes the frontmost again
 
 // The last click, for taking the next thing behind.
 struct last_click_t {
@@ -31,6 +33,9 @@ struct last_click_t {
     int x = 0, y = 0;
     size_t index = 0;
     double seconds = 0;
+    // When it had done its work: another selection or model since, and it is forgotten.
+    unsigned selection = 0;
+    std::uint64_t model = 0;
 };
 last_click_t last_click;
 
@@ -112,18 +117,19 @@ void select_nothing()
     clear_selection();
 }
 
-bool is_again(int view, int x, int y)
+bool is_again(int view, int x, int y, double seconds)
 {
     const last_click_t &last = last_click;
-    return last.view == view && last.mode == select_mode() && std::abs(last.x - x) <= same_place &&
-           std::abs(last.y - y) <= same_place;
+    return seconds - last.seconds <= cycle_seconds && last.selection == selection_change_count() &&
+           last.model == model_change_count() && last.view == view && last.mode == select_mode() &&
+           std::abs(last.x - x) <= same_place && std::abs(last.y - y) <= same_place;
 }
 
 // Which of the hits a click takes.
 size_t index_of_click(int view, int x, int y, double seconds, size_t count)
 {
-    const size_t index = is_again(view, x, y) ? (last_click.index + 1) % count : 0;
-    last_click = {view, select_mode(), x, y, index, seconds};
+    const size_t index = is_again(view, x, y, seconds) ? (last_click.index + 1) % count : 0;
+    last_click = {view, select_mode(), x, y, index, seconds, 0, 0};
     return index;
 }
 
@@ -170,7 +176,8 @@ void select_click(int view, int x, int y, int state, double seconds)
 {
     const bool shift = qualifier_shift(state) != 0;
     const bool of_objects = select_mode() == SELECT_TREE || select_mode() == SELECT_OBJECT;
-    const bool twice = is_again(view, x, y) && seconds - last_click.seconds < double_click_seconds;
+    const bool twice =
+        is_again(view, x, y, seconds) && seconds - last_click.seconds < double_click_seconds;
     if (twice && of_objects && !shift && descend(view, x, y)) {
         finish();
         return;
@@ -187,6 +194,8 @@ void select_click(int view, int x, int y, int state, double seconds)
     }
     const pick_hit_t &hit = hits[index_of_click(view, x, y, seconds, hits.size())];
     set_selected({hit}, !shift || !is_selected(hit), !shift);
+    last_click.selection = selection_change_count();
+    last_click.model = model_change_count();
     finish();
 }
 

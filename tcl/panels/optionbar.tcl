@@ -127,12 +127,15 @@ proc ::vesk::optionbar::show_fields {tool} {
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  run: a command;  measures: sizes of the selection
+#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;  measures: sizes of the selection
 proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
-    if {$kind in {bool run}} {
-        if {$kind eq "bool"} {
+    if {$kind in {bool switch run}} {
+        if {$kind eq "switch"} {
+            ttk::checkbutton $field -text $label -variable ::vesk::tools::$key \
+                -command ::vesk::tools::${key}_changed
+        } elseif {$kind eq "bool"} {
             ttk::checkbutton $field -text $label -variable ::prefs_$key \
                 -command [list ::vesk::menus::changed prefs_$key {}]
         } else {
