@@ -23,6 +23,17 @@ marks_t &marks()
     return state;
 }
 
+void collect_edges(marks_t &state)
+{
+    for (const owned_edges &owned : selected_edges()) {
+        std::vector<int> &ends = state.parts[owned.object].edges;
+        for (const int e : owned.edges) {
+            ends.push_back(owned.topology->edge(e).a);
+            ends.push_back(owned.topology->edge(e).b);
+        }
+    }
+}
+
 void collect(marks_t &state)
 {
     state.parts.clear();
@@ -33,6 +44,8 @@ void collect(marks_t &state)
         state.parts[owned.object].surfaces = std::move(owned.indices);
     for (owned_elements &owned : vertices_by_owner(now.vertices))
         state.parts[owned.object].vertices = std::move(owned.indices);
+    if (select_mode() == SELECT_EDGE)
+        collect_edges(state);
     for (auto &[object, part] : state.parts) {
         if (part.surfaces.empty() && part.vertices.empty())
             continue;

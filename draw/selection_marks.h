@@ -12,6 +12,7 @@ struct selected_part_t {
     bool whole = false;        // the object, or one above it
     std::vector<int> surfaces; // ascending places in the object's list
     std::vector<int> vertices;
+    std::vector<int> edges; // in edge mode: two vertices each
     // The lists that the places are of.
     flat_array<surface_t *> surface_records;
     flat_array<vertex *> vertex_records;

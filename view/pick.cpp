@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
+#include <span>
 #include <unordered_set>
 
 namespace {
@@ -172,7 +174,7 @@ void pick_surfaces(object_t *object, const flat_mesh &mesh, search_t &search, fl
                    float range, bool faces, std::vector<pick_hit_t> *hits)
 {
     for_near_surfaces(object, mesh, search, [&](int i) {
-        pick_hit_t hit = {object, mesh.surface_record(i), nullptr, 0, 0};
+        pick_hit_t hit = {object, mesh.surface_record(i), nullptr, nullptr, 0, 0};
         if (find_on_surface(search, mesh.surface(i), x, y, range, faces, &hit))
             hits->push_back(hit);
     });
@@ -184,7 +186,8 @@ void pick_vertices(object_t *object, const flat_mesh &mesh, const search_t &sear
     for_near_vertices(object, mesh, search, [&](int i, const screen_point_t &p) {
         const float pixels = std::hypot(p.x - x, p.y - y);
         if (pixels <= range)
-            hits->push_back({object, nullptr, mesh.vertex_record(i), std::round(pixels), p.depth});
+            hits->push_back(
+                {object, nullptr, mesh.vertex_record(i), nullptr, std::round(pixels), p.depth});
     });
 }
 
@@ -226,13 +229,80 @@ void seen_vertex_first(search_t &search, std::vector<pick_hit_t> *hits)
                     hits->begin() + (seen - first.begin()) + 1);
 }
 
+// ---- edges ----
+
+// Calls visit(i, a, b) for every side of the polygons that may lie in the window, as often as it has
+// polygons; lines have no edges.
+template <class Visit>
+void for_near_sides(const object_t *object, const flat_mesh &mesh, search_t &search, Visit &&visit)
+{
+    for_near_surfaces(object, mesh, search, [&](int i) {
+        const auto corners = mesh.surface_corners(i);
+        for (size_t k = 0; k < corners.size() && !mesh.surface(i).is_line(); ++k)
+            visit(i, corners[k], corners[(k + 1) % corners.size()]);
+    });
+}
+
+struct face_there_t {
+    const vertex *const *records; // of its mesh
+    std::span<const std::int32_t> corners;
+    float depth;
+    [[nodiscard]] bool has(const vertex *v) const
+    {
+        return std::any_of(corners.begin(), corners.end(), [&](int c) { return records[c] == v; });
+    }
+};
+
+void pick_edges(object_t *object, const flat_mesh &mesh, search_t &search, float x, float y,
+                float range, std::vector<pick_hit_t> *hits)
+{
+    std::set<std::pair<int, int>> known;
+    const bool perspective = search.projector.has_perspective();
+    for_near_sides(object, mesh, search, [&](int, int a, int b) {
+        const screen_point_t p = search.projector(mesh.position(a));
+        const screen_point_t q = search.projector(mesh.position(b));
+        if (std::isnan(p.x) || std::isnan(q.x))
+            return;
+        const near_place_t near = near_segment(p, q, perspective, x, y);
+        if (near.pixels <= range && known.insert(std::minmax(a, b)).second)
+            hits->push_back({object, nullptr, mesh.vertex_record(a), mesh.vertex_record(b),
+                             std::round(near.pixels), near.depth});
+    });
+}
+
+// Takes out edges behind a face at the pointer that is not their own.
+void drop_hidden_edges(search_t &search, float x, float y, std::vector<pick_hit_t> *hits)
+{
+    std::vector<face_there_t> faces;
+    std::vector<flat_ptr> held;
+    const bool perspective = search.projector.has_perspective();
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        if (!pickable(object) || object->surfaces == nullptr)
+            return;
+        held.push_back(object_flat(object));
+        const flat_mesh &mesh = *held.back();
+        for_near_surfaces(object, mesh, search, [&](int i) {
+            const place_on_face_t face = place_on_face(search.outline, perspective, x, y);
+            if (face.inside && !mesh.surface(i).is_line() &&
+                (mesh.surface(i).twosided != 0 || face.faces_viewer))
+                faces.push_back({mesh.vertex_records->data(), mesh.surface_corners(i), face.depth});
+        });
+    });
+    std::erase_if(*hits, [&](const pick_hit_t &hit) {
+        const float slack = 1e-3f * std::fabs(hit.depth) + 1e-6f;
+        return std::any_of(faces.begin(), faces.end(), [&](const face_there_t &face) {
+            return face.depth < hit.depth - slack && !(face.has(hit.point) && face.has(hit.end));
+        });
+    });
+}
+
 void pick_centre(object_t *object, const projector_t &projector, float x, float y, float range,
                  std::vector<pick_hit_t> *hits)
 {
     const screen_point_t p = projector(object->centre);
     const float pixels = std::hypot(p.x - x, p.y - y);
     if (pixels <= range)
-        hits->push_back({object, nullptr, nullptr, 0, p.depth});
+        hits->push_back({object, nullptr, nullptr, nullptr, 0, p.depth});
 }
 
 // The nearest hit of each object.
@@ -339,6 +409,24 @@ std::vector<char> vertices_before(const object_t *object, const flat_mesh &mesh,
     return seen;
 }
 
+void band_edges(object_t *object, const flat_mesh &mesh, search_t &search, const band_t &band,
+                bool seen_only, std::vector<pick_hit_t> *hits)
+{
+    std::set<std::pair<int, int>> found;
+    for_near_sides(object, mesh, search, [&](int i, int a, int b) {
+        const screen_point_t p = search.projector(mesh.position(a));
+        const screen_point_t q = search.projector(mesh.position(b));
+        if (std::isnan(p.x) || std::isnan(q.x) ||
+            (seen_only && !looks_at_viewer(search, mesh.surface(i))))
+            return;
+        const window_t &w = search.window;
+        if (band.touching ? crosses(p, q, w) : (w.sides(p) | w.sides(q)) == 0)
+            found.insert(std::minmax(a, b));
+    });
+    for (const auto &[a, b] : found)
+        hits->push_back({object, nullptr, mesh.vertex_record(a), mesh.vertex_record(b), 0, 0});
+}
+
 void band_elements(object_t *object, const flat_mesh &mesh, pick_kind kind, search_t &search,
                    const band_t &band, bool seen_only, std::vector<pick_hit_t> *hits)
 {
@@ -359,14 +447,14 @@ void band_elements(object_t *object, const flat_mesh &mesh, pick_kind kind, sear
                 found.push_back(i);
         });
     } else if (object_in_band(object, mesh, search, band.touching)) {
-        hits->push_back({object, nullptr, nullptr, 0, 0});
+        hits->push_back({object});
     }
     std::sort(found.begin(), found.end()); // the index has an order of its own
     hits->reserve(before + found.size());
     for (const int i : found)
         hits->push_back(kind == pick_kind::VERTEX
-                            ? pick_hit_t{object, nullptr, mesh.vertex_record(i), 0, 0}
-                            : pick_hit_t{object, mesh.surface_record(i), nullptr, 0, 0});
+                            ? pick_hit_t{object, nullptr, mesh.vertex_record(i)}
+                            : pick_hit_t{object, mesh.surface_record(i)});
 }
 
 } // namespace
@@ -382,13 +470,16 @@ std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int rang
     for_each_object(vesk_get_world(), [&](object_t *object) {
         if (!pickable(object))
             return;
-        if (object->type == OBJECT_LIGHT && kind != pick_kind::SURFACE && kind != pick_kind::VERTEX)
+        if (object->type == OBJECT_LIGHT && kind != pick_kind::SURFACE &&
+            kind != pick_kind::VERTEX && kind != pick_kind::EDGE)
             pick_centre(object, search.projector, px, py, std::max(reach, light_icon_pixels),
                         &hits);
         if (kind == pick_kind::LIGHT || object->vertices == nullptr)
             return;
         const flat_ptr mesh = object_flat(object);
-        if (kind == pick_kind::VERTEX)
+        if (kind == pick_kind::EDGE)
+            pick_edges(object, *mesh, search, px, py, reach, &hits);
+        else if (kind == pick_kind::VERTEX)
             pick_vertices(object, *mesh, search, px, py, reach, &hits);
         else
             pick_surfaces(object, *mesh, search, px, py, reach, faces, &hits);
@@ -396,6 +487,8 @@ std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int rang
     std::stable_sort(hits.begin(), hits.end(), nearer);
     if (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT)
         keep_objects_once(&hits);
+    if (kind == pick_kind::EDGE && search.filled)
+        drop_hidden_edges(search, px, py, &hits);
     if (kind == pick_kind::VERTEX && search.filled && hits.size() > 1)
         seen_vertex_first(search, &hits);
     return hits;
@@ -415,10 +508,14 @@ std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band)
         if (object->type == OBJECT_LIGHT &&
             (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT) &&
             search.window.sides(search.projector(object->centre)) == 0)
-            hits.push_back({object, nullptr, nullptr, 0, 0});
+            hits.push_back({object});
         if (kind == pick_kind::LIGHT || object->vertices == nullptr)
             return;
-        band_elements(object, *object_flat(object), kind, search, band, seen_only, &hits);
+        const flat_ptr mesh = object_flat(object);
+        if (kind == pick_kind::EDGE)
+            band_edges(object, *mesh, search, band, seen_only, &hits);
+        else
+            band_elements(object, *mesh, kind, search, band, seen_only, &hits);
     });
     return hits;
 }

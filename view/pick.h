@@ -8,20 +8,22 @@
 
 #include <vector>
 
-enum class pick_kind { OBJECT, SURFACE, VERTEX, LIGHT };
+enum class pick_kind { OBJECT, SURFACE, VERTEX, LIGHT, EDGE };
 
 struct pick_hit_t {
     object_t *object = nullptr; // owner, also of the surface or vertex
     surface_t *surface = nullptr;
     vertex *point = nullptr;
-    float pixels = 0; // how far the pointer is from it; 0 inside a face
-    float depth = 0;  // from the viewer; smaller is nearer
+    vertex *end = nullptr; // of an edge from `point`
+    float pixels = 0;      // how far the pointer is from it; 0 inside a face
+    float depth = 0;       // from the viewer; smaller is nearer
 };
 
 // Everything of that kind within `range` pixels of (x, y), best first: those under the pointer by
 // the depth that they have there, then those that are merely near. Where surfaces are filled, the
 // back of a one-sided one is not seen and not found (but for its edges where edges are drawn), and
-// of vertices one that can be seen comes first. Objects are listed once.
+// of vertices one that can be seen comes first, and edges that a surface hides are not found. Objects
+// are listed once.
 std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int range);
 
 struct band_t {

@@ -12,6 +12,7 @@ namespace eval ::vesk::optionbar {
         tree m-tree "Tree" "" "Whole top-level objects."
         object m-object "Object" O "Single objects."
         surface m-surface "Surface" S "Surfaces."
+        edge m-edge "Edge" D "Edges: the sides of surfaces."
         vertex m-vertex "Vertex" V "Vertices."
         light m-light "Light" "" "Lights."
     }
