@@ -2,22 +2,27 @@
 target_sources(vesk_core PRIVATE
     edit/bridge.cpp
     edit/connect.cpp
+    edit/catmull_clark.cpp
+    edit/boolean.cpp
     edit/create.cpp
     edit/delete.cpp
     edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
+    edit/edge_bevel.cpp
     edit/edge_mesh.cpp
     edit/edge_operation.cpp
     edit/edge_select.cpp
     edit/extrude.cpp
     edit/extrude_edges.cpp
+    edit/extrude_normals.cpp
     edit/extrude_path.cpp
     edit/fill_hole.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
+    edit/inset.cpp
     edit/link_surfaces.cpp
     edit/loop_cut.cpp
     edit/make_surface.cpp
@@ -26,37 +31,59 @@ target_sources(vesk_core PRIVATE
     edit/object_place.cpp
     edit/object_properties.cpp
     edit/optimize.cpp
+    edit/orient.cpp
     edit/palette_preview.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
+    edit/quads_from_triangles.cpp
     edit/reduce.cpp
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
     edit/slide.cpp
+    edit/select_more.cpp
+    edit/select_similar.cpp
+    edit/slice.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
     edit/surface_attributes.cpp
+    edit/surface_edit.cpp
     edit/transform.cpp
     edit/transform_undo.cpp
     edit/triangulate.cpp
+    edit/vertex_tidy.cpp
     edit/weld.cpp
     edit/mesh/borders.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
     edit/mesh/edge_topology.cpp
+    edit/mesh/element_graph.cpp
+    edit/mesh/box_tree.cpp
+    edit/mesh/crossings.cpp
+    edit/mesh/exact.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
+    edit/mesh/polygon_plane.cpp
+    edit/mesh/planar_sides.cpp
+    edit/mesh/plane_cut.cpp
     edit/mesh/position_index.cpp
+    edit/mesh/sliver_tidy.cpp
+    edit/mesh/solid_boolean.cpp
+    edit/mesh/solid_faces.cpp
+    edit/mesh/solid_meshes.cpp
     edit/mesh/surface_copy.cpp
     edit/mesh/shortest_way.cpp
     edit/mesh/tessellator.cpp
+    edit/mesh/vertex_fan.cpp
+    edit/mesh/surface_region.cpp
+    edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
+    edit/mesh/wide_int.cpp
     edit/document/current_object.cpp
     edit/document/edge_selection.cpp
     edit/document/edit_support.cpp

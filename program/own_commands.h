@@ -15,6 +15,7 @@ std::span<const own_command_t> history_commands();
 std::span<const own_command_t> panel_commands();
 std::span<const own_command_t> preference_commands();
 std::span<const own_command_t> recovery_commands();
+std::span<const own_command_t> topology_commands();
 std::span<const own_command_t> uv_commands();
 
 #endif

@@ -11,6 +11,7 @@ target_sources(vesk_core PRIVATE
     program/commands_panels.cpp
     program/commands_prefs.cpp
     program/commands_recovery.cpp
+    program/commands_topology.cpp
     program/commands_uv.cpp
     program/startup.cpp
 )

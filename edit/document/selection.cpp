@@ -1,4 +1,5 @@
 #include "base/coor_display.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
@@ -134,10 +135,14 @@ void remove_by_rule(const std::vector<object_t *> &objects)
         for (object_t *object : objects)
             tops.push_back(object_top_ancestor(object));
         remove_objects(tops);
-    } else { // the list holds members of groups
+    } else { // the list holds members of groups; what lies below a polygon object has its own entry
         std::vector<object_t *> members;
-        for (object_t *object : objects)
-            for_each_object(object, [&](object_t *o) { members.push_back(o); });
+        for (object_t *object : objects) {
+            walk_while(object, [&](object_t *o) {
+                members.push_back(o);
+                return state.mode == SELECT_LIGHT || o->type != OBJECT_POLY;
+            });
+        }
         remove_objects(members);
     }
 }
@@ -220,8 +225,11 @@ void selection_changed(const char *tag)
 {
     ++state.changes;
     debugf("SELECTION CHANGED (%s)\n", tag);
-    for (size_t i = 0; i < state.callbacks.size(); ++i) // a callback may add another
-        state.callbacks[i].function(tag, state.callbacks[i].user_data);
+    for (size_t i = 0; i < state.callbacks.size(); ++i) { // a callback may add another
+        const callback_t callback = state.callbacks[i];
+        const foreign_scope scope(code_of_function(callback.function));
+        callback.function(tag, callback.user_data);
+    }
 }
 
 void clear_selection(void)

@@ -116,6 +116,17 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
+    {line}
+    {run "&Grow" {select_grow} "" some "Adds the neighbours of what is selected."}
+    {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
+    {run "Inv&ert" {select_invert} "" model "Selects what is not selected."}
+    {run "Lin&ked" {select_linked} "" some "Adds all that hangs together with the selection."}
+    {ask "S&imilar..." {select_similar {Property choice {Material material Normal normal Area area
+        Length length Corners corners Coplanar coplanar}} {Tolerance number 0.01}} "" some
+        "Adds what is like the selection: degrees, shares, numbers or distances apart."}
+    {ask "Ran&dom..." {select_random {Percent int 50} {Seed int 1}} "" model
+        "Keeps a random part of the selection, or of everything."}
+    {line}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
@@ -175,6 +186,9 @@ proc ::vesk::menus::define {name label rows} {
     {line}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
+    {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
+        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}} "" several
+        "Makes one solid of the first selected object and the others."}
     {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
     {run "&Explode" {object_explode} "" object "Makes an object of every surface."}
     {call "To the front of the l&ist" {::vesk::objects::to_head} "" object
@@ -204,28 +218,55 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Choose..." {file_select_texture} "" some "Puts a picture on the selected objects."}
 }
 ::vesk::menus::define surface "S&urface" {
-    {ask "&Extrude..." {extrude {X number 0} {Y number 0} {Z number 0.5}
-        {Steps pref extrude_num int} {"Close the end" pref extrude_cap_end bool}
+    {ask "&Extrude..." {extrude_normal {Body choice {Automatic 1 "As set below" 0}}
+        {Distance number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
+        {"Delete the original" pref extrude_delete_original bool}
+        {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
+        "Sweeps the selected surfaces where they face."}
+    {ask "E&xtrude by a vector..." {extrude_select {Body choice {Automatic 1 "As set below" 0}}
+        {X number 0} {Y number 0} {Z number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
         {"Delete the original" pref extrude_delete_original bool}
         {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
+    {ask "Extrude e&ach..." {extrude_each {Distance number 0.1}} "" some
+        "Moves every selected surface along its own normal, with walls."}
+    {ask "E&xtrude along normals..." {extrude_normals {Distance number 0.1}} "" some
+        "Moves connected surfaces evenly along their normals, with walls."}
+    {ask "Thic&kness..." {shell {Thickness number 0.1} {Rim choice {Closed 1 Open 0}}} "" some
+        "Gives the selected surfaces an inner side (shell)."}
     {run "&Define extrude path" {define_extrude_path} "" object "Takes the selection as the path."}
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}
     {line}
-    {ask "&Hole..." {surface_make_hole {Percent pref hole_percent int}} "" some
+    {ask "&Hole..." {hole_select {Percent pref hole_percent int}} "" some
         "Cuts a hole into each selected surface."}
-    {ask "&Bevel..." {surface_bevel {Size pref bevel_size number}} "" some
+    {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
+    {ask "&Inset..." {inset {Width number 0.1} {Depth number 0}
+        {Of choice {"Each surface" each "Each region" region}}} "" some
+        "A smaller surface inside each selected one, or each connected region."}
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+        "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
+    {ask "Sl&ice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+        {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
+        {Keep choice {"Both sides" both "The front" front "The back" back}}
+        {Caps choice {None 0 "Closed by polygons" 1}}} "" some
+        "Cuts the selection by a plane; the front is where its normal points."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
+    {ask "&Quads from triangles..." {quads_from_triangles {"Largest angle" number 30}} "" some
+        "Joins pairs of the selected triangles to four-sided surfaces."}
     {line}
+    {run "Face out&wards" {orient_outwards} "" some
+        "Turns selected surfaces over until they agree and face outwards."}
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
     {run "Change &vertex order" {surface_change_vertex_order} "" some
         "Starts each selected surface at its next vertex."}
@@ -255,8 +296,17 @@ proc ::vesk::menus::define {name label rows} {
         "A vertex where an edge is clicked in a view."}
     {line}
     {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
-    {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
-    {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
+    {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
+    {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
+    {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
+}
+::vesk::menus::define arrange "Arrange" {
+    {run "&Flatten" {flatten} "" some "Moves each group of selected vertices onto its plane."}
+    {run "To a &circle" {circularize} "" some "Moves each group of selected vertices onto a circle."}
+    {run "&Straighten" {straighten} "" some "Moves chains of vertices onto the lines between their ends."}
+    {run "Space &evenly" {space_evenly} "" some "Gives chains of vertices even distances."}
+    {ask "S&mooth..." {smooth_vertices {Factor number 0.5} {Steps int 1}} "" some
+        "Moves the selected vertices towards their neighbours."}
 }

@@ -6,9 +6,10 @@ namespace eval ::vesk::options {
     variable fields             ;# row -> text or value of its field
     variable kept               ;# last typed values: command -> list
     # Operations whose options show their result at once, unless the selection is large.
-    variable live {extrude surface_make_hole surface_bevel surface_spike surface_spline revolve
-        surface_loop_subdivision reduce move_with_undo move_to scale size_to rotate_with_undo
-        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
+    variable live {extrude_normal extrude_select extrude_each extrude_normals shell inset hole_select
+        bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
+        move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
+        rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets}
     # Of these every opening starts anew: the last numbers would move the selection at once.
     variable afresh {move_with_undo scale rotate_with_undo rotate_about_with_undo}
@@ -125,8 +126,6 @@ proc ::vesk::options::begin_session {w command items} {
     variable live_limit
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
-    # The state to which the first try is taken back has the present selection.
-    if {$on} {vesk history_note}
     set session [dict create window $w command $command items $items live $on words {} \
         start [history_place] now [history_place] timer ""]
 }

@@ -291,11 +291,11 @@ constexpr unsigned body = MESH_CLOSED | MESH_ORIENTED | MESH_SOUND;
 
 // clang-format off
 const corpus_mesh corpus[] = {
-    {"grid",              add_grid,              1, 0, sheet},
-    {"triangle_grid",     add_triangle_grid,     1, 0, sheet},
+    {"grid",              add_grid,              1, 0, sheet | MESH_FLAT},
+    {"triangle_grid",     add_triangle_grid,     1, 0, sheet | MESH_FLAT},
     {"fan",               add_fan,               1, 0, sheet},
-    {"notched_polygon",   add_notched_polygon,   1, 0, sheet},
-    {"frame",             add_frame,             0, 0, sheet},
+    {"notched_polygon",   add_notched_polygon,   1, 0, sheet | MESH_FLAT},
+    {"frame",             add_frame,             0, 0, sheet | MESH_FLAT},
     {"box",               add_box,               2, 1, body},
     {"box_with_seams",    add_box_with_seams,    2, 1, body | MESH_SEAMS},
     {"two_boxes",         add_two_boxes,         4, 2, body},
@@ -306,7 +306,7 @@ const corpus_mesh corpus[] = {
     {"moebius",           add_moebius,           0, 0, 0},
     {"book",              add_book,              1, 0, 0},
     {"boxes_on_one_edge", add_boxes_on_one_edge, 3, 2, 0},
-    {"bow_tie",           add_bow_tie,           1, 0, sheet},
+    {"bow_tie",           add_bow_tie,           1, 0, sheet | MESH_FLAT},
     {"sheet_with_lines",  add_sheet_with_lines,  1, 0, MESH_ORIENTED | MESH_LINES},
     {"degenerate",        add_degenerate,        any_euler, 0, 0},
     {"soup",              add_soup,              any_euler, 0, MESH_SEAMS | MESH_LINES},

@@ -20,6 +20,7 @@ enum mesh_traits : unsigned {
     MESH_SOUND = 4,    // the model check finds open edges at most
     MESH_SEAMS = 8,    // texture coordinates differ between the polygons at a vertex
     MESH_LINES = 16,   // has lines, too
+    MESH_FLAT = 32,    // lies in z = 0
 };
 
 constexpr int any_euler = -1000;

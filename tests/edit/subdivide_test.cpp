@@ -53,6 +53,16 @@ TEST_F(Subdivide, QuadsBecomeQuadsAboutTheirMiddle)
     EXPECT_EQ(last_message(), "subdivide - 1 surfaces");
 }
 
+TEST_F(Subdivide, ASpikeStandsOnTheOutlineThoughItBeginsWithCornersOnALine)
+{
+    object_t *object =
+        add_mesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}}, {{0, 1, 2, 3, 4}});
+    select_all_surfaces(object);
+    prefs.spike_factor = 1;
+    run("surface_spike");
+    EXPECT_GT(points_of(object).at(5).z, 1);
+}
+
 TEST_F(Subdivide, TrianglesBecomeFour)
 {
     object_t *object = add_mesh({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}}, {{0, 1, 2}});

@@ -121,7 +121,7 @@ run {
         vesk set_select_mode surface
         vesk select_all
         set ::test::records $::undo_count
-        open_options surface surface_make_hole
+        open_options surface hole_select
         key Return
     }
     set ::prefs_hole_percent 50

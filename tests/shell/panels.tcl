@@ -239,13 +239,13 @@ run {
     }
     vesk clear_selection
     check "nothing: nothing" {
-        [state surface surface_make_hole] eq "disabled" && [state edit delete] eq "disabled"
+        [state surface hole_select] eq "disabled" && [state edit delete] eq "disabled"
     }
 
     # Options show their result at once.
     cube
     set ::prefs_hole_percent 50
-    set options [open_options surface surface_make_hole]
+    set options [open_options surface hole_select]
     check "the hole is there while its options are open" {[lindex [vesk get_counts] 3] > 6}
     shot panels-options
     set before $::undo_count
@@ -255,7 +255,7 @@ run {
     check "and follows the number" {$::undo_count == $before && $::prefs_hole_percent == 30}
     key Escape
     check "Escape takes it back" {[lindex [vesk get_counts] 3] == 6 && [made] == 0}
-    open_options surface surface_make_hole
+    open_options surface hole_select
     key Return
     check "Return keeps it" {
         [lindex [vesk get_counts] 3] > 6 && [made] == 1 && ![winfo exists $options]
@@ -293,7 +293,7 @@ run {
     vesk clear_selection
     vesk objects_select $::cube
     set count [lindex [vesk get_counts] 3]
-    open_options surface surface_make_hole
+    open_options surface hole_select
     point_at $options.in.f0
     key ctrl+a
     type 40

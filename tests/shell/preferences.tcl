@@ -290,4 +290,14 @@ run {
     shot preferences-plugins
     press $::vesk::plugmanager::page.row.wanted 8
     key Escape
+
+    # Once for each plug-in.
+    when {[front .question]} {shot plugin-fault; key Return}
+    plugin_faulted broken.p
+    check "a plug-in with a fault can be left out" {
+        "broken.p" in [::vesk::settings::get plugins_off]
+    }
+    plugin_faulted broken.p
+    pause 400
+    check "it is asked about once" {![winfo exists .question]}
 }

@@ -56,6 +56,21 @@ protected:
     object_t *outer, *inner, *a, *b, *c, *d;
 };
 
+TEST_F(Selection, ObjectsBelowAPolygonObjectAreSelectedAndTakenOutOnTheirOwn)
+{
+    object_t *below = add_leaf(d, "below");
+    object_t *lowest = add_leaf(below, "lowest");
+    select_object(d);
+    set_new_select_mode(SELECT_OBJECT);
+    EXPECT_EQ(selected_names(), (names_t{"d", "below", "lowest"}));
+    unselect_object(below);
+    EXPECT_EQ(selected_names(), (names_t{"d", "lowest"}));
+    select_object(outer);
+    unselect_object(outer);
+    EXPECT_EQ(selected_names(), (names_t{"d", "lowest"})) << "of a group its members go";
+    unselect_object(lowest);
+}
+
 TEST_F(Selection, ObjectRuleGivesTopsLeavesOrElementsByMode)
 {
     select_object(b);
