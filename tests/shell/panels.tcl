@@ -343,7 +343,10 @@ run {
     ::vesk::ops::refresh
     update
     set ::vesk::objects::flat {}
-    set took [lindex [time {::vesk::objects::refresh; update idletasks}] 0]
-    puts "10,000 rows in [expr {$took / 1000}] ms"
-    check "ten thousand rows" {[llength [$tree children {}]] == 10000 && $took < 600000}
+    set before [cpu_msecs]
+    ::vesk::objects::refresh
+    update idletasks
+    set took [expr {[cpu_msecs] - $before}]
+    puts "10,000 rows in $took ms"
+    check "ten thousand rows" {[llength [$tree children {}]] == 10000 && $took < 600}
 }
