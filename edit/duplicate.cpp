@@ -115,7 +115,7 @@ void append_places(const std::vector<surface_t *> &surfaces)
 // `what` names it to the user.
 void duplicate(const char *what, const point3_t &offset, bool wants_result)
 {
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         const owned_list surfaces(find_selected_whole_surfaces());
         if (!surfaces) {
             display_message("%s - nothing selected", what);

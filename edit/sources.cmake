@@ -1,17 +1,25 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
+    edit/bridge.cpp
+    edit/connect.cpp
     edit/create.cpp
     edit/delete.cpp
+    edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
     edit/edge_mesh.cpp
+    edit/edge_operation.cpp
+    edit/edge_select.cpp
     edit/extrude.cpp
+    edit/extrude_edges.cpp
     edit/extrude_path.cpp
+    edit/fill_hole.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
     edit/link_surfaces.cpp
+    edit/loop_cut.cpp
     edit/make_surface.cpp
     edit/measure.cpp
     edit/object_flags.cpp
@@ -26,6 +34,7 @@ target_sources(vesk_core PRIVATE
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
+    edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
@@ -34,17 +43,21 @@ target_sources(vesk_core PRIVATE
     edit/transform_undo.cpp
     edit/triangulate.cpp
     edit/weld.cpp
+    edit/mesh/borders.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
+    edit/mesh/edge_topology.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
     edit/mesh/position_index.cpp
     edit/mesh/surface_copy.cpp
+    edit/mesh/shortest_way.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_use.cpp
     edit/document/current_object.cpp
+    edit/document/edge_selection.cpp
     edit/document/edit_support.cpp
     edit/document/element_text.cpp
     edit/document/geometry_image.cpp

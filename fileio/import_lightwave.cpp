@@ -6,6 +6,7 @@
 #include "fileio/foreign_scene.h"
 #include "fileio/import_lwob.h"
 #include "fileio/import_mesh.h"
+#include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/lights.h"
@@ -20,7 +21,7 @@
 
 namespace {
 
-constexpr double degree = 3.14159265358979323846 / 180;
+constexpr double degree = pi / 180;
 
 // Position, heading, pitch, bank, scale.
 using motion_t = std::array<double, 9>;

@@ -1,11 +1,12 @@
 #include "fileio/vrml1_shapes.h"
 
+#include "model/angle.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
 constexpr int round_steps = 16;
 constexpr int sphere_rows = 8;
 constexpr float smooth_from = 1.0f; // radians between faces

@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
+    edit/edges_test.cpp
     edit/extrude_test.cpp
     edit/full_undo_test.cpp
     edit/geometry_test.cpp
@@ -9,6 +10,8 @@ target_sources(vesk_tests PRIVATE
     edit/information_test.cpp
     edit/many_objects_test.cpp
     edit/measure_test.cpp
+    edit/mesh_corpus.cpp
+    edit/mesh_corpus_test.cpp
     edit/object_properties_test.cpp
     edit/panel_transform_test.cpp
     edit/pieces_test.cpp

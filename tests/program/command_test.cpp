@@ -307,7 +307,7 @@ INSTANTIATE_TEST_SUITE_P(Words, Refusals, testing::Values(
     refusal_case{"material_name", {"material_set_name", "99", "x"}, "name material - no palette entry 99"},
     refusal_case{"texture", {"set_texture", "0"}, "set texture - there is no texture 0"},
     refusal_case{"percentage", {"reduce", "100"}, "reduce - give a percentage from 1 to 99"},
-    refusal_case{"mode", {"set_select_mode", "edge"}, "no select mode named 'edge'"},
+    refusal_case{"mode", {"set_select_mode", "corner"}, "no select mode named 'corner'"},
     refusal_case{"elements", {"select_elements", "keep", "2"}, "select elements - set, add or remove, not 'keep'"},
     refusal_case{"property", {"objects_set", "2", "colour", "red"}, "objects_set - no property named 'colour'"},
     refusal_case{"history", {"history_goto", "-1"}, "no such place in the history: -1"},
