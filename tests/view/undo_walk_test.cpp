@@ -102,19 +102,6 @@ const menu_row_t menu_rows[] = {
     {"vertex", {"snaptogetherdistance", "0.6"}},
     {"vertex", {"unshare_vertices"}},
     {"", {"check_fix_all", "unused_vertex"}},
-    {"vertex", {"weld"}},
-    {"vertex", {"weld_distance", "0.6"}},
-    {"edge", {"select_loop"}},
-    {"edge", {"select_ring"}},
-    {"edge", {"loop_cut", "2"}},
-    {"edge", {"connect"}},
-    {"edge", {"dissolve"}},
-    {"edge", {"collapse"}},
-    {"edge", {"extrude_edges", "0", "0.5", "0"}},
-    {"edge", {"slide", "0.25"}},
-    {"edge", {"split_edges"}},
-    {"edge", {"bridge"}},
-    {"edge", {"fill_hole"}},
     {"object", {"hide_selected"}},
     {"object", {"lock_selected"}},
     {"", {"unhide"}},
@@ -177,7 +164,7 @@ private:
     std::string number() { return std::to_string(random_.between(-1, 1)); }
     static const char *mode_name(int i)
     {
-        static constexpr const char *names[] = {"tree", "object", "surface", "vertex", "edge"};
+        static constexpr const char *names[] = {"tree", "object", "surface", "vertex", "light"};
         return names[i];
     }
     std::string any_object()
@@ -209,7 +196,7 @@ private:
     void choose()
     {
         if (pick(3) == 0)
-            run("set_select_mode", mode_name(pick(5)));
+            run("set_select_mode", mode_name(pick(4)));
         const int view = pick(3);
         if (pick(3) == 0) {
             run("clear_selection"); // a drag that begins on something selected moves it
