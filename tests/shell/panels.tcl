@@ -231,11 +231,11 @@ run {
     cube
     check "one object: no merge, no ungroup, but group" {
         [state object object_merge] eq "disabled" && [state object ungroup] eq "disabled"
-        && [state object group] eq "normal" && [state surface extrude] eq "disabled"
+        && [state object group] eq "normal" && [state surface extrude_normal] eq "disabled"
     }
     vesk set_select_mode surface
     check "surfaces: extrude, no group" {
-        [state surface extrude] eq "normal" && [state object group] eq "disabled"
+        [state surface extrude_normal] eq "normal" && [state object group] eq "disabled"
     }
     vesk clear_selection
     check "nothing: nothing" {
