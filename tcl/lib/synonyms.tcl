@@ -48,7 +48,7 @@ namespace eval ::vesk::menus {
         {::vesk::tools::choose insert}   {knife cut slice "add vertex" "split edge"}
         {::vesk::tools::choose measure}  {distance angle measure dimension}
         {::vesk::tools::choose light}    {lamp}
-        new_cube                     {box}
+        {create box}                 {cube}
         {createsurface 0}            {face fill "make face" bridge cap}
         {createsurface 2}            {edge connect}
         surfaces_separate            {separate detach extract split}
