@@ -25,6 +25,8 @@
 #include "model/textures/texture_preview.h"
 #include "model/world.h"
 #include "program/own_commands.h"
+#include "view/camera_eye.h"
+#include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
@@ -51,6 +53,13 @@ void command_object_at(int view, int x, int y)
     if (!hits.empty()) {
         command_result_set(std::to_string(object_identity(hits.front().object)).c_str());
     }
+}
+
+// Where the pointer rests; not while a drag runs.
+void command_highlight_at(int view, int x, int y)
+{
+    if (view >= 0 && view < num_views && interaction_drag() == drag_kind::none)
+        highlight_at(view, x, y);
 }
 
 // Of the tool "extrude", not of the commands.
@@ -209,6 +218,8 @@ std::span<const own_command_t> panel_commands()
                     "mirror the selection, with an undo record"),
         command_row("object_at", command_object_at, query, "<view> <int x> <int y>",
                     "returns the id of the object under a place of a view"),
+        command_row("highlight_at", command_highlight_at, view, "<view> <int x> <int y>",
+                    "lights what a click at a place of a view would select"),
         command_row("set_extrude_automatic", command_set_extrude_automatic, view, "<0|1>",
                     "how the extrude tool closes what it makes: so that bodies go on facing "
                     "outwards, or as the preferences say"),
@@ -243,8 +254,10 @@ std::span<const own_command_t> panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("view_3d_from_corner", camera_look_from_corner, view, nullptr,
+                    "resets the 3D view to one from three quarters above"),
         command_row("set_view_tool", command_set_view_tool, select,
-                    "<string measure, insert_vertex or none>",
+                    "<string measure, insert_vertex, band or none>",
                     "set a tool of the views beside the draw modes"),
         command_row("measure_points", command_measure_points, view, "<string coordinates>",
                     "lay the ruler between two or three points, tell distance or angle"),

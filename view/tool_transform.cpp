@@ -17,6 +17,7 @@
 #include "view/drag_offset.h"
 #include "view/extrude_preview.h"
 #include "view/handles.h"
+#include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/near_snap.h"
 #include "view/number_field.h"
@@ -560,7 +561,12 @@ void click(const pointer_event_t &event)
 
 void hover(const pointer_event_t &event)
 {
-    win_set_handle_cursor(event.view, handle_at(event.view, event.x, event.y));
+    const int handle = handle_at(event.view, event.x, event.y);
+    win_set_handle_cursor(event.view, handle);
+    if (handle <= HANDLE_INSIDE_ROTATE)
+        highlight_follow(event.view, event.x, event.y);
+    else
+        highlight_clear();
 }
 
 bool wanted() { return mode_is_selectable(draw_mode()) != 0; }
@@ -576,6 +582,7 @@ const tool_t transform_tool = {.wanted = wanted,
                                .cancel = cancel,
                                .click = click,
                                .hover = hover,
+                               .outside = highlight_clear,
                                .key = key,
                                .runs = runs,
                                .forget = drop};

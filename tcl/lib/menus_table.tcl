@@ -117,6 +117,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
+    {run "Rubber band" {set_view_tool band} B model
+        "The next drag selects what it encloses, in the 3D view too, wherever it begins."}
+    {check "Select through" {prefs_select_through} "" ""
+        "Clicks and rubber bands find what is hidden behind surfaces, too."}
     {line}
     {run "Gro&w" {select_grow} "" some "Adds the neighbours of what is selected."}
     {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
@@ -151,7 +155,7 @@ proc ::vesk::menus::define {name label rows} {
     {call "&Box" {::vesk::tools::choose box} "" "" "Draws a box."}
     {call "C&ylinder" {::vesk::tools::choose cylinder} "" "" "Draws a cylinder."}
     {call "&Sphere" {::vesk::tools::choose sphere} "" "" "Draws a sphere."}
-    {run "Cub&e" {new_cube} "" "" "Adds a regular cube at the origin."}
+    {run "Cub&e" {create box 0 0 0 0 0 0 0} "" "" "Adds a regular cube at the origin."}
     {menu "&At the origin" atorigin "" "" "Adds a shape of unit size."}
     {call "Lig&ht" {::vesk::tools::choose light} "" "" "Sets a light."}
     {ask "&Text..." {create_text {Text text {}}} "" "" "Adds a text made of surfaces."}

@@ -319,7 +319,12 @@ proc ::vesk::tools::show_measured {} {
 proc set_view_tool_ui {name} {
     set ::vesk::view_tool $name
     set mode [expr {$name eq "none" ? $::vesk::draw_mode : "+$name"}]
-    ::vesk::tools::show [::vesk::tools::tool_of_mode $mode]
+    set tool [::vesk::tools::tool_of_mode $mode]
+    # A rubber band is for one drag: in the column the tool stays that comes after it.
+    if {$tool ne ""} {::vesk::tools::show $tool}
+    if {$name eq "band"} {
+        display_message "rubber band - drag over what to select; Shift adds, Control takes away"
+    }
     ::vesk::tools::show_measured
 }
 
