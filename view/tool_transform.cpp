@@ -11,6 +11,7 @@
 #include "edit/extrude.h"
 #include "edit/snap.h"
 #include "model/angle.h"
+#include "model/change_marks.h"
 #include "model/vector.h"
 #include "view/camera_eye.h"
 #include "view/drag_echo.h"
@@ -77,6 +78,18 @@ bool begins_on_selection(const pointer_event_t &event, int handle)
            pointer_is_on_selection(event.view, event.x, event.y);
 }
 
+// A load selects what came. Nobody has chosen it, so that a drag over it is meant for the view.
+struct loaded_t {
+    unsigned selection = ~0u;
+    std::uint64_t model = 0;
+};
+loaded_t loaded;
+
+bool is_just_loaded()
+{
+    return loaded.selection == selection_change_count() && loaded.model == model_change_count();
+}
+
 doing what_to_do(const pointer_event_t &event, int handle)
 {
     if (event.view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0) {
@@ -85,7 +98,7 @@ doing what_to_do(const pointer_event_t &event, int handle)
     if (handle > HANDLE_INSIDE_ROTATE) {
         return doing::RESIZE;
     }
-    if (begins_on_selection(event, handle)) {
+    if (!is_just_loaded() && begins_on_selection(event, handle)) {
         return what_on_selection(event.view);
     }
     return is_orthographic(event.view) ? doing::BAND : doing::NOTHING;
@@ -572,6 +585,8 @@ void hover(const pointer_event_t &event)
 bool wanted() { return mode_is_selectable(draw_mode()) != 0; }
 
 } // namespace
+
+void note_loaded_selection() { loaded = {selection_change_count(), model_change_count()}; }
 
 void set_extrusion_sides(extrude_sides sides) { extrusion_sides = sides; }
 
