@@ -97,12 +97,12 @@ proc ::vesk::menus::define {name label rows} {
         "Turns the selection about a point, in degrees."}
     {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
         {Degrees number 90}} "" some "Turns the selection about one axis."}
-    {menu "M&irror" mirror "" "" "Mirrors the selection at its middle."}
+    {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
 }
 ::vesk::menus::define mirror "Mirror" {
-    {run "Along &X" {mirror_with_undo 0} "" some "Mirrors the selection along X."}
-    {run "Along &Y" {mirror_with_undo 1} "" some "Mirrors the selection along Y."}
-    {run "Along &Z" {mirror_with_undo 2} "" some "Mirrors the selection along Z."}
+    {call "Along &X" {::vesk::tools::mirror 0} "" some "Mirrors the selection at the pivot along X."}
+    {call "Along &Y" {::vesk::tools::mirror 1} "" some "Mirrors the selection at the pivot along Y."}
+    {call "Along &Z" {::vesk::tools::mirror 2} "" some "Mirrors the selection at the pivot along Z."}
 }
 ::vesk::menus::define select "&Select" {
     {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}

@@ -19,7 +19,7 @@ namespace eval ::vesk::menus {
         scale                        {resize size grow shrink}
         size_to                      {dimensions resize}
         rotate_with_undo             {turn spin}
-        mirror_with_undo             {flip reflect symmetry symmetrize}
+        {::vesk::tools::mirror 0}    {flip reflect symmetry symmetrize}
         select_all                   {everything}
         clear_selection              {deselect unselect nothing}
         select_by_name               {find search}
