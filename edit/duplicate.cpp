@@ -113,7 +113,7 @@ void append_places(const std::vector<surface_t *> &surfaces)
 
 void duplicate(const point3_t &offset, bool wants_result)
 {
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         const owned_list surfaces(find_selected_whole_surfaces());
         if (!surfaces) {
             display_message("duplicate - nothing selected");

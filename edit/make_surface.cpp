@@ -77,7 +77,7 @@ void command_createsurface(int type)
     }
     const int fewest = type == SURFACE_LINE ? 2 : 3;
     std::vector<vertex *> vertices;
-    if (select_mode() == SELECT_VERTEX)
+    if (mode_has_vertices(select_mode()))
         vertices = elements_of<vertex>(selection().vertices);
     const std::vector<object_t *> owners = owners_of_vertices(vertices);
     const bool one_object = std::all_of(owners.begin(), owners.end(),

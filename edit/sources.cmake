@@ -1,20 +1,28 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
+    edit/bridge.cpp
     edit/catmull_clark.cpp
+    edit/connect.cpp
     edit/create.cpp
     edit/delete.cpp
+    edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
     edit/edge_mesh.cpp
+    edit/edge_operation.cpp
+    edit/edge_select.cpp
     edit/extrude.cpp
+    edit/extrude_edges.cpp
     edit/extrude_normals.cpp
     edit/extrude_path.cpp
+    edit/fill_hole.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
     edit/inset.cpp
     edit/link_surfaces.cpp
+    edit/loop_cut.cpp
     edit/make_surface.cpp
     edit/measure.cpp
     edit/object_flags.cpp
@@ -33,6 +41,7 @@ target_sources(vesk_core PRIVATE
     edit/revolve.cpp
     edit/select_more.cpp
     edit/select_similar.cpp
+    edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
@@ -43,8 +52,10 @@ target_sources(vesk_core PRIVATE
     edit/triangulate.cpp
     edit/vertex_tidy.cpp
     edit/weld.cpp
+    edit/mesh/borders.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
+    edit/mesh/edge_topology.cpp
     edit/mesh/element_graph.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
@@ -53,11 +64,13 @@ target_sources(vesk_core PRIVATE
     edit/mesh/polygon_plane.cpp
     edit/mesh/position_index.cpp
     edit/mesh/surface_copy.cpp
+    edit/mesh/shortest_way.cpp
     edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
     edit/document/current_object.cpp
+    edit/document/edge_selection.cpp
     edit/document/edit_support.cpp
     edit/document/element_text.cpp
     edit/document/geometry_image.cpp

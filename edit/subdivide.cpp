@@ -331,7 +331,7 @@ void command_surface_spline()
 
 void command_insert_vertex()
 {
-    const bool by_vertices = select_mode() == SELECT_VERTEX;
+    const bool by_vertices = mode_has_vertices(select_mode());
     const std::vector<owned_elements> owners =
         by_vertices ? vertices_by_owner(selection().vertices) : target_surfaces();
     double total = 0, done = 0;

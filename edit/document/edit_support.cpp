@@ -34,7 +34,7 @@ std::vector<object_t *> selected_top_objects() { return without_descendants(sele
 void select_results(const std::vector<object_t *> &objects)
 {
     clear_selection();
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         selection_add_by_rule(objects);
     } else {
         std::vector<object_t *> reachable;

@@ -56,10 +56,17 @@ struct selection_run {
     int count;
     bool operator==(const selection_run &) const = default;
 };
+// An edge that was chosen: its ends by their places.
+struct selected_edge {
+    int identity;
+    int a, b;
+    bool operator==(const selected_edge &) const = default;
+};
 struct selection_image {
     int mode = SELECT_TREE;
     std::vector<selection_run> vertices, surfaces;
-    std::vector<int> objects; // identities
+    std::vector<int> objects;                        // identities
+    std::optional<std::vector<selected_edge>> edges; // none: those between the vertices
     bool operator==(const selection_image &) const = default;
 };
 

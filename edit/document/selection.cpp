@@ -36,6 +36,7 @@ void drop_freed(const freed_things &freed)
     all.num_vertices -= list_drop_freed(&all.vertices, freed.vertices);
     all.num_surfaces -= list_drop_freed(&all.surfaces, freed.surfaces);
     all.num_objects -= list_drop_freed(&all.objects, freed.objects);
+    chosen_edges_drop(freed.vertices);
 }
 
 void hold_selected(freed_things &held)
@@ -118,7 +119,7 @@ void remove_objects(const std::vector<object_t *> &objects)
 void remove_by_rule(const std::vector<object_t *> &objects)
 {
     selection_t &all = selection();
-    if (state.mode == SELECT_VERTEX) {
+    if (mode_has_vertices(state.mode)) {
         std::vector<vertex *> vertices;
         for (object_t *object : objects)
             for_each_object(object, [&](object_t *o) { append_elements(o->vertices, &vertices); });
@@ -143,7 +144,7 @@ void remove_by_rule(const std::vector<object_t *> &objects)
 
 void add_surfaces_by_rule(const std::vector<surface_t *> &surfaces)
 {
-    if (state.mode == SELECT_VERTEX) {
+    if (mode_has_vertices(state.mode)) {
         std::vector<vertex *> vertices;
         for (const surface_t *surface : surfaces)
             append_surface_vertices(surface, &vertices);
@@ -205,6 +206,7 @@ void vesk_current_selection_replace(selection_t *fresh)
     list_free(&old.vertices);
     list_free(&old.surfaces);
     list_free(&old.objects);
+    chosen_edges_forget();
     myfree(state.current);
     state.current = fresh;
 }
@@ -230,6 +232,7 @@ void clear_selection(void)
     list_free(&all.objects);
     all.num_vertices = all.num_surfaces = all.num_objects = 0;
     all.box_valid = 0;
+    chosen_edges_forget();
     selection_changed("clear_selection");
 }
 
@@ -238,7 +241,10 @@ void clear_selection(void)
 void selection_add_vertices(const std::vector<vertex *> &vertices)
 {
     selection_t &all = selection();
-    all.num_vertices += add_unique(&all.vertices, vertices);
+    const int added = add_unique(&all.vertices, vertices);
+    all.num_vertices += added;
+    if (added > 0)
+        chosen_edges_forget();
 }
 
 void selection_add_surfaces(const std::vector<surface_t *> &surfaces)
@@ -259,7 +265,7 @@ void selection_add_by_rule(const std::vector<object_t *> &objects)
     std::vector<surface_t *> surfaces;
     std::vector<object_t *> found;
     for (object_t *object : objects) {
-        if (state.mode == SELECT_VERTEX) {
+        if (mode_has_vertices(state.mode)) {
             gather_vertices(object, &vertices);
         } else if (state.mode == SELECT_SURFACE) {
             gather_surfaces(object, &surfaces);
@@ -294,7 +300,7 @@ void selection_drop_owned_by(const std::vector<object_t *> &objects)
 
 void select_vertices(const listitem *vertices)
 {
-    if (state.mode != SELECT_VERTEX) {
+    if (!mode_has_vertices(state.mode)) {
         console_printf("select_vertices called when not in VERTEX selectmode\n");
         return;
     }
@@ -304,7 +310,7 @@ void select_vertices(const listitem *vertices)
 
 void unselect_vertices(const listitem *vertices)
 {
-    if (state.mode != SELECT_VERTEX) {
+    if (!mode_has_vertices(state.mode)) {
         console_printf("unselect_vertices called when not in VERTEX selectmode\n");
         return;
     }
@@ -515,7 +521,9 @@ void recalc_bb_info(void)
 saved_selection_t selection_take()
 {
     selection_t &all = selection();
-    const saved_selection_t saved = {all.vertices, all.surfaces, all.objects, state.mode};
+    const saved_selection_t saved = {all.vertices, all.surfaces, all.objects, state.mode,
+                                     chosen_edges_now()};
+    chosen_edges_forget();
     all.vertices = all.surfaces = all.objects = nullptr;
     all.num_vertices = all.num_surfaces = all.num_objects = 0;
     return saved;
@@ -524,8 +532,8 @@ saved_selection_t selection_take()
 saved_selection_t selection_clone()
 {
     const selection_t &all = selection();
-    return {list_clone(all.vertices), list_clone(all.surfaces), list_clone(all.objects),
-            state.mode};
+    return {list_clone(all.vertices), list_clone(all.surfaces), list_clone(all.objects), state.mode,
+            chosen_edges_now()};
 }
 
 void selection_restore(saved_selection_t *saved)
@@ -541,6 +549,7 @@ void selection_restore(saved_selection_t *saved)
     all.num_surfaces = list_count(all.surfaces);
     all.num_objects = list_count(all.objects);
     state.mode = saved->mode;
+    chosen_edges_set(std::exchange(saved->edges, {}));
 }
 
 void selection_free(saved_selection_t *saved)

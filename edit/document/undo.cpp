@@ -249,9 +249,10 @@ void set_undo_selection(listitem *vertices, listitem *surfaces, listitem *object
         return;
     }
     selection_free(&record->saved);
-    record->saved = take != 0 ? selection_take()
-                              : saved_selection_t{list_clone(vertices), list_clone(surfaces),
-                                                  list_clone(objects), select_mode()};
+    record->saved = take != 0
+                        ? selection_take()
+                        : saved_selection_t{list_clone(vertices), list_clone(surfaces),
+                                            list_clone(objects), select_mode(), chosen_edges_now()};
     record->saved.mode = select_mode();
 }
 

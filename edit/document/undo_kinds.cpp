@@ -98,6 +98,13 @@ bool drop(std::vector<T *> &elements, freed_sets &freed)
     return std::erase_if(elements, [&](T *element) { return freed.has(element); }) != 0;
 }
 
+bool drop(chosen_edges &edges, freed_sets &freed)
+{
+    return edges && std::erase_if(*edges, [&](const edge_ends &ends) {
+                        return freed.has(ends.a) || freed.has(ends.b);
+                    }) != 0;
+}
+
 bool drop_from(undo_made_elements &made, freed_sets &freed)
 {
     const bool any = drop(made.surfaces, freed) | drop(made.vertices, freed);
@@ -128,6 +135,7 @@ bool drop_freed(undo_record &record, freed_sets &freed)
     bool any = drop<vertex>(&record.saved.vertices, freed);
     any |= drop<surface_t>(&record.saved.surfaces, freed);
     any |= drop<object_t>(&record.saved.objects, freed);
+    any |= drop(record.saved.edges, freed);
     for (saved_texture_coords &coords : record.texture_coords)
         any |= drop(&coords.surface, freed);
     return std::visit([&](auto &data) { return drop_from(data, freed); }, record.data) || any;
@@ -192,7 +200,7 @@ void hold_everything(freed_things &held)
 saved_selection_t copy_of(const saved_selection_t &saved)
 {
     return {list_clone(saved.vertices), list_clone(saved.surfaces), list_clone(saved.objects),
-            saved.mode};
+            saved.mode, saved.edges};
 }
 
 void restore_saved_selection(undo_record &record)

@@ -2,6 +2,7 @@ target_sources(vesk_tests PRIVATE
     edit/catmull_clark_test.cpp
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
+    edit/edges_test.cpp
     edit/extrude_test.cpp
     edit/full_undo_test.cpp
     edit/geometry_test.cpp

@@ -203,8 +203,6 @@ std::vector<own_command_t> all_own_commands()
 // no count either.
 TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
 {
-    const auto folder = std::filesystem::current_path();
-    std::filesystem::current_path(std::filesystem::path(temporary_file("x")).parent_path());
     select_object(add_cube("a"));
     for (const own_command_t &own : all_own_commands()) {
         if (own.kind != command_kind::query && own.kind != command_kind::view)
@@ -214,7 +212,10 @@ TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
         const std::string moved = run("get_selection_centre");
         const std::string state = run("model_state");
         for (const char *argument : {"0", "1", "3", "none"}) {
-            std::vector<std::string> words(static_cast<std::size_t>(own.row.nargs), argument);
+            const bool names_file =
+                own.row.usage != nullptr && std::strstr(own.row.usage, "file") != nullptr;
+            std::vector<std::string> words(static_cast<std::size_t>(own.row.nargs),
+                                           names_file ? temporary_file(argument) : argument);
             words.insert(words.begin(), own.row.name);
             run_words(words);
             const std::string after = run("model_state");
@@ -227,7 +228,6 @@ TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
         EXPECT_EQ(run("get_selection_centre"), "0 0 0") << own.row.name;
         EXPECT_EQ(run("undo_name"), "") << own.row.name;
     }
-    std::filesystem::current_path(folder);
 }
 
 // ---- texts to scripts ----
@@ -307,7 +307,7 @@ INSTANTIATE_TEST_SUITE_P(Words, Refusals, testing::Values(
     refusal_case{"material_name", {"material_set_name", "99", "x"}, "name material - no palette entry 99"},
     refusal_case{"texture", {"set_texture", "0"}, "set texture - there is no texture 0"},
     refusal_case{"percentage", {"reduce", "100"}, "reduce - give a percentage from 1 to 99"},
-    refusal_case{"mode", {"set_select_mode", "edge"}, "no select mode named 'edge'"},
+    refusal_case{"mode", {"set_select_mode", "corner"}, "no select mode named 'corner'"},
     refusal_case{"elements", {"select_elements", "keep", "2"}, "select elements - set, add or remove, not 'keep'"},
     refusal_case{"property", {"objects_set", "2", "colour", "red"}, "objects_set - no property named 'colour'"},
     refusal_case{"history", {"history_goto", "-1"}, "no such place in the history: -1"},
