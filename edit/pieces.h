@@ -3,6 +3,17 @@
 
 // Objects taken apart and put together.
 
+#include "model/object.h"
+
+#include <vector>
+
+// The objects with geometry among these and their descendants, in tree order.
+std::vector<object_t *> objects_with_geometry(const std::vector<object_t *> &tops);
+// Moves all of it into the first of `tops`, behind its own, in the order of objects_with_geometry;
+// lights below any of them become the first one's children, all else goes. Returns whether
+// textures differed from the one that stays. Records no undo, computes no normals.
+bool objects_merge(const std::vector<object_t *> &tops);
+
 // "object_fragment": one object for each connected piece of a selected object, descendants
 // included; surfaces that share a vertex are connected. "object_explode": one for each surface.
 // The pieces of one object stand in a group of its name, in its place, its children behind them;

@@ -3,7 +3,7 @@
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
 #include "edit/edge_operation.h"
-#include "edit/mesh/vertex_use.h"
+#include "edit/mesh/vertex_fan.h"
 #include "model/change_marks.h"
 #include "model/vec3d.h"
 
@@ -71,10 +71,9 @@ private:
     std::pair<int, edge_use> turn(int e, edge_use use, int v, int &way) const
     {
         for (std::size_t turns = topology_.edges_at(v).size(); turns > 0; --turns) {
-            const int first = mesh_.first_corner(use.surface), end = mesh_.end_corner(use.surface);
             const bool begins = mesh_.corner(use.corner) == v;
-            const int c = begins ? (use.corner > first ? use.corner - 1 : end - 1)
-                                 : (use.corner + 1 < end ? use.corner + 1 : first);
+            const int c = begins ? corner_before(mesh_, use.surface, use.corner)
+                                 : corner_after(mesh_, use.surface, use.corner);
             const int other = topology_.edge_of_corner(c);
             if (other < 0 || other == e)
                 return {-1, use};
@@ -96,25 +95,6 @@ private:
     std::vector<int> left_; // of each edge: which use is on the left; -1: not reached
     std::vector<slide_ways> ways_;
 };
-
-// The coordinates that the corner's own triangle has at `p`, continued beyond its sides.
-flat_uv uv_at(const flat_mesh &mesh, int surface, int corner, const vec3d &p)
-{
-    const int first = mesh.first_corner(surface), end = mesh.end_corner(surface);
-    const int before = corner > first ? corner - 1 : end - 1;
-    const int after = corner + 1 < end ? corner + 1 : first;
-    const auto point = [&](int c) { return to_vec3d(mesh.position(mesh.corner(c))); };
-    const vec3d a = point(before) - point(corner), b = point(after) - point(corner);
-    const vec3d d = p - point(corner), normal = cross(a, b);
-    const double area = dot(normal, normal);
-    const flat_uv &uv = mesh.uv(corner);
-    if (area == 0)
-        return uv;
-    const double s = dot(cross(d, b), normal) / area, t = dot(cross(a, d), normal) / area;
-    const flat_uv &p1 = mesh.uv(before), &p2 = mesh.uv(after);
-    return {static_cast<float>(uv.u + s * (p1.u - uv.u) + t * (p2.u - uv.u)),
-            static_cast<float>(uv.v + s * (p1.v - uv.v) + t * (p2.v - uv.v))};
-}
 
 struct moved_vertex {
     int v;
@@ -163,7 +143,7 @@ void commit(const slide_job &job)
     for (const moved_vertex &moved : job.moved) {
         for (const std::int32_t c : corners.of(moved.v)) {
             const int s = corners.surface_of(c);
-            coords[c] = uv_at(mesh, s, c, moved.to);
+            coords[c] = corner_uv_at(mesh, s, c, to_point(moved.to));
             touched[s] = true;
         }
         mesh.vertex_record(moved.v)->position = to_point(moved.to);

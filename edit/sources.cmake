@@ -1,5 +1,6 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
+    edit/boolean.cpp
     edit/bridge.cpp
     edit/catmull_clark.cpp
     edit/connect.cpp
@@ -8,6 +9,7 @@ target_sources(vesk_core PRIVATE
     edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
+    edit/edge_bevel.cpp
     edit/edge_mesh.cpp
     edit/edge_operation.cpp
     edit/edge_select.cpp
@@ -30,6 +32,7 @@ target_sources(vesk_core PRIVATE
     edit/object_properties.cpp
     edit/optimize.cpp
     edit/orient.cpp
+    edit/palette_preview.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp
@@ -41,6 +44,7 @@ target_sources(vesk_core PRIVATE
     edit/revolve.cpp
     edit/select_more.cpp
     edit/select_similar.cpp
+    edit/slice.cpp
     edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
@@ -53,22 +57,33 @@ target_sources(vesk_core PRIVATE
     edit/vertex_tidy.cpp
     edit/weld.cpp
     edit/mesh/borders.cpp
+    edit/mesh/box_tree.cpp
+    edit/mesh/crossings.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
     edit/mesh/edge_topology.cpp
     edit/mesh/element_graph.cpp
+    edit/mesh/exact.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
+    edit/mesh/planar_sides.cpp
+    edit/mesh/plane_cut.cpp
     edit/mesh/polygon_plane.cpp
     edit/mesh/position_index.cpp
-    edit/mesh/surface_copy.cpp
     edit/mesh/shortest_way.cpp
+    edit/mesh/sliver_tidy.cpp
+    edit/mesh/solid_boolean.cpp
+    edit/mesh/solid_faces.cpp
+    edit/mesh/solid_meshes.cpp
+    edit/mesh/surface_copy.cpp
     edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp
+    edit/mesh/vertex_fan.cpp
     edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
+    edit/mesh/wide_int.cpp
     edit/document/current_object.cpp
     edit/document/edge_selection.cpp
     edit/document/edit_support.cpp
@@ -97,5 +112,6 @@ target_sources(vesk_core PRIVATE
     edit/uv/uvmap.cpp
     edit/check/model_check.cpp
     edit/check/model_check_fix.cpp
+    edit/check/model_check_notes.cpp
     edit/check/model_check_search.cpp
 )

@@ -4,6 +4,7 @@
 #include "edit/bridge.h"
 #include "edit/connect.h"
 #include "edit/dissolve.h"
+#include "edit/edge_bevel.h"
 #include "edit/edge_select.h"
 #include "edit/extrude_edges.h"
 #include "edit/fill_hole.h"
@@ -47,6 +48,11 @@ std::span<const own_command_t> edge_commands()
                     "bring connected selected elements to one point"),
         command_row("extrude_edges", command_extrude_edges, edit, "<float x> <float y> <float z>",
                     "a quad from every selected edge to its copy"),
+        command_row("edge_bevel", command_edge_bevel, edit, 1, 3,
+                    "<float width> <int segments> <float profile>",
+                    "replace the selected edges by strips of quads"),
+        command_row("vertex_bevel", command_vertex_bevel, edit, "<float width>",
+                    "cut the selected vertices off"),
         command_row("slide", command_slide, edit, "<float share>",
                     "move selected edges or vertices along the edges beside them"),
         command_row("fill_hole", command_fill_hole, edit, 0, 1, "<polygon|grid|fan>",

@@ -5,24 +5,32 @@
 #include "base/numbers.h"
 #include "base/progress.h"
 #include "base/redraw.h"
+#include "edit/boolean.h"
 #include "edit/create.h"
 #include "edit/document/current_object.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
+#include "edit/holes.h"
 #include "edit/object_flags.h"
+#include "edit/slice.h"
 #include "edit/smooth_subdivide.h"
+#include "edit/snap.h"
 #include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/matrix.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/texture_preview.h"
 #include "model/textures/textures.h"
+#include "model/vector.h"
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "program/command_table.h"
@@ -98,7 +106,7 @@ void command_get_counts()
     });
     const selection_t &all = selection();
     int chosen_surfaces = all.num_surfaces, chosen_vertices = all.num_vertices;
-    for (object_t *top : each<object_t>(all.objects)) {
+    for (object_t *top : selected_top_objects()) {
         for_each_object(top, [&](const object_t *object) {
             chosen_surfaces += object->num_surfaces;
             chosen_vertices += object->num_vertices;
@@ -132,6 +140,8 @@ void command_object_info(int id)
     append_pair("url", text_or_empty(object->url));
     append_pair("data", text_or_empty(object->data));
     append_pair("centre", point_text(object->centre));
+    append_pair("angles", point_text(point_scale(matrix_angles(object->rotation),
+                                                 static_cast<float>(degrees_per_radian))));
     append_pair("size", point_text(find_object_size(object)));
 }
 
@@ -238,9 +248,8 @@ void command_vesk_material_set_name(int i, const char *name)
         display_message("name material - no palette entry %d", i);
         return;
     }
-    const std::string fitting = material_name_for_files(name);
     new_undo_state("name material");
-    vesk_material_set_name(vesk_palette_get_material(i), fitting.c_str());
+    vesk_material_set_name(vesk_palette_get_material(i), name);
     palette_mark();
     display_status();
 }
@@ -318,9 +327,30 @@ std::span<const own_command_t> model_commands()
         command_row("cancel", progress_cancel, view, nullptr, "cancel long work"),
         command_row("extrude", command_extrude, edit, "<float x> <float y> <float z>",
                     "extrude the selected surfaces"),
+        command_row("extrude_select", command_extrude_select, edit, 4, 4,
+                    "<int automatic> <float x> <float y> <float z>",
+                    "extrude the selected surfaces and select the new ones"),
+        command_row("extrude_normal", command_extrude_normal, edit, 2, 2,
+                    "<int automatic> <float distance>",
+                    "extrude the selected surfaces where they face and select the new ones"),
+        command_row("hole_select", command_hole_select, edit, nullptr,
+                    "hole the selected surfaces and select the new ones"),
+        command_row("bevel_select", command_bevel_select, edit, nullptr,
+                    "bevel the selected surfaces and select the new ones"),
+        command_row("weld", command_weld, edit, nullptr,
+                    "bring the selected vertices together and join them"),
+        command_row("weld_distance", command_weld_distance, edit, "<float distance>",
+                    "bring selected vertices together by distance and join them"),
         command_row("create_outline", command_create_outline, edit,
                     "<string polygon, polyline or line> <string coordinates>",
                     "create a polygon or a line from x y z of each point"),
+        command_row("boolean", command_boolean, edit, 1, 2,
+                    "<string union, difference or intersection> [<int keep the others (0 or 1)>]",
+                    "the first selected solid with the others"),
+        command_row("slice", command_slice, edit, 8, 8,
+                    "<float px> <float py> <float pz> <float nx> <float ny> <float nz> "
+                    "<string both, front or back> <int cap (0 or 1)>",
+                    "cut the selection by a plane"),
         command_row("create_light", command_create_light, edit, "<float x> <float y> <float z>",
                     "create a light"),
     };

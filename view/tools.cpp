@@ -4,6 +4,7 @@
 #include "base/redraw.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection.h"
+#include "edit/palette_preview.h"
 #include "edit/panel_transform.h"
 #include "view/interaction.h"
 #include "view/tool_create.h"
@@ -92,6 +93,7 @@ void tools_interrupt()
             interaction_cancel();
     }
     panel_transform_cancel();
+    palette_preview_end();
 }
 
 void tools_forget()

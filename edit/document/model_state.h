@@ -91,8 +91,8 @@ using state_ptr = std::shared_ptr<const model_state>;
 // The model as it is. Unchanged since the last call: the same pointer.
 state_ptr model_state_capture();
 
-// True when both hold the same model to the bit, whatever is selected. Its cost is that of the
-// arrays that are not shared.
+// True when both hold the same model to the bit, whatever is selected; a palette that only grew is
+// the same, for entries are never taken away. Its cost is that of the arrays that are not shared.
 bool model_state_same(const model_state &a, const model_state &b);
 
 // True when both have the same objects, lists and texts, and all numbers agree but for rounding.

@@ -94,13 +94,15 @@ void add_with_descendants(const objects_t &objects)
             if (object == vesk_get_world() || reached.contains(object))
                 return;
             order.push_back(object);
-            // Objects that the rule visits from here need no second visit.
+            // Objects that the rule visits from here need no second visit; in object mode it ends
+            // at polygon objects.
             std::vector<object_t *> stack = {object};
             while (!stack.empty()) {
                 object_t *visited = stack.back();
                 stack.pop_back();
                 if (!reached.insert(visited).second || visited->visible == 0 ||
-                    visited->locked != 0)
+                    visited->locked != 0 ||
+                    (select_mode() == SELECT_OBJECT && visited->type == OBJECT_POLY))
                     continue;
                 append_elements(visited->children, &stack);
             }

@@ -1,4 +1,5 @@
 #include "base/coor_display.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
@@ -134,10 +135,14 @@ void remove_by_rule(const std::vector<object_t *> &objects)
         for (object_t *object : objects)
             tops.push_back(object_top_ancestor(object));
         remove_objects(tops);
-    } else { // the list holds members of groups
+    } else { // the list holds members of groups; what lies below a polygon object has its own entry
         std::vector<object_t *> members;
-        for (object_t *object : objects)
-            for_each_object(object, [&](object_t *o) { members.push_back(o); });
+        for (object_t *object : objects) {
+            walk_while(object, [&](object_t *o) {
+                members.push_back(o);
+                return state.mode == SELECT_LIGHT || o->type != OBJECT_POLY;
+            });
+        }
         remove_objects(members);
     }
 }
@@ -220,8 +225,11 @@ void selection_changed(const char *tag)
 {
     ++state.changes;
     debugf("SELECTION CHANGED (%s)\n", tag);
-    for (size_t i = 0; i < state.callbacks.size(); ++i) // a callback may add another
-        state.callbacks[i].function(tag, state.callbacks[i].user_data);
+    for (size_t i = 0; i < state.callbacks.size(); ++i) { // a callback may add another
+        const callback_t callback = state.callbacks[i];
+        const foreign_scope scope(code_of_function(callback.function));
+        callback.function(tag, callback.user_data);
+    }
 }
 
 void clear_selection(void)
@@ -472,6 +480,23 @@ void select_part_selected_surfaces(void)
 
 // ---- the box ----
 
+namespace {
+
+// A light has no vertices: the place where it stands counts as one. Returns how many there are.
+int add_lights(const object_t *top, point3_t *min, point3_t *max)
+{
+    int lights = 0;
+    for_each_object(const_cast<object_t *>(top), [&](const object_t *part) {
+        if (part->type != OBJECT_LIGHT || part->vertices != nullptr)
+            return;
+        bounds_add(part->centre, min, max);
+        ++lights;
+    });
+    return lights;
+}
+
+} // namespace
+
 void find_bounding_box(void)
 {
     selection_t &all = selection();
@@ -495,6 +520,11 @@ void find_bounding_box(void)
         visited += n;
         bounds_add(low, &all.box_min, &all.box_max);
         bounds_add(high, &all.box_min, &all.box_max);
+    }
+    // Beside geometry the lights, which often stand far away, do not count.
+    if (visited == 0) {
+        for (const object_t *object : each<object_t>(all.objects))
+            visited += add_lights(object, &all.box_min, &all.box_max);
     }
     // A box of coordinates that are no numbers is none.
     all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x &&

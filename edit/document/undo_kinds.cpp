@@ -2,6 +2,7 @@
 
 #include "edit/document/undo_kinds.h"
 
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
@@ -348,7 +349,7 @@ void reverse_deletion(undo_record &record)
 void restore_model(const undo_record &record)
 {
     if (const state_ptr model = std::get<undo_model>(record.data).model)
-        model_state_restore(model, restore_selection::no);
+        model_state_restore(model, nullptr);
 }
 
 void reverse_world(undo_record &record)
@@ -368,8 +369,10 @@ void reverse_operation(undo_record &record)
 {
     const vesk_undoable_t undoable =
         record.operation() ? record.operation()->undoable : vesk_undoable_t{};
-    if (undoable.undo)
+    if (undoable.undo) {
+        const foreign_scope scope(code_of_function(undoable.undo));
         undoable.undo(undoable.user_data);
+    }
     mark_all_suspect();
     freed_filter_foreign();
     undo_drop_newest();
@@ -474,8 +477,8 @@ undo_record::~undo_record()
                 object_free(entry.object);
         }
     }
-    if (operation() && operation()->undoable.destroy)
-        operation()->undoable.destroy(operation()->undoable.user_data, 1);
+    if (operation())
+        undoable_destroy(operation()->undoable);
 }
 
 unsigned undo_last_serial() { return living().last_serial; }

@@ -368,12 +368,25 @@ proc ::vesk::menus::bind_again {} {
     bind_accelerators
 }
 
+# takes --
+#   Whether the window has a binding for a press: such a key is not the views'.
+proc ::vesk::menus::takes {keysym state} {
+    variable bound
+    set modifiers ""
+    if {$state & 4} {append modifiers Control-}
+    if {$state & 8} {append modifiers Alt-}
+    if {$state & 1 && [string length $keysym] > 1} {append modifiers Shift-}
+    return [dict exists $bound <${modifiers}Key-$keysym>]
+}
+
 # key --
 #   Runs the row of an accelerator. While text is edited the editing keys are the field's; a row
 #   that cannot be chosen is refused with a message.
 proc ::vesk::menus::key {w row} {
     if {![::vesk::view::in_main $w]} {return}
-    if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {return}
+    if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {
+        return -code break
+    }
     set why [why_not $row [now]]
     if {$why ne ""} {
         display_message "[plain [lindex $row 1]] - $why"
@@ -384,10 +397,12 @@ proc ::vesk::menus::key {w row} {
 }
 
 # edits_text --
-#   Whether a key belongs to the field that has the focus. Undo is the model's again as soon as the
-#   typed text was applied.
+#   Whether a key belongs to the field that has the focus. Undo takes back what was typed there, and
+#   is the model's again as soon as the field holds what it held before.
 proc ::vesk::menus::edits_text {key w} {
-    if {$key in {Ctrl+Z Ctrl+Shift+Z}} {return [::vesk::fields::being_typed $w]}
+    if {$key in {Ctrl+Z Ctrl+Shift+Z}} {
+        return [expr {[winfo class $w] eq "Text" || [::vesk::fields::take_back $w]}]
+    }
     return [expr {$key in {Ctrl+X Ctrl+C Ctrl+V Ctrl+A Ctrl+D}}]
 }
 

@@ -85,10 +85,10 @@ proc ::vesk::menus::define {name label rows} {
 ::vesk::menus::define transform "Transform" {
     {ask "&Move..." {move_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
         "Moves the selection by a distance."}
-    {ask "Move &to..." {move_to {X number 0} {Y number 0} {Z number 0}} "" some
+    {ask "Move &to..." {move_to {X centre 0} {Y centre 1} {Z centre 2}} "" some
         "Moves the middle of the selection to a point."}
     {ask "&Scale..." {scale {X number 1} {Y number 1} {Z number 1}} "" some "Multiplies the size of the selection."}
-    {ask "Si&ze to..." {size_to {X number 1} {Y number 1} {Z number 1}} "" some
+    {ask "Si&ze to..." {size_to {X size 0} {Y size 1} {Z size 2}} "" some
         "Gives the selection a size; an axis of no extent stays."}
     {ask "&Rotate..." {rotate_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
         "Turns the selection about its middle, in degrees."}
@@ -151,7 +151,9 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Re&volve..." {revolve {Axis choice {X 0 Y 1 Z 2}} {Degrees pref revolve_degs int}
         {Segments pref revolve_segments int}} "" object "Sweeps the selection around an axis."}
     {menu "Surface &from vertices" fromvertices "" "" "Joins the selected vertices."}
-    {run "&Object from surfaces" {surface_create_object} "" surface
+    {run "&Object from surfaces" {surfaces_separate} "" surface
+        "Moves the selected surfaces into an object of their own."}
+    {run "Object from copied surfaces" {surface_create_object} "" surface
         "Copies the selected surfaces into an object of their own."}
 }
 ::vesk::menus::define atorigin "At the origin" {
@@ -184,6 +186,9 @@ proc ::vesk::menus::define {name label rows} {
     {line}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
+    {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
+        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}} "" several
+        "Makes one solid of the first selected object and the others."}
     {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
     {run "&Explode" {object_explode} "" object "Makes an object of every surface."}
     {call "To the front of the l&ist" {::vesk::objects::to_head} "" object
@@ -213,8 +218,15 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Choose..." {file_select_texture} "" some "Puts a picture on the selected objects."}
 }
 ::vesk::menus::define surface "S&urface" {
-    {ask "&Extrude..." {extrude {X number 0} {Y number 0} {Z number 0.5}
-        {Steps pref extrude_num int} {"Close the end" pref extrude_cap_end bool}
+    {ask "&Extrude..." {extrude_normal {Body choice {Automatic 1 "As set below" 0}}
+        {Distance number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
+        {"Delete the original" pref extrude_delete_original bool}
+        {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
+        "Sweeps the selected surfaces where they face."}
+    {ask "E&xtrude by a vector..." {extrude_select {Body choice {Automatic 1 "As set below" 0}}
+        {X number 0} {Y number 0} {Z number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
         {"Delete the original" pref extrude_delete_original bool}
         {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
@@ -228,9 +240,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}
     {line}
-    {ask "&Hole..." {surface_make_hole {Percent pref hole_percent int}} "" some
+    {ask "&Hole..." {hole_select {Percent pref hole_percent int}} "" some
         "Cuts a hole into each selected surface."}
-    {ask "&Bevel..." {surface_bevel {Size pref bevel_size number}} "" some
+    {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
     {ask "&Inset..." {inset {Width number 0.1} {Depth number 0}
         {Of choice {"Each surface" each "Each region" region}}} "" some
@@ -244,6 +256,11 @@ proc ::vesk::menus::define {name label rows} {
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
+    {ask "Sl&ice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+        {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
+        {Keep choice {"Both sides" both "The front" front "The back" back}}
+        {Caps choice {None 0 "Closed by polygons" 1}}} "" some
+        "Cuts the selection by a plane; the front is where its normal points."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
     {ask "&Quads from triangles..." {quads_from_triangles {"Largest angle" number 30}} "" some
         "Joins pairs of the selected triangles to four-sided surfaces."}
@@ -279,8 +296,8 @@ proc ::vesk::menus::define {name label rows} {
         "A vertex where an edge is clicked in a view."}
     {line}
     {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
-    {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
-    {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
+    {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
+    {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
     {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}

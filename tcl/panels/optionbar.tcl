@@ -150,17 +150,20 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
         ::vesk::fields::follow_preference $field ::vesk::optionbar::field$number $key $kind
+        foreach event {<Return> <KP_Enter>} {bind $field $event {+after idle ::vesk::view::focus_last}}
         pack $field -side left -padx [list 0 $gap]
     }
 }
 
 # add_vector --
 #   Three axis fields and the button that applies them.
+#   start  the number that changes nothing
 proc ::vesk::optionbar::add_vector {frame start} {
     foreach axis {x y z} {
         set ::vesk::tools::vector($axis) [::vesk::arith::shown $start]
         set entry [::vesk::fields::axis_field $frame.$axis $axis ::vesk::tools::vector($axis) "" 6]
-        ::vesk::fields::on_keys $entry {Return ::vesk::tools::apply Escape ::vesk::view::focus_last}
+        ::vesk::fields::on_keys $entry [list Return [list ::vesk::optionbar::apply_vector $start] \
+            Escape ::vesk::view::focus_last]
         foreach {key step} {Up 0.1 Down -0.1 Shift-Key-Up 1 Shift-Key-Down -1} {
             bind $entry <$key> [list ::vesk::optionbar::step_vector $axis $step]
         }
@@ -168,8 +171,16 @@ proc ::vesk::optionbar::add_vector {frame start} {
         bind $entry <FocusOut> +[list ::vesk::optionbar::tidy_vector $axis]
         pack $frame.$axis -side left -padx [::vesk::theme::pad 0 4]
     }
-    ttk::button $frame.apply -text Apply -command ::vesk::tools::apply
+    ttk::button $frame.apply -text Apply -command [list ::vesk::optionbar::apply_vector $start]
     pack $frame.apply -side left
+}
+
+# apply_vector --
+#   Applies the three numbers once: the next ones start anew, and keys are the views' again.
+proc ::vesk::optionbar::apply_vector {start} {
+    if {![::vesk::tools::apply]} {return}
+    foreach axis {x y z} {set ::vesk::tools::vector($axis) [::vesk::arith::shown $start]}
+    ::vesk::view::focus_last
 }
 
 proc ::vesk::optionbar::step_vector {axis step} {

@@ -263,7 +263,7 @@ proc ::vesk::tools::tool_of_mode {mode} {
 }
 
 # apply --
-#   Runs the current tool with the three typed numbers.
+#   Runs the current tool with the three typed numbers; returns 0 when one of them is none.
 proc ::vesk::tools::apply {} {
     variable current
     variable vector
@@ -271,7 +271,7 @@ proc ::vesk::tools::apply {} {
     foreach axis {x y z} {
         if {[catch {::vesk::arith::value $vector($axis)} number]} {
             display_message "[string toupper $axis]: $number"
-            return
+            return 0
         }
         lappend numbers $number
     }
@@ -282,6 +282,7 @@ proc ::vesk::tools::apply {} {
         extrude {::vesk::ops::run extrude {*}$numbers}
     }
     vesk redraw_all
+    return 1
 }
 
 # pivot_point --

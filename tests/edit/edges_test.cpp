@@ -242,6 +242,33 @@ TEST_F(Edges, ExtrudedEdgesFaceAsTheirNeighbours)
     EXPECT_NEAR(volume(sheet), 4, 1e-5);
 }
 
+TEST_F(Edges, BevelledBoxes)
+{
+    const auto bevelled = [&](const char *segments) {
+        run("clear_all");
+        run("create", "box", "0", "-1", "-1", "-1", "1", "1", "1");
+        object_t *box = item_of<object_t>(vesk_get_world()->children);
+        mode("edge"); // all of its edges
+        run("edge_bevel", "0.5", segments, "0.5");
+        expect_closed(box);
+        expect_sound(box);
+        EXPECT_EQ(euler_of_polygons(box), 2);
+        return box;
+    };
+    object_t *flat = bevelled("1");
+    EXPECT_EQ(flat->num_surfaces, 6 + 12 + 8);
+    EXPECT_EQ(flat->num_vertices, 24);
+    // Twelve prisms less, but for what the corners have twice.
+    const double corner = 8 * (0.5 * 0.5 * 0.5) * (5.0 / 6), side = 12 * 1.0 * 0.125;
+    EXPECT_NEAR(volume(flat), 8 - side - corner, 0.02);
+    // Nearly the box with edges and corners of radius 0.5.
+    object_t *round = bevelled("12");
+    const double pi = 3.14159265, ball = 4.0 / 3 * pi * 0.125, rods = 3 * pi * 0.25 * 1.0;
+    EXPECT_NEAR(volume(round), 1 + 6 * 0.5 * 1 + rods + ball, 0.05);
+    for (const point3_t &p : points_of(round))
+        EXPECT_LE(std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)}), 1.005f);
+}
+
 TEST_F(Edges, SharpEdgesAndTheShortestWay)
 {
     run("new_cube");
@@ -309,6 +336,10 @@ TEST_P(EdgeCommands, KeepWhatTheyPromise)
         {{"collapse"}, 0, false},
         {{"split_edges"}, MESH_ORIENTED, false},
         {{"slide", "0.3"}, both, false},
+        {{"edge_bevel", "0.05"}, both, false},
+        {{"edge_bevel", "0.05", "3", "0.5"}, both, false},
+        {{"edge_bevel", "100", "2"}, both, false},
+        {{"vertex_bevel", "0.05"}, both, false},
         {{"extrude_edges", "0", "0", "1"}, 0, false},
         {{"fill_hole"}, both, false},
         {{"fill_hole", "grid"}, both, false},

@@ -1,5 +1,6 @@
 target_sources(vesk_tests PRIVATE
     edit/catmull_clark_test.cpp
+    edit/boolean_test.cpp
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
     edit/edges_test.cpp
@@ -20,12 +21,14 @@ target_sources(vesk_tests PRIVATE
     edit/region_edit_test.cpp
     edit/revolve_test.cpp
     edit/select_more_test.cpp
+    edit/slice_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/transform_test.cpp
     edit/tidy_surfaces_test.cpp
     edit/vertex_tidy_test.cpp
     edit/weld_test.cpp
+    edit/mesh/exact_test.cpp
     edit/mesh/mesh_change_test.cpp
     edit/mesh/tessellator_test.cpp
     edit/document/journal_test.cpp

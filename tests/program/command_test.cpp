@@ -94,6 +94,42 @@ TEST_F(Commands, ArgumentsAreConvertedByTheirLetters)
     EXPECT_EQ(given_text, "a b $x [exit]");
 }
 
+TEST_F(Commands, NumbersThatAFloatCannotHoldAreToldAndAreZero)
+{
+    vesk_add_command_full("many", erased(take_many), 15, "dffffffffffffff", nullptr, nullptr);
+    run("many", 7, "inf", "nan", "1e39", "-1e39", "3e38", 6, 7, 8, 9, 10, 11, 12, 13, 14);
+    const float expected[] = {0, 0, 0, 0, 3e38f, 6};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(given_floats[i], expected[i]) << i;
+    EXPECT_EQ(recording().console,
+              "many: argument 2, 'inf', is no number that can be used - 0 is taken\n"
+              "many: argument 3, 'nan', is no number that can be used - 0 is taken\n"
+              "many: argument 4, '1e39', is no number that can be used - 0 is taken\n"
+              "many: argument 5, '-1e39', is no number that can be used - 0 is taken\n");
+}
+
+TEST_F(Commands, ResultsThatNoFloatHoldsAreTakenBack)
+{
+    select_object(add_cube("cube"));
+    run("rotate", 3.4e38, 0, 0); // a turn like any other
+    run("move", 0, 1, 0);
+    run("move", 3e38, 0, 0);
+    const std::string before = run("get_selection_centre") + run("get_selection_size");
+    for (const std::vector<std::string> &words :
+         {std::vector<std::string>{"move", "3e38", "0", "0"},
+          {"rotate_about", "45", "45", "0", "-3e38", "3e38", "-3e38"},
+          {"move_with_undo", "3e38", "0", "0"}}) {
+        const std::string undo = last_undo();
+        run_words(words);
+        EXPECT_TRUE(last_message().ends_with(
+            "the result is beyond what coordinates can hold: nothing was changed"))
+            << words[0];
+        EXPECT_EQ(run("get_selection_centre") + run("get_selection_size"), before) << words[0];
+        EXPECT_EQ(last_undo(), undo);
+    }
+    EXPECT_EQ(selection_get_num_objects(), 1);
+}
+
 TEST_F(Commands, UnknownTemplatesAndLettersAreTold)
 {
     vesk_add_command_full("odd", erased(take_text), 2, "fs", nullptr, nullptr);
@@ -144,6 +180,7 @@ TEST_F(Commands, AFaultCostsADialogAndTheSessionStateComesBack)
               "Exception occured in command crash\ncode: 0xc0000005\ntype: "
               "EXCEPTION_ACCESS_VIOLATION\n\nPlease report this to Dovan");
     EXPECT_EQ(session().command_depth, 0);
+    EXPECT_EQ(command_result_get(), nullptr);
     run("throw");
     EXPECT_TRUE(recording().boxes.back().starts_with(
         "Exception occured in command throw\nException what()=broken\nLast Error: "));

@@ -1,0 +1,11 @@
+#ifndef VESK_EDIT_BOOLEAN_H
+#define VESK_EDIT_BOOLEAN_H
+
+// Command "boolean": union, difference or intersection of the first selected object with all others,
+// in the order of the selection; each is one solid with its descendants. The result is the first
+// object, with its name and texture, facing outwards; the others go, or with a second word 1 stay,
+// hidden. Lines of the first stay as they are. Refused, with the fault selected, when a solid is not
+// closed or goes through itself. Undo "boolean".
+void command_boolean(int count, const char *const *words);
+
+#endif

@@ -1,0 +1,94 @@
+#include "edit/mesh/box_tree.h"
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+box_t box_t::none()
+{
+    constexpr float most = std::numeric_limits<float>::infinity();
+    return {{most, most, most}, {-most, -most, -most}};
+}
+
+void box_t::add(const point3_t &p)
+{
+    const float at[3] = {p.x, p.y, p.z};
+    for (int i = 0; i < 3; ++i) {
+        low[i] = std::min(low[i], at[i]);
+        high[i] = std::max(high[i], at[i]);
+    }
+}
+
+void box_t::add(const box_t &box)
+{
+    for (int i = 0; i < 3; ++i) {
+        low[i] = std::min(low[i], box.low[i]);
+        high[i] = std::max(high[i], box.high[i]);
+    }
+}
+
+namespace {
+
+// Ten bits, with two zeros between each and the next.
+std::uint32_t spread(std::uint32_t x)
+{
+    x = (x | (x << 16)) & 0x030000FFU;
+    x = (x | (x << 8)) & 0x0300F00FU;
+    x = (x | (x << 4)) & 0x030C30C3U;
+    return (x | (x << 2)) & 0x09249249U;
+}
+
+// The places of boxes along a curve that fills space.
+std::vector<std::pair<std::uint32_t, int>> along_curve(const std::vector<box_t> &boxes)
+{
+    box_t all = box_t::none();
+    for (const box_t &box : boxes)
+        all.add(box);
+    std::vector<std::pair<std::uint32_t, int>> keys;
+    keys.reserve(boxes.size());
+    for (std::size_t b = 0; b < boxes.size(); ++b) {
+        std::uint32_t key = 0;
+        for (int i = 0; i < 3; ++i) {
+            const float size = all.high[i] - all.low[i];
+            const float middle = (boxes[b].low[i] + boxes[b].high[i]) / 2;
+            const float share = size > 0 ? (middle - all.low[i]) / size : 0;
+            const auto cell = static_cast<std::uint32_t>(std::clamp(share * 1024, 0.0f, 1023.0f));
+            key |= spread(cell) << i;
+        }
+        keys.emplace_back(key, static_cast<int>(b));
+    }
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+} // namespace
+
+box_tree::box_tree(std::vector<box_t> boxes)
+{
+    for (const auto &[key, box] : along_curve(boxes)) {
+        order_.push_back(box);
+        boxes_.push_back(boxes[box]);
+    }
+    nodes_.reserve(boxes.size());
+    if (!boxes.empty())
+        build(0, static_cast<int>(boxes.size()));
+}
+
+int box_tree::build(int begin, int end)
+{
+    const int self = static_cast<int>(nodes_.size());
+    nodes_.push_back({box_t::none(), begin, end, 0});
+    if (end - begin <= leaf_size) {
+        for (int i = begin; i < end; ++i)
+            nodes_[self].box.add(boxes_[i]);
+        return self;
+    }
+    const int middle = begin + (end - begin) / 2;
+    build(begin, middle);
+    const int right = build(middle, end);
+    nodes_[self].right = right;
+    nodes_[self].box = nodes_[self + 1].box;
+    nodes_[self].box.add(nodes_[right].box);
+    return self;
+}

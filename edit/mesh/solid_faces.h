@@ -1,0 +1,128 @@
+#ifndef VESK_EDIT_MESH_SOLID_FACES_H
+#define VESK_EDIT_MESH_SOLID_FACES_H
+
+// Some solids at once: their polygons cut along all lines where they meet, and for each piece which
+// solids it lies in. All decisions are exact.
+
+#include "base/progress.h"
+#include "edit/mesh/crossings.h"
+#include "model/flat_mesh.h"
+
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+// Meshes that together are the solids. The vertices at one place are one point.
+class solid_meshes {
+public:
+    // `part` numbers the solids from 0; several meshes may be of one.
+    void add(const flat_ptr &mesh, int part);
+    // After the last one: the points, the polygons and their triangles. False when a coordinate is
+    // not finite.
+    bool finish();
+
+    struct unit_t {
+        int mesh, surface, part;
+        int first_triangle, end_triangle; // without those that have no area
+    };
+    [[nodiscard]] const std::vector<flat_ptr> &meshes() const { return meshes_; }
+    [[nodiscard]] const std::vector<unit_t> &units() const { return units_; }
+    [[nodiscard]] const std::vector<solid_triangle> &triangles() const { return triangles_; }
+    [[nodiscard]] const box_tree &tree() const { return *tree_; }
+    [[nodiscard]] exact_points &points() const { return *points_; }
+    // The points at the corners of a polygon.
+    [[nodiscard]] std::span<const int> outline(int unit) const
+    {
+        return std::span(corners_).subspan(first_corner_[unit],
+                                           first_corner_[unit + 1] - first_corner_[unit]);
+    }
+    [[nodiscard]] bool is_of_first(int mesh) const { return parts_[mesh] == 0; }
+    // One vertex of each point: the first, as mesh and place in it.
+    [[nodiscard]] std::pair<int, int> vertex_of(int point) const { return vertices_[point]; }
+    [[nodiscard]] int point_of(int mesh, int v) const { return point_of_[mesh][v]; }
+    // The edges, as pairs of points, that a part's polygons do not use as often in one direction as
+    // in the other; with one of the polygons.
+    struct open_edge_t {
+        int a, b, unit;
+    };
+    [[nodiscard]] std::vector<open_edge_t> open_edges() const;
+
+private:
+    void cut_into_triangles(int unit);
+
+    std::vector<flat_ptr> meshes_;
+    std::vector<int> parts_;
+    std::vector<std::vector<int>> point_of_;
+    std::vector<std::pair<int, int>> vertices_;
+    std::vector<unit_t> units_;
+    std::vector<int> corners_, first_corner_ = {0};
+    std::vector<solid_triangle> triangles_;
+    std::unique_ptr<exact_points> points_;
+    std::unique_ptr<box_tree> tree_;
+};
+
+// How often a face lies in each solid: the solid, and how many of its layers are around.
+using windings_t = std::vector<std::pair<int, int>>;
+
+class solid_faces {
+public:
+    // `share` of the progress is what this work is.
+    solid_faces(solid_meshes &solids, progress_t &progress);
+    // False when the user cancelled.
+    bool compute();
+
+    struct face_t {
+        int unit;
+        int triangle; // -1: the whole polygon, which nothing crosses
+        int first, end;
+        int patch = -1;
+        int twin = -1; // the first of the faces that cover the same area, when it is not this
+        bool opposite = false; // to that one
+    };
+    [[nodiscard]] const std::vector<face_t> &faces() const { return faces_; }
+    [[nodiscard]] std::span<const int> outline(const face_t &face) const
+    {
+        return std::span(outlines_).subspan(face.first, face.end - face.first);
+    }
+    [[nodiscard]] const std::vector<self_crossing_t> &self_crossings() const
+    {
+        return crossings_.self;
+    }
+    // Just in front of the face, and just behind it. Not of a twin.
+    [[nodiscard]] const windings_t &in_front(int face) const;
+    [[nodiscard]] windings_t behind(int face) const;
+
+private:
+    struct line_t {
+        int from, to;
+        exact_plane plane;
+        bool side; // of the triangle
+    };
+    bool find_faces();
+    void add_whole(int unit);
+    void cut_triangle(int triangle, std::span<const meeting_t> meetings);
+    void split_lines(const solid_triangle &t, std::vector<line_t> &lines,
+                     std::vector<std::vector<int>> &splits);
+    void meet_lines(const solid_triangle &t, const line_t &a, const line_t &b,
+                    std::vector<int> &a_splits, std::vector<int> &b_splits);
+    void find_twins();
+    void join_patches();
+    bool find_windings();
+    [[nodiscard]] bool wind(int face, int attempt, windings_t *out);
+    [[nodiscard]] int point_inside(int face, int attempt);
+    [[nodiscard]] int triangle_of(const face_t &face) const;
+
+    solid_meshes &solids_;
+    progress_t &progress_;
+    crossings_t crossings_;
+    std::vector<bool> touched_; // of the units
+    std::vector<bool> covered_; // triangles that share an area with others
+    std::vector<face_t> faces_;
+    std::vector<int> outlines_;
+    std::vector<windings_t> patches_;
+    std::vector<std::vector<int>> twins_; // of the first face of each group
+    std::vector<int> group_of_;
+};
+
+#endif

@@ -1,0 +1,120 @@
+#include "edit/mesh/edge_order.h"
+#include "edit/mesh/position_index.h"
+#include "edit/mesh/solid_faces.h"
+#include "model/ear_cut.h"
+
+#include <algorithm>
+#include <cmath>
+
+void solid_meshes::add(const flat_ptr &mesh, int part)
+{
+    meshes_.push_back(mesh);
+    parts_.push_back(part);
+}
+
+bool solid_meshes::finish()
+{
+    std::size_t total = 0;
+    for (const flat_ptr &mesh : meshes_)
+        total += mesh->positions->size();
+    position_index index(total);
+    std::vector<point3_t> points;
+    for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
+        std::vector<int> &own = point_of_.emplace_back();
+        for (const point3_t &p : *meshes_[m]->positions) {
+            if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
+                return false;
+            const int number = index.find_or_add(p, static_cast<int>(points.size()));
+            if (number == static_cast<int>(points.size())) {
+                points.push_back(p);
+                vertices_.emplace_back(m, static_cast<int>(own.size()));
+            }
+            own.push_back(number);
+        }
+    }
+    points_ = std::make_unique<exact_points>(std::move(points));
+    for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
+        for (int s = 0; s < meshes_[m]->num_surfaces(); ++s) {
+            if (meshes_[m]->surface(s).is_line())
+                continue;
+            for (const int v : meshes_[m]->surface_corners(s))
+                corners_.push_back(point_of_[m][v]);
+            first_corner_.push_back(static_cast<int>(corners_.size()));
+            units_.push_back({m, s, parts_[m], 0, 0});
+            cut_into_triangles(static_cast<int>(units_.size()) - 1);
+        }
+    }
+    std::vector<box_t> boxes;
+    boxes.reserve(triangles_.size());
+    for (const solid_triangle &t : triangles_) {
+        box_t box = box_t::none();
+        for (const int v : t.v)
+            box.add(points_->rounded(v));
+        boxes.push_back(box);
+    }
+    tree_ = std::make_unique<box_tree>(std::move(boxes));
+    return true;
+}
+
+void solid_meshes::cut_into_triangles(int number)
+{
+    unit_t &unit = units_[number];
+    const auto corners = outline(number);
+    unit.first_triangle = static_cast<int>(triangles_.size());
+    std::vector<int> ears = {0, 1, 2};
+    if (corners.size() > 3) {
+        std::vector<point3_t> at;
+        for (const int p : corners)
+            at.push_back(points_->rounded(p));
+        ears.clear();
+        cut_ears(at.data(), static_cast<int>(at.size()), ears);
+    }
+    const int first = meshes_[unit.mesh]->first_corner(unit.surface);
+    for (std::size_t i = 0; i + 2 < ears.size() && corners.size() > 2; i += 3) {
+        solid_triangle t = {};
+        for (std::size_t k = 0; k < 3; ++k) {
+            t.v[k] = corners[ears[i + k]];
+            t.corner[k] = first + ears[i + k];
+        }
+        t.unit = number;
+        t.part = unit.part;
+        t.axis = points_->best_axis(t.v[0], t.v[1], t.v[2]);
+        if (t.axis < 0)
+            continue;
+        t.facing = points_->turn(t.axis, t.v[0], t.v[1], t.v[2]);
+        triangles_.push_back(t);
+    }
+    unit.end_triangle = static_cast<int>(triangles_.size());
+}
+
+std::vector<solid_meshes::open_edge_t> solid_meshes::open_edges() const
+{
+    struct use_t {
+        int low, high, part, way, unit;
+    };
+    std::vector<use_t> uses;
+    uses.reserve(corners_.size());
+    for (int u = 0; u < static_cast<int>(units_.size()); ++u) {
+        const auto corners = outline(u);
+        for (std::size_t i = 0; i < corners.size(); ++i) {
+            const int a = corners[i], b = corners[i + 1 < corners.size() ? i + 1 : 0];
+            if (a != b)
+                uses.push_back({std::min(a, b), std::max(a, b), units_[u].part, a < b ? 1 : -1, u});
+        }
+    }
+    sort_edge_uses(uses, points_->size(), [](const use_t &a, const use_t &b) {
+        return a.high != b.high ? a.high < b.high : a.part < b.part;
+    });
+    std::vector<open_edge_t> open;
+    for (std::size_t i = 0; i < uses.size();) {
+        const use_t &first = uses[i];
+        int balance = 0;
+        for (; i < uses.size() && uses[i].low == first.low && uses[i].high == first.high &&
+               uses[i].part == first.part;
+             ++i)
+            balance += uses[i].way;
+        if (balance != 0)
+            open.push_back({first.low, first.high, first.unit});
+    }
+    return open;
+}
