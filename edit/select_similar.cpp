@@ -68,7 +68,9 @@ public:
         case trait::area:
             return size_number(length(polygon_area_vector(mesh_, i)));
         default:
-            return size_number(surfaces_ ? outline(i) : mean_edge(i));
+            return size_number(surfaces_           ? outline(i)
+                               : edges_ != nullptr ? edge_length(i)
+                                                   : mean_edge(i));
         }
     }
 
