@@ -243,6 +243,8 @@ std::span<const own_command_t> panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",
+                    "a notch of the wheel over a view"),
         command_row("set_view_tool", command_set_view_tool, select,
                     "<string measure, insert_vertex or none>",
                     "set a tool of the views beside the draw modes"),

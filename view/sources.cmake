@@ -25,6 +25,7 @@ target_sources(vesk_core PRIVATE
     view/screen_ray.cpp
     view/tool_create.cpp
     view/tool_insert.cpp
+    view/tool_loop_cut.cpp
     view/tool_measure.cpp
     view/tool_select.cpp
     view/tool_transform.cpp
