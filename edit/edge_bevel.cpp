@@ -212,7 +212,7 @@ private:
         const vertex_fan &fan = bevel.fan;
         const int a = bevel.bevelled[0], n = fan.size();
         const auto corner = [&](int i) { return fan.corners[i % n]; };
-        bevel.rows[fan.edge(a)] = row_between(v, right, left);
+        bevel.rows[fan.edge(a)] = row_between(v, fan.edge(a), right, left);
         const std::vector<int> &row = bevel.rows[fan.edge(a)];
         if (n == 2) { // both polygons share the one other edge
             bevel.at[corner(a)] = {left};
@@ -249,7 +249,7 @@ private:
                 std::reverse(row.begin(), row.end());
                 bevel.rows[e] = row;
             } else {
-                bevel.rows[e] = row_between(v, points[right], points[left]);
+                bevel.rows[e] = row_between(v, e, points[right], points[left]);
             }
         }
     }
@@ -266,12 +266,14 @@ private:
     }
 
     // The profile across a strip: a curve from one point to the other, drawn towards the vertex.
-    std::vector<int> row_between(int v, int from, int to)
+    std::vector<int> row_between(int v, int e, int from, int to)
     {
         std::vector<int> row = {from};
         const vec3d p = to_vec3d(work_.change.position(from));
         const vec3d q = to_vec3d(work_.change.position(to));
-        const vec3d corner = to_vec3d(mesh_.position(v));
+        // The old corner in the strip's cross-section: on the edge, as far along as the points.
+        const vec3d way = unit(along(e, v)), old = to_vec3d(mesh_.position(v));
+        const vec3d corner = old + way * ((dot(p - old, way) + dot(q - old, way)) / 2);
         // A conic: its weight makes a straight line, a circle's arc, or the corner itself.
         const vec3d a = unit(p - corner), b = unit(q - corner);
         const double arc = std::sqrt(std::max(0.0, (1 - dot(a, b)) / 2));

@@ -209,8 +209,7 @@ enum class afterwards { nothing, results };
 // Takes the selection off before the surfaces are freed.
 void unselect(afterwards end)
 {
-    if (end == afterwards::nothing || select_mode() == SELECT_SURFACE ||
-        select_mode() == SELECT_VERTEX)
+    if (end == afterwards::nothing || mode_has_elements(select_mode()))
         clear_selection();
 }
 

@@ -28,6 +28,7 @@
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
+#include "view/tool_transform.h"
 #include "view/tools.h"
 #include "view/views_internal.h"
 
@@ -50,6 +51,12 @@ void command_object_at(int view, int x, int y)
     if (!hits.empty()) {
         command_result_set(std::to_string(object_identity(hits.front().object)).c_str());
     }
+}
+
+// Of the tool "extrude", not of the commands.
+void command_set_extrude_automatic(int on)
+{
+    set_extrusion_sides(on != 0 ? extrude_sides::automatic : extrude_sides::by_preferences);
 }
 
 // Surfaces of each palette entry.
@@ -202,6 +209,9 @@ std::span<const own_command_t> panel_commands()
                     "mirror the selection, with an undo record"),
         command_row("object_at", command_object_at, query, "<view> <int x> <int y>",
                     "returns the id of the object under a place of a view"),
+        command_row("set_extrude_automatic", command_set_extrude_automatic, view, "<0|1>",
+                    "how the extrude tool closes what it makes: so that bodies go on facing "
+                    "outwards, or as the preferences say"),
         command_row("transform_begin", panel_transform_begin, part,
                     "<string move, rotate or scale>", "begin a transform that follows a number"),
         command_row("transform_about", panel_transform_about, part, "<float x> <float y> <float z>",
@@ -233,6 +243,8 @@ std::span<const own_command_t> panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",
+                    "a notch of the wheel over a view"),
         command_row("set_view_tool", command_set_view_tool, select,
                     "<string measure, insert_vertex or none>",
                     "set a tool of the views beside the draw modes"),

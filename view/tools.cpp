@@ -9,6 +9,7 @@
 #include "view/interaction.h"
 #include "view/tool_create.h"
 #include "view/tool_insert.h"
+#include "view/tool_loop_cut.h"
 #include "view/tool_measure.h"
 #include "view/tool_select.h"
 #include "view/tool_transform.h"
@@ -18,8 +19,8 @@
 
 namespace {
 
-const tool_t *const tools[] = {&transform_tool, &zoom_tool, &create_tool, &measure_tool,
-                               &insert_tool};
+const tool_t *const tools[] = {&transform_tool, &zoom_tool,   &create_tool,
+                               &measure_tool,   &insert_tool, &loop_cut_tool};
 
 const tool_t *chosen = nullptr; // by name
 

@@ -12,7 +12,7 @@ namespace eval ::vesk::menus {
     variable reasons {
         some "select something first" object "select objects first"
         several "select two objects or more" group "select a group first"
-        surface "select surfaces first" vertex "select vertices first"
+        surface "select surfaces first" vertex "select vertices first" element "select edges or vertices first"
         undo "nothing to undo" redo "nothing to redo" hidden "nothing is hidden"
         locked "nothing is locked" model "the scene is empty"
     }
@@ -252,7 +252,7 @@ proc ::vesk::menus::fits {needs state} {
             # In vertex mode surfaces whose vertices are all selected count.
             return [expr {[dict get $state surfaces] > 0 || [dict get $state vertices] > 2}]
         }
-        vertex  {return [expr {[dict get $state vertices] > 0}]}
+        vertex - element {return [expr {[dict get $state vertices] > 0}]}
         undo    {return [expr {[vesk undo_name] ne ""}]}
         redo    {return [::vesk::history::can_redo]}
         hidden  {return [expr {!!$::objects_are_hidden}]}
@@ -276,7 +276,7 @@ proc ::vesk::menus::now {} {
         }
     }
     return [dict create objects $chosen group [expr {$group || $chosen > 50}] surfaces [expr {$chosen ? 0 : $surfaces}] \
-        vertices [expr {$chosen || $::vesk::select_mode ne "vertex" ? 0 : $vertices}] \
+        vertices [expr {$chosen || $::vesk::select_mode ni {vertex edge} ? 0 : $vertices}] \
         selected [expr {$objects + $surfaces + $vertices + $chosen}] total $total]
 }
 

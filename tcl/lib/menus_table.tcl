@@ -15,11 +15,11 @@
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
 #   needs   condition of the row: "" none, some a selection, object, surface, vertex a selection in
-#           that mode, several objects, a group, undo, redo, hidden, locked, model a model
+#           that mode, element a selection of edges or vertices, several objects, a group, undo, redo, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.
-    variable bar {file edit select create object surface vertex view texture tools plugins window
+    variable bar {file edit select create object surface edge vertex view texture tools plugins window
         help}
     variable table {}
 }
@@ -108,6 +108,7 @@ proc ::vesk::menus::define {name label rows} {
     {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}
     {radio "&Object" {::vesk::select_mode object set_select_mode object} O "" "Selects single objects."}
     {radio "&Surface" {::vesk::select_mode surface set_select_mode surface} S "" "Selects surfaces."}
+    {radio "E&dge" {::vesk::select_mode edge set_select_mode edge} D "" "Selects edges, the sides of surfaces."}
     {radio "&Vertex" {::vesk::select_mode vertex set_select_mode vertex} V "" "Selects vertices."}
     {radio "&Light" {::vesk::select_mode light set_select_mode light} "" "" "Selects lights."}
     {line}
@@ -117,15 +118,22 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
     {line}
-    {run "&Grow" {select_grow} "" some "Adds the neighbours of what is selected."}
+    {run "Gro&w" {select_grow} "" some "Adds the neighbours of what is selected."}
     {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
     {run "Inv&ert" {select_invert} "" model "Selects what is not selected."}
     {run "Lin&ked" {select_linked} "" some "Adds all that hangs together with the selection."}
     {ask "S&imilar..." {select_similar {Property choice {Material material Normal normal Area area
         Length length Corners corners Coplanar coplanar}} {Tolerance number 0.01}} "" some
         "Adds what is like the selection: degrees, shares, numbers or distances apart."}
-    {ask "Ran&dom..." {select_random {Percent int 50} {Seed int 1}} "" model
+    {ask "Random..." {select_random {Percent int 50} {Seed int 1}} "" model
         "Keeps a random part of the selection, or of everything."}
+    {line}
+    {run "Edge loo&p" {select_loop} "" element "Goes on from the selected edges, straight through the vertices."}
+    {run "Edge rin&g" {select_ring} "" element "Goes on across the quads beside the selected edges."}
+    {run "Open edges" {select_boundary} "" model "Selects the edges with a surface on one side only."}
+    {ask "Sharp edges..." {select_sharp {Degrees number 30}} "" model
+        "Selects the edges whose surfaces meet at a larger angle."}
+    {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
@@ -232,7 +240,7 @@ proc ::vesk::menus::define {name label rows} {
         "Sweeps the selected surfaces along a vector."}
     {ask "Extrude e&ach..." {extrude_each {Distance number 0.1}} "" some
         "Moves every selected surface along its own normal, with walls."}
-    {ask "E&xtrude along normals..." {extrude_normals {Distance number 0.1}} "" some
+    {ask "Extrude along normals..." {extrude_normals {Distance number 0.1}} "" some
         "Moves connected surfaces evenly along their normals, with walls."}
     {ask "Thic&kness..." {shell {Thickness number 0.1} {Rim choice {Closed 1 Open 0}}} "" some
         "Gives the selected surfaces an inner side (shell)."}
@@ -256,7 +264,7 @@ proc ::vesk::menus::define {name label rows} {
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
-    {ask "Sl&ice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+    {ask "Slice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
         {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
         {Keep choice {"Both sides" both "The front" front "The back" back}}
         {Caps choice {None 0 "Closed by polygons" 1}}} "" some
@@ -285,6 +293,27 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Two-sided" {surface_set_twosided 1} "" some "Shows both sides of the surfaces."}
     {run "&One-sided" {surface_set_twosided 0} "" some "Shows the front of the surfaces only."}
 }
+::vesk::menus::define edge "Ed&ge" {
+    {ask "&Loop cut..." {loop_cut {Cuts int 1} {Slide number 0}} "" element
+        "Cuts the rings of quads through the selected edges."}
+    {run "&Connect" {connect} "" element
+        "New edges between selected vertices, or the middles of selected edges."}
+    {ask "&Bevel..." {edge_bevel {Width number 0.1} {Segments int 1} {Profile number 0.5}} "" element
+        "Replaces the selected edges by strips, flat or round."}
+    {ask "&Extrude..." {extrude_edges {X number 0} {Y number 0} {Z number 0.5}} "" element
+        "A quad from every selected edge to its copy."}
+    {ask "Sl&ide..." {slide {Share number 0.2}} "" element
+        "Moves edges or vertices along the edges beside them."}
+    {line}
+    {ask "B&ridge..." {bridge {Segments int 1} {Twist int 0} {Smooth number 0}} "" some
+        "Joins two borders, or two selected surfaces."}
+    {ask "&Fill the hole..." {fill_hole {By choice {"One polygon" polygon "A grid of quads" grid "A fan" fan}}}
+        "" element "Closes the holes that have a selected edge."}
+    {line}
+    {run "&Dissolve" {dissolve} "" some "Takes elements away and leaves polygons."}
+    {run "C&ollapse" {collapse} "" some "Brings connected elements to one vertex each."}
+    {run "&Split" {split_edges} "" element "Parts the surfaces along the selected edges."}
+}
 ::vesk::menus::define surfacetype "Type" {
     {run "&Polygon" {set_surface_type 0} "" some "Filled polygons."}
     {run "&Closed line" {set_surface_type 1} "" some "Closed lines."}
@@ -299,6 +328,7 @@ proc ::vesk::menus::define {name label rows} {
     {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
     {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
+    {ask "&Bevel..." {vertex_bevel {Width number 0.1}} "" vertex "Cuts the selected vertices off."}
     {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
 }

@@ -24,6 +24,19 @@ namespace eval ::vesk::menus {
         clear_selection              {deselect unselect nothing}
         select_by_name               {find search}
         {::vesk::select_mode surface} {face polygon faces}
+        {::vesk::select_mode edge}    {edges side sides}
+        loop_cut                     {"edge loop" insert divide ring knife}
+        connect                      {split cut join}
+        edge_bevel                   {chamfer round fillet}
+        vertex_bevel                 {chamfer corner}
+        fill_hole                    {cap close patch hole}
+        bridge                       {join loops tunnel}
+        dissolve                     {remove merge unsubdivide}
+        collapse                     {merge weld}
+        split_edges                  {rip detach unweld}
+        slide                        {"edge slide"}
+        select_sharp                 {crease hard angle}
+        select_boundary              {border boundary naked}
         {::vesk::select_mode vertex} {point points vertices}
         revolve                      {lathe spin turn}
         {::vesk::tools::choose polygon}  {pen draw face}

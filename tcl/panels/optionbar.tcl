@@ -12,6 +12,7 @@ namespace eval ::vesk::optionbar {
         tree m-tree "Tree" "" "Whole top-level objects."
         object m-object "Object" O "Single objects."
         surface m-surface "Surface" S "Surfaces."
+        edge m-edge "Edge" D "Edges: the sides of surfaces."
         vertex m-vertex "Vertex" V "Vertices."
         light m-light "Light" "" "Lights."
     }
@@ -127,12 +128,15 @@ proc ::vesk::optionbar::show_fields {tool} {
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  run: a command;  measures: sizes of the selection
+#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;  measures: sizes of the selection
 proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
-    if {$kind in {bool run}} {
-        if {$kind eq "bool"} {
+    if {$kind in {bool switch run}} {
+        if {$kind eq "switch"} {
+            ttk::checkbutton $field -text $label -variable ::vesk::tools::$key \
+                -command ::vesk::tools::${key}_changed
+        } elseif {$kind eq "bool"} {
             ttk::checkbutton $field -text $label -variable ::prefs_$key \
                 -command [list ::vesk::menus::changed prefs_$key {}]
         } else {

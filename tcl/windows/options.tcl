@@ -6,7 +6,8 @@ namespace eval ::vesk::options {
     variable fields             ;# row -> text or value of its field
     variable kept               ;# last typed values: command -> list
     # Operations whose options show their result at once, unless the selection is large.
-    variable live {extrude_normal extrude_select extrude_each extrude_normals shell inset hole_select
+    variable live {extrude_normal extrude_select extrude_each extrude_normals shell inset loop_cut edge_bevel vertex_bevel
+        extrude_edges slide bridge fill_hole hole_select
         bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
         rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles

@@ -137,7 +137,7 @@ protected:
                 return;
         }
         EXPECT_LE(unseen_, 2) << "steps are changes";
-        EXPECT_GT(made_, 140) << "most of them change something";
+        EXPECT_GT(made_, 120) << "most of them change something";
     }
 
     // Groups in groups, a polygon object with others below it, shells, sheets and lights.
