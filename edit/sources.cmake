@@ -27,6 +27,7 @@ target_sources(vesk_core PRIVATE
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
+    edit/select_inside.cpp
     edit/slice.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
@@ -47,6 +48,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/outline.cpp
     edit/mesh/planar_sides.cpp
     edit/mesh/plane_cut.cpp
+    edit/mesh/point_in_solid.cpp
     edit/mesh/position_index.cpp
     edit/mesh/sliver_tidy.cpp
     edit/mesh/solid_boolean.cpp

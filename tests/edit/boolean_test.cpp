@@ -281,6 +281,31 @@ TEST_F(Boolean, TakesSeveralToolsAtOnceAndKeepsThemHidden)
     EXPECT_EQ(euler_characteristic(plate), 2 - 2 * 9 + 0);
 }
 
+// ---- what lies inside ----
+
+TEST_F(Boolean, SelectsWhatLiesInside)
+{
+    // Corners of the big gear stand right above those of the small one, and of other boxes.
+    object_t *big = add(gear(6, 3, 4, 4));
+    solid_t small = gear(6, 0.75f, 1, 1);
+    move(small, 0, 0, 1);
+    object_t *inside = add(small);
+    add(box(0, 0, 0, 1, 1, 1));                  // stands on the bottom
+    object_t *half = add(box(0, 0, 3, 1, 1, 4)); // reaches out
+    add(box(0, 0, 5, 1, 1, 1));                  // above
+    run("select_inside");
+    EXPECT_EQ(last_message(), "select inside - nothing selected");
+    run("set_select_mode", "object");
+    select_object(big);
+    run("select_inside");
+    EXPECT_EQ(last_message(), "select inside - 1 objects");
+    EXPECT_EQ(selection().objects->data, reinterpret_cast<intptr_t>(inside));
+    select_vertices_at(big, {0});
+    run("select_inside");
+    EXPECT_EQ(selected_vertices_of(half).size(), 4u);
+    EXPECT_EQ(selection().num_vertices, 4 + 4 + 48) << "and four of the box on the bottom";
+}
+
 // ---- refusals ----
 
 TEST_F(Boolean, RefusesWhatIsNoSolidAndSelectsWhy)
