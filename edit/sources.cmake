@@ -12,6 +12,7 @@ target_sources(vesk_core PRIVATE
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
+    edit/knife.cpp
     edit/link_surfaces.cpp
     edit/make_surface.cpp
     edit/measure.cpp
@@ -42,6 +43,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
     edit/mesh/exact.cpp
+    edit/mesh/knife_cut.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
