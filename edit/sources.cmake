@@ -44,6 +44,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/edge_table.cpp
     edit/mesh/exact.cpp
     edit/mesh/knife_cut.cpp
+    edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp

@@ -11,6 +11,7 @@
 
 #include "edit/mesh/box_tree.h"
 #include "edit/mesh/mesh_change.h"
+#include "model/vec3d.h"
 
 #include <map>
 #include <span>
@@ -56,8 +57,11 @@ private:
     int node_at(const point3_t &point);
     int node_on_side(int a, int b, double share);
     int node_inside(int surface, const point3_t &at, flat_uv uv);
+    [[nodiscard]] vec3d normal_at(int node) const;
     [[nodiscard]] bool walk(int from, int to);
-    [[nodiscard]] bool step(int from, const point3_t &target, const double *plane, int *next);
+    [[nodiscard]] bool walk_in_plane(int from, int to, const vec3d &normal);
+    [[nodiscard]] bool step(int from, const point3_t &target, const double *plane,
+                            const std::vector<int> &behind, int *next);
     [[nodiscard]] bool beside(int surface, int a, int b) const;
     [[nodiscard]] bool inside(int surface, const point3_t &at) const;
     void add_chord(int surface, int from, int to);
@@ -87,7 +91,9 @@ private:
 
     std::vector<node_t> nodes_;
     std::map<std::pair<int, int>, std::vector<int>> on_sides_; // nodes, from low to high
+    std::map<int, std::vector<int>> inside_;                   // nodes of each surface
     std::map<int, std::vector<chord_t>> chords_;               // of each surface that is cut
+    std::vector<std::pair<int, chord_t>> way_;                 // of the walk in hand
 };
 
 #endif
