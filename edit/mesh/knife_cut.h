@@ -76,6 +76,7 @@ private:
         flat_uv uv;
     };
     [[nodiscard]] std::vector<ring_corner_t> ring_of(int surface) const;
+    void cut_polygon(mesh_change &change, int surface, const std::vector<int> &places) const;
     [[nodiscard]] flat_uv uv_of(int surface, int node) const;
     [[nodiscard]] int axis_of(int surface, bool *mirrored) const;
 

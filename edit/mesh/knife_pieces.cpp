@@ -191,6 +191,52 @@ void knife_cut::join_rings(int surface)
 
 // ---- polygons ----
 
+// The polygon falls into those that its sides and chords go round.
+void knife_cut::cut_polygon(mesh_change &change, int surface, const std::vector<int> &places) const
+{
+    const int old = mesh_->num_vertices();
+    const auto place_of = [&](int node) { return node < old ? node : places[node - old]; };
+    const std::vector<chord_t> &chords = chords_.at(surface);
+    std::map<int, int> numbers;
+    std::vector<point3_t> at;
+    std::vector<int> nodes;
+    const auto number = [&](int node) {
+        const auto [entry, fresh] = numbers.try_emplace(node, static_cast<int>(nodes.size()));
+        if (fresh) {
+            nodes.push_back(node);
+            at.push_back(position(node));
+        }
+        return entry->second;
+    };
+    const std::vector<ring_corner_t> ring = ring_of(surface);
+    std::map<int, flat_uv> uvs;
+    for (const ring_corner_t &corner : ring)
+        uvs.try_emplace(number(corner.node), corner.uv);
+    for (const auto &[a, b] : chords) {
+        for (const int node : {a, b})
+            uvs.try_emplace(number(node), node < old ? flat_uv{0, 0} : nodes_[node - old].uv);
+    }
+    const exact_points points(at);
+    bool mirrored = false;
+    const int axis = axis_of(surface, &mirrored);
+    planar_sides sides(points, axis, mirrored);
+    for (std::size_t i = 0; i < ring.size(); ++i)
+        sides.add(number(ring[i].node), number(ring[i + 1 < ring.size() ? i + 1 : 0].node));
+    for (const auto &[a, b] : chords) {
+        sides.add(number(a), number(b));
+        sides.add(number(b), number(a));
+    }
+    sides.connect();
+    change.remove_surface(surface);
+    for (const std::vector<int> &loop : sides.trace()) {
+        change.add_surface(surface);
+        for (const int side : loop) {
+            const int from = sides.sides()[side].from;
+            change.add_corner(place_of(nodes[from]), uvs[from]);
+        }
+    }
+}
+
 void knife_cut::apply(mesh_change &change) const
 {
     const int old = mesh_->num_vertices();
@@ -198,46 +244,8 @@ void knife_cut::apply(mesh_change &change) const
     for (const node_t &node : nodes_)
         places.push_back(change.add_vertex(node.at, node.low));
     const auto place_of = [&](int node) { return node < old ? node : places[node - old]; };
-    for (const auto &[surface, chords] : chords_) {
-        std::map<int, int> numbers;
-        std::vector<point3_t> at;
-        std::vector<int> nodes;
-        const auto number = [&](int node) {
-            const auto [entry, fresh] = numbers.try_emplace(node, static_cast<int>(nodes.size()));
-            if (fresh) {
-                nodes.push_back(node);
-                at.push_back(position(node));
-            }
-            return entry->second;
-        };
-        const std::vector<ring_corner_t> ring = ring_of(surface);
-        std::map<int, flat_uv> uvs;
-        for (const ring_corner_t &corner : ring)
-            uvs.try_emplace(number(corner.node), corner.uv);
-        for (const auto &[a, b] : chords) {
-            for (const int node : {a, b})
-                uvs.try_emplace(number(node), node < old ? flat_uv{0, 0} : nodes_[node - old].uv);
-        }
-        const exact_points points(at);
-        bool mirrored = false;
-        const int axis = axis_of(surface, &mirrored);
-        planar_sides sides(points, axis, mirrored);
-        for (std::size_t i = 0; i < ring.size(); ++i)
-            sides.add(number(ring[i].node), number(ring[i + 1 < ring.size() ? i + 1 : 0].node));
-        for (const auto &[a, b] : chords) {
-            sides.add(number(a), number(b));
-            sides.add(number(b), number(a));
-        }
-        sides.connect();
-        change.remove_surface(surface);
-        for (const std::vector<int> &loop : sides.trace()) {
-            change.add_surface(surface);
-            for (const int side : loop) {
-                const int from = sides.sides()[side].from;
-                change.add_corner(place_of(nodes[from]), uvs[from]);
-            }
-        }
-    }
+    for (const auto &[surface, chords] : chords_)
+        cut_polygon(change, surface, places);
     if (on_sides_.empty())
         return;
     std::vector<bool> touched(old);
