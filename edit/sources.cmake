@@ -23,6 +23,7 @@ target_sources(vesk_core PRIVATE
     edit/hull.cpp
     edit/insert_vertex.cpp
     edit/inset.cpp
+    edit/knife.cpp
     edit/link_surfaces.cpp
     edit/loop_cut.cpp
     edit/make_surface.cpp
@@ -44,6 +45,7 @@ target_sources(vesk_core PRIVATE
     edit/revolve.cpp
     edit/select_more.cpp
     edit/select_similar.cpp
+    edit/select_inside.cpp
     edit/slice.cpp
     edit/slide.cpp
     edit/smooth_subdivide.cpp
@@ -64,6 +66,8 @@ target_sources(vesk_core PRIVATE
     edit/mesh/edge_topology.cpp
     edit/mesh/element_graph.cpp
     edit/mesh/exact.cpp
+    edit/mesh/knife_cut.cpp
+    edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
@@ -71,6 +75,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/planar_sides.cpp
     edit/mesh/plane_cut.cpp
     edit/mesh/polygon_plane.cpp
+    edit/mesh/point_in_solid.cpp
     edit/mesh/position_index.cpp
     edit/mesh/shortest_way.cpp
     edit/mesh/sliver_tidy.cpp

@@ -135,6 +135,8 @@ proc ::vesk::menus::define {name label rows} {
         "Selects the edges whose surfaces meet at a larger angle."}
     {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
+    {run "What lies inside" {select_inside} "" some
+        "Selects what lies inside the selected closed objects."}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
