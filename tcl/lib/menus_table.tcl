@@ -255,7 +255,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
     {ask "&Inset..." {inset {Width number 0.1} {Depth number 0}
-        {Of choice {"Each surface" each "Each region" region}}} "" some
+        {Of choice {Each each Region region}}} "" some
         "A smaller surface inside each selected one, or each connected region."}
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}
