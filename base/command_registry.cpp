@@ -2,15 +2,17 @@
 
 #include "base/command_result.h"
 #include "base/crash_guard.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"
 
+#include <cfloat>
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -106,14 +108,25 @@ bool call_by_template(const char *letters, vesk_command_func_t func, const slot_
     return false;
 }
 
-bool convert(char letter, const char *word, slot_t *slot)
+// 0, told on the console, for what a float cannot hold: no operation survives it.
+float float_argument(const char *command, int place, const char *word)
+{
+    const double value = double_of(word);
+    if (std::fabs(value) <= static_cast<double>(FLT_MAX))
+        return static_cast<float>(value);
+    console_printf("%s: argument %d, '%s', is no number that can be used - 0 is taken\n", command,
+                   place, word);
+    return 0;
+}
+
+bool convert(char letter, const char *command, int place, const char *word, slot_t *slot)
 {
     switch (letter) {
     case 'd':
         slot->number = int_of(word);
         return true;
     case 'f':
-        slot->real = finite_float_of(word);
+        slot->real = float_argument(command, place, word);
         return true;
     case 's':
         slot->text = word;
@@ -136,8 +149,10 @@ struct registry_t {
     std::span<own_command_t> rows;
     std::unordered_map<std::string_view, own_command_t *> row_by_name;
     std::vector<std::unique_ptr<added_t>> added;
-    std::unordered_map<std::string_view, added_t *> added_by_name; // the earliest of a name
-    std::set<const vesk_command_t *> replaced;
+    std::unordered_map<std::string_view, added_t *> added_by_name;   // the one that is found
+    std::unordered_map<const vesk_command_t *, own_command_t *> own; // rows of ours by their record
+    std::unordered_map<const vesk_command_t *, vesk_command_func_t>
+        replaced; // and their own handlers
     command_hooks_t hooks;
 };
 
@@ -173,27 +188,28 @@ void add(const own_command_t &command, bool own)
                           text_or_null(entry->argtypes),
                           text_or_null(entry->usage),
                           text_or_null(entry->help)};
-    registry().added_by_name.emplace(entry->name, entry.get());
-    registry().added.push_back(std::move(entry));
+    registry_t &all = registry();
+    if (own)
+        all.own.emplace(&entry->command.row, &entry->command);
+    // The earliest of a name, but those of plug-ins before ours.
+    added_t *&found = all.added_by_name[entry->name];
+    if (found == nullptr || (found->own && !own))
+        found = entry.get();
+    all.added.push_back(std::move(entry));
 }
 
-// The row of ours that holds a record; null for a record of a caller's own.
+// The row of ours that holds a record; null for those of plug-ins and a caller's own.
 const own_command_t *own_row_of(const vesk_command_t *command)
 {
-    const registry_t &all = registry();
-    if (const auto found = all.added_by_name.find(command->name);
-        found != all.added_by_name.end() && &found->second->command.row == command)
-        return found->second->own ? &found->second->command : nullptr;
-    const auto found = all.row_by_name.find(command->name);
-    return found != all.row_by_name.end() && &found->second->row == command ? found->second
-                                                                            : nullptr;
+    const auto found = registry().own.find(command);
+    return found == registry().own.end() ? nullptr : found->second;
 }
 
 bool arity_fits(const vesk_command_t *command, int given)
 {
     const own_command_t *own = own_row_of(command);
-    return own != nullptr && own->words != nullptr ? given >= command->nargs && given <= own->most
-                                                   : given == command->nargs;
+    return own != nullptr && own->takes_words ? given >= command->nargs && given <= own->most
+                                              : given == command->nargs;
 }
 
 void show_fault(const char *name, const fault_t &fault)
@@ -278,9 +294,10 @@ int do_command(int count, const char *const *words)
     if (hooks.after != nullptr)
         hooks.after(command, whole);
     if (!whole) {
-        const std::string kept = command_result_get() == nullptr ? "" : command_result_get();
+        const char *now = command_result_get();
+        const auto kept = now == nullptr ? std::nullopt : std::optional<std::string>(now);
         show_fault(command->name, fault);
-        command_result_set(kept.c_str()); // the box let scripts run
+        command_result_set(kept ? kept->c_str() : nullptr); // the box let scripts run
         return 0;
     }
     return result;
@@ -307,15 +324,17 @@ int execute_command(int count, const char *const *words, vesk_command_t *command
         command_result_set(text.c_str());
         return 0;
     }
-    if (const own_command_t *own = own_row_of(command); own != nullptr && own->words != nullptr) {
-        own->words(count - 1, words + 1);
+    const foreign_scope scope(code_of_function(command->func), command_is_foreign(command));
+    if (const own_command_t *own = own_row_of(command); own != nullptr && own->takes_words) {
+        reinterpret_cast<command_words_t>(command->func)(count - 1, words + 1);
         return 1;
     }
     slot_t slots[max_words] = {};
     const size_t letters = command->argtypes == nullptr ? 0 : std::strlen(command->argtypes);
     for (int i = 0; i < command->nargs; ++i) {
         const auto at = static_cast<size_t>(i);
-        if (!convert(at < letters ? command->argtypes[at] : '\0', words[i + 1], &slots[i])) {
+        const char letter = at < letters ? command->argtypes[at] : '\0';
+        if (!convert(letter, command->name, i + 1, words[i + 1], &slots[i])) {
             console_printf("error - internal command - unknown parameter type - tell Dovan\n");
             return 0;
         }
@@ -348,8 +367,10 @@ int vesk_replace_command_function(const char *name, vesk_command_func_t func)
     vesk_command_t *command = find_command(name);
     if (command == nullptr)
         return 0;
+    const auto original = registry().replaced.try_emplace(command, command->func).first;
+    if (original->second == func)
+        registry().replaced.erase(original);
     command->func = func;
-    registry().replaced.insert(command);
     return 1;
 }
 
@@ -368,8 +389,10 @@ void command_registry_install(std::span<own_command_t> rows)
 {
     registry_t &all = registry();
     all.rows = rows;
-    for (own_command_t &own : rows)
+    for (own_command_t &own : rows) {
         all.row_by_name.emplace(own.row.name, &own); // the topmost of a name stays
+        all.own.emplace(&own.row, &own);
+    }
 }
 
 void command_add_own(const own_command_t &command) { add(command, true); }
@@ -382,12 +405,7 @@ command_kind command_kind_of(const vesk_command_t *command)
 
 bool command_is_foreign(const vesk_command_t *command)
 {
-    const registry_t &all = registry();
-    if (all.replaced.contains(command))
-        return true;
-    const auto found = all.added_by_name.find(command->name);
-    return found != all.added_by_name.end() && &found->second->command.row == command &&
-           !found->second->own;
+    return own_row_of(command) == nullptr || registry().replaced.contains(command);
 }
 
 void command_registry_set_hooks(const command_hooks_t &hooks) { registry().hooks = hooks; }

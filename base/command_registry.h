@@ -28,22 +28,28 @@ typedef struct vesk_command {
    Returns 1 when a handler was called or there are no words, 0 when the command was refused. */
 VESK_API int do_command(int count, const char *const *words);
 
-/* The record of that name, or null: added commands first, then the built-in ones. */
+/* The record of that name, or null: commands added by plug-ins first, then those that the program
+   added, then the built-in ones. */
 VESK_API vesk_command_t *find_command(const char *name);
 
 /* The arity check, conversion and call of do_command, without its guard. */
 VESK_API int execute_command(int count, const char *const *words, vesk_command_t *command);
 
-/* Adds a sub-command; the four texts are copied. An added command shadows a built-in one of the
-   same name; of two added ones the earlier is found. */
+/* Adds a sub-command; the four texts are copied. An added command shadows one of the program's of
+   the same name; of two added ones the earlier is found. */
 VESK_API void vesk_add_command_full(const char *name, vesk_command_func_t func, int nargs,
                                     const char *argtypes, const char *usage, const char *help);
 
 /* Adds a sub-command without arguments. */
 VESK_API void vesk_add_command(const char *name, vesk_command_func_t func);
 
-/* Replaces the handler of a sub-command, also of a built-in one. Returns 1, or 0 when there is no
-   such command. */
+/* A handler of the commands that take their arguments as words ("create", "uv_select" ...: those
+   whose usage allows several numbers of arguments). */
+typedef void (*vesk_words_func_t)(int count, const char *const *words);
+
+/* Replaces the handler of a sub-command, also of a built-in one. For a command that takes its
+   arguments as words it is a vesk_words_func_t, cast. Returns 1, or 0 when there is no such
+   command. */
 VESK_API int vesk_replace_command_function(const char *name, vesk_command_func_t func);
 
 /* Handler of "list": one line for each command, its name, usage and help. */
@@ -77,14 +83,14 @@ inline bool leaves_drag(command_kind kind)
 
 // The handler of a row whose number of arguments is free between two bounds and which gets its
 // arguments as texts: for what no template fits.
-using command_words_t = void (*)(int count, const char *const *words);
+using command_words_t = vesk_words_func_t;
 
 // A row of ours, made by command_row (base/command_row.h).
 struct own_command_t {
     vesk_command_t row;
     command_kind kind;
-    command_words_t words = nullptr; // instead of the row's handler; its nargs is then the fewest
-    int most = 0;                    // arguments, with `words`
+    bool takes_words = false; // its handler is a command_words_t, its nargs the fewest
+    int most = 0;             // arguments, when it takes words
 };
 
 // The built-in rows, in the order that "list" prints.
@@ -96,7 +102,7 @@ void command_add_own(const own_command_t &command);
 // `edit` for handlers that are not ours.
 command_kind command_kind_of(const vesk_command_t *command);
 
-// True when the handler is not ours: added by a plug-in, or replaced.
+// True when the handler is not ours: added by a plug-in, replaced, or in a record of a caller's own.
 bool command_is_foreign(const vesk_command_t *command);
 
 // Called round every handler, outside its guard: `before` with its words, `after` with whether it

@@ -40,7 +40,10 @@ own_command_t command_row(const char *name, R (*handler)(A...), command_kind kin
 inline own_command_t command_row(const char *name, command_words_t handler, command_kind kind,
                                  int fewest, int most, const char *usage, const char *help)
 {
-    return {{name, nullptr, fewest, nullptr, usage, help}, kind, handler, most};
+    return {{name, reinterpret_cast<vesk_command_func_t>(handler), fewest, nullptr, usage, help},
+            kind,
+            true,
+            most};
 }
 
 #endif

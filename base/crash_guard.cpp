@@ -1,5 +1,6 @@
 #include "base/crash_guard.h"
 
+#include "base/foreign.h"
 #include "base/ui_port.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ constexpr time_t fault_window = 10; // seconds
 
 thread_local volatile unsigned fault_code = 0;
 thread_local volatile int fault_errno = 0;
-void (*after_fault)() = nullptr;
+void (*after_fault)(const fault_t &fault) = nullptr;
 void (*rescue)() = nullptr;
 bool in_after_fault = false;
 time_t recent_faults[too_many_faults];
@@ -100,8 +101,9 @@ int is_untrusted_module(dl_phdr_info *info, size_t, void *data)
         if (header.p_type != PT_LOAD || search->address < start ||
             search->address >= start + header.p_memsz)
             continue;
-        for (const char *part :
-             {"mimalloc", "_dri.so", "libGL", "libgallium", "libLLVM", "nvidia"}) {
+        // libGLU computes only.
+        for (const char *part : {"mimalloc", "_dri.so", "libGL.", "libGLX", "libGLdispatch",
+                                 "libgallium", "libLLVM", "nvidia"}) {
             if (strstr(info->dlpi_name, part) != nullptr)
                 search->untrusted = true;
         }
@@ -143,6 +145,15 @@ void on_fault(int signal_number, siginfo_t *info, void *raw_context)
     }
     fault_code = code_of(signal_number, info, context);
     siglongjmp(crash_guard::top->buffer, 1);
+}
+
+// Counts a fault; true when it is the last of three within ten seconds.
+bool are_too_many()
+{
+    const time_t now = time(nullptr);
+    recent_faults[fault_count++ % too_many_faults] = now;
+    const time_t oldest = *std::min_element(std::begin(recent_faults), std::end(recent_faults));
+    return fault_count >= too_many_faults && now - oldest <= fault_window;
 }
 
 } // namespace
@@ -192,7 +203,7 @@ std::string last_error_text()
     return std::strerror(number);
 }
 
-void set_after_fault(void (*hook)()) { after_fault = hook; }
+void set_after_fault(void (*hook)(const fault_t &fault)) { after_fault = hook; }
 
 void set_rescue(void (*hook)()) { rescue = hook; }
 
@@ -207,18 +218,24 @@ void quit_broken()
     _exit(1);
 }
 
-void run_after_fault()
+void restore(const session_state_t &before, fault_t *fault)
 {
-    const time_t now = time(nullptr);
-    recent_faults[fault_count++ % too_many_faults] = now;
-    const time_t oldest = *std::min_element(std::begin(recent_faults), std::end(recent_faults));
-    if (in_after_fault || (fault_count >= too_many_faults && now - oldest <= fault_window))
+    fault->in_foreign = session().foreign_depth > 0;
+    fault->foreign = session().foreign;
+    if (fault->in_foreign)
+        foreign_ran();
+    session() = before;
+}
+
+void run_after_fault(const fault_t &fault)
+{
+    if (in_after_fault || (!fault.in_foreign && are_too_many()))
         quit_broken();
     if (after_fault == nullptr)
         return;
     in_after_fault = true;
     fault_t second;
-    if (!guarded(after_fault, &second))
+    if (!guarded([&] { after_fault(fault); }, &second))
         quit_broken();
     in_after_fault = false;
 }

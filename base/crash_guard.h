@@ -28,9 +28,11 @@ VESK_END_DECLS
 
 struct fault_t {
     enum kind_t { EXCEPTION, CODE, OTHER } kind = OTHER;
-    std::string what;       // EXCEPTION: its description
-    unsigned code = 0;      // CODE
-    std::string last_error; // the platform's text for its last error
+    std::string what;              // EXCEPTION: its description
+    unsigned code = 0;             // CODE
+    std::string last_error;        // the platform's text for its last error
+    bool in_foreign = false;       // a plug-in's code was on the stack
+    const void *foreign = nullptr; // that code, when it was the innermost
 };
 
 namespace crash_guard {
@@ -45,13 +47,15 @@ void install();                   // signal handlers and alternate stack; once, 
 void thread_stack();              // alternate stack of a further thread
 unsigned last_code();             // of the fault that just jumped
 std::string last_error_text();    // strerror of the errno that the handler or the caller saw
-[[noreturn]] void quit_broken();  // rescue copy, a line on standard error, exit
+// Puts the session state back and notes in the fault whose code it was.
+void restore(const session_state_t &before, fault_t *fault);
+[[noreturn]] void quit_broken(); // rescue copy, a line on standard error, exit
 
 // Called after a survivable fault, with the session state restored and before any dialog: checks
-// and repairs the world, writes the rescue copy. Three faults within ten seconds, or a fault in
-// here, end the program.
-void set_after_fault(void (*hook)());
-void run_after_fault();
+// and repairs the world, writes the rescue copy. Three faults of the program's own within ten
+// seconds, or a fault in here, end the program; those of plug-ins do not count.
+void set_after_fault(void (*hook)(const fault_t &fault));
+void run_after_fault(const fault_t &fault);
 
 // Writes the rescue copy from memory without allocating; used when the heap cannot be trusted.
 void set_rescue(void (*hook)());
@@ -88,7 +92,7 @@ template <class F>
         *fault = {fault_t::OTHER, "", 0, crash_guard::last_error_text()};
     }
     crash_guard::top = frame.outer;
-    session() = before;
+    crash_guard::restore(before, fault);
     return false;
 }
 
@@ -98,7 +102,7 @@ bool guarded_with_recovery(F &&callable, fault_t *fault)
 {
     if (guarded(callable, fault))
         return true;
-    crash_guard::run_after_fault();
+    crash_guard::run_after_fault(*fault);
     return false;
 }
 

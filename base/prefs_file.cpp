@@ -12,6 +12,7 @@
 #include "base/ui_port.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -24,7 +25,7 @@ namespace {
 
 constexpr const char *file_name = "veskprefs.txt";
 constexpr int file_version = 12;
-constexpr size_t line_limit = 254; // longer lines are split and their rest is the next line
+constexpr size_t line_limit = 254; // of a longer line without quotes the rest is the next line
 
 // The window geometry settings by view id: x, y, width, height.
 int *const geometry[][4] = {
@@ -35,12 +36,15 @@ int *const geometry[][4] = {
     {&prefs.cpwin_x, &prefs.cpwin_y, &prefs.cpwin_width, &prefs.cpwin_height},
 };
 
-// The next line of `text` from `at` on, its line end included, at most 254 characters.
+// The next line of `text` from `at` on, its line end included: of one with a text in quotes all, of
+// others at most 254 characters.
 std::string next_line(const std::string &text, size_t *at)
 {
     const size_t line_end = text.find('\n', *at);
     const size_t whole = line_end == std::string::npos ? text.size() - *at : line_end + 1 - *at;
-    const std::string line = text.substr(*at, std::min(whole, line_limit));
+    std::string line = text.substr(*at, whole);
+    if (line.find('"') == std::string::npos)
+        line.resize(std::min(whole, line_limit));
     *at += line.size();
     return line;
 }
@@ -61,6 +65,27 @@ int boolean_of(const char *value)
     return truncated(double_of(value));
 }
 
+// The text in quotes on a line: a backslash stands before quotes and backslashes, "\n" and "\r" are
+// line ends.
+std::string quoted_text(const std::string &line)
+{
+    std::string text;
+    for (size_t i = line.find('"') + 1; i < line.size() && line[i] != '"'; ++i) {
+        const bool escaped = line[i] == '\\' && i + 1 < line.size();
+        const char c = escaped ? line[++i] : line[i];
+        text += escaped && c == 'n' ? '\n' : escaped && c == 'r' ? '\r' : c;
+    }
+    return text;
+}
+
+// "0xFF00C0"; anything else leaves the setting.
+void read_hex(const char *value, int *out)
+{
+    if (value[0] == '0' && value[1] == 'x' &&
+        std::isxdigit(static_cast<unsigned char>(value[2])) != 0)
+        *out = static_cast<int>(unsigned_of_hex(value));
+}
+
 void set_value(const vesk_pref_t &row, const char *value)
 {
     switch (row.kind) {
@@ -71,7 +96,7 @@ void set_value(const vesk_pref_t &row, const char *value)
         *static_cast<int *>(row.address) = truncated(double_of(value));
         break;
     case PREF_HEX:
-        *static_cast<int *>(row.address) = static_cast<int>(unsigned_of_hex(value));
+        read_hex(value, static_cast<int *>(row.address));
         break;
     case PREF_STRING:
         prefs_set_string(static_cast<char **>(row.address), value);
@@ -87,7 +112,7 @@ void set_value(const vesk_pref_t &row, const char *value)
 // One line after the header; false stops the reading.
 bool read_setting(const std::string &line, int number)
 {
-    if (line[0] == '\n' || line[0] == '#')
+    if (line[0] == '\n' || line[0] == '#' || line == "\r\n")
         return true;
     std::string tokenized = line;
     char *tokens[VESK_MAX_TOKENS];
@@ -105,7 +130,8 @@ bool read_setting(const std::string &line, int number)
                        "longer used)\n",
                        tokens[0], number);
     } else {
-        set_value(*row, tokens[1]);
+        const bool quoted = row->kind == PREF_STRING && line.find('"') != std::string::npos;
+        set_value(*row, quoted ? quoted_text(line).c_str() : tokens[1]);
     }
     return true;
 }
@@ -165,9 +191,9 @@ void append_quoted(std::string &out, const char *text)
 {
     out += '"';
     for (const char *p = text == nullptr ? "" : text; *p != '\0'; ++p) {
-        if (*p == '"' || *p == '\\')
+        if (*p == '"' || *p == '\\' || *p == '\n' || *p == '\r')
             out += '\\';
-        out += *p;
+        out += *p == '\n' ? 'n' : *p == '\r' ? 'r' : *p;
     }
     out += '"';
 }

@@ -11,6 +11,8 @@ struct session_state_t {
     bool progress_shown = false; // long work shows its bar
     bool cancel_requested = false;
     const char *command = nullptr; // name of the running command
+    const void *foreign = nullptr; // a plug-in's function, when the code that runs now is one
+    int foreign_depth = 0;         // functions of plug-ins that are running, one inside the other
 };
 
 session_state_t &session();

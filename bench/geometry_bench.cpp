@@ -4,6 +4,7 @@
 //   geometry_bench [part of a name]
 
 #include "bench/terrain.h"
+#include "edit/catmull_clark.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo.h"
 #include "edit/extrude.h"
@@ -214,6 +215,7 @@ void extrude_alone(object_t *)
     extrude_selected_diff(&up);
 }
 void hole_alone(object_t *object) { object_make_holes(object, 0.5f); }
+void catmull_alone(object_t *object) { object_catmull_clark(object, 1); }
 void bevel_alone(object_t *object) { object_bevel(object); }
 
 struct operation_t {
@@ -237,6 +239,12 @@ const operation_t operations[] = {
     {"hole every face",      terrain,      "object",  {"surface_make_hole"}, hole_alone,   "bare records", nullptr, bare_records},
     {"bevel every face",     terrain,      "object",  {"surface_bevel"}, bevel_alone,       "bare records", nullptr, bare_records},
     {"subdivide all",        terrain,      "object",  {"surface_subdivide"}, nullptr,   "bare records", nullptr, bare_records},
+    {"catmull-clark all",    terrain,      "object",  {"catmull_clark", "1"}, catmull_alone,  "bare records", nullptr, bare_records},
+    {"inset each",           terrain,      "surface", {"inset", "0.02", "0", "each"}, nullptr, "bare records", nullptr, bare_records},
+    {"inset region",         terrain,      "surface", {"inset", "0.02", "0", "region"}, nullptr, "bare records", nullptr, bare_records},
+    {"extrude each",         terrain,      "surface", {"extrude_each", "0.1"}, nullptr, "bare records", nullptr, bare_records},
+    {"extrude normals",      terrain,      "surface", {"extrude_normals", "0.1"}, nullptr, "bare records", nullptr, bare_records},
+    {"shell",                terrain,      "surface", {"shell", "0.1", "1"}, nullptr, "bare records", nullptr, bare_records},
     {"spike all",            terrain,      "object",  {"surface_spike"}, nullptr,       "bare records", nullptr, bare_records},
     {"insert vertices",      terrain,      "object",  {"insert_vertex"}, nullptr,       "bare records", nullptr, bare_records},
     {"unshare all",          terrain,      "vertex",  {"unshare_vertices"}, nullptr,    "bare records", nullptr, bare_records},

@@ -189,7 +189,7 @@ void draw_tool_overlay(int view, int width, int height)
 
 void draw_light_icons(int view)
 {
-    for (const object_t *light : each<object_t>(world_lights())) {
+    for (object_t *light : each<object_t>(world_lights())) {
         float x = 0;
         float y = 0;
         if (light->visible == 0 || !overlay_position(light->centre, view, &x, &y))

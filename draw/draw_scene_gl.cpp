@@ -204,8 +204,14 @@ const part_slots_t &part_slots(const scene_item_t &item)
         add_surface_triangles(flat, surface, slots.triangles);
         add_line_segments(flat, surface, slots.edges);
     }
+    for (std::size_t i = 0; i + 1 < item.part->edges.size(); i += 2) {
+        const int a = item.part->edges[i], b = item.part->edges[i + 1];
+        if (a < flat.num_vertices() && b < flat.num_vertices())
+            slots.edges.insert(slots.edges.end(),
+                               {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(b)});
+    }
     for (const int vertex : item.part->vertices)
-        if (vertex < flat.num_vertices())
+        if (vertex < flat.num_vertices() && item.part->edges.empty())
             slots.vertices.push_back(static_cast<std::uint32_t>(vertex));
     for (std::vector<std::uint32_t> *list : {&slots.edges, &slots.triangles, &slots.vertices})
         for (std::uint32_t &slot : *list)
@@ -382,6 +388,7 @@ pending_place_t::~pending_place_t()
 scene_t gather_scene()
 {
     scene_t scene;
+    selection_marks_update();
     bounds_clear(&scene.min, &scene.max);
     for_each_object(vesk_get_world(), [&](object_t *object) {
         const object_buffers_t &buffers = object_buffers(object);

@@ -1,7 +1,7 @@
 #include "draw/mesh_layout.h"
 
 #include "model/ear_cut.h"
-#include "model/vec3d.h"
+#include "model/outline_normal.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -10,17 +10,9 @@
 
 namespace {
 
-// Sum over the outline; its direction is that of the outline's facing, also when it is concave.
-point3_t outline_normal(const flat_mesh &flat, std::span<const std::int32_t> corners)
+point3_t facing_of(const flat_mesh &flat, std::span<const std::int32_t> corners)
 {
-    vec3d sum;
-    const point3_t &origin = flat.position(corners[0]);
-    for (size_t i = 1; i + 1 < corners.size(); ++i) {
-        const point3_t a = point_sub(flat.position(corners[i]), origin);
-        const point3_t b = point_sub(flat.position(corners[i + 1]), origin);
-        sum += to_vec3d(point_cross(a, b));
-    }
-    return to_point(sum);
+    return to_point(outline_normal(flat, corners));
 }
 
 // A fan fills the polygon rightly when no corner turns against the others.
@@ -29,7 +21,7 @@ bool is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners)
     const size_t n = corners.size();
     if (n <= 3)
         return true;
-    const point3_t facing = outline_normal(flat, corners);
+    const point3_t facing = facing_of(flat, corners);
     const auto at = [&](size_t i) { return flat.position(corners[i % n]); };
     const double tolerance = 1e-5 * point_dot(facing, facing);
     for (size_t i = 0; i < n; ++i) {
@@ -207,7 +199,7 @@ private:
     void note_odd_normal(int surface, std::span<const std::int32_t> corners)
     {
         const point3_t &stored = flat_.face_normal(surface);
-        if (point_dot(stored, outline_normal(flat_, corners)) <= 0)
+        if (point_dot(stored, facing_of(flat_, corners)) <= 0)
             out_.odd_faces.push_back(surface);
     }
 
@@ -310,7 +302,7 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
             std::binary_search(layout.odd_faces.begin(), layout.odd_faces.end(), face)) {
             if (face != odd_face) {
                 odd_face = face;
-                odd_normal = outline_normal(flat, flat.surface_corners(face));
+                odd_normal = facing_of(flat, flat.surface_corners(face));
                 const double length = point_length(odd_normal);
                 if (length > 0)
                     odd_normal = point_scale(odd_normal, static_cast<float>(1.0 / length));

@@ -5,12 +5,13 @@
 #include "model/each.h"
 #include "model/owners.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace {
 
 struct marks_t {
-    std::unordered_map<const object_t *, selected_part_t> parts;
+    std::unordered_map<object_t *, selected_part_t> parts;
     unsigned selection_count = ~0u;
     std::uint64_t tree_count = ~0ull;
     unsigned generation = 0;
@@ -20,6 +21,17 @@ marks_t &marks()
 {
     static marks_t state;
     return state;
+}
+
+void collect_edges(marks_t &state)
+{
+    for (const owned_edges &owned : selected_edges()) {
+        std::vector<int> &ends = state.parts[owned.object].edges;
+        for (const int e : owned.edges) {
+            ends.push_back(owned.topology->edge(e).a);
+            ends.push_back(owned.topology->edge(e).b);
+        }
+    }
 }
 
 void collect(marks_t &state)
@@ -32,11 +44,34 @@ void collect(marks_t &state)
         state.parts[owned.object].surfaces = std::move(owned.indices);
     for (owned_elements &owned : vertices_by_owner(now.vertices))
         state.parts[owned.object].vertices = std::move(owned.indices);
+    if (select_mode() == SELECT_EDGE)
+        collect_edges(state);
+    for (auto &[object, part] : state.parts) {
+        if (part.surfaces.empty() && part.vertices.empty())
+            continue;
+        const flat_ptr flat = object_flat(object);
+        part.surface_records = flat->surface_records;
+        part.vertex_records = flat->vertex_records;
+    }
 }
 
-void refresh(marks_t &state)
+// Whether the places of some selected elements are those of an object as it was before elements
+// were added or removed, which also takes freed ones out of the selection without a word.
+bool is_outdated(const marks_t &state)
 {
-    if (state.selection_count == selection_change_count() &&
+    return std::any_of(state.parts.begin(), state.parts.end(), [](const auto &row) {
+        const selected_part_t &part = row.second;
+        if (part.surfaces.empty() && part.vertices.empty())
+            return false;
+        const flat_ptr flat = object_flat(row.first);
+        return part.surface_records != flat->surface_records ||
+               part.vertex_records != flat->vertex_records;
+    });
+}
+
+void refresh(marks_t &state, bool outdated = false)
+{
+    if (!outdated && state.selection_count == selection_change_count() &&
         state.tree_count == tree_change_count())
         return;
     state.selection_count = selection_change_count();
@@ -47,7 +82,15 @@ void refresh(marks_t &state)
 
 } // namespace
 
-const selected_part_t *selected_part(const object_t *object)
+void selection_marks_update()
+{
+    marks_t &state = marks();
+    refresh(state);
+    if (is_outdated(state))
+        refresh(state, true);
+}
+
+const selected_part_t *selected_part(object_t *object)
 {
     marks_t &state = marks();
     refresh(state);

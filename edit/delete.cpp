@@ -89,11 +89,11 @@ void delete_selection(const char *label)
     const selection_t &all = selection();
     const int mode = select_mode();
     const bool surfaces = mode == SELECT_SURFACE;
-    const int count = surfaces                ? all.num_surfaces
-                      : mode == SELECT_VERTEX ? all.num_vertices
-                                              : all.num_objects;
+    const int count = surfaces                  ? all.num_surfaces
+                      : mode_has_vertices(mode) ? all.num_vertices
+                                                : all.num_objects;
     std::vector<object_t *> touched;
-    if (surfaces || mode == SELECT_VERTEX) {
+    if (surfaces || mode_has_vertices(mode)) {
         open_world_undo(label);
         const owned_list elements(list_clone(surfaces ? all.surfaces : all.vertices));
         touched =
@@ -105,7 +105,7 @@ void delete_selection(const char *label)
     calc_normals_of(touched);
     finish_edit();
     display_message("%s - %d %s", label, count,
-                    surfaces ? "surfaces" : (mode == SELECT_VERTEX ? "vertices" : "objects"));
+                    surfaces ? "surfaces" : (mode_has_vertices(mode) ? "vertices" : "objects"));
 }
 
 void remove_selected_surfaces(void)

@@ -1,5 +1,6 @@
 #include "edit/drag_transform.h"
 
+#include "edit/document/edit_support.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
@@ -14,7 +15,6 @@
 #include "model/vector.h"
 
 #include <cmath>
-#include <unordered_set>
 
 namespace {
 
@@ -193,13 +193,9 @@ drag_transform_t::drag_transform_t() : box_min(selection().box_min), box_max(sel
     for (const surface_t *surface : each<surface_t>(all.surfaces)) {
         append_surface_vertices(surface, &found);
     }
-    std::unordered_set<const object_t *> seen; // one may lie below another
-    for (object_t *top : each<object_t>(all.objects)) {
+    for (object_t *top : selected_top_objects()) {
         const point3_t pivot = top->vertices != nullptr ? top->centre : middle_of(top);
         for_each_object(top, [&](object_t *object) {
-            if (!seen.insert(object).second) {
-                return;
-            }
             moved_object_t moved = {object, object->centre, {}, pivot, found.size(), 0};
             append_elements(object->vertices, &found);
             moved.end_vertex = found.size();

@@ -29,7 +29,7 @@ point3_t shift_of_copies()
 
 // Each copy follows its original. Their marks are their own: a copy is visible where it can be
 // selected.
-std::vector<object_t *> duplicate_objects(const point3_t &offset)
+std::vector<object_t *> duplicate_objects(const char *what, const point3_t &offset)
 {
     std::vector<object_t *> copies;
     child_changes changes;
@@ -42,7 +42,7 @@ std::vector<object_t *> duplicate_objects(const point3_t &offset)
     owned_list undo;
     for (object_t *copy : copies)
         undo.add(copy);
-    new_undo(UNDO_OBJECTS, "duplicate");
+    new_undo(UNDO_OBJECTS, what);
     set_undo_objectlist(undo.get());
     changes.commit();
     select_results(copies);
@@ -67,19 +67,20 @@ mesh_result copy_surfaces(const owned_elements &owned, const point3_t &offset)
     return change.commit();
 }
 
-void open_undo(const std::vector<owned_elements> &owners)
+void open_undo(const char *what, const std::vector<owned_elements> &owners)
 {
     if (owners.size() == 1) {
-        new_undo(UNDO_SURFACES, "duplicate");
+        new_undo(UNDO_SURFACES, what);
         return;
     }
-    open_world_undo("duplicate");
+    open_world_undo(what);
 }
 
-std::vector<surface_t *> duplicate_surfaces(const listitem *surfaces, const point3_t &offset)
+std::vector<surface_t *> duplicate_surfaces(const char *what, const listitem *surfaces,
+                                            const point3_t &offset)
 {
     const std::vector<owned_elements> owners = surfaces_by_owner(surfaces);
-    open_undo(owners);
+    open_undo(what, owners);
     owned_list made, vertices;
     std::vector<object_t *> touched;
     for (const owned_elements &owned : owners) {
@@ -111,44 +112,45 @@ void append_places(const std::vector<surface_t *> &surfaces)
     }
 }
 
-void duplicate(const point3_t &offset, bool wants_result)
+// `what` names it to the user.
+void duplicate(const char *what, const point3_t &offset, bool wants_result)
 {
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         const owned_list surfaces(find_selected_whole_surfaces());
         if (!surfaces) {
-            display_message("duplicate - nothing selected");
+            display_message("%s - nothing selected", what);
             return;
         }
-        display_message("duplicate...");
-        const std::vector<surface_t *> made = duplicate_surfaces(surfaces.get(), offset);
+        display_message("%s...", what);
+        const std::vector<surface_t *> made = duplicate_surfaces(what, surfaces.get(), offset);
         if (wants_result)
             append_places(made);
         finish_edit();
-        display_message("duplicate - %d surfaces", static_cast<int>(made.size()));
+        display_message("%s - %d surfaces", what, static_cast<int>(made.size()));
         return;
     }
     if (selection().objects == nullptr) {
-        display_message("duplicate - nothing selected");
+        display_message("%s - nothing selected", what);
         return;
     }
-    display_message("duplicate...");
-    const std::vector<object_t *> copies = duplicate_objects(offset);
+    display_message("%s...", what);
+    const std::vector<object_t *> copies = duplicate_objects(what, offset);
     for (const object_t *copy : copies) {
         if (wants_result)
             command_result_append_element(object_identity(copy));
     }
     finish_edit();
-    display_message("duplicate - %d objects", static_cast<int>(copies.size()));
+    display_message("%s - %d objects", what, static_cast<int>(copies.size()));
 }
 
 } // namespace
 
 // ---- commands ----
 
-void duplicate_selected(void) { duplicate(shift_of_copies(), false); }
+void duplicate_selected(void) { duplicate("duplicate", shift_of_copies(), false); }
 
 void command_clone_selection()
 {
     command_result_set("");
-    duplicate({0, 0, 0}, true);
+    duplicate("clone", {0, 0, 0}, true);
 }

@@ -1,6 +1,7 @@
 #include "edit/extrude.h"
 
 #include "base/messages.h"
+#include "base/numbers.h"
 #include "base/prefs.h"
 #include "edit/delete.h"
 #include "edit/document/edit_support.h"
@@ -14,6 +15,8 @@
 #include "model/normals.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
+#include "model/outline_normal.h"
+#include "model/owners.h"
 #include "model/vector.h"
 #include "model/world.h"
 
@@ -21,9 +24,16 @@
 
 namespace {
 
-// Says why it refused. Counts the new surfaces; none when nothing changed. Opens an undo record
-// unless the label is null.
-sweep_outcome extrude_by(const point3_t &offset, const char *undo_label, std::size_t &made)
+// How the selected surfaces are extruded; see sweep_t.
+struct extrusion_t {
+    point3_t offset;
+    const char *undo_label = nullptr;
+    bool along_body = false;
+    bool selects_ends = false;
+};
+
+// Says why it refused. Counts the new surfaces; none when nothing changed.
+sweep_outcome extrude_by(const extrusion_t &how, std::size_t &made)
 {
     made = 0;
     const owned_list surfaces(find_selected_whole_surfaces());
@@ -34,15 +44,43 @@ sweep_outcome extrude_by(const point3_t &offset, const char *undo_label, std::si
     }
     const int steps = std::max(prefs.extrude_num, 1);
     const auto n = static_cast<float>(steps);
-    const point3_t step = {offset.x / n, offset.y / n, offset.z / n};
+    const point3_t step = {how.offset.x / n, how.offset.y / n, how.offset.z / n};
     const auto place = [&step](int, const point3_t &, const point3_t &before) {
         return point_add(before, step);
     };
     const sweep_outcome outcome =
-        sweep_surfaces(surfaces.get(), {steps, false, place, undo_label}, made);
+        sweep_surfaces(surfaces.get(),
+                       {.levels = steps,
+                        .drops_resting_corners = false,
+                        .place = place,
+                        .undo_label = how.undo_label,
+                        .along_body = how.along_body ? &how.offset : nullptr,
+                        .selects_ends = how.selects_ends},
+                       made);
     if (outcome == sweep_outcome::no_outer_edge)
         windows_message_dialog("Extrude failed: There are no external surface edges.");
     return outcome;
+}
+
+// As one step of the interface.
+bool extrude_with_undo(extrusion_t how)
+{
+    const owned_list surfaces(find_selected_whole_surfaces());
+    if (!surfaces) {
+        display_message("extrude - nothing selected");
+        return false;
+    }
+    display_message("extruding...");
+    how.undo_label = "extrude";
+    std::size_t made = 0;
+    const sweep_outcome result = extrude_by(how, made);
+    if (result == sweep_outcome::cancelled)
+        display_message("extrude - cancelled");
+    if (result != sweep_outcome::done)
+        return false;
+    finish_edit();
+    display_message("extrude - %d surfaces", static_cast<int>(made));
+    return true;
 }
 
 // The outline moved by minus the offset and turned (null: not), on new vertices, which are added to
@@ -70,7 +108,7 @@ surface_t *moved_outline(const surface_t *surface, const point3_t &offset, const
 int extrude_selected_diff(const point3_t *offset)
 {
     std::size_t made = 0;
-    const sweep_outcome result = extrude_by(*offset, nullptr, made);
+    const sweep_outcome result = extrude_by({.offset = *offset}, made);
     if (result == sweep_outcome::cancelled)
         display_message("extrude - cancelled");
     return result == sweep_outcome::done ? 1 : 0;
@@ -147,22 +185,54 @@ surface_t *surface_clone_translate(object_t *object, const surface_t *surface,
     return copy;
 }
 
-// ---- commands ----
+bool extrude_and_select(const point3_t &offset, extrude_sides sides)
+{
+    return extrude_with_undo(
+        {.offset = offset, .along_body = sides == extrude_sides::automatic, .selects_ends = true});
+}
 
-void command_extrude(float dx, float dy, float dz)
+bool selected_surfaces_normal(point3_t *normal)
 {
     const owned_list surfaces(find_selected_whole_surfaces());
-    if (!surfaces) {
-        display_message("extrude - nothing selected");
+    vec3d sum;
+    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
+        const flat_ptr mesh = object_flat(owned.object);
+        for (const int surface : owned.indices)
+            sum += outline_normal(*mesh, mesh->surface_corners(surface));
+    }
+    const double size = length(sum);
+    *normal = to_point(size > 0 ? sum / size : vec3d{});
+    return !point_equal(*normal, {0, 0, 0});
+}
+
+// ---- commands ----
+
+namespace {
+
+extrude_sides sides_of(const char *automatic)
+{
+    return int_of(automatic) != 0 ? extrude_sides::automatic : extrude_sides::by_preferences;
+}
+
+} // namespace
+
+void command_extrude(float dx, float dy, float dz) { extrude_with_undo({.offset = {dx, dy, dz}}); }
+
+void command_extrude_select(int, const char *const *words)
+{
+    extrude_and_select(
+        {finite_float_of(words[1]), finite_float_of(words[2]), finite_float_of(words[3])},
+        sides_of(words[0]));
+}
+
+void command_extrude_normal(int, const char *const *words)
+{
+    point3_t normal = {0, 0, 0};
+    if (!selected_surfaces_normal(&normal)) {
+        const owned_list surfaces(find_selected_whole_surfaces());
+        display_message(surfaces ? "extrude - the surfaces face no way together"
+                                 : "extrude - nothing selected");
         return;
     }
-    display_message("extruding...");
-    std::size_t made = 0;
-    const sweep_outcome result = extrude_by({dx, dy, dz}, "extrude", made);
-    if (result == sweep_outcome::cancelled)
-        display_message("extrude - cancelled");
-    if (result != sweep_outcome::done)
-        return;
-    finish_edit();
-    display_message("extrude - %d surfaces", static_cast<int>(made));
+    extrude_and_select(point_scale(normal, finite_float_of(words[1])), sides_of(words[0]));
 }

@@ -35,8 +35,27 @@ VESK_API surface_t *surface_clone_translate(object_t *object, const surface_t *s
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
-// Command "extrude": the selected whole surfaces by a vector. One whole-model undo, "extrude".
+// What becomes of the originals and which way walls and caps face: as the extrude preferences say;
+// or so that the body goes on facing outwards, inwards and outwards alike. Surfaces of a larger
+// body are raised or sunk, and the originals go. A sheet of its own becomes a closed body.
+enum class extrude_sides { by_preferences, automatic };
+
+// For the interface: extrudes the selected whole surfaces with one whole-model undo, "extrude", and
+// selects the new surfaces at the end (the walls where there are none). False when nothing changed:
+// it has said why and opened no undo.
+bool extrude_and_select(const point3_t &offset, extrude_sides sides);
+
+// Where the selected whole surfaces face on the whole, of length 1; false and 0 0 0 when their
+// directions cancel out.
+bool selected_surfaces_normal(point3_t *normal);
+
+// Command "extrude": the selected whole surfaces by a vector, as the preferences say; what is
+// selected stays. One whole-model undo, "extrude".
 void command_extrude(float dx, float dy, float dz);
+// Commands "extrude_select" and "extrude_normal": extrude_and_select by a vector, and by a distance
+// along selected_surfaces_normal; the first word is 1 for automatic.
+void command_extrude_select(int count, const char *const *words);
+void command_extrude_normal(int count, const char *const *words);
 #endif
 
 #endif

@@ -38,7 +38,8 @@ vec3d normalized(const vec3d &d)
 std::vector<point3_t> path_points()
 {
     std::vector<point3_t> points;
-    const surface_t *line = line_of(object_by_identity(path_identity()));
+    const surface_t *line =
+        path_identity() == 0 ? nullptr : line_of(object_by_identity(path_identity()));
     if (line == nullptr)
         return points;
     for (const svertex *reference : each<svertex>(line->refs)) {

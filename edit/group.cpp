@@ -11,7 +11,7 @@
 
 namespace {
 
-bool in_object_mode() { return select_mode() != SELECT_SURFACE && select_mode() != SELECT_VERTEX; }
+bool in_object_mode() { return !mode_has_elements(select_mode()); }
 
 bool can_dissolve(const object_t *object)
 {

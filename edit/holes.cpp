@@ -200,7 +200,36 @@ void surface_translate_vertices(surface_t *surface, const point3_t *offset)
 
 // ---- commands ----
 
-void selected_surfaces_make_hole(void)
+namespace {
+
+// What is selected after the command: nothing, or what it made of surfaces, so that the next
+// operation goes on from there; selected objects stay selected then.
+enum class afterwards { nothing, results };
+
+// Takes the selection off before the surfaces are freed.
+void unselect(afterwards end)
+{
+    if (end == afterwards::nothing || mode_has_elements(select_mode()))
+        clear_selection();
+}
+
+void select_made(afterwards end, const owned_list &made)
+{
+    if (end == afterwards::results && selection_get_num_objects() == 0)
+        select_surfacelist(made.get());
+    if (end == afterwards::results)
+        find_bounding_box();
+}
+
+std::vector<object_t *> owners_of(const std::vector<owned_elements> &targets)
+{
+    std::vector<object_t *> owners;
+    for (const owned_elements &owned : targets)
+        owners.push_back(owned.object);
+    return owners;
+}
+
+void make_holes(afterwards end)
 {
     const auto factor = static_cast<float>(prefs.hole_percent / 100.0);
     const owned_list surfaces(find_selected_whole_surfaces());
@@ -210,14 +239,16 @@ void selected_surfaces_make_hole(void)
     }
     display_message("make hole...");
     if (prefs.hole_percent < 0) {
-        open_world_undo("make hole"); // Deliberate: the refusal has its record.
+        if (end == afterwards::nothing)
+            open_world_undo("make hole"); // Deliberate: the refusal has its record.
         windows_message_dialog(
             "the hole %% setting is less than zero - please set to a positive number");
         return;
     }
+    const std::vector<owned_elements> targets = target_surfaces();
     std::vector<mesh_change> changes;
     const bool finished =
-        compute_rings(target_surfaces(), changes, [factor](int surface, mesh_change &change) {
+        compute_rings(targets, changes, [factor](int surface, mesh_change &change) {
             hole(surface, factor, false, change);
         });
     if (!finished) {
@@ -225,14 +256,35 @@ void selected_surfaces_make_hole(void)
         return;
     }
     open_world_undo("make hole");
-    clear_selection();
-    commit_all(changes);
+    unselect(end);
+    owned_list rings;
+    for (const mesh_result &result : commit_all(changes)) {
+        for (surface_t *surface : result.surfaces)
+            rings.add(surface);
+    }
+    if (end == afterwards::results)
+        calc_normals_of(owners_of(targets));
+    select_made(end, rings);
     redraw_all();
     display_message("make hole - done");
     display_status();
 }
 
-void selected_surfaces_bevel(void)
+// The raised copies among the surfaces that bevels of these surfaces made.
+void append_caps(const flat_mesh &before, const std::vector<int> &surfaces,
+                 const mesh_result &result, owned_list &caps)
+{
+    std::size_t at = 0;
+    for (const int surface : surfaces) {
+        const std::size_t corners = before.surface_corners(surface).size();
+        if (corners == 0)
+            continue; // makes none
+        caps.add(result.surfaces[at]);
+        at += 1 + corners;
+    }
+}
+
+void bevel_selected(afterwards end)
 {
     const owned_list surfaces(find_selected_whole_surfaces());
     if (!surfaces && selection_get_num_objects() == 0) {
@@ -248,17 +300,27 @@ void selected_surfaces_bevel(void)
         return;
     }
     open_world_undo("bevel");
-    clear_selection();
-    commit_all(changes);
-    std::vector<object_t *> touched;
-    for (const owned_elements &owned : targets)
-        touched.push_back(owned.object);
+    unselect(end);
+    const std::vector<mesh_result> results = commit_all(changes);
+    owned_list caps;
+    for (std::size_t i = 0; i < targets.size(); ++i)
+        append_caps(changes[i].before(), targets[i].indices, results[i], caps);
     if (objects.empty())
-        calc_normals_of(touched);
+        calc_normals_of(owners_of(targets));
     for (object_t *object : objects) // Deliberate: also while recalc_normals is off
         object_calc_normals_force(object);
-    const auto count = static_cast<int>(count_elements(targets));
+    select_made(end, caps);
     redraw_all();
-    display_message("surfaces beveled: %d", count);
+    display_message("surfaces beveled: %d", static_cast<int>(count_elements(targets)));
     display_status();
 }
+
+} // namespace
+
+void selected_surfaces_make_hole(void) { make_holes(afterwards::nothing); }
+
+void selected_surfaces_bevel(void) { bevel_selected(afterwards::nothing); }
+
+void command_hole_select() { make_holes(afterwards::results); }
+
+void command_bevel_select() { bevel_selected(afterwards::results); }

@@ -44,4 +44,12 @@ VESK_API void surface_translate_vertices(surface_t *surface, const point3_t *off
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+// Commands "hole_select" and "bevel_select" of the interface: the same, and the new surfaces are
+// selected afterwards (of a bevel the raised copies), or the objects that were. A refusal opens no
+// undo.
+void command_hole_select();
+void command_bevel_select();
+#endif
+
 #endif

@@ -324,7 +324,7 @@ std::vector<point3_t> selected_points()
         for (const vertex *point : each<vertex>(vertices))
             points.push_back(point->position);
     };
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         const owned_list vertices(selection_get_selected_vertices());
         add(vertices.get());
     } else {

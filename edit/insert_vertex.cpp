@@ -57,7 +57,7 @@ bool insert_vertex_at(object_t *object, int a, int b, float share)
     open_world_undo("insert vertex");
     const mesh_result made = change.commit();
     calc_normals_of({object});
-    if (select_mode() == SELECT_VERTEX) {
+    if (mode_has_vertices(select_mode())) {
         owned_list chosen;
         chosen.add(made.vertices.front());
         clear_selection();

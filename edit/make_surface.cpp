@@ -1,6 +1,7 @@
 #include "edit/make_surface.h"
 
 #include "base/messages.h"
+#include "edit/delete.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
@@ -67,6 +68,36 @@ object_t *joined(const std::vector<object_t *> &objects)
 
 } // namespace
 
+std::vector<object_t *> separate_selected_surfaces()
+{
+    const owned_list surfaces(find_selected_whole_surfaces());
+    std::vector<object_t *> made;
+    std::vector<object_t *> parents;
+    owned_list leaving;
+    for (const owned_elements &owned : surfaces_by_owner(surfaces.get())) {
+        if (static_cast<int>(owned.indices.size()) == owned.object->num_surfaces) {
+            made.push_back(owned.object);
+            continue;
+        }
+        parents.push_back(owned.object->parent);
+        for (const int place : owned.indices)
+            leaving.add(object_flat(owned.object)->surface_record(place));
+    }
+    const std::vector<object_t *> pieces = objects_of_surfaces(leaving.get());
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        object_add_child(parents[i], pieces[i]);
+        made.push_back(pieces[i]);
+    }
+    clear_selection();
+    surfacelist_delete_with_vertices(leaving.get());
+    calc_normals_of(made);
+    owned_list chosen;
+    for (object_t *object : made)
+        chosen.add(object);
+    select_objectlist(chosen.get());
+    return made;
+}
+
 // ---- commands ----
 
 void command_createsurface(int type)
@@ -77,7 +108,7 @@ void command_createsurface(int type)
     }
     const int fewest = type == SURFACE_LINE ? 2 : 3;
     std::vector<vertex *> vertices;
-    if (select_mode() == SELECT_VERTEX)
+    if (mode_has_vertices(select_mode()))
         vertices = elements_of<vertex>(selection().vertices);
     const std::vector<object_t *> owners = owners_of_vertices(vertices);
     const bool one_object = std::all_of(owners.begin(), owners.end(),
@@ -114,4 +145,18 @@ void command_surface_create_object()
     select_object(object);
     finish_edit();
     display_message("create object - %d surfaces", object->num_surfaces);
+}
+
+void command_surfaces_separate()
+{
+    if (!owned_list(find_selected_whole_surfaces())) {
+        display_message("separate - nothing selected");
+        return;
+    }
+    display_message("separate...");
+    new_undo(UNDO_WORLD, "separate");
+    set_undo_all();
+    const std::vector<object_t *> made = separate_selected_surfaces();
+    finish_edit();
+    display_message("separate - %d objects", static_cast<int>(made.size()));
 }

@@ -29,7 +29,7 @@ const flag_t locked = {object_set_locked, 1, "lock", "unlock"};
 
 std::vector<object_t *> whole_selected_objects()
 {
-    if (select_mode() != SELECT_SURFACE && select_mode() != SELECT_VERTEX)
+    if (!mode_has_elements(select_mode()))
         return elements_of<object_t>(selection().objects);
     const owned_list owners(selection_get_part_selected_objects());
     return elements_of<object_t>(owners.get());

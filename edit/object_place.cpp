@@ -4,10 +4,12 @@
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "base/redraw.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/undo_internal.h"
 #include "model/each.h"
 #include "model/identity.h"
 #include "model/object_tree.h"
+#include "model/world.h"
 
 #include <cstring>
 #include <string>
@@ -50,16 +52,17 @@ void command_objects_place(int, const char *const *words)
         return;
     }
     std::vector<object_t *> objects;
-    std::unordered_set<const object_t *> moving;
     const char *end = ids + std::strlen(ids);
     int id = 0;
     while ((ids = scan_int(ids, end, &id)) != nullptr) {
         object_t *object = object_by_identity(id);
         if (object != nullptr && object->parent != nullptr && !lies_in(parent, object) &&
-            moving.insert(object).second) {
+            object != vesk_get_world()) {
             objects.push_back(object);
         }
     }
+    objects = without_descendants(objects); // these go with the others
+    const std::unordered_set<const object_t *> moving(objects.begin(), objects.end());
     // An object cannot stand in front of itself: the next one that stays is meant.
     object_t *before = before_id == 0 ? nullptr : object_by_identity(before_id);
     while (before != nullptr && moving.contains(before)) {

@@ -3,10 +3,14 @@
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "edit/document/step.h"
 #include "edit/document/undo.h"
 #include "edit/drag_transform.h"
 #include "edit/transform.h"
+#include "model/angle.h"
+#include "model/matrix.h"
+#include "model/object.h"
 #include "model/vector.h"
 
 #include <cmath>
@@ -43,7 +47,7 @@ bool something_selected(const char *what)
     return false;
 }
 
-// A light alone has no box to turn or to mirror in.
+// A group without geometry has no box to turn or to mirror in.
 bool something_with_box(const char *what)
 {
     if (!something_selected(what)) {
@@ -187,6 +191,20 @@ void rotate_with_undo(float rx, float ry, float rz)
 void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, float z)
 {
     turn({rx, ry, rz}, {x, y, z});
+}
+
+void rotate_to_with_undo(float rx, float ry, float rz, float x, float y, float z)
+{
+    const std::vector<object_t *> objects = elements_of<object_t>(selection().objects);
+    if (objects.empty()) {
+        display_message("rotate - select objects first");
+        return;
+    }
+    float wanted[9], back[9], missing[9];
+    matrix_set_rotate(wanted, radians(rx), radians(ry), radians(rz));
+    rotinvert(back, objects.front()->rotation);
+    matrix_multiply(wanted, back, missing);
+    turn(point_scale(matrix_angles(missing), static_cast<float>(degrees_per_radian)), {x, y, z});
 }
 
 void rotate_axis_angle_with_undo(float axis, float degrees)

@@ -8,6 +8,8 @@
 void move_with_undo(float x, float y, float z);
 void rotate_with_undo(float rx, float ry, float rz);
 void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, float z);
+// Turns the selection about a point so that the frame of its first object has these angles.
+void rotate_to_with_undo(float rx, float ry, float rz, float x, float y, float z);
 void rotate_axis_angle_with_undo(float axis, float degrees);
 void mirror_with_undo(int axis);
 

@@ -8,6 +8,8 @@
 #include "model/child_changes.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
+#include "model/property.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
 #include <numeric>
@@ -78,11 +80,23 @@ std::vector<object_t *> take_apart(object_t *object, number_pieces number)
     return made;
 }
 
-// A group in the object's place, with its texts, its pieces and then its children.
+void copy_marks(object_t *to, const object_t *from)
+{
+    to->visible = from->visible;
+    to->locked = from->locked;
+}
+
+// A group in the object's place, with its texts and properties, its pieces and then its children.
+// Pieces of a hidden or locked object are so, too.
 object_t *group_of(object_t *object, const std::vector<object_t *> &pieces)
 {
     object_t *group = new_group();
     object_copy_header(group, object);
+    proplist_free(&group->properties);
+    group->properties = vesk_proplist_duplicate(object->properties);
+    copy_marks(group, object);
+    for (object_t *piece : pieces)
+        copy_marks(piece, object);
     object_set_url(group, object->url);
     object_set_userdata(group, object->data);
     for (object_t *piece : pieces)
@@ -171,14 +185,6 @@ merge_t gather(const std::vector<object_t *> &tops)
     return merge;
 }
 
-void copy_texture(object_t *to, const object_t *from)
-{
-    to->has_texture = from->has_texture;
-    to->texture = from->texture;
-    object_set_texture_repeat(to, from->texture_repeat_x, from->texture_repeat_y);
-    object_set_texture_offset(to, from->texture_offset_x, from->texture_offset_y);
-}
-
 // Appends whole lists, node by node as they are.
 class list_joiner {
 public:
@@ -215,7 +221,7 @@ void merge_into(object_t *target, const std::vector<object_t *> &tops, merge_t &
 {
     const object_t *first = merge.sources.front();
     if (target != first)
-        copy_texture(target, first);
+        object_copy_texture(target, first);
     for (object_t *object : merge.sources) {
         merge.textures_differ |= object->has_texture != target->has_texture ||
                                  (object->has_texture != 0 && object->texture != target->texture);

@@ -191,11 +191,13 @@ object_t *new_arc(int plane, float radius, float start, float end, int segments)
         start = 0;
         end = 360;
     }
-    const float s = radians(start);
-    const float e = radians(end);
-    const float first = e < s ? s - 2 * pi_f : s;
-    const float step = std::fmin(2 * pi_f / static_cast<float>(segments), std::fabs(e - first));
-    for (float angle = first; angle <= e && step > 0; angle += step) {
+    const double from = radians(start), to = radians(end);
+    const double first = to < from ? from - 2 * pi : from;
+    const double step = std::fmin(2 * pi / segments, std::fabs(to - first));
+    // A little more: the end is not to be lost to the rounding of the angles.
+    const double count = step > 0 ? std::floor((to - first) / step + 1e-3) : -1;
+    for (int i = 0; i <= count; ++i) {
+        const auto angle = static_cast<float>(first + i * step);
         surface_add_vertex(line,
                            add_vertex(object, on_plane(plane, radius * std::cos(angle),
                                                        radius * std::sin(angle), 0)),

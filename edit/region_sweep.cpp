@@ -6,34 +6,54 @@
 #include "edit/mesh/mesh_change.h"
 #include "edit/mesh/mesh_edges.h"
 #include "edit/mesh/position_index.h"
+#include "edit/mesh/union_find.h"
 #include "model/freed.h"
+#include "model/outline_normal.h"
 
 #include <algorithm>
 #include <memory>
 
 namespace {
 
+// What becomes of one surface of the region.
+struct fate_t {
+    bool flips_walls; // and the cap
+    bool cap;
+    bool remove;
+    bool turn; // stays, but faces the other way
+};
+
 // The sweep of one object's surfaces.
 class region_sweep {
 public:
     region_sweep(object_t *object, const std::vector<int> &surfaces, const sweep_t &sweep)
         : change_(object), mesh_(change_.before()), surfaces_(surfaces),
-          edges_(edges_of(mesh_, surfaces)), sweep_(sweep), index_(*mesh_.positions),
-          top_(mesh_.num_vertices(), -1)
+          edges_(sweep.along_body != nullptr ? edges_of(mesh_) : edges_of(mesh_, surfaces)),
+          outer_(outer_edges()),
+          fates_(sweep.along_body != nullptr ? fates_of_body(*sweep.along_body)
+                                             : fates_of_preferences()),
+          sweep_(sweep), index_(*mesh_.positions), top_(mesh_.num_vertices(), -1)
     {
     }
 
     // False when the user cancelled.
     bool add_walls(progress_t &progress, double &done);
     bool add_caps(progress_t &progress, double &done);
-    void remove_originals();
-    [[nodiscard]] bool has_walls() const { return has_walls_; }
-    mesh_result commit() { return change_.commit(); }
+    void change_originals();
+    [[nodiscard]] bool has_walls() const { return num_walls_ > 0; }
+    // Appends the caps, or the walls where there are none.
+    mesh_result commit(owned_list &ends);
 
 private:
     // Of each edge, whether only one of the surfaces has it.
     [[nodiscard]] std::vector<bool> outer_edges() const;
-    void add_strip(int surface, int a, int b);
+    // The parts that hang together by edges: a number of each surface, by its place in surfaces_.
+    [[nodiscard]] std::vector<int> parts() const;
+    // Of each edge, whether a surface outside the region has it.
+    [[nodiscard]] std::vector<bool> edges_beyond() const;
+    [[nodiscard]] std::vector<fate_t> fates_of_preferences() const;
+    [[nodiscard]] std::vector<fate_t> fates_of_body(const point3_t &way) const;
+    void add_strip(int surface, bool flip, int a, int b);
     int vertex_at(const point3_t &to);
     int moved(int level, int base, int before);
     int moved_to_end(int at);
@@ -42,10 +62,12 @@ private:
     const flat_mesh &mesh_;
     const std::vector<int> &surfaces_; // in the order of the selection
     mesh_edges edges_;
+    std::vector<bool> outer_;
+    std::vector<fate_t> fates_; // one for each of surfaces_
     const sweep_t &sweep_;
     position_index index_;
     std::vector<std::int32_t> top_; // of each vertex, the one at the end of the sweep, or -1
-    bool has_walls_ = false;
+    std::size_t num_walls_ = 0, num_caps_ = 0;
 };
 
 std::vector<bool> region_sweep::outer_edges() const
@@ -64,6 +86,73 @@ std::vector<bool> region_sweep::outer_edges() const
         }
     }
     return outer;
+}
+
+std::vector<int> region_sweep::parts() const
+{
+    union_find joined(static_cast<int>(surfaces_.size()));
+    std::vector<int> first(edges_.count, -1);
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        for (int c = mesh_.first_corner(surfaces_[i]); c < mesh_.end_corner(surfaces_[i]); ++c) {
+            const int edge = edges_.of_corner[c];
+            if (edge < 0)
+                continue;
+            if (first[edge] < 0)
+                first[edge] = static_cast<int>(i);
+            joined.join(first[edge], static_cast<int>(i));
+        }
+    }
+    std::vector<int> numbers;
+    joined.number(&numbers);
+    return numbers;
+}
+
+std::vector<bool> region_sweep::edges_beyond() const
+{
+    std::vector<bool> chosen(mesh_.num_surfaces());
+    for (const int surface : surfaces_)
+        chosen[surface] = true;
+    std::vector<bool> beyond(edges_.count);
+    for (int surface = 0; surface < mesh_.num_surfaces(); ++surface) {
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
+            if (!chosen[surface] && edges_.of_corner[c] >= 0)
+                beyond[edges_.of_corner[c]] = true;
+        }
+    }
+    return beyond;
+}
+
+std::vector<fate_t> region_sweep::fates_of_preferences() const
+{
+    return std::vector<fate_t>(surfaces_.size(), {.flips_walls = prefs.extrude_flip_cap != 0,
+                                                  .cap = prefs.extrude_cap_end != 0,
+                                                  .remove = prefs.extrude_delete_original != 0,
+                                                  .turn = false});
+}
+
+std::vector<fate_t> region_sweep::fates_of_body(const point3_t &way) const
+{
+    const std::vector<int> part = parts();
+    const std::vector<bool> beyond = edges_beyond();
+    std::vector<bool> goes_on(surfaces_.size());    // by part
+    std::vector<double> forwards(surfaces_.size()); // the part's area seen along the way
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        const int surface = surfaces_[i];
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
+            goes_on[part[i]] =
+                goes_on[part[i]] || (edges_.of_corner[c] >= 0 && beyond[edges_.of_corner[c]]);
+        forwards[part[i]] +=
+            dot(outline_normal(mesh_, mesh_.surface_corners(surface)), to_vec3d(way));
+    }
+    std::vector<fate_t> fates;
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        const bool polygon = mesh_.surface(surfaces_[i]).type == SURFACE_POLYGON;
+        const bool stays = polygon && !goes_on[part[i]];
+        const bool back = stays && forwards[part[i]] < 0;
+        fates.push_back(
+            {.flips_walls = back, .cap = polygon, .remove = !stays, .turn = stays && !back});
+    }
+    return fates;
 }
 
 // The vertex that stands there, or a new one.
@@ -95,7 +184,7 @@ int region_sweep::moved_to_end(int at)
 }
 
 // Between the edge from a to b and its copies.
-void region_sweep::add_strip(int surface, int a, int b)
+void region_sweep::add_strip(int surface, bool flip, int a, int b)
 {
     int low_a = a, low_b = b;
     for (int k = 1; k <= sweep_.levels; ++k) {
@@ -109,23 +198,23 @@ void region_sweep::add_strip(int surface, int a, int b)
         change_.add_corner(high_b, {0, 0});
         if (high_b != low_b || !sweep_.drops_resting_corners)
             change_.add_corner(low_b, {0, 0});
-        if (prefs.extrude_flip_cap == 0)
+        if (!flip)
             change_.turn_corners();
+        ++num_walls_;
         low_a = high_a;
         low_b = high_b;
     }
-    has_walls_ = true;
 }
 
 bool region_sweep::add_walls(progress_t &progress, double &done)
 {
-    const std::vector<bool> outer = outer_edges();
-    for (const int surface : surfaces_) {
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        const int surface = surfaces_[i];
         for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
             const int edge = edges_.of_corner[c];
-            if (edge >= 0 && outer[edge]) {
-                add_strip(surface, mesh_.corner(c), mesh_.corner(next_corner(mesh_, surface, c)));
-            }
+            if (edge >= 0 && outer_[edge])
+                add_strip(surface, fates_[i].flips_walls, mesh_.corner(c),
+                          mesh_.corner(next_corner(mesh_, surface, c)));
         }
         if (!progress.step(++done))
             return false;
@@ -136,24 +225,47 @@ bool region_sweep::add_walls(progress_t &progress, double &done)
 bool region_sweep::add_caps(progress_t &progress, double &done)
 {
     change_.reserve(mesh_.positions->size(), surfaces_.size(), mesh_.corners->size());
-    for (const int surface : surfaces_) {
-        change_.add_surface(surface);
-        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c) {
-            change_.add_corner(moved_to_end(mesh_.corner(c)), mesh_.uv(c));
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        const int surface = surfaces_[i];
+        const bool empty = mesh_.surface_corners(surface).empty();
+        if (fates_[i].cap && !empty) {
+            change_.add_surface(surface);
+            for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
+                change_.add_corner(moved_to_end(mesh_.corner(c)), mesh_.uv(c));
+            if (fates_[i].flips_walls)
+                change_.reverse_corners();
+            ++num_caps_;
         }
-        if (prefs.extrude_flip_cap != 0)
-            change_.reverse_corners();
         if (!progress.step(++done))
             return false;
     }
     return true;
 }
 
-void region_sweep::remove_originals()
+void region_sweep::change_originals()
 {
-    for (const int surface : surfaces_)
-        change_.remove_surface(surface);
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        const int surface = surfaces_[i];
+        if (fates_[i].turn) {
+            change_.add_surface(surface);
+            for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
+                change_.add_corner(mesh_.corner(c), mesh_.uv(c));
+            change_.reverse_corners();
+        }
+        if (fates_[i].turn || fates_[i].remove)
+            change_.remove_surface(surface);
+    }
     change_.remove_unused();
+}
+
+mesh_result region_sweep::commit(owned_list &ends)
+{
+    mesh_result result = change_.commit();
+    const std::size_t first = num_caps_ > 0 ? num_walls_ : 0;
+    const std::size_t count = num_caps_ > 0 ? num_caps_ : num_walls_;
+    for (std::size_t i = first; i < std::min(first + count, result.surfaces.size()); ++i)
+        ends.add(result.surfaces[i]);
+    return result;
 }
 
 using region_sweeps = std::vector<std::unique_ptr<region_sweep>>;
@@ -174,10 +286,8 @@ sweep_outcome compute(const std::vector<owned_elements> &owners, const sweep_t &
     if (going && !outer)
         return sweep_outcome::no_outer_edge;
     for (const auto &part : parts) {
-        if (prefs.extrude_cap_end != 0)
-            going = going && part->add_caps(progress, done);
-        if (prefs.extrude_delete_original != 0)
-            part->remove_originals();
+        going = going && part->add_caps(progress, done);
+        part->change_originals();
     }
     return going ? sweep_outcome::done : sweep_outcome::cancelled;
 }
@@ -194,13 +304,20 @@ sweep_outcome sweep_surfaces(const listitem *surfaces, const sweep_t &sweep, std
         return outcome;
     if (sweep.undo_label != nullptr)
         open_world_undo(sweep.undo_label);
+    if (sweep.selects_ends)
+        clear_selection(); // before: the unselected need no search among those that are freed
     std::vector<object_t *> touched;
-    freed_batch at_once;
-    for (std::size_t i = 0; i < owners.size(); ++i) {
-        made += parts[i]->commit().surfaces.size();
-        parts[i].reset();
-        touched.push_back(owners[i].object);
+    owned_list ends;
+    {
+        freed_batch at_once;
+        for (std::size_t i = 0; i < owners.size(); ++i) {
+            made += parts[i]->commit(ends).surfaces.size();
+            parts[i].reset();
+            touched.push_back(owners[i].object);
+        }
     }
     calc_normals_of(touched);
+    if (sweep.selects_ends)
+        select_surfacelist(ends.get());
     return outcome;
 }

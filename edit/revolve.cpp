@@ -102,7 +102,7 @@ void rotate_form_selected_objects_param(int axis, float degrees, int n)
         return;
     }
     open_world_undo("revolve");
-    for (object_t *object : each<object_t>(selection().objects)) {
+    for (object_t *object : selected_top_objects()) {
         object_revolve(object, axis, degrees, n);
         object_calc_normals(object);
         object_calculate_centre(object);

@@ -7,9 +7,12 @@
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/mesh/mesh_change.h"
+#include "edit/mesh/position_index.h"
 #include "edit/transform.h"
 #include "model/change_marks.h"
 #include "model/flat_mesh.h"
+#include "model/freed.h"
 #include "model/matrix.h"
 #include "model/vec3d.h"
 #include "model/vector.h"
@@ -19,6 +22,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <unordered_map>
 
 namespace {
@@ -173,6 +177,102 @@ void mark_owners(const listitem *vertices)
         object_mark(owned.object, CHANGED_POSITIONS);
 }
 
+// ---- joining what stands at one place ----
+
+// The corners of a surface as they refer after the joining lose those that repeat the one before.
+// A surface that has no area left, a line no length, goes.
+void drop_repeated_corners(mesh_change &change, int surface,
+                           const std::vector<std::int32_t> &corners)
+{
+    const flat_mesh &mesh = change.before();
+    const int first = mesh.first_corner(surface), end = mesh.end_corner(surface);
+    const int type = mesh.surface(surface).type;
+    std::vector<int> repeated;
+    int left = end - first;
+    for (int c = first; c < end; ++c) {
+        const bool closes = c + 1 == end;
+        if (closes && type == SURFACE_LINE)
+            break;
+        if (corners[c] == corners[closes ? first : c + 1]) {
+            repeated.push_back(c);
+            --left;
+        }
+    }
+    if (repeated.empty())
+        return;
+    if (left < (type == SURFACE_POLYGON ? 3 : 2)) {
+        change.remove_surface(surface);
+        return;
+    }
+    for (const int c : repeated)
+        change.remove_corner(c);
+}
+
+// Those of the vertices that stand at one place become one; returns how many are left.
+int join_vertices(object_t *object, const std::vector<int> &vertices)
+{
+    mesh_change change(object);
+    const flat_mesh &mesh = change.before();
+    position_index places(vertices.size());
+    std::vector<std::int32_t> joined(mesh.num_vertices());
+    std::iota(joined.begin(), joined.end(), 0);
+    int left = 0;
+    for (const int v : vertices) {
+        joined[v] = places.find_or_add(mesh.position(v), v);
+        if (joined[v] == v)
+            ++left;
+        else
+            change.remove_vertex(v);
+    }
+    std::vector<std::int32_t> corners = *mesh.corners;
+    for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
+        bool joins = false;
+        for (int c = mesh.first_corner(surface); c < mesh.end_corner(surface); ++c) {
+            const std::int32_t to = joined[corners[c]];
+            if (to == corners[c])
+                continue;
+            change.redirect_corner(c, to);
+            corners[c] = to;
+            joins = true;
+        }
+        if (joins)
+            drop_repeated_corners(change, surface, corners);
+    }
+    change.remove_unused();
+    change.commit();
+    return left;
+}
+
+// Puts the selected vertices to their places and joins those of one object that meet.
+void weld(const std::vector<vertex *> &vertices, const std::vector<point3_t> &to)
+{
+    open_world_undo("weld");
+    for (std::size_t i = 0; i < vertices.size(); ++i)
+        vertices[i]->position = to[i];
+    mark_owners(selection().vertices);
+    int left = 0;
+    std::vector<object_t *> touched;
+    {
+        freed_batch at_once;
+        for (const owned_elements &owned : vertices_by_owner(selection().vertices)) {
+            left += join_vertices(owned.object, owned.indices);
+            touched.push_back(owned.object);
+        }
+    }
+    calc_normals_of(touched);
+    selection_changed("weld");
+    finish_edit();
+    display_message("weld - %d vertices became %d", static_cast<int>(vertices.size()), left);
+}
+
+// False, told, when there are none.
+bool has_vertices_to_weld(const std::vector<vertex *> &vertices)
+{
+    if (vertices.size() < 2)
+        display_message("weld - select at least 2 vertices");
+    return vertices.size() >= 2;
+}
+
 } // namespace
 
 int snap_to_grid_float(point3_t *point, float gx, float gy, float gz)
@@ -273,4 +373,30 @@ void selected_snap_together_distance(float distance)
     mark_owners(selection().vertices);
     redraw_all();
     display_message("vertices moved: %d (%d clusters)", result.moved, result.clusters);
+}
+
+void command_weld()
+{
+    const std::vector<vertex *> vertices = elements_of<vertex>(selection().vertices);
+    if (!has_vertices_to_weld(vertices))
+        return;
+    sum_t sum;
+    for (const vertex *point : vertices)
+        sum.add(point->position);
+    weld(vertices, std::vector<point3_t>(vertices.size(), sum.mean()));
+}
+
+void command_weld_distance(float distance)
+{
+    const std::vector<vertex *> vertices = elements_of<vertex>(selection().vertices);
+    if (!has_vertices_to_weld(vertices))
+        return;
+    std::vector<point3_t> points, to;
+    for (const vertex *point : vertices)
+        points.push_back(point->position);
+    cluster_result result;
+    if (find_clusters(points, distance, to, result))
+        weld(vertices, to);
+    else
+        display_message("weld - cancelled");
 }

@@ -39,4 +39,12 @@ VESK_API void selected_snap_together_distance(float distance);
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+// Commands "weld" and "weld_distance" of the interface: the same moves, and vertices of one object
+// that meet become one, so that no surface has a corner twice; surfaces without area go, with the
+// vertices that only they used. The joined vertices are selected. One whole-model undo, "weld".
+void command_weld();
+void command_weld_distance(float distance);
+#endif
+
 #endif

@@ -1,47 +1,70 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
+    edit/bridge.cpp
+    edit/connect.cpp
+    edit/catmull_clark.cpp
     edit/boolean.cpp
     edit/create.cpp
     edit/delete.cpp
+    edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
+    edit/edge_bevel.cpp
     edit/edge_mesh.cpp
+    edit/edge_operation.cpp
+    edit/edge_select.cpp
     edit/extrude.cpp
+    edit/extrude_edges.cpp
+    edit/extrude_normals.cpp
     edit/extrude_path.cpp
+    edit/fill_hole.cpp
     edit/group.cpp
     edit/holes.cpp
     edit/hull.cpp
     edit/insert_vertex.cpp
     edit/knife.cpp
+    edit/inset.cpp
     edit/link_surfaces.cpp
+    edit/loop_cut.cpp
     edit/make_surface.cpp
     edit/measure.cpp
     edit/object_flags.cpp
     edit/object_place.cpp
     edit/object_properties.cpp
     edit/optimize.cpp
+    edit/orient.cpp
+    edit/palette_preview.cpp
     edit/panel_transform.cpp
     edit/pieces.cpp
     edit/primitives.cpp
     edit/primitives_flat.cpp
+    edit/quads_from_triangles.cpp
     edit/reduce.cpp
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
     edit/select_inside.cpp
+    edit/slide.cpp
+    edit/select_more.cpp
+    edit/select_similar.cpp
     edit/slice.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
     edit/surface_attributes.cpp
+    edit/surface_edit.cpp
     edit/transform.cpp
     edit/transform_undo.cpp
     edit/triangulate.cpp
+    edit/vertex_tidy.cpp
     edit/weld.cpp
-    edit/mesh/box_tree.cpp
-    edit/mesh/crossings.cpp
+    edit/mesh/borders.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
+    edit/mesh/edge_topology.cpp
+    edit/mesh/element_graph.cpp
+    edit/mesh/box_tree.cpp
+    edit/mesh/crossings.cpp
     edit/mesh/exact.cpp
     edit/mesh/knife_cut.cpp
     edit/mesh/knife_pieces.cpp
@@ -49,6 +72,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
+    edit/mesh/polygon_plane.cpp
     edit/mesh/planar_sides.cpp
     edit/mesh/plane_cut.cpp
     edit/mesh/point_in_solid.cpp
@@ -58,10 +82,15 @@ target_sources(vesk_core PRIVATE
     edit/mesh/solid_faces.cpp
     edit/mesh/solid_meshes.cpp
     edit/mesh/surface_copy.cpp
+    edit/mesh/shortest_way.cpp
     edit/mesh/tessellator.cpp
+    edit/mesh/vertex_fan.cpp
+    edit/mesh/surface_region.cpp
+    edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
     edit/mesh/wide_int.cpp
     edit/document/current_object.cpp
+    edit/document/edge_selection.cpp
     edit/document/edit_support.cpp
     edit/document/element_text.cpp
     edit/document/geometry_image.cpp
@@ -88,5 +117,6 @@ target_sources(vesk_core PRIVATE
     edit/uv/uvmap.cpp
     edit/check/model_check.cpp
     edit/check/model_check_fix.cpp
+    edit/check/model_check_notes.cpp
     edit/check/model_check_search.cpp
 )

@@ -5,6 +5,7 @@
 #include "edit/document/edit_support.h"
 #include "edit/mesh/mesh_edges.h"
 #include "model/matrix.h"
+#include "model/outline_normal.h"
 #include "model/vector.h"
 
 #include <array>
@@ -183,7 +184,10 @@ bool spike(surface_work &work)
         for (const int at : corners)
             distance += static_cast<double>(points_dist(&mesh.position(at), &centre.at));
         const double height = prefs.spike_factor * distance / static_cast<double>(corners.size());
-        const point3_t up = point_scale(mesh.face_normal(surface), static_cast<float>(height));
+        // The outline's: the first three corners, which give the stored one, may lie on a line.
+        const vec3d facing = outline_normal(mesh, corners);
+        const double size = length(facing);
+        const point3_t up = to_point(size > 0 ? facing * (height / size) : vec3d{});
         const int apex = change.add_vertex(point_add(centre.at, up), corners.front());
         for (int c = first; c < mesh.end_corner(surface); ++c) {
             const int next = next_corner(mesh, surface, c);
@@ -331,7 +335,7 @@ void command_surface_spline()
 
 void command_insert_vertex()
 {
-    const bool by_vertices = select_mode() == SELECT_VERTEX;
+    const bool by_vertices = mode_has_vertices(select_mode());
     const std::vector<owned_elements> owners =
         by_vertices ? vertices_by_owner(selection().vertices) : target_surfaces();
     double total = 0, done = 0;

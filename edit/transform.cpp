@@ -2,6 +2,7 @@
 
 #include "base/messages.h"
 #include "base/redraw.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
@@ -24,13 +25,15 @@ void multiply(point3_t *p, const point3_t &factors)
 }
 
 // The selected vertices and those of the selected surfaces: every selected vertex once as such, and
-// once as part of a surface (the two lists are never filled together).
-struct selected_points_t {
+// once as part of a surface (the two lists are never filled together). And the topmost selected
+// objects: what lies below them goes with them, once, though it is selected itself.
+struct selected_parts_t {
     std::vector<vertex *> vertices;
     std::vector<vertex *> of_surfaces;
     std::vector<object_t *> owners; // of all of them: to be marked
+    std::vector<object_t *> tops = selected_top_objects();
 
-    selected_points_t()
+    selected_parts_t()
     {
         const selection_t &all = selection();
         append_elements(all.vertices, &vertices);
@@ -69,18 +72,18 @@ struct selected_points_t {
 
 // Points, then objects by `change_object`.
 template <class ChangePoint, class ChangeObject>
-void change_selected(const selected_points_t &points, ChangePoint &&change_point,
+void change_selected(const selected_parts_t &parts, ChangePoint &&change_point,
                      ChangeObject &&change_object)
 {
-    points.change(change_point);
-    for (object_t *object : each<object_t>(selection().objects))
+    parts.change(change_point);
+    for (object_t *object : parts.tops)
         change_object(object);
 }
 
-void translate_selected(const selected_points_t &points, const point3_t &offset)
+void translate_selected(const selected_parts_t &parts, const point3_t &offset)
 {
     change_selected(
-        points, [&](point3_t *p) { *p = point_add(*p, offset); },
+        parts, [&](point3_t *p) { *p = point_add(*p, offset); },
         [&](object_t *object) { translate_object(object, &offset); });
 }
 
@@ -194,19 +197,19 @@ listitem *selected_surfaces_get_unique_vertices(void)
 
 void translate_all_selected(const point3_t *offset)
 {
-    translate_selected(selected_points_t(), *offset);
+    translate_selected(selected_parts_t(), *offset);
 }
 
 void move_selection(const point3_t *offset)
 {
     selection_t &all = selection();
-    const selected_points_t points;
-    translate_selected(points, *offset);
+    const selected_parts_t parts;
+    translate_selected(parts, *offset);
     all.box_min = point_add(all.box_min, *offset);
     all.box_max = point_add(all.box_max, *offset);
     // Objects that move as a whole keep their normals.
-    if (all.num_objects == 0 && !points.are_whole_objects()) {
-        for (object_t *owner : points.owners)
+    if (all.num_objects == 0 && !parts.are_whole_objects()) {
+        for (object_t *owner : parts.owners)
             object_calc_normals(owner);
     }
     recalc_bb_info();
@@ -216,12 +219,12 @@ void move_selection(const point3_t *offset)
 void translate_multiply_selected(const point3_t *first, const point3_t *factors,
                                  const point3_t *second)
 {
-    const selected_points_t points;
-    translate_selected(points, *first);
+    const selected_parts_t parts;
+    translate_selected(parts, *first);
     change_selected(
-        points, [&](point3_t *p) { multiply(p, *factors); },
+        parts, [&](point3_t *p) { multiply(p, *factors); },
         [&](object_t *object) { object_scale(object, factors->x, factors->y, factors->z); });
-    translate_selected(points, *second);
+    translate_selected(parts, *second);
 }
 
 void rotate_selected_with_global_matrix(const point3_t *centre)
@@ -235,12 +238,12 @@ void selection_rotate(const float *m, const point3_t *centre)
     if (centre == nullptr && all.box_valid == 0)
         return;
     const point3_t middle = centre == nullptr ? rotation_centre() : *centre;
-    const selected_points_t points;
-    translate_selected(points, negated(middle));
+    const selected_parts_t parts;
+    translate_selected(parts, negated(middle));
     change_selected(
-        points, [m](point3_t *p) { matrix_rotate_point(m, p); },
+        parts, [m](point3_t *p) { matrix_rotate_point(m, p); },
         [m](object_t *object) { object_rotate(object, m); });
-    translate_selected(points, middle);
+    translate_selected(parts, middle);
 }
 
 void rotate_selection(float rx, float ry, float rz) { rotate_selection_about(rx, ry, rz, nullptr); }
@@ -291,11 +294,10 @@ void scale_selection(float sx, float sy, float sz)
 void selected_calc_normals(void)
 {
     const selection_t &all = selection();
-    if (all.objects != nullptr)
-        objectlist_calc_normals(all.objects);
+    calc_normals_of(selected_objects());
     if (all.vertices == nullptr && all.surfaces == nullptr)
         return;
-    for (object_t *owner : selected_points_t().owners)
+    for (object_t *owner : selected_parts_t().owners)
         object_calc_normals(owner);
 }
 

@@ -7,8 +7,8 @@
 VESK_BEGIN_DECLS
 
 /* Moving, rotating, scaling and mirroring. The selection_/selected_ forms work on whatever is
-   selected: its vertices, the vertices of its surfaces (each once) and its objects with their
-   descendants. Angles of commands are degrees. All set change marks. */
+   selected: its vertices, the vertices of its surfaces (each once) and its topmost objects with
+   their descendants, each part once. Angles of commands are degrees. All set change marks. */
 
 /* ---- objects ---- */
 

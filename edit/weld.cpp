@@ -275,7 +275,7 @@ void selected_unshare_vertices(void)
     std::vector<object_t *> touched;
     progress_t progress(selection_get_num_vertices());
     double done = 0;
-    for (const owned_elements &owned : vertices_by_owner(chosen.get())) {
+    for (const owned_elements &owned : vertices_by_owner_in_order(chosen.get())) {
         touched.push_back(owned.object);
         if (!unshare(owned, changes.emplace_back(owned.object), progress, done)) {
             display_message("unshare vertices - cancelled");

@@ -254,7 +254,8 @@ proc crockery {} {
             lathe "glass" {{0 0.012} {0.037 0.012} {0.040 0.075} edge {0.040 0.075} {0 0.075}} 28
         }
         object poly "wall" {} {
-            lathe "glass" {{0 0} {0.040 0} {0.047 0.145}} 28 0x30
+            lathe "glass" {{0 0} {0.040 0} edge {0.040 0} {0.047 0.145} edge {0.047 0.145}
+                {0.0455 0.145} edge {0.0455 0.145} {0.0385 0.002} edge {0.0385 0.002} {0 0.002}} 28
         }
         object poly "rim" {} {
             line "paper" [circle {0 0.145 0} {1 0 0} {0 0 1} 0.047 36] 1
@@ -498,11 +499,12 @@ proc rug {} {
             prism "blue-grey wool" $outline 0 0.012
         }
         object poly "stripe" {-loc {0 0.0135 0}} {
-            set outer [circle {0 0 0} {1 0 0} {0 0 -1} 0.745 48]
-            set inner [circle {0 0 0} {1 0 0} {0 0 -1} 0.725 48]
+            foreach {ring radius} {outer 0.745 inner 0.725} {
+                set $ring [lmap p [circle {0 0 0} {1 0 0} {0 0 -1} $radius 48] {scene::vertex {*}$p}]
+            }
             for {set i 0} {$i < 48} {incr i} {
                 set k [expr {($i + 1) % 48}]
-                polygon "paper" [list [lindex $outer $i] [lindex $outer $k] [lindex $inner $k] \
+                scene::surface "paper" 0 [list [lindex $outer $i] [lindex $outer $k] [lindex $inner $k] \
                     [lindex $inner $i]]
             }
         }

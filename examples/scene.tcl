@@ -154,6 +154,13 @@ proc scene::vertex {x y z} {
 proc scene::surface {material flags corners {textures {}}} {
     variable mesh
     variable index
+    if {[llength $corners] == 4 && [bent $corners]} {
+        foreach three {{0 1 2} {0 2 3}} {
+            surface $material $flags [lmap i $three {lindex $corners $i}] \
+                [lmap i [expr {$textures eq {} ? {} : $three}] {lindex $textures $i}]
+        }
+        return
+    }
     set text "SURF [format 0x%X $flags]\nmat $index($material)\nrefs [llength $corners]"
     foreach corner $corners uv $textures {
         if {$uv eq ""} {set uv {0 0}}
@@ -161,6 +168,21 @@ proc scene::surface {material flags corners {textures {}}} {
     }
     lappend mesh(surfaces) $text
     incr mesh(num_surfaces)
+}
+
+# bent --
+#   Whether four vertices lie in no plane; such a surface is written as two triangles.
+proc scene::bent {corners} {
+    variable mesh
+    lassign [lmap corner $corners {lindex $mesh(vertices) $corner}] a b c d
+    foreach {name from to} [list ab $a $b ac $a $c ad $a $d bd $b $d] {
+        set $name [lmap p $from q $to {expr {$q - $p}}]
+    }
+    set normal [cross $ac $bd]
+    set size [expr {sqrt(max([dot $ac $ac], [dot $bd $bd]))}]
+    set length [expr {sqrt([dot $normal $normal])}]
+    return [expr {$length > 0 && max(abs([dot $ab $normal]), abs([dot $ad $normal]))
+        > 2e-5 * $size * $length}]
 }
 
 # polygon, line -- one surface with vertices of its own; points: list of {x y z}.
@@ -341,21 +363,13 @@ proc scene::prism {material outline y0 y1 {smooth 0}} {
     variable SMOOTH
     polygon $material [lmap p [lreverse $outline] {list [lindex $p 0] $y0 [lindex $p 1]}]
     polygon $material [lmap p $outline {list [lindex $p 0] $y1 [lindex $p 1]}]
-    if {$smooth} {
-        set below [lmap p $outline {vertex [lindex $p 0] $y0 [lindex $p 1]}]
-        set above [lmap p $outline {vertex [lindex $p 0] $y1 [lindex $p 1]}]
-    }
+    # The sides share their corners, whose normals flat ones do not use.
+    set below [lmap p $outline {vertex [lindex $p 0] $y0 [lindex $p 1]}]
+    set above [lmap p $outline {vertex [lindex $p 0] $y1 [lindex $p 1]}]
     for {set i 0} {$i < [llength $outline]} {incr i} {
         set k [expr {($i + 1) % [llength $outline]}]
-        lassign [lindex $outline $i] x0 z0
-        lassign [lindex $outline $k] x1 z1
-        if {$smooth} {
-            surface $material $SMOOTH [list [lindex $below $i] [lindex $below $k] \
-                [lindex $above $k] [lindex $above $i]]
-        } else {
-            polygon $material [list [list $x0 $y0 $z0] [list $x1 $y0 $z1] [list $x1 $y1 $z1] \
-                [list $x0 $y1 $z0]]
-        }
+        surface $material [expr {$smooth ? $SMOOTH : 0}] [list [lindex $below $i] \
+            [lindex $below $k] [lindex $above $k] [lindex $above $i]]
     }
 }
 

@@ -45,7 +45,7 @@ std::string_view text_for_others()
 
 std::vector<object_t *> copies_of_selection()
 {
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         const owned_list surfaces(find_selected_whole_surfaces());
         return objects_of_surfaces(surfaces.get());
     }

@@ -8,6 +8,7 @@
 #include "model/textures/textures.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -36,6 +37,14 @@ std::string plain_name(const char *name)
     return known ? plain : plain + ".img";
 }
 
+// Whether the name is taken; also by a link that leads nowhere, which a write would follow.
+bool is_taken(const std::string &path)
+{
+    std::error_code none;
+    return std::filesystem::symlink_status(path, none).type() !=
+           std::filesystem::file_type::not_found;
+}
+
 // A name that no other file has, unless that file holds the very bytes.
 std::string free_place(const std::string &folder, const std::string &name, std::string_view bytes)
 {
@@ -46,8 +55,9 @@ std::string free_place(const std::string &folder, const std::string &name, std::
                         : name.substr(0, dot) + "_" + std::to_string(number) + name.substr(dot);
         std::string path = vesk_filename_concat_path_file(folder.c_str(), numbered.c_str());
         std::string there;
-        if (vesk_file_exists(path.c_str()) == 0 ||
-            (read_whole_file(path.c_str(), &there) && there == bytes))
+        std::error_code none;
+        if (!is_taken(path) || (!std::filesystem::is_symlink(path, none) &&
+                                read_whole_file(path.c_str(), &there) && there == bytes))
             return path;
     }
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -44,13 +45,55 @@ rescue_session &session_files()
     return *session;
 }
 
-fs::path state_folder()
+// The folders that copies may lie in: the user's own, and another for when that cannot be written.
+std::vector<fs::path> state_folders()
 {
+    std::vector<fs::path> folders;
     const char *state = getenv("XDG_STATE_HOME");
-    if (state && state[0] == '/')
-        return fs::path(state) / "vesk";
     const char *home = getenv("HOME");
-    return fs::path(home ? home : "/") / ".local/state/vesk";
+    if (state && state[0] == '/')
+        folders.push_back(fs::path(state) / "vesk");
+    else
+        folders.push_back(fs::path(home ? home : "/") / ".local/state/vesk");
+    std::error_code error;
+    const fs::path common = fs::temp_directory_path(error);
+    if (!error)
+        folders.push_back(common / ("vesk-" + std::to_string(getuid())));
+    return folders;
+}
+
+// Makes the folder when it is missing; false when it is not the user's alone.
+bool is_own_folder(const fs::path &folder)
+{
+    std::error_code error;
+    fs::create_directories(folder.parent_path(), error);
+    struct stat status = {};
+    if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
+        return false;
+    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
+        status.st_uid != geteuid())
+        return false;
+    return chmod(folder.c_str(), 0700) == 0;
+}
+
+// Opens and locks the session's own file in a folder.
+bool open_session(const fs::path &folder)
+{
+    rescue_session &session = session_files();
+    if (!is_own_folder(folder))
+        return false;
+    const fs::path base =
+        folder / ("session-" + std::to_string(time(nullptr)) + "-" + std::to_string(getpid()));
+    const std::string file = base.string() + session_suffix;
+    session.lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (session.lock < 0)
+        return false;
+    if (flock(session.lock, LOCK_EX | LOCK_NB) != 0) {
+        close(session.lock);
+        return false;
+    }
+    session.base = base;
+    return true;
 }
 
 std::string copy_name(const fs::path &base, const char *kind)
@@ -145,9 +188,14 @@ void for_each_left(Visit &&visit)
 {
     std::error_code error;
     std::vector<fs::path> files;
-    for (const fs::directory_entry &entry : fs::directory_iterator(state_folder(), error)) {
-        if (entry.path().extension() == session_suffix)
-            files.push_back(entry.path());
+    for (const fs::path &folder : state_folders()) {
+        struct stat status = {}; // of others' folders nothing is opened
+        if (lstat(folder.c_str(), &status) != 0 || status.st_uid != geteuid())
+            continue;
+        for (const fs::directory_entry &entry : fs::directory_iterator(folder, error)) {
+            if (entry.path().extension() == session_suffix)
+                files.push_back(entry.path());
+        }
     }
     for (const fs::path &file : files) {
         std::string original;
@@ -160,7 +208,8 @@ void for_each_left(Visit &&visit)
             const std::string name = copy_name(base, kind);
             const std::time_t written = written_at(name);
             if (written != 0)
-                copies.push_back({name, kind, original, written});
+                copies.push_back({name, kind, original, written,
+                                  !original.empty() && written_at(original) > written});
         }
         if (copies.empty()) {
             remove_files(base);
@@ -177,23 +226,18 @@ void rescue_start()
     rescue_session &session = session_files();
     if (!session.base.empty())
         return;
-    std::error_code error;
-    const fs::path folder = state_folder();
-    fs::create_directories(folder, error);
-    fs::permissions(folder, fs::perms::owner_all, error);
-    const fs::path base =
-        folder / ("session-" + std::to_string(time(nullptr)) + "-" + std::to_string(getpid()));
-    const std::string file = base.string() + session_suffix;
-    session.lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (session.lock < 0 || flock(session.lock, LOCK_EX | LOCK_NB) != 0) {
-        debugf("no copies of unsaved work: can't write '%s'\n", file.c_str());
+    const std::vector<fs::path> folders = state_folders();
+    const auto place = std::find_if(folders.begin(), folders.end(), open_session);
+    if (place == folders.end()) {
+        display_message("no copies of unsaved work are kept: no folder for them can be written");
         return;
     }
-    session.base = base;
-    session.rescue_file = copy_name(base, "rescue");
+    if (place != folders.begin())
+        display_message("can't write to '%s' - copies of unsaved work go to '%s'",
+                        folders.front().c_str(), place->c_str());
+    session.rescue_file = copy_name(session.base, "rescue");
     session.temporary_file = session.rescue_file + ".part";
     crash_guard::set_rescue(on_fatal_fault);
-    std::atexit(rescue_end);
 }
 
 void rescue_end()
@@ -238,6 +282,14 @@ void rescue_write_now()
     rescue_wait();
 }
 
+autosave_state autosave_last()
+{
+    const rescue_session &session = session_files();
+    if (session.busy)
+        return autosave_state::writing;
+    return session.failed ? autosave_state::failed : autosave_state::whole;
+}
+
 bool rescue_wait()
 {
     rescue_session &session = session_files();
@@ -260,10 +312,7 @@ std::vector<recovery_copy> recovery_copies()
 {
     std::vector<recovery_copy> found;
     for_each_left([&](const fs::path &, const std::vector<recovery_copy> &copies) {
-        for (const recovery_copy &copy : copies) {
-            if (copy.original.empty() || written_at(copy.original) <= copy.written)
-                found.push_back(copy);
-        }
+        found.insert(found.end(), copies.begin(), copies.end());
     });
     std::sort(found.begin(), found.end(),
               [](const recovery_copy &a, const recovery_copy &b) { return a.written > b.written; });

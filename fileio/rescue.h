@@ -2,7 +2,7 @@
 #define VESK_FILEIO_RESCUE_H
 
 // Copies of unsaved work. A session with a window has a file of its own in the user's state folder
-// ($XDG_STATE_HOME/vesk, else ~/.local/state/vesk), locked for as long as the process lives, and
+// ($XDG_STATE_HOME/vesk, else ~/.local/state/vesk, else one of the common temporary folder), locked for as long as the process lives, and
 // beside it the copies that the session wrote: "autosave" now and then, "rescue" after a fault or a
 // signal. A session that ends well takes its copies along; those of one that did not are offered by
 // the next. Copies are written by a worker from a state of the model; no file of the user's is
@@ -12,9 +12,11 @@
 #include <string>
 #include <vector>
 
-// Begins the session's copies: from now on a fault that cannot be survived writes one.
+// Begins the session's copies: from now on a fault that cannot be survived writes one. When they
+// cannot lie where they should the status line says so.
 void rescue_start();
-// Removes the copies of a session that ends well. Registered for the program's exit.
+// Removes the copies of a session that ends well. To be called when the user ended it; whoever else
+// ends the program leaves them.
 void rescue_end();
 // The copies outlive the program: it is ended from outside.
 void rescue_keep();
@@ -22,6 +24,9 @@ void rescue_keep();
 // Writes the present state of the model to `file` ("": the session's autosave copy) on a worker.
 // False when a worker is busy or there is no session.
 bool autosave_start(const char *file);
+// What became of the copy that was begun last; whole when there was none.
+enum class autosave_state { writing, whole, failed };
+autosave_state autosave_last();
 // After a fault: the journal's last state on a worker. Before the end: at once.
 void rescue_write();
 void rescue_write_now();
@@ -35,8 +40,9 @@ struct recovery_copy {
     std::string kind;     // "autosave", "rescue"
     std::string original; // the file that was being edited, "" for a model without a name
     std::time_t written;
+    bool original_is_newer; // somebody changed it since
 };
-// Copies that sessions left behind, the newest first; none that is older than its original.
+// Copies that sessions left behind, the newest first.
 std::vector<recovery_copy> recovery_copies();
 // Removes such a copy; false when it is none.
 bool recovery_drop(const char *file);

@@ -11,6 +11,7 @@ target_sources(vesk_core PRIVATE
     fileio/export_rib.cpp
     fileio/export_scene.cpp
     fileio/export_vrml2.cpp
+    fileio/finite_numbers.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp
     fileio/import_assimp.cpp

@@ -22,23 +22,32 @@ void append_file_header(Out &out)
     out += '\n';
 }
 
-// How a text stands on its line: as it is, between quotes, or there with its quotes and backslashes
-// escaped.
-enum class quoting { BARE, QUOTED, ESCAPED };
+// A text in double quotes, with a backslash before its own quotes and backslashes; line ends, which
+// would end it, become blanks.
+template <class Out>
+void append_text_word(Out &out, const char *text)
+{
+    out += '"';
+    for (const char *p = text; *p != '\0'; ++p) {
+        if (*p == '\\' || *p == '"')
+            out += '\\';
+        out += *p == '\n' || *p == '\r' ? ' ' : *p;
+    }
+    out += '"';
+}
+
+// How a text stands on its line: as it is, or as a word in quotes.
+enum class quoting { BARE, QUOTED };
 
 template <class Out>
 void append_line(Out &out, const char *keyword, quoting how, const char *text)
 {
     out += keyword;
     out += ' ';
-    if (how == quoting::ESCAPED) {
-        append_quoted(out, text);
-    } else {
-        const char *mark = how == quoting::QUOTED ? "\"" : "";
-        out += mark;
+    if (how == quoting::QUOTED)
+        append_text_word(out, text);
+    else
         out += text;
-        out += mark;
-    }
     out += '\n';
 }
 
@@ -61,13 +70,13 @@ void append_count(Out &out, const char *keyword, int count)
     out += '\n';
 }
 
-// `name` may be null.
+// `name` may be null and hold anything.
 template <class Out>
 void append_material(Out &out, const material &m, const char *name)
 {
-    out += "MATERIAL \"";
-    out += name == nullptr ? "" : name; // the palette's names hold no quotes
-    out += "\" rgb ";
+    out += "MATERIAL ";
+    append_text_word(out, name == nullptr ? "" : name);
+    out += " rgb ";
     append_floats(out, m.diffuse, 3);
     out += "  amb ";
     append_floats(out, m.ambient, 3);
@@ -112,7 +121,7 @@ void append_object_header(Out &out, const object_t &object, const object_texts_t
     const auto has = [](const char *text) { return text != nullptr && text[0] != '\0'; };
     append_line(out, "OBJECT", quoting::BARE, object_type_word(object.type));
     if (has(texts.name))
-        append_line(out, "name", quoting::ESCAPED, texts.name);
+        append_line(out, "name", quoting::QUOTED, texts.name);
     append_frame(out, local);
     // Deliberate: addresses and textures are not escaped; readers of this form take them as they
     // are.

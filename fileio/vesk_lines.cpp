@@ -53,6 +53,18 @@ int vesk_lines::integer() const
     return value;
 }
 
+int vesk_lines::split()
+{
+    const std::size_t length = std::strlen(buffer_);
+    if (length < line_length || buffer_[length - 1] == '\n' || std::strchr(buffer_, '"') == nullptr)
+        return vesk_get_tokens(buffer_, nullptr, words_);
+    const void *newline = std::memchr(place, '\n', static_cast<std::size_t>(end_ - place));
+    const char *stop = newline ? static_cast<const char *>(newline) + 1 : end_;
+    long_line_.assign(buffer_, length).append(place, stop);
+    place = stop;
+    return vesk_get_tokens(long_line_.data(), nullptr, words_);
+}
+
 void vesk_lines::reals(float *out, int n) const
 {
     const char *p = values_;

@@ -9,7 +9,7 @@
 
 #include <string>
 
-constexpr int line_length = 254; // of a longer line the rest is the next line
+constexpr int line_length = 254; // of a longer line the rest is the next line, see split
 
 class vesk_lines {
 public:
@@ -38,8 +38,9 @@ public:
     // it as they are.
     void reals(float *out, int n) const;
 
-    // Splits the line into words and returns how many there are.
-    int split() { return vesk_get_tokens(buffer_, nullptr, words_); }
+    // Splits the line into words and returns how many there are. The rest of a longer line belongs to
+    // it when it has a text in quotes: those may be of any length.
+    int split();
     [[nodiscard]] const char *word(int i) const { return words_[i]; }
     // 0 when the word holds no number.
     [[nodiscard]] float real(int word) const;
@@ -50,7 +51,8 @@ private:
     const bool echoed_;
     char buffer_[line_length + 2];
     const char *values_ = buffer_;
-    char *words_[VESK_MAX_TOKENS]; // into the buffer
+    std::string long_line_;
+    char *words_[VESK_MAX_TOKENS]; // into the buffer, or the long line
 };
 
 #endif

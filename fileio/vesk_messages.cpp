@@ -1,6 +1,7 @@
 #include "fileio/vesk_messages.h"
 
 #include "base/messages.h"
+#include "fileio/finite_numbers.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -52,6 +53,12 @@ void complain(const char *format, ...)
         record.first = text;
         record.first.erase(std::min(record.first.find('\n'), record.first.size()));
     }
+}
+
+void complain_of_numbers(object_t *top)
+{
+    if (const int wrong = numbers_make_finite(top); wrong > 0)
+        complain("%d numbers are none or too large - 0 is taken\n", wrong);
 }
 
 void tell_load_done()

@@ -3,7 +3,7 @@
 
 // Messages of the readers of model files.
 
-#include "base/types.h"
+#include "model/object.h"
 
 // The box about a file of a later revision.
 void tell_newer_version(const char *filename);
@@ -14,6 +14,8 @@ void tell_not_valid(const char *filename);
 // status line their number and the first one.
 void complaints_clear();
 void complain(const char *format, ...) VESK_PRINTF(1, 2);
+// Puts the numbers of a tree right that are none, with a complaint.
+void complain_of_numbers(object_t *top);
 // The end of a load: "Done." and, when there were complaints, their number.
 void tell_load_done();
 

@@ -303,7 +303,7 @@ void old_reader::read_corners(surface_t *surface, int claimed)
 void append_text(std::string &out, const char *word, const char *text)
 {
     if (is_set(text))
-        append_line(out, word, quoting::ESCAPED, text);
+        append_line(out, word, quoting::QUOTED, text);
 }
 
 void append_surface(std::string &out, const flat_mesh &mesh, size_t i)
@@ -424,6 +424,7 @@ object_t *readfile_vesk_old2(const char *filename)
         return nullptr;
     }
     display_message("calculating normals...");
+    complain_of_numbers(top);
     object_calc_normals_force(top);
     tell_load_done();
     return top;

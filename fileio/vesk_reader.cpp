@@ -34,7 +34,7 @@ object_t *vesk_read_model(const std::string &filename)
     complaints_clear();
     file_text text;
     if (!file_text_read(name.c_str(), &text)) {
-        windows_message_dialog("Load VESK file:\n\ncan't open file %s for reading", name.c_str());
+        windows_message_dialog("Load VESK file:\n\ncan't open file %s for reading\n", name.c_str());
         return nullptr;
     }
     const char *first = nullptr;
@@ -64,6 +64,7 @@ object_t *vesk_read_model(const std::string &filename)
         return nullptr;
     }
     display_message("calculating normals...");
+    complain_of_numbers(top);
     object_calc_normals_force(top);
     tell_load_done();
     return top;
@@ -88,7 +89,9 @@ object_t *vesk_object_of_text(std::string_view text)
     object_t *top = read_tree(copy, first, "", &moved_bar);
     if (moved_bar)
         set_progress_bar(0);
-    if (top)
+    if (top) {
+        complain_of_numbers(top);
         object_calc_normals_force(top);
+    }
     return top;
 }

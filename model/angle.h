@@ -10,6 +10,11 @@ constexpr double pi = std::numbers::pi;
 constexpr float pi_f = std::numbers::pi_v<float>;
 constexpr double degrees_per_radian = 180 / pi;
 
-constexpr float radians(float degrees) { return degrees * pi_f / 180.0f; }
+// Finite for every finite angle.
+constexpr float radians(float degrees)
+{
+    constexpr float huge = 1e37f;
+    return degrees < -huge || degrees > huge ? degrees / 180.0f * pi_f : degrees * pi_f / 180.0f;
+}
 
 #endif

@@ -1,3 +1,4 @@
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"
@@ -19,8 +20,7 @@ struct marks_record {
     std::uint64_t model = 0;
     std::uint64_t tree = 0;
     std::uint64_t palette = 0;
-    std::uint64_t suspicion = 0; // counts mark_all_suspect
-    int unmarked = 0;            // found by marks_check
+    int unmarked = 0; // found by marks_check
 };
 
 marks_record &record()
@@ -93,7 +93,7 @@ void mark_state(object_state &state, unsigned aspects)
 }
 
 // The aspects in which the object differs from its flat mesh and the sum of its record.
-unsigned differences(const object_t *object, object_state &state)
+unsigned differences(const object_t *object, const object_state &state)
 {
     unsigned found = 0;
     if (state.flat)
@@ -101,6 +101,15 @@ unsigned differences(const object_t *object, object_state &state)
     if (state.record_summed && state.record_sum != record_sum(object))
         found |= CHANGED_RECORD;
     return found;
+}
+
+// What a suspect object may differ in from what its stamp was taken for: where there is nothing to
+// compare with, it is taken as changed.
+unsigned suspected(const object_t *object, const object_state &state)
+{
+    return differences(object, state) | state.marks |
+           (state.flat ? 0U : static_cast<unsigned>(CHANGED_GEOMETRY)) |
+           (state.record_summed ? 0U : static_cast<unsigned>(CHANGED_RECORD));
 }
 
 const char *aspect_names(unsigned aspects)
@@ -129,7 +138,7 @@ void state_new(object_t *object)
     marks_record &marks = record();
     object_state &state = marks.states[object];
     state = {};
-    state.compared = marks.suspicion;
+    state.compared = foreign_count();
     state.stamp = ++marks.stamps;
     marks.last = object;
     marks.last_state = &state;
@@ -163,13 +172,11 @@ void for_each_state(const std::function<void(const object_t *, object_state &)> 
 
 void state_resolve(const object_t *object, object_state &state)
 {
-    if (state.compared == record().suspicion)
+    const std::uint64_t now = foreign_count();
+    if (state.compared == now)
         return;
-    state.compared = record().suspicion;
-    const unsigned found =
-        state.flat && state.record_summed
-            ? differences(object, state)
-            : static_cast<unsigned>(CHANGED_ALL); // nothing to compare with: taken as changed
+    state.compared = now;
+    const unsigned found = suspected(object, state);
     if (found != 0)
         mark_state(state, found);
 }
@@ -199,18 +206,11 @@ std::uint64_t object_stamp(object_t *object)
     return state.stamp;
 }
 
-std::uint64_t model_change_count() { return record().model; }
-std::uint64_t tree_change_count() { return record().tree; }
-std::uint64_t palette_change_count() { return record().palette; }
+std::uint64_t model_change_count() { return record().model + foreign_count(); }
+std::uint64_t tree_change_count() { return record().tree + foreign_count(); }
+std::uint64_t palette_change_count() { return record().palette + foreign_count(); }
 
-void mark_all_suspect()
-{
-    marks_record &marks = record();
-    ++marks.suspicion;
-    ++marks.model;
-    ++marks.tree;
-    ++marks.palette;
-}
+void mark_all_suspect() { foreign_ran(); }
 
 int marks_check(const char *after)
 {

@@ -3,8 +3,9 @@
 
 // Every object has a stamp and marks for what changed since its flat mesh was built. Whoever
 // changes an object through anything but the functions that say they do it, marks it. Foreign code
-// (plug-ins, replaced handlers) cannot be trusted to: when it returns, every object is made
-// suspect, and a suspect object is compared once with its flat mesh and then marked exactly.
+// (base/foreign.h) cannot be trusted to: when it returns, every object is suspect, and a suspect
+// object is compared once with its flat mesh and then marked exactly. While foreign code runs, every
+// object is suspect at each look and the counts below grow at each look.
 
 #include "model/object.h"
 
@@ -37,7 +38,7 @@ std::uint64_t model_change_count();
 std::uint64_t tree_change_count();
 std::uint64_t palette_change_count();
 
-// After foreign code.
+// After foreign code that ran outside a scope.
 void mark_all_suspect();
 
 // Compares every object of the world with its flat mesh and prints those that changed without a

@@ -12,7 +12,7 @@
 struct object_state {
     std::uint64_t stamp = 0;
     unsigned marks = CHANGED_ALL;
-    std::uint64_t compared = 0;   // the suspicion that was looked into last
+    std::uint64_t compared = 0;   // foreign_count() when the object was compared last
     flat_ptr flat;                // null before the first request
     std::uint64_t record_sum = 0; // of name, texts, frame, flags; when `record_summed`
     bool record_summed = false;

@@ -1,4 +1,6 @@
+#include "base/foreign.h"
 #include "base/messages.h"
+#include "base/session_state.h"
 #include "model/alloc.h"
 #include "model/each.h"
 #include "model/list_internal.h"
@@ -13,10 +15,13 @@ namespace {
 constexpr int num_slots = 256;
 constexpr int num_tail_keys = 1024;
 constexpr int worth_remembering = 8; // steps that a walk took
+constexpr int short_length = 256;    // a list as short is walked for foreign code every time
 
 struct tail_slot {
     const listitem *head;
     listitem *tail;
+    int length;         // up to the tail, as far as it is known
+    std::uint64_t seen; // foreign_runs() when the list was walked
 };
 
 struct tail_table {
@@ -41,28 +46,42 @@ void drop_slot(tail_slot &slot)
     --tails.used;
 }
 
-void set_tail(tail_slot &slot, const listitem *head, listitem *tail)
+void set_tail(tail_slot &slot, const listitem *head, listitem *tail, int length, std::uint64_t seen)
 {
     drop_slot(slot);
     std::int16_t &key = tails.by_tail[hash(tail, num_tail_keys)];
     if (key != 0)
         drop_slot(tails.slots[key - 1]);
     key = static_cast<std::int16_t>(&slot - tails.slots + 1);
-    slot = {head, tail};
+    slot = {head, tail, length, seen};
     ++tails.used;
+}
+
+// Whether the remembered last node can still be the list's. Foreign code cuts lists by hand: once it
+// has run the list is walked again, and while it runs, too, unless that would make appending to a long
+// list quadratic.
+bool is_trusted(const tail_slot &slot, const listitem *head)
+{
+    if (slot.head != head || slot.seen != foreign_runs())
+        return false;
+    return session().foreign == nullptr || slot.length > short_length;
 }
 
 // The last node. Walks on from the remembered one, so that nodes hung on by hand are found.
 listitem *find_last(listitem *head)
 {
     tail_slot &slot = tails.slots[hash(head, num_slots)];
-    const bool known = slot.head == head;
+    const bool known = is_trusted(slot, head);
     listitem *node = known ? slot.tail : head;
     int steps = 0;
     for (; node->next; node = node->next)
         ++steps;
-    if (known ? steps > 0 : steps >= worth_remembering)
-        set_tail(slot, head, node);
+    if (known && steps > 0)
+        set_tail(slot, head, node, slot.length + steps, slot.seen);
+    else if (!known && steps >= worth_remembering)
+        set_tail(slot, head, node, steps + 1, foreign_runs());
+    else if (!known)
+        list_forget_tail(head);
     return node;
 }
 
@@ -362,9 +381,16 @@ listitem *list_reverse(listitem **head)
     return reversed;
 }
 
-listitem *list_end(listitem *head) { return find_last(head); }
+// Asked for by foreign code these walk the list: that is how it makes a long one, which it cut by
+// hand, known again.
+listitem *list_end(listitem *head)
+{
+    if (session().foreign != nullptr)
+        list_forget_tail(head);
+    return find_last(head);
+}
 
-void *list_last_item(listitem *head) { return item_of<void>(find_last(head)); }
+void *list_last_item(listitem *head) { return item_of<void>(list_end(head)); }
 
 void list_sort(listitem *head, list_compare_t compare)
 {

@@ -45,6 +45,16 @@ void matrix_set_rotate(float *m, float x, float y, float z)
     // clang-format on
 }
 
+point3_t matrix_angles(const float *m)
+{
+    constexpr float straight = 0.999999f;
+    const float y = std::asin(std::clamp(m[6], -1.0f, 1.0f));
+    if (std::fabs(m[6]) > straight)
+        return {std::atan2(m[5], m[4]), y, 0};
+    // Subtracting from 0 makes no -0.
+    return {std::atan2(0 - m[7], m[8]), y, std::atan2(0 - m[3], m[0])};
+}
+
 void matrix_set_rotate_angle_axis(float *m, const point3_t *axis, float angle)
 {
     const double length = point_length(*axis);

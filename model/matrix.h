@@ -69,6 +69,9 @@ VESK_END_DECLS
 #ifdef VESK_INTERNAL
 const float *global_matrix();
 void matrix_set_identity(float *m);
+/* The angles from which matrix_set_rotate makes a rotation; straight up or down, where many do,
+   those without a turn about z. */
+point3_t matrix_angles(const float *m);
 #endif
 
 #endif

@@ -77,7 +77,7 @@ bool adopt_name(int i, const material *mat)
     adoption &names = adopted();
     if (table == nullptr || !names.wished || i >= names.entries || !names.taken.insert(i).second)
         return false;
-    vesk_material_set_name(palette.entries[i], material_name_for_files(mat->name).c_str());
+    vesk_material_set_name(palette.entries[i], mat->name);
     palette_mark();
     return true;
 }
@@ -106,40 +106,7 @@ void palette_adopts_names(bool wished) { adopted().wished = wished; }
 
 palette_table::~palette_table() { table = nullptr; }
 
-void palette_take_back(int count)
-{
-    if (count < 1 || count >= palette.count)
-        return;
-    while (palette.count > count)
-        list_add_item_head(&palette.retired, palette.entries[--palette.count]);
-    palette_mark();
-    // Whoever shows the palette looks again.
-    tcl_command("add_palette_button #%06x %d", static_cast<unsigned>(index_to_rgb(count - 1)),
-                count - 1);
-}
-
 int palette_capacity() { return palette.capacity; }
-
-std::string material_name_for_files(const char *name)
-{
-    constexpr size_t longest = 64;
-    std::string fitting = name != nullptr ? name : "";
-    for (char &c : fitting) {
-        if (c == '"')
-            c = '\'';
-        else if (c == '\\')
-            c = '/';
-        else if (static_cast<unsigned char>(c) < ' ')
-            c = ' ';
-    }
-    if (fitting.size() > longest) {
-        size_t end = longest;
-        while (end > 0 && (static_cast<unsigned char>(fitting[end]) & 0xC0) == 0x80)
-            --end; // not within a character
-        fitting.resize(end);
-    }
-    return fitting;
-}
 
 int vesk_get_num_palette(void) { return palette.count; }
 
@@ -155,9 +122,6 @@ material *vesk_palette_get_material(int i)
 
 int vesk_palette_append_material(material *mat)
 {
-    // Importers take names from other programs; the colours would be lost with a line that breaks.
-    if (is_name(mat->name) && material_name_for_files(mat->name) != mat->name)
-        vesk_material_set_name(mat, material_name_for_files(mat->name).c_str());
     if (palette.count == palette.capacity)
         grow();
     const int i = palette.count++;
@@ -176,7 +140,7 @@ int vesk_palette_get_new_material_index(const material *mat)
     if (!is_name(mat->name) || adopt_name(known, mat))
         return known;
     const char *name = palette.entries[known]->name;
-    if (is_name(name) && material_name_for_files(mat->name) != name)
+    if (is_name(name) && std::strcmp(mat->name, name) != 0)
         file_report_merged(mat->name, name);
     return known;
 }

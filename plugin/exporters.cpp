@@ -3,6 +3,7 @@
 #include "base/crash_guard.h"
 #include "base/file_report.h"
 #include "base/filename.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/progress.h"
 #include "fileio/export_3ds.h"
@@ -63,8 +64,12 @@ int vesk_export_file(const char *filename)
     vesk_report_export(name.c_str());
     int written = 0;
     fault_t fault;
-    const bool whole =
-        guarded_with_recovery([&] { written = exporter->write(name.c_str()); }, &fault);
+    const bool whole = guarded_with_recovery(
+        [&] {
+            const foreign_scope scope(code_of_function(exporter->write));
+            written = exporter->write(name.c_str());
+        },
+        &fault);
     vesk_progress_end();
     if (!whole || written == 0)
         last_file_report().written.clear();

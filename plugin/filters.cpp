@@ -1,10 +1,10 @@
 #include "plugin/filters.h"
 
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/undo.h"
 #include "model/alloc_internal.h"
-#include "model/change_marks.h"
 #include "model/freed.h"
 #include "model/owners.h"
 #include "plugin/menus.h"
@@ -50,6 +50,7 @@ std::vector<task_t> tasks_of(const listitem *surfaces)
 
 void run_filter(const vesk_surface_filter_t &filter, const std::vector<task_t> &tasks)
 {
+    const foreign_scope scope(code_of_function(filter.filter), true);
     for (const task_t &task : tasks)
         if (!freed_surfaces.contains(task.surface))
             filter.filter(task.object, task.surface);
@@ -104,7 +105,10 @@ void selected_surfaces_do_filter(const vesk_surface_filter_t *filter)
     static_cast<void>(listening);
     const owned_list surfaces(find_selected_whole_surfaces());
     debugf("executing surface filter %s (%d)\n", filter->name, list_count(surfaces.get()));
-    if (!surfaces && selection().objects == nullptr) {
+    std::vector<task_t> tasks = tasks_of(surfaces.get());
+    for (object_t *top : selected_top_objects())
+        for_each_object(top, [&](object_t *object) { add_surfaces(object, &tasks); });
+    if (tasks.empty()) {
         display_message("no surfaces selected");
         return;
     }
@@ -114,14 +118,8 @@ void selected_surfaces_do_filter(const vesk_surface_filter_t *filter)
         set_undo_all();
     }
     freed_surfaces.clear();
-    run_filter(*filter, tasks_of(surfaces.get()));
-    for (object_t *object : selected_objects()) {
-        std::vector<task_t> tasks;
-        add_surfaces(object, &tasks);
-        run_filter(*filter, tasks);
-    }
+    run_filter(*filter, tasks);
     freed_surfaces.clear();
-    mark_all_suspect(); // the filter is a plug-in's
     finish_edit();
     display_message("%s - done", filter->name);
 }

@@ -31,7 +31,7 @@ VESK_API vesk_surface_filter_t *vesk_register_surface_filter(const char *name, c
 VESK_API void execute_surface_filter(const char *identifier);
 
 /* Calls the filter for every selected whole surface, then for every surface of each selected
-   object. One whole-model undo of the filter's name, unless its flags say none. A surface that the
+   object and of those below it. One whole-model undo of the filter's name, unless its flags say none. A surface that the
    filter removed meanwhile is left out. */
 VESK_API void selected_surfaces_do_filter(const vesk_surface_filter_t *filter);
 

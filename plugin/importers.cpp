@@ -4,6 +4,7 @@
 #include "base/current_file.h"
 #include "base/file_report.h"
 #include "base/filename.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/progress.h"
@@ -11,6 +12,7 @@
 #include "base/ui_port.h"
 #include "edit/document/selection.h"
 #include "fileio/export_3ds.h"
+#include "fileio/finite_numbers.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_lightwave.h"
@@ -18,8 +20,9 @@
 #include "fileio/import_text.h"
 #include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/freed.h"
+#include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
@@ -65,17 +68,20 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     object_t *object = nullptr;
     fault_t fault;
     const texture_load_scope one_box; // about textures
-    const int materials = vesk_get_num_palette();
-    const palette_table by_hash; // of the materials
+    const palette_table by_hash;      // of the materials
     const bool whole = guarded_with_recovery(
         [&] {
             freed_batch at_once; // of the objects that an importer drops on its way
+            const foreign_scope scope(code_of_function(importer->load));
             object = importer->load(filename);
         },
         &fault);
     vesk_progress_end();
-    if (!whole || object == nullptr)
-        palette_take_back(materials);
+    if (whole && object != nullptr && !state_is_alive(object)) {
+        windows_message_dialog("The importer for %s files returned no object for %s",
+                               importer->suffix, filename);
+        return nullptr;
+    }
     if (whole)
         return object;
     windows_message_dialog("The importer for %s files failed on %s\n%s", importer->suffix, filename,
@@ -84,6 +90,7 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     return nullptr;
 }
 
+// Of a world that was read; the container goes.
 void adopt_children(object_t *container)
 {
     const owned_list children(list_clone(container->children)); // the list changes on the way
@@ -156,8 +163,13 @@ object_t *vesk_import_file(const char *filename)
     object_t *object = load_guarded(importer, filename);
     if (object == nullptr)
         return nullptr;
-    if (importer->load != vesk_import_vesk)
+    if (importer->load != vesk_import_vesk && object != vesk_get_world()) {
         import_fit_names(object);
+        if (const int wrong = numbers_make_finite(object); wrong > 0) {
+            vesk_report_warning(0, "%d numbers are none or too large: 0 is taken", wrong);
+            object_calc_normals_force(object);
+        }
+    }
     count_import(object, ui_port().now_seconds() - began);
     return object;
 }
@@ -169,10 +181,13 @@ int world_adopt_import(object_t *object, const std::string &filename, bool model
     if (model_file && vesk_get_world()->children == nullptr)
         edited_file_set(filename);
     clear_selection();
-    if (object->type == OBJECT_WORLD) {
+    if (object_exists(object) != 0) { // the importer linked it itself, or returns the world
+        if (object != vesk_get_world())
+            select_object(object);
+    } else if (object->type == OBJECT_WORLD) {
         adopt_children(object);
     } else {
-        object_add_child(vesk_get_world(), object);
+        object_reparent(object, vesk_get_world());
         select_object(object);
     }
     find_bounding_box();

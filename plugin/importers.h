@@ -41,9 +41,9 @@ VESK_API char *vesk_get_all_importer_info(void);
    after a message box (no suffix, no importer) or the importer's own message. */
 VESK_API object_t *vesk_import_file(const char *filename);
 
-/* Reads a file into the scene: the new tree is linked under the world (a world gives its children),
-   selected, and fitted into the views when fit_view_after_load is on. Records no undo. A failed
-   load touches neither the scene nor the selection. Returns 1 or 0. Command "load_file". */
+/* Reads a file into the scene: the new tree is linked under the world (a world gives its children;
+   what the importer linked itself stays where it is), selected, and fitted into the views when fit_view_after_load is on. Records no undo. A failed
+   load touches neither the scene nor the selection; palette entries that it added stay. Returns 1 or 0. Command "load_file". */
 VESK_API int vesk_world_import_file(const char *filename);
 
 /* Asks for the name of a file of any importer; null or "" when the user cancelled. */

@@ -2,10 +2,10 @@
 
 #include "base/crash_guard.h"
 #include "base/filename.h"
+#include "base/foreign.h"
 #include "base/home.h"
 #include "base/messages.h"
 #include "base/ui_port.h"
-#include "model/change_marks.h"
 
 #include <algorithm>
 #include <cstring>
@@ -41,13 +41,17 @@ bool find_entry(const plugin_t &plugin, const char *name, F *function)
     return *function != nullptr;
 }
 
-// A call into a plug-in; after it the scene may have changed in any way.
+// A call into a plug-in.
 template <class F>
 bool call_guarded(const plugin_t &plugin, const char *what, F &&function)
 {
     fault_t fault;
-    const bool whole = guarded_with_recovery(function, &fault);
-    mark_all_suspect();
+    const bool whole = guarded_with_recovery(
+        [&] {
+            const foreign_scope scope(code_of_function(plugin.init));
+            function();
+        },
+        &fault);
     if (!whole) {
         tell_error(plugin.path.c_str(),
                    std::string("fault in ") + what + ": " +
@@ -194,6 +198,14 @@ const char *vesk_get_plugin_info_all(void)
     for (const plugin_t &plugin : plugins)
         text += plugin.path + ": " + text_of(plugin, plugin.info, "VESKPluginInfo") + "\n";
     return text.c_str();
+}
+
+void plugin_tell_fault(const void *code)
+{
+    Dl_info library;
+    if (is_foreign_code(code) && dladdr(code, &library) != 0)
+        tcl_command("plugin_faulted %s",
+                    script_word(vesk_filename_get_file(library.dli_fname)).c_str());
 }
 
 void plugins_exit()

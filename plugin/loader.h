@@ -36,8 +36,11 @@ VESK_END_DECLS
 #ifdef VESK_INTERNAL
 // File names in the home directory's "plugins" that are not loaded at the start; "*" means all.
 void plugins_skip(int count, const char *const *names);
-// Calls the exit entry points, newest plug-in first.
+// Calls the exit entry points, newest plug-in first; each once.
 void plugins_exit();
+// After a fault in a plug-in's code: the scripts offer to switch it off, by "plugin_faulted" with its
+// file name.
+void plugin_tell_fault(const void *code);
 #endif
 
 #endif

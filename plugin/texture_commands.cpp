@@ -3,7 +3,9 @@
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
+#include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/make_surface.h"
 #include "model/textures/textures.h"
 #include "plugin/dialogs.h"
 #include "view/background.h"
@@ -13,18 +15,22 @@
 
 namespace {
 
-// Changes every selected object and its descendants in one undoable step.
+// Changes every selected object and its descendants in one undoable step. Selected surfaces become
+// objects of their own first, as a texture belongs to an object.
 template <class Change>
 void change_objects(const char *what, Change &&change)
 {
-    const std::vector<object_t *> tops = selected_top_objects();
-    if (tops.empty()) {
+    std::vector<object_t *> tops = selected_top_objects();
+    const bool surfaces = tops.empty() && owned_list(find_selected_whole_surfaces());
+    if (tops.empty() && !surfaces) {
         display_message("%s - nothing selected", what);
         return;
     }
     display_message("%s...", what);
     new_undo(UNDO_WORLD, what);
     set_undo_all();
+    if (surfaces)
+        tops = separate_selected_surfaces();
     int count = 0;
     for (object_t *top : tops)
         for_each_object(top, [&](object_t *object) {

@@ -5,14 +5,16 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
-#include "base/ui_port.h"
 #include "base/version.h"
 #include "edit/document/current_object.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
 #include "edit/mesh/surface_copy.h"
+#include "edit/object_flags.h"
 #include "fileio/vesk_writer.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks.h"
@@ -27,6 +29,7 @@
 #include "plugin/importers.h"
 #include "plugin/loader.h"
 
+#include <string>
 #include <utility>
 
 namespace {
@@ -81,24 +84,14 @@ counts_t counts_below(object_t *top)
     return counts;
 }
 
-// A record for the change of a palette entry. Changes that follow each other at once, as while a
-// slider is dragged, are one.
+// Opens the undo record of a change of a palette entry. A slider makes many small changes: those
+// that follow each other at once are one step.
 void undo_of_material(int entry)
 {
-    static int last_entry = -1;
-    static unsigned last_serial = 0;
-    static double last_time = 0;
-    constexpr double at_once = 1.0; // seconds
     if (entry < 0 || entry >= vesk_get_num_palette())
         return;
-    const double now = ui_port().now_seconds();
-    const bool goes_on = entry == last_entry && last_serial == undo_last_serial() &&
-                         undo_label() != nullptr && now - last_time < at_once;
-    if (!goes_on)
+    if (!journal_joins("material " + std::to_string(entry)))
         new_undo_state("edit material");
-    last_entry = entry;
-    last_serial = undo_last_serial();
-    last_time = now;
 }
 
 } // namespace
@@ -161,7 +154,7 @@ void command_get_info()
     counts_t all = counts_below(vesk_get_world());
     --all.objects; // the world itself
     counts_t chosen = {0, selection().num_surfaces, selection().num_vertices};
-    for (object_t *object : each<object_t>(selection().objects)) {
+    for (object_t *object : selected_top_objects()) {
         const counts_t below = counts_below(object);
         chosen.objects += below.objects;
         chosen.surfaces += below.surfaces;
@@ -241,12 +234,14 @@ void command_clear_all(void)
 {
     clear_selection();
     clear_all_undos();
-    freed_batch at_once; // who hears of freed things looks through all that it keeps
-    for (object_t *child : elements_of<object_t>(vesk_get_world()->children))
-        object_delete_nocleanup(child);
+    {
+        freed_batch at_once; // who hears of freed things looks through all that it keeps
+        for (object_t *child : elements_of<object_t>(vesk_get_world()->children))
+            object_delete_nocleanup(child);
+    }
     current_file_set("");
     edited_file_set("");
-    redraw_all();
+    object_flags_changed(); // none is hidden or locked any more
     display_status();
 }
 

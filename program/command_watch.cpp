@@ -3,6 +3,8 @@
 #include "base/command_registry.h"
 #include "base/crash_guard.h"
 #include "base/filename.h"
+#include "base/messages.h"
+#include "base/redraw.h"
 #include "base/session_state.h"
 #include "edit/document/journal.h"
 #include "edit/document/step.h"
@@ -12,13 +14,16 @@
 #include "model/freed.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "plugin/loader.h"
 #include "view/tools.h"
 #include "view/uv_drag.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -28,6 +33,7 @@ struct watch_t {
     std::optional<step_t> step;
     std::string label;              // of the step, when the command opens no record
     std::vector<std::string> words; // that repeat it
+    state_ptr before;               // the model when it began
 };
 watch_t &running()
 {
@@ -56,20 +62,62 @@ void before_command(const vesk_command_t *command, int count, const char *const 
     }
     const bool outermost = session().command_depth == 0;
     if (outermost) {
-        running().step.emplace(step_t::of::command);
+        running().step.emplace(changes_model(command_kind_of(command)) ? step_t::of::command
+                                                                       : step_t::of::question);
         running().serial = undo_last_serial();
         running().label = label_of(command, count, words);
         running().words.clear();
+        running().before = journal_state();
     }
     if (command_kind_of(command) == command_kind::edit &&
         (outermost || std::string_view(session().command) == "repeat_last"))
         running().words.assign(words, words + count);
 }
 
+bool has_numbers(const point3_t &p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+// Whether all that `now` does not share with `before` has coordinates that are numbers.
+bool new_parts_have_numbers(const model_state &now, const model_state &before)
+{
+    for (int i = 0; i < now.num_objects; ++i) {
+        const object_image &image = *now.entry(i).image;
+        if (i < before.num_objects && before.entry(i).image.get() == &image)
+            continue;
+        const std::vector<point3_t> &positions = *image.geometry.positions;
+        if (!has_numbers(image.record.centre) ||
+            !std::all_of(positions.begin(), positions.end(), has_numbers))
+            return false;
+    }
+    return true;
+}
+
+// A result with coordinates beyond a float's range is taken back: no operation survives it, and no
+// undo brings the numbers back.
+void refuse_infinite_result(const char *label)
+{
+    const state_ptr before = std::exchange(running().before, nullptr);
+    const state_ptr now = journal_state();
+    if (!before || !now || before == now || new_parts_have_numbers(*now, *before) ||
+        !std::isfinite(model_state_reach(*before)))
+        return;
+    const std::vector<journal_item> items = journal_items();
+    const auto present = std::find_if(items.begin(), items.end(),
+                                      [](const journal_item &item) { return item.current; });
+    if (present == items.begin() || !journal_goto(static_cast<int>(present - items.begin()) - 1))
+        return;
+    redraw_all();
+    display_status();
+    display_message("%s - the result is beyond what coordinates can hold: nothing was changed",
+                    label);
+}
+
 void after_command(const vesk_command_t *command, bool whole)
 {
     if (command_is_foreign(command) || !whole) {
-        mark_all_suspect();
+        mark_all_suspect(); // those of a fault, too
         freed_filter_foreign();
     }
 #ifdef VESK_CHECK_MARKS
@@ -80,6 +128,8 @@ void after_command(const vesk_command_t *command, bool whole)
         return;
     if (whole) {
         running().step->keep(running().label.c_str(), running().words);
+        if (!command_is_foreign(command) && changes_model(command_kind_of(command)))
+            refuse_infinite_result(running().label.c_str());
     } else {
         running().step->keep_faulted(running().label.c_str());
     }
@@ -87,7 +137,7 @@ void after_command(const vesk_command_t *command, bool whole)
     rescue_tell_failure();
 }
 
-void after_fault()
+void after_fault(const fault_t &fault)
 {
     tools_forget();
     uv_drag_forget();
@@ -95,6 +145,8 @@ void after_fault()
     world_check(vesk_get_world());
     undo_drop_unfilled(running().serial);
     rescue_write();
+    if (fault.foreign != nullptr)
+        plugin_tell_fault(fault.foreign);
 }
 
 } // namespace

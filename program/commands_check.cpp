@@ -38,6 +38,18 @@ void command_check_counts()
     }
 }
 
+// The same of the notes among them.
+void command_check_notes()
+{
+    command_result_set("");
+    const model_findings found = model_find_problems(vesk_get_world());
+    for (int i = 0; i < num_model_problems; ++i) {
+        command_result_append_element(
+            std::string_view(model_problem_name(static_cast<model_problem>(i))));
+        command_result_append_element(found.notes[static_cast<std::size_t>(i)]);
+    }
+}
+
 void check_select(int, const char *const *words)
 {
     command_check_select(words[0], int_of(words[1]), words[2]);
@@ -58,6 +70,8 @@ std::span<const own_command_t> check_commands()
                     "returns lines of kind, object id, element and text: problems of the model"),
         command_row("check_counts", command_check_counts, query, nullptr,
                     "returns each kind of problem and how many there are"),
+        command_row("check_notes", command_check_notes, query, nullptr,
+                    "returns each kind of problem and how many of it seem to be meant"),
         command_row("check_fix_all", command_check_fix_all, edit, "<string kind>",
                     "fix all problems of a kind"),
         command_row("check_select", check_select, select, 3, 3,

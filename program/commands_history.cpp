@@ -32,8 +32,8 @@ void command_redo()
 
 void command_step_back()
 {
-    if (!undo_records().empty() || !journal_back()) {
-        UNDO();
+    if (!journal_back()) {
+        display_message("nothing to undo.");
         return;
     }
     show_jump();
@@ -42,8 +42,7 @@ void command_step_back()
 
 void command_undo_name()
 {
-    const char *label =
-        undo_records().empty() ? journal_back_label() : undo_records().back()->description.c_str();
+    const char *label = journal_back_label();
     command_result_set(label != nullptr ? label : "");
 }
 
@@ -68,8 +67,6 @@ void command_history_goto(int place)
     show_jump();
     display_message("history: %s", journal_items()[static_cast<std::size_t>(place)].label);
 }
-
-void command_history_note() { journal_note_selection(); }
 
 void command_history_limit(int megabytes)
 {
@@ -114,7 +111,7 @@ std::span<const own_command_t> history_commands()
     using enum command_kind;
     static const own_command_t rows[] = {
         command_row("step_back", command_step_back, once, nullptr,
-                    "undo, also where only the history leads back"),
+                    "undo the newest step of the history"),
         command_row("undo_name", command_undo_name, query, nullptr,
                     "returns what step_back takes back, nothing when there is no way back"),
         command_row("redo", command_redo, once, nullptr, "redo what was undone"),
@@ -122,8 +119,6 @@ std::span<const own_command_t> history_commands()
                     "returns place, label, present, plug-in of each state"),
         command_row("history_goto", command_history_goto, once, "<int place>",
                     "go to a state of the history"),
-        command_row("history_note", command_history_note, view, nullptr,
-                    "have the present state of the history remember the selection of now"),
         command_row("history_limit", command_history_limit, view, "<int megabytes>",
                     "memory of the history"),
         command_row("repeat_last", command_repeat_last, once, nullptr, "repeat the last command"),

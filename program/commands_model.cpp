@@ -8,25 +8,31 @@
 #include "edit/boolean.h"
 #include "edit/create.h"
 #include "edit/document/current_object.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
+#include "edit/holes.h"
 #include "edit/knife.h"
 #include "edit/object_flags.h"
 #include "edit/select_inside.h"
 #include "edit/slice.h"
 #include "edit/smooth_subdivide.h"
+#include "edit/snap.h"
 #include "fileio/backup.h"
 #include "fileio/vesk_writer.h"
+#include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/matrix.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
 #include "model/textures/texture_preview.h"
 #include "model/textures/textures.h"
+#include "model/vector.h"
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "program/command_table.h"
@@ -102,7 +108,7 @@ void command_get_counts()
     });
     const selection_t &all = selection();
     int chosen_surfaces = all.num_surfaces, chosen_vertices = all.num_vertices;
-    for (object_t *top : each<object_t>(all.objects)) {
+    for (object_t *top : selected_top_objects()) {
         for_each_object(top, [&](const object_t *object) {
             chosen_surfaces += object->num_surfaces;
             chosen_vertices += object->num_vertices;
@@ -136,6 +142,8 @@ void command_object_info(int id)
     append_pair("url", text_or_empty(object->url));
     append_pair("data", text_or_empty(object->data));
     append_pair("centre", point_text(object->centre));
+    append_pair("angles", point_text(point_scale(matrix_angles(object->rotation),
+                                                 static_cast<float>(degrees_per_radian))));
     append_pair("size", point_text(find_object_size(object)));
 }
 
@@ -242,9 +250,8 @@ void command_vesk_material_set_name(int i, const char *name)
         display_message("name material - no palette entry %d", i);
         return;
     }
-    const std::string fitting = material_name_for_files(name);
     new_undo_state("name material");
-    vesk_material_set_name(vesk_palette_get_material(i), fitting.c_str());
+    vesk_material_set_name(vesk_palette_get_material(i), name);
     palette_mark();
     display_status();
 }
@@ -322,6 +329,20 @@ std::span<const own_command_t> model_commands()
         command_row("cancel", progress_cancel, view, nullptr, "cancel long work"),
         command_row("extrude", command_extrude, edit, "<float x> <float y> <float z>",
                     "extrude the selected surfaces"),
+        command_row("extrude_select", command_extrude_select, edit, 4, 4,
+                    "<int automatic> <float x> <float y> <float z>",
+                    "extrude the selected surfaces and select the new ones"),
+        command_row("extrude_normal", command_extrude_normal, edit, 2, 2,
+                    "<int automatic> <float distance>",
+                    "extrude the selected surfaces where they face and select the new ones"),
+        command_row("hole_select", command_hole_select, edit, nullptr,
+                    "hole the selected surfaces and select the new ones"),
+        command_row("bevel_select", command_bevel_select, edit, nullptr,
+                    "bevel the selected surfaces and select the new ones"),
+        command_row("weld", command_weld, edit, nullptr,
+                    "bring the selected vertices together and join them"),
+        command_row("weld_distance", command_weld_distance, edit, "<float distance>",
+                    "bring selected vertices together by distance and join them"),
         command_row("create_outline", command_create_outline, edit,
                     "<string polygon, polyline or line> <string coordinates>",
                     "create a polygon or a line from x y z of each point"),

@@ -8,11 +8,13 @@
 #include "base/redraw.h"
 #include "edit/document/element_text.h"
 #include "edit/document/modes.h"
-#include "edit/document/selection.h"
+#include "edit/document/selection_internal.h"
 #include "edit/insert_vertex.h"
+#include "edit/make_surface.h"
 #include "edit/measure.h"
 #include "edit/object_place.h"
 #include "edit/object_properties.h"
+#include "edit/palette_preview.h"
 #include "edit/panel_transform.h"
 #include "edit/uv/uv_editor.h"
 #include "model/each.h"
@@ -26,11 +28,13 @@
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
+#include "view/tool_transform.h"
 #include "view/tools.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -49,6 +53,12 @@ void command_object_at(int view, int x, int y)
     }
 }
 
+// Of the tool "extrude", not of the commands.
+void command_set_extrude_automatic(int on)
+{
+    set_extrusion_sides(on != 0 ? extrude_sides::automatic : extrude_sides::by_preferences);
+}
+
 // Surfaces of each palette entry.
 void command_material_counts()
 {
@@ -62,6 +72,38 @@ void command_material_counts()
     command_result_set("");
     for (const int count : counts)
         command_result_append_element(count);
+}
+
+// Palette entries of the selected surfaces and objects, the most frequent first.
+void command_selection_materials()
+{
+    std::map<int, int> counts;
+    for (const object_t *top : each<object_t>(selection().objects)) {
+        for_each_object(const_cast<object_t *>(top), [&](object_t *object) {
+            for (const flat_surface &surface : *object_flat(object)->surfaces)
+                ++counts[surface.material];
+        });
+    }
+    const owned_list surfaces(select_mode() == SELECT_SURFACE ? find_selected_whole_surfaces()
+                                                              : nullptr);
+    for (const surface_t *surface : each<surface_t>(surfaces.get()))
+        ++counts[surface->material];
+    std::vector<std::pair<int, int>> found; // count negated, entry
+    for (const auto &[entry, count] : counts)
+        found.emplace_back(-count, entry);
+    std::sort(found.begin(), found.end());
+    command_result_set("");
+    for (const auto &[count, entry] : found)
+        command_result_append_element(entry);
+}
+
+void command_palette_preview(int, const char *const *words)
+{
+    palette_values values = {};
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = finite_float_of(words[i + 1]);
+    palette_preview(int_of(words[0]), values);
+    redraw_all();
 }
 
 // Selects every visible, unlocked surface of a palette entry.
@@ -151,6 +193,9 @@ std::span<const own_command_t> panel_commands()
         command_row("rotate_about_with_undo", rotate_about_with_undo, edit,
                     "<float rx-degs> <float ry-degs> <float rz-degs> <float x> <float y> <float z>",
                     "rotate the selection about a point, with an undo record"),
+        command_row("rotate_to_with_undo", rotate_to_with_undo, edit,
+                    "<float rx-degs> <float ry-degs> <float rz-degs> <float x> <float y> <float z>",
+                    "rotate the selection about a point until its first object has these angles"),
         command_row("rotate_axis_angle_with_undo", rotate_axis_angle_with_undo, edit,
                     "<float axis> <float angle>",
                     "rotate the selection about an axis, with an undo record"),
@@ -164,6 +209,9 @@ std::span<const own_command_t> panel_commands()
                     "mirror the selection, with an undo record"),
         command_row("object_at", command_object_at, query, "<view> <int x> <int y>",
                     "returns the id of the object under a place of a view"),
+        command_row("set_extrude_automatic", command_set_extrude_automatic, view, "<0|1>",
+                    "how the extrude tool closes what it makes: so that bodies go on facing "
+                    "outwards, or as the preferences say"),
         command_row("transform_begin", panel_transform_begin, part,
                     "<string move, rotate or scale>", "begin a transform that follows a number"),
         command_row("transform_about", panel_transform_about, part, "<float x> <float y> <float z>",
@@ -176,6 +224,17 @@ std::span<const own_command_t> panel_commands()
                     "take the transform back"),
         command_row("material_counts", command_material_counts, query, nullptr,
                     "returns the number of surfaces of each palette entry"),
+        command_row("surfaces_separate", command_surfaces_separate, edit, nullptr,
+                    "move the selected surfaces into objects of their own"),
+        command_row("selection_materials", command_selection_materials, query, nullptr,
+                    "returns the palette entries of what is selected, the most frequent first"),
+        command_row("palette_preview", command_palette_preview, part, 15, 15,
+                    "<int entrynum> <float red> <float green> <float blue> <float ambient-red> "
+                    "<float ambient-green> <float ambient-blue> <float emissive-red> "
+                    "<float emissive-green> <float emissive-blue> <float specular-red> "
+                    "<float specular-green> <float specular-blue> <float shininess> "
+                    "<float transp>",
+                    "shows an entry while its slider is dragged, without a step of the history"),
         command_row("material_select", command_material_select, select, "<int entrynum>",
                     "select the surfaces of a palette entry"),
         command_row("uv_outlines", command_uv_outlines, query, "<int most>",
@@ -184,6 +243,8 @@ std::span<const own_command_t> panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",
+                    "a notch of the wheel over a view"),
         command_row("set_view_tool", command_set_view_tool, select,
                     "<string measure, insert_vertex or none>",
                     "set a tool of the views beside the draw modes"),

@@ -31,13 +31,13 @@
 
 #include <climits>
 #include <cstring>
+#include <filesystem>
 #include <string_view>
 #include <sys/auxv.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
-
-constexpr int start_directory_size = 256;
 
 struct start_t {
     std::string directory;
@@ -51,8 +51,8 @@ start_t start;
 
 void read_start_directory()
 {
-    char buffer[start_directory_size];
-    start.directory = getcwd(buffer, sizeof buffer) != nullptr ? buffer : "";
+    std::error_code failed;
+    start.directory = std::filesystem::current_path(failed).string(); // "" when that fails
 }
 
 std::string executable_path()
@@ -69,7 +69,10 @@ std::string executable_path()
 void find_home()
 {
     const char *named = getenv("VESK_HOME");
-    vesk_set_homedir(named != nullptr ? named : directory_of_executable(executable_path()).c_str());
+    const std::string home = named != nullptr && *named != '\0'
+                                 ? absolute_from_start(named)
+                                 : directory_of_executable(executable_path());
+    vesk_set_homedir(home.c_str());
 }
 
 // Options that end in a script without a window, to which all further words belong: a script that

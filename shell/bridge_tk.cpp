@@ -10,6 +10,7 @@
 #include "base/prefs.h"
 #include "base/session_state.h"
 #include "fileio/rescue.h"
+#include "plugin/loader.h"
 #include "program/startup.h"
 #include "shell/icon_image_tk.h"
 #include "shell/interp_tk.h"
@@ -62,14 +63,50 @@ int tcl_vesk_command(ClientData, Tcl_Interp *interp, int argc, const char *argv[
 
 // ---- signals that end the session ----
 
-int leave_on_signal(ClientData, Tcl_Interp *, int)
+// The user does not end the session: work that is not saved is kept in a copy.
+void keep_unsaved_work()
 {
     const char *unsaved = tcl_get_string("unsaved_changes");
     if (unsaved != nullptr && std::strcmp(unsaved, "0") != 0) {
         rescue_keep();
         rescue_write_now();
     }
+    rescue_end();
+}
+
+int leave_on_signal(ClientData, Tcl_Interp *, int)
+{
+    keep_unsaved_work();
     bridge_exit(0);
+}
+
+// ---- other ends ----
+
+bool leaves_by_itself = false;
+
+// After Tk's own handler, which therefore runs later: plug-ins end while the windows are there.
+void leave_in_order(ClientData)
+{
+    leaves_by_itself = true;
+    plugins_exit();
+    rescue_end();
+}
+
+// A library or a plug-in called the C library's exit: so does the one that talks to the display, when
+// that has gone.
+void leave_by_library()
+{
+    if (!leaves_by_itself)
+        guarded_entry([] { keep_unsaved_work(); });
+}
+
+int leave_on_lost_display(Display *)
+{
+    static constexpr char line[] = "VESK: the display has gone - exiting.\n";
+    if (write(STDERR_FILENO, line, sizeof line - 1) < 0)
+        errno = 0;
+    keep_unsaved_work();
+    _exit(1); // the exit handlers would talk to the display
 }
 
 int signal_pipe[2] = {-1, -1};
@@ -276,7 +313,10 @@ int init_tcl_stuff(int, char **)
         interp_tk_set(interp, true);
         place_main_window(interp);
         icon_image_install(interp);
+        XSetIOErrorHandler(leave_on_lost_display);
     }
+    Tcl_CreateExitHandler(leave_in_order, nullptr);
+    std::atexit(leave_by_library);
     std::setlocale(LC_NUMERIC, "C");
     catch_end_signals();
     Tcl_CreateCommand(interp, "vesk", tcl_vesk_command, nullptr, nullptr);

@@ -73,6 +73,9 @@ proc ask_import_images {count folder} {
 
 proc display_message {text} {puts stderr $text}
 proc set_undo_string {text} {set ::vesk::undo_label $text}
+proc plugin_faulted {name} {
+    puts stderr "the fault was in the plug-in $name; the option -noplugins starts without plug-ins"
+}
 proc add_export_menu_item {args} {::vesk::batch::add_item export $args}
 proc add_tools_menu_item {args} {::vesk::batch::add_item tools $args}
 proc add_surface_menu_item {args} {::vesk::batch::add_item surface $args}

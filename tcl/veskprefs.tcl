@@ -6,4 +6,4 @@
 ::vesk::later lib cmdsocket follow
 ::vesk::later windows preferences open
 ::vesk::later windows keyspage build
-::vesk::later windows plugmanager build
+::vesk::later windows plugmanager build leave_out

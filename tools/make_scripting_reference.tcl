@@ -7,7 +7,7 @@
 
 set marker "<!-- written by tools/make_scripting_reference.tcl: do not edit below -->"
 set topics {
-    selecting objects creating transforms surfaces editing check materials texture-coordinates files
+    selecting objects creating transforms surfaces edges editing check materials texture-coordinates files
     views program
 }
 
@@ -62,7 +62,7 @@ set own_samples {
 # Answers that differ from one run or machine to the next, or are too long to print.
 set untold {
     get_info list prefs_rows get_importer_info get_exporters get_texture_loaders get_version_number get_version_string
-    get_plugin_info_all get_plugin_list recovery_list model_state change_count report_json
+    get_plugin_info_all get_plugin_list autosave_result recovery_list model_state change_count report_json
     import_report texture_list uv_info uv_option
 }
 

@@ -45,9 +45,10 @@ std::vector<std::string> words_of_change(const drag_change_t &change, bool own)
     }
 }
 
-std::vector<std::string> words_of_extrusion(const point3_t &offset)
+std::vector<std::string> words_of_extrusion(const point3_t &offset, extrude_sides sides)
 {
-    return words_t{"extrude"} + echo_point(offset);
+    return words_t{"extrude_select", sides == extrude_sides::automatic ? "1" : "0"} +
+           echo_point(offset);
 }
 
 void echo_selection(bool on, bool replace, const listitem *elements)

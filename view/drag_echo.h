@@ -4,6 +4,7 @@
 #include "edit/document/selection.h"
 #include "edit/document/step.h"
 #include "edit/drag_transform.h"
+#include "edit/extrude.h"
 
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@
 // The words of the command that equals a drag of the selection; `own` turns each object about its
 // own centre.
 std::vector<std::string> words_of_change(const drag_change_t &change, bool own);
-std::vector<std::string> words_of_extrusion(const point3_t &offset);
+std::vector<std::string> words_of_extrusion(const point3_t &offset, extrude_sides sides);
 
 // Elements, as the select mode has them, that were added, taken out, or became the selection. Where
 // they are too many to be listed, a line says that.

@@ -1,17 +1,23 @@
 #include "view/pick.h"
 
 #include "base/prefs.h"
-#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"
+#include "view/pick_index.h"
+#include "view/pick_outline.h"
 #include "view/projector.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
+#include <span>
+#include <unordered_set>
 
 namespace {
+
+enum side { LEFT = 1, RIGHT = 2, ABOVE = 4, BELOW = 8, BEHIND = 16 };
 
 // A rectangle, and on which sides of it a point lies: whatever has all its corners beyond one side
 // is out, which most surfaces are.
@@ -20,47 +26,40 @@ struct window_t {
 
     [[nodiscard]] unsigned char sides(const screen_point_t &p) const
     {
-        return static_cast<unsigned char>((p.x < x0 ? 1 : 0) | (p.x > x1 ? 2 : 0) |
-                                          (p.y < y0 ? 4 : 0) | (p.y > y1 ? 8 : 0) |
-                                          (std::isnan(p.x) ? 16 : 0));
+        return static_cast<unsigned char>((p.x < x0 ? LEFT : 0) | (p.x > x1 ? RIGHT : 0) |
+                                          (p.y < y0 ? ABOVE : 0) | (p.y > y1 ? BELOW : 0) |
+                                          (std::isnan(p.x) ? BEHIND : 0));
+    }
+    // Whether an outline may have a part in it.
+    [[nodiscard]] bool may_hold(const outline_t &outline) const
+    {
+        unsigned char all = 0xFF;
+        for (const screen_point_t &p : outline)
+            all &= sides(p);
+        return all == 0;
+    }
+    [[nodiscard]] bool may_hold(const pick_block_t &block, const projector_t &projector) const
+    {
+        unsigned char all = 0xFF, any = 0;
+        for (int corner = 0; corner < 8; ++corner) {
+            const unsigned char where =
+                sides(projector({(corner & 1) != 0 ? block.max.x : block.min.x,
+                                 (corner & 2) != 0 ? block.max.y : block.min.y,
+                                 (corner & 4) != 0 ? block.max.z : block.min.z}));
+            all &= where;
+            any |= where;
+        }
+        return all == 0 || (any & BEHIND) != 0;
     }
 };
 
-// One object on the screen.
-struct projected_t {
-    object_t *object = nullptr;
-    flat_ptr mesh;
-    std::vector<screen_point_t> points;
-    std::vector<unsigned char> sides;
-    bool any_inside = false; // some vertex, or an edge may cross
-
-    void project(object_t *projected, const projector_t &projector, const window_t &window)
-    {
-        object = projected;
-        mesh = object_flat(projected);
-        const auto n = static_cast<size_t>(mesh->num_vertices());
-        points.resize(n);
-        sides.resize(n);
-        unsigned char all = 0xFF;
-        for (size_t i = 0; i < n; ++i) {
-            points[i] = projector(mesh->position(i));
-            sides[i] = window.sides(points[i]);
-            all &= sides[i];
-        }
-        any_inside = n > 0 && all == 0;
-    }
-
-    // Whether surface i may touch the window.
-    [[nodiscard]] bool may_touch(int i) const
-    {
-        unsigned char all = 0xFF;
-        unsigned char any = 0;
-        for (const int corner : mesh->surface_corners(i)) {
-            all &= sides[corner];
-            any |= sides[corner];
-        }
-        return all == 0 && (any & 16) == 0;
-    }
+// What one search looks at.
+struct search_t {
+    const projector_t projector;
+    const window_t window;
+    const bool filled;
+    const bool edges; // are drawn
+    outline_t outline;
 };
 
 bool pickable(const object_t *object)
@@ -68,76 +67,233 @@ bool pickable(const object_t *object)
     return object->visible != 0 && object->locked == 0 && object != vesk_get_world();
 }
 
-// ---- one position ----
-
-struct found_t {
-    float pixels = std::numeric_limits<float>::max();
-    float depth = 0;
-};
-
-float lerp(float a, float b, float t) { return a + (b - a) * t; }
-
-// Distance from (x, y) to the segment, and the depth there.
-found_t near_segment(const screen_point_t &a, const screen_point_t &b, float x, float y)
+bool view_is_filled(int view)
 {
-    const float dx = b.x - a.x;
-    const float dy = b.y - a.y;
-    const float length = dx * dx + dy * dy;
-    const float t =
-        length > 0 ? std::clamp(((x - a.x) * dx + (y - a.y) * dy) / length, 0.0f, 1.0f) : 0.0f;
-    return {std::hypot(lerp(a.x, b.x, t) - x, lerp(a.y, b.y, t) - y), lerp(a.depth, b.depth, t)};
+    return view == VIEW_XYZ ? prefs.view3dmode == 0 : prefs.filled_orth != 0;
 }
 
-// Surface i against the position: 0 pixels inside a face, else the distance to its outline.
-found_t find_on_surface(const projected_t &p, int i, float x, float y, bool faces)
+search_t search_of(int view, const window_t &window)
 {
-    const auto corners = p.mesh->surface_corners(i);
-    const flat_surface &record = p.mesh->surface(i);
-    found_t best;
-    bool inside = false;
-    float depth_sum = 0;
-    const size_t n = corners.size();
-    for (size_t k = 0; k < n; ++k) {
-        const screen_point_t &a = p.points[corners[k]];
-        const screen_point_t &b = p.points[corners[(k + 1) % n]];
-        depth_sum += a.depth;
-        if (k + 1 == n && record.type == SURFACE_LINE)
-            break;
-        const found_t edge = near_segment(a, b, x, y);
+    const bool filled = view_is_filled(view);
+    const bool edges = (view == VIEW_XYZ ? prefs.show_surfaces_3d : prefs.show_surfaces) != 0;
+    return {projector_t(view), window, filled, edges || !filled, {}};
+}
+
+// The elements of one kind that may lie in the window, by number.
+template <class Visit>
+void for_near(const pick_order_t *order, int count, const search_t &search, Visit &&visit)
+{
+    if (order == nullptr) {
+        for (int i = 0; i < count; ++i)
+            visit(i);
+        return;
+    }
+    for (const pick_block_t &block : order->blocks)
+        if (search.window.may_hold(block, search.projector))
+            for (const int i : order->members(block))
+                visit(i);
+}
+
+// Calls visit(i) for each surface with its outline in search.outline.
+template <class Visit>
+void for_near_surfaces(const object_t *object, const flat_mesh &mesh, search_t &search,
+                       Visit &&visit)
+{
+    const pick_index_t *index = pick_index(object, mesh);
+    for_near(index != nullptr ? &index->surfaces : nullptr, mesh.num_surfaces(), search,
+             [&](int i) {
+                 surface_outline(mesh, i, search.projector, &search.outline);
+                 if (!search.outline.empty() && search.window.may_hold(search.outline))
+                     visit(i);
+             });
+}
+
+template <class Visit>
+void for_near_vertices(const object_t *object, const flat_mesh &mesh, const search_t &search,
+                       Visit &&visit)
+{
+    const pick_index_t *index = pick_index(object, mesh);
+    for_near(index != nullptr ? &index->vertices : nullptr, mesh.num_vertices(), search,
+             [&](int i) {
+                 const screen_point_t p = search.projector(mesh.position(i));
+                 if (search.window.sides(p) == 0)
+                     visit(i, p);
+             });
+}
+
+// ---- one position ----
+
+// How a hit stands to the pointer, as its `pixels`.
+constexpr float under_pointer = 0;
+constexpr float beside_pointer = 1;
+constexpr float beside_back = 2;   // the outline of a face that is not drawn
+constexpr float line_reach = 1.5f; // pixels at which a drawn line is under the pointer
+
+near_place_t near_outline(const outline_t &outline, bool open, bool perspective, float x, float y)
+{
+    near_place_t best = {std::numeric_limits<float>::max(), 0};
+    const size_t n = outline.size();
+    for (size_t k = 0; k + (open ? 1 : 0) < n; ++k) {
+        const near_place_t edge = near_segment(outline[k], outline[(k + 1) % n], perspective, x, y);
         if (edge.pixels < best.pixels)
             best = edge;
-        if ((a.y > y) != (b.y > y) && x < lerp(a.x, b.x, (y - a.y) / (b.y - a.y)))
-            inside = !inside;
     }
-    if (faces && !record.is_line() && inside && n > 2)
-        return {0, depth_sum / static_cast<float>(n)};
     return best;
 }
 
-void pick_vertices(const projected_t &p, float x, float y, float range,
-                   std::vector<pick_hit_t> *hits)
+// Surface i, whose outline is in hand, against the position; false: it is not near.
+bool find_on_surface(const search_t &search, const flat_surface &record, float x, float y,
+                     float range, bool faces, pick_hit_t *hit)
 {
-    for (size_t i = 0; i < p.points.size(); ++i) {
-        if (p.sides[i] != 0)
-            continue;
-        const float pixels = std::hypot(p.points[i].x - x, p.points[i].y - y);
-        if (pixels <= range)
-            hits->push_back({p.object, nullptr, p.mesh->vertex_record(i), std::round(pixels),
-                             p.points[i].depth});
+    const bool perspective = search.projector.has_perspective();
+    const bool is_line = record.is_line() || search.outline.size() < 3;
+    const bool is_back =
+        search.filled && !is_line && record.twosided == 0 && !outline_faces_viewer(search.outline);
+    if (faces && !is_line) {
+        const place_on_face_t place = place_on_face(search.outline, perspective, x, y);
+        if (place.inside && (!search.filled || record.twosided != 0 || place.faces_viewer)) {
+            hit->pixels = under_pointer;
+            hit->depth = place.depth;
+            return true;
+        }
     }
+    if (is_back && !search.edges)
+        return false;
+    const near_place_t edge =
+        near_outline(search.outline, record.type == SURFACE_LINE, perspective, x, y);
+    if (edge.pixels > range)
+        return false;
+    hit->pixels = is_back                                ? beside_back
+                  : is_line && edge.pixels <= line_reach ? under_pointer
+                                                         : beside_pointer;
+    hit->depth = edge.depth;
+    return true;
 }
 
-void pick_surfaces(const projected_t &p, float x, float y, float range, bool faces,
-                   std::vector<pick_hit_t> *hits)
+void pick_surfaces(object_t *object, const flat_mesh &mesh, search_t &search, float x, float y,
+                   float range, bool faces, std::vector<pick_hit_t> *hits)
 {
-    for (int i = 0; i < p.mesh->num_surfaces(); ++i) {
-        if (!p.may_touch(i))
-            continue;
-        const found_t found = find_on_surface(p, i, x, y, faces);
-        if (found.pixels <= range)
-            hits->push_back({p.object, p.mesh->surface_record(i), nullptr,
-                             found.pixels > 0 ? 1.0f : 0.0f, found.depth});
+    for_near_surfaces(object, mesh, search, [&](int i) {
+        pick_hit_t hit = {object, mesh.surface_record(i), nullptr, nullptr, 0, 0};
+        if (find_on_surface(search, mesh.surface(i), x, y, range, faces, &hit))
+            hits->push_back(hit);
+    });
+}
+
+void pick_vertices(object_t *object, const flat_mesh &mesh, const search_t &search, float x,
+                   float y, float range, std::vector<pick_hit_t> *hits)
+{
+    for_near_vertices(object, mesh, search, [&](int i, const screen_point_t &p) {
+        const float pixels = std::hypot(p.x - x, p.y - y);
+        if (pixels <= range)
+            hits->push_back(
+                {object, nullptr, mesh.vertex_record(i), nullptr, std::round(pixels), p.depth});
+    });
+}
+
+// Of the first vertices one that no face hides goes to the front.
+void seen_vertex_first(search_t &search, std::vector<pick_hit_t> *hits)
+{
+    constexpr size_t most_looked_at = 16;
+    struct looked_at_t {
+        screen_point_t place;
+        bool hidden;
+    };
+    std::vector<looked_at_t> first;
+    for (size_t i = 0; i < std::min(hits->size(), most_looked_at); ++i)
+        first.push_back({search.projector((*hits)[i].point->position), false});
+    const bool perspective = search.projector.has_perspective();
+    const auto hide = [&](const flat_surface &record) {
+        if (record.is_line())
+            return;
+        for (looked_at_t &vertex : first) {
+            const place_on_face_t face =
+                place_on_face(search.outline, perspective, vertex.place.x, vertex.place.y);
+            // The faces of the vertex itself lie as deep as it, but for rounding.
+            const float slack = 1e-3f * std::fabs(vertex.place.depth) + 1e-6f;
+            if (face.inside && (record.twosided != 0 || face.faces_viewer) &&
+                face.depth < vertex.place.depth - slack)
+                vertex.hidden = true;
+        }
+    };
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        if (!pickable(object) || object->surfaces == nullptr)
+            return;
+        const flat_ptr mesh = object_flat(object);
+        for_near_surfaces(object, *mesh, search, [&](int i) { hide(mesh->surface(i)); });
+    });
+    const auto seen = std::find_if(first.begin(), first.end(),
+                                   [](const looked_at_t &vertex) { return !vertex.hidden; });
+    if (seen != first.end())
+        std::rotate(hits->begin(), hits->begin() + (seen - first.begin()),
+                    hits->begin() + (seen - first.begin()) + 1);
+}
+
+// ---- edges ----
+
+// Calls visit(i, a, b) for every side of the polygons that may lie in the window, as often as it has
+// polygons; lines have no edges.
+template <class Visit>
+void for_near_sides(const object_t *object, const flat_mesh &mesh, search_t &search, Visit &&visit)
+{
+    for_near_surfaces(object, mesh, search, [&](int i) {
+        const auto corners = mesh.surface_corners(i);
+        for (size_t k = 0; k < corners.size() && !mesh.surface(i).is_line(); ++k)
+            visit(i, corners[k], corners[(k + 1) % corners.size()]);
+    });
+}
+
+struct face_there_t {
+    const vertex *const *records; // of its mesh
+    std::span<const std::int32_t> corners;
+    float depth;
+    [[nodiscard]] bool has(const vertex *v) const
+    {
+        return std::any_of(corners.begin(), corners.end(), [&](int c) { return records[c] == v; });
     }
+};
+
+void pick_edges(object_t *object, const flat_mesh &mesh, search_t &search, float x, float y,
+                float range, std::vector<pick_hit_t> *hits)
+{
+    std::set<std::pair<int, int>> known;
+    const bool perspective = search.projector.has_perspective();
+    for_near_sides(object, mesh, search, [&](int, int a, int b) {
+        const screen_point_t p = search.projector(mesh.position(a));
+        const screen_point_t q = search.projector(mesh.position(b));
+        if (std::isnan(p.x) || std::isnan(q.x))
+            return;
+        const near_place_t near = near_segment(p, q, perspective, x, y);
+        if (near.pixels <= range && known.insert(std::minmax(a, b)).second)
+            hits->push_back({object, nullptr, mesh.vertex_record(a), mesh.vertex_record(b),
+                             std::round(near.pixels), near.depth});
+    });
+}
+
+// Takes out edges behind a face at the pointer that is not their own.
+void drop_hidden_edges(search_t &search, float x, float y, std::vector<pick_hit_t> *hits)
+{
+    std::vector<face_there_t> faces;
+    std::vector<flat_ptr> held;
+    const bool perspective = search.projector.has_perspective();
+    for_each_object(vesk_get_world(), [&](object_t *object) {
+        if (!pickable(object) || object->surfaces == nullptr)
+            return;
+        held.push_back(object_flat(object));
+        const flat_mesh &mesh = *held.back();
+        for_near_surfaces(object, mesh, search, [&](int i) {
+            const place_on_face_t face = place_on_face(search.outline, perspective, x, y);
+            if (face.inside && !mesh.surface(i).is_line() &&
+                (mesh.surface(i).twosided != 0 || face.faces_viewer))
+                faces.push_back({mesh.vertex_records->data(), mesh.surface_corners(i), face.depth});
+        });
+    });
+    std::erase_if(*hits, [&](const pick_hit_t &hit) {
+        const float slack = 1e-3f * std::fabs(hit.depth) + 1e-6f;
+        return std::any_of(faces.begin(), faces.end(), [&](const face_there_t &face) {
+            return face.depth < hit.depth - slack && !(face.has(hit.point) && face.has(hit.end));
+        });
+    });
 }
 
 void pick_centre(object_t *object, const projector_t &projector, float x, float y, float range,
@@ -146,31 +302,21 @@ void pick_centre(object_t *object, const projector_t &projector, float x, float 
     const screen_point_t p = projector(object->centre);
     const float pixels = std::hypot(p.x - x, p.y - y);
     if (pixels <= range)
-        hits->push_back({object, nullptr, nullptr, 0, p.depth});
+        hits->push_back({object, nullptr, nullptr, nullptr, 0, p.depth});
 }
 
 // The nearest hit of each object.
 void keep_objects_once(std::vector<pick_hit_t> *hits)
 {
-    std::vector<pick_hit_t> once;
-    for (const pick_hit_t &hit : *hits) {
-        const bool known = std::any_of(once.begin(), once.end(), [&](const pick_hit_t &other) {
-            return other.object == hit.object;
-        });
-        if (!known)
-            once.push_back({hit.object, nullptr, nullptr, hit.pixels, hit.depth});
-    }
-    *hits = std::move(once);
+    std::unordered_set<const object_t *> known;
+    std::erase_if(*hits, [&](const pick_hit_t &hit) { return !known.insert(hit.object).second; });
+    for (pick_hit_t &hit : *hits)
+        hit.surface = nullptr;
 }
 
 bool nearer(const pick_hit_t &a, const pick_hit_t &b)
 {
     return a.pixels != b.pixels ? a.pixels < b.pixels : a.depth < b.depth;
-}
-
-bool view_is_filled(int view)
-{
-    return view == VIEW_XYZ ? prefs.view3dmode == 0 : prefs.filled_orth != 0;
 }
 
 constexpr float light_icon_pixels = 10;
@@ -200,116 +346,176 @@ bool crosses(const screen_point_t &a, const screen_point_t &b, const window_t &w
     return from <= to;
 }
 
-bool surface_in_band(const projected_t &p, int i, const window_t &w, bool touching)
+// Of a surface with its outline in hand.
+bool surface_in_band(const search_t &search, bool touching)
 {
-    const auto corners = p.mesh->surface_corners(i);
-    if (corners.empty())
-        return false;
+    const window_t &w = search.window;
+    const outline_t &outline = search.outline;
     unsigned char any = 0;
-    unsigned char all = 0xFF;
-    for (const int corner : corners) {
-        any |= p.sides[corner];
-        all &= p.sides[corner];
-    }
+    for (const screen_point_t &p : outline)
+        any |= w.sides(p);
     if (any == 0)
         return true;
-    if (!touching || all != 0 || (any & 16) != 0)
+    if (!touching)
         return false;
-    const size_t n = corners.size();
+    const size_t n = outline.size();
     for (size_t k = 0; k < n; ++k) {
-        if (crosses(p.points[corners[k]], p.points[corners[(k + 1) % n]], w))
+        if (crosses(outline[k], outline[(k + 1) % n], w))
             return true;
     }
     // The band may lie wholly inside the face.
-    return find_on_surface(p, i, w.x0, w.y0, true).pixels == 0;
+    return place_on_face(outline, search.projector.has_perspective(), w.x0, w.y0).inside;
 }
 
-bool object_in_band(const projected_t &p, const window_t &w, bool touching)
+// Wholly inside is only what has no corner behind the viewer, too.
+bool is_before_viewer(const flat_mesh &mesh, int surface, const projector_t &projector)
+{
+    const auto corners = mesh.surface_corners(surface);
+    return std::none_of(corners.begin(), corners.end(),
+                        [&](int corner) { return std::isnan(projector(mesh.position(corner)).x); });
+}
+
+bool object_in_band(const object_t *object, const flat_mesh &mesh, search_t &search, bool touching)
 {
     if (!touching)
-        return !p.sides.empty() && std::all_of(p.sides.begin(), p.sides.end(),
-                                               [](unsigned char sides) { return sides == 0; });
-    if (std::any_of(p.sides.begin(), p.sides.end(), [](unsigned char s) { return s == 0; }))
-        return true;
-    for (int i = 0; i < p.mesh->num_surfaces(); ++i) {
-        if (surface_in_band(p, i, w, true))
-            return true;
-    }
-    return false;
+        return std::all_of(mesh.positions->begin(), mesh.positions->end(), [&](const point3_t &p) {
+            return search.window.sides(search.projector(p)) == 0;
+        });
+    bool found = false;
+    for_near_vertices(object, mesh, search, [&](int, const screen_point_t &) { found = true; });
+    if (!found)
+        for_near_surfaces(object, mesh, search,
+                          [&](int) { found = found || surface_in_band(search, true); });
+    return found;
 }
 
-void band_elements(const projected_t &p, pick_kind kind, const window_t &w, bool touching,
-                   std::vector<pick_hit_t> *hits)
+// Whether a surface, its outline in hand, can be seen from where the viewer stands.
+bool looks_at_viewer(const search_t &search, const flat_surface &record)
 {
+    return record.twosided != 0 || record.is_line() || outline_faces_viewer(search.outline);
+}
+
+// The vertices of the surfaces that look at the viewer, and those of no surface.
+std::vector<char> vertices_before(const object_t *object, const flat_mesh &mesh, search_t &search)
+{
+    std::vector<char> seen(static_cast<size_t>(mesh.num_vertices()), 0);
+    for_near_surfaces(object, mesh, search, [&](int i) {
+        if (looks_at_viewer(search, mesh.surface(i)))
+            for (const int corner : mesh.surface_corners(i))
+                seen[static_cast<size_t>(corner)] = 1;
+    });
+    for (const int loose : flat_loose_vertices(mesh))
+        seen[static_cast<size_t>(loose)] = 1;
+    return seen;
+}
+
+void band_edges(object_t *object, const flat_mesh &mesh, search_t &search, const band_t &band,
+                bool seen_only, std::vector<pick_hit_t> *hits)
+{
+    std::set<std::pair<int, int>> found;
+    for_near_sides(object, mesh, search, [&](int i, int a, int b) {
+        const screen_point_t p = search.projector(mesh.position(a));
+        const screen_point_t q = search.projector(mesh.position(b));
+        if (std::isnan(p.x) || std::isnan(q.x) ||
+            (seen_only && !looks_at_viewer(search, mesh.surface(i))))
+            return;
+        const window_t &w = search.window;
+        if (band.touching ? crosses(p, q, w) : (w.sides(p) | w.sides(q)) == 0)
+            found.insert(std::minmax(a, b));
+    });
+    for (const auto &[a, b] : found)
+        hits->push_back({object, nullptr, mesh.vertex_record(a), mesh.vertex_record(b), 0, 0});
+}
+
+void band_elements(object_t *object, const flat_mesh &mesh, pick_kind kind, search_t &search,
+                   const band_t &band, bool seen_only, std::vector<pick_hit_t> *hits)
+{
+    const size_t before = hits->size();
+    std::vector<int> found;
     if (kind == pick_kind::VERTEX) {
-        for (size_t i = 0; i < p.sides.size(); ++i) {
-            if (p.sides[i] == 0)
-                hits->push_back({p.object, nullptr, p.mesh->vertex_record(i), 0, 0});
-        }
+        const std::vector<char> seen =
+            seen_only ? vertices_before(object, mesh, search) : std::vector<char>();
+        for_near_vertices(object, mesh, search, [&](int i, const screen_point_t &) {
+            if (!seen_only || seen[static_cast<size_t>(i)] != 0)
+                found.push_back(i);
+        });
     } else if (kind == pick_kind::SURFACE) {
-        for (int i = 0; i < p.mesh->num_surfaces(); ++i) {
-            if (surface_in_band(p, i, w, touching))
-                hits->push_back({p.object, p.mesh->surface_record(i), nullptr, 0, 0});
-        }
-    } else if (object_in_band(p, w, touching)) {
-        hits->push_back({p.object, nullptr, nullptr, 0, 0});
+        for_near_surfaces(object, mesh, search, [&](int i) {
+            if (surface_in_band(search, band.touching) &&
+                (!seen_only || looks_at_viewer(search, mesh.surface(i))) &&
+                (band.touching || is_before_viewer(mesh, i, search.projector)))
+                found.push_back(i);
+        });
+    } else if (object_in_band(object, mesh, search, band.touching)) {
+        hits->push_back({object});
     }
+    std::sort(found.begin(), found.end()); // the index has an order of its own
+    hits->reserve(before + found.size());
+    for (const int i : found)
+        hits->push_back(kind == pick_kind::VERTEX
+                            ? pick_hit_t{object, nullptr, mesh.vertex_record(i)}
+                            : pick_hit_t{object, mesh.surface_record(i)});
 }
 
 } // namespace
 
 std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int range)
 {
-    const projector_t projector(view);
     const auto px = static_cast<float>(x);
     const auto py = static_cast<float>(y);
     const auto reach = static_cast<float>(range);
-    const window_t window = {px - reach, py - reach, px + reach, py + reach};
-    const bool faces = kind == pick_kind::SURFACE || view_is_filled(view);
+    search_t search = search_of(view, {px - reach, py - reach, px + reach, py + reach});
+    const bool faces = kind == pick_kind::SURFACE || search.filled;
     std::vector<pick_hit_t> hits;
-    projected_t projected; // its arrays are reused from object to object
     for_each_object(vesk_get_world(), [&](object_t *object) {
         if (!pickable(object))
             return;
-        if (object->type == OBJECT_LIGHT && kind != pick_kind::SURFACE && kind != pick_kind::VERTEX)
-            pick_centre(object, projector, px, py, std::max(reach, light_icon_pixels), &hits);
+        if (object->type == OBJECT_LIGHT && kind != pick_kind::SURFACE &&
+            kind != pick_kind::VERTEX && kind != pick_kind::EDGE)
+            pick_centre(object, search.projector, px, py, std::max(reach, light_icon_pixels),
+                        &hits);
         if (kind == pick_kind::LIGHT || object->vertices == nullptr)
             return;
-        projected.project(object, projector, window);
-        if (!projected.any_inside)
-            return;
-        if (kind == pick_kind::VERTEX)
-            pick_vertices(projected, px, py, reach, &hits);
+        const flat_ptr mesh = object_flat(object);
+        if (kind == pick_kind::EDGE)
+            pick_edges(object, *mesh, search, px, py, reach, &hits);
+        else if (kind == pick_kind::VERTEX)
+            pick_vertices(object, *mesh, search, px, py, reach, &hits);
         else
-            pick_surfaces(projected, px, py, reach, faces, &hits);
+            pick_surfaces(object, *mesh, search, px, py, reach, faces, &hits);
     });
     std::stable_sort(hits.begin(), hits.end(), nearer);
     if (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT)
         keep_objects_once(&hits);
+    if (kind == pick_kind::EDGE && search.filled)
+        drop_hidden_edges(search, px, py, &hits);
+    if (kind == pick_kind::VERTEX && search.filled && hits.size() > 1)
+        seen_vertex_first(search, &hits);
     return hits;
 }
 
 std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band)
 {
-    const projector_t projector(view);
-    const window_t window = {static_cast<float>(std::min(band.x0, band.x1)),
-                             static_cast<float>(std::min(band.y0, band.y1)),
-                             static_cast<float>(std::max(band.x0, band.x1)),
-                             static_cast<float>(std::max(band.y0, band.y1))};
+    search_t search = search_of(view, {static_cast<float>(std::min(band.x0, band.x1)),
+                                       static_cast<float>(std::min(band.y0, band.y1)),
+                                       static_cast<float>(std::max(band.x0, band.x1)),
+                                       static_cast<float>(std::max(band.y0, band.y1))});
+    const bool seen_only = view == VIEW_XYZ && search.filled;
     std::vector<pick_hit_t> hits;
-    projected_t projected;
     for_each_object(vesk_get_world(), [&](object_t *object) {
         if (!pickable(object))
             return;
         if (object->type == OBJECT_LIGHT &&
             (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT) &&
-            window.sides(projector(object->centre)) == 0)
-            hits.push_back({object, nullptr, nullptr, 0, 0});
+            search.window.sides(search.projector(object->centre)) == 0)
+            hits.push_back({object});
         if (kind == pick_kind::LIGHT || object->vertices == nullptr)
             return;
-        projected.project(object, projector, window);
-        if (projected.any_inside)
-            band_elements(projected, kind, window, band.touching, &hits);
+        const flat_ptr mesh = object_flat(object);
+        if (kind == pick_kind::EDGE)
+            band_edges(object, *mesh, search, band, seen_only, &hits);
+        else
+            band_elements(object, *mesh, kind, search, band, seen_only, &hits);
     });
     return hits;
 }

@@ -24,17 +24,27 @@ public:
         else
             set_flat(view);
     }
-    [[nodiscard]] screen_point_t operator()(const point3_t &p) const
+    [[nodiscard]] screen_point_t operator()(const point3_t &p) const { return divided(eye(p)); }
+
+    // Before the division of perspective: x and y stand for pixels times the depth. Straight lines
+    // keep their proportions here, and points behind the viewer have a place too.
+    [[nodiscard]] screen_point_t eye(const point3_t &p) const
     {
-        const float x = m[0] * p.x + m[1] * p.y + m[2] * p.z + m[3];
-        const float y = m[4] * p.x + m[5] * p.y + m[6] * p.z + m[7];
-        const float depth = m[8] * p.x + m[9] * p.y + m[10] * p.z + m[11];
-        if (!perspective)
-            return {x + centre_x, y + centre_y, depth};
-        if (depth < 1e-6f)
-            return {behind_viewer, behind_viewer, depth};
-        return {x / depth + centre_x, y / depth + centre_y, depth};
+        return {m[0] * p.x + m[1] * p.y + m[2] * p.z + m[3],
+                m[4] * p.x + m[5] * p.y + m[6] * p.z + m[7],
+                m[8] * p.x + m[9] * p.y + m[10] * p.z + m[11]};
     }
+    [[nodiscard]] screen_point_t divided(const screen_point_t &eye) const
+    {
+        if (!perspective)
+            return {eye.x + centre_x, eye.y + centre_y, eye.depth};
+        if (eye.depth < nearest_depth)
+            return {behind_viewer, behind_viewer, eye.depth};
+        return {eye.x / eye.depth + centre_x, eye.y / eye.depth + centre_y, eye.depth};
+    }
+    [[nodiscard]] bool has_perspective() const { return perspective; }
+
+    static constexpr float nearest_depth = 1e-6f; // of what the viewer sees with perspective
 
 private:
     void set_flat(int view)

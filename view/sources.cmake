@@ -18,11 +18,14 @@ target_sources(vesk_core PRIVATE
     view/overlay.cpp
     view/pick.cpp
     view/pick_edge.cpp
+    view/pick_index.cpp
+    view/pick_outline.cpp
     view/projection.cpp
     view/ruler.cpp
     view/screen_ray.cpp
     view/tool_create.cpp
     view/tool_insert.cpp
+    view/tool_loop_cut.cpp
     view/tool_measure.cpp
     view/tool_select.cpp
     view/tool_transform.cpp

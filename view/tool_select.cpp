@@ -8,6 +8,9 @@
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
+#include "edit/edge_select.h"
+#include "model/change_marks.h"
+#include "model/identity.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "view/drag_echo.h"
@@ -24,6 +27,7 @@ namespace {
 
 constexpr int same_place = 2; // pixels
 constexpr double double_click_seconds = 0.4;
+constexpr double cycle_seconds = 1.5; // after it a click takes the frontmost again
 
 // The last click, for taking the next thing behind.
 struct last_click_t {
@@ -31,6 +35,9 @@ struct last_click_t {
     int x = 0, y = 0;
     size_t index = 0;
     double seconds = 0;
+    // When it had done its work: another selection or model since, and it is forgotten.
+    unsigned selection = 0;
+    std::uint64_t model = 0;
 };
 last_click_t last_click;
 
@@ -41,6 +48,8 @@ pick_kind kind_of_mode()
         return pick_kind::SURFACE;
     case SELECT_VERTEX:
         return pick_kind::VERTEX;
+    case SELECT_EDGE:
+        return pick_kind::EDGE;
     case SELECT_LIGHT:
         return pick_kind::LIGHT;
     default:
@@ -72,8 +81,66 @@ std::vector<pick_hit_t> hits_at(int view, int x, int y)
     return hits_of_mode(pick_at(view, kind_of_mode(), x, y, range));
 }
 
+// The edges of the hits, object by object.
+std::vector<owned_edges> edges_of_hits(const std::vector<pick_hit_t> &hits)
+{
+    std::vector<owned_edges> edges;
+    for (const pick_hit_t &hit : hits) {
+        if (edges.empty() || edges.back().object != hit.object) {
+            edges.push_back({hit.object, object_topology(hit.object), {}});
+            std::uint32_t number = 0;
+            for (vertex *v : *edges.back().topology->mesh().vertex_records)
+                set_scratch(v, number++);
+        }
+        const int e = edges.back().topology->table().find(static_cast<int>(scratch(hit.point)),
+                                                          static_cast<int>(scratch(hit.end)));
+        if (e >= 0)
+            edges.back().edges.push_back(e);
+    }
+    return edges;
+}
+
+bool is_edge_selected(const pick_hit_t &hit)
+{
+    const std::vector<owned_edges> picked = edges_of_hits({hit});
+    for (const owned_edges &owned : selected_edges()) {
+        if (owned.object == hit.object && !picked.front().edges.empty())
+            return std::find(owned.edges.begin(), owned.edges.end(),
+                             picked.front().edges.front()) != owned.edges.end();
+    }
+    return false;
+}
+
+void echo_edges(const std::vector<owned_edges> &edges, bool on, bool replace)
+{
+    if (replace)
+        echo_command({"clear_selection"});
+    for (const owned_edges &owned : edges) {
+        for (const int e : owned.edges)
+            echo_command({on ? "edge_select" : "edge_deselect",
+                          std::to_string(object_identity(owned.object)),
+                          std::to_string(owned.topology->edge(e).a),
+                          std::to_string(owned.topology->edge(e).b)});
+    }
+}
+
+// A second click on an edge takes its loop, and on an edge of the loop alone its ring.
+bool take_walk(const pick_hit_t &hit, bool add)
+{
+    const std::vector<owned_edges> edge = edges_of_hits({hit});
+    if (edge.empty() || edge.front().edges.empty())
+        return false;
+    const bool ring = loop_is_selected(edge.front());
+    select_edges(ring ? rings_of(edge) : loops_of(edge),
+                 add ? edge_change::add : edge_change::replace);
+    echo_command({ring ? "select_ring" : "select_loop"});
+    return true;
+}
+
 bool is_selected(const pick_hit_t &hit)
 {
+    if (select_mode() == SELECT_EDGE)
+        return is_edge_selected(hit);
     const selection_t &all = selection();
     if (hit.point != nullptr) {
         return list_index(all.vertices, hit.point) >= 0;
@@ -87,6 +154,14 @@ bool is_selected(const pick_hit_t &hit)
 // Changes the selection, or makes these the selection.
 void set_selected(const std::vector<pick_hit_t> &hits, bool on, bool replace)
 {
+    if (select_mode() == SELECT_EDGE) {
+        const std::vector<owned_edges> edges = edges_of_hits(hits);
+        select_edges(edges, replace ? edge_change::replace
+                            : on    ? edge_change::add
+                                    : edge_change::remove);
+        echo_edges(edges, on, replace);
+        return;
+    }
     if (replace) {
         clear_selection();
     }
@@ -112,19 +187,27 @@ void select_nothing()
     clear_selection();
 }
 
-bool is_again(int view, int x, int y)
+bool is_again(int view, int x, int y, double seconds)
 {
     const last_click_t &last = last_click;
-    return last.view == view && last.mode == select_mode() && std::abs(last.x - x) <= same_place &&
-           std::abs(last.y - y) <= same_place;
+    return seconds - last.seconds <= cycle_seconds && last.selection == selection_change_count() &&
+           last.model == model_change_count() && last.view == view && last.mode == select_mode() &&
+           std::abs(last.x - x) <= same_place && std::abs(last.y - y) <= same_place;
 }
 
 // Which of the hits a click takes.
 size_t index_of_click(int view, int x, int y, double seconds, size_t count)
 {
-    const size_t index = is_again(view, x, y) ? (last_click.index + 1) % count : 0;
-    last_click = {view, select_mode(), x, y, index, seconds};
+    const size_t index = is_again(view, x, y, seconds) ? (last_click.index + 1) % count : 0;
+    last_click = {view, select_mode(), x, y, index, seconds, 0, 0};
     return index;
+}
+
+// The click has done its work.
+void note_click()
+{
+    last_click.selection = selection_change_count();
+    last_click.model = model_change_count();
 }
 
 // The object below the pointer itself, in object mode.
@@ -170,12 +253,18 @@ void select_click(int view, int x, int y, int state, double seconds)
 {
     const bool shift = qualifier_shift(state) != 0;
     const bool of_objects = select_mode() == SELECT_TREE || select_mode() == SELECT_OBJECT;
-    const bool twice = is_again(view, x, y) && seconds - last_click.seconds < double_click_seconds;
+    const bool twice =
+        is_again(view, x, y, seconds) && seconds - last_click.seconds < double_click_seconds;
     if (twice && of_objects && !shift && descend(view, x, y)) {
         finish();
         return;
     }
     const std::vector<pick_hit_t> hits = hits_at(view, x, y);
+    if (twice && select_mode() == SELECT_EDGE && !hits.empty() && take_walk(hits.front(), shift)) {
+        note_click();
+        finish();
+        return;
+    }
     if (hits.empty()) {
         last_click = {};
         // A press and release on a handle is no click on the ground behind it.
@@ -187,6 +276,7 @@ void select_click(int view, int x, int y, int state, double seconds)
     }
     const pick_hit_t &hit = hits[index_of_click(view, x, y, seconds, hits.size())];
     set_selected({hit}, !shift || !is_selected(hit), !shift);
+    note_click();
     finish();
 }
 

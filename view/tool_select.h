@@ -6,8 +6,8 @@
 // Selecting with the mouse, by the present select mode. Both redraw and refresh the status.
 
 // A click: selects the element under the pointer, or nothing. Shift (in `state`)
-// adds or removes it. A second click at the same place takes the next thing behind; a double click
-// in the object modes changes to object mode with the object itself selected.
+// adds or removes it. A second click at the same place takes the next thing behind, when it comes
+// within a second or so and neither selection nor model changed in between; a double click in the object modes changes to object mode with the object itself selected.
 void select_click(int view, int x, int y, int state, double seconds);
 
 // A rubber band: replaces the selection; Shift adds, Control removes.

@@ -54,6 +54,8 @@ struct state_t {
 };
 state_t tool;
 
+extrude_sides extrusion_sides = extrude_sides::automatic;
+
 doing what_on_selection(int view)
 {
     if (draw_mode() == DRAW_EXTRUDE) {
@@ -66,12 +68,23 @@ doing what_on_selection(int view)
     return draw_mode() == DRAW_ROTATE && is_orthographic(view) ? doing::ROTATE : doing::MOVE;
 }
 
+// Shift adds by a rubber band unless it begins on a selected part: the rest of the selection's box
+// is as good as empty then.
+bool begins_on_selection(const pointer_event_t &event, int handle)
+{
+    return (handle != HANDLE_NONE && qualifier_shift(event.state) == 0) ||
+           pointer_is_on_selection(event.view, event.x, event.y);
+}
+
 doing what_to_do(const pointer_event_t &event, int handle)
 {
+    if (event.view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0) {
+        return doing::NOTHING; // the left button walks
+    }
     if (handle > HANDLE_INSIDE_ROTATE) {
         return doing::RESIZE;
     }
-    if (handle != HANDLE_NONE || pointer_is_on_selection(event.view, event.x, event.y)) {
+    if (begins_on_selection(event, handle)) {
         return what_on_selection(event.view);
     }
     return is_orthographic(event.view) ? doing::BAND : doing::NOTHING;
@@ -390,7 +403,6 @@ void finish_change(const pointer_event_t &event)
     const drag_change_t change = change_of(event);
     // Calls from here on may announce changes: the drag must be forgotten by then.
     const bool extrudes = tool.what == doing::EXTRUDE;
-    const point3_t from = tool.centre;
     const std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     std::vector<std::string> words;
@@ -398,11 +410,9 @@ void finish_change(const pointer_event_t &event)
     if (is_nothing(change)) {
         transform->take_back();
     } else if (extrudes) {
-        open_world_undo("extrude");
-        const point3_t to = point_add(from, change.offset);
-        words = words_of_extrusion(point_sub(to, from));
-        extrude_selected(&from, &to);
-        find_bounding_box();
+        if (extrude_and_select(change.offset, extrusion_sides)) {
+            words = words_of_extrusion(change.offset, extrusion_sides);
+        }
     } else {
         transform->step(change);
         transform->finish();
@@ -556,6 +566,8 @@ void hover(const pointer_event_t &event)
 bool wanted() { return mode_is_selectable(draw_mode()) != 0; }
 
 } // namespace
+
+void set_extrusion_sides(extrude_sides sides) { extrusion_sides = sides; }
 
 const tool_t transform_tool = {.wanted = wanted,
                                .press = press,

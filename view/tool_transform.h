@@ -1,6 +1,7 @@
 #ifndef VESK_VIEW_TOOL_TRANSFORM_H
 #define VESK_VIEW_TOOL_TRANSFORM_H
 
+#include "edit/extrude.h"
 #include "view/tool.h"
 
 // Selecting by clicks and rubber bands, and the left button's drags of the selection: moving,
@@ -8,5 +9,8 @@
 // number field. The model is changed by one undo record at the release; a cancelled drag leaves the
 // very bits as they were.
 extern const tool_t transform_tool;
+
+// How the tool "extrude" closes what it makes; at start automatic.
+void set_extrusion_sides(extrude_sides sides);
 
 #endif

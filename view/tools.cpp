@@ -4,10 +4,12 @@
 #include "base/redraw.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection.h"
+#include "edit/palette_preview.h"
 #include "edit/panel_transform.h"
 #include "view/interaction.h"
 #include "view/tool_create.h"
 #include "view/tool_insert.h"
+#include "view/tool_loop_cut.h"
 #include "view/tool_measure.h"
 #include "view/tool_select.h"
 #include "view/tool_transform.h"
@@ -17,8 +19,8 @@
 
 namespace {
 
-const tool_t *const tools[] = {&transform_tool, &zoom_tool, &create_tool, &measure_tool,
-                               &insert_tool};
+const tool_t *const tools[] = {&transform_tool, &zoom_tool,   &create_tool,
+                               &measure_tool,   &insert_tool, &loop_cut_tool};
 
 const tool_t *chosen = nullptr; // by name
 
@@ -92,6 +94,7 @@ void tools_interrupt()
             interaction_cancel();
     }
     panel_transform_cancel();
+    palette_preview_end();
 }
 
 void tools_forget()

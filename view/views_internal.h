@@ -1,8 +1,8 @@
 #ifndef VESK_VIEW_VIEWS_INTERNAL_H
 #define VESK_VIEW_VIEWS_INTERNAL_H
 
-#include "view/views.h"
 #include "model/vector.h"
+#include "view/views.h"
 
 // The screen axes of an orthographic view as indices of world axes.
 struct view_axes_t {

@@ -1,5 +1,6 @@
 #include "edit/check/model_check.h"
 
+#include "edit/check/model_check_notes.h"
 #include "edit/check/model_check_search.h"
 #include "edit/mesh/edge_table.h"
 #include "model/change_marks.h"
@@ -27,9 +28,11 @@ public:
     model_findings find()
     {
         const edge_table edges(*mesh_);
-        find_edges(edges);
+        const std::vector<int> first = first_at_place(*mesh_->positions);
+        const meant_parts meant = find_meant_parts(*mesh_, edges, first);
+        find_edges(edges, meant);
         find_t_vertices(edges);
-        find_duplicate_vertices();
+        find_duplicate_vertices(first, meant);
         find_duplicate_surfaces();
         find_shapes();
         find_flipped(edges);
@@ -45,21 +48,24 @@ public:
     }
 
 private:
-    void add(model_problem kind, int first, int second, int surface = -1)
+    void add(model_problem kind, int first, int second, int surface = -1, bool note = false)
     {
-        if (found_.totals[static_cast<std::size_t>(kind)]++ < most_)
-            found_.problems.push_back({kind, object_, first, second, surface});
+        const auto place = static_cast<std::size_t>(kind);
+        if (note)
+            ++found_.notes[place];
+        if (found_.totals[place]++ < most_)
+            found_.problems.push_back({kind, object_, first, second, surface, note});
     }
     [[nodiscard]] const point3_t &position(int v) const { return mesh_->position(v); }
     [[nodiscard]] bool polygon(int s) const { return !mesh_->surface(s).is_line(); }
 
-    void find_edges(const edge_table &edges)
+    void find_edges(const edge_table &edges, const meant_parts &meant)
     {
         for (int e = 0; e < edges.size(); ++e) {
             const auto uses = edges.uses(e);
             const mesh_edge &edge = edges.edge(e);
             if (uses.size() == 1) {
-                add(model_problem::open_edge, edge.a, edge.b, uses.front().surface);
+                add(model_problem::open_edge, edge.a, edge.b, uses.front().surface, meant.edges[e]);
             } else if (uses.size() > 2) {
                 add(model_problem::crowded_edge, edge.a, edge.b, uses[2].surface);
             }
@@ -75,12 +81,11 @@ private:
         }
     }
 
-    void find_duplicate_vertices()
+    void find_duplicate_vertices(const std::vector<int> &first, const meant_parts &meant)
     {
-        const std::vector<int> first = first_at_place(*mesh_->positions);
         for (int v = 0; v < mesh_->num_vertices(); ++v) {
             if (first[v] != v)
-                add(model_problem::duplicate_vertex, v, first[v]);
+                add(model_problem::duplicate_vertex, v, first[v], -1, meant.vertices[v]);
         }
     }
 
@@ -165,8 +170,10 @@ void append(const model_findings &more, int most, model_findings *all)
         if (listed[static_cast<std::size_t>(problem.kind)]++ < most)
             all->problems.push_back(problem);
     }
-    for (std::size_t kind = 0; kind < all->totals.size(); ++kind)
-        all->totals[static_cast<std::size_t>(kind)] += more.totals[static_cast<std::size_t>(kind)];
+    for (std::size_t kind = 0; kind < all->totals.size(); ++kind) {
+        all->totals[kind] += more.totals[kind];
+        all->notes[kind] += more.notes[kind];
+    }
 }
 
 struct problem_words {

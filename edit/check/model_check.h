@@ -35,10 +35,12 @@ struct found_problem {
     int first, second;
     // The surface that has the edge (open, crowded, t_vertex), else -1.
     int surface = -1;
+    bool note = false; // there on purpose, as it seems: see model_check_notes.h
 };
 
 struct model_findings {
     std::array<int, num_model_problems> totals = {};
+    std::array<int, num_model_problems> notes = {}; // of these, how many are notes only
     std::vector<found_problem> problems; // by kind within an object; the first ones of each kind
 
     [[nodiscard]] int total(model_problem kind) const

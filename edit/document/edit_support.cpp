@@ -34,7 +34,7 @@ std::vector<object_t *> selected_top_objects() { return without_descendants(sele
 void select_results(const std::vector<object_t *> &objects)
 {
     clear_selection();
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX) {
+    if (mode_has_elements(select_mode())) {
         selection_add_by_rule(objects);
     } else {
         std::vector<object_t *> reachable;
@@ -47,20 +47,44 @@ void select_results(const std::vector<object_t *> &objects)
     selection_changed("select");
 }
 
-std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
+namespace {
+
+// The scratch words of the listed elements are their ranks. `record` gives the element at a place.
+template <class T, class Record>
+void sort_by_rank(std::vector<owned_elements> &owners, const listitem *list, Record &&record)
 {
-    std::vector<owned_elements> owners = surfaces_by_owner(surfaces);
     uint32_t rank = 0;
-    for (surface_t *surface : each<surface_t>(surfaces))
-        set_scratch(surface, rank++);
+    for (T *element : each<T>(list))
+        set_scratch(element, rank++);
     for (owned_elements &owned : owners) {
         const flat_ptr mesh = object_flat(owned.object);
         const auto earlier = [&](int a, int b) {
-            return scratch(mesh->surface_record(a)) < scratch(mesh->surface_record(b));
+            return scratch(record(*mesh, a)) < scratch(record(*mesh, b));
         };
         if (!std::is_sorted(owned.indices.begin(), owned.indices.end(), earlier))
             std::sort(owned.indices.begin(), owned.indices.end(), earlier);
     }
+}
+
+} // namespace
+
+std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces)
+{
+    std::vector<owned_elements> owners = surfaces_by_owner(surfaces);
+    sort_by_rank<surface_t>(owners, surfaces, [](const flat_mesh &mesh, int place) {
+        return mesh.surface_record(place);
+    });
+    return owners;
+}
+
+std::vector<owned_elements> vertices_by_owner_in_order(const listitem *vertices)
+{
+    std::vector<owned_elements> owners = vertices_by_owner(vertices);
+    for (const owned_elements &owned : owners)
+        object_flat(owned.object); // numbers the vertices where it is built anew
+    sort_by_rank<vertex>(owners, vertices, [](const flat_mesh &mesh, int place) {
+        return mesh.vertex_record(place);
+    });
     return owners;
 }
 

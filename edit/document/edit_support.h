@@ -23,8 +23,9 @@ std::vector<object_t *> without_descendants(const std::vector<object_t *> &objec
 // they themselves, groups too, else their vertices or surfaces.
 void select_results(const std::vector<object_t *> &objects);
 
-// surfaces_by_owner, each owner's surfaces in the order of the list.
+// surfaces_by_owner and vertices_by_owner, those of each owner in the order of the list.
 std::vector<owned_elements> surfaces_by_owner_in_order(const listitem *surfaces);
+std::vector<owned_elements> vertices_by_owner_in_order(const listitem *vertices);
 
 // The targets of the surface operations: the selected whole surfaces, and all surfaces of the
 // selected objects and their descendants.

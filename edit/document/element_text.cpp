@@ -15,7 +15,7 @@
 
 namespace {
 
-bool by_object() { return select_mode() != SELECT_VERTEX && select_mode() != SELECT_SURFACE; }
+bool by_object() { return !mode_has_elements(select_mode()); }
 
 struct range_t {
     int first, last;
@@ -41,7 +41,7 @@ bool scan_range(const char **p, const char *end, range_t *range)
 void add_range(object_t *object, const range_t &range, owned_list *found)
 {
     const flat_ptr mesh = object_flat(object);
-    const bool vertices = select_mode() == SELECT_VERTEX;
+    const bool vertices = mode_has_vertices(select_mode());
     const int count = vertices ? mesh->num_vertices() : mesh->num_surfaces();
     for (int i = std::max(0, range.first); i <= std::min(range.last, count - 1); ++i) {
         const auto place = static_cast<std::size_t>(i);
@@ -56,7 +56,7 @@ void add_range(object_t *object, const range_t &range, owned_list *found)
 
 void change_selection(const listitem *elements, bool on)
 {
-    if (select_mode() == SELECT_VERTEX)
+    if (mode_has_vertices(select_mode()))
         (on ? select_vertices : unselect_vertices)(elements);
     else if (select_mode() == SELECT_SURFACE)
         (on ? select_surfacelist : unselect_surfacelist)(elements);
@@ -100,7 +100,7 @@ std::string element_text(const listitem *elements)
         for (const object_t *object : each<object_t>(elements))
             text += " " + std::to_string(object_identity(object));
     } else {
-        const std::vector<owned_elements> owners = select_mode() == SELECT_VERTEX
+        const std::vector<owned_elements> owners = mode_has_vertices(select_mode())
                                                        ? vertices_by_owner(elements)
                                                        : surfaces_by_owner(elements);
         for (const owned_elements &owned : owners) {

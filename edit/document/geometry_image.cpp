@@ -221,13 +221,14 @@ point3_t normal_of_corners(const flat_mesh &mesh, int surface)
             static_cast<float>(z / divisor)};
 }
 
-void object_write_geometry(object_t *object, const flat_mesh &image)
+bool object_write_geometry(object_t *object, const flat_mesh &image)
 {
     auto flat = std::make_shared<flat_mesh>(image);
     if (!flat->face_normals)
         flat->face_normals = normals_from_corners(image);
     object_state &state = state_of(object);
-    if (has_lists_of(state, *flat)) {
+    const bool stays = has_lists_of(state, *flat);
+    if (stays) {
         write_values(state, *flat);
         flat->vertex_records = state.flat->vertex_records;
         flat->surface_records = state.flat->surface_records;
@@ -238,4 +239,5 @@ void object_write_geometry(object_t *object, const flat_mesh &image)
     flat->stamp = state.stamp;
     state.flat = std::move(flat);
     state.marks &= ~static_cast<unsigned>(CHANGED_GEOMETRY);
+    return stays;
 }

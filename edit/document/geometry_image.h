@@ -10,7 +10,8 @@ point3_t normal_of_corners(const flat_mesh &mesh, int surface);
 
 // Makes the object's vertices and surfaces those of the image and sets its flat mesh. Where the
 // lists are known to be the image's, values are written; else the holders of references are
-// notified that all vertices and surfaces are gone, though their records are used again.
-void object_write_geometry(object_t *object, const flat_mesh &image);
+// notified that all vertices and surfaces are gone, though their records are used again. Returns
+// whether they stayed.
+bool object_write_geometry(object_t *object, const flat_mesh &image);
 
 #endif

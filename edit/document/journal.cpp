@@ -2,6 +2,7 @@
 
 #include "base/messages.h"
 #include "base/session_state.h"
+#include "base/ui_port.h"
 #include "edit/document/journal_internal.h"
 #include "edit/document/model_restore.h"
 #include "edit/document/modes.h"
@@ -14,8 +15,12 @@
 
 namespace {
 
+using selection_ptr = std::shared_ptr<const selection_image>;
+
 struct journal_entry {
     state_ptr state;
+    selection_ptr after;  // at the end of the step
+    selection_ptr before; // when the next step began; null: `after`
     std::string label;
     undo_stack records;
     // The step opened the records first_serial + 1 .. last_serial.
@@ -24,7 +29,11 @@ struct journal_entry {
     bool foreign = false;           // opened a plug-in's operation
     bool faulted = false;           // made by a command that faulted
     std::vector<std::string> words; // of the command
+    std::string series;             // that steps may go on; "" for none
+    double seconds = 0;             // when its newest step ended
 };
+
+constexpr double series_pause = 1.5; // seconds
 
 struct journal_list {
     std::vector<journal_entry> entries;
@@ -32,8 +41,13 @@ struct journal_list {
     // When the present entry was made or gone to.
     std::uint64_t model_count = 0;
     unsigned last_serial = 0;
+    unsigned selection_count = 0; // while the selection is the one that the entry has
     std::uint64_t changes = 0;
     std::size_t limit = journal_default_limit;
+    // Of the running step: its series, and what was selected when it began, null for what the
+    // present entry has.
+    std::string series;
+    selection_ptr selected;
     bool held = false;
     void (*before_state)(unsigned first_serial) = nullptr;
 };
@@ -53,10 +67,18 @@ void in_step_now()
     journal().last_serial = undo_last_serial();
 }
 
+// Whether the selection is the one that going back to the present entry brings.
+void set_selection_known(bool known)
+{
+    journal().selection_count = selection_change_count() - (known ? 0 : 1);
+}
+
 journal_entry entry_of_now(const char *label)
 {
     journal_entry now;
     now.state = model_state_capture();
+    now.after = now.state->selection;
+    now.seconds = ui_port().now_seconds();
     now.label = label;
     now.records = undo_records();
     now.first_serial = now.last_serial = undo_last_serial();
@@ -91,34 +113,60 @@ std::string label_of_step(const char *label)
     return label ? label : "change";
 }
 
+// Whether the step opened a plug-in's operation.
+bool opened_foreign(const journal_entry &step)
+{
+    return std::any_of(step.records.begin(), step.records.end(), [&](const auto &record) {
+        return record->serial > step.first_serial && record->operation() &&
+               record->operation()->foreign;
+    });
+}
+
+bool joins_present(const std::string &series)
+{
+    const journal_entry &present = entry(journal().present);
+    return !series.empty() && series == present.series &&
+           ui_port().now_seconds() - present.seconds <= series_pause;
+}
+
 bool take_step(const char *label, const std::vector<std::string> &words, bool faulted)
 {
     journal_list &list = journal();
     if (list.held)
         return false;
     journal_begin();
-    const journal_entry &before = entry(list.present);
     const unsigned first_serial = list.last_serial;
-    const bool opened = undo_last_serial() != first_serial;
-    if (!opened && list.model_count == model_change_count())
+    if (undo_last_serial() == first_serial && list.model_count == model_change_count())
         return false;
     if (!faulted && list.before_state)
         list.before_state(first_serial);
     journal_entry now = entry_of_now(label_of_step(label).c_str());
-    in_step_now();
-    const bool changed = !model_state_same(*now.state, *before.state);
-    if (!opened && !changed)
-        return false;
     now.first_serial = first_serial;
-    now.change = changed ? ++list.changes : before.change;
+    now.foreign = opened_foreign(now);
     now.faulted = faulted;
     now.words = words;
-    for (const undo_record_ptr &record : now.records)
-        now.foreign = now.foreign || (record->serial > first_serial && record->operation() &&
-                                      record->operation()->foreign);
+    now.series = std::exchange(list.series, {});
+    in_step_now();
+    journal_entry &before = entry(list.present);
+    const bool changed = !model_state_same(*now.state, *before.state);
+    if (!changed && !now.foreign) {
+        before.state = now.state; // the palette may have grown
+        before.records = now.records;
+        return false;
+    }
+    now.change = changed ? ++list.changes : before.change;
     drop_ahead();
-    list.entries.push_back(std::move(now));
-    ++list.present;
+    if (joins_present(now.series)) {
+        now.first_serial = before.first_serial;
+        now.label = before.label;
+        before = std::move(now);
+    } else {
+        if (list.selected)
+            before.before = list.selected;
+        list.entries.push_back(std::move(now));
+        ++list.present;
+    }
+    set_selection_known(true);
     keep_limit();
     return true;
 }
@@ -126,24 +174,52 @@ bool take_step(const char *label, const std::vector<std::string> &words, bool fa
 // Scripts that a command's messages run may ask: its step is not cut in two for that.
 bool inside_a_command() { return session().command_depth > 1; }
 
-// Model, selection and mode as in a state. Undo records that name freed elements are marked broken.
-void jump(const state_ptr &state)
+// Model and selection as in a state; without a selection the mode stays. Undo records that name
+// freed elements are marked broken. Returns whether all that the state has stayed what it was.
+bool jump(const state_ptr &state, const selection_image &then)
 {
     const int mode = select_mode();
+    selection_image selected = then;
+    if (then.vertices.empty() && then.surfaces.empty() && then.objects.empty())
+        selected.mode = mode;
     undo_set_jumping(true);
-    model_state_restore(state, restore_selection::yes);
+    const bool kept = model_state_restore(state, &selected);
     undo_set_jumping(false);
-    undo_break_external();
     if (select_mode() != mode)
         tcl_command("set_select_mode_ui %s", select_mode_name(select_mode()));
     in_step_now();
+    return kept;
+}
+
+const selection_image &selection_before(const journal_entry &next)
+{
+    return next.before ? *next.before : *next.after;
+}
+
+// Operations of plug-ins whose steps were crossed otherwise than by themselves cannot be reversed
+// by themselves any more.
+void break_operations(int first, int last)
+{
+    for (int i = first; i <= last; ++i) {
+        for (const undo_record_ptr &record : entry(i).records) {
+            if (record->serial > entry(i).first_serial && record->serial <= entry(i).last_serial &&
+                record->operation())
+                record->broken = true;
+        }
+    }
 }
 
 void go_to(int index)
 {
+    const int from = journal().present;
+    journal_entry &to = entry(index);
     journal().present = index;
-    const undo_stack records = entry(index).records;
-    jump(entry(index).state);
+    const undo_stack records = to.records;
+    if (!jump(to.state, index < from ? selection_before(to) : *to.after))
+        undo_break_external();
+    set_selection_known(index < from);
+    break_operations(std::min(from, index) + 1, std::max(from, index));
+    to.state = model_state_capture(); // the palette may have grown since
     undo_records_restore(records);
 }
 
@@ -214,6 +290,7 @@ void journal_begin()
     entry(0).change = ++list.changes;
     list.present = 0;
     in_step_now();
+    set_selection_known(true);
 }
 
 void journal_restart()
@@ -223,12 +300,41 @@ void journal_restart()
     journal_begin();
 }
 
+void journal_before_step(bool changes)
+{
+    journal_list &list = journal();
+    journal_begin();
+    if (list.held)
+        return;
+    list.series.clear();
+    list.selected = nullptr;
+    if (!changes)
+        return;
+    if (list.model_count != model_change_count())
+        journal_settle();
+    if (list.selection_count != selection_change_count())
+        list.selected = model_state_capture()->selection;
+}
+
 bool journal_step(const char *label, const std::vector<std::string> &words)
 {
     return take_step(label, words, false);
 }
 
-bool journal_step_after_fault(const char *label) { return take_step(label, {}, true); }
+bool journal_joins(const std::string &series)
+{
+    journal_begin();
+    journal().series = series;
+    return joins_present(series);
+}
+
+bool journal_step_after_fault(const char *label)
+{
+    const bool step = take_step(label, {}, true);
+    if (!step && journal().present >= 0)
+        entry(journal().present).faulted = false; // this one changed nothing
+    return step;
+}
 
 void journal_set_before_state(void (*listener)(unsigned first_serial))
 {
@@ -263,25 +369,36 @@ const char *journal_back_label()
     const std::string &label = entry(present).label;
     const bool loaded = label.starts_with("load");
     const bool opened = loaded && (present == 1 || entry(present - 1).label == "clear all");
-    // The undone state stands before the result of the undo.
-    const bool undone = label.starts_with("undo ");
-    return opened || undone || label == "clear all" ? nullptr : label.c_str();
+    return opened || label == "clear all" ? nullptr : label.c_str();
 }
+
+namespace {
+
+// The newest record is a plug-in's operation, of the present step, that nothing else has crossed.
+bool present_reverses_itself()
+{
+    const undo_stack &records = undo_records();
+    return !records.empty() && records.back()->operation() &&
+           records.back()->operation()->foreign && !records.back()->broken &&
+           entry_that_opened(*records.back()) == journal().present;
+}
+
+} // namespace
 
 bool journal_back()
 {
     journal_settle();
     if (journal_back_label() == nullptr)
         return false;
-    go_to(journal().present - 1);
+    const int back = journal().present - 1;
+    if (!present_reverses_itself()) {
+        go_to(back);
+        return true;
+    }
+    UNDO();
+    if (journal().present == back)
+        jump(entry(back).state, selection_before(entry(back)));
     return true;
-}
-
-void journal_note_selection()
-{
-    journal_settle();
-    if (journal().present >= 0 && !journal().held)
-        entry(journal().present).state = model_state_capture();
 }
 
 bool journal_can_take_back() { return journal().present > 0 && entry(journal().present).faulted; }
@@ -360,8 +477,10 @@ void journal_settle()
 void journal_restore_before(const undo_record_ptr &record)
 {
     const int opened = entry_that_opened(*record);
-    if (opened > 0)
-        jump(entry(opened - 1).state);
+    if (opened > 0) {
+        jump(entry(opened - 1).state, selection_before(entry(opened - 1)));
+        undo_break_external();
+    }
     if (undo_kind_of(record->kind)->clears_all) {
         clear_all_undos();
     } else {
@@ -374,6 +493,7 @@ void journal_restore_before(const undo_record_ptr &record)
 void journal_undone(const undo_record_ptr &record)
 {
     journal_list &list = journal();
+    set_selection_known(false);
     const int opened = entry_that_opened(*record);
     if (opened > 0 && list.present == opened - 1) { // by the state itself
         in_step_now();
@@ -389,9 +509,9 @@ void journal_undone(const undo_record_ptr &record)
     };
     if (alone && only_rounded()) {
         // The difference is rounding: the old numbers are restored.
-        model_state_restore(entry(opened - 1).state, restore_selection::no);
+        model_state_restore(entry(opened - 1).state, nullptr);
         list.present = opened - 1;
-    } else {
+    } else if (!model_state_same(*model_state_capture(), *entry(list.present).state)) {
         insert_before_present("undo " + record->description);
     }
     in_step_now();

@@ -3,8 +3,11 @@
 
 // The history beside the fixed undo: one list of states of the whole model, each with its undo
 // records, and the place in it where the model stands. A state is taken when an outermost command
-// or a drag that changed something ends. Redo and the history go from state to state; a new change
-// drops the states ahead. The oldest states are dropped when all together exceed the byte limit.
+// or a drag that changed the model ends. The interface's undo and redo and the history go from state
+// to state; a new change drops the states ahead. The oldest states are dropped when all together
+// exceed the byte limit. Selections are no steps of their own, they travel with the steps: going
+// back over one brings the selection it began with, going on over it the one it left. The select
+// mode changes only when there is a selection to bring.
 
 #include "edit/document/model_state.h"
 
@@ -18,10 +21,20 @@ void journal_begin();
 // The model as it is becomes the start of a new history: the program is set up.
 void journal_restart();
 
-// After a change: a new state, when the model changed or an undo record was opened since the last.
-// Its label is that of the newest record, else `label`. Returns whether there is a new state.
+// Before a step; one that is to change the model has its selection remembered, which costs nothing
+// while that is known.
+void journal_before_step(bool changes);
+
+// After a change: a new state, when the model changed since the last or a plug-in's operation was
+// done. Its label is that of the newest record, else `label`. Returns whether there is a new state.
 // `words` are the command that repeats it, for "repeat_last"; none for most.
 bool journal_step(const char *label, const std::vector<std::string> &words = {});
+
+// The running step is one of a series of that name, as a slider makes them. True when the newest
+// step is of that series and ended a moment ago: the two become one, and this one opens no undo
+// record.
+bool journal_joins(const std::string &series);
+
 // The same for a command that faulted: "take back" goes to the state before it.
 bool journal_step_after_fault(const char *label);
 
@@ -37,15 +50,12 @@ void journal_hold(bool held);
 bool journal_redo();
 bool journal_goto(int index);
 
-// One state back, for an interface whose undo records are used up: some reversals drop them all. It
-// does not lead to before the scene was opened. The label is that of the present state, null when
-// there is no way back.
+// One state back: what the interface's undo does. A plug-in's operation goes by its own reversal as
+// long as that holds. It does not lead to before the scene was opened. The label is that of the
+// present state, null when there is no way back.
 bool journal_back();
 const char *journal_back_label();
 
-// The selection of now is that of the present state: going back to it brings it, not the one that
-// was there when the step ended.
-void journal_note_selection();
 bool journal_take_back();
 bool journal_can_take_back();
 

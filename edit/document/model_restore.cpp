@@ -95,7 +95,8 @@ class restoration {
 public:
     explicit restoration(const state_ptr &state) : state_(state), targets_(size()) {}
 
-    void run(restore_selection with_selection)
+    // Whether nothing of the state had to be made anew.
+    bool run(const selection_image *selection)
     {
         find_targets();
         const bool relink = !tree_is_same();
@@ -110,8 +111,9 @@ public:
             write_palette(*state_->palette);
         update_flags();
         note();
-        if (with_selection == restore_selection::yes)
-            selection_image_restore(*state_->selection, by_identity_);
+        if (selection != nullptr)
+            selection_image_restore(*selection, by_identity_);
+        return kept_;
     }
 
 private:
@@ -179,13 +181,14 @@ private:
             if (equals_image(object, object_stamp(object), image))
                 return;
         } else {
+            kept_ = false;
             object = new_object(image->record.type);
             by_identity_[image->identity] = object;
         }
         if (identity_known(object) != image->identity)
             identity_assign(image->identity, object);
         write_record(object, *image);
-        object_write_geometry(object, image->geometry);
+        kept_ &= object_write_geometry(object, image->geometry);
     }
 
     void link_tree()
@@ -231,7 +234,10 @@ private:
         known_.world = vesk_get_world();
         known_.model_count = model_change_count();
         known_.tree_count = tree_change_count();
-        known_.palette_count = palette_change_count();
+        // Entries that were added since are still there: they are looked at again.
+        const bool grown =
+            state_->palette->size() < static_cast<std::size_t>(vesk_get_num_palette());
+        known_.palette_count = palette_change_count() - (grown ? 1 : 0);
         known_.selection_count = selection_change_count() - 1; // the selection is looked at again
     }
 
@@ -240,14 +246,16 @@ private:
     std::vector<object_t *> live_;
     std::vector<object_t *> targets_; // the object of each entry
     objects_by_identity by_identity_;
+    bool kept_ = true;
 };
 
 } // namespace
 
-void model_state_restore(const state_ptr &state, restore_selection selection)
+bool model_state_restore(const state_ptr &state, const selection_image *selection)
 {
-    restoration(state).run(selection);
+    const bool kept = restoration(state).run(selection);
     find_bounding_box();
-    if (selection == restore_selection::yes)
+    if (selection != nullptr)
         selection_changed("undo");
+    return kept;
 }

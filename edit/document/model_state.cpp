@@ -192,6 +192,13 @@ bool materials_equal(const material_image &a, const material_image &b)
            properties_equal(a.properties, b.properties);
 }
 
+// As far as both go.
+bool palettes_same(const std::vector<material_image> &a, const std::vector<material_image> &b)
+{
+    const auto both = static_cast<std::ptrdiff_t>(std::min(a.size(), b.size()));
+    return &a == &b || std::equal(a.begin(), a.begin() + both, b.begin(), materials_equal);
+}
+
 using palette_image = std::shared_ptr<const std::vector<material_image>>;
 
 palette_image palette_image_take()
@@ -498,9 +505,7 @@ bool model_state_same(const model_state &a, const model_state &b)
             !is_unchanged(*x.image, x.image->geometry.face_normals, *y.image))
             return false;
     }
-    return a.palette == b.palette ||
-           std::equal(a.palette->begin(), a.palette->end(), b.palette->begin(), b.palette->end(),
-                      materials_equal);
+    return palettes_same(*a.palette, *b.palette);
 }
 
 bool model_state_nearly_equal(const model_state &a, const model_state &b, float reach)
@@ -519,7 +524,7 @@ bool model_state_nearly_equal(const model_state &a, const model_state &b, float 
                 return false;
         }
     }
-    return a.palette == b.palette;
+    return palettes_same(*a.palette, *b.palette);
 }
 
 void model_state_reset_for_test() { tracked() = {}; }

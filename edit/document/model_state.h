@@ -56,10 +56,17 @@ struct selection_run {
     int count;
     bool operator==(const selection_run &) const = default;
 };
+// An edge that was chosen: its ends by their places.
+struct selected_edge {
+    int identity;
+    int a, b;
+    bool operator==(const selected_edge &) const = default;
+};
 struct selection_image {
     int mode = SELECT_TREE;
     std::vector<selection_run> vertices, surfaces;
-    std::vector<int> objects; // identities
+    std::vector<int> objects;                        // identities
+    std::optional<std::vector<selected_edge>> edges; // none: those between the vertices
     bool operator==(const selection_image &) const = default;
 };
 
@@ -84,8 +91,8 @@ using state_ptr = std::shared_ptr<const model_state>;
 // The model as it is. Unchanged since the last call: the same pointer.
 state_ptr model_state_capture();
 
-// True when both hold the same model to the bit, whatever is selected. Its cost is that of the
-// arrays that are not shared.
+// True when both hold the same model to the bit, whatever is selected; a palette that only grew is
+// the same, for entries are never taken away. Its cost is that of the arrays that are not shared.
 bool model_state_same(const model_state &a, const model_state &b);
 
 // True when both have the same objects, lists and texts, and all numbers agree but for rounding.

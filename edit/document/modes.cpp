@@ -37,7 +37,7 @@ const draw_mode_t draw_modes[] = {
 };
 // clang-format on
 
-const char *const select_names[] = {"tree", "object", "surface", "vertex", "light"};
+const char *const select_names[] = {"tree", "object", "surface", "vertex", "light", "edge"};
 
 int current_draw_mode = DRAW_MOVE;
 void (*cancel_half_drawn)() = nullptr;
@@ -94,13 +94,15 @@ void add_with_descendants(const objects_t &objects)
             if (object == vesk_get_world() || reached.contains(object))
                 return;
             order.push_back(object);
-            // Objects that the rule visits from here need no second visit.
+            // Objects that the rule visits from here need no second visit; in object mode it ends
+            // at polygon objects.
             std::vector<object_t *> stack = {object};
             while (!stack.empty()) {
                 object_t *visited = stack.back();
                 stack.pop_back();
                 if (!reached.insert(visited).second || visited->visible == 0 ||
-                    visited->locked != 0)
+                    visited->locked != 0 ||
+                    (select_mode() == SELECT_OBJECT && visited->type == OBJECT_POLY))
                     continue;
                 append_elements(visited->children, &stack);
             }
@@ -138,18 +140,27 @@ void carry_over(const saved_selection_t &old, int to)
     const bool from_objects = from == SELECT_TREE || from == SELECT_OBJECT;
     if (from_objects && to == SELECT_SURFACE) {
         selection_add_by_rule(elements_of<object_t>(old.objects));
-    } else if (from == SELECT_OBJECT && to == SELECT_VERTEX) {
+    } else if (from == SELECT_OBJECT && mode_has_vertices(to)) {
         selection_add_by_rule(elements_of<object_t>(old.objects));
-    } else if (from == SELECT_TREE && (to == SELECT_VERTEX || to == SELECT_OBJECT)) {
+    } else if (from == SELECT_TREE && (mode_has_vertices(to) || to == SELECT_OBJECT)) {
         add_with_descendants(elements_of<object_t>(old.objects));
     } else if (from == SELECT_OBJECT && to == SELECT_TREE) {
         add_top_ancestors(elements_of<object_t>(old.objects), true);
-    } else if (from == SELECT_VERTEX && to == SELECT_OBJECT) {
+    } else if (mode_has_vertices(from) && to == SELECT_OBJECT) {
         selection_add_objects(owners(elements_of<vertex>(old.vertices)));
-    } else if (from == SELECT_VERTEX && to == SELECT_TREE) {
+    } else if (mode_has_vertices(from) && to == SELECT_TREE) {
         add_top_ancestors(owners(elements_of<vertex>(old.vertices)), false);
     } else if (from == SELECT_VERTEX && to == SELECT_SURFACE) {
         selection_add_surfaces(surfaces_within(elements_of<vertex>(old.vertices)));
+    } else if (from == SELECT_VERTEX && to == SELECT_EDGE) {
+        selection_add_vertices(ends_of(edges_of_saved(old)));
+    } else if (from == SELECT_EDGE && to == SELECT_VERTEX) {
+        selection_add_vertices(elements_of<vertex>(old.vertices));
+    } else if (from == SELECT_EDGE && to == SELECT_SURFACE) {
+        selection_add_surfaces(surfaces_of_sides(edges_of_saved(old)));
+    } else if (from == SELECT_SURFACE && to == SELECT_EDGE) {
+        select_edges(edges_of_saved(old), edge_change::replace);
+        return; // announced
     } else if (from == SELECT_SURFACE && to != SELECT_LIGHT) {
         select_surfacelist(old.surfaces);
         return; // announced
@@ -167,7 +178,7 @@ int draw_mode() { return current_draw_mode; }
 
 const char *select_mode_name(int mode)
 {
-    return mode >= SELECT_TREE && mode <= SELECT_LIGHT ? select_names[mode] : nullptr;
+    return mode >= SELECT_TREE && mode <= SELECT_EDGE ? select_names[mode] : nullptr;
 }
 
 void set_draw_cancel_hook(void (*hook)()) { cancel_half_drawn = hook; }
@@ -239,7 +250,7 @@ int mode_is_selectable(int mode)
 void command_set_select_mode(const char *text)
 {
     int code = -1;
-    for (int i = SELECT_TREE; i <= SELECT_LIGHT; ++i) {
+    for (int i = SELECT_TREE; i <= SELECT_EDGE; ++i) {
         if (std::strcmp(select_names[i], text) == 0)
             code = i;
     }

@@ -1,4 +1,5 @@
 #include "base/coor_display.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
@@ -36,6 +37,7 @@ void drop_freed(const freed_things &freed)
     all.num_vertices -= list_drop_freed(&all.vertices, freed.vertices);
     all.num_surfaces -= list_drop_freed(&all.surfaces, freed.surfaces);
     all.num_objects -= list_drop_freed(&all.objects, freed.objects);
+    chosen_edges_drop(freed.vertices);
 }
 
 void hold_selected(freed_things &held)
@@ -118,7 +120,7 @@ void remove_objects(const std::vector<object_t *> &objects)
 void remove_by_rule(const std::vector<object_t *> &objects)
 {
     selection_t &all = selection();
-    if (state.mode == SELECT_VERTEX) {
+    if (mode_has_vertices(state.mode)) {
         std::vector<vertex *> vertices;
         for (object_t *object : objects)
             for_each_object(object, [&](object_t *o) { append_elements(o->vertices, &vertices); });
@@ -133,17 +135,21 @@ void remove_by_rule(const std::vector<object_t *> &objects)
         for (object_t *object : objects)
             tops.push_back(object_top_ancestor(object));
         remove_objects(tops);
-    } else { // the list holds members of groups
+    } else { // the list holds members of groups; what lies below a polygon object has its own entry
         std::vector<object_t *> members;
-        for (object_t *object : objects)
-            for_each_object(object, [&](object_t *o) { members.push_back(o); });
+        for (object_t *object : objects) {
+            walk_while(object, [&](object_t *o) {
+                members.push_back(o);
+                return state.mode == SELECT_LIGHT || o->type != OBJECT_POLY;
+            });
+        }
         remove_objects(members);
     }
 }
 
 void add_surfaces_by_rule(const std::vector<surface_t *> &surfaces)
 {
-    if (state.mode == SELECT_VERTEX) {
+    if (mode_has_vertices(state.mode)) {
         std::vector<vertex *> vertices;
         for (const surface_t *surface : surfaces)
             append_surface_vertices(surface, &vertices);
@@ -205,6 +211,7 @@ void vesk_current_selection_replace(selection_t *fresh)
     list_free(&old.vertices);
     list_free(&old.surfaces);
     list_free(&old.objects);
+    chosen_edges_forget();
     myfree(state.current);
     state.current = fresh;
 }
@@ -218,8 +225,11 @@ void selection_changed(const char *tag)
 {
     ++state.changes;
     debugf("SELECTION CHANGED (%s)\n", tag);
-    for (size_t i = 0; i < state.callbacks.size(); ++i) // a callback may add another
-        state.callbacks[i].function(tag, state.callbacks[i].user_data);
+    for (size_t i = 0; i < state.callbacks.size(); ++i) { // a callback may add another
+        const callback_t callback = state.callbacks[i];
+        const foreign_scope scope(code_of_function(callback.function));
+        callback.function(tag, callback.user_data);
+    }
 }
 
 void clear_selection(void)
@@ -230,6 +240,7 @@ void clear_selection(void)
     list_free(&all.objects);
     all.num_vertices = all.num_surfaces = all.num_objects = 0;
     all.box_valid = 0;
+    chosen_edges_forget();
     selection_changed("clear_selection");
 }
 
@@ -238,7 +249,10 @@ void clear_selection(void)
 void selection_add_vertices(const std::vector<vertex *> &vertices)
 {
     selection_t &all = selection();
-    all.num_vertices += add_unique(&all.vertices, vertices);
+    const int added = add_unique(&all.vertices, vertices);
+    all.num_vertices += added;
+    if (added > 0)
+        chosen_edges_forget();
 }
 
 void selection_add_surfaces(const std::vector<surface_t *> &surfaces)
@@ -259,7 +273,7 @@ void selection_add_by_rule(const std::vector<object_t *> &objects)
     std::vector<surface_t *> surfaces;
     std::vector<object_t *> found;
     for (object_t *object : objects) {
-        if (state.mode == SELECT_VERTEX) {
+        if (mode_has_vertices(state.mode)) {
             gather_vertices(object, &vertices);
         } else if (state.mode == SELECT_SURFACE) {
             gather_surfaces(object, &surfaces);
@@ -294,7 +308,7 @@ void selection_drop_owned_by(const std::vector<object_t *> &objects)
 
 void select_vertices(const listitem *vertices)
 {
-    if (state.mode != SELECT_VERTEX) {
+    if (!mode_has_vertices(state.mode)) {
         console_printf("select_vertices called when not in VERTEX selectmode\n");
         return;
     }
@@ -304,7 +318,7 @@ void select_vertices(const listitem *vertices)
 
 void unselect_vertices(const listitem *vertices)
 {
-    if (state.mode != SELECT_VERTEX) {
+    if (!mode_has_vertices(state.mode)) {
         console_printf("unselect_vertices called when not in VERTEX selectmode\n");
         return;
     }
@@ -466,6 +480,23 @@ void select_part_selected_surfaces(void)
 
 // ---- the box ----
 
+namespace {
+
+// A light has no vertices: the place where it stands counts as one. Returns how many there are.
+int add_lights(const object_t *top, point3_t *min, point3_t *max)
+{
+    int lights = 0;
+    for_each_object(const_cast<object_t *>(top), [&](const object_t *part) {
+        if (part->type != OBJECT_LIGHT || part->vertices != nullptr)
+            return;
+        bounds_add(part->centre, min, max);
+        ++lights;
+    });
+    return lights;
+}
+
+} // namespace
+
 void find_bounding_box(void)
 {
     selection_t &all = selection();
@@ -489,6 +520,11 @@ void find_bounding_box(void)
         visited += n;
         bounds_add(low, &all.box_min, &all.box_max);
         bounds_add(high, &all.box_min, &all.box_max);
+    }
+    // Beside geometry the lights, which often stand far away, do not count.
+    if (visited == 0) {
+        for (const object_t *object : each<object_t>(all.objects))
+            visited += add_lights(object, &all.box_min, &all.box_max);
     }
     // A box of coordinates that are no numbers is none.
     all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x &&
@@ -515,7 +551,9 @@ void recalc_bb_info(void)
 saved_selection_t selection_take()
 {
     selection_t &all = selection();
-    const saved_selection_t saved = {all.vertices, all.surfaces, all.objects, state.mode};
+    const saved_selection_t saved = {all.vertices, all.surfaces, all.objects, state.mode,
+                                     chosen_edges_now()};
+    chosen_edges_forget();
     all.vertices = all.surfaces = all.objects = nullptr;
     all.num_vertices = all.num_surfaces = all.num_objects = 0;
     return saved;
@@ -524,8 +562,8 @@ saved_selection_t selection_take()
 saved_selection_t selection_clone()
 {
     const selection_t &all = selection();
-    return {list_clone(all.vertices), list_clone(all.surfaces), list_clone(all.objects),
-            state.mode};
+    return {list_clone(all.vertices), list_clone(all.surfaces), list_clone(all.objects), state.mode,
+            chosen_edges_now()};
 }
 
 void selection_restore(saved_selection_t *saved)
@@ -541,6 +579,7 @@ void selection_restore(saved_selection_t *saved)
     all.num_surfaces = list_count(all.surfaces);
     all.num_objects = list_count(all.objects);
     state.mode = saved->mode;
+    chosen_edges_set(std::exchange(saved->edges, {}));
 }
 
 void selection_free(saved_selection_t *saved)

@@ -10,7 +10,8 @@ VESK_BEGIN_DECLS
    which of them is in use. Only visible, unlocked objects are taken; never the world. Every change
    is announced to the callbacks. */
 
-enum { SELECT_TREE = 0, SELECT_OBJECT, SELECT_SURFACE, SELECT_VERTEX, SELECT_LIGHT };
+/* In edge mode the vertex list holds the ends of the selected edges, each once. */
+enum { SELECT_TREE = 0, SELECT_OBJECT, SELECT_SURFACE, SELECT_VERTEX, SELECT_LIGHT, SELECT_EDGE };
 
 typedef struct selection_record {
     listitem *vertices; /* of vertex */
@@ -48,11 +49,11 @@ VESK_API void selection_changed(const char *tag);
 /* Empties the selection and announces it. */
 VESK_API void clear_selection(void);
 
-/* Vertex mode only (else a console line and no change). */
+/* Vertex and edge mode only (else a console line and no change). */
 VESK_API void select_vertices(const listitem *vertices);
 VESK_API void unselect_vertices(const listitem *vertices);
 
-/* Vertex mode: the surfaces' vertices; surface mode: the surfaces; object modes: their owners by
+/* Vertex and edge mode: the surfaces' vertices; surface mode: the surfaces; object modes: their owners by
    the object rule. */
 VESK_API void select_surface(surface_t *surface);
 VESK_API void select_surfacelist(const listitem *surfaces);

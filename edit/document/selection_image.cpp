@@ -95,6 +95,38 @@ std::vector<selection_run> runs_of(const listitem *selected, const tracked_objec
     return runs;
 }
 
+std::vector<selected_edge> places_of_edges(const std::vector<edge_ends> &edges,
+                                           const tracked_objects &objects)
+{
+    std::vector<selected_edge> found;
+    element_places<vertex> known(objects, &object_t::vertices);
+    place a, b;
+    for (const edge_ends &ends : edges) {
+        if (known.find(ends.a, &a) && known.find(ends.b, &b) && a.owner == b.owner)
+            found.push_back({object_identity(a.owner->object), a.index, b.index});
+    }
+    return found;
+}
+
+std::vector<edge_ends> edges_at(const std::vector<selected_edge> &places,
+                                const objects_by_identity &objects)
+{
+    std::vector<edge_ends> edges;
+    std::unordered_map<int, std::vector<vertex *>> vertices;
+    for (const selected_edge &edge : places) {
+        const auto object = objects.find(edge.identity);
+        if (object == objects.end())
+            continue;
+        std::vector<vertex *> &known = vertices[edge.identity];
+        if (known.empty())
+            append_elements(object->second->vertices, &known);
+        const auto size = static_cast<int>(known.size());
+        if (edge.a < size && edge.b < size)
+            edges.push_back({known[edge.a], known[edge.b]});
+    }
+    return edges;
+}
+
 template <class T>
 void append_runs(const std::vector<selection_run> &runs, const objects_by_identity &objects,
                  listitem *object_t::*list, owned_list *out)
@@ -127,6 +159,8 @@ std::shared_ptr<const selection_image> selection_image_take(const tracked_object
     image->surfaces = runs_of<surface_t>(live.surfaces, objects, &object_t::surfaces);
     for (const object_t *object : each<object_t>(live.objects))
         image->objects.push_back(object_identity(object));
+    if (chosen_edges_now())
+        image->edges = places_of_edges(*chosen_edges_now(), objects);
     return image;
 }
 
@@ -142,5 +176,7 @@ void selection_image_restore(const selection_image &image, const objects_by_iden
     }
     saved_selection_t saved = {vertices.release(), surfaces.release(), chosen.release(),
                                image.mode};
+    if (image.edges)
+        saved.edges = edges_at(*image.edges, objects);
     selection_restore(&saved);
 }

@@ -1,19 +1,28 @@
 #ifndef VESK_EDIT_DOCUMENT_SELECTION_INTERNAL_H
 #define VESK_EDIT_DOCUMENT_SELECTION_INTERNAL_H
 
+#include "edit/document/edge_selection.h"
 #include "edit/document/selection.h"
 
 #include <vector>
 
 selection_t &selection();
 int select_mode();
+// Whether the mode's list is that of the vertices: vertex and edge mode.
+inline bool mode_has_vertices(int mode) { return mode == SELECT_VERTEX || mode == SELECT_EDGE; }
+// Whether it is the list of vertices or of surfaces.
+inline bool mode_has_elements(int mode)
+{
+    return mode == SELECT_SURFACE || mode_has_vertices(mode);
+}
 
-// Three lists and the mode they belong to, taken out of the selection or copied from it.
+// Three lists, the edges chosen among the vertices, and the mode they belong to, taken out of the selection or copied from it.
 struct saved_selection_t {
     listitem *vertices = nullptr;
     listitem *surfaces = nullptr;
     listitem *objects = nullptr;
     int mode = SELECT_TREE;
+    chosen_edges edges = {};
 };
 saved_selection_t selection_take();               // the live selection is empty afterwards
 saved_selection_t selection_clone();              // new nodes

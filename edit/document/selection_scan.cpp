@@ -133,7 +133,7 @@ listitem *selection_get_selected_vertices(void)
 {
     const selection_t &all = selection();
     std::vector<vertex *> vertices;
-    if (select_mode() == SELECT_VERTEX) {
+    if (mode_has_vertices(select_mode())) {
         append_elements(all.vertices, &vertices);
     } else if (select_mode() == SELECT_SURFACE) {
         for (const surface_t *surface : each<surface_t>(all.surfaces))
@@ -161,7 +161,7 @@ listitem *find_selected_whole_surfaces(void)
     const selection_t &all = selection();
     if (select_mode() == SELECT_SURFACE)
         return list_clone(all.surfaces);
-    if (select_mode() != SELECT_VERTEX)
+    if (!mode_has_vertices(select_mode()))
         return nullptr;
     owned_list list;
     for (surface_t *surface : surfaces_within(elements_of<vertex>(all.vertices)))

@@ -6,7 +6,7 @@
 
 step_t::step_t(of maker) : holds_(maker == of::drag)
 {
-    journal_begin();
+    journal_before_step(maker != of::question);
     if (holds_)
         journal_hold(true);
 }

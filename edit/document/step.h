@@ -9,8 +9,10 @@
 // as it was; putting the model back is its owner's.
 class step_t {
 public:
-    // A drag holds the history: whoever asks meanwhile takes no state of a model on its way.
-    enum class of { command, drag };
+    // The present selection is remembered: undo brings it back. A drag holds the history: whoever
+    // asks meanwhile takes no state of a model on its way. A question, and what only selects, changes
+    // nothing as a rule.
+    enum class of { question, command, drag };
     explicit step_t(of maker);
     ~step_t();
     step_t(const step_t &) = delete;

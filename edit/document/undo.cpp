@@ -3,6 +3,7 @@
 
 #include "edit/document/undo.h"
 
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
@@ -19,7 +20,6 @@
 #include "model/world.h"
 
 #include <algorithm>
-#include <dlfcn.h>
 #include <unordered_map>
 #include <utility>
 
@@ -54,8 +54,7 @@ void discard(const undo_record_ptr &record)
     const vesk_undoable_t undoable = record->operation()->undoable;
     record->data = std::monostate();
     record->broken = true;
-    if (undoable.destroy)
-        undoable.destroy(undoable.user_data, 1);
+    undoable_destroy(undoable);
 }
 
 void drop_oldest()
@@ -249,9 +248,10 @@ void set_undo_selection(listitem *vertices, listitem *surfaces, listitem *object
         return;
     }
     selection_free(&record->saved);
-    record->saved = take != 0 ? selection_take()
-                              : saved_selection_t{list_clone(vertices), list_clone(surfaces),
-                                                  list_clone(objects), select_mode()};
+    record->saved = take != 0
+                        ? selection_take()
+                        : saved_selection_t{list_clone(vertices), list_clone(surfaces),
+                                            list_clone(objects), select_mode(), chosen_edges_now()};
     record->saved.mode = select_mode();
 }
 
@@ -337,18 +337,13 @@ void set_undo_surface_colour(surface_t *, int) {}
 
 // ---- operations of plug-ins ----
 
-namespace {
-
-// True when it is not one of the program's own: its code lies in another file.
-bool is_foreign(const vesk_undoable_t &operation)
+void undoable_destroy(const vesk_undoable_t &operation)
 {
-    Dl_info own, its;
-    return dladdr(reinterpret_cast<void *>(&add_undoable), &own) != 0 &&
-           dladdr(reinterpret_cast<void *>(operation.undo), &its) != 0 &&
-           own.dli_fbase != its.dli_fbase;
+    if (!operation.destroy)
+        return;
+    const foreign_scope scope(code_of_function(operation.destroy));
+    operation.destroy(operation.user_data, 1);
 }
-
-} // namespace
 
 void add_undoable(const char *description, const vesk_undoable_t *undoable)
 {
@@ -356,15 +351,18 @@ void add_undoable(const char *description, const vesk_undoable_t *undoable)
     const bool recorded = !undo_is_off();
     if (recorded) {
         new_undo(UNDO_EXTERNAL, description);
-        current()->data = undo_operation{operation, is_foreign(operation)};
+        current()->data =
+            undo_operation{operation, is_foreign_code(code_of_function(operation.undo))};
         current()->filled = true;
     }
-    if (operation.perform)
+    if (operation.perform) {
+        const foreign_scope scope(code_of_function(operation.perform));
         operation.perform(operation.user_data);
+    }
     mark_all_suspect();
     freed_filter_foreign();
-    if (!recorded && operation.destroy)
-        operation.destroy(operation.user_data, 1);
+    if (!recorded)
+        undoable_destroy(operation);
 }
 
 // ---- undoing ----
@@ -393,7 +391,8 @@ void UNDO(void)
     // Records of an unknown kind stay where they are.
     if (const undo_kind *row = undo_kind_of(record->kind)) {
         journal_settle();
-        if (record->broken) {
+        // A selection is in no state of its own: what is left of it is restored.
+        if (record->broken && record->kind != UNDO_SELECTION) {
             journal_restore_before(record);
         } else {
             undo_set_jumping(

@@ -28,6 +28,8 @@ unsigned undo_last_serial();
 void undo_drop_unfilled(unsigned serial);
 // While true (undo and jumps), records that lose something they name are marked broken.
 void undo_set_jumping(bool jumping);
+// Tells the operation's owner that nobody needs it any more.
+void undoable_destroy(const vesk_undoable_t &operation);
 // Marks the operations of plug-ins broken: a jump changed the model without them.
 void undo_break_external();
 

@@ -2,6 +2,7 @@
 
 #include "edit/document/undo_kinds.h"
 
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
@@ -98,6 +99,13 @@ bool drop(std::vector<T *> &elements, freed_sets &freed)
     return std::erase_if(elements, [&](T *element) { return freed.has(element); }) != 0;
 }
 
+bool drop(chosen_edges &edges, freed_sets &freed)
+{
+    return edges && std::erase_if(*edges, [&](const edge_ends &ends) {
+                        return freed.has(ends.a) || freed.has(ends.b);
+                    }) != 0;
+}
+
 bool drop_from(undo_made_elements &made, freed_sets &freed)
 {
     const bool any = drop(made.surfaces, freed) | drop(made.vertices, freed);
@@ -128,6 +136,7 @@ bool drop_freed(undo_record &record, freed_sets &freed)
     bool any = drop<vertex>(&record.saved.vertices, freed);
     any |= drop<surface_t>(&record.saved.surfaces, freed);
     any |= drop<object_t>(&record.saved.objects, freed);
+    any |= drop(record.saved.edges, freed);
     for (saved_texture_coords &coords : record.texture_coords)
         any |= drop(&coords.surface, freed);
     return std::visit([&](auto &data) { return drop_from(data, freed); }, record.data) || any;
@@ -192,7 +201,7 @@ void hold_everything(freed_things &held)
 saved_selection_t copy_of(const saved_selection_t &saved)
 {
     return {list_clone(saved.vertices), list_clone(saved.surfaces), list_clone(saved.objects),
-            saved.mode};
+            saved.mode, saved.edges};
 }
 
 void restore_saved_selection(undo_record &record)
@@ -340,7 +349,7 @@ void reverse_deletion(undo_record &record)
 void restore_model(const undo_record &record)
 {
     if (const state_ptr model = std::get<undo_model>(record.data).model)
-        model_state_restore(model, restore_selection::no);
+        model_state_restore(model, nullptr);
 }
 
 void reverse_world(undo_record &record)
@@ -360,8 +369,10 @@ void reverse_operation(undo_record &record)
 {
     const vesk_undoable_t undoable =
         record.operation() ? record.operation()->undoable : vesk_undoable_t{};
-    if (undoable.undo)
+    if (undoable.undo) {
+        const foreign_scope scope(code_of_function(undoable.undo));
         undoable.undo(undoable.user_data);
+    }
     mark_all_suspect();
     freed_filter_foreign();
     undo_drop_newest();
@@ -466,8 +477,8 @@ undo_record::~undo_record()
                 object_free(entry.object);
         }
     }
-    if (operation() && operation()->undoable.destroy)
-        operation()->undoable.destroy(operation()->undoable.user_data, 1);
+    if (operation())
+        undoable_destroy(operation()->undoable);
 }
 
 unsigned undo_last_serial() { return living().last_serial; }

@@ -372,11 +372,14 @@ void mesh_change::link(mesh_result &result)
     }
 }
 
-void commit_all(std::vector<mesh_change> &changes)
+std::vector<mesh_result> commit_all(std::vector<mesh_change> &changes)
 {
     freed_batch at_once;
+    std::vector<mesh_result> results;
+    results.reserve(changes.size());
     for (mesh_change &change : changes)
-        change.commit();
+        results.push_back(change.commit());
+    return results;
 }
 
 mesh_result mesh_change::commit()

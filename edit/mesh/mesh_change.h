@@ -124,6 +124,6 @@ private:
 };
 
 // Commits them together: holders of elements are notified once of all freed ones.
-void commit_all(std::vector<mesh_change> &changes);
+std::vector<mesh_result> commit_all(std::vector<mesh_change> &changes);
 
 #endif

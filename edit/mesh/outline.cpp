@@ -194,24 +194,28 @@ bool crossing_search::any() const
 
 } // namespace
 
+fit_plane best_fit_plane(const std::vector<vec3d> &points)
+{
+    vec3d middle;
+    for (const vec3d &p : points)
+        middle += p / static_cast<double>(points.size());
+    std::vector<vector3> away;
+    for (const vec3d &p : points)
+        away.push_back({p.x - middle.x, p.y - middle.y, p.z - middle.z});
+    const auto [u, v] = plane_axes(away);
+    return {middle, {u[0], u[1], u[2]}, {v[0], v[1], v[2]}};
+}
+
 std::vector<plane_point> in_best_fit_plane(const std::vector<point3_t> &points)
 {
-    vector3 mean = {};
-    for (const point3_t &p : points) {
-        const double n = static_cast<double>(points.size());
-        mean = {mean[0] + p.x / n, mean[1] + p.y / n, mean[2] + p.z / n};
-    }
-    std::vector<vector3> away;
+    std::vector<vec3d> places;
     for (const point3_t &p : points)
-        away.push_back({p.x - mean[0], p.y - mean[1], p.z - mean[2]});
-    const auto [u, v] = plane_axes(away);
+        places.push_back(to_vec3d(p));
+    const fit_plane plane = best_fit_plane(places);
     std::vector<plane_point> flat;
-    const auto dot = [](const vector3 &a, const vector3 &b) {
-        return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-    };
     double area = 0;
-    for (const vector3 &p : away)
-        flat.push_back({dot(p, u), dot(p, v)});
+    for (const vec3d &p : places)
+        flat.push_back({dot(p - plane.middle, plane.along), dot(p - plane.middle, plane.across)});
     for (std::size_t i = 0; i < flat.size(); ++i) {
         const plane_point &a = flat[i], &b = flat[(i + 1) % flat.size()];
         area += a.x * b.y - b.x * a.y;

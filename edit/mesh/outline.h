@@ -4,12 +4,20 @@
 // Outlines of points in space, as their best-fit plane sees them.
 
 #include "base/types.h"
+#include "model/vec3d.h"
 
 #include <vector>
 
 struct plane_point {
     double x, y;
 };
+
+// The plane that lies closest to all points: their mean, and two unit directions at right angles in
+// which they spread most.
+struct fit_plane {
+    vec3d middle, along, across;
+};
+fit_plane best_fit_plane(const std::vector<vec3d> &points);
 
 // The points in the plane that lies closest to all of them, their mean at 0 0; turned so that the
 // outline's area is not negative.

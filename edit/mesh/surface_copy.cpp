@@ -5,22 +5,14 @@
 #include "model/normals.h"
 #include "model/object_internal.h"
 #include "model/owners.h"
+#include "model/textures/textures.h"
 
 #include <algorithm>
-
-namespace {
-
-} // namespace
 
 void object_copy_header(object_t *to, const object_t *from)
 {
     object_set_name(to, from->name);
-    to->has_texture = from->has_texture;
-    to->texture = from->texture;
-    to->texture_repeat_x = from->texture_repeat_x;
-    to->texture_repeat_y = from->texture_repeat_y;
-    to->texture_offset_x = from->texture_offset_x;
-    to->texture_offset_y = from->texture_offset_y;
+    object_copy_texture(to, from);
     to->centre = from->centre;
     matrix_copy(from->rotation, to->rotation);
 }

@@ -59,6 +59,11 @@ int kind_of_quad(std::span<const point3_t> quad)
     return kind;
 }
 
+bool is_finite(const point3_t &p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
 } // namespace
 
 // The edge-flag callback makes it report separate triangles only; without a combine callback
@@ -122,6 +127,11 @@ bool tessellator_t::cut_quad(std::span<const point3_t> outline, int kind)
 
 bool tessellator_t::cut(std::span<const point3_t> outline)
 {
+    // The library does not survive coordinates that are no numbers.
+    if (!std::all_of(outline.begin(), outline.end(), is_finite)) {
+        console_printf("triangulation error: coordinates that are no numbers\n");
+        return false;
+    }
     const int kind = outline.size() == 4 ? kind_of_quad(outline) : -1;
     return kind < 0 ? cut_slowly(outline) : cut_quad(outline, kind);
 }

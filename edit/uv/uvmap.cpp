@@ -176,7 +176,7 @@ void selected_calc_texture_coors(int mode)
     const owned_list surfaces(find_selected_whole_surfaces());
     surfaces_calc_texture_coors(surfaces.get(), mode);
     const mapping_t mapping = mapping_of_box(mode, all.box_min, all.box_max);
-    for (object_t *top : each<object_t>(all.objects))
+    for (object_t *top : selected_top_objects())
         for_each_object(top, [&](object_t *object) { map_object(object, mapping); });
     redraw_all();
 }

@@ -4,6 +4,7 @@
 #include "base/crash_guard.h"
 #include "base/file_report.h"
 #include "base/filename.h"
+#include "base/foreign.h"
 #include "base/messages.h"
 #include "base/ui_port.h"
 #include "model/alloc_internal.h"
@@ -101,9 +102,12 @@ VESKImage *load_guarded(const texture_loader_t *loader, const char *filename)
 {
     VESKImage *image = nullptr;
     fault_t fault;
-    const bool returned = guarded_with_recovery([&] { image = loader->load(filename); }, &fault);
-    if (!loader->built_in)
-        mark_all_suspect();
+    const bool returned = guarded_with_recovery(
+        [&] {
+            const foreign_scope scope(code_of_function(loader->load), loader->built_in == 0);
+            image = loader->load(filename);
+        },
+        &fault);
     if (!returned) {
         const std::string text =
             "The texture loader for " + std::string(loader->suffixes) + " files failed on " +
@@ -446,6 +450,20 @@ void object_texture_clear(object_t *object)
     object->texture = 0;
     proplist_remove(&object->properties, missing_texture_property);
     object_mark(object, CHANGED_RECORD);
+}
+
+void object_copy_texture(object_t *to, const object_t *from)
+{
+    object_texture_clear(to);
+    to->has_texture = from->has_texture;
+    to->texture = from->texture;
+    to->texture_repeat_x = from->texture_repeat_x;
+    to->texture_repeat_y = from->texture_repeat_y;
+    to->texture_offset_x = from->texture_offset_x;
+    to->texture_offset_y = from->texture_offset_y;
+    if (const char *missing = object_missing_texture(from))
+        vesk_object_set_prop_value(to, missing_texture_property, "text", missing);
+    object_mark(to, CHANGED_RECORD);
 }
 
 VESKImage *object_picture(const object_t *object)

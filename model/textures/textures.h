@@ -103,6 +103,9 @@ public:
 private:
     bool within_another_;
 };
+// Gives an object the texture of another: picture, repeats and offsets, or the name of one that was
+// not found.
+void object_copy_texture(object_t *to, const object_t *from);
 // The picture on an object, or null.
 VESKImage *object_picture(const object_t *object);
 // Whether any pixel is not opaque; found once for an image.

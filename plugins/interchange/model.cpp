@@ -265,7 +265,9 @@ private:
         std::copy_n(place.begin(), 2, m.repeat);
         std::copy_n(place.begin() + 2, 2, m.offset);
         const char *name = vesk_material_get_name_index(index);
-        const std::string wanted = name == nullptr || *name == '\0' ? "material" : name;
+        std::string wanted = name == nullptr || *name == '\0' ? "material" : name;
+        for (char &c : wanted) // some formats have it on a line
+            c = static_cast<unsigned char>(c) < ' ' ? ' ' : c;
         m.name = wanted;
         for (int number = 1; !names_.insert(m.name).second; ++number)
             m.name = wanted + "_" + std::to_string(number);

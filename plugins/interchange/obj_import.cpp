@@ -107,7 +107,8 @@ private:
             name_ = rest;
             current_ = no_part;
         } else if (words[0] == "mtllib") {
-            obj_read_materials(filename_, rest, line_, materials_);
+            if (libraries_.insert(rest).second) // some files name it before each object
+                obj_read_materials(filename_, rest, line_, materials_);
         } else if (words[0] == "usemtl") {
             const auto found = materials_.find(rest);
             material_ = found == materials_.end() ? nullptr : &found->second;
@@ -316,6 +317,7 @@ private:
     std::vector<int> corner_normals_; // of the open surface
     std::vector<owner> owners_;       // one a point
     std::map<std::string, obj_material> materials_;
+    std::set<std::string> libraries_; // that were read
     const obj_material *material_ = nullptr;
     std::string name_;
     bool has_objects_ = false;

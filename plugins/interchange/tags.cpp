@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -123,7 +124,8 @@ void tag_reader::take(std::size_t begin, std::size_t end)
     begin += closes ? 1 : 0;
     empty = end > begin && text_[end - 1] == '/';
     end_ = end - (empty ? 1 : 0);
-    const std::size_t stop = std::min(text_.find_first_of(" \t\r\n", begin), end_);
+    const std::string_view tag(text_.data() + begin, end_ - begin); // not the whole file for each
+    const std::size_t stop = begin + std::min(tag.find_first_of(" \t\r\n"), tag.size());
     name = text_.substr(begin, stop - begin);
     name = name.substr(name.find(':') + 1);
     attributes_ = stop;
@@ -140,7 +142,8 @@ bool tag_reader::find(const char *attribute, std::size_t *begin, std::size_t *en
         if (sign == nullptr)
             return false;
         const auto equals = static_cast<std::size_t>(static_cast<const char *>(sign) - &text_[0]);
-        const std::size_t open = text_.find_first_of("\"'", equals);
+        const std::string_view rest(text_.data() + equals, end_ - equals);
+        const std::size_t open = equals + std::min(rest.find_first_of("\"'"), rest.size());
         if (open >= end_)
             return false;
         const std::size_t close = text_.find(text_[open], open + 1);

@@ -15,11 +15,17 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <unistd.h>
 
 namespace {
 
 constexpr std::size_t most_bytes = std::size_t{1} << 31; // of the model's text
-constexpr std::size_t most_triangles = 50000000;         // of all that is built of it
+// What a model may grow to when its parts are repeated: this much, and so many times its text, but
+// not beyond a part of the machine's memory.
+constexpr double grown_bytes = 256e6;
+constexpr double grown_times = 200;
+constexpr double share_of_memory = 0.5;
+constexpr double triangle_bytes = 300, point_bytes = 80, object_bytes = 700;
 constexpr int most_levels = 100;
 constexpr std::size_t most_picture_bytes = std::size_t{1} << 28; // of one
 
@@ -150,14 +156,18 @@ public:
         placing upright; // (x, y, z) becomes (x, z, -y)
         const float turn[9] = {unit_, 0, 0, 0, 0, -unit_, 0, unit_, 0};
         std::copy_n(turn, 9, upright.m);
+        const double memory = static_cast<double>(sysconf(_SC_PHYS_PAGES)) *
+                              static_cast<double>(sysconf(_SC_PAGESIZE));
+        most_grown_ = std::min(grown_bytes + grown_times * static_cast<double>(size_),
+                               share_of_memory * memory);
         for (const component &item : items_)
             add(world, item.object, combined(item.place, upright), 0);
-        if (too_much_)
-            vesk_report_warning(0, "it repeats its parts too often; some were left out");
         object_calc_normals_force(world);
         return world;
     }
 
+    // Its parts are repeated beyond what can be held.
+    [[nodiscard]] bool too_much() const { return too_much_; }
     [[nodiscard]] bool has_surfaces() const { return has_surfaces_; }
 
 private:
@@ -316,8 +326,7 @@ private:
         if (found == objects_.end())
             return;
         const stored_object &stored = found->second;
-        triangles_ += stored.materials.size() + 1;
-        if (level >= most_levels || triangles_ > most_triangles) {
+        if (level >= most_levels || too_much_) {
             too_much_ = true;
             return;
         }
@@ -334,6 +343,12 @@ private:
                 own = &part->second;
                 first = 1;
             }
+        }
+        grown_ += object_bytes + triangle_bytes * static_cast<double>(own->materials.size()) +
+                  point_bytes * static_cast<double>(own->points.size() / 3);
+        if (grown_ > most_grown_) {
+            too_much_ = true;
+            return;
         }
         has_surfaces_ = has_surfaces_ || !own->materials.empty();
         object_t *object = make(*own, stored.name, place);
@@ -456,7 +471,8 @@ private:
     std::vector<component> items_;
     std::set<std::string> told_;
     unsigned bad_ = 0;
-    std::size_t triangles_ = 0;
+    double grown_ = 0; // bytes that the model takes, about
+    double most_grown_ = 0;
     bool has_surfaces_ = false;
     bool too_much_ = false;
 };
@@ -525,8 +541,10 @@ object_t *threemf_import(const char *filename)
     if (work.cancelled())
         return refuse(work, name, "");
     object_t *world = reader.build(name, extract_pictures(name, archive, reader.pictures()));
-    if (reader.has_surfaces())
+    if (reader.has_surfaces() && !reader.too_much())
         return world;
     object_free(world);
-    return refuse(work, name, "there is no geometry in it");
+    return refuse(work, name,
+                  reader.too_much() ? "it repeats its parts more often than can be held"
+                                    : "there is no geometry in it");
 }

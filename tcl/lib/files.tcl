@@ -50,7 +50,9 @@ proc ::vesk::files::confirmed {} {
     variable title
     note_changes
     if {!$::unsaved_changes} {return 1}
+    variable target
     set text "It was edited since [since $saved_at]."
+    if {$title eq "" && $target eq ""} {set text "It was never saved."}
     set name "the untitled scene"
     if {$title ne ""} {set name [file tail $title]}
     switch -- [::vesk::dialogs::question "Save changes to $name?" $text \

@@ -12,7 +12,7 @@ namespace eval ::vesk::menus {
     variable reasons {
         some "select something first" object "select objects first"
         several "select two objects or more" group "select a group first"
-        surface "select surfaces first" vertex "select vertices first"
+        surface "select surfaces first" vertex "select vertices first" element "select edges or vertices first"
         undo "nothing to undo" redo "nothing to redo" hidden "nothing is hidden"
         locked "nothing is locked" model "the scene is empty"
     }
@@ -252,7 +252,7 @@ proc ::vesk::menus::fits {needs state} {
             # In vertex mode surfaces whose vertices are all selected count.
             return [expr {[dict get $state surfaces] > 0 || [dict get $state vertices] > 2}]
         }
-        vertex  {return [expr {[dict get $state vertices] > 0}]}
+        vertex - element {return [expr {[dict get $state vertices] > 0}]}
         undo    {return [expr {[vesk undo_name] ne ""}]}
         redo    {return [::vesk::history::can_redo]}
         hidden  {return [expr {!!$::objects_are_hidden}]}
@@ -276,7 +276,7 @@ proc ::vesk::menus::now {} {
         }
     }
     return [dict create objects $chosen group [expr {$group || $chosen > 50}] surfaces [expr {$chosen ? 0 : $surfaces}] \
-        vertices [expr {$chosen || $::vesk::select_mode ne "vertex" ? 0 : $vertices}] \
+        vertices [expr {$chosen || $::vesk::select_mode ni {vertex edge} ? 0 : $vertices}] \
         selected [expr {$objects + $surfaces + $vertices + $chosen}] total $total]
 }
 
@@ -368,12 +368,25 @@ proc ::vesk::menus::bind_again {} {
     bind_accelerators
 }
 
+# takes --
+#   Whether the window has a binding for a press: such a key is not the views'.
+proc ::vesk::menus::takes {keysym state} {
+    variable bound
+    set modifiers ""
+    if {$state & 4} {append modifiers Control-}
+    if {$state & 8} {append modifiers Alt-}
+    if {$state & 1 && [string length $keysym] > 1} {append modifiers Shift-}
+    return [dict exists $bound <${modifiers}Key-$keysym>]
+}
+
 # key --
 #   Runs the row of an accelerator. While text is edited the editing keys are the field's; a row
 #   that cannot be chosen is refused with a message.
 proc ::vesk::menus::key {w row} {
     if {![::vesk::view::in_main $w]} {return}
-    if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {return}
+    if {[winfo class $w] in {Entry TEntry Text TCombobox} && [edits_text [lindex $row 3] $w]} {
+        return -code break
+    }
     set why [why_not $row [now]]
     if {$why ne ""} {
         display_message "[plain [lindex $row 1]] - $why"
@@ -384,10 +397,12 @@ proc ::vesk::menus::key {w row} {
 }
 
 # edits_text --
-#   Whether a key belongs to the field that has the focus. Undo is the model's again as soon as the
-#   typed text was applied.
+#   Whether a key belongs to the field that has the focus. Undo takes back what was typed there, and
+#   is the model's again as soon as the field holds what it held before.
 proc ::vesk::menus::edits_text {key w} {
-    if {$key in {Ctrl+Z Ctrl+Shift+Z}} {return [::vesk::fields::being_typed $w]}
+    if {$key in {Ctrl+Z Ctrl+Shift+Z}} {
+        return [expr {[winfo class $w] eq "Text" || [::vesk::fields::take_back $w]}]
+    }
     return [expr {$key in {Ctrl+X Ctrl+C Ctrl+V Ctrl+A Ctrl+D}}]
 }
 

@@ -15,11 +15,11 @@
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
 #   needs   condition of the row: "" none, some a selection, object, surface, vertex a selection in
-#           that mode, several objects, a group, undo, redo, hidden, locked, model a model
+#           that mode, element a selection of edges or vertices, several objects, a group, undo, redo, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.
-    variable bar {file edit select create object surface vertex view texture tools plugins window
+    variable bar {file edit select create object surface edge vertex view texture tools plugins window
         help}
     variable table {}
 }
@@ -85,10 +85,10 @@ proc ::vesk::menus::define {name label rows} {
 ::vesk::menus::define transform "Transform" {
     {ask "&Move..." {move_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
         "Moves the selection by a distance."}
-    {ask "Move &to..." {move_to {X number 0} {Y number 0} {Z number 0}} "" some
+    {ask "Move &to..." {move_to {X centre 0} {Y centre 1} {Z centre 2}} "" some
         "Moves the middle of the selection to a point."}
     {ask "&Scale..." {scale {X number 1} {Y number 1} {Z number 1}} "" some "Multiplies the size of the selection."}
-    {ask "Si&ze to..." {size_to {X number 1} {Y number 1} {Z number 1}} "" some
+    {ask "Si&ze to..." {size_to {X size 0} {Y size 1} {Z size 2}} "" some
         "Gives the selection a size; an axis of no extent stays."}
     {ask "&Rotate..." {rotate_with_undo {X number 0} {Y number 0} {Z number 0}} "" some
         "Turns the selection about its middle, in degrees."}
@@ -108,6 +108,7 @@ proc ::vesk::menus::define {name label rows} {
     {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}
     {radio "&Object" {::vesk::select_mode object set_select_mode object} O "" "Selects single objects."}
     {radio "&Surface" {::vesk::select_mode surface set_select_mode surface} S "" "Selects surfaces."}
+    {radio "E&dge" {::vesk::select_mode edge set_select_mode edge} D "" "Selects edges, the sides of surfaces."}
     {radio "&Vertex" {::vesk::select_mode vertex set_select_mode vertex} V "" "Selects vertices."}
     {radio "&Light" {::vesk::select_mode light set_select_mode light} "" "" "Selects lights."}
     {line}
@@ -118,6 +119,24 @@ proc ::vesk::menus::define {name label rows} {
         "Takes the objects of a name out of the selection."}
     {run "What lies inside" {select_inside} "" some
         "Selects what lies inside the selected closed objects."}
+    {line}
+    {run "Gro&w" {select_grow} "" some "Adds the neighbours of what is selected."}
+    {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
+    {run "Inv&ert" {select_invert} "" model "Selects what is not selected."}
+    {run "Lin&ked" {select_linked} "" some "Adds all that hangs together with the selection."}
+    {ask "S&imilar..." {select_similar {Property choice {Material material Normal normal Area area
+        Length length Corners corners Coplanar coplanar}} {Tolerance number 0.01}} "" some
+        "Adds what is like the selection: degrees, shares, numbers or distances apart."}
+    {ask "Random..." {select_random {Percent int 50} {Seed int 1}} "" model
+        "Keeps a random part of the selection, or of everything."}
+    {line}
+    {run "Edge loo&p" {select_loop} "" element "Goes on from the selected edges, straight through the vertices."}
+    {run "Edge rin&g" {select_ring} "" element "Goes on across the quads beside the selected edges."}
+    {run "Open edges" {select_boundary} "" model "Selects the edges with a surface on one side only."}
+    {ask "Sharp edges..." {select_sharp {Degrees number 30}} "" model
+        "Selects the edges whose surfaces meet at a larger angle."}
+    {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
+    {line}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
@@ -142,7 +161,9 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Re&volve..." {revolve {Axis choice {X 0 Y 1 Z 2}} {Degrees pref revolve_degs int}
         {Segments pref revolve_segments int}} "" object "Sweeps the selection around an axis."}
     {menu "Surface &from vertices" fromvertices "" "" "Joins the selected vertices."}
-    {run "&Object from surfaces" {surface_create_object} "" surface
+    {run "&Object from surfaces" {surfaces_separate} "" surface
+        "Moves the selected surfaces into an object of their own."}
+    {run "Object from copied surfaces" {surface_create_object} "" surface
         "Copies the selected surfaces into an object of their own."}
 }
 ::vesk::menus::define atorigin "At the origin" {
@@ -207,33 +228,55 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Choose..." {file_select_texture} "" some "Puts a picture on the selected objects."}
 }
 ::vesk::menus::define surface "S&urface" {
-    {ask "&Extrude..." {extrude {X number 0} {Y number 0} {Z number 0.5}
-        {Steps pref extrude_num int} {"Close the end" pref extrude_cap_end bool}
+    {ask "&Extrude..." {extrude_normal {Body choice {Automatic 1 "As set below" 0}}
+        {Distance number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
+        {"Delete the original" pref extrude_delete_original bool}
+        {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
+        "Sweeps the selected surfaces where they face."}
+    {ask "E&xtrude by a vector..." {extrude_select {Body choice {Automatic 1 "As set below" 0}}
+        {X number 0} {Y number 0} {Z number 0.5} {Steps pref extrude_num int}
+        {"Close the end" pref extrude_cap_end bool}
         {"Delete the original" pref extrude_delete_original bool}
         {"Turn the walls round" pref extrude_flip_cap bool}} "" surface
         "Sweeps the selected surfaces along a vector."}
+    {ask "Extrude e&ach..." {extrude_each {Distance number 0.1}} "" some
+        "Moves every selected surface along its own normal, with walls."}
+    {ask "Extrude along normals..." {extrude_normals {Distance number 0.1}} "" some
+        "Moves connected surfaces evenly along their normals, with walls."}
+    {ask "Thic&kness..." {shell {Thickness number 0.1} {Rim choice {Closed 1 Open 0}}} "" some
+        "Gives the selected surfaces an inner side (shell)."}
     {run "&Define extrude path" {define_extrude_path} "" object "Takes the selection as the path."}
     {run "Extrude along &path" {extrude_along_path} "" surface
         "Carries the selected surfaces along the path."}
     {line}
-    {ask "&Hole..." {surface_make_hole {Percent pref hole_percent int}} "" some
+    {ask "&Hole..." {hole_select {Percent pref hole_percent int}} "" some
         "Cuts a hole into each selected surface."}
-    {ask "&Bevel..." {surface_bevel {Size pref bevel_size number}} "" some
+    {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
+    {ask "&Inset..." {inset {Width number 0.1} {Depth number 0}
+        {Of choice {"Each surface" each "Each region" region}}} "" some
+        "A smaller surface inside each selected one, or each connected region."}
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+        "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
-    {ask "Sl&ice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+    {ask "Slice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
         {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
         {Keep choice {"Both sides" both "The front" front "The back" back}}
         {Caps choice {None 0 "Closed by polygons" 1}}} "" some
         "Cuts the selection by a plane; the front is where its normal points."}
     {run "&Triangulate" {surface_triangulate} "" some "Makes triangles of the selected surfaces."}
+    {ask "&Quads from triangles..." {quads_from_triangles {"Largest angle" number 30}} "" some
+        "Joins pairs of the selected triangles to four-sided surfaces."}
     {line}
+    {run "Face out&wards" {orient_outwards} "" some
+        "Turns selected surfaces over until they agree and face outwards."}
     {run "&Flip" {surface_flip_normals} "" some "Turns the selected surfaces over."}
     {run "Change &vertex order" {surface_change_vertex_order} "" some
         "Starts each selected surface at its next vertex."}
@@ -252,6 +295,27 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Two-sided" {surface_set_twosided 1} "" some "Shows both sides of the surfaces."}
     {run "&One-sided" {surface_set_twosided 0} "" some "Shows the front of the surfaces only."}
 }
+::vesk::menus::define edge "Ed&ge" {
+    {ask "&Loop cut..." {loop_cut {Cuts int 1} {Slide number 0}} "" element
+        "Cuts the rings of quads through the selected edges."}
+    {run "&Connect" {connect} "" element
+        "New edges between selected vertices, or the middles of selected edges."}
+    {ask "&Bevel..." {edge_bevel {Width number 0.1} {Segments int 1} {Profile number 0.5}} "" element
+        "Replaces the selected edges by strips, flat or round."}
+    {ask "&Extrude..." {extrude_edges {X number 0} {Y number 0} {Z number 0.5}} "" element
+        "A quad from every selected edge to its copy."}
+    {ask "Sl&ide..." {slide {Share number 0.2}} "" element
+        "Moves edges or vertices along the edges beside them."}
+    {line}
+    {ask "B&ridge..." {bridge {Segments int 1} {Twist int 0} {Smooth number 0}} "" some
+        "Joins two borders, or two selected surfaces."}
+    {ask "&Fill the hole..." {fill_hole {By choice {"One polygon" polygon "A grid of quads" grid "A fan" fan}}}
+        "" element "Closes the holes that have a selected edge."}
+    {line}
+    {run "&Dissolve" {dissolve} "" some "Takes elements away and leaves polygons."}
+    {run "C&ollapse" {collapse} "" some "Brings connected elements to one vertex each."}
+    {run "&Split" {split_edges} "" element "Parts the surfaces along the selected edges."}
+}
 ::vesk::menus::define surfacetype "Type" {
     {run "&Polygon" {set_surface_type 0} "" some "Filled polygons."}
     {run "&Closed line" {set_surface_type 1} "" some "Closed lines."}
@@ -263,8 +327,18 @@ proc ::vesk::menus::define {name label rows} {
         "A vertex where an edge is clicked in a view."}
     {line}
     {run "Snap to &grid" {snaptogrid} "" vertex "Moves the selected vertices to the grid."}
-    {run "Snap &together" {snaptogether} "" vertex "Moves the selected vertices to one point."}
-    {ask "Snap together within..." {snaptogetherdistance {Distance from snap_together_distance}}
+    {run "Snap &together" {weld} "" vertex "Moves the selected vertices to one point."}
+    {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
+    {ask "&Bevel..." {vertex_bevel {Width number 0.1}} "" vertex "Cuts the selected vertices off."}
+    {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
+}
+::vesk::menus::define arrange "Arrange" {
+    {run "&Flatten" {flatten} "" some "Moves each group of selected vertices onto its plane."}
+    {run "To a &circle" {circularize} "" some "Moves each group of selected vertices onto a circle."}
+    {run "&Straighten" {straighten} "" some "Moves chains of vertices onto the lines between their ends."}
+    {run "Space &evenly" {space_evenly} "" some "Gives chains of vertices even distances."}
+    {ask "S&mooth..." {smooth_vertices {Factor number 0.5} {Steps int 1}} "" some
+        "Moves the selected vertices towards their neighbours."}
 }

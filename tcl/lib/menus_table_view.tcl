@@ -166,20 +166,30 @@ namespace eval ::vesk::menus {
     variable context {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
-            {object lock_selected} - {object boolean} {surface slice} -
+            {object lock_selected} - {object boolean} {surface slice} {surface catmull_clark} -
             {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
-        surface {{edit step_back} - {surface surface_flip_normals} {surface surface_triangulate}
-            {surface surface_subdivide} {surface surface_make_hole} {surface surface_bevel}
-            {surface extrude} {surface slice} -
+        surface {{edit step_back} - {surface surface_flip_normals} {surface orient_outwards}
+            {surface surface_triangulate} {surface quads_from_triangles}
+            {surface surface_subdivide} {surface catmull_clark} {surface hole_select}
+            {surface bevel_select} {surface inset} {surface extrude_normal} {surface extrude_each}
+            {surface extrude_normals} {surface shell} {surface slice} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
-            {surface ::vesk::palette::apply_current} - {create surface_create_object}
+            {surface ::vesk::palette::apply_current} - {select select_grow} {select select_shrink}
+            {select select_linked} {select select_similar} - {create surfaces_separate}
             {surface removesurface} {edit delete}}
+        edge {{edit step_back} - {select select_loop} {select select_ring} {select select_path} -
+            {edge loop_cut} {edge connect} {edge edge_bevel} {edge extrude_edges} {edge slide} -
+            {edge bridge} {edge fill_hole} {edge dissolve} {edge collapse} {edge split_edges} -
+            {edit delete}}
         light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -
             {view fit_selected_all}}
         vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
-            {vertex snaptogrid} {vertex snaptogether} {vertex unshare_vertices} -
-            {select select_part_selected_surfaces} {edit delete}}
+            {vertex snaptogrid} {vertex weld} {vertex unshare_vertices} -
+            {arrange flatten} {arrange circularize} {arrange straighten} {arrange space_evenly}
+            {arrange smooth_vertices} -
+            {select select_part_selected_surfaces} {select select_grow} {select select_shrink}
+            {select select_linked} {edit delete}}
     }
 }

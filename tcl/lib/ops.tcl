@@ -107,13 +107,37 @@ proc ::vesk::ops::failed {message options} {
 interp bgerror {} ::vesk::ops::failed
 
 # render --
-#   Tools > Render: the one preference whose text is a script.
+#   Tools > Render: the one preference whose text is a script. A program that is not there is named
+#   before anything is written.
 proc ::vesk::ops::render {} {
+    set missing [missing_program $::prefs_render_command]
+    if {$missing ne ""} {
+        if {[::vesk::dialogs::question "The renderer was not found" \
+                "The render command runs \"$missing\", which is not on this computer. Install a\
+                renderer, or say in the preferences which program draws the scene." \
+                {cancel Cancel open "Render command..."} open cancel] eq "open"} {
+            ::vesk::preferences::open "Import and export"
+            ::vesk::preferences::seek "render command"
+        }
+        return
+    }
     echo uplevel #0 $::prefs_render_command
     if {[catch {uplevel #0 $::prefs_render_command} message]} {
         ::vesk::console::say $message error
         display_message "render: [lindex [split $message \n] 0] (preference render_command)"
     }
+}
+
+# missing_program --
+#   The program that the script of the render command starts by "vesk execute", when it is nowhere.
+proc ::vesk::ops::missing_program {script} {
+    if {![regexp {vesk\s+execute\s+(\{[^\}]*\}|"[^"]*"|\S+)} $script -> line]} {return ""}
+    set line [string trim $line " {}"]
+    if {![regexp {^\s*"([^"]+)"} $line -> program]} {set program [lindex [split $line] 0]}
+    # What the shell knows itself is left to it.
+    if {$program eq "" || [regexp {[$`=]} $program] || [auto_execok $program] ne ""
+            || [file executable $program]} {return ""}
+    return $program
 }
 
 proc sync_ui {} {::vesk::ops::request}

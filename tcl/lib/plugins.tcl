@@ -7,6 +7,7 @@ namespace eval ::vesk::plugins {
     variable loading ""         ;# path of the plug-in that registers itself now
     variable before {}          ;# heading -> names that were there before it
     variable gave {}            ;# path -> {heading items ...}
+    variable faulted {}         ;# file names of those whose faults were told
 }
 set ::plugin_loading ""
 
@@ -93,8 +94,31 @@ proc ::vesk::plugins::run {command} {
     ::vesk::ops::request
 }
 
+# faulted --
+#   A plug-in had a fault: once for each, offers to leave it out from the next start on.
+#   name  its file name
+proc ::vesk::plugins::faulted {name} {
+    variable faulted
+    if {$name in $faulted || $name in [::vesk::settings::get plugins_off]} {return}
+    lappend faulted $name
+    after idle [list after 200 [list ::vesk::plugins::offer_switch_off $name]]
+}
+proc ::vesk::plugins::offer_switch_off {name} {
+    if {![info exists ::start_is_over] || [grab current .] ne ""} {
+        after 500 [list ::vesk::plugins::offer_switch_off $name]
+        return
+    }
+    set text "There was a fault in the code of the plug-in $name. The model was checked and the work\
+        can go on; the page Plug-ins of the preferences can switch it on again."
+    set answers {keep "Keep it" off "Switch it off from the next start on"}
+    if {[::vesk::dialogs::question "A fault in a plug-in" $text $answers off keep] eq "off"} {
+        ::vesk::plugmanager::leave_out $name 1
+    }
+}
+
 trace add variable ::plugin_loading write ::vesk::plugins::noted
 
+proc plugin_faulted {name} {::vesk::plugins::faulted $name}
 proc add_export_menu_item {label command {help ""}} {
     ::vesk::plugins::add_item export $label $command $help
 }

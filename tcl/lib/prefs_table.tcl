@@ -1,6 +1,6 @@
 # prefs_table.tcl --
-#   The preferences window as data: pages, groups and rows. Every preference has one row; rows with
-#   "ui" edit the scripts' own settings. Read when the window or the command search first needs it.
+#   The preferences window as data: pages, groups and rows. Every preference that is a choice has one
+#   row; what the program notes for itself has none. Rows with "ui" edit the scripts' own settings. Read when the window or the command search first needs it.
 
 namespace eval ::vesk::prefs {
     # Pages in order: name, then {group row ...}. A row is {key label help widget}; without a widget
@@ -9,9 +9,21 @@ namespace eval ::vesk::prefs {
     #   choice {label value ...}
     #   folder, file             a text with a dialog
     #   lines                    a long text
+    #   font                     family and size
     #   ui int LOW HIGH, ui choice {label value ...}, ui bool   one of the scripts' own settings
     variable pages {}
     variable helps {}           ;# key -> {label help page}
+    # Preferences that are records, not choices.
+    variable records {^(\w+win_(x|y|width|height)|recentfiles\d|current_tip|last_update_id|sgi_anim_frames)$}
+    # Words that people look for, and the program's own.
+    variable words {
+        color colour  colors colour  gray grey  shortcut keys  shortcuts keys  hotkey keys
+        hotkeys keys  keyboard keys  keymap keys  skin theme  dark theme  light theme  mode theme
+        dpi size  scaling size  letters font  text font  language interface  backup previous
+        extension plug-in  addon plug-in  plugin plug-in  plugins plug-ins  hints tips
+        camera 3d  perspective 3d  antialiasing smooth  fps frames  folder folder  directory folder
+        history undo  steps undo  magnet snap  dots vertices  points vertices  edges lines
+    }
 }
 
 # page --
@@ -32,14 +44,13 @@ proc ::vesk::prefs::page {name groups} {
     Appearance {
         {theme "Theme" "Colours of the windows; the preset at the top changes the views too." {ui choice {Dark dark Light light "High contrast" contrast "Colour-blind safe" safe}}}
         {interface_scale "Size of everything, percent" "Text, icons, lines and handles, besides what the screen tells. Takes effect at the next start." {ui int 75 300}}
-        {font_main "Text font" "Font of labels, fields and lists; a Tk font description."}
-        {font_menu "Menu font" "Font of the menus; a Tk font description."}
+        {font_main "Text font" "Family and size of the letters of labels, fields and lists." font}
+        {font_menu "Menu font" "Family and size of the letters of the menus." font}
         {tk_strictmotif "Strict menus and buttons" "No highlight when the pointer passes over classic widgets."}
     }
     Help {
         {balloon_help "Show tooltips" "A small window with name, key and help of what the pointer rests on."}
         {show_startup_tips "Show a tip at the start" "One of the tips, each time another."}
-        {current_tip "Next tip" "Number of the tip that is shown next, from 0."}
     }
     "At the end" {
         {save_settings_on_exit "Save the settings at the end" "Writes every preference when the program ends."}
@@ -242,7 +253,6 @@ proc ::vesk::prefs::page {name groups} {
     }
     "Rendering and animation" {
         {render_command "Render command" "The script that Tools > Render runs." lines}
-        {sgi_anim_frames "Frames of a turn" "For scripts and plug-ins that write pictures of one turn of the scene. The program itself writes none: changing it changes nothing in the window."}
     }
 }
 ::vesk::prefs::page Keys {}
@@ -252,12 +262,6 @@ proc ::vesk::prefs::page {name groups} {
     }
     Backups {
         {backup_versions "Previous versions to keep" "Saving keeps so many older files (model.vesk.bak1, ...)." {ui int 0 99}}
-    }
-    "Recent files" {
-        {recentfiles0 "First" "In File > Open recent."}
-        {recentfiles1 "Second" "In File > Open recent."}
-        {recentfiles2 "Third" "In File > Open recent."}
-        {recentfiles3 "Fourth" "In File > Open recent."}
     }
 }
 ::vesk::prefs::page Plug-ins {
@@ -272,36 +276,5 @@ proc ::vesk::prefs::page {name groups} {
     }
     Program {
         {memory_checks "Check memory" "Slower; finds faults of plug-ins. At the next start."}
-        {last_update_id "Last update" "For scripts that note when they looked for updates. The program itself asks nobody."}
-    }
-    "Main window" {
-        {cpwin_x "X" "Where the window stands, in pixels."}
-        {cpwin_y "Y" "Where the window stands, in pixels."}
-        {cpwin_width "Width" "Of the window, in pixels."}
-        {cpwin_height "Height" "Of the window, in pixels."}
-    }
-    "Front view" {
-        {frontwin_x "X" "Where the view stands, in pixels."}
-        {frontwin_y "Y" "Where the view stands, in pixels."}
-        {frontwin_width "Width" "Of the view, in pixels."}
-        {frontwin_height "Height" "Of the view, in pixels."}
-    }
-    "Side view" {
-        {sidewin_x "X" "Where the view stands, in pixels."}
-        {sidewin_y "Y" "Where the view stands, in pixels."}
-        {sidewin_width "Width" "Of the view, in pixels."}
-        {sidewin_height "Height" "Of the view, in pixels."}
-    }
-    "Plan view" {
-        {planwin_x "X" "Where the view stands, in pixels."}
-        {planwin_y "Y" "Where the view stands, in pixels."}
-        {planwin_width "Width" "Of the view, in pixels."}
-        {planwin_height "Height" "Of the view, in pixels."}
-    }
-    "3D view" {
-        {3dwin_x "X" "Where the view stands, in pixels."}
-        {3dwin_y "Y" "Where the view stands, in pixels."}
-        {3dwin_width "Width" "Of the view, in pixels."}
-        {3dwin_height "Height" "Of the view, in pixels."}
     }
 }

@@ -9,6 +9,7 @@ namespace eval ::vesk::settings {
         maximised 0
         panel_shown 1
         panel_width 316
+        panel_tab object
         objects_height 300
         console_shown 0
         console_height 130

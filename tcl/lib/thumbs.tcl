@@ -5,7 +5,6 @@
 namespace eval ::vesk::thumbs {
     variable made {}            ;# {file mtime size} -> picture, "" for what cannot be drawn
     variable running ""         ;# {channel key output script}
-    variable count 0
     variable suffixes {.vesk .3ds .dxf .lwo .lws .md2 .bsp .wrl .tri .obj .ply .stl .gltf .glb .dae
         .fbx .3mf}
     variable largest 200e6      ;# bytes; larger files are not drawn
@@ -27,7 +26,6 @@ proc ::vesk::thumbs::can_draw {file} {
 proc ::vesk::thumbs::request {file size script} {
     variable made
     variable running
-    variable count
     cancel
     if {![can_draw $file]} {
         {*}$script ""
@@ -38,8 +36,13 @@ proc ::vesk::thumbs::request {file size script} {
         {*}$script [dict get $made $key]
         return
     }
-    set output [file join [temporary] vesk-[pid]-[incr count].png]
+    # A file of our own, under a name that nobody can know beforehand.
+    if {[catch {close [file tempfile output [file join [temporary] vesk.png]]}]} {
+        {*}$script ""
+        return
+    }
     if {[catch {open |[list [info nameofexecutable] -thumbnail $size $output $file 2>@1] r} channel]} {
+        file delete $output
         {*}$script ""
         return
     }

@@ -137,8 +137,43 @@ proc ::vesk::console::enter {} {
     } elseif {$result ne ""} {
         say $result [expr {$result eq "command not found"
             || [string match "incorrect number of args*" $result] ? "error" : "result"}]
+        if {$result eq "command not found"} {did_you_mean [lindex $line 1]}
     }
     ::vesk::ops::request
+}
+
+# did_you_mean --
+#   Names commands like one that is not there: with the same words, or a letter or two apart.
+proc ::vesk::console::did_you_mean {name} {
+    set near {}
+    foreach known [command_names] {
+        set distance [letters_apart [string tolower $name] $known]
+        if {[lsort [split [string tolower $name] _]] eq [lsort [split $known _]]} {set distance 0}
+        if {$distance <= 2 && $distance < [string length $name] / 2} {
+            lappend near [list $distance $known]
+        }
+    }
+    set names [lmap pair [lrange [lsort -index 0 -integer $near] 0 3] {lindex $pair 1}]
+    if {[llength $names] > 0} {say "Did you mean [join $names {, }]?" note}
+}
+
+# letters_apart --
+#   How many letters must be changed, added or taken away to make one word of another.
+proc ::vesk::console::letters_apart {a b} {
+    if {abs([string length $a] - [string length $b]) > 2} {return 3}
+    set row {}
+    for {set i 0} {$i <= [string length $b]} {incr i} {lappend row $i}
+    foreach x [split $a ""] {
+        set above [lindex $row 0]
+        set next [list [expr {$above + 1}]]
+        foreach y [split $b ""] old [lrange $row 1 end] {
+            set cost [expr {$x ne $y}]
+            lappend next [expr {min([lindex $next end] + 1, $old + 1, $above + $cost)}]
+            set above $old
+        }
+        set row $next
+    }
+    return [lindex $row end]
 }
 
 proc ::vesk::console::recall {step} {

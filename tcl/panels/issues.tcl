@@ -7,6 +7,7 @@ namespace eval ::vesk::issues {
     variable path ""
     variable list ""            ;# the treeview
     variable counts {}          ;# kind -> number of problems
+    variable notes {}           ;# kind -> how many of these seem to be meant
     variable found {}           ;# kind -> {id element text ...}, at most 1000 each
     variable checked_at 0       ;# seconds; 0 never
     variable checked_model ""   ;# model stamp of the last check
@@ -57,7 +58,7 @@ proc ::vesk::issues::build {tab} {
     grid $tab.foot - -sticky we
     grid columnconfigure $tab 0 -weight 1
     grid rowconfigure $tab 0 -weight 1
-    bind $list <<TreeviewSelect>> ::vesk::issues::chosen
+    bind $list <<TreeviewSelect>> {::vesk::issues::name_button; ::vesk::issues::chosen}
     ::vesk::icons::follow_selection $list
     bind $list <<TreeviewOpen>> {::vesk::issues::unfold [%W focus]}
     bind $list <Button-3> {::vesk::issues::context %x %y %X %Y}
@@ -110,12 +111,14 @@ proc ::vesk::issues::check {always} {
     set stamp [::vesk::ops::change_count]
     if {!$always && ![visible]} {
         if {$took > $slow || ($checked_at == 0 && [lindex [vesk get_counts] 5] > $large)} {
-            set_title ?
+            set_title ""
             return
         }
     }
     set begun [clock milliseconds]
+    variable notes
     set counts [vesk check_counts]
+    set notes [vesk check_notes]
     set found {}
     # Each line: kind, object, element, text.
     foreach line [split [vesk check_model] \n] {
@@ -129,13 +132,15 @@ proc ::vesk::issues::check {always} {
     show
 }
 
-# total --
-#   Number of problems that the last check found.
+# total, faults --
+#   Number of problems that the last check found; those among them that are no notes.
 proc ::vesk::issues::total {} {
     variable counts
-    set sum 0
-    foreach {kind count} $counts {incr sum $count}
-    return $sum
+    return [tcl::mathop::+ {*}[dict values $counts]]
+}
+proc ::vesk::issues::faults {} {
+    variable notes
+    return [expr {[total] - [tcl::mathop::+ {*}[dict values $notes]]}]
 }
 
 # exporting --
@@ -145,7 +150,7 @@ proc ::vesk::issues::total {} {
 proc ::vesk::issues::exporting {script} {
     variable checked_model
     if {[::vesk::ops::change_count] ne $checked_model} {check 0}
-    set sum [total]
+    set sum [faults]
     {*}$script
     if {$sum > 0} {
         display_message "$::vesk::status::message - the model has\
@@ -173,8 +178,10 @@ proc ::vesk::issues::show {} {
     variable checked_at
     variable open_limit
     variable filling
+    variable notes
     set sum [total]
-    set_title [expr {$sum == 0 ? "" : $sum > 999 ? "[expr {$sum / 1000}]k" : $sum}]
+    set faults [faults]
+    set_title [expr {$faults == 0 ? "" : $faults > 999 ? "[expr {$faults / 1000}]k" : $faults}]
     if {$path eq ""} {return}
     set filling 1
     set known [$list children {}]
@@ -184,9 +191,13 @@ proc ::vesk::issues::show {} {
     foreach {kind label one icon} $kinds {
         set count [expr {[dict exists $counts $kind] ? [dict get $counts $kind] : 0}]
         if {$count == 0} {continue}
-        if {![info exists open($kind)]} {set open($kind) [expr {$count <= $open_limit}]}
-        $list insert {} end -id $kind -text " $label" -open $open($kind) \
-            -image [::vesk::icons::get $icon] -values [list "[::vesk::arith::grouped $count] "]
+        # A kind of notes alone is folded: nothing asks to be mended.
+        set meant [expr {$count == [dict get $notes $kind]}]
+        if {![info exists open($kind)]} {set open($kind) [expr {!$meant && $count <= $open_limit}]}
+        $list insert {} end -id $kind -open $open($kind) \
+            -text " $label[expr {$meant ? " (meant)" : ""}]" \
+            -image [::vesk::icons::get [expr {$meant ? "info" : $icon}]] \
+            -values [list "[::vesk::arith::grouped $count] "]
         # This line makes the mark appear until the kind is unfolded.
         $list insert $kind end -id $kind,more
         if {$open($kind)} {unfold $kind}
@@ -200,8 +211,22 @@ proc ::vesk::issues::show {} {
     } else {
         place forget $path.none
     }
-    $path.foot.fix state [expr {$sum > 0 ? "!disabled" : "disabled"}]
+    name_button
     show_age
+}
+
+# name_button --
+#   The button tells what it mends.
+proc ::vesk::issues::name_button {} {
+    variable path
+    variable list
+    variable kinds
+    set row [lindex [$list selection] 0]
+    if {$row ne "" && [$list parent $row] ne ""} {set row [$list parent $row]}
+    set place [lsearch -exact $kinds $row]
+    $path.foot.fix configure -text [expr {$row eq "" || $place < 0 ? "Fix all"
+        : "Fix all [string tolower [lindex $kinds $place+1]]"}]
+    $path.foot.fix state [expr {$row ne "" || [faults] > 0 ? "!disabled" : "disabled"}]
 }
 
 # unfold --
@@ -344,18 +369,21 @@ proc ::vesk::issues::fix_all {} {
     variable list
     variable kinds
     variable counts
+    variable notes
     set row [lindex [$list selection] 0]
     if {$row ne ""} {
         fix_kind [expr {[$list parent $row] eq "" ? $row : [$list parent $row]}]
         return
     }
-    set before [total]
+    set before [faults]
     foreach {kind label one icon} $kinds {
         # Mending one kind can make or take away others.
-        if {[dict get [vesk check_counts] $kind] > 0} {::vesk::ops::run check_fix_all $kind}
+        if {[dict get [vesk check_counts] $kind] > [dict get [vesk check_notes] $kind]} {
+            ::vesk::ops::run check_fix_all $kind
+        }
     }
     check 1
-    display_message "[::vesk::arith::counted $before problem] before, [total] left"
+    display_message "[::vesk::arith::counted $before problem] before, [faults] left"
 }
 
 # open --

@@ -34,6 +34,7 @@ proc ::vesk::material::build {tab} {
     grid columnconfigure $tab.rows 2 -weight 1
     ::vesk::theme::follow ::vesk::material::draw_ball
     bind $tab.top.ball <Visibility> ::vesk::material::draw_ball
+    bind $tab.top.ball <Map> {after idle ::vesk::palette::count_users}
     return $tab
 }
 
@@ -122,10 +123,17 @@ proc ::vesk::material::show {entry} {
         set value($kind,level) $number
     }
     set picked [::vesk::palette::entry_name $::vesk::palette::current $name]
-    $path.top.line configure -text [::vesk::palette::place_text]
+    show_place
     $path.top.apply state [expr {[::vesk::menus::known set_col] ? "!disabled" : "disabled"}]
     set loading 0
     draw_ball
+}
+
+# show_place --
+#   Which entry it is, and how many surfaces have it.
+proc ::vesk::material::show_place {} {
+    variable path
+    $path.top.line configure -text "[::vesk::palette::place_text][::vesk::palette::users_text]"
 }
 
 proc ::vesk::material::to_hex {r g b} {
@@ -236,20 +244,32 @@ proc ::vesk::material::number_typed {kind number} {
 proc ::vesk::material::moved {} {
     variable pending
     after cancel $pending
-    set pending [after 40 [expr {$::prefs_realtimecolour ? "::vesk::material::commit"
+    set pending [after 40 [expr {$::prefs_realtimecolour ? "::vesk::material::preview"
         : "::vesk::material::draw_ball"}]]
 }
 
-# commit --
-#   Writes the values of the tab into the entry.
-proc ::vesk::material::commit {} {
+# preview --
+#   The model follows the drag without a step of the history.
+proc ::vesk::material::preview {} {
+    draw_ball
+    vesk palette_preview {*}[entry_words]
+}
+
+# entry_words --
+#   Number and values of the entry, as the commands take them.
+proc ::vesk::material::entry_words {} {
     variable value
+    return [list $::vesk::palette::current {*}[lmap part [colour_parts] {format %.4g $part}] \
+        [format %g $value(shininess,level)] [format %g $value(transparency,level)]]
+}
+
+# commit --
+#   Writes the values of the tab into the entry: one step, from what was before a drag.
+proc ::vesk::material::commit {} {
     variable pending
     after cancel $pending
     draw_ball
-    ::vesk::ops::run set_palette_entry $::vesk::palette::current \
-        {*}[lmap part [colour_parts] {format %.4g $part}] \
-        [format %g $value(shininess,level)] [format %g $value(transparency,level)]
+    ::vesk::ops::run set_palette_entry {*}[entry_words]
     vesk redraw_all
 }
 

@@ -11,6 +11,9 @@ namespace eval ::vesk::objects {
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
     variable chosen {}          ;# ids selected in the model
+    variable asked {}           ;# rows that stand for what was selected by a click on them: groups
+    variable shown_rows {}      ;# rows that show_selection marked
+    variable pointed ""         ;# the row that was clicked last
     variable open {}            ;# id -> 1 or 0, of rows with others below them
     variable filtered 0         ;# only the rows that match the filter are there
     variable surfaces 0         ;# of all objects, as the list shows them
@@ -88,8 +91,9 @@ proc ::vesk::objects::bind_tree {} {
     bind $tree <Button-3> {::vesk::objects::context %x %y %X %Y}
     bind $tree <Button-1> {+::vesk::objects::drag_press %x %y}
     # A press that adds to the selection must not become a drag: its release would choose one row.
-    bind $tree <Control-Button-1> {set ::vesk::objects::drag ""}
-    bind $tree <Shift-Button-1> {set ::vesk::objects::drag ""}
+    foreach event {<Control-Button-1> <Shift-Button-1>} {
+        bind $tree $event {::vesk::objects::drag_press %x %y; set ::vesk::objects::drag ""}
+    }
     bind $tree <B1-Motion> {::vesk::objects::drag_motion %x %y}
     bind $tree <ButtonRelease-1> {::vesk::objects::drag_release}
     bind $tree <FocusIn> {::vesk::objects::show_focus 1}
@@ -290,21 +294,26 @@ proc ::vesk::objects::show_count {} {
 # ---- selection ----
 
 # show_selection --
-#   Takes the selection of the model over into the tree.
+#   Takes the selection of the model over into the tree. A group that was clicked stays marked with
+#   what its click selected, as long as that is what is selected.
 proc ::vesk::objects::show_selection {} {
     variable tree
     variable chosen
+    variable asked
+    variable shown_rows
     variable syncing
-    set chosen [vesk get_selected_objects]
-    set present [present $chosen]
-    if {[lsort $present] eq [lsort [$tree selection]]} {
+    set now [vesk get_selected_objects]
+    if {$now ne $chosen} {set asked {}}
+    set chosen $now
+    set shown_rows [lsort -unique [present [concat $chosen $asked]]]
+    if {$shown_rows eq [lsort [$tree selection]]} {
         strip_later
         return
     }
     set syncing 1
-    $tree selection set $present
-    if {[llength $present] == 1} {
-        set id [lindex $present 0]
+    $tree selection set $shown_rows
+    if {[llength $shown_rows] == 1} {
+        set id [lindex $shown_rows 0]
         $tree see $id
         $tree focus $id
     }
@@ -312,6 +321,44 @@ proc ::vesk::objects::show_selection {} {
     mark_icons
     # The virtual event arrives later; by then the two agree.
     after idle {set ::vesk::objects::syncing 0}
+}
+
+# meant --
+#   The selected objects as a person sees them: a marked group stands for what is below it.
+proc ::vesk::objects::meant {} {
+    variable asked
+    variable rows
+    set ids [vesk get_selected_objects]
+    if {[llength $asked] == 0} {return $ids}
+    return [lmap id [lsort -unique -integer [concat $asked $ids]] {
+        if {![dict exists $rows $id] || [below_one_of $id $asked]} continue
+        set id
+    }]
+}
+
+# groups_of --
+#   The rows among `ids` that are not in `chosen` but have something of it below them.
+proc ::vesk::objects::groups_of {ids chosen} {
+    variable rows
+    set above {}
+    foreach id $chosen {
+        while {[dict exists $rows $id] && ![dict exists $above $id]} {
+            dict set above $id 1
+            set id [lindex [dict get $rows $id] 0]
+        }
+    }
+    return [lmap id $ids {if {$id in $chosen || ![dict exists $above $id]} continue; set id}]
+}
+
+# below_one_of --
+#   Whether an object lies below one of others.
+proc ::vesk::objects::below_one_of {id others} {
+    variable rows
+    while {[dict exists $rows $id]} {
+        set id [lindex [dict get $rows $id] 0]
+        if {$id in $others} {return 1}
+    }
+    return 0
 }
 
 # present --
@@ -330,6 +377,7 @@ proc ::vesk::objects::present {ids} {
 proc ::vesk::objects::selected {} {
     variable tree
     variable chosen
+    variable asked
     variable syncing
     variable rows
     strip_later
@@ -337,7 +385,8 @@ proc ::vesk::objects::selected {} {
     if {$syncing} {return}
     set wanted [$tree selection]
     # The user did not deselect the rows that the filter hides.
-    if {[lsort $wanted] eq [lsort [present $chosen]]} {return}
+    if {[lsort $wanted] eq [lsort -unique [present [concat $chosen $asked]]]} {return}
+    set wanted [without_taken_out $wanted]
     set world [vesk get_world]
     if {$::vesk::select_mode eq "tree"} {
         foreach id $wanted {
@@ -348,7 +397,24 @@ proc ::vesk::objects::selected {} {
         }
     }
     ::vesk::ops::run objects_select $wanted
+    set chosen [vesk get_selected_objects]
+    set asked [groups_of $wanted $chosen]
     show_selection
+}
+
+# without_taken_out --
+#   The rows of a selection but those below a group that was taken out, and the groups above a row
+#   that was.
+proc ::vesk::objects::without_taken_out {wanted} {
+    variable asked
+    variable shown_rows
+    if {[llength $asked] == 0} {return $wanted}
+    set out [lmap id $shown_rows {if {$id in $wanted} continue; set id}]
+    return [lmap id $wanted {
+        if {[below_one_of $id [lmap gone $out {if {$gone ni $asked} continue; set gone}]]} continue
+        if {$id in $asked && 1 in [lmap gone $out {below_one_of $gone [list $id]}]} continue
+        set id
+    }]
 }
 
 # mark_icons --
@@ -435,7 +501,13 @@ proc ::vesk::objects::escape {} {
 proc ::vesk::objects::rename {} {
     variable tree
     variable rows
+    variable pointed
+    # The row that was clicked last, or that the keys moved to, if it is selected.
+    set marked [$tree selection]
     set id [$tree focus]
+    foreach row [list [lindex $marked 0] [$tree focus] $pointed] {
+        if {$row ne "" && $row in $marked} {set id $row}
+    }
     if {$id eq "" || ![dict exists $rows $id]} {return}
     $tree see $id
     set box [$tree bbox $id #0]

@@ -7,10 +7,16 @@ proc ::vesk::objects::drag_press {x y} {
     variable tree
     variable filter
     variable drag ""
+    variable pointed
     set row [$tree identify row $x $y]
-    if {$row eq "" || $filter ne "" || [string match *indicator [$tree identify element $x $y]]} {
-        return
+    if {[string match *indicator [$tree identify element $x $y]]} {
+        # The arrow opens and closes; it selects nothing.
+        focus $tree
+        ttk::treeview::Toggle $tree $row
+        return -code break
     }
+    set pointed $row
+    if {$row eq "" || $filter ne ""} {return}
     set drag [list $row $x $y 0 ""]
     # Several selected rows go together: the press must not choose one of them.
     if {$row in [$tree selection] && [llength [$tree selection]] > 1} {

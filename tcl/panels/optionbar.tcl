@@ -12,6 +12,7 @@ namespace eval ::vesk::optionbar {
         tree m-tree "Tree" "" "Whole top-level objects."
         object m-object "Object" O "Single objects."
         surface m-surface "Surface" S "Surfaces."
+        edge m-edge "Edge" D "Edges: the sides of surfaces."
         vertex m-vertex "Vertex" V "Vertices."
         light m-light "Light" "" "Lights."
     }
@@ -127,12 +128,15 @@ proc ::vesk::optionbar::show_fields {tool} {
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  run: a command;  measures: sizes of the selection
+#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;  measures: sizes of the selection
 proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
-    if {$kind in {bool run}} {
-        if {$kind eq "bool"} {
+    if {$kind in {bool switch run}} {
+        if {$kind eq "switch"} {
+            ttk::checkbutton $field -text $label -variable ::vesk::tools::$key \
+                -command ::vesk::tools::${key}_changed
+        } elseif {$kind eq "bool"} {
             ttk::checkbutton $field -text $label -variable ::prefs_$key \
                 -command [list ::vesk::menus::changed prefs_$key {}]
         } else {
@@ -150,17 +154,20 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
         ::vesk::fields::follow_preference $field ::vesk::optionbar::field$number $key $kind
+        foreach event {<Return> <KP_Enter>} {bind $field $event {+after idle ::vesk::view::focus_last}}
         pack $field -side left -padx [list 0 $gap]
     }
 }
 
 # add_vector --
 #   Three axis fields and the button that applies them.
+#   start  the number that changes nothing
 proc ::vesk::optionbar::add_vector {frame start} {
     foreach axis {x y z} {
         set ::vesk::tools::vector($axis) [::vesk::arith::shown $start]
         set entry [::vesk::fields::axis_field $frame.$axis $axis ::vesk::tools::vector($axis) "" 6]
-        ::vesk::fields::on_keys $entry {Return ::vesk::tools::apply Escape ::vesk::view::focus_last}
+        ::vesk::fields::on_keys $entry [list Return [list ::vesk::optionbar::apply_vector $start] \
+            Escape ::vesk::view::focus_last]
         foreach {key step} {Up 0.1 Down -0.1 Shift-Key-Up 1 Shift-Key-Down -1} {
             bind $entry <$key> [list ::vesk::optionbar::step_vector $axis $step]
         }
@@ -168,8 +175,16 @@ proc ::vesk::optionbar::add_vector {frame start} {
         bind $entry <FocusOut> +[list ::vesk::optionbar::tidy_vector $axis]
         pack $frame.$axis -side left -padx [::vesk::theme::pad 0 4]
     }
-    ttk::button $frame.apply -text Apply -command ::vesk::tools::apply
+    ttk::button $frame.apply -text Apply -command [list ::vesk::optionbar::apply_vector $start]
     pack $frame.apply -side left
+}
+
+# apply_vector --
+#   Applies the three numbers once: the next ones start anew, and keys are the views' again.
+proc ::vesk::optionbar::apply_vector {start} {
+    if {![::vesk::tools::apply]} {return}
+    foreach axis {x y z} {set ::vesk::tools::vector($axis) [::vesk::arith::shown $start]}
+    ::vesk::view::focus_last
 }
 
 proc ::vesk::optionbar::step_vector {axis step} {

@@ -9,6 +9,7 @@ namespace eval ::vesk::palette {
     variable name ""            ;# of the current entry
     variable columns 8
     variable users {}           ;# surfaces of each entry, when they were counted
+    variable applying ""        ;# the clicked entry, which is given unless a second click follows
 }
 
 # ---- entries ----
@@ -71,22 +72,44 @@ proc ::vesk::palette::apply_current {} {
     ::vesk::ops::run set_col $current
 }
 
+# follow_selection --
+#   Makes the material of what is selected the one that both tabs show.
+proc ::vesk::palette::follow_selection {} {
+    variable current
+    set entries [vesk selection_materials]
+    if {[llength $entries] > 0 && $current ni $entries} {select [lindex $entries 0]}
+}
+
 # duplicate, add_entry --
 #   A new entry with the values of the current one, or grey, which is then shown.
 proc ::vesk::palette::duplicate {} {
     variable current
-    append_entry [lrange [vesk get_material $current] 1 end]
+    set words [lassign [vesk get_material $current] name]
+    append_entry $words [unused_name [entry_name $current $name]]
 }
 proc ::vesk::palette::add_entry {} {
-    append_entry {0.8 0.8 0.8 0.2 0.2 0.2 0 0 0 0.5 0.5 0.5 10 0}
+    append_entry {0.8 0.8 0.8 0.2 0.2 0.2 0 0 0 0.5 0.5 0.5 10 0} ""
     ::vesk::main::show_tab material
 }
-proc ::vesk::palette::append_entry {words} {
+proc ::vesk::palette::append_entry {words name} {
     variable current
     set index [::vesk::ops::run new_palette_entry $current]
     if {![string is integer -strict $index]} {return}
     ::vesk::ops::run set_palette_entry $index {*}$words
+    ::vesk::ops::run material_set_name $index $name
     set current $index
+}
+
+# unused_name --
+#   A name with the first number that no other material has.
+proc ::vesk::palette::unused_name {name} {
+    variable colours
+    regsub {\s+\d+$} $name {} stem
+    for {set place 0} {$place < [llength $colours]} {incr place} {
+        dict set taken [entry_name $place [lindex [vesk get_material $place] 0]] 1
+    }
+    for {set number 2} {[dict exists $taken "$stem $number"]} {incr number} {}
+    return "$stem $number"
 }
 
 # ---- the tab ----
@@ -125,6 +148,7 @@ proc ::vesk::palette::build {tab} {
     bind_grid $tab.grid
     ::vesk::ops::listen palette ::vesk::palette::refresh
     ::vesk::ops::listen model ::vesk::palette::model_changed
+    ::vesk::ops::listen selection ::vesk::palette::follow_selection
     ::vesk::theme::follow ::vesk::palette::draw
     return $tab
 }
@@ -136,7 +160,8 @@ proc ::vesk::palette::bind_grid {grid} {
         bind $grid <Button-$button> [list $grid yview scroll $step units]
     }
     bind $grid <Button-1> {focus %W; ::vesk::palette::swatch_at %x %y}
-    bind $grid <Double-Button-1> {::vesk::main::show_tab material}
+    bind $grid <Double-Button-1> {::vesk::palette::edit_current}
+    bind $grid <Leave> {::vesk::palette::apply_clicked}
     bind $grid <Key-Return> ::vesk::palette::apply_current
     bind $grid <Button-3> {focus %W; ::vesk::palette::context %x %y %X %Y}
     foreach event {<Key-Menu> <Shift-Key-F10>} {
@@ -242,9 +267,10 @@ proc ::vesk::palette::mark {} {
 proc ::vesk::palette::count_users {} {
     variable path
     variable users
-    if {![winfo viewable $path]} {return}
+    if {![winfo viewable $path] && ![winfo viewable $::vesk::material::path]} {return}
     set users [vesk material_counts]
     mark
+    ::vesk::material::show_place
 }
 proc ::vesk::palette::model_changed {} {
     after cancel ::vesk::palette::count_users
@@ -303,12 +329,30 @@ proc ::vesk::palette::swatch_below {x y} {
     return [expr {$column < $columns && $index < [llength $colours] ? $index : -1}]
 }
 
+# swatch_at, apply_clicked, edit_current --
+#   A click gives the selection the material, as Return does, unless a second click follows, which
+#   edits it. Whoever leaves the grid meanwhile clicked once.
 proc ::vesk::palette::swatch_at {x y} {
+    variable applying
     set index [swatch_below $x $y]
+    apply_clicked
     if {$index < 0} {return}
     select $index
-    # A click gives the selection the material, as Return does.
-    if {[lindex [vesk get_counts] 2] > 0} {apply_current}
+    if {[lindex [vesk get_counts] 2] > 0} {
+        set applying $index
+        after 250 ::vesk::palette::apply_clicked
+    }
+}
+proc ::vesk::palette::apply_clicked {} {
+    variable applying
+    after cancel ::vesk::palette::apply_clicked
+    if {$applying ne ""} {::vesk::ops::run set_col $applying}
+    set applying ""
+}
+proc ::vesk::palette::edit_current {} {
+    variable applying ""
+    after cancel ::vesk::palette::apply_clicked
+    ::vesk::main::show_tab material
 }
 
 # context, swatch_menu --

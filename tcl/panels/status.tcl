@@ -129,6 +129,8 @@ proc ::vesk::status::show {text} {
     variable idle_timer
     variable previews 0
     set message [string map {\n " "} $text]
+    # What is done in the editor of texture coordinates is told there, too.
+    if {[winfo exists .uv] && [string match .uv* [focus]]} {::vesk::uvedit::message $message}
     if {$text ne ""} {
         set history [lrange [linsert $history 0 [clock format [clock seconds] -format %H:%M:%S]\ $text] 0 19]
         ::vesk::console::say $text note

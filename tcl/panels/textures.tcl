@@ -42,15 +42,25 @@ proc ::vesk::textures::preview {id} {
 
 # ---- the rows of the Object tab ----
 
+# edge --
+#   The outline of the texture's field, as the entries have it.
+proc ::vesk::textures::edge {} {
+    variable path
+    $path.texture configure -highlightbackground [::vesk::theme::colour edge] \
+        -highlightcolor [::vesk::theme::colour ring]
+}
+
 # add_rows --
 #   Appends texture, repeats and offsets to the grid of the tab. Returns the last row's number.
 proc ::vesk::textures::add_rows {tab row} {
     variable path $tab
     ttk::label $tab.ltexture -text Texture -style Panel.Dim.TLabel
-    menubutton $tab.texture -relief flat -borderwidth 0 -highlightthickness 0 -anchor w \
+    menubutton $tab.texture -relief flat -borderwidth 0 -highlightthickness 1 -anchor w \
         -compound left -padx [::vesk::theme::px 4] -menu $tab.texture.menu -takefocus 1
     menu $tab.texture.menu -tearoff 0 -postcommand ::vesk::textures::fill_choice
     ::vesk::theme::recolour $tab.texture
+    ::vesk::theme::follow ::vesk::textures::edge
+    edge
     ::vesk::theme::recolour $tab.texture.menu
     ::vesk::tooltips::attach $tab.texture Texture "" "The picture on the selected objects."
     grid $tab.ltexture -row [incr row] -column 0 -sticky w

@@ -49,6 +49,9 @@ namespace eval ::vesk::tools {
         {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
         {insert insert +insert_vertex set_view_tool "" "Insert vertices"
             "Click an edge where the vertex comes." "Click an edge. Control: in the middle."}
+        {loopcut loopcut +loop_cut set_view_tool "" "Loop cut"
+            "Click an edge: its ring of quads is cut."
+            "Click an edge. Wheel or digits: how many loops. Drag: where."}
         {measure measure +measure set_view_tool "" "Measure"
             "Drag a ruler; a third click gives the angle."
             "Drag from point to point. A third click: the angle. Escape clears."}
@@ -62,7 +65,7 @@ namespace eval ::vesk::tools {
         move     {{vector 0}}
         rotate   {{vector 0} {"Own centres" bool rotate_about_object_centre}}
         scale    {{vector 1}}
-        extrude  {{vector 0} {Steps int extrude_num} {Cap bool extrude_cap_end}
+        extrude  {{vector 0} {Automatic switch automatic} {Steps int extrude_num} {Cap bool extrude_cap_end}
                   {"Delete original" bool extrude_delete_original}
                   {Turn bool extrude_flip_cap}}
         circle   {{Segments int ellipse_segments}}
@@ -76,6 +79,7 @@ namespace eval ::vesk::tools {
     }
     variable vector             ;# the three numbers of move, rotate, scale
     array set vector {x 0.000 y 0.000 z 0.000}
+    variable automatic 1        ;# extrusions keep bodies facing outwards, whatever the preferences
     variable measured ""        ;# sizes of the selection, while the measure tool is on
 }
 
@@ -263,7 +267,7 @@ proc ::vesk::tools::tool_of_mode {mode} {
 }
 
 # apply --
-#   Runs the current tool with the three typed numbers.
+#   Runs the current tool with the three typed numbers; returns 0 when one of them is none.
 proc ::vesk::tools::apply {} {
     variable current
     variable vector
@@ -271,7 +275,7 @@ proc ::vesk::tools::apply {} {
     foreach axis {x y z} {
         if {[catch {::vesk::arith::value $vector($axis)} number]} {
             display_message "[string toupper $axis]: $number"
-            return
+            return 0
         }
         lappend numbers $number
     }
@@ -279,9 +283,17 @@ proc ::vesk::tools::apply {} {
         move    {::vesk::ops::run move_with_undo {*}$numbers}
         scale   {::vesk::ops::run scale {*}$numbers}
         rotate  {::vesk::ops::run rotate_about_with_undo {*}$numbers {*}[pivot_point]}
-        extrude {::vesk::ops::run extrude {*}$numbers}
+        extrude {::vesk::ops::run extrude_select $::vesk::tools::automatic {*}$numbers}
     }
     vesk redraw_all
+    return 1
+}
+
+# automatic_changed --
+#   The option "Automatic" of the extrude tool.
+proc ::vesk::tools::automatic_changed {} {
+    variable automatic
+    ::vesk::ops::run set_extrude_automatic $automatic
 }
 
 # pivot_point --

@@ -164,7 +164,7 @@ proc ::vesk::transform::use_mode {name} {
 proc ::vesk::transform::numbers {what any} {
     variable mode
     if {!$any} {return {"" "" ""}}
-    if {$what eq "rotate"} {return {0 0 0}}
+    if {$what eq "rotate"} {return [expr {$mode eq "to" ? [angles] : {0 0 0}}]}
     if {$mode eq "by"} {return [lrepeat 3 [expr {$what eq "size" ? "1.000" : "0.000"}]]}
     set size [vesk get_selection_size]
     # A coordinate far below the size of the selection is a rounding error.
@@ -174,6 +174,28 @@ proc ::vesk::transform::numbers {what any} {
     }]
 }
 
+# angles, frame --
+#   The angles of the selected objects as shown, a dash where they differ; those of the first one.
+#   Surfaces and vertices have no frame: theirs count from where they are.
+proc ::vesk::transform::angles {} {
+    set frames {}
+    foreach id [lrange [vesk get_selected_objects] 0 99] {
+        lappend frames [lmap angle [dict get [vesk object_info $id] angles] {
+            ::vesk::arith::shown [expr {abs($angle) < 5e-4 ? 0.0 : $angle}]
+        }]
+    }
+    if {[llength $frames] == 0} {return {0 0 0}}
+    set shown {}
+    foreach place {0 1 2} {
+        lappend shown [common [lsort -unique [lmap frame $frames {lindex $frame $place}]]]
+    }
+    return $shown
+}
+proc ::vesk::transform::frame {} {
+    set id [lindex [vesk get_selected_objects] 0]
+    return [expr {$id eq "" ? "" : [dict get [vesk object_info $id] angles]}]
+}
+
 # show_texts --
 #   Name, url, data and the counts line of the selected objects.
 proc ::vesk::transform::show_texts {force} {
@@ -181,7 +203,7 @@ proc ::vesk::transform::show_texts {force} {
     variable text
     variable shown_text
     variable shown_for
-    variable shown_ids [vesk get_selected_objects]
+    variable shown_ids [::vesk::objects::meant]
     set ids $shown_ids
     set infos [lmap id [lrange $ids 0 99] {vesk object_info $id}]
     foreach key {name url data} {
@@ -192,7 +214,10 @@ proc ::vesk::transform::show_texts {force} {
         set shown_for($key) $ids
         $path.$key state [expr {[llength $ids] > 0 ? "!disabled" : "disabled"}]
     }
-    ::vesk::textures::refresh $infos $force
+    # Textures belong to the objects with surfaces.
+    ::vesk::textures::refresh [lmap id [lrange [vesk get_selected_objects] 0 99] {
+        vesk object_info $id
+    }] $force
     $path.counts configure -text [count_line $ids $infos]
     show_flags $ids $infos
 }
@@ -207,7 +232,9 @@ proc ::vesk::transform::distinct {infos key} {
     return [lsort -unique $values]
 }
 proc ::vesk::transform::common {values} {
-    return [expr {[llength $values] > 1 ? "\u2013" : [lindex $values 0]}]
+    # Not by expr, which would write a number anew.
+    if {[llength $values] > 1} {return "\u2013"}
+    return [lindex $values 0]
 }
 
 # show_flags --
@@ -279,7 +306,13 @@ proc ::vesk::transform::typed {what axis number} {
         position,by {::vesk::ops::run move_with_undo {*}[lreplace {0 0 0} $place $place $number]}
         size,to - size,by {size_typed $place $number}
         default {
-            ::vesk::ops::run rotate_about_with_undo {*}[lreplace {0 0 0} $place $place $number] \
+            set from {0 0 0}
+            set command rotate_about_with_undo
+            if {$mode eq "to" && [frame] ne ""} {
+                set from [frame]
+                set command rotate_to_with_undo
+            }
+            ::vesk::ops::run $command {*}[lreplace $from $place $place $number] \
                 {*}[::vesk::tools::pivot_point]
         }
     }
@@ -391,6 +424,7 @@ proc ::vesk::transform::drag_apply {what axis amount} {
     }
     set shown [list $amount $amount $amount]
     if {$mode eq "to" && $what eq "position"} {set shown [vesk get_selection_centre]}
+    if {$mode eq "to" && $what eq "rotate" && [frame] ne ""} {set shown [frame]}
     if {$what eq "size"} {
         set shown [vesk get_selection_size]
         if {$mode eq "by"} {

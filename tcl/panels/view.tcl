@@ -15,6 +15,7 @@ namespace eval ::vesk::view {
     variable translated 0       ;# keys were changed: they are looked up first
     variable dragging ""
     variable waiting ""         ;# a chip's menu that opens unless a second click follows
+    variable under ""           ;# the view that came under the pointer since its last motion
 }
 
 proc ::vesk::view::area {} {
@@ -271,12 +272,14 @@ proc ::vesk::view::bind_view {name cell} {
     bind $cell <B1-Motion> {::vesk::view::drag %X %Y}
     bind $cell <ButtonRelease-1> {set ::vesk::view::dragging ""}
     bind $cell <Double-Button-1> {::vesk::view::equal}
-    bind $togl <Enter> [list ::vesk::view::entered $name]
+    # A relayout brings another view under a resting pointer: only a motion takes the focus.
+    bind $togl <Enter> [list set ::vesk::view::under $name]
+    bind $togl <Motion> [list ::vesk::view::moved_in $name]
     bind $togl <FocusIn> [list ::vesk::view::focus_changed $name 1]
     bind $togl <FocusOut> [list ::vesk::view::focus_changed $name 0]
     bind $togl <Button> [list focus $togl]
-    bind $togl <Button-4> [list vesk zoomview $id 1]
-    bind $togl <Button-5> [list vesk zoomview $id -1]
+    bind $togl <Button-4> [list vesk view_wheel $id 1]
+    bind $togl <Button-5> [list vesk view_wheel $id -1]
     ::vesk::hovername::bind_view $name $id $togl
     bind $togl <Key> [list ::vesk::view::key $id %A %K %s]
     set popup {::vesk::menus::popup $::vesk::select_mode %X %Y}
@@ -298,7 +301,7 @@ proc ::vesk::view::bind_view {name cell} {
 #   text  %A, keysym  %K, state  %s
 proc ::vesk::view::key {id text keysym state} {
     if {[regexp {^(Shift|Control|Alt|Meta|Super|Caps|Num|ISO)_} $keysym]
-            || ![::vesk::menus::known keypress]} {return}
+            || ![::vesk::menus::known keypress] || [::vesk::menus::takes $keysym $state]} {return}
     ::vesk::hovername::hide
     # The keypad's keys without Num Lock.
     regsub {^KP_(Up|Down|Left|Right|Delete)$} $keysym {\1} keysym
@@ -328,8 +331,14 @@ proc ::vesk::view::press {id key state} {
     vesk keypress $id $key $state
 }
 
-# entered --
-#   Gives the focus to the view under the pointer, unless a text is being edited.
+# moved_in, entered --
+#   The pointer came into a view by a motion: gives it the focus, unless a text is being edited.
+proc ::vesk::view::moved_in {name} {
+    variable under
+    if {$under ne $name} {return}
+    set under ""
+    entered $name
+}
 proc ::vesk::view::entered {name} {
     variable area_path
     set now [focus]

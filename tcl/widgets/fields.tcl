@@ -137,6 +137,42 @@ proc ::vesk::fields::typed_colour {entry} {
 
 # ---- keys ----
 
+# own_keys --
+#   Leaves the fields only the editing keys that everyone knows: the toolkit's others (Control with
+#   d, e, h, k, o, t ...) would change the text beside what the window does on the same key.
+proc ::vesk::fields::own_keys {} {
+    set letter {^<(Control-|Lock-)*(Control|Meta)-(Lock-)?Key-([A-Za-z])>$}
+    foreach class {Entry TEntry TCombobox Spinbox Text} {
+        foreach event [bind $class] {
+            if {[regexp $letter $event]} {bind $class $event {}}
+        }
+    }
+    foreach name [event info] {
+        foreach event [event info $name] {
+            if {[regexp $letter $event -> a b c key] && [string tolower $key] ni {x c v z}} {
+                event delete $name $event
+            }
+        }
+    }
+    event add <<SelectAll>> <Control-Key-a>
+    foreach class {Entry TEntry TCombobox} {bind $class <FocusIn> {+::vesk::fields::note_text %W}}
+}
+
+# note_text, take_back --
+#   Undo in a field: its text at the beginning comes back. Returns 0 when it is there already.
+proc ::vesk::fields::note_text {w} {
+    variable before
+    set before($w) [$w get]
+}
+proc ::vesk::fields::take_back {w} {
+    variable before
+    if {![info exists before($w)] || [$w get] eq $before($w)} {return 0}
+    $w delete 0 end
+    $w insert 0 $before($w)
+    mark_invalid $w 0
+    return 1
+}
+
 # on_keys --
 #   Binds keys of a widget; no other binding of the key runs after them.
 #   keys  key, script, key, script ...; Return includes the one of the keypad
@@ -200,6 +236,7 @@ proc ::vesk::fields::show_number {w variable number force} {
     set typing [expr {[focus] eq $w}]
     if {[set $variable] eq $number || (!$force && $typing && [being_typed $w])} {return}
     set $variable $number
+    mark_invalid $w 0
     if {$typing} {
         set before($w) $number
         $w selection range 0 end
@@ -269,7 +306,11 @@ proc ::vesk::fields::done_in {entry} {
 }
 proc ::vesk::fields::note_done {entry} {
     variable done
-    if {[winfo exists $entry]} {set done [list $entry [$entry get]]}
+    if {![winfo exists $entry]} {return}
+    set done [list $entry [$entry get]]
+    # A text that was refused is not what the field holds.
+    set frame [expr {[winfo class $entry] eq "Entry" ? [winfo parent $entry] : $entry}]
+    if {[winfo class $frame] eq "Frame" || ![$frame instate invalid]} {note_text $entry}
 }
 proc ::vesk::fields::is_done {entry} {
     variable done

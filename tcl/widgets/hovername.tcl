@@ -11,7 +11,7 @@ namespace eval ::vesk::hovername {
 # bind_view --
 #   Binds the mouse events of one view.
 proc ::vesk::hovername::bind_view {name id togl} {
-    bind $togl <Motion> [list ::vesk::hovername::moved $name $id %x %y %s]
+    bind $togl <Motion> +[list ::vesk::hovername::moved $name $id %x %y %s]
     bind $togl <Leave> ::vesk::hovername::hide
     foreach event {<Button> <Button-4> <Button-5>} {bind $togl $event +::vesk::hovername::hide}
     bind $togl <Configure> +::vesk::hovername::hide

@@ -1,6 +1,6 @@
 # prefwidgets.tcl --
 #   The widgets of the preferences window, one a kind: number, slider, choice, colour, text, folder,
-#   file, long text. Each shows its preference and writes it through ::vesk::preferences::put.
+#   file, long text, font. Each shows its preference and writes it through ::vesk::preferences::put.
 
 namespace eval ::vesk::prefwidgets {
     variable made               ;# key -> {kind path}
@@ -213,4 +213,38 @@ proc ::vesk::prefwidgets::show_lines {path key value} {
     if {[focus] eq "$path.value"} {return}
     $path.value delete 1.0 end
     $path.value insert end $value
+}
+
+# ---- fonts ----
+
+# make_font --
+#   Family and size; "Standard" is what the program chooses itself.
+proc ::vesk::prefwidgets::make_font {path key} {
+    set families [lsort -unique -dictionary [lsearch -all -inline -not [font families] @*]]
+    ttk::combobox $path.value -style Panel.TCombobox -state readonly -width 22 \
+        -values [linsert $families 0 Standard]
+    ttk::spinbox $path.size -style Panel.TSpinbox -from 6 -to 32 -width 4 -justify right \
+        -font VeskNumber -command [list ::vesk::prefwidgets::font_chosen $path $key]
+    bind $path.value <<ComboboxSelected>> [list ::vesk::prefwidgets::font_chosen $path $key]
+    foreach event {<Return> <FocusOut>} {
+        bind $path.size $event [list ::vesk::prefwidgets::font_chosen $path $key]
+    }
+    pack $path.value $path.size -side left -padx [::vesk::theme::pad 0 6]
+}
+proc ::vesk::prefwidgets::font_chosen {path key} {
+    $path.value selection clear
+    set family [$path.value get]
+    set size [$path.size get]
+    if {![string is integer -strict $size]} {set size 9}
+    set text [expr {$family eq "Standard" ? [::vesk::preferences::default $key]
+        : [list $family [expr {min(32, max(6, $size))}]]}]
+    if {$text ne [::vesk::preferences::get $key]} {::vesk::preferences::put $key $text}
+    show $key
+}
+proc ::vesk::prefwidgets::show_font {path key value} {
+    set standard [expr {$value eq [::vesk::preferences::default $key]}]
+    if {[catch {font actual $value} options]} {set options [font actual TkDefaultFont]}
+    $path.value set [expr {$standard ? "Standard" : [dict get $options -family]}]
+    $path.size set [expr {$standard ? [font actual TkDefaultFont -size] : [dict get $options -size]}]
+    $path.size state [expr {$standard ? "disabled" : "!disabled"}]
 }

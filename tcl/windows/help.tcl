@@ -90,12 +90,35 @@ proc ::vesk::help::page {name} {
     set folder [file join $::VESK_HOME docs]
     foreach one [list $name manual] {
         set file [file join $folder $one.html]
-        if {[file exists $file]} {
+        if {![file exists $file]} {continue}
+        if {[auto_execok xdg-open] eq ""} {
+            no_browser $file
+        } else {
             ::vesk::ops::run start_web_browser file://[string map {" " %20} $file]
-            return
         }
+        return
     }
     display_message "the pages of the manual are not in $folder"
+}
+
+# no_browser --
+#   Shows the text of a page in a window where no browser can be started.
+proc ::vesk::help::no_browser {file} {
+    set stream [::open $file]
+    fconfigure $stream -encoding utf-8
+    set html [read $stream]
+    ::close $stream
+    regsub -all -nocase {<(script|style|head)[^>]*>.*?</\1>} $html "" html
+    regsub -all {[ \t]*\n[ \t]*} $html " " html
+    regsub -all -nocase {<(p|h\d|tr|pre|li|br|ul|ol|table)[^>]*>} $html \n html
+    regsub -all -nocase {</(h\d|p|pre|table)>} $html \n html
+    regsub -all -nocase {</t[dh]>} $html "   " html
+    regsub -all {<[^>]*>} $html "" html
+    set text [string map {&lt; < &gt; > &quot; \" &#39; ' &nbsp; " " &amp; &} $html]
+    regsub -all {\n\s*\n\s*} $text \n\n text
+    ::vesk::dialogs::show_text [string totitle [file rootname [file tail $file]]] \
+        "No browser was found; the page itself is $file\n\n[string trim $text]" 96 34
+    display_message "no browser was found: the page is $file"
 }
 
 # show_result --

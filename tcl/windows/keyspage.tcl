@@ -140,8 +140,16 @@ proc ::vesk::keyspage::preset_chosen {} {
     variable page
     variable preset_label
     $page.top.preset selection clear
+    set wanted $preset_label
+    # Own keys are dropped only when that is said.
+    if {[::vesk::keys::preset] eq "" && [::vesk::dialogs::question "Drop your own keys?" \
+            "The keys \"$wanted\" replace those that you set yourself." \
+            {cancel Cancel drop "Drop them"} cancel cancel] ne "drop"} {
+        show_preset
+        return
+    }
     foreach {name label keys} $::vesk::keys::presets {
-        if {$label eq $preset_label} {::vesk::keys::use $name}
+        if {$label eq $wanted} {::vesk::keys::use $name}
     }
     shown_again ""
 }
@@ -222,8 +230,8 @@ proc ::vesk::keyspage::give_key {key} {
     focus $page.clash.take
 }
 
-# take_over, leave --
-#   The two answers to a clash.
+# take_over, leave, asks --
+#   The two answers to a clash, and whether one waits for them.
 proc ::vesk::keyspage::take_over {} {
     variable offered
     lassign $offered id key
@@ -233,6 +241,10 @@ proc ::vesk::keyspage::take_over {} {
     ::vesk::keys::set_key $id $key
     leave
     shown_again "Its key is $key now."
+}
+proc ::vesk::keyspage::asks {} {
+    variable page
+    return [expr {[winfo exists $page.clash] && [winfo manager $page.clash] ne ""}]
 }
 proc ::vesk::keyspage::leave {} {
     variable page

@@ -39,6 +39,7 @@ proc ::vesk::main::build {} {
     bind .main <Configure> ::vesk::main::width_changed
     place_console
     if {!$::vesk::panel_shown} place_right
+    ::vesk::fields::own_keys
     foreach class {Entry TEntry TCombobox Text} {
         bind $class <Button-3> {::vesk::fieldmenu::popup %W %X %Y}
         foreach event {<Key-Menu> <Shift-Key-F10>} {
@@ -116,7 +117,9 @@ proc ::vesk::main::build_right {path} {
     foreach {name label} {object Object material Material palette Palette uv UV issues Issues} {
         $path.tabs add $path.tabs.$name -text $label
     }
-    bind $path.tabs <<NotebookTabChanged>> {after idle {::vesk::transform::refresh 1}}
+    set kept [::vesk::settings::get panel_tab]
+    if {[winfo exists $path.tabs.$kept]} {$path.tabs select $path.tabs.$kept}
+    bind $path.tabs <<NotebookTabChanged>> {::vesk::main::tab_changed %W}
     grid $path.objects -row 0 -sticky nswe
     grid $path.sash -row 1 -sticky we
     grid $path.tabs -row 2 -sticky nswe
@@ -180,6 +183,13 @@ proc ::vesk::main::width_changed {} {
         set ::vesk::panel_shown 1
         place_right
     }
+}
+
+# tab_changed --
+#   The Object tab was not refreshed while another one hid it; the tab is kept for the next session.
+proc ::vesk::main::tab_changed {tabs} {
+    ::vesk::settings::set_value panel_tab [winfo name [$tabs select]]
+    after idle {::vesk::transform::refresh 1}
 }
 
 proc ::vesk::main::show_tab {name} {

@@ -6,10 +6,15 @@ namespace eval ::vesk::options {
     variable fields             ;# row -> text or value of its field
     variable kept               ;# last typed values: command -> list
     # Operations whose options show their result at once, unless the selection is large.
-    variable live {extrude surface_make_hole surface_bevel surface_spike surface_spline revolve
-        surface_loop_subdivision reduce move_with_undo move_to scale size_to rotate_with_undo
-        rotate_about_with_undo rotate_axis_angle_with_undo snaptogetherdistance
+    variable live {extrude_normal extrude_select extrude_each extrude_normals shell inset loop_cut edge_bevel vertex_bevel
+        extrude_edges slide bridge fill_hole hole_select
+        bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
+        move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
+        rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets}
+    # Of these every opening starts anew: the last numbers would move the selection at once.
+    variable afresh {move_with_undo scale rotate_with_undo rotate_about_with_undo}
+    variable present            ;# row -> its number before it was typed, as shown and exact
     variable live_limit 20000   ;# vertices
     variable session {}         ;# of the open options: start, now, words, timer
     variable last ""            ;# of the options kept last: title, target, help, start, now
@@ -22,6 +27,7 @@ namespace eval ::vesk::options {
 #   target  command, then fields {label kind default ...}:
 #             number, int, text   typed, an argument each
 #             from KEY            a number, kept in the preference
+#             centre 0|1|2, size 0|1|2   a number that starts as the selection has it
 #             setting KEY number|int   a number, kept in the scripts' own settings
 #             choice {text value ...}
 #             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
@@ -45,6 +51,11 @@ proc ::vesk::options::ask {title target help {before ""}} {
         dict set session original [lindex [dict get $before words] 1]
     }
     build $w $title
+    # What starts as it is changes nothing before something is typed.
+    variable present
+    if {$before eq "" && [array size present] > 0} {
+        dict set session words [typed_words [read_options 0]]
+    }
     ::vesk::view::place_options $w
     if {[llength $items] > 0} {
         focus $w.in.f0
@@ -81,7 +92,9 @@ proc ::vesk::options::run_with_file {command item title} {
 proc ::vesk::options::build {w title} {
     variable session
     variable fields
+    variable present
     array unset fields
+    array unset present
     ::vesk::parts::floating $w $title
     set row -1
     foreach item [dict get $session items] {
@@ -114,8 +127,6 @@ proc ::vesk::options::begin_session {w command items} {
     variable live_limit
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
-    # The state to which the first try is taken back has the present selection.
-    if {$on} {vesk history_note}
     set session [dict create window $w command $command items $items live $on words {} \
         start [history_place] now [history_place] timer ""]
 }
@@ -151,9 +162,7 @@ proc ::vesk::options::live_update {} {
     if {![winfo exists [dict get $session window]]} {return}
     set words [read_options 0]
     if {$words eq ""} {return}
-    # Preferences among the fields are no words of the command.
-    variable kept
-    set typed [list $words $kept([dict get $session command])]
+    set typed [typed_words $words]
     if {$typed eq [dict get $session words]} {return}
     live_take_back
     dict set session words $typed
@@ -161,6 +170,14 @@ proc ::vesk::options::live_update {} {
     vesk redraw_all
     dict set session now [history_place]
     ::vesk::ops::request
+}
+
+# typed_words --
+#   The command's words with all fields: preferences among these are no words of it.
+proc ::vesk::options::typed_words {words} {
+    variable kept
+    variable session
+    return [list $words $kept([dict get $session command])]
 }
 
 # live_take_back --
@@ -183,13 +200,21 @@ proc ::vesk::options::live_take_back {} {
 proc ::vesk::options::add_field {w row item command} {
     variable fields
     variable kept
+    variable afresh
+    variable present
     lassign $item label kind default
+    if {$kind in {centre size}} {
+        set exact [lindex [vesk get_selection_$kind] $default]
+        set present($row) [list [::vesk::arith::shown $exact] $exact]
+    }
     set fields($row) [switch -- $kind {
+        centre - size {lindex $present($row) 0}
         from    {::vesk::arith::shown [set ::prefs_$default]}
         setting {::vesk::settings::get $default}
         pref    {set ::prefs_$default}
         number - int - text - choice {
-            expr {[info exists kept($command)] ? [lindex $kept($command) $row] : $default}
+            expr {[info exists kept($command)] && $command ni $afresh
+                ? [lindex $kept($command) $row] : $default}
         }
         default {set default}
     }]
@@ -245,6 +270,7 @@ proc ::vesk::options::ask_file {item title} {
 proc ::vesk::options::read_options {tell} {
     variable fields
     variable kept
+    variable present
     variable session
     set words [list [dict get $session command]]
     set typed {}
@@ -253,7 +279,10 @@ proc ::vesk::options::read_options {tell} {
         lassign $item label kind default extra
         set text $fields([incr row])
         lappend typed $text
-        if {[value_kind $item] in {number int from}} {
+        if {[info exists present($row)] && [lindex $present($row) 0] eq $text} {
+            set text [lindex $present($row) 1]
+        }
+        if {[value_kind $item] in {number int from centre size}} {
             set field [dict get $session window].in.f$row
             set wrong [catch {::vesk::arith::value $text} text]
             if {!$wrong || $tell} {::vesk::fields::mark_invalid $field $wrong}

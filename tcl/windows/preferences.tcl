@@ -67,11 +67,10 @@ proc ::vesk::preferences::same_number {a b} {
 }
 
 # left_out --
-#   Whether a row is no choice of the user but a record, such as a window's place: such rows are
-#   neither counted nor reset with a page.
+#   Whether a row is no choice of the user but the last folder of a dialog: such rows are neither
+#   counted nor reset with a page.
 proc ::vesk::preferences::left_out {key} {
-    return [regexp {^(\w+win_(x|y|width|height)|recentfiles\d|\w+_file_path|current_tip|last_update_id)$} \
-        $key]
+    return [regexp {_file_path$} $key]
 }
 
 # ---- the window ----
@@ -93,6 +92,12 @@ proc ::vesk::preferences::open {{wanted ""}} {
     focus $w.left.search.value
 }
 
+# seek --
+#   Searches for a text in the open window.
+proc ::vesk::preferences::seek {text} {
+    variable query $text
+}
+
 proc ::vesk::preferences::close {} {
     variable w
     # The field that loses the focus applies its text.
@@ -100,6 +105,18 @@ proc ::vesk::preferences::close {} {
     update idletasks
     destroy $w
     ::vesk::view::focus_last
+}
+
+# escape --
+#   Escape answers an open question of the keys page first.
+proc ::vesk::preferences::escape {} {
+    variable page
+    if {$page eq "Keys" && [::vesk::keyspage::asks]} {
+        ::vesk::keyspage::leave
+        focus $::vesk::keyspage::page.list
+        return
+    }
+    close
 }
 
 proc ::vesk::preferences::build {} {
@@ -122,7 +139,8 @@ proc ::vesk::preferences::build {} {
     grid columnconfigure $w 2 -weight 1
     grid columnconfigure $w 3 -minsize [::vesk::theme::px 10]
     grid rowconfigure $w 1 -weight 1
-    foreach event {<Escape> <Control-comma>} {bind $w $event ::vesk::preferences::close}
+    bind $w <Escape> ::vesk::preferences::escape
+    bind $w <Control-comma> ::vesk::preferences::close
     bind $w <Control-f> [list focus $w.left.search.value]
     bind $w <FocusIn> {+::vesk::preferences::see %W}
     wm minsize $w [::vesk::theme::px 700] [::vesk::theme::px 400]
@@ -146,8 +164,9 @@ proc ::vesk::preferences::build_head {head} {
 proc ::vesk::preferences::build_page_area {} {
     variable w
     variable body $w.page.rows
-    ::vesk::theme::on [canvas $w.page -width [::vesk::theme::px 670] \
-        -height [::vesk::theme::px 520] -yscrollincrement [::vesk::theme::px 10]] panel
+    # As wide as the widest page, where the screen has room for it.
+    set width [expr {min([::vesk::theme::px 752], [winfo screenwidth .] - [::vesk::theme::px 220])}]
+    ::vesk::theme::on [canvas $w.page -width $width -height [::vesk::theme::px 520] -yscrollincrement [::vesk::theme::px 10]] panel
     ::vesk::parts::scrollbar $w.bar $w.page
     bind $w <Button-4> [list ::vesk::preferences::wheel %W -4]
     bind $w <Button-5> [list ::vesk::preferences::wheel %W 4]
@@ -267,13 +286,49 @@ proc ::vesk::preferences::groups {} {
         set rows {}
         foreach {title group} $groups {
             foreach row $group {
-                set text [string tolower "$name $title [lrange $row 0 2]"]
-                if {[::vesk::fields::has_words $text $query]} {lappend rows $row}
+                set text [string tolower "$name $title [lrange $row 0 3]"]
+                if {[matches $text $query]} {lappend rows $row}
             }
         }
         if {[llength $rows] > 0} {lappend result $name $rows}
     }
     return $result
+}
+
+# matches --
+#   Whether a text in lower case holds every typed word, without the "s" of a plural, or what the
+#   program says for it.
+proc ::vesk::preferences::matches {text typed} {
+    foreach word [regexp -all -inline {\S+} [string tolower $typed]] {
+        set ways [list $word [string trimright $word s]]
+        foreach way $ways {
+            if {[dict exists $::vesk::prefs::words $way]} {
+                lappend ways [dict get $::vesk::prefs::words $way]
+            }
+        }
+        if {1 ni [lmap way $ways {expr {$way ne "" && [string first $way $text] >= 0}}]} {return 0}
+    }
+    return 1
+}
+
+# add_page_links --
+#   Pages without rows of their own, such as the keys, are found by their names. Returns how many.
+proc ::vesk::preferences::add_page_links {line} {
+    variable body
+    variable query
+    set count 0
+    dict for {name groups} $::vesk::prefs::pages {
+        if {$name ni {Keys Plug-ins} || ![matches [string tolower $name] $query]} {continue}
+        ttk::button $body.page[incr count] -style Panel.TButton -text "Open the page $name" \
+            -command [list ::vesk::preferences::choose_found $name]
+        grid $body.page$count -row [incr line] -column 1 -columnspan 3 -sticky w \
+            -pady [::vesk::theme::px 6]
+    }
+    return $count
+}
+proc ::vesk::preferences::choose_found {name} {
+    variable query ""
+    choose $name
 }
 
 # show_page --
@@ -308,15 +363,12 @@ proc ::vesk::preferences::show_page {} {
     }
     if {!$searching && $page eq "Keys"} {::vesk::keyspage::build $body $line}
     if {!$searching && $page eq "Plug-ins"} {::vesk::plugmanager::build $body $line}
+    if {$searching} {incr number [add_page_links $line]}
     if {$searching && $number == 0} {
         ttk::label $body.none -style Panel.Dim.TLabel -text "Nothing found."
         grid $body.none -row 0 -column 1 -columnspan 4 -sticky w
     }
     $w.page yview moveto 0
-    # As wide as the longest row, where the screen has room for it.
-    update idletasks
-    set wanted [expr {min([winfo reqwidth $body], [winfo screenwidth .] - [::vesk::theme::px 220])}]
-    if {$wanted > [$w.page cget -width]} {$w.page configure -width $wanted}
     fit [winfo width $w.page]
     show_preset
     show_count

@@ -30,10 +30,12 @@ proc ::vesk::recovery::tick {} {
 # described --
 #   A copy in words: the name of its model and the time of writing.
 proc ::vesk::recovery::described {copy} {
-    lassign $copy file written original kind
+    lassign $copy file written original kind newer
     set name [expr {$original eq "" ? "a model without a name" : [file tail $original]}]
     set time [clock format $written -format "%e %B %Y, %H:%M"]
-    return "$name, [string trim $time]"
+    set text "$name, [string trim $time]"
+    if {$newer eq "1"} {append text "\n(the file itself was changed later)"}
+    return $text
 }
 
 # offer --
@@ -62,7 +64,7 @@ proc ::vesk::recovery::offer {} {
 
 # open --
 #   Opens a copy as unsaved work without a name of its own; Save asks for one. The copy goes only
-#   when this session has its own.
+#   when this session's own is whole.
 proc ::vesk::recovery::open {file} {
     if {![::vesk::files::confirmed]} return
     ::vesk::files::empty
@@ -71,5 +73,13 @@ proc ::vesk::recovery::open {file} {
     set ::vesk::files::saved_count -1
     ::vesk::files::note_changes
     display_message "recovered - save it under a name"
-    if {[vesk autosave ""] eq "1"} {after 2000 [list vesk recovery_drop $file]}
+    if {[vesk autosave ""] eq "1"} {drop_when_kept $file}
+}
+
+proc ::vesk::recovery::drop_when_kept {file} {
+    switch -- [vesk autosave_result] {
+        "" {after 200 [list ::vesk::recovery::drop_when_kept $file]}
+        1 {vesk recovery_drop $file}
+        0 {display_message "no copy of this work could be written: the opened one stays"}
+    }
 }

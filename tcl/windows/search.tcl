@@ -1,10 +1,13 @@
 # search.tcl --
-#   The command search (F3): names, menu paths, keys and help of the menus, and every other command
-#   of the executable. Return runs; commands with arguments show their fields.
+#   The command search (F3): names, menu paths, keys and help of the menus, the words that modellers
+#   use, and every other command of the executable. Return runs; commands with arguments show their
+#   fields.
+
+::vesk::need lib synonyms
 
 namespace eval ::vesk::search {
     variable text ""
-    variable entries {}         ;# {label trail key help row lowered}
+    variable entries {}         ;# {label trail key help row lowered synonyms}
     variable hits {}            ;# places in entries, as listed
 }
 
@@ -19,8 +22,9 @@ proc ::vesk::search::collect {} {
         set label [string map {& {}} $label]
         set command [::vesk::menus::row_command $row]
         dict set named $command 1
+        set words [::vesk::menus::synonyms_of $row]
         lappend entries [list $label $trail $key $help $row \
-            [string tolower "$label $trail $help $command"]]
+            [string tolower "$label $trail $help $command $words"] $words]
     }
     foreach name [::vesk::console::command_names] {
         if {[dict exists $named $name]} {continue}
@@ -30,7 +34,7 @@ proc ::vesk::search::collect {} {
             set row [list ask $name [concat [list $name] [fields $template $usage]] "" "" $help]
         }
         lappend entries [list $name Command "" [expr {$help eq "" ? $usage : $help}] $row \
-            [string tolower "$name $help"]]
+            [string tolower "$name $help"] {}]
     }
 }
 
@@ -86,8 +90,8 @@ proc ::vesk::search::build {w} {
     pack $w.in.top.icon -side left -padx [::vesk::theme::pad 4 8]
     pack $w.in.top.text -side left -fill x -expand 1
     ttk::treeview $w.in.list -columns {trail key} -show tree -selectmode browse -height 10
-    $w.in.list column #0 -width [::vesk::theme::px 210]
-    $w.in.list column trail -width [::vesk::theme::px 170]
+    $w.in.list column #0 -width [::vesk::theme::px 230]
+    $w.in.list column trail -width [::vesk::theme::px 200]
     $w.in.list column key -width [::vesk::theme::px 90] -anchor e
     $w.in.list tag configure off -foreground [::vesk::theme::colour off]
     ttk::label $w.in.help -style Field.Dim.TLabel -anchor w -padding [::vesk::theme::px 10] \
@@ -128,28 +132,66 @@ proc ::vesk::search::find_later {args} {
     after 30 ::vesk::search::find
 }
 
+# rank --
+#   How far an entry is from the typed words, 0 the nearest; "" when it lacks one of them.
+proc ::vesk::search::rank {entry typed} {
+    lassign $entry label trail key help row lowered synonyms
+    if {![::vesk::fields::has_words $lowered $typed]} {return ""}
+    set typed [string tolower [string trim $typed]]
+    set label [string tolower $label]
+    # All of it as one name.
+    if {[string trimright $label .] eq $typed} {return 0}
+    if {$typed in $synonyms || [string match "$typed *" $label]} {return 1}
+    set sum 2
+    foreach word [regexp -all -inline {\S+} $typed] {
+        incr sum [word_rank $word $label [string tolower [lindex [split $trail >] end]] $synonyms]
+    }
+    return $sum
+}
+
+# word_rank --
+#   The same for one word: in the label, among the synonyms, in the name of the menu, elsewhere.
+proc ::vesk::search::word_rank {word label menu synonyms} {
+    set in_label [regexp -all -inline {[[:alnum:]]+} $label]
+    set in_synonyms [regexp -all -inline {[[:alnum:]]+} $synonyms]
+    set in_menu [regexp -all -inline {[[:alnum:]]+} $menu]
+    set rank 0
+    foreach {words pattern} [list $in_label $word $in_synonyms $word $in_menu $word \
+            $in_label $word* $in_synonyms $word* $in_menu $word* $in_label *$word*] {
+        incr rank 2
+        if {[lsearch -glob $words $pattern] >= 0} {return $rank}
+    }
+    return 20
+}
+
+# ranked --
+#   The places of the entries that hold every typed word, the nearest first.
+proc ::vesk::search::ranked {typed} {
+    variable entries
+    set found {}
+    set place -1
+    foreach entry $entries {
+        incr place
+        set rank [rank $entry $typed]
+        if {$rank eq ""} {continue}
+        # Of the same rank the shorter name; all of them in the order of the menus.
+        if {$typed ne ""} {set rank [expr {100 * $rank + [string length [lindex $entry 0]]}]}
+        lappend found [list $rank $place]
+    }
+    return [lmap pair [lsort -integer -index 0 $found] {lindex $pair 1}]
+}
+
 # find --
-#   Lists the entries that hold every typed word; labels that begin with the text come first.
+#   Lists what was found.
 proc ::vesk::search::find {} {
     variable text
     variable entries
     variable hits {}
     set list .search.in.list
     if {![winfo exists $list]} {return}
-    set first [lindex [split [string tolower [string trim $text]]] 0]
-    set ranked {}
-    set place -1
-    foreach entry $entries {
-        incr place
-        lassign $entry label trail key help row lowered
-        if {![::vesk::fields::has_words $lowered $text]} {continue}
-        set at [string first $first [string tolower $label]]
-        lappend ranked [list [expr {$at == 0 ? 0 : $at > 0 ? 1 : 2}] $place]
-    }
     $list delete [$list children {}]
     set state [::vesk::menus::now]
-    foreach pair [lrange [lsort -integer -index 0 $ranked] 0 39] {
-        set place [lindex $pair 1]
+    foreach place [lrange [ranked $text] 0 39] {
         lassign [lindex $entries $place] label trail key help row
         set tags [expr {[::vesk::menus::possible $row $state] ? "" : "off"}]
         lappend hits $place

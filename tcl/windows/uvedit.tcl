@@ -11,6 +11,7 @@ namespace eval ::vesk::uvedit {
     variable info {}            ;# uv_info at the last refresh
     variable edits {}           ;# buttons that need surfaces in the drawing
     variable dragged ""         ;# text of the status line during a drag
+    variable told 0             ;# milliseconds at the last message, which hints leave for a while
     array set number {u 0.000 v 0.000}
     array set option {checker 0 stretch 0 overlaps 0 repeat 0 snap 0}
 
@@ -329,6 +330,8 @@ proc ::vesk::uvedit::show_hint {} {
         tell $dragged
         return
     }
+    variable told
+    if {[clock milliseconds] - $told < 4000} {return}
     if {![dict exists $info surfaces] || [dict get $info surfaces] == 0} {
         tell "Select objects or surfaces in the views."
     } elseif {[dict get $info chosen_corners] == 0} {
@@ -338,6 +341,14 @@ proc ::vesk::uvedit::show_hint {} {
     }
 }
 
+# message --
+#   Shows a message of an operation in this window's own line.
+proc ::vesk::uvedit::message {text} {
+    variable told [clock milliseconds]
+    tell $text
+    after cancel ::vesk::uvedit::show_hint
+    after 4100 ::vesk::uvedit::show_hint
+}
 proc ::vesk::uvedit::tell {text} {
     if {[winfo exists .uv.status.hint]} {.uv.status.hint configure -text $text}
 }

@@ -69,7 +69,7 @@ TEST_F(Prefs, EverythingSurvivesSavingAndReading)
 TEST_F(Prefs, ValuesAreReadLeniently)
 {
     read("VESKPR 12\n# a comment\n\nGRID 2.5\ngridsnap 1\nsphere_triangles 0.7\nfov 49.9\n"
-         "col_line 0xFF00ff\nno_such_key 5\nmeshx 3\n");
+         "col_line 0xFF00ff\nno_such_key 5\nmeshx 3\n\r\ncol_box FF\r\nmeshy 5\r\n");
 
     EXPECT_EQ(prefs.grid, 2.5);
     EXPECT_EQ(prefs.gridsnap, 1);
@@ -77,9 +77,32 @@ TEST_F(Prefs, ValuesAreReadLeniently)
     EXPECT_EQ(prefs.fov, 49);
     EXPECT_EQ(prefs.col_line, 0xFF00FF);
     EXPECT_EQ(prefs.meshx, 3);
+    EXPECT_NE(prefs.col_box, 0xFF); // not as it is written: the setting stays
+    EXPECT_EQ(prefs.meshy, 5);
     EXPECT_NE(recording().console.find("prefs token 'no_such_key' in prefs file (line 8) - ignored "
                                        "(it's probably no longer used)\n"),
               std::string::npos);
+}
+
+TEST_F(Prefs, TextsOfAnyLengthAndContentCostNothingBelowThem)
+{
+    const std::string header = "two\nlines, \\n, \"quoted\"\r" + std::string(1000, '\\');
+    prefs_set_string(&prefs.pov_file_header, header.c_str());
+    prefs.fov = 31;
+    run("save_settings");
+    prefs_set_defaults();
+    init_prefs();
+    EXPECT_EQ(prefs.pov_file_header, header);
+    EXPECT_EQ(prefs.fov, 31);
+    for (const vesk_pref_t &row : prefs_table()) // each stands below some other
+        if (row.kind == PREF_STRING)
+            prefs_set_string(static_cast<char **>(row.address), header.c_str());
+    prefs.meshx = 77;
+    run("save_settings");
+    prefs_set_defaults();
+    init_prefs();
+    EXPECT_EQ(prefs.meshx, 77);
+    EXPECT_EQ(prefs.render_command, header);
 }
 
 TEST_F(Prefs, ALineThatIsNoPairStopsTheReading)

@@ -397,4 +397,85 @@ TEST_F(Extrude, SoupsSurvive)
     }
 }
 
+// ---- for the interface: the new surfaces are selected, the body stays whole ----
+
+struct body_case {
+    const char *name;
+    const char *body; // what is extruded
+    float way;        // along the normal
+    double volume;
+    int surfaces;
+};
+// clang-format off
+const body_case body_cases[] = {
+    {"cube_out",  "cube",  1,    2,   10},
+    {"cube_in",   "cube",  -0.5, 0.5, 10},
+    {"sheet_out", "sheet", 2,    2,   6},
+    {"sheet_in",  "sheet", -2,   2,   6},
+};
+// clang-format on
+void PrintTo(const body_case &c, std::ostream *out) { *out << c.name; }
+class ExtrudeBody : public SceneTest, public testing::WithParamInterface<body_case> {};
+
+TEST_P(ExtrudeBody, FacesOutwardsWithoutInnerFacesAndTheEndIsSelected)
+{
+    const body_case &c = GetParam();
+    const bool cube = c.body == std::string("cube");
+    object_t *object = cube ? add_cube("cube") : add_squares(1, 1);
+    int top = 0;
+    while (cube && object_get_surface_at(object, top)->normal.z < 0.5f)
+        ++top;
+    select_surfaces_at(object, {top});
+    run("extrude_normal", 1, c.way);
+
+    EXPECT_EQ(object->num_surfaces, c.surfaces);
+    EXPECT_EQ(count_edges(object).twice, count_edges(object).all());
+    EXPECT_NEAR(volume(object), c.volume, 1e-6);
+    ASSERT_EQ(selection().num_surfaces, 1);
+    const auto *end = item_of<surface_t>(selection().surfaces);
+    EXPECT_NEAR(item_of<svertex>(end->refs)->vertex->position.z, (cube ? 0.5f : 0) + c.way, 1e-6f);
+    EXPECT_EQ(last_undo(), "extrude");
+    expect_sound(object);
+}
+INSTANTIATE_TEST_SUITE_P(Bodies, ExtrudeBody, testing::ValuesIn(body_cases));
+
+TEST_F(Extrude, AutomaticallyPartOfASheetIsRaisedAndStaysOneSheet)
+{
+    object_t *object = add_squares(3, 3);
+    select_surfaces_at(object, {4}); // the middle
+    run("extrude_select", 1, 0.0f, 0.0f, 1.0f);
+    EXPECT_EQ(object->num_surfaces, 8 + 4 + 1);
+    EXPECT_EQ(count_edges(object).once, 12);
+    EXPECT_EQ(count_edges(object).more, 0);
+    EXPECT_DOUBLE_EQ(area_xy(object), 9) << "walls stand, all else faces up";
+}
+
+TEST_F(Extrude, AutomaticallyLinesBecomeWalls)
+{
+    object_t *object = add_mesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, {{0, 1, 2}}, SURFACE_LINE);
+    select_all_surfaces(object);
+    run("extrude_select", 1, 0.0f, 0.0f, 1.0f);
+    EXPECT_EQ(object->num_surfaces, 2);
+    EXPECT_EQ(selected_surfaces_of(object), (std::vector<int>{0, 1}));
+}
+
+TEST_F(Extrude, ARefusalOpensNoUndo)
+{
+    object_t *cube = add_cube("cube");
+    select_all_surfaces(cube);
+    const std::string before = scene_text();
+    for (const char *command : {"extrude", "extrude_select"}) {
+        const std::string undo = last_undo();
+        std::vector<std::string> words = {command, "0", "0", "1"};
+        if (command == std::string("extrude_select"))
+            words.insert(words.begin() + 1, "1");
+        run_words(words);
+        EXPECT_EQ(last_undo(), undo);
+        EXPECT_EQ(selection().num_surfaces, 6);
+    }
+    run("extrude_normal", 1, 1.0f);
+    EXPECT_EQ(last_message(), "extrude - the surfaces face no way together");
+    EXPECT_EQ(scene_text(), before);
+}
+
 } // namespace

@@ -69,6 +69,12 @@ INSTANTIATE_TEST_SUITE_P(Operations, CancelledWithFullUndo, testing::Values(
     full_undo_case{"triangulate",        "surface", {"surface_triangulate"}},
     full_undo_case{"subdivide",          "surface", {"surface_subdivide"}},
     full_undo_case{"insert_vertex",      "surface", {"insert_vertex"}},
+    full_undo_case{"inset",              "surface", {"inset", "0.1", "0", "each"}},
+    full_undo_case{"extrude_normals",    "surface", {"extrude_normals", "0.1"}},
+    full_undo_case{"shell",              "surface", {"shell", "0.1", "1"}},
+    full_undo_case{"catmull_clark",      "surface", {"catmull_clark", "1"}},
+    full_undo_case{"orient_outwards",    "surface", {"orient_outwards"}},
+    full_undo_case{"smooth_vertices",    "vertex",  {"smooth_vertices", "0.5", "2"}},
     full_undo_case{"unshare",            "vertex",  {"unshare_vertices"}},
     full_undo_case{"snap_together",      "vertex",  {"snaptogetherdistance", "0.1"}},
     full_undo_case{"loop_subdivision",   "object",  {"surface_loop_subdivision", "1"}}));
@@ -84,6 +90,9 @@ TEST_P(RefusedWithFullUndo, LeavesTheList)
 INSTANTIATE_TEST_SUITE_P(Operations, RefusedWithFullUndo, testing::Values(
     full_undo_case{"extrude",            "surface", {"extrude", "0", "0", "1"}},
     full_undo_case{"extrude_along_path", "surface", {"extrude_along_path"}},
+    full_undo_case{"inset",              "surface", {"inset", "0.1", "0", "region"}},
+    full_undo_case{"catmull_clark",      "surface", {"catmull_clark", "0"}},
+    full_undo_case{"orient_outwards",    "surface", {"orient_outwards"}},
     full_undo_case{"fragment",           "object",  {"object_fragment"}},
     full_undo_case{"spline",             "surface", {"surface_spline"}},
     full_undo_case{"reduce",             "object",  {"reduce", "0"}}));

@@ -2,14 +2,17 @@
 // brings everything back.
 
 #include "base/prefs.h"
+#include "edit/document/edit_support.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/holes.h"
 #include "edit/primitives.h"
 #include "edit/triangulate.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
+#include "model/identity.h"
 #include "model/vector.h"
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
@@ -96,6 +99,31 @@ TEST_F(Geometry, ASurfaceOfAnotherObjectIsLeftAlone)
     const point3_t up = {0, 0, 2};
     surface_translate_vertices(foreign, &up);
     EXPECT_EQ(item_of<svertex>(foreign->refs)->vertex->position.z, height + 2);
+}
+
+TEST_F(Geometry, OperationsOfTheInterfaceSelectWhatTheyMake)
+{
+    struct row_t {
+        const char *command;
+        int surfaces; // selected afterwards
+    };
+    for (const row_t &row : {row_t{"hole_select", 8}, row_t{"bevel_select", 2},
+                             row_t{"surface_spike", 8}, row_t{"surface_subdivide", 8}}) {
+        SCOPED_TRACE(row.command);
+        object_t *object = add_squares(3, 1);
+        select_surfaces_at(object, {0, 1});
+        run(row.command);
+        EXPECT_EQ(selection().num_surfaces, row.surfaces);
+        EXPECT_NE(selection().box_valid, 0);
+        run("set_select_mode", "object");
+        run("objects_select", object_identity(object));
+        run(row.command);
+        EXPECT_EQ(selected_objects(), std::vector{object});
+    }
+    prefs.hole_percent = -1;
+    const std::string undo = last_undo();
+    run("hole_select");
+    EXPECT_EQ(last_undo(), undo) << "a refusal costs no step";
 }
 
 TEST_F(Geometry, BevelMovesCornersAlongBisectorAndNormal)
@@ -238,6 +266,21 @@ TEST_P(Triangulate, CoversThePolygonAndKeepsWhatItCarries)
     expect_sound(object);
 }
 INSTANTIATE_TEST_SUITE_P(Polygons, Triangulate, testing::ValuesIn(triangulation_cases));
+
+// The tessellator does not survive them.
+TEST_F(Geometry, CornersThatAreNoNumbersAreNotTriangulated)
+{
+    object_t *object = add_polygon({{0, 0, 0}, {2, 0, 0}, {3, 1, 0}, {2, 2, 0}, {0, 2, 0}}, 0);
+    select_object(object);
+    for (const float wrong : {NAN, INFINITY}) {
+        for (vertex *point : each<vertex>(object->vertices))
+            point->position.x = wrong;
+        mark_all_suspect();
+        run("surface_triangulate");
+        EXPECT_EQ(object->num_surfaces, 1);
+        EXPECT_NE(recording().boxes.back().find("polys not triangulated: 1"), std::string::npos);
+    }
+}
 
 // ---- attributes ----
 

@@ -114,7 +114,7 @@ const refusal refusals[] = {
     {"nothing_to_ungroup", "tree", "ungroup", "ungroup - nothing selected"},
     {"nothing_to_recentre", "object", "object_recentre", "recentre - nothing selected"},
     {"nothing_to_duplicate", "object", "duplicate", "duplicate - nothing selected"},
-    {"no_surface_to_clone", "surface", "clone_selection", "duplicate - nothing selected"},
+    {"no_surface_to_clone", "surface", "clone_selection", "clone - nothing selected"},
     {"nothing_to_copy", "tree", "clipboard_copy", "copy - nothing selected"},
     {"nothing_to_cut", "vertex", "clipboard_cut", "cut - nothing selected"},
     {"empty_clipboard", "tree", "clipboard_paste", "clipboard is empty"},

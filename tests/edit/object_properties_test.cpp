@@ -4,6 +4,7 @@
 #include "edit/document/undo.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "tests/support/scene_test.h"
@@ -114,6 +115,19 @@ TEST_F(ObjectProperties, ObjectsMoveInTheTreeInTheOrderTheyAreNamed)
     EXPECT_EQ(run("objects_place", ids[1], ids[0], ids[1]), "1"); // before itself: the next
     EXPECT_EQ(tree(), "a(bc)");
     EXPECT_EQ(run("get_selection_size"), "0 0 0");
+}
+
+TEST_F(ObjectProperties, AfterClearAllNothingIsHiddenOrLocked)
+{
+    run("select_all");
+    run("lock_selected");
+    run("unlock");
+    run("select_all");
+    run("hide_selected");
+    EXPECT_EQ(objects_marks().hidden, 1);
+    run("clear_all");
+    EXPECT_EQ(objects_marks().hidden, 0);
+    EXPECT_EQ(objects_marks().locked, 0);
 }
 
 } // namespace

@@ -2,9 +2,12 @@
 
 #include "edit/panel_transform.h"
 
-#include "edit/document/selection.h"
+#include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
+#include "model/angle.h"
 #include "model/lights.h"
+#include "model/matrix.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
@@ -54,19 +57,22 @@ INSTANTIATE_TEST_SUITE_P(Commands, RefusedTransform, testing::Values(
     refused_case{"too_large", {"scale", "3e38", "1", "1"}, "scale - the result would be too large"}));
 // clang-format on
 
-TEST_F(PanelTransform, TurnsNoLightThatIsAlone)
+// A light has no vertices: its place is its box.
+TEST_F(PanelTransform, ALightThatIsAloneStandsMovesAndTurnsWhereItIs)
 {
     object_t *light = new_light();
     object_add_child(vesk_get_world(), light);
     run("set_select_mode", "light");
     run("select_all");
-    run("move_with_undo", 1, 2, 3);
+    run("move_to", 1, 2, 3);
+    EXPECT_EQ(run("get_selection_centre"), "1 2 3");
+    EXPECT_EQ(run("get_selection_size"), "0 0 0");
     const std::string moved = scene_text();
     for (const words_t &words :
-         {words_t{"rotate_with_undo", "10", "20", "30"}, words_t{"mirror_with_undo", "1"},
-          words_t{"rotate_axis_angle_with_undo", "0", "45"}, words_t{"transform_begin", "scale"}}) {
+         {words_t{"rotate_with_undo", "10", "20", "30"}, words_t{"mirror_with_undo", "1"}}) {
         run_words(words);
-        EXPECT_TRUE(last_message().ends_with(" - nothing selected that has points")) << words[0];
+        EXPECT_EQ(run("get_selection_centre"), "1 2 3") << words[0];
+        run("undo");
         EXPECT_EQ(scene_text(), moved) << words[0];
     }
     run("rotate_about_with_undo", 0, 0, 90, 0, 0, 0);
@@ -74,6 +80,20 @@ TEST_F(PanelTransform, TurnsNoLightThatIsAlone)
     EXPECT_NEAR(light->centre.x * light->centre.x + light->centre.y * light->centre.y, 5, 1e-4);
     run("undo");
     EXPECT_EQ(scene_text(), moved);
+}
+
+// The angles that an object has are those that it was turned to, whatever it had before.
+TEST_F(PanelTransform, TurnsToTheAnglesOfAFrame)
+{
+    const object_t *square = elements_of<object_t>(selection().objects).front();
+    for (const point3_t wanted : {point3_t{30, 0, 0}, point3_t{30, 40, -50}, point3_t{0, 90, 0},
+                                  point3_t{170, -80, 10}, point3_t{0, 0, 0}}) {
+        run("rotate_to_with_undo", wanted.x, wanted.y, wanted.z, 1, 0.5, 0);
+        const point3_t angles = matrix_angles(square->rotation);
+        EXPECT_NEAR(angles.x * degrees_per_radian, wanted.x, 1e-3);
+        EXPECT_NEAR(angles.y * degrees_per_radian, wanted.y, 0.03); // asin is flat at 90
+        EXPECT_NEAR(angles.z * degrees_per_radian, wanted.z, 1e-3);
+    }
 }
 
 struct turn_case {

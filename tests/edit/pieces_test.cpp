@@ -63,6 +63,62 @@ protected:
     }
 };
 
+TEST_F(Pieces, KeepATextureThatWasNotFound)
+{
+    struct row_t {
+        const char *name;
+        std::vector<std::vector<std::string>> commands;
+        int named; // how often the file names the texture afterwards
+    };
+    // clang-format off
+    const row_t rows[] = {
+        {"fragment", {{"object_fragment"}}, 4}, // the group and its pieces
+        {"explode", {{"object_explode"}}, 5},
+        {"merge", {{"duplicate"}, {"select_all"}, {"object_merge"}}, 1},
+        {"create object", {{"set_select_mode", "surface"}, {"surface_create_object"}}, 2},
+        {"copy", {{"set_select_mode", "surface"}, {"clipboard_copy"}, {"clipboard_paste"}}, 2},
+    };
+    // clang-format on
+    for (const row_t &row : rows) {
+        SCOPED_TRACE(row.name);
+        run("clear_all");
+        run("set_select_mode", "tree");
+        object_t *object = add_pieces("a");
+        search_and_set_texture(object, "model.vesk", "lost.png");
+        object_set_texture_repeat(object, 2, 3);
+        select_object(object);
+        for (const std::vector<std::string> &words : row.commands)
+            run_words(words);
+        const std::string text = scene_text();
+        int named = 0;
+        for (std::size_t at = text.find("lost.png"); at != std::string::npos;
+             at = text.find("lost.png", at + 1))
+            ++named;
+        EXPECT_EQ(named, row.named) << text;
+    }
+}
+
+TEST_F(Pieces, OfHiddenAndLockedMembersStayHiddenAndLocked)
+{
+    object_t *group = new_group();
+    object_add_child(vesk_get_world(), group);
+    for (const char *name : {"hidden", "locked"})
+        object_reparent(add_pieces(name), group);
+    object_set_visible(item_of<object_t>(group->children), 0);
+    object_set_locked(item_of<object_t>(group->children->next), 1);
+    select_object(group);
+    run("object_fragment");
+    for (const object_t *member : each<object_t>(group->children)) {
+        ASSERT_GT(member->num_children, 1);
+        const bool hidden = std::string(member->name) == "hidden";
+        for (const object_t *piece : each<object_t>(member->children)) {
+            EXPECT_EQ(piece->visible == 0, hidden);
+            EXPECT_EQ(piece->locked != 0, !hidden);
+        }
+        EXPECT_EQ(member->visible == 0, hidden);
+    }
+}
+
 TEST_F(Pieces, AreWhatHangsTogether)
 {
     object_t *object = add_pieces("a");

@@ -233,6 +233,14 @@ TEST_F(Primitives, RoundOutlinesBeginOnTheFirstAxis)
     expect_point(at(arc, 1), -2, 0, 0);
     EXPECT_EQ(surfaces(arc)[0]->type, SURFACE_LINE);
     EXPECT_GE(vesk_object_get_num_vertices(new_arc(0, 2, 30, 30, 4)), 4); // the whole turn
+    for (int segments = 8; segments <= 360; segments *= 3) {
+        for (int parts = 1; parts <= 7; ++parts) {
+            const float end =
+                17 + 360.0f * static_cast<float>(parts) / static_cast<float>(segments);
+            EXPECT_EQ(vesk_object_get_num_vertices(new_arc(0, 2, 17, end, segments)), parts + 1)
+                << segments << ": the end is there";
+        }
+    }
 }
 
 TEST_F(Primitives, TooFewSegmentsAreTold)

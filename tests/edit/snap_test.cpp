@@ -15,6 +15,7 @@
 #include "tests/support/random_mesh.h"
 #include "view/near_snap.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -425,6 +426,48 @@ TEST_F(Snap, TheNearestOfAListIsTheFirstOfEquals)
     one.add(object_get_vertex_at(object, 0));
     EXPECT_EQ(point_find_nearest(&at, one.get()), object_get_vertex_at(object, 0));
     EXPECT_EQ(point_find_nearest(&at, nullptr), nullptr);
+}
+
+// ---- for the interface: joined, not only brought together ----
+
+TEST_F(Snap, WeldingLeavesNoCornerTwiceAndNoSurfaceWithoutArea)
+{
+    // A quad, and beside it a triangle on its edge 1-2.
+    object_t *object = add_mesh({{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}, {4, 1, 0}},
+                                {{0, 1, 2, 3}, {1, 4, 2}});
+    const std::string before = scene_text();
+    select_vertices_at(object, {1, 2});
+    run("weld");
+    EXPECT_EQ(faces_of(object), (faces_t{{0, 1, 2}})) << "the quad is a triangle now";
+    EXPECT_EQ(points_of(object),
+              (std::vector<point3_t>{{0, 0, 0}, {2, 1, 0}, {0, 2, 0}})); // the tip went, too
+    EXPECT_EQ(selected_vertices_of(object), (std::vector<int>{1}));
+    EXPECT_EQ(last_message(), "weld - 2 vertices became 1");
+    EXPECT_GT(object_get_surface_at(object, 0)->normal.z, 0.9f) << "not black";
+    expect_sound(object);
+    run("step_back");
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(selected_vertices_of(item_of<object_t>(vesk_get_world()->children)),
+              (std::vector<int>{1, 2}));
+}
+
+TEST_F(Snap, WeldingByDistanceJoinsEachClusterOfEachObject)
+{
+    object_t *first = add_squares(2, 1), *second = add_squares(1, 1);
+    run("set_select_mode", "vertex");
+    select_object(first);
+    select_object(second);
+    run("weld_distance", "0.25"); // only those of the two objects meet
+    EXPECT_EQ(first->num_vertices, 6);
+    EXPECT_EQ(second->num_vertices, 4);
+    run("weld_distance", "1.0");
+    EXPECT_LT(first->num_vertices, 6);
+    for (const surface_t *surface : each<surface_t>(first->surfaces)) {
+        std::vector<int> corners = corners_of(first, surface);
+        std::sort(corners.begin(), corners.end());
+        EXPECT_EQ(std::adjacent_find(corners.begin(), corners.end()), corners.end());
+    }
+    expect_sound_scene();
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 target_sources(vesk_tests PRIVATE
+    edit/catmull_clark_test.cpp
     edit/boolean_test.cpp
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
+    edit/edges_test.cpp
     edit/extrude_test.cpp
     edit/full_undo_test.cpp
     edit/geometry_test.cpp
@@ -11,15 +13,21 @@ target_sources(vesk_tests PRIVATE
     edit/knife_test.cpp
     edit/many_objects_test.cpp
     edit/measure_test.cpp
+    edit/mesh_corpus.cpp
+    edit/mesh_corpus_test.cpp
     edit/object_properties_test.cpp
     edit/panel_transform_test.cpp
     edit/pieces_test.cpp
     edit/primitives_test.cpp
+    edit/region_edit_test.cpp
     edit/revolve_test.cpp
+    edit/select_more_test.cpp
     edit/slice_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/transform_test.cpp
+    edit/tidy_surfaces_test.cpp
+    edit/vertex_tidy_test.cpp
     edit/weld_test.cpp
     edit/mesh/exact_test.cpp
     edit/mesh/mesh_change_test.cpp

@@ -53,6 +53,16 @@ TEST_F(Subdivide, QuadsBecomeQuadsAboutTheirMiddle)
     EXPECT_EQ(last_message(), "subdivide - 1 surfaces");
 }
 
+TEST_F(Subdivide, ASpikeStandsOnTheOutlineThoughItBeginsWithCornersOnALine)
+{
+    object_t *object =
+        add_mesh({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}}, {{0, 1, 2, 3, 4}});
+    select_all_surfaces(object);
+    prefs.spike_factor = 1;
+    run("surface_spike");
+    EXPECT_GT(points_of(object).at(5).z, 1);
+}
+
 TEST_F(Subdivide, TrianglesBecomeFour)
 {
     object_t *object = add_mesh({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}}, {{0, 1, 2}});
@@ -333,6 +343,23 @@ TEST_F(Subdivide, SurfacesOfSeveralObjectsBecomeOne)
     EXPECT_EQ(made->num_surfaces, 3);
     EXPECT_EQ(made->num_vertices, 10);
     expect_sound_scene();
+}
+
+TEST_F(Subdivide, SurfacesLeaveTheirObjectForOneOfTheirOwn)
+{
+    object_t *object = add_squares(2, 2);
+    object_set_name(object, "grid");
+    select_surfaces_at(object, {0, 1});
+    const std::string before = scene_text();
+    run("surfaces_separate");
+    ASSERT_EQ(vesk_get_world()->num_children, 2);
+    object_t *made = item_of<object_t>(vesk_get_world()->children->next);
+    EXPECT_EQ(made->num_surfaces, 2);
+    EXPECT_EQ(object->num_surfaces, 2);
+    EXPECT_EQ(selected_surfaces_of(made), (std::vector<int>{0, 1}));
+    run("undo");
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(vesk_get_world()->num_children, 1);
 }
 
 // ---- texture coordinates ----

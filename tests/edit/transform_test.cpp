@@ -12,7 +12,7 @@
 #include "model/object_tree.h"
 #include "model/vector.h"
 #include "model/world.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/mesh_test.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,6 +54,72 @@ TEST_F(Transform, MoveLeavesNoUndoAndMoveToDoes)
     run("undo");
     EXPECT_EQ(last_message(), "nothing to undo.");
 }
+
+// ---- objects selected together with what lies below them ----
+
+struct nested_case {
+    const char *name;
+    std::vector<std::string> words;
+};
+const nested_case nested_cases[] = {
+    {"move", {"move", "1", "0", "0"}},
+    {"move_with_undo", {"move_with_undo", "1", "0", "0"}},
+    {"move_to", {"move_to", "5", "6", "7"}},
+    {"rotate", {"rotate", "10", "20", "30"}},
+    {"rotate_with_undo", {"rotate_with_undo", "10", "20", "30"}},
+    {"rotate_about", {"rotate_about", "10", "20", "30", "1", "2", "3"}},
+    {"rotate_each", {"rotate_each_with_undo", "0", "30"}},
+    {"rotate_axis", {"rotate_axis_angle", "1", "40"}},
+    {"scale", {"scale", "2", "3", "0.5"}},
+    {"size_to", {"size_to", "2", "3", "0.5"}},
+    {"resize", {"resize_with_undo", "0", "0", "0", "2", "3", "4"}},
+    {"mirror", {"mirror", "0"}},
+    {"mirror_with_undo", {"mirror_with_undo", "1"}},
+    {"revolve", {"revolve", "1"}},
+    {"duplicate", {"duplicate"}},
+    {"group", {"group"}},
+};
+void PrintTo(const nested_case &c, std::ostream *out) { *out << c.name; }
+
+class NestedSelection : public SceneTest, public testing::WithParamInterface<nested_case> {
+protected:
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        for (const point3_t offset : {point3_t{0, 0, 0}, {2, 0, 0}, {4, 1, 0}}) {
+            object_t *object = add_cube("cube");
+            translate_object(object, &offset);
+            if (!chain.empty())
+                object_reparent(object, chain.back());
+            chain.push_back(object);
+        }
+        run("set_select_mode", "object");
+    }
+    std::vector<object_t *> chain; // each the parent of the next
+};
+
+TEST_P(NestedSelection, EachPartIsChangedOnceAndUndoneOnce)
+{
+    const std::string before = scene_text();
+    select_object(chain[0]);
+    run_words(GetParam().words);
+    const std::string once = scene_text();
+    ASSERT_NE(once, before);
+    run("history_goto", 0);
+    ASSERT_EQ(scene_text(), before);
+
+    clear_selection();
+    for_each_object(vesk_get_world(), [](object_t *object) { select_object(object); });
+    ASSERT_EQ(selection().num_objects, 3);
+    const int records = *undo_count_address();
+    run_words(GetParam().words);
+    EXPECT_EQ(scene_text(), once);
+    if (*undo_count_address() > records) {
+        run("undo");
+        EXPECT_EQ(scene_text(), before);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(Operations, NestedSelection, testing::ValuesIn(nested_cases));
 
 TEST_F(Transform, UndoWorksOnWhatWasSelectedThen)
 {

@@ -267,6 +267,16 @@ TEST_F(Weld, UnsharedVerticesStayWithTheFirstSurface)
     EXPECT_EQ(scene_text(), before);
 }
 
+TEST_F(Weld, UnsharedVerticesAreClonedInTheOrderOfTheSelection)
+{
+    object_t *object = add_squares(2, 1); // 0 1 2 below, 3 4 5 above
+    select_vertices_at(object, {4, 1});
+    run("unshare_vertices");
+    ASSERT_EQ(object->num_vertices, 8);
+    EXPECT_EQ(points_of(object).at(6), points_of(object).at(4));
+    EXPECT_EQ(points_of(object).at(7), points_of(object).at(1));
+}
+
 TEST_F(Weld, NothingToUnshareOpensNoUndo)
 {
     run("unshare_vertices");

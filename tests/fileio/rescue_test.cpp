@@ -153,7 +153,46 @@ TEST_F(Rescue, ALivingSessionsCopiesAreNotOffered)
     EXPECT_TRUE(recovery_copies().empty());
 }
 
-TEST_F(Rescue, CopiesOlderThanTheirFileAreNotOffered)
+TEST_F(Rescue, AnotherFolderIsUsedWhenThereIsNone)
+{
+    const std::string temporary = temporary_file("common");
+    fs::create_directories(temporary);
+    write_text(temporary_file("file"), "no folder");
+    setenv("XDG_STATE_HOME", temporary_file("file").c_str(), 1);
+    setenv("TMPDIR", temporary.c_str(), 1);
+    const std::string own = temporary + "/vesk-" + std::to_string(getuid());
+    in_another_process([] {
+        rescue_start();
+        run("autosave", "");
+        rescue_wait();
+        raise(SIGKILL);
+    });
+    ASSERT_EQ(recovery_copies().size(), 1u);
+    EXPECT_TRUE(recovery_copies()[0].file.starts_with(own));
+    EXPECT_EQ(fs::status(own).permissions(), fs::perms::owner_all);
+
+    // Not through a link that another user could have put there.
+    fs::rename(own, own + ".elsewhere");
+    fs::create_directory_symlink(own + ".elsewhere", own);
+    rescue_start();
+    EXPECT_EQ(last_message(),
+              "no copies of unsaved work are kept: no folder for them can be written");
+    EXPECT_EQ(run("autosave", ""), "0");
+    unsetenv("TMPDIR");
+}
+
+TEST_F(Rescue, TheResultOfACopyIsTold)
+{
+    rescue_start();
+    EXPECT_EQ(run("autosave", ""), "1");
+    rescue_wait();
+    EXPECT_EQ(run("autosave_result"), "1");
+    EXPECT_EQ(run("autosave", "/nowhere/x.vesk"), "1");
+    rescue_wait();
+    EXPECT_EQ(run("autosave_result"), "0");
+}
+
+TEST_F(Rescue, CopiesOlderThanTheirFileAreOfferedAsSuch)
 {
     const std::string original = temporary_file("original.vesk");
     write_text(original, "VESKb\n");
@@ -166,8 +205,10 @@ TEST_F(Rescue, CopiesOlderThanTheirFileAreNotOffered)
     });
     ASSERT_EQ(recovery_copies().size(), 1u);
     EXPECT_EQ(recovery_copies()[0].original, original);
+    EXPECT_FALSE(recovery_copies()[0].original_is_newer);
     fs::last_write_time(original, fs::file_time_type::clock::now() + std::chrono::hours(1));
-    EXPECT_TRUE(recovery_copies().empty());
+    ASSERT_EQ(recovery_copies().size(), 1u);
+    EXPECT_TRUE(recovery_copies()[0].original_is_newer);
 }
 
 struct original_case {

@@ -1,5 +1,6 @@
 target_sources(vesk_tests PRIVATE
     fileio/clipboard_test.cpp
+    fileio/embedded_images_test.cpp
     fileio/export_test.cpp
     fileio/foreign_files.cpp
     fileio/helper_test.cpp

@@ -198,7 +198,7 @@ TEST_F(Reader, TellsOfAFileThatCannotBeOpened)
 {
     EXPECT_EQ(readfile_vesk2("/nowhere/x.vesk"), nullptr);
     EXPECT_EQ(recording().boxes.at(0),
-              "Load VESK file:\n\ncan't open file /nowhere/x.vesk for reading");
+              "Load VESK file:\n\ncan't open file /nowhere/x.vesk for reading\n");
 }
 
 TEST_F(Reader, ShowsItsStagesAndNoTouchOfTheWorld)
@@ -227,6 +227,16 @@ TEST_F(Reader, SplitsLongLinesAfter254Characters)
     EXPECT_EQ(load("VESKb\nOBJECT poly\nname " + name + "foo bar\nkids 0\n"),
               "poly'" + name + "fo'");
     EXPECT_EQ(last_message(), "1 problem in the file: ignoring o"); // "o bar" is a line of its own
+}
+
+TEST_F(Reader, TakesZeroForWhatIsNoNumber)
+{
+    EXPECT_EQ(load("VESKb\nOBJECT poly\nloc nan 0 0\nrot 1 0 0  0 inf 0  0 0 1\nnumvert 3\n"
+                   "1 2 nan\n-inf 5 6\n7 1e39 9\nnumsurf 1\nSURF 0x0\nrefs 1\n0 inf 0.5\n"
+                   "kids 0\n"),
+              "poly''(1 2 0)(0 5 6)(7 0 9)[0 m1 0/0/0.5]");
+    EXPECT_EQ(last_message(),
+              "1 problem in the file: 5 numbers are none or too large - 0 is taken");
 }
 
 struct words_case {

@@ -1,3 +1,4 @@
+#include "base/foreign.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
 #include "model/list_internal.h"
@@ -35,6 +36,36 @@ int ascending(void *a, void *b)
 }
 
 class List : public SceneTest {};
+
+// A list that foreign code cuts by hand, before or between the calls.
+TEST_F(List, AppendingFindsTheEndOfOneThatForeignCodeCut)
+{
+    for (const int length : {12, 200, 5000}) {
+        elements expected(static_cast<size_t>(length));
+        std::iota(expected.begin(), expected.end(), 0);
+        listitem *list = list_from(expected);
+        list_add_item(&list, int_element(1)); // remembers the end
+        listitem *rest = nullptr;
+        {
+            const foreign_scope foreign(&expected, true);
+            listitem *node = list_seekto(list, length / 2);
+            rest = node->next;
+            node->next = nullptr;
+            if (length < 256)
+                list_add_item(&list, int_element(77));
+            else
+                EXPECT_EQ(list_last_item(list), int_element(length / 2));
+        }
+        expected.resize(static_cast<size_t>(length) / 2 + 1);
+        if (length < 256)
+            expected.push_back(77);
+        list_add_item(&list, int_element(88));
+        expected.push_back(88);
+        EXPECT_EQ(of(list), expected);
+        list_free(&list);
+        list_free(&rest);
+    }
+}
 
 // Every list function against a vector, on several lists at once, long enough for their tails to be
 // remembered and with nodes hung on by hand.

@@ -13,6 +13,7 @@
 #include "tests/plugin/interchange_fixture.h"
 #include "tests/support/damage.h"
 
+#include <chrono>
 #include <random>
 
 namespace {
@@ -233,6 +234,73 @@ TEST_F(Interchange, AnArchiveWhoseBytesAreNotThoseThatWerePackedIsRefused)
     EXPECT_NE(recording().boxes.back().find("its model is damaged"), std::string::npos);
 }
 
+std::string little_endian(unsigned long value, int bytes)
+{
+    std::string out;
+    for (int i = 0; i < bytes; ++i)
+        out += static_cast<char>(value >> 8 * i & 0xFF);
+    return out;
+}
+
+// An archive with the model of a 3MF file alone, stored as it is.
+std::string packed_model(const std::string &text)
+{
+    unsigned long sum = 0xFFFFFFFF;
+    for (const char c : text) {
+        sum ^= static_cast<unsigned char>(c);
+        for (int bit = 0; bit < 8; ++bit)
+            sum = sum >> 1 ^ ((sum & 1) != 0 ? 0xEDB88320UL : 0);
+    }
+    const std::string name = "3D/3dmodel.model";
+    const std::string common = little_endian(20, 2) + std::string(8, '\0') +
+                               little_endian(sum ^ 0xFFFFFFFF, 4) + little_endian(text.size(), 4) +
+                               little_endian(text.size(), 4) + little_endian(name.size(), 2) +
+                               little_endian(0, 2);
+    const std::string file = "PK\3\4" + common + name + text;
+    const std::string entry =
+        "PK\1\2" + little_endian(20, 2) + common + std::string(14, '\0') + name;
+    return file + entry + "PK\5\6" + std::string(4, '\0') + little_endian(1, 2) +
+           little_endian(1, 2) + little_endian(entry.size(), 4) + little_endian(file.size(), 4) +
+           little_endian(0, 2);
+}
+
+std::string threemf_of_levels(int levels, int repeats)
+{
+    std::string text = "<model><resources><object id=\"0\"><mesh><vertices><vertex x=\"0\" y=\"0\" "
+                       "z=\"0\"/><vertex x=\"1\" y=\"0\" z=\"0\"/><vertex x=\"0\" y=\"1\" "
+                       "z=\"0\"/></vertices><triangles><triangle v1=\"0\" v2=\"1\" v3=\"2\"/>"
+                       "</triangles></mesh></object>";
+    for (int level = 1; level <= levels; ++level) {
+        text += "<object id=\"" + std::to_string(level) + "\"><components>";
+        for (int i = 0; i < repeats; ++i)
+            text += "<component objectid=\"" + std::to_string(level - 1) + "\"/>";
+        text += "</components></object>";
+    }
+    return packed_model(text + "</resources><build><item objectid=\"" + std::to_string(levels) +
+                        "\"/></build></model>");
+}
+
+TEST_F(Interchange, AFileThatGrowsBeyondAllMeasureIsRefused)
+{
+    EXPECT_EQ(load("repeated.3mf", threemf_of_levels(4, 2)), "1") << recording().boxes.back();
+    run("clear_all");
+    EXPECT_EQ(load("doubling.3mf", threemf_of_levels(60, 2)), "0");
+    EXPECT_NE(recording().boxes.back().find("it repeats its parts more often than can be held"),
+              std::string::npos);
+    EXPECT_EQ(run("get_counts").substr(0, 2), "0 ");
+}
+
+// Each tag is looked at by itself: 26 seconds, once.
+TEST_F(Interchange, TagsWithoutBlanksCostNoMoreThanOthers)
+{
+    std::string text;
+    for (int i = 0; i < 200000; ++i)
+        text += "<a>";
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_EQ(load("nested.3mf", packed_model(text)), "0");
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
+}
+
 // Without "s" the normals tell it; with it they do not count.
 TEST_F(Interchange, ObjNormalsTellTheShadingWhereTheFileDoesNot)
 {
@@ -324,6 +392,15 @@ TEST_F(Interchange, NamesDoNotBreakTheModelFile)
     EXPECT_EQ(colours, "100010001");
     EXPECT_STREQ(parts()[0]->name, "\"one\"");
     EXPECT_TRUE(std::string(parts()[1]->name).starts_with("kids xxx"));
+}
+
+TEST_F(Interchange, ALibraryOfMaterialsIsReadOnce)
+{
+    write_text(temporary_file("bumpy.mtl"), "newmtl a\nmap_Bump b.png\n");
+    ASSERT_EQ(load("bumpy.obj", "mtllib bumpy.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nusemtl a\nmtllib "
+                                "bumpy.mtl\nf 1 2 3\nmtllib bumpy.mtl\nf 1 2 3\n"),
+              "1");
+    EXPECT_EQ(complaints(), "1 pictures by map_Bump in bumpy.mtl are not read\n");
 }
 
 TEST_F(Interchange, TexturesThatAreMissingKeepTheirNames)

@@ -1,4 +1,5 @@
 target_sources(vesk_tests PRIVATE
+    plugin/direct_test.cpp
     plugin/foreign_models_test.cpp
     plugin/images_test.cpp
     plugin/interchange_test.cpp
@@ -24,5 +25,10 @@ vesk_test_plugin(plugin_refusing broken_plugin.c REFUSES)
 vesk_test_plugin(plugin_faulting broken_plugin.c FAULTS)
 vesk_test_plugin(plugin_throwing throwing_plugin.cpp)
 vesk_test_plugin(plugin_busy busy_plugin.c)
+vesk_test_plugin(plugin_direct direct_plugin.c)
+vesk_test_plugin(plugin_exit_first exiting_plugin.c WHICH="first")
+vesk_test_plugin(plugin_exit_faulting exiting_plugin.c WHICH="faulting" FAULTS)
+vesk_test_plugin(plugin_leaving exiting_plugin.c WHICH="leaving" LEAVES)
+vesk_test_plugin(plugin_exit_last exiting_plugin.c WHICH="last")
 add_test(NAME plugin_sdk COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/plugin/sdk_test.sh ${CMAKE_SOURCE_DIR}
     ${CMAKE_BINARY_DIR} $<TARGET_FILE:vesk>)

@@ -94,6 +94,42 @@ TEST_F(Commands, ArgumentsAreConvertedByTheirLetters)
     EXPECT_EQ(given_text, "a b $x [exit]");
 }
 
+TEST_F(Commands, NumbersThatAFloatCannotHoldAreToldAndAreZero)
+{
+    vesk_add_command_full("many", erased(take_many), 15, "dffffffffffffff", nullptr, nullptr);
+    run("many", 7, "inf", "nan", "1e39", "-1e39", "3e38", 6, 7, 8, 9, 10, 11, 12, 13, 14);
+    const float expected[] = {0, 0, 0, 0, 3e38f, 6};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(given_floats[i], expected[i]) << i;
+    EXPECT_EQ(recording().console,
+              "many: argument 2, 'inf', is no number that can be used - 0 is taken\n"
+              "many: argument 3, 'nan', is no number that can be used - 0 is taken\n"
+              "many: argument 4, '1e39', is no number that can be used - 0 is taken\n"
+              "many: argument 5, '-1e39', is no number that can be used - 0 is taken\n");
+}
+
+TEST_F(Commands, ResultsThatNoFloatHoldsAreTakenBack)
+{
+    select_object(add_cube("cube"));
+    run("rotate", 3.4e38, 0, 0); // a turn like any other
+    run("move", 0, 1, 0);
+    run("move", 3e38, 0, 0);
+    const std::string before = run("get_selection_centre") + run("get_selection_size");
+    for (const std::vector<std::string> &words :
+         {std::vector<std::string>{"move", "3e38", "0", "0"},
+          {"rotate_about", "45", "45", "0", "-3e38", "3e38", "-3e38"},
+          {"move_with_undo", "3e38", "0", "0"}}) {
+        const std::string undo = last_undo();
+        run_words(words);
+        EXPECT_TRUE(last_message().ends_with(
+            "the result is beyond what coordinates can hold: nothing was changed"))
+            << words[0];
+        EXPECT_EQ(run("get_selection_centre") + run("get_selection_size"), before) << words[0];
+        EXPECT_EQ(last_undo(), undo);
+    }
+    EXPECT_EQ(selection_get_num_objects(), 1);
+}
+
 TEST_F(Commands, UnknownTemplatesAndLettersAreTold)
 {
     vesk_add_command_full("odd", erased(take_text), 2, "fs", nullptr, nullptr);
@@ -144,6 +180,7 @@ TEST_F(Commands, AFaultCostsADialogAndTheSessionStateComesBack)
               "Exception occured in command crash\ncode: 0xc0000005\ntype: "
               "EXCEPTION_ACCESS_VIOLATION\n\nPlease report this to Dovan");
     EXPECT_EQ(session().command_depth, 0);
+    EXPECT_EQ(command_result_get(), nullptr);
     run("throw");
     EXPECT_TRUE(recording().boxes.back().starts_with(
         "Exception occured in command throw\nException what()=broken\nLast Error: "));
@@ -203,8 +240,6 @@ std::vector<own_command_t> all_own_commands()
 // no count either.
 TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
 {
-    const auto folder = std::filesystem::current_path();
-    std::filesystem::current_path(std::filesystem::path(temporary_file("x")).parent_path());
     select_object(add_cube("a"));
     for (const own_command_t &own : all_own_commands()) {
         if (own.kind != command_kind::query && own.kind != command_kind::view)
@@ -214,7 +249,10 @@ TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
         const std::string moved = run("get_selection_centre");
         const std::string state = run("model_state");
         for (const char *argument : {"0", "1", "3", "none"}) {
-            std::vector<std::string> words(static_cast<std::size_t>(own.row.nargs), argument);
+            const bool names_file =
+                own.row.usage != nullptr && std::strstr(own.row.usage, "file") != nullptr;
+            std::vector<std::string> words(static_cast<std::size_t>(own.row.nargs),
+                                           names_file ? temporary_file(argument) : argument);
             words.insert(words.begin(), own.row.name);
             run_words(words);
             const std::string after = run("model_state");
@@ -227,7 +265,6 @@ TEST_F(Commands, QueriesAndViewsLeaveTheModelAndARunningDrag)
         EXPECT_EQ(run("get_selection_centre"), "0 0 0") << own.row.name;
         EXPECT_EQ(run("undo_name"), "") << own.row.name;
     }
-    std::filesystem::current_path(folder);
 }
 
 // ---- texts to scripts ----
@@ -307,7 +344,7 @@ INSTANTIATE_TEST_SUITE_P(Words, Refusals, testing::Values(
     refusal_case{"material_name", {"material_set_name", "99", "x"}, "name material - no palette entry 99"},
     refusal_case{"texture", {"set_texture", "0"}, "set texture - there is no texture 0"},
     refusal_case{"percentage", {"reduce", "100"}, "reduce - give a percentage from 1 to 99"},
-    refusal_case{"mode", {"set_select_mode", "edge"}, "no select mode named 'edge'"},
+    refusal_case{"mode", {"set_select_mode", "corner"}, "no select mode named 'corner'"},
     refusal_case{"elements", {"select_elements", "keep", "2"}, "select elements - set, add or remove, not 'keep'"},
     refusal_case{"property", {"objects_set", "2", "colour", "red"}, "objects_set - no property named 'colour'"},
     refusal_case{"history", {"history_goto", "-1"}, "no such place in the history: -1"},

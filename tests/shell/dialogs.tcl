@@ -155,4 +155,29 @@ run {
     rename ::exit {}
     rename ::really_exit ::exit
     check "and an answer reached with Tab ends the session" {$ended eq "0"}
+
+    # Rendering as delivered, and the manual where there is no browser.
+    fresh
+    when {[front .question]} {
+        set ::asked [.question.in.text cget -text]
+        key Escape
+    }
+    set ::asked ""
+    ::vesk::menus::invoke [::vesk::menus::find tools ::vesk::ops::render]
+    check "rendering names the program that is missing" {
+        [string match "*pvengine.exe*not on this computer*" $::asked]
+    }
+    check "and one that is there runs" {
+        [::vesk::ops::missing_program "vesk execute {[auto_execok sh] -c true}"] eq ""
+    }
+    set path $::env(PATH)
+    set ::env(PATH) [work nowhere]
+    unset -nocomplain ::auto_execs
+    ::vesk::menus::invoke [::vesk::menus::find help {::vesk::help::page manual}]
+    check "the manual without a browser is shown as text" {
+        [shown .textmanual] && [string match "*No browser was found*" [.textmanual.text get 1.0 end]]
+    }
+    set ::env(PATH) $path
+    shot dialogs-manual
+    destroy .textmanual
 }

@@ -42,6 +42,56 @@ run {
     key Return
     check "a typed name names the material" {[lindex [vesk get_material 5] 0] eq "wing ochre"}
 
+    # The tabs follow the selection.
+    fresh $box
+    vesk set_col 3
+    vesk clear_selection
+    vesk create box 2 3 0 0 4 1 1
+    vesk select_all
+    vesk objects_select [lindex [top_objects] 1]
+    vesk set_col 5
+    settle
+    vesk objects_select [lindex [top_objects] 0]
+    check "the material of what is selected is shown, with its surfaces" {
+        $::vesk::palette::current == 3
+        && [string match "Material 4 of *, on 6 surfaces" [$tabs.material.top.line cget -text]]
+    }
+    vesk objects_select [lindex [top_objects] 1]
+    check "and follows" {$::vesk::palette::current == 5}
+    press $tabs.material.top.icons.add
+    check "\"+\" makes a name of its own" {
+        [lindex [vesk get_material $::vesk::palette::current] 0] eq "wing ochre 2"
+    }
+    vesk objects_select [lindex [top_objects] 0]
+    wait_until {$::vesk::palette::current == 3}
+    set states [llength [vesk history_list]]
+    set before [vesk get_material 3]
+    set bar $tabs.material.rows.bspecular
+    hold $bar 8 8 60 8
+    pause 1200
+    point_at $bar 70 8
+    pause 1200
+    point_at $bar 75 8
+    check "the model follows a slider" {[vesk get_material 3] ne $before}
+    release
+    check "and its drag is one step" {[llength [vesk history_list]] == $states + 1}
+    key ctrl+z
+    check "which undo takes back" {[vesk get_material 3] eq $before}
+    shot extras-material
+    open_tab palette
+    set grid $tabs.palette.grid
+    set step [::vesk::palette::swatch_step]
+    press $grid [expr {$step * 6 + $step / 2}] [expr {$step / 2}] 1 2
+    pause 400
+    check "a double click on a swatch edits and applies nothing" {
+        [shown $tabs.material] && $::vesk::palette::current == 6
+        && [vesk selection_materials] eq "3"
+    }
+    open_tab palette
+    press $grid [expr {$step * 7 + $step / 2}] [expr {$step / 2}]
+    check "a click applies" {[vesk selection_materials] eq "7"}
+    open_tab object
+
     # Types.
     fresh $box
     vesk group
@@ -71,7 +121,7 @@ run {
         vesk set_select_mode surface
         vesk select_all
         set ::test::records $::undo_count
-        open_options surface surface_make_hole
+        open_options surface hole_select
         key Return
     }
     set ::prefs_hole_percent 50
@@ -206,7 +256,13 @@ run {
     check "Escape closes it" {![winfo exists .report]}
     foreach page {manual tour scripting plugins file-format batch performance} {
         ::vesk::help::page $page
-        check "Help has a page for $page" {[string match "web browser - *" [status]]}
+        # In a browser, or as text where there is none.
+        set text .text[string map {- ""} $page]
+        check "Help has a page for $page" {
+            [string match "web browser - *" [status]] || [string length [$text.text get 1.0 end]] > 2000
+        }
+        destroy $text
+        focus -force .
     }
     ::vesk::need windows tips
     check "thirty tips, each another" {

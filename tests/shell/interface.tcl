@@ -51,6 +51,10 @@ run {
         abs([lindex [centre] 0] - [lindex $before 0]) < 1e-4
     }
     key Escape
+    check "Escape takes the text and its red frame away" {
+        ![.main.right.tabs.object.positionx instate invalid]
+        && [string is double -strict [.main.right.tabs.object.positionx.value get]]
+    }
 
     set strip $::vesk::objects::strip
     press $strip [::vesk::theme::px 13] [expr {[row_place $first] + 8}]
@@ -110,6 +114,11 @@ run {
     check "the console runs commands" {[llength [vesk object_tree]] > $count}
     check "and the panel follows" {
         [llength [$tree children {}]] == [llength [top_objects]]
+    }
+    type "vesk new_cubr"
+    key Return
+    check "a command that is not there: the console names the nearest" {
+        [string match "*Did you mean *new_cube*" [.main.console.text get 1.0 end]]
     }
     type "set no_such_variable"
     key Return

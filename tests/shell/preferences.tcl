@@ -38,7 +38,7 @@ run {
     check "Escape closes it" {![winfo exists $w] && [winfo class [focus]] eq "Togl"}
     key ctrl+comma
 
-    # Every preference of the executable has one row and a widget that follows it.
+    # Every preference of the executable that is a choice has a row, whose widget follows it.
     set kinds {}
     foreach {key kind value} [vesk prefs_rows] {dict set kinds $key $kind}
     set missing {}
@@ -68,6 +68,12 @@ run {
                         set heard [expr {[$field get] eq "#123456"}]
                     }
                     string {
+                        if {[lindex $row 3] eq "font"} {
+                            set ::prefs_$key [list [font actual TkFixedFont -family] 14]
+                            set heard [expr {[[winfo parent $field].size get] == 14}]
+                            set ::prefs_$key $before
+                            continue
+                        }
                         set ::prefs_$key "a text"
                         set text [expr {[winfo class $field] eq "Text" ? [$field get 1.0 end-1c]
                             : [$field get]}]
@@ -80,11 +86,23 @@ run {
         }
     }
     foreach key [dict keys $kinds] {
-        if {![dict exists $seen $key]} {lappend missing $key}
+        if {[dict exists $seen $key] == [regexp $::vesk::prefs::records $key]} {lappend missing $key}
     }
-    check "every preference has a row" {$missing eq {}}
+    check "every preference has a row, but no record has" {$missing eq {}}
     check "whose widget shows and writes it" {$deaf eq {}}
     if {$missing ne "" || $deaf ne ""} {puts "missing: $missing  deaf: $deaf"}
+
+    # The window keeps its width.
+    set widths {}
+    dict for {name groups} $::vesk::prefs::pages {
+        page $name
+        settle
+        lappend widths [winfo width $w]
+    }
+    check "every page is as wide" {[llength [lsort -unique $widths]] == 1}
+    check "and has room for its rows" {
+        [winfo reqwidth $::vesk::preferences::body] <= [winfo width $w.page]
+    }
 
     # By hand.
     page Views
@@ -123,6 +141,20 @@ run {
     key Escape
     check "Escape empties it first" {$::vesk::preferences::query eq "" && [winfo exists $w]}
 
+    foreach {typed key} {"background color" col_background "dark mode" theme "undo steps" undo_levels
+            "font size" font_main "keyboard shortcuts" "" "addons" plugin_dir "grid snapping" gridsnap
+            "backup copies" "" tips show_startup_tips "autosave interval" ""} {
+        key ctrl+a
+        type $typed
+        wait_until {[$w.head.title cget -text] eq "Search" && $::vesk::preferences::query eq $typed}
+        if {$key ne ""} {check "\"$typed\" finds its row" {[field $key] ne ""}}
+        if {$typed eq "keyboard shortcuts"} {
+            check "and the page of the keys" {[winfo exists $::vesk::preferences::body.page1]}
+            shot preferences-plain
+        }
+    }
+    key ctrl+a BackSpace
+
     # Presets.
     foreach {name background vertices axis} {
         contrast 0x000000 0xFF8080 #FF8A84
@@ -154,10 +186,24 @@ run {
         [winfo ismapped $::vesk::keyspage::page.clash] && [::vesk::keys::key_of view.move] eq "M"
     }
     shot preferences-keys
+    key Escape
+    check "Escape leaves the key where it is, and the window open" {
+        [winfo exists $w] && ![::vesk::keyspage::asks] && [::vesk::keys::key_of view.move] eq "M"
+    }
+    press $::vesk::keyspage::page.edit.record
+    key m
+    wait_until {[winfo ismapped $::vesk::keyspage::page.clash]}
     press $::vesk::keyspage::page.clash.take
     check "and is taken over" {
         [::vesk::keys::key_of tool.scale] eq "M" && [::vesk::keys::key_of view.move] eq ""
     }
+    when {[front .question]} {key Escape}
+    set ::vesk::keyspage::preset_label Laptop
+    ::vesk::keyspage::preset_chosen
+    check "a preset asks before it drops own keys" {
+        [::vesk::keys::key_of tool.scale] eq "M" && $::vesk::keyspage::preset_label eq "Own"
+    }
+    focus -force $::vesk::keyspage::page.list
     key Escape
     at xy 150 150
     key y
@@ -244,4 +290,14 @@ run {
     shot preferences-plugins
     press $::vesk::plugmanager::page.row.wanted 8
     key Escape
+
+    # Once for each plug-in.
+    when {[front .question]} {shot plugin-fault; key Return}
+    plugin_faulted broken.p
+    check "a plug-in with a fault can be left out" {
+        "broken.p" in [::vesk::settings::get plugins_off]
+    }
+    plugin_faulted broken.p
+    pause 400
+    check "it is asked about once" {![winfo exists .question]}
 }

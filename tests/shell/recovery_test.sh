@@ -54,4 +54,28 @@ wait $running && status=0 || status=$?
 check "and its status is 0" $status
 next && status=0 || status=1
 check "the copy that the signal had written is offered" $status
+
+export VESK_TEST_LEAVE=$(dirname "$program")/../tests/plugin_leaving.p
+session
+unset VESK_TEST_LEAVE
+wait $running && status=0 || status=$?
+check "a plug-in may end the process" $((status != 5))
+next && status=0 || status=1
+check "but does not take the work along" $status
+
+# A display of its own, which goes away.
+Xvfb -displayfd 8 -screen 0 1024x768x24 -nolisten tcp 8>"$work/number" 2>/dev/null &
+lost=$!
+for _ in $(seq 100); do [ -s "$work/number" ] && break; sleep 0.1; done
+outer=$DISPLAY
+export DISPLAY=:$(cat "$work/number")
+session
+sleep 0.5
+kill -9 $lost
+wait $lost 2>/dev/null || true
+wait $running && status=0 || status=$?
+check "the session ends with its display" $((status == 0))
+export DISPLAY=$outer
+next && status=0 || status=1
+check "and its work is offered" $status
 exit $((failures != 0))

@@ -13,4 +13,7 @@ proc step {number} {
     close $stream
     after 40 [list step [expr {$number + 1}]]
 }
+if {[info exists env(VESK_TEST_LEAVE)]} {
+    after 1500 {vesk plugin_load $env(VESK_TEST_LEAVE)}
+}
 after 300 {step 1}

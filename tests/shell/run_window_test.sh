@@ -6,4 +6,4 @@ set -euo pipefail
 program=$1 script=$2 artefacts=$3
 shift 3
 . "$(dirname "${BASH_SOURCE[0]}")/own_display.sh" "$artefacts"
-timeout "${VESK_TEST_LIMIT:-150}" "$program" -noplugins -script "$script" "$@"
+timeout "${VESK_TEST_LIMIT:-240}" "$program" -noplugins -script "$script" "$@"

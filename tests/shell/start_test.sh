@@ -83,6 +83,31 @@ check "so is a file that is not there" 1 "can't read none.vesk" -- -thumbnail 64
 "$program" -batch good.tcl >out.txt 2>err.txt
 [ "$(wc -l <out.txt)" = 1 ] || { echo "FAIL standard output is the script's alone"; failures=1; }
 
+# Names of files are UTF-8 where no locale is set.
+cat >umlaut.tcl <<'END'
+vesk create box 0 0 0 0 1 1 1
+vesk save_vesk "vesk gr\u00fc\u00df.vesk"
+vesk clear_all
+puts "loaded [vesk load_file "vesk gr\u00fc\u00df.vesk"] [llength [vesk object_tree]] [lindex $argv 0]"
+END
+(
+    unset LANG LC_ALL LC_CTYPE
+    "$program" -batch umlaut.tcl grüß >out.txt 2>err.txt
+    "$program" -convert "vesk grüß.vesk" "nach grüß.obj" >/dev/null 2>&1
+)
+if [ ! -s "vesk grüß.vesk" ] || [ ! -s "nach grüß.obj" ] || ! grep -q '^loaded .*grüß$' out.txt; then
+    echo "FAIL names with other letters where no locale is set"
+    ls
+    cat out.txt err.txt
+    failures=1
+fi
+
+deep=$work/$(printf 'd%.0s' {1..200})/$(printf 'e%.0s' {1..200})
+mkdir -p "$deep"
+cp one.vesk "$deep"
+(cd "$deep" && "$program" -convert one.vesk two.obj >/dev/null 2>&1)
+[ -s "$deep/two.obj" ] || { echo "FAIL a start folder with a long name"; failures=1; }
+
 echo 'vwait forever' >wait.tcl
 "$program" -batch wait.tcl >/dev/null 2>&1 &
 waiting=$!

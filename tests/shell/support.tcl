@@ -20,7 +20,7 @@ trace add execution ::vesk::ops::failed enter {apply {{words operation} {
 proc ::test::run {body} {
     wait_until {[winfo viewable .main]}
     settle
-    set limit [expr {[info exists ::env(VESK_TEST_LIMIT)] ? $::env(VESK_TEST_LIMIT) : 150}]
+    set limit [expr {[info exists ::env(VESK_TEST_LIMIT)] ? $::env(VESK_TEST_LIMIT) : 240}]
     after [expr {1000 * ($limit - 10)}] ::test::hangs
     if {[catch {uplevel #0 $body}]} {
         puts "FAIL $::errorInfo"
@@ -103,6 +103,13 @@ proc ::test::pause {msecs} {
     set ::test::done 0
     after $msecs {set ::test::done 1}
     vwait ::test::done
+}
+
+# cpu_msecs --
+#   Milliseconds that this process has worked: what else the machine does is not in it.
+proc ::test::cpu_msecs {} {
+    set words [lrange [split [contents /proc/self/stat]] 13 14]
+    return [expr {10 * ([lindex $words 0] + [lindex $words 1])}]
 }
 
 # shown, front --

@@ -372,8 +372,9 @@ TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
     EXPECT_EQ(cube->num_surfaces, 6);         // nothing is changed yet
     move(VIEW_ZY, 350, 150);
     release(VIEW_ZY, 350, 150);
-    EXPECT_EQ(cube->num_surfaces, 6 + 8 + 1);
+    EXPECT_EQ(cube->num_surfaces, 5 + 8 + 1); // a body: no face stays inside
     EXPECT_NEAR(find_object_size(cube).z, 2, 1e-5);
+    EXPECT_EQ(selection().num_surfaces, 1); // the new end, for what comes next
     EXPECT_EQ(last_undo(), "extrude");
     EXPECT_EQ(undos(), 1);
     EXPECT_TRUE(overlay().preview.empty());

@@ -10,11 +10,14 @@
 #include "model/change_marks.h"
 #include "model/world.h"
 #include "tests/support/scene_test.h"
+#include "view/camera_eye.h"
 #include "view/camera_internal.h"
 #include "view/handles.h"
 #include "view/projection.h"
 #include "view/tool_select.h"
 #include "view/views_internal.h"
+
+#include <utility>
 
 namespace {
 
@@ -83,6 +86,111 @@ TEST_F(Pick, VerticesAndSurfacesAreFoundWithTheirRecords)
     EXPECT_FLOAT_EQ(surfaces[0].surface->normal.z, 1);
 }
 
+// Single faces in the 3D view, from where it starts.
+class PickIn3d : public Pick {
+protected:
+    void SetUp() override
+    {
+        Pick::SetUp();
+        object_set_visible(far_cube, 0);
+        object_set_visible(near_cube, 0);
+    }
+    static object_t *add_face(const char *name, const std::vector<point3_t> &corners, int twosided)
+    {
+        object_t *object = new_object(OBJECT_POLY);
+        object_set_name(object, name);
+        surface_t *surface = new_surface();
+        surface_set_twosided(surface, twosided);
+        object_add_surface(object, surface);
+        for (const point3_t &p : corners)
+            surface_add_vertex(surface, object_add_new_vertex(object, p.x, p.y, p.z), 0, 0);
+        object_add_child(vesk_get_world(), object);
+        return object;
+    }
+};
+
+TEST_F(PickIn3d, DepthIsThatUnderThePointerNotThatOfTheMiddle)
+{
+    // Leans away from the viewer: its middle is nearer than the patch, its upper end is behind it.
+    add_face("slope", {{-5, -5, 4}, {5, -5, 4}, {5, 5, -16}, {-5, 5, -16}}, 1);
+    add_face("patch", {{-1, 2.5f, -8}, {1, 2.5f, -8}, {1, 3.5f, -8}, {-1, 3.5f, -8}}, 1);
+    double x = 0, y = 0;
+    ASSERT_TRUE(camera_project({0, 3, -8}, &x, &y));
+    const auto names = names_at(VIEW_XYZ, static_cast<int>(x), static_cast<int>(y));
+    ASSERT_EQ(names.size(), 2U);
+    EXPECT_EQ(names[0], "patch");
+    ASSERT_TRUE(camera_project({0, 0, -6}, &x, &y));
+    EXPECT_EQ(names_at(VIEW_XYZ, static_cast<int>(x), static_cast<int>(y))[0], "slope");
+}
+
+TEST_F(PickIn3d, GroundThatGoesOnBehindTheViewerIsFound)
+{
+    add_face("ground", {{-500, -1, 500}, {500, -1, 500}, {500, -1, -500}, {-500, -1, -500}}, 0);
+    for (const int y : {200, 250, 290})
+        EXPECT_EQ(names_at(VIEW_XYZ, 200, y), (std::vector<std::string>{"ground"})) << y;
+    EXPECT_TRUE(names_at(VIEW_XYZ, 200, 50).empty());
+    const auto band = pick_band(VIEW_XYZ, pick_kind::SURFACE, {100, 200, 300, 280, true});
+    EXPECT_EQ(band.size(), 1U);
+}
+
+TEST_F(PickIn3d, BacksThatAreNotDrawnAreNotFound)
+{
+    const std::vector<point3_t> away = {{-1, -1, 0}, {-1, 1, 0}, {1, 1, 0}, {1, -1, 0}};
+    object_t *back = add_face("back", away, 0);
+    add_face("behind", {{-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}}, 0);
+    EXPECT_EQ(names_at(VIEW_XYZ, 200, 150), (std::vector<std::string>{"behind"}));
+    EXPECT_EQ(names_at(VIEW_XY, 200, 150), (std::vector<std::string>{"behind"}));
+    for (surface_t *surface : each<surface_t>(back->surfaces))
+        surface_set_twosided(surface, 1);
+    object_mark(back, CHANGED_ATTRIBUTES);
+    EXPECT_EQ(names_at(VIEW_XYZ, 200, 150).front(), "back");
+}
+
+TEST_F(PickIn3d, OfTwoVerticesTheOneThatIsSeenComesFirst)
+{
+    object_set_visible(near_cube, 1); // its face at z = 2.5 hides the vertex
+    add_face("hidden", {{0, 0, 0}, {0.4f, 0, 0}, {0, 0.4f, 0}}, 1);
+    const auto at_front = pick_at(VIEW_XY, pick_kind::VERTEX, 249, 101, 4);
+    ASSERT_FALSE(at_front.empty());
+    EXPECT_FLOAT_EQ(at_front[0].point->position.z, 2.5f);
+    // Nearer to the pointer, but behind the cube.
+    add_face("corner", {{0.49f, 0.49f, 0}, {0.3f, 0.49f, 0}, {0.49f, 0.3f, 0}}, 1);
+    const auto both = pick_at(VIEW_XY, pick_kind::VERTEX, 249, 101, 4);
+    ASSERT_GT(both.size(), 1U);
+    EXPECT_FLOAT_EQ(both[0].point->position.z, 2.5f);
+}
+
+TEST_F(PickIn3d, LargeMeshesAreSearchedRightAlsoAfterTheyMoved)
+{
+    object_t *mesh = new_object(OBJECT_POLY); // 40 x 40 squares of 0.1, from -2 to 2
+    object_set_name(mesh, "mesh");
+    std::vector<vertex *> row, above;
+    for (int y = 0; y <= 40; ++y, above = std::exchange(row, {})) {
+        for (int x = 0; x <= 40; ++x)
+            row.push_back(object_add_new_vertex(mesh, static_cast<float>(x) * 0.1f - 2,
+                                                static_cast<float>(y) * 0.1f - 2, 0));
+        for (size_t x = 0; y > 0 && x < 40; ++x) {
+            surface_t *square = new_surface();
+            object_add_surface(mesh, square);
+            for (vertex *v : {above[x], above[x + 1], row[x + 1], row[x]})
+                surface_add_vertex(square, v, 0, 0);
+        }
+    }
+    object_add_child(vesk_get_world(), mesh);
+    const auto square_at = [&](int x, int y) {
+        const auto hits = pick_at(VIEW_XY, pick_kind::SURFACE, x, y, 0);
+        return hits.empty() ? -1 : list_index(mesh->surfaces, hits[0].surface);
+    };
+    EXPECT_EQ(square_at(200 - 195, 150 - 5), 20 * 40); // 100 pixels a unit: the left end of row 20
+    EXPECT_EQ(square_at(200 + 195, 150 + 5), 19 * 40 + 39);
+    EXPECT_EQ(pick_band(VIEW_XY, pick_kind::SURFACE, {198, 138, 222, 152, false}).size(), 2U);
+    EXPECT_EQ(pick_at(VIEW_XY, pick_kind::VERTEX, 200, 150, 3).size(), 1U);
+    const point3_t offset = {0.1f, 0, 0};
+    translate_object(mesh, &offset);
+    EXPECT_EQ(square_at(200 - 185, 150 - 5), 20 * 40);
+    EXPECT_EQ(square_at(200 - 195, 150 - 5), -1);
+}
+
 struct band_case {
     const char *name;
     pick_kind kind;
@@ -133,6 +241,18 @@ TEST_F(Pick, ClicksGoBehindAndShiftAddsOrRemoves)
     EXPECT_EQ(selected(), "near ");
     select_click(VIEW_XY, 5, 5, 0, 6);
     EXPECT_TRUE(nothing_is_selected());
+}
+
+TEST_F(Pick, TheNextOneBehindIsTakenOnlyWhileNothingElseHappens)
+{
+    select_click(VIEW_XY, 200, 150, 0, 1);
+    clear_selection(); // as Escape does
+    select_click(VIEW_XY, 200, 150, 0, 1.6);
+    EXPECT_EQ(selected(), "near ");
+    select_click(VIEW_XY, 200, 150, 0, 10); // long after
+    EXPECT_EQ(selected(), "near ");
+    select_click(VIEW_XY, 200, 150, 0, 11);
+    EXPECT_EQ(selected(), "far ");
 }
 
 TEST_F(Pick, BandsReplaceAddAndRemove)

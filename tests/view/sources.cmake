@@ -7,5 +7,6 @@ target_sources(vesk_tests PRIVATE
     view/pick_test.cpp
     view/projection_test.cpp
     view/tool_test.cpp
+    view/undo_walk_test.cpp
     view/uv_view_test.cpp
 )

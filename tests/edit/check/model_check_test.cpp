@@ -358,4 +358,39 @@ TEST_P(RandomChecks, AgreeWithTheDefinitions)
 }
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomChecks, testing::Range(1u, 40u));
 
+// What is there on purpose is told, but as a note.
+struct note_case {
+    const char *name;
+    std::vector<point3_t> points;
+    std::vector<int> corners;
+    int open_notes, double_notes;
+};
+// clang-format off
+const note_case note_cases[] = {
+    {"border_of_a_sheet", square_points, {0, 1, 2, 3}, 4, 0},
+    {"hole_in_a_body", {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+     {0, 2, 1, -1, 0, 1, 3, -1, 0, 3, 2}, 0, 0},
+    {"crease", {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}, {1, 0, 1}, {0, 0, 1}},
+     {0, 1, 2, 3, -1, 5, 4, 7, 6}, 8, 2},
+    {"sheet_torn_in_two", {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {1, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 0}},
+     {0, 1, 2, 3, -1, 4, 5, 6, 7}, 6, 0},
+    {"sheets_that_touch_in_a_corner", {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {-1, 0, 0}, {0, -1, 0}},
+     {0, 1, 2, -1, 3, 4, 5}, 6, 1},
+};
+// clang-format on
+void PrintTo(const note_case &c, std::ostream *out) { *out << c.name; }
+class Notes : public SceneTest, public testing::WithParamInterface<note_case> {};
+
+TEST_P(Notes, TellsWhatIsMeant)
+{
+    add_polygons(GetParam().points, GetParam().corners);
+    const model_findings found = model_find_problems(vesk_get_world());
+    const auto notes = [&](model_problem kind) {
+        return found.notes[static_cast<std::size_t>(kind)];
+    };
+    EXPECT_EQ(notes(model_problem::open_edge), GetParam().open_notes);
+    EXPECT_EQ(notes(model_problem::duplicate_vertex), GetParam().double_notes);
+}
+INSTANTIATE_TEST_SUITE_P(Shapes, Notes, testing::ValuesIn(note_cases));
+
 } // namespace

@@ -56,6 +56,21 @@ protected:
     object_t *outer, *inner, *a, *b, *c, *d;
 };
 
+TEST_F(Selection, ObjectsBelowAPolygonObjectAreSelectedAndTakenOutOnTheirOwn)
+{
+    object_t *below = add_leaf(d, "below");
+    object_t *lowest = add_leaf(below, "lowest");
+    select_object(d);
+    set_new_select_mode(SELECT_OBJECT);
+    EXPECT_EQ(selected_names(), (names_t{"d", "below", "lowest"}));
+    unselect_object(below);
+    EXPECT_EQ(selected_names(), (names_t{"d", "lowest"}));
+    select_object(outer);
+    unselect_object(outer);
+    EXPECT_EQ(selected_names(), (names_t{"d", "lowest"})) << "of a group its members go";
+    unselect_object(lowest);
+}
+
 TEST_F(Selection, ObjectRuleGivesTopsLeavesOrElementsByMode)
 {
     select_object(b);
@@ -242,8 +257,12 @@ TEST_F(Selection, BoxIsOfEverythingSelectedAndOnlyThenValid)
     clear_selection();
     object_t *light = new_light();
     object_add_child(vesk_get_world(), light);
+    vesk_object_set_centre(light, 3, 2, 1);
     select_object(light);
-    EXPECT_EQ(selection().box_valid, 0);
+    EXPECT_EQ(run("get_selection_centre"), "3 2 1"); // the place of a light that is alone
+    EXPECT_EQ(run("get_selection_size"), "0 0 0");
+    select_object(d);
+    EXPECT_EQ(run("get_selection_size"), "1 1 1");
 }
 
 TEST_F(Selection, DeletedThingsLeaveIt)

@@ -196,7 +196,6 @@ void PrintTo(const undo_case &c, std::ostream *out) { *out << c.name; }
 
 // clang-format off
 const undo_case undo_cases[] = {
-    {"mode",           [] { run("set_select_mode", "vertex"); },     "selection",      false},
     {"move",           [] { run("move_to", 7, 8, 9); },              "move to",        false},
     {"scale",          [] { run("scale", "2", "0.75", "3"); },       "size selection", false},
     {"resize",         resize,                                       "resize",         false},

@@ -142,6 +142,26 @@ TEST_F(TextureTable, LaterLoadersComeFirstAndMayFail)
 
 // ---- on objects ----
 
+TEST_F(TextureTable, GoOnASelectedSurfaceInOneStep)
+{
+    run("add_new_texture", picture_file("wood.bmp"));
+    object_t *box = add_cube("box");
+    run("set_select_mode", "surface");
+    select_surface(object_get_surface_at(box, 2));
+    run("set_texture", 0);
+    ASSERT_EQ(vesk_get_world()->num_children, 2);
+    const object_t *face = object_get_kid_at(vesk_get_world(), 1);
+    EXPECT_EQ(face->num_surfaces, 1);
+    EXPECT_NE(face->has_texture, 0);
+    EXPECT_EQ(box->num_surfaces, 5);
+    EXPECT_EQ(box->has_texture, 0);
+    EXPECT_EQ(selection_get_num_surfaces(), 1);
+    EXPECT_EQ(last_undo(), "set texture");
+    run("undo");
+    EXPECT_EQ(vesk_get_world()->num_children, 1);
+    EXPECT_EQ(object_get_kid_at(vesk_get_world(), 0)->num_surfaces, 6);
+}
+
 TEST_F(TextureTable, GoOnSelectedObjectsWithTheirDescendantsInOneStep)
 {
     run("add_new_texture", picture_file("wood.bmp"));

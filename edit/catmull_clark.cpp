@@ -1,0 +1,349 @@
+#include "edit/catmull_clark.h"
+
+#include "base/messages.h"
+#include "edit/document/edit_support.h"
+#include "edit/edge_mesh_internal.h"
+#include "model/freed.h"
+#include "model/vec3d.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+
+namespace {
+
+constexpr int most_steps = 8;
+constexpr double most_surfaces = 16e6;
+
+// All polygons of one object; those that are not active only follow.
+struct smooth_mesh {
+    object_t *object;
+    vesk_mesh_t mesh;
+    std::vector<char> active; // of each face
+};
+
+smooth_mesh mesh_of(const owned_elements &owned)
+{
+    smooth_mesh result = {owned.object, {}, {}};
+    const flat_ptr flat = object_flat(owned.object);
+    std::vector<char> chosen(flat->num_surfaces());
+    for (const int surface : owned.indices)
+        chosen[surface] = 1;
+    vesk_mesh_t &mesh = result.mesh;
+    mesh.points = *flat->positions;
+    mesh.corners.reserve(flat->num_corners());
+    mesh.uv.reserve(flat->num_corners());
+    for (int s = 0; s < flat->num_surfaces(); ++s) {
+        if (flat->surface(s).is_line())
+            continue;
+        for (int c = flat->first_corner(s); c < flat->end_corner(s); ++c)
+            mesh.add_corner(flat->corner(c), flat->uv(c));
+        mesh.end_face(s);
+        result.active.push_back(chosen[s] != 0 && flat->surface_corners(s).size() >= 3 ? 1 : 0);
+    }
+    return result;
+}
+
+// Polygons that the steps start from, and quads that they end with.
+double count_active(const smooth_mesh &mesh)
+{
+    return static_cast<double>(std::count(mesh.active.begin(), mesh.active.end(), 1));
+}
+double count_results(const smooth_mesh &mesh, int steps)
+{
+    double quads = 0;
+    for (int face = 0; face < mesh.mesh.num_faces(); ++face)
+        quads += mesh.active[face] != 0 ? static_cast<double>(mesh.mesh.face(face).size()) : 0;
+    for (int i = 1; i < steps; ++i)
+        quads *= 4;
+    return quads;
+}
+
+// One step of one mesh: new points first, then the faces that use them.
+class smooth_step {
+public:
+    smooth_step(const smooth_mesh &from, progress_t &progress, double &done)
+        : from_(from), mesh_(from.mesh),
+          edges_(static_cast<int>(mesh_.points.size()), mesh_.offsets, mesh_.corners),
+          edge_of_(edges_.edges_of_corners(mesh_.num_corners())), progress_(progress), done_(done)
+    {
+    }
+
+    // False when the user cancelled.
+    bool run(smooth_mesh &to)
+    {
+        fine_ = &to.mesh;
+        to.object = from_.object;
+        find_face_points();
+        fine_->points = mesh_.points;
+        reserve();
+        add_edge_points();
+        move_vertices();
+        return add_faces(to);
+    }
+
+private:
+    [[nodiscard]] bool is_active(int face) const { return from_.active[face] != 0; }
+    [[nodiscard]] vec3d point(int v) const { return to_vec3d(mesh_.points[v]); }
+
+    void find_face_points()
+    {
+        face_points_.resize(mesh_.num_faces());
+        for (int face = 0; face < mesh_.num_faces(); ++face) {
+            if (!is_active(face))
+                continue;
+            vec3d sum;
+            const auto corners = mesh_.face(face);
+            for (const int v : corners)
+                sum += point(v);
+            face_points_[face] = sum / static_cast<double>(corners.size());
+            active_corners_ += corners.size();
+        }
+    }
+
+    void reserve()
+    {
+        const std::size_t corners = 4 * active_corners_ + 2 * mesh_.corners.size();
+        fine_->corners.reserve(corners);
+        fine_->uv.reserve(corners);
+        fine_->sources.reserve(active_corners_ + mesh_.sources.size());
+        fine_->offsets.reserve(active_corners_ + mesh_.sources.size() + 1);
+        fine_->points.reserve(mesh_.points.size() + edges_.size() + mesh_.sources.size());
+    }
+
+    void add_edge_points()
+    {
+        rules_.resize(mesh_.points.size());
+        middle_.assign(edges_.size(), -1);
+        for (int e = 0; e < edges_.size(); ++e) {
+            const auto uses = edges_.uses(e);
+            const auto active = std::count_if(uses.begin(), uses.end(), [&](const edge_use &use) {
+                return is_active(use.surface);
+            });
+            if (active == 0)
+                continue;
+            const auto [a, b, first] = edges_.edge(e);
+            vec3d p = (point(a) + point(b)) / 2;
+            const bool smooth =
+                uses.size() == 2 && active == 2 && uses[0].surface != uses[1].surface;
+            meet(a, b, smooth);
+            meet(b, a, smooth);
+            if (smooth)
+                p = p / 2 + (face_points_[uses[0].surface] + face_points_[uses[1].surface]) / 4;
+            middle_[e] = static_cast<int>(fine_->points.size());
+            fine_->points.push_back(to_point(p));
+        }
+    }
+
+    struct vertex_rule {
+        vec3d faces, ends;        // sums of face points; of the other ends of edges
+        vec3d sharp_ends;         // of sharp edges
+        std::int32_t corners = 0; // active ones
+        std::int32_t edges = 0, sharp = 0;
+        bool held = false; // by a face that only follows
+    };
+    void meet(int v, int other, bool smooth)
+    {
+        vertex_rule &rule = rules_[v];
+        ++rule.edges;
+        rule.ends += point(other);
+        if (!smooth) {
+            ++rule.sharp;
+            rule.sharp_ends += point(other);
+        }
+    }
+
+    void move_vertices()
+    {
+        for (int face = 0; face < mesh_.num_faces(); ++face) {
+            for (const int v : mesh_.face(face)) {
+                vertex_rule &rule = rules_[v];
+                rule.held = rule.held || !is_active(face);
+                rule.faces += face_points_[face];
+                ++rule.corners;
+            }
+        }
+        for (std::size_t v = 0; v < rules_.size(); ++v) {
+            const vertex_rule &rule = rules_[v];
+            if (rule.held || rule.edges == 0)
+                continue;
+            const vec3d p = point(static_cast<int>(v));
+            if (rule.sharp == 2) {
+                fine_->points[v] = to_point(p * 0.75 + rule.sharp_ends / 8);
+            } else if (rule.sharp == 0) {
+                // (F + 2R + (n - 3)P) / n, with 2R the mean of P and of the other ends
+                const double n = rule.edges;
+                const vec3d faces = rule.faces / rule.corners;
+                fine_->points[v] = to_point((faces + rule.ends / n + p * (n - 2)) / n);
+            }
+        }
+    }
+
+    bool add_faces(smooth_mesh &to)
+    {
+        for (int face = 0; face < mesh_.num_faces(); ++face) {
+            if (is_active(face))
+                divide(face);
+            else
+                follow(face);
+            to.active.resize(fine_->sources.size(), from_.active[face]);
+            if (!progress_.step(++done_))
+                return false;
+        }
+        return true;
+    }
+
+    [[nodiscard]] flat_uv middle_uv(int corner, int next) const
+    {
+        const flat_uv &a = mesh_.uv[corner], &b = mesh_.uv[next];
+        return {(a.u + b.u) / 2, (a.v + b.v) / 2};
+    }
+    // A side from a vertex to itself has no edge: its middle is the vertex.
+    [[nodiscard]] int middle_of(int corner) const
+    {
+        return edge_of_[corner] < 0 ? mesh_.corners[corner] : middle_[edge_of_[corner]];
+    }
+
+    void divide(int face)
+    {
+        const int first = mesh_.offsets[face], end = mesh_.offsets[face + 1];
+        const auto centre = static_cast<int>(fine_->points.size());
+        fine_->points.push_back(to_point(face_points_[face]));
+        double u = 0, v = 0;
+        for (int c = first; c < end; ++c) {
+            u += static_cast<double>(mesh_.uv[c].u);
+            v += static_cast<double>(mesh_.uv[c].v);
+        }
+        const flat_uv uv = {static_cast<float>(u / (end - first)),
+                            static_cast<float>(v / (end - first))};
+        for (int c = first, before = end - 1; c < end; before = c++) {
+            fine_->add_corner(mesh_.corners[c], mesh_.uv[c]);
+            fine_->add_corner(middle_of(c), middle_uv(c, c + 1 < end ? c + 1 : first));
+            fine_->add_corner(centre, uv);
+            fine_->add_corner(middle_of(before), middle_uv(before, c));
+            fine_->end_face(mesh_.sources[face]);
+        }
+    }
+
+    void follow(int face)
+    {
+        const int first = mesh_.offsets[face], end = mesh_.offsets[face + 1];
+        for (int c = first; c < end; ++c) {
+            fine_->add_corner(mesh_.corners[c], mesh_.uv[c]);
+            if (edge_of_[c] >= 0 && middle_[edge_of_[c]] >= 0)
+                fine_->add_corner(middle_[edge_of_[c]], middle_uv(c, c + 1 < end ? c + 1 : first));
+        }
+        fine_->end_face(mesh_.sources[face]);
+    }
+
+    const smooth_mesh &from_;
+    const vesk_mesh_t &mesh_;
+    edge_table edges_;
+    std::vector<int> edge_of_;
+    progress_t &progress_;
+    double &done_;
+    vesk_mesh_t *fine_ = nullptr;
+    std::size_t active_corners_ = 0;
+    std::vector<vec3d> face_points_;
+    std::vector<int> middle_; // the vertex of each edge that is divided, or -1
+    std::vector<vertex_rule> rules_;
+};
+
+// False when the user cancelled.
+bool smooth_all(std::vector<smooth_mesh> &meshes, int steps)
+{
+    double work = 0, done = 0;
+    for (const smooth_mesh &mesh : meshes) {
+        work += mesh.mesh.num_faces() * static_cast<double>(steps) + count_results(mesh, steps) / 3;
+    }
+    progress_t progress(work);
+    for (smooth_mesh &mesh : meshes) {
+        for (int i = 0; i < steps; ++i) {
+            smooth_mesh fine = {};
+            if (!smooth_step(mesh, progress, done).run(fine))
+                return false;
+            mesh = std::move(fine);
+        }
+    }
+    return true;
+}
+
+// Writes the meshes into their objects; returns the new surfaces.
+owned_list commit(std::vector<smooth_mesh> &meshes, bool collect)
+{
+    owned_list made;
+    freed_batch at_once;
+    for (smooth_mesh &mesh : meshes) {
+        vesk_mesh_to_object(&mesh.mesh, mesh.object);
+        mesh.mesh = {};
+        if (!collect)
+            continue;
+        // The polygons stand behind the lines, in their order.
+        const std::size_t lines = mesh.object->num_surfaces - mesh.active.size();
+        std::size_t i = 0;
+        for (surface_t *surface : each<surface_t>(mesh.object->surfaces)) {
+            if (i >= lines && mesh.active[i - lines] != 0)
+                made.add(surface);
+            ++i;
+        }
+    }
+    return made;
+}
+
+} // namespace
+
+void object_catmull_clark(object_t *object, int steps)
+{
+    std::vector<int> all(object_flat(object)->num_surfaces());
+    std::iota(all.begin(), all.end(), 0);
+    std::vector<smooth_mesh> meshes;
+    meshes.push_back(mesh_of({object, std::move(all)}));
+    if (smooth_all(meshes, steps))
+        commit(meshes, false);
+}
+
+// ---- commands ----
+
+void command_catmull_clark(int steps)
+{
+    if (steps < 1 || steps > most_steps) {
+        display_message("catmull-clark - give 1 to %d steps", most_steps);
+        return;
+    }
+    std::vector<smooth_mesh> meshes;
+    double polygons = 0, results = 0;
+    for (const owned_elements &owned : target_surfaces()) {
+        smooth_mesh mesh = mesh_of(owned);
+        if (count_active(mesh) == 0)
+            continue;
+        polygons += count_active(mesh);
+        results += count_results(mesh, steps);
+        meshes.push_back(std::move(mesh));
+    }
+    if (polygons == 0) {
+        display_message("catmull-clark - nothing selected");
+        return;
+    }
+    if (results > most_surfaces) {
+        display_message("catmull-clark - %.0f surfaces would be too many", results);
+        return;
+    }
+    display_message("catmull-clark...");
+    if (!smooth_all(meshes, steps)) {
+        display_message("catmull-clark - cancelled");
+        return;
+    }
+    open_world_undo("catmull-clark");
+    const bool by_surfaces = selection().num_objects == 0;
+    if (by_surfaces)
+        clear_selection(); // before: unselected elements need no search among those that are freed
+    const owned_list made = commit(meshes, by_surfaces);
+    std::vector<object_t *> touched;
+    for (const smooth_mesh &mesh : meshes)
+        touched.push_back(mesh.object);
+    calc_normals_of(touched);
+    if (by_surfaces)
+        select_surfacelist(made.get());
+    finish_edit();
+    display_message("catmull-clark - %.0f surfaces", results);
+}
