@@ -117,8 +117,6 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
-    {run "What lies inside" {select_inside} "" some
-        "Selects what lies inside the selected closed objects."}
     {line}
     {run "Gro&w" {select_grow} "" some "Adds the neighbours of what is selected."}
     {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
@@ -137,6 +135,8 @@ proc ::vesk::menus::define {name label rows} {
         "Selects the edges whose surfaces meet at a larger angle."}
     {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
+    {run "What lies inside" {select_inside} "" some
+        "Selects what lies inside the selected closed objects."}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
