@@ -4,6 +4,7 @@
 #include "model/each.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "tests/edit/mesh_corpus.h"
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
 
@@ -369,6 +370,47 @@ TEST_F(Boolean, SelectsWhatLiesInside)
     run("select_inside");
     EXPECT_EQ(selected_vertices_of(half).size(), 4u);
     EXPECT_EQ(selection().num_vertices, 4 + 4 + 48) << "and four of the box on the bottom";
+}
+
+TEST_F(Boolean, CancelledLeavesEverything)
+{
+    select_object(add(gear(300, 1, 1.5f, 1)));
+    select_object(add(star(300, 1, 1.5f, 2)));
+    const std::string before = scene_text();
+    const unsigned serial = undo_last_serial();
+    cancel_at_look(1);
+    run("boolean", "union");
+    cancel_at_look(0);
+    EXPECT_EQ(last_message(), "boolean - cancelled");
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(undo_last_serial(), serial);
+}
+
+// Closed meshes of all kinds against a ball in their midst.
+TEST_F(Boolean, KeepsWhatHoldsOverTheCorpus)
+{
+    int done = 0;
+    for (const corpus_mesh &mesh : corpus_with(MESH_CLOSED)) {
+        for (const char *operation : {"union", "difference", "intersection"}) {
+            SCOPED_TRACE(std::string(mesh.name) + " " + operation);
+            object_t *object = mesh.add();
+            run("set_select_mode", "object");
+            point3_t low = points_of(object).front(), high = low;
+            for (const point3_t &p : points_of(object)) {
+                low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+                high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+            }
+            const float dx = high.x - low.x, dy = high.y - low.y, dz = high.z - low.z;
+            select_object(object);
+            select_object(
+                add(box(low.x + 0.31f * dx, low.y + 0.27f * dy, low.z + 0.41f * dz, dx, dy, dz)));
+            done += run_and_expect_exact_undo({"boolean", operation}) ? 1 : 0;
+            if (last_undo() == "boolean")
+                expect_closed(objects().front());
+            run("clear_all");
+        }
+    }
+    EXPECT_GT(done, 5);
 }
 
 // ---- refusals ----
