@@ -9,6 +9,7 @@
 #include "view/interaction.h"
 #include "view/ruler.h"
 #include "view/tool_insert.h"
+#include "view/tool_loop_cut.h"
 
 #include <algorithm>
 #include <cmath>
@@ -172,11 +173,25 @@ void draw_highlight(int view)
     draw_array(GL_QUADS, bodies, colour);
 }
 
+// The lines of a cut that a click would make.
+void draw_cut_lines(int view)
+{
+    const std::vector<point3_t> &ends = cut_lines();
+    const colour_t colour = colour_of(mark_colour);
+    for (std::size_t i = 0; i + 1 < ends.size(); i += 2) {
+        float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+        if (overlay_position(ends[i], view, &x1, &y1) &&
+            overlay_position(ends[i + 1], view, &x2, &y2))
+            draw_mark_line(x1, y1, x2, y2, 1.5f, colour);
+    }
+}
+
 } // namespace
 
 void draw_tool_marks(int view, int width, int height)
 {
     draw_highlight(view);
+    draw_cut_lines(view);
     draw_insert_mark(view);
     draw_ruler(view, width, height);
 }

@@ -1,7 +1,9 @@
 #include "edit/loop_cut.h"
 
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/edge_operation.h"
+#include "model/identity.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -34,7 +36,7 @@ std::vector<float> shares_of(int cuts, float slide)
 
 // For each edge of the ring the end from which the shares count: all on one side of the ring.
 std::vector<int> starts_of(const edge_topology &topology, const edge_chain &ring,
-                           const std::vector<int> &quads)
+                           const std::vector<int> &quads, int edge)
 {
     const flat_mesh &mesh = topology.mesh();
     std::vector<int> starts = {topology.edge(ring.edges.front()).a};
@@ -47,6 +49,11 @@ std::vector<int> starts_of(const edge_topology &topology, const edge_chain &ring
         const int beside = first + (across - first + 1) % 4;
         starts.push_back(starts.back() == mesh.corner(c) ? mesh.corner(beside)
                                                          : mesh.corner(across));
+    }
+    const auto place = std::find(ring.edges.begin(), ring.edges.end(), edge) - ring.edges.begin();
+    if (starts[place] != topology.edge(edge).a) {
+        for (std::size_t i = 0; i < starts.size(); ++i)
+            starts[i] = topology.other_end(ring.edges[i], starts[i]);
     }
     return starts;
 }
@@ -68,7 +75,7 @@ public:
             const std::vector<int> quads = work_.topology.ring_quads(ring);
             if (quads.empty())
                 continue;
-            cut_edges(ring, starts_of(work_.topology, ring, quads));
+            cut_edges(ring, starts_of(work_.topology, ring, quads, e));
             cross(ring, quads);
             ++work_.changed;
         }
@@ -259,7 +266,7 @@ std::vector<point3_t> loop_cut_preview(const edge_topology &topology, int edge, 
     const std::vector<int> quads = topology.ring_quads(ring);
     if (quads.empty())
         return {};
-    const std::vector<int> starts = starts_of(topology, ring, quads);
+    const std::vector<int> starts = starts_of(topology, ring, quads, edge);
     const flat_mesh &mesh = topology.mesh();
     std::vector<point3_t> points;
     for (const float share : shares_of(cuts, slide)) {
@@ -276,7 +283,33 @@ std::vector<point3_t> loop_cut_preview(const edge_topology &topology, int edge, 
     return points;
 }
 
+bool loop_cut_at(object_t *object, int edge, int cuts, float slide)
+{
+    const topology_ptr topology = object_topology(object);
+    if (object->visible == 0 || object->locked != 0 || edge < 0 || edge >= topology->size() ||
+        topology->ring_quads(topology->ring(edge)).empty())
+        return false;
+    const std::vector<float> shares =
+        shares_of(std::clamp(cuts, 1, most_cuts), std::clamp(slide, -1.0f, 1.0f));
+    run_edge_operation("loop cut", "rings", {{object, topology, {edge}}},
+                       [&](edge_work &work) { loop_cutter(work, shares).run(); });
+    return true;
+}
+
 // ---- commands ----
+
+void command_loop_cut_at(int count, const char *const *words)
+{
+    object_t *object = object_by_identity(int_of(words[0]));
+    const int a = int_of(words[1]), b = int_of(words[2]);
+    const int cuts = count > 3 ? int_of(words[3]) : 1;
+    const float slide = count > 4 ? finite_float_of(words[4]) : 0;
+    int edge = -1;
+    if (object != nullptr && std::min(a, b) >= 0 && std::max(a, b) < object->num_vertices)
+        edge = object_topology(object)->table().find(a, b);
+    if (object == nullptr || !loop_cut_at(object, edge, cuts, slide))
+        display_message("loop cut - no quads lie beside that edge");
+}
 
 void command_loop_cut(int count, const char *const *words)
 {

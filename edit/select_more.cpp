@@ -33,13 +33,65 @@ private:
 };
 
 bool by_surfaces() { return select_mode() == SELECT_SURFACE; }
+bool by_edges() { return select_mode() == SELECT_EDGE; }
 
 // A word for each of them.
-const char *element_word() { return by_surfaces() ? "surfaces" : "vertices"; }
-
-element_graph graph_of(const flat_mesh &mesh)
+const char *element_word()
 {
+    return by_surfaces() ? "surfaces" : by_edges() ? "edges" : "vertices";
+}
+
+element_graph graph_of(const chosen_elements &part)
+{
+    const flat_mesh &mesh = *part.mesh;
+    if (by_edges())
+        return graph_of_edges(part.topology->table(), mesh.num_vertices());
     return by_surfaces() ? graph_of_surfaces(mesh) : graph_of_vertices(mesh);
+}
+
+std::vector<chosen_elements> selected_edge_flags()
+{
+    std::vector<chosen_elements> all;
+    for (const owned_edges &owned : selected_edges()) {
+        element_flags flags(owned.topology->size());
+        for (const int e : owned.edges)
+            flags[e] = 1;
+        all.push_back({owned.object, object_flat(owned.object), owned.topology, std::move(flags)});
+    }
+    return all;
+}
+
+void select_edge_flags(const std::vector<chosen_elements> &all)
+{
+    std::vector<owned_edges> edges;
+    for (const chosen_elements &part : all) {
+        owned_edges owned = {part.object, part.topology, {}};
+        for (std::size_t e = 0; e < part.chosen.size(); ++e) {
+            if (part.chosen[e] != 0)
+                owned.edges.push_back(static_cast<int>(e));
+        }
+        if (!owned.edges.empty())
+            edges.push_back(std::move(owned));
+    }
+    select_edges(edges, edge_change::replace);
+}
+
+void select_flags(const std::vector<chosen_elements> &all)
+{
+    std::vector<surface_t *> surfaces;
+    std::vector<vertex *> vertices;
+    for (const chosen_elements &part : all) {
+        for (std::size_t i = 0; i < part.chosen.size(); ++i) {
+            if (part.chosen[i] == 0)
+                continue;
+            if (by_surfaces())
+                surfaces.push_back(part.mesh->surface_record(i));
+            else
+                vertices.push_back(part.mesh->vertex_record(i));
+        }
+    }
+    selection_add_surfaces(surfaces);
+    selection_add_vertices(vertices);
 }
 
 int count_chosen(const std::vector<chosen_elements> &all)
@@ -85,7 +137,7 @@ void show_selection(const char *tag)
 void by_graph(const char *what,
               element_flags (*change)(const element_graph &, const element_flags &))
 {
-    if (!mode_has_elements(what))
+    if (!has_elements_or_says(what))
         return;
     std::vector<chosen_elements> all = selected_elements();
     if (all.empty()) {
@@ -93,7 +145,7 @@ void by_graph(const char *what,
         return;
     }
     for (chosen_elements &part : all)
-        part.chosen = change(graph_of(*part.mesh), part.chosen);
+        part.chosen = change(graph_of(part), part.chosen);
     choose_elements(what, all);
 }
 
@@ -118,16 +170,18 @@ double random_percent(std::uint64_t seed, std::uint64_t number)
 
 } // namespace
 
-bool mode_has_elements(const char *what)
+bool has_elements_or_says(const char *what)
 {
-    if (select_mode() == SELECT_SURFACE || select_mode() == SELECT_VERTEX)
+    if (mode_has_elements(select_mode()))
         return true;
-    display_message("%s - choose the surface or vertex mode first", what);
+    display_message("%s - choose surface, edge or vertex mode first", what);
     return false;
 }
 
 std::vector<chosen_elements> selected_elements()
 {
+    if (by_edges())
+        return selected_edge_flags();
     std::vector<chosen_elements> all;
     for (const owned_elements &owned : by_surfaces() ? surfaces_by_owner(selection().surfaces)
                                                      : vertices_by_owner(selection().vertices)) {
@@ -135,7 +189,7 @@ std::vector<chosen_elements> selected_elements()
         element_flags flags(by_surfaces() ? mesh->num_surfaces() : mesh->num_vertices());
         for (const int i : owned.indices)
             flags[i] = 1;
-        all.push_back({owned.object, mesh, std::move(flags)});
+        all.push_back({owned.object, mesh, nullptr, std::move(flags)});
     }
     return all;
 }
@@ -151,20 +205,10 @@ void choose_elements(const char *what, const std::vector<chosen_elements> &all)
     const int count = count_chosen(all);
     if (!is_selection(all)) {
         put_selection_away();
-        std::vector<surface_t *> surfaces;
-        std::vector<vertex *> vertices;
-        for (const chosen_elements &part : all) {
-            for (std::size_t i = 0; i < part.chosen.size(); ++i) {
-                if (part.chosen[i] == 0)
-                    continue;
-                if (by_surfaces())
-                    surfaces.push_back(part.mesh->surface_record(i));
-                else
-                    vertices.push_back(part.mesh->vertex_record(i));
-            }
-        }
-        selection_add_surfaces(surfaces);
-        selection_add_vertices(vertices);
+        if (by_edges())
+            select_edge_flags(all);
+        else
+            select_flags(all);
         show_selection(what);
     }
     display_message("%s - %d %s", what, count, element_word());
@@ -180,7 +224,7 @@ void command_select_linked() { by_graph("select linked", linked); }
 
 void command_select_invert()
 {
-    if (select_mode() != SELECT_SURFACE && select_mode() != SELECT_VERTEX) {
+    if (!mode_has_elements(select_mode())) {
         invert_objects();
         return;
     }
@@ -199,7 +243,7 @@ void command_select_invert()
 
 void command_select_random(int percent, int seed)
 {
-    if (!mode_has_elements("select random"))
+    if (!has_elements_or_says("select random"))
         return;
     if (percent < 0 || percent > 100) {
         display_message("select random - give a percentage from 0 to 100");

@@ -1,10 +1,10 @@
 #ifndef VESK_EDIT_SELECT_MORE_H
 #define VESK_EDIT_SELECT_MORE_H
 
-// Commands that make a selection of another one, in the surface and vertex modes. Each is an undo
+// Commands that make a selection of another one, in surface, edge and vertex mode. Each is an undo
 // record, "selection"; one that changes nothing opens none.
 
-// "select_grow": with the surfaces that share a vertex, the vertices that an edge joins.
+// "select_grow": with the surfaces and edges that share a vertex, the vertices that an edge joins.
 void command_select_grow();
 // "select_shrink": without those that touch one that is not selected.
 void command_select_shrink();
@@ -17,11 +17,11 @@ void command_select_invert();
 void command_select_random(int percent, int seed);
 // "select_similar": with all that are like one of the selected ones. `what` is
 //   material  surfaces only; the tolerance says nothing
-//   normal    by degrees
+//   normal    surfaces and vertices; by degrees
 //   area      surfaces only; by a share, 0.1 for a tenth
-//   length    of the outline, the mean of a vertex' edges; by a share
+//   length    of the outline, the edge, the mean of a vertex' edges; by a share
 //   corners   of the surface, edges of the vertex; by their number
-//   coplanar  facing either way, by the distance from the plane
+//   coplanar  surfaces and vertices facing either way; by the distance from the plane
 void command_select_similar(const char *what, float tolerance);
 
 #endif

@@ -4,20 +4,22 @@
 // What the commands that change the selection share: the elements of the present mode, object by
 // object. A further mode of elements needs its cases in select_more.cpp.
 
+#include "edit/mesh/edge_topology.h"
 #include "edit/mesh/element_graph.h"
-#include "model/owners.h"
+#include "model/object.h"
 
 #include <vector>
 
-// Of one object: flags of its surfaces or vertices.
+// Of one object: flags of its surfaces, edges or vertices.
 struct chosen_elements {
     object_t *object;
     flat_ptr mesh;
+    topology_ptr topology; // in edge mode, else null
     element_flags chosen;
 };
 
 // Whether the mode has elements; says "<what> - choose ..." when not.
-bool mode_has_elements(const char *what);
+bool has_elements_or_says(const char *what);
 
 // Those that are selected; all that can be selected.
 std::vector<chosen_elements> selected_elements();

@@ -24,26 +24,27 @@ enum class trait { material, normal, area, length, corners, coplanar };
 struct trait_word {
     const char *word;
     trait what;
-    bool of_vertices;
+    bool of_vertices, of_edges; // surfaces have all of them
 };
 // clang-format off
 const trait_word trait_words[] = {
-    {"material", trait::material, false},
-    {"normal",   trait::normal,   true},
-    {"area",     trait::area,     false},
-    {"length",   trait::length,   true},
-    {"corners",  trait::corners,  true},
-    {"coplanar", trait::coplanar, true},
+    {"material", trait::material, false, false},
+    {"normal",   trait::normal,   true,  false},
+    {"area",     trait::area,     false, false},
+    {"length",   trait::length,   true,  true},
+    {"corners",  trait::corners,  true,  false},
+    {"coplanar", trait::coplanar, true,  false},
 };
 // clang-format on
 
 // What the elements of one object are like.
 class element_values {
 public:
-    element_values(const flat_mesh &mesh, bool surfaces) : mesh_(mesh), surfaces_(surfaces)
+    explicit element_values(const chosen_elements &part)
+        : mesh_(*part.mesh), edges_(part.topology.get()), surfaces_(select_mode() == SELECT_SURFACE)
     {
-        if (!surfaces)
-            links_ = std::make_unique<vertex_links>(mesh);
+        if (!surfaces_ && edges_ == nullptr)
+            links_ = std::make_unique<vertex_links>(mesh_);
     }
     // 0 0 0 without one.
     [[nodiscard]] vec3d normal(int i) const
@@ -67,7 +68,9 @@ public:
         case trait::area:
             return size_number(length(polygon_area_vector(mesh_, i)));
         default:
-            return size_number(surfaces_ ? outline(i) : mean_edge(i));
+            return size_number(surfaces_           ? outline(i)
+                               : edges_ != nullptr ? edge_length(i)
+                                                   : mean_edge(i));
         }
     }
 
@@ -86,6 +89,11 @@ private:
         }
         return sum;
     }
+    [[nodiscard]] double edge_length(int i) const
+    {
+        const mesh_edge &edge = edges_->edge(i);
+        return length(between(mesh_.position(edge.a), mesh_.position(edge.b)));
+    }
     [[nodiscard]] double mean_edge(int i) const
     {
         double sum = 0;
@@ -95,6 +103,7 @@ private:
     }
 
     const flat_mesh &mesh_;
+    const edge_topology *edges_; // in edge mode, else null
     bool surfaces_;
     std::unique_ptr<vertex_links> links_;
 };
@@ -208,9 +217,8 @@ template <class Like>
 bool find_similar(Like like, const std::vector<chosen_elements> &before,
                   std::vector<chosen_elements> &all)
 {
-    const bool surfaces = select_mode() == SELECT_SURFACE;
     for (const chosen_elements &part : before) {
-        const element_values values(*part.mesh, surfaces);
+        const element_values values(part);
         for (std::size_t i = 0; i < part.chosen.size(); ++i) {
             if (part.chosen[i] != 0)
                 like.take(values, static_cast<int>(i));
@@ -220,7 +228,7 @@ bool find_similar(Like like, const std::vector<chosen_elements> &before,
         return false;
     std::size_t at = 0;
     for (chosen_elements &part : all) {
-        const element_values values(*part.mesh, surfaces);
+        const element_values values(part);
         const bool has_some = at < before.size() && before[at].object == part.object;
         for (std::size_t i = 0; i < part.chosen.size(); ++i) {
             const bool was = has_some && before[at].chosen[i] != 0;
@@ -233,12 +241,25 @@ bool find_similar(Like like, const std::vector<chosen_elements> &before,
 
 const trait_word *find_trait(const char *what)
 {
+    const int mode = select_mode();
     for (const trait_word &row : trait_words) {
         if (std::string_view(row.word) == what &&
-            (row.of_vertices || select_mode() == SELECT_SURFACE))
+            (mode == SELECT_SURFACE || (mode == SELECT_EDGE ? row.of_edges : row.of_vertices)))
             return &row;
     }
     return nullptr;
+}
+
+const char *known_traits()
+{
+    switch (select_mode()) {
+    case SELECT_SURFACE:
+        return "material, normal, area, length, corners or coplanar";
+    case SELECT_EDGE:
+        return "length";
+    default:
+        return "normal, length, corners or coplanar";
+    }
 }
 
 } // namespace
@@ -247,13 +268,11 @@ const trait_word *find_trait(const char *what)
 
 void command_select_similar(const char *what, float tolerance)
 {
-    if (!mode_has_elements("select similar"))
+    if (!has_elements_or_says("select similar"))
         return;
     const trait_word *row = find_trait(what);
     if (row == nullptr) {
-        display_message(select_mode() == SELECT_SURFACE
-                            ? "select similar - material, normal, area, length, corners or coplanar"
-                            : "select similar - normal, length, corners or coplanar");
+        display_message("select similar - %s", known_traits());
         return;
     }
     if (!(tolerance >= 0) || !std::isfinite(tolerance)) {

@@ -1,9 +1,9 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
-    edit/bridge.cpp
-    edit/connect.cpp
-    edit/catmull_clark.cpp
     edit/boolean.cpp
+    edit/bridge.cpp
+    edit/catmull_clark.cpp
+    edit/connect.cpp
     edit/create.cpp
     edit/delete.cpp
     edit/dissolve.cpp
@@ -23,6 +23,7 @@ target_sources(vesk_core PRIVATE
     edit/hull.cpp
     edit/insert_vertex.cpp
     edit/inset.cpp
+    edit/knife.cpp
     edit/link_surfaces.cpp
     edit/loop_cut.cpp
     edit/make_surface.cpp
@@ -42,10 +43,11 @@ target_sources(vesk_core PRIVATE
     edit/region_sweep.cpp
     edit/resize.cpp
     edit/revolve.cpp
-    edit/slide.cpp
     edit/select_more.cpp
     edit/select_similar.cpp
+    edit/select_inside.cpp
     edit/slice.cpp
+    edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
     edit/subdivide.cpp
@@ -57,30 +59,33 @@ target_sources(vesk_core PRIVATE
     edit/vertex_tidy.cpp
     edit/weld.cpp
     edit/mesh/borders.cpp
+    edit/mesh/box_tree.cpp
+    edit/mesh/crossings.cpp
     edit/mesh/duplicate_surfaces.cpp
     edit/mesh/edge_table.cpp
     edit/mesh/edge_topology.cpp
     edit/mesh/element_graph.cpp
-    edit/mesh/box_tree.cpp
-    edit/mesh/crossings.cpp
     edit/mesh/exact.cpp
+    edit/mesh/knife_cut.cpp
+    edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
-    edit/mesh/polygon_plane.cpp
     edit/mesh/planar_sides.cpp
     edit/mesh/plane_cut.cpp
+    edit/mesh/polygon_plane.cpp
+    edit/mesh/point_in_solid.cpp
     edit/mesh/position_index.cpp
+    edit/mesh/shortest_way.cpp
     edit/mesh/sliver_tidy.cpp
     edit/mesh/solid_boolean.cpp
     edit/mesh/solid_faces.cpp
     edit/mesh/solid_meshes.cpp
     edit/mesh/surface_copy.cpp
-    edit/mesh/shortest_way.cpp
+    edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp
     edit/mesh/vertex_fan.cpp
-    edit/mesh/surface_region.cpp
     edit/mesh/vertex_links.cpp
     edit/mesh/vertex_use.cpp
     edit/mesh/wide_int.cpp

@@ -37,8 +37,7 @@ struct moved_vertices {
 
 std::vector<owned_elements> chosen_vertices()
 {
-    const int mode = select_mode();
-    if (mode == SELECT_TREE || mode == SELECT_OBJECT || mode == SELECT_LIGHT)
+    if (!mode_has_elements(select_mode()))
         return {};
     const owned_list vertices(selection_get_selected_vertices());
     return vertices_by_owner(vertices.get());

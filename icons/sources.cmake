@@ -2,7 +2,7 @@
 set(VESK_ICONS
     add box camera check chev-down chev-right circle close cone console cylinder detach disk
     dropper duplicate error extrude eye eye-off filter folder grid history info insert light line
-    link lock m-corner m-edge m-island m-light m-object m-surface m-tree m-vertex maximise measure mesh
+    link lock loopcut m-corner m-edge m-island m-light m-object m-surface m-tree m-vertex maximise measure mesh
     move o-group o-light o-poly o-world pivot polygon polyline rect redo reset revolve rotate save
     scale search settings snap-grid snap-near socket sphere text trash u-align u-box u-cylinder
     u-fit u-fliph u-flipv u-pack u-pixel u-planar u-rot90 u-sphere u-split u-stretch u-weld undo

@@ -13,7 +13,9 @@
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
 #include "edit/holes.h"
+#include "edit/knife.h"
 #include "edit/object_flags.h"
+#include "edit/select_inside.h"
 #include "edit/slice.h"
 #include "edit/smooth_subdivide.h"
 #include "edit/snap.h"
@@ -347,6 +349,10 @@ std::span<const own_command_t> model_commands()
         command_row("boolean", command_boolean, edit, 1, 2,
                     "<string union, difference or intersection> [<int keep the others (0 or 1)>]",
                     "the first selected solid with the others"),
+        command_row("select_inside", command_select_inside, select, nullptr,
+                    "select what lies inside the selected solids"),
+        command_row("knife", command_knife, edit, "<string coordinates>",
+                    "cut polygons along a line on them, x y z of each point"),
         command_row("slice", command_slice, edit, 8, 8,
                     "<float px> <float py> <float pz> <float nx> <float ny> <float nz> "
                     "<string both, front or back> <int cap (0 or 1)>",

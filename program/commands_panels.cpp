@@ -259,6 +259,8 @@ std::span<const own_command_t> panel_commands()
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
         command_row("view_3d_from_corner", camera_look_from_corner, view, nullptr,
                     "resets the 3D view to one from three quarters above"),
+        command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",
+                    "a notch of the wheel over a view"),
         command_row("set_view_tool", command_set_view_tool, select,
                     "<string measure, insert_vertex, band or none>",
                     "set a tool of the views beside the draw modes"),

@@ -328,6 +328,9 @@ void interaction_leave(int)
 
 void interaction_wheel(int view, int direction)
 {
+    const tool_t *tool = tool_of_left_button();
+    if (tool != nullptr && tool->wheel != nullptr && tool->wheel(direction))
+        return;
     interaction.spinning = false;
     if (view != VIEW_XYZ || vesk_person_is_walk_vehicle() == 0) {
         zoom_view(view, direction);

@@ -23,6 +23,8 @@ struct tool_t {
     void (*outside)() = nullptr;
     // A key (a keysym) before the views' own keys; whether it was used.
     bool (*key)(const char *keysym) = nullptr;
+    // A notch of the wheel, positive away from the user, before the view zooms; whether it was used.
+    bool (*wheel)(int direction) = nullptr;
     // Another tool takes its place; drops unfinished work.
     void (*leave)() = nullptr;
     // Whether a drag is changing the model: an edit from elsewhere takes it back first.

@@ -39,6 +39,8 @@ public:
         find_unused();
         if (object_missing_texture(object_) != nullptr)
             add(model_problem::missing_texture, -1, -1);
+        for (const auto &[one, other] : crossing_surfaces(mesh_))
+            add(model_problem::crossing, one, other);
         std::stable_sort(
             found_.problems.begin(), found_.problems.end(),
             [](const found_problem &a, const found_problem &b) { return a.kind < b.kind; });
@@ -189,6 +191,7 @@ const problem_words words[num_model_problems] = {
     {"flipped", "surface %d faces against its neighbour %d"},
     {"unused_vertex", "vertex %d belongs to no surface"},
     {"missing_texture", ""},
+    {"crossing", "surface %d goes through surface %d"},
 };
 
 const problem_words &words_of(model_problem kind) { return words[static_cast<std::size_t>(kind)]; }

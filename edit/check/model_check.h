@@ -21,14 +21,16 @@ enum class model_problem {
     flipped,           // a polygon that faces against its neighbour
     unused_vertex,     // of no surface
     missing_texture,   // of the object: its file was not found
+    crossing,          // two polygons that go through each other
 };
-constexpr int num_model_problems = 10;
+constexpr int num_model_problems = 11;
 
 struct found_problem {
     model_problem kind;
     object_t *object;
     // Places in the object's lists. Edges: both vertices; t_vertex: the vertex and one end of the
-    // edge; duplicates: the later and the earlier one; flipped: the polygon and its neighbour;
+    // edge; duplicates: the later and the earlier one; flipped: the polygon and its neighbour; crossing:
+    // both polygons;
     // else one place and -1 (missing_texture: two times -1).
     int first, second;
     // The surface that has the edge (open, crowded, t_vertex), else -1.

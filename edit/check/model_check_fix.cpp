@@ -483,6 +483,8 @@ int object_fix_problems(object_t *object, const problem_list &problems, bool who
         return remove_vertices(object, problems);
     case model_problem::missing_texture:
         return look_for_texture(object);
+    case model_problem::crossing:
+        return 0; // which of them should go nobody knows
     }
     return 0;
 }
@@ -534,6 +536,8 @@ void command_check_select(const char *kind, int id, const char *element)
         select_vertices(chosen.get());
     } else {
         select_surface(mesh->surface_record(problem.first));
+        if (problem.kind == model_problem::crossing)
+            select_surface(mesh->surface_record(problem.second));
     }
     finish_edit();
 }

@@ -5,6 +5,7 @@
 
 #include "edit/mesh/edge_table.h"
 
+#include <utility>
 #include <vector>
 
 // For each point the first one at exactly its place (itself when it is that); minus zero is zero,
@@ -29,5 +30,9 @@ struct t_vertex {
     int edge;
 };
 std::vector<t_vertex> mesh_t_vertices(const flat_mesh &mesh, const edge_table &edges);
+
+// Pairs of polygons that go through each other, the lower place first; in order. What rounding alone
+// may bring about does not count.
+std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh);
 
 #endif

@@ -495,8 +495,9 @@ void journal_undone(const undo_record_ptr &record)
     journal_list &list = journal();
     set_selection_known(false);
     const int opened = entry_that_opened(*record);
-    if (opened > 0 && list.present == opened - 1) { // by the state itself
-        in_step_now();
+    if (opened > 0 && list.present == opened - 1 &&
+        model_state_same(*model_state_capture(), *entry(list.present).state)) {
+        in_step_now(); // by the state itself
         return;
     }
     const bool alone = opened > 0 && opened == list.present &&

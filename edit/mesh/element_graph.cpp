@@ -34,6 +34,18 @@ element_graph graph_of_surfaces(const flat_mesh &mesh)
     return {*mesh.corner_offsets, *mesh.corners, mesh.num_vertices()};
 }
 
+element_graph graph_of_edges(const edge_table &edges, int num_vertices)
+{
+    element_graph graph;
+    graph.num_knots = num_vertices;
+    for (int e = 0; e < edges.size(); ++e) {
+        graph.knots.push_back(edges.edge(e).a);
+        graph.knots.push_back(edges.edge(e).b);
+        graph.begin.push_back(static_cast<int>(graph.knots.size()));
+    }
+    return graph;
+}
+
 element_graph graph_of_vertices(const flat_mesh &mesh)
 {
     const mesh_edges edges = edges_of(mesh);

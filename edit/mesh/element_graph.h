@@ -5,6 +5,7 @@
 // neighbours. A knot may have any number of elements, so that a hub of a million surfaces costs no
 // more than its corners. What one mode's elements need is a graph; the rules are for all.
 
+#include "edit/mesh/edge_table.h"
 #include "model/flat_mesh.h"
 
 #include <span>
@@ -22,8 +23,9 @@ struct element_graph {
     }
 };
 
-// Surfaces touch at vertices; vertices along edges.
+// Surfaces and edges touch at vertices; vertices along edges.
 element_graph graph_of_surfaces(const flat_mesh &mesh);
+element_graph graph_of_edges(const edge_table &edges, int num_vertices);
 element_graph graph_of_vertices(const flat_mesh &mesh);
 
 // One flag an element.

@@ -1,6 +1,7 @@
+#include "edit/mesh/solid_meshes.h"
+
 #include "edit/mesh/edge_order.h"
 #include "edit/mesh/position_index.h"
-#include "edit/mesh/solid_faces.h"
 #include "model/ear_cut.h"
 
 #include <algorithm>

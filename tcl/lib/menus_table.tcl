@@ -139,6 +139,8 @@ proc ::vesk::menus::define {name label rows} {
         "Selects the edges whose surfaces meet at a larger angle."}
     {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
+    {run "What lies inside" {select_inside} "" some
+        "Selects what lies inside the selected closed objects."}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
 }
@@ -257,7 +259,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Bevel..." {bevel_select {Size pref bevel_size number}} "" some
         "Bevels the edges of the selected surfaces."}
     {ask "&Inset..." {inset {Width number 0.1} {Depth number 0}
-        {Of choice {"Each surface" each "Each region" region}}} "" some
+        {Of choice {Each each Region region}}} "" some
         "A smaller surface inside each selected one, or each connected region."}
     {ask "&Spike..." {surface_spike {Factor pref spike_factor number}} "" some
         "Raises a spike on each selected surface."}

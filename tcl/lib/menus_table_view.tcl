@@ -180,7 +180,8 @@ namespace eval ::vesk::menus {
             {surface ::vesk::palette::apply_current} - {select select_grow} {select select_shrink}
             {select select_linked} {select select_similar} - {create surfaces_separate}
             {surface removesurface} {edit delete}}
-        edge {{edit step_back} - {select select_loop} {select select_ring} {select select_path} -
+        edge {{edit step_back} - {select select_loop} {select select_ring} {select select_path}
+            {select select_grow} {select select_shrink} {select select_linked} -
             {edge loop_cut} {edge connect} {edge edge_bevel} {edge extrude_edges} {edge slide} -
             {edge bridge} {edge fill_hole} {edge dissolve} {edge collapse} {edge split_edges} -
             {edit delete}}

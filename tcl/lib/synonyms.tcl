@@ -68,7 +68,24 @@ namespace eval ::vesk::menus {
         convexhull                   {wrap}
         surface_loop_subdivision     {loop smooth subdivision}
         surface_doosabin             {smooth subdivision}
-        surface_catmull_clark        {smooth subdivision quads}
+        catmull_clark                {smooth subdivision quads subdivide subsurf}
+        inset                        {frame window panel}
+        extrude_each                 {"individual faces" pull push}
+        extrude_normals              {pull push thicken offset inflate}
+        shell                        {solidify thicken wall hollow offset}
+        quads_from_triangles         {"tris to quads" join retopology}
+        orient_outwards              {normals consistent unify recalculate inside}
+        flatten                      {planar level align}
+        circularize                  {circle round}
+        straighten                   {line align}
+        space_evenly                 {distribute equalize relax}
+        smooth_vertices              {relax laplacian average}
+        select_grow                  {more expand}
+        select_shrink                {less contract}
+        select_linked                {connected island element}
+        select_invert                {inverse complement}
+        select_similar               {like same}
+        select_random                {chance scatter}
         reduce                       {decimate simplify optimise lod polycount}
         optimize                     {weld merge "merge vertices" clean cleanup "remove doubles"}
         optimize_surfaces            {clean cleanup doubles}

@@ -22,6 +22,7 @@ namespace eval ::vesk::issues {
     variable kinds {
         missing_texture   "Missing textures"           "missing texture"       error
         crowded_edge      "Edges of too many surfaces" "crowded edge"          warning
+        crossing          "Surfaces that cross"        "surface that crosses"  warning
         duplicate_surface "Duplicate surfaces"         "duplicate surface"     warning
         zero_area         "Surfaces without area"      "surface without area"  warning
         flipped           "Flipped surfaces"           "flipped surface"       warning

@@ -49,6 +49,9 @@ namespace eval ::vesk::tools {
         {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
         {insert insert +insert_vertex set_view_tool "" "Insert vertices"
             "Click an edge where the vertex comes." "Click an edge. Control: in the middle."}
+        {loopcut loopcut +loop_cut set_view_tool "" "Loop cut"
+            "Click an edge: its ring of quads is cut."
+            "Click an edge. Wheel or digits: how many loops. Drag: where."}
         {measure measure +measure set_view_tool "" "Measure"
             "Drag a ruler; a third click gives the angle."
             "Drag from point to point. A third click: the angle. Escape clears."}

@@ -280,8 +280,8 @@ proc ::vesk::view::bind_view {name cell} {
     bind $togl <FocusIn> [list ::vesk::view::focus_changed $name 1]
     bind $togl <FocusOut> [list ::vesk::view::focus_changed $name 0]
     bind $togl <Button> [list focus $togl]
-    bind $togl <Button-4> [list vesk zoomview $id 1]
-    bind $togl <Button-5> [list vesk zoomview $id -1]
+    bind $togl <Button-4> [list vesk view_wheel $id 1]
+    bind $togl <Button-5> [list vesk view_wheel $id -1]
     ::vesk::hovername::bind_view $name $id $togl
     bind $togl <Key> [list ::vesk::view::key $id %A %K %s]
     set popup {::vesk::menus::popup $::vesk::select_mode %X %Y}

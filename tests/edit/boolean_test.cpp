@@ -4,6 +4,7 @@
 #include "model/each.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "tests/edit/mesh_corpus.h"
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
 
@@ -229,6 +230,71 @@ TEST_F(Boolean, LosesNoVolumeOfRandomPairs)
     }
 }
 
+// Bumpy balls of triangles: no plane, no lattice.
+TEST_F(Boolean, LosesNoVolumeOfBumpyBalls)
+{
+    int pairs = 0;
+    for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+        random_source random(seed);
+        solid_t solids[2];
+        bool triangles = true;
+        for (solid_t &solid : solids) {
+            object_t *ball = add_random_shell(random, 4);
+            select_object(ball);
+            run("surface_triangulate");
+            solid = {points_of(ball), faces_of(ball)};
+            for (const auto &face : solid.faces)
+                triangles = triangles && face.size() == 3;
+            run("clear_all");
+        }
+        if (!triangles)
+            continue;
+        ++pairs;
+        SCOPED_TRACE(seed);
+        move(solids[1], random.between(-1, 1), random.between(-1, 1), random.between(-1, 1));
+        const double sum = volume(add(solids[0])) + volume(add(solids[1]));
+        const double in_any = left_of(solids[0], solids[1], "union", "union");
+        const double in_both = left_of(solids[0], solids[1], "intersection", "intersection");
+        EXPECT_NEAR(in_any + in_both, sum, sum * 1e-5);
+        run("clear_all");
+    }
+    EXPECT_GT(pairs, 20);
+}
+
+// What one leaves is good for the next, however it was rounded.
+TEST_F(Boolean, TakesItsOwnResults)
+{
+    int refused = 0;
+    for (std::uint32_t seed = 1; seed <= 15; ++seed) {
+        SCOPED_TRACE(seed);
+        run("clear_all");
+        random_source random(seed);
+        object_t *base = add(box(-2, -2, -2, 4, 4, 4));
+        for (int i = 0; i < 8; ++i) {
+            solid_t start = box(0, 0, 0, 1, 1, 1), tool = random_solid(random);
+            place(random, static_cast<int>(seed) + i % 2, start, tool);
+            select_object(base);
+            select_object(add(tool));
+            const double before = volume(base);
+            run("boolean", i % 3 == 0 ? "union" : "difference");
+            if (last_message().find("boolean - \"") == 0) {
+                ++refused;
+                ADD_FAILURE() << last_message();
+                break;
+            }
+            EXPECT_EQ(object_find_problems(base).total(model_problem::open_edge), 0);
+            if (i % 3 == 0) {
+                EXPECT_GE(volume(base), before - 1e-4);
+            } else {
+                EXPECT_LE(volume(base), before + 1e-4);
+            }
+            run("set_select_mode", "object");
+            clear_selection();
+        }
+    }
+    EXPECT_EQ(refused, 0);
+}
+
 // ---- what is carried along ----
 
 TEST_F(Boolean, KeepsTheFirstObjectAndUndoesExactly)
@@ -279,6 +345,72 @@ TEST_F(Boolean, TakesSeveralToolsAtOnceAndKeepsThemHidden)
     EXPECT_EQ(plate->num_surfaces, 6 + 9 * 12);
     EXPECT_EQ(object_find_problems(plate).problems.size(), 0u);
     EXPECT_EQ(euler_characteristic(plate), 2 - 2 * 9 + 0);
+}
+
+// ---- what lies inside ----
+
+TEST_F(Boolean, SelectsWhatLiesInside)
+{
+    // Corners of the big gear stand right above those of the small one, and of other boxes.
+    object_t *big = add(gear(6, 3, 4, 4));
+    solid_t small = gear(6, 0.75f, 1, 1);
+    move(small, 0, 0, 1);
+    object_t *inside = add(small);
+    add(box(0, 0, 0, 1, 1, 1));                  // stands on the bottom
+    object_t *half = add(box(0, 0, 3, 1, 1, 4)); // reaches out
+    add(box(0, 0, 5, 1, 1, 1));                  // above
+    run("select_inside");
+    EXPECT_EQ(last_message(), "select inside - nothing selected");
+    run("set_select_mode", "object");
+    select_object(big);
+    run("select_inside");
+    EXPECT_EQ(last_message(), "select inside - 1 objects");
+    EXPECT_EQ(selection().objects->data, reinterpret_cast<intptr_t>(inside));
+    select_vertices_at(big, {0});
+    run("select_inside");
+    EXPECT_EQ(selected_vertices_of(half).size(), 4u);
+    EXPECT_EQ(selection().num_vertices, 4 + 4 + 48) << "and four of the box on the bottom";
+}
+
+TEST_F(Boolean, CancelledLeavesEverything)
+{
+    select_object(add(gear(300, 1, 1.5f, 1)));
+    select_object(add(star(300, 1, 1.5f, 2)));
+    const std::string before = scene_text();
+    const unsigned serial = undo_last_serial();
+    cancel_at_look(1);
+    run("boolean", "union");
+    cancel_at_look(0);
+    EXPECT_EQ(last_message(), "boolean - cancelled");
+    EXPECT_EQ(scene_text(), before);
+    EXPECT_EQ(undo_last_serial(), serial);
+}
+
+// Closed meshes of all kinds against a ball in their midst.
+TEST_F(Boolean, KeepsWhatHoldsOverTheCorpus)
+{
+    int done = 0;
+    for (const corpus_mesh &mesh : corpus_with(MESH_CLOSED)) {
+        for (const char *operation : {"union", "difference", "intersection"}) {
+            SCOPED_TRACE(std::string(mesh.name) + " " + operation);
+            object_t *object = mesh.add();
+            run("set_select_mode", "object");
+            point3_t low = points_of(object).front(), high = low;
+            for (const point3_t &p : points_of(object)) {
+                low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+                high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+            }
+            const float dx = high.x - low.x, dy = high.y - low.y, dz = high.z - low.z;
+            select_object(object);
+            select_object(
+                add(box(low.x + 0.31f * dx, low.y + 0.27f * dy, low.z + 0.41f * dz, dx, dy, dz)));
+            done += run_and_expect_exact_undo({"boolean", operation}) ? 1 : 0;
+            if (last_undo() == "boolean")
+                expect_closed(objects().front());
+            run("clear_all");
+        }
+    }
+    EXPECT_GT(done, 5);
 }
 
 // ---- refusals ----

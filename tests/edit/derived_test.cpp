@@ -45,6 +45,8 @@ const derived_case derived_cases[] = {
     {"hole",           {"surface_make_hole"}, true},
     {"extrude",        {"extrude", "0.25", "0", "1"}},
     {"insert",         {"insert_vertex"}},
+    {"slice",          {"slice", "0.3", "0.2", "0.1", "1", "0.5", "0.25", "front", "1"}},
+    {"boolean",        {"boolean", "union"}},
     {"unshare",        {"unshare_vertices"}},
     {"optimize",       {"optimize"}},
     {"tidy",           {"optimize_surfaces"}},

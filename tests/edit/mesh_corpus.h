@@ -45,7 +45,7 @@ std::vector<corpus_mesh> corpus_with(unsigned traits);
 int euler_of_polygons(object_t *object);
 void expect_closed(object_t *object);   // MESH_CLOSED
 void expect_oriented(object_t *object); // MESH_ORIENTED
-// The model check finds open edges, and bent polygons, at most.
+// The model check finds open edges, bent polygons and polygons that cross, at most.
 void expect_no_problems(object_t *object);
 // Every corner's texture coordinates are x and y of its vertex: nothing slid.
 void expect_picture_in_place(const object_t *object, double tolerance = 1e-5);

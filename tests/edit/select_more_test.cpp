@@ -4,6 +4,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
 #include "model/change_marks.h"
+#include "model/identity.h"
 #include "tests/edit/mesh_corpus.h"
 
 #include <algorithm>
@@ -190,6 +191,32 @@ TEST_F(SelectMore, VerticesAreAlikeByTheirEdgesAndPlanes)
     EXPECT_EQ(last_message(), "select similar - normal, length, corners or coplanar");
 }
 
+TEST_F(SelectMore, EdgesFollowTheSameRules)
+{
+    object_t *grid = add_squares(4, 4); // 40 edges
+    const auto count = [] { return run("selection_get_num_edges"); };
+    run("set_select_mode", "edge");
+    run_words({"edge_select", std::to_string(object_identity(grid)), "11", "12"});
+    run("select_grow");
+    EXPECT_EQ(count(), "7");
+    EXPECT_EQ(last_message(), "select grow - 7 edges");
+    run("select_shrink");
+    EXPECT_EQ(count(), "1");
+    run("select_invert");
+    EXPECT_EQ(count(), "39");
+    run("undo");
+    EXPECT_EQ(count(), "1");
+    run("select_similar", "length", "0");
+    EXPECT_EQ(count(), "40");
+    run("select_random", 0, 1);
+    EXPECT_EQ(count(), "0");
+    run_words({"edge_select", std::to_string(object_identity(grid)), "0", "1"});
+    run("select_linked");
+    EXPECT_EQ(count(), "40");
+    run("select_similar", "normal", "0");
+    EXPECT_EQ(last_message(), "select similar - length");
+}
+
 TEST_F(SelectMore, WithoutASelectionOrInOtherModesOnlyAWord)
 {
     object_t *grid = add_squares(2, 2);
@@ -204,7 +231,7 @@ TEST_F(SelectMore, WithoutASelectionOrInOtherModesOnlyAWord)
         run("set_select_mode", "object");
         select_object(grid);
         run_words(words);
-        EXPECT_NE(last_message().find("choose the surface or vertex mode"), std::string::npos);
+        EXPECT_NE(last_message().find("choose surface, edge or vertex mode"), std::string::npos);
         run("clear_selection");
     }
 }

@@ -3,6 +3,7 @@
 #include "model/each.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "tests/edit/mesh_corpus.h"
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
 
@@ -196,6 +197,37 @@ TEST_F(Slice, TakesAwayWhatLiesOnTheOtherSide)
     EXPECT_TRUE(objects().empty());
     run("undo");
     EXPECT_EQ(objects().size(), 1u);
+}
+
+// Over all kinds of meshes: sound, exactly undone, closed ones stay closed, the picture in place.
+TEST_F(Slice, KeepsWhatHoldsOverTheCorpus)
+{
+    for (const corpus_mesh &mesh : mesh_corpus()) {
+        for (const char *keep : {"both", "front", "back"}) {
+            for (const int cap : {0, 1}) {
+                SCOPED_TRACE(std::string(mesh.name) + " " + keep + " " + std::to_string(cap));
+                object_t *object = mesh.add();
+                run("set_select_mode", "object");
+                select_object(object);
+                point3_t low = points_of(object).front(), high = low;
+                for (const point3_t &p : points_of(object)) {
+                    low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+                    high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+                }
+                run_and_expect_exact_undo({"slice", std::to_string((low.x + high.x) / 2),
+                                           std::to_string((low.y + high.y) / 2),
+                                           std::to_string((low.z + high.z) / 2), "1", "0.3", "0.1",
+                                           keep, std::to_string(cap)});
+                for (object_t *left : objects()) {
+                    if (mesh.is(MESH_CLOSED) && (cap == 1 || std::string(keep) == "both"))
+                        expect_closed(left);
+                    if (!mesh.is(MESH_SEAMS) && cap == 0)
+                        expect_picture_in_place(left, 1e-4);
+                }
+                run("clear_all");
+            }
+        }
+    }
 }
 
 // Random planes through bumpy closed shells, some of them through vertices: nothing opens, and the

@@ -10,6 +10,7 @@ target_sources(vesk_tests PRIVATE
     edit/group_test.cpp
     edit/hull_test.cpp
     edit/information_test.cpp
+    edit/knife_test.cpp
     edit/many_objects_test.cpp
     edit/measure_test.cpp
     edit/mesh_corpus.cpp

@@ -102,6 +102,10 @@ const check_case cases[] = {
      "open_edge 4 non_planar 1", "non_planar", "open_edge 4"},
     {"neighbour_reversed", {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2, 0, 0}, {2, 1, 0}},
      {0, 1, 2, 3, -1, 1, 2, 5, 4}, "open_edge 6 flipped 1", "flipped", "open_edge 6"},
+    {"through_each_other", {{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {0.5f, 0.5f, -1}, {0.6f, 0.5f, 1}, {5, 0.6f, 1}},
+     {0, 1, 2, -1, 3, 4, 5}, "open_edge 6 crossing 1", "crossing", "open_edge 6 crossing 1"},
+    {"only_touching", {{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {0.5f, 0.5f, 0}, {0.6f, 0.5f, 1}, {5, 0.6f, 1}},
+     {0, 1, 2, -1, 3, 4, 5}, "open_edge 6", "open_edge", "open_edge 6"},
     {"vertex_of_nothing", {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {9, 9, 9}}, {0, 1, 2},
      "open_edge 3 unused_vertex 1", "unused_vertex", "open_edge 3"},
 };
@@ -184,7 +188,7 @@ TEST_F(ModelCheckCommand, ListsThousandOfAKindAndCountsAll)
     EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 1999);
     EXPECT_EQ(run("check_counts"),
               "open_edge 0 crowded_edge 0 t_vertex 0 duplicate_vertex 1497 duplicate_surface 0 "
-              "zero_area 0 non_planar 0 flipped 0 unused_vertex 1500 missing_texture 0");
+              "zero_area 0 non_planar 0 flipped 0 unused_vertex 1500 missing_texture 0 crossing 0");
 }
 
 struct reversed_case {

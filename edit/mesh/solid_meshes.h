@@ -1,0 +1,63 @@
+#ifndef VESK_EDIT_MESH_SOLID_MESHES_H
+#define VESK_EDIT_MESH_SOLID_MESHES_H
+
+// Meshes as exact arithmetic wants them: points, polygons, triangles and a tree of these.
+
+#include "edit/mesh/crossings.h"
+#include "model/flat_mesh.h"
+
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+// Meshes that together are the solids. The vertices at one place are one point.
+class solid_meshes {
+public:
+    // `part` numbers the solids from 0; several meshes may be of one.
+    void add(const flat_ptr &mesh, int part);
+    // After the last one: the points, the polygons and their triangles. False when a coordinate is
+    // not finite.
+    bool finish();
+
+    struct unit_t {
+        int mesh, surface, part;
+        int first_triangle, end_triangle; // without those that have no area
+    };
+    [[nodiscard]] const std::vector<flat_ptr> &meshes() const { return meshes_; }
+    [[nodiscard]] const std::vector<unit_t> &units() const { return units_; }
+    [[nodiscard]] const std::vector<solid_triangle> &triangles() const { return triangles_; }
+    [[nodiscard]] const box_tree &tree() const { return *tree_; }
+    [[nodiscard]] exact_points &points() const { return *points_; }
+    // The points at the corners of a polygon.
+    [[nodiscard]] std::span<const int> outline(int unit) const
+    {
+        return std::span(corners_).subspan(first_corner_[unit],
+                                           first_corner_[unit + 1] - first_corner_[unit]);
+    }
+    [[nodiscard]] bool is_of_first(int mesh) const { return parts_[mesh] == 0; }
+    // One vertex of each point: the first, as mesh and place in it.
+    [[nodiscard]] std::pair<int, int> vertex_of(int point) const { return vertices_[point]; }
+    [[nodiscard]] int point_of(int mesh, int v) const { return point_of_[mesh][v]; }
+    // The edges, as pairs of points, that a part's polygons do not use as often in one direction as
+    // in the other; with one of the polygons.
+    struct open_edge_t {
+        int a, b, unit;
+    };
+    [[nodiscard]] std::vector<open_edge_t> open_edges() const;
+
+private:
+    void cut_into_triangles(int unit);
+
+    std::vector<flat_ptr> meshes_;
+    std::vector<int> parts_;
+    std::vector<std::vector<int>> point_of_;
+    std::vector<std::pair<int, int>> vertices_;
+    std::vector<unit_t> units_;
+    std::vector<int> corners_, first_corner_ = {0};
+    std::vector<solid_triangle> triangles_;
+    std::unique_ptr<exact_points> points_;
+    std::unique_ptr<box_tree> tree_;
+};
+
+#endif

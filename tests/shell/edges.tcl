@@ -1,0 +1,60 @@
+# edges.tcl --
+#   Edge mode with a real mouse and keys: picking, loops by a double click, the menu, the loop cut's
+#   tool.
+
+source [file join [file dirname [info script]] support.tcl]
+source [file join [file dirname [info script]] frontview.tcl]
+
+proc edges {} {return [vesk selection_get_num_edges]}
+
+run {
+    fresh
+    at xy {*}[spot 0.8 0.8]
+    key d
+    check "D is edge mode" {$::vesk::select_mode eq "edge" && [edges] == 12}
+    click_at 0.8 0.8
+    check "a click on the ground selects nothing" {[edges] == 0}
+    click_at 0 0.5
+    check "a click takes the edge in front" {[edges] == 1}
+    check "its ends are the selected vertices" {[count vertices] == 2}
+    check "it is echoed" {[string match "*vesk edge_select *" [::vesk::console::last 3]]}
+    shot edges-one
+    xdo keydown shift
+    click_at 0.5 0
+    xdo keyup shift
+    check "Shift adds another" {[edges] == 2}
+    click_at 0.5 0
+    pause 1600
+    click_at 0 0.5
+    click_at 0 0.5
+    check "a double click takes the loop" {[edges] > 1}
+    shot edges-loop
+    check "the menu of edges can be used" {
+        [::vesk::menus::fits element [::vesk::menus::now]]
+    }
+    vesk clear_selection
+
+    # ---- the loop cut's tool ----
+    press .main.tools.loopcut
+    check "the tool is chosen" {$::vesk::view_tool eq "loop_cut"}
+    at xy {*}[spot 0.8 0.8]
+    set plain [picture xy]
+    at xy {*}[spot 0.1 0.5]
+    check "the cut is shown before the click" {[difference $plain [picture xy]] > 0}
+    xdo click 4
+    check "the wheel makes it two" {[status] eq "loop cut - 2 loops"}
+    shot edges-cut
+    click_at 0.1 0.5
+    check "a click cuts, as one step" {
+        [info_of [top_objects] surfaces] == 14 && [vesk undo_name] eq "loop cut" && [made] == 1
+    }
+    check "the new loops are selected" {[edges] == 8}
+    check "echoed" {[string match "*vesk loop_cut_at *" [::vesk::console::last 4]]}
+    xdo key ctrl+z
+    check "Ctrl+Z takes it back" {[info_of [top_objects] surfaces] == 6}
+    xdo key ctrl+shift+z
+    check "Ctrl+Shift+Z makes it again, with its selection" {
+        [info_of [top_objects] surfaces] == 14 && [edges] == 8
+    }
+    key Escape
+}
