@@ -102,6 +102,7 @@ const character_row_t flat_characters[] = {
     {'C', false, [](int) { home_windows(); redraw_orth(); }},
     {'O', false, [](int) { take_select_mode(SELECT_OBJECT); }},
     {'S', false, [](int) { take_select_mode(SELECT_SURFACE); }},
+    {'D', false, [](int) { take_select_mode(SELECT_EDGE); }},
     {'V', false, [](int) { take_select_mode(SELECT_VERTEX); }},
     {'M', false, [](int) { take_draw_mode(DRAW_MOVE); }},
     {'R', false, [](int) { take_draw_mode(DRAW_ROTATE); }},
@@ -141,6 +142,7 @@ const character_row_t camera_characters[] = {
     {'R', false, [](int) { take_draw_mode(DRAW_ROTATE); }},
     {'S', false, [](int) { take_select_mode(SELECT_SURFACE); }},
     {'T', false, [](int) { toggle_3d(&prefs.view3dtextures, "textures on", "textures off"); }},
+    {'D', false, [](int) { take_select_mode(SELECT_EDGE); }},
     {'V', false, [](int) { take_select_mode(SELECT_VERTEX); }},
     {'W', false, [](int) { toggle_3d(&prefs.view3dmode, "wireframe view", "filled view"); }},
 };
