@@ -19,15 +19,17 @@ VESK_PRINTF(1, 2) std::string text_of(const char *format, ...)
     return buffer;
 }
 
+// What rounds to zero has no sign.
+double shown(double value) { return std::fabs(value) < 0.005 ? 0.0 : value; }
+
 std::string point_text(const point3_t *p)
 {
-    return text_of("X%3.2f Y%3.2f Z%3.2f", static_cast<double>(p->x), static_cast<double>(p->y),
-                   static_cast<double>(p->z));
+    return text_of("X%3.2f Y%3.2f Z%3.2f", shown(p->x), shown(p->y), shown(p->z));
 }
 
 std::string size_text(double w, double h, double d)
 {
-    return text_of("W %3.2f H %3.2f D %3.2f", w, h, d);
+    return text_of("W %3.2f H %3.2f D %3.2f", shown(w), shown(h), shown(d));
 }
 
 std::string box_size_text(const point3_t *a, const point3_t *b)
@@ -54,9 +56,8 @@ void show_coors(const point3_t *point) { show(point_text(point), " "); }
 
 void show_coors_and_point(const point3_t *point, const point3_t *vector)
 {
-    show(point_text(point) + text_of("V X %.2f  Y %.2f  Z %.2f", static_cast<double>(vector->x),
-                                     static_cast<double>(vector->y),
-                                     static_cast<double>(vector->z)),
+    show(point_text(point) + text_of("V X %.2f  Y %.2f  Z %.2f", shown(vector->x), shown(vector->y),
+                                     shown(vector->z)),
          " ");
 }
 

@@ -11,6 +11,7 @@
 #include "view/camera_eye.h"
 #include "view/camera_internal.h"
 #include "view/overlay.h"
+#include "view/shown_elements.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -153,14 +154,14 @@ void draw_wireframe(const picture_t &picture)
 // White over a wider black, so that it shows on white.
 void draw_selection_edges(const picture_t &picture)
 {
-    draw_selected_edges(picture.scene, {0, 0, 0, 0.28f}, static_cast<float>(3.4 * picture.scale));
+    draw_selected_edges(picture.scene, {0, 0, 0, 0.5f}, static_cast<float>(3.8 * picture.scale));
     draw_selected_edges(picture.scene, colour_of(prefs.col_selline),
                         static_cast<float>(1.6 * picture.scale));
 }
 
 void draw_model_edges(const picture_t &picture, bool filled)
 {
-    if (filled && prefs.show_surfaces_3d != 0)
+    if (filled && view_shows_edges(VIEW_XYZ))
         draw_edges(picture.scene, {{0, 0, 0, 0.35f},
                                    static_cast<float>(prefs.surface_line_width * picture.scale),
                                    false,
@@ -224,7 +225,7 @@ void draw_3d_view(picture_t &picture)
     finish_layer(picture, draw_layer::edges);
     if (picture.layers.vertices)
         draw_vertices(picture.scene,
-                      {prefs.show_vertices_3d != 0, prefs.show_selected_vertices_3d != 0,
+                      {view_shows_vertices(VIEW_XYZ), prefs.show_selected_vertices_3d != 0,
                        select_mode() == SELECT_VERTEX,
                        static_cast<float>(prefs.vert_size * picture.scale),
                        prefs.draw_moving_vertices != 0});

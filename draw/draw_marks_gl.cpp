@@ -5,6 +5,7 @@
 #include "draw/draw_overlay_gl.h"
 #include "draw/draw_text_gl.h"
 #include "draw/font_atlas.h"
+#include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/ruler.h"
 #include "view/tool_insert.h"
@@ -130,6 +131,48 @@ void draw_insert_mark(int view)
     draw_array(GL_QUADS, body, colour_of(prefs.col_selvert));
 }
 
+// Of what a click would take. Parts behind the viewer are left out.
+void draw_highlight(int view)
+{
+    const highlight_t *lit = highlight_in(view);
+    if (lit == nullptr)
+        return;
+    const colour_t colour = colour_of(mark_colour);
+    std::vector<vertex2_t> faces;
+    for (size_t i = 0; i + 2 < lit->triangles.size(); i += 3) {
+        vertex2_t p[3] = {};
+        bool before = true;
+        for (size_t k = 0; k < 3; ++k)
+            before = overlay_position(lit->triangles[i + k], view, &p[k].x, &p[k].y) && before;
+        if (before)
+            faces.insert(faces.end(), p, p + 3);
+    }
+    if (!faces.empty())
+        draw_array(GL_TRIANGLES, faces, colour_of(mark_colour, 0.22f));
+    std::vector<vertex2_t> lines;
+    for (const lit_segment_t &segment : lit->segments) {
+        vertex2_t p[2] = {};
+        if (overlay_position(segment.from, view, &p[0].x, &p[0].y) &&
+            overlay_position(segment.to, view, &p[1].x, &p[1].y))
+            lines.insert(lines.end(), p, p + 2);
+    }
+    for (const bool rim : {true, false}) {
+        draw_set_line_width((rim ? 4.0f : 2.0f) * scale());
+        draw_array(GL_LINES, lines, rim ? dark : colour);
+    }
+    const float half = std::round(4 * scale());
+    std::vector<vertex2_t> rims, bodies;
+    for (const point3_t &point : lit->points) {
+        float x = 0, y = 0;
+        if (!overlay_position(point, view, &x, &y))
+            continue;
+        add_quad(rims, x - half - 1, y - half - 1, x + half + 1, y + half + 1);
+        add_quad(bodies, x - half, y - half, x + half, y + half);
+    }
+    draw_array(GL_QUADS, rims, colour_of(0x141414));
+    draw_array(GL_QUADS, bodies, colour);
+}
+
 // The lines of a cut that a click would make.
 void draw_cut_lines(int view)
 {
@@ -147,6 +190,7 @@ void draw_cut_lines(int view)
 
 void draw_tool_marks(int view, int width, int height)
 {
+    draw_highlight(view);
     draw_cut_lines(view);
     draw_insert_mark(view);
     draw_ruler(view, width, height);

@@ -6,6 +6,7 @@
 #include "draw/draw_textures_gl.h"
 #include "edit/document/selection_internal.h"
 #include "view/overlay.h"
+#include "view/shown_elements.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ namespace {
 
 constexpr float headlight_diffuse = 0.62f;
 constexpr float scene_ambient = 0.5f;
+constexpr float darkened = 0.2f; // edges of filled surfaces
 constexpr int normal_colour = 0x7CB4F5;
 
 // World to eye: x to the right, y upwards, z toward the viewer, all in pixels from the lower left
@@ -79,10 +81,12 @@ fill_options_t set_lights()
 void draw_model_edges(const picture_t &picture, bool filled)
 {
     const auto width = static_cast<float>(prefs.surface_line_width * picture.scale);
-    const float alpha = filled ? edge_alpha_filled : edge_alpha_wire;
-    if (prefs.show_surfaces != 0)
-        draw_edges(picture.scene, {colour_of(prefs.col_line, alpha), width,
-                                   !filled && prefs.use_rgb_for_orth != 0, false, false});
+    colour_t colour = colour_of(prefs.col_line, filled ? edge_alpha_filled : edge_alpha_wire);
+    if (filled) // dark, or they would not show on lit surfaces of about their colour
+        colour = {colour.r * darkened, colour.g * darkened, colour.b * darkened, colour.a};
+    if (view_shows_edges(picture.view))
+        draw_edges(picture.scene,
+                   {colour, width, !filled && prefs.use_rgb_for_orth != 0, false, false});
     draw_line_surfaces(picture.scene, width);
     draw_selected_edges(picture.scene, colour_of(prefs.col_selline),
                         static_cast<float>((filled ? 2.0 : 1.5) * picture.scale));
@@ -120,10 +124,11 @@ void draw_orthographic_view(picture_t &picture)
         draw_model_edges(picture, filled);
     finish_layer(picture, draw_layer::edges);
     if (picture.layers.vertices)
-        draw_vertices(picture.scene, {prefs.show_vertices != 0, prefs.show_selected_vertices != 0,
-                                      select_mode() == SELECT_VERTEX,
-                                      static_cast<float>(prefs.vert_size * picture.scale),
-                                      prefs.draw_moving_vertices != 0});
+        draw_vertices(picture.scene,
+                      {view_shows_vertices(picture.view), prefs.show_selected_vertices != 0,
+                       select_mode() == SELECT_VERTEX,
+                       static_cast<float>(prefs.vert_size * picture.scale),
+                       prefs.draw_moving_vertices != 0});
     if (prefs.show_normals_orth != 0)
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));

@@ -25,6 +25,7 @@ constexpr float shortest_side_with_handle = 36;
 constexpr int cross_disc_colour = 0x3A3A3A;
 constexpr int cross_letter_colour = 0x1B1C1E;
 constexpr int light_colour = 0xE5AC4D;
+constexpr float locked_light_alpha = 0.4f;
 constexpr colour_t rim_colour = {0x20 / 255.0f, 0x20 / 255.0f, 0x20 / 255.0f, 0.7f};
 
 float interface_scale() { return static_cast<float>(view_interface_scale()); }
@@ -58,17 +59,26 @@ void draw_preview(const overlay_t &tool, int view)
     }
 }
 
-void draw_light_icon(float x, float y, const colour_t &colour)
+// By `wider` pixels thicker all round.
+void draw_light_shape(float x, float y, float wider, const colour_t &colour)
 {
     const float s = interface_scale();
-    draw_disc(x, y, 4 * s, 0, colour);
+    draw_disc(x, y, (4 + wider) * s, 0, colour);
     for (int ray = 0; ray < 8; ++ray) {
         const float angle = static_cast<float>(ray) * 0.785398f;
-        const float dx = std::cos(angle);
-        const float dy = std::sin(angle);
-        draw_soft_line(x + dx * 6 * s, y + dy * 6 * s, x + dx * 9 * s, y + dy * 9 * s, 1.5f * s,
-                       colour);
+        const float dx = std::cos(angle) * s;
+        const float dy = std::sin(angle) * s;
+        const float from = 6 - wider, to = 9 + wider;
+        draw_soft_line(x + dx * from, y + dy * from, x + dx * to, y + dy * to,
+                       (1.5f + 2 * wider) * s, colour);
     }
+}
+
+// On a dark rim, so that it shows on white.
+void draw_light_icon(float x, float y, const colour_t &colour)
+{
+    draw_light_shape(x, y, 1, {rim_colour.r, rim_colour.g, rim_colour.b, rim_colour.a * colour.a});
+    draw_light_shape(x, y, 0, colour);
 }
 
 // Darker behind, so that the cross reads as a body.
@@ -195,7 +205,9 @@ void draw_light_icons(int view)
         if (light->visible == 0 || !overlay_position(light->centre, view, &x, &y))
             continue;
         const bool selected = selected_part(light) != nullptr;
-        draw_light_icon(x, y, colour_of(selected ? prefs.col_selline : light_colour));
+        draw_light_icon(x, y,
+                        colour_of(selected ? prefs.col_selline : light_colour,
+                                  light->locked != 0 ? locked_light_alpha : 1.0f));
     }
 }
 

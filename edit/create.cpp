@@ -11,6 +11,7 @@
 #include "edit/primitives_flat.h"
 #include "edit/transform.h"
 #include "model/bounds.h"
+#include "model/each.h"
 #include "model/identity.h"
 #include "model/lights.h"
 #include "model/normals.h"
@@ -18,9 +19,11 @@
 #include "model/vector.h"
 #include "model/world.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -98,7 +101,14 @@ object_t *make_cone(int plane, const point3_t &c1, const point3_t &c2)
 
 object_t *make_ico(int, const point3_t &c1, const point3_t &c2)
 {
-    return moved_to_middle(named(create_ico(), "icosahedron"), c1, c2);
+    constexpr float width = 2 * 0.8506508f; // of the regular one, along each axis
+    object_t *object = named(create_ico(), "icosahedron");
+    if (!point_equal(c1, c2)) {
+        object_scale(object, std::fabs(c2.x - c1.x) / width, std::fabs(c2.y - c1.y) / width,
+                     std::fabs(c2.z - c1.z) / width);
+        object_calc_normals_force(object);
+    }
+    return moved_to_middle(object, c1, c2);
 }
 
 const create_kind_t kinds[] = {
@@ -113,6 +123,26 @@ const create_kind_t kinds[] = {
     {"cone", "add cone", true, make_cone},
     {"ico", "add icosahedron", true, make_ico},
 };
+
+// "cube", then "cube 2" and so on after the largest number that there is. The new object is in no
+// tree yet.
+void number_name(object_t *object)
+{
+    const std::string name = object->name;
+    bool taken = false;
+    int largest = 1;
+    for_each_object(vesk_get_world(), [&](const object_t *other) {
+        const std::string_view text = other->name;
+        if (!text.starts_with(name))
+            return;
+        const std::string_view rest = text.substr(name.size());
+        taken = taken || rest.empty();
+        if (rest.size() > 1 && rest.front() == ' ')
+            largest = std::max(largest, int_of(rest.data() + 1));
+    });
+    if (taken && !name.empty())
+        object_set_name(object, (name + " " + std::to_string(largest + 1)).c_str());
+}
 
 // The sphere's record is a plug-in's kind: it takes the object out as such, by its identity.
 void take_out(void *identity)
@@ -197,6 +227,7 @@ void link_created(object_t *object, const char *label, bool as_operation)
     if (object == nullptr) {
         return;
     }
+    number_name(object);
     object_add_child(vesk_get_world(), object);
     open_undo(object, label, as_operation);
     clear_selection();

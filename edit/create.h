@@ -18,7 +18,8 @@ struct create_kind_t {
 // Null for an unknown name.
 const create_kind_t *create_kind(const char *name);
 
-// Links a new object under the world, opens its undo record, selects it and redraws. Null: nothing.
+// Links a new object under the world, numbers its name where another object has it ("cube 2"), opens
+// its undo record, selects it and redraws. Null: nothing.
 void link_created(object_t *object, const char *label, bool as_operation = false);
 
 // An object of one surface: a polygon, or a line through the points. `kind` is one of "polygon",

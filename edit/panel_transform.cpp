@@ -254,6 +254,17 @@ void resize_with_undo(float min_x, float min_y, float min_z, float max_x, float 
     make(change);
 }
 
+// A mirroring is a scaling by -1 along an axis.
+void scale_about_with_undo(float sx, float sy, float sz, float x, float y, float z)
+{
+    const point3_t low = selection().box_min, high = selection().box_max;
+    const auto scaled = [](float from, float factor, float about) {
+        return about + (from - about) * factor;
+    };
+    resize_with_undo(scaled(low.x, sx, x), scaled(low.y, sy, y), scaled(low.z, sz, z),
+                     scaled(high.x, sx, x), scaled(high.y, sy, y), scaled(high.z, sz, z));
+}
+
 // Mirrored once more it is as before: the record of a scaling by -1 does that.
 void mirror_with_undo(int axis)
 {

@@ -12,6 +12,8 @@ void rotate_about_with_undo(float rx, float ry, float rz, float x, float y, floa
 void rotate_to_with_undo(float rx, float ry, float rz, float x, float y, float z);
 void rotate_axis_angle_with_undo(float axis, float degrees);
 void mirror_with_undo(int axis);
+// Scales the selection about a point.
+void scale_about_with_undo(float sx, float sy, float sz, float x, float y, float z);
 
 // Turns each selected object about its own centre and the axis that looks into a view (0 to 2);
 // other selections about the middle of the box.

@@ -31,6 +31,7 @@
 #include "plugin/format_table.h"
 #include "plugin/menus.h"
 #include "view/fit.h"
+#include "view/tool_transform.h"
 
 #include <cstring>
 #include <set>
@@ -191,6 +192,7 @@ int world_adopt_import(object_t *object, const std::string &filename, bool model
         select_object(object);
     }
     find_bounding_box();
+    note_loaded_selection();
     if (prefs.fit_view_after_load != 0) {
         fit_selected_all();
         redraw_3d();

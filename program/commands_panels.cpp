@@ -25,6 +25,8 @@
 #include "model/textures/texture_preview.h"
 #include "model/world.h"
 #include "program/own_commands.h"
+#include "view/camera_eye.h"
+#include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
@@ -51,6 +53,13 @@ void command_object_at(int view, int x, int y)
     if (!hits.empty()) {
         command_result_set(std::to_string(object_identity(hits.front().object)).c_str());
     }
+}
+
+// Where the pointer rests; not while a drag runs.
+void command_highlight_at(int view, int x, int y)
+{
+    if (view >= 0 && view < num_views && interaction_drag() == drag_kind::none)
+        highlight_at(view, x, y);
 }
 
 // Of the tool "extrude", not of the commands.
@@ -202,6 +211,9 @@ std::span<const own_command_t> panel_commands()
         command_row("resize_with_undo", resize_with_undo, edit,
                     "<float minx> <float miny> <float minz> <float maxx> <float maxy> <float maxz>",
                     "bring the selection's box to these corners, with an undo record"),
+        command_row("scale_about_with_undo", scale_about_with_undo, edit,
+                    "<float sx> <float sy> <float sz> <float x> <float y> <float z>",
+                    "scale the selection about a point, with an undo record"),
         command_row("select_elements", command_select_elements, select,
                     "<string set, add or remove> <string elements>",
                     "select objects (\"3 7\"), or vertices or surfaces of them (\"3:0-5,9 7:2\")"),
@@ -209,6 +221,8 @@ std::span<const own_command_t> panel_commands()
                     "mirror the selection, with an undo record"),
         command_row("object_at", command_object_at, query, "<view> <int x> <int y>",
                     "returns the id of the object under a place of a view"),
+        command_row("highlight_at", command_highlight_at, view, "<view> <int x> <int y>",
+                    "lights what a click at a place of a view would select"),
         command_row("set_extrude_automatic", command_set_extrude_automatic, view, "<0|1>",
                     "how the extrude tool closes what it makes: so that bodies go on facing "
                     "outwards, or as the preferences say"),
@@ -243,10 +257,12 @@ std::span<const own_command_t> panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row("view_3d_from_corner", camera_look_from_corner, view, nullptr,
+                    "resets the 3D view to one from three quarters above"),
         command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",
                     "a notch of the wheel over a view"),
         command_row("set_view_tool", command_set_view_tool, select,
-                    "<string measure, insert_vertex or none>",
+                    "<string measure, insert_vertex, band or none>",
                     "set a tool of the views beside the draw modes"),
         command_row("measure_points", command_measure_points, view, "<string coordinates>",
                     "lay the ruler between two or three points, tell distance or angle"),

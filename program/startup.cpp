@@ -24,6 +24,7 @@
 #include "plugin/importers.h"
 #include "plugin/loader.h"
 #include "program/command_table.h"
+#include "view/camera_eye.h"
 #include "view/camera_internal.h"
 #include "view/tools.h"
 #include "view/uv_drag.h"
@@ -169,6 +170,7 @@ bool start_scene(const command_line_t &line, const startup_toolkit_t &toolkit)
     else
         toolkit.create_windows();
     init_view3d();
+    camera_look_from_corner();
     create_palette();
     set_new_select_mode(0);
     set_new_draw_mode(0);

@@ -42,6 +42,7 @@ set own_samples {
     surface_loop_subdivision 1  surface_set_twosided 1  surface_set_shaded 1  size_to {1 2 1}
     set_texture_repeats {2 2}  set_texture_offsets {0.5 0}  uv_scale {2 2}  uv_move_pixels {4 0}
     set_draw_mode box  history_goto 1  do_perspective 1  object_at {0 200 150}
+    highlight_at {0 200 150}  scale_about_with_undo {2 2 2 0 0 0}
     uv_option {checker 1}  keypress {0 f 0}  axis_colours {0xF07F76 0x8CCB6B 0x7CB4F5}
     uv_view_zoom 1  remap_textures 1  extrude {0 0 1}  reduce 50  set_select_mode vertex
     select_by_name cube  unselect_by_name cube  object_set_data {3 {any text}}

@@ -232,3 +232,12 @@ void camera_look_along(int axis, bool from_positive)
     }
     redraw_3d();
 }
+
+void camera_look_from_corner()
+{
+    constexpr float from_above = 25, from_right = -35; // degrees
+    person_reset();
+    if (get_person()->walk == 0)
+        person_set_spin_rotation(from_above, from_right);
+    redraw_3d();
+}

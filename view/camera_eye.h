@@ -37,4 +37,8 @@ double camera_units_per_pixel();
 // Turns the model so that the viewer looks along axis 0 to 2 from its positive or negative end.
 void camera_look_along(int axis, bool from_positive);
 
+// Resets the viewer; in spin mode he then looks from three quarters above, where a box shows three
+// of its sides and the ground is seen. How a new scene starts.
+void camera_look_from_corner();
+
 #endif

@@ -92,6 +92,36 @@ void fit_spin_view(const point3_t &half)
         camera_set_fit(prefs.fit_view_factor / (scale * get_person()->scale));
 }
 
+void frame_in_spin_view(const point3_t &centre, const point3_t &half)
+{
+    person_zero_offset();
+    person_set_origin(&centre);
+    fit_spin_view(half);
+}
+
+// The factor of the flat views for the present layout; false when none of the views is shown.
+bool factor_of_layout(const point3_t &size, float *factor)
+{
+    const float front = fit_factor(size, VIEW_XY);
+    const float top = fit_factor(size, VIEW_XZ);
+    const float side = fit_factor(size, VIEW_ZY);
+    debugf("fit_all scalefront %f top %f side %f\n", static_cast<double>(front),
+           static_cast<double>(top), static_cast<double>(side));
+    const char *layout = *views_viewsetting();
+    const float factors[3] = {front, top, side};
+    if (layout != nullptr && std::strcmp(layout, "all") == 0)
+        *factor = smallest_fit(factors);
+    else if (window_is_visible(VIEW_XY) != 0)
+        *factor = front;
+    else if (window_is_visible(VIEW_ZY) != 0)
+        *factor = side;
+    else if (window_is_visible(VIEW_XZ) != 0)
+        *factor = top;
+    else if (window_is_visible(VIEW_XYZ) == 0)
+        return false;
+    return true;
+}
+
 void centre_on(int view, const point3_t &point)
 {
     VESKView &record = *vesk_get_view(view);
@@ -119,6 +149,10 @@ void goto_selected_all(void)
 
 void fit_selected(int view)
 {
+    if (view == VIEW_XYZ) {
+        set_3d_view_selection();
+        return;
+    }
     if (!is_orthographic(view) || selection().box_valid == 0)
         return;
     const point3_t size = selection().box_size;
@@ -153,29 +187,14 @@ void fit_all(void)
         return;
     const point3_t size = point_sub(max, min);
     const point3_t centre = point_scale(point_add(min, max), 0.5f);
-    const float front = fit_factor(size, VIEW_XY);
-    const float top = fit_factor(size, VIEW_XZ);
-    const float side = fit_factor(size, VIEW_ZY);
-    debugf("fit_all scalefront %f top %f side %f\n", static_cast<double>(front),
-           static_cast<double>(top), static_cast<double>(side));
-
-    const char *layout = *views_viewsetting();
     float factor = no_fit;
-    if (layout != nullptr && std::strcmp(layout, "all") == 0) {
-        const float factors[3] = {front, top, side};
-        factor = smallest_fit(factors);
-    } else if (window_is_visible(VIEW_XY) != 0) {
-        factor = front;
-    } else if (window_is_visible(VIEW_ZY) != 0) {
-        factor = side;
-    } else if (window_is_visible(VIEW_XZ) != 0) {
-        factor = top;
-    } else {
+    if (!factor_of_layout(size, &factor))
         return;
-    }
     if (factor != no_fit)
         multiply_scales(factor);
     goto_point(&centre);
+    if (vesk_person_is_walk_vehicle() == 0)
+        frame_in_spin_view(centre, point_scale(size, 0.5f));
     redraw_all();
 }
 
@@ -186,11 +205,10 @@ void set_3d_view_selection(void)
         return;
     const point3_t centre = selection().box_centre;
     const point3_t half = point_scale(selection().box_size, 0.5f);
-    person_zero_offset();
     if (vesk_person_is_walk_vehicle() == 0) {
-        person_set_origin(&centre);
-        fit_spin_view(half);
+        frame_in_spin_view(centre, half);
     } else {
+        person_zero_offset();
         viewer_set_location(&centre);
         const float r = std::sqrt(half.x * half.x + 2 * half.y + half.z * half.z);
         const float tangent = half_fov_tangent();

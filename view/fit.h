@@ -14,11 +14,13 @@ VESK_API void goto_selected(int view);
 VESK_API void goto_selected_all(void);
 
 /* Scales so that the selection fills the orthographic view `view` (with independent_scaling; else
-   all of them), or all views; the latter also centres them. */
+   all of them), or all views; the latter also centres them. The 3D view turns about its middle and
+   frames it. */
 VESK_API void fit_selected(int view);
 VESK_API void fit_selected_all(void);
 
-/* The whole model; which view decides depends on the layout. */
+/* The whole model; which view decides depends on the layout. In spin mode the 3D view frames it,
+   too, at the zoom and angles that it has. */
 VESK_API void fit_all(void);
 
 /* Command "set_view_3d_selection": the middle of the box becomes what the model turns about, and in

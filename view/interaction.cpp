@@ -7,6 +7,7 @@
 #include "view/axis_cross.h"
 #include "view/camera_eye.h"
 #include "view/draw_budget.h"
+#include "view/highlight.h"
 #include "view/number_field.h"
 #include "view/tool.h"
 #include "view/views_internal.h"
@@ -213,6 +214,7 @@ void interaction_press(const pointer_event_t &event)
     if (event.view < 0 || event.view >= num_views)
         return;
     interaction.spinning = false;
+    highlight_clear();
     if (interaction.drag.kind != drag_kind::none) {
         press_during_drag(event);
         return;

@@ -16,6 +16,7 @@
 #include "view/background.h"
 #include "view/camera.h"
 #include "view/fit.h"
+#include "view/tools.h"
 #include "view/views_internal.h"
 
 #include <cctype>
@@ -104,6 +105,7 @@ const character_row_t flat_characters[] = {
     {'S', false, [](int) { take_select_mode(SELECT_SURFACE); }},
     {'D', false, [](int) { take_select_mode(SELECT_EDGE); }},
     {'V', false, [](int) { take_select_mode(SELECT_VERTEX); }},
+    {'B', false, [](int) { command_set_view_tool("band"); }},
     {'M', false, [](int) { take_draw_mode(DRAW_MOVE); }},
     {'R', false, [](int) { take_draw_mode(DRAW_ROTATE); }},
     {'E', false, [](int) { if (select_mode() == SELECT_SURFACE) take_draw_mode(DRAW_EXTRUDE); }},
@@ -129,6 +131,8 @@ const character_row_t flat_characters[] = {
 const character_row_t camera_characters[] = {
     {27,  false, [](int) { clear_and_redraw(); }},
     {' ', false, [](int) { person_reset(); redraw_3d(); }},
+    {'B', false, [](int) { command_set_view_tool("band"); }},
+    {'D', false, [](int) { take_select_mode(SELECT_EDGE); }},
     {'1', false, [](int) { person_set_spin(); redraw_3d(); }},
     {'2', false, [](int) { person_set_walk(); redraw_3d(); }},
     {'E', false, [](int) { if (select_mode() == SELECT_SURFACE) take_draw_mode(DRAW_EXTRUDE); }},

@@ -7,6 +7,7 @@
 #include "view/pick_index.h"
 #include "view/pick_outline.h"
 #include "view/projector.h"
+#include "view/shown_elements.h"
 
 #include <algorithm>
 #include <cmath>
@@ -58,6 +59,7 @@ struct search_t {
     const projector_t projector;
     const window_t window;
     const bool filled;
+    const bool hides; // what lies behind a surface is not found
     const bool edges; // are drawn
     outline_t outline;
 };
@@ -75,8 +77,9 @@ bool view_is_filled(int view)
 search_t search_of(int view, const window_t &window)
 {
     const bool filled = view_is_filled(view);
-    const bool edges = (view == VIEW_XYZ ? prefs.show_surfaces_3d : prefs.show_surfaces) != 0;
-    return {projector_t(view), window, filled, edges || !filled, {}};
+    const bool edges = view_shows_edges(view);
+    return {projector_t(view), window, filled, filled && prefs.select_through == 0,
+            edges || !filled,  {}};
 }
 
 // The elements of one kind that may lie in the window, by number.
@@ -148,10 +151,10 @@ bool find_on_surface(const search_t &search, const flat_surface &record, float x
     const bool perspective = search.projector.has_perspective();
     const bool is_line = record.is_line() || search.outline.size() < 3;
     const bool is_back =
-        search.filled && !is_line && record.twosided == 0 && !outline_faces_viewer(search.outline);
+        search.hides && !is_line && record.twosided == 0 && !outline_faces_viewer(search.outline);
     if (faces && !is_line) {
         const place_on_face_t place = place_on_face(search.outline, perspective, x, y);
-        if (place.inside && (!search.filled || record.twosided != 0 || place.faces_viewer)) {
+        if (place.inside && (!search.hides || record.twosided != 0 || place.faces_viewer)) {
             hit->pixels = under_pointer;
             hit->depth = place.depth;
             return true;
@@ -487,9 +490,9 @@ std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int rang
     std::stable_sort(hits.begin(), hits.end(), nearer);
     if (kind == pick_kind::OBJECT || kind == pick_kind::LIGHT)
         keep_objects_once(&hits);
-    if (kind == pick_kind::EDGE && search.filled)
+    if (kind == pick_kind::EDGE && search.hides)
         drop_hidden_edges(search, px, py, &hits);
-    if (kind == pick_kind::VERTEX && search.filled && hits.size() > 1)
+    if (kind == pick_kind::VERTEX && search.hides && hits.size() > 1)
         seen_vertex_first(search, &hits);
     return hits;
 }
@@ -500,7 +503,7 @@ std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band)
                                        static_cast<float>(std::min(band.y0, band.y1)),
                                        static_cast<float>(std::max(band.x0, band.x1)),
                                        static_cast<float>(std::max(band.y0, band.y1))});
-    const bool seen_only = view == VIEW_XYZ && search.filled;
+    const bool seen_only = view == VIEW_XYZ && search.hides;
     std::vector<pick_hit_t> hits;
     for_each_object(vesk_get_world(), [&](object_t *object) {
         if (!pickable(object))

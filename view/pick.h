@@ -32,7 +32,8 @@ struct band_t {
 };
 
 // In tree order. Elements by `kind`; objects by their own geometry, lights by their centre. In the
-// filled 3D view surfaces that look away, and vertices of such surfaces alone, are left out.
+// filled 3D view surfaces that look away, and vertices of such surfaces alone, are left out. With
+// select_through both functions find what surfaces hide and backs, too.
 std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band);
 
 #endif

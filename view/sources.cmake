@@ -11,6 +11,7 @@ target_sources(vesk_core PRIVATE
     view/fit.cpp
     view/grid.cpp
     view/handles.cpp
+    view/highlight.cpp
     view/interaction.cpp
     view/keys.cpp
     view/near_snap.cpp
@@ -23,6 +24,8 @@ target_sources(vesk_core PRIVATE
     view/projection.cpp
     view/ruler.cpp
     view/screen_ray.cpp
+    view/shown_elements.cpp
+    view/tool_band.cpp
     view/tool_create.cpp
     view/tool_insert.cpp
     view/tool_loop_cut.cpp

@@ -303,4 +303,12 @@ bool pointer_is_on_selection(int view, int x, int y)
     return std::any_of(hits.begin(), hits.end(), is_selected);
 }
 
+pick_hit_t select_hit_at(int view, int x, int y)
+{
+    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
+    return hits.empty() ? pick_hit_t{} : hits.front();
+}
+
+bool select_hit_is_selected(const pick_hit_t &hit) { return is_selected(hit); }
+
 void tool_select_reset_for_test() { last_click = {}; }

@@ -16,6 +16,10 @@ void select_band(int view, const band_t &band, int state);
 // Whether something selected lies under the pointer.
 bool pointer_is_on_selection(int view, int x, int y);
 
+// What a first click there would take (object null: nothing), and whether it is selected.
+pick_hit_t select_hit_at(int view, int x, int y);
+bool select_hit_is_selected(const pick_hit_t &hit);
+
 void tool_select_reset_for_test();
 
 #endif

@@ -11,12 +11,14 @@
 #include "edit/extrude.h"
 #include "edit/snap.h"
 #include "model/angle.h"
+#include "model/change_marks.h"
 #include "model/vector.h"
 #include "view/camera_eye.h"
 #include "view/drag_echo.h"
 #include "view/drag_offset.h"
 #include "view/extrude_preview.h"
 #include "view/handles.h"
+#include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/near_snap.h"
 #include "view/number_field.h"
@@ -76,6 +78,18 @@ bool begins_on_selection(const pointer_event_t &event, int handle)
            pointer_is_on_selection(event.view, event.x, event.y);
 }
 
+// A load selects what came. Nobody has chosen it, so that a drag over it is meant for the view.
+struct loaded_t {
+    unsigned selection = ~0u;
+    std::uint64_t model = 0;
+};
+loaded_t loaded;
+
+bool is_just_loaded()
+{
+    return loaded.selection == selection_change_count() && loaded.model == model_change_count();
+}
+
 doing what_to_do(const pointer_event_t &event, int handle)
 {
     if (event.view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0) {
@@ -84,7 +98,7 @@ doing what_to_do(const pointer_event_t &event, int handle)
     if (handle > HANDLE_INSIDE_ROTATE) {
         return doing::RESIZE;
     }
-    if (begins_on_selection(event, handle)) {
+    if (!is_just_loaded() && begins_on_selection(event, handle)) {
         return what_on_selection(event.view);
     }
     return is_orthographic(event.view) ? doing::BAND : doing::NOTHING;
@@ -560,12 +574,19 @@ void click(const pointer_event_t &event)
 
 void hover(const pointer_event_t &event)
 {
-    win_set_handle_cursor(event.view, handle_at(event.view, event.x, event.y));
+    const int handle = handle_at(event.view, event.x, event.y);
+    win_set_handle_cursor(event.view, handle);
+    if (handle <= HANDLE_INSIDE_ROTATE)
+        highlight_follow(event.view, event.x, event.y);
+    else
+        highlight_clear();
 }
 
 bool wanted() { return mode_is_selectable(draw_mode()) != 0; }
 
 } // namespace
+
+void note_loaded_selection() { loaded = {selection_change_count(), model_change_count()}; }
 
 void set_extrusion_sides(extrude_sides sides) { extrusion_sides = sides; }
 
@@ -576,6 +597,7 @@ const tool_t transform_tool = {.wanted = wanted,
                                .cancel = cancel,
                                .click = click,
                                .hover = hover,
+                               .outside = highlight_clear,
                                .key = key,
                                .runs = runs,
                                .forget = drop};

@@ -10,6 +10,10 @@
 // very bits as they were.
 extern const tool_t transform_tool;
 
+// A load has selected what came: until that is clicked or changed, drags over it are the view's (a
+// rubber band in the flat views); its handles work.
+void note_loaded_selection();
+
 // How the tool "extrude" closes what it makes; at start automatic.
 void set_extrusion_sides(extrude_sides sides);
 

@@ -6,7 +6,9 @@
 #include "edit/document/selection.h"
 #include "edit/palette_preview.h"
 #include "edit/panel_transform.h"
+#include "view/highlight.h"
 #include "view/interaction.h"
+#include "view/tool_band.h"
 #include "view/tool_create.h"
 #include "view/tool_insert.h"
 #include "view/tool_loop_cut.h"
@@ -19,8 +21,8 @@
 
 namespace {
 
-const tool_t *const tools[] = {&transform_tool, &zoom_tool,   &create_tool,
-                               &measure_tool,   &insert_tool, &loop_cut_tool};
+const tool_t *const tools[] = {&transform_tool, &zoom_tool,     &create_tool, &measure_tool,
+                               &insert_tool,    &loop_cut_tool, &band_tool};
 
 const tool_t *chosen = nullptr; // by name
 
@@ -37,6 +39,7 @@ void choose(const tool_t *tool)
 {
     if (interaction_drag() == drag_kind::tool)
         interaction_cancel();
+    highlight_clear();
     const tool_t *before = tool_now();
     chosen = tool;
     if (before != nullptr && before != tool_now() && before->leave != nullptr)
@@ -47,6 +50,7 @@ void choose(const tool_t *tool)
 
 void draw_mode_changed()
 {
+    highlight_clear();
     if (chosen != nullptr)
         choose(nullptr);
 }
@@ -117,6 +121,7 @@ void command_set_view_tool(const char *name)
 
 void tools_reset_for_test()
 {
+    highlight_clear();
     tools_forget();
     chosen = nullptr;
     tool_select_reset_for_test();

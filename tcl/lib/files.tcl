@@ -117,6 +117,7 @@ proc ::vesk::files::started {} {
 proc ::vesk::files::new {} {
     if {![confirmed]} {return}
     empty
+    vesk view_3d_from_corner
     mark_saved
     display_message "new scene"
 }

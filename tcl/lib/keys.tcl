@@ -15,6 +15,7 @@ namespace eval ::vesk::keys {
         view.surface  "Surface mode"                         S        s 0
         view.edge     "Edge mode"                            D        d 0
         view.vertex   "Vertex mode"                          V        v 0
+        view.band     "Rubber band"                          B        b 0
         view.move     "Move"                                 M        m 0
         view.rotate   "Rotate"                               R        r 0
         view.extrude  "Extrude (surfaces)"                   E        e 0

@@ -97,12 +97,12 @@ proc ::vesk::menus::define {name label rows} {
         "Turns the selection about a point, in degrees."}
     {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
         {Degrees number 90}} "" some "Turns the selection about one axis."}
-    {menu "M&irror" mirror "" "" "Mirrors the selection at its middle."}
+    {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
 }
 ::vesk::menus::define mirror "Mirror" {
-    {run "Along &X" {mirror_with_undo 0} "" some "Mirrors the selection along X."}
-    {run "Along &Y" {mirror_with_undo 1} "" some "Mirrors the selection along Y."}
-    {run "Along &Z" {mirror_with_undo 2} "" some "Mirrors the selection along Z."}
+    {call "Along &X" {::vesk::tools::mirror 0} "" some "Mirrors the selection at the pivot along X."}
+    {call "Along &Y" {::vesk::tools::mirror 1} "" some "Mirrors the selection at the pivot along Y."}
+    {call "Along &Z" {::vesk::tools::mirror 2} "" some "Mirrors the selection at the pivot along Z."}
 }
 ::vesk::menus::define select "&Select" {
     {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}
@@ -117,6 +117,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&By name..." {select_by_name {Name text {}}} "" model "Adds the objects of a name to the selection."}
     {ask "Unselect by na&me..." {unselect_by_name {Name text {}}} "" some
         "Takes the objects of a name out of the selection."}
+    {run "Rubber band" {set_view_tool band} B model
+        "The next drag selects what it encloses, in the 3D view too, wherever it begins."}
+    {check "Select through" {prefs_select_through} "" ""
+        "Clicks and rubber bands find what is hidden behind surfaces, too."}
     {line}
     {run "Gro&w" {select_grow} "" some "Adds the neighbours of what is selected."}
     {run "S&hrink" {select_shrink} "" some "Takes out what touches something unselected."}
@@ -153,7 +157,7 @@ proc ::vesk::menus::define {name label rows} {
     {call "&Box" {::vesk::tools::choose box} "" "" "Draws a box."}
     {call "C&ylinder" {::vesk::tools::choose cylinder} "" "" "Draws a cylinder."}
     {call "&Sphere" {::vesk::tools::choose sphere} "" "" "Draws a sphere."}
-    {run "Cub&e" {new_cube} "" "" "Adds a regular cube at the origin."}
+    {run "Cub&e" {create box 0 0 0 0 0 0 0} "" "" "Adds a regular cube at the origin."}
     {menu "&At the origin" atorigin "" "" "Adds a shape of unit size."}
     {call "Lig&ht" {::vesk::tools::choose light} "" "" "Sets a light."}
     {ask "&Text..." {create_text {Text text {}}} "" "" "Adds a text made of surfaces."}

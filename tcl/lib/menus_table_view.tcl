@@ -62,6 +62,8 @@
     {line}
     {run "&Spin" {set_spin_viewer} "" "" "The mouse turns the model."}
     {run "Wal&k" {set_walk_viewer} "" "" "The mouse walks through the scene."}
+    {run "From above, a &quarter round" {view_3d_from_corner} "" ""
+        "Resets the viewpoint to three quarters above, where a box shows three sides."}
     {run "Level" {person_level} "" "" "Sets the viewpoint level."}
     {ask "Fl&y to..." {viewer_flyto {Steps int 20} {X number 0} {Y number 0} {Z number 5}
         {"Look X" number 0} {"Look Y" number 0} {"Look Z" number -1}} "" "" "Flies the viewer to a place."}

@@ -97,6 +97,7 @@ proc ::vesk::prefs::page {name groups} {
         {polygon_offset "Keep edges in front" "Lifts edges over the surfaces they lie on."}
         {show_vertices_3d "Vertices" "Draws vertices in the 3D view."}
         {show_selected_vertices_3d "Selected vertices" "Draws selected vertices in the 3D view."}
+        {show_mode_elements_3d "What the mode selects" "Edges in surface and edge mode and vertices in vertex mode, whatever stands above."}
         {show_3d_normals "Normals" "A line on each surface."}
         {show_hidden_3d "Hidden objects" "As a faint wireframe."}
         {show_locked_3d "Locked objects" "Draws locked objects, dimmed."}
@@ -181,6 +182,8 @@ proc ::vesk::prefs::page {name groups} {
         {undo_levels "Undo levels" "Changes that Undo remembers."}
     }
     Mouse {
+        {highlight_pick "Show what a click would take" "Lights the object, surface, edge or vertex under the pointer."}
+        {select_through "Select through" "Clicks and rubber bands find what is hidden behind surfaces, too."}
         {pick_pixel_range "Picking range" "Pixels round the pointer in which things are picked." {slider 1 20}}
         {middle_button_drags_view "Middle button pans" "Else it does nothing."}
         {right_button_zooms_view "Right button zooms" "Else only the menu."}

@@ -19,7 +19,7 @@ namespace eval ::vesk::menus {
         scale                        {resize size grow shrink}
         size_to                      {dimensions resize}
         rotate_with_undo             {turn spin}
-        mirror_with_undo             {flip reflect symmetry symmetrize}
+        {::vesk::tools::mirror 0}    {flip reflect symmetry symmetrize}
         select_all                   {everything}
         clear_selection              {deselect unselect nothing}
         select_by_name               {find search}
@@ -48,7 +48,7 @@ namespace eval ::vesk::menus {
         {::vesk::tools::choose insert}   {knife cut slice "add vertex" "split edge"}
         {::vesk::tools::choose measure}  {distance angle measure dimension}
         {::vesk::tools::choose light}    {lamp}
-        new_cube                     {box}
+        {create box}                 {cube}
         {createsurface 0}            {face fill "make face" bridge cap}
         {createsurface 2}            {edge connect}
         surfaces_separate            {separate detach extract split}

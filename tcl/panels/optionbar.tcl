@@ -76,7 +76,7 @@ proc ::vesk::optionbar::build_pivot {path} {
     pack $path.label $path.value -side left -padx [::vesk::theme::pad 0 8]
     pack configure $path.value -padx 0
     bind $path.value <<ComboboxSelected>> {%W selection clear}
-    ::vesk::tooltips::attach $path.value "Pivot" "" "What typed angles turn about."
+    ::vesk::tooltips::attach $path.value "Pivot" "" "What typed angles turn about, and where factors and mirroring start."
 }
 
 # build_search --

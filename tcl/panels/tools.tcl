@@ -281,7 +281,7 @@ proc ::vesk::tools::apply {} {
     }
     switch -- $current {
         move    {::vesk::ops::run move_with_undo {*}$numbers}
-        scale   {::vesk::ops::run scale {*}$numbers}
+        scale   {scale {*}$numbers}
         rotate  {::vesk::ops::run rotate_about_with_undo {*}$numbers {*}[pivot_point]}
         extrude {::vesk::ops::run extrude_select $::vesk::tools::automatic {*}$numbers}
     }
@@ -296,8 +296,25 @@ proc ::vesk::tools::automatic_changed {} {
     ::vesk::ops::run set_extrude_automatic $automatic
 }
 
+# scale, mirror --
+#   Scale and mirror the selection at the pivot.
+proc ::vesk::tools::scale {x y z} {
+    if {$::vesk::optionbar::pivot eq "Selection"} {
+        ::vesk::ops::run scale $x $y $z
+    } else {
+        ::vesk::ops::run scale_about_with_undo $x $y $z {*}[pivot_point]
+    }
+}
+proc ::vesk::tools::mirror {axis} {
+    if {$::vesk::optionbar::pivot eq "Selection"} {
+        ::vesk::ops::run mirror_with_undo $axis
+    } else {
+        ::vesk::ops::run scale_about_with_undo {*}[lreplace {1 1 1} $axis $axis -1] {*}[pivot_point]
+    }
+}
+
 # pivot_point --
-#   The centre of typed rotations.
+#   What typed rotations, factors and mirrorings leave in its place.
 proc ::vesk::tools::pivot_point {} {
     switch -- $::vesk::optionbar::pivot {
         Origin      {return {0 0 0}}
@@ -322,7 +339,12 @@ proc ::vesk::tools::show_measured {} {
 proc set_view_tool_ui {name} {
     set ::vesk::view_tool $name
     set mode [expr {$name eq "none" ? $::vesk::draw_mode : "+$name"}]
-    ::vesk::tools::show [::vesk::tools::tool_of_mode $mode]
+    set tool [::vesk::tools::tool_of_mode $mode]
+    # A rubber band is for one drag: in the column the tool stays that comes after it.
+    if {$tool ne ""} {::vesk::tools::show $tool}
+    if {$name eq "band"} {
+        display_message "rubber band - drag over what to select; Shift adds, Control takes away"
+    }
     ::vesk::tools::show_measured
 }
 

@@ -66,9 +66,9 @@ proc ::vesk::transform::add_mirror {tab row} {
     grid $tab.lmirror -row $row -column 0 -sticky w
     foreach {axis place column} {x 0 1 y 1 2 z 2 3} {
         ttk::button $tab.mirror$axis -text [string toupper $axis] -style Panel.TButton \
-            -command [list ::vesk::ops::run mirror_with_undo $place]
+            -command [list ::vesk::tools::mirror $place]
         ::vesk::tooltips::attach $tab.mirror$axis "Mirror [string toupper $axis]" "" \
-            "Mirrors the selection at its middle."
+            "Mirrors the selection at the pivot."
         grid $tab.mirror$axis -row $row -column $column -sticky we \
             -padx [::vesk::theme::pad 4 0] -pady [::vesk::theme::px 2]
     }

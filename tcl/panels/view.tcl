@@ -274,6 +274,8 @@ proc ::vesk::view::bind_view {name cell} {
     bind $cell <Double-Button-1> {::vesk::view::equal}
     # A relayout brings another view under a resting pointer: only a motion takes the focus.
     bind $togl <Enter> [list set ::vesk::view::under $name]
+    # The view would inherit the shape that the divider gave the pointer.
+    bind $togl <Enter> +[list $cell configure -cursor ""]
     bind $togl <Motion> [list ::vesk::view::moved_in $name]
     bind $togl <FocusIn> [list ::vesk::view::focus_changed $name 1]
     bind $togl <FocusOut> [list ::vesk::view::focus_changed $name 0]

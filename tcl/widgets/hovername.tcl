@@ -37,7 +37,10 @@ proc ::vesk::hovername::hide {} {
     set chip ""
 }
 
+# show --
+#   Below the pointer and to the right, or on another side where the view ends: never over the spot.
 proc ::vesk::hovername::show {name id x y} {
+    vesk highlight_at $id $x $y
     set object [vesk object_at $id $x $y]
     if {$object eq ""} {return}
     set text [vesk object_get_name $object]
@@ -48,11 +51,11 @@ proc ::vesk::hovername::show {name id x y} {
         -background [::vesk::theme::colour chip] -foreground [::vesk::theme::colour chip_text] \
         -padx [::vesk::theme::px 8] -pady [::vesk::theme::px 3] -highlightthickness 1 \
         -highlightbackground [::vesk::theme::colour chip_frame]
-    set gap [::vesk::theme::px 12]
+    set gap [::vesk::theme::px 18]
     set edge [::vesk::view::ring]
     set width [winfo reqwidth $chip]
     set height [winfo reqheight $chip]
-    set x [expr {min($x + $gap, [winfo width $cell] - $width - $edge)}]
+    set x [expr {$x + $gap + $width > [winfo width $cell] - $edge ? $x - $gap - $width : $x + $gap}]
     set y [expr {$y + $gap + $height > [winfo height $cell] - $edge ? $y - $gap - $height : $y + $gap}]
     place $chip -x [expr {max($edge, $x)}] -y [expr {max($edge, $y)}]
     raise $chip

@@ -8,7 +8,8 @@ namespace eval ::vesk::help {
             "Space" "all views back to where they start"
             "Shift+Space" "3D view back to where it starts"
             "C" "views back to the origin"
-            "O  S  V" "select objects, surfaces, vertices"
+            "O  S  D  V" "select objects, surfaces, edges, vertices"
+            "B" "the next drag is a rubber band, wherever it begins"
             "M  R  E" "move, rotate, extrude (surfaces)"
             "G  Shift+G" "centre the selection in this view, in all"
             "F  Shift+F" "fit the selection in this view, in all"
@@ -27,7 +28,7 @@ namespace eval ::vesk::help {
             "F" "turn about the selection"
             "G  L  T  N" "ground grid, headlight, textures, normals on and off"
             "W" "filled or wireframe"
-            "O  S  V  M  R  E" "as in the flat views"
+            "O  S  D  V  B  M  R  E" "as in the flat views"
             "BackSpace  Delete" "delete what is selected"
         }
         "While dragging" {

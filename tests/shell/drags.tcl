@@ -138,7 +138,7 @@ run {
     check "E is the extrude tool" {[lindex [vesk get_app_mode] 1] eq "extrude"}
     from_to 0.5 0 1.2 0 "" zy
     check "a drag extrudes" {
-        [counts $::cube] eq {11 12} && [vesk undo_name] eq "extrude"
+        [counts $::cube] eq {10 12} && [vesk undo_name] eq "extrude"
     }
     vesk undo
     check "and is undone" {[counts [top_objects]] eq {6 8}}

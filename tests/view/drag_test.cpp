@@ -15,6 +15,7 @@
 #include "tests/view/tool_fixture.h"
 #include "view/number_field.h"
 #include "view/overlay.h"
+#include "view/projection.h"
 
 #include <cmath>
 
@@ -390,6 +391,37 @@ TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
 }
 
 // ---- the panels' transforms ----
+
+TEST_F(Drags, OverWhatWasJustLoadedTheyAreTheViews)
+{
+    const std::string file = temporary_file("loaded.vesk");
+    select_object(cube);
+    run("save_vesk", file);
+    run("clear_all");
+    prefs.fit_view_after_load = 0;
+    run("load_vesk", file);
+    const std::string there = run("get_selection_centre");
+    int x = 0, y = 0;
+    point2xy(&selection().box_centre, &x, &y, VIEW_XY);
+    drag(VIEW_XYZ, 200, 150, 240, 150);
+    EXPECT_EQ(run("get_selection_centre"), there);
+    EXPECT_NE(get_person()->rotation.y, 0);
+    click(VIEW_XY, x, y);
+    drag(VIEW_XY, x, y, x + 40, y);
+    EXPECT_NE(run("get_selection_centre"), there);
+}
+
+TEST_F(Drags, ScalingAndMirroringLeaveTheirPointInItsPlace)
+{
+    select_object(cube);
+    const std::vector<point3_t> before = positions();
+    run("scale_about_with_undo", 2, 1, -1, 1, 0, 1);
+    EXPECT_EQ(run("get_selection_size"), "2 1 1");
+    EXPECT_EQ(run("get_selection_centre"), "-1 0 2");
+    EXPECT_EQ(undos(), 1);
+    run("undo");
+    EXPECT_TRUE(same(positions(), before));
+}
 
 struct panel_case {
     const char *name;

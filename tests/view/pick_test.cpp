@@ -14,6 +14,7 @@
 #include "view/camera_internal.h"
 #include "view/handles.h"
 #include "view/projection.h"
+#include "view/shown_elements.h"
 #include "view/tool_select.h"
 #include "view/views_internal.h"
 
@@ -133,6 +134,21 @@ TEST_F(PickIn3d, GroundThatGoesOnBehindTheViewerIsFound)
     EXPECT_EQ(band.size(), 1U);
 }
 
+TEST_F(PickIn3d, WhatTheModeTakesIsShownAndFound)
+{
+    EXPECT_FALSE(view_shows_edges(VIEW_XYZ));
+    EXPECT_FALSE(view_shows_vertices(VIEW_XYZ));
+    set_new_select_mode(SELECT_EDGE);
+    EXPECT_TRUE(view_shows_edges(VIEW_XYZ));
+    set_new_select_mode(SELECT_SURFACE);
+    EXPECT_TRUE(view_shows_edges(VIEW_XYZ));
+    EXPECT_FALSE(view_shows_vertices(VIEW_XYZ));
+    set_new_select_mode(SELECT_VERTEX);
+    EXPECT_TRUE(view_shows_vertices(VIEW_XYZ));
+    prefs.show_mode_elements_3d = 0;
+    EXPECT_FALSE(view_shows_vertices(VIEW_XYZ));
+}
+
 TEST_F(PickIn3d, BacksThatAreNotDrawnAreNotFound)
 {
     const std::vector<point3_t> away = {{-1, -1, 0}, {-1, 1, 0}, {1, 1, 0}, {1, -1, 0}};
@@ -144,6 +160,21 @@ TEST_F(PickIn3d, BacksThatAreNotDrawnAreNotFound)
         surface_set_twosided(surface, 1);
     object_mark(back, CHANGED_ATTRIBUTES);
     EXPECT_EQ(names_at(VIEW_XYZ, 200, 150).front(), "back");
+}
+
+TEST_F(PickIn3d, SelectThroughFindsWhatSurfacesHide)
+{
+    object_set_visible(near_cube, 1);
+    for (surface_t *surface : each<surface_t>(near_cube->surfaces))
+        surface_set_twosided(surface, 0);
+    object_mark(near_cube, CHANGED_ATTRIBUTES);
+    const auto counts = [] {
+        return std::pair(pick_at(VIEW_XYZ, pick_kind::SURFACE, 200, 150, 4).size(),
+                         pick_band(VIEW_XYZ, pick_kind::VERTEX, {0, 0, 399, 299, true}).size());
+    };
+    EXPECT_EQ(counts(), std::pair(size_t{1}, size_t{4})); // its front
+    prefs.select_through = 1;
+    EXPECT_EQ(counts(), std::pair(size_t{2}, size_t{8}));
 }
 
 TEST_F(PickIn3d, OfTwoVerticesTheOneThatIsSeenComesFirst)

@@ -10,6 +10,7 @@
 #include "view/grid.h"
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -267,6 +268,50 @@ TEST_F(Fit, TheSelectionIsCentredInAllViews)
     ASSERT_TRUE(camera_project({2, 2, 2}, &x, &y));
     EXPECT_GT(y, 0);
     EXPECT_LT(y, 80);
+}
+
+TEST_F(Fit, The3dViewIsFramedToo)
+{
+    select_object(add_box(40, 20, 20));
+    find_bounding_box();
+    const auto expect_framed = [] {
+        EXPECT_FLOAT_EQ(get_person()->origin.x, 20);
+        double x[2] = {}, y[2] = {};
+        ASSERT_TRUE(camera_project({40, 10, 0}, &x[0], &y[0]));
+        ASSERT_TRUE(camera_project({0, 10, 20}, &x[1], &y[1]));
+        EXPECT_GT(std::fabs(x[1] - x[0]), 150); // of 400 pixels
+        EXPECT_GT(std::min(x[0], x[1]), 0);
+        EXPECT_LT(std::max(x[0], x[1]), 400);
+    };
+    for (const char *layout : {"all", "xyz"}) {
+        SCOPED_TRACE(layout);
+        camera_reset_for_test();
+        prefs_set_string(views_viewsetting(), layout);
+        run("view_3d_from_corner");
+        run("fit_all");
+        expect_framed();
+    }
+    camera_reset_for_test();
+    fit_selected(VIEW_XYZ);
+    expect_framed();
+}
+
+TEST_F(Fit, AnewTheGroundIsSeenAndABoxShowsThreeSides)
+{
+    run("view_3d_from_corner");
+    const auto at = [](const point3_t &p) {
+        double x = 0, y = 0;
+        EXPECT_TRUE(camera_project(p, &x, &y));
+        return std::pair(x, y);
+    };
+    EXPECT_GT(at({0, 0, 0.5f}).second, at({0, 0, -0.5f}).second + 10); // the ground's near side
+    EXPECT_GT(at({0.5f, 0, 0.5f}).first, at({0.5f, 0, -0.5f}).first - 200);
+    EXPECT_LT(at({0.5f, 0, 0.5f}).first, at({0.5f, 0, -0.5f}).first - 10); // +x to the right, seen
+    run("set_walk_viewer");
+    run("view_3d_from_corner");
+    EXPECT_FLOAT_EQ(get_person()->rotation.x, 0);
+    person_reset(); // the fixed one looks along the ground, in both modes
+    EXPECT_FLOAT_EQ(get_person()->rotation.y, 0);
 }
 
 TEST_F(Fit, NothingSelectedChangesNothing)

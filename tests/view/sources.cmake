@@ -3,6 +3,7 @@ target_sources(vesk_tests PRIVATE
     view/drag_test.cpp
     view/echo_test.cpp
     view/extra_tool_test.cpp
+    view/highlight_test.cpp
     view/keys_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp

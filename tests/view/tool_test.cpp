@@ -1,5 +1,6 @@
 // The left button as a person uses it: events in, the model out.
 
+#include "base/coor_display.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo.h"
@@ -180,6 +181,24 @@ TEST_F(Tools, TheZoomToolFitsARectangle)
     EXPECT_LT(vesk_get_view(VIEW_XY)->scale, scale * 4);
 }
 
+TEST_F(Tools, TheNextDragIsARubberBandIn3dToo)
+{
+    run("set_view_tool", "band");
+    drag(VIEW_XYZ, 10, 10, 390, 290);
+    EXPECT_EQ(run("selection_get_num_objects"), "1");
+    EXPECT_FLOAT_EQ(get_person()->rotation.y, 0);
+    EXPECT_EQ(last_call("set_view_tool_ui"), "none");
+    drag(VIEW_XYZ, 10, 10, 60, 10); // the camera's again
+    EXPECT_NE(get_person()->rotation.y, 0);
+    // Where it would be a move of the selection else.
+    run("set_view_tool", "band");
+    drag(VIEW_XY, 200, 150, 205, 155, 4);
+    EXPECT_EQ(run("get_selection_centre"), "0 0 0");
+    run("set_view_tool", "band");
+    EXPECT_TRUE(key("Escape"));
+    EXPECT_EQ(last_call("set_view_tool_ui"), "none");
+}
+
 TEST_F(Tools, TheCommandMakesWhatTheToolsMake)
 {
     const std::string id = run("create", "box", 0, 0, 0, 0, 2, 1, 3);
@@ -193,6 +212,26 @@ TEST_F(Tools, TheCommandMakesWhatTheToolsMake)
     EXPECT_EQ(run("get_selection_size"), "2 2 2");
     run("objects_select", id + " " + cone);
     EXPECT_EQ(run("selection_get_num_objects"), "2");
+}
+
+TEST_F(Tools, TheStatusLineShowsNoNegativeZero)
+{
+    const point3_t almost = {-0.001f, -0.01f, 0};
+    show_coors(&almost);
+    EXPECT_EQ(recording().variables["coors"], "X0.00 Y-0.01 Z0.00");
+}
+
+TEST_F(Tools, NamesOfWhatIsMadeAreNumbered)
+{
+    const auto made = [](const char *kind) {
+        return run("object_get_name",
+                   run("create", kind, 2, -0.5f, -0.5f, -0.5f, 0.5f, 0.5f, 0.5f));
+    };
+    EXPECT_EQ(made("box"), "cube 2"); // there is one already
+    EXPECT_EQ(made("box"), "cube 3");
+    EXPECT_EQ(made("ico"), "icosahedron");
+    EXPECT_EQ(run("get_selection_size"), "1 1 1");
+    EXPECT_EQ(run("object_get_name", run("new_cube")), "");
 }
 
 TEST_F(Tools, OutlinesGoClickByClick)
