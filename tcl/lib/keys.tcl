@@ -44,7 +44,7 @@ namespace eval ::vesk::keys {
     variable presets {
         standard "Standard" {}
         grs "G R S keys" {
-            view.move G view.rotate R tool.scale S view.surface 3 view.vertex 1 view.spin {}
+            view.move G view.rotate R tool.scale S view.surface 3 view.edge 2 view.vertex 1 view.spin {}
             view.walk {} view.centre Shift+C view.centreall Ctrl+Shift+C view.delete X
             view.zoomout - view.zoomin + view.fill Z view.reset Home view.fit .
             view.delete2 {} "Edit > Duplicate" Shift+D "Select > All" A "Select > None" Alt+A
