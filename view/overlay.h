@@ -24,6 +24,18 @@ struct overlay_t {
 
 overlay_t &overlay();
 
+// The cut that a click or a key would make, in all views.
+struct cut_marks_t {
+    std::vector<point3_t> lines;  // two ends each
+    std::vector<point3_t> broken; // the same, where no cut is possible
+    std::vector<point3_t> points; // that were set, and the next one
+
+    [[nodiscard]] bool empty() const { return lines.empty() && broken.empty() && points.empty(); }
+};
+const cut_marks_t &cut_marks();
+// Shows others instead; redraws unless there are none, before and now.
+void show_cut_marks(cut_marks_t marks);
+
 // Shows the rubber band from a press to the pointer.
 struct pointer_event_t;
 void show_band(const pointer_event_t &press, const pointer_event_t &event);

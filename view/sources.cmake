@@ -28,6 +28,7 @@ target_sources(vesk_core PRIVATE
     view/tool_band.cpp
     view/tool_create.cpp
     view/tool_insert.cpp
+    view/tool_knife.cpp
     view/tool_loop_cut.cpp
     view/tool_measure.cpp
     view/tool_select.cpp

@@ -11,6 +11,7 @@
 #include "view/tool_band.h"
 #include "view/tool_create.h"
 #include "view/tool_insert.h"
+#include "view/tool_knife.h"
 #include "view/tool_loop_cut.h"
 #include "view/tool_measure.h"
 #include "view/tool_select.h"
@@ -22,7 +23,7 @@
 namespace {
 
 const tool_t *const tools[] = {&transform_tool, &zoom_tool,     &create_tool, &measure_tool,
-                               &insert_tool,    &loop_cut_tool, &band_tool};
+                               &insert_tool,    &loop_cut_tool, &knife_tool,  &band_tool};
 
 const tool_t *chosen = nullptr; // by name
 

@@ -52,6 +52,9 @@ namespace eval ::vesk::tools {
         {loopcut loopcut +loop_cut set_view_tool "" "Loop cut"
             "Click an edge: its ring of quads is cut."
             "Click an edge. Wheel or digits: how many loops. Drag: where."}
+        {knife knife +knife set_view_tool "" "Knife"
+            "Click a line point by point: it cuts what it crosses."
+            "Click points, Return cuts. Control: middles. Shift: right angles. BackSpace takes one back."}
         {measure measure +measure set_view_tool "" "Measure"
             "Drag a ruler; a third click gives the angle."
             "Drag from point to point. A third click: the angle. Escape clears."}

@@ -2,6 +2,7 @@ target_sources(vesk_tests PRIVATE
     view/camera_test.cpp
     view/drag_test.cpp
     view/echo_test.cpp
+    view/cut_tools_test.cpp
     view/extra_tool_test.cpp
     view/highlight_test.cpp
     view/keys_test.cpp
