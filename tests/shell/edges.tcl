@@ -57,4 +57,35 @@ run {
         [info_of [top_objects] surfaces] == 14 && [edges] == 8
     }
     key Escape
+
+    # ---- the knife ----
+    xdo key ctrl+z
+    vesk clear_selection
+    press .main.tools.knife
+    at xy {*}[spot 0.8 0.8]
+    set plain [picture xy]
+    click_at -0.49 0.2
+    click_at 0 0
+    at xy {*}[spot 0.49 -0.1]
+    check "the line is shown before it cuts" {[difference $plain [picture xy]] > 0}
+    shot edges-knife
+    click_at 0.49 -0.1
+    check "clicks change nothing" {[info_of [top_objects] surfaces] == 6}
+    key BackSpace
+    key BackSpace
+    click_at 0.2 0.49
+    set before [made]
+    key Return
+    check "Return cuts, as one step" {
+        [info_of [top_objects] surfaces] == 7 && [vesk undo_name] eq "knife"
+        && [made] == $before + 1
+    }
+    check "the knife is echoed" {[string match "*vesk knife *-0.5 0.*" [::vesk::console::last 4]]}
+    xdo key ctrl+z
+    check "Ctrl+Z takes the knife back" {[info_of [top_objects] surfaces] == 6}
+    click_at -0.49 0.2
+    key Escape
+    check "Escape drops the line, not the tool" {$::vesk::view_tool eq "knife"}
+    key Return
+    check "nothing is left of it" {[info_of [top_objects] surfaces] == 6}
 }
