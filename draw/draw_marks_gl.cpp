@@ -189,11 +189,33 @@ void draw_lines(const std::vector<point3_t> &ends, int view, const colour_t &col
     }
 }
 
+// With an arrow to the side that stays.
+void draw_ruled_line(const ruled_line_t &line)
+{
+    const colour_t colour = colour_of(prefs.col_foreground);
+    draw_mark_line(line.x0, line.y0, line.x1, line.y1, 1.5f, colour);
+    const float dx = line.x1 - line.x0, dy = line.y1 - line.y0, length = std::hypot(dx, dy);
+    draw_end_mark(line.x0, line.y0, dx, dy, colour);
+    draw_end_mark(line.x1, line.y1, dx, dy, colour);
+    if (line.kept == 0 || length < 1)
+        return;
+    const float reach = static_cast<float>(line.kept) * 16 * scale() / length;
+    const float side_x = dy * reach, side_y = -dx * reach;
+    const float x = (line.x0 + line.x1) / 2, y = (line.y0 + line.y1) / 2;
+    const float tip_x = x + side_x, tip_y = y + side_y;
+    draw_mark_line(x, y, tip_x, tip_y, 1.5f, colour);
+    for (const float turn : {0.4f, -0.4f})
+        draw_mark_line(tip_x, tip_y, tip_x - 0.4f * side_x - turn * side_y,
+                       tip_y - 0.4f * side_y + turn * side_x, 1.5f, colour);
+}
+
 void draw_cut(int view)
 {
     const cut_marks_t &marks = cut_marks();
     draw_lines(marks.lines, view, colour_of(mark_colour));
     draw_lines(marks.broken, view, colour_of(broken_colour));
+    if (marks.ruled.view == view)
+        draw_ruled_line(marks.ruled);
     for (const point3_t &point : marks.points) {
         float x = 0, y = 0;
         if (overlay_position(point, view, &x, &y))

@@ -184,4 +184,97 @@ TEST_F(KnifeTool, ForgetsALineWhoseModelChanged)
     EXPECT_TRUE(cut_marks().empty());
 }
 
+// ---- the slice ----
+
+struct slice_case {
+    const char *name, *keep, *cap;
+    double volume; // of the cube where the result is closed, else 0
+    int surfaces;  // of all objects
+};
+// clang-format off
+const slice_case slice_cases[] = {
+    {"both_open",   "both",  "0", 1,    10},
+    {"front_capped", "front", "1", 0.75, 6},
+    {"back_capped", "back",  "1", 0.25, 6},
+    {"front_open",  "front", "0", 0,    5},
+};
+// clang-format on
+void PrintTo(const slice_case &c, std::ostream *out) { *out << c.name; }
+class SliceTool : public CutTools, public testing::WithParamInterface<slice_case> {};
+
+TEST_P(SliceTool, CutsByThePlaneOnTheLineWhoseLeftIsItsFront)
+{
+    select_object(cube);
+    run("set_view_tool", "slice");
+    run("set_tool_option", "slice_keep", GetParam().keep);
+    run("set_tool_option", "slice_cap", GetParam().cap);
+    const std::string before = scene_text();
+    press(VIEW_XY, 100, 175);
+    move(VIEW_XY, 300, 175);
+    EXPECT_NEAR(length_of_lines(), 4, 1e-4); // round the cube
+    EXPECT_EQ(scene_text(), before);
+    release(VIEW_XY, 300, 175);
+    EXPECT_TRUE(cut_marks().empty());
+    EXPECT_EQ(last_undo(), "slice");
+    EXPECT_EQ(cube->num_surfaces, GetParam().surfaces);
+    if (GetParam().volume > 0) {
+        EXPECT_NEAR(std::fabs(volume(cube)), GetParam().volume, 1e-5);
+    }
+    const std::string after = scene_text(), words = echoed();
+    EXPECT_EQ(words,
+              std::string("slice -1 -0.25 0 0 1 0 ") + GetParam().keep + " " + GetParam().cap);
+    run("step_back");
+    EXPECT_EQ(scene_text(), before);
+    run("slice", "-1", "-0.25", "0", "0", "1", "0", GetParam().keep, GetParam().cap);
+    EXPECT_EQ(scene_text(), after);
+}
+INSTANTIATE_TEST_SUITE_P(Sides, SliceTool, testing::ValuesIn(slice_cases));
+
+class SliceDrag : public CutTools {
+protected:
+    void SetUp() override
+    {
+        CutTools::SetUp();
+        select_object(cube);
+        run("set_view_tool", "slice");
+    }
+};
+
+TEST_F(SliceDrag, InThe3DViewThePlaneGoesThroughTheEye)
+{
+    press(VIEW_XYZ, 20, 150);
+    move(VIEW_XYZ, 380, 150);
+    EXPECT_NEAR(length_of_lines(), 4, 1e-3); // the eye is level with the middle
+    for (const point3_t &p : cut_marks().lines)
+        EXPECT_NEAR(p.y, 0, 1e-4);
+    EXPECT_TRUE(key("Escape"));
+    EXPECT_TRUE(cut_marks().empty());
+    release(VIEW_XYZ, 380, 150);
+    EXPECT_EQ(cube->num_surfaces, 6);
+    drag(VIEW_XYZ, 20, 150, 380, 170, shift); // level by steps of 15 degrees
+    EXPECT_EQ(cube->num_surfaces, 10);
+    for (const point3_t &p : points_of(cube))
+        EXPECT_TRUE(std::fabs(p.y) < 1e-4 || std::fabs(std::fabs(p.y) - 0.5f) < 1e-4);
+}
+
+TEST_F(SliceDrag, AClickAndALineBesideTheModelChangeNothing)
+{
+    click(VIEW_XY, 200, 150);
+    drag(VIEW_XY, 10, 10, 300, 10);
+    EXPECT_EQ(last_message(), "slice - the plane cuts nothing");
+    EXPECT_EQ(*undo_count_address(), 0);
+    EXPECT_EQ(echoed().substr(0, 5), "");
+}
+
+TEST_F(SliceDrag, OptionsTakeTheirOwnWordsOnly)
+{
+    run("set_tool_option", "slice_keep", "half");
+    EXPECT_EQ(last_message(), "the option slice_keep cannot be 'half'");
+    run("set_tool_option", "bevel_segments", "0");
+    EXPECT_EQ(last_message(), "the option bevel_segments cannot be '0'");
+    run("set_tool_option", "nothing", "1");
+    EXPECT_EQ(last_message(), "no tool has an option 'nothing'");
+    EXPECT_EQ(run("get_tool_option", "slice_keep"), "both");
+}
+
 } // namespace
