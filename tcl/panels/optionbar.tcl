@@ -161,8 +161,10 @@ proc ::vesk::optionbar::show_fields_again {} {
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;  measures: sizes of the selection
-proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
+#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;
+#         measures: sizes of the selection;  option: of the tool, a number or one of `choices`
+#         (text value ...)
+proc ::vesk::optionbar::add_item {frame number label kind {key ""} {choices {}}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
     if {$kind in {bool switch run}} {
@@ -183,6 +185,9 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     if {$kind eq "measures"} {
         ttk::label $field -textvariable ::vesk::tools::measured -style Status.TLabel
         pack $field -side left -padx $gap
+    } elseif {$kind eq "option"} {
+        add_option $field $key $choices
+        pack $field -side left -padx [list 0 $gap]
     } else {
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
@@ -190,6 +195,32 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
         foreach event {<Return> <KP_Enter>} {bind $field $event {+after idle ::vesk::view::focus_last}}
         pack $field -side left -padx [list 0 $gap]
     }
+}
+
+# add_option --
+#   The field of an option that the executable keeps for a tool.
+proc ::vesk::optionbar::add_option {field key choices} {
+    set ::vesk::tools::option($key) [vesk get_tool_option $key]
+    if {[llength $choices] > 0} {
+        ttk::combobox $field -state readonly -width 10 -values [dict keys $choices]
+        $field set [dict get [lreverse $choices] $::vesk::tools::option($key)]
+        bind $field <<ComboboxSelected>> [list ::vesk::optionbar::choose_option $field $key $choices]
+        return
+    }
+    ttk::entry $field -width 5 -justify right -font VeskNumber \
+        -textvariable ::vesk::tools::option($key)
+    set apply [list ::vesk::optionbar::type_option $key]
+    bind $field <FocusOut> +$apply
+    ::vesk::fields::on_keys $field [list Return ::vesk::view::focus_last \
+        Escape ::vesk::view::focus_last]
+}
+proc ::vesk::optionbar::choose_option {field key choices} {
+    ::vesk::tools::set_option $key [dict get $choices [$field get]]
+    ::vesk::view::focus_last
+}
+proc ::vesk::optionbar::type_option {key} {
+    if {[catch {::vesk::arith::value $::vesk::tools::option($key)} number]} {set number ""}
+    ::vesk::tools::set_option $key $number
 }
 
 # add_vector --
