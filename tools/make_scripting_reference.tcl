@@ -7,7 +7,7 @@
 
 set marker "<!-- written by tools/make_scripting_reference.tcl: do not edit below -->"
 set topics {
-    selecting objects creating transforms surfaces edges editing check materials texture-coordinates files
+    selecting objects creating transforms copies surfaces edges editing check materials texture-coordinates files
     views program
 }
 
