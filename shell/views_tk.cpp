@@ -11,6 +11,7 @@
 #include "draw/draw_view_gl.h"
 #include "shell/bridge_tk.h"
 #include "shell/interp_tk.h"
+#include "shell/pointer_tk.h"
 #include "shell/uv_window_tk.h"
 #include "shell/view_commands_tk.h"
 #include "view/camera.h"
@@ -312,15 +313,8 @@ void views_tk_fill_port(ui_port_t &port)
     };
     port.set_cursor = [](int view, const char *cursor) {
         const Tk_Window window = view == texture_coords_view ? uv_window_tk() : window_of(view);
-        if (window == nullptr)
-            return;
-        if (cursor == nullptr) {
-            Tk_UndefineCursor(window);
-            return;
-        }
-        const Tk_Cursor shape = Tk_GetCursor(interp_tk(), window, Tk_GetUid(cursor));
-        if (shape != nullptr)
-            Tk_DefineCursor(window, shape);
+        if (window != nullptr)
+            pointer_show_tk(window, cursor);
     };
 }
 

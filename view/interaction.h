@@ -60,6 +60,9 @@ void view_note_motion(int view, double seconds);
 // A drag stays with the tool that it began with; a press of the right button cancels it.
 void interaction_set_tools(const tool_t *(*now)());
 
+// Gives the pointer the shape that the tool names where it rests: something has changed there.
+void interaction_show_pointer();
+
 // Interface scale that the shell reports (1 at 96 dpi).
 void view_set_interface_scale(double scale);
 double view_interface_scale();
