@@ -15,6 +15,7 @@
 #include "shell/uv_window_tk.h"
 #include "shell/view_commands_tk.h"
 #include "view/camera.h"
+#include "view/draw_budget.h"
 #include "view/interaction.h"
 #include "view/views_internal.h"
 
@@ -38,6 +39,8 @@ struct widgets_t {
     double settle_at[num_views] = {never, never, never, never}; // when a view is drawn in full
     Tcl_TimerToken tick = nullptr;
     bool drawing[num_views] = {};
+    double drawn_at[num_views] = {}; // end of the last picture
+    double cost[num_views] = {};     // seconds that it took
 };
 widgets_t widgets;
 
@@ -71,11 +74,26 @@ void draw_again(int view)
         widgets.settle = Tcl_CreateTimerHandler(settle_msecs, settle, nullptr);
 }
 
+// Beside the view that a drag runs in, the others must not take its time: each gets a small share.
+bool must_wait(int view)
+{
+    constexpr double share = 0.1;
+    const int dragged = interaction_drag_view();
+    return dragged != VIEW_NONE && view != dragged &&
+           widgets.cost[view] > frame_budget / num_views &&
+           ui_port().now_seconds() - widgets.drawn_at[view] < widgets.cost[view] / share;
+}
+
 void draw(int view, bool in_full)
 {
     Togl *togl = togl_of(view);
     if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
         return;
+    if (!in_full && must_wait(view)) {
+        draw_again(view);
+        return;
+    }
+    const double started = ui_port().now_seconds();
     widgets.settle_at[view] = never;
     widgets.drawing[view] = true; // a box shown from inside lets events in
     Togl_MakeCurrent(togl);
@@ -92,6 +110,8 @@ void draw(int view, bool in_full)
         },
         &fault);
     widgets.drawing[view] = false;
+    widgets.drawn_at[view] = ui_port().now_seconds();
+    widgets.cost[view] = widgets.drawn_at[view] - started;
     if (!drawn) {
         draw_view_distrust(view);
         tell_main_fault(fault);

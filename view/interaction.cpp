@@ -387,6 +387,11 @@ int interaction_tick_msecs()
 
 drag_kind interaction_drag() { return interaction.drag.kind; }
 
+int interaction_drag_view()
+{
+    return interaction.drag.kind == drag_kind::none ? VIEW_NONE : interaction.drag.view;
+}
+
 void interaction_cancel()
 {
     interaction.spinning = false;

@@ -44,6 +44,7 @@ void interaction_tick(double seconds);
 int interaction_tick_msecs();
 
 drag_kind interaction_drag();
+int interaction_drag_view(); // VIEW_NONE without one
 
 // Ends whatever runs and puts the view or the model back as it was before the drag.
 void interaction_cancel();
