@@ -139,10 +139,16 @@ proc ::vesk::menus::define {name label rows} {
         "Selects the edges whose surfaces meet at a larger angle."}
     {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
+    {run "Behind" {select_behind} Q model
+        "Selects the next element behind the selected one, under the pointer or where the last click was."}
     {run "What lies inside" {select_inside} "" some
         "Selects what lies inside the selected closed objects."}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
+    {line}
+    {ask "Keep as a set..." {selection_set_save {Name text {}}} "" some
+        "Keeps the selection under a name, in the file too."}
+    {menu "Selection sets" selectionsets "" "" "Kept selections: selects them again, or forgets them."}
 }
 ::vesk::menus::define create "&Create" {
     {call "&Polygon" {::vesk::tools::choose polygon} "" "" "Draws a polygon corner by corner."}
