@@ -272,7 +272,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
-    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}
+        {Sharp choice {"Borders only" 180 "Above 30 degrees" 30 "Above 60 degrees" 60
+            "Selected edges" selected}}} "" some
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
