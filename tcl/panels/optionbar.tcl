@@ -71,7 +71,7 @@ proc ::vesk::optionbar::build_snap {path} {
 proc ::vesk::optionbar::build_pivot {path} {
     ttk::frame $path
     ttk::label $path.label -text Pivot -style Dim.TLabel
-    ttk::combobox $path.value -state readonly -width 10 -values {Selection Origin "3D cursor"} \
+    ttk::combobox $path.value -state readonly -width 10 -values {Selection Origin "3D cursor" Picked} \
         -textvariable ::vesk::optionbar::pivot
     pack $path.label $path.value -side left -padx [::vesk::theme::pad 0 8]
     pack configure $path.value -padx 0
@@ -124,6 +124,17 @@ proc ::vesk::optionbar::show_fields {tool} {
     }
     set level -1
     after idle ::vesk::optionbar::fit
+}
+
+# show_again --
+#   Builds the fields anew: which there are depends on soft selection.
+proc ::vesk::optionbar::show_again {} {
+    variable shown
+    set tool $shown
+    if {[::vesk::tools::can_be_soft $tool]} {
+        set shown ""
+        show_fields $tool
+    }
 }
 
 # add_item --
