@@ -287,6 +287,8 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
     print_banner();
     console_printf("VESK_HOME is %s\n", vesk_get_vesk_homedir());
     init_prefs();
+    // Modes that would surprise at the next start.
+    prefs.soft_selection = prefs.symmetry_axis = 0;
     alloc_set_mode(debug_mode(), prefs.memory_checks != 0); // before the first block is taken
     if (prefs.windows_show_console == 0)
         console_release();

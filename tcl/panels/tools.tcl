@@ -133,8 +133,17 @@ proc ::vesk::tools::row {name} {
 
 proc ::vesk::tools::fields_of {name} {
     variable fields
-    return [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+    set items [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+    if {[can_be_soft $name]} {
+        lappend items {Soft bool soft_selection}
+        if {$::prefs_soft_selection} {lappend items {Radius number soft_radius}}
+    }
+    return $items
 }
+
+# can_be_soft --
+#   Whether what a tool does falls off with the distance while soft selection is on.
+proc ::vesk::tools::can_be_soft {name} {return [expr {$name in {move rotate scale}}]}
 
 # needed --
 #   The executable command that a tool depends on.
@@ -330,7 +339,7 @@ proc ::vesk::tools::apply {} {
 proc ::vesk::tools::automatic_changed {} {
     variable automatic
     ::vesk::ops::run set_extrude_automatic $automatic
-    ::vesk::optionbar::show_fields_again
+    ::vesk::optionbar::show_again
 }
 
 # scale, mirror --
@@ -356,6 +365,7 @@ proc ::vesk::tools::pivot_point {} {
     switch -- $::vesk::optionbar::pivot {
         Origin      {return {0 0 0}}
         "3D cursor" {return [vesk get_3d_cursor]}
+        Picked      {return [lrange [vesk get_picked] 3 5]}
     }
     return [vesk get_selection_centre]
 }
