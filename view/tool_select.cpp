@@ -280,6 +280,17 @@ void select_click(int view, int x, int y, int state, double seconds)
     finish();
 }
 
+void select_for_menu(int view, int x, int y)
+{
+    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
+    if (hits.empty() || std::any_of(hits.begin(), hits.end(), is_selected)) {
+        return;
+    }
+    set_selected({hits.front()}, true, true);
+    last_click = {};
+    finish();
+}
+
 void select_band(int view, const band_t &band, int state)
 {
     const std::vector<pick_hit_t> found = pick_band(view, kind_of_mode(), band);

@@ -10,6 +10,10 @@
 // within a second or so and neither selection nor model changed in between; a double click in the object modes changes to object mode with the object itself selected.
 void select_click(int view, int x, int y, int state, double seconds);
 
+// A click of the right button, before its menu opens: what lies there, unless it is selected already.
+// Beside everything the selection stays.
+void select_for_menu(int view, int x, int y);
+
 // A rubber band: replaces the selection; Shift adds, Control removes.
 void select_band(int view, const band_t &band, int state);
 

@@ -284,7 +284,7 @@ proc ::vesk::status::part_width {part} {
 # ---- progress ----
 
 # set_progress --
-#   Moves the bar; it appears when the work takes longer than 0.3 seconds and goes at 100 or 0.
+#   Moves the bar; it appears when the work takes longer than 0.1 seconds and goes at 100 or 0.
 proc ::vesk::status::set_progress {percent} {
     variable path
     variable progress
@@ -301,7 +301,7 @@ proc ::vesk::status::set_progress {percent} {
     }
     set now [clock milliseconds]
     if {$busy_since == 0} {set busy_since $now}
-    if {$now - $busy_since >= 300 && [winfo manager $path.progress] eq ""} {
+    if {$now - $busy_since >= 100 && [winfo manager $path.progress] eq ""} {
         pack forget $path.message
         pack $path.progress -side left
         fit
