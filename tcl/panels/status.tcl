@@ -128,6 +128,7 @@ proc ::vesk::status::show {text} {
     variable history
     variable idle_timer
     variable previews 0
+    set text [one_of $text]
     set message [string map {\n " "} $text]
     # What is done in the editor of texture coordinates is told there, too.
     if {[winfo exists .uv] && [string match .uv* [focus]]} {::vesk::uvedit::message $message}
@@ -137,6 +138,16 @@ proc ::vesk::status::show {text} {
     }
     after cancel $idle_timer
     set idle_timer [after 8000 ::vesk::status::hint]
+}
+
+# one_of --
+#   A message with the singular where it counts one thing; the texts of the executable are the same
+#   for any number.
+proc ::vesk::status::one_of {text} {
+    regsub -all {(^|[^\d.,])1 (vertic)es\M} $text {\11 vertex} text
+    regsub -all {(^|[^\d.,])1 (object|surface|edge|ring|loop|line|point|polygon|problem|material|texture|file|piece|copy|light)s\M} \
+        $text {\11 \2} text
+    return $text
 }
 
 # preview --

@@ -131,7 +131,7 @@ run {
     key ctrl+shift+r
     set options $::vesk::view::area_path.options
     check "other steps since: nothing to adjust" {
-        ![winfo exists $options] && [string match "there is no last operation*" [status]]
+        ![winfo exists $options] && [string match "*no last operation*" [status]]
     }
     hole
     set faces [lindex [vesk get_counts] 3]
