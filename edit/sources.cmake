@@ -45,8 +45,19 @@ target_sources(vesk_core PRIVATE
     edit/revolve.cpp
     edit/select_more.cpp
     edit/select_similar.cpp
+    edit/selection_sets.cpp
     edit/select_inside.cpp
     edit/slice.cpp
+    edit/soft_selection.cpp
+    edit/symmetry.cpp
+    edit/symmetry_scope.cpp
+    edit/deform.cpp
+    edit/align.cpp
+    edit/axis_pivot.cpp
+    edit/copies.cpp
+    edit/drop.cpp
+    edit/mirror_copy.cpp
+    edit/part_moves.cpp
     edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp
@@ -115,6 +126,7 @@ target_sources(vesk_core PRIVATE
     edit/uv/uv_relax.cpp
     edit/uv/uv_replay.cpp
     edit/uv/uvmap.cpp
+    edit/check/crossing_surfaces.cpp
     edit/check/model_check.cpp
     edit/check/model_check_fix.cpp
     edit/check/model_check_notes.cpp

@@ -56,6 +56,7 @@ struct interaction_t {
     double last_motion[num_views] = {-1e9, -1e9, -1e9, -1e9};
     const tool_t *(*tools)() = nullptr;
     double scale = 1.0;
+    pointer_event_t pointer = {VIEW_NONE, 0, 0, 0, 0, 0};
 };
 interaction_t interaction;
 
@@ -250,6 +251,7 @@ void interaction_press(const pointer_event_t &event)
 
 void interaction_motion(const pointer_event_t &event)
 {
+    interaction.pointer = event;
     drag_t &drag = interaction.drag;
     if (drag.kind == drag_kind::none && drag.button == 0) {
         interaction.hover = event;
@@ -387,6 +389,8 @@ int interaction_tick_msecs()
         return spin_tick_msecs;
     return walks_by_timer() ? std::clamp(prefs.ui_timer_msecs, spin_tick_msecs, 1000) : 0;
 }
+
+const pointer_event_t &interaction_pointer() { return interaction.pointer; }
 
 drag_kind interaction_drag() { return interaction.drag.kind; }
 

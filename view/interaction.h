@@ -46,6 +46,9 @@ int interaction_tick_msecs();
 drag_kind interaction_drag();
 int interaction_drag_view(); // VIEW_NONE without one
 
+// Where the pointer was seen last in a view.
+const pointer_event_t &interaction_pointer();
+
 // Ends whatever runs and puts the view or the model back as it was before the drag.
 void interaction_cancel();
 // Ends a tool's drag as a release of the button would, where the pointer was last.

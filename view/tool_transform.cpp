@@ -1,6 +1,7 @@
 #include "view/tool_transform.h"
 
 #include "base/coor_display.h"
+#include "base/echo.h"
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
@@ -10,6 +11,7 @@
 #include "edit/drag_transform.h"
 #include "edit/extrude.h"
 #include "edit/snap.h"
+#include "edit/soft_selection.h"
 #include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/vector.h"
@@ -367,6 +369,7 @@ void finish_change(const pointer_event_t &event)
     const std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     std::vector<std::string> words;
+    const std::vector<std::string> soft = soft_selection_words();
     drop();
     if (is_nothing(change)) {
         transform->take_back();
@@ -378,6 +381,8 @@ void finish_change(const pointer_event_t &event)
         transform->step(change);
         transform->finish();
         words = words_of_change(change, transform->turns_own(change));
+        if (!soft.empty())
+            echo_command(soft);
     }
     keep_step(*step, words, extrudes ? "extrude" : "drag");
     redraw_all();
@@ -522,6 +527,20 @@ bool key(const char *key)
     return take_number(key) || take_axis(key);
 }
 
+// During a drag the wheel makes what soft selection takes along larger or smaller.
+bool wheel(int direction)
+{
+    if (tool.transform == nullptr || tool.extrusion != nullptr || !soft_selection_acts()) {
+        return false;
+    }
+    tool.transform->take_back();
+    soft_radius_step(direction);
+    soft_neighbours_shown(false);
+    tool.transform = std::make_unique<drag_transform_t>();
+    step(tool.last);
+    return true;
+}
+
 bool runs() { return tool.transform != nullptr; }
 
 void click(const pointer_event_t &event)
@@ -577,5 +596,6 @@ const tool_t transform_tool = {.wanted = wanted,
                                .hover = hover,
                                .outside = highlight_clear,
                                .key = key,
+                               .wheel = wheel,
                                .runs = runs,
                                .forget = drop};

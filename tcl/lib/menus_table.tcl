@@ -61,6 +61,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Dive..." {write_dive {File save_file .vr}} "" model "Writes a Dive world."}
     {ask "d&VS..." {write_dvs {File save_file .vdi}} "" model "Writes dVS geometry."}
     {ask "&MASSIVE..." {write_massive {File save_file .geo}} "" model "Writes MASSIVE geometry."}
+    {ask "D&XF..." {write_dxf {File save_file .dxf}} "" model "Writes a drawing: faces, lines and points, a layer for each group."}
     {ask "&Triangles..." {write_tri {File save_file .tri}} "" model "Writes a list of triangles."}
     {ask "O&lder VESK..." {write_vesk_old {File save_file .vesk}} "" model
         "Writes a model file that older versions read."}
@@ -80,6 +81,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "D&elete" {delete} Del some "Deletes the selection."}
     {line}
     {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
+    {menu "Deform" deform "" "" "Bends, twists and swells the selection."}
+    {menu "Symmetry" symmetry "" "" "What is done on one side is done on the other."}
+    {menu "Soft selection" soft "" "" "Moves take along what is near."}
     {line}
     {call "Pre&ferences..." {::vesk::preferences::open} Ctrl+, "" "Every setting, the keys and the plug-ins."}
 }
@@ -99,6 +103,51 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
         {Degrees number 90}} "" some "Turns the selection about one axis."}
     {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
+}
+::vesk::menus::define deform "Deform" {
+    {ask "&Bend..." {bend {Degrees number 90} {Axis axis Z} {Pivot pivot Selection}} "" some
+        "Makes an arc of the selection, about an axis."}
+    {ask "&Taper..." {taper {Factor number 0.5} {Axis axis Y} {Pivot pivot Selection}} "" some
+        "Makes one end of the selection narrower or wider."}
+    {ask "T&wist..." {twist {Degrees number 90} {Axis axis Y} {Pivot pivot Selection}} "" some
+        "Turns the ends of the selection against each other."}
+    {ask "&Inflate..." {inflate {Share number 1} {Pivot pivot Selection}} "" some
+        "Brings the selection onto a sphere, or part of the way."}
+    {ask "&Noise..." {noise {Amount number 0.1} {Seed int 1}} "" some
+        "Moves each vertex a little, by chance."}
+    {ask "&Push along the normals..." {push_normals {Distance number 0.1}} "" some
+        "Makes the selection fatter or thinner."}
+}
+::vesk::menus::define symmetry "Symmetry" {
+    {call "&On or off" {::vesk::reach::toggle_symmetry} Ctrl+Shift+Y ""
+        "Switches symmetry on, as it was last, or off."}
+    {line}
+    {radio "O&ff" {::prefs_symmetry_axis 0 symmetry off} "" "" "Each side by itself."}
+    {radio "Along &X" {::prefs_symmetry_axis 1 symmetry x} "" "" "Left and right."}
+    {radio "Along &Y" {::prefs_symmetry_axis 2 symmetry y} "" "" "Above and below."}
+    {radio "Along &Z" {::prefs_symmetry_axis 3 symmetry z} "" "" "Front and back."}
+    {line}
+    {radio "Plane through the o&rigin" {::prefs_symmetry_at_centre 0 redraw_all} "" ""
+        "The plane of symmetry goes through the origin."}
+    {radio "Plane through the object's &centre" {::prefs_symmetry_at_centre 1 redraw_all} "" ""
+        "The plane of symmetry goes through the centre of each object."}
+}
+::vesk::menus::define soft "Soft selection" {
+    {call "&On or off" {::vesk::reach::toggle_soft} Ctrl+Shift+O ""
+        "Moves take along what is near. The wheel changes how far during a drag."}
+    {ask "&Radius..." {soft_selection {Moves choice {Soft 1 Plain 0}} {Radius from soft_radius}} "" ""
+        "How far what is near is taken along."}
+    {line}
+    {radio "&S-shaped" {::prefs_soft_curve 0 ::vesk::reach::set_soft} "" "" "Round above and below."}
+    {radio "Roun&d" {::prefs_soft_curve 1 ::vesk::reach::set_soft} "" "" "Like a ball."}
+    {radio "&Linear" {::prefs_soft_curve 2 ::vesk::reach::set_soft} "" "" "Like a cone."}
+    {radio "S&harp" {::prefs_soft_curve 3 ::vesk::reach::set_soft} "" "" "Like a thorn."}
+    {radio "&Even" {::prefs_soft_curve 4 ::vesk::reach::set_soft} "" "" "All within the radius alike."}
+    {line}
+    {radio "Through s&pace" {::prefs_soft_along_surface 0 ::vesk::reach::set_soft} "" ""
+        "Measures straight."}
+    {radio "&Along the surface" {::prefs_soft_along_surface 1 ::vesk::reach::set_soft} "" ""
+        "Measures along the edges: what only lies near stays."}
 }
 ::vesk::menus::define mirror "Mirror" {
     {call "Along &X" {::vesk::tools::mirror 0} "" some "Mirrors the selection at the pivot along X."}
@@ -140,10 +189,16 @@ proc ::vesk::menus::define {name label rows} {
         "Selects the edges whose surfaces meet at a larger angle."}
     {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
+    {run "Behind" {select_behind} Q model
+        "Selects the next element behind the selected one, under the pointer or where the last click was."}
     {run "What lies inside" {select_inside} "" some
         "Selects what lies inside the selected closed objects."}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
+    {line}
+    {ask "Keep as a set..." {selection_set_save {Name text {}}} "" some
+        "Keeps the selection under a name, in the file too."}
+    {menu "Selection sets" selectionsets "" "" "Kept selections: selects them again, or forgets them."}
 }
 ::vesk::menus::define create "&Create" {
     {call "&Polygon" {::vesk::tools::choose polygon} "" "" "Draws a polygon corner by corner."}
@@ -199,6 +254,8 @@ proc ::vesk::menus::define {name label rows} {
     {run "Loc&k others" {lock_unselected} "" some "Locks everything that is not selected."}
     {run "U&nlock all" {unlock} "" locked "Unlocks everything."}
     {line}
+    {menu "Copies" copies "" "" "Rows, rings and mirror images of the selection."}
+    {menu "Align" align "" "" "Puts the selected things in line."}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
     {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
@@ -222,6 +279,35 @@ proc ::vesk::menus::define {name label rows} {
         "Deletes double and empty surfaces and objects."}
     {run "Snap together b&y vertices" {object_snap_together_by_vertices} "" vertex
         "Moves objects so that two chosen vertices meet."}
+}
+::vesk::menus::define copies "Copies" {
+    {ask "&Row..." {array {Copies int 3} {X number 1} {Y number 0} {Z number 0}
+        {Steps choice {"As typed" 0 "In sizes of the selection" 1}}} "" some
+        "Copies of the selection, each a step further."}
+    {ask "R&ound..." {array_round {Copies int 5} {Axis axis Y} {Degrees number 360} {Pivot pivot Origin}}
+        "" some "Copies of the selection round an axis; 360 degrees are shared evenly."}
+    {ask "Along the &path..." {array_path {Copies int 5} {"Turn along" choice {Yes 1 No 0}}} "" some
+        "Copies of the selection along the path that was defined."}
+    {line}
+    {ask "&Mirrored..." {mirror_copy {Axis axis X} {"Weld within" number 0} {Pivot pivot Origin}} "" some
+        "The mirror image; welded, it becomes part of the object."}
+    {ask "&Symmetrize..." {symmetrize {Axis axis X}
+        {Keep choice {"The positive side" positive "The negative side" negative}} {Pivot pivot Origin}}
+        "" some "Replaces one half by the mirror image of the other."}
+    {line}
+    {run "Pick the &axis" {pick_axis} "" some
+        "Remembers the edge, the two vertices or the normal that is selected as an axis."}
+    {run "Pick the pi&vot" {pick_pivot} "" some "Remembers the middle of the selection as a pivot."}
+}
+::vesk::menus::define align "Align" {
+    {ask "&Align..." {align {Axis choice {X x Y y Z z}} {Ends choice {Lowest min Middle centre Highest max}}
+        {To choice {"The selection's" selection "The first's" first "The origin" origin "The grid" grid}}}
+        "" some "Brings ends or middles of the selected things to one place."}
+    {ask "&Distribute..." {distribute {Axis choice {X x Y y Z z}} {Even choice {Gaps gaps Centres centres}}}
+        "" some "Spaces the selected things evenly between the outer two."}
+    {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
+    {run "Drop on what lies &below" {drop below} "" object
+        "Lets the selected objects fall until they touch something."}
 }
 ::vesk::menus::define centre "Centre of object" {
     {run "To the &middle" {object_recentre} "" object "The middle of the object's box."}
@@ -267,7 +353,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
-    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}
+        {Sharp choice {"Borders only" 180 "Above 30 degrees" 30 "Above 60 degrees" 60
+            "Selected edges" selected}}} "" some
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}

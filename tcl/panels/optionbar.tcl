@@ -1,7 +1,7 @@
 # optionbar.tcl --
 #   The bar below the menus: select modes, how they pick, fields of the current tool, snapping, pivot,
-#   search. Where the fields of a tool need the room the search field shrinks first; then the pivot,
-#   the near snap and the snap are left out. The modes keep their places while a tool fits so: the
+#   search. Where the fields of a tool need the room the search field shrinks first; then the near
+#   snap, the pivot and the snap are left out. The modes keep their places while a tool fits so: the
 #   window's width decides whether the inactive ones have their texts.
 
 namespace eval ::vesk::optionbar {
@@ -93,7 +93,7 @@ proc ::vesk::optionbar::build_snap {path} {
 proc ::vesk::optionbar::build_pivot {path} {
     ttk::frame $path
     ttk::label $path.label -image [::vesk::icons::get pivot dim]
-    ttk::combobox $path.value -state readonly -width 9 -values {Selection Origin "3D cursor"} \
+    ttk::combobox $path.value -state readonly -width 9 -values {Selection Origin "3D cursor" Picked} \
         -textvariable ::vesk::optionbar::pivot
     pack $path.label $path.value -side left -padx [::vesk::theme::pad 0 6]
     pack configure $path.value -padx 0
@@ -150,9 +150,9 @@ proc ::vesk::optionbar::show_fields {tool} {
     after idle ::vesk::optionbar::fit
 }
 
-# show_fields_again --
-#   After a change of the switch that does without some fields.
-proc ::vesk::optionbar::show_fields_again {} {
+# show_again --
+#   Builds the fields anew after a change of a switch that some of them depend on.
+proc ::vesk::optionbar::show_again {} {
     variable shown
     set tool $shown
     set shown ""
@@ -161,8 +161,10 @@ proc ::vesk::optionbar::show_fields_again {} {
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;  measures: sizes of the selection
-proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
+#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;
+#         measures: sizes of the selection;  option: of the tool, a number or one of `choices`
+#         (text value ...)
+proc ::vesk::optionbar::add_item {frame number label kind {key ""} {choices {}}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
     if {$kind in {bool switch run}} {
@@ -183,6 +185,9 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     if {$kind eq "measures"} {
         ttk::label $field -textvariable ::vesk::tools::measured -style Status.TLabel
         pack $field -side left -padx $gap
+    } elseif {$kind eq "option"} {
+        add_option $field $key $choices
+        pack $field -side left -padx [list 0 $gap]
     } else {
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
@@ -190,6 +195,32 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
         foreach event {<Return> <KP_Enter>} {bind $field $event {+after idle ::vesk::view::focus_last}}
         pack $field -side left -padx [list 0 $gap]
     }
+}
+
+# add_option --
+#   The field of an option that the executable keeps for a tool.
+proc ::vesk::optionbar::add_option {field key choices} {
+    set ::vesk::tools::option($key) [vesk get_tool_option $key]
+    if {[llength $choices] > 0} {
+        ttk::combobox $field -state readonly -width 10 -values [dict keys $choices]
+        $field set [dict get [lreverse $choices] $::vesk::tools::option($key)]
+        bind $field <<ComboboxSelected>> [list ::vesk::optionbar::choose_option $field $key $choices]
+        return
+    }
+    ttk::entry $field -width 5 -justify right -font VeskNumber \
+        -textvariable ::vesk::tools::option($key)
+    set apply [list ::vesk::optionbar::type_option $key]
+    bind $field <FocusOut> +$apply
+    ::vesk::fields::on_keys $field [list Return ::vesk::view::focus_last \
+        Escape ::vesk::view::focus_last]
+}
+proc ::vesk::optionbar::choose_option {field key choices} {
+    ::vesk::tools::set_option $key [dict get $choices [$field get]]
+    ::vesk::view::focus_last
+}
+proc ::vesk::optionbar::type_option {key} {
+    if {[catch {::vesk::arith::value $::vesk::tools::option($key)} number]} {set number ""}
+    ::vesk::tools::set_option $key $number
 }
 
 # add_vector --
@@ -323,31 +354,30 @@ proc ::vesk::optionbar::needed_width {level texts} {
     set width [expr {[modes_width $texts] + [::vesk::theme::px 86]
         + [winfo reqwidth $path.settings]}]
     foreach group {pick line1 tool} {incr width [winfo reqwidth $path.$group]}
-    if {$level < 1} {
+    if {$level < 2} {
         incr width [expr {[winfo reqwidth $path.pivot] + [winfo reqwidth $path.line3]}]
     }
     if {$level < 3} {
-        incr width [expr {[winfo reqwidth $path.snap] + [winfo reqwidth $path.line2]}]
+        incr width [expr {[winfo reqwidth $path.snap.on] + [winfo reqwidth $path.snap.grid]
+            + 2 * [::vesk::theme::px 8] + [winfo reqwidth $path.line2]}]
     }
-    if {$level == 2 && [winfo manager $path.snap.near] ne ""} {
-        incr width -[winfo reqwidth $path.snap.near]
-    }
+    if {$level < 1} {incr width [winfo reqwidth $path.snap.near]}
     return $width
 }
 
 # apply_level --
-#   1: without the pivot; 2: without the near snap; from 3 on without the snap.
+#   1: without the near snap; 2: without the pivot; from 3 on without the snap.
 proc ::vesk::optionbar::apply_level {level} {
     variable path
     foreach part {line2 snap line3 pivot} {pack forget $path.$part}
     if {$level < 3} {
         pack $path.line2 $path.snap -side left -after $path.tool
     }
-    if {$level < 1} {
+    if {$level < 2} {
         pack $path.line3 $path.pivot -side left -after $path.snap
     }
     pack forget $path.snap.near
-    if {$level < 2} {pack $path.snap.near -side left}
+    if {$level < 1} {pack $path.snap.near -side left}
 }
 
 # set_select_mode_ui --

@@ -5,7 +5,6 @@ namespace eval ::vesk::tools {
     variable current move
     variable choosing 0         ;# a tool of the column is setting the draw mode
     variable columns 2
-    variable full_height 0      ;# height of two columns; 0 before it is known
     # A row: name, icon, draw mode ("" none), required command, key, label, help, hint.
     # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
     # a tool of the views beside the draw modes.
@@ -47,12 +46,40 @@ namespace eval ::vesk::tools {
             "Sweeps the selection around an axis." ""}
         {text text "" create_text "" "Text" "Adds a text made of surfaces." ""}
         {}
-        {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
         {insert insert +insert_vertex set_view_tool "" "Insert vertices"
             "Click an edge where the vertex comes." "Click an edge. Control: in the middle."}
-        {loopcut loopcut +loop_cut set_view_tool "" "Loop cut"
+        {loopcut loopcut +loop_cut loop_cut_at "" "Loop cut"
             "Click an edge: its ring of quads is cut."
             "Click an edge. Wheel or digits: how many loops. Drag: where."}
+        {knife knife +knife knife "" "Knife"
+            "Click a line point by point: it cuts what it crosses."
+            "Click points, Return cuts. Control: middles. Shift: right angles. BackSpace takes one back."}
+        {slice slice +slice slice "" "Slice"
+            "Drag a line across a view: a plane cuts the selection."
+            "Drag a line. Shift: steps of 15 degrees. Its front lies to the left of it."}
+        {slide slide +slide slide "" "Slide"
+            "Drag edges or vertices along the edges beside them."
+            "Drag an edge or a vertex along the edges beside it, or type a share."}
+        {edgebevel edgebevel +edge_bevel edge_bevel "" "Bevel edges"
+            "Drag to bevel edges or vertices."
+            "Drag to the right: the width. Wheel: segments. Digits: a width."}
+        {inset inset +inset inset "" "Inset"
+            "Drag for a smaller surface inside each."
+            "Drag to the right: the width. Control: the depth. Digits, Tab: numbers."}
+        {extrudeeach extrudeeach +extrude_each extrude_each "" "Extrude each"
+            "Drag every surface along its own normal."
+            "Drag along the normal, or type a distance."}
+        {extrudenormals extrudenormals +extrude_normals extrude_normals "" "Extrude along normals"
+            "Drag connected surfaces evenly along their normals."
+            "Drag along the normal, or type a distance."}
+        {extrudeedges extrudeedges +extrude_edges extrude_edges "" "Extrude edges"
+            "Drag new quads out of edges."
+            "Drag. X, Y, Z lock an axis; digits type a distance."}
+        {thickness thickness +shell shell "" "Thickness"
+            "Drag to give surfaces an inner side."
+            "Drag to the right: the thickness, or type it."}
+        {}
+        {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
         {measure measure +measure set_view_tool "" "Measure"
             "Drag a ruler; a third click gives the angle."
             "Drag from point to point. A third click: the angle. Escape clears."}
@@ -76,11 +103,18 @@ namespace eval ::vesk::tools {
         cylinder {{Segments int cylinder_segments} {Ends bool cylinder_has_ends}}
         sphere   {{Segments int num_surface_div} {Triangles bool sphere_triangles}}
         insert   {{"Divide the selected edges" run insert_vertex}}
+        slice    {{Keep option slice_keep {"Both sides" both "The front" front "The back" back}}
+                  {Caps option slice_cap {None 0 Closed 1}}}
+        edgebevel {{Segments option bevel_segments} {Profile option bevel_profile}}
+        inset    {{Of option inset_of {"Each surface" each "The region" region}}}
+        thickness {{Rim option shell_rim {Closed 1 Open 0}}}
         measure  {{Selection measures}}
     }
     variable vector             ;# the three numbers of move, rotate, scale
     array set vector {x 0.000 y 0.000 z 0.000}
     variable automatic 1        ;# extrusions keep bodies facing outwards, whatever the preferences
+    variable option             ;# name -> value, of the tools that the executable keeps options for
+    array set option {}
     variable measured ""        ;# sizes of the selection, while the measure tool is on
 }
 
@@ -98,8 +132,17 @@ proc ::vesk::tools::row {name} {
 
 proc ::vesk::tools::fields_of {name} {
     variable fields
-    return [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+    set items [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+    if {[can_be_soft $name]} {
+        lappend items {Soft bool soft_selection}
+        if {$::prefs_soft_selection} {lappend items {Radius number soft_radius}}
+    }
+    return $items
 }
+
+# can_be_soft --
+#   Whether what a tool does falls off with the distance while soft selection is on.
+proc ::vesk::tools::can_be_soft {name} {return [expr {$name in {move rotate scale}}]}
 
 # needed --
 #   The executable command that a tool depends on.
@@ -164,14 +207,31 @@ proc ::vesk::tools::arrange {path} {
     }
 }
 
+# height_of --
+#   What the tools need in so many columns, in pixels.
+proc ::vesk::tools::height_of {path columns} {
+    variable table
+    set button [expr {[winfo reqheight $path.[lindex $table 0 0]] + [::vesk::theme::px 2]}]
+    set height [::vesk::theme::px 11]
+    set group 0
+    foreach words [concat $table {{}}] {
+        if {[llength $words] > 0} {
+            incr group
+            continue
+        }
+        incr height [expr {($group + $columns - 1) / $columns * $button + [::vesk::theme::px 15]}]
+        set group 0
+    }
+    return [expr {$height - [::vesk::theme::px 15]}]
+}
+
 # fit --
-#   Uses more columns where two would be higher than the window.
+#   Uses as many columns, from two on, as the height of the window needs.
 proc ::vesk::tools::fit {path height} {
     variable columns
-    variable full_height
     if {$height < 50} {return}
-    if {$full_height == 0} {set full_height [winfo reqheight $path]}
-    set wanted [expr {$height >= $full_height ? 2 : 4}]
+    set wanted 2
+    while {$wanted < 6 && [height_of $path $wanted] > $height} {incr wanted}
     if {$wanted == $columns} {return}
     set columns $wanted
     arrange $path
@@ -295,7 +355,7 @@ proc ::vesk::tools::apply {} {
 proc ::vesk::tools::automatic_changed {} {
     variable automatic
     ::vesk::ops::run set_extrude_automatic $automatic
-    ::vesk::optionbar::show_fields_again
+    ::vesk::optionbar::show_again
 }
 
 # scale, mirror --
@@ -321,6 +381,7 @@ proc ::vesk::tools::pivot_point {} {
     switch -- $::vesk::optionbar::pivot {
         Origin      {return {0 0 0}}
         "3D cursor" {return [vesk get_3d_cursor]}
+        Picked      {return [lrange [vesk get_picked] 3 5]}
     }
     return [vesk get_selection_centre]
 }
@@ -335,6 +396,15 @@ proc ::vesk::tools::show_measured {} {
     if {$measured eq ""} {set measured "nothing"}
     after idle ::vesk::optionbar::fit
 }
+
+# set_option --
+#   Hands an option of a tool to the executable, and shows what it then is.
+proc ::vesk::tools::set_option {name value} {
+    variable option
+    vesk set_tool_option $name $value
+    set option($name) [vesk get_tool_option $name]
+}
+proc set_tool_option_ui {name value} {set ::vesk::tools::option($name) $value}
 
 # set_view_tool_ui --
 #   Shows a tool of the views beside the draw modes, or that it is off ("none").

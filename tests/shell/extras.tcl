@@ -269,4 +269,11 @@ run {
         [llength $::vesk::tips::list] >= 30
         && [llength [lsort -unique $::vesk::tips::list]] == [llength $::vesk::tips::list]
     }
+    ::vesk::tips::at_start
+    wait_until {[shown .tips]}
+    shot extras-tip
+    check "the tip of the start does not cover the views" {
+        [winfo rootx .tips] >= [winfo rootx .main.right] - 4
+    }
+    destroy .tips
 }
