@@ -3,6 +3,7 @@
 #include "base/messages.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
+#include "edit/path_places.h"
 #include "edit/region_sweep.h"
 #include "model/identity.h"
 #include "model/vec3d.h"
@@ -34,7 +35,8 @@ vec3d normalized(const vec3d &d)
     return size > 0 ? d / size : d;
 }
 
-// The path's points without those at the place of the one before.
+} // namespace
+
 std::vector<point3_t> path_points()
 {
     std::vector<point3_t> points;
@@ -50,8 +52,7 @@ std::vector<point3_t> path_points()
     return points;
 }
 
-// Where the outline faces at each point.
-std::vector<vec3d> directions_along(const std::vector<point3_t> &points)
+std::vector<vec3d> path_directions(const std::vector<point3_t> &points)
 {
     std::vector<vec3d> directions;
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -66,33 +67,19 @@ std::vector<vec3d> directions_along(const std::vector<point3_t> &points)
     return directions;
 }
 
-// The smallest rotation that turns one direction into another.
-class smallest_turn {
-public:
-    smallest_turn(const vec3d &from, const vec3d &to)
-        : axis_(cross(from, to)), cosine_(dot(from, to))
-    {
-        if (cosine_ < -1 + 1e-12) { // about any axis across
-            const vec3d other = std::fabs(from.x) < 0.7 ? vec3d{1, 0, 0} : vec3d{0, 1, 0};
-            axis_ = normalized(cross(from, other));
-            turns_back_ = true;
-        }
+affine_t smallest_turn(const vec3d &from, const vec3d &to)
+{
+    const vec3d axis = cross(from, to); // as long as the sine
+    const double cosine = dot(from, to);
+    if (cosine < -1 + 1e-12) { // half a turn about any axis across
+        const vec3d other = std::fabs(from.x) < 0.7 ? vec3d{1, 0, 0} : vec3d{0, 1, 0};
+        return affine_turn(normalized(cross(from, other)), 180);
     }
-    [[nodiscard]] vec3d operator()(const vec3d &p) const
-    {
-        const double along = dot(axis_, p);
-        if (turns_back_)
-            return axis_ * (2 * along) - p;
-        return p * cosine_ + cross(axis_, p) + axis_ * (along / (1 + cosine_));
-    }
-
-private:
-    vec3d axis_; // as long as the sine
-    double cosine_;
-    bool turns_back_ = false;
-};
-
-} // namespace
+    const auto turned = [&](const vec3d &p) {
+        return p * cosine + cross(axis, p) + axis * (dot(axis, p) / (1 + cosine));
+    };
+    return {turned({1, 0, 0}), turned({0, 1, 0}), turned({0, 0, 1}), {}};
+}
 
 // ---- commands ----
 
@@ -124,12 +111,12 @@ void vesk_extrude_along_path(void)
         return;
     }
     display_message("extrude along path...");
-    const std::vector<vec3d> directions = directions_along(points);
-    std::vector<smallest_turn> turns;
+    const std::vector<vec3d> directions = path_directions(points);
+    std::vector<affine_t> turns;
     for (const vec3d &direction : directions)
-        turns.emplace_back(directions.front(), direction);
+        turns.push_back(smallest_turn(directions.front(), direction));
     const auto place_at = [&](int level, const point3_t &base, const point3_t &) -> point3_t {
-        return to_point(to_vec3d(points[level]) + turns[level](between(points.front(), base)));
+        return to_point(to_vec3d(points[level]) + turns[level].turn(between(points.front(), base)));
     };
     const sweep_t sweep = {static_cast<int>(points.size()) - 1, true, place_at,
                            "extrude along path"};

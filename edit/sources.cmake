@@ -48,6 +48,12 @@ target_sources(vesk_core PRIVATE
     edit/selection_sets.cpp
     edit/select_inside.cpp
     edit/slice.cpp
+    edit/align.cpp
+    edit/axis_pivot.cpp
+    edit/copies.cpp
+    edit/drop.cpp
+    edit/mirror_copy.cpp
+    edit/part_moves.cpp
     edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp

@@ -243,9 +243,9 @@ void register_commands()
     command_watch_install();
     undo_install_kinds(transform_undo_kinds());
     for (const auto &list :
-         {model_commands(), edge_commands(), topology_commands(), check_commands(), file_commands(),
-          history_commands(), panel_commands(), preference_commands(), recovery_commands(),
-          uv_commands()}) {
+         {model_commands(), edge_commands(), topology_commands(), copy_commands(), check_commands(),
+          file_commands(), history_commands(), panel_commands(), preference_commands(),
+          recovery_commands(), uv_commands()}) {
         for (const own_command_t &command : list)
             command_add_own(command);
     }

@@ -9,6 +9,7 @@
 // prints them; each stands in program/commands_<topic>.cpp.
 std::span<const own_command_t> model_commands();
 std::span<const own_command_t> check_commands();
+std::span<const own_command_t> copy_commands();
 std::span<const own_command_t> edge_commands();
 std::span<const own_command_t> file_commands();
 std::span<const own_command_t> history_commands();

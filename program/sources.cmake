@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     program/command_table.cpp
     program/command_watch.cpp
     program/commands_check.cpp
+    program/commands_copies.cpp
     program/commands_edges.cpp
     program/commands_files.cpp
     program/commands_history.cpp

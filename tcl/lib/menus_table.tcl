@@ -60,6 +60,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Dive..." {write_dive {File save_file .vr}} "" model "Writes a Dive world."}
     {ask "d&VS..." {write_dvs {File save_file .vdi}} "" model "Writes dVS geometry."}
     {ask "&MASSIVE..." {write_massive {File save_file .geo}} "" model "Writes MASSIVE geometry."}
+    {ask "D&XF..." {write_dxf {File save_file .dxf}} "" model "Writes a drawing: faces, lines and points, a layer for each group."}
     {ask "&Triangles..." {write_tri {File save_file .tri}} "" model "Writes a list of triangles."}
     {ask "O&lder VESK..." {write_vesk_old {File save_file .vesk}} "" model
         "Writes a model file that older versions read."}
@@ -204,6 +205,8 @@ proc ::vesk::menus::define {name label rows} {
     {run "Loc&k others" {lock_unselected} "" some "Locks everything that is not selected."}
     {run "U&nlock all" {unlock} "" locked "Unlocks everything."}
     {line}
+    {menu "Copies" copies "" "" "Rows, rings and mirror images of the selection."}
+    {menu "Align" align "" "" "Puts the selected things in line."}
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
     {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
@@ -227,6 +230,35 @@ proc ::vesk::menus::define {name label rows} {
         "Deletes double and empty surfaces and objects."}
     {run "Snap together b&y vertices" {object_snap_together_by_vertices} "" vertex
         "Moves objects so that two chosen vertices meet."}
+}
+::vesk::menus::define copies "Copies" {
+    {ask "&Row..." {array {Copies int 3} {X number 1} {Y number 0} {Z number 0}
+        {Steps choice {"As typed" 0 "In sizes of the selection" 1}}} "" some
+        "Copies of the selection, each a step further."}
+    {ask "R&ound..." {array_round {Copies int 5} {Axis axis Y} {Degrees number 360} {Pivot pivot Origin}}
+        "" some "Copies of the selection round an axis; 360 degrees are shared evenly."}
+    {ask "Along the &path..." {array_path {Copies int 5} {"Turn along" choice {Yes 1 No 0}}} "" some
+        "Copies of the selection along the path that was defined."}
+    {line}
+    {ask "&Mirrored..." {mirror_copy {Axis axis X} {"Weld within" number 0} {Pivot pivot Origin}} "" some
+        "The mirror image; welded, it becomes part of the object."}
+    {ask "&Symmetrize..." {symmetrize {Axis axis X}
+        {Keep choice {"The positive side" positive "The negative side" negative}} {Pivot pivot Origin}}
+        "" some "Replaces one half by the mirror image of the other."}
+    {line}
+    {run "Pick the &axis" {pick_axis} "" some
+        "Remembers the edge, the two vertices or the normal that is selected as an axis."}
+    {run "Pick the pi&vot" {pick_pivot} "" some "Remembers the middle of the selection as a pivot."}
+}
+::vesk::menus::define align "Align" {
+    {ask "&Align..." {align {Axis choice {X x Y y Z z}} {Ends choice {Lowest min Middle centre Highest max}}
+        {To choice {"The selection's" selection "The first's" first "The origin" origin "The grid" grid}}}
+        "" some "Brings ends or middles of the selected things to one place."}
+    {ask "&Distribute..." {distribute {Axis choice {X x Y y Z z}} {Even choice {Gaps gaps Centres centres}}}
+        "" some "Spaces the selected things evenly between the outer two."}
+    {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
+    {run "Drop on what lies &below" {drop below} "" object
+        "Lets the selected objects fall until they touch something."}
 }
 ::vesk::menus::define centre "Centre of object" {
     {run "To the &middle" {object_recentre} "" object "The middle of the object's box."}

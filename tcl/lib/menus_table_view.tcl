@@ -168,8 +168,9 @@ namespace eval ::vesk::menus {
     variable context {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
-            {object lock_selected} - {object boolean} {surface slice} {surface catmull_clark} -
-            {view fit_selected_all} {view3d set_view_3d_selection}
+            {object lock_selected} - {copies array} {copies array_round} {copies mirror_copy}
+            {copies symmetrize} {align align} {align {drop below}} - {object boolean} {surface slice}
+            {surface catmull_clark} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface orient_outwards}
             {surface surface_triangulate} {surface quads_from_triangles}
@@ -178,12 +179,14 @@ namespace eval ::vesk::menus {
             {surface extrude_normals} {surface shell} {surface slice} -
             {shading {surface_set_shaded 1}} {shading {surface_set_shaded 0}}
             {surface ::vesk::palette::apply_current} - {select select_grow} {select select_shrink}
-            {select select_linked} {select select_similar} - {create surfaces_separate}
+            {select select_linked} {select select_similar} - {copies array} {copies mirror_copy}
+            {copies pick_axis} {create surfaces_separate}
             {surface removesurface} {edit delete}}
         edge {{edit step_back} - {select select_loop} {select select_ring} {select select_path}
             {select select_grow} {select select_shrink} {select select_linked} -
             {edge loop_cut} {edge connect} {edge edge_bevel} {edge extrude_edges} {edge slide} -
-            {surface catmull_clark} {edge bridge} {edge fill_hole} {edge dissolve} {edge collapse} {edge split_edges} -
+            {surface catmull_clark} {edge bridge} {edge fill_hole} {edge dissolve} {edge collapse}
+            {edge split_edges} - {copies pick_axis}
             {edit delete}}
         light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -
@@ -191,7 +194,7 @@ namespace eval ::vesk::menus {
         vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
             {vertex snaptogrid} {vertex weld} {vertex unshare_vertices} -
             {arrange flatten} {arrange circularize} {arrange straighten} {arrange space_evenly}
-            {arrange smooth_vertices} -
+            {arrange smooth_vertices} {align align} {copies pick_axis} -
             {select select_part_selected_surfaces} {select select_grow} {select select_shrink}
             {select select_linked} {edit delete}}
     }

@@ -62,6 +62,17 @@ namespace eval ::vesk::menus {
         unlock                       {unfreeze}
         object_recentre              {pivot origin centre center}
         object_mincentre             {pivot origin}
+        array                        {copies repeat row grid duplicate}
+        array_round                  {radial circular polar copies gear}
+        array_path                   {follow curve copies}
+        mirror_copy                  {reflect symmetry flip half}
+        symmetrize                   {symmetry half}
+        pick_axis                    {"custom axis" direction normal}
+        pick_pivot                   {origin centre center}
+        align                        {"line up" level justify}
+        distribute                   {space evenly equal}
+        drop                         {gravity ground floor land rest}
+        {drop below}                 {gravity ground land rest stack}
         object_merge                 {join combine attach union}
         object_fragment              {split separate detach pieces islands "loose parts"}
         object_explode               {shatter facets}

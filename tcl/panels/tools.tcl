@@ -17,7 +17,8 @@ namespace eval ::vesk::tools {
         {scale scale move scale "" "Scale"
             "Drag a handle, or type factors." "Drag a handle. Shift keeps proportions."}
         {extrude extrude extrude extrude E "Extrude"
-            "Drag to sweep the selected surfaces." "Drag to sweep the selected surfaces."}
+            "Drag to sweep the selected surfaces."
+            "Drag to sweep where the surfaces face. Shift: any way. X, Y, Z: along an axis."}
         {}
         {polygon polygon polygon create "" "Polygon"
             "Click corner by corner." "Click corners. Return ends, BackSpace takes one back."}
@@ -87,15 +88,15 @@ namespace eval ::vesk::tools {
     }
     # The rows without the group separators.
     variable rows [lsearch -all -inline -not -exact $table {}]
-    # Fields of the option bar: {label kind preference}, kinds as in optionbar.tcl; {vector START}
-    # is three axis fields with Apply.
+    # Fields of the option bar: {label kind preference switch}, kinds as in optionbar.tcl, not shown
+    # while the switch is on; {vector START} is three axis fields with Apply.
     variable fields {
         move     {{vector 0}}
         rotate   {{vector 0} {"Own centres" bool rotate_about_object_centre}}
         scale    {{vector 1}}
         extrude  {{vector 0} {Automatic switch automatic} {Steps int extrude_num} {Cap bool extrude_cap_end}
-                  {"Delete original" bool extrude_delete_original}
-                  {Turn bool extrude_flip_cap}}
+                  {"Delete original" bool extrude_delete_original automatic}
+                  {Turn bool extrude_flip_cap automatic}}
         circle   {{Segments int ellipse_segments}}
         disk     {{Segments int disk_segments}}
         grid     {{Columns int grid_object_x} {Rows int grid_object_y}}
@@ -329,6 +330,7 @@ proc ::vesk::tools::apply {} {
 proc ::vesk::tools::automatic_changed {} {
     variable automatic
     ::vesk::ops::run set_extrude_automatic $automatic
+    ::vesk::optionbar::show_fields_again
 }
 
 # scale, mirror --

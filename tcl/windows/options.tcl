@@ -11,7 +11,11 @@ namespace eval ::vesk::options {
         bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
         rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
-        set_texture_repeats set_texture_offsets}
+        set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
+        align distribute drop}
+    # Words of the kinds axis and pivot.
+    variable axes {X x Y y Z z "Mean normal" normal "Last used" last Picked picked}
+    variable pivots {Selection selection Origin origin "3D cursor" cursor Picked picked}
     # Of these every opening starts anew: the last numbers would move the selection at once.
     variable afresh {move_with_undo scale rotate_with_undo rotate_about_with_undo}
     variable present            ;# row -> its number before it was typed, as shown and exact
@@ -30,6 +34,7 @@ namespace eval ::vesk::options {
 #             centre 0|1|2, size 0|1|2   a number that starts as the selection has it
 #             setting KEY number|int   a number, kept in the scripts' own settings
 #             choice {text value ...}
+#             axis TEXT, pivot TEXT   a choice of axes, of pivots, with that one at first
 #             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
 #             pref KEY number|int|bool   edits a preference, is no argument
 #   before  the operation whose options are opened again, as `last`; "" for a new one
@@ -203,6 +208,13 @@ proc ::vesk::options::add_field {w row item command} {
     variable afresh
     variable present
     lassign $item label kind default
+    if {$kind in {axis pivot}} {
+        # The words of both are in one place; the one asked for stands first.
+        set texts [choices_of $kind]
+        set default [dict merge [dict create $default [dict get $texts $default]] $texts]
+        set kind choice
+        set item [list $label choice $default]
+    }
     if {$kind in {centre size}} {
         set exact [lindex [vesk get_selection_$kind] $default]
         set present($row) [list [::vesk::arith::shown $exact] $exact]
@@ -242,6 +254,14 @@ proc ::vesk::options::add_field {w row item command} {
     ttk::label $w.l$row -text $label -style Panel.Dim.TLabel
     grid $w.l$row $path -sticky we -pady [::vesk::theme::px 2]
     grid configure $w.l$row -padx [::vesk::theme::pad 0 12]
+}
+
+# choices_of --
+#   The texts and words of the kinds axis and pivot.
+proc ::vesk::options::choices_of {kind} {
+    variable axes
+    variable pivots
+    return [expr {$kind eq "axis" ? $axes : $pivots}]
 }
 
 # ask_file --
@@ -296,6 +316,8 @@ proc ::vesk::options::read_options {tell} {
             if {[value_kind $item] eq "int"} {set text [expr {int($text)}]}
         }
         if {$kind eq "choice"} {set text [dict get $default $text]}
+        if {$kind in {axis pivot}} {set text [dict get [choices_of $kind] $text]}
+        if {$kind eq "pivot" && $text eq "cursor"} {set text [join [vesk get_3d_cursor] ,]}
         if {$kind in {pref from}} {set ::prefs_$default $text}
         if {$kind eq "setting"} {::vesk::settings::set_value $default $text}
         if {$kind ne "pref"} {lappend words $text}

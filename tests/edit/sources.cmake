@@ -24,6 +24,7 @@ target_sources(vesk_tests PRIVATE
     edit/select_more_test.cpp
     edit/selection_sets_test.cpp
     edit/slice_test.cpp
+    edit/copies_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/transform_test.cpp

@@ -442,6 +442,41 @@ TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
     EXPECT_EQ(undos(), 0);
 }
 
+struct sweep_case {
+    const char *name;
+    int state;
+    std::vector<const char *> keys; // during the drag, which goes 0.6 to the right and 0.5 up
+    const char *centre;             // of the new end
+};
+// clang-format off
+const sweep_case sweep_cases[] = {
+    {"where_the_surface_faces",      0, {},                   "0 0 1.1"},
+    {"shift_goes_any_way",           1, {},                   "0 0.5 1.1"},
+    {"along_an_axis",                0, {"y"},                "0 0.5 0.5"},
+    {"a_typed_distance",             0, {"2", "Return"},      "0 0 2.5"},
+    {"a_typed_way_along_an_axis",    0, {"y", "2", "Return"}, "0 2 0.5"},
+    {"tab_types_the_other_way",      1, {"Tab", "2", "Return"}, "2 0.5 1.1"},
+};
+// clang-format on
+void PrintTo(const sweep_case &c, std::ostream *out) { *out << c.name; }
+class Sweeps : public Drags, public testing::WithParamInterface<sweep_case> {};
+
+TEST_P(Sweeps, GoAlongTheNormalUnlessTheyAreToldOtherwise)
+{
+    run("set_select_mode", "surface");
+    click(VIEW_XY, 180, 150); // the cube's front, z = 0.5
+    run("set_draw_mode", "extrude");
+    clear_all_undos();
+    press(VIEW_ZY, 250, 150);
+    move(VIEW_ZY, 310, 100, GetParam().state);
+    for (const char *k : GetParam().keys)
+        EXPECT_TRUE(key(k)) << k;
+    release(VIEW_ZY, 310, 100, GetParam().state);
+    EXPECT_EQ(run("get_selection_centre"), GetParam().centre);
+    EXPECT_EQ(undos(), 1);
+}
+INSTANTIATE_TEST_SUITE_P(Cases, Sweeps, testing::ValuesIn(sweep_cases));
+
 // ---- the panels' transforms ----
 
 TEST_F(Drags, OverWhatWasJustLoadedTheyAreTheViews)

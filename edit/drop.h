@@ -1,0 +1,9 @@
+#ifndef VESK_EDIT_DROP_H
+#define VESK_EDIT_DROP_H
+
+// Command "drop": each selected object moves along y until its lowest point has that height, or with
+// the word below, down until it touches what lies below it, the lowest ones first; where nothing
+// does it stays. Selected vertices, edges and surfaces move to a height as one. Undo "drop".
+void command_drop(const char *height);
+
+#endif
