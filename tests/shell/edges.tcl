@@ -99,6 +99,9 @@ run {
     xdo key ctrl+z
     check "Ctrl+Z takes the slice back" {[info_of [top_objects] surfaces] == 6}
 
+    press .main.tools.slice
+    check "what a slice keeps can be chosen" {[.opt.tool.f1 get] eq "Both sides"}
+
     # ---- operations that follow the mouse ----
     vesk set_select_mode edge
     vesk clear_selection
