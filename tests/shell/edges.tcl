@@ -66,6 +66,7 @@ run {
     at xy {*}[spot 0.49 -0.1]
     check "the line is shown before it cuts" {[difference $plain [picture xy]] > 0}
     shot edges-knife
+    page_picture edges-knife 0
     click_at 0.49 -0.1
     check "clicks change nothing" {[info_of [top_objects] surfaces] == 6}
     key BackSpace
