@@ -150,6 +150,7 @@
 ::vesk::menus::define help "&Help" {
     {call "&Manual" {::vesk::help::page manual} "" "" "By task, in the browser."}
     {call "Tou&r" {::vesk::help::page tour} "" "" "A table lamp from nothing, step by step."}
+    {call "Second lesson" {::vesk::help::page tour-mug} "" "" "A mug by edges, loops and cuts, step by step."}
     {call "&Scripting" {::vesk::help::page scripting} "" "" "Every command, with examples."}
     {call "Plug-&in guide" {::vesk::help::page plugins} "" "" "How to write plug-ins."}
     {call "&File formats" {::vesk::help::page file-format} "" "" "Models, settings, and what is exchanged with others."}
