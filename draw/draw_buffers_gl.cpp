@@ -15,6 +15,7 @@ namespace {
 constexpr std::uint32_t small_object = 4096; // slots; larger ones have a page of their own
 constexpr std::uint32_t page_slots = 65536;
 constexpr std::uint32_t page_indices = 6 * page_slots;
+constexpr std::uint32_t most_sorted_triangles = 20000;
 
 std::uint64_t uploaded_bytes = 0;
 
@@ -215,6 +216,9 @@ void build(object_buffers_t &buffers, const flat_ptr &flat)
     mesh_layout_t &layout = buffers.layout;
     buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
     buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
+    buffers.triangles.clear();
+    if (buffers.num_indices <= 3 * most_sorted_triangles)
+        buffers.triangles = layout.triangles;
     const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
     const auto num_lines = static_cast<std::uint32_t>(layout.lines.size());
     buffers.num_edge_indices = num_edges + num_lines;
@@ -359,7 +363,7 @@ void page_draw_points(const draw_ranges_t &slots)
         glDrawArrays(GL_POINTS, static_cast<GLint>(slots.firsts[i]), slots.counts[i]);
 }
 
-void page_draw_slots(GLenum mode, const std::vector<std::uint32_t> &slots)
+void page_draw_slots(GLenum mode, std::span<const std::uint32_t> slots)
 {
     if (slots.empty())
         return;

@@ -10,6 +10,7 @@
 #include "model/flat_mesh.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 struct buffer_page_t;
@@ -24,6 +25,8 @@ struct object_buffers_t {
     buffer_page_t *page = nullptr; // null: nothing to draw
     std::uint32_t first_slot = 0;
     mesh_layout_t layout; // group ranges are the object's own; its index arrays are given up
+    // The layout's own, for sorting them by depth; empty where that would take too long.
+    std::vector<std::uint32_t> triangles;
     std::uint32_t first_triangle_index = 0;
     index_range_t edges;
     std::uint32_t first_line_index = 0;
@@ -73,7 +76,7 @@ void page_unbind();
 void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges);
 void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges);
 void page_draw_points(const draw_ranges_t &slots);
-void page_draw_slots(GLenum mode, const std::vector<std::uint32_t> &slots);
+void page_draw_slots(GLenum mode, std::span<const std::uint32_t> slots);
 
 // How many bytes were uploaded since the start, for tests.
 std::uint64_t buffers_uploaded_bytes();

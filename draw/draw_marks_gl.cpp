@@ -7,9 +7,9 @@
 #include "draw/font_atlas.h"
 #include "view/highlight.h"
 #include "view/interaction.h"
+#include "view/overlay.h"
 #include "view/ruler.h"
 #include "view/tool_insert.h"
-#include "view/tool_loop_cut.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,6 +20,7 @@ namespace {
 constexpr int plate_colour = 0x17181A;
 constexpr int plate_text = 0xF2F3F4;
 constexpr int mark_colour = 0x6CB2FF;
+constexpr int broken_colour = 0xF2705F;
 constexpr colour_t dark = {0, 0, 0, 0.55f};
 
 float scale() { return static_cast<float>(view_interface_scale()); }
@@ -115,6 +116,16 @@ void draw_ruler(int view, int width, int height)
     draw_plate(x, y, width, height, ruler_texts(laid));
 }
 
+void draw_point_mark(float x, float y, const colour_t &colour)
+{
+    const float half = std::round(3 * scale());
+    std::vector<vertex2_t> rim, body;
+    add_quad(rim, x - half - 1, y - half - 1, x + half + 1, y + half + 1);
+    add_quad(body, x - half, y - half, x + half, y + half);
+    draw_array(GL_QUADS, rim, colour_of(0x141414));
+    draw_array(GL_QUADS, body, colour);
+}
+
 void draw_insert_mark(int view)
 {
     const insert_mark_t &mark = insert_mark();
@@ -123,12 +134,7 @@ void draw_insert_mark(int view)
         !overlay_position(mark.to, view, &x2, &y2) || !overlay_position(mark.at, view, &x, &y))
         return;
     draw_mark_line(x1, y1, x2, y2, 2, colour_of(mark_colour));
-    const float half = std::round(3 * scale());
-    std::vector<vertex2_t> rim, body;
-    add_quad(rim, x - half - 1, y - half - 1, x + half + 1, y + half + 1);
-    add_quad(body, x - half, y - half, x + half, y + half);
-    draw_array(GL_QUADS, rim, colour_of(0x141414));
-    draw_array(GL_QUADS, body, colour_of(prefs.col_selvert));
+    draw_point_mark(x, y, colour_of(prefs.col_selvert));
 }
 
 // Of what a click would take. Parts behind the viewer are left out.
@@ -173,11 +179,8 @@ void draw_highlight(int view)
     draw_array(GL_QUADS, bodies, colour);
 }
 
-// The lines of a cut that a click would make.
-void draw_cut_lines(int view)
+void draw_lines(const std::vector<point3_t> &ends, int view, const colour_t &colour)
 {
-    const std::vector<point3_t> &ends = cut_lines();
-    const colour_t colour = colour_of(mark_colour);
     for (std::size_t i = 0; i + 1 < ends.size(); i += 2) {
         float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
         if (overlay_position(ends[i], view, &x1, &y1) &&
@@ -186,12 +189,46 @@ void draw_cut_lines(int view)
     }
 }
 
+// With an arrow to the side that stays.
+void draw_ruled_line(const ruled_line_t &line)
+{
+    const colour_t colour = colour_of(prefs.col_foreground);
+    draw_mark_line(line.x0, line.y0, line.x1, line.y1, 1.5f, colour);
+    const float dx = line.x1 - line.x0, dy = line.y1 - line.y0, length = std::hypot(dx, dy);
+    draw_end_mark(line.x0, line.y0, dx, dy, colour);
+    draw_end_mark(line.x1, line.y1, dx, dy, colour);
+    if (line.kept == 0 || length < 1)
+        return;
+    const float reach = static_cast<float>(line.kept) * 16 * scale() / length;
+    const float side_x = dy * reach, side_y = -dx * reach;
+    const float x = (line.x0 + line.x1) / 2, y = (line.y0 + line.y1) / 2;
+    const float tip_x = x + side_x, tip_y = y + side_y;
+    draw_mark_line(x, y, tip_x, tip_y, 1.5f, colour);
+    for (const float turn : {0.4f, -0.4f})
+        draw_mark_line(tip_x, tip_y, tip_x - 0.4f * side_x - turn * side_y,
+                       tip_y - 0.4f * side_y + turn * side_x, 1.5f, colour);
+}
+
+void draw_cut(int view)
+{
+    const cut_marks_t &marks = cut_marks();
+    draw_lines(marks.lines, view, colour_of(mark_colour));
+    draw_lines(marks.broken, view, colour_of(broken_colour));
+    if (marks.ruled.view == view)
+        draw_ruled_line(marks.ruled);
+    for (const point3_t &point : marks.points) {
+        float x = 0, y = 0;
+        if (overlay_position(point, view, &x, &y))
+            draw_point_mark(x, y, colour_of(prefs.col_selvert));
+    }
+}
+
 } // namespace
 
 void draw_tool_marks(int view, int width, int height)
 {
     draw_highlight(view);
-    draw_cut_lines(view);
+    draw_cut(view);
     draw_insert_mark(view);
     draw_ruler(view, width, height);
 }

@@ -1,6 +1,8 @@
 #include "draw/draw_scene_gl.h"
 
 #include "base/prefs.h"
+#include "draw/crowding_gl.h"
+#include "draw/depth_order.h"
 #include "draw/draw_textures_gl.h"
 #include "model/bounds.h"
 #include "model/each.h"
@@ -95,21 +97,31 @@ void set_surface_state(const batch_key_t &key, const fill_options_t &options)
         glEnable(GL_CULL_FACE);
 }
 
-void draw_batches(const batches_t &batches, const fill_options_t &options)
+void begin_surfaces(const batch_key_t &key, const fill_options_t &options)
 {
-    glEnable(GL_LIGHTING);
-    for (const auto &[key, ranges] : batches) {
-        set_surface_state(key, options);
-        set_material(material_of(key.material), options, key.locked);
-        page_bind(*key.page, true, key.picture.image != nullptr);
-        page_draw_triangles(*key.page, ranges);
-        page_unbind();
-    }
+    set_surface_state(key, options);
+    set_material(material_of(key.material), options, key.locked);
+    page_bind(*key.page, true, key.picture.image != nullptr);
+}
+
+void end_surfaces()
+{
     texture_unbind();
     texture_reset_placement();
     use_no_program();
     glDisable(GL_LIGHTING);
     glDisable(GL_CULL_FACE);
+}
+
+void draw_batches(const batches_t &batches, const fill_options_t &options)
+{
+    glEnable(GL_LIGHTING);
+    for (const auto &[key, ranges] : batches) {
+        begin_surfaces(key, options);
+        page_draw_triangles(*key.page, ranges);
+        page_unbind();
+    }
+    end_surfaces();
 }
 
 placed_image_t picture_of(const scene_item_t &item, const fill_options_t &options)
@@ -126,15 +138,52 @@ bool shines_through(const placed_image_t &picture)
     return picture.image != nullptr && image_has_alpha(picture.image);
 }
 
+// The numbers of its groups that are transparent, or of those that are not.
+std::vector<size_t> groups_of(const scene_item_t &item, const placed_image_t &picture,
+                              bool transparent)
+{
+    std::vector<size_t> found;
+    const auto &groups = item.buffers->layout.groups;
+    for (size_t i = 0; i < groups.size(); ++i)
+        if ((is_transparent(groups[i].material) || shines_through(picture)) == transparent)
+            found.push_back(i);
+    return found;
+}
+
+batch_key_t key_of(const scene_item_t &item, const layout_group_t &group,
+                   const placed_image_t &picture)
+{
+    return {item.locked, group.smooth, group.twosided, group.material, picture, item.buffers->page};
+}
+
 void add_groups(batches_t &batches, const scene_item_t &item, const fill_options_t &options,
                 bool transparent)
 {
     const placed_image_t picture = picture_of(item, options);
-    for (const layout_group_t &group : item.buffers->layout.groups)
-        if ((is_transparent(group.material) || shines_through(picture)) == transparent)
-            batches[{item.locked, group.smooth, group.twosided, group.material, picture,
-                     item.buffers->page}]
-                .add(item.buffers->first_triangle_index + group.first, group.count);
+    for (const size_t i : groups_of(item, picture, transparent)) {
+        const layout_group_t &group = item.buffers->layout.groups[i];
+        batches[key_of(item, group, picture)].add(item.buffers->first_triangle_index + group.first,
+                                                  group.count);
+    }
+}
+
+// The transparent surfaces of an object, back to front. `towards` the viewer.
+void draw_by_depth(const scene_item_t &item, const fill_options_t &options, const point3_t &towards)
+{
+    const object_buffers_t &buffers = *item.buffers;
+    const placed_image_t picture = picture_of(item, options);
+    depth_order_t order = order_by_depth(buffers.layout, *buffers.flat, buffers.triangles,
+                                         groups_of(item, picture, true), towards);
+    for (std::uint32_t &slot : order.slots)
+        slot += buffers.first_slot;
+    const std::span<const std::uint32_t> slots = order.slots;
+    glEnable(GL_LIGHTING);
+    for (const depth_run_t &run : order.runs) {
+        begin_surfaces(key_of(item, buffers.layout.groups[run.group], picture), options);
+        page_draw_slots(GL_TRIANGLES, slots.subspan(run.first, run.count));
+        page_unbind();
+    }
+    end_surfaces();
 }
 
 bool is_drawn_filled(const scene_item_t &item)
@@ -285,63 +334,6 @@ void draw_points_of(const page_ranges_t &ranges)
 
 void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
 
-// Where vertices would cover the shape, they are left out: the mean distance between an object's
-// vertices on the screen tells.
-class crowding {
-public:
-    crowding()
-    {
-        double model[16];
-        double projection[16];
-        GLint viewport[4];
-        glGetDoublev(GL_MODELVIEW_MATRIX, model);
-        glGetDoublev(GL_PROJECTION_MATRIX, projection);
-        glGetIntegerv(GL_VIEWPORT, viewport);
-        for (int column = 0; column < 4; ++column)
-            for (int row = 0; row < 4; ++row) {
-                double sum = 0;
-                for (int k = 0; k < 4; ++k)
-                    sum += projection[k * 4 + row] * model[column * 4 + k];
-                matrix_[column * 4 + row] = sum;
-            }
-        width_ = viewport[2] / 2.0;
-        height_ = viewport[3] / 2.0;
-    }
-
-    [[nodiscard]] bool is_crowded(const object_buffers_t &b) const
-    {
-        double low[2] = {1e30, 1e30};
-        double high[2] = {-1e30, -1e30};
-        for (int corner = 0; corner < 8; ++corner) {
-            const double p[3] = {(corner & 1) != 0 ? b.max.x : b.min.x,
-                                 (corner & 2) != 0 ? b.max.y : b.min.y,
-                                 (corner & 4) != 0 ? b.max.z : b.min.z};
-            const double w = at(p, 3);
-            if (w <= 0)
-                return false; // partly behind the viewer: near
-            for (int axis = 0; axis < 2; ++axis) {
-                const double place = at(p, axis) / w * (axis == 0 ? width_ : height_);
-                low[axis] = std::min(low[axis], place);
-                high[axis] = std::max(high[axis], place);
-            }
-        }
-        const double area = (high[0] - low[0] + 1) * (high[1] - low[1] + 1);
-        return area < closest * closest * b.layout.num_vertices;
-    }
-
-private:
-    static constexpr double closest = 5; // pixels between vertices
-
-    [[nodiscard]] double at(const double p[3], int row) const
-    {
-        return matrix_[row] * p[0] + matrix_[4 + row] * p[1] + matrix_[8 + row] * p[2] +
-               matrix_[12 + row];
-    }
-
-    double matrix_[16];
-    double width_, height_;
-};
-
 // Selected vertices stand on a dark rim.
 void draw_rimmed_points(const scene_t &scene, float size)
 {
@@ -420,21 +412,23 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
 {
     double m[16];
     glGetDoublev(GL_MODELVIEW_MATRIX, m);
+    const point3_t towards = {static_cast<float>(m[2]), static_cast<float>(m[6]),
+                              static_cast<float>(m[10])};
     std::vector<std::pair<double, const scene_item_t *>> order;
     for (const scene_item_t &item : scene.items) {
-        const auto &groups = item.buffers->layout.groups;
-        if (!is_drawn_filled(item) ||
-            (!shines_through(picture_of(item, options)) &&
-             std::none_of(groups.begin(), groups.end(),
-                          [](const layout_group_t &g) { return is_transparent(g.material); })))
+        if (!is_drawn_filled(item) || groups_of(item, picture_of(item, options), true).empty())
             continue;
         const point3_t middle = point_scale(point_add(item.buffers->min, item.buffers->max), 0.5f);
-        order.emplace_back(m[2] * middle.x + m[6] * middle.y + m[10] * middle.z, &item);
+        order.emplace_back(point_dot(middle, towards), &item);
     }
     std::sort(order.begin(), order.end(),
               [](const auto &a, const auto &b) { return a.first < b.first; });
     glDepthMask(GL_FALSE);
     for (const auto &[depth, item] : order) {
+        if (!item->buffers->triangles.empty()) {
+            draw_by_depth(*item, options, towards);
+            continue;
+        }
         batches_t batches;
         add_groups(batches, *item, options, true);
         draw_batches(batches, options);
@@ -494,7 +488,7 @@ void draw_line_surfaces(const scene_t &scene, float width)
 void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width)
 {
     const pending_place_t place;
-    const crowding screen;
+    const crowding_t screen;
     set_colour(colour);
     page_ranges_t whole;
     page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
@@ -512,7 +506,7 @@ void draw_selected_edges(const scene_t &scene, const colour_t &colour, float wid
 void draw_vertices(const scene_t &scene, const vertex_options_t &options)
 {
     const float strength = options.vertex_mode ? 1.0f : 0.8f;
-    const crowding screen;
+    const crowding_t screen;
     page_ranges_t plain;
     page_ranges_t selected;
     for (const scene_item_t &item : scene.items) {

@@ -1,10 +1,12 @@
 # Files of draw/: pictures of the model: the core's files first, then those that call GL.
 target_sources(vesk_core PRIVATE
+    draw/depth_order.cpp
     draw/material_ball.cpp
     draw/mesh_layout.cpp
     draw/selection_marks.cpp
 )
 target_sources(vesk PRIVATE
+    draw/crowding_gl.cpp
     draw/draw_3d_gl.cpp
     draw/draw_buffers_gl.cpp
     draw/draw_device_gl.cpp

@@ -1,10 +1,21 @@
 #ifndef VESK_EDIT_KNIFE_H
 #define VESK_EDIT_KNIFE_H
 
-// Command "knife": cuts the polygons of the selected objects, descendants included, or the whole
-// selected surfaces, along a line on them; one word, x y z of each of its points, which may lie on
-// corners, sides or inside of polygons. All of the line lies on one object. What it does to polygons:
-// see knife_cut. Undo "knife"; the pieces are selected in surface mode, else the selection stays.
+#include "model/owners.h"
+
+class knife_cut;
+
+// What the knife cuts: the polygons of the selected objects, descendants included, and the whole
+// selected surfaces; where neither is selected, those of all visible and unlocked objects.
+std::vector<owned_elements> knife_targets();
+
+// Makes the cut that was drawn on the object, with undo "knife". In surface mode the pieces are
+// selected beside the surfaces that stay selected, unless nothing was; else the selection stays.
+void knife_commit(object_t *object, const knife_cut &cut);
+
+// Command "knife": cuts polygons along a line on them; one word, x y z of each of its points, which
+// may lie on corners, sides or inside of polygons. All of the line lies on one object. What it does
+// to polygons: see knife_cut.
 void command_knife(const char *coordinates);
 
 #endif

@@ -4,6 +4,7 @@
 #include "base/file_report.h"
 #include "base/messages.h"
 #include "base/prefs.h"
+#include "fileio/export_dxf.h"
 #include "fileio/export_inventor.h"
 #include "fileio/export_plain.h"
 #include "fileio/export_pov.h"
@@ -252,6 +253,7 @@ int write_rib(const char *filename)
     format.data = prefs.rib_use_object_data != 0;
     return write_scene(filename, format);
 }
+int write_dxf(const char *filename) { return write_scene(filename, dxf_format); }
 int write_tri(const char *filename) { return write_scene(filename, triangle_format); }
 int write_dive(const char *filename) { return write_scene(filename, dive_format); }
 int write_dvs(const char *filename) { return write_scene(filename, dvs_format); }

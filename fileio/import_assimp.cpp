@@ -43,6 +43,4 @@ object_t *vesk_import_3ds(const char *filename)
     return object;
 }
 
-object_t *vesk_import_dxf(const char *filename) { return vesk_assimp_import(filename, "dxf"); }
-
 object_t *vesk_import_md2(const char *filename) { return vesk_assimp_import(filename, "md2"); }

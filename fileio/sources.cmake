@@ -2,9 +2,15 @@
 target_sources(vesk_core PRIVATE
     fileio/backup.cpp
     fileio/clipboard.cpp
+    fileio/dxf_curves.cpp
+    fileio/dxf_entities.cpp
+    fileio/dxf_nodes.cpp
+    fileio/dxf_scan.cpp
+    fileio/dxf_text.cpp
     fileio/embedded_images.cpp
     fileio/export_3ds.cpp
     fileio/export_commands.cpp
+    fileio/export_dxf.cpp
     fileio/export_inventor.cpp
     fileio/export_plain.cpp
     fileio/export_pov.cpp
@@ -16,6 +22,7 @@ target_sources(vesk_core PRIVATE
     fileio/helper_process.cpp
     fileio/import_assimp.cpp
     fileio/import_bsp.cpp
+    fileio/import_dxf.cpp
     fileio/import_lightwave.cpp
     fileio/import_lwob.cpp
     fileio/import_mesh.cpp

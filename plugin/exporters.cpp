@@ -97,13 +97,10 @@ void vesk_register_internal_file_exporters(void)
         const char *suffix, *description;
         vesk_export_func_t write;
     } rows[] = {
-        {".vesk", "VESK files", write_copy},
-        {".3ds", "3D Studio files", write_3ds},
-        {".wrl", "VRML 2.0 files", write_vrml2},
-        {".iv", "Inventor files", write_inventor},
-        {".pov", "POV files", write_POV},
-        {".rib", "RIB files", write_rib},
-        {".tri", "Alias/Triangle files", write_tri},
+        {".vesk", "VESK files", write_copy},       {".3ds", "3D Studio files", write_3ds},
+        {".dxf", "DXF files", write_dxf},          {".wrl", "VRML 2.0 files", write_vrml2},
+        {".iv", "Inventor files", write_inventor}, {".pov", "POV files", write_POV},
+        {".rib", "RIB files", write_rib},          {".tri", "Alias/Triangle files", write_tri},
     };
     for (const auto &row : rows)
         vesk_register_file_exporter(row.suffix, row.description, row.write,

@@ -15,6 +15,7 @@
 #include "fileio/finite_numbers.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
+#include "fileio/import_dxf.h"
 #include "fileio/import_lightwave.h"
 #include "fileio/import_mesh.h"
 #include "fileio/import_text.h"

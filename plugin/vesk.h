@@ -72,6 +72,7 @@
 #include "fileio/foreign_scene.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
+#include "fileio/import_dxf.h"
 #include "fileio/import_lightwave.h"
 #include "fileio/import_text.h"
 #include "fileio/import_vrml.h"

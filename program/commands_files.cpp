@@ -4,6 +4,7 @@
 #include "base/command_row.h"
 #include "base/file_report.h"
 #include "fileio/embedded_images.h"
+#include "fileio/export_commands.h"
 #include "fileio/vesk_old.h"
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
@@ -123,6 +124,7 @@ std::span<const own_command_t> file_commands()
                     "write the scene as older versions read it, returns 1 or 0"),
         command_row("keep_material_names", command_keep_material_names, view, "<int on>",
                     "1: materials of a file give their names to equal palette entries"),
+        command_row("write_dxf", write_dxf, query, "<filename>", "write the scene in DXF format"),
         command_row("get_exporters", command_get_exporters, query, nullptr,
                     "returns suffix and description of each exporter"),
         command_row("get_texture_loaders", command_get_texture_loaders, query, nullptr,

@@ -30,6 +30,7 @@
 #include "view/interaction.h"
 #include "view/pick.h"
 #include "view/ruler.h"
+#include "view/tool_options.h"
 #include "view/tool_transform.h"
 #include "view/tools.h"
 #include "view/views_internal.h"
@@ -261,9 +262,12 @@ std::span<const own_command_t> panel_commands()
                     "resets the 3D view to one from three quarters above"),
         command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",
                     "a notch of the wheel over a view"),
-        command_row("set_view_tool", command_set_view_tool, select,
-                    "<string measure, insert_vertex, band or none>",
+        command_row("set_view_tool", command_set_view_tool, select, "<string name or none>",
                     "set a tool of the views beside the draw modes"),
+        command_row("set_tool_option", command_set_tool_option, view,
+                    "<string name> <string value>", "set an option of a tool of the views"),
+        command_row("get_tool_option", command_get_tool_option, query, "<string name>",
+                    "returns an option of a tool of the views"),
         command_row("measure_points", command_measure_points, view, "<string coordinates>",
                     "lay the ruler between two or three points, tell distance or angle"),
         command_row("get_measures", command_get_measures, query, nullptr,

@@ -1,8 +1,10 @@
 #include "view/drag_echo.h"
 
+#include "base/command_registry.h"
 #include "base/echo.h"
 #include "base/messages.h"
 #include "edit/document/element_text.h"
+#include "edit/document/undo_internal.h"
 
 namespace {
 
@@ -73,4 +75,22 @@ void keep_step(step_t &step, const std::vector<std::string> &words, const char *
     if (!words.empty())
         echo_command(words);
     step.keep(label, words);
+}
+
+void run_in_drag(const std::vector<std::string> &words)
+{
+    std::vector<const char *> texts;
+    for (const std::string &word : words)
+        texts.push_back(word.c_str());
+    if (vesk_command_t *command = find_command(texts.front()))
+        execute_command(static_cast<int>(texts.size()), texts.data(), command);
+}
+
+void run_as_step(const std::vector<std::string> &words, const char *label)
+{
+    step_t step(step_t::of::drag);
+    const unsigned serial = undo_last_serial();
+    run_in_drag(words);
+    if (undo_last_serial() != serial)
+        keep_step(step, words, label);
 }

@@ -26,4 +26,9 @@ void echo_elements(const std::vector<std::string> &words);
 // that "repeat_last" repeats.
 void keep_step(step_t &step, const std::vector<std::string> &words, const char *label);
 
+// Runs a command without its watch, as a part of a drag.
+void run_in_drag(const std::vector<std::string> &words);
+// Runs a command as what a drag did: echoed and kept when it changed something.
+void run_as_step(const std::vector<std::string> &words, const char *label);
+
 #endif

@@ -28,6 +28,46 @@ point3_t screen_offset_3d(const point3_t &at, int dx, int dy)
             static_cast<float>(m[8] * x + m[9] * y)};
 }
 
+namespace {
+
+// Where a hundred pixels of a direction would go on the screen.
+struct way_t {
+    double x = 0, y = 0; // pixels; 0 0 when it cannot be told
+    double units = 0;    // the length of it
+};
+
+way_t way_of(int view, const point3_t &at, const point3_t &direction)
+{
+    constexpr int pixels = 100;
+    way_t way;
+    way.units = is_orthographic(view) ? pixels_to_distance(pixels, view)
+                                      : point_length(screen_offset_3d(at, pixels, 0));
+    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    const point3_t end = point_add(at, point_scale(direction, static_cast<float>(way.units)));
+    if (window_position(view, at, &x0, &y0) && window_position(view, end, &x1, &y1)) {
+        way.x = x1 - x0;
+        way.y = y1 - y0;
+    }
+    return way;
+}
+
+} // namespace
+
+bool direction_is_seen(int view, const point3_t &at, const point3_t &direction)
+{
+    constexpr double shortest = 15; // of the hundred pixels
+    const way_t way = way_of(view, at, direction);
+    return std::hypot(way.x, way.y) >= shortest;
+}
+
+point3_t offset_along(int view, const point3_t &at, const point3_t &direction, int dx, int dy)
+{
+    const way_t way = way_of(view, at, direction);
+    const double square = way.x * way.x + way.y * way.y;
+    const double share = square > 0 ? (dx * way.x + dy * way.y) / square : 0;
+    return point_scale(direction, static_cast<float>(share * way.units));
+}
+
 void snap_to_grid_from(const point3_t &from, point3_t *offset)
 {
     const auto spacing = static_cast<float>(prefs.grid);

@@ -53,17 +53,25 @@ bool is_one_of(const char *key, const char *a, const char *b)
     return std::strcmp(key, a) == 0 || std::strcmp(key, b) == 0;
 }
 
+void open(const std::vector<number_part_t> &parts, int first)
+{
+    field = {parts, std::vector<std::string>(parts.size()), static_cast<std::size_t>(first)};
+}
+
 } // namespace
 
 number_key number_field_key(const char *key, const std::vector<number_part_t> &parts, int first)
 {
     if (const char character = character_of(key)) {
         if (field.parts.empty())
-            field = {parts, std::vector<std::string>(parts.size()),
-                     static_cast<std::size_t>(first)};
+            open(parts, first);
         type(character);
         return number_key::changed;
     }
+    const bool forwards = std::strcmp(key, "Tab") == 0;
+    const bool backwards = is_one_of(key, "ISO_Left_Tab", "BackTab");
+    if (field.parts.empty() && (forwards || backwards)) // from the first component to its neighbour
+        open(parts, first);
     if (field.parts.empty())
         return number_key::unused;
     const std::size_t count = field.parts.size();
@@ -71,9 +79,9 @@ number_key number_field_key(const char *key, const std::vector<number_part_t> &p
         std::string &text = field.texts[field.at];
         if (!text.empty())
             text.pop_back();
-    } else if (std::strcmp(key, "Tab") == 0) {
+    } else if (forwards) {
         field.at = (field.at + 1) % count;
-    } else if (is_one_of(key, "ISO_Left_Tab", "BackTab")) {
+    } else if (backwards) {
         field.at = (field.at + count - 1) % count;
     } else if (is_one_of(key, "Return", "KP_Enter")) {
         return number_key::accepted;

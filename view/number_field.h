@@ -4,12 +4,14 @@
 #include <vector>
 
 // Numbers that are typed during a drag: the first digit opens a field at the pointer, Tab chooses
-// the next component. The tools ask for the typed numbers; the field itself is drawn by the
+// the next component, and opens the field there. The tools ask for the typed numbers; the field itself is drawn by the
 // scripts.
+
+enum { NUMBER_WITHOUT_AXIS = 3 };
 
 struct number_part_t {
     const char *label;
-    int axis; // its colour
+    int axis; // its colour, or NUMBER_WITHOUT_AXIS
 };
 
 enum class number_key { unused, changed, accepted };

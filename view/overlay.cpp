@@ -3,10 +3,26 @@
 #include "base/redraw.h"
 #include "view/interaction.h"
 
+#include <utility>
+
 overlay_t &overlay()
 {
     static overlay_t shown;
     return shown;
+}
+
+namespace {
+cut_marks_t marks_of_cut;
+}
+
+const cut_marks_t &cut_marks() { return marks_of_cut; }
+
+void show_cut_marks(cut_marks_t marks)
+{
+    const bool any = !marks.empty() || !marks_of_cut.empty();
+    marks_of_cut = std::move(marks);
+    if (any)
+        redraw_all();
 }
 
 void show_band(const pointer_event_t &press, const pointer_event_t &event)

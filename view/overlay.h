@@ -24,6 +24,30 @@ struct overlay_t {
 
 overlay_t &overlay();
 
+// A line across one view, in its pixels, with a mark on the side that is kept: 1 left of it, -1
+// right, 0 both.
+struct ruled_line_t {
+    int view = VIEW_NONE;
+    float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    int kept = 0;
+};
+
+// The cut that a click or a key would make, in all views.
+struct cut_marks_t {
+    std::vector<point3_t> lines;  // two ends each
+    std::vector<point3_t> broken; // the same, where no cut is possible
+    std::vector<point3_t> points; // that were set, and the next one
+    ruled_line_t ruled;
+
+    [[nodiscard]] bool empty() const
+    {
+        return lines.empty() && broken.empty() && points.empty() && ruled.view == VIEW_NONE;
+    }
+};
+const cut_marks_t &cut_marks();
+// Shows others instead; redraws unless there are none, before and now.
+void show_cut_marks(cut_marks_t marks);
+
 // Shows the rubber band from a press to the pointer.
 struct pointer_event_t;
 void show_band(const pointer_event_t &press, const pointer_event_t &event);

@@ -125,3 +125,12 @@ edge_hit_t pick_edge_at(int view, int x, int y, int range)
     });
     return search.best.hit;
 }
+
+float share_of_edge_at(int view, const point3_t &from, const point3_t &to, int x, int y)
+{
+    constexpr float any = std::numeric_limits<float>::infinity();
+    const projector_t projector(view);
+    search_t search = {view, static_cast<float>(x), static_cast<float>(y), any, any, {}};
+    candidate_t found;
+    return nearest_place(projector(from), projector(to), search, &found) ? found.hit.share : 0.5f;
+}

@@ -16,6 +16,10 @@ struct edge_hit_t {
 // The edge within `range` pixels of (x, y).
 edge_hit_t pick_edge_at(int view, int x, int y, int range);
 
+// How much of the way from one end of an edge to the other the place is that (x, y) is nearest to;
+// the middle of one that the view shows as a point.
+float share_of_edge_at(int view, const point3_t &from, const point3_t &to, int x, int y);
+
 inline point3_t point_of_edge(const edge_hit_t &hit)
 {
     return {hit.from.x + (hit.to.x - hit.from.x) * hit.share,

@@ -28,9 +28,13 @@ target_sources(vesk_core PRIVATE
     view/tool_band.cpp
     view/tool_create.cpp
     view/tool_insert.cpp
+    view/tool_knife.cpp
     view/tool_loop_cut.cpp
     view/tool_measure.cpp
+    view/tool_operations.cpp
+    view/tool_options.cpp
     view/tool_select.cpp
+    view/tool_slice.cpp
     view/tool_transform.cpp
     view/tool_zoom.cpp
     view/tools.cpp

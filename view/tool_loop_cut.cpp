@@ -3,13 +3,13 @@
 #include "base/echo.h"
 #include "base/messages.h"
 #include "base/prefs.h"
-#include "base/redraw.h"
 #include "edit/document/selection_scan.h"
 #include "edit/loop_cut.h"
 #include "model/identity.h"
 #include "model/object_tree.h"
 #include "view/drag_echo.h"
 #include "view/interaction.h"
+#include "view/overlay.h"
 #include "view/pick.h"
 #include "view/pick_outline.h"
 #include "view/projector.h"
@@ -19,6 +19,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -31,7 +32,6 @@ struct {
     float slide = 0;
     pointer_event_t start = {};
     bool moved = false;
-    std::vector<point3_t> lines;
 } state;
 
 // Whether the edge is still there: commands run between two motions.
@@ -43,13 +43,11 @@ bool has_edge()
 
 void show()
 {
-    const bool any = !state.lines.empty();
-    state.lines.clear();
+    cut_marks_t marks;
     if (has_edge())
-        state.lines =
+        marks.lines =
             loop_cut_preview(*object_topology(state.object), state.edge, state.cuts, state.slide);
-    if (any || !state.lines.empty())
-        redraw_all();
+    show_cut_marks(std::move(marks));
 }
 
 int place_of(const flat_mesh &mesh, const vertex *v)
@@ -177,7 +175,7 @@ void drop()
 {
     state.object = nullptr;
     state.edge = -1;
-    state.lines.clear();
+    show_cut_marks({});
 }
 
 } // namespace
@@ -193,5 +191,3 @@ const tool_t loop_cut_tool = {.name = "loop_cut",
                               .wheel = wheel,
                               .leave = forget,
                               .forget = drop};
-
-const std::vector<point3_t> &cut_lines() { return state.lines; }

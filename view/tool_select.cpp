@@ -9,6 +9,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/edge_select.h"
+#include "edit/select_more.h"
 #include "model/change_marks.h"
 #include "model/identity.h"
 #include "model/object_tree.h"
@@ -16,11 +17,13 @@
 #include "view/drag_echo.h"
 #include "view/handles.h"
 #include "view/interaction.h"
+#include "view/pick_outline.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <unordered_set>
 
 namespace {
@@ -137,6 +140,49 @@ bool take_walk(const pick_hit_t &hit, bool add)
     return true;
 }
 
+// The corner of the polygon that begins the side nearest to the pointer; -1 for none.
+int corner_of_side_at(const flat_mesh &mesh, int surface, int view, int x, int y)
+{
+    const projector_t projector(view);
+    float least = std::numeric_limits<float>::infinity();
+    int nearest = -1;
+    const auto corners = mesh.surface_corners(surface);
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const int from = corners[i], to = corners[i + 1 < corners.size() ? i + 1 : 0];
+        const near_place_t place =
+            near_segment(projector(mesh.position(from)), projector(mesh.position(to)),
+                         projector.has_perspective(), static_cast<float>(x), static_cast<float>(y));
+        if (place.pixels < least) {
+            least = place.pixels;
+            nearest = mesh.first_corner(surface) + static_cast<int>(i);
+        }
+    }
+    return nearest;
+}
+
+// A second click on a quad takes the strip of quads through the side at the pointer.
+bool take_strip(const pick_hit_t &hit, int view, int x, int y, bool add)
+{
+    const topology_ptr topology = object_topology(hit.object);
+    const auto &records = *topology->mesh().surface_records;
+    const auto record = std::find(records.begin(), records.end(), hit.surface);
+    const auto surface = static_cast<int>(record - records.begin());
+    if (record == records.end() || !topology->is_quad(surface))
+        return false;
+    const int corner = corner_of_side_at(topology->mesh(), surface, view, x, y);
+    const int edge = corner < 0 ? -1 : topology->edge_of_corner(corner);
+    if (edge < 0)
+        return false;
+    owned_list strip;
+    for (const int quad : topology->ring_quads(topology->ring(edge)))
+        strip.add(topology->mesh().surface_record(quad));
+    if (!add)
+        clear_selection();
+    change_selection(strip.get(), true);
+    echo_selection(true, !add, strip.get());
+    return true;
+}
+
 bool is_selected(const pick_hit_t &hit)
 {
     if (select_mode() == SELECT_EDGE)
@@ -177,6 +223,30 @@ void set_selected(const std::vector<pick_hit_t> &hits, bool on, bool replace)
     }
     change_selection(list.get(), on);
     echo_selection(on, replace, list.get());
+}
+
+// A second click on a vertex takes all that hangs together with it.
+void take_linked(const pick_hit_t &hit, bool add)
+{
+    set_selected({hit}, true, !add);
+    command_select_linked();
+    echo_command({"select_linked"});
+}
+
+// What a double click on an element takes beside the element; whether there is something.
+bool take_more(const pick_hit_t &hit, int view, int x, int y, bool add)
+{
+    switch (select_mode()) {
+    case SELECT_EDGE:
+        return take_walk(hit, add);
+    case SELECT_SURFACE:
+        return take_strip(hit, view, x, y, add);
+    case SELECT_VERTEX:
+        take_linked(hit, add);
+        return true;
+    default:
+        return false;
+    }
 }
 
 void select_nothing()
@@ -260,7 +330,7 @@ void select_click(int view, int x, int y, int state, double seconds)
         return;
     }
     const std::vector<pick_hit_t> hits = hits_at(view, x, y);
-    if (twice && select_mode() == SELECT_EDGE && !hits.empty() && take_walk(hits.front(), shift)) {
+    if (twice && !hits.empty() && take_more(hits.front(), view, x, y, shift)) {
         note_click();
         finish();
         return;

@@ -7,7 +7,10 @@
 
 // A click: selects the element under the pointer, or nothing. Shift (in `state`)
 // adds or removes it. A second click at the same place takes the next thing behind, when it comes
-// within a second or so and neither selection nor model changed in between; a double click in the object modes changes to object mode with the object itself selected.
+// within a second or so and neither selection nor model changed in between. A double click takes
+// more: in the object modes the object itself, in object mode then; of an edge its loop, and of a
+// selected loop its ring; of a quad the strip of quads through the side at the pointer; of a vertex
+// all that is linked with it.
 void select_click(int view, int x, int y, int state, double seconds);
 
 // A rubber band: replaces the selection; Shift adds, Control removes.

@@ -106,25 +106,12 @@ doing what_to_do(const pointer_event_t &event, int handle)
     return is_orthographic(event.view) ? doing::BAND : doing::NOTHING;
 }
 
-// An extrusion in the 3D view follows the surfaces' normal where that can be seen: how far along
-// it the pointer went.
-bool offset_along_normal(int dx, int dy, point3_t *offset)
+// An extrusion follows the surfaces' normal where that can be seen, unless an axis is chosen or Shift
+// held.
+bool is_along_normal(const pointer_event_t &event)
 {
-    constexpr double shortest = 4; // pixels of the normal's unit
-    const point3_t normal = tool.extrusion->normal();
-    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
-    const point3_t end = point_add(tool.centre, normal);
-    if (point_length(normal) == 0 || !camera_project(tool.centre, &x0, &y0) ||
-        !camera_project(end, &x1, &y1)) {
-        return false;
-    }
-    const double nx = x1 - x0, ny = y1 - y0;
-    const double square = nx * nx + ny * ny;
-    if (square < shortest * shortest) {
-        return false;
-    }
-    *offset = point_scale(normal, static_cast<float>((dx * nx + dy * ny) / square));
-    return true;
+    return tool.extrusion != nullptr && tool.axis < 0 && qualifier_shift(event.state) == 0 &&
+           direction_is_seen(event.view, tool.centre, tool.extrusion->normal());
 }
 
 // The world offset of the drag so far.
@@ -132,13 +119,13 @@ point3_t offset_of(const pointer_event_t &event)
 {
     const int dx = event.x - tool.start.x;
     const int dy = event.y - tool.start.y;
-    point3_t offset = {0, 0, 0};
+    if (is_along_normal(event)) {
+        return offset_along(event.view, tool.centre, tool.extrusion->normal(), dx, dy);
+    }
     if (event.view == VIEW_XYZ) {
-        if (tool.extrusion != nullptr && tool.axis < 0 && offset_along_normal(dx, dy, &offset)) {
-            return offset;
-        }
         return screen_offset_3d(tool.centre, dx, dy);
     }
+    point3_t offset = {0, 0, 0};
     const view_axes_t axes = view_axes[event.view];
     const auto unit = static_cast<float>(pixels_to_distance(1, event.view));
     axis_of(offset, axes.horizontal) = static_cast<float>(dx) * unit * axis_sign[axes.horizontal];
@@ -166,6 +153,10 @@ void snap_offset(const pointer_event_t &event, point3_t *offset)
         snap_to_grid_from(tool.box.min, offset);
     }
     lock_to_axis(offset);
+    if (is_along_normal(event)) {
+        const point3_t normal = tool.extrusion->normal();
+        *offset = point_scale(normal, static_cast<float>(point_dot(*offset, normal)));
+    }
 }
 
 // The vertex that moves and lies nearest to the press.
@@ -203,7 +194,12 @@ drag_change_t move_change(const pointer_event_t &event)
     change.offset = offset_of(event);
     lock_to_axis(&change.offset);
     snap_offset(event, &change.offset);
-    apply_typed(&change.offset);
+    float distance = 0;
+    if (!is_along_normal(event)) {
+        apply_typed(&change.offset);
+    } else if (number_field_value(0, &distance)) {
+        change.offset = point_scale(tool.extrusion->normal(), distance);
+    }
     return change;
 }
 
@@ -390,6 +386,14 @@ void drop()
     }
 }
 
+// Its normal is asked for before anything has moved.
+void begin_extrusion()
+{
+    if (tool.what == doing::EXTRUDE && tool.extrusion == nullptr) {
+        tool.extrusion = std::make_unique<extrude_preview_t>();
+    }
+}
+
 // The first motion, or the first digit.
 void begin_change()
 {
@@ -403,9 +407,7 @@ void begin_change()
     tool.step = std::make_unique<step_t>(step_t::of::drag);
     tool.transform = std::make_unique<drag_transform_t>();
     tool.grabbed = nearest_moving(tool.start);
-    if (tool.what == doing::EXTRUDE) {
-        tool.extrusion = std::make_unique<extrude_preview_t>();
-    }
+    begin_extrusion();
     if (prefs.snap_near != 0) {
         near_snap_begin(tool.what == doing::EXTRUDE ? std::vector<vertex *>()
                                                     : tool.transform->moving());
@@ -461,11 +463,16 @@ std::vector<number_part_t> number_parts(int *first)
         }
         return {{"W", 0}, {"H", 1}, {"D", 2}};
     }
+    if (is_along_normal(tool.last)) {
+        *first = 0;
+        return {{"D", NUMBER_WITHOUT_AXIS}};
+    }
     return {{"dX", 0}, {"dY", 1}, {"dZ", 2}};
 }
 
 bool take_number(const char *key)
 {
+    begin_extrusion();
     int first = 0;
     const std::vector<number_part_t> parts = number_parts(&first);
     switch (number_field_key(key, parts, first)) {
@@ -494,7 +501,9 @@ bool take_axis(const char *key)
     tool.axis = tool.axis == wanted ? -1 : wanted;
     overlay().locked_axis = tool.axis;
     overlay().lock_point = tool.centre;
-    if (number_field_is_open() && tool.axis >= 0) {
+    if (tool.what == doing::EXTRUDE) {
+        number_field_close(); // a distance is none along an axis, nor the other way round
+    } else if (number_field_is_open() && tool.axis >= 0) {
         number_field_choose(tool.axis);
         number_field_show(tool.last.view, tool.last.x, tool.last.y);
     }

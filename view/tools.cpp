@@ -11,9 +11,13 @@
 #include "view/tool_band.h"
 #include "view/tool_create.h"
 #include "view/tool_insert.h"
+#include "view/tool_knife.h"
 #include "view/tool_loop_cut.h"
 #include "view/tool_measure.h"
+#include "view/tool_operations.h"
+#include "view/tool_options.h"
 #include "view/tool_select.h"
+#include "view/tool_slice.h"
 #include "view/tool_transform.h"
 #include "view/tool_zoom.h"
 
@@ -21,18 +25,30 @@
 
 namespace {
 
-const tool_t *const tools[] = {&transform_tool, &zoom_tool,     &create_tool, &measure_tool,
-                               &insert_tool,    &loop_cut_tool, &band_tool};
+// In the order in which they are asked whether a draw mode is theirs.
+const tool_t *const tools[] = {&transform_tool, &zoom_tool,   &create_tool,
+                               &measure_tool,   &insert_tool, &loop_cut_tool,
+                               &knife_tool,     &slice_tool,  &band_tool};
 
 const tool_t *chosen = nullptr; // by name
 
+template <class Visit>
+void for_each_tool(Visit &&visit)
+{
+    for (const tool_t *tool : tools)
+        visit(*tool);
+    for (const tool_t &tool : operation_tools())
+        visit(tool);
+}
+
 const tool_t *tool_named(const char *name)
 {
-    for (const tool_t *tool : tools) {
-        if (tool->name != nullptr && std::strcmp(tool->name, name) == 0)
-            return tool;
-    }
-    return nullptr;
+    const tool_t *found = nullptr;
+    for_each_tool([&](const tool_t &tool) {
+        if (tool.name != nullptr && std::strcmp(tool.name, name) == 0)
+            found = &tool;
+    });
+    return found;
 }
 
 void choose(const tool_t *tool)
@@ -93,10 +109,10 @@ bool tool_key(const char *keysym)
 
 void tools_interrupt()
 {
-    for (const tool_t *tool : tools) {
-        if (tool->runs != nullptr && tool->runs())
+    for_each_tool([](const tool_t &tool) {
+        if (tool.runs != nullptr && tool.runs())
             interaction_cancel();
-    }
+    });
     panel_transform_cancel();
     palette_preview_end();
 }
@@ -104,10 +120,10 @@ void tools_interrupt()
 void tools_forget()
 {
     interaction_forget();
-    for (const tool_t *tool : tools) {
-        if (tool->forget != nullptr)
-            tool->forget();
-    }
+    for_each_tool([](const tool_t &tool) {
+        if (tool.forget != nullptr)
+            tool.forget();
+    });
 }
 
 void command_set_view_tool(const char *name)
@@ -125,4 +141,5 @@ void tools_reset_for_test()
     tools_forget();
     chosen = nullptr;
     tool_select_reset_for_test();
+    tool_options_reset_for_test();
 }

@@ -1,8 +1,6 @@
 #include "edit/check/model_check_search.h"
 
-#include "edit/mesh/crossings.h"
 #include "edit/mesh/position_index.h"
-#include "edit/mesh/solid_meshes.h"
 #include "model/bounds.h"
 #include "model/vec3d.h"
 #include "model/vector.h"
@@ -286,33 +284,4 @@ std::vector<t_vertex> mesh_t_vertices(const flat_mesh &mesh, const edge_table &e
                   [](const t_vertex &x, const t_vertex &y) { return x.vertex < y.vertex; });
     }
     return found;
-}
-
-std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh)
-{
-    constexpr double no_depth = 1e-5; // of the size
-    std::vector<std::pair<int, int>> pairs;
-    solid_meshes solid;
-    solid.add(mesh, 0);
-    if (!solid.finish())
-        return pairs;
-    const crossings_t found = find_crossings(solid.points(), solid.triangles(), solid.tree(),
-                                             [](double) { return true; });
-    point3_t min, max;
-    bounds_clear(&min, &max);
-    for (const point3_t &p : *mesh->positions)
-        bounds_add(p, &min, &max);
-    const double reach = no_depth * point_length(point_sub(max, min));
-    for (const self_crossing_t &crossing : found.self) {
-        const auto surface_of = [&](int t) {
-            return solid.units()[solid.triangles()[t].unit].surface;
-        };
-        const std::pair<int, int> pair =
-            std::minmax(surface_of(crossing.a), surface_of(crossing.b));
-        if (crossing.depth > reach && pair.first != pair.second)
-            pairs.push_back(pair);
-    }
-    std::sort(pairs.begin(), pairs.end());
-    pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
-    return pairs;
 }

@@ -32,7 +32,8 @@ struct t_vertex {
 std::vector<t_vertex> mesh_t_vertices(const flat_mesh &mesh, const edge_table &edges);
 
 // Pairs of polygons that go through each other, the lower place first; in order. What rounding alone
-// may bring about does not count.
+// may bring about does not count. Ends with the first thousand, so that a model in which everything
+// crosses everything is answered as soon as any other.
 std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh);
 
 #endif

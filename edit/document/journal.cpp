@@ -48,6 +48,7 @@ struct journal_list {
     // present entry has.
     std::string series;
     selection_ptr selected;
+    undo_stack records; // when it began
     bool held = false;
     void (*before_state)(unsigned first_serial) = nullptr;
 };
@@ -314,6 +315,7 @@ void journal_before_step(bool changes)
         journal_settle();
     if (list.selection_count != selection_change_count())
         list.selected = model_state_capture()->selection;
+    list.records = undo_records();
 }
 
 bool journal_step(const char *label, const std::vector<std::string> &words)
@@ -342,6 +344,19 @@ void journal_set_before_state(void (*listener)(unsigned first_serial))
 }
 
 void journal_hold(bool held) { journal().held = held; }
+
+void journal_rewind()
+{
+    journal_list &list = journal();
+    journal_entry &now = entry(list.present);
+    const undo_stack records = list.records;
+    if (!jump(now.state, list.selected ? *list.selected : *now.after))
+        undo_break_external();
+    set_selection_known(!list.selected);
+    now.state = model_state_capture(); // the palette may have grown since
+    undo_records_restore(records);
+    in_step_now();
+}
 
 bool journal_redo()
 {

@@ -44,6 +44,8 @@ void journal_set_before_state(void (*listener)(unsigned first_serial));
 
 // While held (a drag is under way) no state is taken.
 void journal_hold(bool held);
+// Model, selection and undo records as they were when the running step began.
+void journal_rewind();
 
 // One state on, to a state, to before the command that faulted last. They restore model, selection
 // and undo records. False when there is no such state.

@@ -25,6 +25,8 @@ void step_t::keep(const char *label, const std::vector<std::string> &words)
     journal_step(label, words);
 }
 
+void step_t::take_back() { journal_rewind(); }
+
 void step_t::keep_faulted(const char *label)
 {
     end();

@@ -21,7 +21,9 @@ public:
     // Takes the new state, when something changed or an undo record was opened. `label` names it
     // unless a record does, `words` are the command that repeats it.
     void keep(const char *label, const std::vector<std::string> &words = {});
-    // The same for a command that faulted: "take back" goes to the state before it.
+    // Model, selection and undo records as they were when the step began, which goes on.
+    void take_back();
+    // As keep, for a command that faulted: "take back" goes to the state before it.
     void keep_faulted(const char *label);
 
 private:

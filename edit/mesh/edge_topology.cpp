@@ -142,14 +142,16 @@ std::vector<int> edge_topology::ring_quads(const edge_chain &ring) const
 
 topology_ptr object_topology(object_t *object)
 {
-    // Of the objects asked for last, the newest first. Held by their corners: an array with the
-    // same address has not changed.
+    // Of the objects asked for last, the newest first. An array with the same address has not
+    // changed; the records are others after an undo that gave the arrays back.
     static std::array<topology_ptr, 2> kept;
     const flat_ptr mesh = object_flat(object);
     const auto found = std::find_if(kept.begin(), kept.end(), [&](const topology_ptr &topology) {
         return topology != nullptr && topology->mesh().corners == mesh->corners &&
                topology->mesh().surfaces == mesh->surfaces &&
-               topology->mesh().positions == mesh->positions;
+               topology->mesh().positions == mesh->positions &&
+               topology->mesh().vertex_records == mesh->vertex_records &&
+               topology->mesh().surface_records == mesh->surface_records;
     });
     if (found != kept.end()) {
         std::rotate(kept.begin(), found, found + 1);

@@ -406,6 +406,7 @@ bool knife_cut::draw(std::span<const point3_t> line, std::string *why)
     on_sides_.clear();
     inside_.clear();
     chords_.clear();
+    drawn_ = false;
     int last = -1;
     for (std::size_t i = 0; i < line.size(); ++i) {
         const int node = node_at(line[i]);
@@ -419,6 +420,7 @@ bool knife_cut::draw(std::span<const point3_t> line, std::string *why)
         }
         last = node;
     }
+    drawn_ = true;
     for (auto &[surface, chords] : chords_) {
         join_loose_ends(surface);
         join_rings(surface);

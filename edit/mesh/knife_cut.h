@@ -25,6 +25,8 @@ public:
 
     // Draws the line anew. False when it cannot be drawn: `why` says so in a few words.
     bool draw(std::span<const point3_t> line, std::string *why);
+    // Whether the last line could be drawn, though it may cut nothing.
+    [[nodiscard]] bool is_drawn() const { return drawn_; }
     // The new edges, two points each, and the number of polygons that they cut.
     [[nodiscard]] std::vector<point3_t> edges() const;
     [[nodiscard]] int num_cut() const { return static_cast<int>(chords_.size()); }
@@ -90,6 +92,7 @@ private:
     box_tree tree_{{}};
     double size_ = 0;
 
+    bool drawn_ = false;
     std::vector<node_t> nodes_;
     std::map<std::pair<int, int>, std::vector<int>> on_sides_; // nodes, from low to high
     std::map<int, std::vector<int>> inside_;                   // nodes of each surface

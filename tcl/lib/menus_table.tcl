@@ -60,6 +60,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Dive..." {write_dive {File save_file .vr}} "" model "Writes a Dive world."}
     {ask "d&VS..." {write_dvs {File save_file .vdi}} "" model "Writes dVS geometry."}
     {ask "&MASSIVE..." {write_massive {File save_file .geo}} "" model "Writes MASSIVE geometry."}
+    {ask "D&XF..." {write_dxf {File save_file .dxf}} "" model "Writes a drawing: faces, lines and points, a layer for each group."}
     {ask "&Triangles..." {write_tri {File save_file .tri}} "" model "Writes a list of triangles."}
     {ask "O&lder VESK..." {write_vesk_old {File save_file .vesk}} "" model
         "Writes a model file that older versions read."}

@@ -1,7 +1,8 @@
 # optionbar.tcl --
-#   The bar below the menus: select modes, fields of the current tool, snapping, pivot, search. In a
-#   narrow window the search field shrinks first; then the texts of the inactive modes, the pivot
-#   and the near snap are left out.
+#   The bar below the menus: select modes, how they pick, fields of the current tool, snapping, pivot,
+#   search. Where the fields of a tool need the room the search field shrinks first; then the pivot,
+#   the near snap and the snap are left out. The modes keep their places while a tool fits so: the
+#   window's width decides whether the inactive ones have their texts.
 
 namespace eval ::vesk::optionbar {
     variable path ""
@@ -29,6 +30,7 @@ proc ::vesk::optionbar::build {bar} {
             Left [list ::vesk::optionbar::step_mode $mode -1] \
             Right [list ::vesk::optionbar::step_mode $mode 1]]
     }
+    build_pick $bar.pick
     ::vesk::parts::hairline $bar.line1
     ttk::frame $bar.tool
     ::vesk::parts::hairline $bar.line2
@@ -42,7 +44,9 @@ proc ::vesk::optionbar::build {bar} {
     build_search $bar.search
     # Packed first, so that a narrow window does not cut them off.
     pack $bar.search $bar.settings -side right
-    pack $bar.modes $bar.line1 $bar.tool $bar.line2 $bar.snap $bar.line3 $bar.pivot -side left
+    pack $bar.modes $bar.pick $bar.line1 $bar.tool $bar.line2 $bar.snap $bar.line3 $bar.pivot \
+        -side left
+    pack configure $bar.pick -padx [::vesk::theme::pad 8 0]
     pack configure $bar.settings -padx [::vesk::theme::pad 4 4]
     ::vesk::parts::at_least $bar 31
     bind $bar <Configure> ::vesk::optionbar::fit
@@ -50,6 +54,24 @@ proc ::vesk::optionbar::build {bar} {
     bind $bar.tool <Configure> ::vesk::optionbar::fit
     trace add variable ::vesk::select_mode write ::vesk::optionbar::mode_changed
     show_fields $::vesk::tools::current
+}
+
+# build_pick --
+#   The buttons of the rubber band, which is pressed until the drag, and of selecting through.
+proc ::vesk::optionbar::build_pick {path} {
+    ttk::frame $path -style Axis.TFrame -padding [::vesk::theme::px 2]
+    ttk::checkbutton $path.band -variable ::vesk::view_tool -onvalue band -offvalue none \
+        -command {::vesk::ops::run set_view_tool $::vesk::view_tool}
+    ttk::checkbutton $path.through -variable ::prefs_select_through \
+        -command {::vesk::menus::changed prefs_select_through {}}
+    foreach {name icon words} {band select-box band through select-through prefs_select_through} {
+        $path.$name configure -style Segment.Toolbutton -image [::vesk::icons::or_disabled $icon]
+        pack $path.$name -side left
+        lassign [::vesk::menus::find select \
+            [expr {$name eq "band" ? {set_view_tool band} : "prefs_select_through"}]] \
+            kind label target key needs help
+        ::vesk::tooltips::attach $path.$name $label $key $help
+    }
 }
 
 proc ::vesk::optionbar::build_snap {path} {
@@ -70,13 +92,13 @@ proc ::vesk::optionbar::build_snap {path} {
 
 proc ::vesk::optionbar::build_pivot {path} {
     ttk::frame $path
-    ttk::label $path.label -text Pivot -style Dim.TLabel
-    ttk::combobox $path.value -state readonly -width 10 -values {Selection Origin "3D cursor" Picked} \
+    ttk::label $path.label -image [::vesk::icons::get pivot dim]
+    ttk::combobox $path.value -state readonly -width 9 -values {Selection Origin "3D cursor" Picked} \
         -textvariable ::vesk::optionbar::pivot
-    pack $path.label $path.value -side left -padx [::vesk::theme::pad 0 8]
+    pack $path.label $path.value -side left -padx [::vesk::theme::pad 0 6]
     pack configure $path.value -padx 0
     bind $path.value <<ComboboxSelected>> {%W selection clear}
-    ::vesk::tooltips::attach $path.value "Pivot" "" "What typed angles turn about, and where factors and mirroring start."
+    foreach part {label value} {::vesk::tooltips::attach $path.$part "Pivot" "" "What typed angles turn about, and where factors and mirroring start."}
 }
 
 # build_search --
@@ -116,31 +138,33 @@ proc ::vesk::optionbar::show_fields {tool} {
     pack $frame.name -side left -padx [::vesk::theme::pad 0 10]
     set number 0
     foreach item [::vesk::tools::fields_of $tool] {
-        if {[lindex $item 0] eq "vector"} {
-            add_vector $frame [lindex $item 1]
+        lassign $item label kind key without
+        if {$without ne "" && [set ::vesk::tools::$without]} {continue}
+        if {$label eq "vector"} {
+            add_vector $frame $kind
         } else {
-            add_item $frame [incr number] {*}$item
+            add_item $frame [incr number] $label $kind $key
         }
     }
     set level -1
     after idle ::vesk::optionbar::fit
 }
 
-# show_again --
-#   Builds the fields anew: which there are depends on soft selection.
-proc ::vesk::optionbar::show_again {} {
+# show_fields_again --
+#   After a change of what some fields depend on.
+proc ::vesk::optionbar::show_fields_again {} {
     variable shown
     set tool $shown
-    if {[::vesk::tools::can_be_soft $tool]} {
-        set shown ""
-        show_fields $tool
-    }
+    set shown ""
+    show_fields $tool
 }
 
 # add_item --
 #   One field of a tool.
-#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;  measures: sizes of the selection
-proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
+#   kind  bool, int or number: a preference;  switch: a variable of the tools;  run: a command;
+#         measures: sizes of the selection;  option: of the tool, a number or one of `choices`
+#         (text value ...)
+proc ::vesk::optionbar::add_item {frame number label kind {key ""} {choices {}}} {
     set field $frame.f$number
     set gap [::vesk::theme::px 6]
     if {$kind in {bool switch run}} {
@@ -161,6 +185,9 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
     if {$kind eq "measures"} {
         ttk::label $field -textvariable ::vesk::tools::measured -style Status.TLabel
         pack $field -side left -padx $gap
+    } elseif {$kind eq "option"} {
+        add_option $field $key $choices
+        pack $field -side left -padx [list 0 $gap]
     } else {
         ttk::entry $field -width 5 -justify right -font VeskNumber \
             -textvariable ::vesk::optionbar::field$number
@@ -168,6 +195,32 @@ proc ::vesk::optionbar::add_item {frame number label kind {key ""}} {
         foreach event {<Return> <KP_Enter>} {bind $field $event {+after idle ::vesk::view::focus_last}}
         pack $field -side left -padx [list 0 $gap]
     }
+}
+
+# add_option --
+#   The field of an option that the executable keeps for a tool.
+proc ::vesk::optionbar::add_option {field key choices} {
+    set ::vesk::tools::option($key) [vesk get_tool_option $key]
+    if {[llength $choices] > 0} {
+        ttk::combobox $field -state readonly -width 10 -values [dict keys $choices]
+        $field set [dict get [lreverse $choices] $::vesk::tools::option($key)]
+        bind $field <<ComboboxSelected>> [list ::vesk::optionbar::choose_option $field $key $choices]
+        return
+    }
+    ttk::entry $field -width 5 -justify right -font VeskNumber \
+        -textvariable ::vesk::tools::option($key)
+    set apply [list ::vesk::optionbar::type_option $key]
+    bind $field <FocusOut> +$apply
+    ::vesk::fields::on_keys $field [list Return ::vesk::view::focus_last \
+        Escape ::vesk::view::focus_last]
+}
+proc ::vesk::optionbar::choose_option {field key choices} {
+    ::vesk::tools::set_option $key [dict get $choices [$field get]]
+    ::vesk::view::focus_last
+}
+proc ::vesk::optionbar::type_option {key} {
+    if {[catch {::vesk::arith::value $::vesk::tools::option($key)} number]} {set number ""}
+    ::vesk::tools::set_option $key $number
 }
 
 # add_vector --
@@ -233,6 +286,8 @@ proc ::vesk::optionbar::step_mode {mode step} {
 
 proc ::vesk::optionbar::mode_changed {args} {
     variable level
+    variable shown
+    if {$shown in {move rotate scale}} {show_fields_again}
     set level -1
     after idle ::vesk::optionbar::fit
 }
@@ -247,15 +302,18 @@ proc ::vesk::optionbar::fit {} {
     if {![winfo exists $path]} {return}
     set room [expr {[winfo width $path] - 2 * [::vesk::theme::px 8]}]
     if {$room < 100} {return}
-    for {set wanted 0} {$wanted <= 4} {incr wanted} {
-        if {[needed_width $wanted] <= $room || $wanted == 4} {break}
+    set texts [expr {$room >= [modes_width 1] + [::vesk::theme::px 740]}]
+    for {set wanted 0} {$wanted < 4} {incr wanted} {
+        if {[needed_width $wanted $texts] <= $room} {break}
     }
+    if {$wanted == 4} {set texts 0}
+    show_texts $texts
     if {$wanted != $level} {
         set level $wanted
         apply_level $wanted
     }
-    set rest [expr {$room - [needed_width $wanted]}]
-    set small [search_minimum $wanted]
+    set rest [expr {$room - [needed_width $wanted $texts]}]
+    set small [::vesk::theme::px 56]
     set full [::vesk::theme::px 197]
     $path.search configure -width [expr {min($full, $small + max(0, $rest))}]
     set narrow [expr {[$path.search cget -width] < [::vesk::theme::px 100]}]
@@ -264,55 +322,65 @@ proc ::vesk::optionbar::fit {} {
     }
 }
 
-# search_minimum --
-#   The smallest width of the search field at a level.
-proc ::vesk::optionbar::search_minimum {level} {
-    return [::vesk::theme::px [expr {$level == 0 ? 100 : 56}]]
-}
-
-# needed_width --
-#   Width of the bar at a level.
-proc ::vesk::optionbar::needed_width {level} {
+# show_texts --
+#   Whether the inactive modes have their texts, too.
+proc ::vesk::optionbar::show_texts {on} {
     variable path
     variable modes
-    set width [expr {[search_minimum $level] + [::vesk::theme::px 22]
-        + [winfo reqwidth $path.settings]}]
-    foreach group {line1 tool line2 snap} {incr width [winfo reqwidth $path.$group]}
-    set icons [expr {[::vesk::theme::px 16] + [::vesk::theme::px 15]}]
     foreach {mode icon label key help} $modes {
-        set text [expr {[font measure TkDefaultFont $label] + [::vesk::theme::px 6]}]
-        if {$level >= 1 && $mode ne $::vesk::select_mode} {set text 0}
-        incr width [expr {$icons + $text}]
+        set compound [expr {$on || $mode eq $::vesk::select_mode ? "left" : "image"}]
+        if {[$path.modes.$mode cget -compound] ne $compound} {
+            $path.modes.$mode configure -compound $compound
+        }
     }
-    incr width [::vesk::theme::px 4]
-    if {$level < 2} {
-        incr width [expr {[winfo reqwidth $path.pivot] + [winfo reqwidth $path.line3]}]
-    }
-    if {$level == 3 && [winfo manager $path.snap.near] ne ""} {
-        incr width -[winfo reqwidth $path.snap.near]
-    }
-    if {$level >= 4} {
-        incr width -[expr {[winfo reqwidth $path.snap] + [winfo reqwidth $path.line2]}]
+}
+
+# modes_width --
+#   Width of the modes, with the texts of all or of the active one.
+proc ::vesk::optionbar::modes_width {texts} {
+    variable modes
+    set width [::vesk::theme::px 4]
+    foreach {mode icon label key help} $modes {
+        incr width [::vesk::theme::px 31]
+        if {$texts || $mode eq $::vesk::select_mode} {
+            incr width [expr {[font measure TkDefaultFont $label] + [::vesk::theme::px 6]}]
+        }
     }
     return $width
 }
 
+# needed_width --
+#   Width of the bar at a level, with the search field at its smallest.
+proc ::vesk::optionbar::needed_width {level texts} {
+    variable path
+    set width [expr {[modes_width $texts] + [::vesk::theme::px 86]
+        + [winfo reqwidth $path.settings]}]
+    foreach group {pick line1 tool} {incr width [winfo reqwidth $path.$group]}
+    if {$level < 1} {
+        incr width [expr {[winfo reqwidth $path.pivot] + [winfo reqwidth $path.line3]}]
+    }
+    if {$level < 3} {
+        incr width [expr {[winfo reqwidth $path.snap] + [winfo reqwidth $path.line2]}]
+    }
+    if {$level == 2 && [winfo manager $path.snap.near] ne ""} {
+        incr width -[winfo reqwidth $path.snap.near]
+    }
+    return $width
+}
+
+# apply_level --
+#   1: without the pivot; 2: without the near snap; from 3 on without the snap.
 proc ::vesk::optionbar::apply_level {level} {
     variable path
-    variable modes
-    foreach {mode icon label key help} $modes {
-        set short [expr {$level >= 1 && $mode ne $::vesk::select_mode}]
-        $path.modes.$mode configure -compound [expr {$short ? "image" : "left"}]
-    }
     foreach part {line2 snap line3 pivot} {pack forget $path.$part}
-    if {$level < 4} {
+    if {$level < 3} {
         pack $path.line2 $path.snap -side left -after $path.tool
     }
-    if {$level < 2} {
+    if {$level < 1} {
         pack $path.line3 $path.pivot -side left -after $path.snap
     }
     pack forget $path.snap.near
-    if {$level < 3} {pack $path.snap.near -side left}
+    if {$level < 2} {pack $path.snap.near -side left}
 }
 
 # set_select_mode_ui --

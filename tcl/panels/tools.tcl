@@ -17,7 +17,8 @@ namespace eval ::vesk::tools {
         {scale scale move scale "" "Scale"
             "Drag a handle, or type factors." "Drag a handle. Shift keeps proportions."}
         {extrude extrude extrude extrude E "Extrude"
-            "Drag to sweep the selected surfaces." "Drag to sweep the selected surfaces."}
+            "Drag to sweep the selected surfaces."
+            "Drag to sweep where the surfaces face. Shift: any way. X, Y, Z: along an axis."}
         {}
         {polygon polygon polygon create "" "Polygon"
             "Click corner by corner." "Click corners. Return ends, BackSpace takes one back."}
@@ -46,12 +47,40 @@ namespace eval ::vesk::tools {
             "Sweeps the selection around an axis." ""}
         {text text "" create_text "" "Text" "Adds a text made of surfaces." ""}
         {}
-        {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
         {insert insert +insert_vertex set_view_tool "" "Insert vertices"
             "Click an edge where the vertex comes." "Click an edge. Control: in the middle."}
-        {loopcut loopcut +loop_cut set_view_tool "" "Loop cut"
+        {loopcut loopcut +loop_cut loop_cut_at "" "Loop cut"
             "Click an edge: its ring of quads is cut."
             "Click an edge. Wheel or digits: how many loops. Drag: where."}
+        {knife knife +knife knife "" "Knife"
+            "Click a line point by point: it cuts what it crosses."
+            "Click points, Return cuts. Control: middles. Shift: right angles. BackSpace takes one back."}
+        {slice slice +slice slice "" "Slice"
+            "Drag a line across a view: a plane cuts the selection."
+            "Drag a line. Shift: steps of 15 degrees. Its front lies to the left of it."}
+        {slide slide +slide slide "" "Slide"
+            "Drag edges or vertices along the edges beside them."
+            "Drag an edge or a vertex along the edges beside it, or type a share."}
+        {edgebevel edgebevel +edge_bevel edge_bevel "" "Bevel edges"
+            "Drag to bevel edges or vertices."
+            "Drag to the right: the width. Wheel: segments. Digits: a width."}
+        {inset inset +inset inset "" "Inset"
+            "Drag for a smaller surface inside each."
+            "Drag to the right: the width. Control: the depth. Digits, Tab: numbers."}
+        {extrudeeach extrudeeach +extrude_each extrude_each "" "Extrude each"
+            "Drag every surface along its own normal."
+            "Drag along the normal, or type a distance."}
+        {extrudenormals extrudenormals +extrude_normals extrude_normals "" "Extrude along normals"
+            "Drag connected surfaces evenly along their normals."
+            "Drag along the normal, or type a distance."}
+        {extrudeedges extrudeedges +extrude_edges extrude_edges "" "Extrude edges"
+            "Drag new quads out of edges."
+            "Drag. X, Y, Z lock an axis; digits type a distance."}
+        {thickness thickness +shell shell "" "Thickness"
+            "Drag to give surfaces an inner side."
+            "Drag to the right: the thickness, or type it."}
+        {}
+        {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
         {measure measure +measure set_view_tool "" "Measure"
             "Drag a ruler; a third click gives the angle."
             "Drag from point to point. A third click: the angle. Escape clears."}
@@ -59,15 +88,15 @@ namespace eval ::vesk::tools {
     }
     # The rows without the group separators.
     variable rows [lsearch -all -inline -not -exact $table {}]
-    # Fields of the option bar: {label kind preference}, kinds as in optionbar.tcl; {vector START}
-    # is three axis fields with Apply.
+    # Fields of the option bar: {label kind preference switch}, kinds as in optionbar.tcl, not shown
+    # while the switch is on; {vector START} is three axis fields with Apply.
     variable fields {
         move     {{vector 0}}
         rotate   {{vector 0} {"Own centres" bool rotate_about_object_centre}}
         scale    {{vector 1}}
         extrude  {{vector 0} {Automatic switch automatic} {Steps int extrude_num} {Cap bool extrude_cap_end}
-                  {"Delete original" bool extrude_delete_original}
-                  {Turn bool extrude_flip_cap}}
+                  {"Delete original" bool extrude_delete_original automatic}
+                  {Turn bool extrude_flip_cap automatic}}
         circle   {{Segments int ellipse_segments}}
         disk     {{Segments int disk_segments}}
         grid     {{Columns int grid_object_x} {Rows int grid_object_y}}
@@ -75,11 +104,18 @@ namespace eval ::vesk::tools {
         cylinder {{Segments int cylinder_segments} {Ends bool cylinder_has_ends}}
         sphere   {{Segments int num_surface_div} {Triangles bool sphere_triangles}}
         insert   {{"Divide the selected edges" run insert_vertex}}
+        slice    {{Keep option slice_keep {"Both sides" both "The front" front "The back" back}}
+                  {Caps option slice_cap {None 0 Closed 1}}}
+        edgebevel {{Segments option bevel_segments} {Profile option bevel_profile}}
+        inset    {{Of option inset_of {"Each surface" each "The region" region}}}
+        thickness {{Rim option shell_rim {Closed 1 Open 0}}}
         measure  {{Selection measures}}
     }
     variable vector             ;# the three numbers of move, rotate, scale
     array set vector {x 0.000 y 0.000 z 0.000}
     variable automatic 1        ;# extrusions keep bodies facing outwards, whatever the preferences
+    variable option             ;# name -> value, of the tools that the executable keeps options for
+    array set option {}
     variable measured ""        ;# sizes of the selection, while the measure tool is on
 }
 
@@ -303,6 +339,7 @@ proc ::vesk::tools::apply {} {
 proc ::vesk::tools::automatic_changed {} {
     variable automatic
     ::vesk::ops::run set_extrude_automatic $automatic
+    ::vesk::optionbar::show_fields_again
 }
 
 # scale, mirror --
@@ -343,6 +380,15 @@ proc ::vesk::tools::show_measured {} {
     if {$measured eq ""} {set measured "nothing"}
     after idle ::vesk::optionbar::fit
 }
+
+# set_option --
+#   Hands an option of a tool to the executable, and shows what it then is.
+proc ::vesk::tools::set_option {name value} {
+    variable option
+    vesk set_tool_option $name $value
+    set option($name) [vesk get_tool_option $name]
+}
+proc set_tool_option_ui {name value} {set ::vesk::tools::option($name) $value}
 
 # set_view_tool_ui --
 #   Shows a tool of the views beside the draw modes, or that it is off ("none").

@@ -10,7 +10,7 @@ namespace eval ::vesk::numberfield {
 
 # show --
 #   view   view id;  x y  place of the pointer in the view
-#   label  name of the number;  axis  0 to 2: its colour
+#   label  name of the number;  axis  0 to 2: its colour, 3: it has none
 #   text   the digits typed so far
 proc ::vesk::numberfield::show {view x y label axis text} {
     variable path
@@ -22,7 +22,7 @@ proc ::vesk::numberfield::show {view x y label axis text} {
         hide
         set path [build $cell.number]
     }
-    $path.letter configure -text $label -style [lindex {x y z} $axis]Field.TLabel
+    $path.letter configure -text $label -style [lindex {xField yField zField Field} $axis].TLabel
     $path.value configure -text $text
     set gap [::vesk::theme::px 16]
     set edge [expr {[::vesk::view::ring] + [::vesk::theme::px 4]}]

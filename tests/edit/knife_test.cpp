@@ -124,11 +124,10 @@ TEST_F(Knife, OfSurfacesGivesNeighboursTheNewVertices)
 
 TEST_F(Knife, RefusesWithAReason)
 {
-    object_t *squares = add_squares(2, 1);
     const unsigned serial = undo_last_serial();
     run("knife", "0 0 0 1 1 0");
-    EXPECT_EQ(last_message(), "knife - nothing selected");
-    select_object(squares);
+    EXPECT_EQ(last_message(), "knife - there is nothing to cut");
+    add_squares(2, 1); // without a selection everything may be cut
     run("knife", "0 0 0 1");
     EXPECT_EQ(last_message(), "knife - x y z of two points or more are needed");
     run("knife", "0 0 0 5 5 0");

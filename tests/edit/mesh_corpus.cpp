@@ -414,11 +414,13 @@ bool run_and_expect_exact_undo(const std::vector<std::string> &words)
         return false;
     }
     const std::string after = scene_text();
+    const std::string edges = run("get_selected_edges");
     expect_sound_scene();
     run("undo");
     EXPECT_TRUE(scene_text() == before) << words.front() << ": undo is not exact";
     run("redo");
     EXPECT_TRUE(scene_text() == after) << words.front() << ": redo is not exact";
+    EXPECT_EQ(run("get_selected_edges"), edges) << words.front() << ": edges after the redo";
     return true;
 }
 

@@ -105,6 +105,12 @@ const format_case formats[] = {
       "Curves \"linear\" [3]\n \"periodic\" \"P\" [ 0 0 0 1 0 0 0 1 0]\n \"constantwidth\" "
       "[0.002]\n",
       "[\"M\xC3\xBCller \\\"x\\\" } ]{ \\\\\"]"}},
+    {"write_dxf",
+     nullptr, // pairs of lines
+     "0\nSECTION\n2\nENTITIES\n0\n3DFACE\n8\nhouse\n62\n7\n10\n0\n20\n0\n30\n0\n11\n1\n",
+     " - 1 lights, 1 textures, 1 smooth surfaces, 1 addresses, 1 data texts were left out: "
+     "DXF has no lights, textures, smooth surfaces, addresses, data texts",
+     {"0\nPOLYLINE\n8\n", "70\n9\n", "0\nSEQEND\n"}},
     {"write_tri",
      nullptr, // lines of names and numbers
      "wall\n0 0 0 1 0 0 0 1 0 0xffffff\n",

@@ -338,10 +338,10 @@ INSTANTIATE_TEST_SUITE_P(
                     damage_case{"d.lwo", make_lwob()}, damage_case{"d.lws", make_lws("none.lwo")},
                     damage_case{"d.tri",
                                 "# x\n0 0 0 2 0 0 2 1 0 0xff8000\nname\n0 0 0 1 0 0 0 0 3\n"},
+                    damage_case{"d.dxf", make_dxf()},
                     damage_case{"d.vec", "3\n0 0\n2 0\n2 1\n\n0 0 0\n1 0 0\n"}));
 INSTANTIATE_TEST_SUITE_P(ByTheHelper, DamagedImports,
                          testing::Values(damage_case{"d.3ds", make_3ds(), 10},
-                                         damage_case{"d.dxf", make_dxf(), 10},
                                          damage_case{"e.lwo", make_lwo(), 10},
                                          damage_case{"d.md2", make_md2(), 10}));
 

@@ -4,6 +4,7 @@ target_sources(vesk_tests PRIVATE
     fileio/export_test.cpp
     fileio/foreign_files.cpp
     fileio/helper_test.cpp
+    fileio/import_dxf_test.cpp
     fileio/import_test.cpp
     fileio/rescue_test.cpp
     fileio/text_objects_test.cpp

@@ -24,9 +24,7 @@ run {
     xdo keyup shift
     check "Shift adds another" {[edges] == 2}
     click_at 0.5 0
-    pause 1600
-    click_at 0 0.5
-    click_at 0 0.5
+    click_at 0 0.5 "" 2
     check "a double click takes the loop" {[edges] > 1}
     shot edges-loop
     check "the menu of edges can be used" {
@@ -44,9 +42,11 @@ run {
     xdo click 4
     check "the wheel makes it two" {[status] eq "loop cut - 2 loops"}
     shot edges-cut
+    set before [made]
     click_at 0.1 0.5
     check "a click cuts, as one step" {
-        [info_of [top_objects] surfaces] == 14 && [vesk undo_name] eq "loop cut" && [made] == 1
+        [info_of [top_objects] surfaces] == 14 && [vesk undo_name] eq "loop cut"
+        && [made] == $before + 1
     }
     check "the new loops are selected" {[edges] == 8}
     check "echoed" {[string match "*vesk loop_cut_at *" [::vesk::console::last 4]]}
@@ -57,4 +57,84 @@ run {
         [info_of [top_objects] surfaces] == 14 && [edges] == 8
     }
     key Escape
+
+    # ---- the knife ----
+    xdo key ctrl+z
+    vesk clear_selection
+    press .main.tools.knife
+    at xy {*}[spot 0.8 0.8]
+    set plain [picture xy]
+    click_at -0.49 0.2
+    click_at 0 0
+    at xy {*}[spot 0.49 -0.1]
+    check "the line is shown before it cuts" {[difference $plain [picture xy]] > 0}
+    shot edges-knife
+    click_at 0.49 -0.1
+    check "clicks change nothing" {[info_of [top_objects] surfaces] == 6}
+    key BackSpace
+    key BackSpace
+    click_at 0.2 0.49
+    set before [made]
+    key Return
+    check "Return cuts, as one step" {
+        [info_of [top_objects] surfaces] == 7 && [vesk undo_name] eq "knife"
+        && [made] == $before + 1
+    }
+    check "the knife is echoed" {[string match "*vesk knife *-0.5 0.*" [::vesk::console::last 4]]}
+    xdo key ctrl+z
+    check "Ctrl+Z takes the knife back" {[info_of [top_objects] surfaces] == 6}
+    click_at -0.49 0.2
+    key Escape
+    check "Escape drops the line, not the tool" {$::vesk::view_tool eq "knife"}
+    key Return
+    check "nothing is left of it" {[info_of [top_objects] surfaces] == 6}
+
+    # ---- the slice ----
+    vesk set_select_mode object
+    vesk select_all
+    press .main.tools.slice
+    hold [widget xy] {*}[spot -0.8 0.1] {*}[spot 0.8 0.2]
+    check "the outline of the cut is shown" {[difference $plain [picture xy]] > 0}
+    shot edges-slice
+    release
+    check "a drag slices" {[info_of [top_objects] surfaces] == 10 && [vesk undo_name] eq "slice"}
+    check "the slice is echoed" {[string match "*vesk slice *both 0*" [::vesk::console::last 4]]}
+    xdo key ctrl+z
+    check "Ctrl+Z takes the slice back" {[info_of [top_objects] surfaces] == 6}
+
+    # ---- operations that follow the mouse ----
+    vesk set_select_mode edge
+    vesk clear_selection
+    press .main.tools.edgebevel
+    set plain [picture xy]
+    hold [widget xy] {*}[spot 0.1 0.5] {*}[spot 0.3 0.5]
+    check "the bevel shows while it is dragged" {[info_of [top_objects] surfaces] == 7}
+    xdo click 4
+    check "the wheel adds segments" {[info_of [top_objects] surfaces] == 8}
+    check "the option bar follows" {$::vesk::tools::option(bevel_segments) == 2}
+    shot edges-bevel
+    key Escape
+    xdo mouseup 1
+    check "Escape takes it back" {[info_of [top_objects] surfaces] == 6}
+    set before [made]
+    hold [widget xy] {*}[spot 0.1 0.5] {*}[spot 0.3 0.5]
+    type 0.25
+    key Return
+    xdo mouseup 1
+    check "a typed width, as one step" {
+        [info_of [top_objects] surfaces] == 8 && [vesk undo_name] eq "bevel edges"
+        && [made] == $before + 1
+    }
+    check "the bevel is echoed" {[string match "*vesk edge_bevel 0.25 2 0.5*" [::vesk::console::last 4]]}
+    xdo key ctrl+z
+    vesk set_select_mode surface
+    vesk clear_selection
+    press .main.tools.inset
+    from_to 0 0 0.2 0
+    check "the inset of what was pressed" {
+        [info_of [top_objects] surfaces] == 10 && [count surfaces] == 1
+    }
+    xdo key ctrl+z
+    check "and back" {[info_of [top_objects] surfaces] == 6}
+    vesk set_tool_option bevel_segments 1
 }

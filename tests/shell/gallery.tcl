@@ -1,5 +1,5 @@
 # gallery.tcl --
-#   A picture of every window in every theme, kept among the artefacts to be looked at; and what can
+#   A picture of every window, in every theme at 96 dpi, kept among the artefacts to be looked at; and what can
 #   be checked without eyes: nothing is wider or higher than the window that holds it, and no text
 #   is cut off in a button or a label.
 
@@ -79,7 +79,8 @@ run {
     vesk set_select_mode object
     vesk select_by_name lamp
     foreach id [vesk get_selected_objects] {catch {$::vesk::objects::tree see $id}}
-    foreach theme {dark light contrast safe} {
+    # A theme changes colours only: one of them shows what the resolution does to sizes.
+    foreach theme [expr {$dpi == 96 ? {dark light contrast safe} : {dark}}] {
         use_theme $theme
         foreach tab {object material palette uv issues} {
             open_tab $tab

@@ -12,12 +12,14 @@
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/world.h"
+#include "tests/support/mesh_test.h"
 #include "tests/view/tool_fixture.h"
 #include "view/number_field.h"
 #include "view/overlay.h"
 #include "view/projection.h"
 
 #include <cmath>
+#include <set>
 
 namespace {
 
@@ -356,6 +358,33 @@ TEST_F(Drags, ADoubleClickGoesDownToTheObject)
     EXPECT_EQ(run("get_app_mode"), "object move");
 }
 
+TEST_F(Drags, ADoubleClickOnAnElementTakesMoreThanTheElement)
+{
+    const auto twice = [&](int x, int y, int state = 0) {
+        click(VIEW_XY, x, y, state);
+        seconds -= 1;
+        click(VIEW_XY, x, y, state);
+    };
+    run("clear_all");
+    object_t *squares = add_squares(3, 2); // 200 to 500, 150 to -50 in front view
+    add_squares(1, 1);
+    run("set_select_mode", "surface");
+    clear_selection();
+    twice(205, 100); // near the first one's left side
+    const auto chosen = [&] {
+        const std::vector<int> places = selected_surfaces_of(squares);
+        return std::set<int>(places.begin(), places.end());
+    };
+    EXPECT_EQ(chosen(), (std::set<int>{0, 1, 2}));
+    twice(350, 140, shift); // the lower side of the second
+    EXPECT_EQ(chosen(), (std::set<int>{0, 1, 2, 4}));
+    run("set_select_mode", "vertex");
+    clear_selection();
+    twice(300, 150);
+    EXPECT_EQ(selected_vertices_of(squares).size(), 12u);
+    EXPECT_EQ(selection().num_vertices, 12);
+}
+
 TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
 {
     run("set_select_mode", "surface");
@@ -389,6 +418,41 @@ TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
     EXPECT_TRUE(overlay().preview.empty());
     EXPECT_EQ(undos(), 0);
 }
+
+struct sweep_case {
+    const char *name;
+    int state;
+    std::vector<const char *> keys; // during the drag, which goes 0.6 to the right and 0.5 up
+    const char *centre;             // of the new end
+};
+// clang-format off
+const sweep_case sweep_cases[] = {
+    {"where_the_surface_faces",      0, {},                   "0 0 1.1"},
+    {"shift_goes_any_way",           1, {},                   "0 0.5 1.1"},
+    {"along_an_axis",                0, {"y"},                "0 0.5 0.5"},
+    {"a_typed_distance",             0, {"2", "Return"},      "0 0 2.5"},
+    {"a_typed_way_along_an_axis",    0, {"y", "2", "Return"}, "0 2 0.5"},
+    {"tab_types_the_other_way",      1, {"Tab", "2", "Return"}, "2 0.5 1.1"},
+};
+// clang-format on
+void PrintTo(const sweep_case &c, std::ostream *out) { *out << c.name; }
+class Sweeps : public Drags, public testing::WithParamInterface<sweep_case> {};
+
+TEST_P(Sweeps, GoAlongTheNormalUnlessTheyAreToldOtherwise)
+{
+    run("set_select_mode", "surface");
+    click(VIEW_XY, 180, 150); // the cube's front, z = 0.5
+    run("set_draw_mode", "extrude");
+    clear_all_undos();
+    press(VIEW_ZY, 250, 150);
+    move(VIEW_ZY, 310, 100, GetParam().state);
+    for (const char *k : GetParam().keys)
+        EXPECT_TRUE(key(k)) << k;
+    release(VIEW_ZY, 310, 100, GetParam().state);
+    EXPECT_EQ(run("get_selection_centre"), GetParam().centre);
+    EXPECT_EQ(undos(), 1);
+}
+INSTANTIATE_TEST_SUITE_P(Cases, Sweeps, testing::ValuesIn(sweep_cases));
 
 // ---- the panels' transforms ----
 

@@ -191,6 +191,22 @@ TEST_F(ModelCheckCommand, ListsThousandOfAKindAndCountsAll)
               "zero_area 0 non_planar 0 flipped 0 unused_vertex 1500 missing_texture 0 crossing 0");
 }
 
+TEST_F(ModelCheckCommand, LooksForTheFirstThousandCrossingsOnly)
+{
+    // Each of these stands on its edge and goes through all others.
+    std::vector<point3_t> points;
+    std::vector<int> corners;
+    for (int i = 0; i < 2000; ++i) {
+        const float angle = static_cast<float>(i) * 1.5e-3f;
+        const float x = std::cos(angle), y = std::sin(angle);
+        const int first = static_cast<int>(points.size());
+        points.insert(points.end(), {{-x, -y, -1}, {x, y, -1}, {x, y, 1}, {-x, -y, 1}});
+        corners.insert(corners.end(), {first, first + 1, first + 2, first + 3, -1});
+    }
+    object_t *object = add_polygons(points, corners);
+    EXPECT_EQ(object_find_problems(object, problems_shown).total(model_problem::crossing), 1000);
+}
+
 struct reversed_case {
     std::vector<int> reversed; // sides of a cube
     double volume;             // after the fix: the majority says which side is outside
