@@ -97,6 +97,16 @@ void file_report_begin(const char *file)
     report.file = file;
 }
 
+void file_report_box(const std::string &text)
+{
+    if (report.file.empty() || report.read || !report.error.empty())
+        return;
+    // The box begins with a line that names the file.
+    const std::size_t line = text.find('\n');
+    const bool named = text.starts_with("can't read ") && line != std::string::npos;
+    report.error = named ? text.substr(line + 1) : text;
+}
+
 void file_report_texture(const char *name, const char *found)
 {
     const bool known = std::any_of(report.textures.begin(), report.textures.end(),
@@ -141,6 +151,7 @@ std::string file_report_json(const file_report &shown_report)
     json.field("file", json_text(r.file));
     json.field("format", json_text(r.format));
     json.field("read", std::string(r.read ? "true" : "false"));
+    json.field("error", r.read || r.error.empty() ? "null" : json_text(r.error));
     json.field("objects", r.objects);
     json.field("vertices", r.vertices);
     json.field("surfaces", r.surfaces);

@@ -48,6 +48,7 @@ struct file_report {
     std::string file;   // that was read
     std::string format; // of its importer
     bool read = false;
+    std::string error; // why it was not
     int objects = 0, vertices = 0, surfaces = 0, lights = 0, materials = 0;
     double seconds = 0;
     std::vector<texture> textures;
@@ -63,6 +64,8 @@ struct file_report {
 file_report &last_file_report();
 // Starts a new one.
 void file_report_begin(const char *file);
+// A message box while the file is read: the first one is the reason when nothing comes of it.
+void file_report_box(const std::string &text);
 void file_report_texture(const char *name, const char *found);
 void file_report_merged(const char *name, const char *into);
 

@@ -1,5 +1,6 @@
 #include "base/messages.h"
 
+#include "base/file_report.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"
 
@@ -21,6 +22,7 @@ int windows_message_dialog(const char *format, ...)
     va_start(arguments, format);
     const std::string text = format_message(format, arguments);
     va_end(arguments);
+    file_report_box(text);
     pump_begin();
     ui_port().message_box("VESK Message", text.c_str());
     pump_end();

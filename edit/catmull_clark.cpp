@@ -1,13 +1,19 @@
 #include "edit/catmull_clark.h"
 
 #include "base/messages.h"
+#include "base/numbers.h"
 #include "edit/document/edit_support.h"
 #include "edit/edge_mesh_internal.h"
+#include "edit/edge_select.h"
+#include "model/angle.h"
 #include "model/freed.h"
 #include "model/vec3d.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <numeric>
 
 namespace {
@@ -19,12 +25,19 @@ constexpr double most_surfaces = 16e6;
 struct smooth_mesh {
     object_t *object;
     vesk_mesh_t mesh;
-    std::vector<char> active; // of each face
+    std::vector<char> active;                     // of each face
+    std::vector<std::array<int, 2>> creases = {}; // edges that are to stay sharp
+};
+
+// Which edges stay sharp beside borders.
+struct crease_rule {
+    double cosine = -2;    // those that are folded more: less than this between the normals
+    bool selected = false; // the selected ones, of objects that are smoothed as wholes
 };
 
 smooth_mesh mesh_of(const owned_elements &owned)
 {
-    smooth_mesh result = {owned.object, {}, {}};
+    smooth_mesh result = {owned.object, {}, {}, {}};
     const flat_ptr flat = object_flat(owned.object);
     std::vector<char> chosen(flat->num_surfaces());
     for (const int surface : owned.indices)
@@ -42,6 +55,44 @@ smooth_mesh mesh_of(const owned_elements &owned)
         result.active.push_back(chosen[s] != 0 && flat->surface_corners(s).size() >= 3 ? 1 : 0);
     }
     return result;
+}
+
+void add_creases(smooth_mesh &mesh, const edge_topology &topology, const std::vector<int> &edges)
+{
+    for (const int e : edges)
+        mesh.creases.push_back({topology.edge(e).a, topology.edge(e).b});
+}
+
+std::vector<int> folded_edges(const edge_topology &topology, double cosine)
+{
+    std::vector<int> folded;
+    for (int e = 0; e < topology.size(); ++e) {
+        if (is_folded(topology, e, cosine))
+            folded.push_back(e);
+    }
+    return folded;
+}
+
+std::vector<smooth_mesh> meshes_of_selection(const crease_rule &rule)
+{
+    std::vector<smooth_mesh> meshes;
+    if (rule.selected) {
+        for (const owned_edges &owned : selected_edges()) {
+            std::vector<int> all(owned.topology->mesh().num_surfaces());
+            std::iota(all.begin(), all.end(), 0);
+            meshes.push_back(mesh_of({owned.object, std::move(all)}));
+            add_creases(meshes.back(), *owned.topology, owned.edges);
+        }
+        return meshes;
+    }
+    for (const owned_elements &owned : target_surfaces()) {
+        meshes.push_back(mesh_of(owned));
+        if (rule.cosine >= -1) {
+            const topology_ptr topology = object_topology(owned.object);
+            add_creases(meshes.back(), *topology, folded_edges(*topology, rule.cosine));
+        }
+    }
+    return meshes;
 }
 
 // Polygons that the steps start from, and quads that they end with.
@@ -74,10 +125,15 @@ public:
     {
         fine_ = &to.mesh;
         to.object = from_.object;
+        is_crease_.assign(edges_.size(), 0);
+        for (const auto &[a, b] : from_.creases) {
+            if (const int e = edges_.find(a, b); e >= 0)
+                is_crease_[e] = 1;
+        }
         find_face_points();
         fine_->points = mesh_.points;
         reserve();
-        add_edge_points();
+        add_edge_points(to.creases);
         move_vertices();
         return add_faces(to);
     }
@@ -111,7 +167,7 @@ private:
         fine_->points.reserve(mesh_.points.size() + edges_.size() + mesh_.sources.size());
     }
 
-    void add_edge_points()
+    void add_edge_points(std::vector<std::array<int, 2>> &creases)
     {
         rules_.resize(mesh_.points.size());
         middle_.assign(edges_.size(), -1);
@@ -124,13 +180,20 @@ private:
                 continue;
             const auto [a, b, first] = edges_.edge(e);
             vec3d p = (point(a) + point(b)) / 2;
-            const bool smooth =
+            const bool inner =
                 uses.size() == 2 && active == 2 && uses[0].surface != uses[1].surface;
-            meet(a, b, smooth);
-            meet(b, a, smooth);
-            if (smooth)
-                p = p / 2 + (face_points_[uses[0].surface] + face_points_[uses[1].surface]) / 4;
+            const bool crease = inner && is_crease_[e] != 0;
+            meet(a, b, inner && !crease);
+            meet(b, a, inner && !crease);
             middle_[e] = static_cast<int>(fine_->points.size());
+            if (crease) {
+                ++rules_[a].creases;
+                ++rules_[b].creases;
+                creases.push_back({a, middle_[e]});
+                creases.push_back({middle_[e], b});
+            } else if (inner) {
+                p = p / 2 + (face_points_[uses[0].surface] + face_points_[uses[1].surface]) / 4;
+            }
             fine_->points.push_back(to_point(p));
         }
     }
@@ -140,7 +203,8 @@ private:
         vec3d sharp_ends;         // of sharp edges
         std::int32_t corners = 0; // active ones
         std::int32_t edges = 0, sharp = 0;
-        bool held = false; // by a face that only follows
+        std::int32_t creases = 0; // of the sharp ones
+        bool held = false;        // by a face that only follows
     };
     void meet(int v, int other, bool smooth)
     {
@@ -170,7 +234,7 @@ private:
             const vec3d p = point(static_cast<int>(v));
             if (rule.sharp == 2) {
                 fine_->points[v] = to_point(p * 0.75 + rule.sharp_ends / 8);
-            } else if (rule.sharp == 0) {
+            } else if (rule.sharp == 0 || (rule.sharp == 1 && rule.creases == 1)) {
                 // (F + 2R + (n - 3)P) / n, with 2R the mean of P and of the other ends
                 const double n = rule.edges;
                 const vec3d faces = rule.faces / rule.corners;
@@ -240,6 +304,7 @@ private:
     const vesk_mesh_t &mesh_;
     edge_table edges_;
     std::vector<int> edge_of_;
+    std::vector<char> is_crease_;
     progress_t &progress_;
     double &done_;
     vesk_mesh_t *fine_ = nullptr;
@@ -304,21 +369,23 @@ void object_catmull_clark(object_t *object, int steps)
 
 // ---- commands ----
 
-void command_catmull_clark(int steps)
+void command_catmull_clark(int count, const char *const *words)
 {
+    const int steps = int_of(words[0]);
     if (steps < 1 || steps > most_steps) {
         display_message("catmull-clark - give 1 to %d steps", most_steps);
         return;
     }
-    std::vector<smooth_mesh> meshes;
+    crease_rule rule;
+    rule.selected = count > 1 && std::strcmp(words[1], "selected") == 0;
+    if (count > 1 && !rule.selected && finite_float_of(words[1]) < 180)
+        rule.cosine = std::cos(static_cast<double>(radians(finite_float_of(words[1]))));
+    std::vector<smooth_mesh> meshes = meshes_of_selection(rule);
+    std::erase_if(meshes, [](const smooth_mesh &mesh) { return count_active(mesh) == 0; });
     double polygons = 0, results = 0;
-    for (const owned_elements &owned : target_surfaces()) {
-        smooth_mesh mesh = mesh_of(owned);
-        if (count_active(mesh) == 0)
-            continue;
+    for (const smooth_mesh &mesh : meshes) {
         polygons += count_active(mesh);
         results += count_results(mesh, steps);
-        meshes.push_back(std::move(mesh));
     }
     if (polygons == 0) {
         display_message("catmull-clark - nothing selected");

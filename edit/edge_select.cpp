@@ -220,6 +220,18 @@ bool loop_is_selected(const owned_edges &edge)
     return loop == now;
 }
 
+bool is_folded(const edge_topology &topology, int e, double cosine)
+{
+    const auto uses = topology.uses(e);
+    if (uses.size() != 2)
+        return false;
+    const point3_t &p = topology.mesh().face_normal(uses[0].surface);
+    const point3_t &q = topology.mesh().face_normal(uses[1].surface);
+    // Neighbours that run against each other see the same fold from their two sides.
+    const double sign = uses[0].forward == uses[1].forward ? -1 : 1;
+    return sign * point_dot(p, q) < cosine * point_length(p) * point_length(q);
+}
+
 // ---- commands ----
 
 void command_edge_select(int object_id, int a, int b)
@@ -267,17 +279,9 @@ void command_select_boundary()
 void command_select_sharp(float degrees)
 {
     const double flattest = std::cos(static_cast<double>(radians(degrees)));
-    const auto is_sharp = [&](const edge_topology &t, int e) {
-        const auto uses = t.uses(e);
-        if (uses.size() != 2)
-            return false;
-        const point3_t &p = t.mesh().face_normal(uses[0].surface);
-        const point3_t &q = t.mesh().face_normal(uses[1].surface);
-        // Neighbours that run against each other see the same fold from their two sides.
-        const double sign = uses[0].forward == uses[1].forward ? -1 : 1;
-        return sign * point_dot(p, q) < flattest * point_length(p) * point_length(q);
-    };
-    finish("select sharp", edges_where(is_sharp), edge_change::replace);
+    finish("select sharp",
+           edges_where([&](const edge_topology &t, int e) { return is_folded(t, e, flattest); }),
+           edge_change::replace);
 }
 
 void command_select_path()

@@ -13,6 +13,9 @@ void take_edges(const std::vector<owned_edges> &edges, edge_change change);
 std::vector<owned_edges> loops_of(const std::vector<owned_edges> &edges);
 std::vector<owned_edges> rings_of(const std::vector<owned_edges> &edges);
 
+// Whether the edge's two surfaces meet at a larger angle than that of the cosine.
+bool is_folded(const edge_topology &topology, int e, double cosine);
+
 // Whether exactly the loop of this edge is selected already.
 bool loop_is_selected(const owned_edges &edge);
 

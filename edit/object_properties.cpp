@@ -4,6 +4,7 @@
 #include "base/numbers.h"
 #include "edit/document/undo_internal.h"
 #include "edit/object_flags.h"
+#include "edit/selection_sets.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
@@ -38,8 +39,8 @@ const property_t properties[] = {
      [](object_t *o, const value_t &v) { object_set_name(o, v ? v->c_str() : ""); }},
     {"url", "set url", false, [](const object_t *o) { return value_of(o->url); },
      [](object_t *o, const value_t &v) { object_set_url(o, text_of(v)); }},
-    {"data", "set data", false, [](const object_t *o) { return value_of(o->data); },
-     [](object_t *o, const value_t &v) { object_set_userdata(o, text_of(v)); }},
+    {"data", "set data", false, [](const object_t *o) { return value_t(object_user_data(o)); },
+     [](object_t *o, const value_t &v) { object_set_user_data(o, v.value_or("")); }},
     {"visible", "hide or show", true,
      [](const object_t *o) { return value_t(std::to_string(o->visible)); },
      [](object_t *o, const value_t &v) {

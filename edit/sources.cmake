@@ -45,6 +45,7 @@ target_sources(vesk_core PRIVATE
     edit/revolve.cpp
     edit/select_more.cpp
     edit/select_similar.cpp
+    edit/selection_sets.cpp
     edit/select_inside.cpp
     edit/slice.cpp
     edit/soft_selection.cpp

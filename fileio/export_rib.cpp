@@ -1,6 +1,7 @@
 #include "fileio/export_rib.h"
 
 #include "base/prefs.h"
+#include "edit/selection_sets.h"
 #include "model/lights.h"
 
 #include <algorithm>
@@ -145,8 +146,8 @@ void open(export_text &out, const export_object &object)
 {
     out.add("AttributeBegin\nAttribute \"identifier\" \"name\" [",
             export_quoted(object.name.c_str()), "]\n");
-    const char *data = object.object->data;
-    if (prefs.rib_use_object_data != 0 && is_set(data))
+    const std::string data = object_user_data(object.object);
+    if (prefs.rib_use_object_data != 0 && !data.empty())
         out.add(data, '\n');
     for (const export_part &part : object.parts) {
         const bool textured = prefs.rib_textures != 0 && !object.picture.empty();

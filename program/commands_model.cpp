@@ -16,6 +16,7 @@
 #include "edit/knife.h"
 #include "edit/object_flags.h"
 #include "edit/select_inside.h"
+#include "edit/selection_sets.h"
 #include "edit/slice.h"
 #include "edit/smooth_subdivide.h"
 #include "edit/snap.h"
@@ -140,7 +141,7 @@ void command_object_info(int id)
                                       number_text(object->texture_offset_y));
     append_pair("name", object->name);
     append_pair("url", text_or_empty(object->url));
-    append_pair("data", text_or_empty(object->data));
+    append_pair("data", object_user_data(object));
     append_pair("centre", point_text(object->centre));
     append_pair("angles", point_text(point_scale(matrix_angles(object->rotation),
                                                  static_cast<float>(degrees_per_radian))));

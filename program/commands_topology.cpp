@@ -6,8 +6,10 @@
 #include "edit/orient.h"
 #include "edit/quads_from_triangles.h"
 #include "edit/select_more.h"
+#include "edit/selection_sets.h"
 #include "edit/vertex_tidy.h"
 #include "program/own_commands.h"
+#include "view/tool_select.h"
 
 namespace {
 
@@ -40,8 +42,8 @@ std::span<const own_command_t> topology_commands()
         command_row("inset", inset_words, edit, 3, 3,
                     "<float width> <float depth> <string each or region>",
                     "a smaller polygon inside each selected one, or each region"),
-        command_row("catmull_clark", command_catmull_clark, edit, "<int steps>",
-                    "smooth subdivision into quads"),
+        command_row("catmull_clark", command_catmull_clark, edit, 1, 2,
+                    "<int steps> <sharp: degrees or selected>", "smooth subdivision into quads"),
         command_row("extrude_each", command_extrude_each, edit, "<float distance>",
                     "extrude every selected surface along its own normal"),
         command_row("extrude_normals", command_extrude_normals, edit, "<float distance>",
@@ -70,6 +72,16 @@ std::span<const own_command_t> topology_commands()
                     "select what is not selected"),
         command_row("select_linked", command_select_linked, select, nullptr,
                     "select all that hangs together with the selection"),
+        command_row("select_behind", command_select_behind, select, nullptr,
+                    "select the next element behind the selected one, where the last click was"),
+        command_row("selection_set_save", command_selection_set_save, edit, "<string name>",
+                    "keep the selection under a name"),
+        command_row("selection_set_load", command_selection_set_load, select, "<string name>",
+                    "select what was kept under a name"),
+        command_row("selection_set_delete", command_selection_set_delete, edit, "<string name>",
+                    "forget a kept selection"),
+        command_row("selection_set_list", command_selection_set_list, query, nullptr,
+                    "returns the names of the kept selections"),
         command_row("select_similar", similar_words, select, 2, 2,
                     "<string material, normal, area, length, corners or coplanar> "
                     "<float tolerance>",

@@ -82,8 +82,10 @@ struct batch_option {
     std::string_view name;
     const char *script;
 };
-constexpr batch_option batch_options[] = {
-    {"-batch", nullptr}, {"-thumbnail", "tcl/thumbnail.tcl"}, {"-convert", "tcl/convert.tcl"}};
+constexpr batch_option batch_options[] = {{"-batch", nullptr},
+                                          {"-thumbnail", "tcl/thumbnail.tcl"},
+                                          {"-convert", "tcl/convert.tcl"},
+                                          {"-pipe", "tcl/pipe.tcl"}};
 
 // The option at `i`; -batch is one only with a script behind it.
 const batch_option *batch_option_at(int i, int argc, char **argv)
@@ -112,6 +114,8 @@ void print_help(const command_line_t &line)
         "                            write a picture of the files without a window\n"
         "      -convert IN OUT       convert a model without a window; -convert -to SUFFIX\n"
         "                            FILE ... converts several (docs/batch.md)\n"
+        "      -pipe [FILE ...]      commands from standard input, answers in JSON "
+        "(docs/batch.md)\n"
         "      -version              print the version and exit\n");
 }
 

@@ -90,10 +90,12 @@ void port_free_text(char *text) { Tcl_Free(text); }
 
 void port_message_box(const char *title, const char *text)
 {
-    if (interp_has_tk() && Tk_GetNumMainWindows() > 0) {
+    const bool window = interp_has_tk() && Tk_GetNumMainWindows() > 0;
+    if (interp_tk() != nullptr) {
         Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
         const int code =
-            eval_words({"tk_messageBox", "-title", title, "-type", "ok", "-message", text});
+            window ? eval_words({"tk_messageBox", "-title", title, "-type", "ok", "-message", text})
+                   : eval_words({"message_box", text});
         Tcl_RestoreInterpState(interp_tk(), saved);
         if (code == TCL_OK)
             return;

@@ -72,6 +72,7 @@ proc ask_import_images {count folder} {
 }
 
 proc display_message {text} {puts stderr $text}
+proc message_box {text} {puts stderr $text}
 proc set_undo_string {text} {set ::vesk::undo_label $text}
 proc plugin_faulted {name} {
     puts stderr "the fault was in the plug-in $name; the option -noplugins starts without plug-ins"

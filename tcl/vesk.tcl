@@ -11,4 +11,5 @@
 ::vesk::later windows operations open toggle close
 ::vesk::later windows report open
 ::vesk::later windows savedtools context fill_menu
+::vesk::later windows selectionsets fill_menu
 ::vesk::later windows tips open at_start

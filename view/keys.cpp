@@ -16,6 +16,8 @@
 #include "view/background.h"
 #include "view/camera.h"
 #include "view/fit.h"
+#include "view/interaction.h"
+#include "view/tool_select.h"
 #include "view/tools.h"
 #include "view/views_internal.h"
 
@@ -53,6 +55,12 @@ void take_draw_mode(int mode)
 {
     set_new_draw_mode(mode);
     redraw_orth();
+}
+
+void behind_pointer()
+{
+    const pointer_event_t &pointer = interaction_pointer();
+    select_behind_at(pointer.view, pointer.x, pointer.y);
 }
 
 void toggle(int *setting)
@@ -106,6 +114,7 @@ const character_row_t flat_characters[] = {
     {'D', false, [](int) { take_select_mode(SELECT_EDGE); }},
     {'V', false, [](int) { take_select_mode(SELECT_VERTEX); }},
     {'B', false, [](int) { command_set_view_tool("band"); }},
+    {'Q', false, [](int) { behind_pointer(); }},
     {'M', false, [](int) { take_draw_mode(DRAW_MOVE); }},
     {'R', false, [](int) { take_draw_mode(DRAW_ROTATE); }},
     {'E', false, [](int) { if (select_mode() == SELECT_SURFACE) take_draw_mode(DRAW_EXTRUDE); }},
@@ -132,6 +141,7 @@ const character_row_t camera_characters[] = {
     {27,  false, [](int) { clear_and_redraw(); }},
     {' ', false, [](int) { person_reset(); redraw_3d(); }},
     {'B', false, [](int) { command_set_view_tool("band"); }},
+    {'Q', false, [](int) { behind_pointer(); }},
     {'D', false, [](int) { take_select_mode(SELECT_EDGE); }},
     {'1', false, [](int) { person_set_spin(); redraw_3d(); }},
     {'2', false, [](int) { person_set_walk(); redraw_3d(); }},

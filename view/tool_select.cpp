@@ -350,6 +350,26 @@ void select_click(int view, int x, int y, int state, double seconds)
     finish();
 }
 
+void select_behind_at(int view, int x, int y)
+{
+    const std::vector<pick_hit_t> hits =
+        view < 0 || view >= num_views ? std::vector<pick_hit_t>() : hits_at(view, x, y);
+    if (hits.empty()) {
+        display_message("select behind - nothing lies there");
+        return;
+    }
+    const auto at = static_cast<std::size_t>(std::find_if(hits.begin(), hits.end(), is_selected) -
+                                             hits.begin());
+    const std::size_t index = at < hits.size() ? (at + 1) % hits.size() : 0;
+    set_selected({hits[index]}, true, true);
+    last_click = {view, select_mode(), x, y, index, 0, 0, 0};
+    finish();
+    display_message("select behind - %d of %d", static_cast<int>(index) + 1,
+                    static_cast<int>(hits.size()));
+}
+
+void command_select_behind() { select_behind_at(last_click.view, last_click.x, last_click.y); }
+
 void select_band(int view, const band_t &band, int state)
 {
     const std::vector<pick_hit_t> found = pick_band(view, kind_of_mode(), band);

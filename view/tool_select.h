@@ -13,6 +13,12 @@
 // all that is linked with it.
 void select_click(int view, int x, int y, int state, double seconds);
 
+// Selects the next element behind the selected one, of those at a place; behind the last comes the
+// first.
+void select_behind_at(int view, int x, int y);
+// Command "select_behind": the same where something was clicked last.
+void command_select_behind();
+
 // A rubber band: replaces the selection; Shift adds, Control removes.
 void select_band(int view, const band_t &band, int state);
 

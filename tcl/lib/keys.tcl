@@ -16,6 +16,7 @@ namespace eval ::vesk::keys {
         view.edge     "Edge mode"                            D        d 0
         view.vertex   "Vertex mode"                          V        v 0
         view.band     "Rubber band"                          B        b 0
+        view.behind   "Select the next behind"               Q        q 0
         view.move     "Move"                                 M        m 0
         view.rotate   "Rotate"                               R        r 0
         view.extrude  "Extrude (surfaces)"                   E        e 0
@@ -51,7 +52,7 @@ namespace eval ::vesk::keys {
             "Object > Show all" Alt+H "Object > Merge" Ctrl+J
         }
         qwer "Q W E R keys" {
-            tool.move W view.move Q view.rotate E tool.scale R view.extrude Shift+E view.fill 4
+            tool.move W view.move Q view.behind {} view.rotate E tool.scale R view.extrude Shift+E view.fill 4
             view.textures 6 view.light 7 "View > Fit all" A "Select > All" Ctrl+Shift+A
             "Select > None" Ctrl+Alt+A "Edit > Repeat the last" Alt+R
         }

@@ -314,6 +314,7 @@ proc ::vesk::menus::refresh {name path} {
             switch -- [lindex $row 2] {
                 recent  {::vesk::files::fill_recent $path.recent}
                 mytools {::vesk::savedtools::fill_menu $path.mytools}
+                selectionsets {::vesk::selectionsets::fill_menu $path.selectionsets}
             }
         }
         incr entry

@@ -190,10 +190,16 @@ proc ::vesk::menus::define {name label rows} {
         "Selects the edges whose surfaces meet at a larger angle."}
     {run "Shortest path" {select_path} "" some "Selects the way from the first selected element to the last."}
     {line}
+    {run "Behind" {select_behind} Q model
+        "Selects the next element behind the selected one, under the pointer or where the last click was."}
     {run "What lies inside" {select_inside} "" some
         "Selects what lies inside the selected closed objects."}
     {run "Surfaces of the ve&rtices" {select_part_selected_surfaces} "" vertex
         "Selects every surface that has a selected vertex."}
+    {line}
+    {ask "Keep as a set..." {selection_set_save {Name text {}}} "" some
+        "Keeps the selection under a name, in the file too."}
+    {menu "Selection sets" selectionsets "" "" "Kept selections: selects them again, or forgets them."}
 }
 ::vesk::menus::define create "&Create" {
     {call "&Polygon" {::vesk::tools::choose polygon} "" "" "Draws a polygon corner by corner."}
@@ -350,7 +356,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "S&ubdivide" {surface_subdivide} "" some "Divides each selected surface."}
     {run "Subdivide, r&ounded" {surface_doosabin} "" object
         "A face for each face, edge and vertex of the selected objects (Doo-Sabin)."}
-    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}} "" some
+    {ask "S&mooth subdivision..." {catmull_clark {Steps int 1}
+        {Sharp choice {"Borders only" 180 "Above 30 degrees" 30 "Above 60 degrees" 60
+            "Selected edges" selected}}} "" some
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}

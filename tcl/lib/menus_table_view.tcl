@@ -185,7 +185,8 @@ namespace eval ::vesk::menus {
         edge {{edit step_back} - {select select_loop} {select select_ring} {select select_path}
             {select select_grow} {select select_shrink} {select select_linked} -
             {edge loop_cut} {edge connect} {edge edge_bevel} {edge extrude_edges} {edge slide} -
-            {edge bridge} {edge fill_hole} {edge dissolve} {edge collapse} {edge split_edges} - {copies pick_axis}
+            {surface catmull_clark} {edge bridge} {edge fill_hole} {edge dissolve} {edge collapse}
+            {edge split_edges} - {copies pick_axis}
             {edit delete}}
         light {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit delete} - {object hide_selected} {object lock_selected} -

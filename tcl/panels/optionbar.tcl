@@ -150,9 +150,9 @@ proc ::vesk::optionbar::show_fields {tool} {
     after idle ::vesk::optionbar::fit
 }
 
-# show_fields_again --
-#   After a change of what some fields depend on.
-proc ::vesk::optionbar::show_fields_again {} {
+# show_again --
+#   Builds the fields anew after a change of a switch that some of them depend on.
+proc ::vesk::optionbar::show_again {} {
     variable shown
     set tool $shown
     set shown ""
@@ -287,7 +287,7 @@ proc ::vesk::optionbar::step_mode {mode step} {
 proc ::vesk::optionbar::mode_changed {args} {
     variable level
     variable shown
-    if {$shown in {move rotate scale}} {show_fields_again}
+    if {$shown in {move rotate scale}} {show_again}
     set level -1
     after idle ::vesk::optionbar::fit
 }

@@ -49,7 +49,7 @@ proc ::vesk::reach::changed {} {
     if {$soft != $::prefs_soft_selection} {
         set soft $::prefs_soft_selection
         if {[::vesk::tools::can_be_soft $::vesk::tools::current]} {
-            ::vesk::optionbar::show_fields_again
+            ::vesk::optionbar::show_again
         }
     }
     vesk redraw_all

@@ -344,7 +344,7 @@ proc ::vesk::tools::apply {} {
 proc ::vesk::tools::automatic_changed {} {
     variable automatic
     ::vesk::ops::run set_extrude_automatic $automatic
-    ::vesk::optionbar::show_fields_again
+    ::vesk::optionbar::show_again
 }
 
 # scale, mirror --

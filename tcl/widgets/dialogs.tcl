@@ -87,8 +87,11 @@ proc ::vesk::dialogs::wait {w focus} {
     focus -force $focus
     vwait ::vesk::dialogs::answers($w)
     grab release $w
+    # The server leaves the keyboard to nobody when the window that has it goes.
+    set had_keyboard [string match $w* [focus]]
+    set back [expr {[winfo exists $focus_before($w)] ? $focus_before($w) : "."}]
+    if {$had_keyboard} {focus -force $back} else {focus $back}
     destroy $w
-    if {[winfo exists $focus_before($w)]} {focus $focus_before($w)}
     return $answers($w)
 }
 

@@ -10,6 +10,7 @@ namespace eval ::vesk::help {
             "C" "views back to the origin"
             "O  S  D  V" "select objects, surfaces, edges, vertices"
             "B" "the next drag is a rubber band, wherever it begins"
+            "Q" "the next element behind the selected one, under the pointer"
             "M  R  E" "move, rotate, extrude (surfaces)"
             "G  Shift+G" "centre the selection in this view, in all"
             "F  Shift+F" "fit the selection in this view, in all"
@@ -28,7 +29,7 @@ namespace eval ::vesk::help {
             "F" "turn about the selection"
             "G  L  T  N" "ground grid, headlight, textures, normals on and off"
             "W" "filled or wireframe"
-            "O  S  D  V  B  M  R  E" "as in the flat views"
+            "O  S  D  V  B  Q  M  R  E" "as in the flat views"
             "BackSpace  Delete" "delete what is selected"
         }
         "While dragging" {
@@ -43,6 +44,12 @@ namespace eval ::vesk::help {
             "BackSpace" "take the last point back"
             "X  Y  Z, digits" "lock the next edge, type its way"
             "Escape" "drop it"
+        }
+        "While cutting with the knife" {
+            "Return, double click" "cut"
+            "BackSpace" "take the last point back"
+            "Control, Shift" "middles of edges, right angles"
+            "Escape" "drop the line"
         }
         "Objects panel" {
             "F2, double click" "rename"

@@ -1,8 +1,12 @@
 // Catmull and Clark's subdivision: where points go, what stays sharp, and what a part of a mesh does
 // to its neighbours.
 
+#include "edit/document/edge_selection.h"
 #include "edit/document/selection_internal.h"
 #include "model/each.h"
+#include "model/flat_mesh.h"
+#include "model/identity.h"
+#include "model/vec3d.h"
 #include "model/world.h"
 #include "tests/edit/mesh_corpus.h"
 
@@ -149,6 +153,49 @@ TEST_F(CatmullClark, RefusesWithAWord)
     EXPECT_EQ(last_message(), "catmull-clark - cancelled");
     EXPECT_TRUE(scene_text() == with_large);
     EXPECT_EQ(last_undo(), "");
+}
+
+TEST_F(CatmullClark, CreasesStaySharpByAngle)
+{
+    object_t *box = add("box");
+    select_object(box);
+    run("catmull_clark", 2, 30);
+    EXPECT_EQ(box->num_surfaces, 96);
+    EXPECT_NEAR(std::fabs(volume(box)), 1, 1e-6); // a box of more surfaces
+    EXPECT_EQ(euler_characteristic(box), 2);
+    run("step_back");
+    run("catmull_clark", 2, 100); // no edge is folded that much
+    const std::string all_round = scene_text();
+    EXPECT_LT(std::fabs(volume(box)), 0.8);
+    run("step_back");
+    run("catmull_clark", 2);
+    EXPECT_EQ(scene_text(), all_round);
+}
+
+TEST_F(CatmullClark, SelectedEdgesStaySharpAndTheirObjectsAreSmoothedAsWholes)
+{
+    object_t *box = add("box");
+    run("set_select_mode", "edge");
+    select_edges({}, edge_change::replace);
+    // The four edges of one face: a rim that stays a curve of its own.
+    const flat_ptr mesh = object_flat(box);
+    const auto rim = mesh->surface_corners(0);
+    for (std::size_t i = 0; i < rim.size(); ++i)
+        run("edge_select", object_identity(box), rim[i], rim[(i + 1) % rim.size()]);
+    vec3d middle;
+    for (const int v : rim)
+        middle += to_vec3d(mesh->position(v)) / 4;
+    run("catmull_clark", 2, "selected");
+    EXPECT_EQ(box->num_surfaces, 96);
+    EXPECT_EQ(euler_characteristic(box), 2);
+    EXPECT_TRUE(has_point(box, middle.x, middle.y, middle.z)); // the face inside stays flat
+    run("step_back");
+    clear_selection();
+    run("edge_select", object_identity(box), rim[0], rim[1]);
+    run("catmull_clark", 1, "selected"); // it ends inside
+    EXPECT_EQ(box->num_surfaces, 24);
+    const vec3d half = (to_vec3d(mesh->position(rim[0])) + to_vec3d(mesh->position(rim[1]))) / 2;
+    EXPECT_TRUE(has_point(box, half.x, half.y, half.z));
 }
 
 } // namespace

@@ -22,6 +22,7 @@ target_sources(vesk_tests PRIVATE
     edit/region_edit_test.cpp
     edit/revolve_test.cpp
     edit/select_more_test.cpp
+    edit/selection_sets_test.cpp
     edit/slice_test.cpp
     edit/copies_test.cpp
     edit/symmetry_test.cpp

@@ -114,6 +114,41 @@ check "hundreds of files" 0 -- -to glb -into made -report r.json "all of them"/*
 holds "all of them" test "$(find made -name 'n *.glb' | wc -l)" = 300
 holds "their report is JSON" tclsh8.6 "$here/json_check.tcl" r.json
 
+# Lists, parts of them, several processes; a crash and a file that takes too long cost one file each.
+mkdir batch
+for i in 1 2 3 4 5 6 7; do cp plain.obj "batch/n $i.obj"; done
+{ printf '%s\r\n' batch/n*.obj; printf 'plain.obj\tbatch/other.stl\n\nbatch/none.obj\n'; } >names
+check "a list" 1 -- -to glb -list names -report r.jsonl </dev/null
+holds "has the names that it gives" test -s batch/other.stl -a -s "batch/n 7.glb"
+holds "a line each" test "$(grep -c '^{"status": [01], .*}$' r.jsonl)" = 9
+holds "with the reason" grep -q '"status": 1, .*none.obj.*"error": "No such file' r.jsonl
+while read -r line; do echo "$line" >line.json; tclsh8.6 "$here/json_check.tcl" line.json || echo no; done \
+    <r.jsonl >lines
+holds "that is JSON" test ! -s lines
+rm batch/*.glb
+touch -d 'now - 1 hour' batch/*.obj plain.obj
+check "one part" 0 -- -to glb -shard 2/4 batch/*.obj </dev/null
+holds "is every fourth" test "$(cd batch && echo *.glb)" = "n 2.glb n 6.glb"
+echo old >"batch/n 1.glb" && touch -d 'now - 2 hours' "batch/n 1.glb"
+check "the others" 0 -- -to glb -skip-newer -jobs 2 -report r.json batch/n*.obj </dev/null
+holds "those that are newer are left" test "$(grep -c '"read": true' r.json)" = 5
+holds "the older one is not" grep -q ^glTF "batch/n 1.glb"
+holds "in their order" sh -c 'grep "\"file\"" r.json | sort -c'
+check "nothing to do" 0 -- -to glb -skip-newer -jobs 2 batch/n*.obj </dev/null
+check "crashes" 1 -- -to ply -jobs 2 -limit-time 2 -report r.json -do '
+    set name [file tail [dict get [vesk import_report] file]]
+    if {$name eq "n 2.obj"} {exec kill -KILL [pid]}
+    if {$name eq "n 5.obj"} {after 60000}
+    puts "at $name"' batch/n*.obj </dev/null
+holds "cost one file" test "$(ls batch/*.ply | wc -l)" = 5
+holds "are told" grep -q 'n 2.obj: the program crashed (SIGKILL)' err
+holds "also what took too long" grep -q '"error": "it took more than 2 seconds"' r.json
+holds "scripts may print" grep -q '^at n 7.obj$' out
+check "losses that count" 2 -- -to stl line.obj </dev/null
+check "losses that do not" 0 -- -to stl -accept-losses line.obj </dev/null
+check "no such part" 1 -- -to glb -shard 5/4 plain.obj </dev/null
+check "no number" 1 -- -to glb -jobs two plain.obj </dev/null
+
 # Pictures within a file, in a script without a window.
 mkdir pictured
 cp "$here/../data/blender/wood.png" .

@@ -18,7 +18,6 @@ run {
     check "a click takes the edge in front" {[edges] == 1}
     check "its ends are the selected vertices" {[count vertices] == 2}
     check "it is echoed" {[string match "*vesk edge_select *" [::vesk::console::last 3]]}
-    shot edges-one
     xdo keydown shift
     click_at 0.5 0
     xdo keyup shift
@@ -26,7 +25,6 @@ run {
     click_at 0.5 0
     click_at 0 0.5 "" 2
     check "a double click takes the loop" {[edges] > 1}
-    shot edges-loop
     check "the menu of edges can be used" {
         [::vesk::menus::fits element [::vesk::menus::now]]
     }
@@ -41,7 +39,6 @@ run {
     check "the cut is shown before the click" {[difference $plain [picture xy]] > 0}
     xdo click 4
     check "the wheel makes it two" {[status] eq "loop cut - 2 loops"}
-    shot edges-cut
     set before [made]
     click_at 0.1 0.5
     check "a click cuts, as one step" {
@@ -137,4 +134,24 @@ run {
     xdo key ctrl+z
     check "and back" {[info_of [top_objects] surfaces] == 6}
     vesk set_tool_option bevel_segments 1
+
+    # ---- edges move as vertices do ----
+    fresh
+    vesk set_select_mode edge
+    vesk clear_selection
+    press .main.tools.move
+    click_at 0 0.5
+    from_to 0 0.5 0 0.8
+    check "a drag moves the edge" {[edges] == 1 && [near [lindex [centre] 1] 0.8]}
+    enter .opt.tool.x 0.25
+    press .opt.tool.apply
+    check "so do typed numbers" {[near [lindex [centre] 0] 0.25]}
+    from_to 0.83 0.88 1.03 0.88
+    check "a handle resizes it" {[near [lindex [size] 0] 1.2] && [edges] == 1}
+    press .main.tools.rotate
+    enter .opt.tool.z 90
+    press .opt.tool.apply
+    check "a typed angle turns it" {[near [lrange [size] 0 1] {0 1.2}] && [edges] == 1}
+    foreach step {1 2 3 4} {xdo key ctrl+z}
+    check "four steps back" {[near [centre] {0 0.5 0.5}] && [near [lindex [size] 0] 1]}
 }

@@ -385,6 +385,29 @@ TEST_F(Drags, ADoubleClickOnAnElementTakesMoreThanTheElement)
     EXPECT_EQ(selection().num_vertices, 12);
 }
 
+TEST_F(Drags, SelectBehindGoesThroughWhatLiesUnderThePointer)
+{
+    run("set_select_mode", "surface");
+    clear_selection();
+    move(VIEW_XY, 180, 150);
+    prefs.filled_orth = 0;
+    std::set<int> seen;
+    for (int i = 0; i < 2; ++i) {
+        run("keypress", VIEW_XY, "q", 0);
+        ASSERT_EQ(selection().num_surfaces, 1);
+        seen.insert(selected_surfaces_of(cube).front());
+    }
+    EXPECT_EQ(seen.size(), 2u); // front and back
+    run("keypress", VIEW_XY, "q", 0);
+    EXPECT_EQ(last_message(), "select behind - 1 of 2");
+    run("select_behind"); // at the same place
+    EXPECT_EQ(last_message(), "select behind - 2 of 2");
+    move(VIEW_XY, 20, 20);
+    run("keypress", VIEW_XY, "q", 0);
+    EXPECT_EQ(last_message(), "select behind - nothing lies there");
+    EXPECT_EQ(selection().num_surfaces, 1);
+}
+
 TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
 {
     run("set_select_mode", "surface");
