@@ -82,8 +82,6 @@ solid_t star(int points, float inner, float outer, float height)
 
 object_t *add(const solid_t &solid) { return add_mesh(solid.points, solid.faces); }
 
-int slivers = 0; // surfaces without an area, in all results so far
-
 // The volume that the operation leaves of A and B; they are there again afterwards.
 double left_of(const solid_t &a, const solid_t &b, const char *operation, const char *what)
 {
@@ -101,7 +99,7 @@ double left_of(const solid_t &a, const solid_t &b, const char *operation, const 
     EXPECT_EQ(found.total(model_problem::flipped), 0) << what;
     EXPECT_EQ(found.total(model_problem::duplicate_vertex), 0) << what;
     EXPECT_EQ(found.total(model_problem::unused_vertex), 0) << what;
-    slivers += found.total(model_problem::zero_area);
+    EXPECT_EQ(found.total(model_problem::zero_area), 0) << what;
     return volume(result);
 }
 
@@ -141,10 +139,8 @@ TEST_P(BooleanOfBoxes, AreWhatTheyShouldBe)
     const double volumes[] = {8 + c.in_b - c.in_both, 8 - c.in_both, c.in_both};
     const solid_t a = box(0, 0, 0, 2, 2, 2);
     for (int i = 0; i < 3; ++i) {
-        slivers = 0;
         EXPECT_NEAR(left_of(a, c.b, operations[i], operations[i]), volumes[i], 1e-5)
             << operations[i];
-        EXPECT_EQ(slivers, 0) << operations[i];
         object_t *result = objects().front();
         EXPECT_EQ(result->num_surfaces, c.surfaces[i]) << operations[i];
         if (!c.touches) {
@@ -231,7 +227,6 @@ void place(random_source &random, int kind, solid_t &a, solid_t &b)
 TEST_F(Boolean, LosesNoVolumeOfRandomPairs)
 {
     constexpr int pairs = 1000;
-    slivers = 0;
     for (int i = 1; i <= pairs; ++i) {
         random_source random(static_cast<std::uint32_t>(i));
         solid_t a = random_solid(random), b = random_solid(random);
@@ -246,7 +241,7 @@ TEST_F(Boolean, LosesNoVolumeOfRandomPairs)
         EXPECT_NEAR(in_any + in_both, in_a + in_b, (in_a + in_b) * 1e-5);
         EXPECT_NEAR(in_a_alone + in_both, in_a, (in_a + in_b) * 1e-5);
         EXPECT_GE(in_both, -1e-5);
-        if (i % 10 == 0) { // the other way round, and with itself
+        if (i % 20 == 0) { // the other way round, and with itself
             EXPECT_NEAR(left_of(b, a, "union", "other union"), in_any, (in_a + in_b) * 1e-5);
             EXPECT_NEAR(left_of(b, a, "intersection", "other intersection"), in_both,
                         (in_a + in_b) * 1e-5);
@@ -256,9 +251,6 @@ TEST_F(Boolean, LosesNoVolumeOfRandomPairs)
         if (HasFailure())
             break;
     }
-    // Where rounding alone keeps corners off a plane a face without an area may remain beside a
-    // polygon that stays as it is.
-    EXPECT_LE(slivers, 20);
 }
 
 // Bumpy balls of triangles: no plane, no lattice.
