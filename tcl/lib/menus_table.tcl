@@ -100,8 +100,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Rotate a&bout a point..." {rotate_about_with_undo {"Turn X" number 0} {"Turn Y" number 0}
         {"Turn Z" number 0} {"Point X" number 0} {"Point Y" number 0} {"Point Z" number 0}} "" some
         "Turns the selection about a point, in degrees."}
-    {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
-        {Degrees number 90}} "" some "Turns the selection about one axis."}
+    {ask "Rotate about an &axis..." {rotate_about_axis {Degrees number 90} {Axis axis Z}
+        {Pivot pivot Selection}} "" some "Turns the selection about one axis."}
+    {ask "Scale a&long an axis..." {scale_along {Factor number 2} {Axis axis Z}
+        {Pivot pivot Selection}} "" some "Scales the selection along one axis; -1 mirrors it."}
     {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
 }
 ::vesk::menus::define deform "Deform" {
@@ -306,6 +308,8 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Distribute..." {distribute {Axis choice {X x Y y Z z}} {Even choice {Gaps gaps Centres centres}}}
         "" some "Spaces the selected things evenly between the outer two."}
     {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
+    {call "&Place on a surface" {::vesk::tools::choose place} "" some
+        "The selection follows the pointer over other objects and stands on them."}
     {run "Drop on what lies &below" {drop below} "" object
         "Lets the selected objects fall until they touch something."}
 }

@@ -170,7 +170,7 @@ namespace eval ::vesk::menus {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
             {object lock_selected} - {copies array} {copies array_round} {copies mirror_copy}
-            {copies symmetrize} {align align} {align {drop below}} - {object boolean} {surface slice}
+            {copies symmetrize} {align align} {align {drop below}} {align {::vesk::tools::choose place}} - {object boolean} {surface slice}
             {surface catmull_clark} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface orient_outwards}

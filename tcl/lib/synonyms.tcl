@@ -80,6 +80,7 @@ namespace eval ::vesk::menus {
         pick_pivot                   {origin centre center}
         align                        {"line up" level justify}
         distribute                   {space evenly equal}
+        {::vesk::tools::choose place} {snap align surface stick put}
         drop                         {gravity ground floor land rest}
         {drop below}                 {gravity ground land rest stack}
         object_merge                 {join combine attach union}

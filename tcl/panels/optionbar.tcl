@@ -288,6 +288,8 @@ proc ::vesk::optionbar::step_mode {mode step} {
 
 proc ::vesk::optionbar::mode_changed {args} {
     variable level
+    variable shown
+    if {$shown in {move rotate scale}} {show_again}
     set level -1
     after idle ::vesk::optionbar::fit
 }
