@@ -15,7 +15,8 @@
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
 #   needs   condition of the row: "" none, some a selection, object, surface, vertex a selection in
-#           that mode, element a selection of edges or vertices, several objects, a group, undo, redo, hidden, locked, model a model
+#           that mode, element a selection of edges or vertices, several objects, a group, undo, redo, repeat, again
+#           and paste what their rows need, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.
@@ -69,12 +70,12 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Undo" {step_back} Ctrl+Z undo "Takes the last change back."}
     {run "&Redo" {redo} Ctrl+Shift+Z redo "Makes the change again that was taken back."}
     {call "&History..." {::vesk::history::open} Ctrl+H "" "Lists the changes; a click goes back or forth."}
-    {run "Repeat the la&st" {repeat_last} Ctrl+R "" "Does the last operation again."}
-    {call "Ad&just the last..." {::vesk::options::again} Ctrl+Shift+R "" "The options of the last operation once more."}
+    {run "Repeat the la&st" {repeat_last} Ctrl+R repeat "Does the last operation again."}
+    {call "Ad&just the last..." {::vesk::options::again} Ctrl+Shift+R again "The options of the last operation once more."}
     {line}
     {run "Cu&t" {clipboard_cut} Ctrl+X some "Copies the selection and deletes it."}
     {run "&Copy" {clipboard_copy} Ctrl+C some "Copies the selection to the clipboard."}
-    {run "&Paste" {clipboard_paste} Ctrl+V "" "Adds what the clipboard holds."}
+    {run "&Paste" {clipboard_paste} Ctrl+V paste "Adds what the clipboard holds."}
     {run "&Duplicate" {duplicate} Ctrl+D some "Copies the selection beside itself."}
     {run "C&lone" {clone_selection} "" some "Copies the selection in place."}
     {run "D&elete" {delete} Del some "Deletes the selection."}

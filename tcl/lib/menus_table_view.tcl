@@ -57,11 +57,11 @@
     {check "Hi&dden objects" {prefs_show_hidden_3d redraw_3d} "" "" "Hidden objects as a faint wireframe."}
     {check "&Locked objects" {prefs_show_locked_3d redraw_3d} "" "" "Draws locked objects."}
     {line}
-    {run "&Perspective" {do_perspective 1} "" "" "Perspective projection."}
-    {run "Pa&rallel" {do_perspective 0} "" "" "Parallel projection."}
+    {radio "&Perspective" {::vesk::view::projection 1 do_perspective 1} "" "" "Perspective projection."}
+    {radio "Pa&rallel" {::vesk::view::projection 0 do_perspective 0} "" "" "Parallel projection."}
     {line}
-    {run "&Spin" {set_spin_viewer} "" "" "The mouse turns the model."}
-    {run "Wal&k" {set_walk_viewer} "" "" "The mouse walks through the scene."}
+    {radio "&Spin" {::vesk::view::walks 0 set_spin_viewer} "" "" "The mouse turns the model."}
+    {radio "Wal&k" {::vesk::view::walks 1 set_walk_viewer} "" "" "The mouse walks through the scene."}
     {run "From above, a &quarter round" {view_3d_from_corner} "" ""
         "Resets the viewpoint to three quarters above, where a box shows three sides."}
     {run "Level" {person_level} "" "" "Sets the viewpoint level."}
@@ -150,6 +150,7 @@
 ::vesk::menus::define help "&Help" {
     {call "&Manual" {::vesk::help::page manual} "" "" "By task, in the browser."}
     {call "Tou&r" {::vesk::help::page tour} "" "" "A table lamp from nothing, step by step."}
+    {call "Second lesson" {::vesk::help::page tour-mug} "" "" "A mug by edges, loops and cuts, step by step."}
     {call "&Scripting" {::vesk::help::page scripting} "" "" "Every command, with examples."}
     {call "Plug-&in guide" {::vesk::help::page plugins} "" "" "How to write plug-ins."}
     {call "&File formats" {::vesk::help::page file-format} "" "" "Models, settings, and what is exchanged with others."}

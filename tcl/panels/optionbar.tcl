@@ -1,7 +1,7 @@
 # optionbar.tcl --
 #   The bar below the menus: select modes, how they pick, fields of the current tool, snapping, pivot,
-#   search. Where the fields of a tool need the room the search field shrinks first; then the pivot,
-#   the near snap and the snap are left out. The modes keep their places while a tool fits so: the
+#   search. Where the fields of a tool need the room the search field shrinks first; then the near
+#   snap, the pivot and the snap are left out. The modes keep their places while a tool fits so: the
 #   window's width decides whether the inactive ones have their texts.
 
 namespace eval ::vesk::optionbar {
@@ -138,12 +138,14 @@ proc ::vesk::optionbar::show_fields {tool} {
     pack $frame.name -side left -padx [::vesk::theme::pad 0 10]
     set number 0
     foreach item [::vesk::tools::fields_of $tool] {
-        lassign $item label kind key without
+        lassign $item label kind key last
+        set choices [expr {$kind eq "option" ? $last : ""}]
+        set without [expr {$kind eq "option" ? "" : $last}]
         if {$without ne "" && [set ::vesk::tools::$without]} {continue}
         if {$label eq "vector"} {
             add_vector $frame $kind
         } else {
-            add_item $frame [incr number] $label $kind $key
+            add_item $frame [incr number] $label $kind $key $choices
         }
     }
     set level -1
@@ -356,31 +358,30 @@ proc ::vesk::optionbar::needed_width {level texts} {
     set width [expr {[modes_width $texts] + [::vesk::theme::px 86]
         + [winfo reqwidth $path.settings]}]
     foreach group {pick line1 tool} {incr width [winfo reqwidth $path.$group]}
-    if {$level < 1} {
+    if {$level < 2} {
         incr width [expr {[winfo reqwidth $path.pivot] + [winfo reqwidth $path.line3]}]
     }
     if {$level < 3} {
-        incr width [expr {[winfo reqwidth $path.snap] + [winfo reqwidth $path.line2]}]
+        incr width [expr {[winfo reqwidth $path.snap.on] + [winfo reqwidth $path.snap.grid]
+            + 2 * [::vesk::theme::px 8] + [winfo reqwidth $path.line2]}]
     }
-    if {$level == 2 && [winfo manager $path.snap.near] ne ""} {
-        incr width -[winfo reqwidth $path.snap.near]
-    }
+    if {$level < 1} {incr width [winfo reqwidth $path.snap.near]}
     return $width
 }
 
 # apply_level --
-#   1: without the pivot; 2: without the near snap; from 3 on without the snap.
+#   1: without the near snap; 2: without the pivot; from 3 on without the snap.
 proc ::vesk::optionbar::apply_level {level} {
     variable path
     foreach part {line2 snap line3 pivot} {pack forget $path.$part}
     if {$level < 3} {
         pack $path.line2 $path.snap -side left -after $path.tool
     }
-    if {$level < 1} {
+    if {$level < 2} {
         pack $path.line3 $path.pivot -side left -after $path.snap
     }
     pack forget $path.snap.near
-    if {$level < 2} {pack $path.snap.near -side left}
+    if {$level < 1} {pack $path.snap.near -side left}
 }
 
 # set_select_mode_ui --

@@ -72,12 +72,17 @@ proc ::vesk::options::ask {title target help {before ""}} {
     follow_fields
 }
 
+proc ::vesk::options::can_again {} {
+    variable last
+    return [expr {$last ne "" && [history_place] == [dict get $last now]}]
+}
+
 # again --
 #   The options of the last operation once more, as long as nothing was changed since: its result is
 #   taken back and made anew while the numbers change.
 proc ::vesk::options::again {} {
     variable last
-    if {$last eq "" || [history_place] != [dict get $last now]} {
+    if {![can_again]} {
         display_message "there is no last operation whose options could be changed"
         return
     }

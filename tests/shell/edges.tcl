@@ -66,6 +66,7 @@ run {
     at xy {*}[spot 0.49 -0.1]
     check "the line is shown before it cuts" {[difference $plain [picture xy]] > 0}
     shot edges-knife
+    page_picture edges-knife 0
     click_at 0.49 -0.1
     check "clicks change nothing" {[info_of [top_objects] surfaces] == 6}
     key BackSpace
@@ -98,6 +99,9 @@ run {
     check "the slice is echoed" {[string match "*vesk slice *both 0*" [::vesk::console::last 4]]}
     xdo key ctrl+z
     check "Ctrl+Z takes the slice back" {[info_of [top_objects] surfaces] == 6}
+
+    press .main.tools.slice
+    check "what a slice keeps can be chosen" {[.opt.tool.f1 get] eq "Both sides"}
 
     # ---- operations that follow the mouse ----
     vesk set_select_mode edge
