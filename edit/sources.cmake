@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     edit/connect.cpp
     edit/create.cpp
     edit/delete.cpp
+    edit/dimensions.cpp
     edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp

@@ -1,11 +1,12 @@
 // Commands of copies, halves and things put in line, of the axes they go by, of what moves along
-// with the selection, and of deformers.
+// with the selection, of deformers, and of dimension lines.
 
 #include "base/command_row.h"
 #include "edit/align.h"
 #include "edit/axis_pivot.h"
 #include "edit/copies.h"
 #include "edit/deform.h"
+#include "edit/dimensions.h"
 #include "edit/drop.h"
 #include "edit/mirror_copy.h"
 #include "edit/place.h"
@@ -73,6 +74,12 @@ std::span<const own_command_t> copy_commands()
                     "remember the direction of the selection as the picked axis"),
         command_row("pick_pivot", command_pick_pivot, view, nullptr,
                     "remember the middle of the selection as the picked pivot"),
+        command_row("dimension_add", command_dimension_add, edit, nullptr,
+                    "keep the lengths of the selected edges as dimension lines"),
+        command_row("dimension_remove", command_dimension_remove, edit, nullptr,
+                    "take the dimension lines off the selected objects"),
+        command_row("get_dimensions", command_get_dimensions, query, nullptr,
+                    "returns object id, two vertices and the length of each dimension line"),
         command_row("get_picked", command_get_picked, query, nullptr,
                     "returns the picked axis and the picked pivot"),
     };

@@ -428,6 +428,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
     {ask "&Bevel..." {vertex_bevel {Width number 0.1}} "" vertex "Cuts the selected vertices off."}
+    {run "Add a di&mension" {dimension_add} "" element
+        "The views keep showing the length of the selected edges, or between two vertices."}
+    {run "Remove dimensions" {dimension_remove} "" some
+        "Takes the dimension lines off the selected objects."}
     {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
 }

@@ -76,6 +76,7 @@ namespace eval ::vesk::menus {
         array_path                   {follow curve copies}
         mirror_copy                  {reflect symmetry flip half}
         symmetrize                   {symmetry half}
+        dimension_add                {measure distance length ruler annotate}
         pick_axis                    {"custom axis" direction normal}
         pick_pivot                   {origin centre center}
         align                        {"line up" level justify}
