@@ -3,6 +3,7 @@
 #include "base/prefs.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_marks_gl.h"
+#include "draw/draw_reach_gl.h"
 #include "draw/draw_text_gl.h"
 #include "draw/selection_marks.h"
 #include "model/each.h"
@@ -189,6 +190,7 @@ void draw_selection_box(int view)
 void draw_tool_overlay(int view, int width, int height)
 {
     const overlay_t &tool = overlay();
+    draw_reach(view, width, height);
     draw_preview(tool, view);
     if (tool.locked_axis >= 0)
         draw_axis_lock(tool, view, width, height);

@@ -14,6 +14,7 @@ target_sources(vesk PRIVATE
     draw/draw_layers_gl.cpp
     draw/draw_marks_gl.cpp
     draw/draw_orth_gl.cpp
+    draw/draw_reach_gl.cpp
     draw/draw_overlay_gl.cpp
     draw/draw_scene_gl.cpp
     draw/draw_text_gl.cpp

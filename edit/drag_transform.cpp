@@ -4,6 +4,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
+#include "edit/soft_selection.h"
 #include "edit/transform.h"
 #include "edit/uv/uv_keep.h"
 #include "model/angle.h"
@@ -47,6 +48,20 @@ public:
     void set_centre(const point3_t &centre) { centre_ = centre; }
     [[nodiscard]] const float *rotation() const { return rotation_; }
 
+    // Where a point comes that takes a share of the change: of a turn a share of its angle.
+    [[nodiscard]] point3_t shared(const point3_t &p, float share) const
+    {
+        if (share >= 1)
+            return (*this)(p);
+        if (!turns(change_)) {
+            const point3_t to = (*this)(p);
+            return point_add(p, point_scale(point_sub(to, p), share));
+        }
+        drag_change_t part = change_;
+        part.degrees *= share;
+        part.angles = point_scale(part.angles, share);
+        return mapping_t(part)(p);
+    }
     [[nodiscard]] point3_t operator()(const point3_t &p) const
     {
         if (change_.kind == drag_change_t::MOVE)
@@ -164,6 +179,8 @@ point3_t middle_of(object_t *top)
 
 } // namespace
 
+bool transform_reaches_further() { return soft_selection_acts() || symmetry_acts(); }
+
 void drag_matrix(const drag_change_t &change, float out[16])
 {
     const mapping_t map(change);
@@ -212,10 +229,34 @@ drag_transform_t::drag_transform_t() : box_min(selection().box_min), box_max(sel
     for (const vertex *v : vertices) {
         positions.push_back(v->position);
     }
+    num_moving = vertices.size();
     if (objects.empty()) {
         owners = owners_of_vertices(vertices);
         std::erase(owners, nullptr);
         owners = unique_objects(owners);
+        add_further();
+    }
+}
+
+// What soft selection takes along, and the counterparts of it all.
+void drag_transform_t::add_further()
+{
+    if (soft_selection_acts()) {
+        shares.assign(vertices.size(), 1.0f);
+        for (const soft_vertex &near : soft_neighbours(vertices, owners)) {
+            vertices.push_back(near.point);
+            positions.push_back(near.point->position);
+            shares.push_back(near.share);
+        }
+    }
+    num_moving = vertices.size();
+    is_symmetric = symmetry_acts();
+    if (!is_symmetric)
+        return;
+    pairs = symmetric_pairs(vertices, shares, owners);
+    for (vertex *other : pairs.counterparts()) {
+        vertices.push_back(other);
+        positions.push_back(other->position);
     }
 }
 
@@ -243,8 +284,9 @@ void drag_transform_t::apply(const drag_change_t &change)
             moved.object->centre = map(moved.centre);
         }
     } else {
-        for (size_t i = 0; i < vertices.size(); ++i) {
-            vertices[i]->position = map(positions[i]);
+        for (size_t i = 0; i < num_moving; ++i) {
+            vertices[i]->position =
+                shares.empty() ? map(positions[i]) : map.shared(positions[i], shares[i]);
         }
         for (const moved_object_t &moved : objects) {
             moved.object->centre = map(moved.centre);
@@ -257,8 +299,29 @@ void drag_transform_t::apply(const drag_change_t &change)
             matrix_copy(moved.rotation, moved.object->rotation);
         }
     }
+    after_change();
+}
+
+void drag_transform_t::after_change()
+{
+    pairs.follow();
     mark();
     changed = true;
+}
+
+void drag_transform_t::deform(const deform_t &to)
+{
+    deformer = to;
+    for (size_t i = normals.size(); i < num_moving; ++i)
+        normals.push_back(vertices[i]->normal);
+    for (size_t i = 0; i < num_moving; ++i) {
+        const vec3d from = to_vec3d(positions[i]);
+        const vec3d moved = to(from, to_vec3d(normals[i]));
+        const double share = shares.empty() ? 1.0 : static_cast<double>(shares[i]);
+        vertices[i]->position = to_point(from + (moved - from) * share);
+    }
+    after_change();
+    find_bounding_box();
 }
 
 void drag_transform_t::step(const drag_change_t &change)
@@ -336,8 +399,33 @@ void drag_transform_t::open_record() const
 
 void drag_transform_t::finish()
 {
+    if (reaches_further()) {
+        static constexpr const char *labels[] = {"move", "rotate", "rotate", "resize"};
+        finish_as(labels[last.kind]);
+        return;
+    }
     apply(last);
     open_record();
     selected_calc_normals();
     find_bounding_box();
+}
+
+// The reversal of a transform knows the selection alone.
+void drag_transform_t::finish_as(const char *label)
+{
+    if (label != nullptr) {
+        take_back();
+        owned_list all;
+        for (vertex *v : vertices)
+            all.add(v);
+        new_undo(UNDO_POSITIONS, label);
+        set_undo_vertex_positions(all.get(), nullptr);
+    }
+    if (deformer)
+        deform(deformer);
+    else
+        apply(last);
+    calc_normals_of(owners);
+    find_bounding_box();
+    tell_without_counterpart(pairs.num_without());
 }

@@ -1,14 +1,18 @@
 #ifndef VESK_EDIT_DRAG_TRANSFORM_H
 #define VESK_EDIT_DRAG_TRANSFORM_H
 
+#include "edit/symmetry.h"
 #include "model/object.h"
+#include "model/vec3d.h"
 
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 // A transform of the selection that follows the mouse: every step is computed from the positions at
 // the press, so nothing accumulates, and taking it back gives the very same bits. Small selections
-// are changed at each step, large ones once at the end.
+// are changed at each step, large ones once at the end. It takes along what soft selection adds, and
+// the counterparts of symmetry.
 
 struct drag_change_t {
     enum kind_t { MOVE, ROTATE, TURN, RESIZE } kind = MOVE;
@@ -21,6 +25,12 @@ struct drag_change_t {
     point3_t from_min, from_max; // RESIZE: the box before
     point3_t to_min, to_max;     // RESIZE: the box after
 };
+
+// Where a deformer takes a point; its normal has the length 1 or 0.
+using deform_t = std::function<vec3d(const vec3d &point, const vec3d &normal)>;
+
+// Whether changes of the present selection move more than is selected.
+bool transform_reaches_further();
 
 // Where the change takes a point, as a matrix column by column. Not for own_centres.
 void drag_matrix(const drag_change_t &change, float out[16]);
@@ -40,13 +50,17 @@ public:
         return change.kind == drag_change_t::ROTATE && change.own_centres && has_own_centres;
     }
     // Whether steps change the model; else only finish does.
-    [[nodiscard]] bool is_live() const { return vertices.size() < live_limit; }
+    [[nodiscard]] bool is_live() const { return reaches_further() || vertices.size() < live_limit; }
     // The change so far, from the press on.
     void step(const drag_change_t &change);
+    // The same by a deformer.
+    void deform(const deform_t &to);
     // As it was at the press.
     void take_back();
     // Makes the last change for good: one undo record with the tool's label.
     void finish();
+    // The same with this label on a record of positions; null: no record.
+    void finish_as(const char *label);
 
 private:
     static constexpr size_t live_limit = 20000;
@@ -58,13 +72,22 @@ private:
         size_t first_vertex; // its own ones among `vertices`
         size_t end_vertex;
     };
+    [[nodiscard]] bool reaches_further() const { return shares.size() > 0 || is_symmetric; }
+    void add_further();
     void apply(const drag_change_t &change);
+    void after_change();
     void open_record() const;
     void show_box(const drag_change_t &change) const;
     void mark() const;
 
     std::vector<vertex *> vertices;  // each once
     std::vector<point3_t> positions; // at the press
+    std::vector<float> shares;       // of the change that each vertex takes; none: all of it
+    std::size_t num_moving = 0;      // the vertices behind them are counterparts
+    std::vector<point3_t> normals;   // of the moving ones, at the press, for a deformer
+    deform_t deformer;
+    symmetric_pairs pairs;
+    bool is_symmetric = false;
     std::vector<moved_object_t> objects;
     std::vector<object_t *> owners; // of everything that moves
     point3_t box_min, box_max;      // of the selection, at the press

@@ -9,6 +9,7 @@
 #include "edit/link_surfaces.h"
 #include "edit/mesh/position_index.h"
 #include "edit/region_sweep.h"
+#include "edit/symmetry_scope.h"
 #include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"
@@ -45,8 +46,8 @@ sweep_outcome extrude_by(const extrusion_t &how, std::size_t &made)
     const int steps = std::max(prefs.extrude_num, 1);
     const auto n = static_cast<float>(steps);
     const point3_t step = {how.offset.x / n, how.offset.y / n, how.offset.z / n};
-    const auto place = [&step](int, const point3_t &, const point3_t &before) {
-        return point_add(before, step);
+    const auto place = [&step](int, const point3_t &base, const point3_t &before) {
+        return point_add(before, symmetry_offset(base, step));
     };
     const sweep_outcome outcome =
         sweep_surfaces(surfaces.get(),
@@ -73,7 +74,9 @@ bool extrude_with_undo(extrusion_t how)
     display_message("extruding...");
     how.undo_label = "extrude";
     std::size_t made = 0;
+    symmetry_scope both_sides(symmetry_scope::of::elements);
     const sweep_outcome result = extrude_by(how, made);
+    both_sides.end();
     if (result == sweep_outcome::cancelled)
         display_message("extrude - cancelled");
     if (result != sweep_outcome::done)

@@ -2,6 +2,7 @@
 
 #include "edit/edge_operation.h"
 #include "edit/mesh/mesh_edges.h"
+#include "edit/symmetry_scope.h"
 #include "model/vector.h"
 
 void command_extrude_edges(float x, float y, float z)
@@ -11,7 +12,8 @@ void command_extrude_edges(float x, float y, float z)
         std::vector<int> copies(mesh.num_vertices(), -1);
         const auto copy_of = [&](int v) {
             if (copies[v] < 0)
-                copies[v] = work.change.add_vertex(point_add(mesh.position(v), {x, y, z}), v);
+                copies[v] = work.change.add_vertex(
+                    point_add(mesh.position(v), symmetry_offset(mesh.position(v), {x, y, z})), v);
             return copies[v];
         };
         for (const int e : work.edges) {

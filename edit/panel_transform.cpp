@@ -89,11 +89,14 @@ drag_change_t change_to(const running_t &now, const point3_t &p)
     return change;
 }
 
-void make(const drag_change_t &change)
+void make(const drag_change_t &change, const char *label = nullptr)
 {
     drag_transform_t transform;
     transform.step(change);
-    transform.finish();
+    if (label != nullptr)
+        transform.finish_as(label);
+    else
+        transform.finish();
     redraw_all();
     display_status();
 }
@@ -273,6 +276,17 @@ void mirror_with_undo(int axis)
     }
     if (axis < 0 || axis > 2) {
         display_message("mirror - no axis %d", axis);
+        return;
+    }
+    if (transform_reaches_further()) {
+        const point3_t low = selection().box_min, high = selection().box_max;
+        drag_change_t change;
+        change.kind = drag_change_t::RESIZE;
+        change.from_min = change.to_min = low;
+        change.from_max = change.to_max = high;
+        axis_of(change.to_min, axis) = axis_of(high, axis);
+        axis_of(change.to_max, axis) = axis_of(low, axis);
+        make(change, "mirror");
         return;
     }
     new_undo(UNDO_SCALE, "mirror");

@@ -5,8 +5,10 @@
 #include "edit/document/edit_support.h"
 #include "edit/mesh/mesh_change.h"
 #include "edit/mesh/mesh_edges.h"
+#include "edit/mesh/polygon_plane.h"
 #include "edit/mesh/position_index.h"
 #include "edit/mesh/union_find.h"
+#include "edit/symmetry_scope.h"
 #include "model/freed.h"
 #include "model/outline_normal.h"
 
@@ -141,8 +143,9 @@ std::vector<fate_t> region_sweep::fates_of_body(const point3_t &way) const
         for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
             goes_on[part[i]] =
                 goes_on[part[i]] || (edges_.of_corner[c] >= 0 && beyond[edges_.of_corner[c]]);
-        forwards[part[i]] +=
-            dot(outline_normal(mesh_, mesh_.surface_corners(surface)), to_vec3d(way));
+        const point3_t middle = to_point(polygon_middle(mesh_, surface));
+        forwards[part[i]] += dot(outline_normal(mesh_, mesh_.surface_corners(surface)),
+                                 to_vec3d(symmetry_offset(middle, way)));
     }
     std::vector<fate_t> fates;
     for (std::size_t i = 0; i < surfaces_.size(); ++i) {

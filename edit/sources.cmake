@@ -48,6 +48,10 @@ target_sources(vesk_core PRIVATE
     edit/selection_sets.cpp
     edit/select_inside.cpp
     edit/slice.cpp
+    edit/soft_selection.cpp
+    edit/symmetry.cpp
+    edit/symmetry_scope.cpp
+    edit/deform.cpp
     edit/align.cpp
     edit/axis_pivot.cpp
     edit/copies.cpp

@@ -6,6 +6,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/drag_transform.h"
 #include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"
@@ -110,6 +111,53 @@ bool fits_when_scaled(const point3_t &factors)
     return fits(all.box_min.x, all.box_max.x, factors.x) &&
            fits(all.box_min.y, all.box_max.y, factors.y) &&
            fits(all.box_min.z, all.box_max.z, factors.z);
+}
+
+// While soft selection or symmetry is on the commands are the same as drags, with a record of this
+// label or without any.
+bool made_further(const drag_change_t &change, const char *label)
+{
+    if (!transform_reaches_further())
+        return false;
+    drag_transform_t transform;
+    transform.step(change);
+    transform.finish_as(label);
+    redraw_all();
+    display_status();
+    return true;
+}
+
+drag_change_t move_by(const point3_t &offset)
+{
+    drag_change_t change;
+    change.offset = offset;
+    return change;
+}
+
+drag_change_t turn_by(float rx, float ry, float rz, const point3_t &centre)
+{
+    drag_change_t change;
+    change.kind = drag_change_t::TURN;
+    change.angles = {rx, ry, rz};
+    change.centre = centre;
+    return change;
+}
+
+// Of the selection's box about its middle.
+drag_change_t scale_by(const point3_t &factors)
+{
+    const selection_t &all = selection();
+    drag_change_t change;
+    change.kind = drag_change_t::RESIZE;
+    change.from_min = all.box_min;
+    change.from_max = all.box_max;
+    for (int axis = 0; axis < 3; ++axis) {
+        const float low = axis_of(all.box_min, axis), high = axis_of(all.box_max, axis);
+        const float middle = low + (high - low) / 2, half = (high - low) / 2;
+        axis_of(change.to_min, axis) = middle - half * axis_of(factors, axis);
+        axis_of(change.to_max, axis) = middle + half * axis_of(factors, axis);
+    }
+    return change;
 }
 
 void finish_rotation()
@@ -306,6 +354,8 @@ void selected_calc_normals(void)
 void move_selection_f(float x, float y, float z)
 {
     const point3_t offset = {x, y, z};
+    if (made_further(move_by(offset), nullptr))
+        return;
     if (nothing_is_selected() == 0)
         move_selection(&offset);
     redraw_all();
@@ -317,6 +367,8 @@ void selection_move_to_f(float x, float y, float z)
     if (all.box_valid == 0)
         return;
     const point3_t offset = {x - all.box_centre.x, y - all.box_centre.y, z - all.box_centre.z};
+    if (made_further(move_by(offset), "move to"))
+        return;
     new_undo(UNDO_MOVE, "move to");
     set_undo_vert(offset.x, offset.y, offset.z);
     move_selection(&offset);
@@ -325,6 +377,8 @@ void selection_move_to_f(float x, float y, float z)
 
 void rotate_selection_f(float rx, float ry, float rz)
 {
+    if (selection().box_valid != 0 && made_further(turn_by(rx, ry, rz, rotation_centre()), nullptr))
+        return;
     rotate_selection(rx, ry, rz);
     redraw_all();
 }
@@ -332,14 +386,16 @@ void rotate_selection_f(float rx, float ry, float rz)
 void rotate_selection_about_f(float rx, float ry, float rz, float x, float y, float z)
 {
     const point3_t centre = {x, y, z};
+    if (made_further(turn_by(rx, ry, rz, centre), nullptr))
+        return;
     rotate_selection_about(rx, ry, rz, &centre);
     redraw_all();
 }
 
 void selection_rotate_axis_angle(float axis, float degrees)
 {
-    rotate_selection_axis_angle(static_cast<int>(axis), degrees);
-    redraw_all();
+    const auto a = static_cast<int>(axis);
+    rotate_selection_f(a == 0 ? degrees : 0.0f, a == 1 ? degrees : 0.0f, a == 2 ? degrees : 0.0f);
 }
 
 void selected_scale(float sx, float sy, float sz)
@@ -350,6 +406,8 @@ void selected_scale(float sx, float sy, float sz)
         display_message("scale - the result would be too large");
         return;
     }
+    if (made_further(scale_by({sx, sy, sz}), "size selection"))
+        return;
     new_undo(UNDO_SCALE, "size selection");
     const auto reciprocal = [](float s) { return s == 0.0f ? 1.0f : 1.0f / s; };
     set_undo_vert(reciprocal(sx), reciprocal(sy), reciprocal(sz));
@@ -379,6 +437,11 @@ void selection_size_to_f(float x, float y, float z)
 void mirror_selected(int axis)
 {
     const selection_t &all = selection();
+    if (all.box_valid != 0 &&
+        made_further(scale_by({axis == 0 ? -1.0f : 1.0f, axis == 1 ? -1.0f : 1.0f,
+                               axis == 2 ? -1.0f : 1.0f}),
+                     nullptr))
+        return;
     if (all.box_valid != 0) {
         const float a[3] = {all.box_min.x, all.box_min.y, all.box_min.z};
         const float b[3] = {all.box_max.x, all.box_max.y, all.box_max.z};

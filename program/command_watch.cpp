@@ -9,6 +9,7 @@
 #include "edit/document/journal.h"
 #include "edit/document/step.h"
 #include "edit/document/undo_internal.h"
+#include "edit/symmetry_scope.h"
 #include "fileio/rescue.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
@@ -31,6 +32,7 @@ namespace {
 struct watch_t {
     unsigned serial = 0; // of the undo records, when the running command began
     std::optional<step_t> step;
+    std::optional<symmetry_scope> both_sides;
     std::string label;              // of the step, when the command opens no record
     std::vector<std::string> words; // that repeat it
     state_ptr before;               // the model when it began
@@ -68,7 +70,10 @@ void before_command(const vesk_command_t *command, int count, const char *const 
         running().label = label_of(command, count, words);
         running().words.clear();
         running().before = journal_state();
+        running().both_sides.reset();
     }
+    if (outermost || std::string_view(session().command) == "repeat_last")
+        running().both_sides.emplace(command->name);
     if (command_kind_of(command) == command_kind::edit &&
         (outermost || std::string_view(session().command) == "repeat_last"))
         running().words.assign(words, words + count);
@@ -116,6 +121,10 @@ void refuse_infinite_result(const char *label)
 
 void after_command(const vesk_command_t *command, bool whole)
 {
+    if (session().command_depth == 0 && whole)
+        running().both_sides->end();
+    if (session().command_depth == 0)
+        running().both_sides.reset();
     if (command_is_foreign(command) || !whole) {
         mark_all_suspect(); // those of a fault, too
         freed_filter_foreign();

@@ -1,11 +1,15 @@
-// Commands of copies, halves and things put in line, and of the axes they go by.
+// Commands of copies, halves and things put in line, of the axes they go by, of what moves along
+// with the selection, and of deformers.
 
 #include "base/command_row.h"
 #include "edit/align.h"
 #include "edit/axis_pivot.h"
 #include "edit/copies.h"
+#include "edit/deform.h"
 #include "edit/drop.h"
 #include "edit/mirror_copy.h"
+#include "edit/soft_selection.h"
+#include "edit/symmetry.h"
 #include "program/own_commands.h"
 
 std::span<const own_command_t> copy_commands()
@@ -34,6 +38,27 @@ std::span<const own_command_t> copy_commands()
                     "<string axis> <string gaps or centres>", "space the selected things evenly"),
         command_row("drop", command_drop, edit, "<string height or below>",
                     "rest the selected objects on a height, or on what lies below"),
+        command_row("bend", command_bend, edit, 1, 3,
+                    "<float degrees> <string axis> <string pivot>", "bend the selection to an arc"),
+        command_row("taper", command_taper, edit, 1, 3,
+                    "<float factor> <string axis> <string pivot>",
+                    "make the selection narrower or wider along an axis"),
+        command_row("twist", command_twist, edit, 1, 3,
+                    "<float degrees> <string axis> <string pivot>",
+                    "turn the ends of the selection against each other"),
+        command_row("inflate", command_inflate, edit, 1, 2, "<float share> <string pivot>",
+                    "bring the selection onto a sphere"),
+        command_row("noise", command_noise, edit, 1, 2, "<float amount> <int seed>",
+                    "move the selected vertices by chance"),
+        command_row("push_normals", command_push_normals, edit, 1, 1, "<float distance>",
+                    "move the selected vertices along their normals"),
+        command_row("soft_selection", command_soft_selection, view, 1, 4,
+                    "<int on> <float radius> <string smooth, round, linear, sharp or even> "
+                    "<string space or surface>",
+                    "moves take along what is near"),
+        command_row("symmetry", command_symmetry, view, 1, 2,
+                    "<string off, x, y or z> <string origin or centre>",
+                    "changes of one side are made on the other, too"),
         command_row("pick_axis", command_pick_axis, view, nullptr,
                     "remember the direction of the selection as the picked axis"),
         command_row("pick_pivot", command_pick_pivot, view, nullptr,

@@ -82,9 +82,10 @@ struct batch_option {
     std::string_view name;
     const char *script;
 };
-constexpr batch_option batch_options[] = {
-    {"-batch", nullptr}, {"-thumbnail", "tcl/thumbnail.tcl"}, {"-convert", "tcl/convert.tcl"},
-    {"-pipe", "tcl/pipe.tcl"}};
+constexpr batch_option batch_options[] = {{"-batch", nullptr},
+                                          {"-thumbnail", "tcl/thumbnail.tcl"},
+                                          {"-convert", "tcl/convert.tcl"},
+                                          {"-pipe", "tcl/pipe.tcl"}};
 
 // The option at `i`; -batch is one only with a script behind it.
 const batch_option *batch_option_at(int i, int argc, char **argv)
@@ -113,7 +114,8 @@ void print_help(const command_line_t &line)
         "                            write a picture of the files without a window\n"
         "      -convert IN OUT       convert a model without a window; -convert -to SUFFIX\n"
         "                            FILE ... converts several (docs/batch.md)\n"
-        "      -pipe [FILE ...]      commands from standard input, answers in JSON (docs/batch.md)\n"
+        "      -pipe [FILE ...]      commands from standard input, answers in JSON "
+        "(docs/batch.md)\n"
         "      -version              print the version and exit\n");
 }
 
@@ -285,6 +287,8 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
     print_banner();
     console_printf("VESK_HOME is %s\n", vesk_get_vesk_homedir());
     init_prefs();
+    // Modes that would surprise at the next start.
+    prefs.soft_selection = prefs.symmetry_axis = 0;
     alloc_set_mode(debug_mode(), prefs.memory_checks != 0); // before the first block is taken
     if (prefs.windows_show_console == 0)
         console_release();

@@ -93,9 +93,9 @@ void port_message_box(const char *title, const char *text)
     const bool window = interp_has_tk() && Tk_GetNumMainWindows() > 0;
     if (interp_tk() != nullptr) {
         Tcl_InterpState saved = Tcl_SaveInterpState(interp_tk(), TCL_OK);
-        const int code = window ? eval_words({"tk_messageBox", "-title", title, "-type", "ok",
-                                              "-message", text})
-                                : eval_words({"message_box", text});
+        const int code =
+            window ? eval_words({"tk_messageBox", "-title", title, "-type", "ok", "-message", text})
+                   : eval_words({"message_box", text});
         Tcl_RestoreInterpState(interp_tk(), saved);
         if (code == TCL_OK)
             return;

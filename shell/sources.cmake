@@ -5,6 +5,7 @@ target_sources(vesk PRIVATE
     shell/icon_image_tk.cpp
     shell/interp_tk.cpp
     shell/main.cpp
+    shell/pointer_tk.cpp
     shell/port_tk.cpp
     shell/programs_tk.cpp
     shell/uv_window_tk.cpp

@@ -11,9 +11,11 @@
 #include "draw/draw_view_gl.h"
 #include "shell/bridge_tk.h"
 #include "shell/interp_tk.h"
+#include "shell/pointer_tk.h"
 #include "shell/uv_window_tk.h"
 #include "shell/view_commands_tk.h"
 #include "view/camera.h"
+#include "view/draw_budget.h"
 #include "view/interaction.h"
 #include "view/views_internal.h"
 
@@ -37,6 +39,8 @@ struct widgets_t {
     double settle_at[num_views] = {never, never, never, never}; // when a view is drawn in full
     Tcl_TimerToken tick = nullptr;
     bool drawing[num_views] = {};
+    double drawn_at[num_views] = {}; // end of the last picture
+    double cost[num_views] = {};     // seconds that it took
 };
 widgets_t widgets;
 
@@ -70,11 +74,26 @@ void draw_again(int view)
         widgets.settle = Tcl_CreateTimerHandler(settle_msecs, settle, nullptr);
 }
 
+// Beside the view that a drag runs in, the others must not take its time: each gets a small share.
+bool must_wait(int view)
+{
+    constexpr double share = 0.1;
+    const int dragged = interaction_drag_view();
+    return dragged != VIEW_NONE && view != dragged &&
+           widgets.cost[view] > frame_budget / num_views &&
+           ui_port().now_seconds() - widgets.drawn_at[view] < widgets.cost[view] / share;
+}
+
 void draw(int view, bool in_full)
 {
     Togl *togl = togl_of(view);
     if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
         return;
+    if (!in_full && must_wait(view)) {
+        draw_again(view);
+        return;
+    }
+    const double started = ui_port().now_seconds();
     widgets.settle_at[view] = never;
     widgets.drawing[view] = true; // a box shown from inside lets events in
     Togl_MakeCurrent(togl);
@@ -91,6 +110,8 @@ void draw(int view, bool in_full)
         },
         &fault);
     widgets.drawing[view] = false;
+    widgets.drawn_at[view] = ui_port().now_seconds();
+    widgets.cost[view] = widgets.drawn_at[view] - started;
     if (!drawn) {
         draw_view_distrust(view);
         tell_main_fault(fault);
@@ -312,15 +333,8 @@ void views_tk_fill_port(ui_port_t &port)
     };
     port.set_cursor = [](int view, const char *cursor) {
         const Tk_Window window = view == texture_coords_view ? uv_window_tk() : window_of(view);
-        if (window == nullptr)
-            return;
-        if (cursor == nullptr) {
-            Tk_UndefineCursor(window);
-            return;
-        }
-        const Tk_Cursor shape = Tk_GetCursor(interp_tk(), window, Tk_GetUid(cursor));
-        if (shape != nullptr)
-            Tk_DefineCursor(window, shape);
+        if (window != nullptr)
+            pointer_show_tk(window, cursor);
     };
 }
 

@@ -2,4 +2,4 @@
 #   The four views.
 
 ::vesk::need widgets hovername numberfield
-::vesk::need panels view view_windows
+::vesk::need panels view view_windows reach

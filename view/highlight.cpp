@@ -206,9 +206,11 @@ void highlight_at(int view, int x, int y)
         light_up(view, hit);
 }
 
+bool highlight_is_quick() { return count_surfaces() <= most_followed; }
+
 void highlight_follow(int view, int x, int y)
 {
-    if (prefs.highlight_pick != 0 && count_surfaces() > most_followed)
+    if (prefs.highlight_pick != 0 && !highlight_is_quick())
         highlight_clear();
     else
         highlight_at(view, x, y);

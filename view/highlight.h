@@ -24,6 +24,8 @@ const highlight_t *highlight_in(int view);
 
 // The pointer is at a place of a view. Asks for a picture only when another thing is lit then.
 void highlight_follow(int view, int x, int y);
+// Whether the scene is small enough for looking what is under the pointer at every motion.
+bool highlight_is_quick();
 // The same where the pointer rests, in scenes that are too large for following it, too.
 void highlight_at(int view, int x, int y);
 void highlight_clear();

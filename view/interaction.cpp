@@ -50,6 +50,8 @@ struct interaction_t {
     bool spinning = false;
     double spin_x = 0, spin_y = 0; // degrees a second
     double last_tick = 0;
+    pointer_event_t hover = {VIEW_NONE, 0, 0,
+                             0,         0, 0}; // where the pointer was last, without a drag
     double last_motion[num_views] = {-1e9, -1e9, -1e9, -1e9};
     const tool_t *(*tools)() = nullptr;
     double scale = 1.0;
@@ -249,6 +251,8 @@ void interaction_motion(const pointer_event_t &event)
     interaction.pointer = event;
     drag_t &drag = interaction.drag;
     if (drag.kind == drag_kind::none && drag.button == 0) {
+        interaction.hover = event;
+        interaction_show_pointer();
         const tool_t *tool = tool_of_left_button();
         if (tool != nullptr && tool->hover != nullptr)
             tool->hover(event);
@@ -312,17 +316,36 @@ void interaction_release(const pointer_event_t &event)
     interaction.drag = {};
     if (drag.kind == drag_kind::tool) {
         drag.tool->release(event);
-        return;
+    } else {
+        if (!drag.moved)
+            click(drag, event);
+        else if (drag.kind == drag_kind::turn)
+            start_flick(drag, event);
+        redraw(event.view);
     }
-    if (!drag.moved)
-        click(drag, event);
-    else if (drag.kind == drag_kind::turn)
-        start_flick(drag, event);
-    redraw(event.view);
+    interaction.hover = event;
+    interaction_show_pointer();
+}
+
+void interaction_show_pointer()
+{
+    const pointer_event_t &at = interaction.hover;
+    if (at.view == VIEW_NONE || interaction.drag.kind != drag_kind::none)
+        return;
+    const tool_t *tool = tool_of_left_button();
+    const bool on_cross =
+        at.view == VIEW_XYZ && axis_cross_hit(axis_cross(interaction.scale), at.x, at.y) != nullptr;
+    const char *shape =
+        tool == nullptr || tool->pointer == nullptr || on_cross ? nullptr : tool->pointer(at);
+    if (shape != nullptr)
+        win_set_cursor(at.view, shape);
+    else
+        win_set_mode_cursor(at.view, 0);
 }
 
 void interaction_leave(int)
 {
+    interaction.hover.view = VIEW_NONE;
     const tool_t *tool = tool_of_left_button();
     if (interaction.drag.kind == drag_kind::none && tool != nullptr && tool->outside != nullptr)
         tool->outside();
@@ -367,6 +390,11 @@ int interaction_tick_msecs()
 const pointer_event_t &interaction_pointer() { return interaction.pointer; }
 
 drag_kind interaction_drag() { return interaction.drag.kind; }
+
+int interaction_drag_view()
+{
+    return interaction.drag.kind == drag_kind::none ? VIEW_NONE : interaction.drag.view;
+}
 
 void interaction_cancel()
 {

@@ -44,6 +44,7 @@ void interaction_tick(double seconds);
 int interaction_tick_msecs();
 
 drag_kind interaction_drag();
+int interaction_drag_view(); // VIEW_NONE without one
 
 // Where the pointer was seen last in a view.
 const pointer_event_t &interaction_pointer();
@@ -62,6 +63,9 @@ void view_note_motion(int view, double seconds);
 // Asks which tool has the left button where neither the camera nor the cross takes it (null: none).
 // A drag stays with the tool that it began with; a press of the right button cancels it.
 void interaction_set_tools(const tool_t *(*now)());
+
+// Gives the pointer the shape that the tool names where it rests: something has changed there.
+void interaction_show_pointer();
 
 // Interface scale that the shell reports (1 at 96 dpi).
 void view_set_interface_scale(double scale);

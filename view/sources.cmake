@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     view/camera_eye.cpp
     view/drag_echo.cpp
     view/drag_offset.cpp
+    view/drag_resize.cpp
     view/draw_budget.cpp
     view/extrude_preview.cpp
     view/fit.cpp

@@ -18,6 +18,9 @@ struct tool_t {
     void (*cancel)() = nullptr;
     // A left click in the 3D view that was neither a drag nor on the axis cross.
     void (*click)(const pointer_event_t &event) = nullptr;
+    // The shape of the pointer where a press would do that, by its Tk name ("glass" is a magnifying
+    // glass); null where a click selects.
+    const char *(*pointer)(const pointer_event_t &event) = nullptr;
     // Motion without a button; the pointer left the views.
     void (*hover)(const pointer_event_t &event) = nullptr;
     void (*outside)() = nullptr;
@@ -32,5 +35,9 @@ struct tool_t {
     // After a fault: drops everything it remembers and touches nothing.
     void (*forget)() = nullptr;
 };
+
+// Pointers of tools that create, cut and measure: in every view, or in the flat ones.
+const char *cross_pointer(const pointer_event_t &event);
+const char *flat_cross_pointer(const pointer_event_t &event);
 
 #endif

@@ -47,8 +47,6 @@ void release(const pointer_event_t &event)
         select_click(event.view, event.x, event.y, event.state, event.seconds);
 }
 
-void hover(const pointer_event_t &event) { win_set_cursor(event.view, "crosshair"); }
-
 void forget() { overlay() = {}; }
 
 bool key(const char *keysym)
@@ -66,6 +64,6 @@ const tool_t band_tool = {.name = "band",
                           .motion = motion,
                           .release = release,
                           .cancel = drop,
-                          .hover = hover,
+                          .pointer = cross_pointer,
                           .key = key,
                           .forget = forget};

@@ -111,6 +111,7 @@ const tool_t insert_tool = {.name = "insert_vertex",
                             .motion = motion,
                             .release = release,
                             .cancel = forget,
+                            .pointer = cross_pointer,
                             .hover = hover,
                             .outside = forget,
                             .leave = forget};

@@ -209,6 +209,7 @@ const tool_t measure_tool = {.name = "measure",
                              .motion = motion,
                              .release = release,
                              .cancel = clear,
+                             .pointer = cross_pointer,
                              .hover = hover,
                              .key = key,
                              .leave = clear};

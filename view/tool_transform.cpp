@@ -1,6 +1,7 @@
 #include "view/tool_transform.h"
 
 #include "base/coor_display.h"
+#include "base/echo.h"
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
@@ -10,12 +11,14 @@
 #include "edit/drag_transform.h"
 #include "edit/extrude.h"
 #include "edit/snap.h"
+#include "edit/soft_selection.h"
 #include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/vector.h"
 #include "view/camera_eye.h"
 #include "view/drag_echo.h"
 #include "view/drag_offset.h"
+#include "view/drag_resize.h"
 #include "view/extrude_preview.h"
 #include "view/handles.h"
 #include "view/highlight.h"
@@ -58,14 +61,12 @@ state_t tool;
 
 extrude_sides extrusion_sides = extrude_sides::automatic;
 
+doing what_beside(int view) { return is_orthographic(view) ? doing::BAND : doing::NOTHING; }
+
 doing what_on_selection(int view)
 {
     if (draw_mode() == DRAW_EXTRUDE) {
-        if (extrude_has_surfaces()) {
-            return doing::EXTRUDE;
-        }
-        display_message("extrude - select whole surfaces first");
-        return is_orthographic(view) ? doing::BAND : doing::NOTHING;
+        return extrude_has_surfaces() ? doing::EXTRUDE : what_beside(view);
     }
     return draw_mode() == DRAW_ROTATE && is_orthographic(view) ? doing::ROTATE : doing::MOVE;
 }
@@ -101,7 +102,7 @@ doing what_to_do(const pointer_event_t &event, int handle)
     if (!is_just_loaded() && begins_on_selection(event, handle)) {
         return what_on_selection(event.view);
     }
-    return is_orthographic(event.view) ? doing::BAND : doing::NOTHING;
+    return what_beside(event.view);
 }
 
 // An extrusion follows the surfaces' normal where that can be seen, unless an axis is chosen or Shift
@@ -226,64 +227,10 @@ drag_change_t rotate_change(const pointer_event_t &event)
     return change;
 }
 
-// The way of the dragged sides of the box, as distances along the view's axes.
-void snap_sides(const pointer_event_t &event, float *by_horizontal, float *by_vertical)
-{
-    const view_axes_t axes = view_axes[event.view];
-    const handle_sides_t sides = handle_sides(event.view, tool.handle);
-    const auto spacing = static_cast<float>(prefs.grid);
-    point3_t found;
-    const bool near = prefs.snap_near != 0 && near_snap_at(event.view, event.x, event.y, &found);
-    const auto snap = [&](int side, int axis, float *by) {
-        const float from = axis_of(side > 0 ? tool.box.max : tool.box.min, axis);
-        if (side != 0 && near) {
-            *by = axis_of(found, axis) - from;
-        } else if (side != 0 && prefs.gridsnap != 0) {
-            point3_t p = {from + *by, 0, 0};
-            snap_to_grid_float(&p, spacing, spacing, spacing);
-            *by = p.x - from;
-        }
-    };
-    snap(sides.horizontal, axes.horizontal, by_horizontal);
-    snap(sides.vertical, axes.vertical, by_vertical);
-}
-
-// Typed sizes: the side that stays for the mouse stays for them.
-void apply_typed_sizes(const handle_sides_t &sides, int view, bool from_centre, world_box_t *box)
-{
-    const view_axes_t axes = view_axes[view];
-    for (int axis = 0; axis < 3; ++axis) {
-        float size = 0;
-        if (!number_field_value(axis, &size)) {
-            continue;
-        }
-        const int side = from_centre               ? 0
-                         : axis == axes.horizontal ? sides.horizontal
-                         : axis == axes.vertical   ? sides.vertical
-                                                   : 0;
-        const float low = axis_of(tool.box.min, axis), high = axis_of(tool.box.max, axis);
-        const float middle = (low + high) / 2;
-        axis_of(box->min, axis) = side > 0 ? low : side < 0 ? high - size : middle - size / 2;
-        axis_of(box->max, axis) = axis_of(box->min, axis) + size;
-    }
-}
-
 drag_change_t resize_change(const pointer_event_t &event)
 {
-    const view_axes_t axes = view_axes[event.view];
-    const point3_t by = offset_of(event);
-    float by_horizontal = axis_of(by, axes.horizontal), by_vertical = axis_of(by, axes.vertical);
-    snap_sides(event, &by_horizontal, &by_vertical);
-    const bool from_centre = qualifier_control(event.state) != 0;
-    world_box_t box = resized_box(event.view, tool.box, tool.handle, by_horizontal, by_vertical,
-                                  from_centre, qualifier_shift(event.state) != 0);
-    for (int axis = 0; axis < 3; ++axis) {
-        if (tool.axis >= 0 && axis != tool.axis) {
-            axis_of(box.min, axis) = axis_of(tool.box.min, axis);
-            axis_of(box.max, axis) = axis_of(tool.box.max, axis);
-        }
-    }
-    apply_typed_sizes(handle_sides(event.view, tool.handle), event.view, from_centre, &box);
+    const world_box_t box =
+        drag_resized_box(event, tool.box, tool.handle, tool.axis, offset_of(event));
     drag_change_t change;
     change.kind = drag_change_t::RESIZE;
     change.from_min = tool.box.min;
@@ -422,6 +369,7 @@ void finish_change(const pointer_event_t &event)
     const std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     std::vector<std::string> words;
+    const std::vector<std::string> soft = soft_selection_words();
     drop();
     if (is_nothing(change)) {
         transform->take_back();
@@ -433,6 +381,8 @@ void finish_change(const pointer_event_t &event)
         transform->step(change);
         transform->finish();
         words = words_of_change(change, transform->turns_own(change));
+        if (!soft.empty())
+            echo_command(soft);
     }
     keep_step(*step, words, extrudes ? "extrude" : "drag");
     redraw_all();
@@ -512,6 +462,9 @@ bool press(const pointer_event_t &event)
 {
     const int handle = handle_at(event.view, event.x, event.y);
     const doing what = what_to_do(event, handle);
+    if (draw_mode() == DRAW_EXTRUDE && nothing_is_selected() == 0 && !extrude_has_surfaces()) {
+        display_message("extrude - select whole surfaces first");
+    }
     if (what == doing::NOTHING) {
         return false; // the camera's
     }
@@ -574,6 +527,20 @@ bool key(const char *key)
     return take_number(key) || take_axis(key);
 }
 
+// During a drag the wheel makes what soft selection takes along larger or smaller.
+bool wheel(int direction)
+{
+    if (tool.transform == nullptr || tool.extrusion != nullptr || !soft_selection_acts()) {
+        return false;
+    }
+    tool.transform->take_back();
+    soft_radius_step(direction);
+    soft_neighbours_shown(false);
+    tool.transform = std::make_unique<drag_transform_t>();
+    step(tool.last);
+    return true;
+}
+
 bool runs() { return tool.transform != nullptr; }
 
 void click(const pointer_event_t &event)
@@ -584,11 +551,31 @@ void click(const pointer_event_t &event)
 void hover(const pointer_event_t &event)
 {
     const int handle = handle_at(event.view, event.x, event.y);
-    win_set_handle_cursor(event.view, handle);
     if (handle <= HANDLE_INSIDE_ROTATE)
         highlight_follow(event.view, event.x, event.y);
     else
         highlight_clear();
+}
+
+const char *pointer(const pointer_event_t &event)
+{
+    const int handle = handle_at(event.view, event.x, event.y);
+    const bool flat = is_orthographic(event.view);
+    if (nothing_is_selected() != 0 || (flat ? handle == HANDLE_NONE : !highlight_is_quick())) {
+        return nullptr;
+    }
+    switch (what_to_do(event, handle)) {
+    case doing::RESIZE:
+        return handle_cursor(handle);
+    case doing::ROTATE:
+        return handle_cursor(HANDLE_INSIDE_ROTATE);
+    case doing::MOVE:
+        return handle_cursor(HANDLE_INSIDE_MOVE);
+    case doing::EXTRUDE:
+        return "based_arrow_up";
+    default:
+        return nullptr;
+    }
 }
 
 bool wanted() { return mode_is_selectable(draw_mode()) != 0; }
@@ -605,8 +592,10 @@ const tool_t transform_tool = {.wanted = wanted,
                                .release = release,
                                .cancel = cancel,
                                .click = click,
+                               .pointer = pointer,
                                .hover = hover,
                                .outside = highlight_clear,
                                .key = key,
+                               .wheel = wheel,
                                .runs = runs,
                                .forget = drop};

@@ -56,6 +56,11 @@ void release(const pointer_event_t &event)
     redraw_orth();
 }
 
+const char *pointer(const pointer_event_t &event)
+{
+    return is_orthographic(event.view) ? "glass" : nullptr;
+}
+
 } // namespace
 
 // Between drags it shows where the pointer is, as the create tools do.
@@ -64,4 +69,5 @@ const tool_t zoom_tool = {.wanted = wanted,
                           .motion = motion,
                           .release = release,
                           .cancel = drop,
+                          .pointer = pointer,
                           .hover = show_point_at};

@@ -20,6 +20,7 @@
 #include "view/tool_slice.h"
 #include "view/tool_transform.h"
 #include "view/tool_zoom.h"
+#include "view/views_internal.h"
 
 #include <cstring>
 
@@ -60,6 +61,7 @@ void choose(const tool_t *tool)
     chosen = tool;
     if (before != nullptr && before != tool_now() && before->leave != nullptr)
         before->leave();
+    interaction_show_pointer();
     tcl_command("set_view_tool_ui %s", tool == nullptr ? "none" : tool->name);
     redraw_all();
 }
@@ -69,6 +71,8 @@ void draw_mode_changed()
     highlight_clear();
     if (chosen != nullptr)
         choose(nullptr);
+    else
+        interaction_show_pointer();
 }
 
 void cancel_half_drawn() { create_tool.leave(); }
@@ -95,6 +99,13 @@ void tools_install()
     set_draw_cancel_hook(cancel_half_drawn);
     set_draw_mode_hook(draw_mode_changed);
     vesk_add_selection_changed_callback(selection_changes, nullptr);
+}
+
+const char *cross_pointer(const pointer_event_t &) { return "crosshair"; }
+
+const char *flat_cross_pointer(const pointer_event_t &event)
+{
+    return is_orthographic(event.view) ? "crosshair" : nullptr;
 }
 
 bool tool_key(const char *keysym)

@@ -398,11 +398,19 @@ int qualifier_alt(int state)
 
 void win_set_cursor(int view, const char *cursor) { ui_port().set_cursor(view, cursor); }
 
-void win_set_handle_cursor(int view, int handle)
+const char *handle_cursor(int handle)
 {
     for (const handle_cursor_t &row : handle_cursors)
         if (row.code == handle)
-            win_set_cursor(view, row.cursor);
+            return row.cursor;
+    return nullptr;
+}
+
+void win_set_handle_cursor(int view, int handle)
+{
+    const char *cursor = handle_cursor(handle);
+    if (cursor != nullptr || handle == 0)
+        win_set_cursor(view, cursor);
 }
 
 void win_set_mode_cursor(int view, int draw_mode)

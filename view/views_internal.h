@@ -28,6 +28,9 @@ void view_bind(int view, const char *name, void *togl, void *tk_window);
 // The geometry table of a drawing window, as the toolkit reported it.
 void view_set_position(int view, int x, int y);
 
+// The Tk name of the pointer over a handle of the selection's box; null without one.
+const char *handle_cursor(int handle);
+
 // Pan and zoom without drawing, for drags: the redraw is requested once. Zooming follows
 // independent_scaling.
 void view_pan_by(int view, float dx, float dy);

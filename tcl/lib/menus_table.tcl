@@ -80,6 +80,9 @@ proc ::vesk::menus::define {name label rows} {
     {run "D&elete" {delete} Del some "Deletes the selection."}
     {line}
     {menu "Tr&ansform" transform "" "" "Moves, turns and sizes by numbers."}
+    {menu "Deform" deform "" "" "Bends, twists and swells the selection."}
+    {menu "Symmetry" symmetry "" "" "What is done on one side is done on the other."}
+    {menu "Soft selection" soft "" "" "Moves take along what is near."}
     {line}
     {call "Pre&ferences..." {::vesk::preferences::open} Ctrl+, "" "Every setting, the keys and the plug-ins."}
 }
@@ -99,6 +102,51 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
         {Degrees number 90}} "" some "Turns the selection about one axis."}
     {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
+}
+::vesk::menus::define deform "Deform" {
+    {ask "&Bend..." {bend {Degrees number 90} {Axis axis Z} {Pivot pivot Selection}} "" some
+        "Makes an arc of the selection, about an axis."}
+    {ask "&Taper..." {taper {Factor number 0.5} {Axis axis Y} {Pivot pivot Selection}} "" some
+        "Makes one end of the selection narrower or wider."}
+    {ask "T&wist..." {twist {Degrees number 90} {Axis axis Y} {Pivot pivot Selection}} "" some
+        "Turns the ends of the selection against each other."}
+    {ask "&Inflate..." {inflate {Share number 1} {Pivot pivot Selection}} "" some
+        "Brings the selection onto a sphere, or part of the way."}
+    {ask "&Noise..." {noise {Amount number 0.1} {Seed int 1}} "" some
+        "Moves each vertex a little, by chance."}
+    {ask "&Push along the normals..." {push_normals {Distance number 0.1}} "" some
+        "Makes the selection fatter or thinner."}
+}
+::vesk::menus::define symmetry "Symmetry" {
+    {call "&On or off" {::vesk::reach::toggle_symmetry} Ctrl+Shift+Y ""
+        "Switches symmetry on, as it was last, or off."}
+    {line}
+    {radio "O&ff" {::prefs_symmetry_axis 0 symmetry off} "" "" "Each side by itself."}
+    {radio "Along &X" {::prefs_symmetry_axis 1 symmetry x} "" "" "Left and right."}
+    {radio "Along &Y" {::prefs_symmetry_axis 2 symmetry y} "" "" "Above and below."}
+    {radio "Along &Z" {::prefs_symmetry_axis 3 symmetry z} "" "" "Front and back."}
+    {line}
+    {radio "Plane through the o&rigin" {::prefs_symmetry_at_centre 0 redraw_all} "" ""
+        "The plane of symmetry goes through the origin."}
+    {radio "Plane through the object's &centre" {::prefs_symmetry_at_centre 1 redraw_all} "" ""
+        "The plane of symmetry goes through the centre of each object."}
+}
+::vesk::menus::define soft "Soft selection" {
+    {call "&On or off" {::vesk::reach::toggle_soft} Ctrl+Shift+O ""
+        "Moves take along what is near. The wheel changes how far during a drag."}
+    {ask "&Radius..." {soft_selection {Moves choice {Soft 1 Plain 0}} {Radius from soft_radius}} "" ""
+        "How far what is near is taken along."}
+    {line}
+    {radio "&S-shaped" {::prefs_soft_curve 0 ::vesk::reach::set_soft} "" "" "Round above and below."}
+    {radio "Roun&d" {::prefs_soft_curve 1 ::vesk::reach::set_soft} "" "" "Like a ball."}
+    {radio "&Linear" {::prefs_soft_curve 2 ::vesk::reach::set_soft} "" "" "Like a cone."}
+    {radio "S&harp" {::prefs_soft_curve 3 ::vesk::reach::set_soft} "" "" "Like a thorn."}
+    {radio "&Even" {::prefs_soft_curve 4 ::vesk::reach::set_soft} "" "" "All within the radius alike."}
+    {line}
+    {radio "Through s&pace" {::prefs_soft_along_surface 0 ::vesk::reach::set_soft} "" ""
+        "Measures straight."}
+    {radio "&Along the surface" {::prefs_soft_along_surface 1 ::vesk::reach::set_soft} "" ""
+        "Measures along the edges: what only lies near stays."}
 }
 ::vesk::menus::define mirror "Mirror" {
     {call "Along &X" {::vesk::tools::mirror 0} "" some "Mirrors the selection at the pivot along X."}

@@ -195,7 +195,8 @@ namespace eval ::vesk::menus {
         vertex {{edit step_back} - {fromvertices {createsurface 0}} {vertex insert_vertex} -
             {vertex snaptogrid} {vertex weld} {vertex unshare_vertices} -
             {arrange flatten} {arrange circularize} {arrange straighten} {arrange space_evenly}
-            {arrange smooth_vertices} {align align} {copies pick_axis} -
+            {arrange smooth_vertices} {align align} {copies pick_axis}
+            {soft ::vesk::reach::toggle_soft} {symmetry ::vesk::reach::toggle_symmetry} -
             {select select_part_selected_surfaces} {select select_grow} {select select_shrink}
             {select select_linked} {edit delete}}
     }

@@ -62,6 +62,15 @@ namespace eval ::vesk::menus {
         unlock                       {unfreeze}
         object_recentre              {pivot origin centre center}
         object_mincentre             {pivot origin}
+        bend                         {arc curve deform}
+        taper                        {cone deform narrow}
+        twist                        {screw turn deform}
+        inflate                      {sphere ball swell spherify deform}
+        noise                        {random jitter displace deform}
+        push_normals                 {fatten shrink offset deform inflate}
+        ::vesk::reach::toggle_symmetry {"both sides" symmetric}
+        ::vesk::reach::toggle_soft   {proportional falloff magnet influence}
+        soft_selection               {proportional falloff influence}
         array                        {copies repeat row grid duplicate}
         array_round                  {radial circular polar copies gear}
         array_path                   {follow curve copies}

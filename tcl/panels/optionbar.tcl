@@ -93,7 +93,7 @@ proc ::vesk::optionbar::build_snap {path} {
 proc ::vesk::optionbar::build_pivot {path} {
     ttk::frame $path
     ttk::label $path.label -image [::vesk::icons::get pivot dim]
-    ttk::combobox $path.value -state readonly -width 9 -values {Selection Origin "3D cursor"} \
+    ttk::combobox $path.value -state readonly -width 9 -values {Selection Origin "3D cursor" Picked} \
         -textvariable ::vesk::optionbar::pivot
     pack $path.label $path.value -side left -padx [::vesk::theme::pad 0 6]
     pack configure $path.value -padx 0
@@ -152,9 +152,9 @@ proc ::vesk::optionbar::show_fields {tool} {
     after idle ::vesk::optionbar::fit
 }
 
-# show_fields_again --
-#   After a change of the switch that does without some fields.
-proc ::vesk::optionbar::show_fields_again {} {
+# show_again --
+#   Builds the fields anew after a change of a switch that some of them depend on.
+proc ::vesk::optionbar::show_again {} {
     variable shown
     set tool $shown
     set shown ""

@@ -84,6 +84,8 @@ proc ::vesk::status::build_badges {line} {
     foreach {name icon variant command label key help} {
         hidden eye-off dim {::vesk::ops::run unhide} "Hidden objects" "" "Click to show all."
         locked lock dim {::vesk::ops::run unlock} "Locked objects" "" "Click to unlock all."
+        symmetry u-fliph dim ::vesk::reach::toggle_symmetry "Symmetry" Ctrl+Shift+Y
+            "What is done on one side is done on the other. Click to switch it off."
         socket socket normal {::vesk::preferences::open Advanced} "Commands from a socket" ""
             "Other programs of this computer may send commands."
         console console dim ::vesk::console::toggle Console F12 "Commands by name."
@@ -246,7 +248,7 @@ proc ::vesk::status::fit {} {
     variable path
     if {![winfo exists $path] || [winfo width $path] < 50} {return}
     set room [expr {[winfo width $path] - [::vesk::theme::px 20]}]
-    foreach part {console socket locked hidden} {
+    foreach part {console socket symmetry locked hidden} {
         if {[winfo manager $path.$part] ne ""} {
             incr room -[expr {[winfo reqwidth $path.$part] + [::vesk::theme::px 8]}]
         }

@@ -5,7 +5,6 @@ namespace eval ::vesk::tools {
     variable current move
     variable choosing 0         ;# a tool of the column is setting the draw mode
     variable columns 2
-    variable full_height 0      ;# height of two columns; 0 before it is known
     # A row: name, icon, draw mode ("" none), required command, key, label, help, hint.
     # {} parts the groups. Tools without a draw mode act at once or keep the mode "move"; "+name" is
     # a tool of the views beside the draw modes.
@@ -133,8 +132,17 @@ proc ::vesk::tools::row {name} {
 
 proc ::vesk::tools::fields_of {name} {
     variable fields
-    return [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+    set items [expr {[dict exists $fields $name] ? [dict get $fields $name] : {}}]
+    if {[can_be_soft $name]} {
+        lappend items {Soft bool soft_selection}
+        if {$::prefs_soft_selection} {lappend items {Radius number soft_radius}}
+    }
+    return $items
 }
+
+# can_be_soft --
+#   Whether what a tool does falls off with the distance while soft selection is on.
+proc ::vesk::tools::can_be_soft {name} {return [expr {$name in {move rotate scale}}]}
 
 # needed --
 #   The executable command that a tool depends on.
@@ -199,14 +207,31 @@ proc ::vesk::tools::arrange {path} {
     }
 }
 
+# height_of --
+#   What the tools need in so many columns, in pixels.
+proc ::vesk::tools::height_of {path columns} {
+    variable table
+    set button [expr {[winfo reqheight $path.[lindex $table 0 0]] + [::vesk::theme::px 2]}]
+    set height [::vesk::theme::px 11]
+    set group 0
+    foreach words [concat $table {{}}] {
+        if {[llength $words] > 0} {
+            incr group
+            continue
+        }
+        incr height [expr {($group + $columns - 1) / $columns * $button + [::vesk::theme::px 15]}]
+        set group 0
+    }
+    return [expr {$height - [::vesk::theme::px 15]}]
+}
+
 # fit --
-#   Uses more columns where two would be higher than the window.
+#   Uses as many columns, from two on, as the height of the window needs.
 proc ::vesk::tools::fit {path height} {
     variable columns
-    variable full_height
     if {$height < 50} {return}
-    if {$full_height == 0} {set full_height [winfo reqheight $path]}
-    set wanted [expr {$height >= $full_height ? 2 : 4}]
+    set wanted 2
+    while {$wanted < 6 && [height_of $path $wanted] > $height} {incr wanted}
     if {$wanted == $columns} {return}
     set columns $wanted
     arrange $path
@@ -330,7 +355,7 @@ proc ::vesk::tools::apply {} {
 proc ::vesk::tools::automatic_changed {} {
     variable automatic
     ::vesk::ops::run set_extrude_automatic $automatic
-    ::vesk::optionbar::show_fields_again
+    ::vesk::optionbar::show_again
 }
 
 # scale, mirror --
@@ -356,6 +381,7 @@ proc ::vesk::tools::pivot_point {} {
     switch -- $::vesk::optionbar::pivot {
         Origin      {return {0 0 0}}
         "3D cursor" {return [vesk get_3d_cursor]}
+        Picked      {return [lrange [vesk get_picked] 3 5]}
     }
     return [vesk get_selection_centre]
 }

@@ -16,6 +16,7 @@ proc ::vesk::main::build {} {
     ::vesk::theme::on [frame .under -height [::vesk::theme::px 1]] gap
     ::vesk::theme::on [frame .main] gap
     ::vesk::status::build .status
+    ::vesk::reach::build
     ::vesk::theme::on [frame .over -height [::vesk::theme::px 1]] gap
     pack .mbar .opt .under -side top -fill x
     pack .status .over -side bottom -fill x

@@ -12,7 +12,7 @@ namespace eval ::vesk::options {
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
         rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
-        align distribute drop}
+        align distribute drop bend taper twist inflate noise push_normals}
     # Words of the kinds axis and pivot.
     variable axes {X x Y y Z z "Mean normal" normal "Last used" last Picked picked}
     variable pivots {Selection selection Origin origin "3D cursor" cursor Picked picked}

@@ -36,7 +36,7 @@ protected:
 
 TEST_F(Prefs, TableHasItsRowsAndTheTwiceBoundKey)
 {
-    EXPECT_EQ(prefs_table().size(), 184U); // three of our own after the fixed ones
+    EXPECT_EQ(prefs_table().size(), 190U); // three of our own after the fixed ones
     EXPECT_STREQ(prefs_table()[0].key, "num_surface_div");
     EXPECT_STREQ(prefs_table()[36].key, "cpwin_width");
     EXPECT_STREQ(prefs_table()[149].key, "extrude_cap_end");

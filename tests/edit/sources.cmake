@@ -25,6 +25,7 @@ target_sources(vesk_tests PRIVATE
     edit/selection_sets_test.cpp
     edit/slice_test.cpp
     edit/copies_test.cpp
+    edit/symmetry_test.cpp
     edit/snap_test.cpp
     edit/subdivide_test.cpp
     edit/transform_test.cpp

@@ -1,7 +1,7 @@
 # gallery.tcl --
-#   A picture of every window, in every theme at 96 dpi, kept among the artefacts to be looked at; and what can
-#   be checked without eyes: nothing is wider or higher than the window that holds it, and no text
-#   is cut off in a button or a label.
+#   A picture of every window, at 96 dpi the main ones in every theme, kept among the artefacts to be
+#   looked at; and what can be checked without eyes: nothing is wider or higher than the window that
+#   holds it, and no text is cut off in a button or a label.
 
 source [file join [file dirname [info script]] support.tcl]
 
@@ -74,59 +74,88 @@ proc modal_shown {w name meanwhile} {
     after 5000 [list destroy $w]
 }
 
+# show_main --
+#   The main window with each of its tabs.
+proc show_main {tabs} {
+    foreach tab $tabs {
+        open_tab $tab
+        wait_until {$tab ne "issues" || $::vesk::issues::checked_at > 0}
+        # The picture of the UV tab is drawn when the model rests.
+        pause 100
+        keep main-$tab
+        check_window . main-$tab
+    }
+    open_tab object
+}
+
+proc show_preferences {pages} {
+    foreach page $pages {
+        set ::page $page
+        window .preferences preferences-[string tolower $page] {::vesk::preferences::open $::page}
+    }
+}
+
+proc show_question {} {
+    modal .question question {::vesk::dialogs::question "Save changes to lamp.vesk?" \
+        "It was edited since the last save, 4 minutes ago." \
+        {discard "Don't save" cancel Cancel save Save} save cancel}
+}
+
+proc show_menu {} {
+    .mbar.object.menu post [winfo rootx .mbar.object] \
+        [expr {[winfo rooty .mbar.object] + [winfo height .mbar.object]}]
+    keep menu
+    .mbar.object.menu unpost
+}
+
+# show_everything --
+#   In one theme; in the others colours alone differ.
+proc show_everything {} {
+    show_main {object material palette uv issues}
+    show_console 1
+    ::vesk::console::say "vesk move 1 0 0" command
+    ::vesk::console::say "unknown command" error
+    keep console
+    show_console 0
+    show_preferences {Interface Views Colours Keys Plug-ins}
+    window .search search {::vesk::search::open; set ::vesk::search::text ext}
+    window .history history ::vesk::history::open
+    window .tips tips ::vesk::tips::open
+    window .about about ::vesk::help::about
+    window .report report ::vesk::report::open
+    window .textkeys keys ::vesk::help::keys
+    window .operations operations ::vesk::operations::open
+    modal .filebox filebox {::vesk::filebox::ask open Open \
+        [file join $::VESK_HOME examples] {{"All files" *}}} {
+        press_row .filebox.list [lindex [.filebox.list children {}] 0]
+        wait_until {[.filebox.preview.picture cget -image] ne ""}
+    }
+    show_question
+    modal .colour colour {::vesk::colourbox::ask #e0a848}
+    set options [open_options create revolve]
+    point_at $options
+    keep options
+    check_window $options options
+    key Escape
+    show_menu
+    ::vesk::tooltips::show .main.tools.extrude
+    keep tooltip
+    ::vesk::tooltips::hide
+}
+
 run {
     resize [winfo screenwidth .]x[winfo screenheight .]+0+0
     vesk set_select_mode object
     vesk select_by_name lamp
     foreach id [vesk get_selected_objects] {catch {$::vesk::objects::tree see $id}}
-    # A theme changes colours only: one of them shows what the resolution does to sizes.
-    foreach theme [expr {$dpi == 96 ? {dark light contrast safe} : {dark}}] {
+    set theme dark
+    use_theme $theme
+    show_everything
+    foreach theme [expr {$dpi == 96 ? {light contrast safe} : {}}] {
         use_theme $theme
-        foreach tab {object material palette uv issues} {
-            open_tab $tab
-            wait_until {$tab ne "issues" || $::vesk::issues::checked_at > 0}
-            # The picture of the UV tab is drawn when the model rests.
-            pause 100
-            keep main-$tab
-            check_window . main-$tab
-        }
-        show_console 1
-        ::vesk::console::say "vesk move 1 0 0" command
-        ::vesk::console::say "unknown command" error
-        keep console
-        show_console 0
-        open_tab object
-        foreach page {Interface Views Colours Keys Plug-ins} {
-            set ::page $page
-            window .preferences preferences-[string tolower $page] {::vesk::preferences::open $::page}
-        }
-        window .search search {::vesk::search::open; set ::vesk::search::text ext}
-        window .history history ::vesk::history::open
-        window .tips tips ::vesk::tips::open
-        window .about about ::vesk::help::about
-        window .report report ::vesk::report::open
-        window .textkeys keys ::vesk::help::keys
-        window .operations operations ::vesk::operations::open
-        modal .filebox filebox {::vesk::filebox::ask open Open \
-            [file join $::VESK_HOME examples] {{"All files" *}}} {
-            press_row .filebox.list [lindex [.filebox.list children {}] 0]
-            wait_until {[.filebox.preview.picture cget -image] ne ""}
-        }
-        modal .question question {::vesk::dialogs::question "Save changes to lamp.vesk?" \
-            "It was edited since the last save, 4 minutes ago." \
-            {discard "Don't save" cancel Cancel save Save} save cancel}
-        modal .colour colour {::vesk::colourbox::ask #e0a848}
-        set options [open_options create revolve]
-        point_at $options
-        keep options
-        check_window $options options
-        key Escape
-        .mbar.object.menu post [winfo rootx .mbar.object] \
-            [expr {[winfo rooty .mbar.object] + [winfo height .mbar.object]}]
-        keep menu
-        .mbar.object.menu unpost
-        ::vesk::tooltips::show .main.tools.extrude
-        keep tooltip
-        ::vesk::tooltips::hide
+        show_main {object palette}
+        show_preferences {Views}
+        show_question
+        show_menu
     }
 }

@@ -1,6 +1,7 @@
 // The left button as a person uses it: events in, the model out.
 
 #include "base/coor_display.h"
+#include "base/ui_port.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo.h"
@@ -233,6 +234,57 @@ TEST_F(Tools, NamesOfWhatIsMadeAreNumbered)
     EXPECT_EQ(run("get_selection_size"), "1 1 1");
     EXPECT_EQ(run("object_get_name", run("new_cube")), "");
 }
+
+// The shape over the cube's middle, beside it and over the frame's right upper handle.
+struct pointer_case {
+    const char *name;
+    std::vector<const char *> command; // chooses the tool
+    int view;
+    const char *middle, *beside, *handle;
+};
+// clang-format off
+const pointer_case pointer_cases[] = {
+    {"move",            {"set_draw_mode", "move"},        VIEW_XY,  "fleur",     "",          "top_right_corner"},
+    {"move_3d",         {"set_draw_mode", "move"},        VIEW_XYZ, "fleur",     "",          ""},
+    {"rotate",          {"set_draw_mode", "rotate"},      VIEW_ZY,  "exchange",  "",          "top_right_corner"},
+    {"create",          {"set_draw_mode", "box"},         VIEW_XZ,  "crosshair", "crosshair", "crosshair"},
+    {"create_3d_turns", {"set_draw_mode", "box"},         VIEW_XYZ, "",          "",          ""},
+    {"zoom",            {"set_draw_mode", "zoom"},        VIEW_XY,  "glass",     "glass",     "glass"},
+    {"measure",         {"set_view_tool", "measure"},     VIEW_XYZ, "crosshair", "crosshair", "crosshair"},
+    {"band",            {"set_view_tool", "band"},        VIEW_XYZ, "crosshair", "crosshair", "crosshair"},
+};
+// clang-format on
+void PrintTo(const pointer_case &c, std::ostream *out) { *out << c.name; }
+class Pointers : public Tools, public testing::WithParamInterface<pointer_case> {
+protected:
+    void SetUp() override
+    {
+        Tools::SetUp();
+        ui_port_t port = ui_port();
+        port.set_cursor = [](int, const char *name) { shape = name != nullptr ? name : ""; };
+        ui_port_install(port);
+    }
+    static std::string shape; // the last one that was asked for
+};
+std::string Pointers::shape;
+
+TEST_P(Pointers, TellWhatAPressWouldDo)
+{
+    const pointer_case &c = GetParam();
+    const auto over = [&](int x, int y) {
+        move(c.view, x, y);
+        return shape;
+    };
+    select_object(cube);
+    run(c.command[0], c.command[1]);
+    EXPECT_EQ(over(200, 150), c.middle);
+    EXPECT_EQ(over(20, 20), c.beside);
+    EXPECT_EQ(over(258, 92), c.handle);
+    over(200, 150);
+    run("set_view_tool", "measure"); // a change shows at once
+    EXPECT_EQ(shape, "crosshair");
+}
+INSTANTIATE_TEST_SUITE_P(Cases, Pointers, testing::ValuesIn(pointer_cases));
 
 TEST_F(Tools, OutlinesGoClickByClick)
 {
