@@ -58,6 +58,7 @@ target_sources(vesk_core PRIVATE
     edit/drop.cpp
     edit/mirror_copy.cpp
     edit/part_moves.cpp
+    edit/place.cpp
     edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp

@@ -1,5 +1,6 @@
 #include "fileio/clipboard.h"
 
+#include "base/command_result.h"
 #include "base/messages.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"
@@ -116,6 +117,8 @@ void command_clipboard_cut()
     if (copy_selection("cut") > 0)
         delete_selection("cut");
 }
+
+void command_clipboard_holds() { command_result_set(clipboard().world != nullptr ? "1" : "0"); }
 
 void command_clipboard_paste()
 {

@@ -12,6 +12,9 @@ void command_clipboard_copy();
 // "clipboard_cut": copies, then deletes the selection. Undo "cut".
 void command_clipboard_cut();
 
+// "clipboard_holds": returns 1 while objects that were copied here can be pasted.
+void command_clipboard_holds();
+
 // "clipboard_paste": copies under the world, selected. Undo "paste".
 void command_clipboard_paste();
 

@@ -8,6 +8,7 @@
 #include "edit/deform.h"
 #include "edit/drop.h"
 #include "edit/mirror_copy.h"
+#include "edit/place.h"
 #include "edit/soft_selection.h"
 #include "edit/symmetry.h"
 #include "program/own_commands.h"
@@ -38,6 +39,15 @@ std::span<const own_command_t> copy_commands()
                     "<string axis> <string gaps or centres>", "space the selected things evenly"),
         command_row("drop", command_drop, edit, "<string height or below>",
                     "rest the selected objects on a height, or on what lies below"),
+        command_row("place_on_surface", command_place_on_surface, edit, 6, 6,
+                    "<float x> <float y> <float z> <float nx> <float ny> <float nz>",
+                    "stand the selection on a point, turned to a normal"),
+        command_row("rotate_about_axis", command_rotate_about_axis, edit, 1, 3,
+                    "<float degrees> <string axis> <string pivot>",
+                    "turn the selection about any axis"),
+        command_row("scale_along", command_scale_along, edit, 1, 3,
+                    "<float factor> <string axis> <string pivot>",
+                    "scale the selection along any axis; -1 mirrors it"),
         command_row("bend", command_bend, edit, 1, 3,
                     "<float degrees> <string axis> <string pivot>", "bend the selection to an arc"),
         command_row("taper", command_taper, edit, 1, 3,

@@ -90,6 +90,8 @@ void command_repeat_last()
     do_command(static_cast<int>(pointers.size()), pointers.data());
 }
 
+void command_can_repeat() { command_result_set(journal_repeat_words().empty() ? "0" : "1"); }
+
 // 1 when the model is as it was before the command that faulted.
 void command_take_back()
 {
@@ -122,6 +124,8 @@ std::span<const own_command_t> history_commands()
         command_row("history_limit", command_history_limit, view, "<int megabytes>",
                     "memory of the history"),
         command_row("repeat_last", command_repeat_last, once, nullptr, "repeat the last command"),
+        command_row("can_repeat", command_can_repeat, query, nullptr,
+                    "returns 1 while repeat_last has something to do"),
         command_row("take_back", command_take_back, once, nullptr,
                     "take back the command that faulted, returns 1 or 0"),
         command_row("can_take_back", command_can_take_back, query, nullptr,

@@ -17,6 +17,7 @@
 #include "edit/palette_preview.h"
 #include "edit/panel_transform.h"
 #include "edit/uv/uv_editor.h"
+#include "fileio/clipboard.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/identity.h"
@@ -26,6 +27,7 @@
 #include "model/world.h"
 #include "program/own_commands.h"
 #include "view/camera_eye.h"
+#include "view/camera_internal.h"
 #include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/pick.h"
@@ -55,6 +57,8 @@ void command_object_at(int view, int x, int y)
         command_result_set(std::to_string(object_identity(hits.front().object)).c_str());
     }
 }
+
+void command_get_projection() { command_result_set(camera_is_perspective() ? "1" : "0"); }
 
 // Where the pointer rests; not while a drag runs.
 void command_highlight_at(int view, int x, int y)
@@ -258,6 +262,11 @@ std::span<const own_command_t> panel_commands()
                     "returns the id of the texture that the editor shows, or -1"),
         command_row("picture_photo", command_picture_photo, query, "<string file> <int size>",
                     "makes a Tk picture of a picture file, returns name, width, height, depth"),
+        command_row(
+            "get_projection", command_get_projection, query, nullptr,
+            "returns 1 while the 3D view is drawn in perspective, 0 in parallel projection"),
+        command_row("clipboard_holds", command_clipboard_holds, query, nullptr,
+                    "returns 1 while there are objects to paste that were copied here"),
         command_row("view_3d_from_corner", camera_look_from_corner, view, nullptr,
                     "resets the 3D view to one from three quarters above"),
         command_row("view_wheel", interaction_wheel, view, "<view id (0-3)> <direction>",

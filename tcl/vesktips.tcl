@@ -31,6 +31,7 @@ proc ::vesk::init {} {
     if {[::vesk::settings::number maximised 0 1]} {wm attributes . -zoomed 1}
     wm deiconify .
     update
+    ::vesk::main::keep_on_screen
     ::vesk::view::restore_windows
     tk useinputmethods 1
 }

@@ -10,6 +10,7 @@
 #include "view/highlight.h"
 #include "view/number_field.h"
 #include "view/tool.h"
+#include "view/tool_select.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
@@ -183,6 +184,8 @@ bool walks_by_timer()
 
 void click(const drag_t &drag, const pointer_event_t &event)
 {
+    if (drag.button == 3)
+        select_for_menu(event.view, event.x, event.y);
     if (drag.kind == drag_kind::axis_cross)
         camera_look_along(drag.cross_axis, drag.cross_positive);
     else if (drag.button == 3 && event.view == VIEW_XYZ)

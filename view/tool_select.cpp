@@ -350,6 +350,17 @@ void select_click(int view, int x, int y, int state, double seconds)
     finish();
 }
 
+void select_for_menu(int view, int x, int y)
+{
+    const std::vector<pick_hit_t> hits = hits_at(view, x, y);
+    if (hits.empty() || std::any_of(hits.begin(), hits.end(), is_selected)) {
+        return;
+    }
+    set_selected({hits.front()}, true, true);
+    last_click = {view, select_mode(), x, y, 0, 0, 0, 0};
+    finish();
+}
+
 void select_behind_at(int view, int x, int y)
 {
     const std::vector<pick_hit_t> hits =

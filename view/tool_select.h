@@ -13,6 +13,10 @@
 // all that is linked with it.
 void select_click(int view, int x, int y, int state, double seconds);
 
+// A click of the right button, before its menu opens: what lies there, unless it is selected already.
+// Beside everything the selection stays.
+void select_for_menu(int view, int x, int y);
+
 // Selects the next element behind the selected one, of those at a place; behind the last comes the
 // first.
 void select_behind_at(int view, int x, int y);

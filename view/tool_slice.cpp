@@ -205,5 +205,6 @@ const tool_t slice_tool = {.name = "slice",
                            .motion = motion,
                            .release = release,
                            .cancel = end_drag,
+                           .pointer = cross_pointer,
                            .leave = end_drag,
                            .forget = end_drag};

@@ -13,7 +13,8 @@ namespace eval ::vesk::menus {
         some "select something first" object "select objects first"
         several "select two objects or more" group "select a group first"
         surface "select surfaces first" vertex "select vertices first" element "select edges or vertices first"
-        undo "nothing to undo" redo "nothing to redo" hidden "nothing is hidden"
+        undo "nothing to undo" redo "nothing to redo" repeat "nothing to repeat"
+        again "no last operation with options" paste "the clipboard is empty" hidden "nothing is hidden"
         locked "nothing is locked" model "the scene is empty"
     }
     array set info {}
@@ -79,6 +80,25 @@ proc ::vesk::menus::build {name path} {
     ::vesk::theme::recolour $path
     foreach row [rows $name] {
         add_row $path $row
+    }
+    align $path
+}
+
+# align --
+#   Where some entries have marks, the others begin where the texts of those do: Tk puts these some
+#   pixels further, which two blanks make up.
+proc ::vesk::menus::align {path} {
+    if {[$path index end] eq "none"} {return}
+    set kinds {}
+    for {set i 0} {$i <= [$path index end]} {incr i} {lappend kinds [$path type $i]}
+    if {"checkbutton" ni $kinds && "radiobutton" ni $kinds} {return}
+    set entry -1
+    foreach kind $kinds {
+        incr entry
+        if {$kind ni {command cascade}} {continue}
+        set underline [$path entrycget $entry -underline]
+        $path entryconfigure $entry -label "  [$path entrycget $entry -label]" \
+            -underline [expr {$underline < 0 ? $underline : $underline + 2}]
     }
 }
 
@@ -255,11 +275,22 @@ proc ::vesk::menus::fits {needs state} {
         vertex - element {return [expr {[dict get $state vertices] > 0}]}
         undo    {return [expr {[vesk undo_name] ne ""}]}
         redo    {return [::vesk::history::can_redo]}
+        repeat  {return [expr {[vesk can_repeat] eq "1"}]}
+        again   {return [expr {[::vesk::options::can_again]}]}
+        paste   {return [::vesk::menus::can_paste]}
         hidden  {return [expr {!!$::objects_are_hidden}]}
         locked  {return [expr {!!$::objects_are_locked}]}
         model   {return [expr {[dict get $state total] > 0}]}
     }
     return 1
+}
+
+# can_paste --
+#   Whether there is something to paste: objects of this window, or any text of another program.
+proc ::vesk::menus::can_paste {} {
+    if {[vesk clipboard_holds] eq "1"} {return 1}
+    if {[catch {selection get -selection CLIPBOARD -type TARGETS} targets]} {return 0}
+    return [expr {"UTF8_STRING" in $targets || "STRING" in $targets}]
 }
 
 # now --
@@ -305,6 +336,7 @@ proc ::vesk::menus::tell {path place} {
 proc ::vesk::menus::refresh {name path} {
     set state [now]
     set entry 0
+    if {$name eq "view3d"} ::vesk::view::read_camera
     foreach row [rows $name] {
         if {[lindex $row 0] ni {line menu}} {
             set possible [possible $row $state]
@@ -439,6 +471,7 @@ proc ::vesk::menus::popup_rows {rows x y} {
             $path entryconfigure end -state disabled
         }
     }
+    align $path
     tk_popup $path $x $y
 }
 

@@ -15,7 +15,8 @@
 #   key     shown at the right; those with a modifier and function keys are bound in the window,
 #           single letters belong to the views and the objects panel
 #   needs   condition of the row: "" none, some a selection, object, surface, vertex a selection in
-#           that mode, element a selection of edges or vertices, several objects, a group, undo, redo, hidden, locked, model a model
+#           that mode, element a selection of edges or vertices, several objects, a group, undo, redo, repeat, again
+#           and paste what their rows need, hidden, locked, model a model
 
 namespace eval ::vesk::menus {
     # Menus of the bar, in order.
@@ -69,12 +70,12 @@ proc ::vesk::menus::define {name label rows} {
     {run "&Undo" {step_back} Ctrl+Z undo "Takes the last change back."}
     {run "&Redo" {redo} Ctrl+Shift+Z redo "Makes the change again that was taken back."}
     {call "&History..." {::vesk::history::open} Ctrl+H "" "Lists the changes; a click goes back or forth."}
-    {run "Repeat the la&st" {repeat_last} Ctrl+R "" "Does the last operation again."}
-    {call "Ad&just the last..." {::vesk::options::again} Ctrl+Shift+R "" "The options of the last operation once more."}
+    {run "Repeat the la&st" {repeat_last} Ctrl+R repeat "Does the last operation again."}
+    {call "Ad&just the last..." {::vesk::options::again} Ctrl+Shift+R again "The options of the last operation once more."}
     {line}
     {run "Cu&t" {clipboard_cut} Ctrl+X some "Copies the selection and deletes it."}
     {run "&Copy" {clipboard_copy} Ctrl+C some "Copies the selection to the clipboard."}
-    {run "&Paste" {clipboard_paste} Ctrl+V "" "Adds what the clipboard holds."}
+    {run "&Paste" {clipboard_paste} Ctrl+V paste "Adds what the clipboard holds."}
     {run "&Duplicate" {duplicate} Ctrl+D some "Copies the selection beside itself."}
     {run "C&lone" {clone_selection} "" some "Copies the selection in place."}
     {run "D&elete" {delete} Del some "Deletes the selection."}
@@ -99,8 +100,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Rotate a&bout a point..." {rotate_about_with_undo {"Turn X" number 0} {"Turn Y" number 0}
         {"Turn Z" number 0} {"Point X" number 0} {"Point Y" number 0} {"Point Z" number 0}} "" some
         "Turns the selection about a point, in degrees."}
-    {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
-        {Degrees number 90}} "" some "Turns the selection about one axis."}
+    {ask "Rotate about an &axis..." {rotate_about_axis {Degrees number 90} {Axis axis Z}
+        {Pivot pivot Selection}} "" some "Turns the selection about one axis."}
+    {ask "Scale a&long an axis..." {scale_along {Factor number 2} {Axis axis Z}
+        {Pivot pivot Selection}} "" some "Scales the selection along one axis; -1 mirrors it."}
     {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
 }
 ::vesk::menus::define deform "Deform" {
@@ -305,6 +308,8 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Distribute..." {distribute {Axis choice {X x Y y Z z}} {Even choice {Gaps gaps Centres centres}}}
         "" some "Spaces the selected things evenly between the outer two."}
     {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
+    {call "&Place on a surface" {::vesk::tools::choose place} "" some
+        "The selection follows the pointer over other objects and stands on them."}
     {run "Drop on what lies &below" {drop below} "" object
         "Lets the selected objects fall until they touch something."}
 }

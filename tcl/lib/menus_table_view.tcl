@@ -57,11 +57,11 @@
     {check "Hi&dden objects" {prefs_show_hidden_3d redraw_3d} "" "" "Hidden objects as a faint wireframe."}
     {check "&Locked objects" {prefs_show_locked_3d redraw_3d} "" "" "Draws locked objects."}
     {line}
-    {run "&Perspective" {do_perspective 1} "" "" "Perspective projection."}
-    {run "Pa&rallel" {do_perspective 0} "" "" "Parallel projection."}
+    {radio "&Perspective" {::vesk::view::projection 1 do_perspective 1} "" "" "Perspective projection."}
+    {radio "Pa&rallel" {::vesk::view::projection 0 do_perspective 0} "" "" "Parallel projection."}
     {line}
-    {run "&Spin" {set_spin_viewer} "" "" "The mouse turns the model."}
-    {run "Wal&k" {set_walk_viewer} "" "" "The mouse walks through the scene."}
+    {radio "&Spin" {::vesk::view::walks 0 set_spin_viewer} "" "" "The mouse turns the model."}
+    {radio "Wal&k" {::vesk::view::walks 1 set_walk_viewer} "" "" "The mouse walks through the scene."}
     {run "From above, a &quarter round" {view_3d_from_corner} "" ""
         "Resets the viewpoint to three quarters above, where a box shows three sides."}
     {run "Level" {person_level} "" "" "Sets the viewpoint level."}
@@ -170,7 +170,7 @@ namespace eval ::vesk::menus {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
             {object lock_selected} - {copies array} {copies array_round} {copies mirror_copy}
-            {copies symmetrize} {align align} {align {drop below}} - {object boolean} {surface slice}
+            {copies symmetrize} {align align} {align {drop below}} {align {::vesk::tools::choose place}} - {object boolean} {surface slice}
             {surface catmull_clark} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface orient_outwards}

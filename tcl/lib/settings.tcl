@@ -11,6 +11,7 @@ namespace eval ::vesk::settings {
         panel_width 316
         panel_tab object
         objects_height 300
+        issues_open {}
         console_shown 0
         console_height 130
         keep_proportions 0

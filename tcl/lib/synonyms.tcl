@@ -80,6 +80,7 @@ namespace eval ::vesk::menus {
         pick_pivot                   {origin centre center}
         align                        {"line up" level justify}
         distribute                   {space evenly equal}
+        {::vesk::tools::choose place} {snap align surface stick put}
         drop                         {gravity ground floor land rest}
         {drop below}                 {gravity ground land rest stack}
         object_merge                 {join combine attach union}
@@ -142,9 +143,9 @@ namespace eval ::vesk::menus {
         goto_selected_all            {focus centre center}
         {::prefs_view3dmode 1}       {wire}
         {::prefs_view3dmode 0}       {solid shaded}
-        {do_perspective 0}           {orthographic isometric}
-        set_walk_viewer              {fly camera fps}
-        set_spin_viewer              {orbit turntable camera}
+        {::vesk::view::projection 0}           {orthographic isometric}
+        {::vesk::view::walks 1}              {fly camera fps}
+        {::vesk::view::walks 0}              {orbit turntable camera}
         {file_select_background_image 0} {reference blueprint}
         file_select_texture          {image picture map assign bitmap}
         ::vesk::uvedit::open         {unwrap uv mapping islands pack}

@@ -60,7 +60,8 @@ proc ::vesk::issues::build {tab} {
     grid rowconfigure $tab 0 -weight 1
     bind $list <<TreeviewSelect>> {::vesk::issues::name_button; ::vesk::issues::chosen}
     ::vesk::icons::follow_selection $list
-    bind $list <<TreeviewOpen>> {::vesk::issues::unfold [%W focus]}
+    bind $list <<TreeviewOpen>> {::vesk::issues::unfold [%W focus]; ::vesk::issues::keep_open 1}
+    bind $list <<TreeviewClose>> {::vesk::issues::keep_open 0}
     bind $list <Button-3> {::vesk::issues::context %x %y %X %Y}
     ::vesk::fields::on_keys $list {
         Key-Menu ::vesk::issues::context_of_focus
@@ -169,7 +170,7 @@ proc ::vesk::issues::set_title {text} {
 }
 
 # show --
-#   Fills the list with the result of the last check; open kinds stay open.
+#   Fills the list with the result of the last check; kinds are as the user has opened or folded them.
 proc ::vesk::issues::show {} {
     variable path
     variable list
@@ -186,6 +187,7 @@ proc ::vesk::issues::show {} {
     set filling 1
     set known [$list children {}]
     foreach kind $known {set open($kind) [$list item $kind -open]}
+    array set open [::vesk::settings::get issues_open]
     set chosen [lindex [$list selection] 0]
     $list delete $known
     foreach {kind label one icon} $kinds {
@@ -213,6 +215,15 @@ proc ::vesk::issues::show {} {
     }
     name_button
     show_age
+}
+
+# keep_open --
+#   The user has opened or folded a kind: it is so at the next start, too.
+proc ::vesk::issues::keep_open {on} {
+    variable list
+    set kinds [::vesk::settings::get issues_open]
+    dict set kinds [$list focus] $on
+    ::vesk::settings::set_value issues_open $kinds
 }
 
 # name_button --

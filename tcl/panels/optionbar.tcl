@@ -1,7 +1,7 @@
 # optionbar.tcl --
 #   The bar below the menus: select modes, how they pick, fields of the current tool, snapping, pivot,
-#   search. Where the fields of a tool need the room the search field shrinks first; then the pivot,
-#   the near snap and the snap are left out. The modes keep their places while a tool fits so: the
+#   search. Where the fields of a tool need the room the search field shrinks first; then the near
+#   snap, the pivot and the snap are left out. The modes keep their places while a tool fits so: the
 #   window's width decides whether the inactive ones have their texts.
 
 namespace eval ::vesk::optionbar {
@@ -288,6 +288,8 @@ proc ::vesk::optionbar::step_mode {mode step} {
 
 proc ::vesk::optionbar::mode_changed {args} {
     variable level
+    variable shown
+    if {$shown in {move rotate scale}} {show_again}
     set level -1
     after idle ::vesk::optionbar::fit
 }
@@ -356,31 +358,30 @@ proc ::vesk::optionbar::needed_width {level texts} {
     set width [expr {[modes_width $texts] + [::vesk::theme::px 86]
         + [winfo reqwidth $path.settings]}]
     foreach group {pick line1 tool} {incr width [winfo reqwidth $path.$group]}
-    if {$level < 1} {
+    if {$level < 2} {
         incr width [expr {[winfo reqwidth $path.pivot] + [winfo reqwidth $path.line3]}]
     }
     if {$level < 3} {
-        incr width [expr {[winfo reqwidth $path.snap] + [winfo reqwidth $path.line2]}]
+        incr width [expr {[winfo reqwidth $path.snap.on] + [winfo reqwidth $path.snap.grid]
+            + 2 * [::vesk::theme::px 8] + [winfo reqwidth $path.line2]}]
     }
-    if {$level == 2 && [winfo manager $path.snap.near] ne ""} {
-        incr width -[winfo reqwidth $path.snap.near]
-    }
+    if {$level < 1} {incr width [winfo reqwidth $path.snap.near]}
     return $width
 }
 
 # apply_level --
-#   1: without the pivot; 2: without the near snap; from 3 on without the snap.
+#   1: without the near snap; 2: without the pivot; from 3 on without the snap.
 proc ::vesk::optionbar::apply_level {level} {
     variable path
     foreach part {line2 snap line3 pivot} {pack forget $path.$part}
     if {$level < 3} {
         pack $path.line2 $path.snap -side left -after $path.tool
     }
-    if {$level < 1} {
+    if {$level < 2} {
         pack $path.line3 $path.pivot -side left -after $path.snap
     }
     pack forget $path.snap.near
-    if {$level < 2} {pack $path.snap.near -side left}
+    if {$level < 1} {pack $path.snap.near -side left}
 }
 
 # set_select_mode_ui --

@@ -130,6 +130,7 @@ proc ::vesk::status::show {text} {
     variable history
     variable idle_timer
     variable previews 0
+    set text [one_of $text]
     set message [string map {\n " "} $text]
     # What is done in the editor of texture coordinates is told there, too.
     if {[winfo exists .uv] && [string match .uv* [focus]]} {::vesk::uvedit::message $message}
@@ -139,6 +140,16 @@ proc ::vesk::status::show {text} {
     }
     after cancel $idle_timer
     set idle_timer [after 8000 ::vesk::status::hint]
+}
+
+# one_of --
+#   A message with the singular where it counts one thing; the texts of the executable are the same
+#   for any number.
+proc ::vesk::status::one_of {text} {
+    regsub -all {(^|[^\d.,])1 (vertic)es\M} $text {\11 vertex} text
+    regsub -all {(^|[^\d.,])1 (object|surface|edge|ring|loop|line|point|polygon|problem|material|texture|file|piece|copy|light)s\M} \
+        $text {\11 \2} text
+    return $text
 }
 
 # preview --
@@ -286,7 +297,7 @@ proc ::vesk::status::part_width {part} {
 # ---- progress ----
 
 # set_progress --
-#   Moves the bar; it appears when the work takes longer than 0.3 seconds and goes at 100 or 0.
+#   Moves the bar; it appears when the work takes longer than 0.1 seconds and goes at 100 or 0.
 proc ::vesk::status::set_progress {percent} {
     variable path
     variable progress
@@ -303,7 +314,7 @@ proc ::vesk::status::set_progress {percent} {
     }
     set now [clock milliseconds]
     if {$busy_since == 0} {set busy_since $now}
-    if {$now - $busy_since >= 300 && [winfo manager $path.progress] eq ""} {
+    if {$now - $busy_since >= 100 && [winfo manager $path.progress] eq ""} {
         pack forget $path.message
         pack $path.progress -side left
         fit

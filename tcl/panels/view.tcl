@@ -15,6 +15,8 @@ namespace eval ::vesk::view {
     variable translated 0       ;# keys were changed: they are looked up first
     variable dragging ""
     variable waiting ""         ;# a chip's menu that opens unless a second click follows
+    variable projection 1       ;# of the 3D view, when its menu opened
+    variable walks 0
     variable under ""           ;# the view that came under the pointer since its last motion
 }
 
@@ -96,23 +98,22 @@ proc ::vesk::view::fill_chip_menu {name path} {
         if {$row eq {line} && [lindex $rows end] eq {line}} {continue}
         if {[lindex $row 0] in {check radio line}} {lappend rows $row}
     }
-    if {$name eq "xyz"} {
-        foreach words {do_perspective set_spin_viewer set_walk_viewer} {
-            lappend rows [::vesk::menus::find view3d $words]
-        }
-    } else {
+    if {[lindex $rows end] eq {line}} {set rows [lrange $rows 0 end-1]}
+    if {$name ne "xyz"} {
         set id [dict get $::vesk::view::ids $name]
         lappend rows {line} \
             [list run "&Background image..." [list file_select_background_image $id]] \
             [list run "N&o background image" [list clear_background_image $id]]
     }
     foreach row $rows {::vesk::menus::add_row $path $row}
+    ::vesk::menus::align $path
     $path configure -postcommand [list ::vesk::view::refresh_chip_menu $path $rows]
 }
 
 proc ::vesk::view::refresh_chip_menu {path rows} {
     variable kind
     foreach name {xy zy xz xyz} {set kind($name) $name}
+    read_camera
     set state [::vesk::menus::now]
     set entry 0
     foreach row $rows {
@@ -122,6 +123,13 @@ proc ::vesk::view::refresh_chip_menu {path rows} {
         }
         incr entry
     }
+}
+
+# read_camera --
+#   Perspective and way of walking of the 3D view, for the marks of its menus.
+proc ::vesk::view::read_camera {} {
+    variable projection [vesk get_projection]
+    variable walks $::person_walk_vehicle
 }
 
 # ---- layout ----

@@ -8,6 +8,7 @@ namespace eval ::vesk::filebox {
     variable name ""
     variable filters {}
     variable filter ""
+    variable hidden 0           ;# files and folders are shown whose names begin with a dot
 }
 
 # ask --
@@ -54,11 +55,20 @@ proc ::vesk::filebox::cleaned {wanted} {
             foreach pattern $patterns {
                 lappend globs [expr {[string match .* $pattern] ? "*$pattern" : $pattern}]
             }
-            lappend pairs [list $description $globs]
+            lappend pairs [list [described $description $globs] $globs]
         }
     }
     if {[llength $pairs] == 0} {set pairs [list [list "All files" *]]}
     return $pairs
+}
+
+# described --
+#   The name of a filter with what it lets through.
+proc ::vesk::filebox::described {description globs} {
+    if {$globs in {* *.*} || [string match "*\\**" $description]} {return $description}
+    set shown [join [lrange $globs 0 3] " "]
+    if {[llength $globs] > 4} {append shown " ..."}
+    return "$description ($shown)"
 }
 
 # build --
@@ -67,6 +77,7 @@ proc ::vesk::filebox::build {w title} {
     ::vesk::dialogs::modal $w "$title - VESK" ""
     build_top $w
     build_lists $w
+    build_make $w
     # Tab visits the parts in this order.
     build_bottom $w
     build_line $w
@@ -75,8 +86,10 @@ proc ::vesk::filebox::build {w title} {
     grid $w.places $w.list $w.bar $w.preview -sticky nswe
     grid remove $w.preview
     grid configure $w.places -padx [list 0 [::vesk::theme::px 1]]
-    grid $w.line - - - -sticky we -padx $p -pady $p
-    grid $w.bottom - - - -sticky we -padx $p -pady [list 0 $p]
+    grid $w.make - - - -row 2 -sticky we -padx $p -pady [list $p 0]
+    grid remove $w.make
+    grid $w.line - - - -row 3 -sticky we -padx $p -pady $p
+    grid $w.bottom - - - -row 4 -sticky we -padx $p -pady [list 0 $p]
     grid columnconfigure $w 1 -weight 1
     grid rowconfigure $w 1 -weight 1
 }
@@ -85,9 +98,52 @@ proc ::vesk::filebox::build_top {w} {
     ttk::frame $w.top -style Panel.TFrame
     ttk::entry $w.top.folder -textvariable ::vesk::filebox::folder -style Panel.TEntry
     ttk::button $w.top.up -text "Up" -style Panel.TButton -command [list ::vesk::filebox::up $w]
-    pack $w.top.up -side right -padx [::vesk::theme::pad 8 0]
+    ttk::button $w.top.make -text "New folder" -style Panel.TButton \
+        -command [list ::vesk::filebox::ask_folder $w]
+    pack $w.top.make $w.top.up -side right -padx [::vesk::theme::pad 8 0]
     pack $w.top.folder -side left -fill x -expand 1
     bind $w.top.folder <Return> [list ::vesk::filebox::go $w]
+}
+
+# build_make --
+#   The line for the name of a new folder, shown by the button.
+proc ::vesk::filebox::build_make {w} {
+    ttk::frame $w.make -style Panel.TFrame
+    ttk::label $w.make.label -text "New folder" -style Panel.Dim.TLabel
+    ttk::entry $w.make.name -style Panel.TEntry
+    ttk::button $w.make.ok -text Create -style Panel.TButton \
+        -command [list ::vesk::filebox::make_folder $w]
+    pack $w.make.label -side left -padx [::vesk::theme::pad 0 8]
+    pack $w.make.ok -side right -padx [::vesk::theme::pad 8 0]
+    pack $w.make.name -side left -fill x -expand 1
+    ::vesk::fields::on_keys $w.make.name [list Return [list ::vesk::filebox::make_folder $w] \
+        Escape [list ::vesk::filebox::hide_make $w]]
+}
+proc ::vesk::filebox::ask_folder {w} {
+    grid $w.make
+    $w.make.name delete 0 end
+    focus $w.make.name
+}
+proc ::vesk::filebox::hide_make {w} {
+    grid remove $w.make
+    focus $w.line.name
+}
+
+# make_folder --
+#   Makes the folder that was named and goes there.
+proc ::vesk::filebox::make_folder {w} {
+    variable folder
+    set name [string trim [$w.make.name get]]
+    if {$name eq ""} {return}
+    set path [file join $folder $name]
+    if {[file exists $path]} {
+        $w.bottom.message configure -text "Something of this name is there already."
+    } elseif {[catch {file mkdir $path} reason]} {
+        $w.bottom.message configure -text "The folder could not be made: [lindex [split $reason :] end]."
+    } else {
+        hide_make $w
+        enter $w $path
+    }
 }
 
 # build_lists --
@@ -125,7 +181,7 @@ proc ::vesk::filebox::build_line {w} {
         -text [expr {$how eq "folder" ? "Folder" : "Name"}]
     ttk::entry $w.line.name -textvariable ::vesk::filebox::name -style Panel.TEntry
     ttk::combobox $w.line.filter -state readonly -textvariable ::vesk::filebox::filter \
-        -values [lmap pair $filters {lindex $pair 0}] -style Panel.TCombobox -width 22
+        -values [lmap pair $filters {lindex $pair 0}] -style Panel.TCombobox -width 30
     pack $w.line.label -side left -padx [::vesk::theme::pad 0 8]
     if {$how ne "folder"} {pack $w.line.filter -side right -padx [::vesk::theme::pad 8 0]}
     pack $w.line.name -side left -fill x -expand 1
@@ -144,6 +200,9 @@ proc ::vesk::filebox::build_bottom {w} {
         -text [dict get {open Open save Save folder Choose} $how] \
         -command [list ::vesk::filebox::accept $w]
     pack $w.bottom.ok $w.bottom.cancel -side right -padx [::vesk::theme::pad 8 0]
+    ttk::checkbutton $w.bottom.hidden -text "Hidden files" -style Panel.TCheckbutton \
+        -variable ::vesk::filebox::hidden -command [list ::vesk::filebox::fill $w]
+    pack $w.bottom.hidden -side left -padx [::vesk::theme::pad 0 12]
     pack $w.bottom.message -side left
 }
 
@@ -172,11 +231,11 @@ proc ::vesk::filebox::fill {w} {
     variable filter
     variable shown {}
     $w.list delete [$w.list children {}]
-    set folders [lsort -dictionary [glob -nocomplain -directory $folder -types d -tails -- *]]
+    set folders [lsort -dictionary [names $folder d]]
     set patterns [lindex [lsearch -inline -exact -index 0 $filters $filter] 1]
     set files {}
     if {$how ne "folder"} {
-        foreach name [glob -nocomplain -directory $folder -types {f} -tails -- *] {
+        foreach name [names $folder f] {
             foreach pattern $patterns {
                 if {[string match -nocase $pattern $name]} {
                     lappend files $name
@@ -199,6 +258,19 @@ proc ::vesk::filebox::fill {w} {
             [list file $name]
     }
     $w.bottom.message configure -text [expr {[file readable $folder] ? "" : "This folder cannot be read."}]
+}
+
+# names --
+#   The names of the files (f) or folders (d) in a folder, with the hidden ones when they are wanted.
+proc ::vesk::filebox::names {folder type} {
+    variable hidden
+    set found [glob -nocomplain -directory $folder -types $type -tails -- *]
+    if {$hidden} {
+        foreach name [glob -nocomplain -directory $folder -types [list $type hidden] -tails -- *] {
+            if {$name ni {. ..}} {lappend found $name}
+        }
+    }
+    return $found
 }
 
 proc ::vesk::filebox::size_text {bytes} {

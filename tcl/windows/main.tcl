@@ -67,6 +67,20 @@ proc ::vesk::main::first_size {} {
     wm geometry . [expr {max($width, $::prefs_cpwin_width)}]x[expr {max($height, $::prefs_cpwin_height)}]
 }
 
+# keep_on_screen --
+#   A window that is larger than this screen leaves, shrinks and moves into it, with its title.
+proc ::vesk::main::keep_on_screen {} {
+    if {[wm attributes . -zoomed] || [scan [wm geometry .] %dx%d%d%d width height x y] != 4} {return}
+    set widest [winfo screenwidth .]
+    set highest [expr {[winfo screenheight .] - ([winfo rooty .] - $y)}]
+    if {$x >= 0 && $y >= 0 && $x + $width <= $widest && $y + $height <= $highest} {return}
+    set width [expr {min($width, $widest)}]
+    set height [expr {min($height, $highest)}]
+    set x [expr {max(0, min($x, $widest - $width))}]
+    set y [expr {max(0, min($y, $highest - $height))}]
+    wm geometry . ${width}x$height+$x+$y
+}
+
 # sash --
 #   A line between two parts that can be dragged.
 proc ::vesk::main::sash {path cursor what} {

@@ -10,9 +10,9 @@ namespace eval ::vesk::options {
         extrude_edges slide bridge fill_hole hole_select
         bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
-        rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
+        rotate_axis_angle_with_undo rotate_about_axis scale_along weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
-        align distribute drop bend taper twist inflate noise push_normals}
+        align distribute drop bend taper twist inflate noise push_normals boolean}
     # Words of the kinds axis and pivot.
     variable axes {X x Y y Z z "Mean normal" normal "Last used" last Picked picked}
     variable pivots {Selection selection Origin origin "3D cursor" cursor Picked picked}
@@ -72,12 +72,17 @@ proc ::vesk::options::ask {title target help {before ""}} {
     follow_fields
 }
 
+proc ::vesk::options::can_again {} {
+    variable last
+    return [expr {$last ne "" && [history_place] == [dict get $last now]}]
+}
+
 # again --
 #   The options of the last operation once more, as long as nothing was changed since: its result is
 #   taken back and made anew while the numbers change.
 proc ::vesk::options::again {} {
     variable last
-    if {$last eq "" || [history_place] != [dict get $last now]} {
+    if {![can_again]} {
         display_message "there is no last operation whose options could be changed"
         return
     }

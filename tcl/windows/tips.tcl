@@ -2,6 +2,7 @@
 #   Tips: a line of advice at the start and in Help, each time another.
 
 namespace eval ::vesk::tips {
+    variable width [::vesk::theme::px 340]
     variable list {
         "Return in a number field applies it; sums such as 1/3 and +=0.1 are computed."
         "F3 finds every command by name, menu, key or help text."
@@ -48,37 +49,46 @@ proc ::vesk::tips::next {} {
 }
 
 # open --
-#   Shows the next tip in a window.
-proc ::vesk::tips::open {} {
+#   Shows the next tip in a window, as wide as the last one unless told otherwise.
+proc ::vesk::tips::open {{pixels ""}} {
+    variable width
+    if {$pixels ne ""} {set width $pixels}
     set w .tips
     ::vesk::dialogs::window $w "Tip - VESK" 20
     ttk::label $w.in.title -text "Did you know?" -style Panel.Bold.TLabel
     ttk::label $w.in.text -style Panel.TLabel -text [next] \
-        -wraplength [::vesk::theme::px 340] -width 52 -justify left -anchor w
+        -wraplength $width -justify left -anchor w
     ttk::checkbutton $w.in.again -style Panel.TCheckbutton -text "Show tips at the start" \
         -variable ::prefs_show_startup_tips
     ttk::button $w.in.next -style Panel.TButton -text Next -command ::vesk::tips::open
     ttk::button $w.in.close -style Panel.Default.TButton -text Close -command [list destroy $w]
     grid $w.in.title - - -sticky w -pady [::vesk::theme::pad 0 8]
     grid $w.in.text - - -sticky w -pady [::vesk::theme::pad 0 16]
-    grid $w.in.again $w.in.next $w.in.close -sticky e -padx [::vesk::theme::pad 8 0]
-    grid configure $w.in.again -sticky w -padx 0
+    grid $w.in.again - - -sticky w -pady [::vesk::theme::pad 0 12]
+    grid x $w.in.next $w.in.close -sticky e -padx [::vesk::theme::pad 8 0]
     grid columnconfigure $w.in 0 -weight 1
+    # Every tip in a window of the same size.
+    grid rowconfigure $w.in 1 -minsize [expr {3 * [font metrics TkDefaultFont -linespace]
+        + [::vesk::theme::px 16]}]
+    ttk::frame $w.in.wide -width $width
+    grid $w.in.wide - - -
     bind $w <Return> [list destroy $w]
     ::vesk::dialogs::show $w $w.in.close
 }
 
 # at_start --
-#   Shows the tip of the start: in a window, or in a small main window, whose views that would
-#   cover, in a line below the option bar.
+#   Shows the tip of the start without covering the views: in a window over the panel at the right,
+#   or, where there is none, in a line below the option bar.
 proc ::vesk::tips::at_start {} {
-    if {[winfo width .] < [::vesk::theme::px 1100]} {
+    set room [expr {[winfo width .main.right] - [::vesk::theme::px 44]}]
+    if {![winfo ismapped .main.right] || $room < [::vesk::theme::px 240]} {
         strip
         return
     }
-    open
-    # Over the panel at the right, above the status line.
+    open $room
+    # Above the status line.
     set w .tips
+    update idletasks
     set x [expr {[winfo rootx .] + [winfo width .] - [winfo reqwidth $w]}]
     set y [expr {[winfo rooty .status] - [winfo reqheight $w]}]
     wm geometry $w +[expr {max(0, $x)}]+[expr {max(0, $y)}]

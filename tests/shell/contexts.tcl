@@ -40,7 +40,10 @@ run {
     set before [status]
     press .mbar.edit
     check "an entry tells what it does" {
-        [on_entry edit clipboard_paste] eq "Adds what the clipboard holds."
+        [on_entry edit repeat_last] eq "Does the last operation again."
+    }
+    check "there is nothing to paste yet" {
+        [string match "*the clipboard is empty" [on_entry edit clipboard_paste]]
     }
     check "a grey one what it needs" {
         [string match "*select something first" [on_entry edit delete]]
@@ -76,6 +79,15 @@ run {
 
     # ---- the right button and the menu key ----
     vesk set_select_mode object
+    vesk clear_selection
+    popped {press [widget xy] {*}[spot 0.2 0.2] 3}
+    check "the right button selects what its menu is for" {[vesk get_selected_objects] eq $::cube}
+    press .mbar.view
+    lassign [entry_of view3d {::vesk::view::walks 1}] path entry
+    check "the menu marks how the 3D view is drawn and moved" {
+        $::vesk::view::projection == 1 && $::vesk::view::walks == 0
+    }
+    key Escape
     vesk select_all
     at xy 150 150
     check "the menu key opens the view's menu" {"Duplicate" in [popped {xdo key Menu}]}

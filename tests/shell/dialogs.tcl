@@ -180,4 +180,26 @@ run {
     set ::env(PATH) $path
     shot dialogs-manual
     destroy .textmanual
+
+    # A new folder, hidden files, filters that say what they let through.
+    file mkdir [work .hidden] [work seen]
+    set ::rows {}
+    when {[front .filebox]} {
+        press .filebox.bottom.hidden
+        set ::rows [lmap row [.filebox.list children {}] {string trim [.filebox.list item $row -text]}]
+        press .filebox.top.make
+        type "a folder"
+        key Return
+        shot dialogs-filebox
+        type "in it"
+        key Return
+    }
+    set name [::vesk::filebox::ask save Save [work .] {{Models *.vesk} {"All files" *}}]
+    check "the hidden ones are shown" {".hidden" in $::rows && "seen" in $::rows}
+    check "a new folder is gone to" {
+        $name eq [file normalize [work "a folder/in it.vesk"]] && [file isdirectory [work "a folder"]]
+    }
+    check "the filter tells its patterns" {$::vesk::filebox::filter eq "Models (*.vesk)"}
+    display_message "copy - 1 objects, 21 surfaces, 1 vertices"
+    check "one thing is told in the singular" {[status] eq "copy - 1 object, 21 surfaces, 1 vertex"}
 }

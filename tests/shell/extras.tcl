@@ -131,7 +131,7 @@ run {
     key ctrl+shift+r
     set options $::vesk::view::area_path.options
     check "other steps since: nothing to adjust" {
-        ![winfo exists $options] && [string match "there is no last operation*" [status]]
+        ![winfo exists $options] && [string match "*no last operation*" [status]]
     }
     hole
     set faces [lindex [vesk get_counts] 3]
@@ -269,4 +269,11 @@ run {
         [llength $::vesk::tips::list] >= 30
         && [llength [lsort -unique $::vesk::tips::list]] == [llength $::vesk::tips::list]
     }
+    ::vesk::tips::at_start
+    wait_until {[shown .tips]}
+    shot extras-tip
+    check "the tip of the start does not cover the views" {
+        [winfo rootx .tips] >= [winfo rootx .main.right] - 4
+    }
+    destroy .tips
 }

@@ -28,6 +28,7 @@ run {
     focus $list
     key Right
     check "a row for each edge, below its kind" {[llength [$list children open_edge]] == 4}
+    check "that it is open is kept" {[dict get [::vesk::settings::get issues_open] open_edge]}
     press_row $list [lindex [$list children open_edge] 0]
     check "a click selects the edge and fits it" {
         [vesk selection_get_num_edges] == 1 && [mode] eq "edge" && [lindex [centre] 0] >= 3

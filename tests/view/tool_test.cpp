@@ -235,6 +235,29 @@ TEST_F(Tools, NamesOfWhatIsMadeAreNumbered)
     EXPECT_EQ(run("object_get_name", run("new_cube")), "");
 }
 
+TEST_F(Tools, AClickOfTheRightButtonSelectsWhatItsMenuIsFor)
+{
+    object_t *other = add_cube("other");
+    select_object(other);
+    run("move", "1", "0", "0");
+    run("clear_selection");
+    const auto menu_at = [&](int x, int y) {
+        interaction_press({VIEW_XY, x, y, 3, 0, seconds += 1});
+        interaction_release({VIEW_XY, x, y, 3, 0, seconds += 0.1});
+        return last_call("popup_view_menu");
+    };
+    select_object(other);
+    EXPECT_EQ(menu_at(180, 150), "0 180 150");
+    EXPECT_EQ(get_current_object(), cube);
+    select_object(other);
+    EXPECT_EQ(selection_get_num_objects(), 2);
+    menu_at(320, 150); // one of the selected: all stay
+    EXPECT_EQ(selection_get_num_objects(), 2);
+    menu_at(20, 20); // beside everything
+    EXPECT_EQ(selection_get_num_objects(), 2);
+    EXPECT_EQ(*undo_count_address(), 0);
+}
+
 // The shape over the cube's middle, beside it and over the frame's right upper handle.
 struct pointer_case {
     const char *name;
