@@ -89,6 +89,31 @@ proc ::vesk::options::again {} {
     ask [dict get $last title] [dict get $last target] [dict get $last help] $last
 }
 
+# note --
+#   A tool of the mouse did an operation: its options can be opened once more, too.
+#   words  the command that repeats it
+proc ::vesk::options::note {words} {
+    variable live_limit
+    variable kept
+    variable last
+    if {[lindex [vesk get_counts] 4] >= $live_limit} {return}
+    set command [lindex $words 0]
+    foreach entry [::vesk::menus::all] {
+        lassign [lindex $entry 1] kind label target key needs help
+        if {$kind eq "ask" && [lindex $target 0] eq $command} {break}
+    }
+    set texts {}
+    foreach item [lrange $target 1 end] word [lrange $words 1 end] {
+        lassign $item name kind choices
+        if {$kind eq "choice"} {set word [dict get [lreverse $choices] $word]}
+        lappend texts $word
+    }
+    set kept($command) $texts
+    set now [history_place]
+    set last [dict create title [string trimright [string map {& {}} $label] .] target $target \
+        help $help start [expr {$now - 1}] now $now words [list $words $texts]]
+}
+
 proc ::vesk::options::run_with_file {command item title} {
     set name [ask_file $item $title]
     if {$name eq ""} {return}

@@ -139,6 +139,23 @@ run {
     check "and back" {[info_of [top_objects] surfaces] == 6}
     vesk set_tool_option bevel_segments 1
 
+    # ---- the options of what was dragged, once more ----
+    from_to 0 0 0.2 0
+    check "an inset" {[info_of [top_objects] surfaces] == 10}
+    set records [made]
+    key ctrl+shift+r
+    set options [::vesk::view::area].options
+    check "its numbers stand in the options" {
+        [front $options] && [$options.in.f0 get] == 0.2 && [$options.in.f2 get] eq "Each"
+    }
+    press $options.in.f1
+    key ctrl+a
+    type 0.3
+    key Return
+    check "another depth, as the same step" {
+        ![winfo exists $options] && [near [lindex [centre] 2] 0.8] && [made] == $records
+    }
+
     # ---- edges move as vertices do ----
     fresh
     vesk set_select_mode edge
