@@ -2,7 +2,7 @@
 #   Tips: a line of advice at the start and in Help, each time another.
 
 namespace eval ::vesk::tips {
-    variable width [::vesk::theme::px 340]
+    variable width 0            ;# of the text
     variable list {
         "Return in a number field applies it; sums such as 1/3 and +=0.1 are computed."
         "F3 finds every command by name, menu, key or help text."
@@ -53,6 +53,7 @@ proc ::vesk::tips::next {} {
 proc ::vesk::tips::open {{pixels ""}} {
     variable width
     if {$pixels ne ""} {set width $pixels}
+    if {$width == 0} {set width [::vesk::theme::px 340]}
     set w .tips
     ::vesk::dialogs::window $w "Tip - VESK" 20
     ttk::label $w.in.title -text "Did you know?" -style Panel.Bold.TLabel
