@@ -5,6 +5,7 @@
 #include "bench/terrain.h"
 #include "edit/document/edge_selection.h"
 #include "edit/document/modes.h"
+#include "edit/document/step.h"
 #include "model/flat_mesh.h"
 #include "model/normals.h"
 #include "program/command_table.h"
@@ -17,6 +18,7 @@
 
 #include <cstdlib>
 #include <initializer_list>
+#include <optional>
 #include <string>
 
 namespace {
@@ -29,12 +31,24 @@ void command(std::initializer_list<const char *> words)
     do_command(static_cast<int>(words.size()), words.begin());
 }
 
+// Commands are steps of the history as usual, but a debug build's comparison of the whole model with
+// what was announced, after every command, is left out.
+std::optional<step_t> step;
+
+void watch_commands()
+{
+    command_registry_set_hooks(
+        {.before = [](const vesk_command_t *, int,
+                      const char *const *) { step.emplace(step_t::of::command); },
+         .after = [](const vesk_command_t *, bool) { step->keep("command"); }});
+}
+
 template <class Work>
 double measure(const char *what, int times, Work work)
 {
-    const double took = best_of(times, work).wall;
-    std::printf("%-44s %9.2f ms\n", what, took * 1e3);
-    return took;
+    const timing took = best_of(times, work);
+    std::printf("%-44s %9.2f ms   cpu %9.2f\n", what, took.wall * 1e3, took.cpu * 1e3);
+    return took.cpu;
 }
 
 // The edge in the middle of the terrain, along x.
@@ -81,11 +95,11 @@ double seconds = 0;
 // The tool under the pointer: motions over a few pixels.
 void bench_hover(const char *what, int view)
 {
-    int step = 0;
+    int way = 0;
     measure(what, 20, [&] {
-        ++step;
+        ++way;
         interaction_motion(
-            {view, width / 2 + 60 + step, height / 2 - 40 + 2 * (step % 5), 0, 0, seconds += 0.02});
+            {view, width / 2 + 60 + way, height / 2 - 40 + 2 * (way % 5), 0, 0, seconds += 0.02});
     });
 }
 
@@ -121,6 +135,7 @@ int main(int argc, char **argv)
     const int side = argc > 1 ? std::atoi(argv[1]) : 1000;
     bench_begin();
     register_commands();
+    watch_commands();
     person_reset();
     tools_install();
     const terrain_arrays arrays(side);

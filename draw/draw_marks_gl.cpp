@@ -1,10 +1,13 @@
 #include "draw/draw_marks_gl.h"
 
+#include "base/numbers.h"
 #include "base/prefs.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_overlay_gl.h"
 #include "draw/draw_text_gl.h"
 #include "draw/font_atlas.h"
+#include "edit/dimensions.h"
+#include "model/vector.h"
 #include "view/highlight.h"
 #include "view/interaction.h"
 #include "view/overlay.h"
@@ -20,6 +23,7 @@ namespace {
 constexpr int plate_colour = 0x17181A;
 constexpr int plate_text = 0xF2F3F4;
 constexpr int mark_colour = 0x6CB2FF;
+constexpr int dimension_colour = 0xF2C14E;
 constexpr int broken_colour = 0xF2705F;
 constexpr colour_t dark = {0, 0, 0, 0.55f};
 
@@ -126,6 +130,27 @@ void draw_point_mark(float x, float y, const colour_t &colour)
     draw_array(GL_QUADS, body, colour);
 }
 
+// Lengths that objects keep.
+void draw_dimensions(int view, int width, int height)
+{
+    const colour_t colour = colour_of(dimension_colour);
+    for (const dimension_t &line : dimensions_shown()) {
+        float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+        if (!overlay_position(line.a->position, view, &x1, &y1) ||
+            !overlay_position(line.b->position, view, &x2, &y2) ||
+            std::hypot(x2 - x1, y2 - y1) < 12 * scale())
+            continue;
+        draw_mark_line(x1, y1, x2, y2, 1, colour);
+        draw_end_mark(x1, y1, x1 - x2, y1 - y2, colour);
+        draw_end_mark(x2, y2, x2 - x1, y2 - y1, colour);
+        char text[16];
+        *write_g(text,
+                 static_cast<float>(point_length(point_sub(line.b->position, line.a->position)))) =
+            '\0';
+        draw_plate((x1 + x2) / 2, (y1 + y2) / 2, width, height, {text});
+    }
+}
+
 void draw_insert_mark(int view)
 {
     const insert_mark_t &mark = insert_mark();
@@ -227,6 +252,7 @@ void draw_cut(int view)
 
 void draw_tool_marks(int view, int width, int height)
 {
+    draw_dimensions(view, width, height);
     draw_highlight(view);
     draw_cut(view);
     draw_insert_mark(view);

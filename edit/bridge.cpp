@@ -47,19 +47,26 @@ vec3d normal_of(const flat_mesh &mesh, const corners_t &corners)
     return size > 0 ? sum / size : vec3d{};
 }
 
-// How far apart the outlines are when corner `offset` of the second faces the first one's first.
-double distance_at(const flat_mesh &mesh, const corners_t &first, const corners_t &second,
-                   std::size_t offset)
+// How unlike the outlines are when corner `offset` of the second faces the first one's first.
+double unlikeness(const std::vector<vec3d> &first, const std::vector<vec3d> &second,
+                  std::size_t offset)
 {
     const std::size_t samples = std::min(first.size(), most_samples);
     double sum = 0;
     for (std::size_t k = 0; k < samples; ++k) {
         const std::size_t i = k * first.size() / samples;
         const std::size_t j = (k * second.size() / samples + offset) % second.size();
-        const vec3d way = point_of(mesh, second[j]) - point_of(mesh, first[i]);
+        const vec3d way = second[j] - first[i];
         sum += dot(way, way);
     }
     return sum;
+}
+
+// Turned about an axis of unit length.
+vec3d turned(const vec3d &v, const vec3d &axis, double angle)
+{
+    return v * std::cos(angle) + cross(axis, v) * std::sin(angle) +
+           axis * (dot(axis, v) * (1 - std::cos(angle)));
 }
 
 class bridge_builder {
@@ -104,12 +111,55 @@ private:
         return corners.size() - (closed_ ? 0 : 1);
     }
 
+    // The way from the first outline to the second: how it leaves and arrives, and turns between.
+    struct way_t {
+        vec3d from, to, straight;
+        double length = 0, turn = 0;
+    };
+    // Outlines that look away from each other are joined through the body between them.
+    [[nodiscard]] way_t find_way() const
+    {
+        const flat_mesh &mesh = work_.mesh();
+        way_t way;
+        const vec3d between = middle_of(mesh, second_) - middle_of(mesh, first_);
+        way.length = length(between);
+        if (way.length == 0)
+            return way;
+        way.straight = between / way.length;
+        constexpr double away = -0.5; // cosine
+        const auto leaving = [&](const corners_t &corners) {
+            const vec3d normal = normal_of(mesh, corners);
+            return dot(normal, way.straight) < away ? normal * -1.0 : normal;
+        };
+        way.from = leaving(first_);
+        way.to = leaving(second_);
+        way.turn = std::acos(std::clamp(dot(way.from, way.to), -1.0, 1.0));
+        return way;
+    }
+
+    // Corners that stand at one place when the way is bent straight face each other.
     void turn_second()
     {
+        way_ = find_way();
+        vec3d axis = cross(way_.to, way_.from);
+        if (length(axis) < 1e-6) // back the way that it came
+            axis = cross(way_.from, way_.straight) * -1.0;
+        const double sine = length(axis);
+        const auto around_middle = [&](const corners_t &corners, double angle) {
+            const vec3d middle = middle_of(work_.mesh(), corners);
+            std::vector<vec3d> all;
+            for (const border_corner &corner : corners) {
+                const vec3d v = point_of(work_.mesh(), corner) - middle;
+                all.push_back(sine > 1e-6 ? turned(v, axis / sine, angle) : v);
+            }
+            return all;
+        };
+        const std::vector<vec3d> first = around_middle(first_, 0),
+                                 second = around_middle(second_, way_.turn);
         std::size_t best = 0;
         double least = std::numeric_limits<double>::infinity();
         for (std::size_t offset = 0; offset < second_.size(); ++offset) {
-            const double distance = distance_at(work_.mesh(), first_, second_, offset);
+            const double distance = unlikeness(first, second, offset);
             if (distance < least) {
                 least = distance;
                 best = offset;
@@ -125,7 +175,7 @@ private:
     {
         const vec3d p = point_of(work_.mesh(), a), q = point_of(work_.mesh(), b);
         vec3d point = p * (1 - share) + q * share;
-        if (options_.smooth > 0 && closed_)
+        if (options_.smooth > 0 && closed_ && way_.length > 0)
             point = point + bulge(share) * (length(q - p) * static_cast<double>(options_.smooth));
         const auto mixed = [&](float x, float y) {
             return static_cast<float>(x * (1 - share) + y * share);
@@ -135,20 +185,13 @@ private:
                 a.like};
     }
 
-    // The way off the straight line of a curve that leaves both outlines along their normals.
-    [[nodiscard]] vec3d bulge(double t)
+    // The way off the straight line of a curve that leaves both outlines along their normals: an arc
+    // between outlines that look the same way, as a handle has it.
+    [[nodiscard]] vec3d bulge(double t) const
     {
-        const flat_mesh &mesh = work_.mesh();
-        const vec3d way = middle_of(mesh, second_) - middle_of(mesh, first_);
-        const double size = length(way);
-        if (size == 0)
-            return {};
-        const vec3d straight = way / size;
-        const auto leaving = [&](const corners_t &corners) {
-            const vec3d normal = normal_of(mesh, corners);
-            return dot(normal, way) < 0 ? normal * -1.0 : normal;
-        };
-        const vec3d a = leaving(first_) - straight, b = leaving(second_) - straight;
+        // As long as the tangents of an arc by that angle are for its chord.
+        const double reach = 1 / (std::cos(way_.turn / 4) * std::cos(way_.turn / 4));
+        const vec3d a = way_.from * reach - way_.straight, b = way_.to * reach - way_.straight;
         return a * (t * (1 - t) * (1 - t)) - b * (t * t * (1 - t));
     }
 
@@ -183,6 +226,7 @@ private:
     corners_t first_, second_;
     const bool closed_;
     const bridge_options options_;
+    way_t way_; // of closed ones
 };
 
 void bridge_chains(edge_work &work, std::vector<border_chain> chains, const bridge_options &options)

@@ -192,11 +192,8 @@ void object_place(object_t *top, const affine_t &place)
     unsigned aspects = CHANGED_POSITIONS | CHANGED_RECORD;
     if (mirrors)
         aspects |= CHANGED_TOPOLOGY;
-    const float m[9] = {static_cast<float>(place.x.x), static_cast<float>(place.x.y),
-                        static_cast<float>(place.x.z), static_cast<float>(place.y.x),
-                        static_cast<float>(place.y.y), static_cast<float>(place.y.z),
-                        static_cast<float>(place.z.x), static_cast<float>(place.z.y),
-                        static_cast<float>(place.z.z)};
+    float m[9];
+    affine_matrix(place, m);
     for_each_object(top, [&](object_t *object) {
         object->centre = place(object->centre);
         for (vertex *v : each<vertex>(object->vertices))

@@ -21,7 +21,8 @@ namespace {
 
 bool turns(const drag_change_t &change)
 {
-    return change.kind == drag_change_t::ROTATE || change.kind == drag_change_t::TURN;
+    return change.kind == drag_change_t::ROTATE || change.kind == drag_change_t::TURN ||
+           (change.kind == drag_change_t::PLACE && !change.keeps_frames);
 }
 
 float map_axis(float value, float from_min, float from_max, float to_min, float to_max)
@@ -38,7 +39,9 @@ class mapping_t {
 public:
     explicit mapping_t(const drag_change_t &change) : change_(change), centre_(change.centre)
     {
-        if (change.kind == drag_change_t::TURN)
+        if (change.kind == drag_change_t::PLACE)
+            affine_matrix(change.place, rotation_);
+        else if (change.kind == drag_change_t::TURN)
             matrix_set_rotate(rotation_, radians(change.angles.x), radians(change.angles.y),
                               radians(change.angles.z));
         else
@@ -53,7 +56,7 @@ public:
     {
         if (share >= 1)
             return (*this)(p);
-        if (!turns(change_)) {
+        if (!turns(change_) || change_.kind == drag_change_t::PLACE) {
             const point3_t to = (*this)(p);
             return point_add(p, point_scale(point_sub(to, p), share));
         }
@@ -66,6 +69,8 @@ public:
     {
         if (change_.kind == drag_change_t::MOVE)
             return point_add(p, change_.offset);
+        if (change_.kind == drag_change_t::PLACE)
+            return change_.place(p);
         if (!turns(change_))
             return map_between_boxes(p, change_);
         point3_t turned = point_sub(p, centre_);
@@ -401,11 +406,17 @@ void drag_transform_t::finish()
 {
     if (reaches_further()) {
         static constexpr const char *labels[] = {"move", "rotate", "rotate", "resize"};
-        finish_as(labels[last.kind]);
+        finish_as(last.kind == drag_change_t::PLACE ? last.label : labels[last.kind]);
         return;
     }
-    apply(last);
-    open_record();
+    if (last.kind == drag_change_t::PLACE) { // no record of a transform holds both of its halves
+        take_back();
+        open_world_undo(last.label);
+        apply(last);
+    } else {
+        apply(last);
+        open_record();
+    }
     selected_calc_normals();
     find_bounding_box();
 }

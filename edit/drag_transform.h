@@ -1,6 +1,7 @@
 #ifndef VESK_EDIT_DRAG_TRANSFORM_H
 #define VESK_EDIT_DRAG_TRANSFORM_H
 
+#include "edit/mesh/affine.h"
 #include "edit/symmetry.h"
 #include "model/object.h"
 #include "model/vec3d.h"
@@ -15,7 +16,7 @@
 // the counterparts of symmetry.
 
 struct drag_change_t {
-    enum kind_t { MOVE, ROTATE, TURN, RESIZE } kind = MOVE;
+    enum kind_t { MOVE, ROTATE, TURN, RESIZE, PLACE } kind = MOVE;
     point3_t offset = {0, 0, 0}; // MOVE
     point3_t centre = {0, 0, 0}; // ROTATE, TURN
     bool own_centres = false;    // ROTATE: each object about its own centre instead
@@ -24,6 +25,9 @@ struct drag_change_t {
     point3_t angles = {0, 0, 0}; // TURN: degrees about x, y and z, as rotate_selection
     point3_t from_min, from_max; // RESIZE: the box before
     point3_t to_min, to_max;     // RESIZE: the box after
+    affine_t place;              // PLACE
+    bool keeps_frames = false;   // PLACE: no rotation, the frames of objects stay as they are
+    const char *label = "place"; // PLACE: of the undo record
 };
 
 // Where a deformer takes a point; its normal has the length 1 or 0.

@@ -81,7 +81,7 @@ void run_edge_operation(const char *what, const char *counted, std::vector<owned
     int changed = 0;
     for (owned_edges &owned : targets) {
         job_t &job = jobs.emplace_back(job_t{std::move(owned), mesh_change(owned.object), {}, {}});
-        edge_work work = {job.change, *job.owned.topology, job.owned.edges};
+        edge_work work = {job.change, *job.owned.topology, job.owned.edges, job.owned.object};
         compute(work);
         if (!work.refusal.empty()) {
             show_refusal(what, work, job.owned);

@@ -17,6 +17,7 @@ struct edge_work {
     mesh_change &change;
     const edge_topology &topology;
     const std::vector<int> &edges;
+    object_t *object;
     int changed = 0; // counts for the message
     // Results, selected afterwards: edges by the places of their ends, old or new, and vertices. In
     // surface mode the new surfaces are selected.

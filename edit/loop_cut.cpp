@@ -3,6 +3,7 @@
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/edge_operation.h"
+#include "edit/symmetry.h"
 #include "model/identity.h"
 #include "model/vector.h"
 
@@ -34,9 +35,10 @@ std::vector<float> shares_of(int cuts, float slide)
     return shares;
 }
 
-// For each edge of the ring the end from which the shares count: all on one side of the ring.
+// For each edge of the ring the end from which the shares count: all on one side of the ring, that
+// of `start` for this edge.
 std::vector<int> starts_of(const edge_topology &topology, const edge_chain &ring,
-                           const std::vector<int> &quads, int edge)
+                           const std::vector<int> &quads, int edge, int start)
 {
     const flat_mesh &mesh = topology.mesh();
     std::vector<int> starts = {topology.edge(ring.edges.front()).a};
@@ -51,11 +53,41 @@ std::vector<int> starts_of(const edge_topology &topology, const edge_chain &ring
                                                          : mesh.corner(across));
     }
     const auto place = std::find(ring.edges.begin(), ring.edges.end(), edge) - ring.edges.begin();
-    if (starts[place] != topology.edge(edge).a) {
+    if (starts[place] != start) {
         for (std::size_t i = 0; i < starts.size(); ++i)
             starts[i] = topology.other_end(ring.edges[i], starts[i]);
     }
     return starts;
+}
+
+// An edge whose ring is cut, and the end from which the shares count.
+struct seed_t {
+    int edge, start;
+};
+
+// With symmetry each edge's counterpart is one, too, and counts from the counterpart of its end.
+std::vector<seed_t> seeds_of(const edge_work &work)
+{
+    std::vector<seed_t> seeds;
+    const edge_topology &topology = work.topology;
+    std::vector<bool> taken(topology.size());
+    const std::vector<int> twins =
+        symmetry_is_on() ? symmetric_places(work.object) : std::vector<int>();
+    for (const int e : work.edges) {
+        if (taken[e])
+            continue;
+        const mesh_edge &edge = topology.edge(e);
+        seeds.push_back({e, edge.a});
+        taken[e] = true;
+        if (twins.empty() || twins[edge.a] < 0 || twins[edge.b] < 0)
+            continue;
+        const int other = topology.table().find(twins[edge.a], twins[edge.b]);
+        if (other >= 0 && !taken[other]) {
+            seeds.push_back({other, twins[edge.a]});
+            taken[other] = true;
+        }
+    }
+    return seeds;
 }
 
 class loop_cutter {
@@ -68,14 +100,14 @@ public:
 
     void run()
     {
-        for (const int e : work_.edges) {
+        for (const auto &[e, start] : seeds_of(work_)) {
             if (cuts_[e].first >= 0)
                 continue;
             const edge_chain ring = work_.topology.ring(e);
             const std::vector<int> quads = work_.topology.ring_quads(ring);
             if (quads.empty())
                 continue;
-            cut_edges(ring, starts_of(work_.topology, ring, quads, e));
+            cut_edges(ring, starts_of(work_.topology, ring, quads, e, start));
             cross(ring, quads);
             ++work_.changed;
         }
@@ -266,7 +298,7 @@ std::vector<point3_t> loop_cut_preview(const edge_topology &topology, int edge, 
     const std::vector<int> quads = topology.ring_quads(ring);
     if (quads.empty())
         return {};
-    const std::vector<int> starts = starts_of(topology, ring, quads, edge);
+    const std::vector<int> starts = starts_of(topology, ring, quads, edge, topology.edge(edge).a);
     const flat_mesh &mesh = topology.mesh();
     std::vector<point3_t> points;
     for (const float share : shares_of(cuts, slide)) {

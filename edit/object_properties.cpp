@@ -4,11 +4,11 @@
 #include "base/numbers.h"
 #include "edit/document/undo_internal.h"
 #include "edit/object_flags.h"
-#include "edit/selection_sets.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
 #include "model/object_internal.h"
+#include "model/object_notes.h"
 #include "model/object_tree.h"
 
 #include <cstring>

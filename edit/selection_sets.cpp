@@ -9,6 +9,7 @@
 #include "edit/document/modes.h"
 #include "edit/document/undo_internal.h"
 #include "model/flat_mesh.h"
+#include "model/object_notes.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 
@@ -20,53 +21,29 @@
 
 namespace {
 
-constexpr std::string_view mark = "selection-set ";
-
 struct set_t {
     std::string kind, counts, places, name;
 };
 
-// Where the lines begin, with the line end before them; the text's end when there are none.
-std::size_t end_of_user_data(std::string_view data)
-{
-    if (data.starts_with(mark))
-        return 0;
-    return std::min(data.find("\n" + std::string(mark)), data.size());
-}
-
-std::string_view data_of(const object_t *object)
-{
-    return object->data == nullptr ? std::string_view() : object->data;
-}
-
 std::vector<set_t> sets_of(const object_t *object)
 {
-    const std::string_view data = data_of(object);
-    std::istringstream lines(std::string(data.substr(end_of_user_data(data))));
     std::vector<set_t> sets;
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line);
-        std::string word;
+    for (const std::string &note : object_notes(object, note_of_selection_set)) {
+        std::istringstream words(note);
         set_t set;
-        if (words >> word >> set.kind >> set.counts >> set.places &&
+        if (words >> set.kind >> set.counts >> set.places &&
             std::getline(words >> std::ws, set.name))
             sets.push_back(std::move(set));
     }
     return sets;
 }
 
-void write_data(object_t *object, const std::string &user, const std::vector<set_t> &sets)
+void write_sets(object_t *object, const std::vector<set_t> &sets)
 {
-    std::string data = user;
+    std::vector<std::string> notes;
     for (const set_t &set : sets)
-        data += (data.empty() ? "" : "\n") + std::string(mark) + set.kind + " " + set.counts + " " +
-                set.places + " " + set.name;
-    object_set_userdata(object, data.empty() ? nullptr : data.c_str());
-}
-
-std::string counts_of(const object_t *object)
-{
-    return std::to_string(object->num_vertices) + "/" + std::to_string(object->num_surfaces);
+        notes.push_back(set.kind + " " + set.counts + " " + set.places + " " + set.name);
+    object_set_notes(object, note_of_selection_set, notes);
 }
 
 // A name is the rest of a line.
@@ -107,7 +84,7 @@ bool take_out(object_t *object, const std::string &name)
     std::vector<set_t> sets = sets_of(object);
     if (std::erase_if(sets, [&](const set_t &set) { return set.name == name; }) == 0)
         return false;
-    write_data(object, object_user_data(object), sets);
+    write_sets(object, sets);
     return true;
 }
 
@@ -148,7 +125,7 @@ found_t find_set(const std::string &name)
             if (!is_select_mode(set.kind))
                 continue;
             found.kind = set.kind;
-            if (set.places != "-" && set.counts != counts_of(object))
+            if (set.places != "-" && set.counts != object_counts(object))
                 ++found.changed;
             else if (object->visible != 0 && object->locked == 0)
                 found.parts.emplace_back(object, std::move(set.places));
@@ -193,17 +170,6 @@ void select_found(const found_t &found)
 
 } // namespace
 
-std::string object_user_data(const object_t *object)
-{
-    const std::string_view data = data_of(object);
-    return std::string(data.substr(0, end_of_user_data(data)));
-}
-
-void object_set_user_data(object_t *object, const std::string &text)
-{
-    write_data(object, text, sets_of(object));
-}
-
 // ---- commands ----
 
 void command_selection_set_save(const char *text)
@@ -221,8 +187,8 @@ void command_selection_set_save(const char *text)
     for (const owned_elements &part : parts) {
         std::vector<set_t> sets = sets_of(part.object);
         const std::string places = places_text(part.indices);
-        sets.push_back({kind, counts_of(part.object), places.empty() ? "-" : places, name});
-        write_data(part.object, object_user_data(part.object), sets);
+        sets.push_back({kind, object_counts(part.object), places.empty() ? "-" : places, name});
+        write_sets(part.object, sets);
     }
     display_status();
     display_message("selection set '%s' - saved", name.c_str());

@@ -7,14 +7,6 @@
 // with the counts that the object had: where they are others now, the places mean other elements
 // and are left out.
 
-#include "model/object.h"
-
-#include <string>
-
-// The object's data text without those lines, and the text that it becomes with another one.
-std::string object_user_data(const object_t *object);
-void object_set_user_data(object_t *object, const std::string &text);
-
 // Keeps the present selection under a name, in place of what the name stood for. Undo "save
 // selection set".
 void command_selection_set_save(const char *name);

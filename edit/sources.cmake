@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     edit/connect.cpp
     edit/create.cpp
     edit/delete.cpp
+    edit/dimensions.cpp
     edit/dissolve.cpp
     edit/drag_transform.cpp
     edit/duplicate.cpp
@@ -58,6 +59,7 @@ target_sources(vesk_core PRIVATE
     edit/drop.cpp
     edit/mirror_copy.cpp
     edit/part_moves.cpp
+    edit/place.cpp
     edit/slide.cpp
     edit/smooth_subdivide.cpp
     edit/snap.cpp

@@ -97,10 +97,11 @@ private:
 
 } // namespace
 
+bool symmetry_is_on() { return prefs.symmetry_axis >= 1 && prefs.symmetry_axis <= 3; }
+
 bool symmetry_acts()
 {
-    return prefs.symmetry_axis >= 1 && prefs.symmetry_axis <= 3 && selection().objects == nullptr &&
-           mode_has_elements(select_mode());
+    return symmetry_is_on() && selection().objects == nullptr && mode_has_elements(select_mode());
 }
 
 int symmetry_axis() { return prefs.symmetry_axis - 1; }
@@ -119,7 +120,7 @@ bool symmetry_shown(float *at)
     };
     static shown_t last;
     *at = 0;
-    if (prefs.symmetry_axis < 1 || prefs.symmetry_axis > 3)
+    if (!symmetry_is_on())
         return false;
     if (prefs.symmetry_at_centre == 0)
         return true;

@@ -9,6 +9,7 @@
 
 #include <vector>
 
+bool symmetry_is_on();
 // Whether it holds for the present selection: it is on, and no objects are selected.
 bool symmetry_acts();
 // The axis, 0 to 2, and where an object's plane crosses it.

@@ -161,6 +161,16 @@ private:
             put_real(tint, value);
         const std::string name = unique(&object_names_, object.name, "light", most_name);
         objects_ += chunk(0x4000, text(name) + chunk(0x4600, body + chunk(0x0010, tint)));
+        add_node(0xB005, name);
+    }
+
+    // The entry of a mesh or a light in the tree of the file.
+    void add_node(unsigned kind, const std::string &name)
+    {
+        std::string node = text(name);
+        put(node, 0, 4);
+        put(node, 0xFFFF, 2); // no parent
+        nodes_ += chunk(kind, chunk(0xB010, node));
     }
 
     void count_losses(const object_t &object, const flat_mesh &flat)
@@ -229,10 +239,7 @@ private:
         objects_ +=
             chunk(0x4000, text(name) + chunk(0x4100, chunk(0x4110, points) + chunk(0x4140, uv) +
                                                          chunk(0x4120, faces(mesh))));
-        std::string node = text(name);
-        put(node, 0, 4);
-        put(node, 0xFFFF, 2); // no parent
-        nodes_ += chunk(0xB002, chunk(0xB010, node));
+        add_node(0xB002, name);
         mesh = {};
     }
 

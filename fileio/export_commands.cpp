@@ -72,8 +72,11 @@ void count_losses(const object_t *object, const flat_mesh &flat, const export_fo
     (*losses)[DATA] += !format.data && is_set(object->data) ? 1 : 0;
 }
 
+// The names by which pictures are written, by their files.
+using pictures_t = std::map<std::string, std::string>;
+
 export_object described(object_t *object, const export_format &format, const std::string &filename,
-                        losses_t *losses)
+                        pictures_t *pictures, losses_t *losses)
 {
     export_object out = {object, object_flat(object), export_one_line(object->name), {}, {}};
     out.parts = parts_of(*out.flat, format, losses);
@@ -81,10 +84,17 @@ export_object described(object_t *object, const export_format &format, const std
     if (out.parts.empty())
         return out;
     out.picture = object_texture_beside(object, filename.c_str());
-    if (!format.pictures && !out.picture.empty()) {
-        ++(*losses)[PICTURES];
+    if (out.picture.empty())
+        return out;
+    if (!format.pictures)
         out.picture.clear();
+    else if (format.shown_picture != nullptr) {
+        const auto [entry, fresh] = pictures->try_emplace(out.picture);
+        if (fresh)
+            entry->second = format.shown_picture(*object, out.picture, filename);
+        out.picture = entry->second;
     }
+    (*losses)[PICTURES] += out.picture.empty() ? 1 : 0;
     return out;
 }
 
@@ -179,7 +189,8 @@ private:
             if (!progress.step(out_.done))
                 return false;
             // Lights were written as such; their surfaces and children are an object like others.
-            const export_object object = described(node.object, format_, filename_, &losses_);
+            const export_object object =
+                described(node.object, format_, filename_, &pictures_, &losses_);
             if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
                 continue;
             close_until(nodes, &open, node.parent);
@@ -221,6 +232,7 @@ private:
     atomic_writer_t file_;
     export_text out_;
     losses_t losses_ = {};
+    pictures_t pictures_;
 };
 
 int write_scene(const char *filename, const export_format &format)

@@ -1,8 +1,14 @@
 #include "fileio/export_pov.h"
 
+#include "base/atomic_file.h"
+#include "base/file_report.h"
+#include "base/filename.h"
+#include "base/image_png.h"
 #include "base/prefs.h"
 #include "model/bounds.h"
 #include "model/lights.h"
+#include "model/textures/texture_preview.h"
+#include "model/textures/textures.h"
 #include "model/world.h"
 
 #include <algorithm>
@@ -79,14 +85,15 @@ void write_named_light(export_text &out, const object_t &light, const std::strin
     write_light(out, light.centre);
 }
 
+// The renderer's word for a picture's format, null for one that it cannot read.
 const char *picture_kind(std::string_view file)
 {
     const struct {
         std::string_view suffix;
         const char *kind;
     } kinds[] = {{"png", "png"}, {"jpg", "jpeg"}, {"jpeg", "jpeg"}, {"tga", "tga"},
-                 {"gif", "gif"}, {"bmp", "sys"},  {"tif", "tiff"},  {"tiff", "tiff"},
-                 {"ppm", "ppm"}, {"pgm", "pgm"},  {"iff", "iff"},   {"pot", "pot"}};
+                 {"gif", "gif"}, {"tif", "tiff"}, {"tiff", "tiff"}, {"ppm", "ppm"},
+                 {"pgm", "pgm"}, {"iff", "iff"},  {"pot", "pot"}};
     std::string suffix(file.substr(std::min(file.rfind('.') + 1, file.size())));
     std::transform(suffix.begin(), suffix.end(), suffix.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -94,7 +101,33 @@ const char *picture_kind(std::string_view file)
     for (const auto &kind : kinds)
         if (suffix == kind.suffix)
             return kind.kind;
-    return "sys";
+    return nullptr;
+}
+
+// A scene that names a picture which is not there, or of another format, cannot be rendered: the
+// first is left out, the second copied as PNG beside the scene, under a name of the scene's own.
+std::string shown_picture(const object_t &object, const std::string &picture,
+                          const std::string &filename)
+{
+    const VESKImage *image =
+        object.has_texture != 0 ? texture_id_to_image(object.texture) : nullptr;
+    if (image == nullptr || image->data == nullptr)
+        return "";
+    if (picture_kind(picture) != nullptr)
+        return picture;
+    const auto base = [](const std::string &file) {
+        const std::string name = file.substr(file.find_last_of('/') + 1);
+        return name.substr(0, name.rfind('.'));
+    };
+    const std::string copy = base(filename) + "_" + base(picture) + ".png";
+    const std::string folder = vesk_filename_get_path(filename.c_str());
+    const std::string png = png_of_rgb(image->width, image->height,
+                                       image_scaled(*image, image->width, image->height).data());
+    atomic_writer_t file((folder.empty() ? copy : folder + "/" + copy).c_str());
+    if (png.empty() || !file.write(png) || !file.commit())
+        return "";
+    vesk_report_note(1, "textures copied as PNG");
+    return copy;
 }
 
 void write_look(export_text &out, const export_object &object, const export_part &part)
@@ -206,6 +239,7 @@ const export_format pov_format = {.name = "POV",
                                   .lines = false,
                                   .points = false,
                                   .urls = false,
+                                  .shown_picture = shown_picture,
                                   .empty_objects = false,
                                   .begin = begin,
                                   .light = write_named_light,

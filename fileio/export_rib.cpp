@@ -1,8 +1,8 @@
 #include "fileio/export_rib.h"
 
 #include "base/prefs.h"
-#include "edit/selection_sets.h"
 #include "model/lights.h"
+#include "model/object_notes.h"
 
 #include <algorithm>
 #include <numbers>

@@ -90,6 +90,11 @@ struct export_object {
     }
 };
 
+// The name under which a format can show an object's texture, "" when it cannot; may write a copy
+// beside the file. `picture` is the texture's file as seen from the file's folder.
+using export_picture_t = std::string (*)(const object_t &object, const std::string &picture,
+                                         const std::string &filename);
+
 struct export_format {
     const char *name; // in messages
     // The elements that it has a place for; the others are counted as losses.
@@ -97,9 +102,10 @@ struct export_format {
     bool lights = true;
     bool pictures = true;
     bool smooth = true;
-    bool points = true;        // that no surface uses
-    bool urls = true;          // the addresses of objects
-    bool data = true;          // their data texts
+    bool points = true;                       // that no surface uses
+    bool urls = true;                         // the addresses of objects
+    bool data = true;                         // their data texts
+    export_picture_t shown_picture = nullptr; // null: all pictures as they are
     bool empty_objects = true; // else objects without a surface below them are left out
     void (*begin)(export_text &out) = nullptr;
     void (*light)(export_text &out, const object_t &light, const std::string &name) = nullptr;

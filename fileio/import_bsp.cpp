@@ -23,9 +23,11 @@ constexpr size_t face_size = 104;
 enum face_kind { FACE_POLYGON = 1, FACE_PATCH = 2, FACE_MESH = 3 };
 constexpr int patch_steps = 4;
 constexpr int most_patch_side = 129;
-constexpr int grey = 0;
 // Faces may share vertices: a small file could promise more of them than memory holds.
 constexpr long long most_references = 1 << 24;
+
+// Of levels, which have textures instead of colours.
+int grey() { return import_colour(0.8f, 0.8f, 0.8f); }
 
 struct bsp_vertex {
     std::array<float, 3> place;
@@ -132,7 +134,7 @@ void add_triangles(const bsp_file &file, const bsp_face &face, import_mesh &mesh
                 add_corner(mesh, points[static_cast<size_t>(index)],
                            vertices[static_cast<size_t>(index)]);
         }
-        mesh.end_surface(grey, SURFACE_TWOSIDED | (face.kind == FACE_MESH ? SURFACE_SMOOTH : 0));
+        mesh.end_surface(grey(), SURFACE_TWOSIDED | (face.kind == FACE_MESH ? SURFACE_SMOOTH : 0));
     }
 }
 
@@ -189,7 +191,7 @@ void add_patch(const bsp_file &file, const bsp_face &face, import_mesh &mesh)
             const int corner = y * columns + x;
             for (const int place : {corner, corner + columns, corner + columns + 1, corner + 1})
                 add_corner(mesh, first + place, vertices[static_cast<size_t>(place)]);
-            mesh.end_surface(grey, SURFACE_TWOSIDED | SURFACE_SMOOTH);
+            mesh.end_surface(grey(), SURFACE_TWOSIDED | SURFACE_SMOOTH);
         }
 }
 

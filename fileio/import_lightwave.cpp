@@ -79,7 +79,10 @@ private:
             items_.back().parent = int_of(words[1]) - 1;
         else if (key == "ParentItem" && words.size() > 1 && !items_.empty())
             items_.back().parent = static_cast<int>(unsigned_of_hex(words[1]) & 0xFFFF);
-        else if (key.starts_with("Pivot") && words.size() > 3 && !items_.empty())
+        else if (key == "LightName" && words.size() > 1 && !items_.empty())
+            items_.back().name = name_from(words, 1);
+        else if ((key == "PivotPosition" || key == "PivotPoint") && words.size() > 3 &&
+                 !items_.empty())
             for (size_t i = 0; i < 3; ++i)
                 items_.back().pivot[i] = double_of(words[i + 1]);
         if (key == "LoadObject" || key == "LoadObjectLayer" || key == "AddNullObject" ||
@@ -90,7 +93,10 @@ private:
     // The name after the numbers that newer versions put before it; it may hold blanks.
     [[nodiscard]] std::string last_of(const std::vector<std::string> &words, size_t first) const
     {
-        const size_t begin = std::min(first + (version_ >= 4 ? 1 : 0), words.size());
+        return name_from(words, first + (version_ >= 4 ? 1 : 0));
+    }
+    static std::string name_from(const std::vector<std::string> &words, size_t begin)
+    {
         std::string name;
         for (size_t i = begin; i < words.size(); ++i)
             name += (name.empty() ? "" : " ") + words[i];

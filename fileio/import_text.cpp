@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr int plain_material = 0;
+// Of what has no colour.
+int plain_material() { return import_colour(0.8f, 0.8f, 0.8f); }
 
 // The lines of a text, comments cut off.
 class line_reader {
@@ -113,7 +114,7 @@ private:
                                   static_cast<float>(rgb >> 8 & 0xFF) / 255,
                                   static_cast<float>(rgb & 0xFF) / 255);
         end_triangle_if(9);
-        material_ = plain_material;
+        material_ = plain_;
     }
 
     void end_triangle_if(size_t count)
@@ -139,7 +140,8 @@ private:
     std::string name_;
     import_mesh mesh_;
     std::vector<float> pending_;
-    int material_ = plain_material;
+    const int plain_ = plain_material();
+    int material_ = plain_;
 };
 
 // ---- lines ----
@@ -178,14 +180,14 @@ private:
         if (points_.size() > 1) {
             for (const point3_t &p : points_)
                 mesh_.add_corner(mesh_.add_point(p.x, p.y, p.z));
-            mesh_.end_surface(plain_material,
-                              (closed ? int{SURFACE_CLOSED_LINE} : int{SURFACE_LINE}) |
-                                  SURFACE_TWOSIDED);
+            mesh_.end_surface(plain_, (closed ? int{SURFACE_CLOSED_LINE} : int{SURFACE_LINE}) |
+                                          SURFACE_TWOSIDED);
         }
         points_.clear();
     }
 
     const std::string name_;
+    const int plain_ = plain_material();
     import_mesh mesh_;
     std::vector<point3_t> points_;
 };

@@ -16,6 +16,7 @@ target_sources(vesk_core PRIVATE
     model/mesh_arrays.cpp
     model/normals.cpp
     model/object.cpp
+    model/object_notes.cpp
     model/object_tree.cpp
     model/owners.cpp
     model/palette.cpp

@@ -15,10 +15,68 @@
 #include <fstream>
 #include <map>
 #include <set>
+#include <string_view>
 
 namespace {
 
 constexpr int most_levels = 1000;
+
+// A COLLADA text whose colours have one blank between their numbers and none around them: other
+// white space is as good, but the library's reader stops at it.
+std::string with_plain_colours(const std::string &text)
+{
+    constexpr std::string_view blanks = " \t\r\n";
+    std::string plain;
+    std::size_t done = 0;
+    for (std::size_t at = 0; (at = text.find("<color", at)) != std::string::npos;) {
+        const std::size_t first = text.find('>', at), end = text.find('<', at + 1);
+        at += 6;
+        if (first == std::string::npos || end == std::string::npos || end < first)
+            continue; // without an end, or without numbers
+        plain.append(text, done, first + 1 - done);
+        for (std::size_t i = first + 1; i < end;) {
+            i = std::min(text.find_first_not_of(blanks, i), end);
+            const std::size_t after = std::min(text.find_first_of(blanks, i), end);
+            if (i < after)
+                plain.append(plain.back() == '>' ? "" : " ").append(text, i, after - i);
+            i = after;
+        }
+        done = end;
+    }
+    return plain.append(text, done);
+}
+
+// A file of that text in place of the one on the disk.
+class text_stream : public Assimp::IOStream {
+public:
+    explicit text_stream(std::string text) : text_(std::move(text)) {}
+    std::size_t Read(void *to, std::size_t size, std::size_t count) override
+    {
+        const std::size_t whole = size == 0 ? 0 : std::min(count, (text_.size() - at_) / size);
+        std::memcpy(to, text_.data() + at_, whole * size);
+        at_ += whole * size;
+        return whole;
+    }
+    std::size_t Write(const void *, std::size_t, std::size_t) override { return 0; }
+    aiReturn Seek(std::size_t offset, aiOrigin origin) override
+    {
+        const std::size_t base = origin == aiOrigin_SET   ? 0
+                                 : origin == aiOrigin_CUR ? at_
+                                                          : text_.size() - offset;
+        const std::size_t to = origin == aiOrigin_END ? base : base + offset;
+        if (to > text_.size())
+            return aiReturn_FAILURE;
+        at_ = to;
+        return aiReturn_SUCCESS;
+    }
+    [[nodiscard]] std::size_t Tell() const override { return at_; }
+    [[nodiscard]] std::size_t FileSize() const override { return text_.size(); }
+    void Flush() override {}
+
+private:
+    std::string text_;
+    std::size_t at_ = 0;
+};
 
 // Finds files whose names are addresses, too.
 class address_files : public Assimp::DefaultIOSystem {
@@ -30,6 +88,12 @@ public:
     }
     Assimp::IOStream *Open(const char *file, const char *mode) override
     {
+        if (std::string_view(file).ends_with(".dae")) {
+            std::ifstream opened(file, std::ios::binary);
+            if (opened)
+                return new text_stream(
+                    with_plain_colours({std::istreambuf_iterator<char>(opened), {}}));
+        }
         Assimp::IOStream *stream = DefaultIOSystem::Open(file, mode);
         return stream != nullptr ? stream
                                  : DefaultIOSystem::Open(without_escapes(file).c_str(), mode);

@@ -1,13 +1,15 @@
 // Commands of copies, halves and things put in line, of the axes they go by, of what moves along
-// with the selection, and of deformers.
+// with the selection, of deformers, and of dimension lines.
 
 #include "base/command_row.h"
 #include "edit/align.h"
 #include "edit/axis_pivot.h"
 #include "edit/copies.h"
 #include "edit/deform.h"
+#include "edit/dimensions.h"
 #include "edit/drop.h"
 #include "edit/mirror_copy.h"
+#include "edit/place.h"
 #include "edit/soft_selection.h"
 #include "edit/symmetry.h"
 #include "program/own_commands.h"
@@ -38,6 +40,15 @@ std::span<const own_command_t> copy_commands()
                     "<string axis> <string gaps or centres>", "space the selected things evenly"),
         command_row("drop", command_drop, edit, "<string height or below>",
                     "rest the selected objects on a height, or on what lies below"),
+        command_row("place_on_surface", command_place_on_surface, edit, 6, 6,
+                    "<float x> <float y> <float z> <float nx> <float ny> <float nz>",
+                    "stand the selection on a point, turned to a normal"),
+        command_row("rotate_about_axis", command_rotate_about_axis, edit, 1, 3,
+                    "<float degrees> <string axis> <string pivot>",
+                    "turn the selection about any axis"),
+        command_row("scale_along", command_scale_along, edit, 1, 3,
+                    "<float factor> <string axis> <string pivot>",
+                    "scale the selection along any axis; -1 mirrors it"),
         command_row("bend", command_bend, edit, 1, 3,
                     "<float degrees> <string axis> <string pivot>", "bend the selection to an arc"),
         command_row("taper", command_taper, edit, 1, 3,
@@ -63,6 +74,12 @@ std::span<const own_command_t> copy_commands()
                     "remember the direction of the selection as the picked axis"),
         command_row("pick_pivot", command_pick_pivot, view, nullptr,
                     "remember the middle of the selection as the picked pivot"),
+        command_row("dimension_add", command_dimension_add, edit, nullptr,
+                    "keep the lengths of the selected edges as dimension lines"),
+        command_row("dimension_remove", command_dimension_remove, edit, nullptr,
+                    "take the dimension lines off the selected objects"),
+        command_row("get_dimensions", command_get_dimensions, query, nullptr,
+                    "returns object id, two vertices and the length of each dimension line"),
         command_row("get_picked", command_get_picked, query, nullptr,
                     "returns the picked axis and the picked pivot"),
     };

@@ -48,4 +48,4 @@ proc ::vesk::call_later {folder file name} {
 ::vesk::later widgets fieldmenu popup
 ::vesk::later widgets prefwidgets make show
 ::vesk::later lib thumbs request cancel can_draw
-::vesk::later windows options ask again can_again ask_file
+::vesk::later windows options ask again can_again ask_file note

@@ -5,6 +5,7 @@
 #include "base/messages.h"
 #include "edit/document/element_text.h"
 #include "edit/document/undo_internal.h"
+#include "edit/symmetry_scope.h"
 
 namespace {
 
@@ -42,6 +43,8 @@ std::vector<std::string> words_of_change(const drag_change_t &change, bool own)
         return words_t{"move_with_undo"} + echo_point(change.offset);
     case drag_change_t::RESIZE:
         return words_t{"resize_with_undo"} + echo_point(change.to_min) + echo_point(change.to_max);
+    case drag_change_t::PLACE:
+        return {}; // the tool knows where it stands
     default:
         return words_of_rotation(change, own);
     }
@@ -82,8 +85,12 @@ void run_in_drag(const std::vector<std::string> &words)
     std::vector<const char *> texts;
     for (const std::string &word : words)
         texts.push_back(word.c_str());
-    if (vesk_command_t *command = find_command(texts.front()))
-        execute_command(static_cast<int>(texts.size()), texts.data(), command);
+    vesk_command_t *command = find_command(texts.front());
+    if (command == nullptr)
+        return;
+    symmetry_scope both_sides(texts.front());
+    execute_command(static_cast<int>(texts.size()), texts.data(), command);
+    both_sides.end();
 }
 
 void run_as_step(const std::vector<std::string> &words, const char *label)

@@ -34,6 +34,7 @@ target_sources(vesk_core PRIVATE
     view/tool_measure.cpp
     view/tool_operations.cpp
     view/tool_options.cpp
+    view/tool_place.cpp
     view/tool_select.cpp
     view/tool_slice.cpp
     view/tool_transform.cpp

@@ -7,6 +7,7 @@
 #include "edit/document/edge_selection.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/modes.h"
+#include "edit/document/undo_internal.h"
 #include "view/camera.h"
 #include "view/drag_echo.h"
 #include "view/drag_offset.h"
@@ -138,6 +139,7 @@ struct drag_state_t {
     bool second = false;         // Control drags the second number
     int axis = -1;               // that an offset is locked to
     words_t shown;               // the words whose result shows
+    bool done = false;           // the operation changed something
 };
 drag_state_t state;
 
@@ -149,9 +151,11 @@ void end_drag()
 
 void run_operation(const words_t &words)
 {
+    const unsigned serial = undo_last_serial();
     state.busy = true;
     run_in_drag(words);
     state.busy = false;
+    state.done = undo_last_serial() != serial;
 }
 
 void take_back()
@@ -344,6 +348,8 @@ bool is_nothing()
 
 void tell_numbers()
 {
+    if (!state.done && !state.shown.empty())
+        return; // the operation has said why
     const bool offset = state.operation->how == way::offset;
     const float values[3] = {offset ? state.now.offset.x : state.now.first,
                              offset ? state.now.offset.y : state.now.second, state.now.offset.z};
@@ -412,8 +418,9 @@ void release(const pointer_event_t &event)
         run_operation(words);
     const std::unique_ptr<step_t> step = std::move(state.step);
     const std::string label = state.operation->name;
+    const bool done = state.done && !words.empty();
     end_drag();
-    if (!words.empty())
+    if (done)
         keep_step(*step, words, label.c_str());
     redraw_all();
 }

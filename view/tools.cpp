@@ -16,6 +16,7 @@
 #include "view/tool_measure.h"
 #include "view/tool_operations.h"
 #include "view/tool_options.h"
+#include "view/tool_place.h"
 #include "view/tool_select.h"
 #include "view/tool_slice.h"
 #include "view/tool_transform.h"
@@ -27,9 +28,9 @@
 namespace {
 
 // In the order in which they are asked whether a draw mode is theirs.
-const tool_t *const tools[] = {&transform_tool, &zoom_tool,   &create_tool,
-                               &measure_tool,   &insert_tool, &loop_cut_tool,
-                               &knife_tool,     &slice_tool,  &band_tool};
+const tool_t *const tools[] = {&transform_tool, &zoom_tool,     &create_tool, &measure_tool,
+                               &insert_tool,    &loop_cut_tool, &knife_tool,  &slice_tool,
+                               &band_tool,      &place_tool};
 
 const tool_t *chosen = nullptr; // by name
 

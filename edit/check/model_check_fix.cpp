@@ -3,6 +3,7 @@
 #include "base/current_file.h"
 #include "base/messages.h"
 #include "base/numbers.h"
+#include "edit/document/edge_selection.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/modes.h"
 #include "edit/mesh/edge_table.h"
@@ -520,19 +521,23 @@ void command_check_select(const char *kind, int id, const char *element)
     const flat_ptr mesh = object_flat(problem.object);
     const bool is_edge =
         problem.kind == model_problem::open_edge || problem.kind == model_problem::crowded_edge;
-    const bool is_vertex = is_edge || problem.kind == model_problem::t_vertex ||
+    const bool is_vertex = problem.kind == model_problem::t_vertex ||
                            problem.kind == model_problem::duplicate_vertex ||
                            problem.kind == model_problem::unused_vertex;
     const bool is_object = problem.kind == model_problem::missing_texture;
-    set_new_select_mode(is_object ? SELECT_OBJECT : is_vertex ? SELECT_VERTEX : SELECT_SURFACE);
+    set_new_select_mode(is_object   ? SELECT_OBJECT
+                        : is_edge   ? SELECT_EDGE
+                        : is_vertex ? SELECT_VERTEX
+                                    : SELECT_SURFACE);
     clear_selection();
     owned_list chosen;
     if (is_object) {
         select_object(problem.object);
+    } else if (is_edge) {
+        select_edges_by_ends(
+            {{mesh->vertex_record(problem.first), mesh->vertex_record(problem.second)}});
     } else if (is_vertex) {
         chosen.add(mesh->vertex_record(problem.first));
-        if (is_edge)
-            chosen.add(mesh->vertex_record(problem.second));
         select_vertices(chosen.get());
     } else {
         select_surface(mesh->surface_record(problem.first));

@@ -350,7 +350,7 @@ void journal_rewind()
     journal_list &list = journal();
     journal_entry &now = entry(list.present);
     const undo_stack records = list.records;
-    if (!jump(now.state, list.selected ? *list.selected : *now.after))
+    if (!jump(now.state, list.selected ? *list.selected : selection_before(now)))
         undo_break_external();
     set_selection_known(!list.selected);
     now.state = model_state_capture(); // the palette may have grown since

@@ -6,6 +6,7 @@
 #include "model/vec3d.h"
 
 #include <cmath>
+#include <initializer_list>
 
 struct affine_t {
     vec3d x = {1, 0, 0}, y = {0, 1, 0}, z = {0, 0, 1}; // where the directions of the axes go
@@ -51,6 +52,23 @@ inline affine_t affine_turn(const vec3d &axis, double degrees)
         return p * cosine + cross(axis, p) * sine + axis * (dot(axis, p) * (1 - cosine));
     };
     return {turned({1, 0, 0}), turned({0, 1, 0}), turned({0, 0, 1}), {}};
+}
+
+// Its turn as nine floats, row by row, for points as row vectors (model/matrix.h).
+inline void affine_matrix(const affine_t &of, float *out)
+{
+    for (const vec3d &row : {of.x, of.y, of.z}) {
+        *out++ = static_cast<float>(row.x);
+        *out++ = static_cast<float>(row.y);
+        *out++ = static_cast<float>(row.z);
+    }
+}
+
+// Sizes along an axis of unit length through the origin times a factor.
+inline affine_t affine_stretch(const vec3d &axis, double factor)
+{
+    const auto to = [&](const vec3d &p) { return p + axis * ((factor - 1) * dot(axis, p)); };
+    return {to({1, 0, 0}), to({0, 1, 0}), to({0, 0, 1}), {}};
 }
 
 // At the plane through the origin with this normal, of unit length.

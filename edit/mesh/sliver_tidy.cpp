@@ -14,8 +14,9 @@ constexpr double no_area = 1.5e-7;
 class tidier {
 public:
     tidier(std::vector<solid_result::polygon_t> &polygons,
-           const std::function<point3_t(int)> &position)
-        : polygons_(polygons), position_(position)
+           const std::function<point3_t(int)> &position,
+           const std::function<bool(int, int)> &take_whole)
+        : polygons_(polygons), position_(position), take_whole_(take_whole)
     {
         for (int i = 0; i < static_cast<int>(polygons.size()); ++i)
             link(i);
@@ -38,11 +39,13 @@ private:
     void enter(int node);
     void forget(int node);
     [[nodiscard]] int longest_side_of_sliver(int polygon) const;
+    int beyond(int side);
     bool join(int side);
     void drop_spikes(int node);
 
     std::vector<solid_result::polygon_t> &polygons_;
     const std::function<point3_t(int)> &position_;
+    const std::function<bool(int, int)> &take_whole_;
     std::vector<node_t> nodes_;
     std::vector<int> first_;                    // of each polygon; -1: gone
     std::unordered_map<std::uint64_t, int> at_; // sides, by the node where they begin
@@ -120,14 +123,26 @@ void tidier::drop_spikes(int node)
     }
 }
 
+// Where the same side begins in the polygon beyond it, or -1.
+int tidier::beyond(int side)
+{
+    const int from = nodes_[nodes_[side].next].vertex, to = nodes_[side].vertex;
+    auto found = at_.find(key(from, to));
+    if (found == at_.end() && take_whole_(from, to)) {
+        link(static_cast<int>(polygons_.size()) - 1);
+        found = at_.find(key(from, to));
+    }
+    return found == at_.end() ? -1 : found->second;
+}
+
 // The polygon of this side goes into the one beyond it.
 bool tidier::join(int side)
 {
     const int end = nodes_[side].next, sliver = nodes_[side].polygon;
-    const auto found = at_.find(key(nodes_[end].vertex, nodes_[side].vertex));
-    if (found == at_.end() || nodes_[found->second].polygon == sliver)
+    const int from = beyond(side);
+    if (from < 0 || nodes_[from].polygon == sliver)
         return false;
-    const int from = found->second, to = nodes_[from].next, into = nodes_[from].polygon;
+    const int to = nodes_[from].next, into = nodes_[from].polygon;
     const vec3d start = at(from), along = at(to) - start;
     const double size = dot(along, along);
     forget(from);
@@ -170,9 +185,8 @@ void tidier::join_slivers()
             const int side = longest_side_of_sliver(polygon);
             if (side < 0)
                 break;
-            const auto beyond =
-                at_.find(key(nodes_[nodes_[side].next].vertex, nodes_[side].vertex));
-            const int into = beyond == at_.end() ? -1 : nodes_[beyond->second].polygon;
+            const int there = beyond(side);
+            const int into = there < 0 ? -1 : nodes_[there].polygon;
             if (!join(side))
                 break;
             polygon = into;
@@ -220,9 +234,10 @@ void tidier::write_back()
 } // namespace
 
 void tidy_slivers(std::vector<solid_result::polygon_t> &polygons,
-                  const std::function<point3_t(int)> &position)
+                  const std::function<point3_t(int)> &position,
+                  const std::function<bool(int from, int to)> &take_whole)
 {
-    tidier tidy(polygons, position);
+    tidier tidy(polygons, position, take_whole);
     tidy.join_slivers();
     tidy.write_back();
 }

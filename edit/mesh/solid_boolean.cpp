@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
+#include <unordered_map>
 
 namespace {
 
@@ -57,6 +59,7 @@ private:
     void drop_needless();
     [[nodiscard]] bool lies_between(int p, int a, int b) const;
     void round();
+    bool take_whole(int from, int to);
     void drop_unused();
     int rounded_point(int point);
     [[nodiscard]] bool is_outline(const solid_result::polygon_t &polygon) const;
@@ -75,6 +78,7 @@ private:
     std::vector<node_t> nodes_;
     double blur_ = 0;
     std::map<int, int> new_number_;
+    std::unordered_map<std::uint64_t, int> whole_sides_; // of units that stay whole; when asked for
     position_index places_{0};
 };
 
@@ -315,12 +319,49 @@ solid_result assembler::make()
     }
     drop_needless();
     round();
-    tidy_slivers(result_.polygons, [&](int vertex) {
+    const auto position = [&](int vertex) {
         return vertex < result_.num_points ? points_.rounded(vertex)
                                            : result_.new_points[vertex - result_.num_points];
-    });
+    };
+    tidy_slivers(result_.polygons, position,
+                 [&](int from, int to) { return take_whole(from, to); });
     drop_unused();
     return std::move(result_);
+}
+
+// The unit that stays whole and has this side becomes a polygon like the others.
+bool assembler::take_whole(int from, int to)
+{
+    const auto side = [](int a, int b) {
+        return (static_cast<std::uint64_t>(a) << 32) | static_cast<std::uint32_t>(b);
+    };
+    if (whole_sides_.empty()) {
+        for (int unit = 0; unit < static_cast<int>(result_.fates.size()); ++unit) {
+            if (result_.fates[unit] == solid_result::GONE)
+                continue;
+            const auto outline = solids_.outline(unit);
+            const bool reversed = result_.fates[unit] == solid_result::REVERSED;
+            for (std::size_t i = 0; i < outline.size(); ++i) {
+                const int a = outline[i], b = outline[(i + 1) % outline.size()];
+                whole_sides_.emplace(reversed ? side(b, a) : side(a, b), unit);
+            }
+        }
+    }
+    const auto found = whole_sides_.find(side(from, to));
+    if (found == whole_sides_.end() || result_.fates[found->second] == solid_result::GONE)
+        return false;
+    const int unit = found->second;
+    const solid_meshes::unit_t &of = solids_.units()[unit];
+    const flat_mesh &mesh = *solids_.meshes()[of.mesh];
+    solid_result::polygon_t polygon = {unit, {}};
+    int corner = mesh.first_corner(of.surface);
+    for (const int vertex : solids_.outline(unit))
+        polygon.corners.push_back({vertex, mesh.uv(corner++)});
+    if (result_.fates[unit] == solid_result::REVERSED)
+        std::reverse(polygon.corners.begin(), polygon.corners.end());
+    result_.fates[unit] = solid_result::GONE;
+    result_.polygons.push_back(std::move(polygon));
+    return true;
 }
 
 // Numbers the new points anew, without those that no polygon has any more.

@@ -322,18 +322,32 @@ private:
             const int normals = add_points(data.normals, false);
             attributes.field("POSITION", add_points(data.points, true));
             attributes.field("NORMAL", normals);
-            if (node.textured)
+            if (node.textured || has_picture(data.triangles))
                 attributes.field("TEXCOORD_0", add_uv(data.uv));
             add_primitives(TRIANGLES, data.triangles, attributes, primitives);
         }
         if (!data.line_points.empty()) {
             json_list attributes;
             attributes.field("POSITION", add_points(data.line_points, true));
+            if (has_picture(data.lines))
+                attributes.field("TEXCOORD_0",
+                                 add_uv(std::vector<float>(2 * data.line_points.size())));
             add_primitives(LINES, data.lines, attributes, primitives);
         }
         meshes_.add("{\"name\": ", json_text(node.name), ", \"primitives\": ", primitives.array(),
                     '}');
         return meshes_.count() - 1;
+    }
+
+    // A material with a texture may be used only where there are texture coordinates.
+    [[nodiscard]] bool
+    has_picture(const std::map<int, std::vector<std::uint32_t>> &by_material) const
+    {
+        return std::any_of(by_material.begin(), by_material.end(), [&](const auto &part) {
+            return part.first >= 0 &&
+                   static_cast<std::size_t>(part.first) < scene_.materials.size() &&
+                   !scene_.materials[static_cast<std::size_t>(part.first)].picture.empty();
+        });
     }
 
     // One for each material.

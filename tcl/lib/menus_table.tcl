@@ -100,8 +100,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Rotate a&bout a point..." {rotate_about_with_undo {"Turn X" number 0} {"Turn Y" number 0}
         {"Turn Z" number 0} {"Point X" number 0} {"Point Y" number 0} {"Point Z" number 0}} "" some
         "Turns the selection about a point, in degrees."}
-    {ask "Rotate about an &axis..." {rotate_axis_angle_with_undo {Axis choice {X 0 Y 1 Z 2}}
-        {Degrees number 90}} "" some "Turns the selection about one axis."}
+    {ask "Rotate about an &axis..." {rotate_about_axis {Degrees number 90} {Axis axis Z}
+        {Pivot pivot Selection}} "" some "Turns the selection about one axis."}
+    {ask "Scale a&long an axis..." {scale_along {Factor number 2} {Axis axis Z}
+        {Pivot pivot Selection}} "" some "Scales the selection along one axis; -1 mirrors it."}
     {menu "M&irror" mirror "" "" "Mirrors the selection at the pivot."}
 }
 ::vesk::menus::define deform "Deform" {
@@ -306,6 +308,8 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Distribute..." {distribute {Axis choice {X x Y y Z z}} {Even choice {Gaps gaps Centres centres}}}
         "" some "Spaces the selected things evenly between the outer two."}
     {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
+    {call "&Place on a surface" {::vesk::tools::choose place} "" some
+        "The selection follows the pointer over other objects and stands on them."}
     {run "Drop on what lies &below" {drop below} "" object
         "Lets the selected objects fall until they touch something."}
 }
@@ -424,6 +428,10 @@ proc ::vesk::menus::define {name label rows} {
     {ask "Snap together within..." {weld_distance {Distance from snap_together_distance}}
         "" vertex "Joins the selected vertices that lie close together."}
     {ask "&Bevel..." {vertex_bevel {Width number 0.1}} "" vertex "Cuts the selected vertices off."}
+    {run "Add a di&mension" {dimension_add} "" element
+        "The views keep showing the length of the selected edges, or between two vertices."}
+    {run "Remove dimensions" {dimension_remove} "" some
+        "Takes the dimension lines off the selected objects."}
     {menu "&Arrange" arrange "" "" "Flattens, rounds, straightens and smooths the selected vertices."}
     {run "&Unshare" {unshare_vertices} "" vertex "Gives each surface vertices of its own."}
 }

@@ -150,6 +150,7 @@
 ::vesk::menus::define help "&Help" {
     {call "&Manual" {::vesk::help::page manual} "" "" "By task, in the browser."}
     {call "Tou&r" {::vesk::help::page tour} "" "" "A table lamp from nothing, step by step."}
+    {call "Second lesson" {::vesk::help::page tour-mug} "" "" "A mug by edges, loops and cuts, step by step."}
     {call "&Scripting" {::vesk::help::page scripting} "" "" "Every command, with examples."}
     {call "Plug-&in guide" {::vesk::help::page plugins} "" "" "How to write plug-ins."}
     {call "&File formats" {::vesk::help::page file-format} "" "" "Models, settings, and what is exchanged with others."}
@@ -169,7 +170,7 @@ namespace eval ::vesk::menus {
         object {{edit step_back} - {edit clipboard_cut} {edit clipboard_copy} {edit clipboard_paste}
             {edit duplicate} {edit delete} - {object group} {object ungroup} {object hide_selected}
             {object lock_selected} - {copies array} {copies array_round} {copies mirror_copy}
-            {copies symmetrize} {align align} {align {drop below}} - {object boolean} {surface slice}
+            {copies symmetrize} {align align} {align {drop below}} {align {::vesk::tools::choose place}} - {object boolean} {surface slice}
             {surface catmull_clark} - {view fit_selected_all} {view3d set_view_3d_selection}
             {surface ::vesk::palette::apply_current}}
         surface {{edit step_back} - {surface surface_flip_normals} {surface orient_outwards}

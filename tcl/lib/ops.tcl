@@ -6,6 +6,9 @@ namespace eval ::vesk::ops {
     variable pending 0          ;# a refresh waits for the idle loop
     variable last {}            ;# model_state at the last refresh
     variable listeners {}       ;# aspect -> scripts
+    # Operations of the mouse whose options can be opened afterwards.
+    variable dragged {slide edge_bevel vertex_bevel inset extrude_each extrude_normals extrude_edges
+        shell}
     variable due {}             ;# scripts that the next refresh runs whatever changed
 }
 
@@ -143,5 +146,11 @@ proc ::vesk::ops::missing_program {script} {
 proc sync_ui {} {::vesk::ops::request}
 
 # The executable reports actions of the mouse in the views.
-proc echo_command {args} {::vesk::ops::echo vesk {*}$args}
+proc echo_command {args} {
+    ::vesk::ops::echo vesk {*}$args
+    # Its step is not in the history yet.
+    if {[lindex $args 0] in $::vesk::ops::dragged} {
+        after idle [list ::vesk::options::note $args]
+    }
+}
 proc echo_note {text} {::vesk::console::say "# $text" note}

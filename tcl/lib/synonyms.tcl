@@ -76,10 +76,12 @@ namespace eval ::vesk::menus {
         array_path                   {follow curve copies}
         mirror_copy                  {reflect symmetry flip half}
         symmetrize                   {symmetry half}
+        dimension_add                {measure distance length ruler annotate}
         pick_axis                    {"custom axis" direction normal}
         pick_pivot                   {origin centre center}
         align                        {"line up" level justify}
         distribute                   {space evenly equal}
+        {::vesk::tools::choose place} {snap align surface stick put}
         drop                         {gravity ground floor land rest}
         {drop below}                 {gravity ground land rest stack}
         object_merge                 {join combine attach union}

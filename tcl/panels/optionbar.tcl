@@ -138,12 +138,14 @@ proc ::vesk::optionbar::show_fields {tool} {
     pack $frame.name -side left -padx [::vesk::theme::pad 0 10]
     set number 0
     foreach item [::vesk::tools::fields_of $tool] {
-        lassign $item label kind key without
+        lassign $item label kind key last
+        set choices [expr {$kind eq "option" ? $last : ""}]
+        set without [expr {$kind eq "option" ? "" : $last}]
         if {$without ne "" && [set ::vesk::tools::$without]} {continue}
         if {$label eq "vector"} {
             add_vector $frame $kind
         } else {
-            add_item $frame [incr number] $label $kind $key
+            add_item $frame [incr number] $label $kind $key $choices
         }
     }
     set level -1
@@ -286,6 +288,8 @@ proc ::vesk::optionbar::step_mode {mode step} {
 
 proc ::vesk::optionbar::mode_changed {args} {
     variable level
+    variable shown
+    if {$shown in {move rotate scale}} {show_again}
     set level -1
     after idle ::vesk::optionbar::fit
 }

@@ -48,7 +48,9 @@ proc ::vesk::reach::changed {} {
     variable soft
     if {$soft != $::prefs_soft_selection} {
         set soft $::prefs_soft_selection
-        ::vesk::optionbar::show_again
+        if {[::vesk::tools::can_be_soft $::vesk::tools::current]} {
+            ::vesk::optionbar::show_again
+        }
     }
     vesk redraw_all
 }

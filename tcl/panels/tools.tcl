@@ -80,6 +80,9 @@ namespace eval ::vesk::tools {
             "Drag to the right: the thickness, or type it."}
         {}
         {light light light create "" "Light" "Click where the light stands." "Click where the light stands."}
+        {place place +place_on_surface set_view_tool "" "Place on a surface"
+            "Drag: the selection stands on what the pointer is over."
+            "Drag over another object. Shift: keeps its turn. Escape takes it back."}
         {measure measure +measure set_view_tool "" "Measure"
             "Drag a ruler; a third click gives the angle."
             "Drag from point to point. A third click: the angle. Escape clears."}
@@ -141,8 +144,10 @@ proc ::vesk::tools::fields_of {name} {
 }
 
 # can_be_soft --
-#   Whether what a tool does falls off with the distance while soft selection is on.
-proc ::vesk::tools::can_be_soft {name} {return [expr {$name in {move rotate scale}}]}
+#   Whether what a tool does falls off with the distance while soft selection is on: that of elements.
+proc ::vesk::tools::can_be_soft {name} {
+    return [expr {$name in {move rotate scale} && $::vesk::select_mode in {surface edge vertex}}]
+}
 
 # needed --
 #   The executable command that a tool depends on.

@@ -10,9 +10,9 @@ namespace eval ::vesk::options {
         extrude_edges slide bridge fill_hole hole_select
         bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
-        rotate_axis_angle_with_undo weld_distance smooth_vertices quads_from_triangles
+        rotate_axis_angle_with_undo rotate_about_axis scale_along weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
-        align distribute drop bend taper twist inflate noise push_normals}
+        align distribute drop bend taper twist inflate noise push_normals boolean}
     # Words of the kinds axis and pivot.
     variable axes {X x Y y Z z "Mean normal" normal "Last used" last Picked picked}
     variable pivots {Selection selection Origin origin "3D cursor" cursor Picked picked}
@@ -87,6 +87,31 @@ proc ::vesk::options::again {} {
         return
     }
     ask [dict get $last title] [dict get $last target] [dict get $last help] $last
+}
+
+# note --
+#   A tool of the mouse did an operation: its options can be opened once more, too.
+#   words  the command that repeats it
+proc ::vesk::options::note {words} {
+    variable live_limit
+    variable kept
+    variable last
+    if {[lindex [vesk get_counts] 4] >= $live_limit} {return}
+    set command [lindex $words 0]
+    foreach entry [::vesk::menus::all] {
+        lassign [lindex $entry 1] kind label target key needs help
+        if {$kind eq "ask" && [lindex $target 0] eq $command} {break}
+    }
+    set texts {}
+    foreach item [lrange $target 1 end] word [lrange $words 1 end] {
+        lassign $item name kind choices
+        if {$kind eq "choice"} {set word [dict get [lreverse $choices] $word]}
+        lappend texts $word
+    }
+    set kept($command) $texts
+    set now [history_place]
+    set last [dict create title [string trimright [string map {& {}} $label] .] target $target \
+        help $help start [expr {$now - 1}] now $now words [list $words $texts]]
 }
 
 proc ::vesk::options::run_with_file {command item title} {

@@ -2,7 +2,7 @@
 #   Tips: a line of advice at the start and in Help, each time another.
 
 namespace eval ::vesk::tips {
-    variable width 0            ;# of the text
+    variable width 0               ;# in pixels; 0 before the first one
     variable list {
         "Return in a number field applies it; sums such as 1/3 and +=0.1 are computed."
         "F3 finds every command by name, menu, key or help text."
@@ -52,8 +52,8 @@ proc ::vesk::tips::next {} {
 #   Shows the next tip in a window, as wide as the last one unless told otherwise.
 proc ::vesk::tips::open {{pixels ""}} {
     variable width
-    if {$pixels ne ""} {set width $pixels}
     if {$width == 0} {set width [::vesk::theme::px 340]}
+    if {$pixels ne ""} {set width $pixels}
     set w .tips
     ::vesk::dialogs::window $w "Tip - VESK" 20
     ttk::label $w.in.title -text "Did you know?" -style Panel.Bold.TLabel

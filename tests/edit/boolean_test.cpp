@@ -8,6 +8,7 @@
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -179,11 +180,26 @@ solid_t random_solid(random_source &random)
     const auto whole = [&](int low, int high) {
         return static_cast<float>(low + random.below(high - low + 1)) / 2;
     };
-    switch (random.below(4)) {
+    switch (random.below(6)) {
     case 0:
         return gear(3 + random.below(6), 1, 1.5f, whole(1, 4));
     case 1:
         return star(3 + random.below(5), 0.5f, 1.5f, whole(1, 4));
+    case 2:
+        return prism({{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {1, 1, 0}, {1, 2, 0}, {0, 2, 0}},
+                     whole(1, 4));
+    case 3: { // hollow
+        solid_t outer = box(-1.5f, -1.5f, -1.5f, 3, 3, 3);
+        const solid_t hole = box(-whole(1, 2), -1, -whole(1, 2), whole(1, 3), 1.5f, whole(1, 2));
+        for (std::vector<int> face : hole.faces) {
+            std::reverse(face.begin(), face.end());
+            for (int &v : face)
+                v += 8;
+            outer.faces.push_back(face);
+        }
+        outer.points.insert(outer.points.end(), hole.points.begin(), hole.points.end());
+        return outer;
+    }
     default:
         return box(whole(-3, 1), whole(-3, 1), whole(-3, 1), whole(1, 4), whole(1, 4), whole(1, 4));
     }
@@ -210,7 +226,7 @@ void place(random_source &random, int kind, solid_t &a, solid_t &b)
 
 TEST_F(Boolean, LosesNoVolumeOfRandomPairs)
 {
-    constexpr int pairs = 400;
+    constexpr int pairs = 1000;
     for (int i = 1; i <= pairs; ++i) {
         random_source random(static_cast<std::uint32_t>(i));
         solid_t a = random_solid(random), b = random_solid(random);
@@ -225,6 +241,13 @@ TEST_F(Boolean, LosesNoVolumeOfRandomPairs)
         EXPECT_NEAR(in_any + in_both, in_a + in_b, (in_a + in_b) * 1e-5);
         EXPECT_NEAR(in_a_alone + in_both, in_a, (in_a + in_b) * 1e-5);
         EXPECT_GE(in_both, -1e-5);
+        if (i % 20 == 0) { // the other way round, and with itself
+            EXPECT_NEAR(left_of(b, a, "union", "other union"), in_any, (in_a + in_b) * 1e-5);
+            EXPECT_NEAR(left_of(b, a, "intersection", "other intersection"), in_both,
+                        (in_a + in_b) * 1e-5);
+            EXPECT_NEAR(left_of(a, a, "union", "with itself"), in_a, in_a * 1e-5);
+            EXPECT_EQ(left_of(a, a, "difference", "without itself"), 0);
+        }
         if (HasFailure())
             break;
     }

@@ -251,4 +251,37 @@ TEST_F(Copies, GoByPickedAxes)
     EXPECT_NEAR(lowest(objects()[1], 2), 0, 1e-6);
 }
 
+TEST_F(Copies, WhatIsPlacedStandsOnTheSurface)
+{
+    object_t *box = add_box(4, 2, 0, 1, 2, 1);
+    choose({box});
+    ASSERT_TRUE(run_and_expect_exact_undo({"place_on_surface", "1", "0", "0", "3", "0", "0"}));
+    const point3_t low = find_object_min(objects()[0]), size = find_object_size(objects()[0]);
+    EXPECT_NEAR(low.x, 1, 1e-6); // its lower side is in x = 1 now, and it is 2 long
+    EXPECT_NEAR(size.x, 2, 1e-6);
+    EXPECT_NEAR(low.y, -0.5, 1e-6);
+    EXPECT_NEAR(low.z, -0.5, 1e-6);
+    EXPECT_NEAR(volume(objects()[0]), 2, 1e-5);
+    EXPECT_EQ(last_undo(), "place");
+    run("undo");
+    choose({objects()[0]});
+    run("place_on_surface", 0, 7, 0, 0, 0, 0);
+    EXPECT_NEAR(lowest(objects()[0], 1), 7, 1e-6);
+    EXPECT_NEAR(lowest(objects()[0], 0), -0.5, 1e-6);
+}
+
+TEST_F(Copies, TurnsAndSizesGoByAnyAxis)
+{
+    object_t *box = add_box(1, 0, 0, 1, 1, 1);
+    choose({box});
+    ASSERT_TRUE(run_and_expect_exact_undo({"rotate_about_axis", "90", "0,0,1", "origin"}));
+    EXPECT_EQ(lowest(objects()[0], 1), 1);
+    EXPECT_EQ(lowest(objects()[0], 0), -1);
+    EXPECT_EQ(last_undo(), "rotate");
+    ASSERT_TRUE(run_and_expect_exact_undo({"scale_along", "-2", "y", "origin"}));
+    EXPECT_EQ(lowest(objects()[0], 1), -4);
+    select_vertices_at(objects()[0], {0, 1, 2, 3});
+    ASSERT_TRUE(run_and_expect_exact_undo({"rotate_about_axis", "30", "normal"}));
+}
+
 } // namespace

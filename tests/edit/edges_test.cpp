@@ -1,5 +1,6 @@
 // Edge mode: what is selected, how it converts, what keeps it; and the operations on edges.
 
+#include "edit/check/model_check.h"
 #include "edit/document/edge_selection.h"
 #include "edit/document/journal.h"
 #include "edit/document/selection_internal.h"
@@ -10,6 +11,7 @@
 #include "tests/edit/mesh_corpus.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 
 namespace {
@@ -204,6 +206,25 @@ TEST_F(Edges, BridgesJoinBordersAndSurfaces)
     select_surfaces_at(sheet, {0});
     run("bridge");
     EXPECT_EQ(last_message(), "bridge - select two borders, or two open chains of border edges");
+}
+
+TEST_F(Edges, ASmoothBridgeOfSurfacesThatLookTheSameWayIsAHandle)
+{
+    object_t *sheet = add_squares(3, 1);
+    select_surfaces_at(sheet, {0, 2});
+    run("bridge", "16", "0", "1");
+    EXPECT_EQ(sheet->num_surfaces, 65);
+    expect_oriented(sheet);
+    float high = 0;
+    for (const point3_t &p : points_of(sheet)) {
+        high = std::max(high, p.z);
+        // Half rings about the middle, not twisted: all on the outer or the inner one.
+        const double radius = std::hypot(static_cast<double>(p.x) - 1.5, static_cast<double>(p.z));
+        EXPECT_NEAR(std::fabs(radius - 1), 0.5, 0.05);
+    }
+    EXPECT_NEAR(high, 1.5, 0.01);
+    const model_findings found = object_find_problems(sheet);
+    EXPECT_EQ(found.total(model_problem::duplicate_vertex), 0);
 }
 
 TEST_F(Edges, SlidesToEitherSideAndThePictureStays)

@@ -2,6 +2,7 @@
 
 #include "edit/document/selection.h"
 #include "model/each.h"
+#include "model/object_notes.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "tests/support/scene_test.h"
@@ -87,6 +88,42 @@ TEST_F(Measure, ATypeChangesOnlyWhereItCan)
     EXPECT_EQ(last_undo(), "set type");
     run("undo");
     EXPECT_EQ(item_of<object_t>(vesk_get_world()->children)->type, OBJECT_GROUP);
+}
+
+TEST_F(Measure, DimensionLinesStayWithTheObject)
+{
+    object_t *box = add_cube("box");
+    const std::string id = run("object_get_children", run("get_world"));
+    object_set_userdata(box, "mine\n");
+    run("set_select_mode", "vertex");
+    run("select_elements", "set", id + ":0,1");
+    run("selection_set_save", "two");
+    run("dimension_add");
+    EXPECT_EQ(last_undo(), "add dimension");
+    EXPECT_EQ(run("get_dimensions"), id + " 0 1 1");
+    run("dimension_add"); // once is enough
+    EXPECT_EQ(run("get_dimensions"), id + " 0 1 1");
+    EXPECT_EQ(object_user_data(box), "mine\n");
+    EXPECT_EQ(run("selection_set_list"), "two");
+
+    run("select_elements", "set", id + ":1");
+    run("move_to", 9, 0, 0);
+    EXPECT_NE(run("get_dimensions"), id + " 0 1 1");
+    run("set_select_mode", "object");
+    run("select_all");
+    run("object_hide", id);
+    EXPECT_EQ(run("get_dimensions"), "");
+    run("object_unhide", id);
+    run("select_all");
+    run("surface_subdivide"); // other places now
+    EXPECT_EQ(run("get_dimensions"), "");
+    run("set_select_mode", "object");
+    run("select_all");
+    run("dimension_remove");
+    EXPECT_TRUE(object_notes(box, note_of_dimension).empty());
+    EXPECT_EQ(object_notes(box, note_of_selection_set).size(), 1u);
+    run("undo");
+    EXPECT_EQ(object_notes(box, note_of_dimension).size(), 1u);
 }
 
 } // namespace

@@ -1,8 +1,7 @@
-#include "edit/selection_sets.h"
-
 #include "edit/document/edge_selection.h"
 #include "edit/document/selection_internal.h"
 #include "model/identity.h"
+#include "model/object_notes.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "tests/support/mesh_test.h"

@@ -189,6 +189,21 @@ TEST_F(Symmetry, WhatLiesOnThePlaneStaysOnIt)
     EXPECT_EQ(places_where(block, [](const point3_t &p) { return p.x == -1.5f; }).size(), 9u);
 }
 
+TEST_F(Symmetry, LoopsAreCutOnBothSides)
+{
+    object_t *block = add_block(4);
+    run("symmetry", "x", "origin");
+    const auto along_x = [](const point3_t &p) { return p.x < -0.4f && p.y == 1 && p.z == 0; };
+    const std::vector<int> ends = places_where(block, along_x);
+    ASSERT_EQ(ends.size(), 2u);
+    const std::string id = run("object_get_children", run("get_world"));
+    ASSERT_TRUE(run_and_expect_exact_undo(
+        {"loop_cut_at", id, std::to_string(ends[0]), std::to_string(ends[1]), "1", "0.4"}));
+    EXPECT_EQ(block->num_surfaces, 96 + 2 * 16);
+    EXPECT_TRUE(is_symmetric(block));
+    expect_closed(block);
+}
+
 TEST_F(Symmetry, CountsWhatHasNoCounterpart)
 {
     object_t *block = add_block(2);

@@ -88,7 +88,7 @@ const format_case formats[] = {
       "union { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
       "      <0, 0, 0>,\n      <1, 0, 0>,\n      <0, 1, 0>\n    }\n",
       "    face_indices {\n      1,\n      <0, 1, 2>\n    }\n",
-      "uv_mapping\n      pigment { image_map { sys \"wood.bmp\" transmit all 0 } }",
+      "uv_mapping\n      pigment { image_map { png \"scene_wood.png\" transmit all 0 } }",
       "    uv_vectors {\n      3,\n      <0, 0.5>,\n      <2, 0.5>,\n      <0, 1.5>\n    }\n",
       "    normal_vectors {\n      3,\n", "pigment { color rgb <0.25, 0.5, 1> transmit 0.5 }",
       "// line one\n// line two\n"}},
@@ -244,6 +244,20 @@ TEST_F(Exports, WhatAFormatHasNoPlaceForIsCounted)
                   std::string::npos)
             << last_message();
     }
+}
+
+TEST_F(Exports, ARendererGetsPicturesThatItCanRead)
+{
+    build_scene();
+    written("write_POV");
+    EXPECT_TRUE(read_text(temporary_file("scene_wood.png")).starts_with("\x89PNG"));
+    object_t *wall = nullptr;
+    for_each_object(vesk_get_world(),
+                    [&wall](object_t *object) { wall = object->has_texture != 0 ? object : wall; });
+    object_texture_clear(wall);
+    search_and_set_texture(wall, temporary_file("scene.out").c_str(), "gone/oak.png");
+    EXPECT_FALSE(holds(written("write_POV"), "image_map"));
+    EXPECT_NE(last_message().find("1 textures"), std::string::npos) << last_message();
 }
 
 // Beside the folder of the file, and where it was not found.

@@ -194,6 +194,8 @@ TEST_F(Import, A3dsFileThatIsWrittenIsReadBack)
                  "a name that is l");
     ASSERT_NE(world_lights(), nullptr);
     EXPECT_EQ(item_of<object_t>(world_lights())->centre.y, 2);
+    // Other readers refuse a light that has no node.
+    EXPECT_NE(read_text(file).find(std::string("\x05\xB0")), std::string::npos);
     recording().answers["get_exportfilename"] = temporary_file("asked.3ds");
     run("export_3ds");
     EXPECT_EQ(read_text(temporary_file("asked.3ds")).substr(0, 2), "MM");
@@ -239,6 +241,8 @@ TEST_F(Import, TrianglesHaveColoursAndNames)
         orange =
             orange || index_to_rgb(i) == 0xFF8000 || std::string(index_to_string(i)) == "#ff8000";
     EXPECT_TRUE(orange);
+    const auto *plain = item_of<surface_t>(find("part two")->surfaces);
+    EXPECT_FLOAT_EQ(vesk_palette_get_material(plain->material)->diffuse[0], 0.8f); // not black
 }
 
 TEST_F(Import, VrmlWorldsKeepStateHierarchyAndNames)

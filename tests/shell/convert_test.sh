@@ -158,6 +158,13 @@ echo 'vesk file_load [lindex $argv 0]; puts [dict get [vesk import_report] image
 holds "and comes out beside the model" \
     sh -c '"$1" -batch images.tcl pictured/model.3mf 2>/dev/null | grep -q pictured/wood.png' sh "$program"
 holds "as it was" cmp wood.png pictured/wood.png
+# Materials with textures on lines and surfaces that have no texture coordinates.
+printf 'mtllib paint.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl p\nf 1 2 3\nl 1 2\n' >bare.obj
+check "textures without coordinates" 0 -- bare.obj bare.gltf </dev/null
+holds "get some" test "$(grep -o '"TEXCOORD_0"' bare.gltf | wc -l)" = 2
+check "colours with line breaks" 0 -- plain.obj broken.dae </dev/null
+sed -i 's#<color>\([^<]*\)</color>#<color>\n  \1\n</color>#; s#<color sid="[a-z]*">\([^<]*\)</color>#<color> \n\1\n </color>#' broken.dae
+check "can be read" 0 -- broken.dae mended.ply </dev/null
 # A texture that stays where it is, seen from another folder.
 mkdir elsewhere
 check "to another folder" 0 -- -to vesk -into elsewhere "a model.obj" </dev/null

@@ -66,6 +66,7 @@ run {
     at xy {*}[spot 0.49 -0.1]
     check "the line is shown before it cuts" {[difference $plain [picture xy]] > 0}
     shot edges-knife
+    page_picture edges-knife 0
     click_at 0.49 -0.1
     check "clicks change nothing" {[info_of [top_objects] surfaces] == 6}
     key BackSpace
@@ -98,6 +99,9 @@ run {
     check "the slice is echoed" {[string match "*vesk slice *both 0*" [::vesk::console::last 4]]}
     xdo key ctrl+z
     check "Ctrl+Z takes the slice back" {[info_of [top_objects] surfaces] == 6}
+
+    press .main.tools.slice
+    check "what a slice keeps can be chosen" {[.opt.tool.f1 get] eq "Both sides"}
 
     # ---- operations that follow the mouse ----
     vesk set_select_mode edge
@@ -134,6 +138,23 @@ run {
     xdo key ctrl+z
     check "and back" {[info_of [top_objects] surfaces] == 6}
     vesk set_tool_option bevel_segments 1
+
+    # ---- the options of what was dragged, once more ----
+    from_to 0 0 0.2 0
+    check "an inset" {[info_of [top_objects] surfaces] == 10}
+    set records [made]
+    key ctrl+shift+r
+    set options [::vesk::view::area].options
+    check "its numbers stand in the options" {
+        [front $options] && [$options.in.f0 get] == 0.2 && [$options.in.f2 get] eq "Each"
+    }
+    press $options.in.f1
+    key ctrl+a
+    type 0.3
+    key Return
+    check "another depth, as the same step" {
+        ![winfo exists $options] && [near [lindex [centre] 2] 0.8] && [made] == $records
+    }
 
     # ---- edges move as vertices do ----
     fresh

@@ -31,7 +31,7 @@ run {
     check "that it is open is kept" {[dict get [::vesk::settings::get issues_open] open_edge]}
     press_row $list [lindex [$list children open_edge] 0]
     check "a click selects the edge and fits it" {
-        [count vertices] == 2 && [mode] eq "vertex" && [lindex [centre] 0] >= 3
+        [vesk selection_get_num_edges] == 1 && [mode] eq "edge" && [lindex [centre] 0] >= 3
     }
     check "and tells what it is" {
         [string match "edge * belongs to surface * only" [status]]

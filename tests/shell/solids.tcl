@@ -117,4 +117,28 @@ run {
     check "the row is shown at once" {[llength [top_objects]] == 5}
     key Escape
     check "Escape takes it back" {[llength [top_objects]] == 1}
+
+    # ---- placing ----
+    fresh {
+        vesk create box 0 -1 -1 -0.5 1 -0.5 0.5
+        vesk create box 0 -1.5 0.8 -0.1 -1.3 1 0.1
+    }
+    vesk clear_selection
+    click_at -1.4 0.9
+    check "the small box is selected" {[llength [vesk get_selected_objects]] == 1}
+    ::vesk::tools::choose place
+    check "the tool is chosen" {$::vesk::view_tool eq "place_on_surface"}
+    begin -1.4 0.9 0.5 -0.7
+    check "it follows the pointer" {[near [lindex [centre] 0] 0.5 0.02]}
+    check "and stands on the front" {[lindex [centre] 2] > 0.5}
+    shot solids-placed
+    release 1
+    check "one record" {[vesk undo_name] eq "place"}
+    check "it is echoed" {[string match "*vesk place_on_surface *" [::vesk::console::last 4]]}
+    begin 0.5 -0.7 -0.5 -0.7
+    key Escape
+    release 1
+    check "Escape takes a drag back" {[near [lindex [centre] 0] 0.5 0.02]}
+    xdo key ctrl+z
+    ::vesk::tools::choose move
 }

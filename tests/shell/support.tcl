@@ -440,4 +440,16 @@ proc ::test::shot {name} {
     exec import -window root [file join $::env(VESK_TEST_ARTEFACTS) $name.png]
 }
 
+# page_picture --
+#   A picture for the pages of docs/, of the main window, when VESK_TOUR_PICTURES names a folder.
+#   away  1: the pointer is not to be seen at work
+proc ::test::page_picture {name {away 1}} {
+    if {![info exists ::env(VESK_TOUR_PICTURES)]} {return}
+    if {$away} {xdo mousemove 5 [expr {[winfo screenheight .] - 1}]}
+    pause 900
+    set window [winfo width .]x[winfo height .]+[winfo rootx .]+[winfo rooty .]
+    exec import -window root -crop $window +repage -depth 8 -colors 200 \
+        PNG8:[file join $::env(VESK_TOUR_PICTURES) $name.png]
+}
+
 namespace import ::test::*

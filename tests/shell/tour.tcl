@@ -6,14 +6,6 @@ source [file join [file dirname [info script]] support.tcl]
 source [file join [file dirname [info script]] frontview.tcl]
 
 proc tool {name} {press .main.tools.$name}
-proc page_picture {name} {
-    if {![info exists ::env(VESK_TOUR_PICTURES)]} {return}
-    xdo mousemove 5 [expr {[winfo screenheight .] - 1}]
-    pause 900
-    set window [winfo width .]x[winfo height .]+[winfo rootx .]+[winfo rooty .]
-    exec import -window root -crop $window +repage -depth 8 -colors 200 \
-        PNG8:[file join $::env(VESK_TOUR_PICTURES) tour-$name.png]
-}
 
 # row_of --
 #   The row of the objects panel with this name.
@@ -82,7 +74,7 @@ run {
     tool cylinder
     press .opt.tool.f2 8 8
     part base 0.5 0.1 0.05
-    page_picture base
+    page_picture tour-base
     # 2. A stem.
     part stem 0.1 1.2 0.7
     # 3. A shade without ends, narrower at the top.
@@ -102,7 +94,7 @@ run {
     key ctrl+a
     type 0.5
     key Return
-    page_picture narrow
+    page_picture tour-narrow
     # 4. Materials: a new one for the shade, one of the palette for the rest.
     press .opt.modes.object
     press_row $::vesk::objects::tree [row_of shade]
@@ -113,7 +105,7 @@ run {
     enter $tab.rows.ediffuse "#FFDFA0"
     enter $tab.rows.eemissive "#806030"
     press $tab.top.apply
-    page_picture material
+    page_picture tour-material
     press_row $::vesk::objects::tree [row_of base]
     with_key ctrl {press_row $::vesk::objects::tree [row_of stem]}
     check "a click with Control adds" {[llength [vesk get_selected_objects]] == 2}
@@ -137,7 +129,7 @@ run {
     key shift+f
     drag xyz 1 40 200 60 30
     key Escape
-    page_picture done
+    page_picture tour-done
     at xy {*}[spot 1.5 -1]
     answer_file [work lamp.vesk]
     key ctrl+s

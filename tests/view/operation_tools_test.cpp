@@ -196,6 +196,25 @@ TEST_F(OperationTools, APressOnSomethingElseSelectsItFirst)
     EXPECT_EQ(selected_surfaces_of(squares), std::vector<int>{0});
 }
 
+TEST_F(OperationTools, GoesOnAfterAStepBack)
+{
+    run("set_select_mode", "surface");
+    clear_selection();
+    run("set_view_tool", "inset");
+    for (int i = 0; i < 3; ++i) {
+        drag(VIEW_XY, 350, 100, 370, 100);
+        EXPECT_EQ(squares->num_surfaces, 13);
+        run("step_back");
+        EXPECT_EQ(squares->num_surfaces, 9);
+        EXPECT_EQ(selected_surfaces_of(squares), std::vector<int>{1});
+    }
+    clear_selection();
+    recording().scripts.clear();
+    drag(VIEW_XY, 20, 20, 40, 20); // on nothing, with nothing
+    EXPECT_EQ(echoed(), "");
+    EXPECT_EQ(last_message(), "inset - nothing selected");
+}
+
 TEST_F(OperationTools, InThe3DViewAnExtrusionFollowsItsNormal)
 {
     run("clear_all");

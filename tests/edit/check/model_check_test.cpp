@@ -250,7 +250,8 @@ TEST_F(ModelCheckCommand, SelectsWhatAProblemNames)
 {
     object_t *object = add_polygons({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {9, 9, 9}}, {0, 1, 2});
     run("check_select", "open_edge", object_identity(object), "1-2");
-    EXPECT_EQ(run("get_app_mode").substr(0, 6), "vertex");
+    EXPECT_EQ(run("get_app_mode").substr(0, 4), "edge");
+    EXPECT_EQ(run("selection_get_num_edges"), "1");
     EXPECT_EQ(run("get_selection_centre"), "0.5 0.5 0");
     run("check_select", "unused_vertex", object_identity(object), "2");
     EXPECT_EQ(last_message(), "check - no such problem");
