@@ -181,6 +181,14 @@ proc ::vesk::prefs::page {name groups} {
         {rotate_about_object_centre "Turn about own centres" "Each object about its own centre."}
         {undo_levels "Undo levels" "Changes that Undo remembers."}
     }
+    "Soft selection and symmetry" {
+        {soft_selection "Soft selection" "What lies near the selection moves along, less with the distance."}
+        {soft_radius "Radius" "How far that reaches."}
+        {soft_curve "Falls off" "How it grows less." {choice {S-shaped 0 Round 1 Linear 2 Sharp 3 Even 4}}}
+        {soft_along_surface "Along the surface" "The distance is measured along the edges."}
+        {symmetry_axis "Symmetry" "What is moved on one side moves on the other." {choice {Off 0 X 1 Y 2 Z 3}}}
+        {symmetry_at_centre "Symmetry at the object's centre" "Else at the origin."}
+    }
     Mouse {
         {highlight_pick "Show what a click would take" "Lights the object, surface, edge or vertex under the pointer."}
         {select_through "Select through" "Clicks and rubber bands find what is hidden behind surfaces, too."}
