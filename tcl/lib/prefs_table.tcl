@@ -13,10 +13,8 @@ namespace eval ::vesk::prefs {
     #   ui int LOW HIGH, ui choice {label value ...}, ui bool   one of the scripts' own settings
     variable pages {}
     variable helps {}           ;# key -> {label help page}
-    # Preferences that are records, not choices; the switches of modes have their places in the option
-    # bar and the menus.
-    variable records {(?x)^(\w+win_(x|y|width|height) | recentfiles\d | current_tip | last_update_id
-        | sgi_anim_frames | soft_\w+ | symmetry_\w+)$}
+    # Preferences that are records, not choices.
+    variable records {^(\w+win_(x|y|width|height)|recentfiles\d|current_tip|last_update_id|sgi_anim_frames)$}
     # Words that people look for, and the program's own.
     variable words {
         color colour  colors colour  gray grey  shortcut keys  shortcuts keys  hotkey keys
