@@ -16,7 +16,7 @@ def read(name):
                 bm.verts.new([float(w) for w in words[1:4]])
                 bm.verts.ensure_lookup_table()
             elif words and words[0] == "f":
-                bm.faces.new([bm.verts[int(w) - 1] for w in words[1:]])
+                bm.faces.new([bm.verts[int(w.split("/")[0]) - 1] for w in words[1:]])
     bm.verts.ensure_lookup_table()
     bm.faces.ensure_lookup_table()
     bm.normal_update()

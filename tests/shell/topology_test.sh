@@ -112,11 +112,11 @@ foreach operation {union difference intersection} {
 }
 END
 "$program" -batch jobs.tcl 2>/dev/null | grep ^counts >ours
-blender -b -P "$here/topology_blender.py" -- grid.obj cubes.obj mixed.obj 2>/dev/null | grep ^counts >theirs
+blender -b -P "$here/topology_blender.py" -- grid.obj cubes.obj mixed.obj 2>python.log | grep ^counts >theirs
 if [ "$(wc -l <ours)" = 10 ] && diff ours theirs; then
     echo "ok   $(wc -l <ours) jobs"
     exit 0
 fi
 echo "FAIL ours (<) and Blender's (>) differ"
-cat ours
+cat ours python.log
 exit 1
