@@ -3,6 +3,7 @@
 #include "edit/check/model_check_notes.h"
 #include "edit/check/model_check_search.h"
 #include "edit/mesh/edge_table.h"
+#include "edit/mesh/union_find.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/textures/textures.h"
@@ -39,8 +40,7 @@ public:
         find_unused();
         if (object_missing_texture(object_) != nullptr)
             add(model_problem::missing_texture, -1, -1);
-        for (const auto &[one, other] : crossing_surfaces(mesh_))
-            add(model_problem::crossing, one, other);
+        find_crossings(first);
         std::stable_sort(
             found_.problems.begin(), found_.problems.end(),
             [](const found_problem &a, const found_problem &b) { return a.kind < b.kind; });
@@ -55,6 +55,24 @@ private:
             ++found_.notes[place];
         if (found_.totals[place]++ < most_)
             found_.problems.push_back({kind, object_, first, second, surface, note});
+    }
+    // Pieces of an object stand in each other on purpose, as a table's leg in its top; a piece that goes
+    // through itself is a fault.
+    void find_crossings(const std::vector<int> &first)
+    {
+        const std::vector<std::pair<int, int>> pairs = crossing_surfaces(mesh_);
+        if (pairs.empty())
+            return;
+        union_find pieces(mesh_->num_vertices());
+        for (int s = 0; s < mesh_->num_surfaces(); ++s) {
+            for (const auto corner : mesh_->surface_corners(s))
+                pieces.join(first[mesh_->surface_corners(s)[0]], first[corner]);
+        }
+        const auto piece_of = [&](int s) {
+            return pieces.find(first[mesh_->surface_corners(s)[0]]);
+        };
+        for (const auto &[one, other] : pairs)
+            add(model_problem::crossing, one, other, -1, piece_of(one) != piece_of(other));
     }
     [[nodiscard]] const point3_t &position(int v) const { return mesh_->position(v); }
     [[nodiscard]] bool polygon(int s) const { return !mesh_->surface(s).is_line(); }

@@ -149,7 +149,7 @@ proc ::vesk::optionbar::show_fields {tool} {
         }
     }
     set level -1
-    after idle ::vesk::optionbar::fit
+    fit_soon
 }
 
 # show_again --
@@ -291,10 +291,16 @@ proc ::vesk::optionbar::mode_changed {args} {
     variable shown
     if {$shown in {move rotate scale}} {show_again}
     set level -1
-    after idle ::vesk::optionbar::fit
+    fit_soon
 }
 
 # ---- fitting the width ----
+
+# fit_soon --
+#   Once the new widgets have told their widths, each to the frame around it in turn.
+proc ::vesk::optionbar::fit_soon {} {
+    after idle {update idletasks; ::vesk::optionbar::fit}
+}
 
 # fit --
 #   Leaves out as few groups as the width requires.
