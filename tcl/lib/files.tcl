@@ -7,6 +7,7 @@ namespace eval ::vesk::files {
     variable title ""           ;# the name shown in the title bar
     variable saved_count -1     ;# change_count at the last save or load into an empty world
     variable saved_at 0         ;# time of that, seconds
+    variable stamp ""           ;# what the target's file was like then, "" not known
     variable starting 1         ;# files of the command line are still being read
     variable geometry {"Geometry files" {*.vesk *.3ds *.dxf *.lwo *.lws *.md2 *.bsp *.wrl *.tri
         *.vec *.r2v *.obj *.ply *.stl *.gltf *.glb *.dae *.fbx *.3mf}}
@@ -20,9 +21,19 @@ namespace eval ::vesk::files {
 proc ::vesk::files::mark_saved {} {
     variable saved_count
     variable saved_at
+    variable stamp
+    variable target
     set saved_count [::vesk::ops::change_count]
     set saved_at [clock seconds]
+    set stamp [stamp_of $target]
     note_changes
+}
+
+# stamp_of --
+#   What changes when another program writes a file; "" for none.
+proc ::vesk::files::stamp_of {name} {
+    if {$name eq "" || [catch {file stat $name now}]} {return ""}
+    return [list $now(mtime) $now(size) $now(ino)]
 }
 
 # note_changes --
@@ -199,7 +210,17 @@ proc ::vesk::files::import_ask {} {
 
 proc ::vesk::files::save {} {
     variable target
+    variable stamp
     if {$target eq ""} {return [save_as]}
+    set now [stamp_of $target]
+    if {$stamp ne "" && $now ne "" && $now ne $stamp} {
+        set text "Another program wrote to the file since it was opened or saved here."
+        switch -- [::vesk::dialogs::question "Save over the changes in [file tail $target]?" $text \
+                {over "Save over them" cancel Cancel other "Save as..."} other cancel] {
+            other  {return [save_as]}
+            cancel {return 0}
+        }
+    }
     return [write $target]
 }
 

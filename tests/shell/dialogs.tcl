@@ -132,6 +132,23 @@ run {
     }
     key ctrl+s
     check "saved" {!$::unsaved_changes}
+    # Another program writes to the file meanwhile.
+    set own [contents $first]
+    key ctrl+d
+    write $first "$own "
+    when {[front .question]} {key Escape}
+    key ctrl+s
+    check "a file that was changed is not saved over" {
+        [contents $first] eq "$own " && $::unsaved_changes
+    }
+    when {[front .question]} {key shift+Tab shift+Tab space}
+    key ctrl+s
+    check "unless that is wanted" {[contents $first] ne "$own " && !$::unsaved_changes}
+    key ctrl+z
+    key ctrl+s
+    check "and then it is the program's own again" {
+        ![winfo exists .question] && !$::unsaved_changes
+    }
     answer_file $second
     key ctrl+shift+s
     check "saved under another name" {

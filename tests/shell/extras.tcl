@@ -201,8 +201,22 @@ run {
     set ::prefs_tcl_socket_port 16550
     set ::prefs_allow_socket_commands 1
     check "a badge tells that it is open" {[winfo ismapped .status.socket]}
+    set secret [::vesk::cmdsocket::secret_file]
+    check "its secret is the user's own" {[file attributes $secret -permissions] == 0o600}
+    foreach first {"vesk new_cube" "POST / HTTP/1.1" ""} {
+        set before [vesk get_counts]
+        set channel [socket 127.0.0.1 16550]
+        fconfigure $channel -buffering line -blocking 0
+        puts $channel $first
+        catch {puts $channel "vesk new_cube"}
+        check "who does not know it is hung up on" {[catch {read $channel}] || [eof $channel]}
+        check "and changes nothing" {[vesk get_counts] eq $before}
+        catch {close $channel}
+    }
     set channel [socket 127.0.0.1 16550]
     fconfigure $channel -buffering line -blocking 0
+    puts $channel [string trim [contents $secret]]
+    wait_until {[gets $channel] eq "ok"}
     puts $channel "vesk get_version_string"
     puts $channel "nonsense command"
     set told {}
@@ -211,7 +225,7 @@ run {
     check "also what failed" {[string match "error invalid command*" [lindex $told 1]]}
     set ::prefs_allow_socket_commands 0
     check "off, the badge goes" {![winfo ismapped .status.socket]}
-    check "and it is shut" {[catch {socket 127.0.0.1 16550}]}
+    check "and it is shut" {[catch {socket 127.0.0.1 16550}] && ![file exists $secret]}
     close $channel
 
     # A picture in the file dialog.
