@@ -77,6 +77,13 @@ END
 check "a picture of a model needs no display" 0 "" -- -thumbnail 64 red.png red.vesk
 [ "$(identify -format '%m %w %h' red.png)" = "PNG 64 64" ] && [ "$(identify -format %k red.png)" -gt 20 ] ||
     { echo "FAIL the picture shows something round"; failures=1; }
+case $(identify -format %@ red.png) in
+5[6-9]x5[6-9]+[234]+[234]) ;;
+*)
+    echo "FAIL it fills nine tenths of the picture: $(identify -format %@ red.png)"
+    failures=1
+    ;;
+esac
 check "a size that is none is told" 1 "^usage: vesk -thumbnail" -- -thumbnail big red.png red.vesk
 check "so is a file that is not there" 1 "can't read none.vesk" -- -thumbnail 64 x.png none.vesk
 
