@@ -6,6 +6,7 @@
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/duplicate.h"
 #include "edit/path_places.h"
 #include "model/change_marks.h"
 #include "model/child_changes.h"
@@ -68,13 +69,7 @@ void copy_objects(const char *what, const std::vector<affine_t> &places)
             changes.replace(top, std::move(brothers));
         }
     }
-    owned_list undo;
-    for (object_t *copy : copies)
-        undo.add(copy);
-    new_undo(UNDO_OBJECTS, what);
-    set_undo_objectlist(undo.get());
-    changes.commit();
-    select_results(copies);
+    commit_copies(what, copies, changes);
     finish_edit();
     display_message("%s - %d objects", what, static_cast<int>(copies.size()));
 }

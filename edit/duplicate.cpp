@@ -27,6 +27,21 @@ point3_t shift_of_copies()
     return offset;
 }
 
+} // namespace
+
+void commit_copies(const char *what, const std::vector<object_t *> &copies, child_changes &changes)
+{
+    owned_list undo;
+    for (object_t *copy : copies)
+        undo.add(copy);
+    new_undo(UNDO_OBJECTS, what);
+    set_undo_objectlist(undo.get());
+    changes.commit();
+    select_results(copies);
+}
+
+namespace {
+
 // Each copy follows its original. Their marks are their own: a copy is visible where it can be
 // selected.
 std::vector<object_t *> duplicate_objects(const char *what, const point3_t &offset)
@@ -39,13 +54,7 @@ std::vector<object_t *> duplicate_objects(const char *what, const point3_t &offs
         changes.replace(object, {object, copy});
         copies.push_back(copy);
     }
-    owned_list undo;
-    for (object_t *copy : copies)
-        undo.add(copy);
-    new_undo(UNDO_OBJECTS, what);
-    set_undo_objectlist(undo.get());
-    changes.commit();
-    select_results(copies);
+    commit_copies(what, copies, changes);
     return copies;
 }
 

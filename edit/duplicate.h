@@ -14,6 +14,14 @@ VESK_API void duplicate_selected(void);
 VESK_END_DECLS
 
 #ifdef VESK_INTERNAL
+#include "model/child_changes.h"
+#include "model/object.h"
+
+#include <vector>
+
+// Puts copies into the scene as one step of that name, and selects them.
+void commit_copies(const char *what, const std::vector<object_t *> &copies, child_changes &changes);
+
 // Command "clone_selection": the same in place. The result lists the new objects' identities, or
 // the places of the new surfaces in their objects.
 void command_clone_selection();

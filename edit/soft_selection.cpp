@@ -19,62 +19,75 @@
 #include <cstring>
 #include <functional>
 #include <queue>
-#include <unordered_map>
 
 namespace {
 
 constexpr const char *curve_names[] = {"smooth", "round", "linear", "sharp", "even"};
 constexpr double far = 1e30;
 
-// Points in cubes as wide as the radius, so that those near a place are in 27 of them.
-class point_grid {
+// Points halved by their medians in turn, so that the nearest one is found at once among any number.
+class nearest_points {
 public:
-    point_grid(const std::vector<vertex *> &points, double width) : width_(width)
+    explicit nearest_points(const std::vector<vertex *> &points)
     {
         for (const vertex *v : points)
-            cells_[key(cell(v->position.x), cell(v->position.y), cell(v->position.z))].push_back(
-                to_vec3d(v->position));
+            points_.push_back(to_vec3d(v->position));
+        arrange(0, points_.size(), 0);
     }
-    // The square of the distance to the nearest point, as far as that is within the width.
-    [[nodiscard]] double square_to_nearest(const point3_t &at) const
+    // The square of the distance to the nearest one, at most `limit`.
+    [[nodiscard]] double square_to(const point3_t &at, double limit) const
     {
-        const vec3d p = to_vec3d(at);
-        const std::int64_t x = cell(at.x), y = cell(at.y), z = cell(at.z);
-        double nearest = far;
-        for (int i = 0; i < 27; ++i) {
-            const auto found = cells_.find(key(x + i % 3 - 1, y + i / 3 % 3 - 1, z + i / 9 - 1));
-            if (found == cells_.end())
-                continue;
-            for (const vec3d &q : found->second)
-                nearest = std::min(nearest, dot(q - p, q - p));
-        }
-        return nearest;
+        look(to_vec3d(at), 0, points_.size(), 0, &limit);
+        return limit;
     }
 
 private:
-    [[nodiscard]] std::int64_t cell(float coordinate) const
+    static double part(const vec3d &p, int axis) { return axis == 0 ? p.x : axis == 1 ? p.y : p.z; }
+    void arrange(std::size_t begin, std::size_t end, int axis)
     {
-        return static_cast<std::int64_t>(
-            std::floor(std::clamp(static_cast<double>(coordinate) / width_, -1e15, 1e15)));
+        if (end - begin < 2)
+            return;
+        const std::size_t middle = begin + (end - begin) / 2;
+        const auto at = [&](std::size_t i) {
+            return points_.begin() + static_cast<std::ptrdiff_t>(i);
+        };
+        std::nth_element(at(begin), at(middle), at(end), [axis](const vec3d &a, const vec3d &b) {
+            return part(a, axis) < part(b, axis);
+        });
+        arrange(begin, middle, (axis + 1) % 3);
+        arrange(middle + 1, end, (axis + 1) % 3);
     }
-    static std::uint64_t key(std::int64_t x, std::int64_t y, std::int64_t z)
+    void look(const vec3d &p, std::size_t begin, std::size_t end, int axis, double *nearest) const
     {
-        const auto mix = [](std::int64_t n) { return static_cast<std::uint64_t>(n); };
-        return mix(x) * 0x9E3779B97F4A7C15ULL ^ mix(y) * 0xC2B2AE3D27D4EB4FULL ^
-               mix(z) * 0x165667B19E3779F9ULL;
+        if (begin == end)
+            return;
+        const std::size_t middle = begin + (end - begin) / 2;
+        const vec3d way = points_[middle] - p;
+        *nearest = std::min(*nearest, dot(way, way));
+        const double beyond = part(way, axis);
+        const int next = (axis + 1) % 3;
+        // The half in which the place lies first; the other one only where it can be nearer.
+        for (const bool low : {beyond > 0, beyond <= 0}) {
+            if (low != (beyond > 0) && beyond * beyond >= *nearest)
+                continue;
+            if (low)
+                look(p, begin, middle, next, nearest);
+            else
+                look(p, middle + 1, end, next, nearest);
+        }
     }
 
-    double width_;
-    std::unordered_map<std::uint64_t, std::vector<vec3d>> cells_;
+    std::vector<vec3d> points_;
 };
 
 // Of each vertex, as far as it is within the radius; those that are chosen are at 0.
-std::vector<double> distances_in_space(const flat_mesh &mesh, const point_grid &grid,
-                                       const std::vector<bool> &chosen)
+std::vector<double> distances_in_space(const flat_mesh &mesh, const nearest_points &nearest,
+                                       double radius, const std::vector<bool> &chosen)
 {
     std::vector<double> distances(mesh.num_vertices(), far);
     for (int v = 0; v < mesh.num_vertices(); ++v)
-        distances[v] = chosen[v] ? 0 : std::sqrt(grid.square_to_nearest(mesh.position(v)));
+        distances[v] =
+            chosen[v] ? 0 : std::sqrt(nearest.square_to(mesh.position(v), radius * radius));
     return distances;
 }
 
@@ -147,7 +160,7 @@ std::vector<soft_vertex> soft_neighbours(const std::vector<vertex *> &chosen,
 {
     const double radius = prefs.soft_radius;
     std::vector<soft_vertex> found;
-    const point_grid grid(prefs.soft_along_surface != 0 ? std::vector<vertex *>() : chosen, radius);
+    const nearest_points nearest(prefs.soft_along_surface != 0 ? std::vector<vertex *>() : chosen);
     for (object_t *owner : owners) {
         const flat_ptr mesh = object_flat(owner);
         for (int v = 0; v < mesh->num_vertices(); ++v)
@@ -157,9 +170,9 @@ std::vector<soft_vertex> soft_neighbours(const std::vector<vertex *> &chosen,
         std::vector<bool> marks(mesh->num_vertices());
         for (int v = 0; v < mesh->num_vertices(); ++v)
             marks[v] = scratch(mesh->vertex_record(v)) == 1;
-        const std::vector<double> distances = prefs.soft_along_surface != 0
-                                                  ? distances_along(*mesh, radius, marks)
-                                                  : distances_in_space(*mesh, grid, marks);
+        const std::vector<double> distances =
+            prefs.soft_along_surface != 0 ? distances_along(*mesh, radius, marks)
+                                          : distances_in_space(*mesh, nearest, radius, marks);
         for (int v = 0; v < mesh->num_vertices(); ++v) {
             const float share = soft_share(distances[v], radius, prefs.soft_curve);
             if (!marks[v] && share > 0)

@@ -10,7 +10,6 @@ namespace {
 constexpr int pieces_of_circle = 48;
 constexpr int pieces_of_span = 8; // of a spline between two knots
 constexpr int most_degree = 25;
-constexpr std::size_t most_controls = 1 << 20;
 
 int pieces_of(double angle)
 {
@@ -106,21 +105,6 @@ struct spline_t {
     }
 };
 
-// The points that begin with that code.
-std::vector<vec3d> points_of(const dxf_record &record, int code)
-{
-    std::vector<vec3d> points;
-    for (const dxf_record::pair_t &pair : record.pairs) {
-        if (pair.code == code && points.size() < most_controls)
-            points.push_back({dxf_number(pair.value), 0, 0});
-        else if (pair.code == code + 10 && !points.empty())
-            points.back().y = dxf_number(pair.value);
-        else if (pair.code == code + 20 && !points.empty())
-            points.back().z = dxf_number(pair.value);
-    }
-    return points;
-}
-
 std::vector<double> numbers_of(const dxf_record &record, int code)
 {
     std::vector<double> numbers;
@@ -159,7 +143,7 @@ bool read_spline(const dxf_record &record, spline_t *spline)
 {
     spline->degree = record.whole(71, 3);
     spline->knots = numbers_of(record, 40);
-    const std::vector<vec3d> points = points_of(record, 10);
+    const std::vector<vec3d> points = dxf_points(record, 10);
     const std::vector<double> weights = numbers_of(record, 41);
     for (std::size_t i = 0; i < points.size(); ++i) {
         const double weight = weights.size() == points.size() ? weights[i] : 1;
@@ -178,7 +162,7 @@ std::vector<vec3d> dxf_spline(const dxf_record &record, bool *closed)
     *closed = (record.whole(70) & 1) != 0;
     spline_t spline;
     if (!read_spline(record, &spline))
-        return through(points_of(record, 11), *closed);
+        return through(dxf_points(record, 11), *closed);
     std::vector<vec3d> points;
     const std::size_t last = spline.controls.size();
     for (std::size_t span = spline.degree; span < last; ++span) {

@@ -135,16 +135,7 @@ void dxf_nodes::add_spline(const dxf_record &record, const context_t &context)
 
 void dxf_nodes::add_leader(const dxf_record &record, const context_t &context)
 {
-    std::vector<vec3d> points;
-    for (const auto &pair : record.pairs) {
-        if (pair.code == 10)
-            points.push_back({dxf_number(pair.value), 0, 0});
-        else if (pair.code == 20 && !points.empty())
-            points.back().y = dxf_number(pair.value);
-        else if (pair.code == 30 && !points.empty())
-            points.back().z = dxf_number(pair.value);
-    }
-    add_surface(record, points, SURFACE_LINE, context);
+    add_surface(record, dxf_points(record, 10), SURFACE_LINE, context);
 }
 
 // ---- polylines ----
@@ -293,26 +284,14 @@ void dxf_nodes::add_grid(const dxf_record &record, std::span<const dxf_record> c
 
 void dxf_nodes::add_mesh(const dxf_record &record, const context_t &context)
 {
-    std::vector<vec3d> points;
+    const std::vector<vec3d> points = dxf_points(record, 10);
     std::vector<std::size_t> numbers; // of the faces: how many corners, then these
     std::size_t wanted = 0;
-    bool in_points = false;
     for (const auto &pair : record.pairs) {
-        if (pair.code == 92)
-            in_points = points.empty();
-        else if (pair.code == 93) {
-            in_points = false;
-            wanted =
-                numbers.empty() ? static_cast<std::size_t>(std::max(0, dxf_whole(pair.value))) : 0;
-        } else if (pair.code == 10 && in_points) {
-            points.push_back({dxf_number(pair.value), 0, 0});
-        } else if (pair.code == 20 && in_points && !points.empty()) {
-            points.back().y = dxf_number(pair.value);
-        } else if (pair.code == 30 && in_points && !points.empty()) {
-            points.back().z = dxf_number(pair.value);
-        } else if (pair.code == 90 && numbers.size() < wanted) {
+        if (pair.code == 93 && numbers.empty())
+            wanted = static_cast<std::size_t>(std::max(0, dxf_whole(pair.value)));
+        else if (pair.code == 90 && numbers.size() < wanted)
             numbers.push_back(static_cast<std::size_t>(std::max(0, dxf_whole(pair.value))));
-        }
     }
     for (std::size_t i = 0; i < numbers.size();) {
         const std::size_t count = std::min(numbers[i], numbers.size() - i - 1);

@@ -72,11 +72,8 @@ dxf_nodes::node_t &dxf_nodes::node_of(const dxf_record &record, const context_t 
 dxf_rgb dxf_nodes::colour_of(const dxf_record &record, const context_t &context) const
 {
     constexpr int by_block = 0, by_layer = 256;
-    if (record.has(420)) {
-        const auto rgb = static_cast<unsigned>(record.whole(420));
-        return {static_cast<std::uint8_t>(rgb >> 16 & 0xFF),
-                static_cast<std::uint8_t>(rgb >> 8 & 0xFF), static_cast<std::uint8_t>(rgb & 0xFF)};
-    }
+    if (record.has(420))
+        return dxf_true_colour(record);
     const int colour = std::abs(std::clamp(record.whole(62, by_layer), -by_layer, by_layer));
     if (colour == by_block)
         return context.colour;

@@ -59,6 +59,20 @@ vec3d dxf_record::extrusion() const
     return size > 0 ? direction / size : vec3d{0, 0, 1};
 }
 
+std::vector<vec3d> dxf_points(const dxf_record &record, int code)
+{
+    std::vector<vec3d> points;
+    for (const dxf_record::pair_t &pair : record.pairs) {
+        if (pair.code == code)
+            points.push_back({dxf_number(pair.value), 0, 0});
+        else if (pair.code == code + 10 && !points.empty())
+            points.back().y = dxf_number(pair.value);
+        else if (pair.code == code + 20 && !points.empty())
+            points.back().z = dxf_number(pair.value);
+    }
+    return points;
+}
+
 // ---- the file ----
 
 namespace {
@@ -154,12 +168,8 @@ private:
         const int colour = std::clamp(record.whole(62, 7), -255, 255);
         dxf_layer &made = drawing_.layers[record.text(2)];
         made.colour = dxf_table_colour(std::abs(colour));
-        if (record.has(420)) {
-            const auto rgb = static_cast<unsigned>(record.whole(420));
-            made.colour = {static_cast<std::uint8_t>(rgb >> 16 & 0xFF),
-                           static_cast<std::uint8_t>(rgb >> 8 & 0xFF),
-                           static_cast<std::uint8_t>(rgb & 0xFF)};
-        }
+        if (record.has(420))
+            made.colour = dxf_true_colour(record);
         made.hidden = colour < 0 || (record.whole(70) & 1) != 0;
     }
 
@@ -186,6 +196,13 @@ private:
 dxf_drawing dxf_read(std::string_view text) { return reader(text).run(); }
 
 // ---- colours ----
+
+dxf_rgb dxf_true_colour(const dxf_record &record)
+{
+    const auto rgb = static_cast<unsigned>(record.whole(420));
+    return {static_cast<std::uint8_t>(rgb >> 16 & 0xFF), static_cast<std::uint8_t>(rgb >> 8 & 0xFF),
+            static_cast<std::uint8_t>(rgb & 0xFF)};
+}
 
 dxf_rgb dxf_table_colour(int index)
 {

@@ -34,6 +34,9 @@ public:
     [[nodiscard]] vec3d extrusion() const;
 };
 
+// The points of a record whose parts have the codes code, code + 10 and code + 20.
+std::vector<vec3d> dxf_points(const dxf_record &record, int code);
+
 double dxf_number(std::string_view value); // 0 for none, also for infinite ones
 int dxf_whole(std::string_view value);
 
@@ -41,6 +44,8 @@ struct dxf_rgb {
     std::uint8_t r, g, b;
     bool operator==(const dxf_rgb &) const = default;
 };
+// Of a code 420: the parts one after the other in a whole number.
+dxf_rgb dxf_true_colour(const dxf_record &record);
 // Of the format's table of 255 colours, which follows a rule but for its ends: 24 hues in five
 // brightnesses, each full and half saturated.
 dxf_rgb dxf_table_colour(int index);

@@ -248,6 +248,25 @@ TEST_F(Symmetry, SoftMovesFallOff)
     EXPECT_NEAR(points_of(grid)[5 * 11 + 6].z, 2.0f / 3, 1e-6);
 }
 
+TEST_F(Symmetry, SoftMovesFollowTheNearestOfManyChosenOnes)
+{
+    object_t *grid = add_squares(40, 40);
+    std::vector<int> chosen;
+    for (int v = 0; v < 41 * 41; v += 37 + v % 5) // without a pattern that a tree could like
+        chosen.push_back(v);
+    const std::vector<point3_t> before = points_of(grid);
+    run("soft_selection", 1, 4, "linear", "space");
+    select_vertices_at(grid, chosen);
+    run("move_with_undo", 0, 0, 1);
+    const std::vector<point3_t> after = points_of(grid);
+    for (std::size_t v = 0; v < before.size(); ++v) {
+        double nearest = 4;
+        for (const int one : chosen)
+            nearest = std::min(nearest, length(between(before[v], before[one])));
+        ASSERT_NEAR(after[v].z, 1 - nearest / 4, 1e-5) << v;
+    }
+}
+
 TEST_F(Symmetry, SoftMovesAlongTheSurfaceLeaveWhatIsOnlyNear)
 {
     // Two sheets a little apart, in one object.
