@@ -363,7 +363,7 @@ proc ::vesk::menus::define {name label rows} {
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
-    {ask "Slice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+    {ask "Slice..." {slice {"Point x" middle 0} {"Point y" middle 1} {"Point z" middle 2}
         {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
         {Keep choice {"Both sides" both "The front" front "The back" back}}
         {Caps choice {None 0 "Closed by polygons" 1}}} "" some

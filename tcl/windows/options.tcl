@@ -12,7 +12,7 @@ namespace eval ::vesk::options {
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
         rotate_axis_angle_with_undo rotate_about_axis scale_along weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
-        align distribute drop bend taper twist inflate noise push_normals boolean}
+        align distribute drop bend taper twist inflate noise push_normals boolean slice}
     # Words of the kinds axis and pivot.
     variable axes {X x Y y Z z "Mean normal" normal "Last used" last Picked picked}
     variable pivots {Selection selection Origin origin "3D cursor" cursor Picked picked}
@@ -31,7 +31,9 @@ namespace eval ::vesk::options {
 #   target  command, then fields {label kind default ...}:
 #             number, int, text   typed, an argument each
 #             from KEY            a number, kept in the preference
-#             centre 0|1|2, size 0|1|2   a number that starts as the selection has it
+#             centre 0|1|2, size 0|1|2   a number that starts as the selection has it: nothing is done
+#                         before something is typed
+#             middle 0|1|2   a number that starts at the middle of the selection
 #             setting KEY number|int   a number, kept in the scripts' own settings
 #             choice {text value ...}
 #             axis TEXT, pivot TEXT   a choice of axes, of pivots, with that one at first
@@ -54,11 +56,12 @@ proc ::vesk::options::ask {title target help {before ""}} {
         dict set session start [dict get $before start]
         dict set session words [dict get $before words]
         dict set session original [lindex [dict get $before words] 1]
+        dict set session exact [dict get $before exact]
     }
     build $w $title
-    # What starts as it is changes nothing before something is typed.
-    variable present
-    if {$before eq "" && [array size present] > 0} {
+    set kinds [lmap item $items {lindex $item 1}]
+    if {$before eq "" && ("centre" in $kinds || "size" in $kinds)} {
+        # What starts as it is changes nothing before something is typed.
         dict set session words [typed_words [read_options 0]]
     }
     ::vesk::view::place_options $w
@@ -111,7 +114,7 @@ proc ::vesk::options::note {words} {
     set kept($command) $texts
     set now [history_place]
     set last [dict create title [string trimright [string map {& {}} $label] .] target $target \
-        help $help start [expr {$now - 1}] now $now words [list $words $texts]]
+        help $help start [expr {$now - 1}] now $now words [list $words $texts] exact {}]
 }
 
 proc ::vesk::options::run_with_file {command item title} {
@@ -168,6 +171,13 @@ proc ::vesk::options::begin_session {w command items} {
 proc ::vesk::options::is_live {} {
     variable session
     return [dict get $session live]
+}
+
+# reopened --
+#   Whether the options are those of an operation that was done already.
+proc ::vesk::options::reopened {} {
+    variable session
+    return [dict exists $session original]
 }
 
 # history_place --
@@ -236,7 +246,6 @@ proc ::vesk::options::add_field {w row item command} {
     variable fields
     variable kept
     variable afresh
-    variable present
     lassign $item label kind default
     if {$kind in {axis pivot}} {
         # The words of both are in one place; the one asked for stands first.
@@ -245,12 +254,8 @@ proc ::vesk::options::add_field {w row item command} {
         set kind choice
         set item [list $label choice $default]
     }
-    if {$kind in {centre size}} {
-        set exact [lindex [vesk get_selection_$kind] $default]
-        set present($row) [list [::vesk::arith::shown $exact] $exact]
-    }
     set fields($row) [switch -- $kind {
-        centre - size {lindex $present($row) 0}
+        centre - size - middle {present_number $row $kind $default}
         from    {::vesk::arith::shown [set ::prefs_$default]}
         setting {::vesk::settings::get $default}
         pref    {set ::prefs_$default}
@@ -284,6 +289,23 @@ proc ::vesk::options::add_field {w row item command} {
     ttk::label $w.l$row -text $label -style Panel.Dim.TLabel
     grid $w.l$row $path -sticky we -pady [::vesk::theme::px 2]
     grid configure $w.l$row -padx [::vesk::theme::pad 0 12]
+}
+
+# present_number --
+#   The text of a field of kind centre, size or middle; its exact number is kept. The middle of what
+#   was sliced is elsewhere afterwards: opened again the field has the number that was used.
+proc ::vesk::options::present_number {row kind axis} {
+    variable session
+    variable present
+    variable kept
+    if {$kind eq "middle" && [reopened]} {
+        set exact [dict get $session exact]
+        if {[dict exists $exact $row]} {set present($row) [dict get $exact $row]}
+        return [lindex $kept([dict get $session command]) $row]
+    }
+    set exact [lindex [vesk get_selection_[expr {$kind eq "size" ? "size" : "centre"}]] $axis]
+    set present($row) [list [::vesk::arith::shown $exact] $exact]
+    return [lindex $present($row) 0]
 }
 
 # choices_of --
@@ -332,7 +354,7 @@ proc ::vesk::options::read_options {tell} {
         if {[info exists present($row)] && [lindex $present($row) 0] eq $text} {
             set text [lindex $present($row) 1]
         }
-        if {[value_kind $item] in {number int from centre size}} {
+        if {[value_kind $item] in {number int from centre size middle}} {
             set field [dict get $session window].in.f$row
             set wrong [catch {::vesk::arith::value $text} text]
             if {!$wrong || $tell} {::vesk::fields::mark_invalid $field $wrong}
@@ -376,7 +398,8 @@ proc ::vesk::options::run {} {
     live_update
     ::vesk::ops::echo vesk {*}$words
     variable last [dict merge [dict get $session row] [dict create \
-        start [dict get $session start] now [history_place] words [dict get $session words]]]
+        start [dict get $session start] now [history_place] words [dict get $session words] \
+        exact [array get ::vesk::options::present]]]
     dict set session now -1
     close
 }
@@ -397,7 +420,7 @@ proc ::vesk::options::close {} {
     variable session
     after cancel [dict get $session timer]
     if {[is_live] && [dict get $session now] != -1} {
-        if {[dict exists $session original]} restore_original else live_take_back
+        if {[reopened]} restore_original else live_take_back
         vesk redraw_all
         ::vesk::ops::request
     }

@@ -118,6 +118,29 @@ run {
     key Escape
     check "Escape takes it back" {[llength [top_objects]] == 1}
 
+    # ---- a slice by the menu, live ----
+    fresh {vesk create box 0 0.5 -0.3 -0.5 1.5 1.034567 0.5}
+    set options [open_options surface slice]
+    check "cut through its middle at once" {[info_of $::cube surfaces] == 10}
+    shot solids-slice
+    $options.in.f1 delete 0 end
+    $options.in.f1 insert 0 5
+    check "a plane beside it cuts nothing" {[info_of $::cube surfaces] == 6}
+    key Escape
+    check "Escape leaves no step" {![winfo exists $options] && [made] == 0}
+    set options [open_options surface slice]
+    $options.in.f6 set "The back"
+    check "the half below stays" {[near [lindex [size] 1] [expr {1.334567 / 2}] 1e-5]}
+    key Return
+    check "one step" {[made] == 1 && [vesk undo_name] eq "slice"}
+    ::vesk::options::again
+    $options.in.f7 set "Closed by polygons"
+    check "opened again it cuts at the same place" {
+        [info_of $::cube surfaces] == 6 && [near [lindex [size] 1] [expr {1.334567 / 2}] 1e-5]
+    }
+    key Escape
+    check "and takes only that back" {[info_of $::cube surfaces] == 5 && [made] == 1}
+
     # ---- placing ----
     fresh {
         vesk create box 0 -1 -1 -0.5 1 -0.5 0.5
