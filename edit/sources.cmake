@@ -1,6 +1,7 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
     edit/boolean.cpp
+    edit/boolean_live.cpp
     edit/bridge.cpp
     edit/catmull_clark.cpp
     edit/connect.cpp

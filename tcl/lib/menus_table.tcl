@@ -261,7 +261,8 @@ proc ::vesk::menus::define {name label rows} {
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
     {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
-        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}} "" several
+        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}
+        {"Live while moved" follow}} "" several
         "Makes one solid of the first selected object and the others."}
     {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
     {run "&Explode" {object_explode} "" object "Makes an object of every surface."}

@@ -39,6 +39,8 @@ namespace eval ::vesk::options {
 #             axis TEXT, pivot TEXT   a choice of axes, of pivots, with that one at first
 #             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
 #             pref KEY number|int|bool   edits a preference, is no argument
+#             follow      a check box, no argument: the result is shown while its objects are moved, by
+#                         the commands COMMAND_live, COMMAND_live_keep and COMMAND_live_cancel
 #   before  the operation whose options are opened again, as `last`; "" for a new one
 proc ::vesk::options::ask {title target help {before ""}} {
     set items [lassign $target command]
@@ -165,12 +167,44 @@ proc ::vesk::options::begin_session {w command items} {
     variable live_limit
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
+    if {[following]} {vesk [dict get $session command]_live off}
     set session [dict create window $w command $command items $items live $on words {} \
-        start [history_place] now [history_place] timer ""]
+        start [history_place] now [history_place] timer "" following 0]
 }
 proc ::vesk::options::is_live {} {
     variable session
     return [dict get $session live]
+}
+
+# following, follow --
+#   Whether the result is only shown, while its objects are moved; shows it for the words of a command
+#   (its first argument says what is made), or ends that.
+proc ::vesk::options::following {} {
+    variable session
+    return [expr {$session ne "" && [dict get $session following]}]
+}
+proc ::vesk::options::follow {on words} {
+    variable session
+    if {$on || [following]} {
+        ::vesk::ops::run [lindex $words 0]_live [expr {$on ? [lindex $words 1] : "off"}]
+    }
+    dict set session following $on
+}
+proc ::vesk::options::wants_to_follow {} {
+    variable session
+    variable fields
+    set row [lsearch -exact -index 1 [dict get $session items] follow]
+    return [expr {$row >= 0 && $fields($row)}]
+}
+
+# follow_ended --
+#   The executable shows the result no more: its objects or its beginning are gone.
+proc ::vesk::options::follow_ended {} {
+    variable session
+    if {![following]} {return}
+    dict set session following 0
+    dict set session now -1
+    close
 }
 
 # reopened --
@@ -209,9 +243,10 @@ proc ::vesk::options::live_update {} {
     if {$words eq ""} {return}
     set typed [typed_words $words]
     if {$typed eq [dict get $session words]} {return}
-    live_take_back
+    if {![following]} live_take_back
     dict set session words $typed
-    vesk {*}$words
+    follow [wants_to_follow] $words
+    if {![following]} {vesk {*}$words}
     vesk redraw_all
     dict set session now [history_place]
     ::vesk::ops::request
@@ -259,6 +294,7 @@ proc ::vesk::options::add_field {w row item command} {
         from    {::vesk::arith::shown [set ::prefs_$default]}
         setting {::vesk::settings::get $default}
         pref    {set ::prefs_$default}
+        follow  {expr 0}
         number - int - text - choice {
             expr {[info exists kept($command)] && $command ni $afresh
                 ? [lindex $kept($command) $row] : $default}
@@ -268,7 +304,8 @@ proc ::vesk::options::add_field {w row item command} {
     set path $w.f$row
     set options [list -textvariable ::vesk::options::fields($row)]
     switch -- [value_kind $item] {
-        bool {
+        follow - bool {
+            if {$kind eq "follow" && (![is_live] || [reopened])} {return}
             ttk::checkbutton $path -text $label -variable ::vesk::options::fields($row) \
                 -style Panel.TCheckbutton
             grid $path - -sticky w -pady [::vesk::theme::px 4]
@@ -372,7 +409,7 @@ proc ::vesk::options::read_options {tell} {
         if {$kind eq "pivot" && $text eq "cursor"} {set text [join [vesk get_3d_cursor] ,]}
         if {$kind in {pref from}} {set ::prefs_$default $text}
         if {$kind eq "setting"} {::vesk::settings::set_value $default $text}
-        if {$kind ne "pref"} {lappend words $text}
+        if {$kind ni {pref follow}} {lappend words $text}
     }
     set kept([dict get $session command]) $typed
     return $words
@@ -396,11 +433,26 @@ proc ::vesk::options::run {} {
         return
     }
     live_update
+    if {[following]} {
+        keep_followed $words
+        return
+    }
     ::vesk::ops::echo vesk {*}$words
     variable last [dict merge [dict get $session row] [dict create \
         start [dict get $session start] now [history_place] words [dict get $session words] \
         exact [array get ::vesk::options::present]]]
     dict set session now -1
+    close
+}
+
+# keep_followed --
+#   Makes what is shown. Refused, the options stay: the message says what is in the way.
+proc ::vesk::options::keep_followed {words} {
+    variable session
+    if {![::vesk::ops::run [lindex $words 0]_live_keep [lindex $words 2]]} {return}
+    dict set session following 0
+    dict set session now -1
+    variable last ""
     close
 }
 
@@ -414,12 +466,24 @@ proc ::vesk::options::restore_original {} {
     live_update
 }
 
+# takes_key --
+#   Return and Escape in the views keep and take back a result that shows. Returns whether they did.
+proc ::vesk::options::takes_key {key} {
+    variable session
+    if {$key ni {Return KP_Enter Escape} || ![is_live]} {return 0}
+    if {$key eq "Escape"} close else run
+    return 1
+}
+
 # close --
 #   Cancel or Close, and the end of `run`.
 proc ::vesk::options::close {} {
     variable session
     after cancel [dict get $session timer]
-    if {[is_live] && [dict get $session now] != -1} {
+    if {[following]} {
+        ::vesk::ops::run [dict get $session command]_live_cancel
+        dict set session following 0
+    } elseif {[is_live] && [dict get $session now] != -1} {
         if {[reopened]} restore_original else live_take_back
         vesk redraw_all
         ::vesk::ops::request

@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     edit/catmull_clark_test.cpp
     edit/boolean_test.cpp
+    edit/boolean_live_test.cpp
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
     edit/edges_test.cpp
