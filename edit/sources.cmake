@@ -52,6 +52,7 @@ target_sources(vesk_core PRIVATE
     edit/slice.cpp
     edit/soft_selection.cpp
     edit/symmetry.cpp
+    edit/symmetry_elements.cpp
     edit/symmetry_scope.cpp
     edit/deform.cpp
     edit/align.cpp

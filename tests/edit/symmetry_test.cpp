@@ -205,6 +205,111 @@ TEST_F(Symmetry, LoopsAreCutOnBothSides)
     expect_closed(block);
 }
 
+// ---- operations with a place of their own ----
+
+TEST_F(Symmetry, AVertexIsInsertedOnBothSides)
+{
+    object_t *block = add_block(2);
+    const std::string id = run("object_get_children", run("get_world"));
+    run("symmetry", "x", "origin");
+    const auto insert_between = [&](bool (*wanted)(const point3_t &), float share) {
+        const std::vector<int> ends = places_where(block, wanted);
+        ASSERT_EQ(ends.size(), 2u);
+        const int before = block->num_vertices;
+        ASSERT_TRUE(run_and_expect_exact_undo({"insert_vertex_at", id, std::to_string(ends[0]),
+                                               std::to_string(ends[1]), std::to_string(share)}));
+        EXPECT_GT(block->num_vertices, before);
+        EXPECT_TRUE(is_symmetric(block));
+        expect_closed(block);
+    };
+    insert_between([](const point3_t &p) { return p.x == 1 && p.y == 1 && p.z >= 0; }, 0.25f);
+    EXPECT_EQ(block->num_vertices, 26 + 2);
+    insert_between([](const point3_t &p) { return p.x == 0 && p.y == 1 && p.z >= 0; }, 0.25f);
+    EXPECT_EQ(block->num_vertices, 26 + 3); // on the plane
+    run("clear_all");
+    object_t *cube = block = add_cube("cube");
+    const std::string other = run("object_get_children", run("get_world"));
+    const std::vector<int> ends =
+        places_where(cube, [](const point3_t &p) { return p.y > 0 && p.z > 0; });
+    ASSERT_EQ(ends.size(), 2u);
+    run("insert_vertex_at", other, ends[0], ends[1], 0.25f); // across the plane
+    EXPECT_EQ(cube->num_vertices, 10);
+    EXPECT_TRUE(is_symmetric(cube));
+    expect_closed(cube);
+}
+
+TEST_F(Symmetry, TheKnifeCutsOnBothSides)
+{
+    object_t *block = add_block(2);
+    run("symmetry", "x", "origin");
+    for (const char *line : {"0.2 1 1 0.4 0.5 1 0.9 0 1", // over two quads
+                             "-1 0.3 0.45 -1 0.6 0.2",    // inside one
+                             "-0.4 1 -0.7 0.7 1 -0.2"}) { // over the plane: to there
+        ASSERT_TRUE(run_and_expect_exact_undo({"knife", line})) << line << last_message();
+        EXPECT_TRUE(is_symmetric(block)) << line;
+        expect_closed(block);
+    }
+    const int before = block->num_surfaces;
+    run("knife", "-1 0.5 1 1 0.5 1"); // its own mirror image
+    EXPECT_TRUE(is_symmetric(block));
+    EXPECT_GT(block->num_surfaces, before);
+}
+
+TEST_F(Symmetry, ASliceCutsTheCounterpartsByTheMirroredPlane)
+{
+    const auto on_the_right = [](const point3_t &p) { return p.x >= 0 && p.z == 1; };
+    for (const bool all : {false, true}) {
+        run("clear_all");
+        object_t *block = add_block(3);
+        run("symmetry", "x", "origin");
+        if (all)
+            select_all_surfaces(block);
+        else
+            select_surfaces_at(block, surfaces_where(block, on_the_right));
+        const int before = block->num_surfaces;
+        ASSERT_TRUE(
+            run_and_expect_exact_undo({"slice", "0.55", "0", "0", "2", "1", "0", "both", "0"}));
+        EXPECT_GT(block->num_surfaces, before);
+        EXPECT_TRUE(is_symmetric(block));
+        expect_closed(block);
+        EXPECT_GT(selection().num_surfaces, 0);
+    }
+}
+
+TEST_F(Symmetry, BridgesAndSurfacesAreMadeOnBothSides)
+{
+    object_t *block = add_block(4);
+    run("symmetry", "x", "origin");
+    // Two opposite quads of the right half: a tunnel.
+    const auto quads = surfaces_where(block, [](const point3_t &p) {
+        return p.x >= 0.5f && p.x <= 1 && p.y >= 0 && p.y <= 0.5f && std::abs(p.z) == 1;
+    });
+    ASSERT_EQ(quads.size(), 2u);
+    select_surfaces_at(block, quads);
+    ASSERT_TRUE(run_and_expect_exact_undo({"bridge", "2"}));
+    EXPECT_EQ(block->num_surfaces, 96 - 4 + 2 * 8);
+    EXPECT_TRUE(is_symmetric(block));
+    expect_closed(block);
+    EXPECT_GT(selection().box_min.x, 0);
+
+    run("clear_all");
+    block = add_block(2);
+    select_surfaces_at(block, surfaces_where(block, [](const point3_t &p) { return p.z == 1; }));
+    run("delete");
+    const auto right =
+        places_where(block, [](const point3_t &p) { return p.z == 1 && p.x >= 0 && p.y >= 0; });
+    EXPECT_EQ(right.size(), 3u);
+    select_vertices_at(block, right);
+    ASSERT_TRUE(run_and_expect_exact_undo({"createsurface", "0"}));
+    EXPECT_EQ(block->num_surfaces, 20 + 2);
+    EXPECT_TRUE(is_symmetric(block));
+    // Both face the same way as their mirror images do.
+    double area = 0;
+    for (const surface_t *surface : each<surface_t>(block->surfaces))
+        area += doubled_area_xy(surface);
+    EXPECT_NEAR(std::abs(area), 8 - 2 * 1, 1e-5);
+}
+
 TEST_F(Symmetry, CountsWhatHasNoCounterpart)
 {
     object_t *block = add_block(2);
