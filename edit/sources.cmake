@@ -97,6 +97,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/solid_boolean.cpp
     edit/mesh/solid_faces.cpp
     edit/mesh/solid_meshes.cpp
+    edit/mesh/surface_blocks.cpp
     edit/mesh/surface_copy.cpp
     edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp
