@@ -197,8 +197,7 @@ single_record::~single_record() { join(); }
 
 void single_record::join()
 {
-    while (undo_records().size() > 1 &&
-           undo_records()[undo_records().size() - 2]->serial > serial_)
+    while (undo_records().size() > 1 && undo_records()[undo_records().size() - 2]->serial > serial_)
         undo_drop_newest();
 }
 
