@@ -311,8 +311,8 @@ proc ::vesk::menus::define {name label rows} {
     {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
     {call "&Place on a surface" {::vesk::tools::choose place} "" some
         "The selection follows the pointer over other objects and stands on them."}
-    {run "Drop on what lies &below" {drop below} "" object
-        "Lets the selected objects fall until they touch something."}
+    {run "Drop on what lies &below" {drop below} "" some
+        "Lets the selected things fall until they touch something."}
 }
 ::vesk::menus::define centre "Centre of object" {
     {run "To the &middle" {object_recentre} "" object "The middle of the object's box."}
