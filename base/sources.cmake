@@ -31,4 +31,5 @@ target_sources(vesk_core PRIVATE
     base/ui_port.cpp
     base/utf8.cpp
     base/version.cpp
+    base/worker.cpp
 )
