@@ -92,6 +92,7 @@ gltf_paint gltf_painter::paint(const json &source)
         plain_look(source, &paint.look);
     if (json_string(source, "alphaMode").empty() || json_string(source, "alphaMode") == "OPAQUE")
         paint.look.transparency = 0;
+    json_reals(json_member(source, "extras"), "ambient", paint.look.ambient, 3);
     float glow[3] = {0, 0, 0};
     json_reals(source, "emissiveFactor", glow, 3);
     const double strength =

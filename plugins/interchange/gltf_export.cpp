@@ -22,6 +22,8 @@ enum { NO_TARGET = 0, VERTICES = 34962, INDICES = 34963 };
 enum { SHORT = 5123, UNSIGNED = 5125, REAL = 5126 };
 enum { POINTS = 0, LINES = 1, TRIANGLES = 4 };
 
+constexpr float plain_ambient[] = {0.2f, 0.2f, 0.2f}; // of new materials
+
 class gltf_writer {
 public:
     gltf_writer(job &work, const model &scene, bool packed)
@@ -116,6 +118,10 @@ private:
             out.field("extensions", R"({"KHR_materials_specular": {"specularColorFactor": )",
                       specular.array(), "}}");
         has_specular_ = has_specular_ || !plain;
+        const float *ambient = m.look.ambient;
+        if (!std::equal(ambient, ambient + 3, plain_ambient)) // only this program asks for it
+            out.field("extras", R"({"ambient": [)", ambient[0], ", ", ambient[1], ", ", ambient[2],
+                      "]}");
         materials_.add(out.object());
     }
 

@@ -340,6 +340,7 @@ TEST_F(Interchange, HighlightsComeBackFromGltfAsTheyWere)
             m.shininess = shininess;
             m.specular[1] = specular;
             m.diffuse[2] = 0.2f;
+            m.ambient[0] = 0.1f;
             const int index = vesk_palette_get_new_material_index(&m);
             add_object("a", {0, 0, static_cast<float>(surfaces), 1, 0, 0, 0, 1, 0}, {{0, 1, 2}},
                        index);
@@ -358,6 +359,7 @@ TEST_F(Interchange, HighlightsComeBackFromGltfAsTheyWere)
         EXPECT_NEAR(m->shininess, looks[i].first, 1e-3);
         EXPECT_NEAR(m->specular[1], looks[i].second, 1e-6);
         EXPECT_NEAR(m->diffuse[2], 0.2f, 1e-6);
+        EXPECT_EQ(m->ambient[0], 0.1f);
     }
 }
 
