@@ -1,6 +1,9 @@
 #include "model/vertex_colours.h"
 
+#include "base/file_report.h"
+#include "model/each.h"
 #include "model/object_notes.h"
+#include "model/world.h"
 
 #include <charconv>
 
@@ -39,6 +42,15 @@ std::vector<unsigned char> object_vertex_colours(const object_t *object)
         rgb.push_back(static_cast<unsigned char>(16 * high + low));
     }
     return rgb;
+}
+
+void report_lost_vertex_colours()
+{
+    int objects = 0;
+    for_each_object(vesk_get_world(), [&](const object_t *object) {
+        objects += vesk_object_has_vertex_colours(object);
+    });
+    vesk_report_loss(objects, "objects with colours of points");
 }
 
 const unsigned char *vesk_object_get_vertex_colours(const object_t *object)

@@ -29,6 +29,8 @@ VESK_END_DECLS
 #include <vector>
 // Empty where the function above gives null.
 std::vector<unsigned char> object_vertex_colours(const object_t *object);
+// For exporters to formats without them: reports the objects of the world that have any as a loss.
+void report_lost_vertex_colours();
 #endif
 
 #endif

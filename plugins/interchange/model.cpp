@@ -84,7 +84,7 @@ public:
         vesk_report_loss(urls_, "addresses");
         vesk_report_loss(data_, "data texts");
         vesk_report_loss(tinted_, "colours under textures");
-        vesk_report_loss(point_colours_, "objects' colours of points");
+        vesk_report_loss(point_colours_, "objects with colours of points");
         vesk_report_note(groups_, "groups dissolved");
         vesk_report_note(ambient_, "ambient colours left to the viewer");
         vesk_report_note(one_sided_, "surfaces of one side left to the viewer");
@@ -131,6 +131,7 @@ private:
             object->num_surfaces == 0 && (object->num_vertices == 0 || !wishes_.points);
         if (!wishes_.groups && bare) {
             points_ += object->num_vertices;
+            point_colours_ += vesk_object_has_vertex_colours(object);
             lights_ += light ? 1 : 0;
             groups_ += !light && object->num_vertices == 0 ? 1 : 0;
             push_children(object, -1, frame());

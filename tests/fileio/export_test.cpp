@@ -85,7 +85,7 @@ const format_case formats[] = {
      " - 1 lines, 1 addresses were left out: POV has no lines, addresses",
      {"  up <0, 1, 0>\n  right <-1.33, 0, 0>\n",
       "light_source { <1, 2.5, -3> color rgb <1, 1, 1> }",
-      "union { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
+      "object { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
       "      <0, 0, 0>,\n      <1, 0, 0>,\n      <0, 1, 0>\n    }\n",
       "    face_indices {\n      1,\n      <0, 1, 2>\n    }\n",
       "uv_mapping\n      pigment { image_map { png \"scene_wood.png\" transmit all 0 } }",

@@ -8,6 +8,7 @@
 #include "model/each.h"
 #include "model/normals.h"
 #include "model/palette.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "tests/plugin/interchange_fixture.h"
@@ -211,7 +212,7 @@ TEST_F(Interchange, FilesThatEndTooEarlyAreRefused)
                      "element face 4000000000\nproperty list uchar int vertex_indices\n"
                      "end_header\n1 2 3"},
         {"none.stl", "solid a\nfacet normal 0 0 1\nouter loop\nvertex 1"},
-        {"head.obj", "v 1 2 3\\"},
+        {"head.obj", "vt 1 2 3\\"},
         {"none.3mf", "PK\5\6"},
     };
     for (const cut_file &file : files)
@@ -455,18 +456,89 @@ TEST_F(Interchange, PointsComeAndGo)
     EXPECT_EQ(complaints(), "2 a point is not there\n");
 }
 
-TEST_F(Interchange, ColoursOfCornersAreToldWhereTheyAreLost)
+// Colours of points, through the formats that hold them, an edit and a model file.
+TEST_F(Interchange, ColoursOfPointsAreKept)
 {
     const std::string head = "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
                              "property float y\nproperty float z\nproperty uchar red\n"
                              "property uchar green\nproperty uchar blue\n";
-    const std::string points = "end_header\n0 0 0 1 2 3\n1 0 0 1 2 3\n1 2 3 9 9 9\n";
-    ASSERT_EQ(load("cloud.ply", head + points), "1");
-    EXPECT_EQ(complaints(), "0 the colours of points were left out\n");
-    ASSERT_EQ(load("faces.ply", head + "element face 1\nproperty list uchar int vertex_indices\n" +
-                                    points + "3 0 1 2\n"),
+    const std::string points = "end_header\n0 0 0 1 2 3\n1 0 0 1 2 3\n1 2 3 9 9 200\n";
+    const std::string faces =
+        head + "element face 1\nproperty list uchar int vertex_indices\n" + points + "3 0 1 2\n";
+    const std::string obj = "v 0 0 0 0.0039216 0.0078431 0.0117647\n"
+                            "v 1 0 0 1 0.0039216 0.0078431 0.0117647\n" // with a weight
+                            "v 1 2 3 0.0352941 0.0352941 0.7843137\n";
+    const struct {
+        const char *name;
+        std::string bytes;
+    } files[] = {{"cloud.ply", head + points},
+                 {"faces.ply", faces},
+                 {"cloud.obj", obj},
+                 {"faces.obj", obj + "f 1 2 3\n"}};
+    const auto colours = [] {
+        std::string all;
+        for_each_object(vesk_get_world(), [&](const object_t *object) {
+            for (const unsigned char part : object_vertex_colours(object))
+                all += std::to_string(int{part}) + " ";
+        });
+        return all;
+    };
+    const std::string wanted = "1 2 3 1 2 3 9 9 200 ";
+    for (const auto &[name, bytes] : files) {
+        SCOPED_TRACE(name);
+        run("clear_all");
+        ASSERT_EQ(load(name, bytes), "1");
+        EXPECT_EQ(complaints(), "");
+        EXPECT_EQ(colours(), wanted);
+        for (const char *suffix : {".ply", ".obj", ".gltf", ".glb", ".vesk"}) {
+            SCOPED_TRACE(suffix);
+            const std::string file = temporary_file(std::string("coloured") + suffix);
+            ASSERT_EQ(run("export_model", file), "1");
+            EXPECT_TRUE(last_file_report().losses.empty());
+            run("clear_all");
+            ASSERT_EQ(run("file_load", file), "1");
+            EXPECT_EQ(complaints(), "");
+            EXPECT_EQ(colours(), wanted);
+        }
+        for (const char *suffix : {".stl", ".dae", ".fbx", ".3mf", ".3ds", ".wrl"}) {
+            ASSERT_EQ(run("export_model", temporary_file(std::string("coloured") + suffix)), "1");
+            EXPECT_NE(run("report_json").find("colours of points"), std::string::npos) << suffix;
+        }
+        for (const char *command : {"write_POV", "write_vrml", "write_dxf", "write_tri"}) {
+            run(command, temporary_file("coloured"));
+            EXPECT_NE(run("report_json").find("colours of points"), std::string::npos) << command;
+        }
+    }
+}
+
+// A file whose faces have one colour each has materials.
+TEST_F(Interchange, PlyFacesOfOneColourHaveMaterials)
+{
+    const std::string head = "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
+                             "property float y\nproperty float z\nproperty uchar red\n"
+                             "property uchar green\nproperty uchar blue\nproperty uchar alpha\n"
+                             "element face 1\nproperty list uchar int vertex_indices\nend_header\n";
+    ASSERT_EQ(
+        load("one.ply", head + "0 0 0 0 51 0 255\n1 0 0 0 51 0 255\n1 2 3 0 51 0 9\n3 0 1 2\n"),
+        "1");
+    EXPECT_EQ(complaints(), "0 the transparency of 1 points was left out\n");
+    const object_t *object = parts()[0];
+    EXPECT_EQ(vesk_object_has_vertex_colours(object), 0);
+    EXPECT_NEAR(vesk_palette_get_material(object_get_surface_at(object, 0)->material)->diffuse[1],
+                0.2f, 1e-6);
+}
+
+TEST_F(Interchange, WhatObjFilesSayInVainIsTold)
+{
+    const std::string points = "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 5 5 5\n";
+    ASSERT_EQ(load("vain.obj", points + "o a\ng a\ns 1\nf 1 2 3\ng b\ng c\ns 2\nf 3 2 1\n"
+                                        "cstype bezier\ncurv 0 1 1 2\n"),
               "1");
-    EXPECT_EQ(complaints(), "0 1 faces have corners of several colours; they have none now\n");
+    EXPECT_EQ(complaints(), "9 groups within objects are not read\n"
+                            "11 smooth parts became one: edges between them are soft\n"
+                            "13 lines that begin with cstype are not read\n"
+                            "14 lines that begin with curv are not read\n"
+                            "0 1 points of no surface were left out\n");
 }
 
 // What a modeller has besides shapes.
