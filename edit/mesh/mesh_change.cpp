@@ -1,5 +1,6 @@
 #include "edit/mesh/mesh_change.h"
 
+#include "base/console.h"
 #include "base/session_state.h"
 #include "edit/mesh/nearest_points.h"
 #include "model/alloc.h"
@@ -375,6 +376,14 @@ void mesh_change::link(mesh_result &result)
     }
 }
 
+// Colours of another number of vertices might fit by chance now.
+void mesh_change::drop_colours() const
+{
+    vesk_object_set_vertex_colours(object_, nullptr);
+    console_printf("%s: the colours of its points fit no more and are gone\n",
+                   object_->name == nullptr ? "" : object_->name);
+}
+
 // A new vertex has the colour of the one it is like, else of the nearest one.
 void mesh_change::carry_colours(const std::vector<unsigned char> &old) const
 {
@@ -430,6 +439,8 @@ mesh_result mesh_change::commit()
         unlink();
     if (!colours.empty())
         carry_colours(colours);
+    else if (other_vertices && vesk_object_has_vertex_colours(object_) != 0)
+        drop_colours();
     object_mark(object_, CHANGED_TOPOLOGY);
     session().committing = false;
     return result;

@@ -108,6 +108,7 @@ private:
     void link(mesh_result &result);
     surface_t *make_surface(std::size_t index, const mesh_result &result);
     listitem *take_corner();
+    void drop_colours() const;
     void carry_colours(const std::vector<unsigned char> &old) const;
     [[nodiscard]] std::size_t end_of(std::size_t made) const;
 
