@@ -103,6 +103,7 @@ private:
             plain_material &plain = out_.materials.emplace_back();
             const bool coloured = mesh.HasVertexColors(0);
             std::fill_n(plain.diffuse, 3, coloured ? 1.0f : default_grey);
+            plain.name = coloured ? "point colours" : "";
         }
         return materials_of_file_;
     }
