@@ -95,8 +95,8 @@ private:
         diffuse.add(alpha);
         json_list look;
         look.field("baseColorFactor", diffuse.array());
-        if (!m.picture.empty())
-            look.field("baseColorTexture", "{\"index\": ", texture_of(m), '}');
+        if (const int texture = m.picture.empty() ? -1 : texture_of(m); texture >= 0)
+            look.field("baseColorTexture", "{\"index\": ", texture, '}');
         look.field("metallicFactor", 0);
         look.field("roughnessFactor", gltf_look::roughness_of(m.look.shininess));
         json_list out;
@@ -133,26 +133,34 @@ private:
         return parts;
     }
 
+    // -1 for a picture that is to be packed and is not there.
     int texture_of(const model_material &m)
     {
         const auto [entry, fresh] = known_textures_.emplace(m.picture, textures_.count());
         if (!fresh)
             return entry->second;
-        const picture_file packed = packed_ ? picture_file_of(m.texture) : picture_file();
-        if (packed.bytes.empty()) {
-            const std::string name =
-                packed_ ? vesk_filename_get_file(m.picture.c_str()) : m.picture;
-            images_.add("{\"uri\": ", json_text(url_text(name)), '}');
-        } else {
-            bin_ += packed.bytes;
-            const int view = add_view(packed.bytes.size(), NO_TARGET);
-            bin_.resize((bin_.size() + 3) / 4 * 4, '\0'); // numbers follow
-            const std::string name = base_name(m.picture) + (packed.jpeg ? ".jpg" : ".png");
-            images_.add("{\"name\": ", json_text(name), ", \"bufferView\": ", view,
-                        ", \"mimeType\": \"image/", packed.jpeg ? "jpeg" : "png", "\"}");
+        if (!packed_) {
+            images_.add("{\"uri\": ", json_text(url_text(m.picture)), '}');
+        } else if (!add_packed_image(m)) {
+            vesk_report_loss(1, "textures");
+            return entry->second = -1;
         }
         textures_.add("{\"source\": ", images_.count() - 1, '}');
         return entry->second;
+    }
+
+    bool add_packed_image(const model_material &m)
+    {
+        const picture_file picture = picture_file_of(m.texture);
+        if (picture.bytes.empty())
+            return false;
+        bin_ += picture.bytes;
+        const int view = add_view(picture.bytes.size(), NO_TARGET);
+        bin_.resize((bin_.size() + 3) / 4 * 4, '\0'); // numbers follow
+        const std::string name = base_name(m.picture) + (picture.jpeg ? ".jpg" : ".png");
+        images_.add("{\"name\": ", json_text(name), ", \"bufferView\": ", view,
+                    ", \"mimeType\": \"image/", picture.jpeg ? "jpeg" : "png", "\"}");
+        return true;
     }
 
     void add_node(const model_node &node)
