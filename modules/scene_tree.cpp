@@ -99,11 +99,11 @@ private:
     {
         if (mesh.mMaterialIndex < materials_of_file_)
             return mesh.mMaterialIndex;
-        if (out_.materials.size() == materials_of_file_) {
+        const bool points = mesh.mNumFaces == 0 || mesh.mFaces[0].mNumIndices == 1;
+        if (out_.materials.size() == materials_of_file_ && !points) {
             plain_material &plain = out_.materials.emplace_back();
             const bool coloured = mesh.HasVertexColors(0);
             std::fill_n(plain.diffuse, 3, coloured ? 1.0f : default_grey);
-            plain.name = coloured ? "point colours" : "";
         }
         return materials_of_file_;
     }
@@ -117,7 +117,8 @@ private:
                 continue;
             const aiMesh &mesh = *scene_.mMeshes[source.mMeshes[i]];
             const std::size_t material = material_of(mesh);
-            const std::string &picture = out_.materials[material].picture;
+            const std::string picture =
+                material < out_.materials.size() ? out_.materials[material].picture : "";
             mesh_builder &part = built[picture];
             part.node.kind = PLAIN_POLY;
             part.node.picture = picture.empty() ? -1 : static_cast<int>(material);

@@ -8,11 +8,10 @@
 #include <vector>
 
 // Palette index of a plain colour, 0xRRGGBB; the other values are those of a new material.
-inline int palette_index_of(unsigned rgb, std::string name = "")
+inline int palette_index_of(unsigned rgb)
 {
     material m;
     material_init(&m);
-    m.name = name.data(); // the palette keeps a copy
     for (int i = 0; i < 3; ++i)
         m.diffuse[i] = static_cast<float>(rgb >> (16 - 8 * i) & 0xFF) / 255;
     return vesk_palette_get_new_material_index(&m);
@@ -26,7 +25,7 @@ constexpr int no_material = -1;
 constexpr unsigned colour_without_material = 0xCCCCCC;
 
 // The material of surfaces whose points have colours, which multiply its own.
-inline int palette_index_below_colours() { return palette_index_of(0xFFFFFF, "point colours"); }
+inline int palette_index_below_colours() { return palette_index_of(0xFFFFFF); }
 
 struct mesh_arrays {
     std::vector<float> points, uv; // uv: as far as a corner had any
