@@ -207,8 +207,9 @@ private:
 
     void point_colours(const object_t *object, model_node &node)
     {
+        const bool shown = wishes_.points || object->num_surfaces > 0;
         const unsigned char *rgb =
-            wishes_.point_colours ? vesk_object_get_vertex_colours(object) : nullptr;
+            wishes_.point_colours && shown ? vesk_object_get_vertex_colours(object) : nullptr;
         if (rgb != nullptr)
             node.colours.assign(rgb, rgb + 3 * node.points.size());
         else
