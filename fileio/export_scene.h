@@ -68,6 +68,7 @@ struct export_object {
     std::string name;    // on one line
     std::string picture; // the texture's file as seen from the file's folder, "" for none
     std::vector<export_part> parts;
+    int children = 0; // that are written, too
 
     // As it stands on the object: repeats and offsets are applied.
     [[nodiscard]] flat_uv uv(int corner) const;
