@@ -39,6 +39,26 @@ void import_mesh::end_surface(int palette_index, int flags)
     attributes_.push_back({palette_index, flags});
 }
 
+void import_mesh::drop_unused_points(const std::vector<bool> &keep)
+{
+    std::vector<bool> used = keep;
+    used.resize(points_.size() / 3);
+    for (const int corner : corners_)
+        used[static_cast<size_t>(corner)] = true;
+    std::vector<int> places(used.size());
+    size_t count = 0;
+    for (size_t i = 0; i < used.size(); ++i) {
+        if (!used[i])
+            continue;
+        places[i] = static_cast<int>(count);
+        std::copy_n(points_.begin() + static_cast<std::ptrdiff_t>(3 * i), 3,
+                    points_.begin() + static_cast<std::ptrdiff_t>(3 * count++));
+    }
+    points_.resize(3 * count);
+    for (int &corner : corners_)
+        corner = places[static_cast<size_t>(corner)];
+}
+
 object_t *import_mesh::make_object(const std::string &name) const
 {
     object_t *object = new_object(OBJECT_POLY);

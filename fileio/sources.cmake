@@ -17,6 +17,7 @@ target_sources(vesk_core PRIVATE
     fileio/export_rib.cpp
     fileio/export_scene.cpp
     fileio/export_vrml2.cpp
+    fileio/export_vrml2_tree.cpp
     fileio/finite_numbers.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp
@@ -28,6 +29,7 @@ target_sources(vesk_core PRIVATE
     fileio/import_mesh.cpp
     fileio/import_text.cpp
     fileio/import_vrml.cpp
+    fileio/import_vrml2.cpp
     fileio/output.cpp
     fileio/rescue.cpp
     fileio/scene_stream.cpp
@@ -45,4 +47,12 @@ target_sources(vesk_core PRIVATE
     fileio/vesk_writer.cpp
     fileio/vrml1_scan.cpp
     fileio/vrml1_shapes.cpp
+    fileio/vrml2_fields.cpp
+    fileio/vrml2_grids.cpp
+    fileio/vrml2_parse.cpp
+    fileio/vrml2_shapes.cpp
+    fileio/vrml_frame.cpp
+    fileio/vrml_names.cpp
+    fileio/vrml_solids.cpp
+    fileio/vrml_tree.cpp
 )

@@ -261,6 +261,7 @@ void vesk_register_internal_file_importers(void)
         {".vec .r2v", "Vector files", vesk_import_vector},
         {".md2", "MD2 files", vesk_import_md2},
         {".bsp", "Quake3 BSP files", vesk_import_quake3bsp},
+        {".wrz .gz", "VRML files, packed", vesk_import_vrml},
     };
     for (const row_t &row : rows) {
         vesk_register_file_importer(row.suffix, row.description, row.load,

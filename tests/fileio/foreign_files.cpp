@@ -270,3 +270,46 @@ Separator {
 }
 )";
 }
+
+std::string make_vrml2()
+{
+    return R"(#VRML V2.0 utf8
+# a world with most of the nodes
+WorldInfo { title "made by hand" info [ "one", "two" ] }
+EXTERNPROTO Elsewhere [ field SFFloat size ] [ "other.wrl#Elsewhere" ]
+Viewpoint { position 0 0 10 description "front" }
+Anchor { url [ "http://example.org/\"house\"" ] description "a house" children
+  DEF house Group { children [
+    Transform { translation 10 0 0 children [
+      DEF wall Shape {
+        appearance Appearance {
+          material DEF paint Material { diffuseColor 0 0 1 shininess 0.5 transparency 0.25 }
+          texture ImageTexture { url [ "wood.bmp", "gone.png" ] repeatS TRUE }
+          textureTransform TextureTransform { scale 2 3 translation 0 0.5 }
+        }
+        geometry IndexedFaceSet {
+          coord DEF points Coordinate { point [ 0 0 0, 2 0 0, 2 1 0, 0 1 0, 9 9 9 ] }
+          coordIndex [ 0, 1, 2, -1, # the first
+                       0, 2, 3, -1, 99, 98, 97, -1 ]
+          texCoord TextureCoordinate { point [ 0 0, 1 0, 1 1, 0 1 ] }
+        }
+      }
+      Shape { geometry IndexedLineSet { coord USE points coordIndex [ 0 1 2 -1 ] } }
+    ] }
+    DEF lamp PointLight { location 1 2 4 }
+  ] }
+}
+Transform { rotation 0 0 1 1.5707963 scale 3 1 1 children
+  Transform { translation 1 0 0 children [ DEF box Shape { geometry Box { size 2 2 4 } } ] } }
+Switch { whichChoice 1 choice [ Shape { geometry Sphere { radius 100 } }
+                                Shape { geometry Cone { side TRUE bottom FALSE } } ] }
+PROTO Leg [ field SFFloat size 1 eventIn SFTime go ] { Shape { geometry Cylinder { radius IS size } } }
+Transform { translation 0 0 -5 children [ Leg { size 2 } Elsewhere { size 3 } USE box ] }
+DEF clock TimeSensor { cycleInterval 2 }
+DEF talk Script { eventIn SFTime now field SFNode to USE box url "javascript: function now() {}" }
+Shape { geometry Text { string [ "hello" ] } }
+Shape { geometry ElevationGrid { xDimension 3 zDimension 3 height [ 0 1 0, 1 2 1, 0 1 0 ] } }
+Shape { geometry Extrusion { spine [ 0 0 0, 0 1 0, 1 2 0 ] scale [ 1 1, 0.5 0.5 ] } }
+ROUTE clock.cycleTime TO talk.now
+)";
+}

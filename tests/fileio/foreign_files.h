@@ -16,5 +16,6 @@ std::string make_lws(
 std::string make_md2();   // two triangles, one frame
 std::string make_bsp();   // a polygon of shader "walls/brick", a patch of "curves/arch"
 std::string make_vrml1(); // see the test
+std::string make_vrml2(); // see the test
 
 #endif
