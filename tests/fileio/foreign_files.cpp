@@ -141,9 +141,24 @@ std::string make_lwob()
     std::string polygon;
     for (const int word : {4, 0, 3, 2, 1, 1}) // clockwise; then the surface, from 1
         put_be(polygon, static_cast<unsigned>(word), 2);
-    const std::string surface = std::string("paint\0", 6) +
-                                iff_small("COLR", std::string("\xFF\x80\0\0", 4)) +
-                                iff_small("TIMG", std::string("wood.bmp\0\0", 10));
+    const auto share = [](const char *part, unsigned value) {
+        std::string bytes;
+        put_be(bytes, value, 2);
+        return iff_small(part, bytes);
+    };
+    std::string size;
+    std::string centre;
+    for (const float value : {4.0f, 2.0f, 1.0f})
+        put_be(size, bits_of(value), 4);
+    for (const float value : {1.0f, 0.5f, 0.0f})
+        put_be(centre, bits_of(value), 4);
+    const std::string surface =
+        std::string("paint\0", 6) + iff_small("COLR", std::string("\xFF\x80\0\0", 4)) +
+        share("FLAG", 4) + share("LUMI", 64) + share("DIFF", 128) + share("SPEC", 256) +
+        share("GLOS", 64) + share("TRAN", 128) +
+        iff_small("CTEX", std::string("Planar Image Map\0\0", 18)) + share("TFLG", 4) +
+        iff_small("TSIZ", size) + iff_small("TCTR", centre) +
+        iff_small("TIMG", std::string("wood.bmp\0\0", 10));
     return iff("FORM", "LWOB" + iff("PNTS", points) + iff("SRFS", std::string("paint\0", 6)) +
                            iff("POLS", polygon) + iff("SURF", surface));
 }

@@ -17,6 +17,7 @@
 #include "tests/support/scene_test.h"
 
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -214,6 +215,77 @@ TEST_F(Import, ALightwaveSceneLoadsItsObjects)
         // x = 10 .. 12 becomes y = 5 + 20 .. 24
         EXPECT_EQ(run("get_selection_centre"), "-1 27 0");
         EXPECT_STREQ(find("base")->children == nullptr ? "" : "child", "child");
+    }
+}
+
+// Each version tells by its first words how it writes motions.
+TEST_F(Import, LightwaveScenesOfLaterVersionsAreReadOrRefused)
+{
+    write_text(temporary_file("part.lwo"), make_lwob());
+    const auto channels = [](const char *values) {
+        std::string text = "NumChannels 9\n";
+        std::istringstream words(values);
+        std::string word;
+        for (int i = 0; words >> word; ++i)
+            text += "Channel " + std::to_string(i) + "\n{ Envelope\n  1\n  Key " + word +
+                    " 0 0 0 0 0 0 0 0\n  Behaviors 1 1\n}\n";
+        return text;
+    };
+    for (const char *version : {"2", "3", "5"}) {
+        run("clear_all");
+        const std::string id = *version == '5' ? "10000000 " : "";
+        const std::string text =
+            "LWSC\n" + std::string(version) + "\n\nLoadObjectLayer 1 " + id +
+            "part.lwo\nObjectMotion\n" + channels("10 0 0 1.5707963 0 0 1 1 1") +
+            "ParentItem 10000001\nPivotPosition 1 0 0\n" + "AddNullObject " +
+            (*version == '5' ? "10000001 " : "") + "base\nObjectMotion\n" +
+            channels("0 5 0 0 0 0 2 2 2") + "AddLight\nLightName key light\nLightMotion\n" +
+            channels("1 2 3 0 0 0 1 1 1") + "AddCamera\nCameraMotion\n" +
+            channels("7 7 7 0 0 0 1 1 1") + "PivotPosition 99 0 0\nParentItem 10000000\n";
+        ASSERT_EQ(load("a.lws", text), "1") << recording().boxes.back();
+        const object_t *base = find("base");
+        ASSERT_NE(base, nullptr) << version;
+        ASSERT_EQ(base->num_children, 1) << version; // its child stands before it in the file
+        const object_t *part = item_of<object_t>(base->children);
+        // x = -1 .. 1 from its pivot, turned to z, twice as large, about (20, 5, 0)
+        EXPECT_NEAR(find_object_min(part).x, 20, 1e-5) << version;
+        EXPECT_NEAR(find_object_min(part).z, -2, 1e-5) << version;
+        EXPECT_NEAR(find_object_min(part).y, 5, 1e-5) << version;
+        ASSERT_NE(find("key light"), nullptr);
+        EXPECT_EQ(find("key light")->centre.z, -3);
+    }
+    EXPECT_EQ(load("a.lws", "LWSC\n9\nAddNullObject x\n"), "0");
+    EXPECT_TRUE(recording().boxes.back().ends_with("its version of the scene format is not known"));
+    EXPECT_EQ(load("a.lws", "LWSC\n2\nAddNullObject x\nObjectMotion\n 1 2 3 4\n"), "0");
+    EXPECT_TRUE(
+        recording().boxes.back().ends_with("its motions stand in a form that is not known"));
+    // A chain of null objects costs no more than its length; one that bites its tail is cut.
+    std::string chain = "LWSC\n1\n";
+    for (int i = 0; i < 20000; ++i)
+        chain += "AddNullObject n\nParentObject " + std::to_string(i == 0 ? 20000 : i) + "\n";
+    EXPECT_EQ(load("a.lws", chain), "1");
+}
+
+TEST_F(Import, OlderLightwaveObjectsHavePicturesSidesAndLight)
+{
+    ASSERT_EQ(load("a.lwo", make_lwob()), "1");
+    const object_t *object = find("a");
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(object->has_texture, 1);
+    const auto *surface = item_of<surface_t>(object->surfaces);
+    EXPECT_EQ(surface->normal.z, 1); // outlines run clockwise there
+    EXPECT_EQ(surface->twosided, 0);
+    EXPECT_EQ(surface->shading, 1);
+    const material *paint = vesk_palette_get_material(surface->material);
+    EXPECT_FLOAT_EQ(paint->diffuse[0], 0.5f);
+    EXPECT_FLOAT_EQ(paint->emissive[0], 0.25f);
+    EXPECT_FLOAT_EQ(paint->specular[1], 1);
+    EXPECT_EQ(paint->shininess, 64);
+    EXPECT_EQ(paint->transparency, 0.5f);
+    // A picture of 4 by 2 about (1, 0.5) along z.
+    for (const svertex *corner : each<svertex>(surface->refs)) {
+        EXPECT_FLOAT_EQ(corner->u, (corner->vertex->position.x - 1) / 4 + 0.5f);
+        EXPECT_FLOAT_EQ(corner->v, (corner->vertex->position.y - 0.5f) / 2 + 0.5f);
     }
 }
 
