@@ -289,17 +289,19 @@ void add_polygon(const lwob_file &file, const lwob_polygon &polygon, const lwob_
     double last = 0;
     bool first = true;
     for (auto corner = polygon.corners.rbegin(); corner != polygon.corners.rend(); ++corner) {
-        if (*corner >= mesh->num_points())
+        if (*corner >= static_cast<int>(file.points.size()))
             continue;
+        const point3_t &p = file.points[static_cast<std::size_t>(*corner)];
         place_t at = {0, 0};
         if (picture.kind != lwob_picture::NONE)
-            at = place_on(picture, file.points[static_cast<std::size_t>(*corner)]);
+            at = place_on(picture, p);
         // Over the seam of a round picture it goes on.
         if (picture.kind != lwob_picture::PLANE && picture.around != 0 && !first)
             at.u -= std::round((at.u - last) / picture.around) * picture.around;
         last = at.u;
         first = false;
-        mesh->add_corner(*corner, static_cast<float>(at.u), static_cast<float>(at.v));
+        mesh->add_corner(mesh->add_point_of(*corner, p.x, p.y, -p.z), static_cast<float>(at.u),
+                         static_cast<float>(at.v));
     }
     const bool line = polygon.corners.size() == 2;
     mesh->end_surface(surface.palette_index, line ? int{SURFACE_TWOSIDED} | SURFACE_LINE
@@ -320,16 +322,11 @@ std::vector<object_t *> make_objects(const char *filename, const lwob_file &file
     for (const lwob_polygon &polygon : file.polygons) {
         const lwob_surface &surface = surface_of(polygon);
         import_mesh &mesh = meshes[surface.picture.name];
-        if (mesh.num_points() == 0)
-            for (const point3_t &p : file.points)
-                mesh.add_point(p.x, p.y, -p.z);
         add_polygon(file, polygon, surface, &mesh);
     }
     for (auto &[picture, mesh] : meshes) {
         if (mesh.empty())
             continue;
-        if (meshes.size() > 1)
-            mesh.drop_unused_points();
         objects.push_back(mesh.make_object(import_base_name(filename)));
         if (!picture.empty())
             search_and_set_texture(objects.back(), filename, picture.c_str());

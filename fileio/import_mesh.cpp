@@ -19,6 +19,12 @@ int import_mesh::add_point(float x, float y, float z)
     return num_points() - 1;
 }
 
+int import_mesh::add_point_of(int place, float x, float y, float z)
+{
+    const auto [known, fresh] = known_.emplace(place, num_points());
+    return fresh ? add_point(x, y, z) : known->second;
+}
+
 void import_mesh::add_corner(int point, float u, float v)
 {
     corners_.push_back(point);

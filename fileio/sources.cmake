@@ -21,6 +21,7 @@ target_sources(vesk_core PRIVATE
     fileio/finite_numbers.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp
+    fileio/import_3ds.cpp
     fileio/import_assimp.cpp
     fileio/import_bsp.cpp
     fileio/import_dxf.cpp
@@ -32,9 +33,11 @@ target_sources(vesk_core PRIVATE
     fileio/import_vrml2.cpp
     fileio/output.cpp
     fileio/rescue.cpp
+    fileio/scan_3ds.cpp
     fileio/scene_stream.cpp
     fileio/state_writer.cpp
     fileio/text_objects.cpp
+    fileio/texture_beside.cpp
     fileio/tree_reader.cpp
     fileio/vesk_frames.cpp
     fileio/vesk_geometry.cpp

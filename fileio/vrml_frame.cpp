@@ -80,11 +80,31 @@ point3_t vrml_place(const vrml_matrix &m, double x, double y, double z)
     return {at(0), at(1), at(2)};
 }
 
-bool vrml_mirrors(const vrml_matrix &m)
+static double determinant(const vrml_matrix &m)
 {
     return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) +
-               m[2] * (m[4] * m[9] - m[5] * m[8]) <
-           0;
+           m[2] * (m[4] * m[9] - m[5] * m[8]);
+}
+
+bool vrml_mirrors(const vrml_matrix &m) { return determinant(m) < 0; }
+
+vrml_matrix vrml_inverse(const vrml_matrix &m)
+{
+    const double whole = determinant(m);
+    if (whole == 0 || !std::isfinite(whole))
+        return vrml_identity;
+    vrml_matrix out = vrml_identity;
+    for (std::size_t row = 0; row < 3; ++row)
+        for (std::size_t column = 0; column < 3; ++column) {
+            const std::size_t a = (column + 1) % 3, b = (column + 2) % 3;
+            const std::size_t c = (row + 1) % 3, d = (row + 2) % 3;
+            out[4 * row + column] =
+                (m[4 * a + c] * m[4 * b + d] - m[4 * a + d] * m[4 * b + c]) / whole;
+        }
+    for (std::size_t column = 0; column < 3; ++column)
+        out[12 + column] =
+            -(m[12] * out[column] + m[13] * out[4 + column] + m[14] * out[8 + column]);
+    return out;
 }
 
 void vrml_set_frame(object_t *object, const vrml_matrix &m, const std::vector<float> &centre)

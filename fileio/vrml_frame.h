@@ -29,6 +29,9 @@ vrml_matrix vrml_whole(const vrml_transform &fields);
 
 point3_t vrml_place(const vrml_matrix &frame, double x, double y, double z);
 
+// Of a frame that flattens everything: one that changes nothing.
+vrml_matrix vrml_inverse(const vrml_matrix &frame);
+
 // Whether what was seen counter-clockwise is seen clockwise.
 bool vrml_mirrors(const vrml_matrix &frame);
 

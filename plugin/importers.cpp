@@ -13,6 +13,7 @@
 #include "edit/document/selection.h"
 #include "fileio/export_3ds.h"
 #include "fileio/finite_numbers.h"
+#include "fileio/import_3ds.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_dxf.h"

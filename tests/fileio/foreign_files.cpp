@@ -105,6 +105,52 @@ std::string make_3ds()
                      nodes);
 }
 
+std::string make_3ds_with_keys()
+{
+    const auto reals = [](std::initializer_list<float> values) {
+        std::string out;
+        put_floats(out, values);
+        return out;
+    };
+    const auto number = [](unsigned value, int bytes) {
+        std::string out;
+        put_le(out, value, bytes);
+        return out;
+    };
+    const auto mesh = [&](const char *name, const std::string &frame) {
+        const std::string points = number(3, 2) + reals({0, 0, 0, 2, 0, 0, 0, 1, 0});
+        const std::string face =
+            number(1, 2) + number(0, 2) + number(1, 2) + number(2, 2) + number(7, 2);
+        return chunk(0x4000, z_string(name) +
+                                 chunk(0x4100, chunk(0x4110, points) +
+                                                   (frame.empty() ? "" : chunk(0x4160, frame)) +
+                                                   chunk(0x4120, face)));
+    };
+    const auto track = [&](unsigned id, std::initializer_list<float> values) {
+        return chunk(id, number(0, 2) + number(0, 4) + number(0, 4) + number(1, 4) + number(0, 4) +
+                             number(0, 2) + reals(values));
+    };
+    const auto node = [&](unsigned id, const char *name, unsigned parent,
+                          const std::string &tracks) {
+        return chunk(0xB002, chunk(0xB030, number(id, 2)) +
+                                 chunk(0xB010, z_string(name) + number(0, 4) + number(parent, 2)) +
+                                 tracks);
+    };
+    const std::string nodes =
+        node(0, "one", 0xFFFF,
+             chunk(0xB013, reals({1, 2, 3})) + track(0xB020, {10, 20, 30}) +
+                 track(0xB021, {0.5f, 0, 0, 1}) + track(0xB022, {2, 1, 1})) +
+        node(1, "two", 0, track(0xB020, {1, 0, 0}) + track(0xB021, {0.25f, 1, 0, 0})) +
+        node(2, "mirrored", 0xFFFF, track(0xB020, {3, 0, 0}));
+    return chunk(
+        0x4D4D,
+        chunk(0x0002, number(3, 4)) +
+            chunk(0x3D3D, mesh("one", reals({0, 1, 0, -1, 0, 0, 0, 0, 1, 5, 6, 7})) +
+                              mesh("two", "") +
+                              mesh("mirrored", reals({-1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 0, 0}))) +
+            chunk(0xB000, nodes));
+}
+
 std::string make_dxf()
 {
     return "0\nSECTION\n2\nENTITIES\n0\n3DFACE\n8\nlayer1\n10\n0\n20\n0\n30\n0\n11\n2\n21\n0\n31\n0"
