@@ -125,11 +125,15 @@ public:
         object_t *world = new_object(OBJECT_WORLD);
         std::vector<object_t *> made(file_.nodes.size());
         std::vector<vrml_matrix> frames(file_.nodes.size(), vrml_identity);
+        std::vector<bool> beside_camera(file_.nodes.size());
         std::unordered_map<int, std::size_t> places; // by id
         for (std::size_t i = 0; i < file_.nodes.size(); ++i) {
-            const node_3ds &node = file_.nodes[i];
+            node_3ds node = file_.nodes[i];
             const auto above = places.find(node.parent);
             const bool has_parent = node.parent >= 0 && above != places.end();
+            // What goes along with a camera stays where it was made.
+            beside_camera[i] = node.camera || (has_parent && beside_camera[above->second]);
+            node.moves = node.moves && !beside_camera[i];
             frames[i] = frame_of(node);
             if (has_parent)
                 frames[i] = vrml_product(frames[i], frames[above->second]);
@@ -175,6 +179,8 @@ private:
 
     object_t *make(const node_3ds &node, const vrml_matrix &frame)
     {
+        if (node.camera)
+            return nullptr;
         const auto mesh_at = meshes_.find(node.name);
         if (mesh_at != meshes_.end()) {
             const mesh_3ds &from = file_.meshes[mesh_at->second];
@@ -189,7 +195,7 @@ private:
             return light(file_.lights[light_at->second]);
         }
         if (node.name.empty())
-            return nullptr; // a camera's
+            return nullptr;
         object_t *group = new_group();
         object_set_name(group, node.name != dummy      ? node.name.c_str()
                                : node.instance.empty() ? "group"

@@ -55,7 +55,7 @@ std::vector<std::string> split(const std::string &text, const char *separators)
 
 // ---- the scene's text ----
 
-// Texts of version 1 have motions as tables of numbers in degrees, later ones as envelopes in
+// Texts of version 1 and 2 have motions as tables of numbers in degrees, later ones as envelopes in
 // radians; each tells which by its first words.
 class scene_reader {
 public:
@@ -158,8 +158,8 @@ private:
         const std::vector<std::string> words = split(lines_[at_ + 1], " \t");
         if (!words.empty() && words[0] == "NumChannels")
             read_channels(&motion);
-        else if (words.size() == 1 && int_of(words[0]) == 9)
-            read_keys(&motion);
+        else if (words.size() == 1 && int_of(words[0]) > 0 && int_of(words[0]) <= 9)
+            read_keys(static_cast<size_t>(int_of(words[0])), &motion);
         else
             strange_ = true;
         return motion;
@@ -191,19 +191,33 @@ private:
         moving += moves ? 1 : 0;
     }
 
-    // The number of channels, of keys, and the first key's values; angles in degrees.
-    void read_keys(motion_t *motion)
+    // After the number of channels: in version 1 the number of keys and the values of all channels
+    // for each, in version 2 for each channel the number of its keys and one value in each. Angles
+    // are in degrees.
+    void read_keys(size_t channels, motion_t *motion)
     {
-        if (at_ + 3 >= lines_.size()) {
-            strange_ = true;
-            return;
+        ++at_;
+        const auto words_at = [this](size_t line) {
+            return line < lines_.size() ? split(lines_[line], " \t") : std::vector<std::string>();
+        };
+        const bool together =
+            words_at(at_ + 2).size() == channels && (version_ < 2 || channels > 6);
+        bool moves = false;
+        for (size_t i = 0; i < channels; ++i) {
+            const std::vector<std::string> count = words_at(at_ + 1);
+            const std::vector<std::string> values = words_at(at_ + 2);
+            const int keys = count.size() == 1 ? int_of(count[0]) : 0;
+            if (keys < 1 || values.size() < (together ? channels : 2)) {
+                strange_ = true;
+                return;
+            }
+            moves = moves || keys > 1;
+            (*motion)[i] = double_of(values[together ? i : 0]) * (i >= 3 && i < 6 ? degree : 1);
+            if (!together)
+                at_ = std::min(at_ + 1 + static_cast<size_t>(keys), lines_.size());
         }
-        moving += int_of(lines_[at_ + 2]) > 1 ? 1 : 0;
-        const std::vector<std::string> values = split(lines_[at_ + 3], " \t");
-        strange_ = strange_ || values.size() != motion->size();
-        for (size_t i = 0; i < values.size() && i < motion->size(); ++i)
-            (*motion)[i] = double_of(values[i]) * (i >= 3 && i < 6 ? degree : 1);
-        at_ += 3;
+        at_ += together ? 2 : 0;
+        moving += moves ? 1 : 0;
     }
 
     std::vector<std::string> lines_;

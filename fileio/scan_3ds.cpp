@@ -277,9 +277,10 @@ std::array<float, N> first_key(chunk_bytes bytes, node_3ds *node)
     return bytes.reals<N>();
 }
 
-void read_node(chunk_bytes bytes, file_3ds *file)
+void read_node(chunk_bytes bytes, bool camera, file_3ds *file)
 {
     node_3ds node;
+    node.camera = camera;
     bytes.chunks([&node](unsigned id, chunk_bytes part) {
         if (id == 0xB010) {
             node.name = part.text();
@@ -321,10 +322,8 @@ bool scan_3ds(std::string_view bytes, file_3ds *file)
                 read_material(content, file);
             else if (id == 0x3D3D && kind == 0x4000)
                 read_object(content, file);
-            else if (id == 0xB000 && (kind == 0xB002 || kind == 0xB005 || kind == 0xB007))
-                read_node(content, file);
-            else if (id == 0xB000 && kind >= 0xB001 && kind <= 0xB006)
-                file->nodes.push_back({}); // of a camera; it counts as a place
+            else if (id == 0xB000 && kind >= 0xB001 && kind <= 0xB007)
+                read_node(content, kind != 0xB002 && kind != 0xB005 && kind != 0xB007, file);
         });
     });
     return true;

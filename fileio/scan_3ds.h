@@ -42,6 +42,7 @@ struct node_3ds {
     std::string instance; // its own, "" for none
     int id = -1;          // -1: its place in the file
     int parent = -1;      // an id
+    bool camera = false;  // of a camera or of what it looks at, which are not read
     bool moves = false;   // it has a place of its own ...
     std::array<float, 3> pivot = {}, place = {}, scale = {1, 1, 1};
     std::array<float, 4> turn = {}; // ... and these; axis and angle

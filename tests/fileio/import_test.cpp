@@ -332,6 +332,18 @@ TEST_F(Import, LightwaveScenesOfLaterVersionsAreReadOrRefused)
         ASSERT_NE(find("key light"), nullptr);
         EXPECT_EQ(find("key light")->centre.z, -3);
     }
+    // Version 2 has the keys of each channel for themselves.
+    std::string table;
+    for (const char *value : {"10", "0", "0", "90", "0", "0", "1", "1", "1"})
+        table += "  2\n  " + std::string(value) + " 0 2 0 0 0\n  99 1 2 0 0 0\n";
+    run("clear_all");
+    ASSERT_EQ(load("a.lws", "LWSC\n2\n\nLoadObject part.lwo\nObjectMotion (unnamed)\n  9\n" +
+                                table + "PivotPoint 1 0 0\n"),
+              "1");
+    EXPECT_NEAR(find_object_min(find("part")).x, 10, 1e-5);
+    EXPECT_NEAR(find_object_min(find("part")).z, -1, 1e-5);
+    EXPECT_EQ(last_file_report().warnings.back().text,
+              "1 motions have more than one key; the first is taken");
     EXPECT_EQ(load("a.lws", "LWSC\n9\nAddNullObject x\n"), "0");
     EXPECT_TRUE(recording().boxes.back().ends_with("its version of the scene format is not known"));
     EXPECT_EQ(load("a.lws", "LWSC\n2\nAddNullObject x\nObjectMotion\n 1 2 3 4\n"), "0");
