@@ -280,9 +280,8 @@ private:
                 break;
             } else if (!is_node(at_)) {
                 const vrml_fields fields = one_field();
-                if (chooses && fields.has("whichChild"))
-                    chosen =
-                        static_cast<int>(std::clamp(fields.number("whichChild", -1), -3.0f, 1e9f));
+                if (chooses && !fields.integers("whichChild").empty())
+                    chosen = fields.integers("whichChild").front();
                 if (fields.has("name"))
                     named = fields.word("name");
             } else {

@@ -136,13 +136,13 @@ void add_points(const vrml_state &state, vrml1_mesh *out)
 
 void add_point_set(const vrml_fields &fields, vrml1_mesh *out)
 {
-    const auto all = static_cast<float>(out->loose.size());
-    const float first = std::clamp(fields.number("startIndex", 0), 0.0f, all);
-    const float count = fields.number("numPoints", -1);
-    const auto begin = static_cast<std::size_t>(first);
-    const auto end = static_cast<std::size_t>(count < 0 ? all : std::min(first + count, all));
-    for (std::size_t i = begin; i < end; ++i)
-        out->loose[i] = true;
+    const std::vector<int> start = fields.integers("startIndex");
+    const std::vector<int> number = fields.integers("numPoints");
+    const auto all = static_cast<long>(out->loose.size());
+    const long first = std::clamp<long>(start.empty() ? 0 : start[0], 0, all);
+    const long count = number.empty() || number[0] < 0 ? all : number[0];
+    for (long i = first; i < std::min(first + count, all); ++i)
+        out->loose[static_cast<std::size_t>(i)] = true;
 }
 
 bool has_part(const vrml_fields &fields, const char *part)

@@ -39,6 +39,7 @@
 #include <set>
 #include <string>
 #include <strings.h>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -63,6 +64,27 @@ void count_import(object_t *top, double seconds)
     report.materials = static_cast<int>(materials.size());
     report.seconds = seconds;
     report.read = true;
+}
+
+// The name that a file really has. The interpreter takes the bytes of a name that is no UTF-8 for
+// Latin-1, and hands it on as UTF-8.
+std::string name_on_disk(const char *filename)
+{
+    struct stat about = {};
+    if (stat(filename, &about) == 0)
+        return filename;
+    std::string bytes;
+    for (const char *p = filename; *p != '\0'; ++p) {
+        const auto c = static_cast<unsigned char>(*p);
+        if (c < 0x80) {
+            bytes += *p;
+        } else if ((c == 0xC2 || c == 0xC3) && p[1] != '\0') {
+            bytes += static_cast<char>((c & 3) << 6 | (static_cast<unsigned char>(*++p) & 0x3F));
+        } else {
+            return filename;
+        }
+    }
+    return stat(bytes.c_str(), &about) == 0 ? bytes : filename;
 }
 
 // An importer may be a plug-in's: a fault in it costs a message, not the session.
@@ -146,9 +168,11 @@ char *vesk_get_all_importer_info(void)
     return text_copy(text.c_str());
 }
 
-object_t *vesk_import_file(const char *filename)
+object_t *vesk_import_file(const char *given_name)
 {
-    file_report_begin(filename);
+    file_report_begin(given_name);
+    const std::string name = name_on_disk(given_name);
+    const char *filename = name.c_str();
     const char *suffix = string_get_suffix(filename);
     if (suffix == nullptr) {
         windows_message_dialog(
@@ -161,6 +185,11 @@ object_t *vesk_import_file(const char *filename)
                                format_table_text<vesk_importer_t>(importers, "import").c_str());
         return nullptr;
     }
+    struct stat about = {};
+    if (stat(filename, &about) == 0 && !S_ISREG(about.st_mode))
+        return import_refused(filename, S_ISDIR(about.st_mode)
+                                            ? "it is a folder"
+                                            : "it is a pipe or a device, no file");
     const double began = ui_port().now_seconds();
     last_file_report().format = importer->description;
     object_t *object = load_guarded(importer, filename);

@@ -108,7 +108,7 @@ std::vector<import_case> import_cases()
         {"md2",       "a.md2", make_md2(),   {1, 2, 4, 0},  "2 1 0"},
         {"bsp",       "a.bsp", make_bsp(),   {2, 18, 29, 0}, "2 1 2"},
         {"triangles", "a.tri", "# two\n0 0 0 2 0 0 2 1 0 0xff8000\n0 0 0  2 1 0\n0 1 0\nsecond one\n0 0 0 1 0 0 0 0 3\n1 2",
-                                             {2, 3, 9, 0},  "2 1 3"},
+                                             {2, 3, 7, 0},  "2 1 3"},
         {"vector",    "a.vec", "3\n0 0\n2 0\n2 1\n\n0,0,0\n1,0,0\n1,1,0\n0,0,0\nend\n7 7\n",
                                              {1, 2, 6, 0},  "2 1 0"},
         {"vector2",   "a.r2v", "0 0 1\n5 0 1\n", {1, 1, 2, 0}, "5 0 0"},
