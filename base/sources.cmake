@@ -15,6 +15,7 @@ target_sources(vesk_core PRIVATE
     base/file_text.cpp
     base/filename.cpp
     base/foreign.cpp
+    base/gzip.cpp
     base/home.cpp
     base/image_png.cpp
     base/linked_vars.cpp
@@ -31,4 +32,5 @@ target_sources(vesk_core PRIVATE
     base/ui_port.cpp
     base/utf8.cpp
     base/version.cpp
+    base/worker.cpp
 )

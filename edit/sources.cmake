@@ -85,6 +85,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
+    edit/mesh/kept_colours.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
     edit/mesh/planar_sides.cpp
