@@ -2,7 +2,9 @@
 
 #include "base/command_result.h"
 #include "base/messages.h"
+#include "base/numbers.h"
 #include "base/prefs.h"
+#include "edit/axis_pivot.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
@@ -157,6 +159,13 @@ void duplicate(const char *what, const point3_t &offset, bool wants_result)
 // ---- commands ----
 
 void duplicate_selected(void) { duplicate("duplicate", shift_of_copies(), false); }
+
+void command_duplicate_along(int count, const char *const *words)
+{
+    const std::optional<vec3d> axis = axis_of_word("duplicate", count > 1 ? words[1] : "normal");
+    if (axis)
+        duplicate("duplicate", to_point(*axis * double_of(words[0])), false);
+}
 
 void command_clone_selection()
 {

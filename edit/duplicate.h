@@ -25,6 +25,9 @@ void commit_copies(const char *what, const std::vector<object_t *> &copies, chil
 // Command "clone_selection": the same in place. The result lists the new objects' identities, or
 // the places of the new surfaces in their objects.
 void command_clone_selection();
+// Command "duplicate_along": a distance, then the axis (edit/axis_pivot.h; the mean normal). The copies
+// lie that far away, whatever the preference says. Undo "duplicate".
+void command_duplicate_along(int count, const char *const *words);
 #endif
 
 #endif

@@ -8,6 +8,7 @@
 #include "edit/deform.h"
 #include "edit/dimensions.h"
 #include "edit/drop.h"
+#include "edit/duplicate.h"
 #include "edit/mirror_copy.h"
 #include "edit/place.h"
 #include "edit/soft_selection.h"
@@ -21,6 +22,8 @@ std::span<const own_command_t> copy_commands()
         command_row("array", command_array, edit, 5, 5,
                     "<int n> <float dx> <float dy> <float dz> <int by size>",
                     "n copies of the selection in a row"),
+        command_row("duplicate_along", command_duplicate_along, edit, 1, 2,
+                    "<float distance> <string axis>", "a copy of the selection along any axis"),
         command_row("array_round", command_array_round, edit, 3, 4,
                     "<int n> <string axis> <float degrees> <string pivot>",
                     "n copies of the selection round an axis"),

@@ -99,6 +99,7 @@ namespace eval ::vesk::menus {
         ::vesk::reach::toggle_soft   {proportional falloff magnet influence}
         soft_selection               {proportional falloff influence}
         array                        {copies repeat row grid duplicate}
+        duplicate_along              {copy offset "along normal"}
         array_round                  {radial circular polar copies gear}
         array_path                   {follow curve copies}
         mirror_copy                  {reflect symmetry flip half}

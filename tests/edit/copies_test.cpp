@@ -1,3 +1,4 @@
+#include "base/prefs.h"
 #include "edit/check/model_check.h"
 #include "edit/document/selection_internal.h"
 #include "model/bounds.h"
@@ -268,6 +269,22 @@ TEST_F(Copies, DroppedElementsRestAsOneOnWhatDoesNotHangOnThem)
     select_vertices_at(sheet, {0, 1, 2, 3});
     run("drop", "below");
     EXPECT_EQ(last_message(), "drop - nothing lies below");
+}
+
+TEST_F(Copies, ADuplicateLiesAlongAnAxis)
+{
+    object_t *squares = add_squares(2, 1); // facing +z
+    select_surfaces_at(squares, {1});
+    prefs.shift_duplicated = 1;
+    ASSERT_TRUE(run_and_expect_exact_undo({"duplicate_along", "0.5"}));
+    EXPECT_EQ(squares->num_surfaces, 3);
+    EXPECT_FLOAT_EQ(selection().box_centre.z, 0.5f);
+    EXPECT_FLOAT_EQ(selection().box_centre.x, 1.5f);
+    choose({add_box(0, 0, 0, 1, 1, 1)});
+    run("duplicate_along", -2, "x");
+    EXPECT_FLOAT_EQ(selection().box_centre.x, -1.5f);
+    run("duplicate_along", 1, "normal"); // of a closed body there is none
+    EXPECT_EQ(objects().size(), 3u);
 }
 
 TEST_F(Copies, GoByPickedAxes)
