@@ -291,7 +291,7 @@ proc ::vesk::menus::define {name label rows} {
     {ask "&Row..." {array {Copies int 3} {X number 1} {Y number 0} {Z number 0}
         {Steps choice {"As typed" 0 "In sizes of the selection" 1}}} "" some
         "Copies of the selection, each a step further."}
-    {ask "Along an &axis..." {duplicate_along {Distance number 1} {Axis axis "Mean normal"}} "" some
+    {ask "Along a&n axis..." {duplicate_along {Distance number 1} {Axis axis "Mean normal"}} "" some
         "One copy of the selection, along the mean normal or any other axis."}
     {ask "R&ound..." {array_round {Copies int 5} {Axis axis Y} {Degrees number 360} {Pivot pivot Origin}}
         "" some "Copies of the selection round an axis; 360 degrees are shared evenly."}
