@@ -303,6 +303,9 @@ TEST_F(Interchange, GltfFactorsBecomeHighlights)
         {"older",    R"("extensions": {"KHR_materials_pbrSpecularGlossiness":
             {"glossinessFactor": 0.5, "specularFactor": [0.04, 0.04, 0.08]}})",
             30, {0.5f, 0.5f, 1}, {1, 1, 1}},
+        {"own_older", R"("extensions": {"KHR_materials_pbrSpecularGlossiness":
+            {"diffuseFactor": [0.25, 1, 1, 1], "glossinessFactor": 0.5, "specularFactor": [0.3, 0.2, 0.1]}})",
+            64, {0.3f, 0.2f, 0.1f}, {0.25f, 1, 1}},
     };
     // clang-format on
     for (const look &wanted : looks) {
@@ -310,8 +313,9 @@ TEST_F(Interchange, GltfFactorsBecomeHighlights)
         run("clear_all");
         create_palette();
         const std::string text =
-            R"({"asset": {"version": "2.0"}, "nodes": [{"mesh": 0}], "materials": [{)" +
-            std::string(wanted.material) +
+            std::string(R"({"asset": {"version": "2.0", "generator": ")") +
+            (std::string(wanted.name) == "own_older" ? "VESK" : "other") +
+            R"("}, "nodes": [{"mesh": 0}], "materials": [{)" + std::string(wanted.material) +
             R"(}], "meshes": [{"primitives": [{"attributes": {"POSITION": 0}, "material": 0}]}],
             "accessors": [{"bufferView": 0, "componentType": 5126, "count": 3, "type": "VEC3"}],
             "bufferViews": [{"buffer": 0, "byteLength": 36}], "buffers": [{"byteLength": 36,
