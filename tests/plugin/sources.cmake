@@ -5,6 +5,7 @@ target_sources(vesk_tests PRIVATE
     plugin/images_test.cpp
     plugin/interchange_test.cpp
     plugin/plugin_test.cpp
+    plugin/points_test.cpp
     plugin/roundtrip_test.cpp
 )
 
