@@ -72,6 +72,12 @@ TEST_F(Interchange, ColoursOfPointsAreKept)
         ASSERT_EQ(load(name, bytes), "1");
         EXPECT_EQ(complaints(), "");
         EXPECT_EQ(colours(), wanted);
+        for (const object_t *part : parts()) {
+            const surface_t *face = object_get_surface_at(part, 0);
+            const material *shade = vesk_palette_get_material(face->material);
+            EXPECT_EQ(shade->diffuse[1], 0);            // of 2, 2 and 9
+            EXPECT_NEAR(shade->diffuse[2], 0.2f, 1e-6); // of 3, 3 and 200
+        }
         for (const char *suffix : {".ply", ".obj", ".gltf", ".glb", ".vesk", ".dae", ".fbx"}) {
             SCOPED_TRACE(suffix);
             const std::string of_faces = ".dae.fbx";
@@ -85,6 +91,11 @@ TEST_F(Interchange, ColoursOfPointsAreKept)
             EXPECT_EQ(complaints(), "");
             EXPECT_EQ(colours(), wanted);
         }
+        ASSERT_EQ(run("export_model", temporary_file("coloured.gltf")), "1");
+        EXPECT_EQ(
+            read_text(temporary_file("coloured.gltf")).find("\"baseColorFactor\": [1, 1, 1, 1]") !=
+                std::string::npos,
+            !parts().empty());
         for (const char *suffix : {".stl", ".3mf", ".3ds", ".wrl"}) {
             ASSERT_EQ(run("export_model", temporary_file(std::string("coloured") + suffix)), "1");
             EXPECT_NE(run("report_json").find("colours of points"), std::string::npos) << suffix;
