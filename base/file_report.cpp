@@ -168,6 +168,7 @@ std::string file_report_json(const file_report &shown_report)
     json_writer json;
     json.field("file", json_text(r.file));
     json.field("format", json_text(r.format));
+    json.field("unit", r.unit.empty() ? "null" : json_text(r.unit));
     json.field("read", std::string(r.read ? "true" : "false"));
     json.field("error", r.read || r.error.empty() ? "null" : json_text(r.error));
     json.field("objects", r.objects);

@@ -16,6 +16,7 @@ target_sources(vesk_core PRIVATE
     base/file_text.cpp
     base/filename.cpp
     base/foreign.cpp
+    base/gzip.cpp
     base/home.cpp
     base/image_png.cpp
     base/linked_vars.cpp

@@ -9,6 +9,7 @@
 #include "fileio/export_plain.h"
 #include "fileio/export_pov.h"
 #include "fileio/export_rib.h"
+#include "fileio/export_vrml2_tree.h"
 #include "fileio/output.h"
 #include "model/bounds.h"
 #include "model/each.h"
@@ -176,6 +177,8 @@ private:
                 ++losses_[LIGHTS];
                 continue;
             }
+            if (format_.light == nullptr)
+                continue;
             ++out_.lights;
             format_.light(out_, *light, export_one_line(light->name));
         }
@@ -193,10 +196,11 @@ private:
             out_.next += work_of(node);
             if (!progress.step(out_.done))
                 return false;
-            // Lights were written as such; their surfaces and children are an object like others.
+            // Lights may have been written as such; their surfaces and children are an object like others.
             export_object object = described(node.object, format_, filename_, &pictures_, &losses_);
             object.children = node.children;
-            if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
+            const bool written = node.object->type == OBJECT_LIGHT && format_.light != nullptr;
+            if (!node.holds && (!format_.empty_objects || written))
                 continue;
             close_until(nodes, &open, node.parent);
             format_.open(out_, object);
@@ -259,6 +263,15 @@ int write_scene(const char *filename, const export_format &format)
 // ---- commands ----
 
 int write_vrml(const char *filename) { return write_scene(filename, vrml1_format); }
+int write_vrml2_tree(const char *filename)
+{
+    export_format format = vrml2_tree_format;
+    format.pictures = prefs.vrml_output_textures != 0;
+    const int written = write_scene(filename, format);
+    if (written != 0)
+        vrml2_tree_notes();
+    return written;
+}
 int write_inventor(const char *filename) { return write_scene(filename, inventor_format); }
 int write_POV(const char *filename)
 {

@@ -1,17 +1,16 @@
 #include "fileio/foreign_scene.h"
 
 #include "base/file_report.h"
-#include "base/filename.h"
 #include "fileio/embedded_images.h"
 #include "fileio/helper_process.h"
 #include "fileio/import_mesh.h"
 #include "fileio/scene_stream.h"
+#include "fileio/texture_beside.h"
 #include "model/lights.h"
 #include "model/mesh_arrays.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
-#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
 #include "model/vertex_colours.h"
 
@@ -61,18 +60,6 @@ int palette_index(const plain_material &from)
     if (!name.empty())
         m.name = name.data(); // the palette keeps a copy
     return vesk_palette_get_new_material_index(&m);
-}
-
-// Files made elsewhere name their textures by paths of that machine; the file itself often lies
-// beside the model.
-std::string texture_to_search(const std::string &filename, const std::string &name)
-{
-    if (search_texture(filename.c_str(), name.c_str()) != nullptr)
-        return name;
-    const std::string plain = vesk_filename_get_file(name.c_str());
-    const bool beside =
-        !plain.empty() && search_texture(filename.c_str(), plain.c_str()) != nullptr;
-    return beside ? plain : name;
 }
 
 void put_texture(object_t *object, const plain_material &m, const std::string &filename)

@@ -73,7 +73,8 @@ void material_reader::take_picture(const aiMaterial &source, plain_material *m) 
 {
     aiString path;
     for (const aiTextureType type : {aiTextureType_DIFFUSE, aiTextureType_BASE_COLOR}) {
-        if (source.GetTexture(type, 0, &path) != AI_SUCCESS || path.length == 0)
+        if (source.GetTexture(type, 0, &path) != AI_SUCCESS || path.length == 0 ||
+            path == aiString("$texture_dummy.bmp")) // the library's, where a file has none
             continue;
         const auto within = scene_.GetEmbeddedTextureAndIndex(path.C_Str());
         if (within.second >= 0)

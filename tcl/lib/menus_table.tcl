@@ -51,7 +51,7 @@ proc ::vesk::menus::define {name label rows} {
     {call "&Quit" {::vesk::files::quit} Ctrl+Q "" "Ends the program."}
 }
 ::vesk::menus::define export "Export" {
-    {ask "VRML &2.0..." {write_vrml2 {File save_file .wrl}} "" model "Writes a VRML 2.0 world."}
+    {ask "VRML &2.0..." {write_vrml2_tree {File save_file .wrl}} "" model "Writes a VRML 2.0 world."}
     {ask "VRML 2.0 &prototypes..." {write_vrml2_proto {File save_file .wrl}} "" model
         "Writes each object as a VRML 2.0 prototype."}
     {ask "VRML &1.0..." {write_vrml {File save_file .wrl}} "" model "Writes a VRML 1.0 world."}

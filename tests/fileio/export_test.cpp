@@ -60,9 +60,10 @@ struct format_case {
 const format_case formats[] = {
     {"write_vrml",
      "#",
-     "#VRML V1.0 ascii\n\nSeparator {\n# Light lamp\nPointLight { location 1 2.5 -3 }\n",
+     "#VRML V1.0 ascii\n\nSeparator {\nWWWAnchor {\n",
      " - 1 data text was left out: VRML 1.0 has no data texts",
-     {"DEF house Separator {\nDEF wall Separator {\nSeparator {\nCoordinate3 {\n  point [\n"
+     {"DEF lamp Separator {\nPointLight { location 1 2.5 -3 }\n}\n",
+      "DEF house Separator {\nDEF wall Separator {\nSeparator {\nCoordinate3 {\n  point [\n"
       "0 0 0,\n1 0 0,\n0 1 0,\n",
       "Info { string \"M\xC3\xBCller \\\"x\\\" } ]{ \\\\\" }\n",
       "DEF M__ller__x________ Separator {", "  emissiveColor 0.25 0.5 1\n",
@@ -76,7 +77,7 @@ const format_case formats[] = {
       "WWWAnchor {\nname \"http://x/\\\"a\\\"\"\nDEF house Separator"}},
     {"write_inventor",
      "#",
-     "#Inventor V2.1 ascii\n\nSeparator {\n# Light lamp\n",
+     "#Inventor V2.1 ascii\n\nSeparator {\nWWWAnchor {\n",
      " - 1 data text was left out: Inventor has no data texts",
      {"DEF wall Separator {", "IndexedLineSet {\n"}},
     {"write_POV",

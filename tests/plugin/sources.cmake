@@ -4,6 +4,7 @@ target_sources(vesk_tests PRIVATE
     plugin/gltf_test.cpp
     plugin/images_test.cpp
     plugin/interchange_test.cpp
+    plugin/odd_files_test.cpp
     plugin/plugin_test.cpp
     plugin/points_test.cpp
     plugin/roundtrip_test.cpp
