@@ -72,7 +72,8 @@ public:
         if (!problem_.empty())
             return problem_;
         if (meshes_.empty() && lights_.empty())
-            return "there is no geometry in it";
+            return too_deep_ ? "its objects lie too many levels deep"
+                             : "there is no geometry in it";
         tree_.convert(*scene_, "gltf", &out_);
         for (plain_node &node : out_.nodes)
             if (node.kind == PLAIN_LIGHT)
