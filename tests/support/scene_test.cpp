@@ -63,6 +63,7 @@ ui_port_t recording_port()
         if (record.while_pumping != nullptr)
             record.while_pumping();
     };
+    port.busy_cursor = [](int on) { record.variables["busy cursor"] = on != 0 ? "on" : "off"; };
     port.now_seconds = [] { return record.clock += record.clock_step; };
     port.clipboard_offer = [](std::string_view (*text)()) {
         record.offered = text;
