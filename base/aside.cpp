@@ -1,20 +1,18 @@
 #include "base/aside.h"
 
 #include "base/progress.h"
+#include "base/worker.h"
 
 #include <chrono>
 #include <condition_variable>
-#include <exception>
 #include <mutex>
-#include <thread>
 
 namespace {
 
 struct shared_state {
     std::mutex mutex;
-    std::condition_variable ended;
-    bool done = false;
-    std::exception_ptr failure; // thrown by the work: memory ran out
+    std::condition_variable changed;
+    bool ended = false;
 };
 
 } // namespace
@@ -23,31 +21,22 @@ bool run_aside(std::function<void()> work)
 {
     using namespace std::chrono_literals;
     const auto state = std::make_shared<shared_state>();
-    std::thread worker([state, work = std::move(work)] {
-        std::exception_ptr failure;
-        try {
-            work();
-        } catch (...) {
-            failure = std::current_exception();
-        }
+    worker_t worker(std::move(work), [state] {
         const std::lock_guard lock(state->mutex);
-        state->failure = failure;
-        state->done = true;
-        state->ended.notify_all();
+        state->ended = true;
+        state->changed.notify_all();
     });
     progress_t progress(1);
-    bool done = false;
-    while (!done) {
+    bool ended = false;
+    while (!ended) {
         std::unique_lock lock(state->mutex);
-        done = state->ended.wait_for(lock, 1ms, [&] { return state->done; });
+        ended = state->changed.wait_for(lock, 1ms, [&] { return state->ended; });
         lock.unlock();
-        if (!done && !progress.step(0.5)) {
+        if (!ended && !progress.step(0.5)) {
             worker.detach();
             return false;
         }
     }
     worker.join();
-    if (state->failure)
-        std::rethrow_exception(state->failure);
     return true;
 }

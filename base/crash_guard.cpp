@@ -171,21 +171,30 @@ namespace crash_guard {
 
 thread_local frame_t *top = nullptr;
 
-void thread_stack()
+thread_stack_t::thread_stack_t()
+    : memory_(mmap(nullptr, stack_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))
 {
-    void *memory =
-        mmap(nullptr, stack_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED)
+    if (memory_ == MAP_FAILED)
         return;
     stack_t stack = {};
-    stack.ss_sp = memory;
+    stack.ss_sp = memory_;
     stack.ss_size = stack_size;
     sigaltstack(&stack, nullptr);
 }
 
+thread_stack_t::~thread_stack_t()
+{
+    if (memory_ == MAP_FAILED)
+        return;
+    stack_t stack = {};
+    stack.ss_flags = SS_DISABLE;
+    sigaltstack(&stack, nullptr);
+    munmap(memory_, stack_size);
+}
+
 void install()
 {
-    thread_stack();
+    static const thread_stack_t of_main_thread;
     struct sigaction action = {};
     action.sa_sigaction = on_fault;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_NODEFER;

@@ -44,9 +44,19 @@ struct frame_t {
 
 extern thread_local frame_t *top; // innermost active guard
 void install();                   // signal handlers and alternate stack; once, at start
-void thread_stack();              // alternate stack of a further thread
-unsigned last_code();             // of the fault that just jumped
-std::string last_error_text();    // strerror of the errno that the handler or the caller saw
+// Alternate stack of a further thread, as long as this lives: room for the handler of an overflow.
+class thread_stack_t {
+public:
+    thread_stack_t();
+    ~thread_stack_t();
+    thread_stack_t(const thread_stack_t &) = delete;
+    thread_stack_t &operator=(const thread_stack_t &) = delete;
+
+private:
+    void *memory_;
+};
+unsigned last_code();          // of the fault that just jumped
+std::string last_error_text(); // strerror of the errno that the handler or the caller saw
 // Puts the session state back and notes in the fault whose code it was.
 void restore(const session_state_t &before, fault_t *fault);
 [[noreturn]] void quit_broken(); // rescue copy, a line on standard error, exit
@@ -62,36 +72,45 @@ void set_rescue(void (*hook)());
 
 void forget_faults_for_test();
 
-} // namespace crash_guard
-
-// Runs `callable`; false, with `fault` filled, when it faulted.
+// Runs `callable`; false, with `fault` filled, when it faulted. Leaves the session state as it is: for
+// workers, which have no part in it.
 template <class F>
-[[gnu::noinline]] bool guarded(F &&callable, fault_t *fault)
+[[gnu::noinline]] bool guarded_bare(F &&callable, fault_t *fault)
 {
-    crash_guard::frame_t frame;
-    frame.outer = crash_guard::top;
-    const session_state_t before = session();
+    frame_t frame;
+    frame.outer = top;
     struct pop_t {
-        crash_guard::frame_t *outer;
-        ~pop_t() { crash_guard::top = outer; }
+        frame_t *outer;
+        ~pop_t() { top = outer; }
     } pop{frame.outer};
     try {
         // The handler runs with SA_NODEFER, so no signal mask needs saving.
         if (sigsetjmp(frame.buffer, 0) != 0) {
-            crash_guard::top = frame.outer;
-            throw crash_guard::last_code();
+            top = frame.outer;
+            throw last_code();
         }
-        crash_guard::top = &frame;
+        top = &frame;
         callable();
         return true;
     } catch (const std::exception &exception) {
-        *fault = {fault_t::EXCEPTION, exception.what(), 0, crash_guard::last_error_text()};
+        *fault = {fault_t::EXCEPTION, exception.what(), 0, last_error_text()};
     } catch (unsigned code) {
-        *fault = {fault_t::CODE, "", code, crash_guard::last_error_text()};
+        *fault = {fault_t::CODE, "", code, last_error_text()};
     } catch (...) {
-        *fault = {fault_t::OTHER, "", 0, crash_guard::last_error_text()};
+        *fault = {fault_t::OTHER, "", 0, last_error_text()};
     }
-    crash_guard::top = frame.outer;
+    return false;
+}
+
+} // namespace crash_guard
+
+// The same; after a fault the session state is what it was before.
+template <class F>
+bool guarded(F &&callable, fault_t *fault)
+{
+    const session_state_t before = session();
+    if (crash_guard::guarded_bare(callable, fault))
+        return true;
     crash_guard::restore(before, fault);
     return false;
 }

@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     base/command_result.cpp
     base/console.cpp
     base/coor_display.cpp
+    base/counted.cpp
     base/crash_guard.cpp
     base/current_file.cpp
     base/desktop.cpp
@@ -32,4 +33,5 @@ target_sources(vesk_core PRIVATE
     base/ui_port.cpp
     base/utf8.cpp
     base/version.cpp
+    base/worker.cpp
 )

@@ -14,6 +14,7 @@
 #include "model/flat_mesh.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 
 #include <algorithm>
@@ -165,6 +166,7 @@ public:
         vesk_report_loss(glowing_, "glowing colours");
         vesk_report_loss(points_, "loose points");
         vesk_report_loss(texts_, "addresses and data texts");
+        report_lost_vertex_colours();
         vesk_report_note(polygons_, "polygons cut into triangles");
         vesk_report_note(shortened_, "names shortened");
     }
@@ -210,7 +212,7 @@ private:
     void count_losses(const object_t &object, const flat_mesh &flat)
     {
         points_ += flat_loose_points(flat);
-        texts_ += (is_set(object.url) ? 1 : 0) + (is_set(object.data) ? 1 : 0);
+        texts_ += (is_set(object.url) ? 1 : 0) + vesk_object_has_user_data(&object);
     }
 
     void add_surface(const flat_mesh &flat, int surface, object_t *object, mesh_t &mesh)

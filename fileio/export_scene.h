@@ -69,6 +69,7 @@ struct export_object {
     std::string name;    // on one line
     std::string picture; // the texture's file as seen from the file's folder, "" for none
     std::vector<export_part> parts;
+    int children = 0; // that are written, too
 
     // As it stands on the object: repeats and offsets are applied.
     [[nodiscard]] flat_uv uv(int corner) const;
@@ -103,9 +104,10 @@ struct export_format {
     bool lights = true;
     bool pictures = true;
     bool smooth = true;
-    bool points = true;                       // that no surface uses
-    bool urls = true;                         // the addresses of objects
-    bool data = true;                         // their data texts
+    bool points = true; // that no surface uses
+    bool urls = true;   // the addresses of objects
+    bool data = true;   // their data texts
+    bool vertex_colours = false;
     export_picture_t shown_picture = nullptr; // null: all pictures as they are
     bool empty_objects = true; // else objects without a surface below them are left out
     void (*begin)(export_text &out) = nullptr;

@@ -12,6 +12,7 @@
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -91,6 +92,8 @@ object_t *make_object(const plain_scene &scene, const plain_node &node,
     vesk_object_add_surfaces_from_arrays(object, n, node.offsets.data(), node.corners.data(),
                                          node.uv.data(), 0);
     vesk_object_set_surface_attributes(object, 0, n, attributes.data());
+    if (!node.colours.empty())
+        vesk_object_set_vertex_colours(object, node.colours.data());
     if (node.picture >= 0)
         put_texture(object, scene.materials[static_cast<size_t>(node.picture)], filename);
     return object;

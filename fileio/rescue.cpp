@@ -3,19 +3,19 @@
 #include "base/crash_guard.h"
 #include "base/current_file.h"
 #include "base/messages.h"
+#include "base/worker.h"
 #include "edit/document/journal.h"
 #include "fileio/state_writer.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <thread>
+#include <system_error>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -32,8 +32,9 @@ struct rescue_session {
     // Where a fault writes to: made beforehand.
     std::string rescue_file, temporary_file;
 
-    std::thread worker;
+    worker_t worker;
     std::atomic<bool> busy = false;
+    std::atomic<bool> written = false;
     std::atomic<bool> failed = false;
     bool told = false;
     std::string target; // of the worker's copy
@@ -128,34 +129,26 @@ void remove_files(const fs::path &base)
     fs::remove(base.string() + session_suffix, ignored);
 }
 
-// Signals are the main thread's.
-void work(const state_ptr &state, const std::string &file)
-{
-    rescue_session &session = session_files();
-    bool written = false;
-    try {
-        written = write_model_state(*state, file.c_str());
-    } catch (const std::exception &) {
-        written = false; // no memory
-    }
-    session.failed = !written;
-    session.busy = false;
-}
-
 bool start_worker(const state_ptr &state, const std::string &file)
 {
     rescue_session &session = session_files();
     if (session.busy || !state || state->num_objects < 2) // an empty world is no work
         return false;
-    if (session.worker.joinable())
-        session.worker.join();
+    session.worker.wait();
     session.busy = true;
+    session.written = false;
     session.target = file;
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    session.worker = std::thread(work, state, file);
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    const auto ended = [&session] {
+        session.failed = !session.written;
+        session.busy = false;
+    };
+    try {
+        session.worker = worker_t(
+            [&session, state, file] { session.written = write_model_state(*state, file.c_str()); },
+            ended);
+    } catch (const std::system_error &) { // no thread to be had
+        ended();
+    }
     return true;
 }
 
@@ -293,8 +286,7 @@ autosave_state autosave_last()
 bool rescue_wait()
 {
     rescue_session &session = session_files();
-    if (session.worker.joinable())
-        session.worker.join();
+    session.worker.wait();
     return !session.failed;
 }
 

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <exception>
 #include <string_view>
+#include <thread>
 
 namespace {
 
@@ -233,13 +234,9 @@ block_scanner::block_scanner(const char *begin, const char *end) : end_(end)
         return;
     ahead_ = std::make_shared<ahead_t>();
     try {
-        worker_ = std::thread([ahead = ahead_, begin, end] {
-            try {
-                ahead->run(begin, end);
-            } catch (const std::exception &) { // out of memory: the builder scans the rest itself
-            }
-            ahead->finish();
-        });
+        // Where it ends early, for want of memory or by a fault, the builder scans the rest itself.
+        worker_ = worker_t([ahead = ahead_, begin, end] { ahead->run(begin, end); },
+                           [ahead = ahead_] { ahead->finish(); });
     } catch (const std::exception &) { // no thread to be had
         ahead_ = nullptr;
     }
@@ -254,7 +251,7 @@ block_scanner::~block_scanner()
         ahead_->stop = true;
         ahead_->changed.notify_all();
     }
-    worker_.join();
+    worker_.wait();
 }
 
 const scan_piece *block_scanner::from_ahead(scan_piece::kind_t kind, const char *p, int wanted)

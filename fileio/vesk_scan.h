@@ -7,12 +7,13 @@
 // begins and the number of elements asked for: a guess of the worker that the builder does not ask
 // for is only wasted.
 
+#include "base/worker.h"
+
 #include <condition_variable>
 #include <deque>
 #include <memory>
 #include <mutex>
 #include <span>
-#include <thread>
 #include <vector>
 
 struct scanned_ref {
@@ -78,7 +79,7 @@ private:
     scan_batch own_;
     const scan_batch *used_ = &own_;
     std::shared_ptr<ahead_t> ahead_; // the worker holds it too: a fault here must not take it away
-    std::thread worker_;
+    worker_t worker_;
     std::unique_ptr<scan_batch> current_;
     std::size_t next_piece_ = 0;
 };

@@ -6,6 +6,7 @@
 #include "base/atomic_file.h"
 #include "base/current_file.h"
 #include "base/messages.h"
+#include "base/worker.h"
 #include "fileio/output.h"
 #include "fileio/vesk_format.h"
 #include "model/alloc_internal.h"
@@ -24,7 +25,6 @@
 #include <mutex>
 #include <set>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -215,7 +215,7 @@ public:
     explicit formatter_t(plan_t &formatted) : plan(formatted)
     {
         if (plan.elements >= threads_from)
-            worker = std::thread([this] { work(); });
+            worker = worker_t([this] { work(); }, [this] { worker_ended(); });
     }
     ~formatter_t()
     {
@@ -224,8 +224,7 @@ public:
             stopped = true;
         }
         changed.notify_all();
-        if (worker.joinable())
-            worker.join();
+        worker.wait();
     }
     formatter_t(const formatter_t &) = delete;
     formatter_t &operator=(const formatter_t &) = delete;
@@ -283,7 +282,16 @@ private:
     void wait_for(size_t i)
     {
         std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return plan.blocks[i]->done.load(); });
+        changed.wait(lock, [&] { return plan.blocks[i]->done.load() || ended; });
+        lock.unlock();
+        if (!plan.blocks[i]->done.load())
+            worker.join(); // throws what ended it
+    }
+    void worker_ended()
+    {
+        const std::lock_guard lock(mutex);
+        ended = true;
+        changed.notify_all();
     }
     void work()
     {
@@ -304,12 +312,13 @@ private:
 
     plan_t &plan;
     std::vector<std::string> spare;
-    std::thread worker;
+    worker_t worker;
     std::mutex mutex;
     std::condition_variable changed;
     size_t next = 0;    // first block that nobody has taken
     size_t written = 0; // blocks that are out of the way
     bool stopped = false;
+    bool ended = false; // the worker
 };
 
 void tell_failure(const atomic_writer_t &file, const char *name, size_t header, size_t palette)

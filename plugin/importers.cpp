@@ -36,8 +36,10 @@
 #include "view/tool_transform.h"
 
 #include <cstring>
+#include <fstream>
 #include <set>
 #include <string>
+#include <string_view>
 #include <strings.h>
 #include <sys/stat.h>
 #include <vector>
@@ -115,6 +117,24 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
     return nullptr;
 }
 
+// What no reader can make a model of, whatever the suffix says; null for all else.
+const char *reason_of_refusal(const char *filename)
+{
+    struct stat about = {};
+    if (stat(filename, &about) != 0)
+        return nullptr; // the reader says why
+    if (S_ISDIR(about.st_mode))
+        return "it is a folder";
+    if (!S_ISREG(about.st_mode))
+        return "it is a pipe or a device, no file";
+    char head[8] = {};
+    std::ifstream(filename, std::ios::binary).read(head, sizeof head);
+    const std::string_view start(head, sizeof head);
+    const bool low_first = start.starts_with("\xFF\xFE") && head[3] == 0 && head[5] == 0;
+    const bool high_first = start.starts_with("\xFE\xFF") && head[2] == 0 && head[4] == 0;
+    return low_first || high_first ? "it is a text in UTF-16: save it as UTF-8" : nullptr;
+}
+
 // Of a world that was read; the container goes.
 void adopt_children(object_t *container)
 {
@@ -185,13 +205,10 @@ object_t *vesk_import_file(const char *given_name)
                                format_table_text<vesk_importer_t>(importers, "import").c_str());
         return nullptr;
     }
-    struct stat about = {};
-    if (stat(filename, &about) == 0 && !S_ISREG(about.st_mode))
-        return import_refused(filename, S_ISDIR(about.st_mode)
-                                            ? "it is a folder"
-                                            : "it is a pipe or a device, no file");
     const double began = ui_port().now_seconds();
     last_file_report().format = importer->description;
+    if (const char *reason = reason_of_refusal(filename); reason != nullptr)
+        return import_refused(filename, reason);
     object_t *object = load_guarded(importer, filename);
     if (object == nullptr)
         return nullptr;

@@ -66,6 +66,8 @@ std::vector<std::pair<std::uint32_t, int>> along_curve(const std::vector<box_t> 
 
 box_tree::box_tree(std::vector<box_t> boxes)
 {
+    order_.reserve(boxes.size());
+    boxes_.reserve(boxes.size());
     for (const auto &[key, box] : along_curve(boxes)) {
         order_.push_back(box);
         boxes_.push_back(boxes[box]);
@@ -91,4 +93,25 @@ int box_tree::build(int begin, int end)
     nodes_[self].box = nodes_[self + 1].box;
     nodes_[self].box.add(nodes_[right].box);
     return self;
+}
+
+std::vector<box_tree::piece_t> box_tree::pieces(int wanted) const
+{
+    std::vector<piece_t> all;
+    if (nodes_.empty())
+        return all;
+    const int most = static_cast<int>(boxes_.size()) / std::max(wanted, 1);
+    std::vector<int> open = {0};
+    while (!open.empty()) {
+        const int at = open.back();
+        open.pop_back();
+        const node_t &node = nodes_[at];
+        if (node.right == 0 || node.end - node.begin <= most) {
+            all.push_back({at, at});
+            continue;
+        }
+        all.push_back({at + 1, node.right});
+        open.insert(open.end(), {node.right, at + 1});
+    }
+    return all;
 }

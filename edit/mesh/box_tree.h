@@ -18,8 +18,10 @@ struct box_t {
     void add(const box_t &box);
     [[nodiscard]] bool meets(const box_t &other) const
     {
-        return low[0] <= other.high[0] && other.low[0] <= high[0] && low[1] <= other.high[1] &&
-               other.low[1] <= high[1] && low[2] <= other.high[2] && other.low[2] <= high[2];
+        // Without branches, which nobody could predict here.
+        return ((low[0] <= other.high[0]) & (other.low[0] <= high[0]) & (low[1] <= other.high[1]) &
+                (other.low[1] <= high[1]) & (low[2] <= other.high[2]) &
+                (other.low[2] <= high[2])) != 0;
     }
 };
 
@@ -33,6 +35,17 @@ public:
     bool pairs(Visit &&visit) const
     {
         return nodes_.empty() || within(0, visit);
+    }
+    // The same search in pieces that may run side by side: about `wanted` of them, in an order that
+    // depends on the boxes only.
+    struct piece_t {
+        int a, b; // nodes; the same: the pairs within it
+    };
+    [[nodiscard]] std::vector<piece_t> pieces(int wanted) const;
+    template <class Visit>
+    bool pairs_of(const piece_t &piece, Visit &&visit) const
+    {
+        return piece.a == piece.b ? within(piece.a, visit) : between(piece.a, piece.b, visit);
     }
     // Calls visit(i) for every box that overlaps this one.
     template <class Visit>

@@ -1,7 +1,12 @@
 #include "edit/mesh/crossings.h"
 
+#include "base/worker.h"
+
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <limits>
+#include <unordered_map>
 
 bool exact_before(const exact_points &points, int a, int b)
 {
@@ -21,6 +26,31 @@ struct touching_pair {
     signs_t a_sides, b_sides; // of the corners of one to the plane of the other
 };
 
+// An end of the stretch of a triangle in another one's plane: a corner, or where an edge meets the
+// plane. Most of those are never made: the stretch of the other triangle ends before.
+struct end_t {
+    int point = -1;           // not made yet
+    int a = -1, b = -1;       // the edge
+    double at = 0, wrong = 0; // about where it is along the line, and how far that may be wrong
+};
+
+// Where an edge meets the plane of a triangle.
+struct crossing_key {
+    int a, b, triangle;
+    bool operator==(const crossing_key &) const = default;
+};
+struct crossing_hash {
+    std::size_t operator()(const crossing_key &key) const
+    {
+        std::uint64_t hash = 0;
+        for (const int part : {key.a, key.b, key.triangle}) {
+            hash = (hash ^ static_cast<std::uint32_t>(part)) * 0x9E3779B97F4A7C15ULL;
+            hash ^= hash >> 29;
+        }
+        return hash;
+    }
+};
+
 class finder {
 public:
     finder(exact_points &points, const std::vector<solid_triangle> &triangles)
@@ -31,8 +61,9 @@ public:
             planes_.push_back(points.plane(t.v[0], t.v[1], t.v[2]));
     }
 
-    // Keeps the pair for later when more than its common corners may meet.
-    void consider(int a, int b);
+    // Adds the pair when more than its common corners may meet. Changes nothing else: pairs may be
+    // considered side by side.
+    void consider(int a, int b, std::vector<touching_pair> &out) const;
     // After all pairs were considered: points that are made later find the corners.
     void enter_corners();
     void meet(const touching_pair &pair);
@@ -51,8 +82,11 @@ private:
     }
     bool sides(const solid_triangle &of, const solid_triangle &other, int shared,
                signs_t *out) const;
-    std::array<int, 2> on_plane(const solid_triangle &t, const exact_plane &plane,
-                                const signs_t &sides);
+    [[nodiscard]] std::array<end_t, 2> on_plane(const solid_triangle &t, int plane,
+                                                const signs_t &sides, int axis) const;
+    [[nodiscard]] end_t end_on(int a, int b, const exact_plane &plane, int axis) const;
+    int made(end_t &end, int plane);
+    bool before(end_t &x, int x_plane, end_t &y, int y_plane, int axis);
     void note(int triangle, int from, int to, const exact_plane &plane);
     void note_self(int a, int b, int from, int to);
     [[nodiscard]] double depth(const solid_triangle &t, const solid_triangle &other) const;
@@ -74,6 +108,7 @@ private:
     exact_points &points_;
     const std::vector<solid_triangle> &triangles_;
     std::vector<exact_plane> planes_; // of the triangles
+    std::unordered_map<crossing_key, int, crossing_hash> crossings_;
 };
 
 // The sides of the triangle's corners to the other's plane; false when nothing but the common
@@ -92,7 +127,7 @@ bool finder::sides(const solid_triangle &of, const solid_triangle &other, int sh
     return !(front + back == 3 - shared && (front == 0 || back == 0) && shared < 3);
 }
 
-void finder::consider(int a, int b)
+void finder::consider(int a, int b, std::vector<touching_pair> &out) const
 {
     const solid_triangle &t = triangles_[a], &u = triangles_[b];
     int shared = 0;
@@ -104,7 +139,7 @@ void finder::consider(int a, int b)
     const bool flat = pair.a_sides == signs_t{} && pair.b_sides == signs_t{};
     if (flat && shared == 2 && !overlap(t, u))
         return;
-    pairs.push_back(pair);
+    out.push_back(pair);
 }
 
 void finder::enter_corners()
@@ -121,24 +156,77 @@ void finder::enter_corners()
     }
 }
 
-// The stretch of the triangle in the plane, in order; the same point twice for a touch.
-std::array<int, 2> finder::on_plane(const solid_triangle &t, const exact_plane &plane,
-                                    const signs_t &sides)
+// The axis that the line where two planes meet runs along most, -1 when that is in doubt.
+int axis_of_line(const exact_plane &p, const exact_plane &q)
 {
-    std::array<int, 2> ends = {-1, -1};
-    const auto add = [&](int p) { (ends[0] < 0 ? ends[0] : ends[1]) = p; };
+    int best = -1;
+    double most = 0;
     for (std::size_t i = 0; i < 3; ++i) {
+        const std::size_t j = (i + 1) % 3, k = (i + 2) % 3;
+        const double size = std::fabs(p.normal[j] * q.normal[k] - p.normal[k] * q.normal[j]);
+        const double wrong = 1e-14 * (p.size[j] * q.size[k] + p.size[k] * q.size[j]);
+        if (size > wrong && size > most && size > 1e-200) {
+            most = size;
+            best = static_cast<int>(i);
+        }
+    }
+    return best;
+}
+
+// Where the edge meets the plane, about: at the share of the edge that the distances of its ends make.
+end_t finder::end_on(int a, int b, const exact_plane &plane, int axis) const
+{
+    end_t end = {-1, std::min(a, b), std::max(a, b), 0, std::numeric_limits<double>::infinity()};
+    double p_wrong = 0, q_wrong = 0;
+    const double p = points_.ahead(plane, end.a, &p_wrong),
+                 q = points_.ahead(plane, end.b, &q_wrong);
+    const double whole = std::fabs(p) + std::fabs(q);
+    if (axis < 0 || p_wrong + q_wrong > 1e-3 * whole || whole < 1e-200)
+        return end;
+    const double from = points_.at(end.a)[axis], to = points_.at(end.b)[axis];
+    end.at = from + (to - from) * (std::fabs(p) / whole);
+    end.wrong = 1.1 * std::fabs(to - from) * (std::fabs(p) * q_wrong + std::fabs(q) * p_wrong) /
+                    (whole * whole) +
+                1e-15 * (std::fabs(from) + std::fabs(to));
+    return end;
+}
+
+// The stretch of the triangle in a plane; the same end twice for a touch.
+std::array<end_t, 2> finder::on_plane(const solid_triangle &t, int plane, const signs_t &sides,
+                                      int axis) const
+{
+    std::array<end_t, 2> ends;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < 3 && count < 2; ++i) {
         const std::size_t j = (i + 1) % 3;
         if (sides[i] == 0)
-            add(t.v[i]);
-        if (sides[i] * sides[j] < 0)
-            add(points_.cross_edge(std::min(t.v[i], t.v[j]), std::max(t.v[i], t.v[j]), plane));
+            ends[count++] = {t.v[i], -1, -1, axis < 0 ? 0 : points_.at(t.v[i])[axis], 0};
+        if (sides[i] * sides[j] < 0 && count < 2)
+            ends[count++] = end_on(t.v[i], t.v[j], planes_[plane], axis);
     }
-    if (ends[1] < 0)
+    if (count == 1)
         ends[1] = ends[0];
-    else if (exact_before(points_, ends[1], ends[0]))
-        std::swap(ends[0], ends[1]);
     return ends;
+}
+
+int finder::made(end_t &end, int plane)
+{
+    if (end.point < 0) {
+        int &known = crossings_.try_emplace({end.a, end.b, plane}, -1).first->second;
+        if (known < 0)
+            known = points_.cross_edge(end.a, end.b, planes_[plane]);
+        end.point = known;
+    }
+    return end.point;
+}
+
+// The order of ends along the line of two planes.
+bool finder::before(end_t &x, int x_plane, end_t &y, int y_plane, int axis)
+{
+    if (axis >= 0 && std::fabs(x.at - y.at) > x.wrong + y.wrong)
+        return x.at < y.at;
+    const int p = made(x, x_plane), q = made(y, y_plane);
+    return axis >= 0 ? points_.order(axis, p, q) < 0 : exact_before(points_, p, q);
 }
 
 void finder::note(int triangle, int from, int to, const exact_plane &plane)
@@ -184,14 +272,20 @@ void finder::meet(const touching_pair &pair)
         return;
     }
     const exact_plane &t_plane = plane_of(t), &u_plane = plane_of(u);
-    const std::array<int, 2> on_t = on_plane(u, t_plane, pair.b_sides);
-    const std::array<int, 2> on_u = on_plane(t, u_plane, pair.a_sides);
-    if (on_t[0] < 0 || on_u[0] < 0)
+    const int axis = axis_of_line(t_plane, u_plane);
+    std::array<end_t, 2> on_t = on_plane(u, pair.a, pair.b_sides, axis);
+    std::array<end_t, 2> on_u = on_plane(t, pair.b, pair.a_sides, axis);
+    if (before(on_t[1], pair.a, on_t[0], pair.a, axis))
+        std::swap(on_t[0], on_t[1]);
+    if (before(on_u[1], pair.b, on_u[0], pair.b, axis))
+        std::swap(on_u[0], on_u[1]);
+    const bool u_last = before(on_t[0], pair.a, on_u[0], pair.b, axis);
+    const bool t_first = before(on_t[1], pair.a, on_u[1], pair.b, axis);
+    end_t &first = u_last ? on_u[0] : on_t[0], &last = t_first ? on_t[1] : on_u[1];
+    const int first_plane = u_last ? pair.b : pair.a, last_plane = t_first ? pair.a : pair.b;
+    if (before(last, last_plane, first, first_plane, axis))
         return;
-    const int from = exact_before(points_, on_t[0], on_u[0]) ? on_u[0] : on_t[0];
-    const int to = exact_before(points_, on_t[1], on_u[1]) ? on_t[1] : on_u[1];
-    if (exact_before(points_, to, from))
-        return;
+    const int from = made(first, first_plane), to = made(last, last_plane);
     note(pair.a, from, to, u_plane);
     note(pair.b, from, to, t_plane);
     if (t.part == u.part && from != to)
@@ -256,20 +350,36 @@ void finder::clip_sides(int into, int of)
     }
 }
 
+// All pairs, in an order that the number of threads has no part in.
+bool search_pairs(finder &search, const box_tree &tree, std::size_t triangles,
+                  const std::function<bool(double)> &go_on)
+{
+    constexpr std::size_t worth_a_thread = 4000, a_piece = 1000;
+    const auto pieces =
+        tree.pieces(triangles < worth_a_thread ? 1 : static_cast<int>(triangles / a_piece));
+    std::vector<std::vector<touching_pair>> found(pieces.size());
+    const auto run = [&](int i) {
+        tree.pairs_of(pieces[i], [&](int a, int b) {
+            search.consider(std::min(a, b), std::max(a, b), found[i]);
+            return true;
+        });
+    };
+    double done = 0;
+    const auto count = static_cast<int>(pieces.size());
+    const bool complete =
+        in_parallel(count, run, [&] { return go_on(std::min(1.0, ++done / count)); });
+    for (const std::vector<touching_pair> &some : found)
+        search.pairs.insert(search.pairs.end(), some.begin(), some.end());
+    return complete;
+}
+
 } // namespace
 
 crossings_t find_crossings(exact_points &points, const std::vector<solid_triangle> &triangles,
                            const box_tree &tree, const std::function<bool(double)> &go_on)
 {
     finder search(points, triangles);
-    long seen = 0;
-    const bool complete = tree.pairs([&](int a, int b) {
-        search.consider(std::min(a, b), std::max(a, b));
-        // Each triangle has about six neighbours for its share.
-        return ++seen % 4096 != 0 ||
-               go_on(std::min(1.0, static_cast<double>(seen) / 6 /
-                                       static_cast<double>(triangles.size())));
-    });
+    const bool complete = search_pairs(search, tree, triangles.size(), go_on);
     search.enter_corners();
     for (std::size_t i = 0; complete && i < search.pairs.size(); ++i) {
         search.meet(search.pairs[i]);

@@ -140,7 +140,7 @@ exact_plane exact_points::plane_given(int a, const point3_t &normal) const
 
 // ---- decisions ----
 
-int exact_points::side(const exact_plane &plane, int p) const
+double exact_points::ahead(const exact_plane &plane, int p, double *wrong) const
 {
     const auto &at = approximate_[p], &base = approximate_[plane.a];
     const double blur = is_made(p) ? 2 : 0;
@@ -150,7 +150,15 @@ int exact_points::side(const exact_plane &plane, int p) const
         value += plane.normal[i] * to;
         bound += plane.size[i] * (std::fabs(to) + blur * std::fabs(at[i]));
     }
-    if (const int sign = sure_sign(value, 8 * rounding * bound); sign != doubtful)
+    *wrong = 8 * rounding * bound;
+    return value;
+}
+
+int exact_points::side(const exact_plane &plane, int p) const
+{
+    double wrong = 0;
+    const double value = ahead(plane, p, &wrong);
+    if (const int sign = sure_sign(value, wrong); sign != doubtful)
         return sign;
     if (p == plane.a || (plane.kind != exact_plane::GIVEN && p == plane.b) ||
         (plane.kind == exact_plane::THREE && p == plane.c))

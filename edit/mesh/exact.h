@@ -42,6 +42,8 @@ public:
     [[nodiscard]] exact_plane plane_along(int a, int b, int axis) const;
     [[nodiscard]] exact_plane plane_given(int a, const point3_t &normal) const;
 
+    // How far in front of the plane, times the length of its normal, give or take `wrong`.
+    [[nodiscard]] double ahead(const exact_plane &plane, int p, double *wrong) const;
     // 1 in front of the plane, -1 behind it, 0 on it.
     [[nodiscard]] int side(const exact_plane &plane, int p) const;
     // Whether a, b, c turn left (1), right (-1) or lie in one line (0) as seen against the axis (0

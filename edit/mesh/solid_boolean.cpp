@@ -77,7 +77,7 @@ private:
     std::vector<loop_t> loops_;
     std::vector<node_t> nodes_;
     double blur_ = 0;
-    std::map<int, int> new_number_;
+    std::unordered_map<int, int> new_number_;
     std::unordered_map<std::uint64_t, int> whole_sides_; // of units that stay whole; when asked for
     position_index places_{0};
 };
@@ -88,12 +88,14 @@ void assembler::sort_faces()
     kept_[0].resize(units);
     kept_[1].resize(units);
     result_.fates.assign(units, solid_result::GONE);
+    windings_t behind;
     for (int f = 0; f < static_cast<int>(faces_.faces().size()); ++f) {
         const solid_faces::face_t &face = faces_.faces()[f];
         if (face.twin >= 0)
             continue;
         const bool front = is_inside(faces_.in_front(f), parts_, operation_);
-        const bool back = is_inside(faces_.behind(f), parts_, operation_);
+        faces_.behind(f, &behind);
+        const bool back = is_inside(behind, parts_, operation_);
         if (front == back)
             continue;
         if (face.triangle < 0)

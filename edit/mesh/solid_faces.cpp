@@ -413,16 +413,21 @@ bool solid_faces::find_windings()
 
 const windings_t &solid_faces::in_front(int face) const { return patches_[faces_[face].patch]; }
 
-windings_t solid_faces::behind(int number) const
+void solid_faces::behind(int number, windings_t *out) const
 {
-    std::map<int, int> layers;
-    for (const auto &[part, count] : in_front(number))
-        layers[part] = count;
-    const face_t &face = faces_[number];
-    ++layers[solids_.units()[face.unit].part];
+    *out = in_front(number);
+    const auto add = [&](int unit, int layers) {
+        const int part = solids_.units()[unit].part;
+        const auto found = std::find_if(out->begin(), out->end(),
+                                        [&](const auto &entry) { return entry.first == part; });
+        if (found != out->end())
+            found->second += layers;
+        else
+            out->emplace_back(part, layers);
+    };
+    add(faces_[number].unit, 1);
     if (group_of_[number] >= 0) {
         for (const int twin : twins_[group_of_[number]])
-            layers[solids_.units()[faces_[twin].unit].part] += faces_[twin].opposite ? -1 : 1;
+            add(faces_[twin].unit, faces_[twin].opposite ? -1 : 1);
     }
-    return {layers.begin(), layers.end()};
 }

@@ -41,7 +41,7 @@ public:
     }
     // Just in front of the face, and just behind it. Not of a twin.
     [[nodiscard]] const windings_t &in_front(int face) const;
-    [[nodiscard]] windings_t behind(int face) const;
+    void behind(int face, windings_t *out) const;
 
 private:
     struct line_t {

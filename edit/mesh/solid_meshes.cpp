@@ -20,8 +20,11 @@ bool solid_meshes::finish()
         total += mesh->positions->size();
     position_index index(total);
     std::vector<point3_t> points;
+    points.reserve(total);
+    vertices_.reserve(total);
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         std::vector<int> &own = point_of_.emplace_back();
+        own.reserve(meshes_[m]->positions->size());
         for (const point3_t &p : *meshes_[m]->positions) {
             if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
                 return false;
@@ -34,6 +37,7 @@ bool solid_meshes::finish()
         }
     }
     points_ = std::make_unique<exact_points>(std::move(points));
+    reserve();
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         for (int s = 0; s < meshes_[m]->num_surfaces(); ++s) {
             if (meshes_[m]->surface(s).is_line())
@@ -57,18 +61,33 @@ bool solid_meshes::finish()
     return true;
 }
 
+void solid_meshes::reserve()
+{
+    std::size_t corners = 0, surfaces = 0;
+    for (const flat_ptr &mesh : meshes_) {
+        corners += static_cast<std::size_t>(mesh->num_corners());
+        surfaces += static_cast<std::size_t>(mesh->num_surfaces());
+    }
+    corners_.reserve(corners);
+    first_corner_.reserve(surfaces + 1);
+    units_.reserve(surfaces);
+    triangles_.reserve(std::max(surfaces, corners - std::min(corners, 2 * surfaces)));
+}
+
 void solid_meshes::cut_into_triangles(int number)
 {
     unit_t &unit = units_[number];
     const auto corners = outline(number);
     unit.first_triangle = static_cast<int>(triangles_.size());
-    std::vector<int> ears = {0, 1, 2};
+    static constexpr int whole[] = {0, 1, 2};
+    std::span<const int> ears = whole;
+    std::vector<int> cut;
     if (corners.size() > 3) {
         std::vector<point3_t> at;
         for (const int p : corners)
             at.push_back(points_->rounded(p));
-        ears.clear();
-        cut_ears(at.data(), static_cast<int>(at.size()), ears);
+        cut_ears(at.data(), static_cast<int>(at.size()), cut);
+        ears = cut;
     }
     const int first = meshes_[unit.mesh]->first_corner(unit.surface);
     for (std::size_t i = 0; i + 2 < ears.size() && corners.size() > 2; i += 3) {

@@ -47,6 +47,7 @@ public:
     [[nodiscard]] std::vector<open_edge_t> open_edges() const;
 
 private:
+    void reserve();
     void cut_into_triangles(int unit);
 
     std::vector<flat_ptr> meshes_;

@@ -4,4 +4,5 @@ target_sources(vesk_tests PRIVATE
     base/prefs_test.cpp
     base/progress_test.cpp
     base/text_test.cpp
+    base/worker_test.cpp
 )

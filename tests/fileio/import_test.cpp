@@ -188,7 +188,7 @@ TEST_F(Import, A3dsFileThatIsWrittenIsReadBack)
     run("write_3ds", file);
     EXPECT_EQ(last_message(),
               "written file " + file +
-                  " - 1 lines, 1 glowing colours were left out: 3DS has no lines, glowing colours");
+                  " - 1 line, 1 glowing colour were left out: 3DS has no lines, glowing colours");
     run("clear_all");
     ASSERT_EQ(run("file_load", file), "1");
     EXPECT_EQ(counts_of_world(), (counts_t{1, 12, 8, 1}));

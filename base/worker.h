@@ -1,0 +1,43 @@
+#ifndef VESK_BASE_WORKER_H
+#define VESK_BASE_WORKER_H
+
+// Threads beside the main one. What a worker throws, and a hardware fault in it, reach the thread that
+// joins it: there the crash guard deals with them as with its own. Signals stay the main thread's. Work
+// on a worker does not use the model's lists, the allocator of records or the port.
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <thread>
+
+class worker_t {
+public:
+    worker_t() = default;
+    // `ended` is called on the worker after `work`, however that ended: it wakes whoever waits. Throws
+    // std::system_error when there are no more threads.
+    explicit worker_t(std::function<void()> work, std::function<void()> ended = {});
+    ~worker_t() { wait(); }
+    worker_t(worker_t &&) noexcept = default;
+    // The one that is replaced has ended, or was waited for.
+    worker_t &operator=(worker_t &&) noexcept = default;
+
+    [[nodiscard]] bool joinable() const { return thread_.joinable(); }
+    // Waits for the end and throws what the work has thrown.
+    void join();
+    // Waits for the end of it, if there is any; what it has thrown is lost.
+    void wait();
+    // The work goes on by itself; what it throws is lost. It must own what it touches.
+    void detach() { thread_.detach(); }
+
+private:
+    std::thread thread_;
+    std::shared_ptr<std::exception_ptr> failure_;
+};
+
+// Calls work(i) for each i below `count`, in any order, on this thread and on others where the machine
+// has more than one core. `go_on`, when there is one, is asked on this thread between its pieces; once
+// it answers false no further piece is begun, and the result is false. Throws what a piece has thrown.
+bool in_parallel(int count, const std::function<void(int)> &work,
+                 const std::function<bool()> &go_on = {});
+
+#endif

@@ -1,0 +1,58 @@
+#include "base/worker.h"
+
+#include "base/crash_guard.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <csignal>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace {
+
+TEST(Worker, FaultsAndExceptionsReachWhoeverJoins)
+{
+    bool woken = false;
+    worker_t faulting([] { raise(SIGFPE); }, [&] { woken = true; });
+    fault_t fault;
+    EXPECT_FALSE(guarded([&] { faulting.join(); }, &fault));
+    EXPECT_EQ(fault.kind, fault_t::CODE);
+    EXPECT_STREQ(vesk_exception_get_message(fault.code), "EXCEPTION_INT_DIVIDE_BY_ZERO");
+    EXPECT_TRUE(woken);
+
+    worker_t throwing([] { throw std::runtime_error("no more"); });
+    EXPECT_THROW(throwing.join(), std::runtime_error);
+    worker_t forgotten([] { throw std::runtime_error("lost"); });
+    forgotten.wait();
+}
+
+TEST(Worker, PiecesRunOnceEach)
+{
+    for (const int count : {0, 1, 2, 1000}) {
+        std::vector<std::atomic<int>> runs(count);
+        EXPECT_TRUE(in_parallel(count, [&](int i) { ++runs[i]; }));
+        for (const std::atomic<int> &of_one : runs)
+            EXPECT_EQ(of_one, 1);
+    }
+}
+
+TEST(Worker, PiecesEndEarly)
+{
+    std::atomic<int> done = 0;
+    EXPECT_FALSE(in_parallel(
+        100000, [&](int) { ++done; }, [] { return false; }));
+    EXPECT_LT(done, 100000);
+    const auto fails = [](int i) {
+        if (i == 50)
+            throw std::runtime_error("piece");
+    };
+    EXPECT_THROW(in_parallel(1000, fails), std::runtime_error);
+    fault_t fault;
+    const auto faults = [] { in_parallel(1000, [](int i) { i == 50 ? raise(SIGFPE) : 0; }); };
+    EXPECT_FALSE(guarded(faults, &fault));
+    EXPECT_EQ(fault.kind, fault_t::CODE);
+}
+
+} // namespace
