@@ -211,7 +211,7 @@ const export_format vrml2_tree_format = {.name = "VRML 2.0",
                                          .open = open,
                                          .close = close};
 
-void vrml2_tree_notes()
+void vrml_material_notes(std::string (*node_name)(const std::string &), bool one_ambient)
 {
     std::set<int> used;
     for_each_object(vesk_get_world(), [&used](const object_t *object) {
@@ -228,9 +228,9 @@ void vrml2_tree_notes()
         bool same = true;
         for (int i = 0; i < 3; ++i)
             same = same && std::abs(m.ambient[i] - share * m.diffuse[i]) < 0.005f;
-        tints += same ? 0 : 1;
+        tints += same || !one_ambient ? 0 : 1;
         const std::string name = vesk_material_get_name_index(index);
-        names += vrml2_node_name(name) == name ? 0 : 1;
+        names += node_name(name) == name ? 0 : 1;
     }
     vesk_report_note(tints, "ambient colours as a share of the diffuse ones");
     vesk_report_note(names, "names of materials without signs that the format has not");
