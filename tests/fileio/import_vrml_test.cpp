@@ -568,7 +568,7 @@ TEST_P(HarmfulVrml, IsReadOrRefusedSoon)
     const auto began = std::chrono::steady_clock::now();
     const std::string came = load(c.text);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-    EXPECT_LT(took.count(), 20) << c.name; // seconds; far below on an idle machine
+    EXPECT_LT(took.count(), 60) << c.name; // seconds; two on an idle machine
     if (std::string(c.reason) == "1") {
         EXPECT_EQ(came, "1") << refusal();
     } else if (*c.reason != '\0') {
