@@ -240,7 +240,7 @@ TEST_F(Interchange, PicturesAreNeverNamedByAbsolutePaths)
         ASSERT_EQ(search_and_set_texture(square, "", picture), there ? 1 : 0);
         std::filesystem::remove(temporary_file("wood.png")); // that of another test
         object_mark_tree(vesk_get_world(), CHANGED_ALL);
-        for (const char *suffix : {".obj", ".ply", ".gltf", ".dae", ".fbx"}) {
+        for (const char *suffix : {".obj", ".ply", ".gltf", ".dae", ".fbx", ".wrl"}) {
             const std::string file = temporary_file(std::string("named") + suffix);
             ASSERT_EQ(run("export_model", file), "1");
             std::string bytes = read_text(file);
