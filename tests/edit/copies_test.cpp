@@ -131,9 +131,9 @@ TEST_F(Copies, AreRefusedWithoutChange)
     run("array", 0, 1, 0, 0, 0);
     run("array", 2000000000, 1, 0, 0, 0);
     run("array_round", 3, "w", 360);
-    EXPECT_EQ(last_message(), "round array - no axis \"w\"");
+    EXPECT_EQ(last_message(), "round array - no axis 'w'");
     run("mirror_copy", "x", 0, "1,2");
-    EXPECT_EQ(last_message(), "mirror copy - no pivot \"1,2\"");
+    EXPECT_EQ(last_message(), "mirror copy - no pivot '1,2'");
     run("align", "x", "upper", "first");
     run("symmetrize", "x", "left");
     EXPECT_EQ(scene_text(), before);
