@@ -97,7 +97,7 @@ TEST_F(DragAxis, CommandsMoveAndMirrorAlongIt)
     expect_middle(1, 1);
     EXPECT_EQ(last_undo(), "mirror");
     run("mirror_along", "sideways");
-    EXPECT_EQ(last_message(), R"(mirror - no axis "sideways")");
+    EXPECT_EQ(last_message(), "mirror - no axis 'sideways'");
 }
 
 } // namespace
