@@ -3,6 +3,7 @@
      CHAOS_FOLDER  part of the names of the files
      CHAOS_AT      which call, from 1 on; 0: none, the calls are only counted
      CHAOS_HOW     ENOSPC, EIO, EROFS, EINTR, short (half of a write), kill
+     CHAOS_NO_NEW  when set, temporary files cannot be made: EROFS
      CHAOS_LOG     file that the number of calls and the name of the chosen one are written to
    Reading is left alone; opening for writing, writing, flushing, closing, renaming, linking and removing
    are counted. */
