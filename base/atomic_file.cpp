@@ -111,7 +111,10 @@ atomic_writer_t::atomic_writer_t(const char *name) : target(resolved(name))
 
 void atomic_writer_t::open_temporary(bool exists, unsigned mode)
 {
-    other = target + ".XXXXXX";
+    // As long as the target's own name may be.
+    constexpr size_t most_name = NAME_MAX - 7;
+    const size_t name_begin = target.rfind('/') + 1; // 0 without a folder
+    other = target.substr(0, name_begin + most_name) + ".XXXXXX";
     fd = mkostemp(other.data(), O_CLOEXEC);
     if (fd >= 0) {
         is_open = true;
@@ -224,12 +227,18 @@ std::string atomic_file_reason() { return std::strerror(last_error); }
 
 bool read_whole_file(const char *name, std::string *out)
 {
-    const int fd = open(name, O_RDONLY | O_CLOEXEC);
+    const int fd =
+        open(name, O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a pipe would wait for its writer
     if (fd < 0)
         return false;
     std::string text;
     struct stat info = {};
-    if (fstat(fd, &info) == 0 && S_ISREG(info.st_mode))
+    if (fstat(fd, &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) {
+        close(fd); // a device may have no end
+        errno = EINVAL;
+        return false;
+    }
+    if (S_ISREG(info.st_mode))
         text.reserve(static_cast<size_t>(info.st_size));
     char buffer[65536];
     ssize_t n = 0;

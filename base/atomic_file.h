@@ -60,7 +60,8 @@ bool atomic_file_write(const char *name, std::string_view text);
 // Why the last write that failed did, as the system says it ("No space left on device").
 std::string atomic_file_reason();
 
-// The whole content of a file that can be read; false (and `out` untouched) otherwise.
+// The whole content of a file that can be read; false (and `out` untouched) otherwise. Pipes and
+// devices are none.
 bool read_whole_file(const char *name, std::string *out);
 
 #endif

@@ -27,6 +27,20 @@ void add_count(std::vector<file_report::count> &counts, int number, const char *
     counts.push_back({number, what});
 }
 
+// "data text" of "data texts", "address" of "addresses", "folder of textures" of "folders of
+// textures": the first word that ends as plurals do.
+std::string one_of(const std::string &things)
+{
+    for (std::size_t end = 0; end < things.size(); ++end) {
+        end = std::min(things.find(' ', end), things.size());
+        if (end > 1 && things[end - 1] == 's') {
+            const bool long_end = end > 4 && things.compare(end - 4, 4, "sses") == 0;
+            return things.substr(0, end - (long_end ? 2 : 1)) + things.substr(end);
+        }
+    }
+    return things;
+}
+
 // ---- JSON ----
 
 std::string json_text(const std::string &text) { return vesk_json_text(text.c_str()); }
@@ -137,10 +151,14 @@ const char *vesk_report_losses(const char *format)
     std::string counts;
     std::string lacks;
     for (const file_report::count &loss : report.losses) {
-        counts += (counts.empty() ? "" : ", ") + std::to_string(loss.number) + ' ' + loss.what;
+        counts += (counts.empty() ? "" : ", ") + std::to_string(loss.number) + ' ' +
+                  (loss.number == 1 ? one_of(loss.what) : loss.what);
         lacks += (lacks.empty() ? "" : ", ") + loss.what;
     }
-    text = counts.empty() ? "" : " - " + counts + " were left out: " + format + " has no " + lacks;
+    const bool one = report.losses.size() == 1 && report.losses.front().number == 1;
+    text = counts.empty() ? ""
+                          : " - " + counts + (one ? " was" : " were") + " left out: " + format +
+                                " has no " + lacks;
     return text.c_str();
 }
 
@@ -150,6 +168,7 @@ std::string file_report_json(const file_report &shown_report)
     json_writer json;
     json.field("file", json_text(r.file));
     json.field("format", json_text(r.format));
+    json.field("unit", r.unit.empty() ? "null" : json_text(r.unit));
     json.field("read", std::string(r.read ? "true" : "false"));
     json.field("error", r.read || r.error.empty() ? "null" : json_text(r.error));
     json.field("objects", r.objects);

@@ -47,6 +47,7 @@ struct file_report {
     };
     std::string file;   // that was read
     std::string format; // of its importer
+    std::string unit;   // of its numbers, which are taken as they are; "" when it says none
     bool read = false;
     std::string error; // why it was not
     int objects = 0, vertices = 0, surfaces = 0, lights = 0, materials = 0;

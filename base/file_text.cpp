@@ -31,11 +31,16 @@ char *new_buffer(std::size_t *size)
 
 bool file_text_read(const char *filename, file_text *text)
 {
-    const int fd = open(filename, O_RDONLY | O_CLOEXEC);
+    const int fd = open(filename, O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a pipe would wait
     if (fd < 0)
         return false;
     struct stat info = {};
     const bool sized = fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+    if (!sized && !S_ISDIR(info.st_mode)) { // a device may have no end
+        close(fd);
+        errno = EINVAL;
+        return false;
+    }
     // One byte more than the file has, so that its end shows without growing.
     std::size_t room = (sized ? static_cast<std::size_t>(info.st_size) : 65536) + 1;
     text->bytes.reset(new_buffer(&room));

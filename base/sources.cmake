@@ -6,6 +6,7 @@ target_sources(vesk_core PRIVATE
     base/command_result.cpp
     base/console.cpp
     base/coor_display.cpp
+    base/counted.cpp
     base/crash_guard.cpp
     base/current_file.cpp
     base/desktop.cpp
@@ -15,6 +16,7 @@ target_sources(vesk_core PRIVATE
     base/file_text.cpp
     base/filename.cpp
     base/foreign.cpp
+    base/gzip.cpp
     base/home.cpp
     base/image_png.cpp
     base/linked_vars.cpp

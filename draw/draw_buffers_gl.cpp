@@ -292,11 +292,10 @@ void draw_indexed(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &bu
 
 } // namespace
 
-const object_buffers_t &object_buffers(object_t *object)
+const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat)
 {
     object_buffers_t &buffers = store().objects[object];
     buffers.used_in = store().sweep;
-    const flat_ptr flat = object_flat(object);
     const bool textured = object_picture(object) != nullptr;
     const bool was_textured = std::exchange(buffers.textured, textured);
     if (buffers.flat == nullptr || textured != was_textured)

@@ -39,8 +39,8 @@ struct object_buffers_t {
     std::uint64_t used_in = 0;          // number of the last sweep
 };
 
-// Of an object, up to date.
-const object_buffers_t &object_buffers(object_t *object);
+// Of an object, up to date: of its own mesh, or of one that is shown in its stead.
+const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh);
 
 // Frees the buffers of objects that were not drawn since the last sweep.
 void buffers_sweep();

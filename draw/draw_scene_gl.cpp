@@ -4,6 +4,7 @@
 #include "draw/crowding_gl.h"
 #include "draw/depth_order.h"
 #include "draw/draw_textures_gl.h"
+#include "edit/boolean_live.h"
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/ear_cut.h"
@@ -188,7 +189,7 @@ void draw_by_depth(const scene_item_t &item, const fill_options_t &options, cons
 
 bool is_drawn_filled(const scene_item_t &item)
 {
-    return !item.hidden && item.buffers->page != nullptr &&
+    return !item.hidden && !item.outline && item.buffers->page != nullptr &&
            (!item.locked || prefs.show_locked_3d != 0);
 }
 
@@ -383,11 +384,16 @@ scene_t gather_scene()
     selection_marks_update();
     bounds_clear(&scene.min, &scene.max);
     for_each_object(vesk_get_world(), [&](object_t *object) {
-        const object_buffers_t &buffers = object_buffers(object);
+        const flat_ptr instead = boolean_live_shown(object);
+        const object_buffers_t &buffers =
+            object_buffers(object, instead != nullptr ? instead : object_flat(object));
         if (buffers.page == nullptr)
             return;
-        scene.items.push_back(
-            {object, &buffers, selected_part(object), object->visible == 0, object->locked != 0});
+        const selected_part_t *part = selected_part(object);
+        if (instead != nullptr && part != nullptr && !part->whole)
+            part = nullptr; // places in the object's own mesh
+        scene.items.push_back({object, &buffers, part, object->visible == 0, object->locked != 0,
+                               boolean_live_is_outline(object)});
         bounds_add(buffers.min, &scene.min, &scene.max);
         bounds_add(buffers.max, &scene.min, &scene.max);
     });

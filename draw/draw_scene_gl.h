@@ -14,6 +14,7 @@ struct scene_item_t {
     const object_buffers_t *buffers;
     const selected_part_t *part; // null: nothing of it is selected
     bool hidden, locked;
+    bool outline; // without its surfaces
 };
 
 struct scene_t {

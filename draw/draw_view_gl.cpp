@@ -5,6 +5,7 @@
 #include "draw/draw_3d_gl.h"
 #include "draw/draw_orth_gl.h"
 #include "draw/draw_text_gl.h"
+#include "edit/boolean_live.h"
 #include "model/change_marks.h"
 #include "view/interaction.h"
 #include "view/views_internal.h"
@@ -75,6 +76,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
 {
     view_state_t &state = states[view];
     const bool distrusted = is_distrusted(state);
+    const bool up_to_date = boolean_live_update(view_is_moving(view, seconds) && !in_full);
     scene_t scene = distrusted ? scene_t() : gather_scene();
     state.budget.expect(scene_vertices(scene));
     const bool moving = view_is_moving(view, seconds);
@@ -107,7 +109,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     finish_layer(picture, draw_layer::rest);
     if (quick)
         learn_smoothing(picture, seconds_until_drawn() - started);
-    state.partial = quick || resized;
+    state.partial = quick || resized || !up_to_date;
     state.layers = picture.layers;
 }
 

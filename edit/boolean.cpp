@@ -94,25 +94,16 @@ constexpr double no_depth = 1e-5;
 
 bool refuse_crossing(const solids_t &solids, const solid_faces &faces)
 {
-    std::vector<double> sizes;
-    for (const flat_ptr &mesh : solids.meshes.meshes())
-        sizes.push_back(size_of(*mesh));
+    const std::vector<self_crossing_t> crossings = boolean_self_crossings(solids.meshes, faces);
+    if (crossings.empty())
+        return false;
     owned_list surfaces;
-    const self_crossing_t *first = nullptr;
-    int count = 0;
     const auto unit_of = [&](int triangle) { return solids.meshes.triangles()[triangle].unit; };
-    for (const self_crossing_t &crossing : faces.self_crossings()) {
-        const int mesh = solids.meshes.units()[unit_of(crossing.a)].mesh;
-        if (crossing.depth <= no_depth * sizes[mesh])
-            continue;
-        first = first == nullptr ? &crossing : first;
-        ++count;
+    for (const self_crossing_t &crossing : crossings) {
         surfaces.add(surface_of(solids, unit_of(crossing.a)));
         surfaces.add(surface_of(solids, unit_of(crossing.b)));
     }
-    if (first == nullptr)
-        return false;
-    const int a = unit_of(first->a), b = unit_of(first->b);
+    const int a = unit_of(crossings.front().a), b = unit_of(crossings.front().b);
     const std::string name = name_of(solids, a);
     set_new_select_mode(SELECT_SURFACE);
     clear_selection();
@@ -120,7 +111,7 @@ bool refuse_crossing(const solids_t &solids, const solid_faces &faces)
     finish_edit();
     display_message("boolean - \"%s\" goes through itself: surfaces %d and %d, %d places",
                     name.c_str(), solids.meshes.units()[a].surface,
-                    solids.meshes.units()[b].surface, count);
+                    solids.meshes.units()[b].surface, static_cast<int>(crossings.size()));
     return true;
 }
 
@@ -249,18 +240,39 @@ bool compute(solids_t &solids, solid_operation operation, solid_result *result)
 
 } // namespace
 
+std::optional<solid_operation> boolean_operation_of(const char *word)
+{
+    const auto known = std::find_if(std::begin(words_of), std::end(words_of),
+                                    [&](const char *name) { return std::strcmp(name, word) == 0; });
+    if (known == std::end(words_of))
+        return {};
+    return static_cast<solid_operation>(known - std::begin(words_of));
+}
+
+std::vector<self_crossing_t> boolean_self_crossings(const solid_meshes &solids,
+                                                    const solid_faces &faces)
+{
+    std::vector<double> sizes;
+    for (const flat_ptr &mesh : solids.meshes())
+        sizes.push_back(size_of(*mesh));
+    std::vector<self_crossing_t> found;
+    for (const self_crossing_t &crossing : faces.self_crossings()) {
+        const int unit = solids.triangles()[crossing.a].unit;
+        if (crossing.depth > no_depth * sizes[solids.units()[unit].mesh])
+            found.push_back(crossing);
+    }
+    return found;
+}
+
 // ---- commands ----
 
 void command_boolean(int count, const char *const *words)
 {
-    const auto word =
-        std::find_if(std::begin(words_of), std::end(words_of),
-                     [&](const char *known) { return std::strcmp(known, words[0]) == 0; });
-    if (word == std::end(words_of)) {
+    const std::optional<solid_operation> operation = boolean_operation_of(words[0]);
+    if (!operation) {
         display_message("boolean - union, difference or intersection, not \"%s\"", words[0]);
         return;
     }
-    const auto operation = static_cast<solid_operation>(word - std::begin(words_of));
     solids_t solids;
     for (object_t *top : selected_top_objects()) {
         if (!objects_with_geometry({top}).empty())
@@ -273,7 +285,7 @@ void command_boolean(int count, const char *const *words)
     }
     display_message("boolean...");
     solid_result result;
-    if (!compute(solids, operation, &result))
+    if (!compute(solids, *operation, &result))
         return;
     open_world_undo("boolean");
     clear_selection();

@@ -4,6 +4,7 @@
 #include "edit/document/edit_support.h"
 #include "edit/edge_operation.h"
 #include "edit/mesh/borders.h"
+#include "edit/symmetry_elements.h"
 #include "model/vec3d.h"
 
 #include <algorithm>
@@ -274,6 +275,22 @@ void bridge_surfaces(edge_work &work, const bridge_options &options)
     work.change.remove_unused();
 }
 
+void bridge_selected(const bridge_options &options)
+{
+    const bool surfaces = !mode_has_vertices(select_mode());
+    run_edge_operation("bridge", "surfaces", [&](edge_work &work) {
+        if (surfaces) {
+            bridge_surfaces(work, options);
+            return;
+        }
+        std::vector<int> borders = work.edges;
+        std::erase_if(borders, [&](int e) { return !work.topology.is_border(e); });
+        bridge_chains(work,
+                      chains_of(work.topology, borders, [](const edge_use &) { return true; }),
+                      options);
+    });
+}
+
 } // namespace
 
 // ---- commands ----
@@ -287,16 +304,5 @@ void command_bridge(int count, const char *const *words)
         options.twist = int_of(words[1]);
     if (count > 2)
         options.smooth = std::clamp(finite_float_of(words[2]), 0.0f, 1.0f);
-    const bool surfaces = !mode_has_vertices(select_mode());
-    run_edge_operation("bridge", "surfaces", [&](edge_work &work) {
-        if (surfaces) {
-            bridge_surfaces(work, options);
-            return;
-        }
-        std::vector<int> borders = work.edges;
-        std::erase_if(borders, [&](int e) { return !work.topology.is_border(e); });
-        bridge_chains(work,
-                      chains_of(work.topology, borders, [](const edge_use &) { return true; }),
-                      options);
-    });
+    on_both_sides([&] { bridge_selected(options); });
 }

@@ -3,11 +3,13 @@
 #include "base/numbers.h"
 #include "edit/document/selection_internal.h"
 #include "edit/edge_operation.h"
+#include "edit/mesh/polygon_plane.h"
 #include "edit/mesh/vertex_fan.h"
 #include "model/vec3d.h"
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <unordered_map>
 
 namespace {
@@ -28,6 +30,31 @@ vec3d unit(const vec3d &a)
 {
     const double size = length(a);
     return size > 0 ? a / size : vec3d{};
+}
+
+// Of two surfaces beside a new one the one that it takes after. Of a model and its mirror image they
+// are the same ones: neither the order of the surfaces nor that of their corners decides, unless
+// nothing else does.
+bool comes_before(const flat_mesh &mesh, int s, int other)
+{
+    const flat_surface &a = mesh.surface(s), &b = mesh.surface(other);
+    const auto look = [](const flat_surface &of) {
+        return std::tuple(of.material, of.smooth, of.twosided);
+    };
+    if (look(a) != look(b))
+        return look(a) < look(b);
+    constexpr double alike = 1e-4;
+    const double area = length(polygon_area_vector(mesh, s)),
+                 other_area = length(polygon_area_vector(mesh, other));
+    return area > other_area * (1 + alike);
+}
+
+// Of the corners at a vertex the one whose surface comes before the others.
+int leading_corner(const flat_mesh &mesh, const vertex_corners &corners, const vertex_fan &fan)
+{
+    return *std::min_element(fan.corners.begin(), fan.corners.end(), [&](int a, int b) {
+        return comes_before(mesh, corners.surface_of(a), corners.surface_of(b));
+    });
 }
 
 // A vertex with bevelled edges: what replaces it in each of its polygons.
@@ -125,8 +152,10 @@ private:
 
     // A run of polygons of the fan without a bevelled edge between them.
     struct sector {
-        int first, end;            // corners of the fan, `end` not included; may pass its size
-        int edge = -1;             // that the point lies on; -1: inside the only polygon
+        int first, end; // corners of the fan, `end` not included; may pass its size
+        std::vector<int>
+            inner{}; // the edge that the point lies on, or the two in the middle that it
+                     // lies between; none: inside the only polygon
         std::vector<int> beside{}; // its bevelled edges
     };
 
@@ -140,32 +169,38 @@ private:
         const auto number = [&](int i) { return fan.edge(i); };
         if (fan.closed && places.size() == 1) {
             const int a = places[0], n = fan.size();
-            all.push_back({a, a + 1, number(a + 1), {number(a)}});
-            all.push_back({a + n - 1, a + n, number(a + n - 1), {number(a)}});
+            all.push_back({a, a + 1, {number(a + 1)}, {number(a)}});
+            all.push_back({a + n - 1, a + n, {number(a + n - 1)}, {number(a)}});
             return all;
         }
         if (!fan.closed)
-            all.push_back({places[0] - 1, places[0], number(places[0] - 1), {number(places[0])}});
+            all.push_back({places[0] - 1, places[0], {number(places[0] - 1)}, {number(places[0])}});
         for (std::size_t k = 0; k + (fan.closed ? 0 : 1) < places.size(); ++k) {
             const int a = places[k];
             const int b = k + 1 < places.size() ? places[k + 1] : places[0] + fan.size();
-            sector between = {a, b, -1, {number(a), number(b)}};
+            sector between = {a, b, {}, {number(a), number(b)}};
             if (b - a > 1)
-                between.edge = number((a + b) / 2);
+                between.inner.push_back(number((a + b) / 2));
+            if (b - a > 1 && (b - a) % 2 != 0)
+                between.inner.push_back(number((a + b + 1) / 2));
             all.push_back(between);
         }
         if (!fan.closed)
             all.push_back({places.back(),
                            places.back() + 1,
-                           number(places.back() + 1),
+                           {number(places.back() + 1)},
                            {number(places.back())}});
         return all;
     }
 
     [[nodiscard]] vec3d way_of(int v, const bevelled_vertex &bevel, const sector &run) const
     {
-        return run.edge >= 0 ? way_on(v, run.edge, run.beside)
-                             : way_inside(bevel.fan.corners[run.first % bevel.fan.size()]);
+        if (run.inner.empty())
+            return way_inside(bevel.fan.corners[run.first % bevel.fan.size()]);
+        vec3d sum;
+        for (const int e : run.inner)
+            sum += way_on(v, e, run.beside) / static_cast<double>(run.inner.size());
+        return sum;
     }
 
     void limit_width()
@@ -175,8 +210,7 @@ private:
             for (const sector &run : sectors_of(bevel)) {
                 const vec3d way = way_of(v, bevel, run);
                 std::vector<int> edges = run.beside;
-                if (run.edge >= 0)
-                    edges.push_back(run.edge);
+                edges.insert(edges.end(), run.inner.begin(), run.inner.end());
                 for (const int e : edges) {
                     const vec3d edge = along(e, v);
                     const double size = length(edge);
@@ -212,7 +246,7 @@ private:
         const vertex_fan &fan = bevel.fan;
         const int a = bevel.bevelled[0], n = fan.size();
         const auto corner = [&](int i) { return fan.corners[i % n]; };
-        bevel.rows[fan.edge(a)] = row_between(v, fan.edge(a), right, left);
+        bevel.rows[fan.edge(a)] = row_between(v, {fan.edge(a)}, right, left);
         const std::vector<int> &row = bevel.rows[fan.edge(a)];
         if (n == 2) { // both polygons share the one other edge
             bevel.at[corner(a)] = {left};
@@ -249,7 +283,10 @@ private:
                 std::reverse(row.begin(), row.end());
                 bevel.rows[e] = row;
             } else {
-                bevel.rows[e] = row_between(v, e, points[right], points[left]);
+                std::vector<int> strips = {e};
+                if (fan.closed && count == 2)
+                    strips.push_back(fan.edge(bevel.bevelled[1]));
+                bevel.rows[e] = row_between(v, strips, points[right], points[left]);
             }
         }
     }
@@ -265,15 +302,21 @@ private:
             bevel.at[corners[last + 1]] = {v, points.back()};
     }
 
-    // The profile across a strip: a curve from one point to the other, drawn towards the vertex.
-    std::vector<int> row_between(int v, int e, int from, int to)
+    // The profile across a strip, or two that meet: a curve from one point to the other, drawn
+    // towards the vertex.
+    std::vector<int> row_between(int v, const std::vector<int> &strips, int from, int to)
     {
         std::vector<int> row = {from};
         const vec3d p = to_vec3d(work_.change.position(from));
         const vec3d q = to_vec3d(work_.change.position(to));
         // The old corner in the strip's cross-section: on the edge, as far along as the points.
-        const vec3d way = unit(along(e, v)), old = to_vec3d(mesh_.position(v));
-        const vec3d corner = old + way * ((dot(p - old, way) + dot(q - old, way)) / 2);
+        const vec3d old = to_vec3d(mesh_.position(v));
+        vec3d corner = old;
+        for (const int e : strips) {
+            const vec3d way = unit(along(e, v));
+            corner += way * ((dot(p - old, way) + dot(q - old, way)) /
+                             (2 * static_cast<double>(strips.size())));
+        }
         // A conic: its weight makes a straight line, a circle's arc, or the corner itself.
         const vec3d a = unit(p - corner), b = unit(q - corner);
         const double arc = std::sqrt(std::max(0.0, (1 - dot(a, b)) / 2));
@@ -331,10 +374,13 @@ private:
         const std::vector<int> &row = vertices_.at(edge.a).rows.at(e);
         std::vector<int> other = vertices_.at(edge.b).rows.at(e);
         std::reverse(other.begin(), other.end());
-        // The surface on the left of the way from a to b gives material and coordinates.
+        // One of the surfaces beside it gives material and coordinates.
         const auto uses = work_.topology.uses(e);
-        const edge_use &use = uses[0].forward ? uses[0] : uses[1];
-        const int s = use.surface, at_a = use.corner, at_b = corner_after(mesh_, s, use.corner);
+        const int left = uses[0].forward ? 0 : 1;
+        const edge_use &use =
+            uses[comes_before(mesh_, uses[1 - left].surface, uses[left].surface) ? 1 - left : left];
+        const int s = use.surface, next = corner_after(mesh_, s, use.corner);
+        const int at_a = use.forward ? use.corner : next, at_b = use.forward ? next : use.corner;
         for (std::size_t j = 0; j + 1 < row.size(); ++j) {
             work_.change.add_surface(s);
             add_corner(row[j + 1], s, at_a);
@@ -369,7 +415,7 @@ private:
         const std::size_t strips = bevel.bevelled.size();
         if (outline.size() < 3 || !(end || strips > 2 || (!fan.closed && strips == 2)))
             return;
-        const int corner = fan.corners[bevel.bevelled.front() % fan.size()];
+        const int corner = leading_corner(mesh_, corners_, fan);
         const int s = corners_.surface_of(corner);
         if (options_.segments == 1 || strips < 3) {
             add_surface(outline, s, corner);
@@ -482,7 +528,8 @@ private:
         ++work_.changed;
         if (points.size() < 3)
             return;
-        const int corner = fan.corners.front(), s = corners_.surface_of(corner);
+        const int corner = leading_corner(mesh_, corners_, fan);
+        const int s = corners_.surface_of(corner);
         work_.change.add_surface(s);
         for (const int at : points)
             work_.change.add_corner(at, corner_uv_at(mesh_, s, corner, work_.change.position(at)));

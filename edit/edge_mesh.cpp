@@ -2,6 +2,7 @@
 
 #include "base/session_state.h"
 #include "edit/edge_mesh_internal.h"
+#include "edit/mesh/kept_colours.h"
 #include "edit/triangulate.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
@@ -319,7 +320,9 @@ private:
 
 void vesk_mesh_to_object(const vesk_mesh_t *mesh, object_t *object)
 {
+    const kept_colours colours(object);
     mesh_commit(*mesh, object).run();
+    colours.give_back();
 }
 
 int vesk_mesh_add_vertices(vesk_mesh_t *mesh, const float *xyz, int n)

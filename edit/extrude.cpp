@@ -7,6 +7,7 @@
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/link_surfaces.h"
+#include "edit/mesh/kept_colours.h"
 #include "edit/mesh/position_index.h"
 #include "edit/region_sweep.h"
 #include "edit/symmetry_scope.h"
@@ -138,6 +139,7 @@ object_t *extrude_surface(surface_t *surface, const point3_t *offset, int steps,
                           degrees->z * per_degree);
     }
     const surface_t *before = surface;
+    const kept_colours colours(object);
     for (int k = 1; k <= steps; ++k) {
         const float part = static_cast<float>(k) / static_cast<float>(steps);
         owned_list vertices;
@@ -157,6 +159,7 @@ object_t *extrude_surface(surface_t *surface, const point3_t *offset, int steps,
         surface_free_record(last);
         object_remove_surface(object, surface);
     }
+    colours.give_back();
     object_mark(object, CHANGED_TOPOLOGY);
     return object;
 }

@@ -1,13 +1,18 @@
 #include "edit/insert_vertex.h"
 
 #include "base/command_result.h"
+#include "base/counted.h"
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/document/edit_support.h"
 #include "edit/mesh/mesh_edges.h"
+#include "edit/symmetry.h"
 #include "model/identity.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -15,25 +20,53 @@ float between(float from, float to, float share) { return from + (to - from) * s
 
 bool is_vertex_of(const flat_mesh &mesh, int v) { return v >= 0 && v < mesh.num_vertices(); }
 
+// A new vertex on the edge from a to b.
+struct place_t {
+    int a, b;
+    float share;
+    int added = -1;
+};
+
+// With symmetry its counterpart, too: on another edge, or elsewhere on one that crosses the plane.
+std::vector<place_t> with_counterpart(object_t *object, const place_t &place)
+{
+    std::vector<place_t> places = {place};
+    if (!symmetry_is_on())
+        return places;
+    const std::vector<int> twins = symmetric_places(object);
+    const int a = twins[place.a], b = twins[place.b];
+    if (a < 0 || b < 0)
+        return places;
+    if (a == place.b && b == place.a && place.share != 0.5f)
+        places.push_back({place.a, place.b, 1 - place.share});
+    else if (a != place.b && (a != place.a || b != place.b))
+        places.push_back({a, b, place.share});
+    return places;
+}
+
 // Into each surface that goes from a to b or back; false when none does.
-bool insert_into_surfaces(mesh_change &change, int a, int b, int added, float share)
+bool insert_into_surfaces(mesh_change &change, const std::vector<place_t> &places)
 {
     const flat_mesh &mesh = change.before();
     bool any = false;
+    std::vector<std::pair<float, int>> here; // shares of the way, new vertices
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
         const int end = mesh.end_corner(surface);
         const bool open = mesh.surface(surface).type == SURFACE_LINE;
         for (int c = mesh.first_corner(surface); c < end - (open ? 1 : 0); ++c) {
             const int next = next_corner(mesh, surface, c);
-            const int from = mesh.corner(c);
-            const int to = mesh.corner(next);
-            if (!(from == a && to == b) && !(from == b && to == a))
-                continue;
-            const float way = from == a ? share : 1 - share;
-            const flat_uv &p = mesh.uv(c);
-            const flat_uv &q = mesh.uv(next);
-            change.insert_corner_after(c, added, {between(p.u, q.u, way), between(p.v, q.v, way)});
-            any = true;
+            const int from = mesh.corner(c), to = mesh.corner(next);
+            here.clear();
+            for (const auto &[a, b, share, added] : places) {
+                if ((from == a && to == b) || (from == b && to == a))
+                    here.emplace_back(from == a ? share : 1 - share, added);
+            }
+            std::sort(here.begin(), here.end());
+            const flat_uv &p = mesh.uv(c), &q = mesh.uv(next);
+            for (const auto &[way, added] : here)
+                change.insert_corner_after(c, added,
+                                           {between(p.u, q.u, way), between(p.v, q.v, way)});
+            any = any || !here.empty();
         }
     }
     return any;
@@ -41,19 +74,24 @@ bool insert_into_surfaces(mesh_change &change, int a, int b, int added, float sh
 
 } // namespace
 
-bool insert_vertex_at(object_t *object, int a, int b, float share)
+int insert_vertex_at(object_t *object, int a, int b, float share)
 {
     if (object == nullptr || object->visible == 0 || object->locked != 0 || !(share > 0) ||
         !(share < 1))
-        return false;
+        return 0;
     mesh_change change(object);
     if (a == b || !is_vertex_of(change.before(), a) || !is_vertex_of(change.before(), b))
-        return false;
-    const point3_t p = change.position(a), q = change.position(b);
-    const int added = change.add_vertex(
-        {between(p.x, q.x, share), between(p.y, q.y, share), between(p.z, q.z, share)}, a);
-    if (!insert_into_surfaces(change, a, b, added, share))
-        return false;
+        return 0;
+    std::vector<place_t> places = with_counterpart(object, {a, b, share});
+    for (place_t &place : places) {
+        const point3_t p = change.position(place.a), q = change.position(place.b);
+        place.added =
+            change.add_vertex({between(p.x, q.x, place.share), between(p.y, q.y, place.share),
+                               between(p.z, q.z, place.share)},
+                              place.a);
+    }
+    if (!insert_into_surfaces(change, places))
+        return 0;
     open_world_undo("insert vertex");
     const mesh_result made = change.commit();
     calc_normals_of({object});
@@ -64,7 +102,9 @@ bool insert_vertex_at(object_t *object, int a, int b, float share)
         select_vertices(chosen.get());
     }
     finish_edit();
-    return true;
+    display_message("insert vertex - %s",
+                    counted(static_cast<int>(places.size()), "vertices").c_str());
+    return static_cast<int>(places.size());
 }
 
 // ---- commands ----
@@ -73,10 +113,10 @@ void command_insert_vertex_at(int, const char *const *words)
 {
     object_t *object = object_by_identity(int_of(words[0]));
     const int place = object != nullptr ? object->num_vertices : 0;
-    if (!insert_vertex_at(object, int_of(words[1]), int_of(words[2]), finite_float_of(words[3]))) {
+    if (insert_vertex_at(object, int_of(words[1]), int_of(words[2]), finite_float_of(words[3])) ==
+        0) {
         display_message("insert vertex - there is no such edge");
         return;
     }
-    display_message("insert vertex - 1 vertex");
     command_result_set(std::to_string(place).c_str());
 }

@@ -6,9 +6,10 @@
 // Puts one new vertex on the edge between two vertices of an object (by their places), at a share of
 // the way from a to b, into every surface that has the edge; the corners' texture coordinates lie
 // between those of their neighbours. One whole-model undo, "insert vertex". In vertex mode the new
-// vertex is selected. False, and no change, when there is no such edge, the share is not between 0
-// and 1, or the object is hidden or locked.
-bool insert_vertex_at(object_t *object, int a, int b, float share);
+// vertex is selected. With symmetry its counterpart gets one, too. Returns how many there are; 0, and
+// no change, when there is no such edge, the share is not between 0 and 1, or the object is hidden or
+// locked.
+int insert_vertex_at(object_t *object, int a, int b, float share);
 
 // Handler of "insert_vertex_at": object id, two vertices, share. The result is the new vertex's
 // place.

@@ -60,34 +60,10 @@ std::vector<int> starts_of(const edge_topology &topology, const edge_chain &ring
     return starts;
 }
 
-// An edge whose ring is cut, and the end from which the shares count.
-struct seed_t {
-    int edge, start;
-};
-
-// With symmetry each edge's counterpart is one, too, and counts from the counterpart of its end.
-std::vector<seed_t> seeds_of(const edge_work &work)
+std::vector<loop_seed> seeds_of(const edge_work &work)
 {
-    std::vector<seed_t> seeds;
-    const edge_topology &topology = work.topology;
-    std::vector<bool> taken(topology.size());
-    const std::vector<int> twins =
-        symmetry_is_on() ? symmetric_places(work.object) : std::vector<int>();
-    for (const int e : work.edges) {
-        if (taken[e])
-            continue;
-        const mesh_edge &edge = topology.edge(e);
-        seeds.push_back({e, edge.a});
-        taken[e] = true;
-        if (twins.empty() || twins[edge.a] < 0 || twins[edge.b] < 0)
-            continue;
-        const int other = topology.table().find(twins[edge.a], twins[edge.b]);
-        if (other >= 0 && !taken[other]) {
-            seeds.push_back({other, twins[edge.a]});
-            taken[other] = true;
-        }
-    }
-    return seeds;
+    return loop_seeds(work.topology, work.edges,
+                      symmetry_is_on() ? symmetric_places(work.object) : std::vector<int>());
 }
 
 class loop_cutter {
@@ -291,26 +267,59 @@ private:
 
 } // namespace
 
-std::vector<point3_t> loop_cut_preview(const edge_topology &topology, int edge, int cuts,
-                                       float slide)
+std::vector<loop_seed> loop_seeds(const edge_topology &topology, const std::vector<int> &edges,
+                                  const std::vector<int> &twins)
 {
-    const edge_chain ring = topology.ring(edge);
-    const std::vector<int> quads = topology.ring_quads(ring);
-    if (quads.empty())
-        return {};
-    const std::vector<int> starts = starts_of(topology, ring, quads, edge, topology.edge(edge).a);
-    const flat_mesh &mesh = topology.mesh();
-    std::vector<point3_t> points;
-    for (const float share : shares_of(cuts, slide)) {
-        const auto point_of = [&](std::size_t i) {
-            const int e = ring.edges[i];
-            return point_between(mesh.position(starts[i]),
-                                 mesh.position(topology.other_end(e, starts[i])), share);
-        };
-        for (std::size_t i = 0; i < quads.size(); ++i) {
-            points.push_back(point_of(i));
-            points.push_back(point_of((i + 1) % ring.edges.size()));
+    std::vector<loop_seed> seeds;
+    std::vector<bool> taken(topology.size());
+    for (const int e : edges) {
+        if (taken[e])
+            continue;
+        const mesh_edge &edge = topology.edge(e);
+        seeds.push_back({e, edge.a});
+        taken[e] = true;
+        if (twins.empty() || twins[edge.a] < 0 || twins[edge.b] < 0)
+            continue;
+        // It counts from the counterpart of the end.
+        const int other = topology.table().find(twins[edge.a], twins[edge.b]);
+        if (other >= 0 && !taken[other]) {
+            seeds.push_back({other, twins[edge.a]});
+            taken[other] = true;
         }
+    }
+    return seeds;
+}
+
+std::vector<point3_t> loop_cut_preview(const edge_topology &topology,
+                                       const std::vector<loop_seed> &seeds, int cuts, float slide)
+{
+    std::vector<point3_t> points;
+    const flat_mesh &mesh = topology.mesh();
+    for (const auto &[edge, start] : seeds) {
+        const edge_chain ring = topology.ring(edge);
+        const std::vector<int> quads = topology.ring_quads(ring);
+        if (quads.empty())
+            continue;
+        const std::vector<int> starts = starts_of(topology, ring, quads, edge, start);
+        for (const float share : shares_of(cuts, slide)) {
+            const auto point_of = [&](std::size_t i) {
+                const int e = ring.edges[i];
+                return point_between(mesh.position(starts[i]),
+                                     mesh.position(topology.other_end(e, starts[i])), share);
+            };
+            for (std::size_t i = 0; i < quads.size(); ++i) {
+                points.push_back(point_of(i));
+                points.push_back(point_of((i + 1) % ring.edges.size()));
+            }
+        }
+        // Their counterparts lie in the same ring: it is cut once.
+        const bool crosses =
+            std::any_of(seeds.begin() + 1, seeds.end(), [&](const loop_seed &seed) {
+                return std::find(ring.edges.begin(), ring.edges.end(), seed.edge) !=
+                       ring.edges.end();
+            });
+        if (crosses)
+            break;
     }
     return points;
 }

@@ -7,10 +7,18 @@
 
 #include <vector>
 
+// An edge whose ring is cut, and the end from which the slide counts.
+struct loop_seed {
+    int edge, start;
+};
 // The polygon sides that new loops would run along, as pairs of points in the object's coordinates:
-// for showing a cut before it is made. The ring through the edge, cut `cuts` times.
-std::vector<point3_t> loop_cut_preview(const edge_topology &topology, int edge, int cuts,
-                                       float slide);
+// for showing a cut before it is made. The rings through the edges, cut `cuts` times.
+std::vector<point3_t> loop_cut_preview(const edge_topology &topology,
+                                       const std::vector<loop_seed> &seeds, int cuts, float slide);
+// The edges whose rings a cut of an object goes through: these, and with symmetry their counterparts.
+// `twins` are symmetric_places of the object, or nothing.
+std::vector<loop_seed> loop_seeds(const edge_topology &topology, const std::vector<int> &edges,
+                                  const std::vector<int> &twins);
 
 // Makes that cut, whatever is selected. False when the edge has no ring.
 bool loop_cut_at(object_t *object, int edge, int cuts, float slide);

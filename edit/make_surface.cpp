@@ -8,6 +8,8 @@
 #include "edit/mesh/outline.h"
 #include "edit/mesh/surface_copy.h"
 #include "edit/mesh/vertex_use.h"
+#include "edit/symmetry.h"
+#include "edit/symmetry_elements.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
 #include "model/world.h"
@@ -66,6 +68,36 @@ object_t *joined(const std::vector<object_t *> &objects)
     return first;
 }
 
+void make_surface_of_selection(int type)
+{
+    const int fewest = type == SURFACE_LINE ? 2 : 3;
+    std::vector<vertex *> vertices;
+    if (mode_has_vertices(select_mode()))
+        vertices = elements_of<vertex>(selection().vertices);
+    const std::vector<object_t *> owners = owners_of_vertices(vertices);
+    const bool one_object = std::all_of(owners.begin(), owners.end(),
+                                        [&](object_t *owner) { return owner == owners.front(); });
+    if (!one_object || static_cast<int>(vertices.size()) < fewest) {
+        display_message("select at least %d vertices of one object", fewest);
+        return;
+    }
+    display_message("create surface...");
+    if (type == SURFACE_POLYGON)
+        untangle(vertices);
+    // The record of one surface would not take back the two of symmetry.
+    const bool whole = symmetry_acts();
+    if (whole)
+        open_world_undo("create surface");
+    else
+        new_undo(UNDO_SURFACE, "create surface");
+    surface_t *surface = add_surface(owners.front(), vertices, type);
+    if (!whole)
+        set_undo_surface(surface);
+    calc_normals_of({owners.front()});
+    finish_edit();
+    display_message("create surface - %d vertices", static_cast<int>(vertices.size()));
+}
+
 } // namespace
 
 std::vector<object_t *> separate_selected_surfaces()
@@ -106,26 +138,7 @@ void command_createsurface(int type)
         display_message("create surface - no type %d", type);
         return;
     }
-    const int fewest = type == SURFACE_LINE ? 2 : 3;
-    std::vector<vertex *> vertices;
-    if (mode_has_vertices(select_mode()))
-        vertices = elements_of<vertex>(selection().vertices);
-    const std::vector<object_t *> owners = owners_of_vertices(vertices);
-    const bool one_object = std::all_of(owners.begin(), owners.end(),
-                                        [&](object_t *owner) { return owner == owners.front(); });
-    if (!one_object || static_cast<int>(vertices.size()) < fewest) {
-        display_message("select at least %d vertices of one object", fewest);
-        return;
-    }
-    display_message("create surface...");
-    if (type == SURFACE_POLYGON)
-        untangle(vertices);
-    new_undo(UNDO_SURFACE, "create surface");
-    surface_t *surface = add_surface(owners.front(), vertices, type);
-    set_undo_surface(surface);
-    calc_normals_of({owners.front()});
-    finish_edit();
-    display_message("create surface - %d vertices", static_cast<int>(vertices.size()));
+    on_both_sides([&] { make_surface_of_selection(type); });
 }
 
 void command_surface_create_object()

@@ -10,6 +10,7 @@
 #include "model/object_tree.h"
 #include "model/property.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 
 #include <algorithm>
 #include <numeric>
@@ -99,6 +100,7 @@ object_t *group_of(object_t *object, const std::vector<object_t *> &pieces)
         copy_marks(piece, object);
     object_set_url(group, object->url);
     object_set_userdata(group, object->data);
+    vesk_object_set_vertex_colours(group, nullptr); // the pieces have them
     for (object_t *piece : pieces)
         object_add_child(group, piece);
     return group;
@@ -202,6 +204,23 @@ private:
     listitem *last_;
 };
 
+// The colours of all vertices in the order in which they will stand; empty without any.
+std::vector<unsigned char> joined_colours(const std::vector<object_t *> &sources, object_t *to)
+{
+    std::vector<object_t *> order(1, to);
+    std::copy_if(sources.begin(), sources.end(), std::back_inserter(order),
+                 [to](const object_t *from) { return from != to; });
+    std::vector<unsigned char> all;
+    bool any = false;
+    for (const object_t *object : order) {
+        std::vector<unsigned char> rgb = object_vertex_colours(object);
+        any = any || !rgb.empty();
+        rgb.resize(3 * static_cast<size_t>(object->num_vertices), 255);
+        all.insert(all.end(), rgb.begin(), rgb.end());
+    }
+    return any ? all : std::vector<unsigned char>();
+}
+
 // Moves vertices and surfaces as they are.
 void move_geometry(const std::vector<object_t *> &sources, object_t *to)
 {
@@ -226,7 +245,10 @@ void merge_into(object_t *target, const std::vector<object_t *> &tops, merge_t &
         merge.textures_differ |= object->has_texture != target->has_texture ||
                                  (object->has_texture != 0 && object->texture != target->texture);
     }
+    const std::vector<unsigned char> colours = joined_colours(merge.sources, target);
     move_geometry(merge.sources, target);
+    if (!colours.empty())
+        vesk_object_set_vertex_colours(target, colours.data());
     target->type = OBJECT_POLY;
     target->is_sphere = 0;
     object_mark(target, CHANGED_ALL);

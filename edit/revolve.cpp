@@ -7,6 +7,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/link_surfaces.h"
+#include "edit/mesh/kept_colours.h"
 #include "model/angle.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
@@ -60,6 +61,7 @@ void add_end_cap(object_t *object, listitem *copies)
 
 void revolve_one(object_t *object, int axis, float degrees, int n)
 {
+    const kept_colours colours(object);
     const float step = radians(degrees) / static_cast<float>(n);
     const bool closes = degrees == 360.0f;
     // Of the rings, the links and the surfaces of the ring before only.
@@ -84,6 +86,7 @@ void revolve_one(object_t *object, int axis, float degrees, int n)
     add_end_cap(object, copies);
     for (const owned_list &surfaces : links)
         object_add_surfaces(object, surfaces.get());
+    colours.give_back();
 }
 
 } // namespace

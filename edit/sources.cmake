@@ -1,6 +1,7 @@
 # Files of edit/: editing.
 target_sources(vesk_core PRIVATE
     edit/boolean.cpp
+    edit/boolean_live.cpp
     edit/bridge.cpp
     edit/catmull_clark.cpp
     edit/connect.cpp
@@ -51,6 +52,7 @@ target_sources(vesk_core PRIVATE
     edit/slice.cpp
     edit/soft_selection.cpp
     edit/symmetry.cpp
+    edit/symmetry_elements.cpp
     edit/symmetry_scope.cpp
     edit/deform.cpp
     edit/align.cpp
@@ -83,6 +85,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
     edit/mesh/mesh_edges.cpp
+    edit/mesh/kept_colours.cpp
     edit/mesh/nearest_points.cpp
     edit/mesh/outline.cpp
     edit/mesh/planar_sides.cpp
@@ -95,6 +98,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/solid_boolean.cpp
     edit/mesh/solid_faces.cpp
     edit/mesh/solid_meshes.cpp
+    edit/mesh/surface_blocks.cpp
     edit/mesh/surface_copy.cpp
     edit/mesh/surface_region.cpp
     edit/mesh/tessellator.cpp

@@ -140,6 +140,11 @@ bool symmetry_shown(float *at)
     return true;
 }
 
+point3_t symmetric_point(const object_t *object, const point3_t &p)
+{
+    return mirrored(p, symmetry_axis(), symmetry_plane(object));
+}
+
 float symmetry_closeness(object_t *object)
 {
     return std::max(size_of(*object_flat(object)) * closeness, 1e-30f);

@@ -17,6 +17,8 @@ int symmetry_axis();
 float symmetry_plane(const object_t *object);
 // Where the plane is that the views show; false when there is none.
 bool symmetry_shown(float *at);
+// A point in the mirror of an object.
+point3_t symmetric_point(const object_t *object, const point3_t &p);
 // Within it places of an object count as the same.
 float symmetry_closeness(object_t *object);
 

@@ -4,6 +4,7 @@
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo_internal.h"
+#include "edit/symmetry_elements.h"
 #include "edit/transform.h"
 #include "model/change_marks.h"
 #include "model/vector.h"
@@ -74,76 +75,6 @@ point3_t middle_of(const surface_t *surface)
     return point_scale(sum, 1.0f / static_cast<float>(std::max(count, 1)));
 }
 
-// The places of a surface's vertices in their object, sorted.
-std::vector<int> places_of(const flat_mesh &mesh, int surface)
-{
-    const auto corners = mesh.surface_corners(surface);
-    std::vector<int> places(corners.begin(), corners.end());
-    std::sort(places.begin(), places.end());
-    return places;
-}
-
-// Adds the surfaces whose vertices are the counterparts of those of the selected ones.
-void add_surfaces()
-{
-    std::vector<surface_t *> others;
-    for (const owned_elements &owned : surfaces_by_owner(selection().surfaces)) {
-        const flat_ptr mesh = object_flat(owned.object);
-        const std::vector<int> twins = symmetric_places(owned.object);
-        std::set<std::vector<int>> wanted;
-        for (const int surface : owned.indices) {
-            std::vector<int> mirrored = places_of(*mesh, surface);
-            for (int &v : mirrored)
-                v = twins[v];
-            std::sort(mirrored.begin(), mirrored.end());
-            if (mirrored.front() >= 0)
-                wanted.insert(std::move(mirrored));
-        }
-        for (int s = 0; s < mesh->num_surfaces() && !wanted.empty(); ++s) {
-            if (wanted.contains(places_of(*mesh, s)))
-                others.push_back(mesh->surface_record(s));
-        }
-    }
-    selection_add_surfaces(others);
-}
-
-void add_edges()
-{
-    std::vector<edge_ends> all;
-    for (const owned_edges &owned : selected_edges()) {
-        const flat_mesh &mesh = owned.topology->mesh();
-        const std::vector<int> twins = symmetric_places(owned.object);
-        std::set<int> chosen(owned.edges.begin(), owned.edges.end());
-        std::vector<int> order = owned.edges;
-        for (const int e : owned.edges) {
-            const mesh_edge &edge = owned.topology->edge(e);
-            const int a = twins[edge.a], b = twins[edge.b];
-            const int other = a >= 0 && b >= 0 ? owned.topology->table().find(a, b) : -1;
-            if (other >= 0 && chosen.insert(other).second)
-                order.push_back(other);
-        }
-        for (const int e : order) {
-            const mesh_edge &edge = owned.topology->edge(e);
-            all.push_back({mesh.vertex_record(edge.a), mesh.vertex_record(edge.b)});
-        }
-    }
-    select_edges_by_ends(std::move(all));
-}
-
-void add_vertices()
-{
-    std::vector<vertex *> others;
-    for (const owned_elements &owned : vertices_by_owner(selection().vertices)) {
-        const flat_ptr mesh = object_flat(owned.object);
-        const std::vector<int> twins = symmetric_places(owned.object);
-        for (const int v : owned.indices) {
-            if (twins[v] >= 0)
-                others.push_back(mesh->vertex_record(twins[v]));
-        }
-    }
-    selection_add_vertices(others);
-}
-
 } // namespace
 
 symmetry_scope::symmetry_scope(const char *command) : kind_(kind_of(command)) { begin(); }
@@ -184,12 +115,21 @@ void symmetry_scope::begin()
 
 void symmetry_scope::add_counterparts()
 {
-    if (select_mode() == SELECT_EDGE)
-        add_edges();
-    else if (select_mode() == SELECT_SURFACE)
-        add_surfaces();
-    else
-        add_vertices();
+    int without = 0;
+    const element_set others = selected_counterparts(&without);
+    if (select_mode() == SELECT_EDGE) {
+        std::vector<edge_ends> all = elements_of_selection().edges;
+        all.insert(all.end(), others.edges.begin(), others.edges.end());
+        std::set<std::pair<vertex *, vertex *>> known;
+        std::erase_if(all, [&](const edge_ends &edge) {
+            return !known.insert({edge.a, edge.b}).second; // on the plane it is its own counterpart
+        });
+        select_edges_by_ends(std::move(all));
+    } else if (select_mode() == SELECT_SURFACE) {
+        selection_add_surfaces(others.surfaces);
+    } else {
+        selection_add_vertices(others.vertices);
+    }
     selection_changed("select");
 }
 

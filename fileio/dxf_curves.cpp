@@ -13,8 +13,8 @@ constexpr int most_degree = 25;
 
 int pieces_of(double angle)
 {
-    return std::max(
-        1, static_cast<int>(std::ceil(std::fabs(angle) / (2 * pi) * pieces_of_circle - 1e-9)));
+    const double pieces = std::ceil(std::fabs(angle) / (2 * pi) * pieces_of_circle - 1e-9);
+    return static_cast<int>(pieces > 1 ? std::min(pieces, 2.0 * pieces_of_circle) : 1);
 }
 
 } // namespace

@@ -150,7 +150,7 @@ private:
     void take(dxf_record &&record)
     {
         if (record.type == "SECTION")
-            section_ = record.text(2);
+            section(record);
         else if (record.type == "ENDSEC")
             section_ = {};
         else if (record.type == "EOF")
@@ -161,6 +161,15 @@ private:
             of_block(std::move(record));
         else if (section_ == "ENTITIES")
             drawing_.entities.push_back(std::move(record));
+    }
+
+    // The variables of the head are no records, so all of them stand in the section's own.
+    void section(const dxf_record &record)
+    {
+        section_ = record.text(2);
+        for (std::size_t i = 0; section_ == "HEADER" && i + 1 < record.pairs.size(); ++i)
+            if (record.pairs[i].code == 9 && record.pairs[i].value == "$INSUNITS")
+                drawing_.units = dxf_whole(record.pairs[i + 1].value);
     }
 
     void layer(const dxf_record &record)
@@ -240,6 +249,33 @@ int dxf_nearest_colour(const dxf_rgb &colour)
         }
     }
     return best;
+}
+
+const char *dxf_unit_name(int units)
+{
+    static constexpr const char *names[] = {"",
+                                            "inches",
+                                            "feet",
+                                            "miles",
+                                            "millimetres",
+                                            "centimetres",
+                                            "metres",
+                                            "kilometres",
+                                            "microinches",
+                                            "mils",
+                                            "yards",
+                                            "angstroms",
+                                            "nanometres",
+                                            "microns",
+                                            "decimetres",
+                                            "decametres",
+                                            "hectometres",
+                                            "gigametres",
+                                            "astronomical units",
+                                            "light years",
+                                            "parsecs",
+                                            "survey feet"};
+    return units > 0 && units < static_cast<int>(std::size(names)) ? names[units] : "";
 }
 
 // ---- texts ----

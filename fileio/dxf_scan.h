@@ -66,11 +66,15 @@ struct dxf_drawing {
     std::unordered_map<std::string_view, dxf_layer> layers;
     std::unordered_map<std::string_view, dxf_block> blocks;
     std::vector<dxf_record> entities;
+    int units = 0;         // $INSUNITS: 0 says nothing
     bool complete = false; // the file's end was reached in good order
 };
 
 // Never fails: what is not understood is left out.
 dxf_drawing dxf_read(std::string_view text);
+
+// The name of a unit ("millimetres"); "" for none and for unknown ones.
+const char *dxf_unit_name(int units);
 
 // A name or a text as UTF-8: "\U+2205" is the letter of that number, bytes that are no UTF-8 are
 // Latin-1.

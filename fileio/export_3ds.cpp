@@ -14,6 +14,7 @@
 #include "model/flat_mesh.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 
 #include <algorithm>
@@ -31,6 +32,8 @@ constexpr size_t most_vertices = 65000; // counts are 16-bit numbers
 constexpr size_t most_faces = 65000;
 constexpr size_t most_name = 10;
 constexpr size_t most_material_name = 16;
+constexpr std::uint32_t no_node = 0xFFFF;
+constexpr const char *dummy = "$$$DUMMY"; // the mesh of an entry that has none
 
 struct names_t {
     std::set<std::string> taken;
@@ -62,19 +65,25 @@ std::string chunk(unsigned id, const std::string &body)
 
 std::string text(const std::string &words) { return words + '\0'; }
 
+// As bytes, which every reader knows, and as reals, which are exact.
 std::string colour(unsigned id, const float *rgb)
 {
     std::string bytes;
-    for (int i = 0; i < 3; ++i)
-        bytes += static_cast<char>(std::clamp(rgb[i], 0.0f, 1.0f) * 255 + 0.5f);
-    return chunk(id, chunk(0x0011, bytes));
+    std::string reals;
+    for (int i = 0; i < 3; ++i) {
+        bytes += static_cast<char>(within_one(rgb[i]) * 255 + 0.5f);
+        put_real(reals, within_one(rgb[i]));
+    }
+    return chunk(id, chunk(0x0011, bytes) + chunk(0x0010, reals));
 }
 
 std::string percent(unsigned id, float share)
 {
-    std::string bytes;
-    put(bytes, static_cast<std::uint32_t>(std::clamp(share, 0.0f, 1.0f) * 100 + 0.5f), 2);
-    return chunk(id, chunk(0x0030, bytes));
+    std::string whole;
+    std::string real;
+    put(whole, static_cast<std::uint32_t>(within_one(share) * 100 + 0.5f), 2);
+    put_real(real, within_one(share));
+    return chunk(id, chunk(0x0030, whole) + chunk(0x0031, real));
 }
 
 std::string real(unsigned id, float value)
@@ -101,6 +110,18 @@ struct mesh_t {
     }
 };
 
+// The glowing colour as a part of the diffuse one, which is how the format has it; -1 for another.
+float share_of_diffuse(const material &m)
+{
+    const float sum = m.diffuse[0] + m.diffuse[1] + m.diffuse[2];
+    const float glow = m.emissive[0] + m.emissive[1] + m.emissive[2];
+    const float share = sum > 0 ? glow / sum : 0;
+    for (int i = 0; i < 3; ++i)
+        if (std::abs(m.emissive[i] - share * m.diffuse[i]) > 0.005f || share > 1)
+            return -1;
+    return share;
+}
+
 class writer {
 public:
     writer(const std::string &filename, double surfaces) : progress_(surfaces), filename_(filename)
@@ -109,16 +130,23 @@ public:
 
     void add(object_t *object)
     {
+        if (object == vesk_get_world())
+            return;
+        node_ = no_node;
+        const auto above = nodes_of_.find(object->parent);
+        parent_ = above == nodes_of_.end() ? no_node : above->second;
         if (object->type == OBJECT_LIGHT)
             light(*object);
         picture_ = object_texture_beside(object, filename_.c_str());
         const flat_ptr flat = object_flat(object);
-        groups_ += object->type == OBJECT_GROUP ? 1 : 0;
         count_losses(*object, *flat);
         mesh_t mesh;
         for (int surface = 0; surface < flat->num_surfaces() && progress_.step(++done_); ++surface)
             add_surface(*flat, surface, object, mesh);
         finish(object, mesh);
+        if (node_ == no_node)
+            add_node(0xB002, dummy, export_one_line(object->name));
+        nodes_of_[object] = node_;
     }
 
     [[nodiscard]] bool cancelled() const { return progress_.cancelled(); }
@@ -138,7 +166,7 @@ public:
         vesk_report_loss(glowing_, "glowing colours");
         vesk_report_loss(points_, "loose points");
         vesk_report_loss(texts_, "addresses and data texts");
-        vesk_report_note(groups_, "groups dissolved");
+        report_lost_vertex_colours();
         vesk_report_note(polygons_, "polygons cut into triangles");
         vesk_report_note(shortened_, "names shortened");
     }
@@ -164,19 +192,27 @@ private:
         add_node(0xB005, name);
     }
 
-    // The entry of a mesh or a light in the tree of the file.
-    void add_node(unsigned kind, const std::string &name)
+    // An entry in the tree of the file: of a mesh, a light, or of neither, with a name of its own.
+    // The first of an object is its children's parent.
+    void add_node(unsigned kind, const std::string &name, const std::string &instance = "")
     {
+        std::string id;
+        put(id, num_nodes_, 2);
         std::string node = text(name);
         put(node, 0, 4);
-        put(node, 0xFFFF, 2); // no parent
-        nodes_ += chunk(kind, chunk(0xB010, node));
+        put(node, parent_, 2);
+        nodes_ +=
+            chunk(kind, (num_nodes_ < no_node ? chunk(0xB030, id) : "") + chunk(0xB010, node) +
+                            (instance.empty() ? "" : chunk(0xB011, text(instance))));
+        if (node_ == no_node)
+            node_ = std::min(num_nodes_, no_node);
+        ++num_nodes_;
     }
 
     void count_losses(const object_t &object, const flat_mesh &flat)
     {
         points_ += flat_loose_points(flat);
-        texts_ += (is_set(object.url) ? 1 : 0) + (is_set(object.data) ? 1 : 0);
+        texts_ += (is_set(object.url) ? 1 : 0) + vesk_object_has_user_data(&object);
     }
 
     void add_surface(const flat_mesh &flat, int surface, object_t *object, mesh_t &mesh)
@@ -298,17 +334,20 @@ private:
         const std::string name = unique(&material_texts_, vesk_material_get_name_index(index),
                                         "material", most_material_name);
         material_names_[key] = name;
-        glowing_ += std::any_of(m.emissive, m.emissive + 3, [](float c) { return c > 0; }) ? 1 : 0;
+        const float glow = share_of_diffuse(m);
+        glowing_ += glow < 0 ? 1 : 0;
         std::string body = chunk(0xA000, text(name)) + colour(0xA010, m.ambient) +
                            colour(0xA020, m.diffuse) + colour(0xA030, m.specular) +
                            percent(0xA040, m.shininess / 128) + percent(0xA050, m.transparency);
+        if (glow > 0)
+            body += percent(0xA084, glow);
         if (surface.twosided != 0)
             body += chunk(0xA081, "");
         if (!picture_.empty())
             body += chunk(0xA200, chunk(0xA300, text(picture_)) +
                                       real(0xA354, object->texture_repeat_x) +
                                       real(0xA356, object->texture_repeat_y) +
-                                      real(0xA358, object->texture_offset_x) +
+                                      real(0xA358, -object->texture_offset_x) +
                                       real(0xA35A, object->texture_offset_y));
         materials_ += chunk(0xAFFF, body);
         return name;
@@ -323,7 +362,10 @@ private:
     std::map<std::tuple<int, std::string, float, float, float, float, std::uint8_t>, std::string>
         material_names_;
     int lines_ = 0, glowing_ = 0, points_ = 0, texts_ = 0;
-    int groups_ = 0, polygons_ = 0, shortened_ = 0;
+    int polygons_ = 0, shortened_ = 0;
+    std::unordered_map<const object_t *, std::uint32_t> nodes_of_;
+    std::uint32_t num_nodes_ = 0;
+    std::uint32_t parent_ = no_node, node_ = no_node; // of the object at hand
 };
 
 } // namespace

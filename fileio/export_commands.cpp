@@ -9,12 +9,14 @@
 #include "fileio/export_plain.h"
 #include "fileio/export_pov.h"
 #include "fileio/export_rib.h"
+#include "fileio/export_vrml2_tree.h"
 #include "fileio/output.h"
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/lights.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 
 #include <algorithm>
@@ -69,7 +71,7 @@ void count_losses(const object_t *object, const flat_mesh &flat, const export_fo
 {
     (*losses)[POINTS] += format.points ? 0 : flat_loose_points(flat);
     (*losses)[URLS] += !format.urls && is_set(object->url) ? 1 : 0;
-    (*losses)[DATA] += !format.data && is_set(object->data) ? 1 : 0;
+    (*losses)[DATA] += !format.data ? vesk_object_has_user_data(object) : 0;
 }
 
 // The names by which pictures are written, by their files.
@@ -106,6 +108,7 @@ struct node_t {
     object_t *object;
     int parent; // index, -1 for the world
     bool holds;
+    int children = 0; // that hold some
 };
 
 std::vector<node_t> nodes_of_world(const export_format &format)
@@ -128,8 +131,11 @@ std::vector<node_t> nodes_of_world(const export_format &format)
         node_t &node = nodes[i - 1];
         losses_t ignored = {};
         node.holds = node.holds || !parts_of(*object_flat(node.object), format, &ignored).empty();
-        if (node.holds && node.parent >= 0)
-            nodes[static_cast<size_t>(node.parent)].holds = true;
+        if (node.holds && node.parent >= 0) {
+            node_t &parent = nodes[static_cast<size_t>(node.parent)];
+            parent.holds = true;
+            ++parent.children;
+        }
     }
     return nodes;
 }
@@ -171,6 +177,8 @@ private:
                 ++losses_[LIGHTS];
                 continue;
             }
+            if (format_.light == nullptr)
+                continue;
             ++out_.lights;
             format_.light(out_, *light, export_one_line(light->name));
         }
@@ -188,10 +196,11 @@ private:
             out_.next += work_of(node);
             if (!progress.step(out_.done))
                 return false;
-            // Lights were written as such; their surfaces and children are an object like others.
-            const export_object object =
-                described(node.object, format_, filename_, &pictures_, &losses_);
-            if (!node.holds && (!format_.empty_objects || node.object->type == OBJECT_LIGHT))
+            // Lights may have been written as such; their surfaces and children are an object like others.
+            export_object object = described(node.object, format_, filename_, &pictures_, &losses_);
+            object.children = node.children;
+            const bool written = node.object->type == OBJECT_LIGHT && format_.light != nullptr;
+            if (!node.holds && (!format_.empty_objects || written))
                 continue;
             close_until(nodes, &open, node.parent);
             format_.open(out_, object);
@@ -244,6 +253,8 @@ int write_scene(const char *filename, const export_format &format)
     const bool written = complete && scene.commit();
     for (size_t i = 0; i < std::size(loss_names) && written; ++i)
         vesk_report_loss(scene.losses()[i], loss_names[i]);
+    if (written)
+        report_lost_vertex_colours();
     return export_end(name, format.name, !complete, written);
 }
 
@@ -252,6 +263,15 @@ int write_scene(const char *filename, const export_format &format)
 // ---- commands ----
 
 int write_vrml(const char *filename) { return write_scene(filename, vrml1_format); }
+int write_vrml2_tree(const char *filename)
+{
+    export_format format = vrml2_tree_format;
+    format.pictures = prefs.vrml_output_textures != 0;
+    const int written = write_scene(filename, format);
+    if (written != 0)
+        vrml2_tree_notes();
+    return written;
+}
 int write_inventor(const char *filename) { return write_scene(filename, inventor_format); }
 int write_POV(const char *filename)
 {

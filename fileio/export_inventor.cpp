@@ -1,20 +1,11 @@
 #include "fileio/export_inventor.h"
 
+#include "fileio/vrml_names.h"
+#include "model/palette.h"
+
 #include <algorithm>
 
 namespace {
-
-// Names of nodes are plain ASCII words; the full name stands in an Info node.
-std::string node_name(const std::string &name)
-{
-    std::string out;
-    for (const char c : name) {
-        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-        const bool digit = c >= '0' && c <= '9';
-        out += letter || (digit && !out.empty()) ? c : '_';
-    }
-    return out;
-}
 
 void colour(export_text &out, const char *field, const float *rgb)
 {
@@ -25,6 +16,9 @@ void write_material(export_text &out, const export_part &part)
 {
     const material &m = *part.look;
     const bool line = part.type != SURFACE_POLYGON;
+    const std::string name = vesk_material_get_name_index(part.index);
+    if (!name.empty() && vrml1_node_name(name) == name)
+        out.add("DEF ", name, ' ');
     out.add("Material {\n");
     colour(out, "ambientColor", m.ambient);
     colour(out, "diffuseColor", m.diffuse);
@@ -101,22 +95,33 @@ void write_texture(export_text &out, const export_object &object)
     out.add("  ]\n}\n");
 }
 
-void write_light(export_text &out, const object_t &light, const std::string &name)
+// Vertices that no surface has, as sets of those that follow each other.
+void write_loose_points(export_text &out, const export_object &object)
 {
-    out.add("# Light ", name, "\nPointLight { location ", light.centre, " }\n");
+    const std::vector<int> loose = flat_loose_vertices(*object.flat);
+    for (std::size_t i = 0; i < loose.size();) {
+        int count = 1;
+        while (i + static_cast<std::size_t>(count) < loose.size() &&
+               loose[i + static_cast<std::size_t>(count)] == loose[i] + count)
+            ++count;
+        out.add("PointSet { startIndex ", loose[i], " numPoints ", count, " }\n");
+        i += static_cast<std::size_t>(count);
+    }
 }
 
 void open(export_text &out, const export_object &object)
 {
     if (is_set(object.object->url))
         out.add("WWWAnchor {\nname ", export_quoted(object.object->url), '\n');
-    const std::string name = node_name(object.name);
+    const std::string name = vrml1_node_name(object.name);
     if (!name.empty())
         out.add("DEF ", name, ' ');
     out.add("Separator {\n");
     if (name != object.name)
         out.add("Info { string ", export_quoted(object.name.c_str()), " }\n");
-    if (object.parts.empty())
+    if (object.object->type == OBJECT_LIGHT)
+        out.add("PointLight { location ", object.object->centre, " }\n");
+    if (object.parts.empty() && flat_loose_points(*object.flat) == 0)
         return;
     // The state ends here: children start without this object's points and texture.
     out.add("Separator {\nCoordinate3 {\n  point [\n");
@@ -130,6 +135,7 @@ void open(export_text &out, const export_object &object)
             if ((part.type == SURFACE_POLYGON) == polygons && part.smooth == smooth)
                 write_part(out, object, part);
     };
+    write_loose_points(out, object);
     write_parts(false, false);
     if (!object.picture.empty())
         write_texture(out, object);
@@ -156,14 +162,12 @@ void end(export_text &out) { out.add("}\n"); }
 const export_format vrml1_format = {.name = "VRML 1.0",
                                     .data = false,
                                     .begin = begin_vrml,
-                                    .light = write_light,
                                     .open = open,
                                     .close = close,
                                     .end = end};
 const export_format inventor_format = {.name = "Inventor",
                                        .data = false,
                                        .begin = begin_inventor,
-                                       .light = write_light,
                                        .open = open,
                                        .close = close,
                                        .end = end};

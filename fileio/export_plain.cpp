@@ -1,5 +1,6 @@
 #include "fileio/export_plain.h"
 
+#include "model/object_notes.h"
 #include "model/palette.h"
 
 #include <algorithm>
@@ -88,8 +89,8 @@ void open(export_text &out, const export_object &object)
     out.add("object {\nname ", export_quoted(object.name.c_str()), "\ncentre ", o.centre, '\n');
     if (is_set(o.url))
         out.add("url ", export_quoted(o.url), '\n');
-    if (is_set(o.data))
-        out.add("data ", export_quoted(o.data), '\n');
+    if (const std::string data = object_user_data(&o); !data.empty())
+        out.add("data ", export_quoted(data.c_str()), '\n');
     if (object.parts.empty())
         return;
     if (!object.picture.empty())

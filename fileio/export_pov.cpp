@@ -7,8 +7,10 @@
 #include "base/prefs.h"
 #include "model/bounds.h"
 #include "model/lights.h"
+#include "model/object_notes.h"
 #include "model/textures/texture_preview.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 
 #include <algorithm>
@@ -219,9 +221,19 @@ void write_data(export_text &out, const char *data)
     }
 }
 
+// The renderer warns of a union of one thing, and reads no object of none.
+bool is_one_thing(const export_object &object)
+{
+    const bool adds = // statements of its own, which may be shapes
+        prefs.pov_use_object_data != 0 && vesk_object_has_user_data(object.object) != 0;
+    if (adds || object.parts.size() + static_cast<size_t>(object.children) != 1)
+        return false;
+    return object.parts.empty() || !export_triangles(object, object.parts.front()).empty();
+}
+
 void open(export_text &out, const export_object &object)
 {
-    out.add("union { // ", object.name, '\n');
+    out.add(is_one_thing(object) ? "object" : "union", " { // ", object.name, '\n');
     for (const export_part &part : object.parts)
         write_part(out, object, part);
 }
@@ -229,7 +241,7 @@ void open(export_text &out, const export_object &object)
 void close(export_text &out, const object_t &object)
 {
     // After the shapes, where statements about the whole union may stand.
-    write_data(out, object.data);
+    write_data(out, object_user_data(&object).c_str());
     out.add("}\n");
 }
 

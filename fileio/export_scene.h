@@ -22,6 +22,7 @@ public:
     std::string text;
     float scene_size = 1; // largest side of the scene's box, above 0
     int lights = 0;       // written by now
+    int numbered = 0;     // nodes that got a number for a name
     progress_t *work = nullptr;
     double done = 0, next = 0; // of the work: before and after the object at hand
 
@@ -68,6 +69,7 @@ struct export_object {
     std::string name;    // on one line
     std::string picture; // the texture's file as seen from the file's folder, "" for none
     std::vector<export_part> parts;
+    int children = 0; // that are written, too
 
     // As it stands on the object: repeats and offsets are applied.
     [[nodiscard]] flat_uv uv(int corner) const;
@@ -108,6 +110,7 @@ struct export_format {
     export_picture_t shown_picture = nullptr; // null: all pictures as they are
     bool empty_objects = true; // else objects without a surface below them are left out
     void (*begin)(export_text &out) = nullptr;
+    // Null: `open` writes them where they stand in the tree.
     void (*light)(export_text &out, const object_t &light, const std::string &name) = nullptr;
     void (*open)(export_text &out, const export_object &object) = nullptr; // children follow
     void (*close)(export_text &out, const object_t &object) = nullptr;

@@ -13,6 +13,7 @@
 #include "model/lights.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 
 #include <cstdio>
@@ -380,7 +381,7 @@ void report_losses(const std::string &filename)
     int materials = 0;
     int data = 0;
     for_each_object(vesk_get_world(), [&](const object_t *object) {
-        data += is_set(object->data) ? 1 : 0;
+        data += vesk_object_has_user_data(object);
         if (object->num_surfaces == 0)
             return;
         materials += object_surfaces_find_same_material(object) < 0 ? 1 : 0;
@@ -394,6 +395,7 @@ void report_losses(const std::string &filename)
     vesk_report_loss(folders, "folders of textures");
     vesk_report_loss(materials, "materials beside others");
     vesk_report_loss(data, "data texts");
+    report_lost_vertex_colours();
 }
 
 int write_world(const char *filename, bool prototypes)

@@ -1,18 +1,18 @@
 #include "fileio/foreign_scene.h"
 
 #include "base/file_report.h"
-#include "base/filename.h"
 #include "fileio/embedded_images.h"
 #include "fileio/helper_process.h"
 #include "fileio/import_mesh.h"
 #include "fileio/scene_stream.h"
+#include "fileio/texture_beside.h"
 #include "model/lights.h"
 #include "model/mesh_arrays.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
-#include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -62,18 +62,6 @@ int palette_index(const plain_material &from)
     return vesk_palette_get_new_material_index(&m);
 }
 
-// Files made elsewhere name their textures by paths of that machine; the file itself often lies
-// beside the model.
-std::string texture_to_search(const std::string &filename, const std::string &name)
-{
-    if (search_texture(filename.c_str(), name.c_str()) != nullptr)
-        return name;
-    const std::string plain = vesk_filename_get_file(name.c_str());
-    const bool beside =
-        !plain.empty() && search_texture(filename.c_str(), plain.c_str()) != nullptr;
-    return beside ? plain : name;
-}
-
 void put_texture(object_t *object, const plain_material &m, const std::string &filename)
 {
     if (m.picture.empty())
@@ -104,6 +92,8 @@ object_t *make_object(const plain_scene &scene, const plain_node &node,
     vesk_object_add_surfaces_from_arrays(object, n, node.offsets.data(), node.corners.data(),
                                          node.uv.data(), 0);
     vesk_object_set_surface_attributes(object, 0, n, attributes.data());
+    if (!node.colours.empty())
+        vesk_object_set_vertex_colours(object, node.colours.data());
     if (node.picture >= 0)
         put_texture(object, scene.materials[static_cast<size_t>(node.picture)], filename);
     return object;

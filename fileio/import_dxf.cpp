@@ -32,6 +32,7 @@ object_t *vesk_import_dxf(const char *filename)
                             type.c_str());
     if (!drawing.complete)
         vesk_report_warning(0, "the file ends too early");
+    last_file_report().unit = dxf_unit_name(drawing.units);
     object_t *top = nodes.make_tree(import_base_name(name.c_str()));
     return top != nullptr ? top : import_refused(name, "there is nothing in it that can be shown");
 }

@@ -19,6 +19,12 @@ int import_mesh::add_point(float x, float y, float z)
     return num_points() - 1;
 }
 
+int import_mesh::add_point_of(int place, float x, float y, float z)
+{
+    const auto [known, fresh] = known_.emplace(place, num_points());
+    return fresh ? add_point(x, y, z) : known->second;
+}
+
 void import_mesh::add_corner(int point, float u, float v)
 {
     corners_.push_back(point);
@@ -37,6 +43,26 @@ void import_mesh::end_surface(int palette_index, int flags)
     }
     offsets_.push_back(static_cast<int>(corners_.size()));
     attributes_.push_back({palette_index, flags});
+}
+
+void import_mesh::drop_unused_points(const std::vector<bool> &keep)
+{
+    std::vector<bool> used = keep;
+    used.resize(points_.size() / 3);
+    for (const int corner : corners_)
+        used[static_cast<size_t>(corner)] = true;
+    std::vector<int> places(used.size());
+    size_t count = 0;
+    for (size_t i = 0; i < used.size(); ++i) {
+        if (!used[i])
+            continue;
+        places[i] = static_cast<int>(count);
+        std::copy_n(points_.begin() + static_cast<std::ptrdiff_t>(3 * i), 3,
+                    points_.begin() + static_cast<std::ptrdiff_t>(3 * count++));
+    }
+    points_.resize(3 * count);
+    for (int &corner : corners_)
+        corner = places[static_cast<size_t>(corner)];
 }
 
 object_t *import_mesh::make_object(const std::string &name) const

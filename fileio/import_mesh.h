@@ -6,15 +6,21 @@
 #include "model/mesh_arrays.h"
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 class import_mesh {
 public:
     // Returns the point's index.
     int add_point(float x, float y, float z);
+    // The same for the point at a place of a longer list, which is added when it is first asked for.
+    int add_point_of(int place, float x, float y, float z);
     void add_corner(int point, float u = 0, float v = 0);
     // Ends the surface whose corners were added since the last one; one with too few is dropped.
     void end_surface(int palette_index, int flags);
+
+    // Drops the points that no surface has, but for those that `keep` names.
+    void drop_unused_points(const std::vector<bool> &keep = {});
 
     [[nodiscard]] bool empty() const { return attributes_.empty(); }
     [[nodiscard]] int num_points() const { return static_cast<int>(points_.size() / 3); }
@@ -25,6 +31,7 @@ private:
     std::vector<float> points_, uv_;
     std::vector<int> offsets_ = {0}, corners_;
     std::vector<vesk_surface_attributes_t> attributes_;
+    std::unordered_map<int, int> known_; // indices by places
 };
 
 // The one message box about a file that cannot be read; returns null.

@@ -6,8 +6,11 @@
 #include "fileio/import_mesh.h"
 #include "model/object_tree.h"
 
+#include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
+#include <map>
 
 namespace {
 
@@ -122,9 +125,20 @@ private:
         if (pending_.size() < count)
             return;
         for (size_t i = 0; i < 9; i += 3)
-            mesh_.add_corner(mesh_.add_point(pending_[i], pending_[i + 1], pending_[i + 2]));
+            mesh_.add_corner(point(pending_[i], pending_[i + 1], pending_[i + 2]));
         mesh_.end_surface(material_, SURFACE_TWOSIDED);
         pending_.clear();
+    }
+
+    // Corners at one place are one vertex.
+    int point(float x, float y, float z)
+    {
+        if (!std::isfinite(x) || !std::isfinite(y) || !std::isfinite(z))
+            return mesh_.add_point(x, y, z);
+        const auto [known, fresh] = known_.try_emplace({x + 0.0f, y + 0.0f, z + 0.0f}, 0);
+        if (fresh)
+            known->second = mesh_.add_point(x, y, z);
+        return known->second;
     }
 
     void end_object()
@@ -134,11 +148,13 @@ private:
         if (!mesh_.empty())
             object_add_child(top_, mesh_.make_object(name_));
         mesh_ = {};
+        known_.clear();
     }
 
     object_t *top_;
     std::string name_;
     import_mesh mesh_;
+    std::map<std::array<float, 3>, int> known_; // points by their places
     std::vector<float> pending_;
     const int plain_ = plain_material();
     int material_ = plain_;

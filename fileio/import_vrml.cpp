@@ -1,8 +1,13 @@
 #include "fileio/import_vrml.h"
 
 #include "base/atomic_file.h"
-#include "base/messages.h"
+#include "base/file_report.h"
+#include "base/gzip.h"
+#include "fileio/import_vrml2.h"
 #include "fileio/vrml1_shapes.h"
+#include "fileio/vrml_names.h"
+#include "fileio/vrml_tree.h"
+#include "model/each.h"
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
@@ -10,14 +15,17 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 namespace {
 
-constexpr int most_levels = 200;       // of nodes in nodes
+constexpr int most_levels = 1000;      // of nodes in nodes
 constexpr int most_repeated = 1 << 16; // nodes read again by USE, which may repeat a USE
 constexpr long most_points = 1 << 24;  // of the whole scene
+
+constexpr std::size_t most_unpacked = std::size_t{1} << 30;
 
 // Beside the numbers of a switch's children.
 constexpr int no_child = -1;
@@ -25,71 +33,11 @@ constexpr int all_children = -3;
 
 // ---- frames ----
 
-vrml_matrix translation(const std::vector<float> &v)
-{
-    vrml_matrix m = vrml_identity;
-    for (std::size_t i = 0; i < 3 && i < v.size(); ++i)
-        m[12 + i] = v[i];
-    return m;
-}
-
-vrml_matrix scaling(const std::vector<float> &v)
-{
-    vrml_matrix m = vrml_identity;
-    for (std::size_t i = 0; i < 3 && i < v.size(); ++i)
-        m[5 * i] = v[i];
-    return m;
-}
-
-// About an axis x y z by an angle, counter-clockwise seen from its tip (Rodrigues, for row
-// vectors).
-vrml_matrix rotation(const std::vector<float> &v)
-{
-    vrml_matrix m = vrml_identity;
-    if (v.size() < 4)
-        return m;
-    const double length = std::hypot(static_cast<double>(v[0]), v[1], v[2]);
-    if (!(length > 0))
-        return m;
-    const double x = v[0] / length;
-    const double y = v[1] / length;
-    const double z = v[2] / length;
-    const double c = std::cos(v[3]);
-    const double s = std::sin(v[3]);
-    const double t = 1 - c;
-    m[0] = t * x * x + c;
-    m[1] = t * x * y + s * z;
-    m[2] = t * x * z - s * y;
-    m[4] = t * x * y - s * z;
-    m[5] = t * y * y + c;
-    m[6] = t * y * z + s * x;
-    m[8] = t * x * z + s * y;
-    m[9] = t * y * z - s * x;
-    m[10] = t * z * z + c;
-    return m;
-}
-
-vrml_matrix inverse_rotation(std::vector<float> v)
-{
-    if (v.size() > 3)
-        v[3] = -v[3];
-    return rotation(v);
-}
-
-// Scaled about a turned frame, turned, moved; all about a centre.
 vrml_matrix whole_transform(const vrml_fields &fields)
 {
-    std::vector<float> centre = fields.numbers("center");
-    const vrml_matrix to = translation(centre);
-    for (float &value : centre)
-        value = -value;
-    const std::vector<float> turn = fields.numbers("scaleOrientation");
-    vrml_matrix m = vrml_product(translation(centre), inverse_rotation(turn));
-    m = vrml_product(m, scaling(fields.numbers("scaleFactor")));
-    m = vrml_product(m, rotation(turn));
-    m = vrml_product(m, rotation(fields.numbers("rotation")));
-    m = vrml_product(m, to);
-    return vrml_product(m, translation(fields.numbers("translation")));
+    return vrml_whole({fields.numbers("center"), fields.numbers("scaleOrientation"),
+                       fields.numbers("scaleFactor"), fields.numbers("rotation"),
+                       fields.numbers("translation")});
 }
 
 vrml_matrix given_matrix(const vrml_fields &fields)
@@ -161,15 +109,23 @@ public:
     object_t *run()
     {
         object_t *top = new_group();
-        object_set_name(top, import_base_name(filename_.c_str()).c_str());
         vrml_state state;
         state.materials = std::make_shared<std::vector<int>>(1, import_colour(0.8f, 0.8f, 0.8f));
         while (at_ < words_.size() && !failed_)
             node(top, state);
-        if (left_out_ > 0 && !cancelled())
-            display_message("%d nodes of %s have no counterpart here and were left out", left_out_,
-                            filename_.c_str());
+        close_shape();
         return top;
+    }
+
+    void tell() const
+    {
+        for (const auto &[type, count] : left_out_)
+            vesk_report_warning(0, "%d %s have no counterpart here and were left out", count,
+                                std::string(type).c_str());
+        if (mixed_colours_ > 0)
+            vesk_report_warning(
+                0, "%d surfaces have corners of several colours; they have the mean now",
+                mixed_colours_);
     }
 
     [[nodiscard]] bool failed() const { return failed_; }
@@ -216,7 +172,7 @@ private:
         const std::string_view type = words_[at_].text;
         at_ += 2;
         if (type == "Separator" || type == "WWWAnchor")
-            separator(parent, state, name);
+            separator(parent, state, name, type == "WWWAnchor");
         else if (type == "Group" || type == "TransformSeparator" || type == "Switch" ||
                  type == "LOD")
             group(parent, state, type);
@@ -238,7 +194,7 @@ private:
         const auto found = is_name(at_) ? named_.find(words_[at_].text) : named_.end();
         ++at_;
         if (found == named_.end()) {
-            ++left_out_;
+            ++left_out_["USE"];
             return;
         }
         const std::size_t back = at_;
@@ -249,23 +205,54 @@ private:
         at_ = back;
     }
 
-    // Its own state and, when it holds anything, its own group.
-    void separator(object_t *parent, const vrml_state &outer, std::string_view name)
+    // Its own state and, when it holds or says anything, its own object.
+    void separator(object_t *parent, const vrml_state &outer, std::string_view name, bool anchor)
     {
         vrml_state state = outer;
         object_t *own = new_group();
-        object_set_name(own, std::string(name).c_str());
-        children(own, state, all_children);
-        if (own->num_children == 1 && name.empty()) {
-            auto *only = reinterpret_cast<object_t *>(own->children->data);
-            object_remove_child_nocleanup(own, only);
-            object_free(own);
-            own = only;
+        object_set_name(own, full_name(name).c_str());
+        close_shape();
+        const std::string_view url = children(own, state, all_children);
+        close_shape();
+        if (!anchor || url.empty()) {
+            own = vrml_joined(own, false);
+        } else if (auto *only = only_child(own); only != nullptr && only->url == nullptr) {
+            object_remove_child_nocleanup(own, only); // about one object: that object's address
+            object_free(std::exchange(own, only));
         }
-        if (own->type == OBJECT_GROUP && own->num_children == 0)
-            object_free(own);
-        else
-            object_add_child(parent, own);
+        if (own == nullptr)
+            return;
+        if (anchor && !url.empty())
+            object_set_url(own, without_escapes(url).c_str());
+        object_add_child(parent, own);
+    }
+
+    static object_t *only_child(const object_t *object)
+    {
+        return object->num_children == 1 && *object->name == '\0'
+                   ? item_of<object_t>(object->children)
+                   : nullptr;
+    }
+
+    // Within quotes a backslash stands before quotes and backslashes.
+    static std::string without_escapes(std::string_view text)
+    {
+        std::string out;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            i += text[i] == '\\' && i + 1 < text.size() ? 1 : 0;
+            out += text[i];
+        }
+        return out;
+    }
+
+    // A name that does not fit as a DEF follows in an Info node.
+    [[nodiscard]] std::string full_name(std::string_view name) const
+    {
+        if (name.empty() || at_ + 3 >= words_.size() || words_[at_].text != "Info" ||
+            words_[at_ + 2].text != "string" || words_[at_ + 3].kind != vrml_word::TEXT)
+            return std::string(name);
+        const std::string full = without_escapes(words_[at_ + 3].text);
+        return vrml1_node_name(full) == name ? full : std::string(name);
     }
 
     void group(object_t *parent, vrml_state &state, std::string_view type)
@@ -281,18 +268,22 @@ private:
     }
 
     // The nodes up to the closing brace; of a switch only the chosen one adds and changes anything.
-    void children(object_t *parent, vrml_state &state, int chosen, bool chooses = false)
+    // Returns the text of the field "name".
+    std::string_view children(object_t *parent, vrml_state &state, int chosen, bool chooses = false)
     {
+        std::string_view named;
         for (int number = 0; !failed_;) {
             if (at_ >= words_.size()) {
                 failed_ = true;
             } else if (is_sign("}")) {
                 ++at_;
-                return;
+                break;
             } else if (!is_node(at_)) {
                 const vrml_fields fields = one_field();
-                if (chooses && fields.has("whichChild"))
-                    chosen = static_cast<int>(fields.number("whichChild", -1));
+                if (chooses && !fields.integers("whichChild").empty())
+                    chosen = fields.integers("whichChild").front();
+                if (fields.has("name"))
+                    named = fields.word("name");
             } else {
                 if (chosen == all_children || number == chosen)
                     node(parent, state);
@@ -301,13 +292,16 @@ private:
                 ++number;
             }
         }
+        return named;
     }
 
     // A node that adds and changes nothing.
     void read_over(vrml_state state)
     {
+        close_shape();
         object_t *scratch = new_group();
         node(scratch, state);
+        close_shape();
         object_free(scratch);
     }
 
@@ -367,11 +361,11 @@ private:
         else if (type == "MatrixTransform")
             move(given_matrix(fields));
         else if (type == "Translation")
-            move(translation(fields.numbers("translation")));
+            move(vrml_translation(fields.numbers("translation")));
         else if (type == "Rotation")
-            move(rotation(fields.numbers("rotation")));
+            move(vrml_rotation(fields.numbers("rotation")));
         else if (type == "Scale")
-            move(scaling(fields.numbers("scaleFactor")));
+            move(vrml_scaling(fields.numbers("scaleFactor")));
         else if (type == "Coordinate3")
             state.points = shared(fields.numbers("point"));
         else if (type == "TextureCoordinate2")
@@ -387,12 +381,17 @@ private:
     {
         const std::string_view value = fields.word("value");
         if (type == "MaterialBinding") {
-            state.by_face = value.starts_with("PER_FACE");
+            state.binding = value.starts_with("PER_VERTEX") ? vrml_state::VERTEX
+                            : value.starts_with("PER_")     ? vrml_state::FACE
+                                                            : vrml_state::OVERALL;
             state.by_index = value.ends_with("_INDEXED");
         } else if (type == "NormalBinding") {
             state.has_normals = value.starts_with("PER_VERTEX");
         } else if (type == "ShapeHints") {
-            state.crease_angle = fields.number("creaseAngle", state.crease_angle);
+            state.crease_angle = fields.number("creaseAngle", 0.5f);
+            state.clockwise = fields.word("vertexOrdering") == "CLOCKWISE";
+            state.solid = fields.word("shapeType") == "SOLID" &&
+                          fields.word("vertexOrdering").ends_with("CLOCKWISE");
         } else if (type == "Texture2") {
             state.texture = fields.word("filename");
         } else if (type == "Texture2Transform") {
@@ -412,32 +411,76 @@ private:
     void add_thing(object_t *parent, const vrml_state &state, std::string_view type,
                    const vrml_fields &fields, std::string_view name)
     {
-        import_mesh mesh;
         if (type == "PointLight" || type == "SpotLight" || type == "DirectionalLight") {
-            add_light(parent, state, fields);
-        } else if (!vrml_add_shape(type, fields, state, mesh)) {
-            ++left_out_;
-        } else if (!mesh.empty()) {
-            points_ += mesh.num_points();
-            failed_ = points_ > most_points;
-            object_t *object = mesh.make_object(std::string(name));
-            if (!state.texture.empty()) {
-                search_and_set_texture(object, filename_.c_str(), state.texture.c_str());
-                object_set_texture_repeat(object, state.repeat[0], state.repeat[1]);
-                object_set_texture_offset(object, state.offset[0], state.offset[1]);
-            }
-            object_add_child(parent, object);
+            close_shape();
+            add_light(parent, state, fields, name);
+            return;
         }
+        const bool faces = type == "IndexedFaceSet";
+        const bool goes_on =
+            shape_.has_value() && vrml_has_points(type) && name.empty() && shape_->name.empty() &&
+            shape_->parent == parent && shape_->mesh.points == state.points &&
+            shape_->mesh.frame == state.frame &&
+            (!faces || !shape_->has_faces || shape_->state.texture == state.texture);
+        if (!goes_on) {
+            close_shape();
+            shape_.emplace();
+            shape_->parent = parent;
+            shape_->name = name;
+            shape_->mesh.frame = state.frame;
+            if (vrml_has_points(type))
+                shape_->mesh.points = state.points;
+        }
+        if (faces || !vrml_has_points(type)) {
+            shape_->has_faces = true;
+            shape_->state = state;
+        }
+        if (!vrml_add_shape(type, fields, state, &shape_->mesh))
+            ++left_out_[type];
     }
 
-    static void add_light(object_t *parent, const vrml_state &state, const vrml_fields &fields)
+    // The object of the shapes that followed each other on one list of points.
+    void close_shape()
+    {
+        if (!shape_.has_value())
+            return;
+        open_shape shape = std::move(*shape_);
+        shape_.reset();
+        points_ += shape.mesh.mesh.num_points();
+        mixed_colours_ += shape.mesh.mixed_colours;
+        shape.mesh.mesh.drop_unused_points(shape.mesh.loose);
+        if (points_ > most_points)
+            failed_ = true;
+        if (shape.mesh.mesh.num_points() == 0 || failed_)
+            return;
+        object_t *object = shape.mesh.mesh.make_object(shape.name);
+        const vrml_state &state = shape.state;
+        if (shape.has_faces && !state.texture.empty()) {
+            search_and_set_texture(object, filename_.c_str(), state.texture.c_str());
+            object_set_texture_repeat(object, state.repeat[0], state.repeat[1]);
+            object_set_texture_offset(object, state.offset[0], state.offset[1]);
+        }
+        object_add_child(shape.parent, object);
+    }
+
+    static void add_light(object_t *parent, const vrml_state &state, const vrml_fields &fields,
+                          std::string_view name)
     {
         std::vector<float> place = fields.numbers("location");
         place.resize(3, place.empty() ? 0.0f : place.back());
         object_t *light = new_light();
-        light->centre = vrml_place(state, place[0], place[1], place[2]);
+        object_set_name(light, std::string(name).c_str());
+        light->centre = vrml_place(state.frame, place[0], place[1], place[2]);
         object_add_child(parent, light);
     }
+
+    struct open_shape {
+        object_t *parent = nullptr;
+        std::string name;
+        vrml1_mesh mesh;
+        vrml_state state; // at its faces
+        bool has_faces = false;
+    };
 
     const std::string &filename_;
     const double size_;
@@ -449,7 +492,9 @@ private:
     int repeating_ = 0; // USE in USE
     int repeated_ = 0;
     long points_ = 0;
-    int left_out_ = 0;
+    std::optional<open_shape> shape_;
+    std::map<std::string_view, int> left_out_;
+    int mixed_colours_ = 0;
     bool failed_ = false;
 };
 
@@ -461,14 +506,23 @@ object_t *vesk_import_vrml(const char *filename)
     std::string text;
     if (!read_whole_file(name.c_str(), &text))
         return import_refused(name, strerror(errno));
-    if (text.starts_with("#VRML V2.0"))
-        return import_refused(name, "it is VRML 2.0; only VRML 1.0 can be read");
+    if (is_gzip(text)) {
+        const std::string packed = std::move(text);
+        if (const char *reason = gzip_unpack(packed, most_unpacked, &text); *reason != '\0')
+            return import_refused(name, reason);
+    }
+    if (text.starts_with("#VRML V2.0")) {
+        last_file_report().format = "VRML 2.0 files";
+        return import_vrml2(name, std::move(text));
+    }
     if (!text.starts_with("#VRML V1.0"))
-        return import_refused(name, "it does not begin with \"#VRML V1.0\"");
+        return import_refused(name, "it begins neither with \"#VRML V2.0\" nor \"#VRML V1.0\"");
     reader file(name, text);
     object_t *top = file.run();
-    if (!file.failed() && !file.cancelled() && top->num_children > 0)
-        return top;
+    if (!file.failed() && !file.cancelled() && top->num_children > 0) {
+        file.tell();
+        return vrml_world(top, import_base_name(name.c_str()).c_str());
+    }
     object_free(top);
     if (file.cancelled())
         return import_cancelled();

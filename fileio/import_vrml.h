@@ -5,9 +5,10 @@
 
 VESK_BEGIN_DECLS
 
-/* VRML 1.0 worlds: separators become groups, shapes objects named by DEF, with their materials,
-   texture coordinates and textures; lights become light objects. Nodes that have no place in a
-   scene here (cameras, texts, points, inlined files) are counted on the status line. */
+/* VRML worlds of both versions, also packed by gzip: groups and separators become groups, or the
+   objects whose shapes they hold, with their names, materials, texture coordinates and textures;
+   lights become light objects. Nodes that have no place in a scene here are counted by name in the
+   import report. */
 VESK_API object_t *vesk_import_vrml(const char *filename);
 
 VESK_END_DECLS

@@ -151,6 +151,7 @@ void fields(Stream &stream, either<plain_node> auto &node)
     stream.numbers(node.offsets);
     stream.numbers(node.corners);
     stream.numbers(node.uv);
+    stream.numbers(node.colours);
     stream.numbers(node.materials);
     stream.numbers(node.flags);
 }
@@ -179,7 +180,8 @@ bool surfaces_fit(const plain_node &node)
     const size_t surfaces = node.flags.size();
     if (node.offsets.size() != surfaces + 1 || node.materials.size() != surfaces ||
         node.offsets.front() != 0 || node.uv.size() != 2 * node.corners.size() ||
-        node.points.size() % 3 != 0)
+        node.points.size() % 3 != 0 ||
+        (!node.colours.empty() && node.colours.size() != node.points.size()))
         return false;
     for (size_t i = 0; i < surfaces; ++i)
         if (node.offsets[i + 1] < node.offsets[i])

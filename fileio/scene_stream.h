@@ -32,6 +32,7 @@ struct plain_node {
     std::vector<float> points;                       // in world coordinates, three each
     std::vector<int> offsets = {0}, corners; // surface i: corners offsets[i] .. offsets[i+1]-1
     std::vector<float> uv;                   // two a corner
+    std::vector<unsigned char> colours;      // three a point, or none
     std::vector<int> materials, flags;       // one a surface
 };
 

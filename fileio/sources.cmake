@@ -17,9 +17,11 @@ target_sources(vesk_core PRIVATE
     fileio/export_rib.cpp
     fileio/export_scene.cpp
     fileio/export_vrml2.cpp
+    fileio/export_vrml2_tree.cpp
     fileio/finite_numbers.cpp
     fileio/foreign_scene.cpp
     fileio/helper_process.cpp
+    fileio/import_3ds.cpp
     fileio/import_assimp.cpp
     fileio/import_bsp.cpp
     fileio/import_dxf.cpp
@@ -28,11 +30,14 @@ target_sources(vesk_core PRIVATE
     fileio/import_mesh.cpp
     fileio/import_text.cpp
     fileio/import_vrml.cpp
+    fileio/import_vrml2.cpp
     fileio/output.cpp
     fileio/rescue.cpp
+    fileio/scan_3ds.cpp
     fileio/scene_stream.cpp
     fileio/state_writer.cpp
     fileio/text_objects.cpp
+    fileio/texture_beside.cpp
     fileio/tree_reader.cpp
     fileio/vesk_frames.cpp
     fileio/vesk_geometry.cpp
@@ -45,4 +50,12 @@ target_sources(vesk_core PRIVATE
     fileio/vesk_writer.cpp
     fileio/vrml1_scan.cpp
     fileio/vrml1_shapes.cpp
+    fileio/vrml2_fields.cpp
+    fileio/vrml2_grids.cpp
+    fileio/vrml2_parse.cpp
+    fileio/vrml2_shapes.cpp
+    fileio/vrml_frame.cpp
+    fileio/vrml_names.cpp
+    fileio/vrml_solids.cpp
+    fileio/vrml_tree.cpp
 )

@@ -1,129 +1,148 @@
 #include "fileio/vrml1_shapes.h"
 
-#include "model/angle.h"
+#include "fileio/vrml_solids.h"
+#include "model/palette.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr int round_steps = 16;
-constexpr int sphere_rows = 8;
 constexpr float smooth_from = 1.0f; // radians between faces
+constexpr float colour_steps = 15;  // of a mean of corners' colours, so that they stay few
 
-int flags_of(const vrml_state &state)
+// The mean colour of several palette entries, with the other values of the first.
+int mean_material(const std::vector<int> &entries)
 {
-    const bool smooth = state.has_normals || state.crease_angle > smooth_from;
-    return SURFACE_TWOSIDED | (smooth ? SURFACE_SMOOTH : 0);
+    material m = *vesk_palette_get_material(entries[0]);
+    m.name = nullptr;
+    m.properties = nullptr;
+    for (int i = 0; i < 3; ++i) {
+        float sum = 0;
+        for (const int entry : entries)
+            sum += vesk_palette_get_material(entry)->diffuse[i];
+        m.diffuse[i] =
+            std::round(sum / static_cast<float>(entries.size()) * colour_steps) / colour_steps;
+    }
+    return vesk_palette_get_new_material_index(&m);
 }
-
-int add_place(import_mesh &mesh, const vrml_state &state, double x, double y, double z)
-{
-    const point3_t p = vrml_place(state, x, y, z);
-    return mesh.add_point(p.x, p.y, p.z);
-}
-
-// ---- indexed sets ----
 
 // Faces and lines whose corners are given by indices; -1 ends one.
 class indexed_set {
 public:
-    indexed_set(const vrml_fields &fields, const vrml_state &state, import_mesh &mesh)
-        : state_(state), mesh_(mesh), indices_(fields.integers("coordIndex")),
+    indexed_set(const vrml_fields &fields, const vrml_state &state, bool lines, vrml1_mesh *out)
+        : state_(state), out_(*out), lines_(lines), indices_(fields.integers("coordIndex")),
           uv_indices_(fields.integers("textureCoordIndex")),
-          material_indices_(fields.integers("materialIndex")), known_(state.points->size() / 3, -1)
+          material_indices_(fields.integers("materialIndex")),
+          turned_(!lines && state.clockwise != vrml_mirrors(state.frame))
     {
+        const bool smooth = state.has_normals || state.crease_angle > smooth_from;
+        flags_ = lines ? int{SURFACE_TWOSIDED}
+                       : (state.solid ? 0 : SURFACE_TWOSIDED) | (smooth ? SURFACE_SMOOTH : 0);
     }
 
-    void add(int type)
+    void add()
     {
-        int face = 0;
+        std::vector<std::size_t> corners; // places among the indices
+        const std::size_t num_points = state_.points->size() / 3;
         for (std::size_t i = 0; i < indices_.size(); ++i) {
-            if (indices_[i] >= 0) {
-                add_corner(i);
-                continue;
-            }
-            end_face(face++, type);
+            if (indices_[i] < 0)
+                end_surface(&corners);
+            else if (static_cast<std::size_t>(indices_[i]) < num_points)
+                corners.push_back(i);
         }
-        end_face(face, type); // the last one needs no end
+        end_surface(&corners); // the last one needs no end
     }
 
 private:
+    void end_surface(std::vector<std::size_t> *corners)
+    {
+        const bool closed = lines_ && corners->size() > 3 &&
+                            indices_[corners->front()] == indices_[corners->back()];
+        if (closed)
+            corners->pop_back();
+        if (turned_)
+            std::reverse(corners->begin(), corners->end());
+        for (const std::size_t i : *corners)
+            add_corner(i);
+        out_.mesh.end_surface(material_of(*corners), flags_ | (closed   ? int{SURFACE_CLOSED_LINE}
+                                                               : lines_ ? int{SURFACE_LINE}
+                                                                        : 0));
+        corners->clear();
+        ++face_;
+    }
+
     void add_corner(std::size_t i)
     {
-        const auto index = static_cast<std::size_t>(indices_[i]);
-        if (index >= known_.size())
-            return;
-        if (known_[index] < 0) {
-            const float *p = state_.points->data() + 3 * index;
-            known_[index] = add_place(mesh_, state_, p[0], p[1], p[2]);
-        }
         const int uv_index = i < uv_indices_.size() ? uv_indices_[i] : indices_[i];
         const auto uv = static_cast<std::size_t>(std::max(0, uv_index));
         const bool has_uv = uv_index >= 0 && 2 * uv + 1 < state_.uv->size();
-        mesh_.add_corner(known_[index], has_uv ? (*state_.uv)[2 * uv] : 0,
-                         has_uv ? (*state_.uv)[2 * uv + 1] : 0);
+        out_.mesh.add_corner(indices_[i], has_uv ? (*state_.uv)[2 * uv] : 0,
+                             has_uv ? (*state_.uv)[2 * uv + 1] : 0);
     }
 
-    void end_face(int face, int type)
+    // Without indices materials are used up, one for each face or corner.
+    [[nodiscard]] int material_at(std::size_t place) const
     {
-        mesh_.end_surface(material_of(face), flags_of(state_) | type);
-    }
-
-    [[nodiscard]] int material_of(int face) const
-    {
-        auto place = static_cast<std::size_t>(state_.by_face ? face : 0);
-        if (state_.by_face && state_.by_index && place < material_indices_.size())
+        if (state_.by_index && place < material_indices_.size())
             place = static_cast<std::size_t>(std::max(0, material_indices_[place]));
         const std::vector<int> &all = *state_.materials;
         return all[std::min(place, all.size() - 1)];
     }
 
+    int material_of(const std::vector<std::size_t> &corners)
+    {
+        if (state_.binding != vrml_state::VERTEX || corners.empty())
+            return state_.binding == vrml_state::FACE ? material_at(face_)
+                                                      : state_.materials->front();
+        std::vector<int> entries;
+        for (const std::size_t i : corners)
+            entries.push_back(state_.by_index ? material_by_corner(i) : material_at(i - face_));
+        if (std::all_of(entries.begin(), entries.end(),
+                        [&](int entry) { return entry == entries[0]; }))
+            return entries[0];
+        ++out_.mixed_colours;
+        return mean_material(entries);
+    }
+    // Without materialIndex the indices of the points count.
+    [[nodiscard]] int material_by_corner(std::size_t i) const
+    {
+        const int place = i < material_indices_.size() ? material_indices_[i] : indices_[i];
+        const std::vector<int> &all = *state_.materials;
+        return all[std::min(static_cast<std::size_t>(std::max(0, place)), all.size() - 1)];
+    }
+
     const vrml_state &state_;
-    import_mesh &mesh_;
+    vrml1_mesh &out_;
+    const bool lines_;
     std::vector<int> indices_, uv_indices_, material_indices_;
-    std::vector<int> known_; // index of a point in the mesh
+    const bool turned_;
+    int flags_;
+    std::size_t face_ = 0;
 };
 
-// ---- solids ----
-
-// Points of a ring about the y axis.
-std::vector<int> add_ring(import_mesh &mesh, const vrml_state &state, double radius, double y)
+// All points of the state, once.
+void add_points(const vrml_state &state, vrml1_mesh *out)
 {
-    std::vector<int> ring;
-    for (int i = 0; i < round_steps; ++i) {
-        const double angle = 2 * pi * i / round_steps;
-        ring.push_back(
-            add_place(mesh, state, radius * std::sin(angle), y, radius * std::cos(angle)));
+    if (out->mesh.num_points() > 0)
+        return;
+    const std::vector<float> &points = *state.points;
+    for (std::size_t i = 0; i + 2 < points.size(); i += 3) {
+        const point3_t p = vrml_place(state.frame, points[i], points[i + 1], points[i + 2]);
+        out->mesh.add_point(p.x, p.y, p.z);
     }
-    return ring;
+    out->loose.resize(points.size() / 3);
 }
 
-// The side between two rings, the upper one first; a ring of one point is a tip.
-void add_side(import_mesh &mesh, const vrml_state &state, const std::vector<int> &upper,
-              const std::vector<int> &lower, float v_upper, float v_lower)
+void add_point_set(const vrml_fields &fields, vrml1_mesh *out)
 {
-    const int flags = flags_of(state) | SURFACE_SMOOTH;
-    for (int i = 0; i < round_steps; ++i) {
-        const auto at = [&](const std::vector<int> &ring, int k) {
-            return ring[ring.size() == 1 ? 0 : static_cast<std::size_t>(k % round_steps)];
-        };
-        const auto u = [](int k) { return static_cast<float>(k) / round_steps; };
-        mesh.add_corner(at(lower, i), u(i), v_lower);
-        if (lower.size() > 1)
-            mesh.add_corner(at(lower, i + 1), u(i + 1), v_lower);
-        mesh.add_corner(at(upper, i + 1), u(i + 1), v_upper);
-        if (upper.size() > 1)
-            mesh.add_corner(at(upper, i), u(i), v_upper);
-        mesh.end_surface(state.materials->front(), flags);
-    }
-}
-
-void add_cap(import_mesh &mesh, const vrml_state &state, const std::vector<int> &ring, bool top)
-{
-    for (int i = 0; i < round_steps; ++i)
-        mesh.add_corner(ring[static_cast<std::size_t>(top ? i : round_steps - 1 - i)]);
-    mesh.end_surface(state.materials->front(), SURFACE_TWOSIDED);
+    const std::vector<int> start = fields.integers("startIndex");
+    const std::vector<int> number = fields.integers("numPoints");
+    const auto all = static_cast<long>(out->loose.size());
+    const long first = std::clamp<long>(start.empty() ? 0 : start[0], 0, all);
+    const long count = number.empty() || number[0] < 0 ? all : number[0];
+    for (long i = first; i < std::min(first + count, all); ++i)
+        out->loose[static_cast<std::size_t>(i)] = true;
 }
 
 bool has_part(const vrml_fields &fields, const char *part)
@@ -132,104 +151,41 @@ bool has_part(const vrml_fields &fields, const char *part)
            fields.mentions("parts", part);
 }
 
-void add_cube(const vrml_fields &fields, const vrml_state &state, import_mesh &mesh)
-{
-    const double x = fields.number("width", 2) / 2.0;
-    const double y = fields.number("height", 2) / 2.0;
-    const double z = fields.number("depth", 2) / 2.0;
-    int corners[8];
-    for (int i = 0; i < 8; ++i)
-        corners[i] = add_place(mesh, state, (i & 1) != 0 ? x : -x, (i & 2) != 0 ? y : -y,
-                               (i & 4) != 0 ? z : -z);
-    constexpr int faces[6][4] = {{4, 5, 7, 6}, {1, 0, 2, 3}, {0, 4, 6, 2},
-                                 {5, 1, 3, 7}, {6, 7, 3, 2}, {0, 1, 5, 4}};
-    constexpr float uv[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    for (int face = 0; face < 6; ++face) {
-        for (int k = 0; k < 4; ++k)
-            mesh.add_corner(corners[faces[face][k]], uv[k][0], uv[k][1]);
-        const std::vector<int> &all = *state.materials;
-        const auto place = static_cast<std::size_t>(state.by_face ? face : 0);
-        mesh.end_surface(all[std::min(place, all.size() - 1)], SURFACE_TWOSIDED);
-    }
-}
-
-void add_sphere(const vrml_fields &fields, const vrml_state &state, import_mesh &mesh)
-{
-    const double radius = fields.number("radius", 1);
-    std::vector<int> upper = {add_place(mesh, state, 0, radius, 0)};
-    for (int row = 1; row <= sphere_rows; ++row) {
-        const double angle = pi * row / sphere_rows;
-        const std::vector<int> lower =
-            row == sphere_rows
-                ? std::vector<int>{add_place(mesh, state, 0, -radius, 0)}
-                : add_ring(mesh, state, radius * std::sin(angle), radius * std::cos(angle));
-        const auto v = [](int i) { return 1 - static_cast<float>(i) / sphere_rows; };
-        add_side(mesh, state, upper, lower, v(row - 1), v(row));
-        upper = lower;
-    }
-}
-
-void add_cone(const vrml_fields &fields, const vrml_state &state, import_mesh &mesh)
-{
-    const double half = fields.number("height", 2) / 2.0;
-    const std::vector<int> tip = {add_place(mesh, state, 0, half, 0)};
-    const std::vector<int> base = add_ring(mesh, state, fields.number("bottomRadius", 1), -half);
-    if (has_part(fields, "SIDES"))
-        add_side(mesh, state, tip, base, 1, 0);
-    if (has_part(fields, "BOTTOM"))
-        add_cap(mesh, state, base, false);
-}
-
-void add_cylinder(const vrml_fields &fields, const vrml_state &state, import_mesh &mesh)
-{
-    const double half = fields.number("height", 2) / 2.0;
-    const double radius = fields.number("radius", 1);
-    const std::vector<int> top = add_ring(mesh, state, radius, half);
-    const std::vector<int> bottom = add_ring(mesh, state, radius, -half);
-    if (has_part(fields, "SIDES"))
-        add_side(mesh, state, top, bottom, 1, 0);
-    if (has_part(fields, "TOP"))
-        add_cap(mesh, state, top, true);
-    if (has_part(fields, "BOTTOM"))
-        add_cap(mesh, state, bottom, false);
-}
-
 } // namespace
 
-vrml_matrix vrml_product(const vrml_matrix &a, const vrml_matrix &b)
+bool vrml_has_points(std::string_view type)
 {
-    vrml_matrix out = {};
-    for (std::size_t row = 0; row < 4; ++row)
-        for (std::size_t column = 0; column < 4; ++column)
-            for (std::size_t k = 0; k < 4; ++k)
-                out[4 * row + column] += a[4 * row + k] * b[4 * k + column];
-    return out;
-}
-
-point3_t vrml_place(const vrml_state &state, double x, double y, double z)
-{
-    const vrml_matrix &m = state.frame;
-    const auto at = [&](std::size_t i) {
-        return static_cast<float>(x * m[i] + y * m[4 + i] + z * m[8 + i] + m[12 + i]);
-    };
-    return {at(0), at(1), at(2)};
+    return type == "IndexedFaceSet" || type == "IndexedLineSet" || type == "PointSet";
 }
 
 bool vrml_add_shape(std::string_view type, const vrml_fields &fields, const vrml_state &state,
-                    import_mesh &mesh)
+                    vrml1_mesh *out)
 {
-    if (type == "IndexedFaceSet")
-        indexed_set(fields, state, mesh).add(SURFACE_POLYGON);
-    else if (type == "IndexedLineSet")
-        indexed_set(fields, state, mesh).add(SURFACE_LINE);
-    else if (type == "Cube")
-        add_cube(fields, state, mesh);
+    if (vrml_has_points(type)) {
+        add_points(state, out);
+        if (type == "PointSet")
+            add_point_set(fields, out);
+        else
+            indexed_set(fields, state, type == "IndexedLineSet", out).add();
+        return true;
+    }
+    std::vector<int> materials = *state.materials;
+    if (state.binding == vrml_state::OVERALL)
+        materials.resize(1);
+    const vrml_brush brush = {out->mesh, state.frame, std::move(materials)};
+    const vrml_parts parts = {has_part(fields, "SIDES"), has_part(fields, "TOP"),
+                              has_part(fields, "BOTTOM")};
+    const auto number = [&](const char *name, float fallback) {
+        return fields.number(name, fallback);
+    };
+    if (type == "Cube")
+        vrml_add_box(brush, number("width", 2), number("height", 2), number("depth", 2));
     else if (type == "Sphere")
-        add_sphere(fields, state, mesh);
+        vrml_add_sphere(brush, number("radius", 1));
     else if (type == "Cone")
-        add_cone(fields, state, mesh);
+        vrml_add_cone(brush, number("bottomRadius", 1), number("height", 2), parts);
     else if (type == "Cylinder")
-        add_cylinder(fields, state, mesh);
+        vrml_add_cylinder(brush, number("radius", 1), number("height", 2), parts);
     else
         return false;
     return true;

@@ -5,34 +5,41 @@
 
 #include "fileio/import_mesh.h"
 #include "fileio/vrml1_scan.h"
+#include "fileio/vrml_frame.h"
 
-#include <array>
 #include <memory>
-
-// Row by row; points are row vectors.
-using vrml_matrix = std::array<double, 16>;
-constexpr vrml_matrix vrml_identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-vrml_matrix vrml_product(const vrml_matrix &a, const vrml_matrix &b);
 
 struct vrml_state {
     vrml_matrix frame = vrml_identity;
     // Long lists are shared by the states that have them.
     std::shared_ptr<const std::vector<float>> points = std::make_shared<std::vector<float>>();
     std::shared_ptr<const std::vector<float>> uv = std::make_shared<std::vector<float>>();
-    std::shared_ptr<const std::vector<int>> materials; // palette indices, at least one
-    bool by_face = false;                              // each face its own material ...
-    bool by_index = false;                             // ... which materialIndex names
-    bool has_normals = false;                          // one a corner or a vertex
+    std::shared_ptr<const std::vector<int>> materials;          // palette indices, at least one
+    enum binding_t { OVERALL, FACE, VERTEX } binding = OVERALL; // a part of a solid is a face
+    bool by_index = false;                                      // materialIndex names them
+    bool has_normals = false;                                   // one a corner or a vertex
+    bool clockwise = false;                                     // as outlines are seen
+    bool solid = false; // only one side of the faces is ever seen
     float crease_angle = 0.5f;
     std::string texture; // file name
     float repeat[2] = {1, 1}, offset[2] = {0, 0};
 };
 
-// Adds the shape of a node type to `mesh`. False when it is no shape type.
-bool vrml_add_shape(std::string_view type, const vrml_fields &fields, const vrml_state &state,
-                    import_mesh &mesh);
+// One object while shapes are added to it.
+struct vrml1_mesh {
+    import_mesh mesh;
+    std::vector<bool> loose;                          // points that are shown as such
+    std::shared_ptr<const std::vector<float>> points; // when they all come from one list ...
+    vrml_matrix frame = vrml_identity;                // ... in this frame
+    int mixed_colours = 0; // surfaces whose corners have several materials
+};
 
-// A place through the frame.
-point3_t vrml_place(const vrml_state &state, double x, double y, double z);
+// Adds the shape of a node type. Shapes of one list of points share them. False when it is no shape
+// type.
+bool vrml_add_shape(std::string_view type, const vrml_fields &fields, const vrml_state &state,
+                    vrml1_mesh *out);
+
+// Whether the type takes its points from the state.
+bool vrml_has_points(std::string_view type);
 
 #endif

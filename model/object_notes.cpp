@@ -4,7 +4,8 @@
 
 namespace {
 
-constexpr std::string_view marks[] = {note_of_selection_set, note_of_dimension};
+constexpr std::string_view marks[] = {note_of_selection_set, note_of_dimension,
+                                      note_of_vertex_colours};
 
 std::string_view data_of(const object_t *object)
 {
@@ -54,6 +55,13 @@ void object_set_user_data(object_t *object, const std::string &text)
 {
     const std::vector<std::string_view> kept = lines_of(data_of(object));
     write(object, text, {kept.begin(), kept.end()});
+}
+
+bool object_has_note(const object_t *object, std::string_view mark)
+{
+    const std::vector<std::string_view> lines = lines_of(data_of(object));
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](std::string_view line) { return line.starts_with(mark); });
 }
 
 std::vector<std::string> object_notes(const object_t *object, std::string_view mark)

@@ -21,6 +21,7 @@ target_sources(vesk_core PRIVATE
     model/owners.cpp
     model/palette.cpp
     model/property.cpp
+    model/vertex_colours.cpp
     model/world.cpp
     model/world_check.cpp
     model/textures/image_bmp.cpp

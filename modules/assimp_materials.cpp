@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr float gltf_shininess = 1000; // the reader's value of a perfect mirror
-
 void take_colour(const aiMaterial &source, const char *key, unsigned type, unsigned index,
                  float *to)
 {
@@ -41,8 +39,8 @@ std::string without_escapes(const std::string &address)
 }
 
 material_reader::material_reader(const aiScene &scene, const std::string &suffix)
-    : scene_(scene), gltf_(is_one_of(suffix, {"gltf", "glb"})),
-      tells_sides_(gltf_ || (suffix == "dae" && generator() == "VESK"))
+    : scene_(scene), addresses_(is_one_of(suffix, {"gltf", "glb"})),
+      tells_sides_(addresses_ || (suffix == "dae" && generator() == "VESK"))
 {
 }
 
@@ -55,7 +53,7 @@ plain_material material_reader::read(const aiMaterial &source) const
     take_colour(source, AI_MATKEY_COLOR_EMISSIVE, m.emissive);
     float value = 0;
     if (source.Get(AI_MATKEY_SHININESS, value) == AI_SUCCESS && value >= 0)
-        m.shininess = std::min(gltf_ ? value / gltf_shininess * 128 : value, 128.0f);
+        m.shininess = std::min(value, 128.0f);
     if (source.Get(AI_MATKEY_OPACITY, value) == AI_SUCCESS)
         m.transparency = 1 - value;
     aiString name;
@@ -75,13 +73,14 @@ void material_reader::take_picture(const aiMaterial &source, plain_material *m) 
 {
     aiString path;
     for (const aiTextureType type : {aiTextureType_DIFFUSE, aiTextureType_BASE_COLOR}) {
-        if (source.GetTexture(type, 0, &path) != AI_SUCCESS || path.length == 0)
+        if (source.GetTexture(type, 0, &path) != AI_SUCCESS || path.length == 0 ||
+            path == aiString("$texture_dummy.bmp")) // the library's, where a file has none
             continue;
         const auto within = scene_.GetEmbeddedTextureAndIndex(path.C_Str());
         if (within.second >= 0)
             m->picture = "*" + std::to_string(within.second);
         else
-            m->picture = gltf_ ? without_escapes(path.C_Str()) : path.C_Str();
+            m->picture = addresses_ ? without_escapes(path.C_Str()) : path.C_Str();
         aiUVTransform placed;
         if (source.Get(AI_MATKEY_UVTRANSFORM(type, 0), placed) == AI_SUCCESS) {
             m->repeat[0] = placed.mScaling.x;

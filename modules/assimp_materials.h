@@ -26,7 +26,7 @@ private:
     [[nodiscard]] std::string generator() const;
 
     const aiScene &scene_;
-    const bool gltf_;
+    const bool addresses_; // pictures are named by them
     const bool tells_sides_;
 };
 

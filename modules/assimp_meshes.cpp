@@ -1,44 +1,83 @@
 #include "modules/assimp_meshes.h"
 
+#include <algorithm>
 #include <cmath>
 
 void mesh_builder::add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided,
                        bool fans)
 {
+    frame_ = &frame;
     known_.reserve(known_.size() + mesh.mNumVertices);
-    std::vector<int> places;
-    places.reserve(mesh.mNumVertices);
-    for (unsigned i = 0; i < mesh.mNumVertices; ++i)
-        places.push_back(place_of(frame * mesh.mVertices[i]));
+    places_.assign(mesh.mNumVertices, -1);
     for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
         const aiFace &face = mesh.mFaces[i];
         outline_.assign(face.mIndices, face.mIndices + face.mNumIndices);
         while (fans && i + 1 < mesh.mNumFaces && goes_on(mesh.mFaces[i + 1]))
             outline_.push_back(mesh.mFaces[++i].mIndices[2]);
-        add_face(mesh, places, material, twosided);
+        add_face(mesh, material, twosided);
     }
     end_line();
 }
 
-// Readers part vertices that differ in anything; here only the place counts.
-int mesh_builder::place_of(const aiVector3D &p)
+std::array<float, 3> mesh_builder::position_of(const aiMesh &mesh, unsigned index)
 {
-    std::array<float, 3> key = {p.x, p.y, p.z};
-    for (float &value : key) {
+    const aiVector3D p = *frame_ * mesh.mVertices[index];
+    std::array<float, 3> position = {p.x, p.y, p.z};
+    for (float &value : position) {
         bad_points += std::isfinite(value) ? 0 : 1;
         value = std::isfinite(value) ? value + 0.0f : 0.0f;
     }
+    return position;
+}
+
+// A point that stands alone keeps to itself.
+void mesh_builder::add_loose(const aiMesh &mesh, unsigned index)
+{
+    const std::array<float, 3> position = position_of(mesh, index);
+    node.points.insert(node.points.end(), position.begin(), position.end());
+    colour_point(mesh, index, node.points.size() / 3 - 1);
+}
+
+// Readers part vertices that differ in anything; here only the place counts.
+int mesh_builder::place_of(const aiMesh &mesh, unsigned index)
+{
+    if (places_[index] >= 0)
+        return places_[index];
+    const std::array<float, 3> key = position_of(mesh, index);
     const auto found = known_.emplace(key, static_cast<int>(node.points.size() / 3));
     if (found.second)
         node.points.insert(node.points.end(), key.begin(), key.end());
-    return found.first->second;
+    colour_point(mesh, index, static_cast<std::size_t>(found.first->second));
+    return places_[index] = found.first->second;
 }
 
-void mesh_builder::add_corner(const aiMesh &mesh, unsigned index, int place)
+// Points of meshes without colours are white when others have any.
+void mesh_builder::colour_point(const aiMesh &mesh, unsigned index, std::size_t place)
+{
+    const bool coloured = mesh.HasVertexColors(0);
+    if (!coloured && node.colours.empty())
+        return;
+    const aiColor4D white(1, 1, 1, 1);
+    const aiColor4D &colour = coloured ? mesh.mColors[0][index] : white;
+    unsigned char rgb[3];
+    for (unsigned i = 0; i < 3; ++i) {
+        const float part = colour[i] > 0 ? std::min(colour[i], 1.0f) : 0; // none is 0, too
+        rgb[i] = static_cast<unsigned char>(std::lround(part * 255));
+    }
+    const std::size_t before = node.colours.size();
+    if (before < 3 * (place + 1)) {
+        node.colours.resize(3 * place, 255);
+        node.colours.insert(node.colours.end(), rgb, rgb + 3);
+    } else if (!std::equal(rgb, rgb + 3, &node.colours[3 * place])) {
+        ++mixed_points;
+    }
+}
+
+void mesh_builder::add_corner(const aiMesh &mesh, unsigned index)
 {
     const bool has_uv = mesh.HasTextureCoords(0);
     const aiVector3D uv = has_uv ? mesh.mTextureCoords[0][index] : aiVector3D();
-    node.corners.push_back(place);
+    node.corners.push_back(place_of(mesh, index));
     node.uv.push_back(std::isfinite(uv.x) ? uv.x : 0);
     node.uv.push_back(std::isfinite(uv.y) ? uv.y : 0);
 }
@@ -57,36 +96,36 @@ bool mesh_builder::goes_on(const aiFace &next) const
            next.mIndices[1] == outline_.back();
 }
 
-void mesh_builder::add_face(const aiMesh &mesh, const std::vector<int> &places, int material,
-                            bool twosided)
+void mesh_builder::add_face(const aiMesh &mesh, int material, bool twosided)
 {
     for (const unsigned index : outline_)
         if (index >= mesh.mNumVertices)
             return;
     if (outline_.size() == 2) {
-        add_segment(mesh, places, material);
+        add_segment(mesh, material);
         return;
     }
     end_line();
+    if (outline_.size() == 1)
+        add_loose(mesh, outline_[0]);
     if (outline_.size() < 3)
         return;
     for (const unsigned index : outline_)
-        add_corner(mesh, index, places[index]);
+        add_corner(mesh, index);
     end_surface(material, (twosided ? PLAIN_TWOSIDED : 0) | (is_smooth(mesh) ? PLAIN_SMOOTH : 0));
 }
 
 // Segments that go on where the last one ended are one line.
-void mesh_builder::add_segment(const aiMesh &mesh, const std::vector<int> &places, int material)
+void mesh_builder::add_segment(const aiMesh &mesh, int material)
 {
-    const int from = places[outline_[0]];
-    const int to = places[outline_[1]];
+    const int from = place_of(mesh, outline_[0]);
     if (!line_open_ || node.corners.back() != from || line_material_ != material) {
         end_line();
         line_open_ = true;
         line_material_ = material;
-        add_corner(mesh, outline_[0], from);
+        add_corner(mesh, outline_[0]);
     }
-    add_corner(mesh, outline_[1], to);
+    add_corner(mesh, outline_[1]);
 }
 
 void mesh_builder::end_line()

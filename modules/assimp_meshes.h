@@ -12,6 +12,7 @@ class mesh_builder {
 public:
     plain_node node;
     std::size_t bad_points = 0;
+    std::size_t mixed_points = 0; // with several colours
 
     // `fans`: triangles that follow each other with one first vertex are a polygon.
     void add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided, bool fans);
@@ -25,17 +26,22 @@ private:
         }
     };
 
-    int place_of(const aiVector3D &p);
-    void add_corner(const aiMesh &mesh, unsigned index, int place);
+    int place_of(const aiMesh &mesh, unsigned index);
+    std::array<float, 3> position_of(const aiMesh &mesh, unsigned index);
+    void add_loose(const aiMesh &mesh, unsigned index);
+    void colour_point(const aiMesh &mesh, unsigned index, std::size_t place);
+    void add_corner(const aiMesh &mesh, unsigned index);
     void end_surface(int material, int flags);
     [[nodiscard]] bool goes_on(const aiFace &next) const;
-    void add_face(const aiMesh &mesh, const std::vector<int> &places, int material, bool twosided);
-    void add_segment(const aiMesh &mesh, const std::vector<int> &places, int material);
+    void add_face(const aiMesh &mesh, int material, bool twosided);
+    void add_segment(const aiMesh &mesh, int material);
     void end_line();
     [[nodiscard]] bool is_smooth(const aiMesh &mesh) const;
 
     std::unordered_map<std::array<float, 3>, int, place_hash> known_;
-    std::vector<unsigned> outline_; // of the face at hand: vertices of the mesh
+    const aiMatrix4x4 *frame_ = nullptr; // of the mesh at hand
+    std::vector<int> places_;            // of its vertices, -1 for those that no face had so far
+    std::vector<unsigned> outline_;      // of the face at hand: vertices of the mesh
     bool line_open_ = false;
     int line_material_ = 0;
 };

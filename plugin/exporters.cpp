@@ -8,7 +8,6 @@
 #include "base/progress.h"
 #include "fileio/export_3ds.h"
 #include "fileio/export_commands.h"
-#include "fileio/export_vrml2.h"
 #include "fileio/vesk_writer.h"
 #include "model/ear_cut.h"
 #include "model/world.h"
@@ -98,7 +97,7 @@ void vesk_register_internal_file_exporters(void)
         vesk_export_func_t write;
     } rows[] = {
         {".vesk", "VESK files", write_copy},       {".3ds", "3D Studio files", write_3ds},
-        {".dxf", "DXF files", write_dxf},          {".wrl", "VRML 2.0 files", write_vrml2},
+        {".dxf", "DXF files", write_dxf},          {".wrl", "VRML 2.0 files", write_vrml2_tree},
         {".iv", "Inventor files", write_inventor}, {".pov", "POV files", write_POV},
         {".rib", "RIB files", write_rib},          {".tri", "Alias/Triangle files", write_tri},
     };

@@ -13,6 +13,7 @@
 #include "edit/document/selection.h"
 #include "fileio/export_3ds.h"
 #include "fileio/finite_numbers.h"
+#include "fileio/import_3ds.h"
 #include "fileio/import_assimp.h"
 #include "fileio/import_bsp.h"
 #include "fileio/import_dxf.h"
@@ -35,9 +36,12 @@
 #include "view/tool_transform.h"
 
 #include <cstring>
+#include <fstream>
 #include <set>
 #include <string>
+#include <string_view>
 #include <strings.h>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -62,6 +66,27 @@ void count_import(object_t *top, double seconds)
     report.materials = static_cast<int>(materials.size());
     report.seconds = seconds;
     report.read = true;
+}
+
+// The name that a file really has. The interpreter takes the bytes of a name that is no UTF-8 for
+// Latin-1, and hands it on as UTF-8.
+std::string name_on_disk(const char *filename)
+{
+    struct stat about = {};
+    if (stat(filename, &about) == 0)
+        return filename;
+    std::string bytes;
+    for (const char *p = filename; *p != '\0'; ++p) {
+        const auto c = static_cast<unsigned char>(*p);
+        if (c < 0x80) {
+            bytes += *p;
+        } else if ((c == 0xC2 || c == 0xC3) && p[1] != '\0') {
+            bytes += static_cast<char>((c & 3) << 6 | (static_cast<unsigned char>(*++p) & 0x3F));
+        } else {
+            return filename;
+        }
+    }
+    return stat(bytes.c_str(), &about) == 0 ? bytes : filename;
 }
 
 // An importer may be a plug-in's: a fault in it costs a message, not the session.
@@ -90,6 +115,23 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
                            fault.kind == fault_t::CODE ? vesk_exception_get_message(fault.code)
                                                        : fault.what.c_str());
     return nullptr;
+}
+
+// What no reader can make a model of, whatever the suffix says; null for all else.
+const char *reason_of_refusal(const char *filename)
+{
+    struct stat about = {};
+    if (stat(filename, &about) != 0)
+        return nullptr; // the reader says why
+    if (S_ISDIR(about.st_mode))
+        return "it is a folder";
+    char head[8] = {};
+    if (S_ISREG(about.st_mode))
+        std::ifstream(filename, std::ios::binary).read(head, sizeof head);
+    const std::string_view start(head, sizeof head);
+    const bool low_first = start.starts_with("\xFF\xFE") && head[3] == 0 && head[5] == 0;
+    const bool high_first = start.starts_with("\xFE\xFF") && head[2] == 0 && head[4] == 0;
+    return low_first || high_first ? "it is a text in UTF-16: save it as UTF-8" : nullptr;
 }
 
 // Of a world that was read; the container goes.
@@ -145,9 +187,11 @@ char *vesk_get_all_importer_info(void)
     return text_copy(text.c_str());
 }
 
-object_t *vesk_import_file(const char *filename)
+object_t *vesk_import_file(const char *given_name)
 {
-    file_report_begin(filename);
+    file_report_begin(given_name);
+    const std::string name = name_on_disk(given_name);
+    const char *filename = name.c_str();
     const char *suffix = string_get_suffix(filename);
     if (suffix == nullptr) {
         windows_message_dialog(
@@ -160,8 +204,15 @@ object_t *vesk_import_file(const char *filename)
                                format_table_text<vesk_importer_t>(importers, "import").c_str());
         return nullptr;
     }
+    struct stat about = {};
+    if (stat(filename, &about) == 0 && !S_ISREG(about.st_mode))
+        return import_refused(filename, S_ISDIR(about.st_mode)
+                                            ? "it is a folder"
+                                            : "it is a pipe or a device, no file");
     const double began = ui_port().now_seconds();
     last_file_report().format = importer->description;
+    if (const char *reason = reason_of_refusal(filename); reason != nullptr)
+        return import_refused(filename, reason);
     object_t *object = load_guarded(importer, filename);
     if (object == nullptr)
         return nullptr;
@@ -261,6 +312,7 @@ void vesk_register_internal_file_importers(void)
         {".vec .r2v", "Vector files", vesk_import_vector},
         {".md2", "MD2 files", vesk_import_md2},
         {".bsp", "Quake3 BSP files", vesk_import_quake3bsp},
+        {".wrz .gz", "VRML files, packed", vesk_import_vrml},
     };
     for (const row_t &row : rows) {
         vesk_register_file_importer(row.suffix, row.description, row.load,

@@ -97,6 +97,7 @@
 #include "model/textures/texture_preview.h"
 #include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 #include "plugin/dialogs.h"
 #include "plugin/entry_points.h"

@@ -125,6 +125,8 @@ std::span<const own_command_t> file_commands()
         command_row("keep_material_names", command_keep_material_names, view, "<int on>",
                     "1: materials of a file give their names to equal palette entries"),
         command_row("write_dxf", write_dxf, query, "<filename>", "write the scene in DXF format"),
+        command_row("write_vrml2_tree", write_vrml2_tree, query, "<filename>",
+                    "write the scene in VRML 2 format, with its tree"),
         command_row("get_exporters", command_get_exporters, query, nullptr,
                     "returns suffix and description of each exporter"),
         command_row("get_texture_loaders", command_get_texture_loaders, query, nullptr,

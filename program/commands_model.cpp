@@ -6,6 +6,7 @@
 #include "base/progress.h"
 #include "base/redraw.h"
 #include "edit/boolean.h"
+#include "edit/boolean_live.h"
 #include "edit/create.h"
 #include "edit/document/current_object.h"
 #include "edit/document/edit_support.h"
@@ -350,6 +351,13 @@ std::span<const own_command_t> model_commands()
         command_row("boolean", command_boolean, edit, 1, 2,
                     "<string union, difference or intersection> [<int keep the others (0 or 1)>]",
                     "the first selected solid with the others"),
+        command_row("boolean_live", command_boolean_live, select,
+                    "<string union, difference, intersection or off>",
+                    "show a boolean while its solids are moved"),
+        command_row("boolean_live_keep", command_boolean_live_keep, once,
+                    "<int keep the others (0 or 1)>", "make the boolean that is shown"),
+        command_row("boolean_live_cancel", command_boolean_live_cancel, once, nullptr,
+                    "as it was before the boolean that is shown"),
         command_row("select_inside", command_select_inside, select, nullptr,
                     "select what lies inside the selected solids"),
         command_row("knife", command_knife, edit, "<string coordinates>",

@@ -87,6 +87,9 @@ proc ::vesk::convert::pairs {words} {
             || ($out eq "-" && $options(-to) eq "")} {
             error $usage
         }
+        if {$out eq "-" && $options(-report) eq "-"} {
+            error "convert - standard output carries the model: name a file for -report"
+        }
         return $words
     }
     if {[llength $words] == 0 && $options(-list) eq ""} {

@@ -31,6 +31,7 @@ set own_samples {
     insert_vertex_at {2 0 1 0.5}  resize_with_undo {0 0 0 2 1 1}  rotate_each_with_undo {0 45}
     check_fix_all open_edge  check_select {unused_vertex 3 7}  check_fix {unused_vertex 3 7}
     export_model lamp.wrl  write_3ds lamp.3ds  write_dxf lamp.dxf  write_vesk_old lamp.vesk  write_vrml lamp.wrl  write_vrml2 lamp.wrl
+    write_vrml2_tree lamp.wrl
     write_vrml2_proto lamp.wrl  write_inventor lamp.iv  write_POV lamp.pov  write_rib lamp.rib
     write_tri lamp.tri  write_dive lamp.vr  write_dvs lamp.biz  write_massive lamp.txt
     set_images_folder textures  plugins_skip images.p  plugin_load my-plugin.p

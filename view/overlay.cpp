@@ -1,6 +1,7 @@
 #include "view/overlay.h"
 
 #include "base/redraw.h"
+#include "edit/symmetry.h"
 #include "view/interaction.h"
 
 #include <utility>
@@ -23,6 +24,15 @@ void show_cut_marks(cut_marks_t marks)
     marks_of_cut = std::move(marks);
     if (any)
         redraw_all();
+}
+
+void add_mirrored_lines(const object_t *object, cut_marks_t *marks)
+{
+    if (!symmetry_is_on())
+        return;
+    const std::size_t count = marks->lines.size();
+    for (std::size_t i = 0; i < count; ++i)
+        marks->lines.push_back(symmetric_point(object, marks->lines[i]));
 }
 
 void show_band(const pointer_event_t &press, const pointer_event_t &event)

@@ -2,6 +2,7 @@
 #define VESK_VIEW_OVERLAY_H
 
 #include "base/types.h"
+#include "model/object.h"
 
 #include <vector>
 
@@ -47,6 +48,9 @@ struct cut_marks_t {
 const cut_marks_t &cut_marks();
 // Shows others instead; redraws unless there are none, before and now.
 void show_cut_marks(cut_marks_t marks);
+
+// With symmetry the lines in the mirror of an object, too.
+void add_mirrored_lines(const object_t *object, cut_marks_t *marks);
 
 // Shows the rubber band from a press to the pointer.
 struct pointer_event_t;

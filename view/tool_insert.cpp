@@ -93,9 +93,8 @@ void release(const pointer_event_t &event)
         return;
     step_t step(step_t::of::drag);
     const std::string id = std::to_string(object_identity(hit.object));
-    if (!insert_vertex_at(hit.object, hit.a, hit.b, hit.share))
+    if (insert_vertex_at(hit.object, hit.a, hit.b, hit.share) == 0)
         return;
-    display_message("insert vertex - 1 vertex");
     keep_step(step,
               {"insert_vertex_at", id, std::to_string(hit.a), std::to_string(hit.b),
                echo_number(hit.share)},

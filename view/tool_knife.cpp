@@ -64,6 +64,14 @@ std::vector<point3_t> line_to(const place_t *next)
     return line;
 }
 
+// Draws the line, with its mirror image where they meet.
+knife_lines draw_to(const place_t *next, std::string *why)
+{
+    knife_lines lines = symmetric_lines(state.places.front().object, line_to(next));
+    state.cut->draw(lines.here, why);
+    return lines;
+}
+
 void forget_line()
 {
     state = {};
@@ -208,13 +216,15 @@ void show(const place_t *next)
     marks.points = line_to(next);
     std::string why;
     if (marks.points.size() > 1) {
-        state.cut->draw(marks.points, &why);
+        const bool both = !draw_to(next, &why).across.empty();
         if (next != nullptr && !state.cut->is_drawn()) {
             marks.broken = {state.places.back().at, next->at};
             display_message("knife - %s", why.c_str());
-            state.cut->draw(line_to(nullptr), &why);
+            draw_to(nullptr, &why);
         }
         marks.lines = state.cut->edges();
+        if (both)
+            add_mirrored_lines(state.places.front().object, &marks);
     }
     show_cut_marks(std::move(marks));
 }
@@ -254,7 +264,8 @@ bool begin_line(const place_t &place)
 void cut_now()
 {
     std::string why;
-    if (!state.cut->draw(line_to(nullptr), &why)) {
+    const std::vector<point3_t> across = draw_to(nullptr, &why).across;
+    if (!state.cut->is_drawn()) {
         display_message("knife - %s", why.c_str());
         return;
     }
@@ -267,7 +278,7 @@ void cut_now()
     const std::unique_ptr<knife_cut> cut = std::move(state.cut);
     forget_line();
     step_t step(step_t::of::drag);
-    knife_commit(object, *cut);
+    knife_commit(object, *cut, across);
     keep_step(step, {"knife", coordinates}, "knife");
 }
 

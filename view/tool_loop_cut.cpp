@@ -5,6 +5,7 @@
 #include "base/prefs.h"
 #include "edit/document/selection_scan.h"
 #include "edit/loop_cut.h"
+#include "edit/symmetry.h"
 #include "model/identity.h"
 #include "model/object_tree.h"
 #include "view/drag_echo.h"
@@ -41,12 +42,32 @@ bool has_edge()
            state.edge < object_topology(state.object)->size();
 }
 
+// The counterparts of the object's vertices, found once for its shape and the plane.
+struct twins_t {
+    flat_ptr mesh;
+    int axis = 0, at_centre = 0;
+    std::vector<int> places;
+};
+twins_t known;
+
+const std::vector<int> &twins_now()
+{
+    const flat_ptr mesh = object_flat(state.object);
+    if (known.mesh != mesh || known.axis != prefs.symmetry_axis ||
+        known.at_centre != prefs.symmetry_at_centre)
+        known = {mesh, prefs.symmetry_axis, prefs.symmetry_at_centre,
+                 symmetry_is_on() ? symmetric_places(state.object) : std::vector<int>()};
+    return known.places;
+}
+
 void show()
 {
     cut_marks_t marks;
-    if (has_edge())
-        marks.lines =
-            loop_cut_preview(*object_topology(state.object), state.edge, state.cuts, state.slide);
+    if (has_edge()) {
+        const edge_topology &topology = *object_topology(state.object);
+        marks.lines = loop_cut_preview(topology, loop_seeds(topology, {state.edge}, twins_now()),
+                                       state.cuts, state.slide);
+    }
     show_cut_marks(std::move(marks));
 }
 
@@ -171,10 +192,17 @@ bool key(const char *keysym)
     return true;
 }
 
+void leave()
+{
+    forget();
+    known = {};
+}
+
 void drop()
 {
     state.object = nullptr;
     state.edge = -1;
+    known = {};
     show_cut_marks({});
 }
 
@@ -190,5 +218,5 @@ const tool_t loop_cut_tool = {.name = "loop_cut",
                               .outside = forget,
                               .key = key,
                               .wheel = wheel,
-                              .leave = forget,
+                              .leave = leave,
                               .forget = drop};

@@ -5,6 +5,7 @@
 #include "base/prefs.h"
 #include "edit/document/edit_support.h"
 #include "edit/snap.h"
+#include "edit/symmetry.h"
 #include "model/angle.h"
 #include "model/flat_mesh.h"
 #include "model/vec3d.h"
@@ -146,6 +147,8 @@ void show(const place_t &to)
                 add_crossings(*mesh, s, plane, &marks.lines);
         }
     }
+    if (symmetry_acts() && !state.targets.empty())
+        add_mirrored_lines(state.targets.front().object, &marks);
     show_cut_marks(std::move(marks));
 }
 

@@ -446,6 +446,14 @@ std::uint64_t journal_change_number()
     return behind ? journal().changes + 1 : entry(journal().present).change;
 }
 
+int journal_place_of(std::uint64_t change_number)
+{
+    int place = journal().present;
+    while (place >= 0 && entry(place).change != change_number)
+        --place;
+    return place;
+}
+
 const std::vector<std::string> &journal_repeat_words()
 {
     static const std::vector<std::string> none;

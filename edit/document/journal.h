@@ -71,6 +71,9 @@ std::vector<journal_item> journal_items();
 // Names the content of the model: the same number means the same model, also after undo and redo.
 std::uint64_t journal_change_number();
 
+// The place of the model with that number, up to the present one; -1 when the history has it no more.
+int journal_place_of(std::uint64_t change_number);
+
 // The words of the newest step that has some. Empty for none.
 const std::vector<std::string> &journal_repeat_words();
 

@@ -49,39 +49,12 @@ vec3d nearest_in_triangle(const vec3d &p, const vec3d &a, const vec3d &b, const 
 knife_cut::knife_cut(flat_ptr mesh, std::span<const int> surfaces)
     : mesh_(std::move(mesh)), named_(mesh_->num_surfaces())
 {
-    box_t all = box_t::none();
-    std::vector<box_t> boxes;
-    first_use_.assign(static_cast<std::size_t>(mesh_->num_vertices()) + 1, 0);
-    for (const int s : surfaces) {
-        if (mesh_->surface(s).is_line() || mesh_->surface_corners(s).size() < 3)
-            continue;
-        named_[s] = true;
-        for (const int v : mesh_->surface_corners(s))
-            ++first_use_[v + 1];
-        const std::vector<int> ears = surface_ears(*mesh_, s);
-        const int first = mesh_->first_corner(s);
-        for (std::size_t i = 0; i + 2 < ears.size(); i += 3) {
-            triangles_.push_back({s, {first + ears[i], first + ears[i + 1], first + ears[i + 2]}});
-            box_t box = box_t::none();
-            for (const int c : triangles_.back().corner)
-                box.add(mesh_->position(mesh_->corner(c)));
-            all.add(box);
-            boxes.push_back(box);
-        }
-    }
-    for (std::size_t i = 1; i < first_use_.size(); ++i)
-        first_use_[i] += first_use_[i - 1];
-    uses_.resize(first_use_.back());
-    std::vector<int> next(first_use_.begin(), first_use_.end() - 1);
-    for (const int s : surfaces) {
-        if (!named_[s])
-            continue;
-        for (const int v : mesh_->surface_corners(s))
-            uses_[next[v]++] = s;
-    }
-    for (int i = 0; i < 3 && !boxes.empty(); ++i)
-        size_ = std::max(size_, static_cast<double>(all.high[i]) - static_cast<double>(all.low[i]));
-    tree_ = box_tree(std::move(boxes));
+    for (const int s : surfaces)
+        named_[s] = !mesh_->surface(s).is_line() && mesh_->surface_corners(s).size() >= 3;
+    blocks_ = surface_blocks(*mesh_, named_);
+    for (int i = 0; i < 3; ++i)
+        size_ = std::max(size_, static_cast<double>(blocks_.all().high[i]) -
+                                    static_cast<double>(blocks_.all().low[i]));
 }
 
 point3_t knife_cut::position(int node) const
@@ -94,20 +67,48 @@ point3_t knife_cut::position(int node) const
 
 knife_cut::spot_t knife_cut::nearest(const point3_t &point) const
 {
-    spot_t best = {std::numeric_limits<double>::infinity(), -1, {}};
+    spot_t best = {std::numeric_limits<double>::infinity(), {-1, {}}, {}};
     const auto far = static_cast<float>(reach * size_);
     const box_t box = {{point.x - far, point.y - far, point.z - far},
                        {point.x + far, point.y + far, point.z + far}};
-    tree_.query(box, [&](int t) {
-        vec3d p[3];
-        for (int k = 0; k < 3; ++k)
-            p[k] = to_vec3d(mesh_->position(mesh_->corner(triangles_[t].corner[k])));
-        const vec3d at = nearest_in_triangle(to_vec3d(point), p[0], p[1], p[2]);
-        const double distance = length(at - to_vec3d(point));
-        if (distance < best.distance && distance <= far)
-            best = {distance, t, to_point(at)};
+    blocks_.query(box, [&](int s) {
+        if (!named_[s] || !surface_box(s).meets(box))
+            return;
+        const int first = mesh_->first_corner(s);
+        const std::vector<int> ears = surface_ears(*mesh_, s);
+        for (std::size_t i = 0; i + 2 < ears.size(); i += 3) {
+            const triangle_t t = {s, {first + ears[i], first + ears[i + 1], first + ears[i + 2]}};
+            vec3d p[3];
+            for (int k = 0; k < 3; ++k)
+                p[k] = to_vec3d(mesh_->position(mesh_->corner(t.corner[k])));
+            const vec3d at = nearest_in_triangle(to_vec3d(point), p[0], p[1], p[2]);
+            const double distance = length(at - to_vec3d(point));
+            if (distance < best.distance && distance <= far)
+                best = {distance, t, to_point(at)};
+        }
     });
     return best;
+}
+
+box_t knife_cut::surface_box(int surface) const
+{
+    box_t box = box_t::none();
+    for (const int v : mesh_->surface_corners(surface))
+        box.add(mesh_->position(v));
+    return box;
+}
+
+// The named surfaces that have a corner there.
+std::vector<int> knife_cut::surfaces_of_vertex(int v) const
+{
+    const point3_t &p = mesh_->position(v);
+    std::vector<int> found;
+    blocks_.query({{p.x, p.y, p.z}, {p.x, p.y, p.z}}, [&](int s) {
+        const auto corners = mesh_->surface_corners(s);
+        if (named_[s] && std::find(corners.begin(), corners.end(), v) != corners.end())
+            found.push_back(s);
+    });
+    return found;
 }
 
 double knife_cut::distance(const point3_t &point) const { return nearest(point).distance; }
@@ -115,12 +116,12 @@ double knife_cut::distance(const point3_t &point) const { return nearest(point).
 std::vector<int> knife_cut::surfaces_of_side(int a, int b) const
 {
     std::vector<int> found;
-    for (int i = first_use_[a]; i < first_use_[a + 1]; ++i) {
-        const auto corners = mesh_->surface_corners(uses_[i]);
+    for (const int s : surfaces_of_vertex(a)) {
+        const auto corners = mesh_->surface_corners(s);
         for (std::size_t k = 0; k < corners.size(); ++k) {
             const int u = corners[k], v = corners[k + 1 < corners.size() ? k + 1 : 0];
             if ((u == a && v == b) || (u == b && v == a)) {
-                found.push_back(uses_[i]);
+                found.push_back(s);
                 break;
             }
         }
@@ -132,7 +133,7 @@ std::vector<int> knife_cut::surfaces_of(int node) const
 {
     const int old = mesh_->num_vertices();
     if (node < old)
-        return {uses_.begin() + first_use_[node], uses_.begin() + first_use_[node + 1]};
+        return surfaces_of_vertex(node);
     const node_t &made = nodes_[node - old];
     return made.low < 0 ? std::vector<int>{made.surface} : surfaces_of_side(made.low, made.high);
 }
@@ -175,9 +176,9 @@ int knife_cut::node_inside(int surface, const point3_t &at, flat_uv uv)
 int knife_cut::node_at(const point3_t &point)
 {
     const spot_t spot = nearest(point);
-    if (spot.triangle < 0)
+    const triangle_t &t = spot.triangle;
+    if (t.surface < 0)
         return -1;
-    const triangle_t &t = triangles_[spot.triangle];
     const auto corners = mesh_->surface_corners(t.surface);
     const double near = 2 * one_place * size_;
     const vec3d at = to_vec3d(spot.at);

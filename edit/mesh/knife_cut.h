@@ -9,8 +9,8 @@
 // joined to the nearest corner of that polygon that it sees, and a ring that lies inside one is
 // joined to two of its corners; where the line goes from side to side nothing is added.
 
-#include "edit/mesh/box_tree.h"
 #include "edit/mesh/mesh_change.h"
+#include "edit/mesh/surface_blocks.h"
 #include "model/vec3d.h"
 
 #include <map>
@@ -46,14 +46,19 @@ private:
         flat_uv uv; // inside a surface
     };
     using chord_t = std::pair<int, int>;
+    struct triangle_t {
+        int surface, corner[3]; // of the mesh
+    };
     struct spot_t {
         double distance;
-        int triangle;
+        triangle_t triangle; // of surface -1: none
         point3_t at;
     };
 
     [[nodiscard]] point3_t position(int node) const;
     [[nodiscard]] spot_t nearest(const point3_t &point) const;
+    [[nodiscard]] box_t surface_box(int surface) const;
+    [[nodiscard]] std::vector<int> surfaces_of_vertex(int v) const;
     [[nodiscard]] std::vector<int> surfaces_of(int node) const;
     [[nodiscard]] std::vector<int> surfaces_of_side(int a, int b) const;
     int node_at(const point3_t &point);
@@ -84,12 +89,7 @@ private:
 
     flat_ptr mesh_;
     std::vector<bool> named_;
-    std::vector<int> first_use_, uses_; // of each vertex: its named surfaces
-    struct triangle_t {
-        int surface, corner[3]; // of the mesh
-    };
-    std::vector<triangle_t> triangles_;
-    box_tree tree_{{}};
+    surface_blocks blocks_; // of the named ones
     double size_ = 0;
 
     bool drawn_ = false;

@@ -1,13 +1,17 @@
 #include "edit/mesh/mesh_change.h"
 
+#include "base/console.h"
 #include "base/session_state.h"
+#include "edit/mesh/nearest_points.h"
 #include "model/alloc.h"
 #include "model/change_marks.h"
 #include "model/freed.h"
 #include "model/list_internal.h"
 #include "model/object_internal.h"
+#include "model/vertex_colours.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -372,6 +376,35 @@ void mesh_change::link(mesh_result &result)
     }
 }
 
+// Colours of another number of vertices might fit by chance now.
+void mesh_change::drop_colours() const
+{
+    vesk_object_set_vertex_colours(object_, nullptr);
+    console_printf("%s: the colours of its points fit no more and are gone\n",
+                   object_->name == nullptr ? "" : object_->name);
+}
+
+// A new vertex has the colour of the one it is like, else of the nearest one.
+void mesh_change::carry_colours(const std::vector<unsigned char> &old) const
+{
+    std::vector<unsigned char> rgb;
+    const auto take = [&](int v) {
+        const auto first = old.begin() + 3 * static_cast<std::ptrdiff_t>(v);
+        rgb.insert(rgb.end(), first, first + 3);
+    };
+    for (int v = 0; v < before_->num_vertices(); ++v) {
+        if (!flag(gone_vertices_, v))
+            take(v);
+    }
+    std::optional<nearest_points> nearest;
+    for (const made_vertex &made : vertices_) {
+        if (made.like < 0 && !nearest)
+            nearest.emplace(*before_->positions);
+        take(made.like >= 0 ? made.like : std::max(nearest->nearest(made.position), 0));
+    }
+    vesk_object_set_vertex_colours(object_, rgb.data());
+}
+
 std::vector<mesh_result> commit_all(std::vector<mesh_change> &changes)
 {
     freed_batch at_once;
@@ -394,6 +427,9 @@ mesh_result mesh_change::commit()
     if (!removes && vertices_.empty() && surfaces_.empty() && edits_.empty())
         return result;
 
+    const bool other_vertices = !gone_vertices_.empty() || !vertices_.empty();
+    const std::vector<unsigned char> colours =
+        other_vertices ? object_vertex_colours(object_) : std::vector<unsigned char>();
     session().committing = true;
     result.vertices.reserve(vertices_.size());
     result.surfaces.reserve(surfaces_.size());
@@ -401,6 +437,10 @@ mesh_result mesh_change::commit()
     edit_corners(result);
     if (removes)
         unlink();
+    if (!colours.empty())
+        carry_colours(colours);
+    else if (other_vertices && vesk_object_has_vertex_colours(object_) != 0)
+        drop_colours();
     object_mark(object_, CHANGED_TOPOLOGY);
     session().committing = false;
     return result;

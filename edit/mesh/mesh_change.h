@@ -3,7 +3,7 @@
 
 // A change of one object's geometry: computed on its flat mesh, then written back in one pass.
 // Vertices are named by their places before the change; new ones follow from num_vertices() on.
-// Nothing happens to the object before commit.
+// Nothing happens to the object before commit. Colours that are kept with the vertices go along.
 
 #include "model/flat_mesh.h"
 
@@ -108,6 +108,8 @@ private:
     void link(mesh_result &result);
     surface_t *make_surface(std::size_t index, const mesh_result &result);
     listitem *take_corner();
+    void drop_colours() const;
+    void carry_colours(const std::vector<unsigned char> &old) const;
     [[nodiscard]] std::size_t end_of(std::size_t made) const;
 
     object_t *object_;

@@ -6,6 +6,7 @@
 #include "model/object_internal.h"
 #include "model/owners.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 
 #include <algorithm>
 
@@ -18,7 +19,8 @@ void object_copy_header(object_t *to, const object_t *from)
 }
 
 surface_copier::surface_copier(object_t *owner)
-    : owner_(owner), mesh_(object_flat(owner)), copies_(mesh_->num_vertices())
+    : owner_(owner), mesh_(object_flat(owner)), colours_(object_vertex_colours(owner)),
+      copies_(mesh_->num_vertices())
 {
 }
 
@@ -40,6 +42,12 @@ object_t *surface_copier::copy(std::span<const int> surfaces, std::span<const in
         last = list_add_item_fast(&made->vertices, last, twin);
     }
     made->num_vertices = static_cast<int>(used.size());
+    if (!colours_.empty()) {
+        std::vector<unsigned char> rgb;
+        for (const int v : used)
+            rgb.insert(rgb.end(), colours_.begin() + 3 * v, colours_.begin() + 3 * v + 3);
+        vesk_object_set_vertex_colours(made, rgb.data());
+    }
 
     last = nullptr;
     for (const int surface : surfaces) {

@@ -13,7 +13,8 @@ std::vector<object_t *> objects_of_surfaces(const listitem *surfaces);
 // Name, texture, frame and centre.
 void object_copy_header(object_t *to, const object_t *from);
 
-// Makes many such objects of one owner, each in time of its own size.
+// Makes many such objects of one owner, each in time of its own size. Colours that are kept with the
+// vertices go along.
 class surface_copier {
 public:
     explicit surface_copier(object_t *owner);
@@ -26,7 +27,8 @@ public:
 private:
     object_t *owner_;
     flat_ptr mesh_;
-    std::vector<vertex *> copies_; // of the vertices of the object that is being made
+    std::vector<unsigned char> colours_; // of the owner's vertices
+    std::vector<vertex *> copies_;       // of the vertices of the object that is being made
 };
 
 #endif

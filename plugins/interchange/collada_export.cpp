@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <string_view>
 
 namespace {
 
@@ -125,18 +126,18 @@ private:
     }
 
     template <class Add>
-    void source(int i, const char *name, std::size_t count, int stride, Add &&add)
+    void source(int i, const char *name, std::size_t count, std::string_view parts, Add &&add)
     {
         out_.add("<source id=\"mesh", i, name, "\"><float_array id=\"mesh", i, name,
-                 "-array\" count=\"", count * static_cast<std::size_t>(stride), "\">");
+                 "-array\" count=\"", count * parts.size(), "\">");
         for (std::size_t k = 0; k < count && work_.step(0.5); ++k) {
             add(k);
             out_.add('\n');
         }
         out_.add("</float_array><technique_common><accessor source=\"#mesh", i, name,
-                 "-array\" count=\"", count, "\" stride=\"", stride, "\">");
-        for (int k = 0; k < stride; ++k)
-            out_.add("<param name=\"", stride == 2 ? "ST"[k] : "XYZ"[k], "\" type=\"float\"/>");
+                 "-array\" count=\"", count, "\" stride=\"", parts.size(), "\">");
+        for (const char part : parts)
+            out_.add("<param name=\"", part, "\" type=\"float\"/>");
         out_.add("</accessor></technique_common></source>\n");
     }
 
@@ -147,13 +148,18 @@ private:
         if (n.surfaces.empty())
             return;
         out_.add("<geometry id=\"mesh", i, "\" name=\"", xml_text(n.name), "\"><mesh>\n");
-        source(i, "-points", n.points.size(), 3, [&](std::size_t k) { out_.add(n.points[k]); });
-        source(i, "-normals", n.points.size() + n.surfaces.size(), 3, [&](std::size_t k) {
+        source(i, "-points", n.points.size(), "XYZ", [&](std::size_t k) { out_.add(n.points[k]); });
+        source(i, "-normals", n.points.size() + n.surfaces.size(), "XYZ", [&](std::size_t k) {
             out_.add(k < n.points.size() ? n.normals[k] : n.surfaces[k - n.points.size()].normal);
         });
         if (n.textured)
-            source(i, "-uv", n.uv.size() / 2, 2,
+            source(i, "-uv", n.uv.size() / 2, "ST",
                    [&](std::size_t k) { out_.add(n.uv[2 * k], ' ', n.uv[2 * k + 1]); });
+        if (!n.colours.empty())
+            source(i, "-colours", n.points.size(), "RGB", [&](std::size_t k) {
+                const unsigned char *rgb = &n.colours[3 * k];
+                out_.add(rgb[0] / 255.0f, ' ', rgb[1] / 255.0f, ' ', rgb[2] / 255.0f);
+            });
         out_.add("<vertices id=\"mesh", i,
                  "-vertices\"><input semantic=\"POSITION\" source=\"#mesh", i,
                  "-points\"/></vertices>\n");
@@ -168,6 +174,13 @@ private:
         out_.add("</mesh></geometry>\n");
     }
 
+    // One a point, so that they stand at the same place as the points in the lists.
+    void colour_input(int i)
+    {
+        if (!node(i).colours.empty())
+            out_.add("<input semantic=\"COLOR\" source=\"#mesh", i, "-colours\" offset=\"0\"/>");
+    }
+
     void polylist(int i, int material, const std::vector<const model_surface *> &surfaces)
     {
         const model_node &n = node(i);
@@ -178,6 +191,7 @@ private:
         if (n.textured)
             out_.add("<input semantic=\"TEXCOORD\" source=\"#mesh", i,
                      "-uv\" offset=\"2\" set=\"0\"/>");
+        colour_input(i);
         out_.add("<vcount>");
         for (const model_surface *surface : surfaces)
             out_.add(surface->count, ' ');
@@ -206,7 +220,9 @@ private:
         const bool closed = surface.kind == SURFACE_CLOSED_LINE;
         out_.add("<lines material=\"m", surface.material, "\" count=\"",
                  surface.count - (closed ? 0 : 1), "\"><input semantic=\"VERTEX\" source=\"#mesh",
-                 i, "-vertices\" offset=\"0\"/><p>");
+                 i, "-vertices\" offset=\"0\"/>");
+        colour_input(i);
+        out_.add("<p>");
         const int *corners = &node(i).corners[static_cast<std::size_t>(surface.first)];
         for (int k = 0; k + 1 < surface.count; ++k)
             out_.add(corners[k], ' ', corners[k + 1], ' ');
@@ -274,6 +290,7 @@ int collada_export(const char *filename)
     model_wishes wishes;
     wishes.tints = false; // a diffuse colour or a texture, not both
     wishes.sides = true;  // as a widespread extra says it
+    wishes.point_colours = true;
     return export_scene(filename, "COLLADA", wishes,
                         [](job &work, const model &scene, export_files &files, const auto &name) {
                             files.add(name, collada_writer(work, scene).run());

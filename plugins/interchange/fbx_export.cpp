@@ -372,7 +372,7 @@ private:
 
     // The lists of one geometry; normals and coordinates stand for each corner.
     struct geometry {
-        std::vector<double> points, normals, uv;
+        std::vector<double> points, normals, uv, colours;
         std::vector<std::int32_t> indices, smoothing, materials;
         std::vector<int> used; // the object's materials, in the order of their connections
     };
@@ -395,6 +395,9 @@ private:
                 g.normals.insert(g.normals.end(), {normal.x, normal.y, normal.z});
                 if (node.textured)
                     g.uv.insert(g.uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
+                if (const auto *rgb = node.colours.data() + 3 * point; !node.colours.empty())
+                    g.colours.insert(g.colours.end(),
+                                     {rgb[0] / 255.0, rgb[1] / 255.0, rgb[2] / 255.0, 1});
             }
             g.smoothing.push_back(surface.smooth ? 1 : 0);
             const auto found = std::find(g.used.begin(), g.used.end(), surface.material);
@@ -419,9 +422,11 @@ private:
         layer_element("LayerElementSmoothing", "ByPolygon", "Direct", "Smoothing", g.smoothing);
         if (node.textured)
             layer_element("LayerElementUV", by_corner, "Direct", "UV", g.uv);
+        if (!g.colours.empty())
+            layer_element("LayerElementColor", by_corner, "Direct", "Colors", g.colours);
         layer_element("LayerElementMaterial", "ByPolygon", "IndexToDirect", "Materials",
                       g.materials);
-        add_layer(node.textured);
+        add_layer(node.textured, !g.colours.empty());
         out_.close();
         connections_.push_back({number, node_id(i), ""});
         for (const int material : g.used)
@@ -429,14 +434,21 @@ private:
                 {id(static_cast<std::size_t>(material), MATERIAL), node_id(i), ""});
     }
 
-    void add_layer(bool textured)
+    void add_layer(bool textured, bool coloured)
     {
         out_.open("Layer");
         out_.property(std::int32_t{0});
         out_.leaf("Version", std::int32_t{100});
-        for (const char *type : {"LayerElementNormal", "LayerElementSmoothing", "LayerElementUV",
-                                 "LayerElementMaterial"}) {
-            if (!textured && std::string(type) == "LayerElementUV")
+        const struct {
+            const char *type;
+            bool there;
+        } elements[] = {{"LayerElementNormal", true},
+                        {"LayerElementSmoothing", true},
+                        {"LayerElementUV", textured},
+                        {"LayerElementColor", coloured},
+                        {"LayerElementMaterial", true}};
+        for (const auto &[type, there] : elements) {
+            if (!there)
                 continue;
             out_.open("LayerElement");
             out_.leaf("Type", type);
@@ -485,6 +497,7 @@ int fbx_export(const char *filename)
 {
     model_wishes wishes;
     wishes.lines = false;
+    wishes.point_colours = true;
     return export_scene(filename, "FBX", wishes,
                         [](job &work, const model &scene, export_files &files, const auto &name) {
                             files.add(name, fbx_writer(work, scene).run());

@@ -2,6 +2,7 @@
 #ifndef INTERCHANGE_MESH_H
 #define INTERCHANGE_MESH_H
 
+#include <algorithm>
 #include <plugin/vesk.h>
 #include <string>
 #include <vector>
@@ -23,10 +24,14 @@ constexpr double share_of_parsing = 0.7;
 constexpr int no_material = -1;
 constexpr unsigned colour_without_material = 0xCCCCCC;
 
+// The material of surfaces whose points have colours, which multiply its own.
+inline int palette_index_below_colours() { return palette_index_of(0xFFFFFF); }
+
 struct mesh_arrays {
     std::vector<float> points, uv; // uv: as far as a corner had any
     std::vector<int> offsets{0}, corners;
     std::vector<vesk_surface_attributes_t> surfaces;
+    std::vector<unsigned char> colours; // three a point, or none
 
     int plain_index = -1; // in the palette, once a surface needs it
 
@@ -61,7 +66,8 @@ struct mesh_arrays {
         }
         if (palette_index == no_material) {
             if (plain_index < 0)
-                plain_index = palette_index_of(colour_without_material);
+                plain_index = colours.empty() ? palette_index_of(colour_without_material)
+                                              : palette_index_below_colours();
             palette_index = plain_index;
         }
         offsets.push_back(static_cast<int>(corners.size()));
@@ -81,6 +87,10 @@ struct mesh_arrays {
         vesk_object_add_surfaces_from_arrays(object, n, offsets.data(), corners.data(),
                                              uv.empty() ? nullptr : uv.data(), 0);
         vesk_object_set_surface_attributes(object, 0, n, surfaces.data());
+        const bool white = std::all_of(colours.begin(), colours.end(),
+                                       [](unsigned char part) { return part == 255; });
+        if (!white && colours.size() == points.size())
+            vesk_object_set_vertex_colours(object, colours.data());
         return object;
     }
 };

@@ -84,6 +84,7 @@ public:
         vesk_report_loss(urls_, "addresses");
         vesk_report_loss(data_, "data texts");
         vesk_report_loss(tinted_, "colours under textures");
+        vesk_report_loss(point_colours_, "objects with colours of points");
         vesk_report_note(groups_, "groups dissolved");
         vesk_report_note(ambient_, "ambient colours left to the viewer");
         vesk_report_note(one_sided_, "surfaces of one side left to the viewer");
@@ -125,11 +126,12 @@ private:
         object_t *object = next.object;
         const bool light = object->type == OBJECT_LIGHT;
         urls_ += object->url != nullptr && *object->url != '\0' ? 1 : 0;
-        data_ += object->data != nullptr && *object->data != '\0' ? 1 : 0;
+        data_ += vesk_object_has_user_data(object);
         const bool bare =
             object->num_surfaces == 0 && (object->num_vertices == 0 || !wishes_.points);
         if (!wishes_.groups && bare) {
             points_ += object->num_vertices;
+            point_colours_ += vesk_object_has_vertex_colours(object);
             lights_ += light ? 1 : 0;
             groups_ += !light && object->num_vertices == 0 ? 1 : 0;
             push_children(object, -1, frame());
@@ -174,6 +176,7 @@ private:
         work_.step(1 + static_cast<double>(count));
         node.corners.assign(mesh.corners, mesh.corners + mesh.num_corners);
         loose_points(node);
+        point_colours(object, node);
         node.textured =
             std::any_of(mesh.uv, mesh.uv + 2 * static_cast<std::size_t>(mesh.num_corners),
                         [](float value) { return value != 0; });
@@ -200,6 +203,17 @@ private:
             else
                 ++points_;
         }
+    }
+
+    void point_colours(const object_t *object, model_node &node)
+    {
+        const bool shown = wishes_.points || object->num_surfaces > 0;
+        const unsigned char *rgb =
+            wishes_.point_colours && shown ? vesk_object_get_vertex_colours(object) : nullptr;
+        if (rgb != nullptr)
+            node.colours.assign(rgb, rgb + 3 * node.points.size());
+        else
+            point_colours_ += vesk_object_has_vertex_colours(object);
     }
 
     void texture_coordinates(const object_t *object, const vesk_mesh_arrays_t &mesh,
@@ -306,7 +320,8 @@ private:
     bool last_twosided_ = false;
     const object_t *last_object_ = nullptr;
     int lines_ = 0, lights_ = 0, pictures_ = 0, smooth_ = 0, groups_ = 0, cut_ = 0, coloured_ = 0;
-    int ambient_ = 0, tinted_ = 0, points_ = 0, urls_ = 0, data_ = 0, one_sided_ = 0;
+    int ambient_ = 0, tinted_ = 0, points_ = 0, urls_ = 0, data_ = 0, one_sided_ = 0,
+        point_colours_ = 0;
 };
 
 } // namespace

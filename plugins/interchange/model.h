@@ -7,6 +7,7 @@
 
 #include <plugin/vesk.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct model_material {
@@ -40,6 +41,7 @@ struct model_node {
     std::vector<int> loose;                // points that no surface uses, when they were wished
     std::vector<float> uv;                 // two a corner when it is textured, else none
     bool textured = false;
+    std::vector<unsigned char> colours; // three a point when it has any and they were wished
 };
 
 struct model {
@@ -63,11 +65,19 @@ struct model_wishes {
     bool colours = true;  // the materials' specular colour and so on
     bool ambient = true;  // their ambient colour
     bool tints = true;    // a diffuse colour beside a texture
+    bool point_colours = false;
+    enum { NAMED, NAMED_FOR_WEB, PACKED } keeping = NAMED; // of pictures; for the web: PNG or JPEG
 };
 
 // The whole world, or the part of it that was taken when the user cancelled. `filename` is that of
 // the file to be written.
 model take_model(job &work, const char *filename, const model_wishes &wishes);
+
+// Copies pictures beside the file to be written that could only be named by an absolute path, or
+// whose format was not wished. A picture that is not there keeps its name, without folders that
+// only this machine has.
+void place_pictures(model &scene, export_files &files, const std::string &filename,
+                    const model_wishes &wishes);
 
 // Three corner numbers (of the node) for each triangle of a polygon.
 void cut_surface(const model_node &node, const model_surface &surface, std::vector<int> &out);
@@ -79,8 +89,10 @@ int export_scene(const char *filename, const char *format, const model_wishes &w
     const std::string name = filename; // the messages let scripts run
     job work;
     export_files files(work);
-    const model scene = take_model(work, name.c_str(), wishes);
-    make(work, scene, files, name);
+    model scene = take_model(work, name.c_str(), wishes);
+    if (wishes.pictures && wishes.keeping != model_wishes::PACKED)
+        place_pictures(scene, files, name, wishes);
+    make(work, std::as_const(scene), files, name);
     return files.finish(name, format);
 }
 

@@ -56,8 +56,11 @@ private:
         if (node.surfaces.empty() && node.loose.empty())
             return;
         out_.add("o ", written_name(node.name, "object", ' '), '\n');
-        for (const point3_t &p : node.points) {
-            out_.add("v ", p, '\n');
+        for (std::size_t i = 0; i < node.points.size(); ++i) {
+            out_.add("v ", node.points[i]);
+            for (std::size_t k = 3 * i; !node.colours.empty() && k < 3 * i + 3; ++k)
+                out_.add(' ', static_cast<float>(node.colours[k]) / 255);
+            out_.add('\n');
             if (!out_.goes_on())
                 return;
         }
@@ -138,7 +141,7 @@ int obj_export(const char *filename)
 {
     model_wishes wishes;
     wishes.lights = wishes.groups = wishes.normals = false;
-    wishes.placing = wishes.points = true;
+    wishes.placing = wishes.points = wishes.point_colours = true;
     return export_scene(
         filename, "OBJ", wishes,
         [](job &work, const model &scene, export_files &files, const std::string &name) {

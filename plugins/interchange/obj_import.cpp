@@ -47,7 +47,7 @@ public:
             ++p;
         const std::ptrdiff_t length = end - p;
         if (length > 1 && p[0] == 'v' && is_gap(p[1])) {
-            numbers(p + 2, end, 3, points_);
+            colour_of_point(numbers(p + 2, end, 3, points_), end);
             owners_.push_back({-1, 0});
         } else if (length > 2 && p[0] == 'v' && p[1] == 't' && is_gap(p[2])) {
             numbers(p + 3, end, 2, uv_);
@@ -67,6 +67,10 @@ public:
     {
         object_t *top = new_group();
         object_set_name(top, base_name(filename_).c_str());
+        if (parts_.empty() && !points_.empty())
+            take_all_points();
+        else
+            tell_unused_points();
         points_ = {}; // the parts have theirs
         for (part &p : parts_) {
             if (!p.mesh.surfaces.empty() || p.has_points)
@@ -78,8 +82,48 @@ public:
     }
 
 private:
-    // Missing ones are 0.
-    void numbers(const char *p, const char *end, int count, std::vector<float> &out)
+    // A file of points alone: a cloud.
+    void take_all_points()
+    {
+        part &to = current();
+        to.has_points = true;
+        for (int i = 0; i < static_cast<int>(owners_.size()); ++i)
+            place_of(to, i);
+    }
+
+    void tell_unused_points() const
+    {
+        const auto unused = std::count_if(owners_.begin(), owners_.end(),
+                                          [](const owner &at) { return at.part < 0; });
+        if (unused > 0)
+            vesk_report_warning(0, "%d points of no surface were left out",
+                                static_cast<int>(unused));
+    }
+
+    // What some programs write behind the place: red, green and blue, from 0 to 1.
+    void colour_of_point(const char *p, const char *end)
+    {
+        float values[4] = {};
+        std::size_t count = 0;
+        for (; p != end && count < 4; ++count) {
+            while (p != end && is_gap(*p))
+                ++p;
+            p = p == end ? nullptr : scan_real(p, end, &values[count]);
+            if (p == nullptr)
+                break;
+        }
+        if (count < 3 && colours_.empty())
+            return;
+        colours_.resize(points_.size() - 3, 255);
+        const float *rgb = count == 4 ? values + 1 : values; // after a weight
+        for (int i = 0; i < 3; ++i) {
+            const float part = count < 3 ? 1 : rgb[i] > 0 ? std::min(rgb[i], 1.0f) : 0;
+            colours_.push_back(static_cast<unsigned char>(part * 255 + 0.5f));
+        }
+    }
+
+    // Missing ones are 0. Returns the place after them.
+    const char *numbers(const char *p, const char *end, int count, std::vector<float> &out)
     {
         bool good = true;
         for (int i = 0; i < count; ++i) {
@@ -93,6 +137,7 @@ private:
         }
         if (!good)
             vesk_report_warning(line_, "%d numbers are needed", count);
+        return p;
     }
 
     void keyword(const std::vector<std::string> &words)
@@ -115,10 +160,16 @@ private:
             if (material_ == nullptr && unknown_.insert("usemtl " + rest).second)
                 vesk_report_warning(line_, "the material %s is not described", rest.c_str());
             current_ = no_part;
+        } else if (words[0] == "g") {
+            if (rest != name_ && unknown_.insert("g").second)
+                vesk_report_warning(line_, "groups within objects are not read");
         } else if (words[0] == "s") {
             smooth_ = rest != "off" && rest != "0";
             has_shading_ = true;
-        } else if (words[0] != "g" && unknown_.insert(words[0]).second) {
+            if (smooth_ && !smoothing_.empty() && smoothing_ != rest && unknown_.insert("s").second)
+                vesk_report_warning(line_, "smooth parts became one: edges between them are soft");
+            smoothing_ = smooth_ ? rest : smoothing_;
+        } else if (unknown_.insert(words[0]).second) {
             vesk_report_warning(line_, "lines that begin with %s are not read", words[0].c_str());
         }
     }
@@ -289,8 +340,11 @@ private:
         const auto known = to.lost.find(point);
         last.part = own;
         last.place = known == to.lost.end() ? to.mesh.num_points() : known->second;
-        if (known == to.lost.end())
+        if (known == to.lost.end()) {
             to.mesh.points.insert(to.mesh.points.end(), &points_[3 * at], &points_[3 * at] + 3);
+            for (std::size_t i = 3 * at; !colours_.empty() && i < 3 * at + 3; ++i)
+                to.mesh.colours.push_back(i < colours_.size() ? colours_[i] : 255);
+        }
         return last.place;
     }
 
@@ -314,14 +368,16 @@ private:
     const std::string filename_;
     int line_ = 0;
     std::vector<float> points_, uv_, normals_;
-    std::vector<int> corner_normals_; // of the open surface
-    std::vector<owner> owners_;       // one a point
+    std::vector<unsigned char> colours_; // three a point from the first that has one on
+    std::vector<int> corner_normals_;    // of the open surface
+    std::vector<owner> owners_;          // one a point
     std::map<std::string, obj_material> materials_;
     std::set<std::string> libraries_; // that were read
     const obj_material *material_ = nullptr;
     std::string name_;
     bool has_objects_ = false;
     bool smooth_ = false;
+    std::string smoothing_;    // the last number of a smooth part
     bool has_shading_ = false; // the file has lines of it ("s")
     std::vector<part> parts_;
     std::map<std::string, std::size_t> places_;

@@ -26,12 +26,19 @@ std::string png_of(const VESKImage &image)
 
 } // namespace
 
+std::string picture_bytes_of(int texture)
+{
+    std::string bytes;
+    const char *name = texture_id_to_name(texture);
+    if (name == nullptr || !read_file(name, &bytes))
+        bytes.clear();
+    return bytes;
+}
+
 picture_file picture_file_of(int texture)
 {
     picture_file out;
-    const char *name = texture_id_to_name(texture);
-    if (name != nullptr)
-        read_file(name, &out.bytes);
+    out.bytes = picture_bytes_of(texture);
     out.jpeg = out.bytes.compare(0, 3, "\xFF\xD8\xFF") == 0;
     if (out.jpeg || out.bytes.compare(0, 8, "\x89PNG\r\n\x1a\n") == 0)
         return out;

@@ -13,4 +13,7 @@ struct picture_file {
 // The file of a texture: as it is when it is PNG or JPEG, else a PNG of its pixels.
 picture_file picture_file_of(int texture);
 
+// The same with the bytes of its own file in whatever format; "" when that cannot be read.
+std::string picture_bytes_of(int texture);
+
 #endif

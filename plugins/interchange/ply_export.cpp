@@ -24,6 +24,7 @@ public:
         for (const model_node &node : scene_.nodes) {
             vertices += node.points.size();
             textured_ = textured_ || node.textured;
+            coloured_ = coloured_ || !node.colours.empty();
             for (const model_surface &surface : node.surfaces) {
                 if (is_line(surface))
                     edges += static_cast<std::size_t>(surface.count) -
@@ -34,6 +35,8 @@ public:
                 const std::string &picture = material_of(surface).picture;
                 if (!picture.empty())
                     pictures.insert(picture);
+                const float *rgb = material_of(surface).look.diffuse;
+                painted_ = painted_ || rgb[0] < 1 || rgb[1] < 1 || rgb[2] < 1;
             }
         }
         header(vertices, faces, edges, pictures.size() == 1 ? *pictures.begin() : "");
@@ -61,9 +64,11 @@ private:
         if (!picture.empty())
             out_.add("comment TextureFile ", picture, '\n');
         out_.add("element vertex ", vertices,
-                 "\nproperty float x\nproperty float y\nproperty float z\n");
-        const char *const colour =
-            "property uchar red\nproperty uchar green\nproperty uchar blue\n";
+                 "\nproperty float x\nproperty float y\nproperty float z\n",
+                 coloured_ ? three_bytes : "");
+        // White surfaces below coloured points need no colours of their own.
+        painted_ = painted_ || !coloured_;
+        const char *const colour = painted_ ? three_bytes : "";
         const std::string list = std::string("property list ") + (small() ? "uchar" : "uint");
         out_.add("element face ", faces, '\n', list, " uint vertex_indices\n",
                  textured_ ? list + " float texcoord\n" : "", colour);
@@ -72,6 +77,9 @@ private:
                      colour);
         out_.add("end_header\n");
     }
+
+    static constexpr const char *three_bytes =
+        "property uchar red\nproperty uchar green\nproperty uchar blue\n";
 
     // Lists are counted in a byte where they can be: some readers know nothing else.
     [[nodiscard]] bool small() const { return longest_ < 128; }
@@ -100,9 +108,12 @@ private:
     void points()
     {
         for (const model_node &node : scene_.nodes) {
-            for (const point3_t &p : node.points) {
+            for (std::size_t i = 0; i < node.points.size(); ++i) {
+                const point3_t &p = node.points[i];
                 for (const float value : {p.x, p.y, p.z})
                     number(value);
+                for (std::size_t k = 3 * i; coloured_ && k < 3 * i + 3; ++k)
+                    byte(node.colours.empty() ? 255 : node.colours[k]);
                 end_row();
                 if (!out_.goes_on())
                     return;
@@ -158,22 +169,27 @@ private:
 
     void colour(const model_surface &surface)
     {
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 3 && painted_; ++i) {
             const float value = material_of(surface).look.diffuse[i];
-            const auto byte =
-                static_cast<unsigned char>(std::min(std::max(value, 0.0f), 1.0f) * 255 + 0.5f);
-            if (binary_)
-                add_bytes(out_.text, byte);
-            else
-                out_.add(static_cast<unsigned>(byte), ' ');
+            byte(static_cast<unsigned char>(std::min(std::max(value, 0.0f), 1.0f) * 255 + 0.5f));
         }
         end_row();
+    }
+
+    void byte(unsigned char value)
+    {
+        if (binary_)
+            add_bytes(out_.text, value);
+        else
+            out_.add(static_cast<unsigned>(value), ' ');
     }
 
     job &work_;
     const model &scene_;
     const bool binary_;
     bool textured_ = false;
+    bool coloured_ = false; // the points
+    bool painted_ = false;  // the surfaces
     int longest_ = 0;
     growing_text out_;
 };
@@ -183,7 +199,7 @@ int ply_write(const char *filename, bool binary)
     model_wishes wishes;
     wishes.lights = wishes.smooth = wishes.groups = wishes.colours = wishes.normals = false;
     wishes.ambient = false;
-    wishes.points = true;
+    wishes.points = wishes.point_colours = true;
     return export_scene(filename, "PLY", wishes,
                         [&](job &work, const model &scene, export_files &files, const auto &name) {
                             files.begin(name);

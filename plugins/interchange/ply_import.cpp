@@ -1,6 +1,7 @@
 // PLY: tables of vertices, faces and edges, whose columns the file itself describes; as text or
 // binary in either byte order. Texture coordinates stand by vertex or by corner, colours by face
-// or by vertex; the texture is the one that a comment names ("TextureFile").
+// or by vertex: those of vertices become materials where each face has one of them, else they are
+// kept with the vertices. The texture is the one that a comment names ("TextureFile").
 #include "formats.h"
 #include "mesh.h"
 #include "text.h"
@@ -161,11 +162,10 @@ public:
             return "there are no faces in it, only vertices";
         if (bad_ > 0)
             vesk_report_warning(0, "%u faces and edges with bad indices were left out", bad_);
-        if (mixed_ > 0)
-            vesk_report_warning(0, "%u faces have corners of several colours; they have none now",
-                                mixed_);
-        if (mesh_.surfaces.empty() && !vertex_colours_.empty())
-            vesk_report_warning(0, "the colours of points were left out");
+        if (mixed_ || mesh_.surfaces.empty() || has_face_colours_)
+            keep_point_colours();
+        if (transparent_ > 0)
+            vesk_report_warning(0, "the transparency of %u points was left out", transparent_);
         if (too_many_colours_)
             vesk_report_warning(0, "there are more than %u colours; some were left out",
                                 static_cast<unsigned>(most_colours));
@@ -188,6 +188,17 @@ private:
         return std::none_of(elements_.begin(), elements_.end(), [](const element &e) {
             return e.count > 0 && (e.name == "face" || e.name == "tristrips" || e.name == "edge");
         });
+    }
+
+    // They multiply the surfaces' own, which are white where the file tells none.
+    void keep_point_colours()
+    {
+        for (const int rgb : vertex_colours_)
+            for (const int shift : {16, 8, 0})
+                mesh_.colours.push_back(static_cast<unsigned char>(rgb >> shift & 0xFF));
+        const int white = by_points_.empty() ? 0 : palette_index_below_colours();
+        for (const std::size_t surface : by_points_)
+            mesh_.surfaces[surface].material = white;
     }
 
     bool header_line(std::string *line)
@@ -295,7 +306,8 @@ private:
     void prepare(const element &e)
     {
         places_.clear();
-        for (const char *name : {"x", "y", "z", "red", "green", "blue", "vertex1", "vertex2"})
+        for (const char *name :
+             {"x", "y", "z", "red", "green", "blue", "vertex1", "vertex2", "alpha"})
             places_.push_back(e.place({name}));
         for (int i = 3; i < 6; ++i)
             if (const int other = e.place({i == 3   ? "diffuse_red"
@@ -342,8 +354,11 @@ private:
             vertex_uv_.push_back(static_cast<float>(value_of(row, u_)));
             vertex_uv_.push_back(static_cast<float>(value_of(row, v_)));
         }
-        if (const int colour = colour_of(row); colour >= 0)
+        if (const int colour = colour_of(row); colour >= 0) {
             vertex_colours_.push_back(colour);
+            const double opaque = real_colour_ ? 1 : 255;
+            transparent_ += places_[8] >= 0 && value_of(row, places_[8]) < opaque ? 1 : 0;
+        }
     }
 
     // A vertex index, or -1.
@@ -369,6 +384,16 @@ private:
             ++bad_;
     }
 
+    // A surface with a colour of its own, or with that of its points.
+    void end_face(int colour, const std::vector<double> &indices, int flags)
+    {
+        has_face_colours_ = has_face_colours_ || colour >= 0;
+        const std::size_t before = mesh_.surfaces.size();
+        end_surface(colour >= 0 ? colour : common_colour(indices), flags);
+        if (colour < 0 && !vertex_colours_.empty() && mesh_.surfaces.size() > before)
+            by_points_.push_back(before);
+    }
+
     int material_of(int colour)
     {
         if (colour < 0)
@@ -383,7 +408,7 @@ private:
         return materials_[colour] = palette_index_of(static_cast<unsigned>(colour));
     }
 
-    // The colour of vertices, where all of a face have the same.
+    // The colour of vertices, where all of a surface have the same.
     int common_colour(const std::vector<double> &indices)
     {
         int common = -1;
@@ -393,7 +418,7 @@ private:
                 return -1;
             const int colour = vertex_colours_[static_cast<std::size_t>(index)];
             if (common >= 0 && common != colour) {
-                ++mixed_;
+                mixed_ = true;
                 return -1;
             }
             common = colour;
@@ -419,8 +444,7 @@ private:
             corner(index_of(indices[i]), has_uv ? static_cast<float>(uv[2 * i]) : 0,
                    has_uv ? static_cast<float>(uv[2 * i + 1]) : 0);
         }
-        const int colour = colour_of(row);
-        end_surface(colour >= 0 ? colour : common_colour(indices), 0);
+        end_face(colour_of(row), indices, 0);
     }
 
     // Triangles that share edges; -1 begins the next strip.
@@ -447,7 +471,7 @@ private:
                 corner(odd ? b : a, 0, 0);
                 corner(odd ? a : b, 0, 0);
                 corner(index, 0, 0);
-                end_surface(-1, 0);
+                end_face(-1, {double(a), double(b), double(index)}, 0);
             }
             odd = !odd;
         }
@@ -465,7 +489,7 @@ private:
         if (!goes_on(from, to, colour)) {
             corner(from, 0, 0);
             corner(to, 0, 0);
-            end_surface(colour, SURFACE_LINE);
+            end_face(colour, {double(from), double(to)}, SURFACE_LINE);
         }
         line_colour_ = colour;
     }
@@ -501,7 +525,10 @@ private:
     std::vector<float> vertex_uv_;
     std::vector<int> vertex_colours_;
     std::map<int, int> materials_;
-    unsigned bad_ = 0, mixed_ = 0;
+    std::vector<std::size_t> by_points_; // surfaces without a colour of their own
+    unsigned bad_ = 0, transparent_ = 0;
+    bool mixed_ = false; // surfaces have points of several colours
+    bool has_face_colours_ = false;
     bool too_many_colours_ = false;
 };
 

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <strings.h>
 #include <unordered_map>
 
 namespace {
@@ -95,7 +96,7 @@ private:
     void line(const std::string &words, int number, std::string &name)
     {
         const auto begins = [&](const char *word) {
-            return words.compare(0, std::strlen(word), word) == 0;
+            return strncasecmp(words.c_str(), word, std::strlen(word)) == 0;
         };
         if (begins("vertex")) {
             std::array<float, 3> p = {};
@@ -138,18 +139,31 @@ private:
     int parts_ = 0;
 };
 
-// The number of triangles of a binary file, 0 for a text. Some binary files begin with "solid".
+// Whether it may be a text: no zero bytes at its beginning, which holds one of the words.
+bool is_text(const std::string &bytes)
+{
+    std::string begin = bytes.substr(0, 1 << 16);
+    for (char &c : begin)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c;
+    return begin.find('\0') == std::string::npos &&
+           (begin.find("facet") != std::string::npos || begin.find("solid") != std::string::npos);
+}
+
+// The number of triangles of a binary file, 0 for a text. Neither can be told by its first word, which
+// some binary files share and some texts lack: the size decides, then the words.
 std::size_t binary_count(const std::string &bytes)
 {
     if (bytes.size() < header_size)
         return 0;
     std::uint32_t count = 0;
     std::memcpy(&count, &bytes[header_size - 4], sizeof count);
-    const std::size_t held = (bytes.size() - header_size) / triangle_size;
-    if (count <= held && (count == held || bytes.compare(0, 5, "solid") != 0))
+    if (bytes.size() == header_size + triangle_size * count)
         return count;
-    if (bytes.compare(0, 5, "solid") == 0 || held == 0)
+    const std::size_t held = (bytes.size() - header_size) / triangle_size;
+    if (held == 0 || is_text(bytes))
         return 0;
+    if (count <= held)
+        return count;
     vesk_report_warning(0, "%u triangles are announced, %u are there", count,
                         static_cast<unsigned>(held));
     return held;

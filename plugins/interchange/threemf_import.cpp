@@ -19,7 +19,9 @@
 
 namespace {
 
-constexpr std::size_t most_bytes = std::size_t{1} << 31; // of the model's text
+constexpr std::size_t most_bytes = std::size_t{1} << 31;    // of the model's text ...
+constexpr std::size_t most_of_small = std::size_t{1} << 28; // ... of a small archive ...
+constexpr std::size_t most_packing = 40; // ... and as often as texts of numbers can be packed
 // What a model may grow to when its parts are repeated: this much, and so many times its text, but
 // not beyond a part of the machine's memory.
 constexpr double grown_bytes = 256e6;
@@ -477,6 +479,12 @@ private:
     bool too_much_ = false;
 };
 
+// How much an archive of a size may unpack to.
+std::size_t most_unpacked(std::size_t archive_size)
+{
+    return std::min(most_bytes, most_of_small + most_packing * archive_size);
+}
+
 // The name of the model's part: the one that the archive's list of relations names.
 std::string model_part(const archive_reader &archive)
 {
@@ -497,21 +505,23 @@ std::string model_part(const archive_reader &archive)
 
 // Writes the pictures of the archive to files; their names by the pictures' numbers.
 std::map<int, std::string> extract_pictures(const std::string &filename,
-                                            const archive_reader &archive,
+                                            const archive_reader &archive, std::size_t archive_size,
                                             const std::map<int, std::string> &pictures)
 {
     std::map<int, std::string> files;
     if (pictures.empty())
         return files;
+    std::size_t left = most_unpacked(archive_size);
     const std::string folder =
         vesk_embedded_images_folder(filename.c_str(), static_cast<int>(pictures.size()));
     for (const auto &[number, path] : pictures) {
         const std::string part = path.substr(std::min(path.find_first_not_of('/'), path.size()));
         std::string content;
-        if (!archive.extract(part, most_picture_bytes, &content)) {
-            vesk_report_warning(0, "the picture %s is not in the file", path.c_str());
+        if (!archive.extract(part, std::min(left, most_picture_bytes), &content)) {
+            vesk_report_warning(0, "the picture %s is not in the file, or too large", path.c_str());
             continue;
         }
+        left -= content.size();
         const std::string written =
             vesk_embedded_image_write(folder.c_str(), path.c_str(), content.data(), content.size());
         if (!written.empty())
@@ -534,13 +544,14 @@ object_t *threemf_import(const char *filename)
     std::string text;
     if (!archive.has(part))
         return refuse(work, name, "there is no model in it");
-    if (!archive.extract(part, most_bytes, &text))
-        return refuse(work, name, "its model is damaged");
+    if (!archive.extract(part, most_unpacked(bytes.size()), &text))
+        return refuse(work, name, "its model is damaged, or unpacks to more than can be held");
     threemf_reader reader(work, text);
     reader.read();
     if (work.cancelled())
         return refuse(work, name, "");
-    object_t *world = reader.build(name, extract_pictures(name, archive, reader.pictures()));
+    object_t *world =
+        reader.build(name, extract_pictures(name, archive, bytes.size(), reader.pictures()));
     if (reader.has_surfaces() && !reader.too_much())
         return world;
     object_free(world);

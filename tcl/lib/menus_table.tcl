@@ -51,7 +51,7 @@ proc ::vesk::menus::define {name label rows} {
     {call "&Quit" {::vesk::files::quit} Ctrl+Q "" "Ends the program."}
 }
 ::vesk::menus::define export "Export" {
-    {ask "VRML &2.0..." {write_vrml2 {File save_file .wrl}} "" model "Writes a VRML 2.0 world."}
+    {ask "VRML &2.0..." {write_vrml2_tree {File save_file .wrl}} "" model "Writes a VRML 2.0 world."}
     {ask "VRML 2.0 &prototypes..." {write_vrml2_proto {File save_file .wrl}} "" model
         "Writes each object as a VRML 2.0 prototype."}
     {ask "VRML &1.0..." {write_vrml {File save_file .wrl}} "" model "Writes a VRML 1.0 world."}
@@ -261,7 +261,8 @@ proc ::vesk::menus::define {name label rows} {
     {menu "&Centre of object" centre "" "" "Where the object's centre lies."}
     {run "&Merge" {object_merge} "" several "Makes one object of the selected ones."}
     {ask "Boolean..." {boolean {Operation choice {Union union Difference difference
-        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}} "" several
+        Intersection intersection}} {"Keep the others, hidden" choice {No 0 Yes 1}}
+        {"Live while moved" follow}} "" several
         "Makes one solid of the first selected object and the others."}
     {run "&Fragment" {object_fragment} "" object "Splits objects into their connected pieces."}
     {run "&Explode" {object_explode} "" object "Makes an object of every surface."}
@@ -363,7 +364,7 @@ proc ::vesk::menus::define {name label rows} {
         "Makes smooth quads of the selection (Catmull-Clark)."}
     {ask "Sp&line..." {surface_spline {Steps pref spline_steps int}} "" some
         "Makes smooth curves of the selected lines."}
-    {ask "Slice..." {slice {"Point x" number 0} {"Point y" number 0} {"Point z" number 0}
+    {ask "Slice..." {slice {"Point x" middle 0} {"Point y" middle 1} {"Point z" middle 2}
         {"Normal x" number 0} {"Normal y" number 1} {"Normal z" number 0}
         {Keep choice {"Both sides" both "The front" front "The back" back}}
         {Caps choice {None 0 "Closed by polygons" 1}}} "" some

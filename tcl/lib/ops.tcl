@@ -145,6 +145,11 @@ proc ::vesk::ops::missing_program {script} {
 
 proc sync_ui {} {::vesk::ops::request}
 
+# What a boolean shows ends by itself; the options may never have been opened.
+proc boolean_live_ended {} {
+    if {[info procs ::vesk::options::follow_ended] ne ""} {after idle ::vesk::options::follow_ended}
+}
+
 # The executable reports actions of the mouse in the views.
 proc echo_command {args} {
     ::vesk::ops::echo vesk {*}$args

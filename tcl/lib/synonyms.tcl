@@ -25,9 +25,36 @@ namespace eval ::vesk::menus {
         select_by_name               {find search}
         {::vesk::select_mode surface} {face polygon faces}
         {::vesk::select_mode edge}    {edges side sides}
-        loop_cut                     {"edge loop" insert divide ring knife}
+        select_loop                  {"loop select" "edge loops"}
+        select_ring                  {"ring select" "edge rings" "parallel edges"}
+        select_path                  {route way "pick shortest"}
+        select_behind                {through hidden occluded}
+        select_inside                {interior enclosed contained}
+        loop_cut                     {"edge loop" insert divide "swift loop"}
+        {::vesk::tools::choose loopcut} {"edge loop" insert divide "swift loop"}
         connect                      {split cut join}
-        edge_bevel                   {chamfer round fillet}
+        edge_bevel                   {chamfer round fillet "round edges"}
+        {::vesk::tools::choose edgebevel} {chamfer round fillet}
+        {::vesk::tools::choose knife}     {cut split scalpel "multi cut" draw}
+        {::vesk::tools::choose slice}     {cut plane bisect section split}
+        {::vesk::tools::choose slide}     {"edge slide" "vertex slide"}
+        {::vesk::tools::choose inset}     {frame window panel}
+        {::vesk::tools::choose extrude}   {pull push sweep}
+        {::vesk::tools::choose thickness} {solidify thicken shell wall hollow}
+        {::vesk::tools::choose extrudeeach} {"individual faces" pull}
+        {::vesk::tools::choose extrudenormals} {thicken offset inflate}
+        {::vesk::tools::choose extrudeedges} {pull border}
+        {::vesk::tools::choose move}      {translate grab}
+        {::vesk::tools::choose rotate}    {turn spin}
+        {::vesk::tools::choose scale}     {resize size}
+        slice                        {cut plane bisect section split crop}
+        extrude_edges                {pull border fin}
+        weld                         {merge join stitch}
+        weld_distance                {merge "remove doubles" threshold stitch}
+        boolean                      {union unite difference subtract intersection intersect carve csg drill
+            combine cookie}
+        rotate_about_axis            {turn spin}
+        scale_along                  {stretch squash flip}
         vertex_bevel                 {chamfer corner}
         fill_hole                    {cap close patch hole}
         bridge                       {join loops tunnel}
@@ -84,17 +111,17 @@ namespace eval ::vesk::menus {
         {::vesk::tools::choose place} {snap align surface stick put}
         drop                         {gravity ground floor land rest}
         {drop below}                 {gravity ground land rest stack}
-        object_merge                 {join combine attach union}
+        object_merge                 {join combine attach}
         object_fragment              {split separate detach pieces islands "loose parts"}
         object_explode               {shatter facets}
         convexhull                   {wrap}
         surface_loop_subdivision     {loop smooth subdivision}
         surface_doosabin             {smooth subdivision}
-        catmull_clark                {smooth subdivision quads subdivide subsurf}
+        catmull_clark                {smooth subdivision quads subdivide subsurf "subdivision surface"}
         inset                        {frame window panel}
         extrude_each                 {"individual faces" pull push}
         extrude_normals              {pull push thicken offset inflate}
-        shell                        {solidify thicken wall hollow offset}
+        shell                        {solidify thicken thickness wall hollow offset}
         quads_from_triangles         {"tris to quads" join retopology}
         orient_outwards              {normals consistent unify recalculate inside}
         flatten                      {planar level align}

@@ -317,6 +317,8 @@ proc ::vesk::view::key {id text keysym state} {
     regsub {^KP_(Up|Down|Left|Right|Delete)$} $keysym {\1} keysym
     # A running drag or a half-drawn outline takes its keys first.
     if {[vesk tool_key $keysym] eq "1"} {return}
+    # The options of an operation stand over the views.
+    if {[winfo exists [area].options] && [::vesk::options::takes_key $keysym]} {return -code break}
     variable translated
     if {$translated && [::vesk::keys::pressed $id $text $keysym $state]} {return -code break}
     if {$keysym in {Up Down Left Right Delete BackSpace} || ($keysym eq "space" && $state & 1)} {

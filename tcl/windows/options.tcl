@@ -12,7 +12,7 @@ namespace eval ::vesk::options {
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
         rotate_axis_angle_with_undo rotate_about_axis scale_along weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
-        align distribute drop bend taper twist inflate noise push_normals boolean}
+        align distribute drop bend taper twist inflate noise push_normals boolean slice}
     # Words of the kinds axis and pivot.
     variable axes {X x Y y Z z "Mean normal" normal "Last used" last Picked picked}
     variable pivots {Selection selection Origin origin "3D cursor" cursor Picked picked}
@@ -31,12 +31,16 @@ namespace eval ::vesk::options {
 #   target  command, then fields {label kind default ...}:
 #             number, int, text   typed, an argument each
 #             from KEY            a number, kept in the preference
-#             centre 0|1|2, size 0|1|2   a number that starts as the selection has it
+#             centre 0|1|2, size 0|1|2   a number that starts as the selection has it: nothing is done
+#                         before something is typed
+#             middle 0|1|2   a number that starts at the middle of the selection
 #             setting KEY number|int   a number, kept in the scripts' own settings
 #             choice {text value ...}
 #             axis TEXT, pivot TEXT   a choice of axes, of pivots, with that one at first
 #             open_file SUFFIXES, save_file SUFFIX   a file name with a dialog
 #             pref KEY number|int|bool   edits a preference, is no argument
+#             follow      a check box, no argument: the result is shown while its objects are moved, by
+#                         the commands COMMAND_live, COMMAND_live_keep and COMMAND_live_cancel
 #   before  the operation whose options are opened again, as `last`; "" for a new one
 proc ::vesk::options::ask {title target help {before ""}} {
     set items [lassign $target command]
@@ -54,11 +58,12 @@ proc ::vesk::options::ask {title target help {before ""}} {
         dict set session start [dict get $before start]
         dict set session words [dict get $before words]
         dict set session original [lindex [dict get $before words] 1]
+        dict set session exact [dict get $before exact]
     }
     build $w $title
-    # What starts as it is changes nothing before something is typed.
-    variable present
-    if {$before eq "" && [array size present] > 0} {
+    set kinds [lmap item $items {lindex $item 1}]
+    if {$before eq "" && ("centre" in $kinds || "size" in $kinds)} {
+        # What starts as it is changes nothing before something is typed.
         dict set session words [typed_words [read_options 0]]
     }
     ::vesk::view::place_options $w
@@ -111,7 +116,7 @@ proc ::vesk::options::note {words} {
     set kept($command) $texts
     set now [history_place]
     set last [dict create title [string trimright [string map {& {}} $label] .] target $target \
-        help $help start [expr {$now - 1}] now $now words [list $words $texts]]
+        help $help start [expr {$now - 1}] now $now words [list $words $texts] exact {}]
 }
 
 proc ::vesk::options::run_with_file {command item title} {
@@ -162,12 +167,51 @@ proc ::vesk::options::begin_session {w command items} {
     variable live_limit
     set vertices [lindex [vesk get_counts] 4]
     set on [expr {$command in $live && $vertices < $live_limit && [::vesk::menus::known $command]}]
+    if {[following]} {vesk [dict get $session command]_live off}
     set session [dict create window $w command $command items $items live $on words {} \
-        start [history_place] now [history_place] timer ""]
+        start [history_place] now [history_place] timer "" following 0]
 }
 proc ::vesk::options::is_live {} {
     variable session
     return [dict get $session live]
+}
+
+# following, follow --
+#   Whether the result is only shown, while its objects are moved; shows it for the words of a command
+#   (its first argument says what is made), or ends that.
+proc ::vesk::options::following {} {
+    variable session
+    return [expr {$session ne "" && [dict get $session following]}]
+}
+proc ::vesk::options::follow {on words} {
+    variable session
+    if {$on || [following]} {
+        ::vesk::ops::run [lindex $words 0]_live [expr {$on ? [lindex $words 1] : "off"}]
+    }
+    dict set session following $on
+}
+proc ::vesk::options::wants_to_follow {} {
+    variable session
+    variable fields
+    set row [lsearch -exact -index 1 [dict get $session items] follow]
+    return [expr {$row >= 0 && $fields($row)}]
+}
+
+# follow_ended --
+#   The executable shows the result no more: its objects or its beginning are gone.
+proc ::vesk::options::follow_ended {} {
+    variable session
+    if {![following]} {return}
+    dict set session following 0
+    dict set session now -1
+    close
+}
+
+# reopened --
+#   Whether the options are those of an operation that was done already.
+proc ::vesk::options::reopened {} {
+    variable session
+    return [dict exists $session original]
 }
 
 # history_place --
@@ -199,9 +243,10 @@ proc ::vesk::options::live_update {} {
     if {$words eq ""} {return}
     set typed [typed_words $words]
     if {$typed eq [dict get $session words]} {return}
-    live_take_back
+    if {![following]} live_take_back
     dict set session words $typed
-    vesk {*}$words
+    follow [wants_to_follow] $words
+    if {![following]} {vesk {*}$words}
     vesk redraw_all
     dict set session now [history_place]
     ::vesk::ops::request
@@ -236,7 +281,6 @@ proc ::vesk::options::add_field {w row item command} {
     variable fields
     variable kept
     variable afresh
-    variable present
     lassign $item label kind default
     if {$kind in {axis pivot}} {
         # The words of both are in one place; the one asked for stands first.
@@ -245,15 +289,12 @@ proc ::vesk::options::add_field {w row item command} {
         set kind choice
         set item [list $label choice $default]
     }
-    if {$kind in {centre size}} {
-        set exact [lindex [vesk get_selection_$kind] $default]
-        set present($row) [list [::vesk::arith::shown $exact] $exact]
-    }
     set fields($row) [switch -- $kind {
-        centre - size {lindex $present($row) 0}
+        centre - size - middle {present_number $row $kind $default}
         from    {::vesk::arith::shown [set ::prefs_$default]}
         setting {::vesk::settings::get $default}
         pref    {set ::prefs_$default}
+        follow  {expr 0}
         number - int - text - choice {
             expr {[info exists kept($command)] && $command ni $afresh
                 ? [lindex $kept($command) $row] : $default}
@@ -263,7 +304,8 @@ proc ::vesk::options::add_field {w row item command} {
     set path $w.f$row
     set options [list -textvariable ::vesk::options::fields($row)]
     switch -- [value_kind $item] {
-        bool {
+        follow - bool {
+            if {$kind eq "follow" && (![is_live] || [reopened])} {return}
             ttk::checkbutton $path -text $label -variable ::vesk::options::fields($row) \
                 -style Panel.TCheckbutton
             grid $path - -sticky w -pady [::vesk::theme::px 4]
@@ -284,6 +326,23 @@ proc ::vesk::options::add_field {w row item command} {
     ttk::label $w.l$row -text $label -style Panel.Dim.TLabel
     grid $w.l$row $path -sticky we -pady [::vesk::theme::px 2]
     grid configure $w.l$row -padx [::vesk::theme::pad 0 12]
+}
+
+# present_number --
+#   The text of a field of kind centre, size or middle; its exact number is kept. The middle of what
+#   was sliced is elsewhere afterwards: opened again the field has the number that was used.
+proc ::vesk::options::present_number {row kind axis} {
+    variable session
+    variable present
+    variable kept
+    if {$kind eq "middle" && [reopened]} {
+        set exact [dict get $session exact]
+        if {[dict exists $exact $row]} {set present($row) [dict get $exact $row]}
+        return [lindex $kept([dict get $session command]) $row]
+    }
+    set exact [lindex [vesk get_selection_[expr {$kind eq "size" ? "size" : "centre"}]] $axis]
+    set present($row) [list [::vesk::arith::shown $exact] $exact]
+    return [lindex $present($row) 0]
 }
 
 # choices_of --
@@ -332,7 +391,7 @@ proc ::vesk::options::read_options {tell} {
         if {[info exists present($row)] && [lindex $present($row) 0] eq $text} {
             set text [lindex $present($row) 1]
         }
-        if {[value_kind $item] in {number int from centre size}} {
+        if {[value_kind $item] in {number int from centre size middle}} {
             set field [dict get $session window].in.f$row
             set wrong [catch {::vesk::arith::value $text} text]
             if {!$wrong || $tell} {::vesk::fields::mark_invalid $field $wrong}
@@ -350,7 +409,7 @@ proc ::vesk::options::read_options {tell} {
         if {$kind eq "pivot" && $text eq "cursor"} {set text [join [vesk get_3d_cursor] ,]}
         if {$kind in {pref from}} {set ::prefs_$default $text}
         if {$kind eq "setting"} {::vesk::settings::set_value $default $text}
-        if {$kind ne "pref"} {lappend words $text}
+        if {$kind ni {pref follow}} {lappend words $text}
     }
     set kept([dict get $session command]) $typed
     return $words
@@ -374,10 +433,26 @@ proc ::vesk::options::run {} {
         return
     }
     live_update
+    if {[following]} {
+        keep_followed $words
+        return
+    }
     ::vesk::ops::echo vesk {*}$words
     variable last [dict merge [dict get $session row] [dict create \
-        start [dict get $session start] now [history_place] words [dict get $session words]]]
+        start [dict get $session start] now [history_place] words [dict get $session words] \
+        exact [array get ::vesk::options::present]]]
     dict set session now -1
+    close
+}
+
+# keep_followed --
+#   Makes what is shown. Refused, the options stay: the message says what is in the way.
+proc ::vesk::options::keep_followed {words} {
+    variable session
+    if {![::vesk::ops::run [lindex $words 0]_live_keep [lindex $words 2]]} {return}
+    dict set session following 0
+    dict set session now -1
+    variable last ""
     close
 }
 
@@ -391,13 +466,25 @@ proc ::vesk::options::restore_original {} {
     live_update
 }
 
+# takes_key --
+#   Return and Escape in the views keep and take back a result that shows. Returns whether they did.
+proc ::vesk::options::takes_key {key} {
+    variable session
+    if {$key ni {Return KP_Enter Escape} || ![is_live]} {return 0}
+    if {$key eq "Escape"} close else run
+    return 1
+}
+
 # close --
 #   Cancel or Close, and the end of `run`.
 proc ::vesk::options::close {} {
     variable session
     after cancel [dict get $session timer]
-    if {[is_live] && [dict get $session now] != -1} {
-        if {[dict exists $session original]} restore_original else live_take_back
+    if {[following]} {
+        ::vesk::ops::run [dict get $session command]_live_cancel
+        dict set session following 0
+    } elseif {[is_live] && [dict get $session now] != -1} {
+        if {[reopened]} restore_original else live_take_back
         vesk redraw_all
         ::vesk::ops::request
     }

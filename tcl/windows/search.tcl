@@ -1,6 +1,6 @@
 # search.tcl --
-#   The command search (F3): names, menu paths, keys and help of the menus, the words that modellers
-#   use, and every other command of the executable. Return runs; commands with arguments show their
+#   The command search (F3): names, menu paths, keys and help of the menus, the tools of the column, the
+#   words that modellers use, and every other command of the executable. Return runs; commands with arguments show their
 #   fields.
 
 ::vesk::need lib synonyms
@@ -12,11 +12,11 @@ namespace eval ::vesk::search {
 }
 
 # collect --
-#   Collects the entries from the menu table and from "list".
+#   Collects the entries from the menu table, the tools and from "list".
 proc ::vesk::search::collect {} {
     variable entries {}
     set named {}
-    foreach pair [::vesk::menus::all] {
+    foreach pair [concat [::vesk::menus::all] [tools]] {
         lassign $pair trail row
         lassign $row kind label target key needs help
         set label [string map {& {}} $label]
@@ -36,6 +36,20 @@ proc ::vesk::search::collect {} {
         lappend entries [list $name Command "" [expr {$help eq "" ? $usage : $help}] $row \
             [string tolower "$name $help"] {}]
     }
+}
+
+# tools --
+#   Rows as of menus for the tools that no menu has.
+proc ::vesk::search::tools {} {
+    set shown [lmap pair [::vesk::menus::all] {lindex $pair 1 2}]
+    set rows {}
+    foreach words $::vesk::tools::rows {
+        set target [list ::vesk::tools::choose [lindex $words 0]]
+        if {$target in $shown} {continue}
+        lassign [lrange $words 4 6] key label help
+        lappend rows [list "Tool column" [list call $label $target $key "" $help]]
+    }
+    return $rows
 }
 
 # fields --
@@ -174,8 +188,12 @@ proc ::vesk::search::ranked {typed} {
         incr place
         set rank [rank $entry $typed]
         if {$rank eq ""} {continue}
-        # Of the same rank the shorter name; all of them in the order of the menus.
-        if {$typed ne ""} {set rank [expr {100 * $rank + [string length [lindex $entry 0]]}]}
+        # Of the same rank the shorter name, tools behind the menus; all of them in the order of the
+        # menus.
+        if {$typed ne ""} {
+            set rank [expr {100 * $rank + [string length [lindex $entry 0]]
+                + 50 * ([lindex $entry 1] eq "Tool column")}]
+        }
         lappend found [list $rank $place]
     }
     return [lmap pair [lsort -integer -index 0 $found] {lindex $pair 1}]

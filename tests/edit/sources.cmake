@@ -1,6 +1,7 @@
 target_sources(vesk_tests PRIVATE
     edit/catmull_clark_test.cpp
     edit/boolean_test.cpp
+    edit/boolean_live_test.cpp
     edit/derived_test.cpp
     edit/edge_mesh_test.cpp
     edit/edges_test.cpp
@@ -33,7 +34,9 @@ target_sources(vesk_tests PRIVATE
     edit/vertex_tidy_test.cpp
     edit/weld_test.cpp
     edit/mesh/exact_test.cpp
+    edit/vertex_colours_test.cpp
     edit/mesh/mesh_change_test.cpp
+    edit/mesh/surface_blocks_test.cpp
     edit/mesh/tessellator_test.cpp
     edit/document/journal_test.cpp
     edit/document/selection_test.cpp

@@ -4,6 +4,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/drag_transform.h"
 #include "edit/soft_selection.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/vec3d.h"
 #include "model/world.h"
@@ -204,6 +205,111 @@ TEST_F(Symmetry, LoopsAreCutOnBothSides)
     expect_closed(block);
 }
 
+// ---- operations with a place of their own ----
+
+TEST_F(Symmetry, AVertexIsInsertedOnBothSides)
+{
+    object_t *block = add_block(2);
+    const std::string id = run("object_get_children", run("get_world"));
+    run("symmetry", "x", "origin");
+    const auto insert_between = [&](bool (*wanted)(const point3_t &), float share) {
+        const std::vector<int> ends = places_where(block, wanted);
+        ASSERT_EQ(ends.size(), 2u);
+        const int before = block->num_vertices;
+        ASSERT_TRUE(run_and_expect_exact_undo({"insert_vertex_at", id, std::to_string(ends[0]),
+                                               std::to_string(ends[1]), std::to_string(share)}));
+        EXPECT_GT(block->num_vertices, before);
+        EXPECT_TRUE(is_symmetric(block));
+        expect_closed(block);
+    };
+    insert_between([](const point3_t &p) { return p.x == 1 && p.y == 1 && p.z >= 0; }, 0.25f);
+    EXPECT_EQ(block->num_vertices, 26 + 2);
+    insert_between([](const point3_t &p) { return p.x == 0 && p.y == 1 && p.z >= 0; }, 0.25f);
+    EXPECT_EQ(block->num_vertices, 26 + 3); // on the plane
+    run("clear_all");
+    object_t *cube = block = add_cube("cube");
+    const std::string other = run("object_get_children", run("get_world"));
+    const std::vector<int> ends =
+        places_where(cube, [](const point3_t &p) { return p.y > 0 && p.z > 0; });
+    ASSERT_EQ(ends.size(), 2u);
+    run("insert_vertex_at", other, ends[0], ends[1], 0.25f); // across the plane
+    EXPECT_EQ(cube->num_vertices, 10);
+    EXPECT_TRUE(is_symmetric(cube));
+    expect_closed(cube);
+}
+
+TEST_F(Symmetry, TheKnifeCutsOnBothSides)
+{
+    object_t *block = add_block(2);
+    run("symmetry", "x", "origin");
+    for (const char *line : {"0.2 1 1 0.4 0.5 1 0.9 0 1", // over two quads
+                             "-1 0.3 0.45 -1 0.6 0.2",    // inside one
+                             "-0.4 1 -0.7 0.7 1 -0.2"}) { // over the plane: to there
+        ASSERT_TRUE(run_and_expect_exact_undo({"knife", line})) << line << last_message();
+        EXPECT_TRUE(is_symmetric(block)) << line;
+        expect_closed(block);
+    }
+    const int before = block->num_surfaces;
+    run("knife", "-1 0.5 1 1 0.5 1"); // its own mirror image
+    EXPECT_TRUE(is_symmetric(block));
+    EXPECT_GT(block->num_surfaces, before);
+}
+
+TEST_F(Symmetry, ASliceCutsTheCounterpartsByTheMirroredPlane)
+{
+    const auto on_the_right = [](const point3_t &p) { return p.x >= 0 && p.z == 1; };
+    for (const bool all : {false, true}) {
+        run("clear_all");
+        object_t *block = add_block(3);
+        run("symmetry", "x", "origin");
+        if (all)
+            select_all_surfaces(block);
+        else
+            select_surfaces_at(block, surfaces_where(block, on_the_right));
+        const int before = block->num_surfaces;
+        ASSERT_TRUE(
+            run_and_expect_exact_undo({"slice", "0.55", "0", "0", "2", "1", "0", "both", "0"}));
+        EXPECT_GT(block->num_surfaces, before);
+        EXPECT_TRUE(is_symmetric(block));
+        expect_closed(block);
+        EXPECT_GT(selection().num_surfaces, 0);
+    }
+}
+
+TEST_F(Symmetry, BridgesAndSurfacesAreMadeOnBothSides)
+{
+    object_t *block = add_block(4);
+    run("symmetry", "x", "origin");
+    // Two opposite quads of the right half: a tunnel.
+    const auto quads = surfaces_where(block, [](const point3_t &p) {
+        return p.x >= 0.5f && p.x <= 1 && p.y >= 0 && p.y <= 0.5f && std::abs(p.z) == 1;
+    });
+    ASSERT_EQ(quads.size(), 2u);
+    select_surfaces_at(block, quads);
+    ASSERT_TRUE(run_and_expect_exact_undo({"bridge", "2"}));
+    EXPECT_EQ(block->num_surfaces, 96 - 4 + 2 * 8);
+    EXPECT_TRUE(is_symmetric(block));
+    expect_closed(block);
+    EXPECT_GT(selection().box_min.x, 0);
+
+    run("clear_all");
+    block = add_block(2);
+    select_surfaces_at(block, surfaces_where(block, [](const point3_t &p) { return p.z == 1; }));
+    run("delete");
+    const auto right =
+        places_where(block, [](const point3_t &p) { return p.z == 1 && p.x >= 0 && p.y >= 0; });
+    EXPECT_EQ(right.size(), 3u);
+    select_vertices_at(block, right);
+    ASSERT_TRUE(run_and_expect_exact_undo({"createsurface", "0"}));
+    EXPECT_EQ(block->num_surfaces, 20 + 2);
+    EXPECT_TRUE(is_symmetric(block));
+    // Both face the same way as their mirror images do.
+    double area = 0;
+    for (const surface_t *surface : each<surface_t>(block->surfaces))
+        area += doubled_area_xy(surface);
+    EXPECT_NEAR(std::abs(area), 8 - 2 * 1, 1e-5);
+}
+
 TEST_F(Symmetry, CountsWhatHasNoCounterpart)
 {
     object_t *block = add_block(2);
@@ -229,6 +335,117 @@ TEST_F(Symmetry, GoesThroughTheObjectsCentre)
     EXPECT_EQ(places_where(block, [](const point3_t &p) { return p.x == 3; }).size(), 9u);
     run("undo");
     EXPECT_EQ(places_where(block, [](const point3_t &p) { return p.x == 4; }).size(), 9u);
+}
+
+// ---- operations that look at no plane: of a model like its mirror image ----
+
+// A half and its mirror image over x = 0, whose surfaces begin at other corners and whose vertices
+// come in another order; every polygon has the material of its image.
+object_t *add_mirrored(const std::vector<point3_t> &half, const faces_t &half_faces)
+{
+    std::vector<point3_t> points = half;
+    std::vector<int> twin(half.size());
+    for (std::size_t i = half.size(); i-- > 0;) {
+        const bool on_plane = half[i].x == 0;
+        twin[i] = on_plane ? static_cast<int>(i) : static_cast<int>(points.size());
+        if (!on_plane)
+            points.push_back({-half[i].x, half[i].y, half[i].z});
+    }
+    faces_t faces = half_faces;
+    for (std::size_t f = half_faces.size(); f-- > 0;) {
+        std::vector<int> face;
+        for (auto v = half_faces[f].rbegin(); v != half_faces[f].rend(); ++v)
+            face.push_back(twin[*v]);
+        std::rotate(face.begin(), face.begin() + static_cast<std::ptrdiff_t>(f % face.size()),
+                    face.end());
+        faces.push_back(face);
+    }
+    object_t *object = add_mesh(points, faces);
+    int place = 0;
+    const int n = static_cast<int>(half_faces.size());
+    for (surface_t *surface : each<surface_t>(object->surfaces)) {
+        surface->material = place < n ? place % 3 : (2 * n - 1 - place) % 3;
+        ++place;
+    }
+    object_mark_tree(object, CHANGED_ATTRIBUTES);
+    return object;
+}
+
+// Half of a ball of `rings` by `steps` quads, and triangles at its poles, over x > 0.
+object_t *add_ball(int rings, int steps)
+{
+    std::vector<point3_t> points = {{0, 1, 0}, {0, -1, 0}};
+    faces_t faces;
+    const auto at = [&](int ring, int step) { return 2 + (ring - 1) * (steps + 1) + step; };
+    for (int ring = 1; ring < rings; ++ring) {
+        for (int step = 0; step <= steps; ++step) {
+            const double up = 3.14159265358979 * ring / rings,
+                         round = 3.14159265358979 * step / steps;
+            const bool on_plane = step == 0 || step == steps;
+            points.push_back({on_plane ? 0 : static_cast<float>(std::sin(up) * std::sin(round)),
+                              static_cast<float>(std::cos(up)),
+                              static_cast<float>(std::sin(up) * std::cos(round)) * 1.3f});
+        }
+    }
+    for (int step = 0; step < steps; ++step) {
+        faces.push_back({0, at(1, step), at(1, step + 1)});
+        faces.push_back({1, at(rings - 1, step + 1), at(rings - 1, step)});
+        for (int ring = 1; ring + 1 < rings; ++ring)
+            faces.push_back(
+                {at(ring, step), at(ring + 1, step), at(ring + 1, step + 1), at(ring, step + 1)});
+    }
+    return add_mirrored(points, faces);
+}
+
+// The surfaces, each with its material, as sets of rounded points; x times `sign`.
+std::multiset<std::pair<int, std::multiset<std::tuple<long, long, long>>>>
+surfaces_in_mirror(const object_t *object, float sign)
+{
+    std::multiset<std::pair<int, std::multiset<std::tuple<long, long, long>>>> all;
+    for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+        std::multiset<std::tuple<long, long, long>> places;
+        for (const svertex *corner : each<svertex>(surface->refs)) {
+            const point3_t &p = corner->vertex->position;
+            places.emplace(std::lround(p.x * sign * 2e3f), std::lround(p.y * 2e3f),
+                           std::lround(p.z * 2e3f));
+        }
+        all.emplace(surface->material, std::move(places));
+    }
+    return all;
+}
+
+TEST_F(Symmetry, ABevelIsAlikeOnBothSidesByItself)
+{
+    std::uint32_t state = 5;
+    const auto chance = [&](std::uint32_t n) {
+        state = state * 1664525u + 1013904223u;
+        return (state >> 16) % n;
+    };
+    for (int round = 0; round < 60; ++round) {
+        run("clear_all");
+        object_t *ball = add_ball(3 + static_cast<int>(chance(4)), 2 + static_cast<int>(chance(4)));
+        ASSERT_EQ(surfaces_in_mirror(ball, 1), surfaces_in_mirror(ball, -1));
+        const std::string id = run("object_get_children", run("get_world"));
+        run("set_select_mode", "edge");
+        run("clear_selection");
+        prefs.symmetry_axis = 1;
+        const std::vector<int> twins = symmetric_places(ball);
+        prefs.symmetry_axis = 0;
+        const topology_ptr topology = object_topology(ball);
+        for (int e = 0; e < topology->size(); ++e) {
+            const mesh_edge &edge = topology->edge(e);
+            const int other = topology->table().find(twins[edge.a], twins[edge.b]);
+            ASSERT_GE(other, 0);
+            if (other < e || chance(3) != 0)
+                continue;
+            run("edge_select", id, edge.a, edge.b);
+            run("edge_select", id, twins[edge.a], twins[edge.b]);
+        }
+        const int segments = 1 + static_cast<int>(chance(4));
+        run("edge_bevel", 0.05f, segments, 0.5f);
+        EXPECT_EQ(surfaces_in_mirror(ball, 1), surfaces_in_mirror(ball, -1))
+            << "round " << round << ", " << segments << " segments";
+    }
 }
 
 // ---- soft selection ----

@@ -60,9 +60,10 @@ struct format_case {
 const format_case formats[] = {
     {"write_vrml",
      "#",
-     "#VRML V1.0 ascii\n\nSeparator {\n# Light lamp\nPointLight { location 1 2.5 -3 }\n",
-     " - 1 data texts were left out: VRML 1.0 has no data texts",
-     {"DEF house Separator {\nDEF wall Separator {\nSeparator {\nCoordinate3 {\n  point [\n"
+     "#VRML V1.0 ascii\n\nSeparator {\nWWWAnchor {\n",
+     " - 1 data text was left out: VRML 1.0 has no data texts",
+     {"DEF lamp Separator {\nPointLight { location 1 2.5 -3 }\n}\n",
+      "DEF house Separator {\nDEF wall Separator {\nSeparator {\nCoordinate3 {\n  point [\n"
       "0 0 0,\n1 0 0,\n0 1 0,\n",
       "Info { string \"M\xC3\xBCller \\\"x\\\" } ]{ \\\\\" }\n",
       "DEF M__ller__x________ Separator {", "  emissiveColor 0.25 0.5 1\n",
@@ -76,16 +77,16 @@ const format_case formats[] = {
       "WWWAnchor {\nname \"http://x/\\\"a\\\"\"\nDEF house Separator"}},
     {"write_inventor",
      "#",
-     "#Inventor V2.1 ascii\n\nSeparator {\n# Light lamp\n",
-     " - 1 data texts were left out: Inventor has no data texts",
+     "#Inventor V2.1 ascii\n\nSeparator {\nWWWAnchor {\n",
+     " - 1 data text was left out: Inventor has no data texts",
      {"DEF wall Separator {", "IndexedLineSet {\n"}},
     {"write_POV",
      "//",
      "#version 3.5;\ncamera {\n",
-     " - 1 lines, 1 addresses were left out: POV has no lines, addresses",
+     " - 1 line, 1 address were left out: POV has no lines, addresses",
      {"  up <0, 1, 0>\n  right <-1.33, 0, 0>\n",
       "light_source { <1, 2.5, -3> color rgb <1, 1, 1> }",
-      "union { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
+      "object { // house\nunion { // wall\n  mesh2 {\n    vertex_vectors {\n      3,\n"
       "      <0, 0, 0>,\n      <1, 0, 0>,\n      <0, 1, 0>\n    }\n",
       "    face_indices {\n      1,\n      <0, 1, 2>\n    }\n",
       "uv_mapping\n      pigment { image_map { png \"scene_wood.png\" transmit all 0 } }",
@@ -95,7 +96,7 @@ const format_case formats[] = {
     {"write_rib",
      "#",
      "##RenderMan RIB-Structure 1.0\nversion 3.03\nDisplay \"vesk.tif\" \"file\" \"rgb\"\n",
-     " - 1 addresses, 1 data texts were left out: RIB has no addresses, data texts",
+     " - 1 address, 1 data text were left out: RIB has no addresses, data texts",
      {"WorldBegin\nLightSource \"ambientlight\" 0 \"intensity\" [0.2]\n",
       "LightSource \"pointlight\" 1 \"intensity\" [1] \"from\" [1 2.5 -3]\n",
       "AttributeBegin\nAttribute \"identifier\" \"name\" [\"house\"]\nAttributeBegin\n"
@@ -108,13 +109,13 @@ const format_case formats[] = {
     {"write_dxf",
      nullptr, // pairs of lines
      "0\nSECTION\n2\nENTITIES\n0\n3DFACE\n8\nhouse\n62\n7\n10\n0\n20\n0\n30\n0\n11\n1\n",
-     " - 1 lights, 1 textures, 1 smooth surfaces, 1 addresses, 1 data texts were left out: "
+     " - 1 light, 1 texture, 1 smooth surface, 1 address, 1 data text were left out: "
      "DXF has no lights, textures, smooth surfaces, addresses, data texts",
      {"0\nPOLYLINE\n8\n", "70\n9\n", "0\nSEQEND\n"}},
     {"write_tri",
      nullptr, // lines of names and numbers
      "wall\n0 0 0 1 0 0 0 1 0 0xffffff\n",
-     " - 1 lines, 1 lights, 1 textures, 1 smooth surfaces, 1 addresses, 1 data texts were left "
+     " - 1 line, 1 light, 1 texture, 1 smooth surface, 1 address, 1 data text were left "
      "out: "
      "the triangle list has no lines, lights, textures, smooth surfaces, addresses, data texts",
      {"M\xC3\xBCller \"x\" } ]{ \\\n0 0 0 1 0 0 0 1 0 0x4080ff\n"}},
@@ -240,8 +241,7 @@ TEST_F(Exports, WhatAFormatHasNoPlaceForIsCounted)
     object_mark_tree(vesk_get_world(), CHANGED_ALL);
     for (const char *command : {"write_POV", "write_tri"}) {
         run(command, temporary_file("scene.out"));
-        EXPECT_NE(last_message().find(" - 1 lines, 1 loose points were left out"),
-                  std::string::npos)
+        EXPECT_NE(last_message().find(" - 1 line, 1 loose point were left out"), std::string::npos)
             << last_message();
     }
 }
@@ -257,7 +257,7 @@ TEST_F(Exports, ARendererGetsPicturesThatItCanRead)
     object_texture_clear(wall);
     search_and_set_texture(wall, temporary_file("scene.out").c_str(), "gone/oak.png");
     EXPECT_FALSE(holds(written("write_POV"), "image_map"));
-    EXPECT_NE(last_message().find("1 textures"), std::string::npos) << last_message();
+    EXPECT_NE(last_message().find("1 texture"), std::string::npos) << last_message();
 }
 
 // Beside the folder of the file, and where it was not found.

@@ -105,6 +105,52 @@ std::string make_3ds()
                      nodes);
 }
 
+std::string make_3ds_with_keys()
+{
+    const auto reals = [](std::initializer_list<float> values) {
+        std::string out;
+        put_floats(out, values);
+        return out;
+    };
+    const auto number = [](unsigned value, int bytes) {
+        std::string out;
+        put_le(out, value, bytes);
+        return out;
+    };
+    const auto mesh = [&](const char *name, const std::string &frame) {
+        const std::string points = number(3, 2) + reals({0, 0, 0, 2, 0, 0, 0, 1, 0});
+        const std::string face =
+            number(1, 2) + number(0, 2) + number(1, 2) + number(2, 2) + number(7, 2);
+        return chunk(0x4000, z_string(name) +
+                                 chunk(0x4100, chunk(0x4110, points) +
+                                                   (frame.empty() ? "" : chunk(0x4160, frame)) +
+                                                   chunk(0x4120, face)));
+    };
+    const auto track = [&](unsigned id, std::initializer_list<float> values) {
+        return chunk(id, number(0, 2) + number(0, 4) + number(0, 4) + number(1, 4) + number(0, 4) +
+                             number(0, 2) + reals(values));
+    };
+    const auto node = [&](unsigned id, const char *name, unsigned parent,
+                          const std::string &tracks) {
+        return chunk(0xB002, chunk(0xB030, number(id, 2)) +
+                                 chunk(0xB010, z_string(name) + number(0, 4) + number(parent, 2)) +
+                                 tracks);
+    };
+    const std::string nodes =
+        node(0, "one", 0xFFFF,
+             chunk(0xB013, reals({1, 2, 3})) + track(0xB020, {10, 20, 30}) +
+                 track(0xB021, {0.5f, 0, 0, 1}) + track(0xB022, {2, 1, 1})) +
+        node(1, "two", 0, track(0xB020, {1, 0, 0}) + track(0xB021, {0.25f, 1, 0, 0})) +
+        node(2, "mirrored", 0xFFFF, track(0xB020, {3, 0, 0}));
+    return chunk(
+        0x4D4D,
+        chunk(0x0002, number(3, 4)) +
+            chunk(0x3D3D, mesh("one", reals({0, 1, 0, -1, 0, 0, 0, 0, 1, 5, 6, 7})) +
+                              mesh("two", "") +
+                              mesh("mirrored", reals({-1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 0, 0}))) +
+            chunk(0xB000, nodes));
+}
+
 std::string make_dxf()
 {
     return "0\nSECTION\n2\nENTITIES\n0\n3DFACE\n8\nlayer1\n10\n0\n20\n0\n30\n0\n11\n2\n21\n0\n31\n0"
@@ -141,9 +187,24 @@ std::string make_lwob()
     std::string polygon;
     for (const int word : {4, 0, 3, 2, 1, 1}) // clockwise; then the surface, from 1
         put_be(polygon, static_cast<unsigned>(word), 2);
-    const std::string surface = std::string("paint\0", 6) +
-                                iff_small("COLR", std::string("\xFF\x80\0\0", 4)) +
-                                iff_small("TIMG", std::string("wood.bmp\0\0", 10));
+    const auto share = [](const char *part, unsigned value) {
+        std::string bytes;
+        put_be(bytes, value, 2);
+        return iff_small(part, bytes);
+    };
+    std::string size;
+    std::string centre;
+    for (const float value : {4.0f, 2.0f, 1.0f})
+        put_be(size, bits_of(value), 4);
+    for (const float value : {1.0f, 0.5f, 0.0f})
+        put_be(centre, bits_of(value), 4);
+    const std::string surface =
+        std::string("paint\0", 6) + iff_small("COLR", std::string("\xFF\x80\0\0", 4)) +
+        share("FLAG", 4) + share("LUMI", 64) + share("DIFF", 128) + share("SPEC", 256) +
+        share("GLOS", 64) + share("TRAN", 128) +
+        iff_small("CTEX", std::string("Planar Image Map\0\0", 18)) + share("TFLG", 4) +
+        iff_small("TSIZ", size) + iff_small("TCTR", centre) +
+        iff_small("TIMG", std::string("wood.bmp\0\0", 10));
     return iff("FORM", "LWOB" + iff("PNTS", points) + iff("SRFS", std::string("paint\0", 6)) +
                            iff("POLS", polygon) + iff("SURF", surface));
 }
@@ -268,5 +329,48 @@ Separator {
     PointLight { location 1 2 3 }
     Cylinder { parts (SIDES | TOP) }
 }
+)";
+}
+
+std::string make_vrml2()
+{
+    return R"(#VRML V2.0 utf8
+# a world with most of the nodes
+WorldInfo { title "made by hand" info [ "one", "two" ] }
+EXTERNPROTO Elsewhere [ field SFFloat size ] [ "other.wrl#Elsewhere" ]
+Viewpoint { position 0 0 10 description "front" }
+Anchor { url [ "http://example.org/\"house\"" ] description "a house" children
+  DEF house Group { children [
+    Transform { translation 10 0 0 children [
+      DEF wall Shape {
+        appearance Appearance {
+          material DEF paint Material { diffuseColor 0 0 1 shininess 0.5 transparency 0.25 }
+          texture ImageTexture { url [ "wood.bmp", "gone.png" ] repeatS TRUE }
+          textureTransform TextureTransform { scale 2 3 translation 0 0.5 }
+        }
+        geometry IndexedFaceSet {
+          coord DEF points Coordinate { point [ 0 0 0, 2 0 0, 2 1 0, 0 1 0, 9 9 9 ] }
+          coordIndex [ 0, 1, 2, -1, # the first
+                       0, 2, 3, -1, 99, 98, 97, -1 ]
+          texCoord TextureCoordinate { point [ 0 0, 1 0, 1 1, 0 1 ] }
+        }
+      }
+      Shape { geometry IndexedLineSet { coord USE points coordIndex [ 0 1 2 -1 ] } }
+    ] }
+    DEF lamp PointLight { location 1 2 4 }
+  ] }
+}
+Transform { rotation 0 0 1 1.5707963 scale 3 1 1 children
+  Transform { translation 1 0 0 children [ DEF box Shape { geometry Box { size 2 2 4 } } ] } }
+Switch { whichChoice 1 choice [ Shape { geometry Sphere { radius 100 } }
+                                Shape { geometry Cone { side TRUE bottom FALSE } } ] }
+PROTO Leg [ field SFFloat size 1 eventIn SFTime go ] { Shape { geometry Cylinder { radius IS size } } }
+Transform { translation 0 0 -5 children [ Leg { size 2 } Elsewhere { size 3 } USE box ] }
+DEF clock TimeSensor { cycleInterval 2 }
+DEF talk Script { eventIn SFTime now field SFNode to USE box url "javascript: function now() {}" }
+Shape { geometry Text { string [ "hello" ] } }
+Shape { geometry ElevationGrid { xDimension 3 zDimension 3 height [ 0 1 0, 1 2 1, 0 1 0 ] } }
+Shape { geometry Extrusion { spine [ 0 0 0, 0 1 0, 1 2 0 ] scale [ 1 1, 0.5 0.5 ] } }
+ROUTE clock.cycleTime TO talk.now
 )";
 }

@@ -137,8 +137,8 @@ protected:
     }
     static std::string told()
     {
-        const std::string file = temporary_file("a.3ds");
-        write_text(file, make_3ds());
+        const std::string file = temporary_file("a.md2");
+        write_text(file, make_md2());
         EXPECT_EQ(run("file_load", file), "0");
         const std::string text = recording().boxes.empty() ? "" : recording().boxes.back();
         const std::string start = "can't read " + file + "\n";

@@ -2,6 +2,7 @@
 
 #include "base/file_report.h"
 #include "fileio/dxf_scan.h"
+#include "model/bounds.h"
 #include "model/each.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
@@ -224,6 +225,25 @@ TEST_F(Drawing, BlocksWithinThemselvesAndWithoutEndAreRefused)
     write_text(file, "Any Binary DXF\r\n\x1a" + std::string(20, '\0'));
     EXPECT_EQ(run("file_load", file), "0");
     EXPECT_NE(recording().boxes.back().find("binary"), std::string::npos);
+}
+
+TEST_F(Drawing, UnitsAreInTheReportAndHatchesCounted)
+{
+    const std::string head = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1021\n9\n$INSUNITS\n70\n4\n"
+                             "0\nENDSEC\n";
+    const std::string body = "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n0\n20\n0\n11\n5\n21\n0\n"
+                             "0\nHATCH\n8\n0\n2\nSOLID\n0\nHATCH\n8\n0\n0\nENDSEC\n0\nEOF\n";
+    const std::string file = temporary_file("units.dxf");
+    write_text(file, head + body);
+    ASSERT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(last_file_report().unit, "millimetres");
+    EXPECT_EQ(find_object_size(vesk_get_world()).x, 5); // as they are
+    ASSERT_EQ(last_file_report().warnings.size(), 1);
+    EXPECT_EQ(last_file_report().warnings[0].text,
+              "2 HATCH have no counterpart here and were left out");
+    write_text(file, body);
+    ASSERT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(last_file_report().unit, "");
 }
 
 TEST_F(Drawing, WhatIsWrittenComesBack)

@@ -6,6 +6,7 @@ target_sources(vesk_tests PRIVATE
     fileio/helper_test.cpp
     fileio/import_dxf_test.cpp
     fileio/import_test.cpp
+    fileio/import_vrml_test.cpp
     fileio/rescue_test.cpp
     fileio/text_objects_test.cpp
     fileio/vesk_reader_test.cpp

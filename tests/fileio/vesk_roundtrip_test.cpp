@@ -274,7 +274,7 @@ TEST_F(RoundTrip, OlderRevisionKeepsWhatItHasWordsFor)
     object_mark(object, CHANGED_ATTRIBUTES);
     run("write_vesk_old", temporary_file("poor.vesk"));
     EXPECT_EQ(last_message(), "written file " + temporary_file("poor.vesk") +
-                                  " - 1 shining colours were left out: the older VESK has no "
+                                  " - 1 shining colour was left out: the older VESK has no "
                                   "shining colours");
     surface_set_col(red, 3);
     object_mark(object, CHANGED_ATTRIBUTES);

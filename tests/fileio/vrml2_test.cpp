@@ -260,7 +260,7 @@ TEST_F(Vrml2, TexturesHaveTheirPlacement)
     EXPECT_TRUE(holds(text, "  scale 2.000000 1.000000\n  translation 0.000000 0.500000\n}\n"));
     prefs.vrml_output_textures = 0;
     written();
-    EXPECT_TRUE(last_message().ends_with(" - 1 textures were left out: VRML 2.0 has no textures"));
+    EXPECT_TRUE(last_message().ends_with(" - 1 texture was left out: VRML 2.0 has no textures"));
 }
 
 TEST_F(Vrml2, LightsComeFirstAndAnchorsHoldTheChildren)

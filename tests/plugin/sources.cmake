@@ -1,8 +1,10 @@
 target_sources(vesk_tests PRIVATE
     plugin/direct_test.cpp
     plugin/foreign_models_test.cpp
+    plugin/gltf_test.cpp
     plugin/images_test.cpp
     plugin/interchange_test.cpp
+    plugin/odd_files_test.cpp
     plugin/plugin_test.cpp
     plugin/roundtrip_test.cpp
 )

@@ -55,6 +55,7 @@ holds "are counted" grep -q '{"count": 1, "what": "lines"}' r.json
 check "from standard input to standard output" 0 -- -from obj -to stl - - <plain.obj
 holds "nothing but the file goes there" test "$(stat -c %s out)" = $((84 + 2 * 50))
 mv out given
+check "a report into the model" 1 -- -from stl -to .vesk -report - - - <given
 check "in and out again" 0 -- -from stl -to .vesk -report r.json - - <given
 holds "reported as such" grep -q '"file": "-"' r.json
 holds "both" grep -q '"written": "-"' r.json

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What other programs read of our exports: Blender in background mode and Assimp's tool, where they are
-# installed (packages blender and assimp-utils). Exit status 77 when neither is.
+# What other programs read of our exports: Blender in background mode, Assimp's tool and the checker of
+# glTF, where they are installed (packages blender and assimp-utils; gltf-validator of npm, NODE_PATH). Exit status 77 when neither is.
 #   readers_test.sh PROGRAM
 set -u
 program=$(realpath "$1")
@@ -82,5 +82,20 @@ if command -v assimp >/dev/null; then
     done
 else
     echo "left out: assimp is not installed"
+fi
+# The format's own checker, an npm package: no errors, no warnings.
+if command -v node >/dev/null && node -e 'require("gltf-validator")' 2>/dev/null; then
+    for file in out.gltf out.glb; do
+        got=$(node -e '
+            const fs = require("fs"), file = process.argv[1];
+            require("gltf-validator").validateBytes(new Uint8Array(fs.readFileSync(file)), {
+                externalResourceFunction: uri => fs.promises.readFile(decodeURIComponent(uri))
+                    .then(bytes => new Uint8Array(bytes))
+            }).then(found => console.log(found.issues.numErrors, found.issues.numWarnings));
+            ' "$file" 2>&1)
+        is "the checker of glTF reads $file" "$got" "0 0"
+    done
+else
+    echo "left out: gltf-validator is not installed"
 fi
 exit $((failures > 0))

@@ -118,6 +118,70 @@ run {
     key Escape
     check "Escape takes it back" {[llength [top_objects]] == 1}
 
+    # ---- a slice by the menu, live ----
+    fresh {vesk create box 0 0.5 -0.3 -0.5 1.5 1.034567 0.5}
+    set options [open_options surface slice]
+    check "cut through its middle at once" {[info_of $::cube surfaces] == 10}
+    shot solids-slice
+    $options.in.f1 delete 0 end
+    $options.in.f1 insert 0 5
+    check "a plane beside it cuts nothing" {[info_of $::cube surfaces] == 6}
+    key Escape
+    check "Escape leaves no step" {![winfo exists $options] && [made] == 0}
+    set options [open_options surface slice]
+    $options.in.f6 set "The back"
+    check "the half below stays" {[near [lindex [size] 1] [expr {1.334567 / 2}] 1e-5]}
+    key Return
+    check "one step" {[made] == 1 && [vesk undo_name] eq "slice"}
+    ::vesk::options::again
+    $options.in.f7 set "Closed by polygons"
+    check "opened again it cuts at the same place" {
+        [info_of $::cube surfaces] == 6 && [near [lindex [size] 1] [expr {1.334567 / 2}] 1e-5]
+    }
+    key Escape
+    check "and takes only that back" {[info_of $::cube surfaces] == 5 && [made] == 1}
+
+    # ---- a boolean that follows its tool ----
+    fresh {
+        vesk create box 0 -1 -0.5 -0.5 0.5 0.5 0.5
+        vesk create box 0 0.2 -0.2 -0.2 1 0.2 0.2
+    }
+    vesk clear_selection
+    lassign [top_objects] block drill
+    vesk object_select $block
+    vesk object_select $drill
+    set options [open_options object boolean]
+    $options.in.f0 set Difference
+    press $options.in.f2
+    check "the tool is selected, to be moved" {[vesk get_selected_objects] == $drill}
+    check "the result is told" {[status] eq "boolean - 11 surfaces; Return keeps it"}
+    check "both are still there" {[llength [top_objects]] == 2 && [made] == 0}
+    shot solids-live
+    press .main.tools.move
+    begin 0.6 0 -0.25 0 "" xz
+    check "it follows the drag" {[status] eq "boolean - 12 surfaces; Return keeps it"}
+    release 1
+    shot solids-live-moved
+    key Return
+    check "Return keeps it, as one step" {
+        ![winfo exists $options] && [llength [top_objects]] == 1 && [vesk undo_name] eq "boolean"
+        && [info_of $block surfaces] == 12
+    }
+    xdo key ctrl+z
+    check "one step back: both, as they were" {
+        [llength [top_objects]] == 2 && [near [info_of $drill centre] {0.6 0 0}]
+    }
+    set options [open_options object boolean]
+    press $options.in.f2
+    wait_until {[vesk get_selected_objects] == $drill}
+    from_to 0.6 0 0.6 0.4
+    check "moved" {[near [info_of $drill centre] {0.6 0.4 0}]}
+    key Escape
+    check "Escape takes the move back, too" {
+        ![winfo exists $options] && [near [info_of $drill centre] {0.6 0 0}]
+        && [llength [vesk get_selected_objects]] == 2
+    }
+
     # ---- placing ----
     fresh {
         vesk create box 0 -1 -1 -0.5 1 -0.5 0.5

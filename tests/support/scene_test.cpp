@@ -5,6 +5,7 @@
 #include "base/prefs.h"
 #include "base/session_state.h"
 #include "base/ui_port.h"
+#include "edit/boolean_live.h"
 #include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
@@ -142,6 +143,7 @@ void SceneTest::SetUp()
     uv_editor_reset_for_test();
     uv_keep_set(false);
     journal_reset_for_test();
+    boolean_live_reset_for_test();
     clipboard_reset_for_test();
     record = {};
 }

@@ -77,7 +77,7 @@ TEST_F(KnifeTool, CutsTheClickedLineAsOneStepThatItsEchoRepeats)
     EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(*undo_count_address(), 0);
     EXPECT_TRUE(key("Return"));
-    EXPECT_EQ(last_message(), "knife - 1 surfaces");
+    EXPECT_EQ(last_message(), "knife - 1 surface");
     EXPECT_EQ(cube->num_surfaces, 7);
     EXPECT_EQ(cube->num_vertices, 10);
     EXPECT_EQ(*undo_count_address(), 1);
@@ -108,6 +108,27 @@ TEST_F(KnifeTool, SnapsToMiddlesAndRightAngles)
     click(VIEW_XY, 210, 140, shift);
     move(VIEW_XY, 215, 180, shift);
     expect_marked({0.1f, -0.3f, 0.5f}); // down from there
+}
+
+TEST_F(CutTools, ShowTheCutOnBothSidesWithSymmetry)
+{
+    run("clear_all");
+    add_mesh({{-1, 0, 0}, {0, 0, 0}, {1, 0, 0}, {-1, 1, 0}, {0, 1, 0}, {1, 1, 0}},
+             {{0, 1, 4, 3}, {1, 2, 5, 4}});
+    for (const char *axis : {"off", "x"}) {
+        const double sides = axis == std::string("x") ? 2 : 1;
+        run("symmetry", axis, "origin");
+        run("set_view_tool", "loop_cut");
+        move(VIEW_XY, 250, 150); // on the right one's lower side
+        EXPECT_NEAR(length_of_lines(), sides, 1e-5) << axis;
+        run("set_view_tool", "knife");
+        click(VIEW_XY, 250, 150);
+        move(VIEW_XY, 250, 50);
+        EXPECT_NEAR(length_of_lines(), sides, 0.05) << axis;
+        move(VIEW_XY, 120, 50); // over the plane
+        EXPECT_GT(length_of_lines(), 1) << axis;
+        EXPECT_TRUE(key("Escape"));
+    }
 }
 
 TEST_F(KnifeTool, TakesPointsBackAndDropsTheLine)
