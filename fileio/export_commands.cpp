@@ -11,6 +11,7 @@
 #include "fileio/export_rib.h"
 #include "fileio/export_vrml2_tree.h"
 #include "fileio/output.h"
+#include "fileio/vrml_names.h"
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/lights.h"
@@ -253,26 +254,34 @@ int write_scene(const char *filename, const export_format &format)
     const bool written = complete && scene.commit();
     for (size_t i = 0; i < std::size(loss_names) && written; ++i)
         vesk_report_loss(scene.losses()[i], loss_names[i]);
-    if (written)
+    if (written && !format.vertex_colours)
         report_lost_vertex_colours();
     return export_end(name, format.name, !complete, written);
+}
+
+int write_first_vrml(const char *filename, const export_format &format)
+{
+    const int written = write_scene(filename, format);
+    if (written != 0)
+        vrml_material_notes(vrml1_node_name, false);
+    return written;
 }
 
 } // namespace
 
 // ---- commands ----
 
-int write_vrml(const char *filename) { return write_scene(filename, vrml1_format); }
+int write_vrml(const char *filename) { return write_first_vrml(filename, vrml1_format); }
 int write_vrml2_tree(const char *filename)
 {
     export_format format = vrml2_tree_format;
     format.pictures = prefs.vrml_output_textures != 0;
     const int written = write_scene(filename, format);
     if (written != 0)
-        vrml2_tree_notes();
+        vrml_material_notes(vrml2_node_name, true);
     return written;
 }
-int write_inventor(const char *filename) { return write_scene(filename, inventor_format); }
+int write_inventor(const char *filename) { return write_first_vrml(filename, inventor_format); }
 int write_POV(const char *filename)
 {
     export_format format = pov_format;

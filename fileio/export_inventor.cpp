@@ -16,8 +16,8 @@ void write_material(export_text &out, const export_part &part)
 {
     const material &m = *part.look;
     const bool line = part.type != SURFACE_POLYGON;
-    const std::string name = vesk_material_get_name_index(part.index);
-    if (!name.empty() && vrml1_node_name(name) == name)
+    const std::string name = vrml1_node_name(vesk_material_get_name_index(part.index));
+    if (!name.empty())
         out.add("DEF ", name, ' ');
     out.add("Material {\n");
     colour(out, "ambientColor", m.ambient);

@@ -104,9 +104,10 @@ struct export_format {
     bool lights = true;
     bool pictures = true;
     bool smooth = true;
-    bool points = true;                       // that no surface uses
-    bool urls = true;                         // the addresses of objects
-    bool data = true;                         // their data texts
+    bool points = true; // that no surface uses
+    bool urls = true;   // the addresses of objects
+    bool data = true;   // their data texts
+    bool vertex_colours = false;
     export_picture_t shown_picture = nullptr; // null: all pictures as they are
     bool empty_objects = true; // else objects without a surface below them are left out
     void (*begin)(export_text &out) = nullptr;

@@ -4,6 +4,7 @@
 #include "fileio/vrml_names.h"
 #include "model/each.h"
 #include "model/palette.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 
 #include <cmath>
@@ -108,6 +109,40 @@ bool has_coordinates(const export_object &object)
     });
 }
 
+// Of the part's vertices: they stand in the place of the diffuse colour there, not before it.
+void write_colours(export_text &out, const export_object &object, const export_part &part)
+{
+    const std::vector<unsigned char> all = object_vertex_colours(object.object);
+    if (all.empty())
+        return;
+    const export_vertices vertices = export_used_vertices(object, part);
+    out.add("color Color { color [\n");
+    for (const int index : vertices.used) {
+        const unsigned char *rgb = all.data() + 3 * static_cast<std::size_t>(index);
+        const auto share = [&](int i) {
+            return static_cast<float>(rgb[i]) / 255 * part.look->diffuse[i];
+        };
+        out.add(point3_t{share(0), share(1), share(2)}, ",\n");
+    }
+    out.add("] }\n");
+    indices(out, object, part, "colorIndex", [&](int corner) {
+        return vertices.place((*object.flat->corners)[static_cast<size_t>(corner)]);
+    });
+}
+
+void write_point_colours(export_text &out, const export_object &object)
+{
+    const std::vector<unsigned char> all = object_vertex_colours(object.object);
+    if (all.empty())
+        return;
+    out.add("color Color { color [\n");
+    for (std::size_t i = 0; i + 2 < all.size(); i += 3)
+        out.add(point3_t{static_cast<float>(all[i]) / 255, static_cast<float>(all[i + 1]) / 255,
+                         static_cast<float>(all[i + 2]) / 255},
+                ",\n");
+    out.add("] }\n");
+}
+
 void write_part(export_text &out, const export_object &object, const export_part &part,
                 bool *points_written)
 {
@@ -127,6 +162,8 @@ void write_part(export_text &out, const export_object &object, const export_part
             [&object](int corner) { return (*object.flat->corners)[static_cast<size_t>(corner)]; });
     if (!lines && has_coordinates(object))
         write_coordinates(out, object, part);
+    if (!lines)
+        write_colours(out, object, part);
     out.add("}\n}\n");
 }
 
@@ -151,6 +188,7 @@ void open(export_text &out, const export_object &object)
     if (flat_loose_points(*object.flat) > 0) {
         out.add("Shape {\ngeometry PointSet {\n");
         write_points(out, object, &points_written);
+        write_point_colours(out, object);
         out.add("}\n}\n");
     }
     for (const export_part &part : object.parts)
@@ -166,10 +204,14 @@ void begin(export_text &out) { out.add("#VRML V2.0 utf8\n\n"); }
 
 } // namespace
 
-const export_format vrml2_tree_format = {
-    .name = "VRML 2.0", .data = false, .begin = begin, .open = open, .close = close};
+const export_format vrml2_tree_format = {.name = "VRML 2.0",
+                                         .data = false,
+                                         .vertex_colours = true,
+                                         .begin = begin,
+                                         .open = open,
+                                         .close = close};
 
-void vrml2_tree_notes()
+void vrml_material_notes(std::string (*node_name)(const std::string &), bool one_ambient)
 {
     std::set<int> used;
     for_each_object(vesk_get_world(), [&used](const object_t *object) {
@@ -186,9 +228,9 @@ void vrml2_tree_notes()
         bool same = true;
         for (int i = 0; i < 3; ++i)
             same = same && std::abs(m.ambient[i] - share * m.diffuse[i]) < 0.005f;
-        tints += same ? 0 : 1;
+        tints += same || !one_ambient ? 0 : 1;
         const std::string name = vesk_material_get_name_index(index);
-        names += vrml2_node_name(name) == name ? 0 : 1;
+        names += node_name(name) == name ? 0 : 1;
     }
     vesk_report_note(tints, "ambient colours as a share of the diffuse ones");
     vesk_report_note(names, "names of materials without signs that the format has not");

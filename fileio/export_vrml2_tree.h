@@ -7,7 +7,8 @@
 // materials. Import makes the same objects of it again.
 extern const export_format vrml2_tree_format;
 
-// Notes in the report about the materials that are written: what the format says otherwise.
-void vrml2_tree_notes();
+// Notes in the report about the materials that are written: names that became others behind DEF, and,
+// where the format has one number for the ambient colour, colours that it does not hold.
+void vrml_material_notes(std::string (*node_name)(const std::string &), bool one_ambient);
 
 #endif

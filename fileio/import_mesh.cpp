@@ -45,7 +45,7 @@ void import_mesh::end_surface(int palette_index, int flags)
     attributes_.push_back({palette_index, flags});
 }
 
-void import_mesh::drop_unused_points(const std::vector<bool> &keep)
+std::vector<bool> import_mesh::drop_unused_points(const std::vector<bool> &keep)
 {
     std::vector<bool> used = keep;
     used.resize(points_.size() / 3);
@@ -63,6 +63,7 @@ void import_mesh::drop_unused_points(const std::vector<bool> &keep)
     points_.resize(3 * count);
     for (int &corner : corners_)
         corner = places[static_cast<size_t>(corner)];
+    return used;
 }
 
 object_t *import_mesh::make_object(const std::string &name) const

@@ -19,8 +19,8 @@ public:
     // Ends the surface whose corners were added since the last one; one with too few is dropped.
     void end_surface(int palette_index, int flags);
 
-    // Drops the points that no surface has, but for those that `keep` names.
-    void drop_unused_points(const std::vector<bool> &keep = {});
+    // Drops the points that no surface has, but for those that `keep` names. Returns which points stay.
+    std::vector<bool> drop_unused_points(const std::vector<bool> &keep = {});
 
     [[nodiscard]] bool empty() const { return attributes_.empty(); }
     [[nodiscard]] int num_points() const { return static_cast<int>(points_.size() / 3); }

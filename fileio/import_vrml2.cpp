@@ -11,6 +11,7 @@
 #include "model/lights.h"
 #include "model/object_tree.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 
 #include <algorithm>
 #include <cmath>
@@ -129,7 +130,7 @@ public:
                                 not_shown_);
         if (mixed_colours_ > 0)
             vesk_report_warning(
-                0, "%d surfaces have corners of several colours; they have the mean now",
+                0, "%d corners have another colour than their point elsewhere; the last is taken",
                 mixed_colours_);
     }
 
@@ -396,10 +397,11 @@ private:
         open_shape shape = std::move(**open);
         open->reset();
         mixed_colours_ += shape.mesh.mixed_colours;
-        shape.mesh.mesh.drop_unused_points(shape.mesh.loose);
+        const std::vector<bool> kept = shape.mesh.mesh.drop_unused_points(shape.mesh.loose);
         if (shape.mesh.mesh.num_points() == 0 || budget_.failed)
             return;
         object_t *object = shape.mesh.mesh.make_object(shape.name);
+        set_colours(object, shape.mesh.colours, kept);
         vrml_set_frame(object, frame, {});
         const vrml2_look &look = shape.look;
         if (shape.has_faces && !look.picture.empty()) {
@@ -412,6 +414,18 @@ private:
             }
         }
         object_add_child(parent, object);
+    }
+
+    static void set_colours(object_t *object, const std::vector<unsigned char> &colours,
+                            const std::vector<bool> &kept)
+    {
+        if (colours.empty())
+            return;
+        std::vector<unsigned char> of_kept;
+        for (std::size_t i = 0; i < kept.size(); ++i)
+            for (std::size_t k = 0; kept[i] && k < 3; ++k)
+                of_kept.push_back(3 * i + k < colours.size() ? colours[3 * i + k] : 255);
+        vesk_object_set_vertex_colours(object, of_kept.data());
     }
 
     vrml2_account budget_;

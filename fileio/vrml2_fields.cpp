@@ -3,7 +3,7 @@
 namespace {
 
 constexpr long long most_repeated_nodes = 1 << 18;
-constexpr long long most_repeated_text = 1 << 28;
+constexpr long long most_repeated_text = 1 << 27;
 constexpr long long most_points = 1 << 24;
 
 const vrml2_value *value_of(const vrml2_values &values, std::string_view name)

@@ -10,7 +10,6 @@
 namespace {
 
 constexpr float smooth_from = 1.0f; // crease angle, radians
-constexpr int colour_steps = 15;    // of a mean of corners' colours, so that they stay few
 
 // ---- colours ----
 
@@ -48,29 +47,19 @@ public:
         return entry_of(rgb);
     }
 
-    // Of corners: theirs when they agree, else the mean.
-    int colour(const std::vector<std::size_t> &indices, int *mixed)
+    // White, where the points have colours, which are multiplied by it.
+    int white() { return entry_of({1, 1, 1}); }
+
+    // The place of a corner's colour as bytes.
+    [[nodiscard]] bool bytes(std::size_t index, unsigned char *rgb) const
     {
-        std::array<double, 3> sum = {};
-        bool same = true;
-        for (const std::size_t index : indices) {
-            if (3 * index + 2 >= colours_.size())
-                return plain();
-            for (std::size_t i = 0; i < 3; ++i) {
-                sum[i] += colours_[3 * index + i];
-                same = same && colours_[3 * index + i] == colours_[3 * indices[0] + i];
-            }
+        if (3 * index + 2 >= colours_.size())
+            return false;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const float value = colours_[3 * index + i];
+            rgb[i] = static_cast<unsigned char>(value > 0 ? std::min(value, 1.0f) * 255 + 0.5f : 0);
         }
-        if (indices.empty() || same)
-            return indices.empty() ? plain() : colour(indices[0]);
-        ++*mixed;
-        std::array<float, 3> mean = {};
-        for (std::size_t i = 0; i < 3; ++i)
-            mean[i] = static_cast<float>(
-                std::round(std::clamp(sum[i] / static_cast<double>(indices.size()), 0.0, 1.0) *
-                           colour_steps) /
-                colour_steps);
-        return entry_of(mean);
+        return true;
     }
 
 private:
@@ -96,6 +85,22 @@ private:
     int plain_ = -1;
     std::map<std::array<float, 3>, int> known_;
 };
+
+// Gives a point the colour of a corner.
+void colour_point(const palette_of_shape &palette, std::size_t index, int point, vrml2_mesh *out,
+                  std::vector<bool> *known)
+{
+    unsigned char rgb[3];
+    if (!palette.bytes(index, rgb))
+        return;
+    const auto place = static_cast<std::size_t>(point);
+    out->colours.resize(std::max(out->colours.size(), 3 * (place + 1)), 255);
+    known->resize(std::max(known->size(), place + 1));
+    unsigned char *to = out->colours.data() + 3 * place;
+    out->mixed_colours += (*known)[place] && !std::equal(rgb, rgb + 3, to) ? 1 : 0;
+    (*known)[place] = true;
+    std::copy_n(rgb, 3, to);
+}
 
 // ---- indexed sets ----
 
@@ -126,21 +131,57 @@ public:
         by_vertex_ = from_.flag("colorPerVertex", true);
         if (from_.type() == "PointSet") {
             std::fill(out_.loose.begin(), out_.loose.end(), true);
+            for (int i = 0; palette_.has_colours() && i < out_.mesh.num_points(); ++i)
+                colour_point(palette_, static_cast<std::size_t>(i), i, &out_, &coloured_);
             return;
         }
         if (!lines_)
             read_face_fields();
-        std::vector<corner_t> corners;
-        for (std::size_t i = 0; i < indices_.size(); ++i) {
-            if (indices_[i] < 0)
-                end(&corners);
-            else if (static_cast<std::size_t>(indices_[i]) < points_.size() / 3)
-                corners.push_back({i, indices_[i]});
-        }
-        end(&corners); // the last one needs no end
+        points_have_colours_ =
+            !lines_ && palette_.has_colours() && by_vertex_ && has_mixed_surface();
+        each_surface([this](std::vector<corner_t> *corners) {
+            end(corners);
+            return true;
+        });
     }
 
 private:
+    // Calls `act` with the corners of each surface until it returns false.
+    template <class Act>
+    void each_surface(Act &&act)
+    {
+        std::vector<corner_t> corners;
+        for (std::size_t i = 0; i <= indices_.size(); ++i) { // the last one needs no end
+            if (i < indices_.size() && indices_[i] >= 0) {
+                if (static_cast<std::size_t>(indices_[i]) < points_.size() / 3)
+                    corners.push_back({i, indices_[i]});
+                continue;
+            }
+            if (!act(&corners))
+                return;
+            corners.clear();
+        }
+    }
+
+    // Whether the corners of some surface have several colours.
+    bool has_mixed_surface()
+    {
+        bool mixed = false;
+        each_surface([&](const std::vector<corner_t> *corners) {
+            unsigned char first[3], other[3];
+            for (const corner_t &corner : *corners) {
+                const int a = index_at(colour_indices_, corners->front());
+                const int b = index_at(colour_indices_, corner);
+                mixed = mixed || (a != b && a >= 0 && b >= 0 &&
+                                  palette_.bytes(static_cast<std::size_t>(a), first) &&
+                                  palette_.bytes(static_cast<std::size_t>(b), other) &&
+                                  !std::equal(first, first + 3, other));
+            }
+            return !mixed;
+        });
+        return mixed;
+    }
+
     void add_points()
     {
         if (out_.mesh.num_points() > 0)
@@ -205,7 +246,6 @@ private:
         out_.mesh.end_surface(material(*corners),
                               shape | (twosided_ || lines_ ? SURFACE_TWOSIDED : 0) |
                                   (!lines_ && is_smooth(*corners) ? SURFACE_SMOOTH : 0));
-        corners->clear();
         ++surface_;
     }
 
@@ -242,11 +282,14 @@ private:
                 index = static_cast<std::size_t>(std::max(0, colour_indices_[index]));
             return palette_.colour(index);
         }
-        std::vector<std::size_t> indices;
         for (const corner_t &corner : corners)
-            if (const int at = index_at(colour_indices_, corner); at >= 0)
-                indices.push_back(static_cast<std::size_t>(at));
-        return palette_.colour(indices, &out_.mixed_colours);
+            if (const int at = index_at(colour_indices_, corner); at >= 0 && points_have_colours_)
+                colour_point(palette_, static_cast<std::size_t>(at), corner.point, &out_,
+                             &coloured_);
+        const int first = corners.empty() ? -1 : index_at(colour_indices_, corners[0]);
+        return points_have_colours_ ? palette_.white()
+               : first < 0          ? palette_.plain()
+                                    : palette_.colour(static_cast<std::size_t>(first));
     }
 
     // With normals: those of some corner are not the face's.
@@ -288,6 +331,8 @@ private:
     std::vector<float> normals_, uv_;
     std::vector<int> indices_, colour_indices_, normal_indices_, uv_indices_;
     bool by_vertex_ = true, turned_ = false, twosided_ = false, smooth_ = false;
+    bool points_have_colours_ = false;
+    std::vector<bool> coloured_; // points that have theirs
     std::size_t surface_ = 0;
 };
 
@@ -307,18 +352,19 @@ void add_grid(const vrml2_fields &from, const vrml2_grid &grid, const vrml2_look
     const auto &m = look.placed;
     std::size_t first = 0;
     for (std::size_t face = 0; face < grid.ends.size(); first = grid.ends[face++]) {
-        std::vector<std::size_t> places;
         for (std::size_t i = first; i < grid.ends[face]; ++i) {
             const auto &c = grid.corners[turned ? grid.ends[face] - 1 - (i - first) : i];
             out->mesh.add_corner(c.point, static_cast<float>(m[0] * c.u + m[1] * c.v + m[2]),
                                  static_cast<float>(m[3] * c.u + m[4] * c.v + m[5]));
-            places.push_back(static_cast<std::size_t>(c.point));
         }
         out->mesh.end_surface(!palette.has_colours() ? palette.plain()
-                              : by_vertex            ? palette.colour(places, &out->mixed_colours)
+                              : by_vertex            ? palette.white()
                                                      : palette.colour(face),
                               flags);
     }
+    std::vector<bool> known;
+    for (std::size_t i = 0; palette.has_colours() && by_vertex && i < grid.points.size(); ++i)
+        colour_point(palette, i, static_cast<int>(i), out, &known);
 }
 
 } // namespace

@@ -24,9 +24,10 @@ struct vrml2_look {
 // One object while shapes are added to it.
 struct vrml2_mesh {
     import_mesh mesh;
-    std::vector<bool> loose;      // points that are shown as such
-    std::string_view coordinates; // of its points, when they all come from one list
-    int mixed_colours = 0;        // surfaces whose corners have several
+    std::vector<bool> loose;            // points that are shown as such
+    std::string_view coordinates;       // of its points, when they all come from one list
+    std::vector<unsigned char> colours; // of the points, three numbers each; may be shorter
+    int mixed_colours = 0;              // corners of one point that have another colour
 };
 
 // Adds a geometry. Shapes of one list of coordinates share its points. False when it is of no type

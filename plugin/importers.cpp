@@ -125,9 +125,10 @@ const char *reason_of_refusal(const char *filename)
         return nullptr; // the reader says why
     if (S_ISDIR(about.st_mode))
         return "it is a folder";
+    if (!S_ISREG(about.st_mode))
+        return "it is a pipe or a device, no file";
     char head[8] = {};
-    if (S_ISREG(about.st_mode))
-        std::ifstream(filename, std::ios::binary).read(head, sizeof head);
+    std::ifstream(filename, std::ios::binary).read(head, sizeof head);
     const std::string_view start(head, sizeof head);
     const bool low_first = start.starts_with("\xFF\xFE") && head[3] == 0 && head[5] == 0;
     const bool high_first = start.starts_with("\xFE\xFF") && head[2] == 0 && head[4] == 0;
@@ -204,11 +205,6 @@ object_t *vesk_import_file(const char *given_name)
                                format_table_text<vesk_importer_t>(importers, "import").c_str());
         return nullptr;
     }
-    struct stat about = {};
-    if (stat(filename, &about) == 0 && !S_ISREG(about.st_mode))
-        return import_refused(filename, S_ISDIR(about.st_mode)
-                                            ? "it is a folder"
-                                            : "it is a pipe or a device, no file");
     const double began = ui_port().now_seconds();
     last_file_report().format = importer->description;
     if (const char *reason = reason_of_refusal(filename); reason != nullptr)

@@ -11,6 +11,7 @@
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
+#include "model/vertex_colours.h"
 #include "model/world.h"
 #include "tests/fileio/file_cases.h"
 #include "tests/fileio/foreign_files.h"
@@ -176,9 +177,19 @@ DEF corners Shape {
     EXPECT_EQ(material_of("faces").diffuse[1], 1);
     EXPECT_EQ(vesk_surface_get_flags(first_surface("faces")), SURFACE_SMOOTH | SURFACE_TWOSIDED);
     EXPECT_EQ(item_of<svertex>(first_surface("faces")->refs)->vertex->position.x,
-              1);                                                    // turned round
-    EXPECT_NEAR(material_of("corners").diffuse[0], 10 / 15.0, 1e-6); // the mean
-    EXPECT_TRUE(warned("1 surfaces have corners of several colours; they have the mean now"));
+              1); // turned round
+    // Colours of points stay with them, there and back.
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(material_of("corners").diffuse[1], 1); // multiplied by them
+        const unsigned char *rgb = vesk_object_get_vertex_colours(find("corners"));
+        ASSERT_NE(rgb, nullptr);
+        EXPECT_TRUE(rgb[0] == 255 && rgb[1] == 0 && rgb[6] == 0 && rgb[8] == 255);
+        const std::string file = temporary_file("colours.wrl");
+        run("export_model", file);
+        EXPECT_TRUE(last_file_report().losses.empty());
+        run("clear_all");
+        ASSERT_EQ(run("file_load", file), "1");
+    }
 }
 
 // Closed, and the outside outside: also in a mirror.
@@ -557,7 +568,7 @@ TEST_P(HarmfulVrml, IsReadOrRefusedSoon)
     const auto began = std::chrono::steady_clock::now();
     const std::string came = load(c.text);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
-    EXPECT_LT(took.count(), 20) << c.name; // seconds; far below on an idle machine
+    EXPECT_LT(took.count(), 60) << c.name; // seconds; two on an idle machine
     if (std::string(c.reason) == "1") {
         EXPECT_EQ(came, "1") << refusal();
     } else if (*c.reason != '\0') {

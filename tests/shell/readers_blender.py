@@ -1,14 +1,21 @@
 # blender --background --factory-startup --python readers_blender.py -- FILE...
 # Prints a line for each file: its suffix, how many mesh objects, polygons, corners and materials are
 # in it, how many polygons are smooth, the box's rounded size by rising length, and the objects' names.
-import bpy
+import builtins
 import os
 import sys
+
+import bpy
 
 import numpy
 
 if 'bool' not in vars(numpy):  # names that its glTF reader needs and newer versions have not
     numpy.bool = bool
+
+# Its VRML reader asks for a mode that newer versions have not.
+python_open = builtins.open
+builtins.open = lambda path, mode='r', *rest, **more: python_open(
+    path, mode.replace('U', ''), *rest, **more)
 
 importers = {
     '.obj': lambda f: bpy.ops.wm.obj_import(filepath=f),

@@ -40,14 +40,14 @@ printf 'newmtl br\303\244un\nKd 0.8 0.2 0\nnewmtl wood\nKd 1 1 1\nmap_Kd wood.pn
     printf 'f 9/1 10/2 11/3 12/4 13/5 14/6\n'
 } >corpus.obj
 formats="obj ply stl gltf glb dae fbx 3mf 3ds"
-for suffix in $formats; do
+for suffix in $formats wrl; do
     "$program" -convert corpus.obj "out.$suffix" >/dev/null 2>&1
     [ -s "out.$suffix" ] || is "out.$suffix is written" no yes
 done
 
 if command -v blender >/dev/null; then
     blender --background --factory-startup --python "$here/readers_blender.py" -- \
-        out.obj out.ply out.stl out.gltf out.glb out.dae out.fbx >blender.log 2>&1
+        out.obj out.ply out.stl out.gltf out.glb out.dae out.fbx out.wrl >blender.log 2>&1
     # read SUFFIX WANTED: objects, polygons, corners, materials, smooth ones, size, names
     read_by_blender() {
         local got
@@ -62,6 +62,7 @@ if command -v blender >/dev/null; then
     read_by_blender gltf "2 16 48 2 8 $size $names"
     read_by_blender glb "2 16 48 2 8 $size $names"
     read_by_blender dae "2 7 30 2 4 $size $names"
+    read_by_blender wrl "3 7 30 3 0 $size Shape_IndexedFaceSet|Shape_IndexedFaceSet.001|Shape_IndexedFaceSet.002"
     read_by_blender fbx "2 7 30 2 4 $size $names"
 else
     echo "left out: blender is not installed"
