@@ -71,7 +71,30 @@ unsigned new_file_mode()
     return 0666 & ~mask;
 }
 
+std::string keep_in_temporary_folder(const std::string &bytes)
+{
+    const char *folder = std::getenv("TMPDIR");
+    std::string name = std::string(folder == nullptr ? "/tmp" : folder) + "/vesk-backup-XXXXXX";
+    const int copy = mkostemp(name.data(), O_CLOEXEC);
+    if (copy < 0)
+        return "";
+    size_t copied = 0;
+    const bool kept = write_all(copy, bytes, &copied) && fsync(copy) == 0;
+    close(copy);
+    if (kept)
+        return name;
+    unlink(name.c_str());
+    return "";
+}
+
+in_place_copies copies = {
+    [](const std::string &, const std::string &) { return std::string(); },
+    [](const std::string &) {},
+};
+
 } // namespace
+
+void atomic_file_set_copies(in_place_copies by) { copies = by; }
 
 atomic_writer_t::atomic_writer_t(const char *name) : target(resolved(name))
 {
@@ -116,21 +139,15 @@ void atomic_writer_t::open_in_place()
     std::string old;
     if (!read_whole_file(target.c_str(), &old))
         return;
-    const char *folder = std::getenv("TMPDIR");
-    other = std::string(folder == nullptr ? "/tmp" : folder) + "/vesk-backup-XXXXXX";
-    const int copy = mkstemp(other.data());
-    if (copy < 0)
+    other = copies.keep(target, old);
+    copy_is_ours = other.empty();
+    if (copy_is_ours)
+        other = keep_in_temporary_folder(old);
+    if (other.empty()) // no copy, no write
         return;
-    size_t copied = 0;
-    const bool kept = write_all(copy, old, &copied) && fsync(copy) == 0;
-    close(copy);
-    if (!kept) { // no copy, no write
-        unlink(other.c_str());
-        return;
-    }
     open_target(way::in_place);
     if (!is_open)
-        unlink(other.c_str());
+        drop_copy();
 }
 
 bool atomic_writer_t::write(std::string_view text)
@@ -139,6 +156,14 @@ bool atomic_writer_t::write(std::string_view text)
         return false;
     failed = !noted(write_all(fd, text, &bytes));
     return !failed;
+}
+
+void atomic_writer_t::drop_copy()
+{
+    if (copy_is_ours)
+        unlink(other.c_str());
+    else
+        copies.drop(other);
 }
 
 void atomic_writer_t::take_back()
@@ -154,7 +179,7 @@ void atomic_writer_t::take_back()
         if (again >= 0)
             close(again);
         if (whole) // else the backup is the only whole copy: it stays
-            unlink(other.c_str());
+            drop_copy();
     }
 }
 
@@ -178,7 +203,7 @@ bool atomic_writer_t::commit()
     if (how == way::temporary) {
         sync_folder_of(target);
     } else if (how == way::in_place) {
-        unlink(other.c_str());
+        drop_copy();
     }
     return true;
 }

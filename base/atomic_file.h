@@ -34,6 +34,7 @@ private:
     void open_in_place();
     void open_target(way how);
     void take_back();
+    void drop_copy();
 
     std::string target;
     std::string other; // the temporary file, or the backup
@@ -41,8 +42,17 @@ private:
     int fd = -1;
     bool is_open = false;
     bool failed = false;
+    bool copy_is_ours = false; // in the temporary folder
     size_t bytes = 0;
 };
+
+// Who keeps the old bytes while a file is written in place: `keep` returns the name of the copy, ""
+// for one in the temporary folder, and `drop` removes it.
+struct in_place_copies {
+    std::string (*keep)(const std::string &target, const std::string &bytes);
+    void (*drop)(const std::string &copy);
+};
+void atomic_file_set_copies(in_place_copies by);
 
 // A whole file at once; false when it could not be written completely.
 bool atomic_file_write(const char *name, std::string_view text);

@@ -1,5 +1,6 @@
 #include "fileio/rescue.h"
 
+#include "base/atomic_file.h"
 #include "base/crash_guard.h"
 #include "base/current_file.h"
 #include "base/messages.h"
@@ -77,22 +78,29 @@ bool is_own_folder(const fs::path &folder)
     return chmod(folder.c_str(), 0700) == 0;
 }
 
+// Makes and locks the file of a session in a folder; -1 when that is not to be had.
+int lock_in(const fs::path &folder, const char *what, fs::path *base)
+{
+    if (!is_own_folder(folder))
+        return -1;
+    *base = folder / (std::string(what) + "-" + std::to_string(time(nullptr)) + "-" +
+                      std::to_string(getpid()));
+    const std::string file = base->string() + session_suffix;
+    const int lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (lock < 0 || flock(lock, LOCK_EX | LOCK_NB) == 0)
+        return lock;
+    close(lock);
+    return -1;
+}
+
 // Opens and locks the session's own file in a folder.
 bool open_session(const fs::path &folder)
 {
     rescue_session &session = session_files();
-    if (!is_own_folder(folder))
-        return false;
-    const fs::path base =
-        folder / ("session-" + std::to_string(time(nullptr)) + "-" + std::to_string(getpid()));
-    const std::string file = base.string() + session_suffix;
-    session.lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    fs::path base;
+    session.lock = lock_in(folder, "session", &base);
     if (session.lock < 0)
         return false;
-    if (flock(session.lock, LOCK_EX | LOCK_NB) != 0) {
-        close(session.lock);
-        return false;
-    }
     session.base = base;
     return true;
 }
@@ -102,14 +110,12 @@ std::string copy_name(const fs::path &base, const char *kind)
     return base.string() + "." + kind + ".vesk";
 }
 
-// Writes the edited file's name into the session's file.
-void note_original()
+// Writes the name of the file that is being edited into a session's file.
+void note_original(int lock, const std::string &name)
 {
-    const rescue_session &session = session_files();
-    const std::string &name = edited_file();
     std::error_code error;
     const std::string full = name.empty() ? name : fs::absolute(name, error).string();
-    if (ftruncate(session.lock, 0) == 0 && pwrite(session.lock, full.data(), full.size(), 0) < 0)
+    if (ftruncate(lock, 0) == 0 && pwrite(lock, full.data(), full.size(), 0) < 0)
         debugf("can't note the file being edited\n");
 }
 
@@ -233,6 +239,61 @@ void rescue_start()
     crash_guard::set_rescue(on_fatal_fault);
 }
 
+namespace {
+
+// A session of its own for as long as a file is being written in place.
+struct write_session {
+    fs::path base;
+    int lock = -1;
+};
+write_session in_place;
+
+void drop_copy(const std::string & /*copy*/)
+{
+    remove_files(in_place.base);
+    close(in_place.lock);
+    in_place = {};
+}
+
+bool write_copy(const std::string &name, const std::string &bytes)
+{
+    const int fd = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (fd < 0)
+        return false;
+    std::size_t at = 0;
+    for (ssize_t n = 0; at < bytes.size(); at += static_cast<std::size_t>(n)) {
+        n = write(fd, bytes.data() + at, bytes.size() - at);
+        if (n < 0 && errno == EINTR)
+            n = 0;
+        if (n < 0)
+            break;
+    }
+    const bool whole = at == bytes.size() && fsync(fd) == 0;
+    return close(fd) == 0 && whole;
+}
+
+// Of models only: others are not offered.
+std::string keep_copy(const std::string &target, const std::string &bytes)
+{
+    if (!bytes.starts_with("VESK"))
+        return "";
+    for (const fs::path &folder : state_folders()) {
+        in_place.lock = lock_in(folder, "write", &in_place.base);
+        if (in_place.lock < 0)
+            continue;
+        note_original(in_place.lock, target);
+        const std::string name = copy_name(in_place.base, "rescue");
+        if (write_copy(name, bytes))
+            return name;
+        drop_copy(name);
+    }
+    return "";
+}
+
+} // namespace
+
+void rescue_keep_written_in_place() { atomic_file_set_copies({keep_copy, drop_copy}); }
+
 void rescue_end()
 {
     rescue_session &session = session_files();
@@ -255,7 +316,7 @@ bool autosave_start(const char *file)
         return start_worker(model_state_capture(), file);
     if (session.base.empty())
         return false;
-    note_original();
+    note_original(session.lock, edited_file());
     return start_worker(model_state_capture(), copy_name(session.base, "autosave"));
 }
 
@@ -264,7 +325,7 @@ void rescue_write()
     rescue_session &session = session_files();
     if (session.base.empty())
         return;
-    note_original();
+    note_original(session.lock, edited_file());
     start_worker(journal_state(), session.rescue_file);
 }
 

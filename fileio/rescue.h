@@ -15,6 +15,9 @@
 // Begins the session's copies: from now on a fault that cannot be survived writes one. When they
 // cannot lie where they should the status line says so.
 void rescue_start();
+// From now on the old bytes of a model that is written in place, because its folder takes no new file,
+// are kept as a copy of that kind until the new ones stand: torn files are offered, too.
+void rescue_keep_written_in_place();
 // Removes the copies of a session that ends well. To be called when the user ended it; whoever else
 // ends the program leaves them.
 void rescue_end();

@@ -272,6 +272,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
         batch = batch || batch_option_at(i, argc, argv) != nullptr;
     toolkit.install_port(batch);
     crash_guard::install();
+    rescue_keep_written_in_place();
     read_start_directory();
 
     const command_line_t line = parse_command_line(argc, argv);

@@ -192,7 +192,8 @@ private:
     void look_up_and_add(int number)
     {
         const piece &p = pieces_[number];
-        for (auto &[level, cells] : levels_) {
+        for (auto &[level, at_level] : levels_) {
+            auto &cells = at_level; // a plain name: closures take it everywhere
             for_cells(p.box, level, [&](const cell_key &key) {
                 const auto at = cells.find(key);
                 if (at != cells.end())

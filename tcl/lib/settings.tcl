@@ -29,6 +29,8 @@ namespace eval ::vesk::settings {
     variable defaults $values
     # Keys that the file may hold although no default stands above: {pattern ...}
     variable free {recent_colour search_history}
+    # Those of pairs; others whose default is empty are lists.
+    variable pairs {issues_open keys view_places view_windows saved_tools}
 }
 
 # file_name --
@@ -38,6 +40,16 @@ proc ::vesk::settings::file_name {} {
         return [file join $::env(USERPROFILE) veskui.txt]
     }
     return [file join [pwd] veskui.txt]
+}
+
+# fits --
+#   Whether a value has the shape of its key: what reads a list later need not ask.
+proc ::vesk::settings::fits {key value} {
+    variable defaults
+    variable pairs
+    if {![dict exists $defaults $key] || [dict get $defaults $key] ne ""} {return 1}
+    if {[catch {llength $value} count]} {return 0}
+    return [expr {$key ni $pairs || $count % 2 == 0}]
 }
 
 # read --
@@ -51,7 +63,8 @@ proc ::vesk::settings::read {{name ""}} {
     while {[gets $channel line] >= 0} {
         if {[catch {llength $line} count] || $count != 2} {continue}
         lassign $line key value
-        if {[dict exists $values $key] || $key in $free} {dict set values $key $value}
+        if {![dict exists $values $key] && $key ni $free} {continue}
+        if {[fits $key $value]} {dict set values $key $value}
     }
     close $channel
 }

@@ -5,6 +5,7 @@
 #include "fileio/helper_process.h"
 #include "fileio/scene_stream.h"
 #include "tests/fileio/foreign_files.h"
+#include "tests/support/places.h"
 #include "tests/support/scene_test.h"
 
 #include <chrono>
@@ -195,7 +196,7 @@ TEST_F(Helper, CancelEndsItAtOnce)
 
 TEST_F(Helper, LimitsHoldInsideTheRealOne)
 {
-    vesk_set_homedir(VESK_BINARY_DIR "/home");
+    vesk_set_homedir(built_file("home").c_str());
     const std::string file = temporary_file("many.stl");
     std::string bytes(80, ' ');
     const std::uint32_t count = 2000000;

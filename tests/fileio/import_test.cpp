@@ -15,6 +15,7 @@
 #include "tests/fileio/foreign_files.h"
 #include "tests/model/textures/image_writer.h"
 #include "tests/support/damage.h"
+#include "tests/support/places.h"
 #include "tests/support/scene_test.h"
 
 #include <random>
@@ -51,7 +52,7 @@ protected:
         SceneTest::SetUp();
         crash_guard::forget_faults_for_test();
         home_ = vesk_get_vesk_homedir() == nullptr ? "" : vesk_get_vesk_homedir();
-        vesk_set_homedir(VESK_BINARY_DIR "/home");
+        vesk_set_homedir(built_file("home").c_str());
         textures_reset_for_test();
         vesk_register_builtin_texture_loaders();
         write_text(temporary_file("wood.bmp"), write_bmp(sample_picture(4, 4, 0), {}));

@@ -299,6 +299,24 @@ TEST_F(Backup, PreviousVersionsAreKept)
     EXPECT_FALSE(fs::exists(file + ".bak0"));
 }
 
+TEST_F(Backup, AVersionThatAKilledSaveLeftBehindIsKept)
+{
+    const std::string file = temporary_file("killed.vesk");
+    run("set_backup_versions", 3);
+    write_text(file, "new");
+    write_text(file + ".bak0", "old");
+    write_text(file + ".bak1", "older");
+    EXPECT_EQ(run("file_save", file), "1");
+    EXPECT_EQ(read_text(file + ".bak1"), "new");
+    EXPECT_EQ(read_text(file + ".bak2"), "old");
+    EXPECT_EQ(read_text(file + ".bak3"), "older");
+    // Killed before the new file stood: the same file under two names.
+    fs::create_hard_link(file, file + ".bak0");
+    EXPECT_EQ(run("file_save", file), "1");
+    EXPECT_EQ(read_text(file + ".bak2"), "new");
+    EXPECT_FALSE(fs::exists(file + ".bak0"));
+}
+
 TEST_F(Backup, AFailedSaveLeavesThemAlone)
 {
     const std::string file = temporary_file("kept.vesk");

@@ -10,6 +10,7 @@
 #include "model/each.h"
 #include "model/object_tree.h"
 #include "model/world.h"
+#include "tests/support/places.h"
 #include "tests/support/scene_test.h"
 
 #include <cmath>
@@ -21,7 +22,7 @@ protected:
     void SetUp() override
     {
         SceneTest::SetUp();
-        vesk_set_homedir(VESK_BINARY_DIR "/home");
+        vesk_set_homedir(built_file("home").c_str());
     }
     void TearDown() override
     {

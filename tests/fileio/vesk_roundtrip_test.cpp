@@ -14,6 +14,7 @@
 #include "model/world.h"
 #include "model/world_check.h"
 #include "tests/fileio/file_cases.h"
+#include "tests/support/places.h"
 #include "tests/support/scene_test.h"
 
 #include <algorithm>
@@ -89,7 +90,7 @@ TEST_F(RoundTrip, KeepsTextsAndFlags)
 TEST_F(RoundTrip, KeepsTheExamples)
 {
     for (const char *name : {"desk.vesk", "primitives.vesk"}) {
-        const std::string file = std::string(VESK_SOURCE_DIR "/examples/") + name;
+        const std::string file = source_file("examples/") + name;
         object_t *top = readfile_vesk2(file.c_str());
         ASSERT_NE(top, nullptr) << name;
         EXPECT_EQ(last_message(), "Done.") << name;

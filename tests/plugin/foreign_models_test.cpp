@@ -6,6 +6,7 @@
 #include "model/palette.h"
 #include "tests/plugin/interchange_fixture.h"
 #include "tests/support/damage.h"
+#include "tests/support/places.h"
 
 #include <cmath>
 #include <set>
@@ -41,7 +42,7 @@ protected:
         Interchange::SetUp();
         ASSERT_EQ(plugin_load(bundled_plugin("images").c_str()), 1);
         run("set_images_folder", temporary_file("."));
-        ASSERT_EQ(run("file_load", std::string(VESK_TEST_DATA "/blender/") + GetParam().file), "1")
+        ASSERT_EQ(run("file_load", source_file("tests/data/blender/") + GetParam().file), "1")
             << recording().boxes.back();
     }
     void TearDown() override
@@ -112,7 +113,7 @@ TEST_P(ForeignModels, KeepPartsColoursAndTextures)
 TEST_P(ForeignModels, AreReadOrRefusedWhenDamaged)
 {
     const std::string name = GetParam().file;
-    const std::string good = read_text(std::string(VESK_TEST_DATA "/blender/") + name);
+    const std::string good = read_text(source_file("tests/data/blender/") + name);
     const bool read_here = GetParam().cube_surfaces == 0 || name == "b.obj";
     std::mt19937 random(static_cast<unsigned>(damage_setting("VESK_DAMAGE_SEED", 7)));
     const int files = damage_setting("VESK_DAMAGE_FILES", 300) / (read_here ? 3 : 30);

@@ -12,6 +12,7 @@
 #include "model/world.h"
 #include "tests/model/textures/image_writer.h"
 #include "tests/plugin/plugin_test.h"
+#include "tests/support/places.h"
 
 // Line numbers and texts of the last import's.
 inline std::string complaints()
@@ -28,7 +29,7 @@ protected:
     {
         Plugins::SetUp();
         home_ = vesk_get_vesk_homedir() == nullptr ? "" : vesk_get_vesk_homedir();
-        vesk_set_homedir(VESK_BINARY_DIR "/home");
+        vesk_set_homedir(built_file("home").c_str());
         textures_reset_for_test();
         vesk_register_builtin_texture_loaders();
         write_text(temporary_file("wood.bmp"), write_bmp(sample_picture(4, 4, 0), {}));

@@ -233,11 +233,12 @@ TEST_F(Interchange, FoldersAndOtherTextsAreRefusedInPlainWords)
 TEST_F(Interchange, PicturesAreNeverNamedByAbsolutePaths)
 {
     ASSERT_EQ(plugin_load(bundled_plugin("images").c_str()), 1);
-    for (const char *picture : {VESK_TEST_DATA "/blender/wood.png", "/gone/wood.png"}) {
+    for (const std::string &picture :
+         {source_file("tests/data/blender/wood.png"), std::string("/gone/wood.png")}) {
         run("clear_all");
         object_t *square = add_square(1);
-        const bool there = std::string(picture) != "/gone/wood.png";
-        ASSERT_EQ(search_and_set_texture(square, "", picture), there ? 1 : 0);
+        const bool there = picture != "/gone/wood.png";
+        ASSERT_EQ(search_and_set_texture(square, "", picture.c_str()), there ? 1 : 0);
         std::filesystem::remove(temporary_file("wood.png")); // that of another test
         object_mark_tree(vesk_get_world(), CHANGED_ALL);
         for (const char *suffix : {".obj", ".ply", ".gltf", ".dae", ".fbx", ".wrl"}) {

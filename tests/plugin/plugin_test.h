@@ -3,18 +3,16 @@
 
 #include "base/crash_guard.h"
 #include "plugin/loader.h"
+#include "tests/support/places.h"
 #include "tests/support/scene_test.h"
 
 #include <cstdio>
 
 // Plug-ins of the test tree, and those that come along.
-inline std::string plugin_file(const char *name)
-{
-    return std::string(VESK_BINARY_DIR "/tests/") + name + ".p";
-}
+inline std::string plugin_file(const char *name) { return built_file("tests/") + name + ".p"; }
 inline std::string bundled_plugin(const char *name)
 {
-    return std::string(VESK_BINARY_DIR "/home/plugins/") + name + ".p";
+    return built_file("home/plugins/") + name + ".p";
 }
 
 // What a program writes to its standard output; "" when it fails.

@@ -7,6 +7,7 @@ target_sources(vesk_tests PRIVATE
     view/extra_tool_test.cpp
     view/highlight_test.cpp
     view/keys_test.cpp
+    view/monkey_test.cpp
     view/operation_tools_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp
