@@ -207,6 +207,7 @@ void begin(export_text &out) { out.add("#VRML V2.0 utf8\n\n"); }
 const export_format vrml2_tree_format = {.name = "VRML 2.0",
                                          .data = false,
                                          .vertex_colours = true,
+                                         .shown_picture = export_picture_beside,
                                          .begin = begin,
                                          .open = open,
                                          .close = close};
