@@ -29,9 +29,11 @@ progress_t::progress_t(double work)
 
 progress_t::~progress_t()
 {
-    if (session().progress_shown)
-        set_progress_bar(0);
+    if (!session().progress_shown)
+        return;
+    set_progress_bar(0);
     session().progress_shown = false;
+    ui_port().busy_cursor(0);
 }
 
 bool progress_t::step(double done)
@@ -54,6 +56,7 @@ bool progress_t::look(double done)
     last_pump = now;
     if (now - started > show_after) {
         session().progress_shown = true;
+        ui_port().busy_cursor(1);
         set_progress_bar(static_cast<int>(std::clamp(done / total, 0.0, 1.0) * 100.0));
     }
     handle_tcl_events();

@@ -6,7 +6,6 @@ target_sources(vesk_core PRIVATE
     base/command_result.cpp
     base/console.cpp
     base/coor_display.cpp
-    base/counted.cpp
     base/crash_guard.cpp
     base/current_file.cpp
     base/desktop.cpp

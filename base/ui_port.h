@@ -31,6 +31,7 @@ struct ui_port_t {
     // ---- dialogue ----
     void (*message_box)(const char *title, const char *text); // modal; batch: standard error
     void (*console_write)(const char *text);
+    // Round every command, and during long work: only that shows it.
     void (*busy_cursor)(int on);
 
     // ---- view ----

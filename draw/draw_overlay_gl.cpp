@@ -8,6 +8,7 @@
 #include "draw/selection_marks.h"
 #include "model/each.h"
 #include "model/lights.h"
+#include "model/vector.h"
 #include "model/world.h"
 #include "view/axis_cross.h"
 #include "view/camera_eye.h"
@@ -34,8 +35,10 @@ float interface_scale() { return static_cast<float>(view_interface_scale()); }
 // Across the whole view through the point where the drag began.
 void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
 {
-    point3_t other = tool.lock_point;
-    axis_of(other, tool.locked_axis) += 1.0f;
+    const bool is_axis = tool.locked_axis <= 2;
+    point3_t other = point_add(tool.lock_point, is_axis ? point3_t{0, 0, 0} : tool.lock_way);
+    if (is_axis)
+        axis_of(other, tool.locked_axis) += 1.0f;
     float x1 = 0, y1 = 0, x2 = 0, y2 = 0;
     if (!overlay_position(tool.lock_point, view, &x1, &y1) ||
         !overlay_position(other, view, &x2, &y2))
@@ -47,7 +50,8 @@ void draw_axis_lock(const overlay_t &tool, int view, int width, int height)
         return;
     const float reach = static_cast<float>(width + height) / length;
     draw_soft_line(x1 - dx * reach, y1 - dy * reach, x1 + dx * reach, y1 + dy * reach,
-                   interface_scale(), colour_of(axis_colour(tool.locked_axis)));
+                   interface_scale(),
+                   colour_of(is_axis ? axis_colour(tool.locked_axis) : prefs.col_box));
 }
 
 void draw_preview(const overlay_t &tool, int view)

@@ -40,7 +40,7 @@ int word_in(const char *what, const char *word, std::initializer_list<const char
             return place;
         all += (place++ == 0 ? "" : ", ") + std::string(each_word);
     }
-    display_message("%s - one of %s, not \"%s\"", what, all.c_str(), word);
+    display_message("%s - one of %s, not '%s'", what, all.c_str(), word);
     return -1;
 }
 

@@ -76,7 +76,7 @@ std::optional<vec3d> axis_of_word(const char *what, const char *word)
         axis = unit_of(numbers_of(word).value_or(vec3d{}));
     }
     if (axis == vec3d{}) {
-        display_message("%s - no axis \"%s\"", what, word);
+        display_message("%s - no axis '%s'", what, word);
         return {};
     }
     picked.last = axis;
@@ -94,7 +94,7 @@ std::optional<vec3d> pivot_of_word(const char *what, const char *word)
         return picked.pivot;
     const std::optional<vec3d> numbers = numbers_of(word);
     if (!numbers)
-        display_message("%s - no pivot \"%s\"", what, word);
+        display_message("%s - no pivot '%s'", what, word);
     return numbers;
 }
 

@@ -73,7 +73,7 @@ bool refuse_open(const solids_t &solids)
     clear_selection();
     select_vertices(ends.get());
     finish_edit();
-    display_message("boolean - \"%s\" is not closed: surface %d has one of %d open edges",
+    display_message("boolean - '%s' is not closed: surface %d has one of %d open edges",
                     name.c_str(), surface, static_cast<int>(open.size()));
     return true;
 }
@@ -109,7 +109,7 @@ bool refuse_crossing(const solids_t &solids, const solid_faces &faces)
     clear_selection();
     select_surfacelist(surfaces.get());
     finish_edit();
-    display_message("boolean - \"%s\" goes through itself: surfaces %d and %d, %d places",
+    display_message("boolean - '%s' goes through itself: surfaces %d and %d, %d places",
                     name.c_str(), solids.meshes.units()[a].surface,
                     solids.meshes.units()[b].surface, static_cast<int>(crossings.size()));
     return true;
@@ -270,7 +270,7 @@ void command_boolean(int count, const char *const *words)
 {
     const std::optional<solid_operation> operation = boolean_operation_of(words[0]);
     if (!operation) {
-        display_message("boolean - union, difference or intersection, not \"%s\"", words[0]);
+        display_message("boolean - union, difference or intersection, not '%s'", words[0]);
         return;
     }
     solids_t solids;

@@ -204,7 +204,7 @@ std::vector<std::pair<flat_ptr, int>> gather(const std::vector<object_t *> &tops
 std::string refused(const solid_meshes &solids, int unit, const char *why)
 {
     const object_t *top = top_records()[solids.units()[unit].part];
-    return std::string("boolean - \"") + top->name + "\" " + why;
+    return std::string("boolean - '") + top->name + "' " + why;
 }
 
 // Returns what is to be told; without a mesh it is a refusal.
@@ -344,7 +344,7 @@ void command_boolean_live(const char *operation)
 {
     const bool off = std::strcmp(operation, off_word) == 0;
     if (!off && !boolean_operation_of(operation)) {
-        display_message("boolean - union, difference, intersection or off, not \"%s\"", operation);
+        display_message("boolean - union, difference, intersection or off, not '%s'", operation);
         return;
     }
     if (off && runs() && still_holds()) {

@@ -3,6 +3,9 @@
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "base/progress.h"
+#include "edit/document/edge_selection.h"
+#include "edit/document/edit_support.h"
+#include "edit/document/selection_scan.h"
 #include "edit/mesh/box_tree.h"
 #include "edit/mesh/tessellator.h"
 #include "edit/part_moves.h"
@@ -62,11 +65,10 @@ double height_at(const triangle_t &t, const vec3d &at)
            all;
 }
 
-// The smallest way down from `upper` to `lower` over the area that they have in common, seen from
-// above: it is at a corner of that.
-double way_down(const triangle_t &upper, const triangle_t &lower)
+// What two have in common, seen from above: corners of the part of `upper`, a polygon, a line or a
+// point, that lies over the triangle.
+std::vector<vec3d> part_above(std::vector<vec3d> common, const triangle_t &lower)
 {
-    std::vector<vec3d> common(upper.p, upper.p + 3);
     for (int side = 0; side < 3 && !common.empty(); ++side) {
         const vec3d &a = lower.p[side], &b = lower.p[(side + 1) % 3];
         std::vector<vec3d> inside;
@@ -80,6 +82,14 @@ double way_down(const triangle_t &upper, const triangle_t &lower)
         }
         common = std::move(inside);
     }
+    return common;
+}
+
+// The smallest way down from `upper` to `lower` over the area that they have in common: it is at a
+// corner of that.
+double way_down(const triangle_t &upper, const triangle_t &lower)
+{
+    const std::vector<vec3d> common = part_above({upper.p, upper.p + 3}, lower);
     double area = 0, way = nothing_below;
     for (std::size_t i = 1; i + 1 < common.size(); ++i)
         area += area_above(common[0], common[i], common[i + 1]);
@@ -96,11 +106,14 @@ struct ground_t {
     std::unique_ptr<box_tree> tree;
     box_t box = box_t::none();
 
-    void add(object_t *object, tessellator_t &cutter)
+    // Of an object all surfaces, or those with these marks.
+    void add(object_t *object, tessellator_t &cutter, const std::vector<bool> *only = nullptr)
     {
         const flat_ptr mesh = object_flat(object);
         std::vector<point3_t> outline;
         for (int s = 0; s < mesh->num_surfaces(); ++s) {
+            if (only != nullptr && !(*only)[s])
+                continue;
             outline.clear();
             for (const int v : mesh->surface_corners(s))
                 outline.push_back(mesh->position(v));
@@ -151,6 +164,25 @@ double fall(const ground_t &falling, const ground_t &on)
                 way = std::max(here, 0.0);
         });
     }
+    return way;
+}
+
+// The same for a line or a point.
+double fall(const std::vector<vec3d> &ends, const ground_t &on)
+{
+    double way = nothing_below;
+    box_t box = box_t::none();
+    for (const vec3d &end : ends)
+        box.add(to_point(end));
+    box.low[1] = -std::numeric_limits<float>::max();
+    on.tree->query(box, [&](int i) {
+        // Where the ends of the part lie on the line, from which a crossing is interpolated.
+        for (const vec3d &at : part_above(ends, on.triangles[i])) {
+            const double here = at.y - height_at(on.triangles[i], at);
+            if (here >= -wall && here < way)
+                way = std::max(here, 0.0);
+        }
+    });
     return way;
 }
 
@@ -214,6 +246,82 @@ int drop_onto_others(part_moves &parts)
     return without;
 }
 
+// Selected vertices, edges and surfaces fall as one, onto everything that does not hang on them.
+class falling_elements {
+public:
+    explicit falling_elements(part_moves &parts) : parts_(parts)
+    {
+        std::vector<vertex *> points;
+        for (int i = 0; i < parts.count(); ++i)
+            points.push_back(parts.point(i));
+        owners_ = unique_objects(owners_of_vertices(points));
+        moving_.insert(points.begin(), points.end());
+        for_each_object(vesk_get_world(), [&](object_t *object) {
+            if (object->visible != 0)
+                sort(object);
+        });
+        ground_.plant();
+        falling_.plant();
+    }
+
+    [[nodiscard]] double way() const
+    {
+        double least = falling_.triangles.empty() ? nothing_below : fall(falling_, ground_);
+        for (int i = 0; i < parts_.count(); ++i)
+            least = std::min(least, fall({to_vec3d(parts_.point(i)->position)}, ground_));
+        for (const owned_edges &owned : selected_edges()) {
+            const flat_mesh &mesh = owned.topology->mesh();
+            for (const int e : owned.edges) {
+                const mesh_edge &edge = owned.topology->edge(e);
+                least = std::min(
+                    least, fall({to_vec3d(mesh.position(edge.a)), to_vec3d(mesh.position(edge.b))},
+                                ground_));
+            }
+        }
+        return least;
+    }
+
+private:
+    // Surfaces with none of the vertices are ground, those with all of them fall.
+    void sort(object_t *object)
+    {
+        if (std::find(owners_.begin(), owners_.end(), object) == owners_.end()) {
+            ground_.add(object, cutter_);
+            return;
+        }
+        const flat_ptr mesh = object_flat(object);
+        std::vector<bool> stays(mesh->num_surfaces()), falls(mesh->num_surfaces());
+        for (int s = 0; s < mesh->num_surfaces(); ++s) {
+            const auto corners = mesh->surface_corners(s);
+            const auto moves = std::count_if(corners.begin(), corners.end(), [&](int v) {
+                return moving_.contains(mesh->vertex_record(v));
+            });
+            stays[s] = moves == 0;
+            falls[s] = moves == static_cast<std::ptrdiff_t>(corners.size());
+        }
+        ground_.add(object, cutter_, &stays);
+        falling_.add(object, cutter_, &falls);
+    }
+
+    part_moves &parts_;
+    std::vector<object_t *> owners_;
+    std::unordered_set<const vertex *> moving_;
+    tessellator_t cutter_;
+    ground_t ground_, falling_;
+};
+
+void drop_elements(part_moves &parts)
+{
+    const double way = falling_elements(parts).way();
+    if (way == nothing_below) {
+        display_message("drop - nothing lies below");
+        return;
+    }
+    for (int i = 0; i < parts.count(); ++i)
+        parts.set_offset(i, {0, static_cast<float>(-way), 0});
+    parts.commit("drop");
+}
+
 } // namespace
 
 // ---- commands ----
@@ -229,7 +337,7 @@ void command_drop(const char *height)
         return;
     }
     if (parts.object(0) == nullptr) {
-        display_message("drop - select objects first");
+        drop_elements(parts);
         return;
     }
     const int without = drop_onto_others(parts);

@@ -1,7 +1,6 @@
 #include "edit/insert_vertex.h"
 
 #include "base/command_result.h"
-#include "base/counted.h"
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/document/edit_support.h"
@@ -102,8 +101,7 @@ int insert_vertex_at(object_t *object, int a, int b, float share)
         select_vertices(chosen.get());
     }
     finish_edit();
-    display_message("insert vertex - %s",
-                    counted(static_cast<int>(places.size()), "vertices").c_str());
+    display_message(places.size() == 1 ? "insert vertex - 1 vertex" : "insert vertex - 2 vertices");
     return static_cast<int>(places.size());
 }
 

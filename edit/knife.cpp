@@ -1,6 +1,5 @@
 #include "edit/knife.h"
 
-#include "base/counted.h"
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "edit/document/edit_support.h"
@@ -186,7 +185,7 @@ void knife_commit(object_t *object, const knife_cut &cut, const std::vector<poin
         change_selection(pieces.get(), true);
     }
     finish_edit();
-    display_message("knife - %s", counted(cut.num_cut() + num_across, "surfaces").c_str());
+    display_message("knife - %d surfaces", cut.num_cut() + num_across);
     if (!across.empty() && num_across == 0)
         tell_without_counterpart(1);
 }

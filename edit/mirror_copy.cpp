@@ -266,7 +266,7 @@ void command_symmetrize(int count, const char *const *words)
     if (std::strcmp(words[1], "negative") == 0) {
         plane->normal = plane->normal * -1;
     } else if (std::strcmp(words[1], "positive") != 0) {
-        display_message("%s - the side is positive or negative, not \"%s\"", what, words[1]);
+        display_message("%s - the side is positive or negative, not '%s'", what, words[1]);
         return;
     }
     const std::vector<owned_elements> targets = target_surfaces();

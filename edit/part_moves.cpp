@@ -72,7 +72,7 @@ int part_axis(const char *what, const char *word)
     const char *const letters = "xyz012";
     const char *at = word[0] != '\0' && word[1] == '\0' ? std::strchr(letters, word[0]) : nullptr;
     if (at == nullptr) {
-        display_message("%s - no axis \"%s\"", what, word);
+        display_message("%s - no axis '%s'", what, word);
         return -1;
     }
     return static_cast<int>(at - letters) % 3;

@@ -17,8 +17,9 @@ public:
     [[nodiscard]] int count() const { return static_cast<int>(parts_.size()); }
     [[nodiscard]] const point3_t &box_min(int part) const { return parts_[part].min; }
     [[nodiscard]] const point3_t &box_max(int part) const { return parts_[part].max; }
-    // The object of a part; null for a vertex.
+    // The object of a part, or its vertex; null where it is the other.
     [[nodiscard]] object_t *object(int part) const { return parts_[part].object; }
+    [[nodiscard]] vertex *point(int part) const { return parts_[part].point; }
     void set_offset(int part, const point3_t &offset) { parts_[part].offset = offset; }
 
     // Moves them and tells how many moved; without any that moves there is no record.

@@ -32,21 +32,21 @@ void make(const drag_change_t &change)
     display_status();
 }
 
-// About an axis through a pivot, as the words behind the number name them.
-void make_about(const char *what, int count, const char *const *words,
+// About an axis through a pivot, as the words name them.
+void make_about(const char *what, double number, int count, const char *const *words,
                 affine_t (*of)(const vec3d &, double))
 {
     if (selection().box_valid == 0) {
         display_message("%s - nothing selected", what);
         return;
     }
-    const std::optional<vec3d> axis = axis_of_word(what, count > 1 ? words[1] : "z");
-    const std::optional<vec3d> pivot = pivot_of_word(what, count > 2 ? words[2] : "selection");
+    const std::optional<vec3d> axis = axis_of_word(what, count > 0 ? words[0] : "z");
+    const std::optional<vec3d> pivot = pivot_of_word(what, count > 1 ? words[1] : "selection");
     if (!axis || !pivot)
         return;
     drag_change_t change;
     change.kind = drag_change_t::PLACE;
-    change.place = of(*axis, double_of(words[0])).about(*pivot);
+    change.place = of(*axis, number).about(*pivot);
     change.keeps_frames = of == affine_stretch;
     change.label = what;
     make(change);
@@ -70,10 +70,30 @@ void command_place_on_surface(int, const char *const *words)
 
 void command_rotate_about_axis(int count, const char *const *words)
 {
-    make_about("rotate", count, words, affine_turn);
+    make_about("rotate", double_of(words[0]), count - 1, words + 1, affine_turn);
 }
 
 void command_scale_along(int count, const char *const *words)
 {
-    make_about("scale", count, words, affine_stretch);
+    make_about("scale", double_of(words[0]), count - 1, words + 1, affine_stretch);
+}
+
+void command_mirror_along(int count, const char *const *words)
+{
+    make_about("mirror", -1, count, words, affine_stretch);
+}
+
+void command_move_along(int count, const char *const *words)
+{
+    if (selection().box_valid == 0) {
+        display_message("move - nothing selected");
+        return;
+    }
+    const std::optional<vec3d> axis = axis_of_word("move", count > 1 ? words[1] : "z");
+    if (!axis)
+        return;
+    drag_change_t change;
+    change.kind = drag_change_t::MOVE;
+    change.offset = to_point(*axis * double_of(words[0]));
+    make(change);
 }

@@ -17,5 +17,9 @@ void command_place_on_surface(int count, const char *const *words);
 // are left out. Undo "rotate", "scale".
 void command_rotate_about_axis(int count, const char *const *words);
 void command_scale_along(int count, const char *const *words);
+// Commands "mirror_along": the axis, then the pivot; "move_along": a distance, then the axis. Undo
+// "mirror", "move".
+void command_mirror_along(int count, const char *const *words);
+void command_move_along(int count, const char *const *words);
 
 #endif

@@ -139,7 +139,7 @@ void command_select_inside()
     for (const solid_meshes::open_edge_t &edge : solids.open_edges()) {
         const solid_meshes::unit_t &unit = solids.units()[edge.unit];
         if (unit.part < parts) {
-            display_message("select inside - \"%s\" is not closed", names[unit.mesh].c_str());
+            display_message("select inside - '%s' is not closed", names[unit.mesh].c_str());
             return;
         }
     }

@@ -274,7 +274,7 @@ void command_slice(int, const char *const *words)
     how.front = std::strcmp(keep, "back") != 0;
     how.back = std::strcmp(keep, "front") != 0;
     if (how.front && how.back && std::strcmp(keep, "both") != 0) {
-        display_message("slice - keep both, front or back, not \"%s\"", keep);
+        display_message("slice - keep both, front or back, not '%s'", keep);
         return;
     }
     how.cap = int_of(words[7]) != 0;

@@ -101,9 +101,16 @@ object_t *make_object(const plain_scene &scene, const plain_node &node,
 
 object_t *make_tree(const plain_scene &scene, const std::string &filename)
 {
-    std::vector<int> palette;
+    // Those of the file, and of the reader's own those that a surface has.
+    std::vector<bool> wanted;
     for (const plain_material &m : scene.materials)
-        palette.push_back(palette_index(m));
+        wanted.push_back(!m.name.empty());
+    for (const plain_node &node : scene.nodes)
+        for (const int material : node.materials)
+            wanted[static_cast<size_t>(material)] = true;
+    std::vector<int> palette;
+    for (size_t i = 0; i < wanted.size(); ++i)
+        palette.push_back(wanted[i] ? palette_index(scene.materials[i]) : 0);
     std::vector<object_t *> objects;
     std::vector<object_t *> tops;
     for (const plain_node &node : scene.nodes) {

@@ -5,8 +5,9 @@
 
 VESK_BEGIN_DECLS
 
-/* Colours of an object's vertices, as scanned and painted models have them. They multiply the diffuse
-   colours of the surfaces; the views do not show them. They are kept as a line of the object's data
+/* Colours of an object's vertices, as scanned and painted models have them. They stand in place of the
+   diffuse colours of the surfaces; the views show these, to which readers give a shade of the mean of
+   their corners'. The colours are kept as a line of the object's data
    text below the user's own, so that they travel in model files, copies and the history. */
 
 /* Red, green and blue of each vertex, 0 to 255, in the order of the object's vertices. Null when it has

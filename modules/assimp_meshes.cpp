@@ -3,9 +3,31 @@
 #include <algorithm>
 #include <cmath>
 
-void mesh_builder::add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided,
-                       bool fans)
+int shade_materials::of_face(const aiMesh &mesh, const std::vector<unsigned> &outline, int like)
 {
+    constexpr float steps = 5; // of each part
+    aiColor4D sum;
+    for (const unsigned index : outline)
+        sum = sum + mesh.mColors[0][index];
+    std::array<int, 4> key = {0, 0, 0, like};
+    for (unsigned i = 0; i < 3; ++i) {
+        const float part = sum[i] / static_cast<float>(outline.size());
+        key[i] = part > 0 ? static_cast<int>(std::lround(std::min(part, 1.0f) * steps)) : 0;
+    }
+    const auto [entry, fresh] = known_.emplace(key, static_cast<int>(all_.size()));
+    if (fresh) {
+        plain_material shade = all_[static_cast<std::size_t>(like)];
+        for (std::size_t i = 0; i < 3; ++i)
+            shade.diffuse[i] = static_cast<float>(key[i]) / steps;
+        all_.push_back(shade);
+    }
+    return entry->second;
+}
+
+void mesh_builder::add(const aiMesh &mesh, const aiMatrix4x4 &frame, int material, bool twosided,
+                       bool fans, shade_materials *shades)
+{
+    shades_ = mesh.HasVertexColors(0) ? shades : nullptr;
     frame_ = &frame;
     known_.reserve(known_.size() + mesh.mNumVertices);
     places_.assign(mesh.mNumVertices, -1);
@@ -112,6 +134,8 @@ void mesh_builder::add_face(const aiMesh &mesh, int material, bool twosided)
         return;
     for (const unsigned index : outline_)
         add_corner(mesh, index);
+    if (shades_ != nullptr)
+        material = shades_->of_face(mesh, outline_, material);
     end_surface(material, (twosided ? PLAIN_TWOSIDED : 0) | (is_smooth(mesh) ? PLAIN_SMOOTH : 0));
 }
 

@@ -195,8 +195,8 @@ std::string gltf_file::open(const std::string &filename)
     std::string text;
     if (bytes.compare(0, 4, "glTF") == 0) {
         if (bytes.size() >= 8 && word_at(bytes, 4) == 1)
-            return top_["asset"]["version"] = "1.0", "";
-        if (const std::string reason = take_binary(bytes, &text); !reason.empty())
+            return top_["asset"]["version"] = "1.0", ""; // its text stands elsewhere
+        if (std::string reason = take_binary(bytes, &text); !reason.empty())
             return reason;
     } else {
         text = std::move(bytes);
@@ -375,8 +375,9 @@ bool gltf_file::fill_sparse(const json &accessor, std::size_t width, std::vector
                  static_cast<int>(json_whole(accessor, "componentType", 0)), width, count,
                  json_is_true(accessor, "normalized"), &values))
         return false;
+    const std::size_t elements = out->size() / width;
     for (std::size_t i = 0; i < count; ++i) {
-        if (!(at[i] >= 0) || at[i] >= static_cast<double>(out->size() / width))
+        if (!(at[i] >= 0) || at[i] >= static_cast<double>(elements))
             return false;
         std::copy_n(&values[i * width], width, &(*out)[static_cast<std::size_t>(at[i]) * width]);
     }

@@ -72,7 +72,8 @@ public:
         if (!problem_.empty())
             return problem_;
         if (meshes_.empty() && lights_.empty())
-            return "there is no geometry in it";
+            return too_deep_ ? "its objects lie too many levels deep"
+                             : "there is no geometry in it";
         tree_.convert(*scene_, "gltf", &out_);
         for (plain_node &node : out_.nodes)
             if (node.kind == PLAIN_LIGHT)
@@ -324,10 +325,14 @@ private:
         }
         if (!from.colours.empty()) {
             mesh->mColors[0] = new aiColor4D[count];
+            float base[3]; // which they multiply
+            for (int i = 0; i < 3; ++i)
+                base[i] = gltf_look::linear_of(paint.look.diffuse[i]);
             for (std::size_t i = 0; i < count; ++i) {
                 const float *rgb = &from.colours[from.colour_width * i];
-                mesh->mColors[0][i] = {gltf_look::shown_of(rgb[0]), gltf_look::shown_of(rgb[1]),
-                                       gltf_look::shown_of(rgb[2]), 1};
+                mesh->mColors[0][i] = {gltf_look::shown_of(rgb[0] * base[0]),
+                                       gltf_look::shown_of(rgb[1] * base[1]),
+                                       gltf_look::shown_of(rgb[2] * base[2]), 1};
             }
         }
     }

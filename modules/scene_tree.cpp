@@ -12,6 +12,11 @@ namespace {
 constexpr int most_levels = 1000;
 constexpr float default_grey = 0.8f;
 
+bool is_white(const float *rgb)
+{
+    return std::all_of(rgb, rgb + 3, [](float part) { return part >= 1; });
+}
+
 class scene_converter {
 public:
     scene_converter(const aiScene &scene, const std::string &suffix, const scene_tree &about,
@@ -99,13 +104,11 @@ private:
     {
         if (mesh.mMaterialIndex < materials_of_file_)
             return mesh.mMaterialIndex;
-        const bool points = mesh.mNumFaces == 0 || mesh.mFaces[0].mNumIndices == 1;
-        if (out_.materials.size() == materials_of_file_ && !points) {
-            plain_material &plain = out_.materials.emplace_back();
-            const bool coloured = mesh.HasVertexColors(0);
-            std::fill_n(plain.diffuse, 3, coloured ? 1.0f : default_grey);
-        }
-        return materials_of_file_;
+        const bool coloured = mesh.HasVertexColors(0);
+        const auto [entry, fresh] = plain_.emplace(coloured, out_.materials.size());
+        if (fresh)
+            std::fill_n(out_.materials.emplace_back().diffuse, 3, coloured ? 1.0f : default_grey);
+        return entry->second;
     }
 
     // One object for each picture that the node's meshes have.
@@ -117,14 +120,15 @@ private:
                 continue;
             const aiMesh &mesh = *scene_.mMeshes[source.mMeshes[i]];
             const std::size_t material = material_of(mesh);
-            const std::string picture =
-                material < out_.materials.size() ? out_.materials[material].picture : "";
+            const std::string picture = out_.materials[material].picture;
             mesh_builder &part = built[picture];
             part.node.kind = PLAIN_POLY;
             part.node.picture = picture.empty() ? -1 : static_cast<int>(material);
+            const bool white = picture.empty() && is_white(out_.materials[material].diffuse);
             part.add(mesh, frame, static_cast<int>(material),
-                     material >= about_.twosided.size() || about_.twosided[material],
-                     about_.fans.count(source.mMeshes[i]) != 0);
+                     mesh.mMaterialIndex >= about_.twosided.size() ||
+                         about_.twosided[mesh.mMaterialIndex],
+                     about_.fans.count(source.mMeshes[i]) != 0, white ? &shades_ : nullptr);
         }
         return built;
     }
@@ -197,6 +201,9 @@ private:
     const scene_tree &about_;
     plain_scene &out_;
     const std::size_t materials_of_file_ = out_.materials.size();
+    std::map<bool, std::size_t>
+        plain_; // materials of meshes without one, by whether points have colours
+    shade_materials shades_{&out_.materials};
     std::multimap<std::string, unsigned> waiting_lights_;
     std::size_t bad_points_ = 0, mixed_points_ = 0;
     int level_ = 0;

@@ -5,6 +5,7 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
+#include "base/session_state.h"
 #include "base/ui_port.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_textures_gl.h"
@@ -39,6 +40,7 @@ struct widgets_t {
     double settle_at[num_views] = {never, never, never, never}; // when a view is drawn in full
     Tcl_TimerToken tick = nullptr;
     bool drawing[num_views] = {};
+    bool busy = false;               // the watch is shown
     double drawn_at[num_views] = {}; // end of the last picture
     double cost[num_views] = {};     // seconds that it took
 };
@@ -303,10 +305,26 @@ bool place_of_frame(int out_xy[2])
     return found;
 }
 
+// A watch over the whole window while long work runs, which only its Cancel button ends.
+void show_busy(int on)
+{
+    if ((on != 0) == widgets.busy || (on != 0) != session().progress_shown)
+        return;
+    widgets.busy = on != 0;
+    tcl_command(". configure -cursor %s", widgets.busy ? "watch" : "{}");
+    for (int view = 0; view < num_views; ++view) {
+        if (window_of(view) != nullptr)
+            pointer_show_tk(window_of(view), widgets.busy ? "watch" : nullptr);
+    }
+    if (!widgets.busy)
+        interaction_show_pointer();
+}
+
 } // namespace
 
 void views_tk_fill_port(ui_port_t &port)
 {
+    port.busy_cursor = show_busy;
     port.post_redisplay = [](int view) {
         if (view == texture_coords_view)
             uv_window_post_redisplay();
@@ -334,7 +352,7 @@ void views_tk_fill_port(ui_port_t &port)
     port.set_cursor = [](int view, const char *cursor) {
         const Tk_Window window = view == texture_coords_view ? uv_window_tk() : window_of(view);
         if (window != nullptr)
-            pointer_show_tk(window, cursor);
+            pointer_show_tk(window, widgets.busy ? "watch" : cursor);
     };
 }
 

@@ -16,8 +16,9 @@ struct overlay_t {
     int band_view = VIEW_NONE;              // the rubber band's view
     int x0 = 0, y0 = 0, x1 = 0, y1 = 0;     // its corners, from the press on; x1 < x0: touching
     std::vector<overlay_segment_t> preview; // of a create tool, in all views
-    int locked_axis = -1;                   // 0 to 2 while a drag is locked to an axis
-    point3_t lock_point = {0, 0, 0};
+    int locked_axis =
+        -1; // 0 to 2 while a drag is locked to an axis, above 2 to the direction below
+    point3_t lock_point = {0, 0, 0}, lock_way = {0, 0, 0};
     bool moving = false;      // the selection follows the mouse
     bool pending = false;     // ... by a matrix: the model is changed at the end
     float pending_matrix[16]; // column by column

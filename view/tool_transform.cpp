@@ -5,6 +5,7 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/redraw.h"
+#include "edit/axis_pivot.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
@@ -35,6 +36,8 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -47,7 +50,8 @@ struct state_t {
     pointer_event_t start = {};
     bool moved = false;
     int handle = 0;
-    int axis = -1; // locked to
+    int axis = -1;            // locked to
+    point3_t way = {0, 0, 0}; // locked to another direction, of length 1; 0: none
     world_box_t box = {};
     point3_t centre = {0, 0, 0};
     point3_t grabbed = {0, 0, 0}; // vertex nearest to the press: near snap brings it to another
@@ -64,9 +68,8 @@ doing what_beside(int view) { return is_orthographic(view) ? doing::BAND : doing
 
 doing what_on_selection(int view)
 {
-    if (draw_mode() == DRAW_EXTRUDE) {
+    if (draw_mode() == DRAW_EXTRUDE)
         return extrude_has_surfaces() ? doing::EXTRUDE : what_beside(view);
-    }
     return draw_mode() == DRAW_ROTATE && is_orthographic(view) ? doing::ROTATE : doing::MOVE;
 }
 
@@ -95,34 +98,39 @@ doing what_to_do(const pointer_event_t &event, int handle)
     if (event.view == VIEW_XYZ && vesk_person_is_walk_vehicle() != 0) {
         return doing::NOTHING; // the left button walks
     }
-    if (handle > HANDLE_INSIDE_ROTATE) {
+    if (handle > HANDLE_INSIDE_ROTATE)
         return doing::RESIZE;
-    }
     if (!is_just_loaded() && begins_on_selection(event, handle)) {
         return what_on_selection(event.view);
     }
     return what_beside(event.view);
 }
 
-// An extrusion follows the surfaces' normal where that can be seen, unless an axis is chosen or Shift
-// held.
-bool is_along_normal(const pointer_event_t &event)
+// The direction that the drag keeps to: one that was chosen; else an extrusion follows the surfaces'
+// normal where that can be seen, unless an axis is chosen or Shift held. Of length 0: none.
+point3_t way_of(const pointer_event_t &event)
 {
-    return tool.extrusion != nullptr && tool.axis < 0 && qualifier_shift(event.state) == 0 &&
-           direction_is_seen(event.view, tool.centre, tool.extrusion->normal());
+    if (point_length(tool.way) > 0)
+        return tool.way;
+    const bool by_normal = tool.extrusion != nullptr && tool.axis < 0 &&
+                           qualifier_shift(event.state) == 0 &&
+                           direction_is_seen(event.view, tool.centre, tool.extrusion->normal());
+    return by_normal ? tool.extrusion->normal() : point3_t{0, 0, 0};
 }
+
+bool keeps_to_way(const pointer_event_t &event) { return point_length(way_of(event)) > 0; }
 
 // The world offset of the drag so far.
 point3_t offset_of(const pointer_event_t &event)
 {
     const int dx = event.x - tool.start.x;
     const int dy = event.y - tool.start.y;
-    if (is_along_normal(event)) {
-        return offset_along(event.view, tool.centre, tool.extrusion->normal(), dx, dy);
-    }
-    if (event.view == VIEW_XYZ) {
+    if (keeps_to_way(event))
+        return direction_is_seen(event.view, tool.centre, way_of(event))
+                   ? offset_along(event.view, tool.centre, way_of(event), dx, dy)
+                   : point3_t{0, 0, 0};
+    if (event.view == VIEW_XYZ)
         return screen_offset_3d(tool.centre, dx, dy);
-    }
     point3_t offset = {0, 0, 0};
     const view_axes_t axes = view_axes[event.view];
     const auto unit = static_cast<float>(pixels_to_distance(1, event.view));
@@ -134,9 +142,8 @@ point3_t offset_of(const pointer_event_t &event)
 void lock_to_axis(point3_t *offset)
 {
     for (int axis = 0; axis < 3; ++axis) {
-        if (tool.axis >= 0 && axis != tool.axis) {
+        if (tool.axis >= 0 && axis != tool.axis)
             axis_of(*offset, axis) = 0;
-        }
     }
 }
 
@@ -147,14 +154,11 @@ bool snaps_to_grid(int state) { return (prefs.gridsnap != 0) != (qualifier_contr
 void snap_offset(const pointer_event_t &event, point3_t *offset)
 {
     const bool near = prefs.snap_near != 0 && snap_near_from(tool.grabbed, event.view, offset);
-    if (!near && snaps_to_grid(event.state)) {
+    if (!near && snaps_to_grid(event.state))
         snap_to_grid_from(tool.box.min, offset);
-    }
     lock_to_axis(offset);
-    if (is_along_normal(event)) {
-        const point3_t normal = tool.extrusion->normal();
-        *offset = point_scale(normal, static_cast<float>(point_dot(*offset, normal)));
-    }
+    if (keeps_to_way(event))
+        *offset = point_scale(way_of(event), static_cast<float>(point_dot(*offset, way_of(event))));
 }
 
 // The vertex that moves and lies nearest to the press.
@@ -164,9 +168,8 @@ point3_t nearest_moving(const pointer_event_t &event)
     double smallest = -1;
     for (const vertex *v : tool.transform->moving()) {
         double x = 0, y = 0;
-        if (!window_position(event.view, v->position, &x, &y)) {
+        if (!window_position(event.view, v->position, &x, &y))
             continue;
-        }
         const double distance = std::hypot(x - event.x, y - event.y);
         if (smallest < 0 || distance < smallest) {
             smallest = distance;
@@ -193,11 +196,10 @@ drag_change_t move_change(const pointer_event_t &event)
     lock_to_axis(&change.offset);
     snap_offset(event, &change.offset);
     float distance = 0;
-    if (!is_along_normal(event)) {
+    if (!keeps_to_way(event))
         apply_typed(&change.offset);
-    } else if (number_field_value(0, &distance)) {
-        change.offset = point_scale(tool.extrusion->normal(), distance);
-    }
+    else if (number_field_value(0, &distance))
+        change.offset = point_scale(way_of(event), distance);
     return change;
 }
 
@@ -216,13 +218,11 @@ drag_change_t rotate_change(const pointer_event_t &event)
     change.centre = tool.centre;
     change.own_centres = prefs.rotate_about_object_centre != 0;
     change.degrees = static_cast<float>(std::remainder(now - before, 2 * pi) * degrees_per_radian);
-    if (qualifier_shift(event.state) != 0) {
+    if (qualifier_shift(event.state) != 0)
         change.degrees = std::round(change.degrees / angle_step) * angle_step;
-    }
     float typed = 0;
-    if (number_field_value(0, &typed)) {
+    if (number_field_value(0, &typed))
         change.degrees = typed * rotation_sign(event.view);
-    }
     return change;
 }
 
@@ -288,9 +288,8 @@ void show_pending(const drag_change_t &change)
     overlay_t &shown = overlay();
     shown.moving = true;
     shown.pending = !tool.transform->is_live() && !tool.transform->turns_own(change);
-    if (shown.pending) {
+    if (shown.pending)
         drag_matrix(change, shown.pending_matrix);
-    }
 }
 
 void note_motion_everywhere(double seconds)
@@ -325,29 +324,25 @@ void drop()
     near_snap_end();
     overlay() = {};
     tool = {};
-    if (band_view != VIEW_NONE) {
+    if (band_view != VIEW_NONE)
         redraw(band_view);
-    }
 }
 
 // Its normal is asked for before anything has moved.
 void begin_extrusion()
 {
-    if (tool.what == doing::EXTRUDE && tool.extrusion == nullptr) {
+    if (tool.what == doing::EXTRUDE && tool.extrusion == nullptr)
         tool.extrusion = std::make_unique<extrude_preview_t>();
-    }
 }
 
 // The first motion, or the first digit.
 void begin_change()
 {
-    if (tool.moved) {
+    if (tool.moved)
         return;
-    }
     tool.moved = true;
-    if (tool.what == doing::BAND) {
+    if (tool.what == doing::BAND)
         return;
-    }
     tool.step = std::make_unique<step_t>(step_t::of::drag);
     tool.transform = std::make_unique<drag_transform_t>();
     tool.grabbed = nearest_moving(tool.start);
@@ -373,9 +368,8 @@ void finish_change(const pointer_event_t &event)
     if (is_nothing(change)) {
         transform->take_back();
     } else if (extrudes) {
-        if (extrude_and_select(change.offset, extrusion_sides)) {
+        if (extrude_and_select(change.offset, extrusion_sides))
             words = words_of_extrusion(change.offset, extrusion_sides);
-        }
     } else {
         transform->step(change);
         transform->finish();
@@ -402,12 +396,11 @@ std::vector<number_part_t> number_parts(int *first)
         return {{labels[axis], axis}};
     }
     if (tool.what == doing::RESIZE) {
-        if (tool.axis < 0 && handle_sides(view, tool.handle).horizontal == 0) {
+        if (tool.axis < 0 && handle_sides(view, tool.handle).horizontal == 0)
             *first = view_axes[view].vertical;
-        }
         return {{"W", 0}, {"H", 1}, {"D", 2}};
     }
-    if (is_along_normal(tool.last)) {
+    if (keeps_to_way(tool.last)) {
         *first = 0;
         return {{"D", NUMBER_WITHOUT_AXIS}};
     }
@@ -434,26 +427,33 @@ bool take_number(const char *key)
     return true;
 }
 
+// X, Y and Z lock to an axis; N, L and P to the mean normal, the axis used last, the picked one.
 bool take_axis(const char *key)
 {
-    static constexpr const char *axes = "xyz";
+    static constexpr const char *axes = "xyznlp";
+    static constexpr const char *words[] = {"normal", "last", "picked"};
     const char *axis = std::strlen(key) == 1 ? std::strchr(axes, std::tolower(key[0])) : nullptr;
-    if (axis == nullptr || tool.what == doing::ROTATE) {
+    const auto wanted = static_cast<int>(axis != nullptr ? axis - axes : 0);
+    const bool moves = tool.what == doing::MOVE || tool.what == doing::EXTRUDE;
+    if (axis == nullptr || tool.what == doing::ROTATE || (wanted > 2 && !moves))
         return false;
-    }
-    const auto wanted = static_cast<int>(axis - axes);
-    tool.axis = tool.axis == wanted ? -1 : wanted;
-    overlay().locked_axis = tool.axis;
+    const bool again = overlay().locked_axis == wanted;
+    tool.axis = again || wanted > 2 ? -1 : wanted;
+    const std::optional<vec3d> way =
+        again || wanted <= 2 ? std::nullopt : axis_of_word("move", words[wanted - 3]);
+    const bool had_way =
+        point_length(std::exchange(tool.way, way ? to_point(*way) : point3_t{})) > 0;
+    overlay().locked_axis = way ? wanted : tool.axis;
     overlay().lock_point = tool.centre;
-    if (tool.what == doing::EXTRUDE) {
+    overlay().lock_way = tool.way;
+    if (tool.what == doing::EXTRUDE || way || had_way) {
         number_field_close(); // a distance is none along an axis, nor the other way round
     } else if (number_field_is_open() && tool.axis >= 0) {
         number_field_choose(tool.axis);
         number_field_show(tool.last.view, tool.last.x, tool.last.y);
     }
-    if (tool.moved) {
+    if (tool.moved)
         step(tool.last);
-    }
     return true;
 }
 
@@ -461,9 +461,8 @@ bool press(const pointer_event_t &event)
 {
     const int handle = handle_at(event.view, event.x, event.y);
     const doing what = what_to_do(event, handle);
-    if (draw_mode() == DRAW_EXTRUDE && nothing_is_selected() == 0 && !extrude_has_surfaces()) {
+    if (draw_mode() == DRAW_EXTRUDE && nothing_is_selected() == 0 && !extrude_has_surfaces())
         display_message("extrude - select whole surfaces first");
-    }
     if (what == doing::NOTHING) {
         return false; // the camera's
     }
@@ -478,9 +477,8 @@ bool press(const pointer_event_t &event)
 
 void motion(const pointer_event_t &event)
 {
-    if (!tool.moved && is_click(tool.start, event)) {
+    if (!tool.moved && is_click(tool.start, event))
         return;
-    }
     begin_change();
     tool.last = event;
     step(event);
@@ -510,9 +508,8 @@ void cancel()
     std::unique_ptr<step_t> step = std::move(tool.step);
     const std::unique_ptr<drag_transform_t> transform = std::move(tool.transform);
     drop();
-    if (transform != nullptr) {
+    if (transform != nullptr)
         transform->take_back();
-    }
     step.reset();
     redraw_all();
     display_status();
@@ -520,18 +517,16 @@ void cancel()
 
 bool key(const char *key)
 {
-    if (tool.what == doing::NOTHING || tool.what == doing::BAND) {
+    if (tool.what == doing::NOTHING || tool.what == doing::BAND)
         return false;
-    }
     return take_number(key) || take_axis(key);
 }
 
 // During a drag the wheel makes what soft selection takes along larger or smaller.
 bool wheel(int direction)
 {
-    if (tool.transform == nullptr || tool.extrusion != nullptr || !soft_selection_acts()) {
+    if (tool.transform == nullptr || tool.extrusion != nullptr || !soft_selection_acts())
         return false;
-    }
     tool.transform->take_back();
     soft_radius_step(direction);
     soft_neighbours_shown(false);
@@ -560,9 +555,8 @@ const char *pointer(const pointer_event_t &event)
 {
     const int handle = handle_at(event.view, event.x, event.y);
     const bool flat = is_orthographic(event.view);
-    if (nothing_is_selected() != 0 || (flat ? handle == HANDLE_NONE : !highlight_is_quick())) {
+    if (nothing_is_selected() != 0 || (flat ? handle == HANDLE_NONE : !highlight_is_quick()))
         return nullptr;
-    }
     switch (what_to_do(event, handle)) {
     case doing::RESIZE:
         return handle_cursor(handle);

@@ -21,7 +21,7 @@ void kept_colours::give_back() const
     const nearest_points nearest(places_);
     std::vector<unsigned char> rgb;
     for (const vertex *point : each<vertex>(object_->vertices)) {
-        const std::ptrdiff_t at = 3 * std::max(nearest.nearest(point->position), 0);
+        const std::ptrdiff_t at = 3 * std::ptrdiff_t{std::max(nearest.nearest(point->position), 0)};
         rgb.insert(rgb.end(), rgb_.begin() + at, rgb_.begin() + at + 3);
     }
     vesk_object_set_vertex_colours(object_, rgb.data());

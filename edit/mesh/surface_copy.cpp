@@ -9,6 +9,7 @@
 #include "model/vertex_colours.h"
 
 #include <algorithm>
+#include <iterator>
 
 void object_copy_header(object_t *to, const object_t *from)
 {
@@ -45,7 +46,7 @@ object_t *surface_copier::copy(std::span<const int> surfaces, std::span<const in
     if (!colours_.empty()) {
         std::vector<unsigned char> rgb;
         for (const int v : used)
-            rgb.insert(rgb.end(), colours_.begin() + 3 * v, colours_.begin() + 3 * v + 3);
+            std::copy_n(&colours_[3 * static_cast<std::size_t>(v)], 3, std::back_inserter(rgb));
         vesk_object_set_vertex_colours(made, rgb.data());
     }
 

@@ -29,6 +29,7 @@ public:
     gltf_writer(job &work, const model &scene, bool packed)
         : work_(work), scene_(scene), packed_(packed)
     {
+        take_stand_ins();
     }
 
     // The JSON text; `bin` gets the numbers. `uri` names the file of them, "" for the binary form.
@@ -67,6 +68,36 @@ public:
     }
 
 private:
+    // Where points have colours, these stand in place of the diffuse colour, which must be white:
+    // the format multiplies the two. Materials that differed in nothing else are one.
+    void take_stand_ins()
+    {
+        std::map<std::string, int> known;
+        for (std::size_t i = 0; i < scene_.materials.size(); ++i) {
+            model_material m = scene_.materials[i];
+            std::fill_n(m.look.diffuse, 3, 1.0f);
+            text_out key;
+            for (const float *rgb : {m.look.specular, m.look.emissive, m.look.ambient})
+                key.add(rgb[0], ' ', rgb[1], ' ', rgb[2], ' ');
+            key.add(m.look.shininess, ' ', m.look.transparency, ' ', int{m.twosided}, ' ',
+                    m.picture);
+            const auto next = static_cast<int>(scene_.materials.size() + stand_ins_.size());
+            const auto [entry, fresh] = known.emplace(key.text, next);
+            if (fresh)
+                stand_ins_.push_back(std::move(m));
+            own_.push_back(static_cast<int>(i));
+            below_colours_.push_back(entry->second);
+        }
+    }
+
+    // One of the scene's, or of those that stand in.
+    [[nodiscard]] const model_material &material_at(int index) const
+    {
+        const auto at = static_cast<std::size_t>(index);
+        const std::size_t own = scene_.materials.size();
+        return at < own ? scene_.materials[at] : stand_ins_[at - own];
+    }
+
     [[nodiscard]] json_list extensions() const
     {
         json_list used;
@@ -84,7 +115,7 @@ private:
     {
         const auto [entry, fresh] = known_materials_.emplace(index, materials_.count());
         if (fresh)
-            add_material(scene_.materials[static_cast<std::size_t>(index)]);
+            add_material(material_at(index));
         return entry->second;
     }
 
@@ -194,7 +225,7 @@ private:
     // -1 when there is nothing to see.
     int add_mesh(const model_node &node)
     {
-        const mesh_data data(work_, node);
+        const mesh_data data(work_, node, node.colours.empty() ? own_ : below_colours_);
         cut_ += data.cut;
         json_list primitives;
         if (any(data.triangles)) {
@@ -241,8 +272,7 @@ private:
     has_picture(const std::map<int, std::vector<std::uint32_t>> &by_material) const
     {
         return std::any_of(by_material.begin(), by_material.end(), [&](const auto &part) {
-            return !part.second.empty() &&
-                   !scene_.materials[static_cast<std::size_t>(part.first)].picture.empty();
+            return !part.second.empty() && !material_at(part.first).picture.empty();
         });
     }
 
@@ -353,7 +383,9 @@ private:
     json_list nodes_{true}, meshes_{true}, materials_{true}, textures_{true}, images_{true};
     json_list accessors_{true}, views_{true}, lights_{true};
     std::map<std::string, int> known_textures_;
-    std::map<int, int> known_materials_; // by the scene's numbers
+    std::vector<model_material> stand_ins_;
+    std::vector<int> own_, below_colours_; // by the scene's numbers
+    std::map<int, int> known_materials_;   // by those, and the stand-ins' after them
     bool has_polygons_ = false, has_specular_ = false;
     int cut_ = 0;
 };

@@ -29,7 +29,8 @@ bool is_last_first(const std::vector<std::uint32_t> &to, std::uint32_t place)
 
 } // namespace
 
-mesh_data::mesh_data(job &work, const model_node &node) : node_(node)
+mesh_data::mesh_data(job &work, const model_node &node, const std::vector<int> &materials)
+    : node_(node), materials_(materials)
 {
     for (const model_surface &surface : node.surfaces) {
         if (!work.step())
@@ -74,7 +75,7 @@ void mesh_data::add_polygon(const model_surface &surface)
     places_.clear();
     for (int k = 0; k < surface.count; ++k)
         places_.push_back(vertex(surface, surface.first + k));
-    std::vector<std::uint32_t> &to = triangles[surface.material];
+    std::vector<std::uint32_t> &to = triangles[material_of(surface)];
     const std::size_t count = places_.size();
     if (const std::size_t start = fan_start(surface, to); start < count) {
         for (std::size_t i = 1; i + 1 < count; ++i)
@@ -149,7 +150,7 @@ void mesh_data::add_line(const model_surface &surface)
     const auto count = static_cast<std::uint32_t>(surface.count);
     for (int i = 0; i < surface.count; ++i)
         add(ends, point_at(surface.first + i));
-    std::vector<std::uint32_t> &to = lines[surface.material];
+    std::vector<std::uint32_t> &to = lines[material_of(surface)];
     for (std::uint32_t i = 0; i + 1 < count; ++i)
         to.insert(to.end(), {first + i, first + i + 1});
     if (surface.kind == SURFACE_CLOSED_LINE)

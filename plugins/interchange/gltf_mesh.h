@@ -27,12 +27,17 @@ public:
     vertices loose; // that no surface uses
     int cut = 0;    // polygons that are no fan
 
-    mesh_data(job &work, const model_node &node);
+    // `materials` has the place to be used for each of the surfaces' own.
+    mesh_data(job &work, const model_node &node, const std::vector<int> &materials);
 
 private:
     [[nodiscard]] std::size_t point_at(int corner) const
     {
         return static_cast<std::size_t>(node_.corners[static_cast<std::size_t>(corner)]);
+    }
+    [[nodiscard]] int material_of(const model_surface &surface) const
+    {
+        return materials_[static_cast<std::size_t>(surface.material)];
     }
     void add(vertices &to, std::size_t point) const;
     std::uint32_t vertex(const model_surface &surface, int corner);
@@ -44,6 +49,7 @@ private:
     void add_line(const model_surface &surface);
 
     const model_node &node_;
+    const std::vector<int> &materials_;
     std::map<std::tuple<std::size_t, float, float>, std::uint32_t> shared_;
     std::vector<std::uint32_t> places_; // of the surface at hand: its corners' vertices
     std::vector<int> corners_;

@@ -3,6 +3,8 @@
 #define INTERCHANGE_MESH_H
 
 #include <algorithm>
+#include <cmath>
+#include <map>
 #include <plugin/vesk.h>
 #include <string>
 #include <vector>
@@ -24,8 +26,30 @@ constexpr double share_of_parsing = 0.7;
 constexpr int no_material = -1;
 constexpr unsigned colour_without_material = 0xCCCCCC;
 
-// The material of surfaces whose points have colours, which multiply its own.
-inline int palette_index_below_colours() { return palette_index_of(0xFFFFFF); }
+// The mean of colours, one after the other, in one of 216 shades: what the views show of a surface
+// whose points have colours of their own.
+class shade_of_points {
+public:
+    void add(unsigned red, unsigned green, unsigned blue)
+    {
+        sum_[0] += red;
+        sum_[1] += green;
+        sum_[2] += blue;
+        ++count_;
+    }
+    [[nodiscard]] unsigned rgb() const
+    {
+        constexpr double step = 51;
+        unsigned all = 0;
+        for (const double part : sum_)
+            all = all << 8 | static_cast<unsigned>(step * std::round(part / count_ / step));
+        return all;
+    }
+
+private:
+    double sum_[3] = {};
+    int count_ = 0;
+};
 
 struct mesh_arrays {
     std::vector<float> points, uv; // uv: as far as a corner had any
@@ -33,7 +57,8 @@ struct mesh_arrays {
     std::vector<vesk_surface_attributes_t> surfaces;
     std::vector<unsigned char> colours; // three a point, or none
 
-    int plain_index = -1; // in the palette, once a surface needs it
+    int plain_index = -1;           // in the palette, once a surface needs it
+    std::map<unsigned, int> shades; // the same by colour
 
     [[nodiscard]] int num_points() const { return static_cast<int>(points.size() / 3); }
 
@@ -65,14 +90,32 @@ struct mesh_arrays {
             return false;
         }
         if (palette_index == no_material) {
-            if (plain_index < 0)
-                plain_index = colours.empty() ? palette_index_of(colour_without_material)
-                                              : palette_index_below_colours();
-            palette_index = plain_index;
+            if (plain_index < 0 && colours.empty())
+                plain_index = palette_index_of(colour_without_material);
+            palette_index = colours.empty() ? plain_index : shade_index(first, corners.size());
         }
         offsets.push_back(static_cast<int>(corners.size()));
         surfaces.push_back({palette_index, flags});
         return true;
+    }
+
+    [[nodiscard]] int shade_of_surface(std::size_t surface)
+    {
+        return shade_index(static_cast<std::size_t>(offsets[surface]),
+                           static_cast<std::size_t>(offsets[surface + 1]));
+    }
+    // The material for these corners, whose points have colours.
+    int shade_index(std::size_t first, std::size_t end)
+    {
+        shade_of_points shade;
+        for (std::size_t i = first; i < end; ++i) {
+            const unsigned char *rgb = &colours[3 * static_cast<std::size_t>(corners[i])];
+            shade.add(rgb[0], rgb[1], rgb[2]);
+        }
+        const auto [entry, fresh] = shades.emplace(shade.rgb(), 0);
+        if (fresh)
+            entry->second = palette_index_of(entry->first);
+        return entry->second;
     }
 
     // A new object without normals.

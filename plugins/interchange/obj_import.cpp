@@ -118,7 +118,7 @@ private:
         const float *rgb = count == 4 ? values + 1 : values; // after a weight
         for (int i = 0; i < 3; ++i) {
             const float part = count < 3 ? 1 : rgb[i] > 0 ? std::min(rgb[i], 1.0f) : 0;
-            colours_.push_back(static_cast<unsigned char>(part * 255 + 0.5f));
+            colours_.push_back(static_cast<unsigned char>(std::lround(part * 255)));
         }
     }
 

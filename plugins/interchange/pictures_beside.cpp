@@ -33,9 +33,9 @@ public:
     {
         const std::size_t dot = std::min(wanted.rfind('.'), wanted.size());
         for (int number = 0;; ++number) {
-            const std::string name = number == 0 ? wanted
-                                                 : wanted.substr(0, dot) + "_" +
-                                                       std::to_string(number) + wanted.substr(dot);
+            std::string name = number == 0 ? wanted
+                                           : wanted.substr(0, dot) + "_" + std::to_string(number) +
+                                                 wanted.substr(dot);
             const std::string path = vesk_filename_concat_path_file(folder_.c_str(), name.c_str());
             std::string there;
             const bool taken =

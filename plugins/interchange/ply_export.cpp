@@ -35,8 +35,7 @@ public:
                 const std::string &picture = material_of(surface).picture;
                 if (!picture.empty())
                     pictures.insert(picture);
-                const float *rgb = material_of(surface).look.diffuse;
-                painted_ = painted_ || rgb[0] < 1 || rgb[1] < 1 || rgb[2] < 1;
+                painted_ = painted_ || node.colours.empty();
             }
         }
         header(vertices, faces, edges, pictures.size() == 1 ? *pictures.begin() : "");
@@ -66,8 +65,6 @@ private:
         out_.add("element vertex ", vertices,
                  "\nproperty float x\nproperty float y\nproperty float z\n",
                  coloured_ ? three_bytes : "");
-        // White surfaces below coloured points need no colours of their own.
-        painted_ = painted_ || !coloured_;
         const char *const colour = painted_ ? three_bytes : "";
         const std::string list = std::string("property list ") + (small() ? "uchar" : "uint");
         out_.add("element face ", faces, '\n', list, " uint vertex_indices\n",
@@ -189,7 +186,7 @@ private:
     const bool binary_;
     bool textured_ = false;
     bool coloured_ = false; // the points
-    bool painted_ = false;  // the surfaces
+    bool painted_ = false;  // surfaces whose points have no colours
     int longest_ = 0;
     growing_text out_;
 };

@@ -13,6 +13,7 @@
 #include <climits>
 #include <cstring>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -162,8 +163,8 @@ public:
             return "there are no faces in it, only vertices";
         if (bad_ > 0)
             vesk_report_warning(0, "%u faces and edges with bad indices were left out", bad_);
-        if (mixed_ || mesh_.surfaces.empty() || has_face_colours_)
-            keep_point_colours();
+        if (mesh_.num_points() == static_cast<int>(vertex_colours_.size()))
+            give_colours_of_points();
         if (transparent_ > 0)
             vesk_report_warning(0, "the transparency of %u points was left out", transparent_);
         if (too_many_colours_)
@@ -190,15 +191,24 @@ private:
         });
     }
 
-    // They multiply the surfaces' own, which are white where the file tells none.
-    void keep_point_colours()
+    // Surfaces without a colour of their own have that of their points, where each has one of not
+    // too many; else the colours stay with the points, and the surfaces show shades of them.
+    void give_colours_of_points()
     {
+        std::set<int> different;
+        bool mixed = mesh_.surfaces.empty() || has_face_colours_;
+        for (const auto &[surface, colour] : by_points_) {
+            different.insert(colour);
+            mixed = mixed || colour < 0 || different.size() > most_colours;
+        }
         for (const int rgb : vertex_colours_)
             for (const int shift : {16, 8, 0})
                 mesh_.colours.push_back(static_cast<unsigned char>(rgb >> shift & 0xFF));
-        const int white = by_points_.empty() ? 0 : palette_index_below_colours();
-        for (const std::size_t surface : by_points_)
-            mesh_.surfaces[surface].material = white;
+        for (const auto &[surface, colour] : by_points_)
+            mesh_.surfaces[surface].material =
+                mixed ? mesh_.shade_of_surface(surface) : material_of(colour);
+        if (!mixed)
+            mesh_.colours.clear();
     }
 
     bool header_line(std::string *line)
@@ -388,10 +398,14 @@ private:
     void end_face(int colour, const std::vector<double> &indices, int flags)
     {
         has_face_colours_ = has_face_colours_ || colour >= 0;
-        const std::size_t before = mesh_.surfaces.size();
-        end_surface(colour >= 0 ? colour : common_colour(indices), flags);
-        if (colour < 0 && !vertex_colours_.empty() && mesh_.surfaces.size() > before)
-            by_points_.push_back(before);
+        const bool by_points = colour < 0 && !vertex_colours_.empty();
+        const std::size_t surface = mesh_.surfaces.size();
+        if (!by_points)
+            end_surface(colour, flags);
+        else if (mesh_.end_surface(0, flags | SURFACE_TWOSIDED))
+            by_points_.emplace_back(surface, common_colour(indices));
+        else
+            ++bad_;
     }
 
     int material_of(int colour)
@@ -408,8 +422,8 @@ private:
         return materials_[colour] = palette_index_of(static_cast<unsigned>(colour));
     }
 
-    // The colour of vertices, where all of a surface have the same.
-    int common_colour(const std::vector<double> &indices)
+    // The colour of vertices, where all of a surface have the same; else -1.
+    [[nodiscard]] int common_colour(const std::vector<double> &indices) const
     {
         int common = -1;
         for (const double value : indices) {
@@ -417,10 +431,8 @@ private:
             if (index < 0 || static_cast<std::size_t>(index) >= vertex_colours_.size())
                 return -1;
             const int colour = vertex_colours_[static_cast<std::size_t>(index)];
-            if (common >= 0 && common != colour) {
-                mixed_ = true;
+            if (common >= 0 && common != colour)
                 return -1;
-            }
             common = colour;
         }
         return common;
@@ -525,9 +537,8 @@ private:
     std::vector<float> vertex_uv_;
     std::vector<int> vertex_colours_;
     std::map<int, int> materials_;
-    std::vector<std::size_t> by_points_; // surfaces without a colour of their own
+    std::vector<std::pair<std::size_t, int>> by_points_; // surfaces, and what their points share
     unsigned bad_ = 0, transparent_ = 0;
-    bool mixed_ = false; // surfaces have points of several colours
     bool has_face_colours_ = false;
     bool too_many_colours_ = false;
 };

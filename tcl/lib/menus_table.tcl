@@ -92,6 +92,8 @@ proc ::vesk::menus::define {name label rows} {
         "Moves the selection by a distance."}
     {ask "Move &to..." {move_to {X centre 0} {Y centre 1} {Z centre 2}} "" some
         "Moves the middle of the selection to a point."}
+    {ask "Move along an a&xis..." {move_along {Distance number 1} {Axis axis Z}} "" some
+        "Moves the selection along any axis: the mean normal, the last or a picked one."}
     {ask "&Scale..." {scale {X number 1} {Y number 1} {Z number 1}} "" some "Multiplies the size of the selection."}
     {ask "Si&ze to..." {size_to {X size 0} {Y size 1} {Z size 2}} "" some
         "Gives the selection a size; an axis of no extent stays."}
@@ -155,6 +157,8 @@ proc ::vesk::menus::define {name label rows} {
     {call "Along &X" {::vesk::tools::mirror 0} "" some "Mirrors the selection at the pivot along X."}
     {call "Along &Y" {::vesk::tools::mirror 1} "" some "Mirrors the selection at the pivot along Y."}
     {call "Along &Z" {::vesk::tools::mirror 2} "" some "Mirrors the selection at the pivot along Z."}
+    {ask "Along an &axis..." {mirror_along {Axis axis X} {Pivot pivot Selection}} "" some
+        "Mirrors the selection along any axis: the mean normal, the last or a picked one."}
 }
 ::vesk::menus::define select "&Select" {
     {radio "&Tree" {::vesk::select_mode tree set_select_mode tree} "" "" "Selects whole top-level objects."}
@@ -311,8 +315,8 @@ proc ::vesk::menus::define {name label rows} {
     {ask "D&rop..." {drop {"To the height" number 0}} "" some "Rests the selected things on a height."}
     {call "&Place on a surface" {::vesk::tools::choose place} "" some
         "The selection follows the pointer over other objects and stands on them."}
-    {run "Drop on what lies &below" {drop below} "" object
-        "Lets the selected objects fall until they touch something."}
+    {run "Drop on what lies &below" {drop below} "" some
+        "Lets the selected things fall until they touch something."}
 }
 ::vesk::menus::define centre "Centre of object" {
     {run "To the &middle" {object_recentre} "" object "The middle of the object's box."}

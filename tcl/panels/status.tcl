@@ -147,7 +147,8 @@ proc ::vesk::status::show {text} {
 #   for any number.
 proc ::vesk::status::one_of {text} {
     regsub -all {(^|[^\d.,])1 (vertic)es\M} $text {\11 vertex} text
-    regsub -all {(^|[^\d.,])1 (object|surface|edge|ring|loop|line|point|polygon|problem|material|texture|file|piece|copy|light)s\M} \
+    regsub -all {(^|[^\d.,])1 (cop)ies\M} $text {\11 copy} text
+    regsub -all {(^|[^\d.,])1 (object|surface|edge|ring|loop|line|point|polygon|problem|material|texture|file|piece|light|hole|group|island|cluster|node)s\M} \
         $text {\11 \2} text
     return $text
 }

@@ -10,7 +10,7 @@ namespace eval ::vesk::tools {
     # a tool of the views beside the draw modes.
     variable table {
         {move move move move M "Move"
-            "Drag to move, or type a distance." "Drag to move. X, Y, Z lock an axis."}
+            "Drag to move, or type a distance." "Drag to move. X, Y, Z lock an axis, N, P, L the normal, the picked, the last one."}
         {rotate rotate rotate rotate R "Rotate"
             "Drag to turn, or type angles." "Drag to turn. Shift: steps of 15 degrees."}
         {scale scale move scale "" "Scale"

@@ -36,6 +36,7 @@ namespace eval ::vesk::help {
             "Shift" "keep proportions (handles, boxes), steps of 15 degrees (rotate)"
             "Control" "grid snap on or off; handles and boxes: about the middle"
             "X  Y  Z" "lock to an axis, again: free"
+            "N  P  L" "moving: along the mean normal, the picked axis, the last one"
             "Digits" "type the number; Tab next one, Return keeps, BackSpace corrects"
             "Escape, right button" "as it was before"
         }

@@ -10,7 +10,7 @@ namespace eval ::vesk::options {
         extrude_edges slide bridge fill_hole hole_select
         bevel_select surface_spike surface_spline revolve surface_loop_subdivision catmull_clark reduce
         move_with_undo move_to scale size_to rotate_with_undo rotate_about_with_undo
-        rotate_axis_angle_with_undo rotate_about_axis scale_along weld_distance smooth_vertices quads_from_triangles
+        rotate_axis_angle_with_undo rotate_about_axis scale_along mirror_along move_along weld_distance smooth_vertices quads_from_triangles
         set_texture_repeats set_texture_offsets array array_round array_path mirror_copy symmetrize
         align distribute drop bend taper twist inflate noise push_normals boolean slice}
     # Words of the kinds axis and pivot.

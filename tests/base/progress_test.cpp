@@ -45,6 +45,21 @@ TEST_P(LongWork, ShowsItsBar)
 }
 INSTANTIATE_TEST_SUITE_P(Cases, LongWork, testing::ValuesIn(works));
 
+TEST_F(Progress, ShowsTheBusyPointerWithItsBar)
+{
+    std::string &busy = recording().variables["busy cursor"];
+    busy = "off";
+    recording().clock_step = 0.2;
+    {
+        progress_t work(5);
+        EXPECT_TRUE(work.look(1));
+        EXPECT_EQ(busy, "off"); // not yet long
+        EXPECT_TRUE(work.look(2));
+        EXPECT_EQ(busy, "on");
+    }
+    EXPECT_EQ(busy, "off");
+}
+
 TEST_F(Progress, LooksAtTheClockEverySoOftenOrAfterAGoodPart)
 {
     recording().clock_step = 1;

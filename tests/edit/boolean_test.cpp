@@ -300,7 +300,7 @@ TEST_F(Boolean, TakesItsOwnResults)
             select_object(add(tool));
             const double before = volume(base);
             run("boolean", i % 3 == 0 ? "union" : "difference");
-            if (last_message().find("boolean - \"") == 0) {
+            if (last_message().find("boolean - '") == 0) {
                 ++refused;
                 ADD_FAILURE() << last_message();
                 break;
@@ -456,10 +456,10 @@ TEST_F(Boolean, RefusesWhatIsNoSolidAndSelectsWhy)
     const std::string before = scene_text();
     const unsigned serial = undo_last_serial();
     run("boolean", "both");
-    EXPECT_EQ(last_message(), "boolean - union, difference or intersection, not \"both\"");
+    EXPECT_EQ(last_message(), "boolean - union, difference or intersection, not 'both'");
     EXPECT_EQ(undo_last_serial(), serial);
     run("boolean", "union");
-    EXPECT_EQ(last_message(), "boolean - \"pot\" is not closed: surface 1 has one of 4 open edges");
+    EXPECT_EQ(last_message(), "boolean - 'pot' is not closed: surface 1 has one of 4 open edges");
     EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(selected_vertices_of(open).size(), 4u);
 }
@@ -480,7 +480,7 @@ TEST_F(Boolean, RefusesWhatGoesThroughItself)
     select_object(add(box(5, 5, 5, 1, 1, 1)));
     const std::string before = scene_text();
     run("boolean", "union");
-    EXPECT_EQ(last_message().substr(0, 36), "boolean - \"bad\" goes through itself:");
+    EXPECT_EQ(last_message().substr(0, 36), "boolean - 'bad' goes through itself:");
     EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(selected_surfaces_of(bad).size(), 6u);
 }

@@ -130,9 +130,9 @@ TEST_F(Copies, AreRefusedWithoutChange)
     run("array", 0, 1, 0, 0, 0);
     run("array", 2000000000, 1, 0, 0, 0);
     run("array_round", 3, "w", 360);
-    EXPECT_EQ(last_message(), "round array - no axis \"w\"");
+    EXPECT_EQ(last_message(), "round array - no axis 'w'");
     run("mirror_copy", "x", 0, "1,2");
-    EXPECT_EQ(last_message(), "mirror copy - no pivot \"1,2\"");
+    EXPECT_EQ(last_message(), "mirror copy - no pivot '1,2'");
     run("align", "x", "upper", "first");
     run("symmetrize", "x", "left");
     EXPECT_EQ(scene_text(), before);
@@ -234,6 +234,40 @@ TEST_F(Copies, DroppedThingsRestOnWhatLiesBelow)
     choose({all[2]});
     run("drop", "-2.5");
     EXPECT_EQ(lowest(all[2], 1), -2.5f);
+}
+
+TEST_F(Copies, DroppedElementsRestAsOneOnWhatDoesNotHangOnThem)
+{
+    add_box(-5, -1, -0.5f, 10, 1, 1); // a beam along x, its top at 0
+    // A floor at y = -3 and a sheet over it, of one object.
+    object_t *sheet = add_mesh({{-4, -3, -4},
+                                {-4, -3, 4},
+                                {4, -3, 4},
+                                {4, -3, -4},
+                                {-1, 2, -3},
+                                {-1, 2, 3},
+                                {1, 4, 3},
+                                {1, 4, -3}},
+                               {{0, 1, 2, 3}, {4, 5, 6, 7}});
+    const auto expect_heights = [&](float low, float high) {
+        EXPECT_NEAR(points_of(sheet)[4].y, low, 1e-6);
+        EXPECT_NEAR(points_of(sheet)[6].y, high, 1e-6);
+        EXPECT_EQ(points_of(sheet)[0].y, -3);
+    };
+    select_surfaces_at(sheet, {1}); // lies across the beam
+    ASSERT_TRUE(run_and_expect_exact_undo({"drop", "below"}));
+    expect_heights(0, 2);
+    run("undo");
+    select_vertices_at(sheet, {4, 5, 6, 7}); // an edge of them crosses the beam
+    run("drop", "below");
+    expect_heights(0, 2);
+    run("undo");
+    select_vertices_at(sheet, {4, 6});
+    run("drop", "below");
+    expect_heights(-3, -1); // beside the beam, on its own floor
+    select_vertices_at(sheet, {0, 1, 2, 3});
+    run("drop", "below");
+    EXPECT_EQ(last_message(), "drop - nothing lies below");
 }
 
 TEST_F(Copies, GoByPickedAxes)

@@ -1,4 +1,3 @@
-#include "base/counted.h"
 #include "edit/check/model_check.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
@@ -73,7 +72,7 @@ TEST_P(KnifeLine, CutsWhatItCrosses)
     select_object(squares);
     const std::string before = scene_text();
     run("knife", c.line);
-    EXPECT_EQ(last_message(), "knife - " + counted(c.cut, "surfaces"));
+    EXPECT_EQ(last_message(), "knife - " + std::to_string(c.cut) + " surfaces");
     EXPECT_EQ(squares->num_surfaces, c.surfaces);
     EXPECT_EQ(squares->num_vertices, c.vertices);
     expect_sound(squares);

@@ -183,7 +183,7 @@ TEST_F(Slice, OfNothingSaysSo)
     run("slice", 0, 0, 0, 0, 0, 0, "both", 0);
     EXPECT_EQ(last_message(), "slice - the plane has no normal");
     run("slice", 0, 0, 0, 1, 0, 0, "left", 0);
-    EXPECT_EQ(last_message(), "slice - keep both, front or back, not \"left\"");
+    EXPECT_EQ(last_message(), "slice - keep both, front or back, not 'left'");
     run("slice", 5, 0, 0, 1, 0, 0, "both", 1);
     EXPECT_EQ(last_message(), "slice - the plane cuts nothing");
     EXPECT_EQ(last_undo(), "");

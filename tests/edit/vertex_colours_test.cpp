@@ -63,7 +63,7 @@ TEST_P(VertexColours, StayWithTheirVertices)
             run(words[0].c_str(), words[1], words[2]);
     }
     int coloured = 0;
-    for_each_object(vesk_get_world(), [&](const object_t *object) {
+    const auto check = [&](const object_t *object) {
         if (vesk_object_has_vertex_colours(object) == 0)
             return;
         const std::vector<unsigned char> rgb = object_vertex_colours(object);
@@ -80,8 +80,14 @@ TEST_P(VertexColours, StayWithTheirVertices)
             EXPECT_EQ(now, colour_at(p)) << p.x << ' ' << p.y;
             ++coloured;
         }
-    });
+    };
+    for_each_object(vesk_get_world(), check);
     EXPECT_GE(coloured, 12); // most are still there
+    coloured = 0;
+    for (size_t i = 0; i < GetParam().commands.size(); ++i)
+        run("step_back");
+    for_each_object(vesk_get_world(), check);
+    EXPECT_EQ(coloured, 32); // as before
 }
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Edits, VertexColours, testing::Values(

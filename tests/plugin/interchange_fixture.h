@@ -4,6 +4,7 @@
 // The bundled plug-in for foreign formats is loaded, in the home directory of the build; the texture
 // wood.bmp lies in the temporary folder.
 
+#include "base/file_report.h"
 #include "base/home.h"
 #include "model/each.h"
 #include "model/object_tree.h"
@@ -11,6 +12,15 @@
 #include "model/world.h"
 #include "tests/model/textures/image_writer.h"
 #include "tests/plugin/plugin_test.h"
+
+// Line numbers and texts of the last import's.
+inline std::string complaints()
+{
+    std::string text;
+    for (const file_report::complaint &complaint : last_file_report().warnings)
+        text += std::to_string(complaint.line) + " " + complaint.text + "\n";
+    return text;
+}
 
 class Interchange : public Plugins {
 protected:

@@ -6,6 +6,7 @@ target_sources(vesk_tests PRIVATE
     plugin/interchange_test.cpp
     plugin/odd_files_test.cpp
     plugin/plugin_test.cpp
+    plugin/points_test.cpp
     plugin/roundtrip_test.cpp
 )
 

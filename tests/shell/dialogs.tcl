@@ -217,6 +217,8 @@ run {
         $name eq [file normalize [work "a folder/in it.vesk"]] && [file isdirectory [work "a folder"]]
     }
     check "the filter tells its patterns" {$::vesk::filebox::filter eq "Models (*.vesk)"}
-    display_message "copy - 1 objects, 21 surfaces, 1 vertices"
-    check "one thing is told in the singular" {[status] eq "copy - 1 object, 21 surfaces, 1 vertex"}
+    display_message "copy - 1 objects, 21 surfaces, 1 vertices, 1 holes, 1 copies"
+    check "one thing is told in the singular" {
+        [status] eq "copy - 1 object, 21 surfaces, 1 vertex, 1 hole, 1 copy"
+    }
 }

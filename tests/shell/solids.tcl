@@ -182,6 +182,21 @@ run {
         && [llength [vesk get_selected_objects]] == 2
     }
 
+    # ---- long work ----
+    fresh {
+        set ::prefs_num_surface_div 350
+        vesk create sphere 0 -1 -1 -1 1 1 1
+    }
+    set ::seen {}
+    trace add execution ::set_progress_bar leave {apply {{words args} {
+        if {[lindex $words 1] > 0} {lappend ::seen [. cget -cursor]}
+    }}}
+    vesk reduce 50
+    check "long work shows the watch, until it ends" {
+        "" ni $::seen && [. cget -cursor] eq ""
+    }
+    set ::prefs_num_surface_div 10
+
     # ---- placing ----
     fresh {
         vesk create box 0 -1 -1 -0.5 1 -0.5 0.5

@@ -44,10 +44,26 @@ const char *answer_to(const char *script)
     return "";
 }
 
+// A message is one word in quotes: other quotes in it would end the script with an error.
+bool is_one_message(std::string_view script)
+{
+    if (!script.starts_with("display_message "))
+        return true;
+    int quotes = 0;
+    for (std::size_t i = 0; i < script.size(); ++i) {
+        if (script[i] == '\\')
+            ++i;
+        else
+            quotes += script[i] == '"' ? 1 : 0;
+    }
+    return quotes == 2 && script.back() == '"';
+}
+
 ui_port_t recording_port()
 {
     ui_port_t port = ui_port_silent();
     port.eval = [](const char *script, bool *ok) {
+        EXPECT_TRUE(is_one_message(script)) << script;
         record.scripts.emplace_back(script);
         *ok = true;
         return answer_to(script);
@@ -63,6 +79,7 @@ ui_port_t recording_port()
         if (record.while_pumping != nullptr)
             record.while_pumping();
     };
+    port.busy_cursor = [](int on) { record.variables["busy cursor"] = on != 0 ? "on" : "off"; };
     port.now_seconds = [] { return record.clock += record.clock_step; };
     port.clipboard_offer = [](std::string_view (*text)()) {
         record.offered = text;

@@ -77,7 +77,7 @@ TEST_F(KnifeTool, CutsTheClickedLineAsOneStepThatItsEchoRepeats)
     EXPECT_EQ(scene_text(), before);
     EXPECT_EQ(*undo_count_address(), 0);
     EXPECT_TRUE(key("Return"));
-    EXPECT_EQ(last_message(), "knife - 1 surface");
+    EXPECT_EQ(last_message(), "knife - 1 surfaces");
     EXPECT_EQ(cube->num_surfaces, 7);
     EXPECT_EQ(cube->num_vertices, 10);
     EXPECT_EQ(*undo_count_address(), 1);

@@ -1,5 +1,6 @@
 target_sources(vesk_tests PRIVATE
     view/camera_test.cpp
+    view/drag_axis_test.cpp
     view/drag_test.cpp
     view/echo_test.cpp
     view/cut_tools_test.cpp
