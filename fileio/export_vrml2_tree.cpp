@@ -109,7 +109,7 @@ bool has_coordinates(const export_object &object)
     });
 }
 
-// Of the part's vertices: they stand in the place of the diffuse colour there, not before it.
+// Of the part's vertices: they stand in the place of the diffuse colour.
 void write_colours(export_text &out, const export_object &object, const export_part &part)
 {
     const std::vector<unsigned char> all = object_vertex_colours(object.object);
@@ -119,9 +119,7 @@ void write_colours(export_text &out, const export_object &object, const export_p
     out.add("color Color { color [\n");
     for (const int index : vertices.used) {
         const unsigned char *rgb = all.data() + 3 * static_cast<std::size_t>(index);
-        const auto share = [&](int i) {
-            return static_cast<float>(rgb[i]) / 255 * part.look->diffuse[i];
-        };
+        const auto share = [&](int i) { return static_cast<float>(rgb[i]) / 255; };
         out.add(point3_t{share(0), share(1), share(2)}, ",\n");
     }
     out.add("] }\n");
