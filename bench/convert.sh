@@ -33,10 +33,10 @@ tclsh8.6 "$here/terrain.tcl" "$rows" >terrain.vesk
 ls -l terrain.vesk terrain.obj | awk '{ printf "%s: %.0f MB\n", $NF, $5 / 1e6 }'
 timed 3 ".obj to .vesk" "$program" -convert terrain.obj out.vesk
 timed 3 ".vesk to .obj" "$program" -convert terrain.vesk out.obj
-for suffix in ply stl glb dae fbx 3mf; do
+for suffix in ply stl glb dae fbx 3mf wrl 3ds; do
     timed 3 ".vesk to .$suffix" "$program" -convert terrain.vesk "out.$suffix"
 done
-for suffix in ply stl glb; do
+for suffix in ply stl glb wrl 3ds; do
     timed 3 ".$suffix to .vesk" "$program" -convert "out.$suffix" "back.vesk"
 done
 # Boxes and grids of 8 to 400 vertices.

@@ -161,12 +161,14 @@ void end(export_text &out) { out.add("}\n"); }
 
 const export_format vrml1_format = {.name = "VRML 1.0",
                                     .data = false,
+                                    .shown_picture = export_picture_beside,
                                     .begin = begin_vrml,
                                     .open = open,
                                     .close = close,
                                     .end = end};
 const export_format inventor_format = {.name = "Inventor",
                                        .data = false,
+                                       .shown_picture = export_picture_beside,
                                        .begin = begin_inventor,
                                        .open = open,
                                        .close = close,

@@ -1,5 +1,7 @@
 #include "fileio/export_scene.h"
 
+#include "base/atomic_file.h"
+#include "base/filename.h"
 #include "model/bounds.h"
 #include "model/each.h"
 #include "model/ear_cut.h"
@@ -14,6 +16,33 @@ flat_uv export_object::uv(int corner) const
     const flat_uv &at = (*flat->texture_coords)[static_cast<size_t>(corner)];
     return {at.u * object->texture_repeat_x + object->texture_offset_x,
             at.v * object->texture_repeat_y + object->texture_offset_y};
+}
+
+std::string export_picture_beside(const object_t & /*object*/, const std::string &picture,
+                                  const std::string &filename)
+{
+    if (!picture.starts_with('/'))
+        return picture;
+    const std::string name = vesk_filename_get_file(picture.c_str());
+    const std::string folder = vesk_filename_get_path(filename.c_str());
+    std::string bytes;
+    if (!read_whole_file(picture.c_str(), &bytes))
+        return name;
+    constexpr int most_tries = 100; // names that other pictures have
+    for (int i = 0; i < most_tries; ++i) {
+        const std::string free_name = i == 0 ? name : std::to_string(i) + "_" + name;
+        const std::string file = folder.empty() ? free_name : folder + "/" + free_name;
+        std::string there;
+        if (read_whole_file(file.c_str(), &there)) {
+            if (there == bytes)
+                return free_name;
+        } else if (atomic_file_write(file.c_str(), bytes)) {
+            return free_name;
+        } else {
+            break;
+        }
+    }
+    return "";
 }
 
 int written_index(int index) { return index >= 0 && index < vesk_get_num_palette() ? index : 0; }

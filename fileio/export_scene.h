@@ -120,6 +120,11 @@ struct export_format {
 
 // ---- parts that several formats need ----
 
+// The `shown_picture` of formats that name any file: a picture to which no relative name leads is
+// copied beside the file, and one that is not there loses its folders.
+std::string export_picture_beside(const object_t &object, const std::string &picture,
+                                  const std::string &filename);
+
 inline bool is_set(const char *text) { return text != nullptr && *text != '\0'; }
 inline float within_one(float value) { return std::clamp(value, 0.0f, 1.0f); }
 inline bool is_line(int type) { return type == SURFACE_LINE || type == SURFACE_CLOSED_LINE; }

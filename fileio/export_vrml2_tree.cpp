@@ -109,7 +109,7 @@ bool has_coordinates(const export_object &object)
     });
 }
 
-// Of the part's vertices: they stand in the place of the diffuse colour there, not before it.
+// Of the part's vertices: they stand in the place of the diffuse colour.
 void write_colours(export_text &out, const export_object &object, const export_part &part)
 {
     const std::vector<unsigned char> all = object_vertex_colours(object.object);
@@ -119,9 +119,7 @@ void write_colours(export_text &out, const export_object &object, const export_p
     out.add("color Color { color [\n");
     for (const int index : vertices.used) {
         const unsigned char *rgb = all.data() + 3 * static_cast<std::size_t>(index);
-        const auto share = [&](int i) {
-            return static_cast<float>(rgb[i]) / 255 * part.look->diffuse[i];
-        };
+        const auto share = [&](int i) { return static_cast<float>(rgb[i]) / 255; };
         out.add(point3_t{share(0), share(1), share(2)}, ",\n");
     }
     out.add("] }\n");
@@ -207,6 +205,7 @@ void begin(export_text &out) { out.add("#VRML V2.0 utf8\n\n"); }
 const export_format vrml2_tree_format = {.name = "VRML 2.0",
                                          .data = false,
                                          .vertex_colours = true,
+                                         .shown_picture = export_picture_beside,
                                          .begin = begin,
                                          .open = open,
                                          .close = close};
