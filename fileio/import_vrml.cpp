@@ -97,6 +97,15 @@ std::vector<int> read_materials(const vrml_fields &fields, std::string_view name
 
 // ---- nodes ----
 
+// The object that shapes are still added to.
+struct open_shape {
+    object_t *parent = nullptr;
+    std::string name;
+    vrml1_mesh mesh;
+    vrml_state state; // at its faces
+    bool has_faces = false;
+};
+
 class reader {
 public:
     reader(const std::string &filename, std::string_view text)
@@ -473,14 +482,6 @@ private:
         light->centre = vrml_place(state.frame, place[0], place[1], place[2]);
         object_add_child(parent, light);
     }
-
-    struct open_shape {
-        object_t *parent = nullptr;
-        std::string name;
-        vrml1_mesh mesh;
-        vrml_state state; // at its faces
-        bool has_faces = false;
-    };
 
     const std::string &filename_;
     const double size_;
