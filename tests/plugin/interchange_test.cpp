@@ -247,10 +247,14 @@ TEST_F(Interchange, PicturesAreNeverNamedByAbsolutePaths)
             std::string bytes = read_text(file);
             if (std::string(suffix) == ".obj")
                 bytes += read_text(temporary_file("named.mtl"));
-            EXPECT_EQ(bytes.find("/wood.png"), std::string::npos) << suffix << picture;
+            EXPECT_EQ(bytes.find(picture), std::string::npos) << suffix;
             EXPECT_NE(bytes.find("wood.png"), std::string::npos) << suffix << picture;
+            // From a folder that both have the way leads by a relative name.
+            EXPECT_TRUE(!there || bytes.find("../") != std::string::npos ||
+                        std::filesystem::exists(temporary_file("wood.png")))
+                << suffix;
         }
-        EXPECT_EQ(std::filesystem::exists(temporary_file("wood.png")), there);
+        EXPECT_TRUE(there || !std::filesystem::exists(temporary_file("wood.png")));
     }
 }
 
