@@ -71,7 +71,7 @@ std::string colour(unsigned id, const float *rgb)
     std::string bytes;
     std::string reals;
     for (int i = 0; i < 3; ++i) {
-        bytes += static_cast<char>(within_one(rgb[i]) * 255 + 0.5f);
+        bytes += static_cast<char>(static_cast<int>(within_one(rgb[i]) * 255 + 0.5f));
         put_real(reals, within_one(rgb[i]));
     }
     return chunk(id, chunk(0x0011, bytes) + chunk(0x0010, reals));
