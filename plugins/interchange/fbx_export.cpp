@@ -395,9 +395,11 @@ private:
                 g.normals.insert(g.normals.end(), {normal.x, normal.y, normal.z});
                 if (node.textured)
                     g.uv.insert(g.uv.end(), {node.uv[2 * corner], node.uv[2 * corner + 1]});
-                if (const auto *rgb = node.colours.data() + 3 * point; !node.colours.empty())
+                if (!node.colours.empty()) {
+                    const auto *rgb = node.colours.data() + 3 * point;
                     g.colours.insert(g.colours.end(),
                                      {rgb[0] / 255.0, rgb[1] / 255.0, rgb[2] / 255.0, 1});
+                }
             }
             g.smoothing.push_back(surface.smooth ? 1 : 0);
             const auto found = std::find(g.used.begin(), g.used.end(), surface.material);
