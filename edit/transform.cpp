@@ -394,7 +394,7 @@ void rotate_selection_about_f(float rx, float ry, float rz, float x, float y, fl
 
 void selection_rotate_axis_angle(float axis, float degrees)
 {
-    const auto a = static_cast<int>(axis);
+    const int a = axis > -1 && axis < 3 ? static_cast<int>(axis) : -1; // also what is no number
     rotate_selection_f(a == 0 ? degrees : 0.0f, a == 1 ? degrees : 0.0f, a == 2 ? degrees : 0.0f);
 }
 
