@@ -59,7 +59,9 @@ proc window {w name script} {
 proc modal {w name script {meanwhile ""}} {
     set ::w $w
     when {[front $::w]} [list modal_shown $w $name $meanwhile]
+    set ::unheard {}
     uplevel #0 $script
+    after cancel $::unheard ;# not the next one of that name
 }
 proc modal_shown {w name meanwhile} {
     catch {
@@ -71,7 +73,7 @@ proc modal_shown {w name meanwhile} {
     check "nothing failed in $name" {$message eq ""}
     key Escape
     # A dialog that did not hear it must not stop the tests.
-    after 5000 [list destroy $w]
+    set ::unheard [after 5000 [list destroy $w]]
 }
 
 # show_main --
