@@ -342,6 +342,8 @@ private:
         last.place = known == to.lost.end() ? to.mesh.num_points() : known->second;
         if (known == to.lost.end()) {
             to.mesh.points.insert(to.mesh.points.end(), &points_[3 * at], &points_[3 * at] + 3);
+            if (!colours_.empty()) // those that came before the first colour are white
+                to.mesh.colours.resize(to.mesh.points.size() - 3, 255);
             for (std::size_t i = 3 * at; !colours_.empty() && i < 3 * at + 3; ++i)
                 to.mesh.colours.push_back(i < colours_.size() ? colours_[i] : 255);
         }
