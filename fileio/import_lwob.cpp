@@ -11,6 +11,7 @@
 #include "model/textures/textures.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -40,13 +41,7 @@ public:
             value = value << 8 | (i < digits.size() ? static_cast<unsigned char>(digits[i]) : 0U);
         return value;
     }
-    float real()
-    {
-        const std::uint32_t bits = number(4);
-        float value = 0;
-        std::memcpy(&value, &bits, sizeof value);
-        return value;
-    }
+    float real() { return std::bit_cast<float>(number(4)); }
     // Up to its zero, padded to an even length.
     std::string text()
     {

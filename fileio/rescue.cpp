@@ -255,23 +255,6 @@ void drop_copy(const std::string & /*copy*/)
     in_place = {};
 }
 
-bool write_copy(const std::string &name, const std::string &bytes)
-{
-    const int fd = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (fd < 0)
-        return false;
-    std::size_t at = 0;
-    for (ssize_t n = 0; at < bytes.size(); at += static_cast<std::size_t>(n)) {
-        n = write(fd, bytes.data() + at, bytes.size() - at);
-        if (n < 0 && errno == EINTR)
-            n = 0;
-        if (n < 0)
-            break;
-    }
-    const bool whole = at == bytes.size() && fsync(fd) == 0;
-    return close(fd) == 0 && whole;
-}
-
 // Of models only: others are not offered.
 std::string keep_copy(const std::string &target, const std::string &bytes)
 {
@@ -283,7 +266,8 @@ std::string keep_copy(const std::string &target, const std::string &bytes)
             continue;
         note_original(in_place.lock, target);
         const std::string name = copy_name(in_place.base, "rescue");
-        if (write_copy(name, bytes))
+        // There is no file of that name, so this one is never written in place itself.
+        if (atomic_file_write(name.c_str(), bytes))
             return name;
         drop_copy(name);
     }

@@ -1,6 +1,7 @@
 #include "fileio/scan_3ds.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -24,13 +25,7 @@ public:
         bytes_.remove_prefix(there);
         return value;
     }
-    float real()
-    {
-        const std::uint32_t bits = number(4);
-        float value = 0;
-        std::memcpy(&value, &bits, sizeof value);
-        return value;
-    }
+    float real() { return std::bit_cast<float>(number(4)); }
     template <std::size_t N>
     std::array<float, N> reals()
     {
