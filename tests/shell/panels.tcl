@@ -343,10 +343,7 @@ run {
     ::vesk::ops::refresh
     update
     set ::vesk::objects::flat {}
-    set before [cpu_msecs]
     ::vesk::objects::refresh
     update idletasks
-    set took [expr {[cpu_msecs] - $before}]
-    puts "10,000 rows in $took ms"
-    check "ten thousand rows" {[llength [$tree children {}]] == 10000 && $took < 600}
+    check "ten thousand rows" {[llength [$tree children {}]] == 10000}
 }
