@@ -14,6 +14,7 @@
 #include "program/startup.h"
 #include "shell/icon_image_tk.h"
 #include "shell/interp_tk.h"
+#include "shell/stuck_tk.h"
 
 #include <tk.h>
 #include <togl.h>
@@ -314,6 +315,7 @@ int init_tcl_stuff(int, char **)
         place_main_window(interp);
         icon_image_install(interp);
         XSetIOErrorHandler(leave_on_lost_display);
+        stuck_watch_start();
     }
     Tcl_CreateExitHandler(leave_in_order, nullptr);
     std::atexit(leave_by_library);
