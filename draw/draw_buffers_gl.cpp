@@ -1,6 +1,7 @@
 #include "draw/draw_buffers_gl.h"
 
 #include "base/prefs.h"
+#include "draw/draw_slices.h"
 #include "model/bounds.h"
 #include "model/textures/textures.h"
 
@@ -269,6 +270,37 @@ void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
         upload_texture_coords(buffers);
 }
 
+// Calls draw(ranges) for all of them, or for the pieces of them that are in the present slice.
+template <class Draw>
+void in_steps(const draw_ranges_t &ranges, Draw &&draw)
+{
+    if (!slice_runs()) {
+        draw(ranges);
+        return;
+    }
+    draw_ranges_t step;
+    std::uint32_t in_step = 0;
+    const auto end_step = [&] {
+        if (in_step > 0 && slice_draws(in_step))
+            draw(step);
+        step.clear();
+        in_step = 0;
+    };
+    for (size_t i = 0; i < ranges.firsts.size(); ++i) {
+        std::uint32_t first = ranges.firsts[i];
+        const std::uint32_t end = first + static_cast<std::uint32_t>(ranges.counts[i]);
+        while (first < end) {
+            const std::uint32_t count = std::min(end - first, slice_step_elements - in_step);
+            step.add(first, count);
+            first += count;
+            in_step += count;
+            if (in_step == slice_step_elements)
+                end_step();
+        }
+    }
+    end_step();
+}
+
 template <class Draw>
 void multi_draw(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &buffer, Draw &&draw)
 {
@@ -346,29 +378,38 @@ void page_unbind()
 
 void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges)
 {
-    if (!ranges.empty())
-        draw_indexed(GL_TRIANGLES, ranges, page.triangles);
+    in_steps(ranges, [&](const draw_ranges_t &step) {
+        if (!step.empty())
+            draw_indexed(GL_TRIANGLES, step, page.triangles);
+    });
 }
 
 void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges)
 {
-    if (!ranges.empty())
-        draw_indexed(GL_LINES, ranges, page.edges);
+    in_steps(ranges, [&](const draw_ranges_t &step) {
+        if (!step.empty())
+            draw_indexed(GL_LINES, step, page.edges);
+    });
 }
 
 void page_draw_points(const draw_ranges_t &slots)
 {
-    for (size_t i = 0; i < slots.firsts.size(); ++i)
-        glDrawArrays(GL_POINTS, static_cast<GLint>(slots.firsts[i]), slots.counts[i]);
+    in_steps(slots, [](const draw_ranges_t &step) {
+        for (size_t i = 0; i < step.firsts.size(); ++i)
+            glDrawArrays(GL_POINTS, static_cast<GLint>(step.firsts[i]), step.counts[i]);
+    });
 }
 
 void page_draw_slots(GLenum mode, std::span<const std::uint32_t> slots)
 {
-    if (slots.empty())
-        return;
     if (device_caps().buffers)
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glDrawElements(mode, static_cast<GLsizei>(slots.size()), GL_UNSIGNED_INT, slots.data());
+    for (size_t first = 0; first < slots.size(); first += slice_step_elements) {
+        const auto count =
+            static_cast<std::uint32_t>(std::min<size_t>(slots.size() - first, slice_step_elements));
+        if (slice_draws(count))
+            glDrawElements(mode, static_cast<GLsizei>(count), GL_UNSIGNED_INT, &slots[first]);
+    }
 }
 
 std::uint64_t buffers_uploaded_bytes() { return uploaded_bytes; }

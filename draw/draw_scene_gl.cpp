@@ -335,14 +335,30 @@ void draw_points_of(const page_ranges_t &ranges)
 
 void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
 
-// Selected vertices stand on a dark rim.
-void draw_rimmed_points(const scene_t &scene, float size)
+// Selected vertices stand on a dark rim. Many of a crowded object go without, or the rims would be all
+// that is seen.
+void draw_selected_points(const scene_t &scene, const crowding_t &screen, float plain_size)
 {
+    constexpr std::size_t few = 100;
+    scene_t rimmed, crowded;
+    for (const scene_item_t &item : scene.items) {
+        const bool many = item.part != nullptr && item.part->vertices.size() > few;
+        const bool covers = many && has_selected_part(item) && screen.is_crowded(*item.buffers);
+        (covers ? crowded : rimmed).items.push_back(item);
+    }
+    const float size = plain_size + 2;
     const colour_t rim = {0x14 / 255.0f, 0x14 / 255.0f, 0x14 / 255.0f, 0.85f};
-    for (const bool is_rim : {true, false}) {
-        set_colour(is_rim ? rim : colour_of(prefs.col_selvert));
-        set_point_size(is_rim ? size + 2 : size);
-        draw_selected_parts(scene, GL_POINTS, &part_slots_t::vertices);
+    const colour_t colour = colour_of(prefs.col_selvert);
+    struct pass_t {
+        const scene_t &scene;
+        colour_t colour;
+        float size;
+    };
+    for (const pass_t &pass : {pass_t{crowded, colour, plain_size}, pass_t{rimmed, rim, size + 2},
+                               pass_t{rimmed, colour, size}}) {
+        set_colour(pass.colour);
+        set_point_size(pass.size);
+        draw_selected_parts(pass.scene, GL_POINTS, &part_slots_t::vertices);
     }
 }
 
@@ -536,7 +552,7 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
         const pending_place_t place;
         set_colour(colour_of(prefs.col_selvert, strength));
         draw_points_of(selected);
-        draw_rimmed_points(scene, options.size + 2);
+        draw_selected_points(scene, screen, options.size);
     }
     glDepthRange(0.0, 1.0);
     if (device_caps().samples > 0)

@@ -1,6 +1,7 @@
 # Files of draw/: pictures of the model: the core's files first, then those that call GL.
 target_sources(vesk_core PRIVATE
     draw/depth_order.cpp
+    draw/draw_slices.cpp
     draw/material_ball.cpp
     draw/mesh_layout.cpp
     draw/selection_marks.cpp

@@ -13,6 +13,13 @@ void draw_budget::note(draw_layer layer, double seconds)
     cost = cost == 0 ? seconds : cost + (seconds - cost) * weight_of_new;
 }
 
+void draw_budget::note_all(const layer_costs_t &costs)
+{
+    for (std::size_t layer = 0; layer < costs.size(); ++layer)
+        if (costs[layer] > 0)
+            note(static_cast<draw_layer>(layer), costs[layer]);
+}
+
 void draw_budget::expect(double num_vertices)
 {
     if (num_vertices > 2 * num_vertices_) {

@@ -22,10 +22,16 @@ struct layer_choice_t {
     bool boxes_only = false;
 };
 
+// Seconds of each layer of one picture.
+using layer_costs_t = std::array<double, static_cast<std::size_t>(draw_layer::count)>;
+
 class draw_budget {
 public:
     // A measured cost in seconds of one layer of a frame; that of smoothing is its surplus.
     void note(draw_layer layer, double seconds);
+
+    // The costs of a whole picture; layers that it has not are left as they were.
+    void note_all(const layer_costs_t &costs);
 
     // The size of the scene that is drawn next. For one that is much larger than any before it the
     // costs are guessed until they are measured.
@@ -44,7 +50,7 @@ public:
     [[nodiscard]] double full_cost() const;
 
 private:
-    std::array<double, static_cast<std::size_t>(draw_layer::count)> costs_ = {};
+    layer_costs_t costs_ = {};
     double num_vertices_ = 0; // of the largest scene of late
 };
 
