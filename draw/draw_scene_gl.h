@@ -6,6 +6,7 @@
 
 #include "draw/draw_buffers_gl.h"
 #include "draw/selection_marks.h"
+#include "view/draw_budget.h"
 
 #include <vector>
 
@@ -15,7 +16,10 @@ struct scene_item_t {
     const selected_part_t *part; // null: nothing of it is selected
     bool hidden, locked;
     bool outline; // without its surfaces
+    int detail;   // 0: the mesh itself, else a level of its coarse lists, or a cloud of points
 };
+constexpr int cloud_detail =
+    num_detail_levels; // of large objects whose coarse lists are not there yet
 
 struct scene_t {
     std::vector<scene_item_t> items; // objects with geometry
@@ -24,6 +28,12 @@ struct scene_t {
 
 // The world's objects with their buffers brought up to date.
 scene_t gather_scene();
+
+// How many elements the scene has in each level of detail, as shares of all; what has no coarse version
+// counts in full.
+detail_shares_t detail_shares(const scene_t &scene);
+// From now on objects with coarse versions are drawn in this level.
+void choose_detail(scene_t &scene, int level);
 
 // While the selection follows the mouse: the items that do, or the others.
 scene_t items_that_move(const scene_t &scene, bool moving);

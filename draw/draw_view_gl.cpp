@@ -88,10 +88,14 @@ void draw_over(picture_t &picture)
     finish_layer(picture, draw_layer::rest);
 }
 
-// Notes the cost of smoothing: that of all layers against the present ones.
-void learn_smoothing(picture_t &picture, double seconds)
+// Notes the cost of smoothing, that of all layers against the present ones; or that of coarse detail.
+void learn_from_quick(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
+    if (picture.layers.detail > 0) {
+        budget.note_coarse(picture.layers.expected, seconds);
+        return;
+    }
     double expected = budget.cost(draw_layer::rest);
     if (picture.layers.fill)
         expected += budget.cost(draw_layer::fill);
@@ -121,9 +125,13 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     const bool moving = view_is_moving(view, seconds);
     const bool up_to_date = boolean_live_update(moving && !in_full);
     picture_t picture = begin_picture(view, width, height);
+    if (!moving)
+        buffers_ask_for_coarse();
     const double started = picture.started;
     const bool quick = moving || (!in_full && state.budget.full_cost() > slow_picture);
-    picture.layers = state.budget.choose(quick, is_orthographic(view));
+    picture.layers =
+        state.budget.choose(quick, is_orthographic(view), detail_shares(picture.scene));
+    choose_detail(picture.scene, picture.layers.detail);
     picture.layers.boxes_only = state.distrusted || (moving && picture.layers.boxes_only);
     // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
@@ -140,7 +148,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     draw_over(picture);
     state.budget.note_all(costs);
     if (quick)
-        learn_smoothing(picture, seconds_until_drawn() - started);
+        learn_from_quick(picture, seconds_until_drawn() - started);
     state.partial = quick || resized || !up_to_date;
     state.layers = picture.layers;
 }
@@ -155,6 +163,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     }
     const bool up_to_date = boolean_live_update(false);
     picture_t picture = begin_picture(view, width, height);
+    buffers_ask_for_coarse();
     if (unfinished.changes != model_change_count() ||
         unfinished.marks != selection_marks_generation())
         unfinished = {};
@@ -198,6 +207,8 @@ std::string drawn_view_layers(int view)
         words += " edges";
     if (layers.vertices)
         words += " vertices";
+    if (layers.detail > 0)
+        words += layers.detail == 1 ? " coarse" : layers.detail == 2 ? " coarsest" : " cloud";
     if (layers.smoothing)
         words += " smoothing";
     return words;
