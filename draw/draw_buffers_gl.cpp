@@ -42,6 +42,7 @@ struct store_t {
     std::unordered_map<const object_t *, object_buffers_t> objects;
     std::vector<std::unique_ptr<buffer_page_t>> pages;
     std::uint64_t sweep = 1;
+    unsigned generation = 0; // of layouts
 };
 
 store_t &store()
@@ -147,26 +148,22 @@ void find_bounds(object_buffers_t &buffers)
         bounds_add(p, &buffers.min, &buffers.max);
 }
 
-void build(object_buffers_t &buffers, const flat_ptr &flat)
+layout_options_t layout_options(const object_buffers_t &buffers)
 {
-    leave_page(buffers);
-    coarse_drop(buffers.coarse);
-    buffers.flat = flat;
-    find_bounds(buffers);
-    if (flat->num_vertices() == 0)
-        return;
-    buffers.layout = layout_mesh(*flat, {.cut_concave = prefs.gl_concave != 0,
-                                         .texture_coords = buffers.textured,
-                                         .quads_by_diagonal = prefs.triangulate_quads != 0});
-    mesh_layout_t &layout = buffers.layout;
-    buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
-    buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
-    buffers.triangles.clear();
-    if (buffers.num_indices <= 3 * most_sorted_triangles)
-        buffers.triangles = layout.triangles;
-    const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
-    const auto num_lines = static_cast<std::uint32_t>(layout.lines.size());
-    buffers.num_edge_indices = num_edges + num_lines;
+    return {.cut_concave = prefs.gl_concave != 0,
+            .texture_coords = buffers.textured,
+            .quads_by_diagonal = prefs.triangulate_quads != 0};
+}
+
+void drop_job(object_buffers_t &buffers)
+{
+    if (buffers.job != nullptr)
+        buffers.job->cancelled = true;
+    buffers.job = nullptr;
+}
+
+void take_room(object_buffers_t &buffers, std::uint32_t num_edges)
+{
     buffer_page_t *page = page_with_room(buffers.num_slots, buffers.num_indices,
                                          buffers.num_edge_indices, buffers.textured);
     buffers.page = page;
@@ -178,17 +175,99 @@ void build(object_buffers_t &buffers, const flat_ptr &flat)
     page->used_slots += buffers.num_slots;
     page->used_indices += buffers.num_indices;
     page->used_edge_indices += buffers.num_edge_indices;
+}
+
+// With a layout of the mesh, or of one of the same shape.
+void build_with(object_buffers_t &buffers, const flat_ptr &flat, mesh_layout_t made)
+{
+    leave_page(buffers);
+    coarse_drop(buffers.coarse);
+    drop_job(buffers);
+    ++store().generation;
+    buffers.unchecked.clear();
+    buffers.flat = flat;
+    find_bounds(buffers);
+    if (flat->num_vertices() == 0)
+        return;
+    buffers.layout = std::move(made);
+    mesh_layout_t &layout = buffers.layout;
+    buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
+    buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
+    buffers.triangles.clear();
+    if (buffers.num_indices <= 3 * most_sorted_triangles)
+        buffers.triangles = layout.triangles;
+    const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
+    buffers.num_edge_indices = num_edges + static_cast<std::uint32_t>(layout.lines.size());
+    take_room(buffers, num_edges);
     upload_positions(buffers, {0, buffers.num_slots});
     upload_normals(buffers, {0, buffers.num_slots});
     if (buffers.textured)
         upload_texture_coords(buffers);
+    buffer_page_t *page = buffers.page;
     upload_indices(page->triangles, buffers.first_triangle_index, layout.triangles,
                    buffers.first_slot);
     upload_indices(page->edges, buffers.edges.first, layout.edges, buffers.first_slot);
     upload_indices(page->edges, buffers.first_line_index, layout.lines, buffers.first_slot);
 }
 
-void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
+void build(object_buffers_t &buffers, const flat_ptr &flat)
+{
+    build_with(buffers, flat, layout_mesh(*flat, layout_options(buffers)));
+}
+
+// The first picture of a large mesh: its points alone, the layout follows.
+void build_cloud(object_buffers_t &buffers, const flat_ptr &flat)
+{
+    mesh_layout_t points;
+    points.num_vertices = static_cast<std::uint32_t>(flat->num_vertices());
+    points.slot_face.assign(points.num_vertices, -1);
+    if (buffers.textured)
+        points.corner_of_slot.assign(points.num_vertices, -1);
+    build_with(buffers, flat, std::move(points));
+    buffers.job = layout_job_start(flat, layout_options(buffers));
+}
+
+// Takes a layout that a worker has made; waits for it when it is needed at once.
+void take_layout(object_buffers_t &buffers, draw_pace pace)
+{
+    if (buffers.job == nullptr)
+        return;
+    if (pace == draw_pace::at_once && !buffers.job->ended) {
+        build(buffers, buffers.flat);
+        return;
+    }
+    const bool waits = pace == draw_pace::moving && buffers.num_indices > 0;
+    if (!buffers.job->ended || waits)
+        return;
+    const auto job = buffers.job;
+    build_with(buffers, buffers.flat, std::move(job->result));
+    buffers.unchecked = changed_points(*job->flat->positions, *buffers.flat->positions);
+}
+
+// Sees to it that the layout fits what has moved. False: it was built anew.
+bool check_layout(object_buffers_t &buffers, const changed_t &moved, draw_pace pace)
+{
+    changed_t &unchecked = buffers.unchecked;
+    if (unchecked.empty())
+        unchecked = moved;
+    for (size_t i = 0; i < moved.size(); ++i)
+        unchecked[i] |= moved[i];
+    const bool large = buffers.num_slots > small_object;
+    if (buffers.job != nullptr || (large && pace == draw_pace::moving))
+        return true;
+    if (layout_fits(buffers.layout, *buffers.flat, unchecked)) {
+        unchecked.clear();
+        return true;
+    }
+    if (pace == draw_pace::at_rest && buffers.flat->num_vertices() >= least_layout_job) {
+        buffers.job = layout_job_start(buffers.flat, layout_options(buffers));
+        return true;
+    }
+    build(buffers, buffers.flat);
+    return false;
+}
+
+void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat, draw_pace pace)
 {
     const flat_ptr old = std::exchange(buffers.flat, flat);
     const bool same_shape = old->surfaces == flat->surfaces &&
@@ -199,14 +278,13 @@ void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
         return;
     }
     const changed_t moved = changed_points(*old->positions, *flat->positions);
-    if (!layout_fits(buffers.layout, *flat, moved)) {
-        build(buffers, flat);
+    if (!check_layout(buffers, moved, pace) || buffers.page == nullptr)
         return;
-    }
-    if (buffers.page == nullptr)
-        return;
-    if (!moved.empty())
+    if (!moved.empty() && pace != draw_pace::moving)
         find_bounds(buffers);
+    for (size_t v = 0; v < moved.size() && pace == draw_pace::moving; ++v)
+        if (moved[v] != 0) // the box does not shrink before the end of the motion
+            bounds_add(flat->position(v), &buffers.min, &buffers.max);
     for (const slot_run_t &run : moved_slots(buffers.layout, moved))
         upload_positions(buffers, run);
     for (const slot_run_t &run :
@@ -284,26 +362,36 @@ void draw_indexed(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &bu
 
 } // namespace
 
-const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat)
+const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, draw_pace pace)
 {
     object_buffers_t &buffers = store().objects[object];
     buffers.used_in = store().sweep;
     const bool textured = object_picture(object) != nullptr;
     const bool was_textured = std::exchange(buffers.textured, textured);
-    if (buffers.flat == nullptr || textured != was_textured)
+    const bool later = pace != draw_pace::at_once && flat->num_vertices() >= least_layout_job;
+    if (buffers.flat == nullptr && later)
+        build_cloud(buffers, flat);
+    else if (buffers.flat == nullptr || textured != was_textured)
         build(buffers, flat);
     else if (buffers.flat != flat)
-        bring_up_to_date(buffers, flat);
+        bring_up_to_date(buffers, flat, pace);
+    else if (pace != draw_pace::moving && !buffers.unchecked.empty()) {
+        find_bounds(buffers);
+        check_layout(buffers, {}, pace);
+    }
+    take_layout(buffers, pace);
     coarse_take(buffers.coarse, *flat->positions);
     return buffers;
 }
+
+unsigned buffers_generation() { return store().generation; }
 
 void buffers_ask_for_coarse()
 {
     for (auto &[object, buffers] : store().objects) {
         coarse_lists_t &coarse = buffers.coarse;
-        if (buffers.page != nullptr && !buffers.page->shared && coarse.job == nullptr &&
-            (coarse.mesh == nullptr || coarse.outdated) &&
+        if (buffers.page != nullptr && buffers.job == nullptr && !buffers.page->shared &&
+            coarse.job == nullptr && (coarse.mesh == nullptr || coarse.outdated) &&
             buffers.num_indices / 3 >= least_coarse_triangles)
             coarse.job = coarse_job_start(coarse_source(buffers));
     }
@@ -318,6 +406,7 @@ void buffers_sweep()
             continue;
         }
         leave_page(entry->second);
+        drop_job(entry->second);
         coarse_drop(entry->second.coarse);
         entry = state.objects.erase(entry);
     }

@@ -7,7 +7,7 @@
 
 #include "draw/coarse_lists_gl.h"
 #include "draw/draw_device_gl.h"
-#include "draw/mesh_layout.h"
+#include "draw/layout_job.h"
 #include "model/flat_mesh.h"
 
 #include <cstdint>
@@ -39,10 +39,22 @@ struct object_buffers_t {
     bool textured = false;              // has texture coordinates
     std::uint64_t used_in = 0;          // number of the last sweep
     coarse_lists_t coarse;              // of a large object
+    changed_t unchecked;                // vertices that moved since the layout was found to fit
+    std::shared_ptr<layout_job_t> job;  // makes a layout that fits
+};
+
+// How much is put off for a large object.
+enum class draw_pace {
+    at_once, // nothing
+    at_rest, // its layout, to a worker: until that is there it has none, or the one before its last move
+    moving, // the check whether its layout still fits, too
 };
 
 // Of an object, up to date: of its own mesh, or of one that is shown in its stead.
-const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh);
+const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh, draw_pace pace);
+
+// Grows when an object gets another layout.
+unsigned buffers_generation();
 
 // Has coarse versions made of the large objects that have none of their present shape.
 void buffers_ask_for_coarse();

@@ -231,11 +231,11 @@ bool is_drawn_filled(const scene_item_t &item)
 
 void draw_cloud(const scene_item_t &item, const fill_options_t &options)
 {
-    const auto &groups = item.buffers->layout.groups;
-    if (groups.empty())
+    const flat_mesh &flat = *item.buffers->flat;
+    if (flat.num_surfaces() == 0)
         return;
     glEnable(GL_LIGHTING);
-    begin_surfaces(key_of(item, groups.front(), {}), options);
+    begin_surfaces(key_of(item, {flat.surface(0).material, true, true, 0, 0}, {}), options);
     page_draw_cloud(*item.buffers, true);
     end_surfaces();
 }
@@ -333,7 +333,7 @@ bool is_moving(const scene_item_t &item)
 
 scene_t items_that_move(const scene_t &scene, bool moving)
 {
-    scene_t found = {{}, scene.min, scene.max};
+    scene_t found = {{}, scene.min, scene.max, scene.complete};
     for (const scene_item_t &item : scene.items)
         if (is_moving(item) == moving)
             found.items.push_back(item);
@@ -354,7 +354,7 @@ pending_place_t::~pending_place_t()
     glPopMatrix();
 }
 
-scene_t gather_scene()
+scene_t gather_scene(draw_pace pace)
 {
     scene_t scene;
     selection_marks_update();
@@ -362,7 +362,7 @@ scene_t gather_scene()
     for_each_object(vesk_get_world(), [&](object_t *object) {
         const flat_ptr instead = boolean_live_shown(object);
         const object_buffers_t &buffers =
-            object_buffers(object, instead != nullptr ? instead : object_flat(object));
+            object_buffers(object, instead != nullptr ? instead : object_flat(object), pace);
         if (buffers.page == nullptr)
             return;
         const selected_part_t *part = selected_part(object);
@@ -370,45 +370,12 @@ scene_t gather_scene()
             part = nullptr; // places in the object's own mesh
         scene.items.push_back({object, &buffers, part, object->visible == 0, object->locked != 0,
                                boolean_live_is_outline(object), 0});
+        scene.complete = scene.complete && buffers.job == nullptr;
         bounds_add(buffers.min, &scene.min, &scene.max);
         bounds_add(buffers.max, &scene.min, &scene.max);
     });
     buffers_sweep();
     return scene;
-}
-
-namespace {
-
-int detail_of(const object_buffers_t &buffers, int level)
-{
-    if (buffers.coarse.mesh != nullptr)
-        return std::min(level, num_detail_levels - 1);
-    const bool large = buffers.num_indices / 3 >= least_coarse_triangles;
-    return large && level == cloud_detail ? cloud_detail : 0;
-}
-
-} // namespace
-
-detail_shares_t detail_shares(const scene_t &scene)
-{
-    detail_shares_t sums = {};
-    for (const scene_item_t &item : scene.items)
-        for (std::size_t level = 0; level < sums.size(); ++level) {
-            const object_buffers_t &b = *item.buffers;
-            const int detail = detail_of(b, static_cast<int>(level));
-            sums[level] += detail == 0              ? b.edges.count
-                           : detail == cloud_detail ? cloud_points
-                                                    : b.coarse.mesh->level_edges[detail].count;
-        }
-    for (std::size_t level = sums.size(); level-- > 0;)
-        sums[level] = sums[0] > 0 ? sums[level] / sums[0] : 1;
-    return sums;
-}
-
-void choose_detail(scene_t &scene, int level)
-{
-    for (scene_item_t &item : scene.items)
-        item.detail = detail_of(*item.buffers, level);
 }
 
 void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)

@@ -24,10 +24,11 @@ constexpr int cloud_detail =
 struct scene_t {
     std::vector<scene_item_t> items; // objects with geometry
     point3_t min, max;               // of all of them; min above max when there are none
+    bool complete = true;            // false: layouts are still being made
 };
 
 // The world's objects with their buffers brought up to date.
-scene_t gather_scene();
+scene_t gather_scene(draw_pace pace);
 
 // How many elements the scene has in each level of detail, as shares of all; what has no coarse version
 // counts in full.

@@ -4,6 +4,7 @@ target_sources(vesk_core PRIVATE
     draw/coarse_mesh.cpp
     draw/depth_order.cpp
     draw/draw_slices.cpp
+    draw/layout_job.cpp
     draw/material_ball.cpp
     draw/mesh_changes.cpp
     draw/mesh_layout.cpp
@@ -30,6 +31,7 @@ target_sources(vesk PRIVATE
     draw/font_atlas.cpp
     draw/gpu_buffer_gl.cpp
     draw/offscreen_gl.cpp
+    draw/scene_detail_gl.cpp
     draw/selected_parts_gl.cpp
     draw/thumbnail_gl.cpp
 )
