@@ -26,6 +26,7 @@ struct unfinished_t {
     // of the model and the selection that it shows
     std::uint64_t changes = 0;
     unsigned marks = 0;
+    unsigned layouts = 0;
 };
 
 struct view_state_t {
@@ -59,11 +60,20 @@ double scene_vertices(const scene_t &scene)
     return sum;
 }
 
+// In any view: the others do not take its time.
+bool anything_moves(double seconds)
+{
+    for (int view = 0; view < num_views; ++view)
+        if (view_is_moving(view, seconds))
+            return true;
+    return false;
+}
+
 // The model as it is now; the layers are chosen by the caller.
-picture_t begin_picture(int view, int width, int height)
+picture_t begin_picture(int view, int width, int height, draw_pace pace)
 {
     view_state_t &state = states[view];
-    scene_t scene = is_distrusted(state) ? scene_t() : gather_scene();
+    scene_t scene = is_distrusted(state) ? scene_t() : gather_scene(pace);
     state.budget.expect(scene_vertices(scene));
     return {view, width,         height,  view_interface_scale(), std::move(scene),
             {},   &state.budget, nullptr, ui_port().now_seconds()};
@@ -88,10 +98,14 @@ void draw_over(picture_t &picture)
     finish_layer(picture, draw_layer::rest);
 }
 
-// Notes the cost of smoothing: that of all layers against the present ones.
-void learn_smoothing(picture_t &picture, double seconds)
+// Notes the cost of smoothing, that of all layers against the present ones; or that of coarse detail.
+void learn_from_quick(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
+    if (picture.layers.detail > 0) {
+        budget.note_coarse(picture.layers.expected, seconds);
+        return;
+    }
     double expected = budget.cost(draw_layer::rest);
     if (picture.layers.fill)
         expected += budget.cost(draw_layer::fill);
@@ -120,10 +134,18 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     state.unfinished = {};
     const bool moving = view_is_moving(view, seconds);
     const bool up_to_date = boolean_live_update(moving && !in_full);
-    picture_t picture = begin_picture(view, width, height);
+    picture_t picture = begin_picture(view, width, height,
+                                      anything_moves(seconds) ? draw_pace::moving
+                                      : in_full               ? draw_pace::at_once
+                                                              : draw_pace::at_rest);
+    if (!anything_moves(seconds))
+        buffers_ask_for_coarse();
     const double started = picture.started;
-    const bool quick = moving || (!in_full && state.budget.full_cost() > slow_picture);
-    picture.layers = state.budget.choose(quick, is_orthographic(view));
+    const bool quick =
+        moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
+    picture.layers =
+        state.budget.choose(quick, is_orthographic(view), detail_shares(picture.scene));
+    choose_detail(picture.scene, picture.layers.detail);
     picture.layers.boxes_only = state.distrusted || (moving && picture.layers.boxes_only);
     // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
@@ -140,7 +162,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     draw_over(picture);
     state.budget.note_all(costs);
     if (quick)
-        learn_smoothing(picture, seconds_until_drawn() - started);
+        learn_from_quick(picture, seconds_until_drawn() - started);
     state.partial = quick || resized || !up_to_date;
     state.layers = picture.layers;
 }
@@ -149,14 +171,22 @@ bool draw_view_slice(int view, int width, int height, double seconds)
 {
     view_state_t &state = states[view];
     unfinished_t &unfinished = state.unfinished;
-    if (width != state.width || height != state.height || view_is_moving(view, seconds)) {
+    const bool slow = state.budget.full_cost() > slow_picture;
+    if (width != state.width || height != state.height || (slow && anything_moves(seconds)) ||
+        view_is_moving(view, seconds)) {
         draw_view(view, width, height, seconds, false);
         return true;
     }
     const bool up_to_date = boolean_live_update(false);
-    picture_t picture = begin_picture(view, width, height);
+    picture_t picture = begin_picture(view, width, height, draw_pace::at_rest);
+    buffers_ask_for_coarse();
+    if (!picture.scene.complete) {
+        draw_view(view, width, height, seconds, false);
+        return true;
+    }
     if (unfinished.changes != model_change_count() ||
-        unfinished.marks != selection_marks_generation())
+        unfinished.marks != selection_marks_generation() ||
+        unfinished.layouts != buffers_generation())
         unfinished = {};
     picture.costs = &unfinished.costs;
     picture.layers = state.budget.choose(false, is_orthographic(view));
@@ -168,7 +198,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     unfinished.begun = true;
     unfinished.changes = model_change_count();
     unfinished.marks = selection_marks_generation();
-    const bool slow = state.budget.full_cost() > slow_picture;
+    unfinished.layouts = buffers_generation();
     slice_begin(unfinished.steps, slow ? slice_seconds : any_time, [] { glFinish(); });
     draw_layers(picture);
     const slice_end_t end = slice_end();
@@ -198,6 +228,8 @@ std::string drawn_view_layers(int view)
         words += " edges";
     if (layers.vertices)
         words += " vertices";
+    if (layers.detail > 0)
+        words += layers.detail == 1 ? " coarse" : layers.detail == 2 ? " coarsest" : " cloud";
     if (layers.smoothing)
         words += " smoothing";
     return words;
