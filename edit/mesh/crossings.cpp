@@ -54,11 +54,14 @@ struct crossing_hash {
 class finder {
 public:
     finder(exact_points &points, const std::vector<solid_triangle> &triangles)
-        : points_(points), triangles_(triangles)
+        : points_(points), triangles_(triangles), planes_(triangles.size())
     {
-        planes_.reserve(triangles.size());
-        for (const solid_triangle &t : triangles)
-            planes_.push_back(points.plane(t.v[0], t.v[1], t.v[2]));
+        in_parallel_ranges(static_cast<int>(triangles.size()), [&](int begin, int end) {
+            for (int i = begin; i < end; ++i) {
+                const auto &v = triangles[i].v;
+                planes_[i] = points.plane(v[0], v[1], v[2]);
+            }
+        });
     }
 
     // Adds the pair when more than its common corners may meet. Changes nothing else: pairs may be

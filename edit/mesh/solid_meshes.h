@@ -48,7 +48,8 @@ public:
 
 private:
     void reserve();
-    void cut_into_triangles(int unit);
+    void cut_into_triangles();
+    void cut_unit(int unit, std::vector<solid_triangle> &triangles);
 
     std::vector<flat_ptr> meshes_;
     std::vector<int> parts_;
