@@ -310,7 +310,7 @@ int main(int argc, char **argv)
                 group.run(side);
         }
     }
-    for (const int count : {1000, 10000}) {
+    for (const int count : {1000, 10000, 100000}) {
         if (wanted.empty() || wanted == "many")
             bench_many(count);
     }

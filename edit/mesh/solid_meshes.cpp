@@ -14,7 +14,8 @@ void solid_meshes::add(const flat_ptr &mesh, int part)
     parts_.push_back(part);
 }
 
-bool solid_meshes::finish()
+// Gives the vertices of each place one number. False when a coordinate is not finite.
+bool solid_meshes::number_points()
 {
     std::size_t total = 0;
     for (const flat_ptr &mesh : meshes_)
@@ -38,6 +39,13 @@ bool solid_meshes::finish()
         }
     }
     points_ = std::make_unique<exact_points>(std::move(points));
+    return true;
+}
+
+bool solid_meshes::finish()
+{
+    if (!number_points())
+        return false;
     reserve();
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         for (int s = 0; s < meshes_[m]->num_surfaces(); ++s) {
@@ -97,6 +105,7 @@ void solid_meshes::cut_into_triangles()
             units_[unit].end_triangle += first;
         }
         triangles_.insert(triangles_.end(), cut[i].begin(), cut[i].end());
+        cut[i] = {};
     }
 }
 

@@ -47,6 +47,7 @@ public:
     [[nodiscard]] std::vector<open_edge_t> open_edges() const;
 
 private:
+    bool number_points();
     void reserve();
     void cut_into_triangles();
     void cut_unit(int unit, std::vector<solid_triangle> &triangles);
