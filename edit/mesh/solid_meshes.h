@@ -47,8 +47,10 @@ public:
     [[nodiscard]] std::vector<open_edge_t> open_edges() const;
 
 private:
+    bool number_points();
     void reserve();
-    void cut_into_triangles(int unit);
+    void cut_into_triangles();
+    void cut_unit(int unit, std::vector<solid_triangle> &triangles);
 
     std::vector<flat_ptr> meshes_;
     std::vector<int> parts_;
