@@ -13,7 +13,7 @@ void solid_meshes::add(const flat_ptr &mesh, int part)
     parts_.push_back(part);
 }
 
-bool solid_meshes::finish()
+bool solid_meshes::number_points()
 {
     std::size_t total = 0;
     for (const flat_ptr &mesh : meshes_)
@@ -37,6 +37,14 @@ bool solid_meshes::finish()
         }
     }
     points_ = std::make_unique<exact_points>(std::move(points));
+    return true;
+}
+
+bool solid_meshes::finish(const std::function<bool()> &go_on)
+{
+    constexpr std::size_t between_looks = 4096; // polygons
+    if (!number_points())
+        return false;
     reserve();
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         for (int s = 0; s < meshes_[m]->num_surfaces(); ++s) {
@@ -47,6 +55,8 @@ bool solid_meshes::finish()
             first_corner_.push_back(static_cast<int>(corners_.size()));
             units_.push_back({m, s, parts_[m], 0, 0});
             cut_into_triangles(static_cast<int>(units_.size()) - 1);
+            if (go_on && units_.size() % between_looks == 0 && !go_on())
+                return false;
         }
     }
     std::vector<box_t> boxes;
