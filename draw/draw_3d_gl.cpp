@@ -128,6 +128,12 @@ void draw_axes()
     draw_coloured(GL_LINES, ends);
 }
 
+void draw_ground_step()
+{
+    if (slice_draws(few_elements))
+        draw_ground_grid();
+}
+
 void draw_surfaces(picture_t &picture)
 {
     const fill_options_t options = {draw_set_lights(), camera_is_perspective(), true, false,
@@ -137,7 +143,7 @@ void draw_surfaces(picture_t &picture)
                               [&](const scene_t &scene) { draw(scene, options); });
     };
     by_place(draw_opaque_surfaces);
-    draw_ground_grid();
+    draw_ground_step();
     draw_line_surfaces(picture.scene, static_cast<float>(prefs.surface_line_width * picture.scale));
     by_place(draw_transparent_surfaces);
     draw_selection_tint(picture.scene);
@@ -145,7 +151,7 @@ void draw_surfaces(picture_t &picture)
 
 void draw_wireframe(const picture_t &picture)
 {
-    draw_ground_grid();
+    draw_ground_step();
     draw_edges(picture.scene,
                {colour_of(prefs.col_line, edge_alpha_wire),
                 static_cast<float>(prefs.surface_line_width * picture.scale), true, false, true});
@@ -209,8 +215,9 @@ void draw_3d_view(picture_t &picture)
 {
     set_matrices(picture);
     if (picture.layers.boxes_only) {
-        draw_ground_grid();
-        draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
+        draw_ground_step();
+        if (slice_draws(few_elements))
+            draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
         return;
     }
     const bool filled = prefs.view3dmode == 0 && picture.layers.fill;
@@ -218,7 +225,8 @@ void draw_3d_view(picture_t &picture)
         draw_surfaces(picture);
     else
         draw_wireframe(picture);
-    draw_axes();
+    if (slice_draws(few_elements))
+        draw_axes();
     finish_layer(picture, draw_layer::fill);
     if (picture.layers.edges)
         draw_model_edges(picture, filled);
@@ -229,7 +237,7 @@ void draw_3d_view(picture_t &picture)
                        select_mode() == SELECT_VERTEX,
                        static_cast<float>(prefs.vert_size * picture.scale),
                        prefs.draw_moving_vertices != 0});
-    if (prefs.show_3d_normals != 0)
+    if (prefs.show_3d_normals != 0 && slice_draws(slice_step_elements))
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));
     finish_layer(picture, draw_layer::vertices);

@@ -1,6 +1,8 @@
 #include "draw/draw_buffers_gl.h"
 
 #include "base/prefs.h"
+#include "draw/draw_slices.h"
+#include "draw/gpu_buffer_gl.h"
 #include "model/bounds.h"
 #include "model/textures/textures.h"
 
@@ -16,65 +18,6 @@ constexpr std::uint32_t small_object = 4096; // slots; larger ones have a page o
 constexpr std::uint32_t page_slots = 65536;
 constexpr std::uint32_t page_indices = 6 * page_slots;
 constexpr std::uint32_t most_sorted_triangles = 20000;
-
-std::uint64_t uploaded_bytes = 0;
-
-// A buffer object, or memory of our own where there are none.
-class gpu_buffer {
-public:
-    void reserve(GLenum target, size_t bytes)
-    {
-        bytes_ = bytes;
-        if (!device_caps().buffers) {
-            memory_.resize(bytes);
-            return;
-        }
-        glGenBuffers(1, &id_);
-        glBindBuffer(target, id_);
-        glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
-        glBindBuffer(target, 0); // or the next small array would be read from it
-    }
-
-    void write(GLenum target, size_t offset, const void *data, size_t bytes)
-    {
-        if (bytes == 0)
-            return;
-        uploaded_bytes += bytes;
-        if (id_ == 0) {
-            std::memcpy(memory_.data() + offset, data, bytes);
-            return;
-        }
-        glBindBuffer(target, id_);
-        glBufferSubData(target, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(bytes),
-                        data);
-        glBindBuffer(target, 0);
-    }
-
-    // `offset` as a pointer call takes it, with the buffer bound.
-    [[nodiscard]] const void *bind(GLenum target, size_t offset = 0) const
-    {
-        if (id_ == 0) {
-            if (device_caps().buffers)
-                glBindBuffer(target, 0);
-            return memory_.data() + offset;
-        }
-        glBindBuffer(target, id_);
-        return reinterpret_cast<const void *>(offset);
-    }
-
-    void release()
-    {
-        if (id_ != 0)
-            glDeleteBuffers(1, &id_);
-        id_ = 0;
-        memory_.clear();
-    }
-
-private:
-    GLuint id_ = 0;
-    size_t bytes_ = 0;
-    std::vector<unsigned char> memory_;
-};
 
 constexpr size_t position_bytes = 3 * sizeof(float);
 constexpr size_t normal_bytes = 4 * sizeof(std::int16_t);
@@ -99,6 +42,7 @@ struct store_t {
     std::unordered_map<const object_t *, object_buffers_t> objects;
     std::vector<std::unique_ptr<buffer_page_t>> pages;
     std::uint64_t sweep = 1;
+    unsigned generation = 0; // of layouts
 };
 
 store_t &store()
@@ -162,20 +106,21 @@ buffer_page_t *page_with_room(std::uint32_t slots, std::uint32_t indices,
     return new_page(page_slots, page_indices, page_indices, true, textured);
 }
 
-void upload_positions(const object_buffers_t &buffers)
+void upload_positions(const object_buffers_t &buffers, const slot_run_t &run)
 {
-    std::vector<float> data(3 * buffers.num_slots);
-    layout_positions(buffers.layout, *buffers.flat, data.data());
-    buffers.page->positions.write(GL_ARRAY_BUFFER, buffers.first_slot * position_bytes, data.data(),
+    std::vector<float> data(3 * run.count);
+    layout_positions(buffers.layout, *buffers.flat, run, data.data());
+    buffers.page->positions.write(GL_ARRAY_BUFFER,
+                                  (buffers.first_slot + run.first) * position_bytes, data.data(),
                                   data.size() * sizeof(float));
 }
 
-void upload_normals(const object_buffers_t &buffers)
+void upload_normals(const object_buffers_t &buffers, const slot_run_t &run)
 {
-    std::vector<std::int16_t> data(4 * buffers.num_slots);
-    layout_normals(buffers.layout, *buffers.flat, data.data());
-    buffers.page->normals.write(GL_ARRAY_BUFFER, buffers.first_slot * normal_bytes, data.data(),
-                                data.size() * sizeof(std::int16_t));
+    std::vector<std::int16_t> data(4 * run.count);
+    layout_normals(buffers.layout, *buffers.flat, run, data.data());
+    buffers.page->normals.write(GL_ARRAY_BUFFER, (buffers.first_slot + run.first) * normal_bytes,
+                                data.data(), data.size() * sizeof(std::int16_t));
 }
 
 void upload_texture_coords(const object_buffers_t &buffers)
@@ -203,25 +148,22 @@ void find_bounds(object_buffers_t &buffers)
         bounds_add(p, &buffers.min, &buffers.max);
 }
 
-void build(object_buffers_t &buffers, const flat_ptr &flat)
+layout_options_t layout_options(const object_buffers_t &buffers)
 {
-    leave_page(buffers);
-    buffers.flat = flat;
-    find_bounds(buffers);
-    if (flat->num_vertices() == 0)
-        return;
-    buffers.layout = layout_mesh(*flat, {.cut_concave = prefs.gl_concave != 0,
-                                         .texture_coords = buffers.textured,
-                                         .quads_by_diagonal = prefs.triangulate_quads != 0});
-    mesh_layout_t &layout = buffers.layout;
-    buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
-    buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
-    buffers.triangles.clear();
-    if (buffers.num_indices <= 3 * most_sorted_triangles)
-        buffers.triangles = layout.triangles;
-    const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
-    const auto num_lines = static_cast<std::uint32_t>(layout.lines.size());
-    buffers.num_edge_indices = num_edges + num_lines;
+    return {.cut_concave = prefs.gl_concave != 0,
+            .texture_coords = buffers.textured,
+            .quads_by_diagonal = prefs.triangulate_quads != 0};
+}
+
+void drop_job(object_buffers_t &buffers)
+{
+    if (buffers.job != nullptr)
+        buffers.job->cancelled = true;
+    buffers.job = nullptr;
+}
+
+void take_room(object_buffers_t &buffers, std::uint32_t num_edges)
+{
     buffer_page_t *page = page_with_room(buffers.num_slots, buffers.num_indices,
                                          buffers.num_edge_indices, buffers.textured);
     buffers.page = page;
@@ -233,40 +175,168 @@ void build(object_buffers_t &buffers, const flat_ptr &flat)
     page->used_slots += buffers.num_slots;
     page->used_indices += buffers.num_indices;
     page->used_edge_indices += buffers.num_edge_indices;
-    upload_positions(buffers);
-    upload_normals(buffers);
+}
+
+// With a layout of the mesh, or of one of the same shape.
+void build_with(object_buffers_t &buffers, const flat_ptr &flat, mesh_layout_t made)
+{
+    leave_page(buffers);
+    coarse_drop(buffers.coarse);
+    drop_job(buffers);
+    ++store().generation;
+    buffers.unchecked.clear();
+    buffers.flat = flat;
+    find_bounds(buffers);
+    if (flat->num_vertices() == 0)
+        return;
+    buffers.layout = std::move(made);
+    mesh_layout_t &layout = buffers.layout;
+    buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
+    buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
+    buffers.triangles.clear();
+    if (buffers.num_indices <= 3 * most_sorted_triangles)
+        buffers.triangles = layout.triangles;
+    const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
+    buffers.num_edge_indices = num_edges + static_cast<std::uint32_t>(layout.lines.size());
+    take_room(buffers, num_edges);
+    upload_positions(buffers, {0, buffers.num_slots});
+    upload_normals(buffers, {0, buffers.num_slots});
     if (buffers.textured)
         upload_texture_coords(buffers);
+    buffer_page_t *page = buffers.page;
     upload_indices(page->triangles, buffers.first_triangle_index, layout.triangles,
                    buffers.first_slot);
     upload_indices(page->edges, buffers.edges.first, layout.edges, buffers.first_slot);
     upload_indices(page->edges, buffers.first_line_index, layout.lines, buffers.first_slot);
 }
 
-void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat)
+void build(object_buffers_t &buffers, const flat_ptr &flat)
 {
-    const flat_mesh &old = *buffers.flat;
-    const bool moved = old.positions != flat->positions;
-    const bool turned = old.normals != flat->normals || old.face_normals != flat->face_normals;
-    const bool remapped = buffers.textured && old.texture_coords != flat->texture_coords;
-    const bool same_shape = old.surfaces == flat->surfaces &&
-                            old.corner_offsets == flat->corner_offsets &&
-                            old.corners == flat->corners;
-    if (!same_shape || (moved && !layout_fits(buffers.layout, *flat))) {
+    build_with(buffers, flat, layout_mesh(*flat, layout_options(buffers)));
+}
+
+// The first picture of a large mesh: its points alone, the layout follows.
+void build_cloud(object_buffers_t &buffers, const flat_ptr &flat)
+{
+    mesh_layout_t points;
+    points.num_vertices = static_cast<std::uint32_t>(flat->num_vertices());
+    points.slot_face.assign(points.num_vertices, -1);
+    if (buffers.textured)
+        points.corner_of_slot.assign(points.num_vertices, -1);
+    build_with(buffers, flat, std::move(points));
+    buffers.job = layout_job_start(flat, layout_options(buffers));
+}
+
+// Takes a layout that a worker has made; waits for it when it is needed at once.
+void take_layout(object_buffers_t &buffers, draw_pace pace)
+{
+    if (buffers.job == nullptr)
+        return;
+    if (pace == draw_pace::at_once && !buffers.job->ended) {
+        build(buffers, buffers.flat);
+        return;
+    }
+    const bool waits = pace == draw_pace::moving && buffers.num_indices > 0;
+    if (!buffers.job->ended || waits)
+        return;
+    const auto job = buffers.job;
+    build_with(buffers, buffers.flat, std::move(job->result));
+    buffers.unchecked = changed_points(*job->flat->positions, *buffers.flat->positions);
+}
+
+// Sees to it that the layout fits what has moved. False: it was built anew.
+bool check_layout(object_buffers_t &buffers, const changed_t &moved, draw_pace pace)
+{
+    changed_t &unchecked = buffers.unchecked;
+    if (unchecked.empty())
+        unchecked = moved;
+    for (size_t i = 0; i < moved.size(); ++i)
+        unchecked[i] |= moved[i];
+    const bool large = buffers.num_slots > small_object;
+    if (buffers.job != nullptr || (large && pace == draw_pace::moving))
+        return true;
+    if (layout_fits(buffers.layout, *buffers.flat, unchecked)) {
+        unchecked.clear();
+        return true;
+    }
+    if (pace == draw_pace::at_rest && buffers.flat->num_vertices() >= least_layout_job) {
+        buffers.job = layout_job_start(buffers.flat, layout_options(buffers));
+        return true;
+    }
+    build(buffers, buffers.flat);
+    return false;
+}
+
+void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat, draw_pace pace)
+{
+    const flat_ptr old = std::exchange(buffers.flat, flat);
+    const bool same_shape = old->surfaces == flat->surfaces &&
+                            old->corner_offsets == flat->corner_offsets &&
+                            old->corners == flat->corners;
+    if (!same_shape) {
         build(buffers, flat);
         return;
     }
-    buffers.flat = flat;
-    if (buffers.page == nullptr)
+    const changed_t moved = changed_points(*old->positions, *flat->positions);
+    if (!check_layout(buffers, moved, pace) || buffers.page == nullptr)
         return;
-    if (moved) {
+    if (!moved.empty() && pace != draw_pace::moving)
         find_bounds(buffers);
-        upload_positions(buffers);
-    }
-    if (turned)
-        upload_normals(buffers);
-    if (remapped)
+    for (size_t v = 0; v < moved.size() && pace == draw_pace::moving; ++v)
+        if (moved[v] != 0) // the box does not shrink before the end of the motion
+            bounds_add(flat->position(v), &buffers.min, &buffers.max);
+    for (const slot_run_t &run : moved_slots(buffers.layout, moved))
+        upload_positions(buffers, run);
+    for (const slot_run_t &run :
+         turned_slots(buffers.layout, changed_points(*old->normals, *flat->normals),
+                      changed_points(*old->face_normals, *flat->face_normals)))
+        upload_normals(buffers, run);
+    if (buffers.textured && old->texture_coords != flat->texture_coords)
         upload_texture_coords(buffers);
+    coarse_note_moved(buffers.coarse, moved);
+}
+
+// Of an object with a page of its own, where slots have the same numbers.
+coarse_source_t coarse_source(const object_buffers_t &buffers)
+{
+    const mesh_layout_t &layout = buffers.layout;
+    std::vector<std::uint32_t> triangles(buffers.num_indices);
+    buffers.page->triangles.read(GL_ELEMENT_ARRAY_BUFFER,
+                                 buffers.first_triangle_index * index_bytes, triangles.data(),
+                                 triangles.size() * index_bytes);
+    return {buffers.flat->positions, std::move(triangles), layout.groups,
+            layout.extra_vertices,   layout.slot_face,     layout.num_vertices};
+}
+
+// Calls draw(ranges) for all of them, or for the pieces of them that are in the present slice.
+template <class Draw>
+void in_steps(const draw_ranges_t &ranges, Draw &&draw)
+{
+    if (!slice_runs()) {
+        draw(ranges);
+        return;
+    }
+    draw_ranges_t step;
+    std::uint32_t in_step = 0;
+    const auto end_step = [&] {
+        if (in_step > 0 && slice_draws(in_step))
+            draw(step);
+        step.clear();
+        in_step = 0;
+    };
+    for (size_t i = 0; i < ranges.firsts.size(); ++i) {
+        std::uint32_t first = ranges.firsts[i];
+        const std::uint32_t end = first + static_cast<std::uint32_t>(ranges.counts[i]);
+        while (first < end) {
+            const std::uint32_t count = std::min(end - first, slice_step_elements - in_step);
+            step.add(first, count);
+            first += count;
+            in_step += count;
+            if (in_step == slice_step_elements)
+                end_step();
+        }
+    }
+    end_step();
 }
 
 template <class Draw>
@@ -292,17 +362,39 @@ void draw_indexed(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &bu
 
 } // namespace
 
-const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat)
+const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, draw_pace pace)
 {
     object_buffers_t &buffers = store().objects[object];
     buffers.used_in = store().sweep;
     const bool textured = object_picture(object) != nullptr;
     const bool was_textured = std::exchange(buffers.textured, textured);
-    if (buffers.flat == nullptr || textured != was_textured)
+    const bool later = pace != draw_pace::at_once && flat->num_vertices() >= least_layout_job;
+    if (buffers.flat == nullptr && later)
+        build_cloud(buffers, flat);
+    else if (buffers.flat == nullptr || textured != was_textured)
         build(buffers, flat);
     else if (buffers.flat != flat)
-        bring_up_to_date(buffers, flat);
+        bring_up_to_date(buffers, flat, pace);
+    else if (pace != draw_pace::moving && !buffers.unchecked.empty()) {
+        find_bounds(buffers);
+        check_layout(buffers, {}, pace);
+    }
+    take_layout(buffers, pace);
+    coarse_take(buffers.coarse, *flat->positions);
     return buffers;
+}
+
+unsigned buffers_generation() { return store().generation; }
+
+void buffers_ask_for_coarse()
+{
+    for (auto &[object, buffers] : store().objects) {
+        coarse_lists_t &coarse = buffers.coarse;
+        if (buffers.page != nullptr && buffers.job == nullptr && !buffers.page->shared &&
+            coarse.job == nullptr && (coarse.mesh == nullptr || coarse.outdated) &&
+            buffers.num_indices / 3 >= least_coarse_triangles)
+            coarse.job = coarse_job_start(coarse_source(buffers));
+    }
 }
 
 void buffers_sweep()
@@ -314,6 +406,8 @@ void buffers_sweep()
             continue;
         }
         leave_page(entry->second);
+        drop_job(entry->second);
+        coarse_drop(entry->second.coarse);
         entry = state.objects.erase(entry);
     }
     ++state.sweep;
@@ -344,31 +438,62 @@ void page_unbind()
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
 }
 
-void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges)
+void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges,
+                         const gpu_buffer *list)
 {
-    if (!ranges.empty())
-        draw_indexed(GL_TRIANGLES, ranges, page.triangles);
+    in_steps(ranges, [&](const draw_ranges_t &step) {
+        if (!step.empty())
+            draw_indexed(GL_TRIANGLES, step, list != nullptr ? *list : page.triangles);
+    });
 }
 
-void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges)
+void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges, const gpu_buffer *list)
 {
-    if (!ranges.empty())
-        draw_indexed(GL_LINES, ranges, page.edges);
+    in_steps(ranges, [&](const draw_ranges_t &step) {
+        if (!step.empty())
+            draw_indexed(GL_LINES, step, list != nullptr ? *list : page.edges);
+    });
 }
 
 void page_draw_points(const draw_ranges_t &slots)
 {
-    for (size_t i = 0; i < slots.firsts.size(); ++i)
-        glDrawArrays(GL_POINTS, static_cast<GLint>(slots.firsts[i]), slots.counts[i]);
+    in_steps(slots, [](const draw_ranges_t &step) {
+        for (size_t i = 0; i < step.firsts.size(); ++i)
+            glDrawArrays(GL_POINTS, static_cast<GLint>(step.firsts[i]), step.counts[i]);
+    });
+}
+
+void page_draw_cloud(const object_buffers_t &buffers, bool with_normals)
+{
+    const std::uint32_t stride = buffers.layout.num_vertices / cloud_points + 1;
+    const std::uint32_t count = buffers.layout.num_vertices / stride;
+    if (!slice_draws(count))
+        return;
+    const buffer_page_t &page = *buffers.page;
+    const size_t first = buffers.first_slot;
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, static_cast<GLsizei>(stride * position_bytes),
+                    page.positions.bind(GL_ARRAY_BUFFER, first * position_bytes));
+    if (with_normals) {
+        glEnableClientState(GL_NORMAL_ARRAY);
+        glNormalPointer(GL_SHORT, static_cast<GLsizei>(stride * normal_bytes),
+                        page.normals.bind(GL_ARRAY_BUFFER, first * normal_bytes));
+    }
+    glPointSize(2);
+    glDrawArrays(GL_POINTS, 0, static_cast<GLsizei>(count));
+    page_unbind();
 }
 
 void page_draw_slots(GLenum mode, std::span<const std::uint32_t> slots)
 {
-    if (slots.empty())
-        return;
     if (device_caps().buffers)
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-    glDrawElements(mode, static_cast<GLsizei>(slots.size()), GL_UNSIGNED_INT, slots.data());
+    for (size_t first = 0; first < slots.size(); first += slice_step_elements) {
+        const auto count =
+            static_cast<std::uint32_t>(std::min<size_t>(slots.size() - first, slice_step_elements));
+        if (slice_draws(count))
+            glDrawElements(mode, static_cast<GLsizei>(count), GL_UNSIGNED_INT, &slots[first]);
+    }
 }
 
-std::uint64_t buffers_uploaded_bytes() { return uploaded_bytes; }
+std::uint64_t buffers_uploaded_bytes() { return gpu_buffer::uploaded_bytes(); }

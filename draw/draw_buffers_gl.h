@@ -5,8 +5,9 @@
 // ten thousand of them are drawn in a few calls; a large one has a page of its own. Only arrays of
 // the flat mesh whose identity changed are uploaded again.
 
+#include "draw/coarse_lists_gl.h"
 #include "draw/draw_device_gl.h"
-#include "draw/mesh_layout.h"
+#include "draw/layout_job.h"
 #include "model/flat_mesh.h"
 
 #include <cstdint>
@@ -37,10 +38,26 @@ struct object_buffers_t {
     std::uint32_t num_edge_indices = 0; // edges and lines
     bool textured = false;              // has texture coordinates
     std::uint64_t used_in = 0;          // number of the last sweep
+    coarse_lists_t coarse;              // of a large object
+    changed_t unchecked;                // vertices that moved since the layout was found to fit
+    std::shared_ptr<layout_job_t> job;  // makes a layout that fits
+};
+
+// How much is put off for a large object.
+enum class draw_pace {
+    at_once, // nothing
+    at_rest, // its layout, to a worker: until that is there it has none, or the one before its last move
+    moving, // the check whether its layout still fits, too
 };
 
 // Of an object, up to date: of its own mesh, or of one that is shown in its stead.
-const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh);
+const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh, draw_pace pace);
+
+// Grows when an object gets another layout.
+unsigned buffers_generation();
+
+// Has coarse versions made of the large objects that have none of their present shape.
+void buffers_ask_for_coarse();
 
 // Frees the buffers of objects that were not drawn since the last sweep.
 void buffers_sweep();
@@ -73,9 +90,15 @@ struct draw_ranges_t {
 // as points, or any slots by number.
 void page_bind(const buffer_page_t &page, bool with_normals, bool with_texture_coords = false);
 void page_unbind();
-void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges);
-void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges);
+// The indices are the page's, or in another list of its slots.
+void page_draw_triangles(const buffer_page_t &page, const draw_ranges_t &ranges,
+                         const gpu_buffer *list = nullptr);
+void page_draw_edges(const buffer_page_t &page, const draw_ranges_t &ranges,
+                     const gpu_buffer *list = nullptr);
 void page_draw_points(const draw_ranges_t &slots);
+// Some of an object's vertices as points, for a first impression; binds the page by itself.
+void page_draw_cloud(const object_buffers_t &buffers, bool with_normals);
+constexpr std::uint32_t cloud_points = 20000; // about
 void page_draw_slots(GLenum mode, std::span<const std::uint32_t> slots);
 
 // How many bytes were uploaded since the start, for tests.

@@ -209,6 +209,22 @@ void reset_state()
     glEnable(GL_NORMALIZE);
 }
 
+void enter_frame(const frame_buffer_t &frame, int width, int height, bool smoothing)
+{
+    if (device.into_frame_buffer)
+        glBindFramebuffer(GL_FRAMEBUFFER, frame.frame);
+    glViewport(0, 0, width, height);
+    reset_state();
+    if (smoothing && !device.into_frame_buffer)
+        glEnable(GL_LINE_SMOOTH);
+}
+
+void leave_frame()
+{
+    use_no_program();
+    reset_state();
+}
+
 } // namespace
 
 const device_caps_t &device_caps()
@@ -240,20 +256,29 @@ void frame_begin(int view, int width, int height, const colour_t &background, bo
     frame_buffer_t &frame = device.frames[view];
     device.into_frame_buffer = smoothing && caps.samples > 0 && !frame.broken && width > 0 &&
                                height > 0 && make_frame_buffer(frame, width, height);
-    if (device.into_frame_buffer)
-        glBindFramebuffer(GL_FRAMEBUFFER, frame.frame);
-    glViewport(0, 0, width, height);
-    reset_state();
-    if (smoothing && !device.into_frame_buffer)
-        glEnable(GL_LINE_SMOOTH);
+    enter_frame(frame, width, height, smoothing);
     glClearColor(background.r, background.g, background.b, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
+void frame_pause()
+{
+    leave_frame();
+    if (device.into_frame_buffer)
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    device.into_frame_buffer = false;
+}
+
+void frame_resume(int view, int width, int height)
+{
+    const frame_buffer_t &frame = device.frames[view];
+    device.into_frame_buffer = device_caps().samples > 0 && frame.frame != 0 && !frame.broken;
+    enter_frame(frame, width, height, true);
+}
+
 void frame_end(int view)
 {
-    use_no_program();
-    reset_state();
+    leave_frame();
     if (device.into_frame_buffer) {
         const frame_buffer_t &frame = device.frames[view];
         glBindFramebuffer(GL_READ_FRAMEBUFFER, frame.frame);

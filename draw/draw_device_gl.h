@@ -38,6 +38,9 @@ inline void set_colour(const colour_t &c) { glColor4f(c.r, c.g, c.b, c.a); }
 // is antialiased. frame_end leaves the finished picture in the back buffer, for texts and the swap.
 void frame_begin(int view, int width, int height, const colour_t &background, bool smoothing);
 void frame_end(int view);
+// Leaves a frame that is drawn in slices as it is, and goes on with it.
+void frame_pause();
+void frame_resume(int view, int width, int height);
 // The view's window is closed, and with its context everything made in it is gone.
 void frame_forget(int view);
 

@@ -4,6 +4,7 @@
 // Shared by the two kinds of view while one picture is drawn.
 
 #include "draw/draw_scene_gl.h"
+#include "draw/draw_slices.h"
 #include "view/draw_budget.h"
 
 struct picture_t {
@@ -13,11 +14,11 @@ struct picture_t {
     scene_t scene;
     layer_choice_t layers;
     draw_budget *budget;
-    bool measure;   // wait after each layer and note its cost
-    double started; // of the layer in hand
+    layer_costs_t *costs; // what each layer took; null: not measured
+    double started;       // of the layer in hand
 };
 
-// Ends a layer: notes its cost in the budget while the picture is measured.
+// Ends a layer: while the picture is measured, waits until it is drawn and adds what it took.
 void finish_layer(picture_t &picture, draw_layer layer);
 
 // The surfaces of a layer by `draw`; while something moves, that is left out when it is shown as a
@@ -35,6 +36,8 @@ void draw_still_and_moving(const scene_t &scene, bool moving, bool wireframe, Dr
     const pending_place_t place;
     draw(items_that_move(scene, true));
 }
+
+constexpr std::uint32_t few_elements = 1000; // of a step that is drawn at once
 
 constexpr float edge_alpha_filled = 0.75f;
 constexpr float edge_alpha_wire = 0.8f;

@@ -97,16 +97,19 @@ void draw_model_edges(const picture_t &picture, bool filled)
 void draw_orthographic_view(picture_t &picture)
 {
     glDisable(GL_DEPTH_TEST);
-    use_pixel_projection(picture.width, picture.height);
-    draw_background_image(picture.view, picture.height);
-    draw_orth_grid(picture.view);
+    if (slice_draws(few_elements)) {
+        use_pixel_projection(picture.width, picture.height);
+        draw_background_image(picture.view, picture.height);
+        draw_orth_grid(picture.view);
+    }
     glEnable(GL_DEPTH_TEST);
     set_projection(picture);
     set_model_matrix(picture.view, picture.height);
     finish_layer(picture, draw_layer::rest);
 
     if (picture.layers.boxes_only) {
-        draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
+        if (slice_draws(few_elements))
+            draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
         return;
     }
     const bool filled = prefs.filled_orth != 0 && picture.layers.fill;
@@ -129,7 +132,7 @@ void draw_orthographic_view(picture_t &picture)
                        select_mode() == SELECT_VERTEX,
                        static_cast<float>(prefs.vert_size * picture.scale),
                        prefs.draw_moving_vertices != 0});
-    if (prefs.show_normals_orth != 0)
+    if (prefs.show_normals_orth != 0 && slice_draws(slice_step_elements))
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));
     finish_layer(picture, draw_layer::vertices);

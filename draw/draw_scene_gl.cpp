@@ -1,13 +1,14 @@
 #include "draw/draw_scene_gl.h"
 
 #include "base/prefs.h"
+#include "draw/cluster_view_gl.h"
 #include "draw/crowding_gl.h"
 #include "draw/depth_order.h"
 #include "draw/draw_textures_gl.h"
+#include "draw/selected_parts_gl.h"
 #include "edit/boolean_live.h"
 #include "model/bounds.h"
 #include "model/each.h"
-#include "model/ear_cut.h"
 #include "model/palette.h"
 #include "model/vector.h"
 #include "model/world.h"
@@ -17,7 +18,6 @@
 #include <compare>
 #include <map>
 #include <tuple>
-#include <unordered_map>
 
 namespace {
 
@@ -41,12 +41,13 @@ struct batch_key_t {
     std::int32_t material;
     placed_image_t picture;
     buffer_page_t *page;
+    const gpu_buffer *list = nullptr; // of indices; null: the page's
 
     bool operator<(const batch_key_t &other) const
     {
-        return std::tie(locked, picture, smooth, twosided, material, page) <
+        return std::tie(locked, picture, smooth, twosided, material, page, list) <
                std::tie(other.locked, other.picture, other.smooth, other.twosided, other.material,
-                        other.page);
+                        other.page, other.list);
     }
 };
 using batches_t = std::map<batch_key_t, draw_ranges_t>;
@@ -119,7 +120,7 @@ void draw_batches(const batches_t &batches, const fill_options_t &options)
     glEnable(GL_LIGHTING);
     for (const auto &[key, ranges] : batches) {
         begin_surfaces(key, options);
-        page_draw_triangles(*key.page, ranges);
+        page_draw_triangles(*key.page, ranges, key.list);
         page_unbind();
     }
     end_surfaces();
@@ -157,9 +158,44 @@ batch_key_t key_of(const scene_item_t &item, const layout_group_t &group,
     return {item.locked, group.smooth, group.twosided, group.material, picture, item.buffers->page};
 }
 
+// The clusters that are seen, in the item's detail; those with vertices that moved in full.
+void add_clusters(batches_t &batches, const scene_item_t &item, const fill_options_t &options,
+                  bool transparent)
+{
+    const coarse_lists_t &coarse = item.buffers->coarse;
+    const cluster_view_t seen(options.perspective);
+    const placed_image_t picture = picture_of(item, options);
+    std::vector<batch_key_t> keys;
+    for (const layout_group_t &group : item.buffers->layout.groups) {
+        keys.push_back(key_of(item, group, picture));
+        keys.back().list = &coarse.triangles;
+    }
+    std::vector<bool> wanted(keys.size(), false);
+    for (const size_t i : groups_of(item, picture, transparent))
+        wanted[i] = true;
+    for (size_t i = 0; i < coarse.mesh->clusters.size(); ++i) {
+        const mesh_cluster_t &cluster = coarse.mesh->clusters[i];
+        if (!wanted[cluster.group])
+            continue;
+        const batch_key_t &key = keys[cluster.group];
+        const bool moved = coarse.moved[i] != 0;
+        // Where its vertices went is not known to the cluster's bounds.
+        if (!coarse.outdated && !seen.shows(cluster, key.twosided))
+            continue;
+        const index_span_t &span = cluster.triangles[moved ? 0 : item.detail];
+        batches[key].add(span.first, span.count);
+    }
+}
+
 void add_groups(batches_t &batches, const scene_item_t &item, const fill_options_t &options,
                 bool transparent)
 {
+    if (item.detail == cloud_detail)
+        return;
+    if (item.detail > 0) {
+        add_clusters(batches, item, options, transparent);
+        return;
+    }
     const placed_image_t picture = picture_of(item, options);
     for (const size_t i : groups_of(item, picture, transparent)) {
         const layout_group_t &group = item.buffers->layout.groups[i];
@@ -193,110 +229,27 @@ bool is_drawn_filled(const scene_item_t &item)
            (!item.locked || prefs.show_locked_3d != 0);
 }
 
-// ---- selected parts of objects, as slots of their page ----
-
-struct part_slots_t {
-    unsigned generation = ~0u;
-    flat_ptr flat;
-    std::vector<std::uint32_t> edges;     // lines
-    std::vector<std::uint32_t> triangles; // of the selected surfaces
-    std::vector<std::uint32_t> vertices;
-};
-
-std::unordered_map<const object_t *, part_slots_t> &part_cache()
+void draw_cloud(const scene_item_t &item, const fill_options_t &options)
 {
-    static std::unordered_map<const object_t *, part_slots_t> cache;
-    return cache;
-}
-
-void add_surface_triangles(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
-{
-    const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-    const flat_surface &record = flat.surface(surface);
-    if (corners.size() < 3 || record.is_line())
+    const flat_mesh &flat = *item.buffers->flat;
+    if (flat.num_surfaces() == 0)
         return;
-    for (const int corner : surface_ears(flat, surface))
-        out.push_back(static_cast<std::uint32_t>(corners[corner]));
-}
-
-void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
-{
-    const flat_surface &record = flat.surface(surface);
-    const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-    if (!record.is_line())
-        return;
-    for (size_t i = 0; i + 1 < corners.size(); ++i)
-        out.insert(out.end(), {static_cast<std::uint32_t>(corners[i]),
-                               static_cast<std::uint32_t>(corners[i + 1])});
-    if (record.type == SURFACE_CLOSED_LINE && corners.size() > 2)
-        out.insert(out.end(), {static_cast<std::uint32_t>(corners.back()),
-                               static_cast<std::uint32_t>(corners.front())});
-}
-
-const part_slots_t &part_slots(const scene_item_t &item)
-{
-    part_slots_t &slots = part_cache()[item.object];
-    if (slots.generation == selection_marks_generation() && slots.flat == item.buffers->flat)
-        return slots;
-    slots.generation = selection_marks_generation();
-    slots.flat = item.buffers->flat;
-    const flat_mesh &flat = *slots.flat;
-    slots.edges.clear();
-    slots.triangles.clear();
-    slots.vertices.clear();
-    std::vector<int> surfaces;
-    for (const int surface : item.part->surfaces)
-        if (surface < flat.num_surfaces())
-            surfaces.push_back(surface);
-    if (!surfaces.empty())
-        slots.edges = unique_edges(flat, &surfaces);
-    for (const int surface : surfaces) {
-        add_surface_triangles(flat, surface, slots.triangles);
-        add_line_segments(flat, surface, slots.edges);
-    }
-    for (std::size_t i = 0; i + 1 < item.part->edges.size(); i += 2) {
-        const int a = item.part->edges[i], b = item.part->edges[i + 1];
-        if (a < flat.num_vertices() && b < flat.num_vertices())
-            slots.edges.insert(slots.edges.end(),
-                               {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(b)});
-    }
-    for (const int vertex : item.part->vertices)
-        if (vertex < flat.num_vertices() && item.part->edges.empty())
-            slots.vertices.push_back(static_cast<std::uint32_t>(vertex));
-    for (std::vector<std::uint32_t> *list : {&slots.edges, &slots.triangles, &slots.vertices})
-        for (std::uint32_t &slot : *list)
-            slot += item.buffers->first_slot;
-    return slots;
-}
-
-bool has_selected_part(const scene_item_t &item)
-{
-    return item.part != nullptr && !item.hidden && item.buffers->page != nullptr &&
-           !item.part->whole;
-}
-
-// Of every object that is selected in part one list of slots.
-void draw_selected_parts(const scene_t &scene, GLenum mode,
-                         std::vector<std::uint32_t> part_slots_t::*list)
-{
-    for (const scene_item_t &item : scene.items) {
-        if (!has_selected_part(item) || (part_slots(item).*list).empty())
-            continue;
-        page_bind(*item.buffers->page, false);
-        page_draw_slots(mode, part_slots(item).*list);
-    }
-    page_unbind();
+    glEnable(GL_LIGHTING);
+    begin_surfaces(key_of(item, {flat.surface(0).material, true, true, 0, 0}, {}), options);
+    page_draw_cloud(*item.buffers, true);
+    end_surfaces();
 }
 
 // ---- ranges of edges and points by page ----
 
-using page_ranges_t = std::map<buffer_page_t *, draw_ranges_t>;
+// By page and list of indices (null: the page's own).
+using page_ranges_t = std::map<std::pair<buffer_page_t *, const gpu_buffer *>, draw_ranges_t>;
 
-void draw_edge_ranges(const page_ranges_t &ranges)
+void draw_edge_ranges(const page_ranges_t &pages)
 {
-    for (const auto &[page, list] : ranges) {
-        page_bind(*page, false);
-        page_draw_edges(*page, list);
+    for (const auto &[where, ranges] : pages) {
+        page_bind(*where.first, false);
+        page_draw_edges(*where.first, ranges, where.second);
     }
     page_unbind();
 }
@@ -304,9 +257,16 @@ void draw_edge_ranges(const page_ranges_t &ranges)
 void add_edges(page_ranges_t &ranges, const scene_item_t &item, bool lines_too)
 {
     const object_buffers_t &b = *item.buffers;
-    ranges[b.page].add(b.edges.first, b.edges.count);
+    if (item.detail == cloud_detail) {
+        page_draw_cloud(b, false);
+    } else if (item.detail > 0) {
+        const index_span_t &span = b.coarse.mesh->level_edges[item.detail];
+        ranges[{b.page, &b.coarse.edges}].add(span.first, span.count);
+    } else {
+        ranges[{b.page, nullptr}].add(b.edges.first, b.edges.count);
+    }
     if (lines_too)
-        ranges[b.page].add(b.first_line_index, b.num_edge_indices - b.edges.count);
+        ranges[{b.page, nullptr}].add(b.first_line_index, b.num_edge_indices - b.edges.count);
 }
 
 colour_t colour_of_object(const object_buffers_t &buffers, float alpha)
@@ -324,25 +284,41 @@ struct edge_batch_t {
     page_ranges_t ranges;
 };
 
+void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
+
 void draw_points_of(const page_ranges_t &ranges)
 {
-    for (const auto &[page, slots] : ranges) {
-        page_bind(*page, false);
+    for (const auto &[where, slots] : ranges) {
+        page_bind(*where.first, false);
         page_draw_points(slots);
     }
     page_unbind();
 }
 
-void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
-
-// Selected vertices stand on a dark rim.
-void draw_rimmed_points(const scene_t &scene, float size)
+// Selected vertices stand on a dark rim. Many of a crowded object go without, or the rims would be all
+// that is seen.
+void draw_selected_points(const scene_t &scene, const crowding_t &screen, float plain_size)
 {
+    constexpr std::size_t few = 100;
+    scene_t rimmed, crowded;
+    for (const scene_item_t &item : scene.items) {
+        const bool many = item.part != nullptr && item.part->vertices.size() > few;
+        const bool covers = many && has_selected_part(item) && screen.is_crowded(*item.buffers);
+        (covers ? crowded : rimmed).items.push_back(item);
+    }
+    const float size = plain_size + 2;
     const colour_t rim = {0x14 / 255.0f, 0x14 / 255.0f, 0x14 / 255.0f, 0.85f};
-    for (const bool is_rim : {true, false}) {
-        set_colour(is_rim ? rim : colour_of(prefs.col_selvert));
-        set_point_size(is_rim ? size + 2 : size);
-        draw_selected_parts(scene, GL_POINTS, &part_slots_t::vertices);
+    const colour_t colour = colour_of(prefs.col_selvert);
+    struct pass_t {
+        const scene_t &scene;
+        colour_t colour;
+        float size;
+    };
+    for (const pass_t &pass : {pass_t{crowded, colour, plain_size}, pass_t{rimmed, rim, size + 2},
+                               pass_t{rimmed, colour, size}}) {
+        set_colour(pass.colour);
+        set_point_size(pass.size);
+        draw_selected_parts(pass.scene, GL_POINTS, &part_slots_t::vertices);
     }
 }
 
@@ -357,7 +333,7 @@ bool is_moving(const scene_item_t &item)
 
 scene_t items_that_move(const scene_t &scene, bool moving)
 {
-    scene_t found = {{}, scene.min, scene.max};
+    scene_t found = {{}, scene.min, scene.max, scene.complete};
     for (const scene_item_t &item : scene.items)
         if (is_moving(item) == moving)
             found.items.push_back(item);
@@ -378,7 +354,7 @@ pending_place_t::~pending_place_t()
     glPopMatrix();
 }
 
-scene_t gather_scene()
+scene_t gather_scene(draw_pace pace)
 {
     scene_t scene;
     selection_marks_update();
@@ -386,14 +362,15 @@ scene_t gather_scene()
     for_each_object(vesk_get_world(), [&](object_t *object) {
         const flat_ptr instead = boolean_live_shown(object);
         const object_buffers_t &buffers =
-            object_buffers(object, instead != nullptr ? instead : object_flat(object));
+            object_buffers(object, instead != nullptr ? instead : object_flat(object), pace);
         if (buffers.page == nullptr)
             return;
         const selected_part_t *part = selected_part(object);
         if (instead != nullptr && part != nullptr && !part->whole)
             part = nullptr; // places in the object's own mesh
         scene.items.push_back({object, &buffers, part, object->visible == 0, object->locked != 0,
-                               boolean_live_is_outline(object)});
+                               boolean_live_is_outline(object), 0});
+        scene.complete = scene.complete && buffers.job == nullptr;
         bounds_add(buffers.min, &scene.min, &scene.max);
         bounds_add(buffers.max, &scene.min, &scene.max);
     });
@@ -412,6 +389,9 @@ void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
     glPolygonOffset(1.0f, 1.0f);
     draw_batches(batches, options);
     glDisable(GL_POLYGON_OFFSET_FILL);
+    for (const scene_item_t &item : scene.items)
+        if (item.detail == cloud_detail && is_drawn_filled(item))
+            draw_cloud(item, options);
 }
 
 void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &options)
@@ -462,6 +442,7 @@ void draw_edges(const scene_t &scene, const edge_options_t &options)
                                               : options.colour;
         if (item.locked)
             colour.a *= 0.5f;
+        set_colour(colour); // of a cloud, which is drawn at once
         edge_batch_t &batch = batches[{colour.r, colour.g, colour.b, item.locked}];
         batch.colour = colour;
         add_edges(batch.ranges, item, options.lines_too);
@@ -521,8 +502,8 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
              (screen.is_crowded(*item.buffers) || (!options.moving_ones && is_moving(item)))))
             continue;
         const bool whole = item.part != nullptr && item.part->whole;
-        (whole ? selected : plain)[item.buffers->page].add(item.buffers->first_slot,
-                                                           item.buffers->layout.num_vertices);
+        (whole ? selected : plain)[{item.buffers->page, nullptr}].add(
+            item.buffers->first_slot, item.buffers->layout.num_vertices);
     }
     if (device_caps().samples > 0)
         glEnable(GL_POINT_SPRITE);   // several samples a pixel would make the squares round
@@ -536,7 +517,7 @@ void draw_vertices(const scene_t &scene, const vertex_options_t &options)
         const pending_place_t place;
         set_colour(colour_of(prefs.col_selvert, strength));
         draw_points_of(selected);
-        draw_rimmed_points(scene, options.size + 2);
+        draw_selected_points(scene, screen, options.size);
     }
     glDepthRange(0.0, 1.0);
     if (device_caps().samples > 0)

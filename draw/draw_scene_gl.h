@@ -6,6 +6,7 @@
 
 #include "draw/draw_buffers_gl.h"
 #include "draw/selection_marks.h"
+#include "view/draw_budget.h"
 
 #include <vector>
 
@@ -15,15 +16,25 @@ struct scene_item_t {
     const selected_part_t *part; // null: nothing of it is selected
     bool hidden, locked;
     bool outline; // without its surfaces
+    int detail;   // 0: the mesh itself, else a level of its coarse lists, or a cloud of points
 };
+constexpr int cloud_detail =
+    num_detail_levels; // of large objects whose coarse lists are not there yet
 
 struct scene_t {
     std::vector<scene_item_t> items; // objects with geometry
     point3_t min, max;               // of all of them; min above max when there are none
+    bool complete = true;            // false: layouts are still being made
 };
 
 // The world's objects with their buffers brought up to date.
-scene_t gather_scene();
+scene_t gather_scene(draw_pace pace);
+
+// How many elements the scene has in each level of detail, as shares of all; what has no coarse version
+// counts in full.
+detail_shares_t detail_shares(const scene_t &scene);
+// From now on objects with coarse versions are drawn in this level.
+void choose_detail(scene_t &scene, int level);
 
 // While the selection follows the mouse: the items that do, or the others.
 scene_t items_that_move(const scene_t &scene, bool moving);

@@ -13,14 +13,28 @@
 namespace {
 
 constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
+constexpr double slice_seconds = 0.025;
+constexpr double any_time = 1e9;
 constexpr float label_x = 8;
 constexpr float label_y = 17;
+
+// A picture at rest that is being drawn.
+struct unfinished_t {
+    bool begun = false;
+    std::uint64_t steps = 0; // that are drawn
+    layer_costs_t costs = {};
+    // of the model and the selection that it shows
+    std::uint64_t changes = 0;
+    unsigned marks = 0;
+    unsigned layouts = 0;
+};
 
 struct view_state_t {
     draw_budget budget;
     bool partial = false;
     int width = 0, height = 0; // of the last picture
     layer_choice_t layers;
+    unfinished_t unfinished;
     bool distrusted = false;
     std::uint64_t distrusted_at = 0; // change count of the model
 };
@@ -46,10 +60,52 @@ double scene_vertices(const scene_t &scene)
     return sum;
 }
 
-// Notes the cost of smoothing: that of all layers against the present ones.
-void learn_smoothing(picture_t &picture, double seconds)
+// In any view: the others do not take its time.
+bool anything_moves(double seconds)
+{
+    for (int view = 0; view < num_views; ++view)
+        if (view_is_moving(view, seconds))
+            return true;
+    return false;
+}
+
+// The model as it is now; the layers are chosen by the caller.
+picture_t begin_picture(int view, int width, int height, draw_pace pace)
+{
+    view_state_t &state = states[view];
+    scene_t scene = is_distrusted(state) ? scene_t() : gather_scene(pace);
+    state.budget.expect(scene_vertices(scene));
+    return {view, width,         height,  view_interface_scale(), std::move(scene),
+            {},   &state.budget, nullptr, ui_port().now_seconds()};
+}
+
+void draw_layers(picture_t &picture)
+{
+    if (is_orthographic(picture.view))
+        draw_orthographic_view(picture);
+    else
+        draw_3d_view(picture);
+}
+
+// Over the finished picture.
+void draw_over(picture_t &picture)
+{
+    if (is_orthographic(picture.view))
+        draw_orthographic_overlay(picture);
+    else
+        draw_3d_overlay(picture);
+    draw_window_label(picture.view);
+    finish_layer(picture, draw_layer::rest);
+}
+
+// Notes the cost of smoothing, that of all layers against the present ones; or that of coarse detail.
+void learn_from_quick(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
+    if (picture.layers.detail > 0) {
+        budget.note_coarse(picture.layers.expected, seconds);
+        return;
+    }
     double expected = budget.cost(draw_layer::rest);
     if (picture.layers.fill)
         expected += budget.cost(draw_layer::fill);
@@ -75,42 +131,89 @@ bool draw_view_blank(int view, int width, int height)
 void draw_view(int view, int width, int height, double seconds, bool in_full)
 {
     view_state_t &state = states[view];
-    const bool distrusted = is_distrusted(state);
-    const bool up_to_date = boolean_live_update(view_is_moving(view, seconds) && !in_full);
-    scene_t scene = distrusted ? scene_t() : gather_scene();
-    state.budget.expect(scene_vertices(scene));
+    state.unfinished = {};
     const bool moving = view_is_moving(view, seconds);
-    const bool quick = moving || (!in_full && state.budget.full_cost() > slow_picture);
-    const bool flat = is_orthographic(view);
-    picture_t picture = {view, width,         height, view_interface_scale(), std::move(scene),
-                         {},   &state.budget, !quick, ui_port().now_seconds()};
+    const bool up_to_date = boolean_live_update(moving && !in_full);
+    picture_t picture = begin_picture(view, width, height,
+                                      anything_moves(seconds) ? draw_pace::moving
+                                      : in_full               ? draw_pace::at_once
+                                                              : draw_pace::at_rest);
+    if (!anything_moves(seconds))
+        buffers_ask_for_coarse();
     const double started = picture.started;
-    picture.layers = state.budget.choose(quick, flat);
-    picture.layers.boxes_only = distrusted || (moving && picture.layers.boxes_only);
+    const bool quick =
+        moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
+    picture.layers =
+        state.budget.choose(quick, is_orthographic(view), detail_shares(picture.scene));
+    choose_detail(picture.scene, picture.layers.detail);
+    picture.layers.boxes_only = state.distrusted || (moving && picture.layers.boxes_only);
     // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
-    if (resized) {
+    layer_costs_t costs = {};
+    if (resized)
         picture.layers.smoothing = false;
-        picture.measure = false;
-    }
+    else if (!quick)
+        picture.costs = &costs;
     state.width = width;
     state.height = height;
     frame_begin(view, width, height, background_of(view), picture.layers.smoothing);
-    if (flat)
-        draw_orthographic_view(picture);
-    else
-        draw_3d_view(picture);
+    draw_layers(picture);
     frame_end(view);
-    if (flat)
-        draw_orthographic_overlay(picture);
-    else
-        draw_3d_overlay(picture);
-    draw_window_label(view);
-    finish_layer(picture, draw_layer::rest);
+    draw_over(picture);
+    state.budget.note_all(costs);
     if (quick)
-        learn_smoothing(picture, seconds_until_drawn() - started);
+        learn_from_quick(picture, seconds_until_drawn() - started);
     state.partial = quick || resized || !up_to_date;
     state.layers = picture.layers;
+}
+
+bool draw_view_slice(int view, int width, int height, double seconds)
+{
+    view_state_t &state = states[view];
+    unfinished_t &unfinished = state.unfinished;
+    const bool slow = state.budget.full_cost() > slow_picture;
+    if (width != state.width || height != state.height || (slow && anything_moves(seconds)) ||
+        view_is_moving(view, seconds)) {
+        draw_view(view, width, height, seconds, false);
+        return true;
+    }
+    const bool up_to_date = boolean_live_update(false);
+    picture_t picture = begin_picture(view, width, height, draw_pace::at_rest);
+    buffers_ask_for_coarse();
+    if (!picture.scene.complete) {
+        draw_view(view, width, height, seconds, false);
+        return true;
+    }
+    if (unfinished.changes != model_change_count() ||
+        unfinished.marks != selection_marks_generation() ||
+        unfinished.layouts != buffers_generation())
+        unfinished = {};
+    picture.costs = &unfinished.costs;
+    picture.layers = state.budget.choose(false, is_orthographic(view));
+    picture.layers.boxes_only = state.distrusted;
+    if (!unfinished.begun)
+        frame_begin(view, width, height, background_of(view), true);
+    else
+        frame_resume(view, width, height);
+    unfinished.begun = true;
+    unfinished.changes = model_change_count();
+    unfinished.marks = selection_marks_generation();
+    unfinished.layouts = buffers_generation();
+    slice_begin(unfinished.steps, slow ? slice_seconds : any_time, [] { glFinish(); });
+    draw_layers(picture);
+    const slice_end_t end = slice_end();
+    unfinished.steps = end.done;
+    if (!end.finished) {
+        frame_pause();
+        return false;
+    }
+    frame_end(view);
+    draw_over(picture);
+    state.budget.note_all(unfinished.costs);
+    unfinished = {};
+    state.partial = !up_to_date;
+    state.layers = picture.layers;
+    return true;
 }
 
 std::string drawn_view_layers(int view)
@@ -125,6 +228,8 @@ std::string drawn_view_layers(int view)
         words += " edges";
     if (layers.vertices)
         words += " vertices";
+    if (layers.detail > 0)
+        words += layers.detail == 1 ? " coarse" : layers.detail == 2 ? " coarsest" : " cloud";
     if (layers.smoothing)
         words += " smoothing";
     return words;
@@ -134,6 +239,9 @@ bool drawn_view_is_partial(int view) { return states[view].partial; }
 
 void draw_view_distrust(int view)
 {
+    slice_end();
+    frame_pause();
+    states[view].unfinished = {};
     states[view].distrusted = true;
     states[view].distrusted_at = model_change_count();
 }

@@ -12,6 +12,11 @@
 // need not be `in_full` at once. `seconds` is now.
 void draw_view(int view, int width, int height, double seconds, bool in_full);
 
+// A part of the picture at rest: about as much as fits `slice_seconds`, all of it when it is not slow.
+// True: it is finished and in the back buffer. What was drawn of a picture is given up by draw_view and
+// by whatever changes the model, the selection or the size.
+bool draw_view_slice(int view, int width, int height, double seconds);
+
 // A picture of the background alone when the last picture of the view had another size, for drivers
 // that learn of a new size only while they show a picture. False: the size is the same.
 bool draw_view_blank(int view, int width, int height);

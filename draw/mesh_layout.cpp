@@ -15,8 +15,9 @@ point3_t facing_of(const flat_mesh &flat, std::span<const std::int32_t> corners)
     return to_point(outline_normal(flat, corners));
 }
 
-// A fan fills the polygon rightly when no corner turns against the others.
-bool is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners)
+} // namespace
+
+bool polygon_is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners)
 {
     const size_t n = corners.size();
     if (n <= 3)
@@ -32,6 +33,8 @@ bool is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners)
     }
     return true;
 }
+
+namespace {
 
 // Groups in the order of their first surface.
 class group_table {
@@ -147,7 +150,7 @@ private:
     {
         const std::span<const std::int32_t> corners = flat_.surface_corners(surface);
         const bool smooth = flat_.surface(surface).smooth != 0;
-        const bool ears = options_.cut_concave && !is_convex(flat_, corners);
+        const bool ears = options_.cut_concave && !polygon_is_convex(flat_, corners);
         if (ears)
             out_.concave.push_back(surface);
         if (!smooth && corners.size() > 3)
@@ -262,42 +265,28 @@ mesh_layout_t layout_mesh(const flat_mesh &flat, const layout_options_t &options
     return layout;
 }
 
-bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat)
-{
-    size_t next = 0;
-    for (int surface = 0; surface < flat.num_surfaces(); ++surface) {
-        const bool was_concave = next < layout.concave.size() && layout.concave[next] == surface;
-        if (was_concave)
-            return false; // its ears may lie differently now
-        const flat_surface &record = flat.surface(surface);
-        if (!record.is_line() && !is_convex(flat, flat.surface_corners(surface)))
-            return false;
-    }
-    return true;
-}
-
-void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, float *out)
+void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, const slot_run_t &run,
+                      float *out)
 {
     static_assert(sizeof(point3_t) == 3 * sizeof(float));
     auto *points = reinterpret_cast<point3_t *>(out);
-    std::copy(flat.positions->begin(), flat.positions->end(), points);
-    points += layout.num_vertices;
-    for (const std::int32_t owner : layout.extra_vertices)
-        *points++ = flat.position(owner);
+    const std::size_t end = run.first + run.count;
+    const std::size_t end_own = std::min<std::size_t>(end, layout.num_vertices);
+    if (run.first < end_own)
+        points =
+            std::copy(flat.positions->data() + run.first, flat.positions->data() + end_own, points);
+    for (std::size_t slot = std::max(run.first, end_own); slot < end; ++slot)
+        *points++ = flat.position(layout.vertex_of(slot));
 }
 
-void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int16_t *out)
+void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, const slot_run_t &run,
+                    std::int16_t *out)
 {
-    const size_t slots = layout.num_slots();
     std::int32_t odd_face = -1; // the last one
     point3_t odd_normal = {};
-    for (size_t slot = 0; slot < slots; ++slot) {
+    for (std::size_t slot = run.first; slot < run.first + run.count; ++slot) {
         const std::int32_t face = layout.slot_face[slot];
-        const size_t owner =
-            slot < layout.num_vertices
-                ? slot
-                : static_cast<size_t>(layout.extra_vertices[slot - layout.num_vertices]);
-        point3_t normal = face >= 0 ? flat.face_normal(face) : flat.normal(owner);
+        point3_t normal = face >= 0 ? flat.face_normal(face) : flat.normal(layout.vertex_of(slot));
         if (face >= 0 &&
             std::binary_search(layout.odd_faces.begin(), layout.odd_faces.end(), face)) {
             if (face != odd_face) {
@@ -309,10 +298,10 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int
             }
             normal = odd_normal;
         }
-        out[slot * 4] = packed(normal.x);
-        out[slot * 4 + 1] = packed(normal.y);
-        out[slot * 4 + 2] = packed(normal.z);
-        out[slot * 4 + 3] = 0;
+        *out++ = packed(normal.x);
+        *out++ = packed(normal.y);
+        *out++ = packed(normal.z);
+        *out++ = 0;
     }
 }
 

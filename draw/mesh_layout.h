@@ -35,6 +35,11 @@ struct mesh_layout_t {
     std::uint32_t num_vertices = 0;
 
     [[nodiscard]] std::size_t num_slots() const { return num_vertices + extra_vertices.size(); }
+    [[nodiscard]] std::size_t vertex_of(std::size_t slot) const
+    {
+        return slot < num_vertices ? slot
+                                   : static_cast<std::size_t>(extra_vertices[slot - num_vertices]);
+    }
 };
 
 struct layout_options_t {
@@ -43,15 +48,24 @@ struct layout_options_t {
     bool quads_by_diagonal = false; // quads cut along the shorter diagonal
 };
 
+// A fan fills the polygon rightly when no corner turns against the others.
+bool polygon_is_convex(const flat_mesh &flat, std::span<const std::int32_t> corners);
+
 mesh_layout_t layout_mesh(const flat_mesh &flat, const layout_options_t &options);
 
-// Whether the layout still fits after vertices moved: no polygon became concave or stopped to be.
-bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat);
+// Neighbouring slots.
+struct slot_run_t {
+    std::size_t first;
+    std::size_t count;
+};
 
-// The contents of the buffers: three floats a slot, and a normal as four signed 16-bit numbers.
-void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
-void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, std::int16_t *out);
-// Of a layout with texture coordinates: two floats a slot.
+// The contents of the buffers, of some slots: three floats a slot, and a normal as four signed 16-bit
+// numbers.
+void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, const slot_run_t &run,
+                      float *out);
+void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, const slot_run_t &run,
+                    std::int16_t *out);
+// Of all slots of a layout with texture coordinates: two floats a slot.
 void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
 
 // Unique edges of the polygons among `surfaces` (null: of all), two vertex indices each.

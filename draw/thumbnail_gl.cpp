@@ -125,7 +125,7 @@ void draw_loose_points(const scene_t &scene, int size)
 
 void draw_model(int size)
 {
-    const scene_t scene = gather_scene();
+    const scene_t scene = gather_scene(draw_pace::at_once);
     frame_begin(VIEW_XYZ, size, size, ground, true);
     if (scene.min.x <= scene.max.x) {
         set_matrices(look_at_model(scene));

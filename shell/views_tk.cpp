@@ -30,14 +30,19 @@
 
 namespace {
 
-// A little more than the end of a motion takes to be known.
-constexpr int settle_msecs = 160;
-
+constexpr double settle_seconds = 0.16; // a little more than the end of a motion takes to be known
+constexpr double slow_seconds = 0.01;   // events come after a picture that took longer
 constexpr double never = 1e300;
 
+// When a view is drawn, and how.
+struct due_t {
+    double at = never;
+    bool in_full = false;
+};
+
 struct widgets_t {
-    Tcl_TimerToken settle = nullptr;
-    double settle_at[num_views] = {never, never, never, never}; // when a view is drawn in full
+    Tcl_TimerToken timer = nullptr;
+    due_t due[num_views];
     Tcl_TimerToken tick = nullptr;
     bool drawing[num_views] = {};
     bool busy = false;               // the watch is shown
@@ -66,18 +71,29 @@ int view_of(const Togl *togl)
 
 // ---- drawing ----
 
-void settle(ClientData);
+void draw_due(ClientData);
 
-// A view that left something out is drawn in full when nothing has happened to it for a while.
-void draw_again(int view)
+void set_timer()
 {
-    widgets.settle_at[view] = ui_port().now_seconds() + settle_msecs / 1000.0;
-    if (widgets.settle == nullptr)
-        widgets.settle = Tcl_CreateTimerHandler(settle_msecs, settle, nullptr);
+    double next = never;
+    for (const due_t &due : widgets.due)
+        next = std::min(next, due.at);
+    if (widgets.timer != nullptr)
+        Tcl_DeleteTimerHandler(widgets.timer);
+    const double msecs = (next - ui_port().now_seconds()) * 1000;
+    widgets.timer = next == never ? nullptr
+                                  : Tcl_CreateTimerHandler(std::max(1, static_cast<int>(msecs) + 1),
+                                                           draw_due, nullptr);
+}
+
+void draw_later(int view, double seconds, bool in_full)
+{
+    widgets.due[view] = {ui_port().now_seconds() + seconds, in_full};
+    set_timer();
 }
 
 // Beside the view that a drag runs in, the others must not take its time: each gets a small share.
-bool must_wait(int view)
+bool must_wait_for_drag(int view)
 {
     constexpr double share = 0.1;
     const int dragged = interaction_drag_view();
@@ -86,54 +102,87 @@ bool must_wait(int view)
            ui_port().now_seconds() - widgets.drawn_at[view] < widgets.cost[view] / share;
 }
 
-void draw(int view, bool in_full)
+// Whether slow pictures of other views were drawn just now, and no event was taken since.
+bool must_wait_for_events()
+{
+    constexpr double just_now = 0.002;
+    const double now = ui_port().now_seconds();
+    for (int view = 0; view < num_views; ++view)
+        if (now - widgets.drawn_at[view] < just_now && widgets.cost[view] > slow_seconds)
+            return true;
+    return false;
+}
+
+enum class draw_how { quick, full, slice };
+
+// False: a picture in slices is not finished.
+bool draw_how_wanted(Togl *togl, int view, draw_how how)
+{
+    const int width = Togl_Width(togl);
+    const int height = Togl_Height(togl);
+    // Software drivers learn of a window's new size with the first picture in it.
+    if (draw_view_blank(view, width, height))
+        Togl_SwapBuffers(togl);
+    const double now = ui_port().now_seconds();
+    if (how == draw_how::slice && !draw_view_slice(view, width, height, now))
+        return false;
+    if (how != draw_how::slice)
+        draw_view(view, width, height, now, how == draw_how::full);
+    Togl_SwapBuffers(togl);
+    return true;
+}
+
+void draw(int view, draw_how how)
 {
     Togl *togl = togl_of(view);
     if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
         return;
-    if (!in_full && must_wait(view)) {
-        draw_again(view);
-        return;
-    }
     const double started = ui_port().now_seconds();
-    widgets.settle_at[view] = never;
+    widgets.due[view].at = never;
     widgets.drawing[view] = true; // a box shown from inside lets events in
     Togl_MakeCurrent(togl);
+    bool finished = true;
     fault_t fault;
-    const bool drawn = guarded_with_recovery(
-        [&] {
-            const int width = Togl_Width(togl);
-            const int height = Togl_Height(togl);
-            // Software drivers learn of a window's new size with the first picture in it.
-            if (draw_view_blank(view, width, height))
-                Togl_SwapBuffers(togl);
-            draw_view(view, width, height, ui_port().now_seconds(), in_full);
-            Togl_SwapBuffers(togl);
-        },
-        &fault);
+    const bool drawn =
+        guarded_with_recovery([&] { finished = draw_how_wanted(togl, view, how); }, &fault);
     widgets.drawing[view] = false;
-    widgets.drawn_at[view] = ui_port().now_seconds();
-    widgets.cost[view] = widgets.drawn_at[view] - started;
     if (!drawn) {
         draw_view_distrust(view);
         tell_main_fault(fault);
-    } else if (drawn_view_is_partial(view)) {
-        draw_again(view);
     }
+    if (!finished) {
+        draw_later(view, 0, true);
+        return;
+    }
+    widgets.drawn_at[view] = ui_port().now_seconds();
+    widgets.cost[view] = widgets.drawn_at[view] - started;
+    // A view that left something out is drawn in full when nothing has happened to it for a while.
+    if (drawn && drawn_view_is_partial(view))
+        draw_later(view, settle_seconds, true);
 }
 
-// One view at a time: full pictures of a large model are slow, and events come between them.
-void settle(ClientData)
+// One view at a time, and a part of a slow picture: events come between them.
+void draw_due(ClientData)
 {
-    const auto first = std::min_element(widgets.settle_at, widgets.settle_at + num_views);
-    if (*first <= ui_port().now_seconds())
-        draw(static_cast<int>(first - widgets.settle_at), true);
-    const double next = *std::min_element(widgets.settle_at, widgets.settle_at + num_views);
-    const double msecs = (next - ui_port().now_seconds()) * 1000;
-    widgets.settle =
-        next == never
-            ? nullptr
-            : Tcl_CreateTimerHandler(std::max(1, static_cast<int>(msecs) + 1), settle, nullptr);
+    widgets.timer = nullptr;
+    const auto *first =
+        std::min_element(widgets.due, widgets.due + num_views,
+                         [](const due_t &a, const due_t &b) { return a.at < b.at; });
+    if (first->at <= ui_port().now_seconds())
+        draw(static_cast<int>(first - widgets.due),
+             first->in_full ? draw_how::slice : draw_how::quick);
+    set_timer();
+}
+
+// The widget is to be drawn.
+void draw_when_possible(int view)
+{
+    if (must_wait_for_drag(view))
+        draw_later(view, settle_seconds, false);
+    else if (must_wait_for_events())
+        draw_later(view, 0, false);
+    else
+        draw(view, draw_how::quick);
 }
 
 // ---- continuous motion ----
@@ -331,7 +380,7 @@ void views_tk_fill_port(ui_port_t &port)
         else if (togl_of(view) != nullptr)
             Togl_PostRedisplay(togl_of(view));
     };
-    port.draw_now = [](int view) { draw(view, false); };
+    port.draw_now = [](int view) { draw(view, draw_how::quick); };
     port.make_current = platform_make_window_current;
     port.read_pixels = views_tk_read_pixels;
     port.swap_buffers = [](int view) {
@@ -356,7 +405,7 @@ void views_tk_fill_port(ui_port_t &port)
     };
 }
 
-void views_tk_draw_in_full(int view) { draw(view, true); }
+void views_tk_draw_in_full(int view) { draw(view, draw_how::full); }
 
 bool views_tk_geometry(int view, int out[4])
 {
@@ -479,7 +528,7 @@ void redisplay(void *togl)
 {
     const int view = view_of(static_cast<Togl *>(togl));
     if (view != VIEW_NONE)
-        draw(view, false);
+        draw_when_possible(view);
 }
 
 void expose(int view, void *x_event)

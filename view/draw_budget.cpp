@@ -13,6 +13,20 @@ void draw_budget::note(draw_layer layer, double seconds)
     cost = cost == 0 ? seconds : cost + (seconds - cost) * weight_of_new;
 }
 
+void draw_budget::note_all(const layer_costs_t &costs)
+{
+    for (std::size_t layer = 0; layer < costs.size(); ++layer)
+        if (costs[layer] > 0)
+            note(static_cast<draw_layer>(layer), costs[layer]);
+}
+
+void draw_budget::note_coarse(double expected, double seconds)
+{
+    if (expected > 0)
+        coarse_factor_ *= 1 + weight_of_new * (std::clamp(seconds / expected, 0.5, 2.0) - 1);
+    coarse_factor_ = std::clamp(coarse_factor_, 0.1, 4.0);
+}
+
 void draw_budget::expect(double num_vertices)
 {
     if (num_vertices > 2 * num_vertices_) {
@@ -32,26 +46,40 @@ double draw_budget::full_cost() const
            cost(draw_layer::rest);
 }
 
-layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
+layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first,
+                                   const detail_shares_t &shares) const
 {
     layer_choice_t choice;
-    if (!moving)
+    if (!moving || full_cost() <= frame_budget)
         return choice;
-    double total = full_cost();
-    const auto leave_out = [&](bool &layer, draw_layer which) {
-        if (total <= frame_budget)
-            return;
-        layer = false;
-        total -= cost(which);
-    };
-    leave_out(choice.vertices, draw_layer::vertices);
-    leave_out(choice.smoothing, draw_layer::smoothing);
-    if (fill_goes_first)
-        leave_out(choice.fill, draw_layer::fill);
-    else
-        leave_out(choice.edges, draw_layer::edges);
+    choice.vertices = false;
+    const double fill = cost(draw_layer::fill);
+    const double edges = cost(draw_layer::edges);
+    const double rest = cost(draw_layer::rest);
+    if (rest + fill + edges <= frame_budget)
+        return choice;
+    choice.smoothing = false;
+    // Smoothing is a part of the costs as they were measured.
+    const double plain = std::max(rest + fill + edges - cost(draw_layer::smoothing), 0.0);
+    if (plain <= frame_budget)
+        return choice;
+    const double sum = std::max(fill + edges, 1e-9);
+    const double without = 1 - (fill_goes_first ? fill : edges) / sum;
+    const double elements = std::max(plain - rest, 0.0);
+    for (std::size_t level = 0; level < shares.size(); ++level) {
+        if (level > 0 && shares[level] >= shares[level - 1])
+            continue; // no coarser than the one before
+        choice.detail = static_cast<int>(level);
+        const double factor = level > 0 ? coarse_factor_ : 1;
+        for (const bool all : {true, false}) {
+            (fill_goes_first ? choice.fill : choice.edges) = all;
+            choice.expected = rest + elements * shares[level] * factor * (all ? 1 : without);
+            if (choice.expected <= frame_budget)
+                return choice;
+        }
+    }
     // A view that is slow but usable is better than boxes.
     constexpr double boxes_above = 10 * frame_budget;
-    choice.boxes_only = total > boxes_above;
+    choice.boxes_only = choice.expected > boxes_above;
     return choice;
 }

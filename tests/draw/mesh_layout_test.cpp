@@ -1,5 +1,4 @@
-#include "draw/mesh_layout.h"
-
+#include "draw/mesh_changes.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
 #include "model/vector.h"
@@ -38,7 +37,7 @@ protected:
     static double area(const flat_mesh &flat, const mesh_layout_t &layout)
     {
         std::vector<float> positions(layout.num_slots() * 3);
-        layout_positions(layout, flat, positions.data());
+        layout_positions(layout, flat, {0, layout.num_slots()}, positions.data());
         double sum = 0;
         for (size_t i = 0; i + 2 < layout.triangles.size(); i += 3) {
             const point3_t a = slot_point(layout, positions, i);
@@ -91,7 +90,7 @@ TEST_F(MeshLayout, TheNormalOfAPolygonFollowsItsOutline)
         const flat_ptr flat = object_flat(add_polygon(c.xy));
         const mesh_layout_t layout = layout_mesh(*flat, {});
         std::vector<std::int16_t> normals(layout.num_slots() * 4);
-        layout_normals(layout, *flat, normals.data());
+        layout_normals(layout, *flat, {0, layout.num_slots()}, normals.data());
         const size_t provoking = layout.triangles[2];
         EXPECT_EQ(normals[provoking * 4 + 2] > 0, c.area > 0);
     }
@@ -108,7 +107,7 @@ TEST_F(MeshLayout, ACubeTakesOneSlotForEachVertexOrFaceThatNeedsOne)
     EXPECT_LE(layout.num_slots(), 10u);
     // The last corner of every triangle carries its face's normal.
     std::vector<std::int16_t> normals(layout.num_slots() * 4);
-    layout_normals(layout, *flat, normals.data());
+    layout_normals(layout, *flat, {0, layout.num_slots()}, normals.data());
     std::set<std::array<int, 3>> faces;
     for (size_t i = 2; i < layout.triangles.size(); i += 3) {
         const std::int16_t *n = &normals[layout.triangles[i] * 4];
@@ -140,10 +139,11 @@ TEST_F(MeshLayout, AMoveThatDentsAPolygonNeedsANewLayout)
     auto *corner = reinterpret_cast<vertex *>(object->vertices->next->next->data);
     vertex_set_point(corner, 2, 2, 0);
     object_mark(object, CHANGED_POSITIONS);
-    EXPECT_TRUE(layout_fits(layout, *object_flat(object)));
+    EXPECT_TRUE(layout_fits(layout, *object_flat(object), {0, 0, 1, 0}));
     vertex_set_point(corner, 0.2f, 0.2f, 0);
     object_mark(object, CHANGED_POSITIONS);
-    EXPECT_FALSE(layout_fits(layout, *object_flat(object)));
+    EXPECT_FALSE(layout_fits(layout, *object_flat(object), {0, 0, 1, 0}));
+    EXPECT_TRUE(layout_fits(layout, *object_flat(object), {})); // nothing moved since
 }
 
 TEST(DrawBudget, LeavesLayersOutInTheirOrderWhileMoving)
@@ -172,6 +172,25 @@ TEST(DrawBudget, FlatViewsGiveUpTheFillAnd3DTheEdges)
     EXPECT_TRUE(budget.choose(true, false).fill);
     EXPECT_FALSE(budget.choose(true, false).edges);
     EXPECT_FALSE(budget.choose(true, false).boxes_only);
+}
+
+TEST(DrawBudget, TakesTheFinestDetailThatFits)
+{
+    draw_budget budget;
+    budget.note(draw_layer::fill, 0.6);
+    budget.note(draw_layer::edges, 0.6);
+    const detail_shares_t shares = {1, 0.1, 0.05, 0.01};
+    layer_choice_t choice = budget.choose(true, false, shares);
+    EXPECT_EQ(choice.detail, 2); // 0.03 s without the edges
+    EXPECT_TRUE(choice.fill);
+    EXPECT_FALSE(choice.edges);
+    EXPECT_EQ(budget.choose(false, false, shares).detail, 0);
+    EXPECT_EQ(budget.choose(true, false, {1, 1, 1, 0.001}).detail, 3);
+    EXPECT_TRUE(budget.choose(true, false).boxes_only); // there is no coarser one
+    for (int i = 0; i < 30; ++i) // a device that draws them faster than was thought
+        budget.note_coarse(choice.expected, choice.expected / 3);
+    choice = budget.choose(true, false, shares);
+    EXPECT_EQ(choice.detail, 1);
 }
 
 TEST(DrawBudget, GuessesTheCostOfASceneThatIsMuchLargerThanThoseItKnows)

@@ -1,0 +1,24 @@
+#ifndef VESK_DRAW_COARSE_LISTS_GL_H
+#define VESK_DRAW_COARSE_LISTS_GL_H
+
+// The coarse versions of one large object on the device: index lists beside those of its page.
+
+#include "draw/coarse_job.h"
+#include "draw/gpu_buffer_gl.h"
+#include "draw/mesh_changes.h"
+
+struct coarse_lists_t {
+    std::shared_ptr<coarse_job_t> job;   // under way
+    std::shared_ptr<coarse_mesh_t> mesh; // null: none yet; its lists are in the buffers
+    gpu_buffer triangles, edges;
+    std::vector<std::uint8_t> moved; // clusters with vertices that moved since it was made
+    bool outdated = false;           // some did
+};
+
+// Takes what the worker has made, as the mesh is now; what moved meanwhile is found.
+void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions);
+void coarse_note_moved(coarse_lists_t &lists, const changed_t &moved);
+// The mesh has another shape, or is gone.
+void coarse_drop(coarse_lists_t &lists);
+
+#endif

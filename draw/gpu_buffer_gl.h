@@ -1,0 +1,26 @@
+#ifndef VESK_DRAW_GPU_BUFFER_GL_H
+#define VESK_DRAW_GPU_BUFFER_GL_H
+
+#include "draw/draw_device_gl.h"
+
+#include <cstddef>
+
+// A buffer object, or memory of our own where there are none.
+class gpu_buffer {
+public:
+    void reserve(GLenum target, std::size_t bytes);
+    void write(GLenum target, std::size_t offset, const void *data, std::size_t bytes);
+    void read(GLenum target, std::size_t offset, void *data, std::size_t bytes) const;
+    // `offset` as a pointer call takes it, with the buffer bound.
+    [[nodiscard]] const void *bind(GLenum target, std::size_t offset = 0) const;
+    void release();
+
+    // By all buffers since the start, for tests.
+    static std::uint64_t uploaded_bytes();
+
+private:
+    GLuint id_ = 0;
+    std::vector<unsigned char> memory_;
+};
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef VESK_DRAW_MESH_CHANGES_H
+#define VESK_DRAW_MESH_CHANGES_H
+
+// What of an object's buffers is written anew after some of its vertices moved: a drag of a few vertices
+// costs what moves.
+
+#include "draw/mesh_layout.h"
+
+// For each element whether it differs; empty when none does.
+using changed_t = std::vector<std::uint8_t>;
+changed_t changed_points(const std::vector<point3_t> &before, const std::vector<point3_t> &now);
+
+// Whether the layout still fits after these vertices moved: no polygon of theirs was cut into ears, or
+// became one that would have to be.
+bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat, const changed_t &moved);
+
+// The slots of moved vertices; those whose normal turned. A few in between are written along.
+std::vector<slot_run_t> moved_slots(const mesh_layout_t &layout, const changed_t &moved);
+std::vector<slot_run_t> turned_slots(const mesh_layout_t &layout, const changed_t &vertices,
+                                     const changed_t &faces);
+
+#endif

@@ -1,0 +1,124 @@
+#include "draw/selected_parts_gl.h"
+
+#include "model/ear_cut.h"
+
+#include <unordered_map>
+
+namespace {
+
+constexpr std::size_t most_in_motion = 20000; // lines or points
+
+std::unordered_map<const object_t *, part_slots_t> &part_cache()
+{
+    static std::unordered_map<const object_t *, part_slots_t> cache;
+    return cache;
+}
+
+void add_surface_triangles(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
+{
+    const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+    const flat_surface &record = flat.surface(surface);
+    if (corners.size() < 3 || record.is_line())
+        return;
+    for (const int corner : surface_ears(flat, surface))
+        out.push_back(static_cast<std::uint32_t>(corners[corner]));
+}
+
+void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint32_t> &out)
+{
+    const flat_surface &record = flat.surface(surface);
+    const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+    if (!record.is_line())
+        return;
+    for (size_t i = 0; i + 1 < corners.size(); ++i)
+        out.insert(out.end(), {static_cast<std::uint32_t>(corners[i]),
+                               static_cast<std::uint32_t>(corners[i + 1])});
+    if (record.type == SURFACE_CLOSED_LINE && corners.size() > 2)
+        out.insert(out.end(), {static_cast<std::uint32_t>(corners.back()),
+                               static_cast<std::uint32_t>(corners.front())});
+}
+
+// Vertices that move leave the lists as they are, unless polygons are cut into ears.
+bool are_slots_alike(const flat_ptr &before, const object_buffers_t &now)
+{
+    if (before == now.flat)
+        return true;
+    return before != nullptr && now.layout.concave.empty() &&
+           before->surfaces == now.flat->surfaces && before->corners == now.flat->corners &&
+           before->corner_offsets == now.flat->corner_offsets;
+}
+
+const part_slots_t &part_slots(const scene_item_t &item)
+{
+    part_slots_t &slots = part_cache()[item.object];
+    if (slots.generation == selection_marks_generation() &&
+        are_slots_alike(slots.flat, *item.buffers))
+        return slots;
+    slots.generation = selection_marks_generation();
+    slots.flat = item.buffers->flat;
+    const flat_mesh &flat = *slots.flat;
+    slots.edges.clear();
+    slots.triangles.clear();
+    slots.vertices.clear();
+    std::vector<int> surfaces;
+    for (const int surface : item.part->surfaces)
+        if (surface < flat.num_surfaces())
+            surfaces.push_back(surface);
+    if (!surfaces.empty())
+        slots.edges = unique_edges(flat, &surfaces);
+    for (const int surface : surfaces) {
+        add_surface_triangles(flat, surface, slots.triangles);
+        add_line_segments(flat, surface, slots.edges);
+    }
+    for (std::size_t i = 0; i + 1 < item.part->edges.size(); i += 2) {
+        const int a = item.part->edges[i], b = item.part->edges[i + 1];
+        if (a < flat.num_vertices() && b < flat.num_vertices())
+            slots.edges.insert(slots.edges.end(),
+                               {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(b)});
+    }
+    for (const int vertex : item.part->vertices)
+        if (vertex < flat.num_vertices() && item.part->edges.empty())
+            slots.vertices.push_back(static_cast<std::uint32_t>(vertex));
+    for (std::vector<std::uint32_t> *list : {&slots.edges, &slots.triangles, &slots.vertices})
+        for (std::uint32_t &slot : *list)
+            slot += item.buffers->first_slot;
+    return slots;
+}
+
+// Every so many elements of a list that is long for a picture of motion; of triangles nothing, for they
+// would cover some of the rest.
+std::vector<std::uint32_t> sample_of(std::span<const std::uint32_t> slots, GLenum mode)
+{
+    if (mode == GL_TRIANGLES)
+        return {};
+    const std::size_t each = mode == GL_POINTS ? 1 : 2;
+    const std::size_t stride = each * (slots.size() / each / most_in_motion + 1);
+    std::vector<std::uint32_t> sample;
+    for (std::size_t i = 0; i + each <= slots.size(); i += stride)
+        sample.insert(sample.end(), &slots[i], &slots[i] + each);
+    return sample;
+}
+
+} // namespace
+
+bool has_selected_part(const scene_item_t &item)
+{
+    return item.part != nullptr && !item.hidden && item.buffers->page != nullptr &&
+           !item.part->whole;
+}
+
+void draw_selected_parts(const scene_t &scene, GLenum mode,
+                         std::vector<std::uint32_t> part_slots_t::*list)
+{
+    for (const scene_item_t &item : scene.items) {
+        if (!has_selected_part(item) || (part_slots(item).*list).empty())
+            continue;
+        const std::vector<std::uint32_t> &slots = part_slots(item).*list;
+        page_bind(*item.buffers->page, false);
+        if (item.detail > 0 && slots.size() > 2 * most_in_motion)
+            page_draw_slots(mode, sample_of(slots, mode));
+        else
+            page_draw_slots(mode, slots);
+    }
+    page_unbind();
+}

@@ -1,0 +1,23 @@
+#ifndef VESK_DRAW_SELECTED_PARTS_GL_H
+#define VESK_DRAW_SELECTED_PARTS_GL_H
+
+// Selected elements of objects that are not selected as a whole, as slots of their page.
+
+#include "draw/draw_scene_gl.h"
+
+struct part_slots_t {
+    unsigned generation = ~0u;
+    flat_ptr flat;
+    std::vector<std::uint32_t> edges;     // lines
+    std::vector<std::uint32_t> triangles; // of the selected surfaces
+    std::vector<std::uint32_t> vertices;
+};
+
+bool has_selected_part(const scene_item_t &item);
+
+// Of every object that is selected in part one list of slots. Of a long list in a coarse picture only
+// some are drawn, and no triangles.
+void draw_selected_parts(const scene_t &scene, GLenum mode,
+                         std::vector<std::uint32_t> part_slots_t::*list);
+
+#endif
