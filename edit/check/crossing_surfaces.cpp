@@ -17,6 +17,7 @@ constexpr std::size_t most_pairs = 1000;
 // Neighbours of a triangle that are looked at, in the mean: many more are there only where very many
 // boxes lie in one another.
 constexpr long most_neighbours = 64, always = 1'000'000;
+constexpr long between_looks = 16384; // at whether to go on
 
 using distances_t = std::array<double, 3>;
 
@@ -102,17 +103,20 @@ bool finder::go_through(int a, int b) const
 
 } // namespace
 
-std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh)
+std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh,
+                                                   const std::function<bool()> &go_on)
 {
     constexpr double no_depth = 1e-5; // of the size
     solid_meshes solid;
     solid.add(mesh, 0);
-    if (!solid.finish())
+    if (!solid.finish(go_on))
         return {};
     point3_t min, max;
     bounds_clear(&min, &max);
     for (const point3_t &p : *mesh->positions)
         bounds_add(p, &min, &max);
+    if (!go_on())
+        return {};
     const finder search(solid, no_depth * point_length(point_sub(max, min)));
 
     std::set<std::pair<int, int>> pairs;
@@ -122,7 +126,7 @@ std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh)
         if (const int one = surface_of(a), other = surface_of(b);
             one != other && search.go_through(a, b))
             pairs.insert(std::minmax(one, other));
-        return pairs.size() < most_pairs && --rest > 0;
+        return pairs.size() < most_pairs && --rest > 0 && (rest % between_looks != 0 || go_on());
     });
     return {pairs.begin(), pairs.end()};
 }

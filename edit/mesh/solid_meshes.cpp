@@ -42,7 +42,7 @@ bool solid_meshes::number_points()
     return true;
 }
 
-bool solid_meshes::finish()
+bool solid_meshes::finish(const std::function<bool()> &go_on)
 {
     if (!number_points())
         return false;
@@ -57,7 +57,8 @@ bool solid_meshes::finish()
             units_.push_back({m, s, parts_[m], 0, 0});
         }
     }
-    cut_into_triangles();
+    if (!cut_into_triangles(go_on))
+        return false;
     std::vector<box_t> boxes(triangles_.size());
     in_parallel_ranges(static_cast<int>(boxes.size()), [&](int begin, int end) {
         for (int i = begin; i < end; ++i) {
@@ -83,17 +84,19 @@ void solid_meshes::reserve()
 }
 
 // Blocks of polygons side by side, in order.
-void solid_meshes::cut_into_triangles()
+bool solid_meshes::cut_into_triangles(const std::function<bool()> &go_on)
 {
     constexpr int block = 16384;
     const int count = static_cast<int>(units_.size());
     const auto end_of = [&](int i) { return std::min((i + 1) * block, count); };
     std::vector<std::vector<solid_triangle>> cut((units_.size() + block - 1) / block);
-    in_parallel(static_cast<int>(cut.size()), [&](int i) {
+    const auto cut_block = [&](int i) {
         cut[i].reserve(block);
         for (int unit = i * block; unit < end_of(i); ++unit)
             cut_unit(unit, cut[i]);
-    });
+    };
+    if (!in_parallel(static_cast<int>(cut.size()), cut_block, go_on))
+        return false;
     std::size_t total = 0;
     for (const std::vector<solid_triangle> &some : cut)
         total += some.size();
@@ -107,6 +110,7 @@ void solid_meshes::cut_into_triangles()
         triangles_.insert(triangles_.end(), cut[i].begin(), cut[i].end());
         cut[i] = {};
     }
+    return true;
 }
 
 // Its first and end triangle are places in `triangles`.
