@@ -42,6 +42,7 @@ const ui_port_t silent_port = {
     .pump_events = [] {},
     .update = [] {},
     .now_seconds = [] { return 0.0; },
+    .wake = [](void (*)()) {},
     .start_program = [](const char *, void (*)(const char *, int)) { return false; },
     .open_address = [](const char *) { return false; },
     .clipboard_offer = [](std::string_view (*)()) { return false; },

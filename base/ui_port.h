@@ -54,6 +54,9 @@ struct ui_port_t {
     void (*pump_events)();   // until none is pending
     void (*update)();        // pending events and redraws now
     double (*now_seconds)(); // monotonic
+    // The one function that workers may call: has `what` called on the main thread when it next
+    // takes events.
+    void (*wake)(void (*what)());
 
     // ---- desktop ----
     // Runs it in the user's shell and goes on; `ended` gets the exit status, or minus the signal.

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs every benchmark of the core and writes one table: what was measured, its time, and how it stands
+# Runs every benchmark of the core, and the one of the window's answers, and writes one table: what was measured, its time, and how it stands
 # to the last run that was kept (bench/kept.tsv). Ratios to a peer or to the bare limit stand in the lines of
 # the programs themselves, which are printed first.
 #   bench/all.sh [-keep] [PROGRAM ...]     -keep: this run is the one that later ones are compared with
@@ -14,17 +14,22 @@ if [ "${1:-}" = -keep ]; then
 fi
 programs=("$@")
 [ ${#programs[@]} -gt 0 ] || programs=(files_bench pick_bench undo_bench objects_bench geometry_bench
-    edges_bench solids_bench uv_bench)
+    edges_bench solids_bench large_bench uv_bench answer)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 cmake -G Ninja -S "$here" -B "$build" >/dev/null
-ninja -C "$build" "${programs[@]}" >/dev/null
+ninja -C "$build" "${programs[@]/#answer/home/vesk}" vesk_icons >/dev/null
 for program in "${programs[@]}"; do
     echo "== $program"
     arguments=()
     [ "$program" = files_bench ] && arguments=("$work")
-    "$build/bench/$program" "${arguments[@]}" | tee "$work/$program.txt"
+    [ "$program" = large_bench ] && arguments=(1000 "$work")
+    if [ "$program" = answer ]; then
+        "$here/bench/answer.sh" "$build" | tee "$work/$program.txt"
+    else
+        "$build/bench/$program" "${arguments[@]}" | tee "$work/$program.txt"
+    fi
 done
 
 # One line a figure: program, what it is of (the heading above it), name, seconds on the clock.

@@ -133,6 +133,8 @@ target_sources(vesk_core PRIVATE
     edit/uv/uv_replay.cpp
     edit/uv/uvmap.cpp
     edit/check/crossing_surfaces.cpp
+    edit/check/findings.cpp
+    edit/check/mesh_check.cpp
     edit/check/model_check.cpp
     edit/check/model_check_fix.cpp
     edit/check/model_check_notes.cpp

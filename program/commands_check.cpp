@@ -50,6 +50,8 @@ void command_check_notes()
     }
 }
 
+void command_check_begin() { command_result_set(model_check_begin(vesk_get_world()) ? "1" : "0"); }
+
 void check_select(int, const char *const *words)
 {
     command_check_select(words[0], int_of(words[1]), words[2]);
@@ -72,6 +74,12 @@ std::span<const own_command_t> check_commands()
                     "returns each kind of problem and how many there are"),
         command_row("check_notes", command_check_notes, query, nullptr,
                     "returns each kind of problem and how many of it seem to be meant"),
+        command_row(
+            "check_begin", command_check_begin, query, nullptr,
+            "has the model checked by a worker; returns 1 when check_model needs no waiting, "
+            "else model_check_ended is called at the end"),
+        command_row("check_follow", model_check_follow, query, nullptr,
+                    "gives up the check of what has changed since check_begin"),
         command_row("check_fix_all", command_check_fix_all, edit, "<string kind>",
                     "fix all problems of a kind"),
         command_row("check_select", check_select, select, 3, 3,

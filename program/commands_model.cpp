@@ -38,6 +38,7 @@
 #include "model/world.h"
 #include "plugin/importers.h"
 #include "program/command_table.h"
+#include "program/object_rows.h"
 #include "program/own_commands.h"
 #include "view/tools.h"
 
@@ -288,6 +289,9 @@ std::span<const own_command_t> model_commands()
                     "<float z2>",
                     "create circle, disk, rect, grid, mesh, box, cylinder, sphere, cone or ico"),
         command_row("object_tree", command_object_tree, query, nullptr, "returns all objects"),
+        command_row("object_rows", command_object_rows, query,
+                    "<int number of the last answer, or 0>",
+                    "returns what changed of object_tree, for the objects panel"),
         command_row("model_state", command_model_state, query, nullptr,
                     "returns counts of changes"),
         command_row("get_counts", command_get_counts, query, nullptr,

@@ -14,5 +14,6 @@ target_sources(vesk_core PRIVATE
     program/commands_recovery.cpp
     program/commands_topology.cpp
     program/commands_uv.cpp
+    program/object_rows.cpp
     program/startup.cpp
 )

@@ -9,6 +9,7 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/session_state.h"
+#include "edit/check/model_check.h"
 #include "fileio/rescue.h"
 #include "plugin/loader.h"
 #include "program/startup.h"
@@ -89,6 +90,7 @@ bool leaves_by_itself = false;
 void leave_in_order(ClientData)
 {
     leaves_by_itself = true;
+    model_check_end();
     plugins_exit();
     rescue_end();
 }

@@ -2,6 +2,7 @@
 // there, and messages go to standard error.
 #include "shell/port_tk.h"
 
+#include "base/entry_guard.h"
 #include "base/ui_port.h"
 #include "shell/clipboard_tk.h"
 #include "shell/interp_tk.h"
@@ -183,6 +184,28 @@ double port_now_seconds()
     return duration<double>(steady_clock::now().time_since_epoch()).count();
 }
 
+struct wake_event {
+    Tcl_Event header; // first: the interpreter's part
+    void (*what)();
+};
+Tcl_ThreadId main_thread = nullptr;
+
+int serve_wake(Tcl_Event *event, int /*flags*/)
+{
+    // The interpreter gave it as its header.
+    const auto what = reinterpret_cast<wake_event *>(event)->what;
+    guarded_entry([what] { what(); });
+    return 1;
+}
+
+void port_wake(void (*what)())
+{
+    auto *const event = reinterpret_cast<wake_event *>(Tcl_Alloc(sizeof(wake_event)));
+    *event = {{serve_wake, nullptr}, what};
+    Tcl_ThreadQueueEvent(main_thread, &event->header, TCL_QUEUE_TAIL);
+    Tcl_ThreadAlert(main_thread);
+}
+
 // ---- desktop ----
 
 // A grandchild, so that nobody has to wait for it.
@@ -214,6 +237,7 @@ bool port_open_address(const char *url)
 void port_tk_install(bool batch)
 {
     in_batch = batch;
+    main_thread = Tcl_GetCurrentThread();
     ui_port_t port = ui_port_silent();
     port.eval = port_eval;
     port.eval_file = port_eval_file;
@@ -232,6 +256,7 @@ void port_tk_install(bool batch)
     port.pump_events = port_pump_events;
     port.update = port_update;
     port.now_seconds = port_now_seconds;
+    port.wake = port_wake;
     port.open_address = port_open_address;
     if (!batch) {
         port.start_program = programs_tk_start;

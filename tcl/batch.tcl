@@ -14,7 +14,7 @@ namespace eval ::vesk::batch {
     # Procedures without an effect here; the executable ignores their results.
     variable silent {
         sync_ui set_progress_bar popup_3d_menu popup_view_menu show_number_field
-        hide_number_field boolean_live_ended echo_command echo_note set_view_tool_ui set_tool_option_ui update_savefile_name show_tip show_import_report
+        hide_number_field boolean_live_ended model_check_ended echo_command echo_note set_view_tool_ui set_tool_option_ui update_savefile_name show_tip show_import_report
         add_palette_button edit_colour_ui set_select_mode_ui set_draw_mode_ui .mbar.object.menu.texture
     }
     # Questions, which nobody can answer here: an empty name means cancelled.

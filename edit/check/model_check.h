@@ -54,8 +54,20 @@ constexpr int problems_shown = 1000; // of each kind
 // Of one object's own geometry, its children not.
 model_findings object_find_problems(object_t *object, int most_of_each = problems_shown);
 
-// Of all objects below `top`, hidden ones too, in tree order.
+// Of all objects below `top`, hidden ones too, in tree order. Waits for the worker that is at them.
 model_findings model_find_problems(object_t *top, int most_of_each = problems_shown);
+
+// Has what changed below `top` looked at by a worker. True when there is nothing to wait for:
+// model_find_problems answers at once, or in less time than anybody notices. Else the script
+// "model_check_ended" is called when the worker ends, and this is to be asked again. Throws what the
+// last worker has thrown.
+bool model_check_begin(object_t *top);
+
+// Gives up what the worker is at, when that has changed meanwhile. Costs next to nothing.
+void model_check_follow();
+
+// Gives up all of it and waits for the worker's end: before the program ends.
+void model_check_end();
 
 // "open_edge", ...; null for none of that number, and back (false for an unknown name).
 const char *model_problem_name(model_problem kind);

@@ -5,6 +5,7 @@
 
 #include "edit/mesh/edge_table.h"
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -33,7 +34,9 @@ std::vector<t_vertex> mesh_t_vertices(const flat_mesh &mesh, const edge_table &e
 
 // Pairs of polygons that go through each other, the lower place first; in order. What rounding alone
 // may bring about does not count. Ends with the first thousand, so that a model in which everything
-// crosses everything is answered as soon as any other.
-std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh);
+// crosses everything is answered as soon as any other. `go_on` is asked now and then; once it is false the
+// search ends, with what was found.
+std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh,
+                                                   const std::function<bool()> &go_on);
 
 #endif

@@ -6,6 +6,7 @@
 #include "edit/mesh/crossings.h"
 #include "model/flat_mesh.h"
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <utility>
@@ -17,8 +18,8 @@ public:
     // `part` numbers the solids from 0; several meshes may be of one.
     void add(const flat_ptr &mesh, int part);
     // After the last one: the points, the polygons and their triangles. False when a coordinate is
-    // not finite.
-    bool finish();
+    // not finite, or once `go_on`, which is asked now and then, is false.
+    bool finish(const std::function<bool()> &go_on = {});
 
     struct unit_t {
         int mesh, surface, part;
@@ -47,8 +48,10 @@ public:
     [[nodiscard]] std::vector<open_edge_t> open_edges() const;
 
 private:
+    bool number_points();
     void reserve();
-    void cut_into_triangles(int unit);
+    bool cut_into_triangles(const std::function<bool()> &go_on);
+    void cut_unit(int unit, std::vector<solid_triangle> &triangles);
 
     std::vector<flat_ptr> meshes_;
     std::vector<int> parts_;

@@ -1,7 +1,7 @@
 # issues.tcl --
 #   The Issues tab: problems of the model by kind, checked anew when the model rests. A click
-#   selects and fits the element of a line; the right button mends one problem or all of a kind. A
-#   model whose check takes long is only checked while the tab is visible.
+#   selects and fits the element of a line; the right button mends one problem or all of a kind. What
+#   takes long is looked at by a worker meanwhile.
 
 namespace eval ::vesk::issues {
     variable path ""
@@ -12,11 +12,10 @@ namespace eval ::vesk::issues {
     variable checked_at 0       ;# seconds; 0 never
     variable checked_model ""   ;# model stamp of the last check
     variable took 0             ;# milliseconds of the last check
-    variable timer ""
+    variable checking 0         ;# a worker is at it
+    variable timer ""           ;# of the planned check; "" for none
     variable filling 0
     variable rest 700           ;# milliseconds without a change before a check
-    variable slow 250           ;# a check that takes longer waits for the tab
-    variable large 300000       ;# vertices; the first check of a larger model waits too
     variable open_limit 20      ;# kinds with more lines are shown folded
     # Kinds in the order of the list: name, label, singular, icon.
     variable kinds {
@@ -47,7 +46,7 @@ proc ::vesk::issues::build {tab} {
     ttk::label $tab.foot.age -style Panel.Dim.TLabel
     ttk::button $tab.foot.fix -style Panel.TButton -text "Fix all" -command ::vesk::issues::fix_all
     ttk::button $tab.foot.check -style Panel.TButton -text Check \
-        -command {::vesk::issues::check 1}
+        -command ::vesk::issues::check
     ::vesk::tooltips::attach $tab.foot.fix "Fix all" "" \
         "Mends the chosen kind, or every kind when none is chosen."
     ::vesk::tooltips::attach $tab.foot.check Check F7 "Checks the model again now."
@@ -76,7 +75,7 @@ proc ::vesk::issues::build {tab} {
 #   Checks a changed model anew when the tab comes to the front.
 proc ::vesk::issues::shown {} {
     variable checked_model
-    if {[::vesk::ops::change_count] ne $checked_model} {check 1} else {show_age}
+    if {[::vesk::ops::change_count] ne $checked_model} {check} else {show_age}
 }
 
 # ---- checking ----
@@ -87,8 +86,10 @@ proc ::vesk::issues::model_changed {} {
     variable timer
     variable rest
     variable took
+    variable checking
+    if {$checking} {vesk check_follow}
     after cancel $timer
-    set timer [after [expr {max($rest, 4 * $took)}] {after idle {::vesk::issues::check 0}}]
+    set timer [after [expr {max($rest, 4 * $took)}] {after idle ::vesk::issues::check}]
 }
 
 proc ::vesk::issues::visible {} {
@@ -97,24 +98,22 @@ proc ::vesk::issues::visible {} {
 }
 
 # check --
-#   Checks the model now.
-#   always  0 skips a check that would take long
-proc ::vesk::issues::check {always} {
+#   Checks the model now; what takes long goes on by itself, and its end comes here again.
+proc ::vesk::issues::check {} {
     variable took
-    variable slow
-    variable large
     variable counts
     variable found
+    variable checking
     variable checked_at
     variable checked_model
     variable timer
     after cancel $timer
+    set timer ""
     set stamp [::vesk::ops::change_count]
-    if {!$always && ![visible]} {
-        if {$took > $slow || ($checked_at == 0 && [lindex [vesk get_counts] 5] > $large)} {
-            set_title ""
-            return
-        }
+    set checking [expr {[vesk check_begin] eq "0"}]
+    if {$checking} {
+        show_checking
+        return
     }
     set begun [clock milliseconds]
     variable notes
@@ -131,6 +130,14 @@ proc ::vesk::issues::check {always} {
     set checked_at [clock seconds]
     set checked_model $stamp
     show
+}
+
+# ended --
+#   The worker has ended. A model that was changed meanwhile is checked when it rests.
+proc ::vesk::issues::ended {} {
+    variable checking
+    variable timer
+    if {$checking && $timer eq ""} {after idle ::vesk::issues::check}
 }
 
 # total, faults --
@@ -150,7 +157,7 @@ proc ::vesk::issues::faults {} {
 #   script  words of the export
 proc ::vesk::issues::exporting {script} {
     variable checked_model
-    if {[::vesk::ops::change_count] ne $checked_model} {check 0}
+    if {[::vesk::ops::change_count] ne $checked_model} {check}
     set sum [faults]
     {*}$script
     if {$sum > 0} {
@@ -167,6 +174,16 @@ proc ::vesk::issues::set_title {text} {
     if {[winfo exists $tabs.issues] && [$tabs tab $tabs.issues -text] ne $title} {
         $tabs tab $tabs.issues -text $title
     }
+}
+
+# show_checking --
+#   The number is not known, and the list is that of the last check.
+proc ::vesk::issues::show_checking {} {
+    variable path
+    set_title ""
+    if {$path eq ""} {return}
+    $path.none configure -text "Checking..."
+    show_age
 }
 
 # show --
@@ -285,10 +302,13 @@ proc ::vesk::issues::short {kind id element text} {
 proc ::vesk::issues::show_age {} {
     variable path
     variable checked_at
+    variable checking
     after cancel ::vesk::issues::show_age
     if {![visible]} {return}
     set age [expr {[clock seconds] - $checked_at}]
-    if {$checked_at == 0} {
+    if {$checking} {
+        set text "Checking..."
+    } elseif {$checked_at == 0} {
         set text "Not checked yet"
     } elseif {$age < 2} {
         set text "Checked just now"
@@ -366,12 +386,12 @@ proc ::vesk::issues::context_of_focus {} {
 
 proc ::vesk::issues::fix {kind id element} {
     ::vesk::ops::run check_fix $kind $id $element
-    check 1
+    check
 }
 
 proc ::vesk::issues::fix_kind {kind} {
     ::vesk::ops::run check_fix_all $kind
-    check 1
+    check
 }
 
 # fix_all --
@@ -393,7 +413,7 @@ proc ::vesk::issues::fix_all {} {
             ::vesk::ops::run check_fix_all $kind
         }
     }
-    check 1
+    check
     display_message "[::vesk::arith::counted $before problem] before, [faults] left"
 }
 
@@ -402,6 +422,8 @@ proc ::vesk::issues::fix_all {} {
 proc ::vesk::issues::open {} {
     ::vesk::main::show_tab issues
     update idletasks
-    check 1
+    check
     focus $::vesk::issues::list
 }
+
+proc model_check_ended {} {::vesk::issues::ended}

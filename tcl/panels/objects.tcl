@@ -7,7 +7,11 @@ namespace eval ::vesk::objects {
     variable tree ""
     variable strip ""           ;# the canvas with the two icons
     variable rows {}            ;# id -> {parent type name surfaces visible locked}
-    variable flat {}            ;# the last answer of "object_tree"
+    variable told 0             ;# number of the last answer of "object_rows"
+    variable waiting {}         ;# words of the rows that are still to be made
+    variable waiting_at 0       ;# the first word of these
+    variable fill_state {}      ;# {wanted first_time world top} of the rows that are being made
+    variable to_select {}       ;# id -> 1: rows that are selected as soon as they are made
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
     variable chosen {}          ;# ids selected in the model
@@ -19,7 +23,11 @@ namespace eval ::vesk::objects {
     variable surfaces 0         ;# of all objects, as the list shows them
     variable strip_pending 0
     variable drag ""            ;# {row x y started target} while rows may be dragged
-    variable marked {}          ;# rows with the icon for selected ones
+    variable marked {}          ;# id -> 1: rows with the icon for selected ones
+    # More rows than these are made piece by piece, the window lives meanwhile.
+    variable at_once 2000
+    variable piece 200          ;# rows between two looks at the clock
+    variable slice 12           ;# milliseconds
     variable icons {group o-group poly o-poly light o-light cube u-box sphere u-sphere
         world o-world}
 }
@@ -134,31 +142,47 @@ proc ::vesk::objects::show_focus {on} {
 #   Takes over a changed tree, names or flags. While the same objects stand in the same order only
 #   the rows that differ are touched.
 proc ::vesk::objects::refresh {} {
-    variable flat
+    variable told
+    take [vesk object_rows $told]
+}
+
+# take --
+#   Takes over an answer of "object_rows".
+proc ::vesk::objects::take {answer} {
+    variable told
+    variable waiting
+    variable surfaces
+    if {[llength $waiting] > 0 && ![lindex $answer 1] && [llength $answer] > 5} {
+        # Rows that are still to be made may have changed.
+        set answer [vesk object_rows 0]
+    }
+    set told [lindex $answer 0]
+    show_count {*}[lrange $answer 2 4]
+    set surfaces [lindex [vesk get_counts] 3]
+    if {[lindex $answer 1]} {
+        fill_rows [lrange $answer 5 end]
+    } else {
+        change_rows [lrange $answer 5 end]
+    }
+    strip_later
+}
+
+# change_rows --
+#   Takes over other names, numbers and flags.
+proc ::vesk::objects::change_rows {changed} {
     variable rows
     variable tree
-    set told [vesk object_tree]
-    set same [expr {[llength $told] == [llength $flat]}]
-    set counts 0
-    if {$same} {
-        foreach {id parent type name surfaces visible locked} $told \
-                {old_id old_parent old_type old_name old_surfaces old_visible old_locked} $flat {
-            if {$id != $old_id || $parent != $old_parent || $type ne $old_type} {
-                set same 0
-                break
-            }
-            if {$name ne $old_name || $surfaces != $old_surfaces || $visible != $old_visible
-                    || $locked != $old_locked} {
-                dict set rows $id [list $parent $type $name $surfaces $visible $locked]
-                if {$surfaces != $old_surfaces} {set counts 1}
-                if {[$tree exists $id]} {$tree item $id -text [shown_name $name]}
-            }
+    if {[llength $changed] == 0} {return}
+    fit_numbers
+    foreach {id parent type name surfaces visible locked} $changed {
+        lassign [dict get $rows $id] old_parent old_type old_name old_surfaces
+        dict set rows $id [list $parent $type $name $surfaces $visible $locked]
+        # The flags are the strip's.
+        if {($name ne $old_name || $surfaces != $old_surfaces) && [$tree exists $id]} {
+            $tree item $id -text [shown_name $name] \
+                -values [list [::vesk::arith::grouped $surfaces]]
         }
     }
-    set flat $told
-    if {!$same} {fill} elseif {$counts} {show_totals}
-    show_count
-    strip_later
 }
 
 # follow_counts --
@@ -168,58 +192,95 @@ proc ::vesk::objects::follow_counts {} {
     if {[lindex [vesk get_counts] 3] != $surfaces} refresh
 }
 
-# totals --
-#   Number of surfaces of each object and its children: id count id count ...
-proc ::vesk::objects::totals {} {
-    variable flat
+# fit_numbers --
+#   No number is wider than that of all surfaces.
+proc ::vesk::objects::fit_numbers {} {
     variable tree
-    set total([vesk get_world]) 0
-    # Children stand behind their parent, so from the end every sum is complete when it is passed
-    # on.
-    for {set at [expr {[llength $flat] - 7}]} {$at >= 0} {incr at -7} {
-        set id [lindex $flat $at]
-        incr total([lindex $flat $at+1]) [incr total($id) [lindex $flat $at+4]]
-    }
-    variable surfaces $total([vesk get_world])
-    # No number is wider than the total.
-    set widest [font measure TkDefaultFont "[::vesk::arith::grouped $total([vesk get_world])]0"]
+    variable surfaces
+    set widest [font measure TkDefaultFont "[::vesk::arith::grouped $surfaces]0"]
     $tree column surfaces -width [expr {max([::vesk::theme::px 58], $widest)}]
-    return [array get total]
-}
-
-proc ::vesk::objects::show_totals {} {
-    variable tree
-    dict for {id count} [totals] {
-        if {[$tree exists $id]} {$tree set $id surfaces [::vesk::arith::grouped $count]}
-    }
 }
 
 # fill --
-#   Makes all rows anew; open objects stay open.
+#   Makes all rows anew.
 proc ::vesk::objects::fill {} {
-    variable flat
+    take [vesk object_rows 0]
+}
+
+# fill_rows --
+#   Makes all rows anew; open objects stay open.
+#   words  seven for each row, as "object_rows" gives them
+proc ::vesk::objects::fill_rows {words} {
     variable rows
     variable tree
     variable filter
     variable icons
     variable open
     variable filtered
+    variable waiting
+    variable waiting_at 0
+    variable fill_state
+    variable marked {}
     variable syncing 1
     if {!$filtered} note_open
-    set top [$tree yview]
+    set top [lindex [$tree yview] 0]
     $tree delete [$tree children {}]
     set rows {}
     set wanted [string tolower $filter]
     set filtered [expr {$wanted ne ""}]
-    array set total [totals]
+    fit_numbers
     # The images belong to tags: an image of each row would cost a walk over all rows at a change.
     foreach {type icon} $icons {
         $tree tag configure $type -image [::vesk::icons::get $icon dim]
         $tree tag configure $type-active -image [::vesk::icons::get $icon active]
     }
-    set first_time [expr {[dict size $open] == 0}]
-    set world [vesk get_world]
-    foreach {id parent type name surfaces visible locked} $flat {
+    set fill_state [list $wanted [expr {[dict size $open] == 0}] [vesk get_world] $top]
+    set waiting $words
+    show_selection
+    fill_slice
+}
+
+# fill_slice --
+#   Makes the rows that are waiting, for as long as nobody notices.
+proc ::vesk::objects::fill_slice {} {
+    variable waiting
+    variable waiting_at
+    variable fill_state
+    variable at_once
+    variable piece
+    variable slice
+    variable tree
+    variable syncing 1
+    after cancel ::vesk::objects::fill_slice
+    set all [llength $waiting]
+    set until [expr {$all > 7 * $at_once ? [clock milliseconds] + $slice : inf}]
+    while {$waiting_at < $all && [clock milliseconds] < $until} {
+        set next [expr {$waiting_at + 7 * $piece}]
+        insert_rows [lrange $waiting $waiting_at [expr {$next - 1}]] {*}$fill_state
+        set waiting_at $next
+    }
+    # As in show_selection.
+    after idle {set ::vesk::objects::syncing 0}
+    if {$waiting_at < $all} {
+        after 1 ::vesk::objects::fill_slice
+        return
+    }
+    set waiting {}
+    # Who has scrolled meanwhile stays there.
+    if {[lindex [$tree yview] 0] == 0} {$tree yview moveto [lindex $fill_state 3]}
+    show_empty
+    show_selection
+    see_selected
+    strip_later
+}
+
+proc ::vesk::objects::insert_rows {words wanted first_time world top} {
+    variable rows
+    variable tree
+    variable open
+    variable to_select
+    set selected {}
+    foreach {id parent type name surfaces visible locked} $words {
         dict set rows $id [list $parent $type $name $surfaces $visible $locked]
         if {$wanted ne ""} {
             if {[string first $wanted [string tolower $name]] < 0} {continue}
@@ -230,18 +291,14 @@ proc ::vesk::objects::fill {} {
         set opened [expr {$first_time && $parent eq {}}]
         if {[dict exists $open $id]} {set opened [dict get $open $id]}
         # There may be ten thousand rows: procedures are called only where they change the text.
-        set count $total($id)
-        if {$count >= 1000} {set count [::vesk::arith::grouped $count]}
+        if {$surfaces >= 1000} {set surfaces [::vesk::arith::grouped $surfaces]}
         set text " $name"
         if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
         $tree insert $parent end -id $id -text $text -tags [list $type] -open $opened \
-            -values [list $count]
+            -values [list $surfaces]
+        if {[dict exists $to_select $id]} {lappend selected $id}
     }
-    $tree yview moveto [lindex $top 0]
-    set syncing 0
-    show_empty
-    show_selection
-    strip_later
+    if {[llength $selected] > 0} {$tree selection add $selected}
 }
 
 # note_open --
@@ -249,7 +306,10 @@ proc ::vesk::objects::fill {} {
 proc ::vesk::objects::note_open {} {
     variable tree
     variable rows
-    variable open {}
+    variable open
+    variable waiting
+    # Rows that were never made are as they were noted.
+    if {[llength $waiting] == 0} {set open {}}
     dict for {id row} $rows {set above([lindex $row 0]) 1}
     foreach id [array names above] {
         if {[$tree exists $id]} {dict set open $id [$tree item $id -open]}
@@ -277,17 +337,9 @@ proc ::vesk::objects::shown_name {name} {
     return " [string map {\n " "} $name]"
 }
 
-proc ::vesk::objects::show_count {} {
+proc ::vesk::objects::show_count {count hidden locked} {
     variable path
-    variable flat
-    set count [expr {[llength $flat] / 7}]
     $path.head.count configure -text [::vesk::arith::grouped $count]
-    set hidden 0
-    set locked 0
-    foreach {id parent type name surfaces visible is_locked} $flat {
-        if {!$visible} {incr hidden}
-        if {$is_locked} {incr locked}
-    }
     ::vesk::status::show_badges $hidden $locked
 }
 
@@ -302,25 +354,37 @@ proc ::vesk::objects::show_selection {} {
     variable asked
     variable shown_rows
     variable syncing
+    variable waiting
+    variable to_select
     set now [vesk get_selected_objects]
     if {$now ne $chosen} {set asked {}}
     set chosen $now
-    set shown_rows [lsort -unique [present [concat $chosen $asked]]]
-    if {$shown_rows eq [lsort [$tree selection]]} {
+    set to_select {}
+    if {[llength $waiting] > 0} {
+        foreach id [concat $chosen $asked] {dict set to_select $id 1}
+    }
+    set shown_rows [lsort -unique -integer [present [concat $chosen $asked]]]
+    if {$shown_rows eq [lsort -integer [$tree selection]]} {
         strip_later
         return
     }
     set syncing 1
     $tree selection set $shown_rows
-    if {[llength $shown_rows] == 1} {
-        set id [lindex $shown_rows 0]
-        $tree see $id
-        $tree focus $id
-    }
+    see_selected
     strip_later
-    mark_icons
     # The virtual event arrives later; by then the two agree.
     after idle {set ::vesk::objects::syncing 0}
+}
+
+# see_selected --
+#   A single selected row comes into sight, and the keys go on from it.
+proc ::vesk::objects::see_selected {} {
+    variable tree
+    variable shown_rows
+    if {[llength $shown_rows] == 1} {
+        $tree see [lindex $shown_rows 0]
+        $tree focus [lindex $shown_rows 0]
+    }
 }
 
 # meant --
@@ -381,7 +445,6 @@ proc ::vesk::objects::selected {} {
     variable syncing
     variable rows
     strip_later
-    mark_icons
     if {$syncing} {return}
     set wanted [$tree selection]
     # The user did not deselect the rows that the filter hides.
@@ -415,23 +478,6 @@ proc ::vesk::objects::without_taken_out {wanted} {
         if {$id in $asked && 1 in [lmap gone $out {below_one_of $gone [list $id]}]} continue
         set id
     }]
-}
-
-# mark_icons --
-#   Gives selected rows the icon that contrasts with the band, the others the dim one.
-proc ::vesk::objects::mark_icons {} {
-    variable tree
-    variable rows
-    variable marked
-    variable icons
-    set now [$tree selection]
-    foreach {ids variant} [list $marked "" $now -active] {
-        foreach id $ids {
-            if {![$tree exists $id] || ![dict exists $rows $id]} {continue}
-            $tree item $id -tags [list [lindex [dict get $rows $id] 1]$variant]
-        }
-    }
-    set marked $now
 }
 
 # double --

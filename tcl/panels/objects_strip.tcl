@@ -33,13 +33,16 @@ proc ::vesk::objects::strip_later {} {
 }
 
 # draw_strip --
-#   Draws the icons of the visible rows, on the band of the selected ones.
+#   Draws the icons of the visible rows, on the band of the selected ones, and gives these the object's
+#   icon that contrasts with it.
 proc ::vesk::objects::draw_strip {} {
     variable strip_pending 0
     variable strip
     variable tree
     variable rows
+    variable marked
     $strip delete all
+    set chosen [$tree selection]
     set height [winfo height $tree]
     set row_height [ttk::style lookup Treeview -rowheight]
     set width [winfo width $strip]
@@ -50,7 +53,11 @@ proc ::vesk::objects::draw_strip {} {
         # The list does not draw a row that is not wholly visible.
         if {$y0 eq "" || $y0 + $h0 > $height} {continue}
         lassign [dict get $rows $id] parent type name surfaces visible locked
-        set on [expr {$id in [$tree selection]}]
+        set on [expr {[lsearch -exact -integer $chosen $id] >= 0}]
+        if {$on != [dict exists $marked $id]} {
+            $tree item $id -tags [list [expr {$on ? "$type-active" : $type}]]
+            if {$on} {dict set marked $id 1} else {dict unset marked $id}
+        }
         if {$on} {
             $strip create rectangle 0 $y0 $width [expr {$y0 + $h0}] -width 0 \
                 -fill [::vesk::theme::colour sel]

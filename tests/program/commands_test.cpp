@@ -232,4 +232,40 @@ TEST_F(AddedCommands, TheTreeIsListedParentsFirstWithMarksAndAnyName)
                                       id(hidden) + " " + world + " poly {} 6 0 1");
 }
 
+// The panel's rows: number, anew, objects, hidden, locked, rows with the surfaces below added.
+TEST_F(AddedCommands, RowsTellWhatDiffersFromTheLastTime)
+{
+    const auto id = [](const object_t *object) { return std::to_string(object_identity(object)); };
+    const auto asked = [](const std::string &answer) { return answer.substr(0, answer.find(' ')); };
+    const auto rest = [](const std::string &answer) { return answer.substr(answer.find(' ') + 1); };
+    object_t *group = new_group();
+    object_add_child(vesk_get_world(), group);
+    object_t *inner = add_cube("inner");
+    object_reparent(inner, group);
+    object_t *last = add_cube("last");
+    const std::string place = " " + id(vesk_get_world()) + " ";
+    const std::string row_of_last = " " + id(last) + place + "poly last 6 1 0";
+    std::string answer = run("object_rows", 0);
+    EXPECT_EQ(rest(answer), "1 3 0 0 " + id(group) + place + "group {} 6 1 0 " + id(inner) + " " +
+                                id(group) + " poly inner 6 1 0" + row_of_last);
+    answer = run("object_rows", asked(answer));
+    EXPECT_EQ(rest(answer), "0 3 0 0");
+
+    // A surface fewer is one of the group's too.
+    run("set_select_mode", "surface");
+    select_surface(object_get_surface_at(inner, 0));
+    run("delete");
+    object_set_visible(last, 0);
+    const std::string before = asked(answer);
+    answer = run("object_rows", before);
+    EXPECT_EQ(rest(answer), "0 3 1 0 " + id(group) + place + "group {} 5 1 0 " + id(inner) + " " +
+                                id(group) + " poly inner 5 1 0 " + id(last) + place +
+                                "poly last 6 0 0");
+
+    // Who was told something else, and another order: everything.
+    EXPECT_EQ(rest(run("object_rows", before)).substr(0, 2), "1 ");
+    object_reparent(last, group);
+    EXPECT_EQ(rest(run("object_rows", std::stoi(asked(answer)) + 1)).substr(0, 2), "1 ");
+}
+
 } // namespace

@@ -85,7 +85,7 @@ run {
     vesk set_select_mode object
     vesk select_all
     vesk object_explode
-    ::vesk::issues::check 1
+    ::vesk::issues::check
     set count [dict get [vesk check_counts] open_edge]
     wait_until {[$list exists open_edge]}
     press_row $list open_edge
@@ -97,4 +97,38 @@ run {
     }
     key Escape
     check "Escape goes back to the views" {[winfo class [focus]] eq "Togl"}
+
+    # A terrain that a worker looks at: nobody waits, and its findings are those that a script gets.
+    set tabs .main.right.tabs
+    $tabs select $tab
+    vesk clear_all
+    set ::prefs_meshx 180
+    set ::prefs_meshy 180
+    vesk create mesh 0 0 0 0 1 1 0
+    vesk select_all
+    vesk duplicate
+    vesk select_all
+    vesk object_merge
+    wait_until {$::vesk::issues::checking}
+    check "the title has no number meanwhile" {[title] eq "Issues"}
+    check "and the tab says so" {[$tab.foot.age cget -text] eq "Checking..."}
+    wait_until {!$::vesk::issues::checking}
+    check "what the worker found is shown" {
+        [dict get $::vesk::issues::counts open_edge] == 2 * 4 * 180
+        && [$list exists open_edge] && $::vesk::issues::counts eq [vesk check_counts]
+    }
+    # Taken away and put back at once, and left while it is at it.
+    vesk delete
+    vesk undo
+    vesk move 1 0 0
+    wait_until {$::vesk::issues::checking}
+    vesk clear_all
+    vesk create box 2 0 0 0 1 1 1
+    wait_until {!$::vesk::issues::checking && [title] eq "Issues"}
+    check "a model that went meanwhile leaves nothing" {
+        [tcl::mathop::+ {*}[dict values $::vesk::issues::counts]] == 0
+    }
+    # The program ends while a worker is at it.
+    vesk create mesh 0 0 0 0 1 1 0
+    wait_until {$::vesk::issues::checking}
 }

@@ -342,8 +342,29 @@ run {
     vesk clear_selection
     ::vesk::ops::refresh
     update
-    set ::vesk::objects::flat {}
+    set ::vesk::objects::told 0
     ::vesk::objects::refresh
     update idletasks
     check "ten thousand rows" {[llength [$tree children {}]] == 10000}
+
+    # Their rows are made piece by piece: what is selected stays so, what changes meanwhile is shown.
+    vesk set_select_mode object
+    vesk select_all
+    ::vesk::objects::fill
+    check "the window lives meanwhile" {[llength [$tree children {}]] < 10000}
+    set renamed [lindex [vesk object_tree] end-6]
+    vesk object_set_name $renamed "another name"
+    ::vesk::ops::refresh
+    check "all rows, selected as the objects are" {
+        [llength [$tree children {}]] == 10000 && [llength [$tree selection]] == 10000
+        && [lindex [vesk get_counts] 0] == 10000
+    }
+    check "the name that changed while the rows were made" {
+        [$tree item $renamed -text] eq " another name"
+    }
+    vesk group
+    wait_until {[llength [$tree children [vesk get_selected_objects]]] == 10000}
+    check "a group of them is one row" {
+        [$tree selection] eq [vesk get_selected_objects] && [llength [$tree children {}]] == 1
+    }
 }

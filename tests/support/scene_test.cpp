@@ -6,6 +6,7 @@
 #include "base/session_state.h"
 #include "base/ui_port.h"
 #include "edit/boolean_live.h"
+#include "edit/check/model_check.h"
 #include "edit/document/journal.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
@@ -26,6 +27,7 @@
 #include "view/uv_drag.h"
 #include "view/uv_view.h"
 
+#include <atomic>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -34,6 +36,7 @@
 namespace {
 
 recording_t record;
+std::atomic<void (*)()> woken = nullptr;
 
 const char *answer_to(const char *script)
 {
@@ -81,6 +84,7 @@ ui_port_t recording_port()
     };
     port.busy_cursor = [](int on) { record.variables["busy cursor"] = on != 0 ? "on" : "off"; };
     port.now_seconds = [] { return record.clock += record.clock_step; };
+    port.wake = [](void (*what)()) { woken = what; };
     port.clipboard_offer = [](std::string_view (*text)()) {
         record.offered = text;
         return true;
@@ -123,6 +127,14 @@ const std::filesystem::path &temporary_folder()
 
 } // namespace
 
+bool run_woken()
+{
+    void (*const what)() = woken.exchange(nullptr);
+    if (what != nullptr)
+        what();
+    return what != nullptr;
+}
+
 void cancel_at_look(int number)
 {
     static int left;
@@ -163,10 +175,12 @@ void SceneTest::SetUp()
     boolean_live_reset_for_test();
     clipboard_reset_for_test();
     record = {};
+    woken = nullptr;
 }
 
 void SceneTest::TearDown()
 {
+    model_check_end();
     EXPECT_EQ(marks_take_unmarked(), 0) << record.console; // a command forgot to mark a change
     clear_all_undos();
     while (vesk_get_world()->children != nullptr)

@@ -29,6 +29,9 @@ struct recording_t {
 };
 recording_t &recording();
 
+// Calls what a worker has asked for since the last call, as the event loop would; false for nothing.
+bool run_woken();
+
 // Long work is cancelled when it lets events in for that time; 0: no more.
 void cancel_at_look(int number);
 

@@ -1,0 +1,215 @@
+#include "edit/check/findings.h"
+
+#include "base/ui_calls.h"
+#include "base/ui_port.h"
+#include "base/worker.h"
+#include "edit/check/mesh_check.h"
+#include "model/change_marks_internal.h"
+#include "model/each.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <exception>
+#include <iterator>
+#include <memory>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+
+namespace {
+
+// Vertices and corners that are looked at in less time than anybody notices.
+constexpr std::size_t at_once = 50'000;
+
+// The arrays that findings are made from. An array that was freed is the same as no other.
+class mesh_key {
+public:
+    explicit mesh_key(const flat_mesh &mesh)
+        : positions_(mesh.positions), face_normals_(mesh.face_normals), surfaces_(mesh.surfaces),
+          corner_offsets_(mesh.corner_offsets), corners_(mesh.corners)
+    {
+    }
+    [[nodiscard]] bool is_of(const flat_mesh &mesh) const
+    {
+        return same(positions_, mesh.positions) && same(face_normals_, mesh.face_normals) &&
+               same(surfaces_, mesh.surfaces) && same(corner_offsets_, mesh.corner_offsets) &&
+               same(corners_, mesh.corners);
+    }
+
+private:
+    using array_t = std::weak_ptr<const void>;
+    template <class T>
+    static bool same(const array_t &a, const flat_array<T> &b)
+    {
+        return !a.owner_before(b) && !b.owner_before(a);
+    }
+    array_t positions_, face_normals_, surfaces_, corner_offsets_, corners_;
+};
+
+struct kept_findings {
+    mesh_key key;
+    bool asked_for; // since the last sweep
+    model_findings findings;
+};
+
+// Objects that the worker goes through. It writes the findings of one after the other and counts
+// them; who reads them waits for its end.
+struct job_t {
+    struct item_t {
+        object_t *object; // no business of the worker's
+        flat_ptr mesh;
+        model_findings findings;
+    };
+    std::vector<item_t> items;
+    std::atomic<std::size_t> done = 0;
+    std::atomic<bool> given_up = false;
+    std::atomic<bool> ended = false;
+    worker_t worker; // last, so that it is waited for first
+};
+
+struct record_t {
+    std::unordered_map<const object_t *, kept_findings> kept;
+    std::unique_ptr<job_t> job;
+};
+record_t &record()
+{
+    static auto *const findings = new record_t;
+    return *findings;
+}
+
+void keep(const object_t *object, const flat_mesh &mesh, model_findings &&findings)
+{
+    record().kept.insert_or_assign(object,
+                                   kept_findings{mesh_key(mesh), true, std::move(findings)});
+}
+
+// Null for none that hold any more.
+kept_findings *known(object_t *object)
+{
+    const auto found = record().kept.find(object);
+    return found != record().kept.end() && found->second.key.is_of(*object_flat(object))
+               ? &found->second
+               : nullptr;
+}
+
+// Waits for the worker and keeps what it has found, whatever has become of the objects: what is gone or
+// was changed has other arrays now. Throws what it has thrown.
+void take_job()
+{
+    const std::unique_ptr<job_t> job = std::move(record().job);
+    if (!job)
+        return;
+    std::exception_ptr failure;
+    try {
+        job->worker.join();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    for (std::size_t i = 0; i < job->done; ++i)
+        keep(job->items[i].object, *job->items[i].mesh, std::move(job->items[i].findings));
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+void work_on(job_t &job)
+{
+    const auto go_on = [&job] { return !job.given_up; };
+    for (job_t::item_t &item : job.items) {
+        item.findings = mesh_find_problems(item.mesh, problems_shown, go_on);
+        if (job.given_up)
+            return;
+        ++job.done;
+    }
+}
+
+// On the main thread, some time after the end of a job: somebody may have taken it already.
+void tell_end() { tcl_command("model_check_ended"); }
+
+// False when there is no thread to be had.
+bool start_job(std::unique_ptr<job_t> job)
+{
+    const auto wake = ui_port().wake;
+    job_t &own = *job;
+    try {
+        own.worker = worker_t([&own] { work_on(own); },
+                              [&own, wake] {
+                                  own.ended = true;
+                                  wake(tell_end);
+                              });
+    } catch (const std::system_error &) {
+        return false;
+    }
+    record().job = std::move(job);
+    return true;
+}
+
+} // namespace
+
+const model_findings &findings_of(object_t *object)
+{
+    kept_findings *found = known(object);
+    if (found == nullptr && record().job) {
+        model_check_follow();
+        take_job();
+        found = known(object);
+    }
+    if (found == nullptr) {
+        const flat_ptr mesh = object_flat(object);
+        keep(object, *mesh, mesh_find_problems(mesh, problems_shown, [] { return true; }));
+        found = &record().kept.at(object);
+    }
+    found->asked_for = true;
+    return found->findings;
+}
+
+void findings_sweep()
+{
+    auto &kept = record().kept;
+    for (auto entry = kept.begin(); entry != kept.end();)
+        entry =
+            std::exchange(entry->second.asked_for, false) ? std::next(entry) : kept.erase(entry);
+}
+
+bool model_check_begin(object_t *top)
+{
+    if (record().job && record().job->ended)
+        take_job();
+    if (record().job) {
+        model_check_follow();
+        return false;
+    }
+    auto job = std::make_unique<job_t>();
+    std::size_t size = 0;
+    for_each_object(top, [&](object_t *object) {
+        if (known(object) != nullptr)
+            return;
+        job->items.push_back({object, object_flat(object), {}});
+        size += job->items.back().mesh->positions->size() + job->items.back().mesh->corners->size();
+    });
+    return size <= at_once || !start_job(std::move(job));
+}
+
+void model_check_follow()
+{
+    job_t *const job = record().job.get();
+    if (job == nullptr || job->ended)
+        return;
+    const std::size_t at = job->done;
+    if (at == job->items.size())
+        return;
+    const job_t::item_t &item = job->items[at];
+    if (!state_is_alive(item.object) || !mesh_key(*item.mesh).is_of(*object_flat(item.object)))
+        job->given_up = true;
+}
+
+void model_check_end()
+{
+    if (record().job)
+        record().job->given_up = true;
+    try {
+        take_job();
+    } catch (...) {
+        // Nobody wants it any more.
+    }
+}
