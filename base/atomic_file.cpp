@@ -1,5 +1,7 @@
 #include "base/atomic_file.h"
 
+#include "base/unfinished_files.h"
+
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -53,11 +55,15 @@ bool write_all(int fd, std::string_view text, size_t *written)
     return true;
 }
 
-void sync_folder_of(const std::string &file)
+std::string folder_of(const std::string &file)
 {
     const size_t slash = file.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : file.substr(0, slash + 1);
-    const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return slash == std::string::npos ? "." : file.substr(0, slash + 1);
+}
+
+void sync_folder_of(const std::string &file)
+{
+    const int fd = open(folder_of(file).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0)
         return;
     fsync(fd);
@@ -111,11 +117,8 @@ atomic_writer_t::atomic_writer_t(const char *name) : target(resolved(name))
 
 void atomic_writer_t::open_temporary(bool exists, unsigned mode)
 {
-    // As long as the target's own name may be.
-    constexpr size_t most_name = NAME_MAX - 7;
-    const size_t name_begin = target.rfind('/') + 1; // 0 without a folder
-    other = target.substr(0, name_begin + most_name) + ".XXXXXX";
-    fd = mkostemp(other.data(), O_CLOEXEC);
+    remove_unfinished_files(folder_of(target));
+    fd = make_unfinished_file(target, &other);
     if (fd >= 0) {
         is_open = true;
         failed = !noted(fchmod(fd, mode) == 0);

@@ -6,8 +6,8 @@
 
 // The one way files are written: models, preferences, exports, rescue copies. The bytes go to a
 // temporary file beside the target, are flushed to disk and renamed over the target only when
-// complete, so the old file survives every failure. Includes nothing of the project: everyone may
-// call it.
+// complete, so the old file survives every failure. What a process that was killed left of such files
+// goes at the next write to that folder. Includes nothing of the project: everyone may call it.
 //
 // A symbolic link is followed and its target replaced. Mode bits are kept. A target that exists and
 // is no regular file is written directly. Where the folder takes no temporary file but the target

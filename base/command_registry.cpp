@@ -221,6 +221,12 @@ void show_fault(const char *name, const fault_t &fault)
                                name, fault.what.c_str(), fault.last_error.c_str());
         break;
     case fault_t::CODE:
+        if (fault.code == crash_guard::stopped_code) {
+            windows_message_dialog("The command %s was stopped.\n\nUndo takes back what it had "
+                                   "changed; a copy of the work was written.",
+                                   name);
+            break;
+        }
         windows_message_dialog(
             "Exception occured in command %s\ncode: 0x%x\ntype: %s\n\nPlease report this to Dovan",
             name, fault.code, vesk_exception_get_message(fault.code));

@@ -4,12 +4,16 @@
 #include "base/ui_port.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <dlfcn.h>
 #include <link.h>
+#include <pthread.h>
 #include <signal.h>
 #include <string_view>
 #include <sys/mman.h>
@@ -43,6 +47,7 @@ const fault_name_t fault_names[] = {
     {0xC0000096, "EXCEPTION_PRIV_INSTRUCTION"},
     {0x80000004, "EXCEPTION_SINGLE_STEP"},
     {0xC00000FD, "EXCEPTION_STACK_OVERFLOW"},
+    {crash_guard::stopped_code, "stopped by the user"},
 };
 // clang-format on
 
@@ -147,6 +152,47 @@ void on_fault(int signal_number, siginfo_t *info, void *raw_context)
     siglongjmp(crash_guard::top->buffer, 1);
 }
 
+// ---- stopping ----
+
+pthread_t main_thread;
+std::atomic<crash_guard::stop_answer> stop_answered = crash_guard::stop_answer::none;
+
+// Whether an address lies in the program itself, or in the plug-in that runs.
+bool can_be_left(std::uintptr_t address)
+{
+    dl_find_object here, own, foreign;
+    if (_dl_find_object(reinterpret_cast<void *>(address), &here) != 0 || // NOLINT
+        _dl_find_object(reinterpret_cast<void *>(&can_be_left), &own) != 0)
+        return false;
+    if (here.dlfo_map_start == own.dlfo_map_start)
+        return true;
+    void *running = const_cast<void *>(session().foreign);
+    return running != nullptr && _dl_find_object(running, &foreign) == 0 &&
+           here.dlfo_map_start == foreign.dlfo_map_start;
+}
+
+void on_stop(int, siginfo_t *, void *raw_context)
+{
+    using crash_guard::stop_answer;
+    const session_state_t &now = session();
+    if (crash_guard::top == nullptr || (now.command_depth == 0 && now.foreign_depth == 0)) {
+        stop_answered = stop_answer::no_command;
+        return;
+    }
+    stop_answered = stop_answer::not_now;
+#ifdef __x86_64__
+    const auto *context = static_cast<const ucontext_t *>(raw_context);
+    if (now.committing ||
+        !can_be_left(static_cast<std::uintptr_t>(context->uc_mcontext.gregs[REG_RIP])))
+        return;
+    stop_answered = stop_answer::given_up;
+    fault_code = crash_guard::stopped_code;
+    siglongjmp(crash_guard::top->buffer, 1);
+#else
+    static_cast<void>(raw_context);
+#endif
+}
+
 // Counts a fault; true when it is the last of three within ten seconds.
 bool are_too_many()
 {
@@ -201,7 +247,19 @@ void install()
     sigemptyset(&action.sa_mask);
     for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT})
         sigaction(number, &action, nullptr);
+    main_thread = pthread_self();
+    action.sa_sigaction = on_stop;
+    action.sa_flags |= SA_RESTART;
+    sigaction(SIGUSR2, &action, nullptr);
 }
+
+void ask_to_stop()
+{
+    stop_answered = stop_answer::none;
+    pthread_kill(main_thread, SIGUSR2);
+}
+
+stop_answer answer_to_stop() { return stop_answered; }
 
 unsigned last_code() { return fault_code; }
 
@@ -238,7 +296,8 @@ void restore(const session_state_t &before, fault_t *fault)
 
 void run_after_fault(const fault_t &fault)
 {
-    if (in_after_fault || (!fault.in_foreign && are_too_many()))
+    const bool counts = !fault.in_foreign && fault.code != stopped_code;
+    if (in_after_fault || (counts && are_too_many()))
         quit_broken();
     if (after_fault == nullptr)
         return;

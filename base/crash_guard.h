@@ -61,6 +61,16 @@ std::string last_error_text(); // strerror of the errno that the handler or the 
 void restore(const session_state_t &before, fault_t *fault);
 [[noreturn]] void quit_broken(); // rescue copy, a line on standard error, exit
 
+// The code of a command that its user stopped.
+constexpr unsigned stopped_code = 0xE0000001;
+// Of the last request to stop: its command was given up; no command runs; what runs now cannot be left
+// (the heap, a library, a write of results), so that it is to be asked again.
+enum class stop_answer { none, given_up, no_command, not_now };
+// Asks the thread that installed the guard, from another one, to give up the command that it runs, as
+// if that had faulted where it stands: only within the program or the plug-in whose function runs.
+void ask_to_stop();
+stop_answer answer_to_stop();
+
 // Called after a survivable fault, with the session state restored and before any dialog: checks
 // and repairs the world, writes the rescue copy. Three faults of the program's own within ten
 // seconds, or a fault in here, end the program; those of plug-ins do not count.

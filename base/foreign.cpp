@@ -12,9 +12,13 @@ std::uint64_t looks = 0; // while foreign code ran
 
 bool is_foreign_code(const void *code)
 {
-    Dl_info own, its;
-    return code != nullptr && dladdr(reinterpret_cast<const void *>(&is_foreign_code), &own) != 0 &&
-           dladdr(code, &its) != 0 && own.dli_fbase != its.dli_fbase;
+    // dladdr would search the symbols of both for a name that nobody asks for.
+    const auto module_of = [](const void *address, dl_find_object *module) {
+        return _dl_find_object(const_cast<void *>(address), module) == 0;
+    };
+    dl_find_object own, its;
+    return code != nullptr && module_of(reinterpret_cast<const void *>(&is_foreign_code), &own) &&
+           module_of(code, &its) && own.dlfo_map_start != its.dlfo_map_start;
 }
 
 foreign_scope::foreign_scope(const void *code, bool known)

@@ -30,6 +30,7 @@ target_sources(vesk_core PRIVATE
     base/tokens.cpp
     base/ui_calls.cpp
     base/ui_port.cpp
+    base/unfinished_files.cpp
     base/utf8.cpp
     base/version.cpp
     base/worker.cpp

@@ -35,7 +35,6 @@ private:
 
 void run_guarded(const std::function<void()> &work, std::exception_ptr &failure)
 {
-    const crash_guard::thread_stack_t stack;
     // The exception itself is kept: the guard would keep its text only.
     const auto caught = [&] {
         try {
@@ -56,7 +55,10 @@ worker_t::worker_t(std::function<void()> work, std::function<void()> ended)
 {
     const without_signals blocked;
     thread_ = std::thread([work = std::move(work), ended = std::move(ended), failure = failure_] {
-        run_guarded(work, *failure);
+        {
+            const crash_guard::thread_stack_t stack;
+            run_guarded(work, *failure);
+        }
         if (ended)
             ended();
     });
@@ -100,12 +102,11 @@ bool in_parallel(int count, const std::function<void(int)> &work,
     } catch (const std::system_error &) {
         // No more threads: those that there are do it.
     }
+    // A fault on this thread, too, waits until nobody else uses what lies on its stack.
     std::exception_ptr failure;
-    try {
-        take_pieces(true);
-    } catch (...) {
-        failure = std::current_exception();
-    }
+    run_guarded([&] { take_pieces(true); }, failure);
+    if (failure)
+        stopped = true;
     for (worker_t &worker : workers) {
         try {
             worker.join();

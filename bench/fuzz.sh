@@ -10,4 +10,5 @@ seconds=${1:-600}
 CC=clang CXX=clang++ cmake -G Ninja -S "$here" -B "$build" -DVESK_FUZZ=ON -DVESK_BENCH=OFF
 ASAN_OPTIONS=detect_leaks=0 ninja -C "$build" vesk_fuzz
 export VESK_FUZZ_CORPUS=${VESK_FUZZ_CORPUS:-$build/corpus}
+export VESK_FUZZ_COUNTS=${VESK_FUZZ_COUNTS:-$build/fuzz-counts}
 "$here/tests/fuzz/run.sh" "$build/tests/fuzz/vesk_fuzz" "$seconds" "$@"

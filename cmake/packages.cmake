@@ -1,6 +1,6 @@
 # What the program is built from; every package comes from the distribution (tools/packages.txt).
 find_package(TCL REQUIRED)
-find_package(X11 REQUIRED COMPONENTS Xrender)
+find_package(X11 REQUIRED COMPONENTS Xrender xcb)
 find_package(PNG REQUIRED)
 find_package(Threads REQUIRED)
 set(OpenGL_GL_PREFERENCE GLVND)

@@ -99,15 +99,17 @@ object_t *make_object(const plain_scene &scene, const plain_node &node,
     return object;
 }
 
-object_t *make_tree(const plain_scene &scene, const std::string &filename)
+} // namespace
+
+object_t *object_of_scene(const plain_scene &scene, const std::string &filename)
 {
     // Those of the file, and of the reader's own those that a surface has.
     std::vector<bool> wanted;
     for (const plain_material &m : scene.materials)
         wanted.push_back(!m.name.empty());
     for (const plain_node &node : scene.nodes)
-        for (const int material : node.materials)
-            wanted[static_cast<size_t>(material)] = true;
+        for (const int index : node.materials)
+            wanted[static_cast<size_t>(index)] = true;
     std::vector<int> palette;
     for (size_t i = 0; i < wanted.size(); ++i)
         palette.push_back(wanted[i] ? palette_index(scene.materials[i]) : 0);
@@ -131,8 +133,6 @@ object_t *make_tree(const plain_scene &scene, const std::string &filename)
     return world;
 }
 
-} // namespace
-
 object_t *vesk_assimp_import(const char *filename, const char *suffix)
 {
     const std::string name = filename; // the messages let scripts run
@@ -153,5 +153,5 @@ object_t *vesk_assimp_import(const char *filename, const char *suffix)
     for (const std::string &warning : scene.warnings)
         vesk_report_warning(0, "%s", warning.c_str());
     write_images(scene, name);
-    return make_tree(scene, name);
+    return object_of_scene(scene, name);
 }

@@ -19,4 +19,11 @@ VESK_API object_t *vesk_assimp_import(const char *filename, const char *suffix);
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+#include <string>
+struct plain_scene;
+/* The same tree of a scene that was decoded; `filename` says where its textures are searched. */
+object_t *object_of_scene(const plain_scene &scene, const std::string &filename);
+#endif
+
 #endif

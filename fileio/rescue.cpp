@@ -25,6 +25,7 @@ namespace {
 
 constexpr const char *session_suffix = ".session";
 constexpr const char *kinds[] = {"autosave", "rescue"};
+constexpr const char *part_suffix = ".part"; // of a rescue copy that is not whole
 
 struct rescue_session {
     fs::path base; // the session's files without their suffixes; empty: no session
@@ -132,6 +133,7 @@ void remove_files(const fs::path &base)
     std::error_code ignored;
     for (const char *kind : kinds)
         fs::remove(copy_name(base, kind), ignored);
+    fs::remove(copy_name(base, "rescue") + part_suffix, ignored);
     fs::remove(base.string() + session_suffix, ignored);
 }
 
@@ -235,7 +237,7 @@ void rescue_start()
         display_message("can't write to '%s' - copies of unsaved work go to '%s'",
                         folders.front().c_str(), place->c_str());
     session.rescue_file = copy_name(session.base, "rescue");
-    session.temporary_file = session.rescue_file + ".part";
+    session.temporary_file = session.rescue_file + part_suffix;
     crash_guard::set_rescue(on_fatal_fault);
 }
 

@@ -20,6 +20,18 @@ std::string number_fault(const char *what, int count, int length)
 // Nodes that were taken out: nobody knows who still holds them, so they are never freed.
 listitem *set_aside;
 
+bool has_ring(const listitem *head)
+{
+    const listitem *slow = head;
+    for (const listitem *fast = head; fast && fast->next;) {
+        slow = slow->next;
+        fast = fast->next->next;
+        if (slow == fast)
+            return true;
+    }
+    return false;
+}
+
 class checker {
 public:
     std::vector<world_fault> run(object_t *top)
@@ -74,18 +86,6 @@ private:
             link = &(*link)->next;
         }
         return n;
-    }
-
-    static bool has_ring(const listitem *head)
-    {
-        const listitem *slow = head;
-        for (const listitem *fast = head; fast && fast->next;) {
-            slow = slow->next;
-            fast = fast->next->next;
-            if (slow == fast)
-                return true;
-        }
-        return false;
     }
 
     void check_count(object_t *object, int *count, int length, const char *what, unsigned aspects)
@@ -156,6 +156,26 @@ private:
 };
 
 } // namespace
+
+bool world_has_ring(const object_t *top)
+{
+    std::unordered_set<const object_t *> seen;
+    std::vector<const object_t *> stack{top};
+    while (!stack.empty()) {
+        const object_t *object = stack.back();
+        stack.pop_back();
+        if (!seen.insert(object).second || has_ring(object->children) ||
+            has_ring(object->vertices) || has_ring(object->surfaces))
+            return true;
+        for (const surface_t *surface : each<surface_t>(object->surfaces))
+            if (surface != nullptr && has_ring(surface->refs))
+                return true;
+        for (const object_t *child : each<object_t>(object->children))
+            if (child != nullptr)
+                stack.push_back(child);
+    }
+    return false;
+}
 
 std::vector<world_fault> world_check(object_t *top)
 {

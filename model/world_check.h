@@ -19,4 +19,8 @@ struct world_fault {
 // Repairs the tree below `top`; marks and announces the changes. Empty when all is well.
 std::vector<world_fault> world_check(object_t *top);
 
+// Whether a list of the tree runs into itself, or an object stands in it twice: other walks of it would
+// not end.
+bool world_has_ring(const object_t *top);
+
 #endif

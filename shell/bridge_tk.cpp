@@ -15,6 +15,7 @@
 #include "program/startup.h"
 #include "shell/icon_image_tk.h"
 #include "shell/interp_tk.h"
+#include "shell/stuck_tk.h"
 
 #include <tk.h>
 #include <togl.h>
@@ -316,6 +317,7 @@ int init_tcl_stuff(int, char **)
         place_main_window(interp);
         icon_image_install(interp);
         XSetIOErrorHandler(leave_on_lost_display);
+        stuck_watch_start();
     }
     Tcl_CreateExitHandler(leave_in_order, nullptr);
     std::atexit(leave_by_library);

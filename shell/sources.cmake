@@ -8,6 +8,7 @@ target_sources(vesk PRIVATE
     shell/pointer_tk.cpp
     shell/port_tk.cpp
     shell/programs_tk.cpp
+    shell/stuck_tk.cpp
     shell/uv_window_tk.cpp
     shell/view_commands_tk.cpp
     shell/views_tk.cpp

@@ -300,9 +300,16 @@ void interaction_motion(const pointer_event_t &event)
     redraw(event.view);
 }
 
-void interaction_release(const pointer_event_t &event)
+void interaction_release(const pointer_event_t &given)
 {
     const drag_t drag = interaction.drag;
+    pointer_event_t event = given;
+    // In another view, when the drag's own release was lost: it ends where it was seen last.
+    if (drag.kind != drag_kind::none && given.view != drag.view) {
+        event = drag.last;
+        event.button = given.button;
+        event.seconds = given.seconds;
+    }
     if (drag.kind == drag_kind::none) {
         interaction.drag = {};
         // The right button opens the menu also where it does not zoom.

@@ -4,9 +4,11 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "edit/document/edit_support.h"
+#include "edit/document/selection_internal.h"
 #include "edit/snap.h"
 #include "edit/symmetry.h"
 #include "model/angle.h"
+#include "model/change_marks.h"
 #include "model/flat_mesh.h"
 #include "model/vec3d.h"
 #include "view/camera.h"
@@ -20,7 +22,9 @@
 #include "view/views_internal.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,7 +45,9 @@ struct slice_t {
     pointer_event_t start = {};
     place_t from = {0, 0};
     bool moved = false;
-    std::vector<owned_elements> targets; // for the preview; none of too many
+    // For the preview; none of too many. As long as the model is what it was.
+    std::vector<owned_elements> targets;
+    std::array<std::uint64_t, 3> counts = {};
 };
 slice_t state;
 
@@ -172,7 +178,10 @@ void motion(const pointer_event_t &event)
 {
     if (!state.moved && is_click(state.start, event))
         return;
-    if (!state.moved) {
+    const std::array<std::uint64_t, 3> counts = {model_change_count(), tree_change_count(),
+                                                 selection_change_count()};
+    if (!state.moved || state.counts != counts) {
+        state.counts = counts;
         state.targets = target_surfaces();
         if (count_elements(state.targets) > most_shown)
             state.targets.clear();

@@ -74,6 +74,7 @@ proc ::vesk::settings::read {{name ""}} {
 proc ::vesk::settings::save {{name ""}} {
     variable values
     if {$name eq ""} {set name [file_name]}
+    remove_left $name
     set temporary $name.[pid].tmp
     set failed [catch {
         set channel [open $temporary w]
@@ -88,6 +89,19 @@ proc ::vesk::settings::save {{name ""}} {
     catch {close $channel}
     file delete $temporary
     return $message
+}
+
+# remove_left --
+#   Removes the temporary files of processes that were killed while they saved.
+proc ::vesk::settings::remove_left {name} {
+    set folder [file dirname $name]
+    foreach file [glob -nocomplain -directory $folder -tails *.tmp] {
+        if {[regexp {^(.*)\.[0-9]+\.tmp$} $file -> of] && $of eq [file tail $name]} {
+            catch {
+                if {[file mtime $folder/$file] < [clock seconds] - 60} {file delete $folder/$file}
+            }
+        }
+    }
 }
 
 proc ::vesk::settings::get {key} {

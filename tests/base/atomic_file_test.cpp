@@ -1,7 +1,9 @@
 #include "base/atomic_file.h"
 
+#include "base/unfinished_files.h"
 #include "tests/support/scene_test.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -73,6 +75,35 @@ TEST_F(AtomicFile, AnUnfinishedWriteLeavesTheOldFile)
     }
     EXPECT_EQ(read_text(file), "old");
     EXPECT_EQ(files_in(folder), 1);
+}
+
+// As a process that was killed leaves them: closed, and some time ago.
+TEST_F(AtomicFile, WhatAKilledWriteLeftGoesAtTheNextWrite)
+{
+    folder += "/left"; // a folder is looked through once
+    std::filesystem::create_directory(folder);
+    file = folder + "/a";
+    const auto made = [&](bool old, const char *name = "") {
+        std::string file_name = folder + "/" + name;
+        const int fd = *name == '\0' ? make_unfinished_file(file, &file_name)
+                                     : open(file_name.c_str(), O_CREAT | O_WRONLY, 0600);
+        const timespec times[] = {{time(nullptr) - 3600, 0}, {time(nullptr) - 3600, 0}};
+        if (old)
+            futimens(fd, times);
+        return std::pair(file_name, fd);
+    };
+    const auto left = made(true), fresh = made(false), written = made(true);
+    const auto own = made(true, "a.backup"), other = made(true, ".~vesk-");
+    for (const auto &file_made : {left, fresh, own, other})
+        close(file_made.second);
+
+    EXPECT_TRUE(atomic_file_write(file.c_str(), "new"));
+
+    EXPECT_FALSE(std::filesystem::exists(left.first));
+    for (const auto &file_made : {fresh, written, own, other})
+        EXPECT_TRUE(std::filesystem::exists(file_made.first)) << file_made.first;
+    EXPECT_EQ(files_in(folder), 5);
+    close(written.second);
 }
 
 TEST_F(AtomicFile, AMissingFolderIsAFailureToOpen)

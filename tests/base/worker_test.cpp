@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <stdexcept>
 #include <thread>
@@ -53,6 +54,37 @@ TEST(Worker, PiecesEndEarly)
     const auto faults = [] { in_parallel(1000, [](int i) { i == 50 ? raise(SIGFPE) : 0; }); };
     EXPECT_FALSE(guarded(faults, &fault));
     EXPECT_EQ(fault.kind, fault_t::CODE);
+}
+
+// Not where it writes results, nor in a library: there it is to be asked again.
+TEST(Stopping, LeavesWhatNeverEnds)
+{
+    crash_guard::install();
+    session_state_t &state = session();
+    std::atomic<bool> saw_commit = false;
+    const volatile bool endless = true;
+    std::thread user([&] {
+        using crash_guard::stop_answer;
+        while (crash_guard::answer_to_stop() != stop_answer::given_up) {
+            crash_guard::ask_to_stop();
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            saw_commit = saw_commit || crash_guard::answer_to_stop() == stop_answer::not_now;
+        }
+    });
+    fault_t fault;
+    EXPECT_FALSE(guarded(
+        [&] {
+            state.committing = true;
+            ++state.command_depth;
+            while (endless)
+                if (saw_commit)
+                    state.committing = false;
+        },
+        &fault));
+    user.join();
+    EXPECT_EQ(fault.code, crash_guard::stopped_code);
+    EXPECT_EQ(state.command_depth, 0);
+    EXPECT_FALSE(state.committing);
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 #include "tests/support/mesh_test.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <set>
 #include <tuple>

@@ -8,7 +8,6 @@
 #include "tests/support/places.h"
 #include "tests/support/scene_test.h"
 
-#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <random>
@@ -185,13 +184,10 @@ TEST_F(Helper, IsGivenItsWordsAndNothingElse)
 
 TEST_F(Helper, CancelEndsItAtOnce)
 {
-    helper("sleep 60");
+    helper("sleep 100000");
     recording().clock_step = 0.2;
     recording().while_pumping = progress_cancel;
-    const auto began = std::chrono::steady_clock::now();
-    const helper_result result = run_helper({}, {1000, 100});
-    EXPECT_EQ(result.state, helper_result::CANCELLED);
-    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(20));
+    EXPECT_EQ(run_helper({}, {1000, 100}).state, helper_result::CANCELLED);
 }
 
 TEST_F(Helper, LimitsHoldInsideTheRealOne)

@@ -3,7 +3,8 @@
 #   run.sh PROGRAM SECONDS [TARGET ...]     SECONDS: of all targets together
 # A finding ends the run with the sanitizer's report; its input lies in cases/TARGET then, and once the
 # fault is mended it stays there. Another seed each day; VESK_FUZZ_SEED repeats one. What is learnt is
-# kept below VESK_FUZZ_CORPUS where that is set. The last lines tell how many inputs each reader had.
+# kept below VESK_FUZZ_CORPUS where that is set. The last lines tell how many inputs each reader had, in
+# all runs that have the same VESK_FUZZ_COUNTS (a file).
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 program=$1
@@ -30,7 +31,7 @@ run_target() {
         "$program" "${limits[@]}" "$cases"/* >>"$log" 2>&1 || { cat "$log"; return 1; }
     fi
     local options=("${limits[@]}" -seed="$seed" -max_total_time="$share" -print_final_stats=1
-        -artifact_prefix="$scratch/found-$target-")
+        -print_funcs=0 -artifact_prefix="$scratch/found-$target-")
     [ -f "$dictionary" ] && options+=(-dict="$dictionary")
     if ! "$program" "${options[@]}" "$corpus" "$scratch/seeds/$target" >>"$log" 2>&1; then
         tail -c 6000 "$log"
@@ -39,8 +40,9 @@ run_target() {
         echo "run.sh: $target: see $cases (seed $seed)"
         return 1
     fi
-    printf '%-14s %9d inputs\n' "$target" "$(awk '/number_of_executed_units/ { print $2 }' "$log")"
+    echo "$target $(awk '/number_of_executed_units/ { print $2 }' "$log")" >>"$counts"
 }
+counts=${VESK_FUZZ_COUNTS:-$scratch/counts}
 
 # Two at a time.
 share=$(((seconds * 2 + ${#targets[@]} - 1) / ${#targets[@]}))
@@ -58,4 +60,7 @@ done
 for pid in "${pids[@]}"; do
     wait "$pid" || failed=1
 done
+[ ! -f "$counts" ] || awk '{ inputs[$1] += $2; all += $2 }
+    END { for (name in inputs) printf "%-14s %10d inputs\n", name, inputs[name]
+          printf "%-14s %10d inputs\n", "~all", all }' "$counts" | sort
 exit $failed

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <map>
 #include <zip.h>
+#include <zlib.h>
 
 namespace {
 
@@ -103,6 +104,40 @@ std::string small_jpeg()
                      1,    0,    0,    1,    0, 1,    0,   0,    0xff, 0xc0, 0,    11,
                      8,    0,    1,    0,    1, 1,    1,   0x11, 0,    0xff, 0xda, 0,
                      8,    1,    1,    0,    0, 0x3f, 0,   0x7f, 0xff, 0xd9});
+}
+
+std::string packed(const std::string &text)
+{
+    std::string bytes(text.size() + 256, '\0');
+    z_stream stream = {};
+    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef *>(bytes.data());
+    stream.avail_out = static_cast<uInt>(bytes.size());
+    deflateInit2(&stream, 9, Z_DEFLATED, 16 + MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
+    deflate(&stream, Z_FINISH);
+    bytes.resize(stream.total_out);
+    deflateEnd(&stream);
+    return bytes;
+}
+
+// Three points with everything that a primitive and a material may have, in numbers that overlap.
+std::string gltf_text()
+{
+    return R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"a","mesh":0,
+"translation":[1,2,3],"rotation":[0,0,0,1],"scale":[1,1,1],"children":[1]},{"matrix":[1,0,0,0,0,1,0,0,0,0,
+1,0,0,0,0,1],"mesh":0,"extensions":{"KHR_lights_punctual":{"light":0}}}],"meshes":[{"primitives":[{
+"attributes":{"POSITION":0,"NORMAL":0,"TEXCOORD_0":1,"COLOR_0":0},"indices":2,"material":0,"mode":4}]}],
+"accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3","sparse":{"count":1,"indices":{
+"bufferView":1,"componentType":5121},"values":{"bufferView":0}}},{"bufferView":0,"componentType":5126,
+"count":3,"type":"VEC2"},{"bufferView":1,"componentType":5121,"count":3,"type":"SCALAR"}],"bufferViews":[{
+"buffer":0,"byteOffset":0,"byteLength":36,"byteStride":12},{"buffer":0,"byteOffset":36,"byteLength":3}],
+"buffers":[{"byteLength":39,"uri":"data:;base64,AAAAAAAAAAAAAAAAAACAPwAAAAAAAAAAAAAAAAAAgD8AAAAAAAEC"}],
+"materials":[{"name":"m","doubleSided":true,"alphaMode":"BLEND","pbrMetallicRoughness":{"baseColorFactor":[
+1,0,0,0.5],"metallicFactor":0.5,"roughnessFactor":0.5,"baseColorTexture":{"index":0,"extensions":{
+"KHR_texture_transform":{"scale":[2,2],"offset":[1,1],"rotation":1}}}},"emissiveFactor":[0,1,0]}],
+"textures":[{"source":0}],"images":[{"uri":"data:image/png;base64,iVBORw0KGgo="}],"extensions":{
+"KHR_lights_punctual":{"lights":[{"type":"point","color":[1,1,1]}]}},"extensionsUsed":["KHR_lights_punctual"]})";
 }
 
 } // namespace
@@ -204,6 +239,32 @@ std::vector<std::string> fuzz_seeds(const fuzz_target &target)
                  "r 2 }"};
          }},
         {"vec", [] { return std::vector<std::string>{"3\n0 0\n2 0\n2 1\n\n0 0 0\n1 0 0\n"}; }},
+        {"3ds",
+         [] {
+             return std::vector<std::string>{make_3ds(), make_3ds_with_keys()};
+         }},
+        {"vrml_packed", [] { return std::vector<std::string>{packed(make_vrml1())}; }},
+        {"gltf",
+         [] {
+             return std::vector<std::string>{gltf_text(), exported(".gltf")};
+         }},
+        {"glb", [] { return std::vector<std::string>{exported(".glb")}; }},
+        {"arguments",
+         [] {
+             return std::vector<std::string>{
+                 "-debug\n-dynamic\n-noplugins\na.vesk\n/b.obj\n-script\nc.tcl",
+                 "-convert\n-to\nglb\na.obj",
+                 "-batch\na.tcl\n1 2",
+                 "-thumbnail\n64\na.png",
+                 "-pipe\na.vesk",
+                 "-help",
+                 "-version",
+                 "-what"};
+         }},
+        {"recovery",
+         [] {
+             return std::vector<std::string>{"/home/a b.vesk\n" + saved(), "\n"};
+         }},
         {"bsp", [] { return std::vector<std::string>{make_bsp()}; }},
         {"dxf",
          [] {

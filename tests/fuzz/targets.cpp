@@ -3,7 +3,6 @@
 #include "base/prefs.h"
 #include "base/prefs_file.h"
 #include "base/tokens.h"
-#include "fileio/scene_stream.h"
 #include "fileio/vesk_reader.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
@@ -22,50 +21,35 @@
 
 namespace {
 
-[[noreturn]] void fail(const std::string &text)
-{
-    std::fprintf(stderr, "fuzz: %s\n", text.c_str());
-    std::abort();
-}
-
 // ---- what a target does with an input ----
 
 void check_tree(object_t *top)
 {
     const std::vector<world_fault> faults = world_check(top);
     if (!faults.empty())
-        fail(faults[0].text);
-}
-
-void write_bytes(const char *file, std::string_view bytes)
-{
-    FILE *out = std::fopen(file, "wb");
-    if (out == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), out) != bytes.size() ||
-        std::fclose(out) != 0)
-        fail(std::string("cannot write ") + file);
+        fuzz_fail(faults[0].text);
 }
 
 // A file that is read into a tree of its own, or refused with a word.
 void load_tree(const char *file, std::string_view bytes)
 {
-    write_bytes(file, bytes);
+    fuzz_write(file, bytes);
     recording().boxes.clear();
     object_t *top = vesk_import_file(file);
     for (const std::string &box : recording().boxes) {
         if (box.find("EXCEPTION_") != std::string::npos)
-            fail(box);
+            fuzz_fail(box);
     }
     if (top != nullptr) {
-        check_tree(top);
-        object_free(top);
+        fuzz_take(top);
     } else if (recording().boxes.empty() && !std::string_view(file).ends_with(".vesk")) {
-        fail("refused without a word"); // a model file may hold nothing
+        fuzz_fail("refused without a word"); // a model file may hold nothing
     }
 }
 
 void load_material_file(const char *file, std::string_view bytes)
 {
-    write_bytes((std::string(file) + ".mtl").c_str(), bytes);
+    fuzz_write(std::string(file) + ".mtl", bytes);
     load_tree(file, "mtllib " + std::filesystem::path(file).filename().string() +
                         ".mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\n");
 }
@@ -77,14 +61,14 @@ void load_model_part(const char *file, std::string_view bytes)
 
 void load_picture(const char *file, std::string_view bytes)
 {
-    write_bytes(file, bytes);
+    fuzz_write(file, bytes);
     if (VESKImage *image = texture_read(file, file); image != nullptr) {
         unsigned sum = 0; // all of the pixels are there
         const std::size_t size =
             static_cast<std::size_t>(image->width) * image->height * image->depth;
         for (std::size_t i = 0; i < size; ++i)
             sum += image->data[i];
-        static volatile unsigned used;
+        [[maybe_unused]] static volatile unsigned used;
         used = sum;
         free_veskimage(image);
     }
@@ -92,30 +76,15 @@ void load_picture(const char *file, std::string_view bytes)
 
 void load_settings(const char *file, std::string_view bytes)
 {
-    write_bytes(file, bytes);
+    fuzz_write(file, bytes);
     prefs_set_defaults();
     init_prefs();
 }
 
-void read_stream(const char *, std::string_view bytes)
-{
-    plain_scene scene;
-    if (!decode_scene(bytes, &scene))
-        return;
-    for (const plain_node &node : scene.nodes) {
-        for (const int corner : node.corners) {
-            if (static_cast<std::size_t>(corner) >= node.points.size() / 3)
-                fail("a corner outside of the node's points");
-        }
-    }
-}
-
 void read_clipboard(const char *, std::string_view bytes)
 {
-    if (object_t *top = vesk_object_of_text(bytes); top != nullptr) {
-        check_tree(top);
-        object_free(top);
-    }
+    if (object_t *top = vesk_object_of_text(bytes); top != nullptr)
+        fuzz_take(top);
 }
 
 void read_words(const char *, std::string_view bytes)
@@ -128,7 +97,7 @@ void read_words(const char *, std::string_view bytes)
     for (int i = 0; i < std::min<int>(count, VESK_MAX_TOKENS); ++i)
         all += std::string_view(words[i]).size();
     if (all > line.size())
-        fail("words longer than their line");
+        fuzz_fail("words longer than their line");
 }
 
 // The notes of an object: selection sets and kept dimensions.
@@ -184,6 +153,26 @@ void write_seeds(const std::filesystem::path &folder)
 
 } // namespace
 
+void fuzz_fail(const std::string &text)
+{
+    std::fprintf(stderr, "fuzz: %s\n", text.c_str());
+    std::abort();
+}
+
+void fuzz_take(object_t *top)
+{
+    check_tree(top);
+    object_free(top);
+}
+
+void fuzz_write(const std::string &file, std::string_view bytes)
+{
+    FILE *out = std::fopen(file.c_str(), "wb");
+    if (out == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), out) != bytes.size() ||
+        std::fclose(out) != 0)
+        fuzz_fail("cannot write " + file);
+}
+
 const std::vector<fuzz_target> &fuzz_targets()
 {
     static const std::vector<fuzz_target> targets = {
@@ -202,6 +191,10 @@ const std::vector<fuzz_target> &fuzz_targets()
         {"vrml1", "a.wrl", "#VRML V1.0 ascii\n", load_tree},
         {"vrml2", "a.wrl", "#VRML V2.0 utf8\n", load_tree},
         {"vec", "a.vec", "", load_tree},
+        {"vrml_packed", "a.wrl", "\x1f\x8b", load_tree},
+        {"3ds", "a.3ds", "MM", load_tree},
+        {"gltf", "a.gltf", "{", fuzz_gltf},
+        {"glb", "a.glb", "glTF", fuzz_gltf},
         {"bsp", "a.bsp", "IBSP", load_tree},
         {"dxf", "a.dxf", "", load_tree},
         {"gif", "a.gif", "GIF8", load_picture},
@@ -210,9 +203,11 @@ const std::vector<fuzz_target> &fuzz_targets()
         {"png", "a.png", "\x89PNG\r\n\x1a\n", load_picture},
         {"jpeg", "a.jpg", "\xff\xd8\xff", load_picture},
         {"tga", "a.tga", "", load_picture},
-        {"stream", nullptr, "", read_stream},
+        {"stream", nullptr, "", fuzz_stream},
         {"settings", "veskprefs.txt", "", load_settings},
         {"clipboard", nullptr, "", read_clipboard},
+        {"arguments", nullptr, "", fuzz_arguments},
+        {"recovery", "state", "", fuzz_recovery},
         {"words", nullptr, "", read_words},
         {"notes", nullptr, "", read_notes},
     };
@@ -225,7 +220,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
     const std::string scratch = std::filesystem::temp_directory_path() / "vesk-fuzz-XXXXXX";
     std::string folder = scratch;
     if (mkdtemp(folder.data()) == nullptr)
-        fail("no folder for the input");
+        fuzz_fail("no folder for the input");
     setenv("HOME", folder.c_str(), 1);
     setenv("USERPROFILE", folder.c_str(), 1); // the settings
     setenv("VESK_FUZZ_FOLDER", folder.c_str(), 1);

@@ -19,6 +19,18 @@ const std::vector<fuzz_target> &fuzz_targets();
 // Small inputs that the reader takes, one a text.
 std::vector<std::string> fuzz_seeds(const fuzz_target &target);
 
+// Ends the program with a finding.
+[[noreturn]] void fuzz_fail(const std::string &text);
+// A tree that a reader gave: sound, and freed.
+void fuzz_take(struct object *top);
+void fuzz_write(const std::string &file, std::string_view bytes);
+
+// What is no file of a model or a picture; see targets_program.cpp.
+void fuzz_gltf(const char *file, std::string_view bytes);
+void fuzz_stream(const char *file, std::string_view bytes);
+void fuzz_arguments(const char *file, std::string_view bytes);
+void fuzz_recovery(const char *file, std::string_view bytes);
+
 // An archive of one file, not compressed.
 std::string zip_of(const std::string &name, std::string_view content);
 

@@ -242,12 +242,15 @@ TEST_F(FlatMeshOf, FreesAreAnnouncedOncePerBatchAndForeignOnesAreFound)
     held_object = add_cube("c");
     freed_filter_foreign();
     EXPECT_TRUE(last_freed.empty());
-    object_t *gone = std::exchange(held_object, b); // a dead one
+    object_t *dead = add_cube("d"); // the last one: no other object takes its place
+    object_delete(dead);
+    last_freed = {};
+    object_t *alive = std::exchange(held_object, dead);
     freed_filter_foreign();
     ASSERT_EQ(last_freed.objects.size(), 1U);
-    EXPECT_EQ(last_freed.objects[0], b);
+    EXPECT_EQ(last_freed.objects[0], dead);
     held_object = nullptr;
-    object_delete(gone);
+    object_delete(alive);
 }
 
 } // namespace

@@ -14,7 +14,6 @@
 #include "tests/plugin/interchange_fixture.h"
 #include "tests/support/damage.h"
 
-#include <chrono>
 #include <filesystem>
 #include <random>
 
@@ -327,15 +326,13 @@ TEST_F(Interchange, AFileThatGrowsBeyondAllMeasureIsRefused)
     EXPECT_EQ(run("get_counts").substr(0, 2), "0 ");
 }
 
-// Each tag is looked at by itself: 26 seconds, once.
+// Each tag is looked at by itself: with a look at all that follows, this would take an hour.
 TEST_F(Interchange, TagsWithoutBlanksCostNoMoreThanOthers)
 {
     std::string text;
-    for (int i = 0; i < 200000; ++i)
+    for (int i = 0; i < 1000000; ++i)
         text += "<a>";
-    const auto began = std::chrono::steady_clock::now();
     EXPECT_EQ(load("nested.3mf", packed_model(text)), "0");
-    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
 }
 
 // Without "s" the normals tell it; with it they do not count.

@@ -9,6 +9,7 @@
 #include "model/object_tree.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
+#include "model/world_check.h"
 #include "plugin/dialogs.h"
 #include "plugin/filters.h"
 #include "plugin/importers.h"
@@ -150,6 +151,20 @@ TEST_F(Plugins, ExceptionsOfOneCostDialogs)
     crash_guard::forget_faults_for_test();
     plugins_exit();
     EXPECT_NE(recording().boxes.back().find("fault in VESKPluginExit"), std::string::npos);
+}
+
+TEST_F(Plugins, ListsThatRunIntoThemselvesAreCut)
+{
+    ASSERT_EQ(plugin_load(plugin_file("plugin_looping").c_str()), 1);
+    const object_t *first = add_cube("first");
+    add_cube("second");
+    run("close_rings");
+    EXPECT_EQ(last_message(),
+              "close_rings left a list that runs into itself - the model was repaired");
+    EXPECT_FALSE(world_has_ring(vesk_get_world()));
+    EXPECT_EQ(vesk_get_world()->num_children, 1);
+    EXPECT_EQ(first->num_vertices, 8);
+    EXPECT_EQ(run("file_save", temporary_file("cut.vesk")), "1");
 }
 
 class BusyPlugin : public Plugins {

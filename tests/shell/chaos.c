@@ -4,6 +4,8 @@
      CHAOS_AT      which call, from 1 on; 0: none, the calls are only counted
      CHAOS_HOW     ENOSPC, EIO, EROFS, EINTR, short (half of a write), kill
      CHAOS_NO_NEW  when set, temporary files cannot be made: EROFS
+     CHAOS_ONLY    counts calls of that name only
+     CHAOS_ROUND   when it becomes another, counting begins anew: a script sets these while the program runs
      CHAOS_LOG     file that the number of calls and the name of the chosen one are written to
    Reading is left alone; opening for writing, writing, flushing, closing, renaming, linking and removing
    are counted. */
@@ -41,7 +43,14 @@ static int concerns(const char *path)
 /* Counts a call: 0 for one that goes its way, else the chosen one. */
 static int is_chosen(const char *name)
 {
+    static char round[16];
+    if (setting("CHAOS_ONLY")[0] != '\0' && strcmp(setting("CHAOS_ONLY"), name) != 0)
+        return 0;
     pthread_mutex_lock(&lock);
+    if (strncmp(round, setting("CHAOS_ROUND"), sizeof round - 1) != 0) {
+        strncpy(round, setting("CHAOS_ROUND"), sizeof round - 1);
+        calls = 0;
+    }
     const int number = ++calls;
     pthread_mutex_unlock(&lock);
     if (number != atoi(setting("CHAOS_AT")))

@@ -105,13 +105,6 @@ proc ::test::pause {msecs} {
     vwait ::test::done
 }
 
-# cpu_msecs --
-#   Milliseconds that this process has worked: what else the machine does is not in it.
-proc ::test::cpu_msecs {} {
-    set words [lrange [split [contents /proc/self/stat]] 13 14]
-    return [expr {10 * ([lindex $words 0] + [lindex $words 1])}]
-}
-
 # shown, front --
 #   Whether a window can be seen; whether it has the keyboard, too.
 proc ::test::shown {w} {return [expr {[winfo exists $w] && [winfo viewable $w]}]}

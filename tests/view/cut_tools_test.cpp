@@ -287,6 +287,21 @@ TEST_F(SliceDrag, AClickAndALineBesideTheModelChangeNothing)
     EXPECT_EQ(echoed().substr(0, 5), "");
 }
 
+TEST_F(SliceDrag, ShowsTheModelAsItBecomesAmidTheDrag)
+{
+    press(VIEW_XY, 20, 175);
+    move(VIEW_XY, 380, 175);
+    EXPECT_NEAR(length_of_lines(), 4, 1e-4);
+    run("delete");
+    move(VIEW_XY, 381, 175);
+    EXPECT_EQ(length_of_lines(), 0);
+    run("step_back");
+    run("select_all");
+    move(VIEW_XY, 382, 175);
+    EXPECT_NEAR(length_of_lines(), 4, 1e-4);
+    key("Escape");
+}
+
 TEST_F(SliceDrag, OptionsTakeTheirOwnWordsOnly)
 {
     run("set_tool_option", "slice_keep", "half");

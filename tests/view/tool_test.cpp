@@ -159,6 +159,20 @@ TEST_P(CreateTool, DragsFromCornerToCornerAndIsUndone)
 }
 INSTANTIATE_TEST_SUITE_P(Kinds, CreateTool, testing::ValuesIn(create_cases));
 
+// The release of a drag may get lost; the next one comes where the pointer is then.
+TEST_F(Tools, AReleaseInAnotherViewEndsTheDragWhereItWasSeenLast)
+{
+    for (const int other : {VIEW_XYZ, VIEW_XZ}) {
+        run("set_draw_mode", "box");
+        press(VIEW_XY, 100, 100);
+        move(VIEW_XY, 300, 200);
+        press(other, 10, 20);
+        release(other, 10, 20);
+        EXPECT_EQ(run("get_selection_size"), "2 1 1.5");
+        EXPECT_EQ(run("get_selection_centre"), "0 0 0");
+    }
+}
+
 TEST_F(Tools, AClickMakesTheRegularOneWhereThereIsOne)
 {
     run("set_draw_mode", "box");
