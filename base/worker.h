@@ -5,6 +5,7 @@
 // joins it: there the crash guard deals with them as with its own. Signals stay the main thread's. Work
 // on a worker does not use the model's lists, the allocator of records or the port.
 
+#include <algorithm>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -39,5 +40,15 @@ private:
 // it answers false no further piece is begun, and the result is false. Throws what a piece has thrown.
 bool in_parallel(int count, const std::function<void(int)> &work,
                  const std::function<bool()> &go_on = {});
+
+// Calls work(begin, end) for ranges that are 0 .. count together, likewise. A short way is gone on this
+// thread alone.
+template <class Work>
+void in_parallel_ranges(int count, const Work &work)
+{
+    constexpr int range = 16384;
+    in_parallel((count + range - 1) / range,
+                [&](int i) { work(i * range, std::min((i + 1) * range, count)); });
+}
 
 #endif

@@ -14,7 +14,7 @@ if [ "${1:-}" = -keep ]; then
 fi
 programs=("$@")
 [ ${#programs[@]} -gt 0 ] || programs=(files_bench pick_bench undo_bench objects_bench geometry_bench
-    edges_bench solids_bench uv_bench answer)
+    edges_bench solids_bench large_bench uv_bench answer)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -24,6 +24,7 @@ for program in "${programs[@]}"; do
     echo "== $program"
     arguments=()
     [ "$program" = files_bench ] && arguments=("$work")
+    [ "$program" = large_bench ] && arguments=(1000 "$work")
     if [ "$program" = answer ]; then
         "$here/bench/answer.sh" "$build" | tee "$work/$program.txt"
     else

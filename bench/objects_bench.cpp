@@ -198,6 +198,21 @@ void bench_copies(int side)
     report("check_model again", n, best_of(1, [] { command({"check_model"}); }));
 }
 
+// A thousand copies, of a thousandth of the vertices each.
+void bench_array(int side)
+{
+    const int small = static_cast<int>(std::lround(side / std::sqrt(1000.0)));
+    const int n = 1000 * select_terrain(small)->num_vertices;
+    report("array of 1,000", n, best_of(1, [] {
+               command({"array", "1000", "10", "0", "0", "0"});
+           }));
+    report("undo it", n, best_of(1, [] { command({"undo"}); }));
+    select_terrain(small);
+    report("round array of 1,000", n, best_of(1, [] {
+               command({"array_round", "1000", "y", "360"});
+           }));
+}
+
 // ---- many objects ----
 
 std::string identity_of(int i)
@@ -281,11 +296,9 @@ int main(int argc, char **argv)
         const char *name;
         void (*run)(int side);
     };
-    const group_t groups[] = {{"hulls", bench_hulls},
-                              {"subdivision", bench_subdivision},
-                              {"reduce", bench_reduce},
-                              {"pieces", bench_pieces},
-                              {"copies", bench_copies}};
+    const group_t groups[] = {{"hulls", bench_hulls},   {"subdivision", bench_subdivision},
+                              {"reduce", bench_reduce}, {"pieces", bench_pieces},
+                              {"copies", bench_copies}, {"array", bench_array}};
     const int largest = argc > 1 ? std::atoi(argv[1]) : 1000;
     const std::string wanted = argc > 2 ? argv[2] : "";
     bench_begin();
@@ -297,7 +310,7 @@ int main(int argc, char **argv)
                 group.run(side);
         }
     }
-    for (const int count : {1000, 10000}) {
+    for (const int count : {1000, 10000, 100000}) {
         if (wanted.empty() || wanted == "many")
             bench_many(count);
     }

@@ -1,5 +1,5 @@
 // The cutting operations: times of booleans of two spheres of n triangles each, and of slices of one.
-//   solids_bench [most triangles]
+//   solids_bench [most triangles [part of a name]]
 
 #include "bench/terrain.h"
 #include "edit/document/selection_internal.h"
@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 #include <vector>
 
@@ -68,8 +69,12 @@ object_t *sphere(int n, float x)
     return object;
 }
 
+const char *wanted = "";
+
 void bench(const char *name, int n, int spheres, std::initializer_list<const char *> words)
 {
+    if (std::strstr(name, wanted) == nullptr)
+        return;
     command({"clear_all"});
     for (int i = 0; i < spheres; ++i)
         sphere(n, 0.7f * static_cast<float>(i));
@@ -87,6 +92,7 @@ void bench(const char *name, int n, int spheres, std::initializer_list<const cha
 int main(int argc, char **argv)
 {
     const int most = argc > 1 ? std::atoi(argv[1]) : 100000;
+    wanted = argc > 2 ? argv[2] : "";
     bench_begin();
     register_commands();
     for (int n = most / 100; n <= most; n *= 10) {

@@ -5,6 +5,7 @@
 
 #include "base/prefs.h"
 #include "base/ui_port.h"
+#include "model/alloc_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/world.h"
@@ -60,6 +61,7 @@ struct terrain_arrays {
 
 inline void bench_begin()
 {
+    alloc_use_big_pages();
     prefs_set_defaults();
     new_world();
     create_palette();

@@ -151,15 +151,16 @@ void draw_dimensions(int view, int width, int height)
     }
 }
 
-void draw_insert_mark(int view)
+void draw_insert_marks(int view)
 {
-    const insert_mark_t &mark = insert_mark();
-    float x1 = 0, y1 = 0, x2 = 0, y2 = 0, x = 0, y = 0;
-    if (!mark.shown || !overlay_position(mark.from, view, &x1, &y1) ||
-        !overlay_position(mark.to, view, &x2, &y2) || !overlay_position(mark.at, view, &x, &y))
-        return;
-    draw_mark_line(x1, y1, x2, y2, 2, colour_of(mark_colour));
-    draw_point_mark(x, y, colour_of(prefs.col_selvert));
+    for (const insert_mark_t &mark : insert_marks()) {
+        float x1 = 0, y1 = 0, x2 = 0, y2 = 0, x = 0, y = 0;
+        if (!overlay_position(mark.from, view, &x1, &y1) ||
+            !overlay_position(mark.to, view, &x2, &y2) || !overlay_position(mark.at, view, &x, &y))
+            continue;
+        draw_mark_line(x1, y1, x2, y2, 2, colour_of(mark_colour));
+        draw_point_mark(x, y, colour_of(prefs.col_selvert));
+    }
 }
 
 // Of what a click would take. Parts behind the viewer are left out.
@@ -255,6 +256,6 @@ void draw_tool_marks(int view, int width, int height)
     draw_dimensions(view, width, height);
     draw_highlight(view);
     draw_cut(view);
-    draw_insert_mark(view);
+    draw_insert_marks(view);
     draw_ruler(view, width, height);
 }

@@ -116,7 +116,7 @@ flat_ptr mesh_of(mesh_arrays arrays)
         const vec3d area = polygon_area_vector(*mesh, s);
         face_normals.push_back(to_point(unit_of(area)));
         for (const int v : mesh->surface_corners(s))
-            sums[v] += area;
+            sums[v] += mesh->surface(s).is_line() ? vec3d{} : area;
     }
     for (const vec3d &sum : sums)
         normals.push_back(to_point(unit_of(sum)));
@@ -140,7 +140,11 @@ public:
         for (const solid_result::polygon_t &polygon : result_.polygons) {
             for (const auto &[point, uv] : polygon.corners)
                 add_corner(point, uv);
-            end_surface(polygon.unit);
+            end_unit(polygon.unit);
+        }
+        for (int m = 0; m < static_cast<int>(solids_.meshes().size()); ++m) {
+            if (solids_.is_of_first(m))
+                add_lines_and_points(m);
         }
         return mesh_of(std::move(arrays_));
     }
@@ -157,7 +161,21 @@ private:
             const int at = reversed ? n - 1 - i : i;
             add_corner(points[at], mesh.uv(mesh.first_corner(unit.surface) + at));
         }
-        end_surface(number);
+        end_unit(number);
+    }
+    // What is no part of the solid stays in the first one.
+    void add_lines_and_points(int number)
+    {
+        const flat_mesh &mesh = *solids_.meshes()[number];
+        for (int s = 0; s < mesh.num_surfaces(); ++s) {
+            if (!mesh.surface(s).is_line())
+                continue;
+            for (int c = mesh.first_corner(s); c < mesh.end_corner(s); ++c)
+                add_corner(solids_.point_of(number, mesh.corner(c)), mesh.uv(c));
+            end_surface(mesh.surface(s));
+        }
+        for (const int v : flat_loose_vertices(mesh))
+            arrays_.positions.push_back(mesh.position(v));
     }
     [[nodiscard]] point3_t position(int point) const
     {
@@ -175,10 +193,14 @@ private:
         arrays_.corners.push_back(place->second);
         arrays_.uvs.push_back(uv);
     }
-    void end_surface(int number)
+    void end_unit(int number)
     {
         const solid_meshes::unit_t &unit = solids_.units()[number];
-        arrays_.surfaces.push_back(solids_.meshes()[unit.mesh]->surface(unit.surface));
+        end_surface(solids_.meshes()[unit.mesh]->surface(unit.surface));
+    }
+    void end_surface(const flat_surface &attributes)
+    {
+        arrays_.surfaces.push_back(attributes);
         arrays_.offsets.push_back(static_cast<int>(arrays_.corners.size()));
     }
 

@@ -20,28 +20,9 @@ float between(float from, float to, float share) { return from + (to - from) * s
 bool is_vertex_of(const flat_mesh &mesh, int v) { return v >= 0 && v < mesh.num_vertices(); }
 
 // A new vertex on the edge from a to b.
-struct place_t {
-    int a, b;
-    float share;
-    int added = -1;
+struct place_t : insert_place_t {
+    int added;
 };
-
-// With symmetry its counterpart, too: on another edge, or elsewhere on one that crosses the plane.
-std::vector<place_t> with_counterpart(object_t *object, const place_t &place)
-{
-    std::vector<place_t> places = {place};
-    if (!symmetry_is_on())
-        return places;
-    const std::vector<int> twins = symmetric_places(object);
-    const int a = twins[place.a], b = twins[place.b];
-    if (a < 0 || b < 0)
-        return places;
-    if (a == place.b && b == place.a && place.share != 0.5f)
-        places.push_back({place.a, place.b, 1 - place.share});
-    else if (a != place.b && (a != place.a || b != place.b))
-        places.push_back({a, b, place.share});
-    return places;
-}
 
 // Into each surface that goes from a to b or back; false when none does.
 bool insert_into_surfaces(mesh_change &change, const std::vector<place_t> &places)
@@ -56,9 +37,9 @@ bool insert_into_surfaces(mesh_change &change, const std::vector<place_t> &place
             const int next = next_corner(mesh, surface, c);
             const int from = mesh.corner(c), to = mesh.corner(next);
             here.clear();
-            for (const auto &[a, b, share, added] : places) {
-                if ((from == a && to == b) || (from == b && to == a))
-                    here.emplace_back(from == a ? share : 1 - share, added);
+            for (const place_t &at : places) {
+                if ((from == at.a && to == at.b) || (from == at.b && to == at.a))
+                    here.emplace_back(from == at.a ? at.share : 1 - at.share, at.added);
             }
             std::sort(here.begin(), here.end());
             const flat_uv &p = mesh.uv(c), &q = mesh.uv(next);
@@ -73,6 +54,20 @@ bool insert_into_surfaces(mesh_change &change, const std::vector<place_t> &place
 
 } // namespace
 
+// On another edge, or elsewhere on one that crosses the plane.
+std::vector<insert_place_t> insert_vertex_places(object_t *object, int a, int b, float share)
+{
+    std::vector<insert_place_t> places = {{a, b, share}};
+    const std::vector<int> &twins = kept_symmetric_places(object);
+    if (twins.empty() || twins[a] < 0 || twins[b] < 0)
+        return places;
+    if (twins[a] == b && twins[b] == a && share != 0.5f)
+        places.push_back({a, b, 1 - share});
+    else if (twins[a] != b && (twins[a] != a || twins[b] != b))
+        places.push_back({twins[a], twins[b], share});
+    return places;
+}
+
 int insert_vertex_at(object_t *object, int a, int b, float share)
 {
     if (object == nullptr || object->visible == 0 || object->locked != 0 || !(share > 0) ||
@@ -81,13 +76,12 @@ int insert_vertex_at(object_t *object, int a, int b, float share)
     mesh_change change(object);
     if (a == b || !is_vertex_of(change.before(), a) || !is_vertex_of(change.before(), b))
         return 0;
-    std::vector<place_t> places = with_counterpart(object, {a, b, share});
-    for (place_t &place : places) {
+    std::vector<place_t> places;
+    for (const insert_place_t &place : insert_vertex_places(object, a, b, share)) {
         const point3_t p = change.position(place.a), q = change.position(place.b);
-        place.added =
-            change.add_vertex({between(p.x, q.x, place.share), between(p.y, q.y, place.share),
-                               between(p.z, q.z, place.share)},
-                              place.a);
+        const point3_t at = {between(p.x, q.x, place.share), between(p.y, q.y, place.share),
+                             between(p.z, q.z, place.share)};
+        places.push_back({place, change.add_vertex(at, place.a)});
     }
     if (!insert_into_surfaces(change, places))
         return 0;

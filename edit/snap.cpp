@@ -23,7 +23,8 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -60,11 +61,14 @@ class cluster_grid {
 public:
     cluster_grid(const std::vector<point3_t> &points, float distance)
         : points_(points), distance_(distance),
-          size_(distance > 0 ? static_cast<double>(distance) * 1.001 : 1e-60)
+          size_(distance > 0 ? static_cast<double>(distance) * 1.001 : 1e-60),
+          first_(std::bit_ceil(2 * points.size() + 1), none), next_(points.size(), none)
     {
         for (std::size_t i = 0; i < points.size(); ++i) {
-            if (point_is_finite(points[i]))
-                cells_[cell_of(points[i])].push_back(static_cast<std::uint32_t>(i));
+            if (!point_is_finite(points[i]))
+                continue;
+            std::uint32_t &first = first_[place_of(cell_of(points[i]))];
+            next_[i] = std::exchange(first, static_cast<std::uint32_t>(i));
         }
     }
     // Takes out the points within the distance of this one, ascending.
@@ -72,16 +76,16 @@ public:
 
 private:
     using cell = vec3d; // by whole numbers
-    struct cell_hash {
-        std::size_t operator()(const cell &c) const
-        {
-            std::uint64_t h = 0;
-            for (const double v : {c.x, c.y, c.z})
-                h = (h ^ std::bit_cast<std::uint64_t>(v + 0.0)) * 0x9E3779B97F4A7C15ULL;
-            return h ^ (h >> 32);
-        }
-    };
+    static constexpr std::uint32_t none = UINT32_MAX;
 
+    // In the table; other cells may share it.
+    [[nodiscard]] std::size_t place_of(const cell &c) const
+    {
+        std::uint64_t h = 0;
+        for (const double v : {c.x, c.y, c.z})
+            h = (h ^ std::bit_cast<std::uint64_t>(v + 0.0)) * 0x9E3779B97F4A7C15ULL;
+        return (h ^ (h >> 32)) & (first_.size() - 1);
+    }
     [[nodiscard]] cell cell_of(const point3_t &p) const
     {
         return {std::floor(p.x / size_), std::floor(p.y / size_), std::floor(p.z / size_)};
@@ -91,23 +95,21 @@ private:
     const std::vector<point3_t> &points_;
     float distance_;
     double size_;
-    std::unordered_map<cell, std::vector<std::uint32_t>, cell_hash> cells_;
+    std::vector<std::uint32_t> first_, next_; // points of a place, linked
 };
 
 void cluster_grid::take_from(const cell &where, const point3_t &seed,
                              std::vector<std::uint32_t> &out)
 {
-    const auto found = cells_.find(where);
-    if (found == cells_.end())
-        return;
-    std::erase_if(found->second, [&](std::uint32_t i) {
-        if (!(points_dist(&points_[i], &seed) <= distance_))
-            return false;
-        out.push_back(i);
-        return true;
-    });
-    if (found->second.empty())
-        cells_.erase(found);
+    for (std::uint32_t *link = &first_[place_of(where)]; *link != none;) {
+        const std::uint32_t i = *link;
+        if (points_dist(&points_[i], &seed) <= distance_) {
+            out.push_back(i);
+            *link = next_[i];
+        } else {
+            link = &next_[i];
+        }
+    }
 }
 
 void cluster_grid::take(std::uint32_t seed, std::vector<std::uint32_t> &out)

@@ -168,6 +168,32 @@ std::vector<int> symmetric_places(object_t *object)
     return places;
 }
 
+namespace {
+
+struct kept_places_t {
+    flat_ptr mesh;
+    int axis = 0;
+    float plane = 0;
+    std::vector<int> places;
+};
+kept_places_t kept;
+
+} // namespace
+
+const std::vector<int> &kept_symmetric_places(object_t *object)
+{
+    static const std::vector<int> none;
+    if (!symmetry_is_on())
+        return none;
+    const flat_ptr mesh = object_flat(object);
+    const float plane = symmetry_plane(object);
+    if (kept.mesh != mesh || kept.axis != symmetry_axis() || kept.plane != plane)
+        kept = {mesh, symmetry_axis(), plane, symmetric_places(object)};
+    return kept.places;
+}
+
+void forget_symmetric_places() { kept = {}; }
+
 symmetric_pairs::symmetric_pairs(const std::vector<vertex *> &changing,
                                  const std::vector<float> &shares,
                                  const std::vector<object_t *> &owners)

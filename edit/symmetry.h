@@ -24,6 +24,10 @@ float symmetry_closeness(object_t *object);
 
 // Of each vertex of an object the place of its counterpart: itself on the plane, -1 for none.
 std::vector<int> symmetric_places(object_t *object);
+// The same for previews, which ask with every motion: found once for the object's shape and the plane,
+// and kept until another object is asked for or they are forgotten. Nothing while symmetry is off.
+const std::vector<int> &kept_symmetric_places(object_t *object);
+void forget_symmetric_places();
 
 // Vertices that change, and their counterparts: those of the same object at the mirrored places, found
 // once. Of two that both change the one with the larger share leads, of equals the one on the

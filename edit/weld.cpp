@@ -147,6 +147,7 @@ void move_rest(const vertex_pairs &pairs)
 bool unshare(const owned_elements &owned, mesh_change &change, progress_t &progress, double &done)
 {
     const vertex_corners corners(change.before());
+    std::vector<int> copy_at(change.before().num_corners(), -1);
     for (const int v : owned.indices) {
         if (!progress.step(++done))
             return false;
@@ -157,8 +158,12 @@ bool unshare(const owned_elements &owned, mesh_change &change, progress_t &progr
                 copy = change.add_vertex(change.position(v), v);
             surface = of;
             if (copy != v)
-                change.redirect_corner(corner, copy);
+                copy_at[corner] = copy;
         }
+    }
+    for (int corner = 0; corner < change.before().num_corners(); ++corner) {
+        if (copy_at[corner] >= 0)
+            change.redirect_corner(corner, copy_at[corner]);
     }
     return true;
 }

@@ -6,6 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
 
@@ -155,6 +158,33 @@ std::size_t alloc_process_bytes()
     const int n = std::fscanf(file, "%lu %lu", &size, &pages);
     std::fclose(file);
     return n == 2 ? pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) : 0;
+}
+
+void alloc_use_big_pages()
+{
+#if defined(VESK_MIMALLOC) && defined(MADV_HUGEPAGE)
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY)
+        return;
+    // The heap takes its memory from here in blocks of this size, at multiples of it.
+    constexpr std::size_t block = std::size_t{32} << 20;
+    const auto memory = static_cast<std::size_t>(std::max(sysconf(_SC_PHYS_PAGES), 0L)) *
+                        static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t room = memory / block * block;
+    if (room == 0)
+        return;
+    void *start =
+        mmap(nullptr, room + block, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (start == MAP_FAILED)
+        return;
+    void *first = start;
+    std::size_t left = room + block;
+    // Deliberate: the heap is not told that the pages are big, for it never gives such pages back.
+    if (std::align(block, room, first, left) == nullptr ||
+        madvise(start, room + block, MADV_HUGEPAGE) != 0 ||
+        !mi_manage_os_memory(first, room, false, false, true, -1))
+        munmap(start, room + block);
+#endif
 }
 
 void alloc_set_mode_for_test(bool debug, bool tracking)

@@ -14,6 +14,10 @@ void alloc_set_mode(bool debug, bool tracking);
 long long alloc_total();
 // Bytes that the process holds, for "memory used": from the allocator, else from the system.
 std::size_t alloc_process_bytes();
+// What the heap asks of the system from now on comes in pages of 2 MB where the system has them: the
+// first touch of a page costs more than the work on it. Reserves as much address space as the machine
+// has memory; does nothing where address space is limited. To be called once.
+void alloc_use_big_pages();
 // A test sets the mode at will; the blocks it takes it must free before it sets another.
 void alloc_set_mode_for_test(bool debug, bool tracking);
 

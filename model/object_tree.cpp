@@ -32,8 +32,47 @@ object_t *find_owner(object_t *top, const void *element, ListOf list_of)
     });
 }
 
-// A copy of the record and its geometry, without parent and children. The source's vertices are
-// numbered on the way.
+// Gives `copy` vertices and surfaces as those of `source`, and a flat mesh that shares its arrays.
+void clone_geometry(object_t *source, object_t *copy)
+{
+    const flat_ptr from = object_flat(source);
+    std::vector<vertex *> vertices;
+    vertices.reserve(from->vertex_records->size());
+    listitem *last = nullptr;
+    for (const vertex *point : *from->vertex_records) {
+        vertices.push_back(vertex_clone(point));
+        last = list_add_item_fast(&copy->vertices, last, vertices.back());
+    }
+    std::vector<surface_t *> surfaces;
+    surfaces.reserve(from->surface_records->size());
+    last = nullptr;
+    for (int i = 0; i < from->num_surfaces(); ++i) {
+        surface_t *twin = new_surface();
+        surface_copy_record(twin, from->surface_record(i));
+        listitem *last_corner = nullptr;
+        int corner = from->first_corner(i);
+        for (const int v : from->surface_corners(i)) {
+            const flat_uv &uv = from->uv(corner++);
+            last_corner =
+                list_add_item_fast(&twin->refs, last_corner, new_svertex(vertices[v], uv.u, uv.v));
+            ++twin->num_refs;
+        }
+        surfaces.push_back(twin);
+        last = list_add_item_fast(&copy->surfaces, last, twin);
+    }
+    copy->num_vertices = from->num_vertices();
+    copy->num_surfaces = from->num_surfaces();
+
+    auto flat = std::make_shared<flat_mesh>(*from);
+    flat->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
+    flat->surface_records = std::make_shared<const std::vector<surface_t *>>(std::move(surfaces));
+    object_state &state = state_of(copy);
+    flat->stamp = state.stamp;
+    state.flat = std::move(flat);
+    state.marks = 0;
+}
+
+// A copy of the record and its geometry, without parent and children.
 object_t *clone_alone(object_t *source)
 {
     object_t *copy = new_object(source->type);
@@ -48,39 +87,7 @@ object_t *clone_alone(object_t *source)
     copy->vertices = copy->surfaces = copy->children = nullptr;
     copy->num_children = 0;
 
-    std::vector<vertex *> originals;
-    std::vector<vertex *> copies;
-    owned_list vertices;
-    const int n = number_vertices(source);
-    originals.reserve(n);
-    copies.reserve(n);
-    for (vertex *point : each<vertex>(source->vertices)) {
-        vertex *twin = vertex_clone(point);
-        originals.push_back(point);
-        copies.push_back(twin);
-        vertices.add(twin);
-    }
-    owned_list surfaces;
-    int num_surfaces = 0;
-    for (const surface_t *surface : each<surface_t>(source->surfaces)) {
-        surface_t *twin = new_surface();
-        surface_copy_record(twin, surface);
-        listitem *last = nullptr;
-        for (const svertex *reference : each<svertex>(surface->refs)) {
-            const std::size_t i = reference->vertex ? vertex_number(reference->vertex) : SIZE_MAX;
-            if (i >= originals.size() || originals[i] != reference->vertex)
-                continue;
-            last = list_add_item_fast(&twin->refs, last,
-                                      new_svertex(copies[i], reference->u, reference->v));
-            ++twin->num_refs;
-        }
-        surfaces.add(twin);
-        ++num_surfaces;
-    }
-    copy->vertices = vertices.release();
-    copy->surfaces = surfaces.release();
-    copy->num_vertices = n;
-    copy->num_surfaces = num_surfaces;
+    clone_geometry(source, copy);
     return copy;
 }
 

@@ -284,6 +284,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
         console_printf("%s\n", vesk_get_version_string());
         return 0;
     }
+    alloc_use_big_pages();
     find_home();
     print_banner();
     console_printf("VESK_HOME is %s\n", vesk_get_vesk_homedir());

@@ -95,6 +95,15 @@ static void view_costs(int view)
         command_result_appendf("%s %.2f ", cost.layer.c_str(), cost.seconds * 1000.0);
 }
 
+// What the last picture of a view shows, as words; "unfinished" when a better one follows.
+static void view_layers(int view)
+{
+    if (view < 0 || view >= num_views)
+        return;
+    command_result_appendf("%s%s", drawn_view_layers(view).c_str(),
+                           drawn_view_is_partial(view) ? " unfinished" : "");
+}
+
 static void view_save_picture(int view, const char *file)
 {
     if (!views_tk_save_picture(view, file))
@@ -124,6 +133,8 @@ void register_view_commands()
                                 "milliseconds a picture, and its layers"));
     command_add_own(command_row("view_costs", view_costs, command_kind::query, "<view>",
                                 "milliseconds of each layer of a view"));
+    command_add_own(command_row("view_layers", view_layers, command_kind::query, "<view>",
+                                "what the last picture of a view shows"));
     command_add_own(command_row("view_save_picture", view_save_picture, command_kind::query,
                                 "<view> <file.ppm>", "save what a view shows"));
     command_add_own(command_row("view_limit_device", view_limit_device, command_kind::view,

@@ -7,6 +7,8 @@
 #include "base/redraw.h"
 #include "edit/insert_vertex.h"
 #include "edit/snap.h"
+#include "edit/symmetry.h"
+#include "model/flat_mesh.h"
 #include "model/identity.h"
 #include "view/drag_echo.h"
 #include "view/interaction.h"
@@ -21,7 +23,7 @@ namespace {
 
 constexpr float nearest_to_end = 0.001f; // a vertex at an end would be a second one there
 
-insert_mark_t mark;
+std::vector<insert_mark_t> marks;
 edge_hit_t pressed;
 
 // Where the edge crosses the grid, along the axis on which it is longest.
@@ -57,11 +59,18 @@ edge_hit_t edge_at(const pointer_event_t &event)
 
 void show(const edge_hit_t &hit)
 {
-    const bool was = mark.shown;
-    mark = {hit.object != nullptr, hit.from, hit.to, point_of_edge(hit)};
-    if (mark.shown)
-        show_coors(&mark.at);
-    if (mark.shown || was)
+    const bool was = !marks.empty();
+    marks.clear();
+    if (hit.object != nullptr) {
+        const flat_ptr mesh = object_flat(hit.object);
+        for (const auto &[a, b, share] :
+             insert_vertex_places(hit.object, hit.a, hit.b, hit.share)) {
+            const edge_hit_t edge = {hit.object, a, b, share, mesh->position(a), mesh->position(b)};
+            marks.push_back({edge.from, edge.to, point_of_edge(edge)});
+        }
+        show_coors(&marks.front().at);
+    }
+    if (was || !marks.empty())
         redraw_all();
 }
 
@@ -83,6 +92,7 @@ void forget()
 {
     pressed = {};
     show(pressed);
+    forget_symmetric_places();
 }
 
 void release(const pointer_event_t &event)
@@ -115,4 +125,4 @@ const tool_t insert_tool = {.name = "insert_vertex",
                             .outside = forget,
                             .leave = forget};
 
-const insert_mark_t &insert_mark() { return mark; }
+const std::vector<insert_mark_t> &insert_marks() { return marks; }

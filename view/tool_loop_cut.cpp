@@ -42,31 +42,14 @@ bool has_edge()
            state.edge < object_topology(state.object)->size();
 }
 
-// The counterparts of the object's vertices, found once for its shape and the plane.
-struct twins_t {
-    flat_ptr mesh;
-    int axis = 0, at_centre = 0;
-    std::vector<int> places;
-};
-twins_t known;
-
-const std::vector<int> &twins_now()
-{
-    const flat_ptr mesh = object_flat(state.object);
-    if (known.mesh != mesh || known.axis != prefs.symmetry_axis ||
-        known.at_centre != prefs.symmetry_at_centre)
-        known = {mesh, prefs.symmetry_axis, prefs.symmetry_at_centre,
-                 symmetry_is_on() ? symmetric_places(state.object) : std::vector<int>()};
-    return known.places;
-}
-
 void show()
 {
     cut_marks_t marks;
     if (has_edge()) {
         const edge_topology &topology = *object_topology(state.object);
-        marks.lines = loop_cut_preview(topology, loop_seeds(topology, {state.edge}, twins_now()),
-                                       state.cuts, state.slide);
+        marks.lines = loop_cut_preview(
+            topology, loop_seeds(topology, {state.edge}, kept_symmetric_places(state.object)),
+            state.cuts, state.slide);
     }
     show_cut_marks(std::move(marks));
 }
@@ -195,14 +178,14 @@ bool key(const char *keysym)
 void leave()
 {
     forget();
-    known = {};
+    forget_symmetric_places();
 }
 
 void drop()
 {
     state.object = nullptr;
     state.edge = -1;
-    known = {};
+    forget_symmetric_places();
     show_cut_marks({});
 }
 

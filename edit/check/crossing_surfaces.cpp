@@ -27,7 +27,7 @@ vec3d unit(const vec3d &v) { return v / length(v); }
 // nothing hangs on the last bits.
 class finder {
 public:
-    finder(const solid_meshes &solid, double depth);
+    finder(const solid_meshes &solid, double depth) : solid_(solid), depth_(depth) {}
 
     // Whether one goes through the other's plane on both sides, and both do so at one place.
     [[nodiscard]] bool go_through(int a, int b) const;
@@ -42,6 +42,12 @@ private:
         const auto &at = solid_.points().at(solid_.triangles()[triangle].v[i]);
         return {at[0], at[1], at[2]};
     }
+    [[nodiscard]] plane_t plane_of(int triangle) const
+    {
+        const vec3d a = corner(triangle, 0);
+        const vec3d normal = unit(cross(corner(triangle, 1) - a, corner(triangle, 2) - a));
+        return {normal, dot(normal, a)};
+    }
     [[nodiscard]] distances_t distances(int triangle, const plane_t &plane) const;
     [[nodiscard]] bool is_through(const distances_t &distances) const
     {
@@ -53,19 +59,7 @@ private:
 
     const solid_meshes &solid_;
     double depth_;
-    std::vector<plane_t> planes_;
 };
-
-finder::finder(const solid_meshes &solid, double depth) : solid_(solid), depth_(depth)
-{
-    const int count = static_cast<int>(solid.triangles().size());
-    planes_.reserve(count);
-    for (int t = 0; t < count; ++t) {
-        const vec3d a = corner(t, 0);
-        const vec3d normal = unit(cross(corner(t, 1) - a, corner(t, 2) - a));
-        planes_.push_back({normal, dot(normal, a)});
-    }
-}
 
 distances_t finder::distances(int triangle, const plane_t &plane) const
 {
@@ -93,13 +87,15 @@ std::pair<double, double> finder::stretch(int triangle, const distances_t &dista
 
 bool finder::go_through(int a, int b) const
 {
-    const distances_t of_a = distances(a, planes_[b]);
+    const plane_t b_plane = plane_of(b);
+    const distances_t of_a = distances(a, b_plane);
     if (!is_through(of_a))
         return false;
-    const distances_t of_b = distances(b, planes_[a]);
+    const plane_t a_plane = plane_of(a);
+    const distances_t of_b = distances(b, a_plane);
     if (!is_through(of_b))
         return false;
-    const vec3d along = unit(cross(planes_[a].normal, planes_[b].normal));
+    const vec3d along = unit(cross(a_plane.normal, b_plane.normal));
     const auto [a_from, a_to] = stretch(a, of_a, along);
     const auto [b_from, b_to] = stretch(b, of_b, along);
     return std::min(a_to, b_to) - std::max(a_from, b_from) > depth_;

@@ -92,12 +92,13 @@ void drop_ahead()
     journal().entries.erase(end, journal().entries.end());
 }
 
-// Oldest first; then the states ahead, from the far end. The present one stays.
+// Oldest first; then the states ahead, from the far end. The present one stays, and one beside it: what
+// was done last can be taken back, however large the model is.
 void keep_limit()
 {
     journal_list &list = journal();
-    while (num_entries() > 1 && model_state_bytes() > list.limit) {
-        if (list.present > 0) {
+    while (num_entries() > 2 && model_state_bytes() > list.limit) {
+        if (list.present > 1) {
             list.entries.erase(list.entries.begin());
             --list.present;
         } else {

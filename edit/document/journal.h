@@ -77,6 +77,7 @@ int journal_place_of(std::uint64_t change_number);
 // The words of the newest step that has some. Empty for none.
 const std::vector<std::string> &journal_repeat_words();
 
+// The oldest states go when all together hold more; the newest step can always be taken back.
 constexpr std::size_t journal_default_limit = 512u << 20;
 void journal_set_limit(std::size_t bytes);
 std::size_t journal_limit();

@@ -1,8 +1,12 @@
 #include "edit/mesh/box_tree.h"
 
+#include "base/worker.h"
+
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 box_t box_t::none()
@@ -39,26 +43,48 @@ std::uint32_t spread(std::uint32_t x)
     return (x | (x << 2)) & 0x09249249U;
 }
 
+using keyed_t = std::pair<std::uint32_t, int>;
+
+// By their keys of 30 bits; those of one key stay in order.
+void sort_by_key(std::vector<keyed_t> &keys)
+{
+    constexpr int bits = 10;
+    constexpr std::uint32_t buckets = 1U << bits;
+    std::vector<keyed_t> sorted(keys.size());
+    for (int shift = 0; shift < 3 * bits; shift += bits) {
+        const auto bucket_of = [&](const keyed_t &at) { return (at.first >> shift) % buckets; };
+        std::array<std::size_t, buckets + 1> next = {};
+        for (const keyed_t &at : keys)
+            ++next[bucket_of(at) + 1];
+        std::partial_sum(next.begin(), next.end(), next.begin());
+        for (const keyed_t &at : keys)
+            sorted[next[bucket_of(at)]++] = at;
+        keys.swap(sorted);
+    }
+}
+
 // The places of boxes along a curve that fills space.
-std::vector<std::pair<std::uint32_t, int>> along_curve(const std::vector<box_t> &boxes)
+std::vector<keyed_t> along_curve(const std::vector<box_t> &boxes)
 {
     box_t all = box_t::none();
     for (const box_t &box : boxes)
         all.add(box);
-    std::vector<std::pair<std::uint32_t, int>> keys;
-    keys.reserve(boxes.size());
-    for (std::size_t b = 0; b < boxes.size(); ++b) {
-        std::uint32_t key = 0;
-        for (int i = 0; i < 3; ++i) {
-            const float size = all.high[i] - all.low[i];
-            const float middle = (boxes[b].low[i] + boxes[b].high[i]) / 2;
-            const float share = size > 0 ? (middle - all.low[i]) / size : 0;
-            const auto cell = static_cast<std::uint32_t>(std::clamp(share * 1024, 0.0f, 1023.0f));
-            key |= spread(cell) << i;
+    std::vector<keyed_t> keys(boxes.size());
+    in_parallel_ranges(static_cast<int>(boxes.size()), [&](int begin, int end) {
+        for (int b = begin; b < end; ++b) {
+            std::uint32_t key = 0;
+            for (int i = 0; i < 3; ++i) {
+                const float size = all.high[i] - all.low[i];
+                const float middle = (boxes[b].low[i] + boxes[b].high[i]) / 2;
+                const float share = size > 0 ? (middle - all.low[i]) / size : 0;
+                const auto cell =
+                    static_cast<std::uint32_t>(std::clamp(share * 1024, 0.0f, 1023.0f));
+                key |= spread(cell) << i;
+            }
+            keys[b] = {key, b};
         }
-        keys.emplace_back(key, static_cast<int>(b));
-    }
-    std::sort(keys.begin(), keys.end());
+    });
+    sort_by_key(keys);
     return keys;
 }
 

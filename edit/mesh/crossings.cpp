@@ -56,9 +56,6 @@ public:
     finder(exact_points &points, const std::vector<solid_triangle> &triangles)
         : points_(points), triangles_(triangles)
     {
-        planes_.reserve(triangles.size());
-        for (const solid_triangle &t : triangles)
-            planes_.push_back(points.plane(t.v[0], t.v[1], t.v[2]));
     }
 
     // Adds the pair when more than its common corners may meet. Changes nothing else: pairs may be
@@ -72,9 +69,10 @@ public:
     crossings_t found;
 
 private:
-    [[nodiscard]] const exact_plane &plane_of(const solid_triangle &t) const
+    // Made when it is asked for: kept ones took more memory than all else together.
+    [[nodiscard]] exact_plane plane_of(const solid_triangle &t) const
     {
-        return planes_[&t - triangles_.data()];
+        return points_.plane(t.v[0], t.v[1], t.v[2]);
     }
     static bool has(const solid_triangle &t, int p)
     {
@@ -107,7 +105,6 @@ private:
 
     exact_points &points_;
     const std::vector<solid_triangle> &triangles_;
-    std::vector<exact_plane> planes_; // of the triangles
     std::unordered_map<crossing_key, int, crossing_hash> crossings_;
 };
 
@@ -116,7 +113,7 @@ private:
 bool finder::sides(const solid_triangle &of, const solid_triangle &other, int shared,
                    signs_t *out) const
 {
-    const exact_plane &plane = plane_of(other);
+    const exact_plane plane = plane_of(other);
     int front = 0, back = 0;
     for (std::size_t i = 0; i < 3; ++i) {
         const int side = has(other, of.v[i]) ? 0 : points_.side(plane, of.v[i]);
@@ -202,7 +199,7 @@ std::array<end_t, 2> finder::on_plane(const solid_triangle &t, int plane, const 
         if (sides[i] == 0)
             ends[count++] = {t.v[i], -1, -1, axis < 0 ? 0 : points_.at(t.v[i])[axis], 0};
         if (sides[i] * sides[j] < 0 && count < 2)
-            ends[count++] = end_on(t.v[i], t.v[j], planes_[plane], axis);
+            ends[count++] = end_on(t.v[i], t.v[j], plane_of(triangles_[plane]), axis);
     }
     if (count == 1)
         ends[1] = ends[0];
@@ -214,7 +211,7 @@ int finder::made(end_t &end, int plane)
     if (end.point < 0) {
         int &known = crossings_.try_emplace({end.a, end.b, plane}, -1).first->second;
         if (known < 0)
-            known = points_.cross_edge(end.a, end.b, planes_[plane]);
+            known = points_.cross_edge(end.a, end.b, plane_of(triangles_[plane]));
         end.point = known;
     }
     return end.point;
@@ -240,7 +237,7 @@ void finder::note(int triangle, int from, int to, const exact_plane &plane)
 // How far the triangle reaches through the other's plane, on the side where it does so less.
 double finder::depth(const solid_triangle &t, const solid_triangle &other) const
 {
-    const exact_plane &plane = plane_of(other);
+    const exact_plane plane = plane_of(other);
     const double length = std::hypot(plane.normal[0], plane.normal[1], plane.normal[2]);
     double front = 0, back = 0;
     for (const int v : t.v) {
@@ -271,7 +268,7 @@ void finder::meet(const touching_pair &pair)
         clip_sides(pair.b, pair.a);
         return;
     }
-    const exact_plane &t_plane = plane_of(t), &u_plane = plane_of(u);
+    const exact_plane t_plane = plane_of(t), u_plane = plane_of(u);
     const int axis = axis_of_line(t_plane, u_plane);
     std::array<end_t, 2> on_t = on_plane(u, pair.a, pair.b_sides, axis);
     std::array<end_t, 2> on_u = on_plane(t, pair.b, pair.a_sides, axis);

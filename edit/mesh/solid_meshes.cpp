@@ -1,5 +1,6 @@
 #include "edit/mesh/solid_meshes.h"
 
+#include "base/worker.h"
 #include "edit/mesh/edge_order.h"
 #include "edit/mesh/position_index.h"
 #include "model/ear_cut.h"
@@ -13,6 +14,7 @@ void solid_meshes::add(const flat_ptr &mesh, int part)
     parts_.push_back(part);
 }
 
+// Gives the vertices of each place one number. False when a coordinate is not finite.
 bool solid_meshes::number_points()
 {
     std::size_t total = 0;
@@ -42,7 +44,6 @@ bool solid_meshes::number_points()
 
 bool solid_meshes::finish(const std::function<bool()> &go_on)
 {
-    constexpr std::size_t between_looks = 4096; // polygons
     if (!number_points())
         return false;
     reserve();
@@ -54,19 +55,18 @@ bool solid_meshes::finish(const std::function<bool()> &go_on)
                 corners_.push_back(point_of_[m][v]);
             first_corner_.push_back(static_cast<int>(corners_.size()));
             units_.push_back({m, s, parts_[m], 0, 0});
-            cut_into_triangles(static_cast<int>(units_.size()) - 1);
-            if (go_on && units_.size() % between_looks == 0 && !go_on())
-                return false;
         }
     }
-    std::vector<box_t> boxes;
-    boxes.reserve(triangles_.size());
-    for (const solid_triangle &t : triangles_) {
-        box_t box = box_t::none();
-        for (const int v : t.v)
-            box.add(points_->rounded(v));
-        boxes.push_back(box);
-    }
+    if (!cut_into_triangles(go_on))
+        return false;
+    std::vector<box_t> boxes(triangles_.size());
+    in_parallel_ranges(static_cast<int>(boxes.size()), [&](int begin, int end) {
+        for (int i = begin; i < end; ++i) {
+            boxes[i] = box_t::none();
+            for (const int v : triangles_[i].v)
+                boxes[i].add(points_->rounded(v));
+        }
+    });
     tree_ = std::make_unique<box_tree>(std::move(boxes));
     return true;
 }
@@ -81,14 +81,44 @@ void solid_meshes::reserve()
     corners_.reserve(corners);
     first_corner_.reserve(surfaces + 1);
     units_.reserve(surfaces);
-    triangles_.reserve(std::max(surfaces, corners - std::min(corners, 2 * surfaces)));
 }
 
-void solid_meshes::cut_into_triangles(int number)
+// Blocks of polygons side by side, in order.
+bool solid_meshes::cut_into_triangles(const std::function<bool()> &go_on)
+{
+    constexpr int block = 16384;
+    const int count = static_cast<int>(units_.size());
+    const auto end_of = [&](int i) { return std::min((i + 1) * block, count); };
+    std::vector<std::vector<solid_triangle>> cut((units_.size() + block - 1) / block);
+    const auto cut_block = [&](int i) {
+        cut[i].reserve(block);
+        for (int unit = i * block; unit < end_of(i); ++unit)
+            cut_unit(unit, cut[i]);
+    };
+    if (!in_parallel(static_cast<int>(cut.size()), cut_block, go_on))
+        return false;
+    std::size_t total = 0;
+    for (const std::vector<solid_triangle> &some : cut)
+        total += some.size();
+    triangles_.reserve(total);
+    for (int i = 0; i < static_cast<int>(cut.size()); ++i) {
+        const int first = static_cast<int>(triangles_.size());
+        for (int unit = i * block; unit < end_of(i); ++unit) {
+            units_[unit].first_triangle += first;
+            units_[unit].end_triangle += first;
+        }
+        triangles_.insert(triangles_.end(), cut[i].begin(), cut[i].end());
+        cut[i] = {};
+    }
+    return true;
+}
+
+// Its first and end triangle are places in `triangles`.
+void solid_meshes::cut_unit(int number, std::vector<solid_triangle> &triangles)
 {
     unit_t &unit = units_[number];
     const auto corners = outline(number);
-    unit.first_triangle = static_cast<int>(triangles_.size());
+    unit.first_triangle = static_cast<int>(triangles.size());
     static constexpr int whole[] = {0, 1, 2};
     std::span<const int> ears = whole;
     std::vector<int> cut;
@@ -112,9 +142,9 @@ void solid_meshes::cut_into_triangles(int number)
         if (t.axis < 0)
             continue;
         t.facing = points_->turn(t.axis, t.v[0], t.v[1], t.v[2]);
-        triangles_.push_back(t);
+        triangles.push_back(t);
     }
-    unit.end_triangle = static_cast<int>(triangles_.size());
+    unit.end_triangle = static_cast<int>(triangles.size());
 }
 
 std::vector<solid_meshes::open_edge_t> solid_meshes::open_edges() const

@@ -50,7 +50,8 @@ public:
 private:
     bool number_points();
     void reserve();
-    void cut_into_triangles(int unit);
+    bool cut_into_triangles(const std::function<bool()> &go_on);
+    void cut_unit(int unit, std::vector<solid_triangle> &triangles);
 
     std::vector<flat_ptr> meshes_;
     std::vector<int> parts_;

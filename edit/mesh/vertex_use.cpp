@@ -65,7 +65,7 @@ int object_replace_surfaceref(object_t *object, const vertex *from, vertex *to)
 }
 
 vertex_corners::vertex_corners(const flat_mesh &mesh)
-    : mesh_(mesh), begin_(mesh.num_vertices() + 1), corners_(mesh.num_corners())
+    : begin_(mesh.num_vertices() + 1), corners_(mesh.num_corners()), surface_of_(mesh.num_corners())
 {
     for (const std::int32_t v : *mesh.corners)
         ++begin_[v + 1];
@@ -74,16 +74,12 @@ vertex_corners::vertex_corners(const flat_mesh &mesh)
     std::int32_t corner = 0;
     for (const std::int32_t v : *mesh.corners)
         corners_[at[v]++] = corner++;
+    for (int s = 0; s < mesh.num_surfaces(); ++s)
+        std::fill(surface_of_.begin() + mesh.first_corner(s),
+                  surface_of_.begin() + mesh.end_corner(s), s);
 }
 
 std::span<const std::int32_t> vertex_corners::of(int v) const
 {
     return std::span(corners_).subspan(begin_[v], begin_[v + 1] - begin_[v]);
-}
-
-int vertex_corners::surface_of(std::int32_t corner) const
-{
-    const std::vector<std::int32_t> &offsets = *mesh_.corner_offsets;
-    const auto after = std::upper_bound(offsets.begin(), offsets.end(), corner);
-    return static_cast<int>(after - offsets.begin()) - 1;
 }

@@ -29,12 +29,12 @@ class vertex_corners {
 public:
     explicit vertex_corners(const flat_mesh &mesh);
     [[nodiscard]] std::span<const std::int32_t> of(int v) const;
-    [[nodiscard]] int surface_of(std::int32_t corner) const;
+    [[nodiscard]] int surface_of(std::int32_t corner) const { return surface_of_[corner]; }
 
 private:
-    const flat_mesh &mesh_;
     std::vector<std::int32_t> begin_;
     std::vector<std::int32_t> corners_;
+    std::vector<int> surface_of_; // of each corner
 };
 
 #endif

@@ -7,6 +7,8 @@
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
 
+#include <array>
+
 namespace {
 
 // A unit cube, and a tool cube that stands half in it.
@@ -60,6 +62,40 @@ TEST_F(BooleanLive, ShowsWhatTheBooleanWouldMakeAndChangesNothing)
     EXPECT_EQ(shown(), 12);
     run("move_with_undo", 5, 0, 0); // quite outside
     EXPECT_EQ(shown(), 6);
+}
+
+// What is no part of a solid stays in the first one, as in what is kept; with the others it goes.
+TEST_F(BooleanLive, LinesAndLoosePointsOfTheFirstAreShown)
+{
+    for (object_t *object : {target, tool}) {
+        surface_t *line = new_surface();
+        surface_set_type(line, SURFACE_LINE);
+        for (const float x : {2.0f, 3.0f, 3.5f})
+            surface_add_vertex(line, object_add_new_vertex(object, x, 0, 0), 0, 0);
+        object_add_surface(object, line);
+        object_add_new_vertex(object, 4, 0, 0);
+    }
+    run("boolean_live", "difference");
+    EXPECT_EQ(shown(), 12);
+    const flat_ptr seen = boolean_live_shown(target);
+    EXPECT_EQ(run("boolean_live_keep", 0), "1");
+    const flat_ptr made = object_flat(target);
+    EXPECT_EQ(seen->num_surfaces(), made->num_surfaces());
+    EXPECT_EQ(seen->num_vertices(), made->num_vertices());
+    const auto points = [](const flat_mesh &mesh, auto &&list) {
+        std::vector<std::array<float, 3>> all;
+        for (const int v : list)
+            all.push_back({mesh.position(v).x, mesh.position(v).y, mesh.position(v).z});
+        return all;
+    };
+    const auto line_of = [](const flat_mesh &mesh) {
+        int s = 0;
+        while (s < mesh.num_surfaces() && !mesh.surface(s).is_line())
+            ++s;
+        return mesh.surface_corners(s);
+    };
+    EXPECT_EQ(points(*seen, line_of(*seen)), points(*made, line_of(*made)));
+    EXPECT_EQ(points(*seen, flat_loose_vertices(*seen)), points(*made, flat_loose_vertices(*made)));
 }
 
 TEST_F(BooleanLive, MovesAndBooleanAreOneStep)

@@ -1,5 +1,6 @@
 #include "model/flat_mesh.h"
 
+#include "model/alloc.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/freed.h"
@@ -124,6 +125,32 @@ TEST_F(FlatMeshOf, LeavesOutCornersThatAreNotTheObjects)
     corner(cube, 3)->v = 0.5f;
     object_mark(cube, CHANGED_TEXTURE_COORDS);
     EXPECT_EQ((*object_flat(cube)->texture_coords)[3].v, 0.5f);
+}
+
+// A thousand copies hold the arrays once, in the history too.
+TEST_F(FlatMeshOf, ACopySharesTheArraysUntilItChanges)
+{
+    object_t *cube = add_cube("cube");
+    vertex *other = new_vertex();
+    corner(cube, 0)->vertex = other; // has no place in the flat mesh, and none in a copy
+    corner(cube, 1)->u = 0.75f;
+    object_mark(cube, CHANGED_TOPOLOGY);
+    object_t *copy = object_clone(cube);
+    object_add_child(vesk_get_world(), copy);
+    const flat_ptr before = object_flat(cube), same = object_flat(copy);
+    EXPECT_EQ(same->corners, before->corners);
+    EXPECT_EQ(same->normals, before->normals);
+    EXPECT_EQ(point(copy, 3), same->vertex_record(3));
+    EXPECT_EQ(marks_check("clone"), 0); // it is as the copy's lists say
+    EXPECT_EQ(face(copy, 0)->num_refs, 3);
+    vertex_set_point(point(copy, 3), 5, 6, 7);
+    object_mark(copy, CHANGED_POSITIONS);
+    EXPECT_EQ(object_flat(copy)->position(3).y, 6);
+    EXPECT_EQ(object_flat(copy)->corners, before->corners);
+    EXPECT_EQ(object_flat(cube)->positions, before->positions);
+    corner(cube, 0)->vertex = point(cube, 0);
+    object_mark(cube, CHANGED_TOPOLOGY);
+    myfree(other);
 }
 
 TEST_F(FlatMeshOf, OutlivesItsObject)

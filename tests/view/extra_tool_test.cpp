@@ -144,9 +144,9 @@ protected:
 TEST_F(InsertTool, AClickPutsAVertexIntoBothSurfacesOfTheEdge)
 {
     move(VIEW_XY, 176, 101);
-    ASSERT_TRUE(insert_mark().shown);
-    EXPECT_NEAR(insert_mark().at.x, -0.24f, 1e-5f);
-    EXPECT_EQ(insert_mark().at.z, 0.5f) << "the edge in front";
+    ASSERT_FALSE(insert_marks().empty());
+    EXPECT_NEAR(insert_marks().front().at.x, -0.24f, 1e-5f);
+    EXPECT_EQ(insert_marks().front().at.z, 0.5f) << "the edge in front";
     click(VIEW_XY, 176, 101);
     EXPECT_EQ(cube->num_vertices, 9);
     EXPECT_EQ(surfaces_with_corners(5), 2);
@@ -183,19 +183,38 @@ TEST_F(InsertTool, AClickPutsAVertexIntoBothSurfacesOfTheEdge)
     EXPECT_EQ(checked, 2);
 }
 
+TEST_F(InsertTool, WithSymmetryTheMarksAreOnBothSides)
+{
+    for (const int axis : {1, 2}) { // along the edge, and across
+        prefs.symmetry_axis = axis;
+        move(VIEW_XY, 176, 101);
+        ASSERT_EQ(insert_marks().size(), 2U);
+        const std::vector<insert_mark_t> marks = insert_marks();
+        EXPECT_EQ(marks[1].at.x, axis == 1 ? -marks[0].at.x : marks[0].at.x);
+        EXPECT_EQ(marks[1].at.y, axis == 2 ? -marks[0].at.y : marks[0].at.y);
+        click(VIEW_XY, 176, 101);
+        const flat_ptr mesh = object_flat(cube);
+        ASSERT_EQ(mesh->num_vertices(), 10);
+        for (int i = 0; i < 2; ++i)
+            EXPECT_TRUE(point_equal(mesh->position(8 + i), marks[i].at)) << i;
+        run("step_back");
+        cube = *each<object_t>(vesk_get_world()->children).begin();
+    }
+}
+
 TEST_F(InsertTool, ControlTakesTheMiddleAndTheGridItsCrossing)
 {
     move(VIEW_XY, 176, 101, control);
-    EXPECT_NEAR(insert_mark().at.x, 0.0f, 1e-6f);
+    EXPECT_NEAR(insert_marks().front().at.x, 0.0f, 1e-6f);
     prefs.gridsnap = 1;
     prefs.grid = 0.2f;
     move(VIEW_XY, 176, 101);
-    EXPECT_NEAR(insert_mark().at.x, -0.2f, 1e-5f);
+    EXPECT_NEAR(insert_marks().front().at.x, -0.2f, 1e-5f);
     move(VIEW_XY, 200, 150);
-    EXPECT_FALSE(insert_mark().shown) << "no edge here";
+    EXPECT_TRUE(insert_marks().empty()) << "no edge here";
     move(VIEW_XY, 176, 101);
     interaction_leave(VIEW_XY);
-    EXPECT_FALSE(insert_mark().shown) << "the pointer is elsewhere";
+    EXPECT_TRUE(insert_marks().empty()) << "the pointer is elsewhere";
     click(VIEW_XY, 200, 150);
     EXPECT_EQ(cube->num_vertices, 8);
     EXPECT_TRUE(nothing_is_selected());

@@ -312,6 +312,31 @@ TEST_F(Journal, KeepsItsLimitOfBytes)
     EXPECT_TRUE(journal_items().back().current);
 }
 
+// A state of ten million vertices holds more than the limit by itself.
+TEST_F(Journal, KeepsTheNewestStepHoweverMuchItTakes)
+{
+    const auto x = [] {
+        const auto *object = item_of<object_t>(vesk_get_world()->children);
+        return item_of<vertex>(object->vertices)->position.x;
+    };
+    run("select_all");
+    run("move", 1, 0, 0);
+    run("move", 1, 0, 0);
+    const float moved = x();
+    journal_set_limit(1);
+    EXPECT_EQ(journal_items().size(), 2U);
+    for (int i = 0; i < 3; ++i) {
+        run("step_back");
+        EXPECT_EQ(x(), moved - 1);
+        run("redo");
+        EXPECT_EQ(x(), moved);
+    }
+    run("move", 2, 0, 0);
+    run("step_back");
+    EXPECT_EQ(x(), moved);
+    journal_set_limit(journal_default_limit);
+}
+
 TEST_F(Journal, NumbersTheContentsOfTheModel)
 {
     run("select_all");

@@ -1,0 +1,82 @@
+# large.tcl --
+#   Pictures of a model that is too large to be drawn at once.
+
+source [file join [file dirname [info script]] support.tcl]
+
+# Views are drawn in full a part at a time; then they say so. Asked seldom, for builds that look after
+# every command whether the model changed.
+proc at_rest {} {
+    settle
+    wait_until {
+        [pause 300] eq "" && ![string match *unfinished* [lmap view {0 1 2 3} {
+            vesk view_layers $view
+        }]]
+    }
+}
+
+# on_screen --
+#   What the screen shows of a view, below the button with its name.
+proc on_screen {view} {
+    set w [widget $view]
+    xdo mousemove 5 [expr {[winfo screenheight .] - 1}]
+    exec import -window root -crop \
+        [winfo width $w]x[winfo height $w]+[winfo rootx $w]+[winfo rooty $w] \
+        +repage -depth 8 [work screen.ppm]
+    return [read_ppm [work screen.ppm]]
+}
+
+# The number of pixels below the button and left of the cross that differ at all.
+proc pixels_that_differ {a b} {
+    set width [dict get $a width]
+    set count 0
+    for {set y 90} {$y < [dict get $a height] - 4} {incr y} {
+        set from [expr {3 * ($y * $width + 4)}]
+        set to [expr {3 * ($y * $width + $width - 4) - 1}]
+        set row_a [string range [dict get $a pixels] $from $to]
+        set row_b [string range [dict get $b pixels] $from $to]
+        if {$row_a ne $row_b} {incr count}
+    }
+    return $count
+}
+
+proc compare_with_whole {when} {
+    at_rest
+    foreach view {xy zy xz xyz} {
+        set shown [on_screen $view]
+        check "$when the parts of view $view make the whole picture" {
+            [pixels_that_differ $shown [picture $view]] == 0
+        }
+    }
+}
+
+run {
+    set terrain [file join [file dirname [info script]] ../../bench/terrain.tcl]
+    exec tclsh8.6 $terrain 450 > [work terrain.vesk]
+    vesk load_file [work terrain.vesk]
+    update idletasks
+    check "a first picture stands at once" {[string match *unfinished* [vesk view_layers 3]]}
+    vesk clear_selection
+    compare_with_whole "after loading"
+    shot large-rest
+
+    # A turn: quick pictures, then the whole one.
+    hold [widget xyz] 100 200 140 215
+    check "a turn shows quick pictures" {[string match *unfinished* [vesk view_layers 3]]}
+    shot large-turning
+    release
+    compare_with_whole "after a turn"
+
+    # Some vertices move: what is handed over is what moved.
+    vesk set_select_mode vertex
+    vesk clear_selection
+    vesk select_elements set [lindex [top_objects] 0]:100000-100003
+    at_rest
+    set uploaded [vesk view_uploaded_bytes]
+    vesk move 0 0.01 0
+    update
+    check "a move of a few hands over little" {
+        [vesk view_uploaded_bytes] > $uploaded &&
+        [vesk view_uploaded_bytes] - $uploaded < [count vertices] * 2000
+    }
+    compare_with_whole "after a move"
+}
