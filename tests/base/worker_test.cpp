@@ -42,8 +42,17 @@ TEST(Worker, PiecesRunOnceEach)
 TEST(Worker, PiecesEndEarly)
 {
     std::atomic<int> done = 0;
-    EXPECT_FALSE(in_parallel(
-        100000, [&](int) { ++done; }, [] { return false; }));
+    std::atomic<bool> asked = false;
+    const auto here = std::this_thread::get_id();
+    const auto piece = [&](int) {
+        ++done;
+        while (!asked && std::this_thread::get_id() != here)
+            std::this_thread::yield();
+    };
+    EXPECT_FALSE(in_parallel(100000, piece, [&] {
+        asked = true;
+        return false;
+    }));
     EXPECT_LT(done, 100000);
     const auto fails = [](int i) {
         if (i == 50)
