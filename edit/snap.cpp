@@ -81,10 +81,14 @@ private:
     // In the table; other cells may share it.
     [[nodiscard]] std::size_t place_of(const cell &c) const
     {
+        // The low half of a small whole number as a double is all zeros: it is mixed in from above.
         std::uint64_t h = 0;
-        for (const double v : {c.x, c.y, c.z})
-            h = (h ^ std::bit_cast<std::uint64_t>(v + 0.0)) * 0x9E3779B97F4A7C15ULL;
-        return (h ^ (h >> 32)) & (first_.size() - 1);
+        for (const double v : {c.x, c.y, c.z}) {
+            h ^= std::bit_cast<std::uint64_t>(v + 0.0);
+            h = (h ^ (h >> 32)) * 0x9E3779B97F4A7C15ULL;
+            h ^= h >> 29;
+        }
+        return h & (first_.size() - 1);
     }
     [[nodiscard]] cell cell_of(const point3_t &p) const
     {
