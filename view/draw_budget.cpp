@@ -25,6 +25,9 @@ void draw_budget::note_coarse(double expected, double seconds)
     if (expected > 0)
         coarse_factor_ *= 1 + weight_of_new * (std::clamp(seconds / expected, 0.5, 2.0) - 1);
     coarse_factor_ = std::clamp(coarse_factor_, 0.1, 4.0);
+    // The first picture of a view pays for what the driver prepares.
+    double &rest = costs_[static_cast<std::size_t>(draw_layer::rest)];
+    rest = std::min(rest, seconds);
 }
 
 void draw_budget::expect(double num_vertices)

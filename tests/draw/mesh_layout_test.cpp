@@ -191,6 +191,10 @@ TEST(DrawBudget, TakesTheFinestDetailThatFits)
         budget.note_coarse(choice.expected, choice.expected / 3);
     choice = budget.choose(true, false, shares);
     EXPECT_EQ(choice.detail, 1);
+    budget.note(draw_layer::rest, 10); // what the first picture of all took beside
+    EXPECT_EQ(budget.choose(true, false, shares).detail, 3);
+    budget.note_coarse(10, 0.004);
+    EXPECT_LT(budget.choose(true, false, shares).detail, 3);
 }
 
 TEST(DrawBudget, GuessesTheCostOfASceneThatIsMuchLargerThanThoseItKnows)
