@@ -134,7 +134,8 @@ private:
         local_.take(std::span(out_->triangles).subspan(all.first, all.count));
         find_bounds(cluster);
         for (std::size_t level = 1; level < num_detail_levels; ++level) {
-            local_.triangles = coarser(all.count / 3 / shares[level] * 3, all.count / 4);
+            const std::size_t wanted = all.count / 3 / shares[level] * 3;
+            local_.triangles = coarser(std::min(wanted, local_.triangles.size()), all.count / 4);
             indices_t &triangles = triangles_[level];
             cluster.triangles[level] = {static_cast<std::uint32_t>(triangles.size()),
                                         static_cast<std::uint32_t>(local_.triangles.size())};
@@ -206,9 +207,10 @@ private:
         const std::size_t count = local_.positions.size();
         // The library takes errors as shares of the size of what it is given.
         const float size = meshopt_simplifyScale(points, count, sizeof(point3_t));
+        const float share = error / size;
         indices_t to(from.size());
         to.resize(meshopt_simplify(to.data(), from.data(), from.size(), points, count,
-                                   sizeof(point3_t), wanted, size > 0 ? error / size : FLT_MAX,
+                                   sizeof(point3_t), wanted, share >= 0 ? share : FLT_MAX,
                                    meshopt_SimplifyLockBorder, nullptr));
         return to;
     }

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <numbers>
+#include <random>
 
 namespace {
 
@@ -290,6 +291,51 @@ TEST(CoarseMesh, MeshesThatAreHardToTakeAreTaken)
         EXPECT_EQ(level_triangles(*mesh, 0).size(), 3U * 2 * 100 * 100);
         for (const std::uint32_t slot : mesh->triangles)
             EXPECT_LT(slot, 101U * 101);
+    }
+}
+
+// The library ends the program when it is asked for what it does not expect.
+TEST(CoarseMesh, AnyTrianglesAreTaken)
+{
+    const std::atomic<bool> go_on = false;
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        coarse_source_t source;
+        auto points = std::make_shared<std::vector<point3_t>>();
+        const unsigned num_points = 1 + random() % (round % 3 == 0 ? 5 : 300);
+        const auto coordinate = [&] {
+            switch (random() % 40) {
+            case 0:
+                return std::array{NAN, INFINITY, 3e38f, 1e-40f, -0.0f}[random() % 5];
+            case 1:
+                return 0.0f;
+            default:
+                return static_cast<float>(random() % (round % 7 == 0 ? 3 : 1000));
+            }
+        };
+        for (unsigned i = 0; i < num_points; ++i)
+            points->push_back({coordinate(), coordinate(), coordinate()});
+        source.positions = points;
+        source.num_vertices = num_points;
+        for (unsigned i = 0; i < 20; ++i)
+            source.extra_vertices.push_back(static_cast<std::int32_t>(random() % num_points));
+        source.slot_face.assign(num_points + 20, round % 2 == 0 ? -1 : 0);
+        for (int group = 0; group < 3; ++group) {
+            const auto first = static_cast<std::uint32_t>(source.triangles.size());
+            const unsigned count = random() % (group == 0 ? 2000 : 12);
+            for (unsigned i = 0; i < 3 * count; ++i)
+                source.triangles.push_back(random() % (num_points + 20));
+            source.groups.push_back({group, false, false, first, 3 * count});
+        }
+        const auto mesh = make_coarse_mesh(source, go_on);
+        EXPECT_EQ(level_triangles(*mesh, 0).size(), source.triangles.size());
+        for (const mesh_cluster_t &cluster : mesh->clusters)
+            for (const index_span_t &span : cluster.triangles)
+                EXPECT_LE(span.first + span.count, mesh->triangles.size());
+        for (const std::uint32_t slot : mesh->triangles)
+            EXPECT_LT(slot, num_points + 20);
+        for (const std::uint32_t slot : mesh->edges)
+            EXPECT_LT(slot, num_points + 20);
     }
 }
 
