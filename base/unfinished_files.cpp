@@ -42,10 +42,11 @@ bool is_left(int folder, const char *name)
 
 bool is_first_look(const std::string &folder)
 {
+    // Never destroyed: the last copy is written while the process ends.
     static std::mutex lock;
-    static std::set<std::string> seen;
+    static auto *const seen = new std::set<std::string>;
     const std::lock_guard held(lock);
-    return seen.insert(folder).second;
+    return seen->insert(folder).second;
 }
 
 } // namespace
