@@ -56,7 +56,8 @@ double scene_vertices(const scene_t &scene)
 {
     double sum = 0;
     for (const scene_item_t &item : scene.items)
-        sum += item.object->num_vertices;
+        if (!item.hidden) // or what is shown again would be thought to cost nothing
+            sum += item.object->num_vertices;
     return sum;
 }
 

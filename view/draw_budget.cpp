@@ -37,6 +37,7 @@ void draw_budget::expect(double num_vertices)
             double &cost = costs_[static_cast<std::size_t>(layer)];
             cost = std::max(cost, num_vertices * guessed_cost);
         }
+        costs_[static_cast<std::size_t>(draw_layer::smoothing)] = 0; // its share is not known
     }
     if (num_vertices > 2 * num_vertices_ || num_vertices < num_vertices_ / 2)
         num_vertices_ = num_vertices;
