@@ -8,18 +8,7 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 program=${1:-$here/../build}/home/vesk
 shift || true
-work=$(mktemp -d)
-server=
-trap '[ -z "$server" ] || kill $server 2>/dev/null; rm -rf "$work"' EXIT
-if [ -z "${DISPLAY:-}" ]; then
-    Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$work/display" >/dev/null 2>&1 &
-    server=$!
-    while [ ! -s "$work/display" ]; do sleep 0.1; done
-    DISPLAY=":$(cat "$work/display")"
-fi
-printf 'VESKPR 12\nshow_startup_tips FALSE\ncpwin_width 800\ncpwin_height 600\n' \
-    >"$work/veskprefs.txt"
-export DISPLAY USERPROFILE=$work HOME=$work LANG=C.UTF-8
+. "$here/own_display.sh"
 measure() {
     echo "-- $1"
     VESK_ANSWER_MODEL=$2 "$program" -noplugins -script "$here/answer.tcl" 2>&1 | grep '^answer'

@@ -6,18 +6,7 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 program=${1:-$here/../build}/home/vesk
-work=$(mktemp -d)
-server=
-trap '[ -z "$server" ] || kill $server 2>/dev/null; rm -rf "$work"' EXIT
-if [ -z "${DISPLAY:-}" ]; then
-    Xvfb -displayfd 5 -screen 0 1280x1024x24 -nolisten tcp 5>"$work/display" >/dev/null 2>&1 &
-    server=$!
-    while [ ! -s "$work/display" ]; do sleep 0.1; done
-    DISPLAY=":$(cat "$work/display")"
-fi
-printf 'VESKPR 12\nshow_startup_tips FALSE\ncpwin_width 800\ncpwin_height 600\n' \
-    >"$work/veskprefs.txt"
-export DISPLAY USERPROFILE=$work LANG=C.UTF-8
+. "$here/own_display.sh"
 for model in 'terrain.tcl 224' 'terrain.tcl 707' 'cubes.tcl 10000'; do
     # shellcheck disable=SC2086 # a script and its argument
     (cd "$here" && tclsh8.6 $model) >"$work/model.vesk"

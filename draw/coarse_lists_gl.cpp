@@ -40,9 +40,11 @@ void coarse_note_moved(coarse_lists_t &lists, const changed_t &moved)
     if (std::count(moved.begin(), moved.end(), 1) > std::ssize(moved) / a_part)
         return;
     const coarse_mesh_t &mesh = *lists.mesh;
+    lists.noted.resize(moved.size(), 0);
     for (std::size_t v = 0; v < moved.size(); ++v) {
-        if (moved[v] == 0)
+        if (moved[v] == 0 || lists.noted[v] != 0)
             continue;
+        lists.noted[v] = 1;
         const point3_t &was = (*mesh.positions)[v];
         for (std::size_t i = 0; i < mesh.clusters.size(); ++i) {
             const mesh_cluster_t &cluster = mesh.clusters[i];

@@ -29,6 +29,7 @@ public:
     void take(std::span<const std::uint32_t> slots)
     {
         std::vector<point3_t> places;
+        places.reserve(slots.size());
         for (const std::uint32_t slot : slots)
             places.push_back(place_of(slot));
         triangles.resize(slots.size());
@@ -100,6 +101,7 @@ private:
         const std::size_t count = group.count / 3;
         const std::uint32_t *slots = source_.triangles.data() + group.first;
         std::vector<point3_t> middles;
+        middles.reserve(count);
         for (std::size_t i = 0; i < count; ++i) {
             const point3_t sum = point_add(
                 point_add(local_.place_of(slots[3 * i]), local_.place_of(slots[3 * i + 1])),
@@ -130,7 +132,7 @@ private:
 
     void make_levels(mesh_cluster_t &cluster)
     {
-        const index_span_t &all = cluster.triangles[0];
+        const index_range_t &all = cluster.triangles[0];
         local_.take(std::span(out_->triangles).subspan(all.first, all.count));
         find_bounds(cluster);
         for (std::size_t level = 1; level < num_detail_levels; ++level) {

@@ -23,14 +23,9 @@ struct coarse_source_t {
     std::uint32_t num_vertices = 0;
 };
 
-struct index_span_t {
-    std::uint32_t first = 0;
-    std::uint32_t count = 0;
-};
-
 struct mesh_cluster_t {
     std::uint32_t group;
-    std::array<index_span_t, num_detail_levels> triangles;
+    std::array<index_range_t, num_detail_levels> triangles;
     point3_t centre;
     float radius;
     // All triangles face away from a viewer at p when
@@ -43,7 +38,7 @@ struct coarse_mesh_t {
     flat_array<point3_t> positions;       // that it was made of
     std::vector<std::uint32_t> triangles; // slots: level by level, in each the clusters in order
     std::vector<std::uint32_t> edges;     // of the coarse levels, two slots each
-    std::array<index_span_t, num_detail_levels> level_edges;
+    std::array<index_range_t, num_detail_levels> level_edges;
     std::vector<mesh_cluster_t> clusters; // in the order of their groups
 };
 

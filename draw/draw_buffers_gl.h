@@ -16,12 +16,6 @@
 
 struct buffer_page_t;
 
-// Part of an index buffer.
-struct index_range_t {
-    std::uint32_t first = 0;
-    std::uint32_t count = 0;
-};
-
 struct object_buffers_t {
     buffer_page_t *page = nullptr; // null: nothing to draw
     std::uint32_t first_slot = 0;

@@ -182,7 +182,7 @@ void add_clusters(batches_t &batches, const scene_item_t &item, const fill_optio
         // Where its vertices went is not known to the cluster's bounds.
         if (!coarse.outdated && !seen.shows(cluster, key.twosided))
             continue;
-        const index_span_t &span = cluster.triangles[moved ? 0 : item.detail];
+        const index_range_t &span = cluster.triangles[moved ? 0 : item.detail];
         batches[key].add(span.first, span.count);
     }
 }
@@ -260,7 +260,7 @@ void add_edges(page_ranges_t &ranges, const scene_item_t &item, bool lines_too)
     if (item.detail == cloud_detail) {
         page_draw_cloud(b, false);
     } else if (item.detail > 0) {
-        const index_span_t &span = b.coarse.mesh->level_edges[item.detail];
+        const index_range_t &span = b.coarse.mesh->level_edges[item.detail];
         ranges[{b.page, &b.coarse.edges}].add(span.first, span.count);
     } else {
         ranges[{b.page, nullptr}].add(b.edges.first, b.edges.count);

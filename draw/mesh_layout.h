@@ -53,6 +53,12 @@ bool polygon_is_convex(const flat_mesh &flat, std::span<const std::int32_t> corn
 
 mesh_layout_t layout_mesh(const flat_mesh &flat, const layout_options_t &options);
 
+// Part of a list of indices.
+struct index_range_t {
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+};
+
 // Neighbouring slots.
 struct slot_run_t {
     std::size_t first;

@@ -117,7 +117,7 @@ std::vector<std::uint32_t> level_triangles(const coarse_mesh_t &mesh, int level)
 {
     std::vector<std::uint32_t> all;
     for (const mesh_cluster_t &cluster : mesh.clusters) {
-        const index_span_t &span = cluster.triangles[level];
+        const index_range_t &span = cluster.triangles[level];
         const auto first = mesh.triangles.begin() + span.first;
         all.insert(all.end(), first, first + span.count);
     }
@@ -233,7 +233,7 @@ TEST(CoarseMesh, ClustersOfDifferentDetailMeetWithoutCracks)
     EXPECT_EQ(open_edges(*mesh, level_triangles(*mesh, 2)), around);
     std::vector<std::uint32_t> mixed;
     for (std::size_t i = 0; i < mesh->clusters.size(); ++i) {
-        const index_span_t &span = mesh->clusters[i].triangles[i % 3];
+        const index_range_t &span = mesh->clusters[i].triangles[i % 3];
         const auto first = mesh->triangles.begin() + span.first;
         mixed.insert(mixed.end(), first, first + span.count);
     }
@@ -249,7 +249,7 @@ int check_bounds(const coarse_mesh_t &mesh, const point3_t &viewer)
         const bool away =
             point_dot(cluster.axis, to) >= cluster.cutoff * point_length(to) + cluster.radius;
         num_away += away ? 1 : 0;
-        const index_span_t &span = cluster.triangles[0];
+        const index_range_t &span = cluster.triangles[0];
         for (std::uint32_t i = span.first; i < span.first + span.count; i += 3) {
             const auto at = [&](std::uint32_t k) {
                 return (*mesh.positions)[mesh.triangles[i + k]];
@@ -330,7 +330,7 @@ TEST(CoarseMesh, AnyTrianglesAreTaken)
         const auto mesh = make_coarse_mesh(source, go_on);
         EXPECT_EQ(level_triangles(*mesh, 0).size(), source.triangles.size());
         for (const mesh_cluster_t &cluster : mesh->clusters)
-            for (const index_span_t &span : cluster.triangles)
+            for (const index_range_t &span : cluster.triangles)
                 EXPECT_LE(span.first + span.count, mesh->triangles.size());
         for (const std::uint32_t slot : mesh->triangles)
             EXPECT_LT(slot, num_points + 20);
