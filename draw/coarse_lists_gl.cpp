@@ -36,15 +36,16 @@ void coarse_note_moved(coarse_lists_t &lists, const changed_t &moved)
     if (lists.mesh == nullptr || moved.empty())
         return;
     lists.outdated = true;
-    constexpr std::ptrdiff_t a_part = 8; // more of it is drawn as coarse as the rest
-    if (std::count(moved.begin(), moved.end(), 1) > std::ssize(moved) / a_part)
-        return;
     const coarse_mesh_t &mesh = *lists.mesh;
-    lists.noted.resize(moved.size(), 0);
-    for (std::size_t v = 0; v < moved.size(); ++v) {
-        if (moved[v] == 0 || lists.noted[v] != 0)
+    const std::size_t num_vertices = mesh.positions->size();
+    constexpr std::size_t a_part = 8; // more of it is drawn as coarse as the rest
+    if (moved.size() > num_vertices / a_part)
+        return;
+    lists.noted.resize(num_vertices, false);
+    for (const std::int32_t v : moved) {
+        if (lists.noted[v])
             continue;
-        lists.noted[v] = 1;
+        lists.noted[v] = true;
         const point3_t &was = (*mesh.positions)[v];
         for (std::size_t i = 0; i < mesh.clusters.size(); ++i) {
             const mesh_cluster_t &cluster = mesh.clusters[i];

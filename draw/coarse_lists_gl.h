@@ -12,7 +12,7 @@ struct coarse_lists_t {
     std::shared_ptr<coarse_mesh_t> mesh; // null: none yet; its lists are in the buffers
     gpu_buffer triangles, edges;
     std::vector<std::uint8_t> moved; // clusters with vertices that moved since it was made
-    changed_t noted;                 // vertices whose clusters are among them
+    std::vector<bool> noted;         // vertices whose clusters are among them
     bool outdated = false;           // some did
 };
 

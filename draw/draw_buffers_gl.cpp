@@ -185,6 +185,8 @@ void build_with(object_buffers_t &buffers, const flat_ptr &flat, mesh_layout_t m
     drop_job(buffers);
     ++store().generation;
     buffers.unchecked.clear();
+    buffers.moved.clear();
+    buffers.moved_runs.clear();
     buffers.flat = flat;
     find_bounds(buffers);
     if (flat->num_vertices() == 0)
@@ -241,17 +243,14 @@ void take_layout(object_buffers_t &buffers, draw_pace pace)
         return;
     const auto job = buffers.job;
     build_with(buffers, buffers.flat, std::move(job->result));
-    buffers.unchecked = changed_points(*job->flat->positions, *buffers.flat->positions);
+    buffers.unchecked = changed_positions(*job->flat, *buffers.flat);
 }
 
 // Sees to it that the layout fits what has moved. False: it was built anew.
 bool check_layout(object_buffers_t &buffers, const changed_t &moved, draw_pace pace)
 {
     changed_t &unchecked = buffers.unchecked;
-    if (unchecked.empty())
-        unchecked = moved;
-    for (size_t i = 0; i < moved.size(); ++i)
-        unchecked[i] |= moved[i];
+    add_changed(unchecked, moved);
     const bool large = buffers.num_slots > small_object;
     if (buffers.job != nullptr || (large && pace == draw_pace::moving))
         return true;
@@ -277,15 +276,19 @@ void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat, draw_pace
         build(buffers, flat);
         return;
     }
-    const changed_t moved = changed_points(*old->positions, *flat->positions);
+    const changed_t moved = changed_positions(*old, *flat);
     if (!check_layout(buffers, moved, pace) || buffers.page == nullptr)
         return;
     if (!moved.empty() && pace != draw_pace::moving)
         find_bounds(buffers);
-    for (size_t v = 0; v < moved.size() && pace == draw_pace::moving; ++v)
-        if (moved[v] != 0) // the box does not shrink before the end of the motion
+    if (pace == draw_pace::moving)
+        for (const std::int32_t v : moved) // the box does not shrink before the end of the motion
             bounds_add(flat->position(v), &buffers.min, &buffers.max);
-    for (const slot_run_t &run : moved_slots(buffers.layout, moved))
+    if (buffers.moved != moved) {
+        buffers.moved_runs = moved_slots(buffers.layout, moved);
+        buffers.moved = moved;
+    }
+    for (const slot_run_t &run : buffers.moved_runs)
         upload_positions(buffers, run);
     for (const slot_run_t &run :
          turned_slots(buffers.layout, changed_points(*old->normals, *flat->normals),

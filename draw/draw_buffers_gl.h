@@ -34,7 +34,9 @@ struct object_buffers_t {
     std::uint64_t used_in = 0;          // number of the last sweep
     coarse_lists_t coarse;              // of a large object
     changed_t unchecked;                // vertices that moved since the layout was found to fit
-    std::shared_ptr<layout_job_t> job;  // makes a layout that fits
+    changed_t moved;                    // in the last step of a motion, with their slots
+    std::vector<slot_run_t> moved_runs;
+    std::shared_ptr<layout_job_t> job; // makes a layout that fits
 };
 
 // How much is put off for a large object.

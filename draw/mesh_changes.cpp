@@ -1,7 +1,10 @@
 #include "draw/mesh_changes.h"
 
+#include "model/moved_vertices.h"
+
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -22,6 +25,14 @@ std::vector<slot_run_t> runs_of(std::size_t num_slots, Changed &&changed)
     return runs;
 }
 
+std::vector<bool> flags_of(const changed_t &changed, std::size_t count)
+{
+    std::vector<bool> flags(count, false);
+    for (const std::int32_t i : changed)
+        flags[static_cast<std::size_t>(i)] = true;
+    return flags;
+}
+
 } // namespace
 
 changed_t changed_points(const std::vector<point3_t> &before, const std::vector<point3_t> &now)
@@ -35,18 +46,37 @@ changed_t changed_points(const std::vector<point3_t> &before, const std::vector<
         const std::size_t end = std::min(first + block, count);
         if (std::memcmp(&before[first], &now[first], (end - first) * sizeof(point3_t)) == 0)
             continue;
-        changed.resize(now.size(), 0);
         for (std::size_t i = first; i < end; ++i)
-            changed[i] = std::memcmp(&before[i], &now[i], sizeof(point3_t)) != 0 ? 1 : 0;
+            if (std::memcmp(&before[i], &now[i], sizeof(point3_t)) != 0)
+                changed.push_back(static_cast<std::int32_t>(i));
     }
     return changed;
+}
+
+changed_t changed_positions(const flat_mesh &before, const flat_mesh &now)
+{
+    if (before.positions == now.positions)
+        return {};
+    const std::vector<std::int32_t> *known = moved_between(before.positions, now.positions);
+    return known != nullptr ? *known : changed_points(*before.positions, *now.positions);
+}
+
+void add_changed(changed_t &all, const changed_t &more)
+{
+    if (std::includes(all.begin(), all.end(), more.begin(), more.end()))
+        return;
+    changed_t both;
+    both.reserve(all.size() + more.size());
+    std::set_union(all.begin(), all.end(), more.begin(), more.end(), std::back_inserter(both));
+    all = std::move(both);
 }
 
 bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat, const changed_t &moved)
 {
     if (moved.empty())
         return true;
-    const auto moves = [&](std::int32_t v) { return moved[static_cast<std::size_t>(v)] != 0; };
+    const std::vector<bool> moving = flags_of(moved, flat.positions->size());
+    const auto moves = [&](std::int32_t v) { return moving[static_cast<std::size_t>(v)]; };
     for (int surface = 0; surface < flat.num_surfaces(); ++surface) {
         const std::span<const std::int32_t> corners = flat.surface_corners(surface);
         if (flat.surface(surface).is_line() || std::none_of(corners.begin(), corners.end(), moves))
@@ -63,8 +93,9 @@ std::vector<slot_run_t> moved_slots(const mesh_layout_t &layout, const changed_t
 {
     if (moved.empty())
         return {};
+    const std::vector<bool> moving = flags_of(moved, layout.num_vertices);
     return runs_of(layout.num_slots(),
-                   [&](std::size_t slot) { return moved[layout.vertex_of(slot)] != 0; });
+                   [&](std::size_t slot) { return moving[layout.vertex_of(slot)]; });
 }
 
 std::vector<slot_run_t> turned_slots(const mesh_layout_t &layout, const changed_t &vertices,
@@ -72,10 +103,13 @@ std::vector<slot_run_t> turned_slots(const mesh_layout_t &layout, const changed_
 {
     if (vertices.empty() && faces.empty())
         return {};
+    const std::vector<bool> turning = flags_of(vertices, layout.num_vertices);
+    const std::vector<bool> faces_turning =
+        flags_of(faces, faces.empty() ? 0 : static_cast<std::size_t>(faces.back()) + 1);
     return runs_of(layout.num_slots(), [&](std::size_t slot) {
-        const std::int32_t face = layout.slot_face[slot];
-        if (face >= 0)
-            return !faces.empty() && faces[static_cast<std::size_t>(face)] != 0;
-        return !vertices.empty() && vertices[layout.vertex_of(slot)] != 0;
+        const auto face = static_cast<std::size_t>(layout.slot_face[slot]);
+        if (layout.slot_face[slot] >= 0)
+            return face < faces_turning.size() && faces_turning[face];
+        return bool{turning[layout.vertex_of(slot)]};
     });
 }

@@ -6,9 +6,14 @@
 
 #include "draw/mesh_layout.h"
 
-// For each element whether it differs; empty when none does.
-using changed_t = std::vector<std::uint8_t>;
+// Numbers of elements, ascending.
+using changed_t = std::vector<std::int32_t>;
+
+// The elements that differ.
 changed_t changed_points(const std::vector<point3_t> &before, const std::vector<point3_t> &now);
+// The same of positions; of a motion that is known it costs what moves.
+changed_t changed_positions(const flat_mesh &before, const flat_mesh &now);
+void add_changed(changed_t &all, const changed_t &more);
 
 // Whether the layout still fits after these vertices moved: no polygon of theirs was cut into ears, or
 // became one that would have to be.

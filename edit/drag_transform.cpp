@@ -265,14 +265,15 @@ void drag_transform_t::add_further()
     }
 }
 
-void drag_transform_t::mark() const
+void drag_transform_t::mark()
 {
-    unsigned aspects = CHANGED_POSITIONS;
-    if (!objects.empty()) {
-        aspects |= CHANGED_RECORD;
-    }
-    for (object_t *owner : owners) {
-        object_mark(owner, aspects);
+    if (objects.empty() && parts.empty())
+        parts = find_moved(owners, vertices);
+    for (size_t i = 0; i < owners.size(); ++i) {
+        if (objects.empty())
+            object_mark_moved(owners[i], parts[i]);
+        else
+            object_mark(owners[i], CHANGED_POSITIONS | CHANGED_RECORD);
     }
     uv_keep_follow(owners);
 }

@@ -3,7 +3,7 @@
 
 #include "edit/mesh/affine.h"
 #include "edit/symmetry.h"
-#include "model/object.h"
+#include "model/moved_vertices.h"
 #include "model/vec3d.h"
 
 #include <cstddef>
@@ -82,7 +82,7 @@ private:
     void after_change();
     void open_record() const;
     void show_box(const drag_change_t &change) const;
-    void mark() const;
+    void mark();
 
     std::vector<vertex *> vertices;  // each once
     std::vector<point3_t> positions; // at the press
@@ -94,6 +94,7 @@ private:
     bool is_symmetric = false;
     std::vector<moved_object_t> objects;
     std::vector<object_t *> owners; // of everything that moves
+    std::vector<moved_ptr> parts;   // what each of them has of it, once a step was made
     point3_t box_min, box_max;      // of the selection, at the press
     drag_change_t last;
     bool has_own_centres = false; // only objects are selected

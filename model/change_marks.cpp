@@ -86,6 +86,8 @@ void mark_state(object_state &state, unsigned aspects)
     state.marks |= aspects;
     state.stamp = ++marks.stamps;
     ++marks.model;
+    if ((aspects & CHANGED_POSITIONS) != 0)
+        state.moved = nullptr;
     if ((aspects & CHANGED_RECORD) != 0) {
         ++marks.tree;
         state.record_summed = false;

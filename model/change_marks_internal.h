@@ -5,16 +5,18 @@
 // record's layout is public and foreign code may copy it byte by byte.
 
 #include "model/change_marks.h"
-#include "model/flat_mesh.h"
+#include "model/moved_vertices_internal.h"
 
 #include <functional>
 
 struct object_state {
     std::uint64_t stamp = 0;
     unsigned marks = CHANGED_ALL;
-    std::uint64_t compared = 0;   // foreign_count() when the object was compared last
-    flat_ptr flat;                // null before the first request
-    std::uint64_t record_sum = 0; // of name, texts, frame, flags; when `record_summed`
+    std::uint64_t compared = 0; // foreign_count() when the object was compared last
+    flat_ptr flat;              // null before the first request
+    moved_ptr moved; // with CHANGED_POSITIONS: no other vertices moved; null: any may have
+    std::shared_ptr<moved_positions> arrays; // of the motion that the flat mesh follows
+    std::uint64_t record_sum = 0;            // of name, texts, frame, flags; when `record_summed`
     bool record_summed = false;
 };
 

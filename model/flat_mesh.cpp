@@ -158,6 +158,26 @@ std::shared_ptr<flat_mesh> read_marked(const object_t *object, const flat_mesh &
     return complete ? flat : nullptr;
 }
 
+// The same where some vertices moved and nothing else changed; null when that is not known.
+std::shared_ptr<flat_mesh> read_moved(object_state &state, unsigned marks)
+{
+    const bool known = marks == CHANGED_POSITIONS && state.flat && state.moved &&
+                       state.moved->records == state.flat->vertex_records;
+    const bool goes_on = known && state.arrays && state.arrays->moved() == state.moved &&
+                         state.arrays->holds(state.flat->positions);
+    if (state.arrays && !goes_on) {
+        state.arrays->end();
+        state.arrays = nullptr;
+    }
+    if (!known)
+        return nullptr;
+    if (!goes_on)
+        state.arrays = std::make_shared<moved_positions>(state.moved, state.flat->positions);
+    auto flat = std::make_shared<flat_mesh>(*state.flat);
+    flat->positions = state.arrays->read(state.flat->positions);
+    return flat;
+}
+
 unsigned compare_vertices(const object_t *object, const flat_mesh &flat)
 {
     unsigned found = 0;
@@ -246,14 +266,15 @@ flat_ptr object_flat(object_t *object)
     if (state.flat && marks == 0)
         return state.flat;
 
-    std::shared_ptr<flat_mesh> flat;
-    if (state.flat && (marks & CHANGED_TOPOLOGY) == 0)
+    std::shared_ptr<flat_mesh> flat = read_moved(state, marks);
+    if (!flat && state.flat && (marks & CHANGED_TOPOLOGY) == 0)
         flat = read_marked(object, *state.flat, marks);
     if (!flat)
         flat = read_everything(object);
     flat->stamp = state.stamp;
     state.flat = std::move(flat);
     state.marks = 0;
+    state.moved = nullptr;
     return state.flat;
 }
 

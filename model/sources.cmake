@@ -14,6 +14,7 @@ target_sources(vesk_core PRIVATE
     model/material.cpp
     model/matrix.cpp
     model/mesh_arrays.cpp
+    model/moved_vertices.cpp
     model/normals.cpp
     model/object.cpp
     model/object_notes.cpp

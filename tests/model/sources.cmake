@@ -5,6 +5,7 @@ target_sources(vesk_tests PRIVATE
     model/frame_test.cpp
     model/list_test.cpp
     model/matrix_test.cpp
+    model/moved_vertices_test.cpp
     model/object_test.cpp
     model/palette_test.cpp
     model/textures/image_test.cpp
