@@ -1,6 +1,6 @@
 #include "draw/coarse_job.h"
 
-#include "draw/job_queue.h"
+#include "base/job_queue.h"
 
 #include <utility>
 

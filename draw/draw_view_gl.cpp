@@ -8,6 +8,7 @@
 #include "edit/boolean_live.h"
 #include "model/change_marks.h"
 #include "view/interaction.h"
+#include "view/pick.h"
 #include "view/views_internal.h"
 
 namespace {
@@ -68,6 +69,14 @@ bool anything_moves(double seconds)
         if (view_is_moving(view, seconds))
             return true;
     return false;
+}
+
+// What motions and picks to come need of a model that rests.
+void ask_workers(const scene_t &scene)
+{
+    buffers_ask_for_coarse();
+    if (scene.complete)
+        pick_prepare();
 }
 
 // The model as it is now; the layers are chosen by the caller.
@@ -140,7 +149,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
                                       : in_full               ? draw_pace::at_once
                                                               : draw_pace::at_rest);
     if (!anything_moves(seconds))
-        buffers_ask_for_coarse();
+        ask_workers(picture.scene);
     const double started = picture.started;
     const bool quick =
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
@@ -180,7 +189,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     }
     const bool up_to_date = boolean_live_update(false);
     picture_t picture = begin_picture(view, width, height, draw_pace::at_rest);
-    buffers_ask_for_coarse();
+    ask_workers(picture.scene);
     if (!picture.scene.complete) {
         draw_view(view, width, height, seconds, false);
         return true;

@@ -1,6 +1,6 @@
 #include "draw/layout_job.h"
 
-#include "draw/job_queue.h"
+#include "base/job_queue.h"
 
 std::shared_ptr<layout_job_t> layout_job_start(const flat_ptr &flat,
                                                const layout_options_t &options)

@@ -1,6 +1,7 @@
 #include "view/pick.h"
 
 #include "base/prefs.h"
+#include "edit/document/selection_internal.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"
@@ -62,6 +63,7 @@ struct search_t {
     const bool hides; // what lies behind a surface is not found
     const bool edges; // are drawn
     outline_t outline;
+    bool in_order = false; // elements are looked at by number, or as they come
 };
 
 bool pickable(const object_t *object)
@@ -91,10 +93,18 @@ void for_near(const pick_order_t *order, int count, const search_t &search, Visi
             visit(i);
         return;
     }
-    for (const pick_block_t &block : order->blocks)
-        if (search.window.may_hold(block, search.projector))
-            for (const int i : order->members(block))
-                visit(i);
+    std::vector<std::int32_t> found;
+    for (const pick_block_t &block : order->blocks) {
+        if (!search.window.may_hold(block, search.projector))
+            continue;
+        const std::span<const std::int32_t> members = order->members(block);
+        if (search.in_order)
+            found.insert(found.end(), members.begin(), members.end());
+        else
+            std::for_each(members.begin(), members.end(), visit);
+    }
+    std::sort(found.begin(), found.end());
+    std::for_each(found.begin(), found.end(), visit);
 }
 
 // Calls visit(i) for each surface with its outline in search.outline.
@@ -102,8 +112,7 @@ template <class Visit>
 void for_near_surfaces(const object_t *object, const flat_mesh &mesh, search_t &search,
                        Visit &&visit)
 {
-    const pick_index_t *index = pick_index(object, mesh);
-    for_near(index != nullptr ? &index->surfaces : nullptr, mesh.num_surfaces(), search,
+    for_near(pick_order(object, mesh, pick_elements::surfaces), mesh.num_surfaces(), search,
              [&](int i) {
                  surface_outline(mesh, i, search.projector, &search.outline);
                  if (!search.outline.empty() && search.window.may_hold(search.outline))
@@ -115,8 +124,7 @@ template <class Visit>
 void for_near_vertices(const object_t *object, const flat_mesh &mesh, const search_t &search,
                        Visit &&visit)
 {
-    const pick_index_t *index = pick_index(object, mesh);
-    for_near(index != nullptr ? &index->vertices : nullptr, mesh.num_vertices(), search,
+    for_near(pick_order(object, mesh, pick_elements::vertices), mesh.num_vertices(), search,
              [&](int i) {
                  const screen_point_t p = search.projector(mesh.position(i));
                  if (search.window.sides(p) == 0)
@@ -468,6 +476,7 @@ std::vector<pick_hit_t> pick_at(int view, pick_kind kind, int x, int y, int rang
     const auto py = static_cast<float>(y);
     const auto reach = static_cast<float>(range);
     search_t search = search_of(view, {px - reach, py - reach, px + reach, py + reach});
+    search.in_order = true; // of hits that are equally near the first is taken
     const bool faces = kind == pick_kind::SURFACE || search.filled;
     std::vector<pick_hit_t> hits;
     for_each_object(vesk_get_world(), [&](object_t *object) {
@@ -521,4 +530,17 @@ std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band)
             band_elements(object, *mesh, kind, search, band, seen_only, &hits);
     });
     return hits;
+}
+
+void pick_prepare()
+{
+    for_each_object(vesk_get_world(), [](object_t *object) {
+        if (std::max(object->num_surfaces, object->num_vertices) < least_prepared ||
+            !pickable(object))
+            return;
+        const flat_ptr mesh = object_flat(object);
+        pick_order(object, *mesh, pick_elements::surfaces);
+        if (select_mode() == SELECT_VERTEX)
+            pick_order(object, *mesh, pick_elements::vertices);
+    });
 }

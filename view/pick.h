@@ -36,4 +36,7 @@ struct band_t {
 // select_through both functions find what surfaces hide and backs, too.
 std::vector<pick_hit_t> pick_band(int view, pick_kind kind, const band_t &band);
 
+// Has a worker make what picking in large objects, as they are now, will need. Cheap to ask again.
+void pick_prepare();
+
 #endif

@@ -2,8 +2,8 @@
 #define VESK_VIEW_PICK_INDEX_H
 
 // The elements of large objects in blocks that lie close together, each with its box, so that a
-// search round a place of the screen looks at a few of them only. Kept with the flat mesh: made
-// when it is first asked for, and refitted when only positions changed.
+// search round a place of the screen looks at a few of them only. Kept with the flat mesh: made of the
+// kind of elements that is asked for, when it first is, and refitted when only positions changed.
 
 #include "model/flat_mesh.h"
 
@@ -27,12 +27,16 @@ struct pick_order_t {
     }
 };
 
-struct pick_index_t {
-    pick_order_t surfaces; // those with corners
-    pick_order_t vertices;
-};
+enum class pick_elements { surfaces, vertices }; // surfaces: those with corners
 
-// Of the object's present mesh; null for a small one, of which everything is looked at.
-const pick_index_t *pick_index(const object_t *object, const flat_mesh &mesh);
+// Of the object's present mesh. Null: everything is looked at, of a small one always, of a large one
+// until a worker has made what was asked for.
+const pick_order_t *pick_order(const object_t *object, const flat_mesh &mesh, pick_elements kind);
+
+// Of fewer elements it is made at once.
+constexpr int least_prepared = 100000;
+
+// Until the worker has nothing to do, for tests.
+void pick_orders_wait();
 
 #endif

@@ -9,6 +9,7 @@ target_sources(vesk_tests PRIVATE
     view/keys_test.cpp
     view/monkey_test.cpp
     view/operation_tools_test.cpp
+    view/pick_index_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp
     view/tool_test.cpp

@@ -1,5 +1,5 @@
-#ifndef VESK_DRAW_JOB_QUEUE_H
-#define VESK_DRAW_JOB_QUEUE_H
+#ifndef VESK_BASE_JOB_QUEUE_H
+#define VESK_BASE_JOB_QUEUE_H
 
 // Jobs that one worker does in the order in which they were asked for. A job has `run()`, and two
 // atomic flags: `cancelled`, set by whoever does not want it any more, and `ended`, set when its result
