@@ -1,12 +1,53 @@
 # fps.tcl --
-#   Evaluated by the program: the speed of its views.
+#   Evaluated by the program: the speed of its views; with a size in VESK_FPS_SIZE that of the 3D view
+#   alone, which gets it.
+
+proc wait {msecs} {
+    after $msecs {set ::still 1}
+    vwait ::still
+}
+
+# processor_time --
+#   Milliseconds of the whole process so far.
+proc processor_time {} {
+    set file [open /proc/[pid]/stat]
+    set words [split [regsub {.*\)} [read $file] {}]]
+    close $file
+    return [expr {10 * ([lindex $words 12] + [lindex $words 13])}]
+}
+
+# until_idle --
+#   Until the pictures at rest are drawn and the coarse versions made.
+proc until_idle {} {
+    set quiet 0
+    while {$quiet < 3} {
+        set before [processor_time]
+        wait 400
+        set quiet [expr {[processor_time] - $before <= 20 ? $quiet + 1 : 0}]
+    }
+}
+
+proc show_alone {name size} {
+    set ::viewsetting $name
+    update
+    lassign [split $size x] width height
+    set widget $::ToglWinName($name)
+    wm geometry . [expr {[winfo width .] + $width - [winfo width $widget]}]x[expr {
+        [winfo height .] + $height - [winfo height $widget]}]
+    update
+}
 
 proc measure {} {
     vesk clear_selection
-    foreach {view name} {0 front 1 side 2 plan 3 3D} {
+    set views {0 front 1 side 2 plan 3 3D}
+    if {[info exists ::env(VESK_FPS_SIZE)]} {
+        set views {3 3D}
+        show_alone xyz $::env(VESK_FPS_SIZE)
+    }
+    until_idle
+    foreach {view name} $views {
         foreach how {moving rest} {
-            after 300 {set ::still 1} ;# a motion ends only after a while
-            vwait ::still
+            wait 300 ;# a motion ends only after a while
             lassign [vesk view_benchmark $view $how 20] msecs layers
             puts [format "fps %8d triangles  %-5s %4dx%-4d %-6s %7.1f ms %6.1f frames/s  %s" \
                 [expr {2 * [lindex [vesk get_counts] 3]}] $name \

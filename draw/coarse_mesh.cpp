@@ -12,7 +12,10 @@ namespace {
 
 constexpr std::size_t least_cluster = 16384; // triangles
 constexpr std::size_t most_clusters = 256;   // about, unless they were smaller
-constexpr std::array<std::size_t, num_detail_levels> shares = {1, 10, 100}; // aimed at
+constexpr std::array<std::size_t, family_detail> shares = {1, 10, 100}; // aimed at
+constexpr std::size_t most_in_family = 16;                              // clusters
+constexpr std::size_t family_share = 20;        // of its clusters' coarsest: aimed at
+constexpr double most_family_triangles = 60000; // of all together
 
 constexpr float most_error = 0.002f; // of the size of the mesh: a pixel or two of a view
 
@@ -90,6 +93,7 @@ public:
                 return nullptr;
             make_levels(cluster);
         }
+        make_families();
         join_levels();
         return cancelled_ ? nullptr : out_;
     }
@@ -135,16 +139,58 @@ private:
         const index_range_t &all = cluster.triangles[0];
         local_.take(std::span(out_->triangles).subspan(all.first, all.count));
         find_bounds(cluster);
-        for (std::size_t level = 1; level < num_detail_levels; ++level) {
+        for (std::size_t level = 1; level < family_detail; ++level) {
             const std::size_t wanted = all.count / 3 / shares[level] * 3;
             local_.triangles = coarser(std::min(wanted, local_.triangles.size()), all.count / 4);
-            indices_t &triangles = triangles_[level];
-            cluster.triangles[level] = {static_cast<std::uint32_t>(triangles.size()),
-                                        static_cast<std::uint32_t>(local_.triangles.size())};
-            for (const std::uint32_t local : local_.triangles)
-                triangles.push_back(local_.slot(local));
-            add_edges(edges_[level]);
+            cluster.triangles[level] = add_triangles(level);
         }
+    }
+
+    // The triangles as they are, to those of a level.
+    index_range_t add_triangles(std::size_t level)
+    {
+        indices_t &triangles = triangles_[level];
+        const index_range_t added = {static_cast<std::uint32_t>(triangles.size()),
+                                     static_cast<std::uint32_t>(local_.triangles.size())};
+        for (const std::uint32_t local : local_.triangles)
+            triangles.push_back(local_.slot(local));
+        add_edges(edges_[level]);
+        return added;
+    }
+
+    void make_families()
+    {
+        const std::vector<mesh_cluster_t> &clusters = out_->clusters;
+        for (std::size_t first = 0, end = 0; first < clusters.size() && !cancelled_; first = end) {
+            while (end < clusters.size() && end - first < most_in_family &&
+                   clusters[end].group == clusters[first].group)
+                ++end;
+            out_->families.push_back({first, end - first, {}});
+            make_family(out_->families.back());
+        }
+    }
+
+    // From the coarsest version of its clusters, which lie one after the other.
+    void make_family(cluster_family_t &family)
+    {
+        const mesh_cluster_t &first = out_->clusters[family.first];
+        const mesh_cluster_t &last = out_->clusters[family.first + family.count - 1];
+        const index_range_t &from = first.triangles[family_detail - 1];
+        const index_range_t &to = last.triangles[family_detail - 1];
+        const std::size_t count = to.first + to.count - from.first;
+        local_.take(std::span(triangles_[family_detail - 1]).subspan(from.first, count));
+        const std::size_t wanted = count / 3 / family_share * 3;
+        local_.triangles = simplified(wanted, error_);
+        // Its share of what a picture of motion can have at most.
+        const double part = static_cast<double>(last.triangles[0].first + last.triangles[0].count -
+                                                first.triangles[0].first) /
+                            static_cast<double>(source_.triangles.size());
+        const std::size_t most = 3 * static_cast<std::size_t>(part * most_family_triangles);
+        if (local_.triangles.size() > std::max(most, wanted))
+            local_.triangles = simplified(std::max(most, wanted), FLT_MAX);
+        family.whole.group = first.group;
+        family.whole.triangles[family_detail] = add_triangles(family_detail);
+        find_bounds(family.whole);
     }
 
     void find_bounds(mesh_cluster_t &cluster) const
@@ -242,6 +288,8 @@ private:
             out_->triangles.insert(out_->triangles.end(), triangles.begin(), triangles.end());
             for (mesh_cluster_t &cluster : out_->clusters)
                 cluster.triangles[level].first += first;
+            for (cluster_family_t &family : out_->families)
+                family.whole.triangles[level].first += first;
             out_->level_edges[level] = {static_cast<std::uint32_t>(out_->edges.size()),
                                         static_cast<std::uint32_t>(edges_[level].size())};
             out_->edges.insert(out_->edges.end(), edges_[level].begin(), edges_[level].end());

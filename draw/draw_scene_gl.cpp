@@ -173,17 +173,24 @@ void add_clusters(batches_t &batches, const scene_item_t &item, const fill_optio
     std::vector<bool> wanted(keys.size(), false);
     for (const size_t i : groups_of(item, picture, transparent))
         wanted[i] = true;
-    for (size_t i = 0; i < coarse.mesh->clusters.size(); ++i) {
-        const mesh_cluster_t &cluster = coarse.mesh->clusters[i];
-        if (!wanted[cluster.group])
-            continue;
+    const auto add = [&](const mesh_cluster_t &cluster, int detail) {
         const batch_key_t &key = keys[cluster.group];
-        const bool moved = coarse.moved[i] != 0;
         // Where its vertices went is not known to the cluster's bounds.
-        if (!coarse.outdated && !seen.shows(cluster, key.twosided))
-            continue;
-        const index_range_t &span = cluster.triangles[moved ? 0 : item.detail];
+        if (!wanted[cluster.group] || (!coarse.outdated && !seen.shows(cluster, key.twosided)))
+            return;
+        const index_range_t &span = cluster.triangles[detail];
         batches[key].add(span.first, span.count);
+    };
+    for (const cluster_family_t &family : coarse.mesh->families) {
+        const auto moved = coarse.moved.begin() + static_cast<std::ptrdiff_t>(family.first);
+        const auto moved_end = moved + static_cast<std::ptrdiff_t>(family.count);
+        if (item.detail == family_detail && std::find(moved, moved_end, 1) == moved_end) {
+            add(family.whole, family_detail);
+            continue;
+        }
+        for (size_t i = family.first; i < family.first + family.count; ++i)
+            add(coarse.mesh->clusters[i],
+                coarse.moved[i] != 0 ? 0 : std::min(item.detail, family_detail - 1));
     }
 }
 

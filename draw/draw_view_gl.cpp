@@ -11,6 +11,8 @@
 #include "view/pick.h"
 #include "view/views_internal.h"
 
+#include <iterator>
+
 namespace {
 
 constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
@@ -238,8 +240,9 @@ std::string drawn_view_layers(int view)
         words += " edges";
     if (layers.vertices)
         words += " vertices";
-    if (layers.detail > 0)
-        words += layers.detail == 1 ? " coarse" : layers.detail == 2 ? " coarsest" : " cloud";
+    constexpr const char *details[] = {"", " coarse", " coarser", " coarsest", " cloud"};
+    static_assert(std::size(details) == cloud_detail + 1);
+    words += details[layers.detail];
     if (layers.smoothing)
         words += " smoothing";
     return words;

@@ -26,7 +26,7 @@ struct layer_choice_t {
 
 // How much of a picture's elements is left in each level of detail; in the last one meshes that have no
 // coarse versions are clouds of points.
-using detail_shares_t = std::array<double, 4>;
+using detail_shares_t = std::array<double, 5>;
 
 // Seconds of each layer of one picture.
 using layer_costs_t = std::array<double, static_cast<std::size_t>(draw_layer::count)>;
@@ -50,7 +50,7 @@ public:
     // some do. `fill_goes_first` says whether the fill goes before the edges (flat views) or after them
     // (3D).
     [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first,
-                                        const detail_shares_t &shares = {1, 1, 1, 1}) const;
+                                        const detail_shares_t &shares = {1, 1, 1, 1, 1}) const;
 
     [[nodiscard]] double cost(draw_layer layer) const
     {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <map>
@@ -116,11 +117,16 @@ std::shared_ptr<coarse_mesh_t> coarse_sheet(const sheet_case &sheet, int n, bool
 std::vector<std::uint32_t> level_triangles(const coarse_mesh_t &mesh, int level)
 {
     std::vector<std::uint32_t> all;
-    for (const mesh_cluster_t &cluster : mesh.clusters) {
+    const auto add = [&](const mesh_cluster_t &cluster) {
         const index_range_t &span = cluster.triangles[level];
         const auto first = mesh.triangles.begin() + span.first;
         all.insert(all.end(), first, first + span.count);
-    }
+    };
+    if (level == family_detail)
+        for (const cluster_family_t &family : mesh.families)
+            add(family.whole);
+    else
+        std::for_each(mesh.clusters.begin(), mesh.clusters.end(), add);
     return all;
 }
 
@@ -194,7 +200,7 @@ TEST(CoarseMesh, IsMuchSmallerAndKeepsTheOutline)
             const auto mesh = coarse_sheet(sheet, 200, shared);
             const std::vector<std::uint32_t> full = level_triangles(*mesh, 0);
             EXPECT_EQ(full.size(), 3U * 2 * 200 * 200);
-            for (const int level : {1, 2}) {
+            for (const int level : {1, 2, 3}) {
                 const std::vector<std::uint32_t> coarse = level_triangles(*mesh, level);
                 EXPECT_LT(coarse.size(), full.size() / 4) << level;
                 for (int axis = 0; axis < 3; ++axis) {
@@ -231,12 +237,26 @@ TEST(CoarseMesh, ClustersOfDifferentDetailMeetWithoutCracks)
     const int around = 4 * 300;
     EXPECT_EQ(open_edges(*mesh, level_triangles(*mesh, 1)), around);
     EXPECT_EQ(open_edges(*mesh, level_triangles(*mesh, 2)), around);
+    EXPECT_EQ(open_edges(*mesh, level_triangles(*mesh, 3)), around);
+    EXPECT_LT(level_triangles(*mesh, 3).size(), level_triangles(*mesh, 2).size() / 2);
+    ASSERT_GT(mesh->families.size(), 1U);
     std::vector<std::uint32_t> mixed;
-    for (std::size_t i = 0; i < mesh->clusters.size(); ++i) {
-        const index_range_t &span = mesh->clusters[i].triangles[i % 3];
+    const auto add = [&](const mesh_cluster_t &cluster, std::size_t level) {
+        const index_range_t &span = cluster.triangles[level];
         const auto first = mesh->triangles.begin() + span.first;
         mixed.insert(mixed.end(), first, first + span.count);
+    };
+    std::size_t in_families = 0;
+    for (const cluster_family_t &family : mesh->families) {
+        EXPECT_EQ(family.first, in_families);
+        in_families += family.count;
+        if (&family == &mesh->families.front())
+            add(family.whole, family_detail);
+        else
+            for (std::size_t i = family.first; i < family.first + family.count; ++i)
+                add(mesh->clusters[i], i % 3);
     }
+    EXPECT_EQ(in_families, mesh->clusters.size());
     EXPECT_EQ(open_edges(*mesh, mixed), around);
 }
 

@@ -179,20 +179,20 @@ TEST(DrawBudget, TakesTheFinestDetailThatFits)
     draw_budget budget;
     budget.note(draw_layer::fill, 0.6);
     budget.note(draw_layer::edges, 0.6);
-    const detail_shares_t shares = {1, 0.1, 0.05, 0.01};
+    const detail_shares_t shares = {1, 0.1, 0.05, 0.02, 0.01};
     layer_choice_t choice = budget.choose(true, false, shares);
     EXPECT_EQ(choice.detail, 2); // 0.03 s without the edges
     EXPECT_TRUE(choice.fill);
     EXPECT_FALSE(choice.edges);
     EXPECT_EQ(budget.choose(false, false, shares).detail, 0);
-    EXPECT_EQ(budget.choose(true, false, {1, 1, 1, 0.001}).detail, 3);
+    EXPECT_EQ(budget.choose(true, false, {1, 1, 1, 1, 0.001}).detail, 4);
     EXPECT_TRUE(budget.choose(true, false).boxes_only); // there is no coarser one
     for (int i = 0; i < 30; ++i) // a device that draws them faster than was thought
         budget.note_coarse(choice.expected, choice.expected / 3);
     choice = budget.choose(true, false, shares);
     EXPECT_EQ(choice.detail, 1);
     budget.note(draw_layer::rest, 10); // what the first picture of all took beside
-    EXPECT_EQ(budget.choose(true, false, shares).detail, 3);
+    EXPECT_EQ(budget.choose(true, false, shares).detail, 4);
     budget.note_coarse(10, 0.004);
     EXPECT_LT(budget.choose(true, false, shares).detail, 3);
 }
