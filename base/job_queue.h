@@ -1,10 +1,10 @@
 #ifndef VESK_BASE_JOB_QUEUE_H
 #define VESK_BASE_JOB_QUEUE_H
 
-// Jobs that one worker does in the order in which they were asked for. A job has `run()`, and two
-// atomic flags: `cancelled`, set by whoever does not want it any more, and `ended`, set when its result
-// is there.
+// Jobs that one worker does in the order in which they were asked for. A job is a `queued_job_t` with
+// `run()`. One that throws or faults ends as failed, and the next one is done.
 
+#include "base/crash_guard.h"
 #include "base/worker.h"
 
 #include <atomic>
@@ -12,6 +12,12 @@
 #include <memory>
 #include <mutex>
 #include <system_error>
+
+struct queued_job_t {
+    std::atomic<bool> cancelled = false; // by whoever does not want it any more
+    std::atomic<bool> failed = false;    // there is no result
+    std::atomic<bool> ended = false;     // the result is there, if there is one
+};
 
 template <class Job>
 class job_queue {
@@ -25,8 +31,6 @@ public:
     void add(const std::shared_ptr<Job> &job)
     {
         const std::lock_guard lock(mutex_);
-        if (works_ && gone_ && !jobs_.empty())
-            jobs_.pop_front(); // after a fault in it
         jobs_.push_back(job);
         if (works_ && !gone_)
             return;
@@ -55,8 +59,9 @@ public:
 private:
     static void do_job(Job &job)
     {
-        if (!job.cancelled)
-            job.run();
+        fault_t fault;
+        if (!job.cancelled && !crash_guard::guarded_bare([&] { job.run(); }, &fault))
+            job.failed = true;
         job.ended = true;
     }
 

@@ -1,7 +1,5 @@
 #include "draw/coarse_job.h"
 
-#include "base/job_queue.h"
-
 #include <utility>
 
 namespace {

@@ -3,13 +3,12 @@
 
 // Coarse meshes are made by a worker.
 
+#include "base/job_queue.h"
 #include "draw/coarse_mesh.h"
 
-struct coarse_job_t {
+struct coarse_job_t : queued_job_t {
     coarse_source_t source;
-    std::shared_ptr<coarse_mesh_t> result; // null when it was cancelled
-    std::atomic<bool> cancelled = false;
-    std::atomic<bool> ended = false;
+    std::shared_ptr<coarse_mesh_t> result; // null when it was cancelled or failed
 
     void run();
 };

@@ -21,7 +21,9 @@ void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions)
     if (lists.job == nullptr || !lists.job->ended)
         return;
     const auto made = lists.job->result;
+    const bool failed = lists.job->failed;
     coarse_drop(lists);
+    lists.given_up = failed;
     if (made == nullptr)
         return;
     lists.mesh = made;

@@ -14,6 +14,7 @@ struct coarse_lists_t {
     std::vector<std::uint8_t> moved; // clusters with vertices that moved since it was made
     std::vector<bool> noted;         // vertices whose clusters are among them
     bool outdated = false;           // some did
+    bool given_up = false;           // after a fault: until the mesh has another shape
 };
 
 // Takes what the worker has made, as the mesh is now; what moved meanwhile is found.

@@ -1,5 +1,6 @@
 #include "draw/draw_buffers_gl.h"
 
+#include "base/messages.h"
 #include "base/prefs.h"
 #include "draw/draw_slices.h"
 #include "draw/gpu_buffer_gl.h"
@@ -234,7 +235,11 @@ void take_layout(object_buffers_t &buffers, draw_pace pace)
 {
     if (buffers.job == nullptr)
         return;
-    if (pace == draw_pace::at_once && !buffers.job->ended) {
+    const bool failed = buffers.job->ended && buffers.job->failed;
+    if (failed)
+        console_printf("a worker failed at the layout of a large object; it is made again here\n");
+    if (failed || (pace == draw_pace::at_once && !buffers.job->ended)) {
+        drop_job(buffers); // or a fault here, too, would come back with every picture
         build(buffers, buffers.flat);
         return;
     }
@@ -394,7 +399,8 @@ void buffers_ask_for_coarse()
     for (auto &[object, buffers] : store().objects) {
         coarse_lists_t &coarse = buffers.coarse;
         if (buffers.page != nullptr && buffers.job == nullptr && !buffers.page->shared &&
-            coarse.job == nullptr && (coarse.mesh == nullptr || coarse.outdated) &&
+            coarse.job == nullptr && !coarse.given_up &&
+            (coarse.mesh == nullptr || coarse.outdated) &&
             buffers.num_indices / 3 >= least_coarse_triangles)
             coarse.job = coarse_job_start(coarse_source(buffers));
     }

@@ -1,7 +1,5 @@
 #include "draw/layout_job.h"
 
-#include "base/job_queue.h"
-
 std::shared_ptr<layout_job_t> layout_job_start(const flat_ptr &flat,
                                                const layout_options_t &options)
 {

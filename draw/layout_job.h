@@ -4,16 +4,13 @@
 // The layout of a large mesh is made by a worker, while the views show a cloud of its points, or the
 // mesh in the layout that it had.
 
+#include "base/job_queue.h"
 #include "draw/mesh_layout.h"
 
-#include <atomic>
-
-struct layout_job_t {
+struct layout_job_t : queued_job_t {
     flat_ptr flat;
     layout_options_t options;
     mesh_layout_t result;
-    std::atomic<bool> cancelled = false;
-    std::atomic<bool> ended = false;
 
     void run() { result = layout_mesh(*flat, options); }
 };

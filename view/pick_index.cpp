@@ -16,12 +16,10 @@ constexpr int smallest_indexed = 512; // elements
 constexpr std::uint32_t block_size = 64;
 
 // A worker makes the order of a large mesh, or fits the boxes of the one it has.
-struct order_job_t {
+struct order_job_t : queued_job_t {
     flat_mesh mesh;
     pick_elements kind;
     pick_order_t order; // without elements: they are to be sorted
-    std::atomic<bool> cancelled = false;
-    std::atomic<bool> ended = false;
 
     void run();
 };
@@ -30,6 +28,7 @@ struct kept_order_t {
     std::weak_ptr<const std::vector<point3_t>> positions; // that the boxes are of
     pick_order_t found;
     std::shared_ptr<order_job_t> job;
+    bool given_up = false; // after a fault
 };
 
 struct kept_t {
@@ -188,6 +187,7 @@ void take_order(kept_order_t &kept)
 {
     if (kept.job == nullptr || !kept.job->ended)
         return;
+    kept.given_up = kept.job->failed;
     kept.found = std::move(kept.job->order);
     kept.positions = kept.job->mesh.positions;
     kept.job = nullptr;
@@ -243,6 +243,8 @@ const pick_order_t *pick_order(const object_t *object, const flat_mesh &mesh, pi
     kept_t &row = kept_of(object, mesh);
     kept_order_t &kept = kind == pick_elements::surfaces ? row.surfaces : row.vertices;
     take_order(kept);
+    if (kept.given_up)
+        return nullptr;
     if (kept.positions.lock() == mesh.positions)
         return &kept.found;
     sweep(object);

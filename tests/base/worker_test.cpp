@@ -1,6 +1,7 @@
 #include "base/worker.h"
 
 #include "base/crash_guard.h"
+#include "base/job_queue.h"
 
 #include <gtest/gtest.h>
 
@@ -63,6 +64,37 @@ TEST(Worker, PiecesEndEarly)
     const auto faults = [] { in_parallel(1000, [](int i) { i == 50 ? raise(SIGFPE) : 0; }); };
     EXPECT_FALSE(guarded(faults, &fault));
     EXPECT_EQ(fault.kind, fault_t::CODE);
+}
+
+struct counted_job_t : queued_job_t {
+    std::function<void()> work;
+    void run() const { work(); }
+};
+
+TEST(JobQueue, AJobThatFailsLeavesTheOthers)
+{
+    job_queue<counted_job_t> queue;
+    std::vector<std::shared_ptr<counted_job_t>> jobs;
+    std::atomic<int> done = 0;
+    for (int i = 0; i < 60; ++i) {
+        jobs.push_back(std::make_shared<counted_job_t>());
+        jobs.back()->work = [i, &done] {
+            if (i % 5 == 1)
+                throw std::runtime_error("job");
+            if (i % 5 == 2)
+                raise(SIGFPE);
+            ++done;
+        };
+        queue.add(jobs.back());
+        if (i % 20 == 19)
+            queue.wait(false);
+    }
+    queue.wait(false);
+    EXPECT_EQ(done, 36);
+    for (std::size_t i = 0; i < jobs.size(); ++i) {
+        EXPECT_TRUE(jobs[i]->ended);
+        EXPECT_EQ(jobs[i]->failed, i % 5 == 1 || i % 5 == 2) << i;
+    }
 }
 
 // Not where it writes results, nor in a library: there it is to be asked again.
