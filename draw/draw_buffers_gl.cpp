@@ -163,6 +163,17 @@ void drop_job(object_buffers_t &buffers)
     buffers.job = nullptr;
 }
 
+// For the mesh as it is now, which moved in `unchecked` since it was laid out.
+void start_job(object_buffers_t &buffers)
+{
+    buffers.job = std::make_shared<layout_job_t>();
+    buffers.job->flat = buffers.flat;
+    buffers.job->options = layout_options(buffers);
+    buffers.job->moved = buffers.unchecked;
+    buffers.job->concave = buffers.layout.concave;
+    layout_job_start(buffers.job);
+}
+
 void take_room(object_buffers_t &buffers, std::uint32_t num_edges)
 {
     buffer_page_t *page = page_with_room(buffers.num_slots, buffers.num_indices,
@@ -227,7 +238,7 @@ void build_cloud(object_buffers_t &buffers, const flat_ptr &flat)
     if (buffers.textured)
         points.corner_of_slot.assign(points.num_vertices, -1);
     build_with(buffers, flat, std::move(points));
-    buffers.job = layout_job_start(flat, layout_options(buffers));
+    start_job(buffers);
 }
 
 // Takes a layout that a worker has made; waits for it when it is needed at once.
@@ -247,7 +258,10 @@ void take_layout(object_buffers_t &buffers, draw_pace pace)
     if (!buffers.job->ended || waits)
         return;
     const auto job = buffers.job;
-    build_with(buffers, buffers.flat, std::move(job->result));
+    if (job->fits)
+        drop_job(buffers);
+    else
+        build_with(buffers, buffers.flat, std::move(job->result));
     buffers.unchecked = changed_positions(*job->flat, *buffers.flat);
 }
 
@@ -257,14 +271,14 @@ bool check_layout(object_buffers_t &buffers, const changed_t &moved, draw_pace p
     changed_t &unchecked = buffers.unchecked;
     add_changed(unchecked, moved);
     const bool large = buffers.num_slots > small_object;
-    if (buffers.job != nullptr || (large && pace == draw_pace::moving))
+    if (unchecked.empty() || buffers.job != nullptr || (large && pace == draw_pace::moving))
         return true;
-    if (layout_fits(buffers.layout, *buffers.flat, unchecked)) {
-        unchecked.clear();
+    if (pace == draw_pace::at_rest && buffers.flat->num_vertices() >= least_layout_job) {
+        start_job(buffers);
         return true;
     }
-    if (pace == draw_pace::at_rest && buffers.flat->num_vertices() >= least_layout_job) {
-        buffers.job = layout_job_start(buffers.flat, layout_options(buffers));
+    if (layout_fits(buffers.layout.concave, *buffers.flat, unchecked)) {
+        unchecked.clear();
         return true;
     }
     build(buffers, buffers.flat);

@@ -1,12 +1,14 @@
 #include "draw/layout_job.h"
 
-std::shared_ptr<layout_job_t> layout_job_start(const flat_ptr &flat,
-                                               const layout_options_t &options)
+void layout_job_t::run()
+{
+    fits = !moved.empty() && layout_fits(concave, *flat, moved);
+    if (!fits)
+        result = layout_mesh(*flat, options);
+}
+
+void layout_job_start(const std::shared_ptr<layout_job_t> &job)
 {
     static job_queue<layout_job_t> queue;
-    auto job = std::make_shared<layout_job_t>();
-    job->flat = flat;
-    job->options = options;
     queue.add(job);
-    return job;
 }

@@ -71,7 +71,8 @@ void add_changed(changed_t &all, const changed_t &more)
     all = std::move(both);
 }
 
-bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat, const changed_t &moved)
+bool layout_fits(const std::vector<std::int32_t> &concave, const flat_mesh &flat,
+                 const changed_t &moved)
 {
     if (moved.empty())
         return true;
@@ -82,7 +83,7 @@ bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat, const chang
         if (flat.surface(surface).is_line() || std::none_of(corners.begin(), corners.end(), moves))
             continue;
         // The ears of a concave one may lie differently now.
-        if (std::binary_search(layout.concave.begin(), layout.concave.end(), surface) ||
+        if (std::binary_search(concave.begin(), concave.end(), surface) ||
             !polygon_is_convex(flat, corners))
             return false;
     }

@@ -15,9 +15,10 @@ changed_t changed_points(const std::vector<point3_t> &before, const std::vector<
 changed_t changed_positions(const flat_mesh &before, const flat_mesh &now);
 void add_changed(changed_t &all, const changed_t &more);
 
-// Whether the layout still fits after these vertices moved: no polygon of theirs was cut into ears, or
-// became one that would have to be.
-bool layout_fits(const mesh_layout_t &layout, const flat_mesh &flat, const changed_t &moved);
+// Whether a layout with these concave surfaces still fits after these vertices moved: no polygon of theirs
+// was cut into ears, or became one that would have to be.
+bool layout_fits(const std::vector<std::int32_t> &concave, const flat_mesh &flat,
+                 const changed_t &moved);
 
 // The slots of moved vertices; those whose normal turned. A few in between are written along.
 std::vector<slot_run_t> moved_slots(const mesh_layout_t &layout, const changed_t &moved);

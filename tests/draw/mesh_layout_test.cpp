@@ -1,3 +1,4 @@
+#include "draw/layout_job.h"
 #include "draw/mesh_changes.h"
 #include "model/change_marks.h"
 #include "model/normals.h"
@@ -139,11 +140,21 @@ TEST_F(MeshLayout, AMoveThatDentsAPolygonNeedsANewLayout)
     auto *corner = reinterpret_cast<vertex *>(object->vertices->next->next->data);
     vertex_set_point(corner, 2, 2, 0);
     object_mark(object, CHANGED_POSITIONS);
-    EXPECT_TRUE(layout_fits(layout, *object_flat(object), {0, 0, 1, 0}));
+    EXPECT_TRUE(layout_fits(layout.concave, *object_flat(object), {2}));
+    layout_job_t job;
+    job.flat = object_flat(object);
+    job.moved = {2};
+    job.run();
+    EXPECT_TRUE(job.fits);
+    EXPECT_TRUE(job.result.triangles.empty());
     vertex_set_point(corner, 0.2f, 0.2f, 0);
     object_mark(object, CHANGED_POSITIONS);
-    EXPECT_FALSE(layout_fits(layout, *object_flat(object), {0, 0, 1, 0}));
-    EXPECT_TRUE(layout_fits(layout, *object_flat(object), {})); // nothing moved since
+    EXPECT_FALSE(layout_fits(layout.concave, *object_flat(object), {2}));
+    EXPECT_TRUE(layout_fits(layout.concave, *object_flat(object), {})); // nothing moved since
+    job.flat = object_flat(object);
+    job.run();
+    EXPECT_FALSE(job.fits);
+    EXPECT_EQ(job.result.concave, std::vector<std::int32_t>{0});
 }
 
 TEST(DrawBudget, LeavesLayersOutInTheirOrderWhileMoving)
