@@ -254,7 +254,8 @@ bool init_tcl_library(Tcl_Interp *interp)
 void keep_composed_keys()
 {
     const char *home = std::getenv("HOME");
-    if (std::getenv("XCOMPOSECACHE") != nullptr || home == nullptr || *home != '/' || geteuid() == 0)
+    if (std::getenv("XCOMPOSECACHE") != nullptr || home == nullptr || *home != '/' ||
+        geteuid() == 0)
         return;
     const std::filesystem::path own(home);
     std::error_code failed;
