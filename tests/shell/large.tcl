@@ -79,4 +79,19 @@ run {
         [vesk view_uploaded_bytes] - $uploaded < [count vertices] * 2000
     }
     compare_with_whole "after a move"
+
+    # A drag reads, hands over and compares what moves alone: the picture is that of the whole model read anew.
+    vesk select_elements set [lindex [top_objects] 0]:101690-101710
+    set before [centre]
+    set middle [list [expr {[winfo width [widget xz]] / 2}] [expr {[winfo height [widget xz]] / 2}]]
+    hold [widget xz] {*}$middle {*}[lmap place $middle {expr {$place + 24}}]
+    check "a drag of a few moves them" {![near [centre] $before]}
+    release
+    set dragged [lmap view {xz xyz} {picture $view}]
+    vesk undo
+    update
+    vesk redo
+    check "a drag leaves the picture of the model as it is now" {
+        [lmap view {xz xyz} shown $dragged {pixels_that_differ $shown [picture $view]}] eq {0 0}
+    }
 }
