@@ -71,7 +71,7 @@ struct counted_job_t : queued_job_t {
     void run() const { work(); }
 };
 
-TEST(JobQueue, AJobThatFailsLeavesTheOthers)
+TEST(JobQueue, AJobThatFaultsLeavesTheOthers)
 {
     job_queue<counted_job_t> queue;
     std::vector<std::shared_ptr<counted_job_t>> jobs;

@@ -13,7 +13,7 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "tests/support/mesh_test.h"
-#include "tests/view/tool_fixture.h"
+#include "tests/view/drag_fixture.h"
 #include "view/number_field.h"
 #include "view/overlay.h"
 #include "view/projection.h"
@@ -22,27 +22,6 @@
 #include <set>
 
 namespace {
-
-class Drags : public Tools {
-protected:
-    // The cube's vertices, bit by bit.
-    std::vector<point3_t> positions() const
-    {
-        std::vector<point3_t> all;
-        for (const vertex *v : each<vertex>(cube->vertices)) {
-            all.push_back(v->position);
-        }
-        return all;
-    }
-    static bool same(const std::vector<point3_t> &a, const std::vector<point3_t> &b)
-    {
-        return a.size() == b.size() &&
-               std::equal(a.begin(), a.end(), b.begin(), [](const point3_t &p, const point3_t &q) {
-                   return p.x == q.x && p.y == q.y && p.z == q.z;
-               });
-    }
-    static int undos() { return *undo_count_address(); }
-};
 
 // ---- numbers ----
 
@@ -286,7 +265,7 @@ TEST_F(NearSnap, PointsThatAreDrawnTakeTheWholePlace)
     EXPECT_EQ(std::fabs(first.z), 0.5f);
 }
 
-// ---- large selections, own centres, double clicks ----
+// ---- large selections, own centres, what was just loaded ----
 
 TEST_F(Drags, LargeSelectionsMoveAsAPictureAndChangeAtTheRelease)
 {
@@ -339,146 +318,6 @@ TEST_F(Drags, ObjectsTurnAboutTheirOwnCentresAndBack)
     EXPECT_NEAR(selection().box_size.x, 3 + std::sqrt(2.0), 1e-4);
 }
 
-TEST_F(Drags, ADoubleClickGoesDownToTheObject)
-{
-    object_t *group = new_object(OBJECT_GROUP);
-    object_set_name(group, "group");
-    object_add_child(vesk_get_world(), group);
-    object_reparent(cube, group);
-    run("set_select_mode", "tree");
-    click(VIEW_XY, 200, 150);
-    EXPECT_EQ(get_current_object(), group);
-    seconds -= 1; // the second click comes soon
-    click(VIEW_XY, 200, 150);
-    EXPECT_EQ(run("get_app_mode"), "object move");
-    EXPECT_EQ(get_current_object(), cube);
-    click(VIEW_XY, 20, 20);
-    seconds -= 1;
-    click(VIEW_XY, 20, 20); // on empty space: nothing
-    EXPECT_EQ(run("get_app_mode"), "object move");
-}
-
-TEST_F(Drags, ADoubleClickOnAnElementTakesMoreThanTheElement)
-{
-    const auto twice = [&](int x, int y, int state = 0) {
-        click(VIEW_XY, x, y, state);
-        seconds -= 1;
-        click(VIEW_XY, x, y, state);
-    };
-    run("clear_all");
-    object_t *squares = add_squares(3, 2); // 200 to 500, 150 to -50 in front view
-    add_squares(1, 1);
-    run("set_select_mode", "surface");
-    clear_selection();
-    twice(205, 100); // near the first one's left side
-    const auto chosen = [&] {
-        const std::vector<int> places = selected_surfaces_of(squares);
-        return std::set<int>(places.begin(), places.end());
-    };
-    EXPECT_EQ(chosen(), (std::set<int>{0, 1, 2}));
-    twice(350, 140, shift); // the lower side of the second
-    EXPECT_EQ(chosen(), (std::set<int>{0, 1, 2, 4}));
-    run("set_select_mode", "vertex");
-    clear_selection();
-    twice(300, 150);
-    EXPECT_EQ(selected_vertices_of(squares).size(), 12u);
-    EXPECT_EQ(selection().num_vertices, 12);
-}
-
-TEST_F(Drags, SelectBehindGoesThroughWhatLiesUnderThePointer)
-{
-    run("set_select_mode", "surface");
-    clear_selection();
-    move(VIEW_XY, 180, 150);
-    prefs.filled_orth = 0;
-    std::set<int> seen;
-    for (int i = 0; i < 2; ++i) {
-        run("keypress", VIEW_XY, "q", 0);
-        ASSERT_EQ(selection().num_surfaces, 1);
-        seen.insert(selected_surfaces_of(cube).front());
-    }
-    EXPECT_EQ(seen.size(), 2u); // front and back
-    run("keypress", VIEW_XY, "q", 0);
-    EXPECT_EQ(last_message(), "select behind - 1 of 2");
-    run("select_behind"); // at the same place
-    EXPECT_EQ(last_message(), "select behind - 2 of 2");
-    move(VIEW_XY, 20, 20);
-    run("keypress", VIEW_XY, "q", 0);
-    EXPECT_EQ(last_message(), "select behind - nothing lies there");
-    EXPECT_EQ(selection().num_surfaces, 1);
-}
-
-TEST_F(Drags, TheExtrudeToolSweepsTheSelectedSurfacesWithOneRecord)
-{
-    run("set_select_mode", "surface");
-    run("clear_selection");
-    clear_all_undos();
-    run("set_draw_mode", "extrude");
-    drag(VIEW_XY, 20, 20, 60, 60); // nothing selected: a rubber band
-    EXPECT_EQ(cube->num_surfaces, 6);
-    click(VIEW_XY, 180, 150); // the cube's front
-    ASSERT_EQ(selection().num_surfaces, 1);
-    prefs.extrude_num = 2;
-    press(VIEW_ZY, 250, 150); // its edge, seen from the side
-    move(VIEW_ZY, 300, 150);
-    EXPECT_EQ(overlay().preview.size(), 12u); // the outline, and four walls
-    EXPECT_EQ(cube->num_surfaces, 6);         // nothing is changed yet
-    move(VIEW_ZY, 350, 150);
-    release(VIEW_ZY, 350, 150);
-    EXPECT_EQ(cube->num_surfaces, 5 + 8 + 1); // a body: no face stays inside
-    EXPECT_NEAR(find_object_size(cube).z, 2, 1e-5);
-    EXPECT_EQ(selection().num_surfaces, 1); // the new end, for what comes next
-    EXPECT_EQ(last_undo(), "extrude");
-    EXPECT_EQ(undos(), 1);
-    EXPECT_TRUE(overlay().preview.empty());
-    run("undo");
-    for (const object_t *restored : each<object_t>(vesk_get_world()->children)) {
-        EXPECT_EQ(restored->num_surfaces, 6);
-    }
-    press(VIEW_ZY, 250, 150);
-    move(VIEW_ZY, 300, 150);
-    EXPECT_TRUE(key("Escape"));
-    EXPECT_TRUE(overlay().preview.empty());
-    EXPECT_EQ(undos(), 0);
-}
-
-struct sweep_case {
-    const char *name;
-    int state;
-    std::vector<const char *> keys; // during the drag, which goes 0.6 to the right and 0.5 up
-    const char *centre;             // of the new end
-};
-// clang-format off
-const sweep_case sweep_cases[] = {
-    {"where_the_surface_faces",      0, {},                   "0 0 1.1"},
-    {"shift_goes_any_way",           1, {},                   "0 0.5 1.1"},
-    {"along_an_axis",                0, {"y"},                "0 0.5 0.5"},
-    {"a_typed_distance",             0, {"2", "Return"},      "0 0 2.5"},
-    {"a_typed_way_along_an_axis",    0, {"y", "2", "Return"}, "0 2 0.5"},
-    {"tab_types_the_other_way",      1, {"Tab", "2", "Return"}, "2 0.5 1.1"},
-};
-// clang-format on
-void PrintTo(const sweep_case &c, std::ostream *out) { *out << c.name; }
-class Sweeps : public Drags, public testing::WithParamInterface<sweep_case> {};
-
-TEST_P(Sweeps, GoAlongTheNormalUnlessTheyAreToldOtherwise)
-{
-    run("set_select_mode", "surface");
-    click(VIEW_XY, 180, 150); // the cube's front, z = 0.5
-    run("set_draw_mode", "extrude");
-    clear_all_undos();
-    press(VIEW_ZY, 250, 150);
-    move(VIEW_ZY, 310, 100, GetParam().state);
-    for (const char *k : GetParam().keys)
-        EXPECT_TRUE(key(k)) << k;
-    release(VIEW_ZY, 310, 100, GetParam().state);
-    EXPECT_EQ(run("get_selection_centre"), GetParam().centre);
-    EXPECT_EQ(undos(), 1);
-}
-INSTANTIATE_TEST_SUITE_P(Cases, Sweeps, testing::ValuesIn(sweep_cases));
-
-// ---- the panels' transforms ----
-
 TEST_F(Drags, OverWhatWasJustLoadedTheyAreTheViews)
 {
     const std::string file = temporary_file("loaded.vesk");
@@ -496,110 +335,6 @@ TEST_F(Drags, OverWhatWasJustLoadedTheyAreTheViews)
     click(VIEW_XY, x, y);
     drag(VIEW_XY, x, y, x + 40, y);
     EXPECT_NE(run("get_selection_centre"), there);
-}
-
-TEST_F(Drags, ScalingAndMirroringLeaveTheirPointInItsPlace)
-{
-    select_object(cube);
-    const std::vector<point3_t> before = positions();
-    run("scale_about_with_undo", 2, 1, -1, 1, 0, 1);
-    EXPECT_EQ(run("get_selection_size"), "2 1 1");
-    EXPECT_EQ(run("get_selection_centre"), "-1 0 2");
-    EXPECT_EQ(undos(), 1);
-    run("undo");
-    EXPECT_TRUE(same(positions(), before));
-}
-
-struct panel_case {
-    const char *name;
-    std::vector<std::string> words;
-    const char *label;
-};
-// clang-format off
-const panel_case panel_cases[] = {
-    {"move",              {"move_with_undo", "1", "2", "3"}, "move"},
-    {"about_one_axis",    {"rotate_with_undo", "0", "30", "0"}, "rotate"},
-    {"about_three_axes",  {"rotate_with_undo", "10", "-50", "120"}, "rotate"},
-    {"half_a_turn",       {"rotate_about_with_undo", "180", "0", "180", "1", "2", "3"}, "rotate"},
-    {"about_a_point",     {"rotate_about_with_undo", "0", "0", "90", "5", "5", "5"}, "rotate"},
-    {"about_an_axis",     {"rotate_axis_angle_with_undo", "0", "77"}, "rotate"},
-    {"mirror",            {"mirror_with_undo", "1"}, "mirror"},
-};
-// clang-format on
-void PrintTo(const panel_case &c, std::ostream *out) { *out << c.name; }
-class PanelCommand : public Drags, public testing::WithParamInterface<panel_case> {};
-
-// As the plain command, but one record, which works on whatever is selected later.
-TEST_P(PanelCommand, DoesWhatThePlainOneDoesWithOneRecord)
-{
-    const panel_case &c = GetParam();
-    object_t *other = add_cube("other");
-    const point3_t odd = {0.1f, 0.7f, -2.3f};
-    translate_object(cube, &odd);
-    object_get_vertex_at(cube, 0)->position.x -= 1; // not symmetric
-    object_mark(cube, CHANGED_POSITIONS);
-    select_object(cube);
-    const std::vector<point3_t> before = positions();
-    std::vector<std::string> plain = c.words;
-    plain[0] = plain[0].substr(0, plain[0].find("_with_undo"));
-    run_words(plain);
-    const std::vector<point3_t> wanted = positions();
-    journal_goto(0);
-    std::vector<point3_t> back = positions();
-    ASSERT_TRUE(same(back, before));
-    select_object(cube);
-    run_words(c.words);
-    const std::vector<point3_t> got = positions();
-    for (size_t i = 0; i < wanted.size(); ++i) {
-        EXPECT_NEAR(got[i].x, wanted[i].x, 1e-5);
-        EXPECT_NEAR(got[i].y, wanted[i].y, 1e-5);
-        EXPECT_NEAR(got[i].z, wanted[i].z, 1e-5);
-    }
-    EXPECT_EQ(undos(), 1);
-    EXPECT_EQ(last_undo(), c.label);
-    clear_selection();
-    select_object(other);
-    run("undo");
-    back = positions();
-    for (size_t i = 0; i < back.size(); ++i) {
-        EXPECT_NEAR(back[i].x, before[i].x, 1e-5);
-        EXPECT_NEAR(back[i].y, before[i].y, 1e-5);
-        EXPECT_NEAR(back[i].z, before[i].z, 1e-5);
-    }
-}
-INSTANTIATE_TEST_SUITE_P(Commands, PanelCommand, testing::ValuesIn(panel_cases));
-
-TEST_F(Drags, APanelsTransformFollowsItsNumber)
-{
-    select_object(cube);
-    const std::vector<point3_t> before = positions();
-    run("transform_begin", "scale");
-    for (const double factor : {1.5, 3.0, 2.0}) {
-        run("transform_to", factor, 1.0, 1.0);
-    }
-    EXPECT_EQ(run("get_selection_size"), "2 1 1");
-    EXPECT_EQ(undos(), 0);
-    run("transform_end");
-    EXPECT_EQ(undos(), 1);
-    EXPECT_EQ(last_undo(), "resize");
-    EXPECT_EQ(journal_items().size(), 2u);
-    run("undo");
-    EXPECT_TRUE(same(positions(), before));
-
-    run("transform_begin", "rotate");
-    run("transform_to", 0, 45, 0);
-    run("transform_cancel");
-    EXPECT_TRUE(same(positions(), before));
-    run("transform_begin", "move");
-    run("transform_to", 1, 0, 0);
-    run("clear_all"); // an edit from elsewhere takes it back first
-    EXPECT_EQ(undos(), 0);
-    run("transform_to", 2, 0, 0);
-    run("transform_end");
-    run("transform_begin", "move");
-    EXPECT_EQ(last_message(), "move - nothing selected");
-    run("transform_begin", "sideways");
-    EXPECT_EQ(last_message(), "transform - no kind named 'sideways'");
 }
 
 } // namespace

@@ -1,14 +1,17 @@
 target_sources(vesk_tests PRIVATE
     view/camera_test.cpp
+    view/double_click_test.cpp
     view/drag_axis_test.cpp
     view/drag_test.cpp
     view/echo_test.cpp
     view/cut_tools_test.cpp
     view/extra_tool_test.cpp
+    view/extrude_tool_test.cpp
     view/highlight_test.cpp
     view/keys_test.cpp
     view/monkey_test.cpp
     view/operation_tools_test.cpp
+    view/panel_drag_test.cpp
     view/pick_index_test.cpp
     view/pick_test.cpp
     view/projection_test.cpp
