@@ -1,5 +1,6 @@
 #include "model/moved_vertices.h"
 
+#include "base/job_queue.h"
 #include "model/change_marks_internal.h"
 #include "model/identity.h"
 #include "model/normals.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -83,6 +85,44 @@ TEST_F(MovedVertices, AloneAreReadAnew)
             held.erase(held.begin() + static_cast<std::ptrdiff_t>(random() % held.size()));
     }
     EXPECT_GT(known, 500);
+}
+
+double sum_of(const flat_mesh &flat)
+{
+    double sum = 0;
+    for (const point3_t &p : *flat.positions)
+        sum += p.x;
+    return sum;
+}
+
+struct reading_job_t : queued_job_t {
+    flat_ptr flat;
+    double sum = 0;
+    void run() { sum = sum_of(*std::exchange(flat, nullptr)); }
+};
+
+TEST_F(MovedVertices, AreKeptForAWorkerThatReadsThem)
+{
+    object_t *object = add_cube("cube");
+    run("select_all");
+    for (int i = 0; i < 4; ++i)
+        run("surface_subdivide");
+    vertex *point = object_flat(object)->vertex_record(7);
+    const moved_ptr moved = find_moved({object}, {point}).front();
+    std::vector<std::shared_ptr<reading_job_t>> jobs;
+    std::vector<double> sums;
+    job_queue<reading_job_t> queue;
+    for (int i = 0; i < 300; ++i) {
+        point->position.x += 1;
+        object_mark_moved(object, moved);
+        jobs.push_back(std::make_shared<reading_job_t>());
+        jobs.back()->flat = object_flat(object);
+        sums.push_back(sum_of(*jobs.back()->flat));
+        queue.add(jobs.back());
+    }
+    queue.wait(false);
+    for (std::size_t i = 0; i < jobs.size(); ++i)
+        EXPECT_EQ(jobs[i]->sum, sums[i]) << i;
 }
 
 TEST_F(MovedVertices, AreThoseOfTheirObjects)
