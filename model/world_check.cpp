@@ -1,5 +1,6 @@
 #include "model/world_check.h"
 
+#include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"
@@ -175,6 +176,15 @@ bool world_has_ring(const object_t *top)
                 stack.push_back(child);
     }
     return false;
+}
+
+bool world_cut_rings(object_t *top, const char *who)
+{
+    if (!world_has_ring(top))
+        return false;
+    world_check(top);
+    display_message("%s left a list that runs into itself - the model was repaired", who);
+    return true;
 }
 
 std::vector<world_fault> world_check(object_t *top)

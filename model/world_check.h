@@ -23,4 +23,8 @@ std::vector<world_fault> world_check(object_t *top);
 // not end.
 bool world_has_ring(const object_t *top);
 
+// After foreign code: repairs a tree that has such a list, says who left it, and returns true. Nothing
+// that walks the tree would end.
+bool world_cut_rings(object_t *top, const char *who);
+
 #endif

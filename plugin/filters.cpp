@@ -7,6 +7,8 @@
 #include "model/alloc_internal.h"
 #include "model/freed.h"
 #include "model/owners.h"
+#include "model/world.h"
+#include "model/world_check.h"
 #include "plugin/menus.h"
 
 #include <cstring>
@@ -120,6 +122,9 @@ void selected_surfaces_do_filter(const vesk_surface_filter_t *filter)
     freed_surfaces.clear();
     run_filter(*filter, tasks);
     freed_surfaces.clear();
+    const bool cut = is_foreign_code(code_of_function(filter->filter)) &&
+                     world_cut_rings(vesk_get_world(), filter->name);
     finish_edit();
-    display_message("%s - done", filter->name);
+    if (!cut)
+        display_message("%s - done", filter->name);
 }

@@ -29,6 +29,7 @@
 #include "model/palette_internal.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
+#include "model/world_check.h"
 #include "plugin/dialogs.h"
 #include "plugin/format_table.h"
 #include "plugin/menus.h"
@@ -104,11 +105,15 @@ object_t *load_guarded(const vesk_importer_t *importer, const char *filename)
         },
         &fault);
     vesk_progress_end();
+    if (whole && is_foreign_code(code_of_function(importer->load)))
+        world_cut_rings(vesk_get_world(), importer->description);
     if (whole && object != nullptr && !state_is_alive(object)) {
         windows_message_dialog("The importer for %s files returned no object for %s",
                                importer->suffix, filename);
         return nullptr;
     }
+    if (whole && object != nullptr && is_foreign_code(code_of_function(importer->load)))
+        world_cut_rings(object, importer->description);
     if (whole)
         return object;
     windows_message_dialog("The importer for %s files failed on %s\n%s", importer->suffix, filename,

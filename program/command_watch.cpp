@@ -119,19 +119,10 @@ void refuse_infinite_result(const char *label)
                     label);
 }
 
-// Nothing that walks the scene would end then.
-void cut_rings_of(const vesk_command_t *command)
-{
-    if (!world_has_ring(vesk_get_world()))
-        return;
-    world_check(vesk_get_world());
-    display_message("%s left a list that runs into itself - the model was repaired", command->name);
-}
-
 void after_command(const vesk_command_t *command, bool whole)
 {
     if (command_is_foreign(command) && whole)
-        cut_rings_of(command);
+        world_cut_rings(vesk_get_world(), command->name);
     if (session().command_depth == 0 && whole)
         running().both_sides->end();
     if (session().command_depth == 0)

@@ -27,6 +27,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -248,8 +249,30 @@ bool init_tcl_library(Tcl_Interp *interp)
     return false;
 }
 
+// Xlib reads the table of the keys that compose letters, six thousand lines, three times for a window
+// unless a folder keeps what came of it. Who has none gets one below the caches; Xlib uses none for root.
+void keep_composed_keys()
+{
+    const char *home = std::getenv("HOME");
+    if (std::getenv("XCOMPOSECACHE") != nullptr || home == nullptr || *home != '/' ||
+        geteuid() == 0)
+        return;
+    const std::filesystem::path own(home);
+    std::error_code failed;
+    if (std::filesystem::exists(own / ".compose-cache", failed))
+        return;
+    const char *caches = std::getenv("XDG_CACHE_HOME");
+    const std::filesystem::path folder =
+        (caches != nullptr && *caches == '/' ? std::filesystem::path(caches) : own / ".cache") /
+        "vesk" / "compose";
+    std::filesystem::create_directories(folder, failed);
+    if (!failed)
+        setenv("XCOMPOSECACHE", folder.c_str(), 0);
+}
+
 bool init_tk_library(Tcl_Interp *interp)
 {
+    keep_composed_keys();
     Tcl_SetVar(interp, "tcl_interactive", "1", TCL_GLOBAL_ONLY);
     Tcl_StaticPackage(interp, "vesk", Tk_Init, nullptr);
     if (!find_in_home(tk_scripts, tk_scripts))

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 
@@ -95,6 +96,13 @@ bool is_whole(const VESKImage *image)
 {
     return image->data != nullptr && image->width > 0 && image->height > 0 && image->depth >= 1 &&
            image->depth <= 4;
+}
+
+// A folder has no length and a pipe may never end: loaders need not know that.
+bool is_other_than_file(const char *filename)
+{
+    struct stat about = {};
+    return stat(filename, &about) == 0 && !S_ISREG(about.st_mode);
 }
 
 // A loader may be a plug-in's: a fault in it costs a message, and an image without pixels is none.
@@ -271,6 +279,11 @@ VESKImage *texture_read(const char *filename, const char *origname)
     const texture_loader_t *loader = vesk_get_texture_loader_by_suffix(suffix);
     if (!loader) {
         tell_missing_loader(suffix);
+        return nullptr;
+    }
+    if (is_other_than_file(filename)) {
+        tell_failure(
+            (std::string(filename) + " is a folder, a pipe or a device: no picture").c_str());
         return nullptr;
     }
     VESKImage *image = load_guarded(loader, filename);

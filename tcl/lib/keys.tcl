@@ -245,6 +245,7 @@ proc ::vesk::keys::menu_key {name row} {
 proc ::vesk::keys::show_key {name entry key} {
     if {![dict exists $::vesk::menus::paths $name]} {return}
     set path [dict get $::vesk::menus::paths $name]
+    if {![::vesk::menus::is_filled $path]} {return}
     $path entryconfigure $entry -accelerator [::vesk::menus::accelerator $key]
 }
 

@@ -1,7 +1,7 @@
 # menus.tcl --
 #   Builds menus from the table: the bar (real Tk menus below .mbar, so that Alt+letter and F10
-#   work), context menus, accelerators. An entry that fits neither the selection nor this build is
-#   greyed when the menu opens, never hidden.
+#   work), context menus, accelerators. A menu of the bar gets its entries when it is first opened; an
+#   entry that fits neither the selection nor this build is greyed then, never hidden.
 
 namespace eval ::vesk::menus {
     variable bound {}       ;# accelerators bound: event -> row
@@ -72,30 +72,44 @@ proc ::vesk::menus::fit_bar {bar_frame width} {
 }
 
 # build --
-#   Makes one menu and the menus below it.
+#   Makes one menu and the menus below it, without their entries.
 proc ::vesk::menus::build {name path} {
     variable paths
     dict set paths $name $path
     menu $path -tearoff 0 -postcommand [list ::vesk::menus::refresh $name $path]
     ::vesk::theme::recolour $path
     foreach row [rows $name] {
-        add_row $path $row
+        if {[lindex $row 0] eq "menu"} {build [lindex $row 2] [below $path $row]}
+    }
+}
+
+# is_filled, fill --
+#   Gives a menu of the bar its entries, once; what plug-ins have appended comes after them.
+proc ::vesk::menus::is_filled {path} {
+    variable rows_at
+    return [info exists rows_at($path)]
+}
+proc ::vesk::menus::fill {name path} {
+    variable rows_at
+    if {[is_filled $path]} {return}
+    set rows_at($path) {}
+    foreach row [rows $name] {
+        add_row $path $row [llength $rows_at($path)]
     }
     align $path
 }
 
 # align --
-#   Where some entries have marks, the others begin where the texts of those do: Tk puts these some
+#   Where some rows have marks, the others begin where the texts of those do: Tk puts these some
 #   pixels further, which two blanks make up.
 proc ::vesk::menus::align {path} {
-    if {[$path index end] eq "none"} {return}
-    set kinds {}
-    for {set i 0} {$i <= [$path index end]} {incr i} {lappend kinds [$path type $i]}
-    if {"checkbutton" ni $kinds && "radiobutton" ni $kinds} {return}
+    variable rows_at
+    set kinds [lmap row $rows_at($path) {lindex $row 0}]
+    if {"check" ni $kinds && "radio" ni $kinds} {return}
     set entry -1
     foreach kind $kinds {
         incr entry
-        if {$kind ni {command cascade}} {continue}
+        if {$kind in {check radio line}} {continue}
         set underline [$path entrycget $entry -underline]
         $path entryconfigure $entry -label "  [$path entrycget $entry -label]" \
             -underline [expr {$underline < 0 ? $underline : $underline + 2}]
@@ -113,28 +127,32 @@ proc ::vesk::menus::split_label {label} {
     return [list [string map {& {}} $label] $underline]
 }
 
-# add_command, add_entry, accelerator --
-#   Appends an entry, with further options of it. Blanks round label and key make the margins that
-#   Tk leaves out, and an empty picture gives the height.
+# add_command, add_entry, insert_entry, accelerator --
+#   Appends an entry or puts it at a place, with further options of it. Blanks round label and key make
+#   the margins that Tk leaves out, and an empty picture gives the height.
 proc ::vesk::menus::add_command {path label script args} {
     add_entry $path command $label -command $script {*}$args
 }
 proc ::vesk::menus::add_entry {path kind label args} {
-    $path add $kind -label "  $label" -image [::vesk::theme::menu_row_image] -compound left \
-        -accelerator [accelerator ""] {*}$args
+    insert_entry $path end $kind $label {*}$args
+}
+proc ::vesk::menus::insert_entry {path place kind label args} {
+    $path insert $place $kind -label "  $label" -image [::vesk::theme::menu_row_image] \
+        -compound left -accelerator [accelerator ""] {*}$args
 }
 proc ::vesk::menus::accelerator {key} {
     return [expr {$key eq "" ? "   " : "   $key   "}]
 }
 
 # add_row --
-#   Appends one row of the table.
-proc ::vesk::menus::add_row {path row} {
+#   Appends one row of the table, or puts it at a place.
+proc ::vesk::menus::add_row {path row {place end}} {
     variable rows_at
+    if {[$path index end] eq "none"} {set rows_at($path) {}}
     lappend rows_at($path) $row
     lassign $row kind label target key needs help
     if {$kind eq "line"} {
-        $path add separator
+        $path insert $place separator
         return
     }
     lassign [split_label $label] text underline
@@ -142,28 +160,30 @@ proc ::vesk::menus::add_row {path row} {
     if {$underline >= 0} {lappend options -underline [expr {$underline + 2}]}
     switch -- $kind {
         menu {
-            set child $path.[menu_widget_name $target]
-            build $target $child
-            add_entry $path cascade $text {*}$options -menu $child
+            insert_entry $path $place cascade $text {*}$options -menu [below $path $row]
         }
         check {
             set words [lassign $target variable]
-            add_entry $path checkbutton $text {*}$options -variable $variable \
+            insert_entry $path $place checkbutton $text {*}$options -variable $variable \
                 -command [list ::vesk::menus::changed $variable $words]
         }
         radio {
             set words [lassign $target variable value]
-            add_entry $path radiobutton $text {*}$options -variable $variable -value $value \
-                -command [list ::vesk::menus::changed $variable $words]
+            insert_entry $path $place radiobutton $text {*}$options -variable $variable \
+                -value $value -command [list ::vesk::menus::changed $variable $words]
         }
-        default {add_command $path $text [list ::vesk::menus::invoke $row] {*}$options}
+        default {
+            insert_entry $path $place command $text -command [list ::vesk::menus::invoke $row] \
+                {*}$options
+        }
     }
 }
 
-# menu_widget_name --
-#   The last part of a submenu's path; the texture list keeps the name the executable adds to.
-proc ::vesk::menus::menu_widget_name {name} {
-    return [expr {$name eq "texture_list" ? "texture" : $name}]
+# below --
+#   Path of the menu that a row opens; the texture list keeps the name the executable adds to.
+proc ::vesk::menus::below {path row} {
+    set name [lindex $row 2]
+    return $path.[expr {$name eq "texture_list" ? "texture" : $name}]
 }
 
 # invoke --
@@ -334,6 +354,7 @@ proc ::vesk::menus::tell {path place} {
 #   Greys the rows that cannot be chosen; called when a menu opens. Appended entries stay as they
 #   are.
 proc ::vesk::menus::refresh {name path} {
+    fill $name $path
     set state [now]
     set entry 0
     if {$name eq "view3d"} ::vesk::view::read_camera

@@ -32,6 +32,7 @@ proc ::vesk::status::build {line} {
     bind $line <Configure> ::vesk::status::fit
     ::vesk::tooltips::attach $line.message "Messages" "" ::vesk::status::older
     ::vesk::ops::listen any ::vesk::status::refresh
+    ::vesk::ops::listen selection ::vesk::status::forget_box
     show_coors
     show_size
     return $line
@@ -228,6 +229,16 @@ proc ::vesk::status::refresh {} {
     }
     show_undo
     fit_later
+}
+
+# forget_box --
+#   After a change of the selection: where nothing is selected, the numbers of the last box go.
+proc ::vesk::status::forget_box {} {
+    variable path
+    lassign [vesk get_counts] obj all_obj surf all_surf vert
+    if {$obj + $surf + $vert > 0} {return}
+    show_triple $path.coors {x y z} "" {}
+    show_triple $path.size {w h d} "" {}
 }
 
 # show_badges --

@@ -1,5 +1,6 @@
-/* Commands after which nothing ends: "loop_forever" moves every vertex of the scene's first object and
-   goes on asking the program, "close_rings" leaves lists that run into themselves. */
+/* After which nothing ends: the command "loop_forever" moves every vertex of the scene's first object
+   and goes on asking the program; the command "close_rings", the importer of .ring files and a surface
+   filter leave lists that run into themselves. */
 
 #include "plugin/vesk.h"
 
@@ -35,8 +36,33 @@ static void close_rings(void)
     world->children->next = world->children;
 }
 
+static void close_list(listitem *list)
+{
+    listitem *last = list;
+    while (last->next)
+        last = last->next;
+    last->next = list;
+}
+
+static object_t *import_ring(const char *filename)
+{
+    const point3_t centre = {0, 0, 0};
+    object_t *object = create_regular_cube(&centre);
+    (void)filename;
+    close_list(object->surfaces);
+    return object;
+}
+
+static void filter_ring(object_t *object, surface_t *surface)
+{
+    (void)object;
+    close_list(surface->refs);
+}
+
 int VESKPluginInit(void)
 {
+    vesk_register_file_importer(".ring", "Ring files", import_ring, "endless");
+    vesk_register_surface_filter("Endless", "Closes corners.", filter_ring, 0);
     vesk_add_command("close_rings", close_rings);
     vesk_add_command("loop_forever", loop_forever);
     return 1;

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -165,6 +166,19 @@ TEST_F(Plugins, ListsThatRunIntoThemselvesAreCut)
     EXPECT_EQ(vesk_get_world()->num_children, 1);
     EXPECT_EQ(first->num_vertices, 8);
     EXPECT_EQ(run("file_save", temporary_file("cut.vesk")), "1");
+
+    const std::string file = temporary_file("endless.ring");
+    std::ofstream(file) << "nothing";
+    EXPECT_EQ(run("file_load", file), "1");
+    EXPECT_EQ(last_message(),
+              "Ring files left a list that runs into itself - the model was repaired");
+    const object_t *read = get_current_object();
+    EXPECT_EQ(read->num_surfaces, 6);
+    run("execute_surface_filter", "surface_filter_1"); // of what was read, the selection
+    EXPECT_EQ(last_message(), "Endless left a list that runs into itself - the model was repaired");
+    EXPECT_FALSE(world_has_ring(vesk_get_world()));
+    EXPECT_EQ(item_of<surface_t>(read->surfaces)->num_refs, 4);
+    filters_reset_for_test();
 }
 
 class BusyPlugin : public Plugins {

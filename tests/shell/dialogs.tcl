@@ -87,6 +87,7 @@ run {
         if {!$there} {lappend lacking "$trail > $label"}
     }
     dict for {name path} $::vesk::menus::paths {
+        ::vesk::menus::fill $name $path
         set entry -1
         foreach row [::vesk::menus::rows $name] {
             incr entry

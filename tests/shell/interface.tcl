@@ -61,6 +61,10 @@ run {
     check "the eye hides" {[vesk object_is_hidden $first] eq "1"}
     press .status.hidden
     check "the badge shows all" {[vesk object_is_hidden $first] eq "0"}
+    vesk clear_selection
+    check "the numbers of the last box go with the selection" {
+        [.status.size.w cget -text] eq "\u2013" && [.status.coors.x cget -text] eq "\u2013"
+    }
     set ::vesk::objects::filter "no such name"
     check "the filter hides other rows" {[llength [$tree children {}]] == 0}
     set ::vesk::objects::filter ""

@@ -14,6 +14,7 @@
 #include "view/background.h"
 
 #include <filesystem>
+#include <sys/stat.h>
 
 namespace {
 
@@ -104,6 +105,17 @@ TEST_F(TextureTable, AMissingLoaderIsToldOnce)
         recording().console.find("I can load these files as textures:\n.bmp (Bitmap files)\n"
                                  ".rgb .rgba (SGI rgb image files)\n.gif (GIF image files)\n"),
         std::string::npos);
+}
+
+TEST_F(TextureTable, FoldersAndPipesAreNoPictures)
+{
+    for (const char *name : {"folder.bmp", "pipe.bmp"}) {
+        const std::string path = temporary_file(name);
+        ASSERT_EQ(name[0] == 'f' ? mkdir(path.c_str(), 0700) : mkfifo(path.c_str(), 0600), 0);
+        EXPECT_EQ(add_new_texture_opt(path.c_str(), "p"),
+                  -1); // a read of the pipe would not return
+        EXPECT_EQ(recording().boxes.back(), path + " is a folder, a pipe or a device: no picture");
+    }
 }
 
 VESKImage *load_without_pixels(const char *name) { return new_veskimage(name); }
