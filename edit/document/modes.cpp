@@ -6,6 +6,7 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/mesh/edge_topology.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 
@@ -197,6 +198,8 @@ void set_new_select_mode(int mode)
         selection_set_mode(mode);
         carry_over(old, mode);
         selection_free(&old);
+        if (mode == SELECT_TREE || mode == SELECT_OBJECT || mode == SELECT_LIGHT)
+            object_topology_forget();
     }
     tcl_command("set_select_mode_ui %s", select_mode_name(mode));
 }

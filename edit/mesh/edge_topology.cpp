@@ -4,22 +4,40 @@
 #include <array>
 #include <utility>
 
-edge_topology::edge_topology(flat_ptr mesh)
-    : mesh_(std::move(mesh)), table_(*mesh_),
-      edge_of_corner_(table_.edges_of_corners(mesh_->num_corners())),
-      first_at_(mesh_->num_vertices() + 1, 0), edges_at_(2 * static_cast<std::size_t>(size()))
+namespace {
+
+// Of the objects asked for last, the newest first.
+std::array<topology_ptr, 2> kept;
+
+// An array with the same address has not changed.
+bool have_same_polygons(const flat_mesh &a, const flat_mesh &b)
 {
-    for (int e = 0; e < size(); ++e) {
-        ++first_at_[edge(e).a + 1];
-        ++first_at_[edge(e).b + 1];
+    return a.corners == b.corners && a.corner_offsets == b.corner_offsets &&
+           a.surfaces == b.surfaces && a.num_vertices() == b.num_vertices();
+}
+
+} // namespace
+
+edge_topology::tables_t::tables_t(const flat_mesh &mesh)
+    : edges(mesh), of_corner(edges.edges_of_corners(mesh.num_corners())),
+      first_at(mesh.num_vertices() + 1, 0), at_vertices(2 * static_cast<std::size_t>(edges.size()))
+{
+    for (int e = 0; e < edges.size(); ++e) {
+        ++first_at[edges.edge(e).a + 1];
+        ++first_at[edges.edge(e).b + 1];
     }
-    for (std::size_t v = 1; v < first_at_.size(); ++v)
-        first_at_[v] += first_at_[v - 1];
-    std::vector<int> next(first_at_.begin(), first_at_.end() - 1);
-    for (int e = 0; e < size(); ++e) {
-        edges_at_[next[edge(e).a]++] = e;
-        edges_at_[next[edge(e).b]++] = e;
+    for (std::size_t v = 1; v < first_at.size(); ++v)
+        first_at[v] += first_at[v - 1];
+    std::vector<int> next(first_at.begin(), first_at.end() - 1);
+    for (int e = 0; e < edges.size(); ++e) {
+        at_vertices[next[edges.edge(e).a]++] = e;
+        at_vertices[next[edges.edge(e).b]++] = e;
     }
+}
+
+edge_topology::edge_topology(flat_ptr mesh)
+    : mesh_(std::move(mesh)), tables_(std::make_shared<const tables_t>(*mesh_))
+{
 }
 
 const edge_use *edge_topology::beyond(int e, int surface) const
@@ -100,7 +118,7 @@ edge_chain edge_topology::ring(int e) const
         std::vector<int> way;
         const edge_use *use = &start;
         while (use != nullptr && is_quad(use->surface)) {
-            const int next = edge_of_corner_[opposite_corner(use->surface, use->corner)];
+            const int next = tables_->of_corner[opposite_corner(use->surface, use->corner)];
             if (next < 0)
                 break;
             if (seen[next]) {
@@ -131,7 +149,7 @@ std::vector<int> edge_topology::ring_quads(const edge_chain &ring) const
         for (const edge_use &use : uses(ring.edges[i])) {
             const bool taken = !quads.empty() && quads.back() == use.surface;
             if (is_quad(use.surface) && !taken &&
-                edge_of_corner_[opposite_corner(use.surface, use.corner)] == next) {
+                tables_->of_corner[opposite_corner(use.surface, use.corner)] == next) {
                 quads.push_back(use.surface);
                 break;
             }
@@ -142,22 +160,22 @@ std::vector<int> edge_topology::ring_quads(const edge_chain &ring) const
 
 topology_ptr object_topology(object_t *object)
 {
-    // Of the objects asked for last, the newest first. An array with the same address has not
-    // changed; the records are others after an undo that gave the arrays back.
-    static std::array<topology_ptr, 2> kept;
     const flat_ptr mesh = object_flat(object);
-    const auto found = std::find_if(kept.begin(), kept.end(), [&](const topology_ptr &topology) {
-        return topology != nullptr && topology->mesh().corners == mesh->corners &&
-               topology->mesh().surfaces == mesh->surfaces &&
-               topology->mesh().positions == mesh->positions &&
-               topology->mesh().vertex_records == mesh->vertex_records &&
-               topology->mesh().surface_records == mesh->surface_records;
+    auto found = std::find_if(kept.begin(), kept.end(), [&](const topology_ptr &topology) {
+        return topology != nullptr && have_same_polygons(topology->mesh(), *mesh);
     });
-    if (found != kept.end()) {
-        std::rotate(kept.begin(), found, found + 1);
-    } else {
-        std::rotate(kept.begin(), kept.end() - 1, kept.end());
-        kept.front() = std::make_shared<const edge_topology>(mesh);
+    if (found == kept.end()) {
+        --found;
+        found->reset(); // its memory may serve the new one
+        *found = std::make_shared<const edge_topology>(mesh);
+    } else if ((*found)->mesh().positions != mesh->positions ||
+               // The records are others after an undo that gave the arrays back.
+               (*found)->mesh().vertex_records != mesh->vertex_records ||
+               (*found)->mesh().surface_records != mesh->surface_records) {
+        *found = std::make_shared<const edge_topology>(mesh, **found);
     }
+    std::rotate(kept.begin(), found, found + 1);
     return kept.front();
 }
+
+void object_topology_forget() { kept = {}; }

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 // The edges of one walk in order. Of a closed one the last is followed by the first.
@@ -20,17 +21,24 @@ struct edge_chain {
 class edge_topology {
 public:
     explicit edge_topology(flat_ptr mesh);
+    // With the tables of another one, whose mesh has the same polygons.
+    edge_topology(flat_ptr mesh, const edge_topology &other)
+        : mesh_(std::move(mesh)), tables_(other.tables_)
+    {
+    }
 
     [[nodiscard]] const flat_mesh &mesh() const { return *mesh_; }
-    [[nodiscard]] const edge_table &table() const { return table_; }
-    [[nodiscard]] int size() const { return table_.size(); }
-    [[nodiscard]] const mesh_edge &edge(int e) const { return table_.edge(e); }
-    [[nodiscard]] std::span<const edge_use> uses(int e) const { return table_.uses(e); }
+    [[nodiscard]] const edge_table &table() const { return tables_->edges; }
+    [[nodiscard]] int size() const { return table().size(); }
+    [[nodiscard]] const mesh_edge &edge(int e) const { return table().edge(e); }
+    [[nodiscard]] std::span<const edge_use> uses(int e) const { return table().uses(e); }
     // The edge that a corner begins, or -1.
-    [[nodiscard]] int edge_of_corner(int corner) const { return edge_of_corner_[corner]; }
+    [[nodiscard]] int edge_of_corner(int corner) const { return tables_->of_corner[corner]; }
     [[nodiscard]] std::span<const int> edges_at(int v) const
     {
-        return {edges_at_.data() + first_at_[v], edges_at_.data() + first_at_[v + 1]};
+        const tables_t &all = *tables_;
+        return {all.at_vertices.data() + all.first_at[v],
+                all.at_vertices.data() + all.first_at[v + 1]};
     }
     [[nodiscard]] int other_end(int e, int v) const
     {
@@ -63,15 +71,22 @@ public:
     [[nodiscard]] int straight_on(int e, int v) const;
 
 private:
+    struct tables_t {
+        explicit tables_t(const flat_mesh &mesh);
+        edge_table edges;
+        std::vector<int> of_corner;
+        std::vector<int> first_at, at_vertices; // edges by vertex
+    };
     flat_ptr mesh_;
-    edge_table table_;
-    std::vector<int> edge_of_corner_;
-    std::vector<int> first_at_, edges_at_; // by vertex
+    std::shared_ptr<const tables_t> tables_;
 };
 using topology_ptr = std::shared_ptr<const edge_topology>;
 
-// The topology of the object as it is; kept until the object's corners change, for the objects
-// asked for last. Never null.
+// The topology of the object as it is; its tables are kept until the object's corners change, for the
+// objects asked for last. Never null.
 topology_ptr object_topology(object_t *object);
+
+// Gives the kept ones back: no edges are looked at for the time being.
+void object_topology_forget();
 
 #endif

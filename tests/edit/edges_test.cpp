@@ -90,6 +90,26 @@ TEST_F(Edges, WhatWorksOnVerticesWorksOnEdges)
     EXPECT_EQ(object->num_vertices, 0); // neither square has three corners left
 }
 
+TEST_F(Edges, TheTablesOfTheEdgesOutliveMovesAndGoWithTheMode)
+{
+    object_t *square = add_squares(2, 1);
+    mode("edge");
+    run("select_all");
+    std::weak_ptr<const edge_topology> before = object_topology(square);
+    const edge_table *table = &before.lock()->table();
+    run("move", "1", "0", "0");
+    EXPECT_EQ(&object_topology(square)->table(), table);
+    EXPECT_EQ(object_topology(square)->mesh().positions, object_flat(square)->positions);
+    EXPECT_TRUE(before.expired()); // what it holds of the old positions is not kept
+    run("step_back");
+    EXPECT_EQ(object_topology(square)->mesh().vertex_records, object_flat(square)->vertex_records);
+    run("subdivide");
+    EXPECT_EQ(object_topology(square)->size(), edge_topology(object_flat(square)).size());
+    before = object_topology(square);
+    mode("object");
+    EXPECT_TRUE(before.expired());
+}
+
 TEST_F(Edges, DissolvingTheNewLoopsIsTheOldMesh)
 {
     for (const char *shape : {"box", "sphere"}) {
