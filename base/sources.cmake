@@ -2,6 +2,7 @@
 target_sources(vesk_core PRIVATE
     base/aside.cpp
     base/atomic_file.cpp
+    base/big_vector.cpp
     base/command_registry.cpp
     base/command_result.cpp
     base/console.cpp

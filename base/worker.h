@@ -3,7 +3,7 @@
 
 // Threads beside the main one. What a worker throws, and a hardware fault in it, reach the thread that
 // joins it: there the crash guard deals with them as with its own. Signals stay the main thread's. Work
-// on a worker does not use the model's lists, the allocator of records or the port.
+// on a worker does not use the model's lists or the port, and makes records by record_maker alone.
 
 #include <algorithm>
 #include <exception>

@@ -8,6 +8,7 @@
 #include "model/alloc_internal.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
+#include "model/record_pages.h"
 #include "model/world.h"
 
 #include <algorithm>
@@ -62,6 +63,7 @@ struct terrain_arrays {
 inline void bench_begin()
 {
     alloc_use_big_pages();
+    record_pages_reserve();
     prefs_set_defaults();
     new_world();
     create_palette();

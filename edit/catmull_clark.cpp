@@ -1,7 +1,9 @@
 #include "edit/catmull_clark.h"
 
+#include "base/big_vector.h"
 #include "base/messages.h"
 #include "base/numbers.h"
+#include "base/worker.h"
 #include "edit/document/edit_support.h"
 #include "edit/edge_mesh_internal.h"
 #include "edit/edge_select.h"
@@ -11,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -131,8 +134,8 @@ public:
                 is_crease_[e] = 1;
         }
         find_face_points();
-        fine_->points = mesh_.points;
-        reserve();
+        reserve_big(fine_->points, mesh_.points.size() + edges_.size() + mesh_.sources.size());
+        fine_->points.assign(mesh_.points.begin(), mesh_.points.end());
         add_edge_points(to.creases);
         move_vertices();
         return add_faces(to);
@@ -145,26 +148,17 @@ private:
     void find_face_points()
     {
         face_points_.resize(mesh_.num_faces());
-        for (int face = 0; face < mesh_.num_faces(); ++face) {
-            if (!is_active(face))
-                continue;
-            vec3d sum;
-            const auto corners = mesh_.face(face);
-            for (const int v : corners)
-                sum += point(v);
-            face_points_[face] = sum / static_cast<double>(corners.size());
-            active_corners_ += corners.size();
-        }
-    }
-
-    void reserve()
-    {
-        const std::size_t corners = 4 * active_corners_ + 2 * mesh_.corners.size();
-        fine_->corners.reserve(corners);
-        fine_->uv.reserve(corners);
-        fine_->sources.reserve(active_corners_ + mesh_.sources.size());
-        fine_->offsets.reserve(active_corners_ + mesh_.sources.size() + 1);
-        fine_->points.reserve(mesh_.points.size() + edges_.size() + mesh_.sources.size());
+        in_parallel_ranges(mesh_.num_faces(), [this](int begin, int end) {
+            for (int face = begin; face < end; ++face) {
+                if (!is_active(face))
+                    continue;
+                vec3d sum;
+                const auto corners = mesh_.face(face);
+                for (const int v : corners)
+                    sum += point(v);
+                face_points_[face] = sum / static_cast<double>(corners.size());
+            }
+        });
     }
 
     void add_edge_points(std::vector<std::array<int, 2>> &creases)
@@ -227,34 +221,75 @@ private:
                 ++rule.corners;
             }
         }
-        for (std::size_t v = 0; v < rules_.size(); ++v) {
-            const vertex_rule &rule = rules_[v];
-            if (rule.held || rule.edges == 0)
-                continue;
-            const vec3d p = point(static_cast<int>(v));
-            if (rule.sharp == 2) {
-                fine_->points[v] = to_point(p * 0.75 + rule.sharp_ends / 8);
-            } else if (rule.sharp == 0 || (rule.sharp == 1 && rule.creases == 1)) {
-                // (F + 2R + (n - 3)P) / n, with 2R the mean of P and of the other ends
-                const double n = rule.edges;
-                const vec3d faces = rule.faces / rule.corners;
-                fine_->points[v] = to_point((faces + rule.ends / n + p * (n - 2)) / n);
-            }
+        in_parallel_ranges(static_cast<int>(rules_.size()), [this](int begin, int end) {
+            for (int v = begin; v < end; ++v)
+                move_vertex(v, rules_[v]);
+        });
+    }
+
+    void move_vertex(int v, const vertex_rule &rule)
+    {
+        if (rule.held || rule.edges == 0)
+            return;
+        const vec3d p = point(v);
+        if (rule.sharp == 2) {
+            fine_->points[v] = to_point(p * 0.75 + rule.sharp_ends / 8);
+        } else if (rule.sharp == 0 || (rule.sharp == 1 && rule.creases == 1)) {
+            // (F + 2R + (n - 3)P) / n, with 2R the mean of P and of the other ends
+            const double n = rule.edges;
+            const vec3d faces = rule.faces / rule.corners;
+            fine_->points[v] = to_point((faces + rule.ends / n + p * (n - 2)) / n);
         }
+    }
+
+    // What the results of a face begin with in the fine mesh.
+    struct place_t {
+        int face, corner, point;
+    };
+
+    // Makes room for the results of all faces.
+    std::vector<place_t> place_faces()
+    {
+        std::vector<place_t> places;
+        places.reserve(mesh_.num_faces());
+        place_t at = {0, 0, static_cast<int>(fine_->points.size())};
+        for (int face = 0; face < mesh_.num_faces(); ++face) {
+            places.push_back(at);
+            const auto sides = static_cast<int>(mesh_.face(face).size());
+            at.face += is_active(face) ? sides : 1;
+            at.corner += is_active(face) ? 4 * sides : sides + num_divided(face);
+            at.point += is_active(face) ? 1 : 0;
+        }
+        fine_->points.resize(at.point);
+        fine_->corners = big_vector<int>(at.corner);
+        fine_->uv = big_vector<flat_uv>(at.corner);
+        fine_->sources = big_vector<int>(at.face);
+        fine_->offsets = big_vector<int>(static_cast<std::size_t>(at.face) + 1);
+        return places;
     }
 
     bool add_faces(smooth_mesh &to)
     {
-        for (int face = 0; face < mesh_.num_faces(); ++face) {
-            if (is_active(face))
-                divide(face);
-            else
-                follow(face);
-            to.active.resize(fine_->sources.size(), from_.active[face]);
-            if (!progress_.step(++done_))
-                return false;
-        }
-        return true;
+        constexpr int range = 16384;
+        const std::vector<place_t> places = place_faces();
+        to.active = big_vector<char>(fine_->sources.size());
+        const int n = mesh_.num_faces();
+        std::atomic<int> added = 0;
+        const bool finished = in_parallel((n + range - 1) / range,
+                                          [&](int piece) {
+                                              const int begin = piece * range,
+                                                        end = std::min(begin + range, n);
+                                              for (int face = begin; face < end; ++face) {
+                                                  if (is_active(face))
+                                                      divide(face, places[face], to.active);
+                                                  else
+                                                      follow(face, places[face]);
+                                              }
+                                              added += end - begin;
+                                          },
+                                          [&] { return progress_.step(done_ + added); });
+        done_ += n;
+        return finished;
     }
 
     [[nodiscard]] flat_uv middle_uv(int corner, int next) const
@@ -268,11 +303,34 @@ private:
         return edge_of_[corner] < 0 ? mesh_.corners[corner] : middle_[edge_of_[corner]];
     }
 
-    void divide(int face)
+    [[nodiscard]] bool is_divided(int corner) const
+    {
+        return edge_of_[corner] >= 0 && middle_[edge_of_[corner]] >= 0;
+    }
+    [[nodiscard]] int num_divided(int face) const
+    {
+        int n = 0;
+        for (int c = mesh_.offsets[face]; c < mesh_.offsets[face + 1]; ++c)
+            n += is_divided(c) ? 1 : 0;
+        return n;
+    }
+
+    void set_corner(int &at, int v, const flat_uv &uv)
+    {
+        fine_->corners[at] = v;
+        fine_->uv[at++] = uv;
+    }
+    // Ends a face of the fine mesh, whose corners end here.
+    void set_face(int &at, int source, int end)
+    {
+        fine_->sources[at++] = source;
+        fine_->offsets[at] = end;
+    }
+
+    void divide(int face, place_t to, std::vector<char> &active)
     {
         const int first = mesh_.offsets[face], end = mesh_.offsets[face + 1];
-        const auto centre = static_cast<int>(fine_->points.size());
-        fine_->points.push_back(to_point(face_points_[face]));
+        fine_->points[to.point] = to_point(face_points_[face]);
         double u = 0, v = 0;
         for (int c = first; c < end; ++c) {
             u += static_cast<double>(mesh_.uv[c].u);
@@ -281,23 +339,25 @@ private:
         const flat_uv uv = {static_cast<float>(u / (end - first)),
                             static_cast<float>(v / (end - first))};
         for (int c = first, before = end - 1; c < end; before = c++) {
-            fine_->add_corner(mesh_.corners[c], mesh_.uv[c]);
-            fine_->add_corner(middle_of(c), middle_uv(c, c + 1 < end ? c + 1 : first));
-            fine_->add_corner(centre, uv);
-            fine_->add_corner(middle_of(before), middle_uv(before, c));
-            fine_->end_face(mesh_.sources[face]);
+            set_corner(to.corner, mesh_.corners[c], mesh_.uv[c]);
+            set_corner(to.corner, middle_of(c), middle_uv(c, c + 1 < end ? c + 1 : first));
+            set_corner(to.corner, to.point, uv);
+            set_corner(to.corner, middle_of(before), middle_uv(before, c));
+            active[to.face] = 1;
+            set_face(to.face, mesh_.sources[face], to.corner);
         }
     }
 
-    void follow(int face)
+    void follow(int face, place_t to)
     {
         const int first = mesh_.offsets[face], end = mesh_.offsets[face + 1];
         for (int c = first; c < end; ++c) {
-            fine_->add_corner(mesh_.corners[c], mesh_.uv[c]);
-            if (edge_of_[c] >= 0 && middle_[edge_of_[c]] >= 0)
-                fine_->add_corner(middle_[edge_of_[c]], middle_uv(c, c + 1 < end ? c + 1 : first));
+            set_corner(to.corner, mesh_.corners[c], mesh_.uv[c]);
+            if (is_divided(c))
+                set_corner(to.corner, middle_[edge_of_[c]],
+                           middle_uv(c, c + 1 < end ? c + 1 : first));
         }
-        fine_->end_face(mesh_.sources[face]);
+        set_face(to.face, mesh_.sources[face], to.corner);
     }
 
     const smooth_mesh &from_;
@@ -308,7 +368,6 @@ private:
     progress_t &progress_;
     double &done_;
     vesk_mesh_t *fine_ = nullptr;
-    std::size_t active_corners_ = 0;
     std::vector<vec3d> face_points_;
     std::vector<int> middle_; // the vertex of each edge that is divided, or -1
     std::vector<vertex_rule> rules_;

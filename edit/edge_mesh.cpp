@@ -9,6 +9,7 @@
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/object_internal.h"
+#include "model/record_maker.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -215,13 +216,13 @@ public:
         session().committing = true;
         move_vertices();
         add_vertices();
-        listitem *made =
+        const record_chain made =
             make_surfaces(); // before the old ones, whose properties they take, are freed
         find_unused();
         freed_batch batch;
         drop_polygons(batch);
         drop_unused(batch);
-        append_surfaces(made);
+        list_append_chain(&object_->surfaces, &object_->num_surfaces, made);
         object_mark(object_, CHANGED_TOPOLOGY);
         session().committing = false;
     }
@@ -238,35 +239,31 @@ private:
 
     void add_vertices()
     {
-        listitem *last = object_->vertices != nullptr ? list_end(object_->vertices) : nullptr;
-        points_.reserve(mesh_.points.size());
-        for (std::size_t v = points_.size(); v < mesh_.points.size(); ++v) {
-            const point3_t &p = mesh_.points[v];
-            points_.push_back(new_vertex_set(p.x, p.y, p.z));
-            last = list_add_item_fast(&object_->vertices, last, points_.back());
-            ++object_->num_vertices;
-        }
+        const auto first = static_cast<int>(points_.size());
+        const auto count = static_cast<int>(mesh_.points.size());
+        if (count <= first)
+            return;
+        points_.resize(count);
+        const record_chain made = make_records(count - first, [&](int i, record_maker &maker) {
+            return points_[first + i] = maker.make(plain_vertex(mesh_.points[first + i]));
+        });
+        list_append_chain(&object_->vertices, &object_->num_vertices, made);
     }
 
-    listitem *make_surfaces()
+    [[nodiscard]] record_chain make_surfaces() const
     {
-        listitem *head = nullptr, *last = nullptr;
-        for (int face = 0; face < mesh_.num_faces(); ++face) {
-            surface_t *surface = new_surface();
+        const surface_t plain = plain_surface();
+        return make_records(mesh_.num_faces(), [&](int face, record_maker &maker) {
             const int source = mesh_.sources[face];
-            if (source >= 0)
-                surface_copy_record(surface, before_->surface_record(source));
+            surface_t *surface = maker.make(source >= 0 ? *before_->surface_record(source) : plain);
             auto corner = mesh_.offsets[face];
-            listitem *last_corner = nullptr;
+            listitem *last = nullptr;
             for (const int v : mesh_.face(face)) {
                 const flat_uv &uv = mesh_.uv[corner++];
-                last_corner = list_add_item_fast(&surface->refs, last_corner,
-                                                 new_svertex(points_[v], uv.u, uv.v));
-                ++surface->num_refs;
+                last = maker.add_corner(surface, last, {points_[v], uv.u, uv.v});
             }
-            last = list_add_item_fast(&head, last, surface);
-        }
-        return head;
+            return surface;
+        });
     }
 
     // Vertices that polygons had and nothing has any more.
@@ -301,12 +298,6 @@ private:
             &object_->vertices, batch, [&](const vertex * /*point*/, std::size_t i) {
                 return i < use_.size() && use_[i] == LOST;
             });
-    }
-
-    void append_surfaces(listitem *made)
-    {
-        list_append_list(&object_->surfaces, made);
-        object_->num_surfaces += mesh_.num_faces();
     }
 
     const vesk_mesh_t &mesh_;

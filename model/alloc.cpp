@@ -1,6 +1,7 @@
 #include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/list_internal.h"
+#include "model/record_pages.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -128,10 +129,23 @@ int myfree(void *block)
     if (!block)
         return 1;
     list_block_freed(block);
+    if (record_page *page = record_page_of(block); page != nullptr) {
+        record_pages_free(page, block);
+        return 1;
+    }
     if (state.mode == alloc_state::GUARDED)
         return guarded_free(block);
     HEAP_FREE(block);
     return 1;
+}
+
+void alloc_free_block(void *block) { HEAP_FREE(block); }
+
+bool alloc_is_guarded()
+{
+    if (state.mode == alloc_state::UNSET)
+        latch_mode();
+    return state.mode == alloc_state::GUARDED;
 }
 
 void alloc_set_mode(bool debug, bool tracking)
@@ -148,7 +162,7 @@ std::size_t alloc_process_bytes()
     std::size_t resident = 0;
     mi_process_info(nullptr, nullptr, nullptr, &resident, nullptr, nullptr, nullptr, nullptr);
     if (resident != 0)
-        return resident;
+        return resident + record_pages_bytes();
 #endif
     unsigned long size = 0;
     unsigned long pages = 0;

@@ -10,6 +10,10 @@
 // Takes effect only before the first allocation: from then on the mode is fixed for the run, since
 // a block taken in one mode and freed in the other would be misread.
 void alloc_set_mode(bool debug, bool tracking);
+// Whether blocks are guarded; fixes the mode.
+bool alloc_is_guarded();
+// myfree for a block of the heap, where blocks are not guarded: on any thread.
+void alloc_free_block(void *block);
 // Bytes in live blocks; counted in guarded mode only, else 0.
 long long alloc_total();
 // Bytes that the process holds, for "memory used": from the allocator, else from the system.

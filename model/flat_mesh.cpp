@@ -1,8 +1,11 @@
+#include "base/big_vector.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"
+#include "model/list_pieces.h"
 #include "model/object_internal.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <unordered_set>
 
@@ -31,87 +34,135 @@ std::size_t count(int n) { return static_cast<std::size_t>(std::max(n, 0)); }
 // One array of one element a vertex (surface), from the list; null when the list is not as long as
 // the array it replaces: the topology changed then, and nobody said so.
 template <class T, class Record, class Get>
-flat_array<T> read_array(const listitem *list, std::size_t n, const Get &get)
+flat_array<T> read_array(const listitem *head, std::size_t n, const Get &get)
 {
-    std::vector<T> elements(n);
-    std::size_t i = 0;
-    for (const Record *element : each<Record>(list)) {
-        if (i == n)
-            return nullptr;
-        elements[i++] = get(*element);
-    }
-    return i == n ? shared(std::move(elements)) : nullptr;
+    const list_pieces list(head);
+    if (list.length() != n)
+        return nullptr;
+    auto elements = big_vector<T>(n);
+    list.visit_all<Record>(
+        [&](const Record *element, std::size_t i) { elements[i] = get(*element); });
+    return shared(std::move(elements));
 }
 
 void read_vertices(const object_t *object, flat_mesh *flat)
 {
-    std::vector<point3_t> positions;
-    std::vector<point3_t> normals;
-    std::vector<vertex *> records;
-    positions.reserve(count(object->num_vertices));
-    normals.reserve(count(object->num_vertices));
-    records.reserve(count(object->num_vertices));
-    std::uint32_t n = 0;
-    for (vertex *point : each<vertex>(object->vertices)) {
-        set_vertex_number(point, n++);
-        positions.push_back(point->position);
-        normals.push_back(point->normal);
-        records.push_back(point);
-    }
+    const list_pieces list(object->vertices);
+    const std::size_t n = list.length();
+    auto positions = big_vector<point3_t>(n);
+    auto normals = big_vector<point3_t>(n);
+    auto records = big_vector<vertex *>(n);
+    list.visit_all<vertex>([&](vertex *point, std::size_t i) {
+        set_vertex_number(point, static_cast<std::uint32_t>(i));
+        positions[i] = point->position;
+        normals[i] = point->normal;
+        records[i] = point;
+    });
     flat->positions = shared(std::move(positions));
     flat->normals = shared(std::move(normals));
     flat->vertex_records = shared(std::move(records));
 }
 
-// The vertices are numbered.
-void read_surfaces(const object_t *object, flat_mesh *flat)
-{
-    const std::vector<vertex *> &points = *flat->vertex_records;
-    const std::size_t num_surfaces = count(object->num_surfaces);
-    std::vector<point3_t> normals;
-    std::vector<flat_surface> surfaces;
-    std::vector<std::int32_t> offsets;
-    std::vector<surface_t *> records;
-    std::vector<std::int32_t> corners;
-    std::vector<flat_uv> texture_coords;
-    normals.reserve(num_surfaces);
-    surfaces.reserve(num_surfaces);
-    offsets.reserve(num_surfaces + 1);
-    records.reserve(num_surfaces);
-    std::size_t num_corners = 0;
-    for (const surface_t *surface : each<surface_t>(object->surfaces))
-        num_corners += count(surface->num_refs);
-    corners.reserve(num_corners);
-    texture_coords.reserve(num_corners);
-
-    offsets.push_back(0);
-    for (surface_t *surface : each<surface_t>(object->surfaces)) {
-        for (const svertex *reference : each<svertex>(surface->refs)) {
-            const vertex *point = reference->vertex;
-            const std::uint32_t number = point ? vertex_number(point) : UINT32_MAX;
-            if (number >= points.size() || points[number] != point)
-                continue;
-            corners.push_back(static_cast<std::int32_t>(number));
-            texture_coords.push_back({reference->u, reference->v});
-        }
-        normals.push_back(surface->normal);
-        surfaces.push_back(attributes_of(*surface));
-        records.push_back(surface);
-        offsets.push_back(static_cast<std::int32_t>(corners.size()));
+// Reads the surfaces of an object whose vertices are numbered, the pieces of the list side by side.
+class surface_reader {
+public:
+    surface_reader(const object_t *object, const std::vector<vertex *> &points)
+        : points_(points), list_(object->surfaces)
+    {
+        const std::size_t n = list_.length();
+        normals_ = big_vector<point3_t>(n);
+        surfaces_ = big_vector<flat_surface>(n);
+        offsets_ = big_vector<std::int32_t>(n + 1);
+        records_ = big_vector<surface_t *>(n);
     }
-    flat->face_normals = shared(std::move(normals));
-    flat->surfaces = shared(std::move(surfaces));
-    flat->corner_offsets = shared(std::move(offsets));
-    flat->surface_records = shared(std::move(records));
-    flat->corners = shared(std::move(corners));
-    flat->texture_coords = shared(std::move(texture_coords));
-}
+
+    void run(flat_mesh *flat)
+    {
+        // As many corners as the surfaces say, which plug-ins and foreign vertices may belie.
+        const auto said = [](const surface_t &surface) { return count(surface.num_refs); };
+        const auto real = [this](const surface_t &surface) {
+            std::size_t n = 0;
+            for (const svertex *reference : each<svertex>(surface.refs))
+                n += number_of(reference->vertex) != UINT32_MAX ? 1 : 0;
+            return n;
+        };
+        if (!read(said))
+            read(real);
+        flat->face_normals = shared(std::move(normals_));
+        flat->surfaces = shared(std::move(surfaces_));
+        flat->corner_offsets = shared(std::move(offsets_));
+        flat->surface_records = shared(std::move(records_));
+        flat->corners = shared(std::move(corners_));
+        flat->texture_coords = shared(std::move(texture_coords_));
+    }
+
+private:
+    // UINT32_MAX for what is not the object's.
+    [[nodiscard]] std::uint32_t number_of(const vertex *point) const
+    {
+        const std::uint32_t number = point ? vertex_number(point) : UINT32_MAX;
+        return number < points_.size() && points_[number] == point ? number : UINT32_MAX;
+    }
+
+    // False when a piece has other corners than num_corners() of its surfaces.
+    template <class NumCorners>
+    bool read(const NumCorners &num_corners)
+    {
+        std::vector<std::size_t> starts(list_.count() + 1);
+        list_.for_each_piece([&](int piece) {
+            std::size_t n = 0;
+            list_.visit<surface_t>(
+                piece, [&](const surface_t *surface, std::size_t) { n += num_corners(*surface); });
+            starts[piece + 1] = n;
+        });
+        for (std::size_t i = 1; i < starts.size(); ++i)
+            starts[i] += starts[i - 1];
+        corners_ = big_vector<std::int32_t>(starts.back());
+        texture_coords_ = big_vector<flat_uv>(starts.back());
+        std::atomic<bool> fits = true;
+        list_.for_each_piece([&](int piece) {
+            if (!read_piece(piece, starts[piece], starts[piece + 1]))
+                fits = false;
+        });
+        return fits;
+    }
+
+    bool read_piece(int piece, std::size_t at, std::size_t end)
+    {
+        list_.visit<surface_t>(piece, [&](surface_t *surface, std::size_t i) {
+            for (const svertex *reference : each<svertex>(surface->refs)) {
+                const std::uint32_t number = number_of(reference->vertex);
+                if (number == UINT32_MAX)
+                    continue;
+                if (at < end) {
+                    corners_[at] = static_cast<std::int32_t>(number);
+                    texture_coords_[at] = {reference->u, reference->v};
+                }
+                ++at;
+            }
+            normals_[i] = surface->normal;
+            surfaces_[i] = attributes_of(*surface);
+            records_[i] = surface;
+            offsets_[i + 1] = static_cast<std::int32_t>(at);
+        });
+        return at == end;
+    }
+
+    const std::vector<vertex *> &points_;
+    list_pieces list_;
+    std::vector<point3_t> normals_;
+    std::vector<flat_surface> surfaces_;
+    std::vector<std::int32_t> offsets_;
+    std::vector<surface_t *> records_;
+    std::vector<std::int32_t> corners_;
+    std::vector<flat_uv> texture_coords_;
+};
 
 std::shared_ptr<flat_mesh> read_everything(const object_t *object)
 {
     auto flat = std::make_shared<flat_mesh>();
     read_vertices(object, flat.get());
-    read_surfaces(object, flat.get());
+    surface_reader(object, *flat->vertex_records).run(flat.get());
     return flat;
 }
 

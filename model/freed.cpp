@@ -5,6 +5,7 @@
 #include "model/freed_internal.h"
 #include "model/object_internal.h"
 #include "model/property.h"
+#include "model/record_maker.h"
 #include "model/world.h"
 
 namespace {
@@ -31,10 +32,13 @@ void announce(const freed_things &freed)
 void free_object_record(object_t *object)
 {
     state_forget(object);
+    std::vector<surface_t *> surfaces;
+    std::vector<vertex *> vertices;
     for (surface_t *surface : each<surface_t>(object->surfaces))
-        surface_free_record(surface);
+        surfaces.push_back(surface);
     for (vertex *point : each<vertex>(object->vertices))
-        vertex_free_record(point);
+        vertices.push_back(point);
+    free_records(surfaces, vertices);
     list_free(&object->surfaces);
     list_free(&object->vertices);
     list_free(&object->children);
@@ -68,10 +72,7 @@ void finish(const freed_things &freed)
         announce(freed);
     for (object_t *object : freed.objects)
         free_object_record(object);
-    for (surface_t *surface : freed.surfaces)
-        surface_free_record(surface);
-    for (vertex *point : freed.vertices)
-        vertex_free_record(point);
+    free_records(freed.surfaces, freed.vertices);
 }
 
 // Held elements that were not met in a walk of the living.

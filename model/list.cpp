@@ -150,6 +150,12 @@ void list_forget_tail(const listitem *head)
         drop_slot(slot);
 }
 
+void list_forget_all()
+{
+    tails = {};
+    fast = {};
+}
+
 void list_block_freed(const void *block)
 {
     if (fast.head == block)

@@ -2,19 +2,19 @@
 
 #include "base/prefs.h"
 #include "model/change_marks.h"
-#include "model/each.h"
+#include "model/list_pieces.h"
 #include "model/vector.h"
 
 #include <cmath>
 
 namespace {
 
-void clear_vertex_normals(const object_t *object)
+void clear_vertex_normals(const list_pieces &vertices)
 {
-    for (vertex *point : each<vertex>(object->vertices)) {
+    vertices.visit_all<vertex>([](vertex *point, std::size_t) {
         point->normal = {0, 0, 0};
         point->surface_count = 0;
-    }
+    });
 }
 
 void add_to_corners(const surface_t *surface)
@@ -33,20 +33,30 @@ void add_to_corners(const surface_t *surface)
 
 // Deliberate: the squared length is truncated to an integer before the root is taken, so that a sum
 // shorter than 1 stays as it is and others are normalised by whole squares only.
-void finish_vertex_normals(const object_t *object)
+void finish_vertex_normals(const list_pieces &vertices)
 {
     constexpr float too_long = 2147483648.0f;
-    for (vertex *point : each<vertex>(object->vertices)) {
+    vertices.visit_all<vertex>([](vertex *point, std::size_t) {
         point3_t &normal = point->normal;
         const auto squared = static_cast<float>(point_dot(normal, normal));
         const int whole = squared < too_long ? static_cast<int>(squared) : 0; // also for no number
         if (whole == 0 || whole == 1)
-            continue;
+            return;
         const double root = std::sqrt(static_cast<double>(whole));
         normal.x = static_cast<float>(normal.x / root);
         normal.y = static_cast<float>(normal.y / root);
         normal.z = static_cast<float>(normal.z / root);
-    }
+    });
+}
+
+// From the surface normals as they are. One after the other: the sums depend on the order.
+void add_vertex_normals(const object_t *object)
+{
+    const list_pieces vertices(object->vertices);
+    clear_vertex_normals(vertices);
+    for (const surface_t *surface : each<surface_t>(object->surfaces))
+        add_to_corners(surface);
+    finish_vertex_normals(vertices);
 }
 
 } // namespace
@@ -77,12 +87,10 @@ void surface_calc_normal(surface_t *surface)
 void object_calc_normals_force(object_t *object)
 {
     for_each_object(object, [](object_t *part) {
-        clear_vertex_normals(part);
-        for (surface_t *surface : each<surface_t>(part->surfaces)) {
+        list_pieces(part->surfaces).visit_all<surface_t>([](surface_t *surface, std::size_t) {
             surface_calc_normal(surface);
-            add_to_corners(surface);
-        }
-        finish_vertex_normals(part);
+        });
+        add_vertex_normals(part);
         object_mark(part, CHANGED_NORMALS);
     });
 }
@@ -90,10 +98,7 @@ void object_calc_normals_force(object_t *object)
 void object_calc_vertex_normals(object_t *object)
 {
     for_each_object(object, [](object_t *part) {
-        clear_vertex_normals(part);
-        for (const surface_t *surface : each<surface_t>(part->surfaces))
-            add_to_corners(surface);
-        finish_vertex_normals(part);
+        add_vertex_normals(part);
         object_mark(part, CHANGED_NORMALS);
     });
 }

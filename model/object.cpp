@@ -8,6 +8,7 @@
 #include "model/lights.h"
 #include "model/matrix.h"
 #include "model/object_internal.h"
+#include "model/record_maker.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ vertex *new_vertex_set(float x, float y, float z)
 {
     auto *point = static_cast<vertex *>(myalloc(sizeof(vertex)));
     if (point)
-        *point = {{x, y, z}, {0, 1, 0}, {0, 0}, 0};
+        *point = plain_vertex({x, y, z});
     return point;
 }
 
@@ -100,11 +101,9 @@ vertex *vertex_clone(const vertex *source)
 
 surface_t *new_surface(void)
 {
-    auto *surface = new_record<surface_t>();
-    if (surface) {
-        surface->material = 1;
-        surface->twosided = 1;
-    }
+    auto *surface = static_cast<surface_t *>(myalloc(sizeof(surface_t)));
+    if (surface)
+        *surface = plain_surface();
     return surface;
 }
 
@@ -162,10 +161,11 @@ void object_add_vertices(object_t *object, const listitem *vertices)
 int vesk_object_add_vertices_from_float_array(object_t *object, const float *xyz, int n)
 {
     const int first = object->num_vertices;
-    listitem *last = object->vertices ? list_end(object->vertices) : nullptr;
-    for (int i = 0; i < n; ++i, xyz += 3)
-        last = list_add_item_fast(&object->vertices, last, new_vertex_set(xyz[0], xyz[1], xyz[2]));
-    object->num_vertices += std::max(n, 0);
+    const record_chain made = make_records(n, [xyz](int i, record_maker &maker) {
+        const float *at = xyz + 3 * static_cast<std::ptrdiff_t>(i);
+        return maker.make(plain_vertex({at[0], at[1], at[2]}));
+    });
+    list_append_chain(&object->vertices, &object->num_vertices, made);
     object_mark(object, CHANGED_TOPOLOGY);
     return first;
 }
@@ -206,23 +206,22 @@ int vesk_object_add_surfaces_from_arrays(object_t *object, int n, const int *off
     for (vertex *point : each<vertex>(object->vertices))
         points.push_back(point);
 
-    listitem *last = object->surfaces ? list_end(object->surfaces) : nullptr;
-    for (int i = 0; i < n; ++i) {
-        surface_t *surface = new_surface();
-        surface->material = material;
-        last = list_add_item_fast(&object->surfaces, last, surface);
-        listitem *last_ref = nullptr;
+    surface_t like = plain_surface();
+    like.material = material;
+    const record_chain made = make_records(n, [&](int i, record_maker &maker) {
+        surface_t *surface = maker.make(like);
+        listitem *last = nullptr;
         for (int corner = offsets[i]; corner < offsets[i + 1]; ++corner) {
             const int index = indices[corner];
             if (index < 0 || std::cmp_greater_equal(index, points.size()))
                 continue;
-            svertex *reference =
-                new_svertex(points[index], uv ? uv[2 * corner] : 0, uv ? uv[2 * corner + 1] : 0);
-            last_ref = list_add_item_fast(&surface->refs, last_ref, reference);
-            ++surface->num_refs;
+            last = maker.add_corner(
+                surface, last,
+                {points[index], uv ? uv[2 * corner] : 0, uv ? uv[2 * corner + 1] : 0});
         }
-    }
-    object->num_surfaces += std::max(n, 0);
+        return surface;
+    });
+    list_append_chain(&object->surfaces, &object->num_surfaces, made);
     object_mark(object, CHANGED_TOPOLOGY);
     return first;
 }

@@ -6,6 +6,16 @@
 #include <cstdint>
 #include <cstring>
 
+// The records as they are made, at a place; without corners.
+inline vertex plain_vertex(const point3_t &at) { return {at, {0, 1, 0}, {0, 0}, 0}; }
+inline surface_t plain_surface()
+{
+    surface_t surface = {};
+    surface.material = 1;
+    surface.twosided = 1;
+    return surface;
+}
+
 // Frees the record, a surface's corners with it; notifies nobody: freed.h says what its callers
 // must do.
 void vertex_free_record(vertex *point);

@@ -22,6 +22,8 @@ target_sources(vesk_core PRIVATE
     model/owners.cpp
     model/palette.cpp
     model/property.cpp
+    model/record_maker.cpp
+    model/record_pages.cpp
     model/vertex_colours.cpp
     model/world.cpp
     model/world_check.cpp

@@ -17,6 +17,7 @@
 #include "model/alloc_internal.h"
 #include "model/object_internal.h"
 #include "model/palette.h"
+#include "model/record_pages.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 #include "plugin/exporters.h"
@@ -285,6 +286,7 @@ int vesk_run(int argc, char **argv, const startup_toolkit_t &toolkit)
         return 0;
     }
     alloc_use_big_pages();
+    record_pages_reserve();
     find_home();
     print_banner();
     console_printf("VESK_HOME is %s\n", vesk_get_vesk_homedir());

@@ -8,6 +8,7 @@
 #include "model/freed.h"
 #include "model/list_internal.h"
 #include "model/object_internal.h"
+#include "model/record_maker.h"
 #include "model/vertex_colours.h"
 
 #include <algorithm>
@@ -305,34 +306,14 @@ std::size_t mesh_change::end_of(std::size_t made) const
     return made + 1 < surfaces_.size() ? surfaces_[made + 1].first_corner : corners_.size();
 }
 
-// A corner of a removed surface, with its node, to be used again instead of freeing one and
-// allocating another. Null when there is none. Long surfaces may be known to the short cuts into
-// lists: theirs are freed.
-listitem *mesh_change::take_corner()
-{
-    constexpr int too_long = 16;
-    for (; taken_from_ < gone_surfaces_.size(); ++taken_from_) {
-        if (!gone_surfaces_[taken_from_])
-            continue;
-        surface_t *surface = before_->surface_record(taken_from_);
-        listitem *node = surface->refs;
-        if (node == nullptr || node->data == 0 || surface->num_refs >= too_long)
-            continue;
-        list_forget_tail(node);
-        surface->refs = node->next;
-        --surface->num_refs;
-        node->next = nullptr;
-        return node;
-    }
-    return nullptr;
-}
-
-surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result)
+surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result,
+                                     record_maker &maker) const
 {
     const made_surface &made = surfaces_[index];
-    surface_t *surface = new_surface();
-    if (made.like >= 0)
-        surface_copy_record(surface, before_->surface_record(made.like));
+    if (end_of(index) == made.first_corner)
+        return nullptr;
+    surface_t *surface =
+        maker.make(made.like >= 0 ? *before_->surface_record(made.like) : plain_surface());
     if (made.type >= 0)
         surface_set_type(surface, made.type);
     if (made.material >= 0)
@@ -340,40 +321,31 @@ surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &resul
     listitem *last = nullptr;
     for (std::size_t c = made.first_corner; c < end_of(index); ++c) {
         const auto &[at, uv] = corners_[c];
-        vertex *point = vertex_at(at, result);
-        if (listitem *node = take_corner(); node != nullptr) {
-            *item_of<svertex>(node) = {point, uv.u, uv.v};
-            (last != nullptr ? last->next : surface->refs) = node;
-            last = node;
-        } else {
-            last = list_add_item_fast(&surface->refs, last, new_svertex(point, uv.u, uv.v));
-        }
-        ++surface->num_refs;
+        last = maker.add_corner(surface, last, {vertex_at(at, result), uv.u, uv.v});
     }
     return surface;
 }
 
 void mesh_change::link(mesh_result &result)
 {
-    listitem *last = object_->vertices != nullptr ? list_end(object_->vertices) : nullptr;
-    for (const made_vertex &made : vertices_) {
-        vertex *point =
-            made.like < 0 ? new_vertex() : vertex_clone(before_->vertex_record(made.like));
-        point->position = made.position;
-        last = list_add_item_fast(&object_->vertices, last, point);
-        result.vertices.push_back(point);
-    }
-    object_->num_vertices += static_cast<int>(vertices_.size());
+    result.vertices.resize(vertices_.size());
+    const record_chain points =
+        make_records(static_cast<int>(vertices_.size()), [&](int i, record_maker &maker) {
+            const made_vertex &made = vertices_[i];
+            vertex value = made.like < 0 ? plain_vertex({}) : *before_->vertex_record(made.like);
+            value.position = made.position;
+            return result.vertices[i] = maker.make(value);
+        });
+    list_append_chain(&object_->vertices, &object_->num_vertices, points);
 
-    last = object_->surfaces != nullptr ? list_end(object_->surfaces) : nullptr;
-    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
-        if (end_of(i) == surfaces_[i].first_corner)
-            continue;
-        surface_t *surface = make_surface(i, result);
-        last = list_add_item_fast(&object_->surfaces, last, surface);
-        ++object_->num_surfaces;
-        result.surfaces.push_back(surface);
-    }
+    result.surfaces.resize(surfaces_.size());
+    const record_chain made =
+        make_records(static_cast<int>(surfaces_.size()), [&](int i, record_maker &maker) {
+            return result.surfaces[i] = make_surface(i, result, maker);
+        });
+    list_append_chain(&object_->surfaces, &object_->num_surfaces, made);
+    if (made.count < static_cast<int>(result.surfaces.size()))
+        std::erase(result.surfaces, nullptr);
 }
 
 // Colours of another number of vertices might fit by chance now.
@@ -431,8 +403,6 @@ mesh_result mesh_change::commit()
     const std::vector<unsigned char> colours =
         other_vertices ? object_vertex_colours(object_) : std::vector<unsigned char>();
     session().committing = true;
-    result.vertices.reserve(vertices_.size());
-    result.surfaces.reserve(surfaces_.size());
     link(result); // before the elements it copies from are freed
     edit_corners(result);
     if (removes)

@@ -11,6 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
+class record_maker;
+
 struct mesh_result {
     std::vector<vertex *> vertices;    // the new ones, in order
     std::vector<surface_t *> surfaces; // the new ones, in order
@@ -106,8 +108,8 @@ private:
     void drop_references() const;
     void unlink();
     void link(mesh_result &result);
-    surface_t *make_surface(std::size_t index, const mesh_result &result);
-    listitem *take_corner();
+    surface_t *make_surface(std::size_t index, const mesh_result &result,
+                            record_maker &maker) const;
     void drop_colours() const;
     void carry_colours(const std::vector<unsigned char> &old) const;
     [[nodiscard]] std::size_t end_of(std::size_t made) const;
@@ -121,7 +123,6 @@ private:
     std::vector<std::int32_t> corners_after_;         // empty without edits
     std::vector<bool> gone_vertices_, gone_surfaces_; // empty while none is removed
     std::unordered_map<const surface_t *, int> places_;
-    std::size_t taken_from_ = 0; // the removed surface whose corners are used again now
     bool remove_unused_ = false;
 };
 

@@ -44,7 +44,7 @@ class assembler {
 public:
     assembler(solid_meshes &solids, const solid_faces &faces, int parts, solid_operation operation)
         : solids_(solids), points_(solids.points()), faces_(faces), parts_(parts),
-          operation_(operation)
+          operation_(operation), places_(solids.take_places())
     {
     }
     solid_result make();
@@ -79,7 +79,7 @@ private:
     double blur_ = 0;
     std::unordered_map<int, int> new_number_;
     std::unordered_map<std::uint64_t, int> whole_sides_; // of units that stay whole; when asked for
-    position_index places_{0};
+    position_index places_; // of the input points, then of those that were made as well
 };
 
 void assembler::sort_faces()
@@ -263,8 +263,6 @@ bool assembler::is_outline(const solid_result::polygon_t &polygon) const
 void assembler::round()
 {
     result_.num_points = points_.num_input();
-    for (int p = 0; p < points_.num_input(); ++p)
-        places_.find_or_add(points_.rounded(p), p);
     for (const loop_t &loop : loops_) {
         int start = loop.first;
         const int end = start + loop.count;

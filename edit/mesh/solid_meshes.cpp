@@ -2,7 +2,6 @@
 
 #include "base/worker.h"
 #include "edit/mesh/edge_order.h"
-#include "edit/mesh/position_index.h"
 #include "model/ear_cut.h"
 
 #include <algorithm>
@@ -20,7 +19,7 @@ bool solid_meshes::number_points()
     std::size_t total = 0;
     for (const flat_ptr &mesh : meshes_)
         total += mesh->positions->size();
-    position_index index(total);
+    places_ = position_index(total);
     std::vector<point3_t> points;
     points.reserve(total);
     vertices_.reserve(total);
@@ -30,7 +29,7 @@ bool solid_meshes::number_points()
         for (const point3_t &p : *meshes_[m]->positions) {
             if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
                 return false;
-            const int number = index.find_or_add(p, static_cast<int>(points.size()));
+            const int number = places_.find_or_add(p, static_cast<int>(points.size()));
             if (number == static_cast<int>(points.size())) {
                 points.push_back(p);
                 vertices_.emplace_back(m, static_cast<int>(own.size()));

@@ -4,6 +4,7 @@
 // Meshes as exact arithmetic wants them: points, polygons, triangles and a tree of these.
 
 #include "edit/mesh/crossings.h"
+#include "edit/mesh/position_index.h"
 #include "model/flat_mesh.h"
 
 #include <functional>
@@ -40,6 +41,8 @@ public:
     // One vertex of each point: the first, as mesh and place in it.
     [[nodiscard]] std::pair<int, int> vertex_of(int point) const { return vertices_[point]; }
     [[nodiscard]] int point_of(int mesh, int v) const { return point_of_[mesh][v]; }
+    // The points by their places; for the one who adds the made ones, once.
+    [[nodiscard]] position_index take_places() { return std::move(places_); }
     // The edges, as pairs of points, that a part's polygons do not use as often in one direction as
     // in the other; with one of the polygons.
     struct open_edge_t {
@@ -60,6 +63,7 @@ private:
     std::vector<unit_t> units_;
     std::vector<int> corners_, first_corner_ = {0};
     std::vector<solid_triangle> triangles_;
+    position_index places_{0};
     std::unique_ptr<exact_points> points_;
     std::unique_ptr<box_tree> tree_;
 };

@@ -8,6 +8,7 @@ target_sources(vesk_tests PRIVATE
     model/moved_vertices_test.cpp
     model/object_test.cpp
     model/palette_test.cpp
+    model/record_maker_test.cpp
     model/textures/image_test.cpp
     model/textures/image_writer.cpp
     model/textures/texture_test.cpp

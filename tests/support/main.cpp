@@ -1,4 +1,5 @@
 #include "base/crash_guard.h"
+#include "model/record_pages.h"
 
 #include <gtest/gtest.h>
 
@@ -6,5 +7,6 @@ int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);
     crash_guard::install();
+    record_pages_reserve();
     return RUN_ALL_TESTS();
 }
