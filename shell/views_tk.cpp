@@ -135,10 +135,11 @@ bool draw_how_wanted(Togl *togl, int view, draw_how how)
 void draw(int view, draw_how how)
 {
     Togl *togl = togl_of(view);
+    const double started = ui_port().now_seconds();
+    // Whatever comes of it: a view that stayed due would keep the turn from the others.
+    widgets.due[view].at = widgets.drawing[view] ? started + settle_seconds : never;
     if (togl == nullptr || widgets.drawing[view] || !Tk_IsMapped(Togl_TkWin(togl)))
         return;
-    const double started = ui_port().now_seconds();
-    widgets.due[view].at = never;
     widgets.drawing[view] = true; // a box shown from inside lets events in
     Togl_MakeCurrent(togl);
     bool finished = true;

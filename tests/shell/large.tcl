@@ -94,4 +94,13 @@ run {
     check "a drag leaves the picture of the model as it is now" {
         [lmap view {xz xyz} shown $dragged {pixels_that_differ $shown [picture $view]}] eq {0 0}
     }
+
+    # One view alone: the hidden ones, whose pictures were due, do not keep their turn from it.
+    vesk set_select_mode object
+    vesk select_all
+    vesk move 0 0.1 0
+    update
+    check "a move leaves quick pictures" {[string match *unfinished* [vesk view_layers 3]]}
+    set ::viewsetting xyz
+    check "a view that is alone is drawn in full" {![string match *unfinished* [vesk view_layers 3]]}
 }
