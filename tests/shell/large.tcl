@@ -3,6 +3,9 @@
 
 source [file join [file dirname [info script]] support.tcl]
 
+# Whole pictures of four views in software take seconds on a busy machine.
+set ::test::limit 60000
+
 # Views are drawn in full a part at a time; then they say so. Asked seldom, for builds that look after
 # every command whether the model changed.
 proc at_rest {} {
