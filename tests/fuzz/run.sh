@@ -18,7 +18,9 @@ trap 'rm -rf "$scratch"' EXIT
 export TMPDIR=$scratch
 # What a reader may take for a file below 1 MB: 2 GB, and a second; the checks make it ten times slower.
 limits=(-rss_limit_mb=2048 -malloc_limit_mb=2048 -timeout=10 -max_len=65536)
-export ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=0 UBSAN_OPTIONS=print_stacktrace=1
+# Short stacks of allocations and plain turns through the corpus: 2.6 times the inputs in the same time.
+export ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=0:malloc_context_size=3
+export UBSAN_OPTIONS=print_stacktrace=1
 
 run_target() {
     local target=$1 share=$2 log=$scratch/$1.log
@@ -31,7 +33,7 @@ run_target() {
         "$program" "${limits[@]}" "$cases"/* >>"$log" 2>&1 || { cat "$log"; return 1; }
     fi
     local options=("${limits[@]}" -seed="$seed" -max_total_time="$share" -print_final_stats=1
-        -print_funcs=0 -artifact_prefix="$scratch/found-$target-")
+        -print_funcs=0 -entropic=0 -artifact_prefix="$scratch/found-$target-")
     [ -f "$dictionary" ] && options+=(-dict="$dictionary")
     if ! "$program" "${options[@]}" "$corpus" "$scratch/seeds/$target" >>"$log" 2>&1; then
         tail -c 6000 "$log"
