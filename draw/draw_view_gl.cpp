@@ -11,6 +11,7 @@
 #include "view/pick.h"
 #include "view/views_internal.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
@@ -87,6 +88,7 @@ picture_t begin_picture(int view, int width, int height, draw_pace pace)
     view_state_t &state = states[view];
     scene_t scene = is_distrusted(state) ? scene_t() : gather_scene(pace);
     state.budget.expect(scene_vertices(scene));
+    state.budget.take_shares(detail_shares(scene));
     return {view, width,         height,  view_interface_scale(), std::move(scene),
             {},   &state.budget, nullptr, ui_port().now_seconds()};
 }
@@ -111,13 +113,16 @@ void draw_over(picture_t &picture)
 }
 
 // Notes the cost of smoothing, that of all layers against the present ones; or that of coarse detail.
+// What is not complete says nothing.
 void learn_from_quick(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
     if (picture.layers.detail > 0) {
-        budget.note_coarse(picture.layers.expected, seconds);
+        budget.note_coarse(picture.layers, seconds);
         return;
     }
+    if (!picture.scene.complete)
+        return;
     double expected = budget.cost(draw_layer::rest);
     if (picture.layers.fill)
         expected += budget.cost(draw_layer::fill);
@@ -125,8 +130,8 @@ void learn_from_quick(picture_t &picture, double seconds)
         expected += budget.cost(draw_layer::edges);
     if (picture.layers.vertices)
         expected += budget.cost(draw_layer::vertices);
-    if (!picture.layers.smoothing && expected > seconds)
-        budget.note(draw_layer::smoothing, expected - seconds);
+    if (!picture.layers.smoothing)
+        budget.note(draw_layer::smoothing, std::max(expected - seconds, 0.0));
 }
 
 } // namespace
@@ -150,13 +155,10 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
                                       anything_moves(seconds) ? draw_pace::moving
                                       : in_full               ? draw_pace::at_once
                                                               : draw_pace::at_rest);
-    if (!anything_moves(seconds))
-        ask_workers(picture.scene);
     const double started = picture.started;
     const bool quick =
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
-    picture.layers =
-        state.budget.choose(quick, is_orthographic(view), detail_shares(picture.scene));
+    picture.layers = state.budget.choose(quick, is_orthographic(view));
     choose_detail(picture.scene, picture.layers.detail);
     picture.layers.boxes_only = state.distrusted || (moving && picture.layers.boxes_only);
     // The first picture of a size is quick; it is drawn again when the size stays.
@@ -177,6 +179,8 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
         learn_from_quick(picture, seconds_until_drawn() - started);
     state.partial = quick || resized || !up_to_date;
     state.layers = picture.layers;
+    if (!anything_moves(seconds))
+        ask_workers(picture.scene);
 }
 
 bool draw_view_slice(int view, int width, int height, double seconds)
