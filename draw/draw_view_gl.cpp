@@ -25,8 +25,9 @@ constexpr float label_y = 17;
 // A picture at rest that is being drawn.
 struct unfinished_t {
     bool begun = false;
-    std::uint64_t steps = 0; // that are drawn
+    slice_progress_t progress;
     layer_costs_t costs = {};
+    scene_t scene;
     // of the model and the selection that it shows
     std::uint64_t changes = 0;
     unsigned marks = 0;
@@ -82,15 +83,47 @@ void ask_workers(const scene_t &scene)
         pick_prepare();
 }
 
-// The model as it is now; the layers are chosen by the caller.
-picture_t begin_picture(int view, int width, int height, draw_pace pace)
+// The model as it is now.
+scene_t scene_of(view_state_t &state, draw_pace pace)
 {
-    view_state_t &state = states[view];
     scene_t scene = is_distrusted(state) ? scene_t() : gather_scene(pace);
     state.budget.expect(scene_vertices(scene));
     state.budget.take_shares(detail_shares(scene));
-    return {view, width,         height,  view_interface_scale(), std::move(scene),
-            {},   &state.budget, nullptr, ui_port().now_seconds()};
+    return scene;
+}
+
+// The layers are chosen by the caller.
+picture_t begin_picture(int view, int width, int height, scene_t scene)
+{
+    return {view,
+            width,
+            height,
+            view_interface_scale(),
+            std::move(scene),
+            {},
+            &states[view].budget,
+            nullptr,
+            ui_port().now_seconds()};
+}
+
+bool is_current(const unfinished_t &unfinished)
+{
+    return unfinished.begun && unfinished.changes == model_change_count() &&
+           unfinished.marks == selection_marks_generation() &&
+           unfinished.layouts == buffers_generation();
+}
+
+// Of a picture whose first slice comes next: without a complete scene there is none.
+bool begin_unfinished(view_state_t &state)
+{
+    unfinished_t &unfinished = state.unfinished;
+    unfinished = {};
+    unfinished.scene = scene_of(state, draw_pace::at_rest);
+    unfinished.changes = model_change_count();
+    unfinished.marks = selection_marks_generation();
+    unfinished.layouts = buffers_generation();
+    ask_workers(unfinished.scene);
+    return unfinished.scene.complete;
 }
 
 void draw_layers(picture_t &picture)
@@ -151,10 +184,10 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     state.unfinished = {};
     const bool moving = view_is_moving(view, seconds);
     const bool up_to_date = boolean_live_update(moving && !in_full);
-    picture_t picture = begin_picture(view, width, height,
-                                      anything_moves(seconds) ? draw_pace::moving
-                                      : in_full               ? draw_pace::at_once
-                                                              : draw_pace::at_rest);
+    const draw_pace pace = anything_moves(seconds) ? draw_pace::moving
+                           : in_full               ? draw_pace::at_once
+                                                   : draw_pace::at_rest;
+    picture_t picture = begin_picture(view, width, height, scene_of(state, pace));
     const double started = picture.started;
     const bool quick =
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
@@ -194,16 +227,11 @@ bool draw_view_slice(int view, int width, int height, double seconds)
         return true;
     }
     const bool up_to_date = boolean_live_update(false);
-    picture_t picture = begin_picture(view, width, height, draw_pace::at_rest);
-    ask_workers(picture.scene);
-    if (!picture.scene.complete) {
+    if (!is_current(unfinished) && !begin_unfinished(state)) {
         draw_view(view, width, height, seconds, false);
         return true;
     }
-    if (unfinished.changes != model_change_count() ||
-        unfinished.marks != selection_marks_generation() ||
-        unfinished.layouts != buffers_generation())
-        unfinished = {};
+    picture_t picture = begin_picture(view, width, height, std::move(unfinished.scene));
     picture.costs = &unfinished.costs;
     picture.layers = state.budget.choose(false, is_orthographic(view));
     picture.layers.boxes_only = state.distrusted;
@@ -212,14 +240,10 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     else
         frame_resume(view, width, height);
     unfinished.begun = true;
-    unfinished.changes = model_change_count();
-    unfinished.marks = selection_marks_generation();
-    unfinished.layouts = buffers_generation();
-    slice_begin(unfinished.steps, slow ? slice_seconds : any_time, [] { glFinish(); });
+    slice_begin(&unfinished.progress, slow ? slice_seconds : any_time, [] { glFinish(); });
     draw_layers(picture);
-    const slice_end_t end = slice_end();
-    unfinished.steps = end.done;
-    if (!end.finished) {
+    if (!slice_end()) {
+        unfinished.scene = std::move(picture.scene);
         frame_pause();
         return false;
     }
