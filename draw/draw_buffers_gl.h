@@ -54,6 +54,8 @@ unsigned buffers_generation();
 
 // Has coarse versions made of the large objects that have none of their present shape.
 void buffers_ask_for_coarse();
+// Takes a part of those that were made, between two slices of a picture; a picture's begin takes all.
+void buffers_take_some_coarse();
 
 // Frees the buffers of objects that were not drawn since the last sweep.
 void buffers_sweep();

@@ -227,6 +227,8 @@ bool draw_view_slice(int view, int width, int height, double seconds)
         return true;
     }
     const bool up_to_date = boolean_live_update(false);
+    if (is_current(unfinished))
+        buffers_take_some_coarse();
     if (!is_current(unfinished) && !begin_unfinished(state)) {
         draw_view(view, width, height, seconds, false);
         return true;
