@@ -23,7 +23,7 @@ constexpr std::uint32_t page_indices = 6 * page_slots;
 constexpr std::uint32_t most_sorted_triangles = 20000;
 
 constexpr std::size_t all_bytes = SIZE_MAX;
-constexpr std::size_t bytes_between_slices = 4 << 20; // some milliseconds
+constexpr std::size_t bytes_between_slices = 4 << 20; // some milliseconds, also in a motion
 
 constexpr size_t position_bytes = 3 * sizeof(float);
 constexpr size_t normal_bytes = 4 * sizeof(std::int16_t);
@@ -408,7 +408,8 @@ const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, d
         check_layout(buffers, {}, pace);
     }
     take_layout(buffers, pace);
-    coarse_take(buffers.coarse, *flat->positions, all_bytes);
+    const bool can_wait = pace == draw_pace::moving && buffers.coarse.mesh != nullptr;
+    coarse_take(buffers.coarse, *flat->positions, can_wait ? bytes_between_slices : all_bytes);
     return buffers;
 }
 
