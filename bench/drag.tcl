@@ -5,10 +5,7 @@
 set side 31 ;# vertices
 set steps 60
 
-proc rest {msecs} {
-    after $msecs {set ::rested 1}
-    vwait ::rested
-}
+source [file join [file dirname [info script]] at_rest.tcl]
 
 proc middle_vertices {} {
     set row [expr {round(sqrt([lindex [vesk get_counts] 5]))}]
@@ -30,26 +27,6 @@ proc shown {uploaded} {
         vwait ::looked
     }
     update idletasks
-}
-
-# cpu --
-#   Milliseconds of processor time so far: of the main thread, or of the whole process ("/").
-proc cpu {{thread /task/[pid]/}} {
-    set file [open /proc/[pid][subst $thread]stat]
-    set words [split [regsub {.*\)} [read $file] {}]]
-    close $file
-    return [expr {10 * ([lindex $words 12] + [lindex $words 13])}]
-}
-
-# at_rest --
-#   Lets events in until the views are drawn and the workers have done what they were asked for.
-proc at_rest {} {
-    set quiet 0
-    while {$quiet < 3} {
-        set before [cpu /]
-        rest 400
-        set quiet [expr {[cpu /] - $before <= 20 ? $quiet + 1 : 0}]
-    }
 }
 
 proc timed {name script} {
@@ -76,7 +53,7 @@ proc measure {} {
         event generate $view <B1-Motion> -x [expr {$x + 6}] -y $y
     }
     set times {}
-    set before [cpu]
+    set before [processor_time /task/[pid]]
     for {set i 1} {$i <= $::steps} {incr i} {
         lappend times [timed "" {
             event generate $view <B1-Motion> -x [expr {$x + 6 + $i % 20}] -y [expr {$y + $i % 7}]
@@ -85,7 +62,7 @@ proc measure {} {
     set times [lsort -real $times]
     puts [format "drag motion: least %.1f, median %.1f, most %.1f ms, processor %.1f ms  %s" \
         [lindex $times 0] [lindex $times [expr {$::steps / 2}]] [lindex $times end] \
-        [expr {([cpu] - $before) / double($::steps)}] [vesk view_layers 2]]
+        [expr {([processor_time /task/[pid]] - $before) / double($::steps)}] [vesk view_layers 2]]
     timed "release" {event generate $view <ButtonRelease-1> -x $x -y $y}
     exit 0
 }

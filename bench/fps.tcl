@@ -2,30 +2,7 @@
 #   Evaluated by the program: the speed of its views; with a size in VESK_FPS_SIZE that of the 3D view
 #   alone, which gets it.
 
-proc wait {msecs} {
-    after $msecs {set ::still 1}
-    vwait ::still
-}
-
-# processor_time --
-#   Milliseconds of the whole process so far.
-proc processor_time {} {
-    set file [open /proc/[pid]/stat]
-    set words [split [regsub {.*\)} [read $file] {}]]
-    close $file
-    return [expr {10 * ([lindex $words 12] + [lindex $words 13])}]
-}
-
-# until_idle --
-#   Until the pictures at rest are drawn and the coarse versions made.
-proc until_idle {} {
-    set quiet 0
-    while {$quiet < 3} {
-        set before [processor_time]
-        wait 400
-        set quiet [expr {[processor_time] - $before <= 20 ? $quiet + 1 : 0}]
-    }
-}
+source [file join [file dirname [info script]] at_rest.tcl]
 
 proc show_alone {name size} {
     set ::viewsetting $name
@@ -44,10 +21,10 @@ proc measure {} {
         set views {3 3D}
         show_alone xyz $::env(VESK_FPS_SIZE)
     }
-    until_idle
+    at_rest
     foreach {view name} $views {
         foreach how {moving rest} {
-            wait 300 ;# a motion ends only after a while
+            rest 300 ;# a motion ends only after a while
             lassign [vesk view_benchmark $view $how 20] msecs layers
             puts [format "fps %8d triangles  %-5s %4dx%-4d %-6s %7.1f ms %6.1f frames/s  %s" \
                 [expr {2 * [lindex [vesk get_counts] 3]}] $name \

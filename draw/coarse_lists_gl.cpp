@@ -3,32 +3,63 @@
 #include "model/vector.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
-void write_list(gpu_buffer &buffer, std::vector<std::uint32_t> &list)
+using list_t = std::vector<std::uint32_t>;
+
+std::size_t bytes_of(const list_t &list) { return list.size() * sizeof(std::uint32_t); }
+
+// Of the bytes of the list that lie from `at` on at most so many; how many they are.
+std::size_t write_piece(gpu_buffer &buffer, const list_t &list, std::size_t at, std::size_t most)
 {
-    buffer.release();
-    buffer.reserve(GL_ELEMENT_ARRAY_BUFFER, list.size() * sizeof(std::uint32_t));
-    buffer.write(GL_ELEMENT_ARRAY_BUFFER, 0, list.data(), list.size() * sizeof(std::uint32_t));
-    std::vector<std::uint32_t>().swap(list);
+    if (at == 0)
+        buffer.reserve(GL_ELEMENT_ARRAY_BUFFER, bytes_of(list));
+    const std::size_t count = std::min(most, bytes_of(list) - at);
+    buffer.write(GL_ELEMENT_ARRAY_BUFFER, at, list.data() + at / sizeof(std::uint32_t), count);
+    return count;
+}
+
+// True: all of it is there.
+bool write_next(coarse_lists_t &lists, const coarse_mesh_t &mesh, std::size_t most_bytes)
+{
+    const std::size_t first_bytes = bytes_of(mesh.triangles);
+    if (lists.written < first_bytes) {
+        const std::size_t count =
+            write_piece(lists.next_triangles, mesh.triangles, lists.written, most_bytes);
+        lists.written += count;
+        most_bytes -= count;
+    }
+    if (lists.written < first_bytes || most_bytes == 0)
+        return false;
+    lists.written +=
+        write_piece(lists.next_edges, mesh.edges, lists.written - first_bytes, most_bytes);
+    return lists.written == first_bytes + bytes_of(mesh.edges);
 }
 
 } // namespace
 
-void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions)
+void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions,
+                 std::size_t most_bytes)
 {
     if (lists.job == nullptr || !lists.job->ended)
         return;
     const auto made = lists.job->result;
+    if (made != nullptr && !lists.job->failed && !write_next(lists, *made, most_bytes))
+        return;
+    const gpu_buffer triangles = std::exchange(lists.next_triangles, {});
+    const gpu_buffer edges = std::exchange(lists.next_edges, {});
     const bool failed = lists.job->failed;
     coarse_drop(lists);
     lists.given_up = failed;
-    if (made == nullptr)
+    if (made == nullptr || failed)
         return;
     lists.mesh = made;
-    write_list(lists.triangles, made->triangles);
-    write_list(lists.edges, made->edges);
+    lists.triangles = triangles;
+    lists.edges = edges;
+    list_t().swap(made->triangles);
+    list_t().swap(made->edges);
     lists.moved.assign(made->clusters.size(), 0);
     coarse_note_moved(lists, changed_points(*made->positions, positions));
 }
@@ -62,7 +93,8 @@ void coarse_drop(coarse_lists_t &lists)
 {
     if (lists.job != nullptr)
         lists.job->cancelled = true;
-    lists.triangles.release();
-    lists.edges.release();
+    for (gpu_buffer *buffer :
+         {&lists.triangles, &lists.edges, &lists.next_triangles, &lists.next_edges})
+        buffer->release();
     lists = {};
 }

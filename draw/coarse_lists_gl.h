@@ -11,14 +11,18 @@ struct coarse_lists_t {
     std::shared_ptr<coarse_job_t> job;   // under way
     std::shared_ptr<coarse_mesh_t> mesh; // null: none yet; its lists are in the buffers
     gpu_buffer triangles, edges;
-    std::vector<std::uint8_t> moved; // clusters with vertices that moved since it was made
-    std::vector<bool> noted;         // vertices whose clusters are among them
-    bool outdated = false;           // some did
-    bool given_up = false;           // after a fault: until the mesh has another shape
+    gpu_buffer next_triangles, next_edges; // of the job's mesh, as far as they are written
+    std::size_t written = 0;               // bytes of both
+    std::vector<std::uint8_t> moved;       // clusters with vertices that moved since it was made
+    std::vector<bool> noted;               // vertices whose clusters are among them
+    bool outdated = false;                 // some did
+    bool given_up = false;                 // after a fault: until the mesh has another shape
 };
 
-// Takes what the worker has made, as the mesh is now; what moved meanwhile is found.
-void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions);
+// Takes what the worker has made, as the mesh is now; what moved meanwhile is found. No more than so many
+// bytes are handed over at once: what they are not enough for is taken by further calls.
+void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions,
+                 std::size_t most_bytes);
 void coarse_note_moved(coarse_lists_t &lists, const changed_t &moved);
 // The mesh has another shape, or is gone.
 void coarse_drop(coarse_lists_t &lists);

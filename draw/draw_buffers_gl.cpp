@@ -8,9 +8,11 @@
 #include "model/textures/textures.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -19,6 +21,9 @@ constexpr std::uint32_t small_object = 4096; // slots; larger ones have a page o
 constexpr std::uint32_t page_slots = 65536;
 constexpr std::uint32_t page_indices = 6 * page_slots;
 constexpr std::uint32_t most_sorted_triangles = 20000;
+
+constexpr std::size_t all_bytes = SIZE_MAX;
+constexpr std::size_t bytes_between_slices = 4 << 20; // some milliseconds, also in a motion
 
 constexpr size_t position_bytes = 3 * sizeof(float);
 constexpr size_t normal_bytes = 4 * sizeof(std::int16_t);
@@ -42,6 +47,7 @@ namespace {
 struct store_t {
     std::unordered_map<const object_t *, object_buffers_t> objects;
     std::vector<std::unique_ptr<buffer_page_t>> pages;
+    std::unordered_set<const object_t *> with_jobs; // for coarse versions, lately
     std::uint64_t sweep = 1;
     unsigned generation = 0; // of layouts
 };
@@ -402,7 +408,8 @@ const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, d
         check_layout(buffers, {}, pace);
     }
     take_layout(buffers, pace);
-    coarse_take(buffers.coarse, *flat->positions);
+    const bool can_wait = pace == draw_pace::moving && buffers.coarse.mesh != nullptr;
+    coarse_take(buffers.coarse, *flat->positions, can_wait ? bytes_between_slices : all_bytes);
     return buffers;
 }
 
@@ -415,8 +422,25 @@ void buffers_ask_for_coarse()
         if (buffers.page != nullptr && buffers.job == nullptr && !buffers.page->shared &&
             coarse.job == nullptr && !coarse.given_up &&
             (coarse.mesh == nullptr || coarse.outdated) &&
-            buffers.num_indices / 3 >= least_coarse_triangles)
+            buffers.num_indices / 3 >= least_coarse_triangles) {
             coarse.job = coarse_job_start(coarse_source(buffers));
+            store().with_jobs.insert(object);
+        }
+    }
+}
+
+void buffers_take_some_coarse()
+{
+    store_t &state = store();
+    for (auto object = state.with_jobs.begin(); object != state.with_jobs.end();) {
+        const auto found = state.objects.find(*object);
+        if (found != state.objects.end() && found->second.coarse.job != nullptr) {
+            object_buffers_t &buffers = found->second;
+            coarse_take(buffers.coarse, *buffers.flat->positions, bytes_between_slices);
+            ++object;
+        } else {
+            object = state.with_jobs.erase(object);
+        }
     }
 }
 

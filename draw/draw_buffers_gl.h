@@ -54,6 +54,9 @@ unsigned buffers_generation();
 
 // Has coarse versions made of the large objects that have none of their present shape.
 void buffers_ask_for_coarse();
+// Takes a part of those that were made, between two slices of a picture. The begin of a picture takes all,
+// in a motion a part as well when there are others already.
+void buffers_take_some_coarse();
 
 // Frees the buffers of objects that were not drawn since the last sweep.
 void buffers_sweep();

@@ -4,6 +4,7 @@
 #include "draw/cluster_view_gl.h"
 #include "draw/crowding_gl.h"
 #include "draw/depth_order.h"
+#include "draw/draw_slices.h"
 #include "draw/draw_textures_gl.h"
 #include "draw/selected_parts_gl.h"
 #include "edit/boolean_live.h"
@@ -291,6 +292,27 @@ struct edge_batch_t {
     page_ranges_t ranges;
 };
 
+using edge_batches_t = std::map<std::tuple<float, float, float, bool>, edge_batch_t>;
+
+edge_batches_t edge_batches(const scene_t &scene, const edge_options_t &options)
+{
+    edge_batches_t batches;
+    for (const scene_item_t &item : scene.items) {
+        if (item.buffers->page == nullptr || item.hidden != options.hidden_ones ||
+            (item.part != nullptr && item.part->whole && !item.hidden))
+            continue;
+        colour_t colour = options.by_material ? colour_of_object(*item.buffers, options.colour.a)
+                                              : options.colour;
+        if (item.locked)
+            colour.a *= 0.5f;
+        set_colour(colour); // of a cloud, which is drawn at once
+        edge_batch_t &batch = batches[{colour.r, colour.g, colour.b, item.locked}];
+        batch.colour = colour;
+        add_edges(batch.ranges, item, options.lines_too);
+    }
+    return batches;
+}
+
 void set_point_size(float size) { glPointSize(std::max(size, 1.0f)); }
 
 void draw_points_of(const page_ranges_t &ranges)
@@ -334,6 +356,25 @@ void draw_selected_points(const scene_t &scene, const crowding_t &screen, float 
 bool is_moving(const scene_item_t &item)
 {
     return overlay().moving && item.part != nullptr && (item.part->whole || !overlay().pending);
+}
+
+struct points_t {
+    page_ranges_t plain, selected;
+};
+
+points_t points_of(const scene_t &scene, const vertex_options_t &options, const crowding_t &screen)
+{
+    points_t points;
+    for (const scene_item_t &item : scene.items) {
+        if (item.hidden || item.locked || item.buffers->page == nullptr ||
+            (!options.vertex_mode &&
+             (screen.is_crowded(*item.buffers) || (!options.moving_ones && is_moving(item)))))
+            continue;
+        const bool whole = item.part != nullptr && item.part->whole;
+        (whole ? points.selected : points.plain)[{item.buffers->page, nullptr}].add(
+            item.buffers->first_slot, item.buffers->layout.num_vertices);
+    }
+    return points;
 }
 
 } // namespace
@@ -387,10 +428,16 @@ scene_t gather_scene(draw_pace pace)
 
 void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
 {
-    batches_t batches;
-    for (const scene_item_t &item : scene.items)
-        if (is_drawn_filled(item))
-            add_groups(batches, item, options, false);
+    slice_part_t part;
+    if (!part.draws())
+        return;
+    const batches_t &batches = part.prepared([&] {
+        batches_t all;
+        for (const scene_item_t &item : scene.items)
+            if (is_drawn_filled(item))
+                add_groups(all, item, options, false);
+        return all;
+    });
     if (prefs.polygon_offset != 0)
         glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(1.0f, 1.0f);
@@ -403,6 +450,9 @@ void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
 
 void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &options)
 {
+    const slice_part_t part;
+    if (!part.draws())
+        return;
     double m[16];
     glGetDoublev(GL_MODELVIEW_MATRIX, m);
     const point3_t towards = {static_cast<float>(m[2]), static_cast<float>(m[6]),
@@ -431,6 +481,9 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
 
 void draw_selection_tint(const scene_t &scene)
 {
+    const slice_part_t part;
+    if (!part.draws())
+        return;
     const pending_place_t place;
     set_colour(colour_of(prefs.col_selline, tint_alpha));
     glDepthMask(GL_FALSE);
@@ -440,29 +493,21 @@ void draw_selection_tint(const scene_t &scene)
 
 void draw_edges(const scene_t &scene, const edge_options_t &options)
 {
-    std::map<std::tuple<float, float, float, bool>, edge_batch_t> batches;
-    for (const scene_item_t &item : scene.items) {
-        if (item.buffers->page == nullptr || item.hidden != options.hidden_ones ||
-            (item.part != nullptr && item.part->whole && !item.hidden))
-            continue;
-        colour_t colour = options.by_material ? colour_of_object(*item.buffers, options.colour.a)
-                                              : options.colour;
-        if (item.locked)
-            colour.a *= 0.5f;
-        set_colour(colour); // of a cloud, which is drawn at once
-        edge_batch_t &batch = batches[{colour.r, colour.g, colour.b, item.locked}];
-        batch.colour = colour;
-        add_edges(batch.ranges, item, options.lines_too);
-    }
+    slice_part_t part;
+    if (!part.draws())
+        return;
+    const edge_batches_t &batches = part.prepared([&] { return edge_batches(scene, options); });
     draw_set_line_width(options.width);
     for (const auto &[key, batch] : batches) {
         set_colour(batch.colour);
         draw_edge_ranges(batch.ranges);
     }
 }
-
 void draw_line_surfaces(const scene_t &scene, float width)
 {
+    const slice_part_t part;
+    if (!part.draws())
+        return;
     draw_set_line_width(width);
     for (const scene_item_t &item : scene.items) {
         if (item.hidden || item.buffers->page == nullptr)
@@ -481,105 +526,55 @@ void draw_line_surfaces(const scene_t &scene, float width)
 
 void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width)
 {
+    slice_part_t part;
+    if (!part.draws())
+        return;
     const pending_place_t place;
-    const crowding_t screen;
     set_colour(colour);
-    page_ranges_t whole;
-    page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
-    for (const scene_item_t &item : scene.items)
-        if (item.part != nullptr && item.part->whole && !item.hidden &&
-            item.buffers->page != nullptr)
-            add_edges(screen.is_crowded(*item.buffers) ? crowded : whole, item, true);
+    struct edges_t {
+        page_ranges_t whole;
+        page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
+    };
+    const edges_t &edges = part.prepared([&] {
+        const crowding_t screen;
+        edges_t found;
+        for (const scene_item_t &item : scene.items)
+            if (item.part != nullptr && item.part->whole && !item.hidden &&
+                item.buffers->page != nullptr)
+                add_edges(screen.is_crowded(*item.buffers) ? found.crowded : found.whole, item,
+                          true);
+        return found;
+    });
     draw_set_line_width(width / 2);
-    draw_edge_ranges(crowded);
+    draw_edge_ranges(edges.crowded);
     draw_set_line_width(width);
-    draw_edge_ranges(whole);
+    draw_edge_ranges(edges.whole);
     draw_selected_parts(scene, GL_LINES, &part_slots_t::edges);
 }
 
 void draw_vertices(const scene_t &scene, const vertex_options_t &options)
 {
+    slice_part_t part;
+    if (!part.draws())
+        return;
     const float strength = options.vertex_mode ? 1.0f : 0.8f;
     const crowding_t screen;
-    page_ranges_t plain;
-    page_ranges_t selected;
-    for (const scene_item_t &item : scene.items) {
-        if (item.hidden || item.locked || item.buffers->page == nullptr ||
-            (!options.vertex_mode &&
-             (screen.is_crowded(*item.buffers) || (!options.moving_ones && is_moving(item)))))
-            continue;
-        const bool whole = item.part != nullptr && item.part->whole;
-        (whole ? selected : plain)[{item.buffers->page, nullptr}].add(
-            item.buffers->first_slot, item.buffers->layout.num_vertices);
-    }
+    const points_t &points = part.prepared([&] { return points_of(scene, options, screen); });
     if (device_caps().samples > 0)
         glEnable(GL_POINT_SPRITE);   // several samples a pixel would make the squares round
     glDepthRange(0.0, nearer_range); // before the edges that end in them
     set_point_size(options.vertex_mode ? options.size : options.size - 1);
     if (options.unselected) {
         set_colour(colour_of(prefs.col_vert, strength));
-        draw_points_of(plain);
+        draw_points_of(points.plain);
     }
     if (options.selected) {
         const pending_place_t place;
         set_colour(colour_of(prefs.col_selvert, strength));
-        draw_points_of(selected);
+        draw_points_of(points.selected);
         draw_selected_points(scene, screen, options.size);
     }
     glDepthRange(0.0, 1.0);
     if (device_caps().samples > 0)
         glDisable(GL_POINT_SPRITE);
-}
-
-void draw_normals(const scene_t &scene, float length, const colour_t &colour)
-{
-    std::vector<point3_t> ends;
-    for (const scene_item_t &item : scene.items) {
-        if (item.hidden)
-            continue;
-        const flat_mesh &flat = *item.buffers->flat;
-        for (int surface = 0; surface < flat.num_surfaces(); ++surface) {
-            const std::span<const std::int32_t> corners = flat.surface_corners(surface);
-            if (corners.size() < 3)
-                continue;
-            point3_t middle = {0, 0, 0};
-            for (const std::int32_t corner : corners)
-                middle = point_add(middle, flat.position(corner));
-            middle = point_scale(middle, 1.0f / static_cast<float>(corners.size()));
-            ends.push_back(middle);
-            ends.push_back(point_add(middle, point_scale(flat.face_normal(surface), length)));
-        }
-    }
-    if (ends.empty())
-        return;
-    set_colour(colour);
-    draw_set_line_width(1.0f);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, ends.data());
-    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
-    glDisableClientState(GL_VERTEX_ARRAY);
-}
-
-void draw_bounding_boxes(const scene_t &scene, const colour_t &colour)
-{
-    constexpr int box_edges[24] = {0, 1, 2, 3, 4, 5, 6, 7, 0, 2, 1, 3,
-                                   4, 6, 5, 7, 0, 4, 1, 5, 2, 6, 3, 7};
-    std::vector<point3_t> ends;
-    for (const scene_item_t &item : scene.items) {
-        if (item.hidden)
-            continue;
-        const point3_t &a = item.buffers->min;
-        const point3_t &b = item.buffers->max;
-        for (const int corner : box_edges)
-            ends.push_back({(corner & 1) != 0 ? b.x : a.x, (corner & 2) != 0 ? b.y : a.y,
-                            (corner & 4) != 0 ? b.z : a.z});
-    }
-    if (ends.empty())
-        return;
-    set_colour(colour);
-    draw_set_line_width(1.0f);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, ends.data());
-    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
-    glDisableClientState(GL_VERTEX_ARRAY);
 }

@@ -9,8 +9,10 @@ namespace {
 struct slice_t {
     bool runs = false;
     bool full = false;    // its time is over
+    bool left = false;    // something was left out
     std::uint64_t at = 0; // steps asked for
-    std::uint64_t done = 0;
+    std::size_t part = 0; // parts asked for
+    slice_progress_t *progress = nullptr;
     double seconds = 0;
     double deadline = 0;        // 0: nothing was drawn yet
     std::uint64_t elements = 0; // since the last wait
@@ -29,19 +31,19 @@ void look_at_clock()
 
 } // namespace
 
-void slice_begin(std::uint64_t done, double seconds, std::function<void()> finish)
+void slice_begin(slice_progress_t *progress, double seconds, std::function<void()> finish)
 {
     slice = {};
     slice.runs = true;
-    slice.done = done;
+    slice.progress = progress;
     slice.seconds = seconds;
     slice.finish = std::move(finish);
 }
 
-slice_end_t slice_end()
+bool slice_end()
 {
     slice.runs = false;
-    return {slice.done, slice.done == slice.at};
+    return !slice.left;
 }
 
 bool slice_runs() { return slice.runs; }
@@ -50,15 +52,41 @@ bool slice_draws(std::uint32_t num_elements)
 {
     if (!slice.runs)
         return true;
-    if (slice.at++ < slice.done)
+    if (slice.at++ < slice.progress->steps)
         return false;
     if (slice.deadline == 0)
         slice.deadline = ui_port().now_seconds() + slice.seconds;
     else if (!slice.full)
         look_at_clock();
-    if (slice.full)
+    if (slice.full) {
+        slice.left = true;
         return false;
-    ++slice.done;
+    }
+    ++slice.progress->steps;
     slice.elements += num_elements;
     return true;
 }
+
+slice_part_t::slice_part_t()
+{
+    if (!slice.runs)
+        return;
+    const std::vector<std::uint64_t> &drawn = slice.progress->parts;
+    const std::size_t number = slice.part++;
+    draws_ = number >= drawn.size() && !slice.full;
+    if (number < drawn.size())
+        slice.at += drawn[number];
+    else if (slice.full)
+        slice.left = true;
+    first_ = slice.at;
+}
+
+slice_part_t::~slice_part_t()
+{
+    if (!slice.runs || !draws_ || slice.left)
+        return;
+    slice.progress->parts.push_back(slice.at - first_);
+    slice.progress->prepared.reset();
+}
+
+std::any &slice_part_t::kept() { return slice.runs ? slice.progress->prepared : own_; }

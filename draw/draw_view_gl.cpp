@@ -11,6 +11,7 @@
 #include "view/pick.h"
 #include "view/views_internal.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
@@ -24,8 +25,9 @@ constexpr float label_y = 17;
 // A picture at rest that is being drawn.
 struct unfinished_t {
     bool begun = false;
-    std::uint64_t steps = 0; // that are drawn
+    slice_progress_t progress;
     layer_costs_t costs = {};
+    scene_t scene;
     // of the model and the selection that it shows
     std::uint64_t changes = 0;
     unsigned marks = 0;
@@ -81,14 +83,47 @@ void ask_workers(const scene_t &scene)
         pick_prepare();
 }
 
-// The model as it is now; the layers are chosen by the caller.
-picture_t begin_picture(int view, int width, int height, draw_pace pace)
+// The model as it is now.
+scene_t scene_of(view_state_t &state, draw_pace pace)
 {
-    view_state_t &state = states[view];
     scene_t scene = is_distrusted(state) ? scene_t() : gather_scene(pace);
     state.budget.expect(scene_vertices(scene));
-    return {view, width,         height,  view_interface_scale(), std::move(scene),
-            {},   &state.budget, nullptr, ui_port().now_seconds()};
+    state.budget.take_shares(detail_shares(scene));
+    return scene;
+}
+
+// The layers are chosen by the caller.
+picture_t begin_picture(int view, int width, int height, scene_t scene)
+{
+    return {view,
+            width,
+            height,
+            view_interface_scale(),
+            std::move(scene),
+            {},
+            &states[view].budget,
+            nullptr,
+            ui_port().now_seconds()};
+}
+
+bool is_current(const unfinished_t &unfinished)
+{
+    return unfinished.begun && unfinished.changes == model_change_count() &&
+           unfinished.marks == selection_marks_generation() &&
+           unfinished.layouts == buffers_generation();
+}
+
+// Of a picture whose first slice comes next: without a complete scene there is none.
+bool begin_unfinished(view_state_t &state)
+{
+    unfinished_t &unfinished = state.unfinished;
+    unfinished = {};
+    unfinished.scene = scene_of(state, draw_pace::at_rest);
+    unfinished.changes = model_change_count();
+    unfinished.marks = selection_marks_generation();
+    unfinished.layouts = buffers_generation();
+    ask_workers(unfinished.scene);
+    return unfinished.scene.complete;
 }
 
 void draw_layers(picture_t &picture)
@@ -111,13 +146,16 @@ void draw_over(picture_t &picture)
 }
 
 // Notes the cost of smoothing, that of all layers against the present ones; or that of coarse detail.
+// What is not complete says nothing.
 void learn_from_quick(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
     if (picture.layers.detail > 0) {
-        budget.note_coarse(picture.layers.expected, seconds);
+        budget.note_coarse(picture.layers, seconds);
         return;
     }
+    if (!picture.scene.complete)
+        return;
     double expected = budget.cost(draw_layer::rest);
     if (picture.layers.fill)
         expected += budget.cost(draw_layer::fill);
@@ -125,8 +163,8 @@ void learn_from_quick(picture_t &picture, double seconds)
         expected += budget.cost(draw_layer::edges);
     if (picture.layers.vertices)
         expected += budget.cost(draw_layer::vertices);
-    if (!picture.layers.smoothing && expected > seconds)
-        budget.note(draw_layer::smoothing, expected - seconds);
+    if (!picture.layers.smoothing)
+        budget.note(draw_layer::smoothing, std::max(expected - seconds, 0.0));
 }
 
 } // namespace
@@ -146,17 +184,14 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     state.unfinished = {};
     const bool moving = view_is_moving(view, seconds);
     const bool up_to_date = boolean_live_update(moving && !in_full);
-    picture_t picture = begin_picture(view, width, height,
-                                      anything_moves(seconds) ? draw_pace::moving
-                                      : in_full               ? draw_pace::at_once
-                                                              : draw_pace::at_rest);
-    if (!anything_moves(seconds))
-        ask_workers(picture.scene);
+    const draw_pace pace = anything_moves(seconds) ? draw_pace::moving
+                           : in_full               ? draw_pace::at_once
+                                                   : draw_pace::at_rest;
+    picture_t picture = begin_picture(view, width, height, scene_of(state, pace));
     const double started = picture.started;
     const bool quick =
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
-    picture.layers =
-        state.budget.choose(quick, is_orthographic(view), detail_shares(picture.scene));
+    picture.layers = state.budget.choose(quick, is_orthographic(view));
     choose_detail(picture.scene, picture.layers.detail);
     picture.layers.boxes_only = state.distrusted || (moving && picture.layers.boxes_only);
     // The first picture of a size is quick; it is drawn again when the size stays.
@@ -177,6 +212,8 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
         learn_from_quick(picture, seconds_until_drawn() - started);
     state.partial = quick || resized || !up_to_date;
     state.layers = picture.layers;
+    if (!anything_moves(seconds))
+        ask_workers(picture.scene);
 }
 
 bool draw_view_slice(int view, int width, int height, double seconds)
@@ -190,16 +227,13 @@ bool draw_view_slice(int view, int width, int height, double seconds)
         return true;
     }
     const bool up_to_date = boolean_live_update(false);
-    picture_t picture = begin_picture(view, width, height, draw_pace::at_rest);
-    ask_workers(picture.scene);
-    if (!picture.scene.complete) {
+    if (is_current(unfinished))
+        buffers_take_some_coarse();
+    if (!is_current(unfinished) && !begin_unfinished(state)) {
         draw_view(view, width, height, seconds, false);
         return true;
     }
-    if (unfinished.changes != model_change_count() ||
-        unfinished.marks != selection_marks_generation() ||
-        unfinished.layouts != buffers_generation())
-        unfinished = {};
+    picture_t picture = begin_picture(view, width, height, std::move(unfinished.scene));
     picture.costs = &unfinished.costs;
     picture.layers = state.budget.choose(false, is_orthographic(view));
     picture.layers.boxes_only = state.distrusted;
@@ -208,14 +242,10 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     else
         frame_resume(view, width, height);
     unfinished.begun = true;
-    unfinished.changes = model_change_count();
-    unfinished.marks = selection_marks_generation();
-    unfinished.layouts = buffers_generation();
-    slice_begin(unfinished.steps, slow ? slice_seconds : any_time, [] { glFinish(); });
+    slice_begin(&unfinished.progress, slow ? slice_seconds : any_time, [] { glFinish(); });
     draw_layers(picture);
-    const slice_end_t end = slice_end();
-    unfinished.steps = end.done;
-    if (!end.finished) {
+    if (!slice_end()) {
+        unfinished.scene = std::move(picture.scene);
         frame_pause();
         return false;
     }

@@ -24,6 +24,7 @@ target_sources(vesk PRIVATE
     draw/draw_reach_gl.cpp
     draw/draw_overlay_gl.cpp
     draw/draw_scene_gl.cpp
+    draw/draw_scene_lines_gl.cpp
     draw/draw_text_gl.cpp
     draw/draw_textures_gl.cpp
     draw/draw_uv_gl.cpp

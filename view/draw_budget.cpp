@@ -18,16 +18,43 @@ void draw_budget::note_all(const layer_costs_t &costs)
     for (std::size_t layer = 0; layer < costs.size(); ++layer)
         if (costs[layer] > 0)
             note(static_cast<draw_layer>(layer), costs[layer]);
+    const double elements = costs[static_cast<std::size_t>(draw_layer::fill)] +
+                            costs[static_cast<std::size_t>(draw_layer::edges)];
+    if (full_elements_ > 0 && elements > 0)
+        scale_taken(elements / full_elements_); // the camera came nearer, or went away
+    full_elements_ = elements;
 }
 
-void draw_budget::note_coarse(double expected, double seconds)
+void draw_budget::scale_taken(double factor)
 {
-    if (expected > 0)
-        coarse_factor_ *= 1 + weight_of_new * (std::clamp(seconds / expected, 0.5, 2.0) - 1);
-    coarse_factor_ = std::clamp(coarse_factor_, 0.1, 4.0);
+    for (auto &level : taken_)
+        for (double &seconds : level)
+            seconds *= factor;
+}
+
+void draw_budget::note_coarse(const layer_choice_t &choice, double seconds)
+{
+    // Other work makes single pictures slower, never faster.
+    constexpr double most_rise = 4;
+    constexpr double weight_of_faster = 0.8;
+    if (choice.expected > 0) {
+        const double ratio = std::min(seconds / choice.expected, most_rise);
+        scale_taken(1 + (ratio < 1 ? weight_of_faster : weight_of_new) * (ratio - 1));
+    }
+    double &taken = taken_[static_cast<std::size_t>(choice.detail)][choice.whole ? 1 : 0];
+    if (taken == 0)
+        taken = seconds;
     // The first picture of a view pays for what the driver prepares.
     double &rest = costs_[static_cast<std::size_t>(draw_layer::rest)];
     rest = std::min(rest, seconds);
+}
+
+void draw_budget::take_shares(const detail_shares_t &shares)
+{
+    if (shares_ == shares)
+        return;
+    shares_ = shares;
+    taken_ = {};
 }
 
 void draw_budget::expect(double num_vertices)
@@ -39,8 +66,11 @@ void draw_budget::expect(double num_vertices)
         }
         costs_[static_cast<std::size_t>(draw_layer::smoothing)] = 0; // its share is not known
     }
-    if (num_vertices > 2 * num_vertices_ || num_vertices < num_vertices_ / 2)
+    if (num_vertices > 2 * num_vertices_ || num_vertices < num_vertices_ / 2) {
         num_vertices_ = num_vertices;
+        taken_ = {};
+        full_elements_ = 0;
+    }
 }
 
 double draw_budget::full_cost() const
@@ -50,8 +80,31 @@ double draw_budget::full_cost() const
            cost(draw_layer::rest);
 }
 
-layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first,
-                                   const detail_shares_t &shares) const
+// Of a level that was not measured by the nearest one that was, a coarser one if there is any: as if all
+// that takes time were elements, of which a finer level has more. `without` is the share of a picture
+// that leaves a layer out, `elements` the seconds of all elements.
+double draw_budget::expected_of(std::size_t level, bool whole, double without,
+                                double elements) const
+{
+    const auto size = [&](std::size_t of_level, bool of_whole) {
+        return shares_[of_level] * (of_whole ? 1 : without);
+    };
+    const auto from = [&](std::size_t other, bool other_whole) {
+        return taken_[other][other_whole ? 1 : 0] * size(level, whole) / size(other, other_whole);
+    };
+    if (taken_[level][whole ? 1 : 0] > 0)
+        return taken_[level][whole ? 1 : 0];
+    if (taken_[level][whole ? 0 : 1] > 0)
+        return from(level, !whole);
+    for (std::size_t step = 1; step < taken_.size(); ++step)
+        for (const std::size_t other : {level + step, level - step})
+            for (const bool other_whole : {true, false})
+                if (other > 0 && other < taken_.size() && taken_[other][other_whole ? 1 : 0] > 0)
+                    return from(other, other_whole);
+    return cost(draw_layer::rest) + elements * size(level, whole);
+}
+
+layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
 {
     layer_choice_t choice;
     if (!moving || full_cost() <= frame_budget)
@@ -70,14 +123,19 @@ layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first,
     const double sum = std::max(fill + edges, 1e-9);
     const double without = 1 - (fill_goes_first ? fill : edges) / sum;
     const double elements = std::max(plain - rest, 0.0);
-    for (std::size_t level = 0; level < shares.size(); ++level) {
-        if (level > 0 && shares[level] >= shares[level - 1])
+    const auto coarsest = static_cast<std::size_t>(
+        std::min_element(shares_.begin(), shares_.end()) - shares_.begin());
+    const bool measured = taken_ != taken_t();
+    for (std::size_t level = 0; level < shares_.size(); ++level) {
+        if (level > 0 && shares_[level] >= shares_[level - 1])
             continue; // no coarser than the one before
+        if (level > 0 && level < coarsest && !measured)
+            continue; // a wrong guess would be a long pause
         choice.detail = static_cast<int>(level);
-        const double factor = level > 0 ? coarse_factor_ : 1;
-        for (const bool all : {true, false}) {
-            (fill_goes_first ? choice.fill : choice.edges) = all;
-            choice.expected = rest + elements * shares[level] * factor * (all ? 1 : without);
+        for (const bool whole : {true, false}) {
+            (fill_goes_first ? choice.fill : choice.edges) = choice.whole = whole;
+            choice.expected = level > 0 ? expected_of(level, whole, without, elements)
+                                        : rest + elements * (whole ? 1 : without);
             if (choice.expected <= frame_budget)
                 return choice;
         }

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <tuple>
 
 enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
 
@@ -22,6 +23,7 @@ struct layer_choice_t {
     bool boxes_only = false;
     int detail = 0;      // level of coarse meshes; 0: as they are
     double expected = 0; // seconds that a picture in coarse detail should take
+    bool whole = true;   // in coarse detail, without any layer left out
 };
 
 // How much of a picture's elements is left in each level of detail; in the last one meshes that have no
@@ -39,18 +41,22 @@ public:
     // The costs of a whole picture; layers that it has not are left as they were.
     void note_all(const layer_costs_t &costs);
 
-    // What a picture in coarse detail took, of which so much was expected.
-    void note_coarse(double expected, double seconds);
+    // What a picture in coarse detail took, as `choose` chose it. The next one in that detail is expected
+    // to take as much, those in others more or less with it.
+    void note_coarse(const layer_choice_t &choice, double seconds);
+
+    // How much each level has of the elements. Where it is no longer what it was, the levels are others,
+    // and what they took is forgotten.
+    void take_shares(const detail_shares_t &shares);
 
     // The size of the scene that is drawn next. For one that is much larger than any before it the
     // costs are guessed until they are measured.
     void expect(double num_vertices);
 
     // The layers to draw: all at rest, and while moving those that fit, in the finest detail in which
-    // some do. `fill_goes_first` says whether the fill goes before the edges (flat views) or after them
+    // some do; of coarse levels the coarsest first, then finer ones as far as it leaves room. `fill_goes_first` says whether the fill goes before the edges (flat views) or after them
     // (3D).
-    [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first,
-                                        const detail_shares_t &shares = {1, 1, 1, 1, 1}) const;
+    [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
 
     [[nodiscard]] double cost(draw_layer layer) const
     {
@@ -61,8 +67,17 @@ public:
     [[nodiscard]] double full_cost() const;
 
 private:
+    // Seconds of coarse pictures by level, of all layers and without one; 0: not measured yet.
+    using taken_t = std::array<std::array<double, 2>, std::tuple_size_v<detail_shares_t>>;
+
+    [[nodiscard]] double expected_of(std::size_t level, bool whole, double without,
+                                     double elements) const;
+    void scale_taken(double factor);
+
     layer_costs_t costs_ = {};
-    double coarse_factor_ = 1; // from the costs of full pictures to those of coarse ones
+    detail_shares_t shares_ = {1, 1, 1, 1, 1};
+    taken_t taken_ = {};
+    double full_elements_ = 0; // seconds of the last whole picture's fill and edges
     double num_vertices_ = 0;  // of the largest scene of late
 };
 

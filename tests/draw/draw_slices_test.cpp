@@ -19,16 +19,17 @@ TEST_F(DrawSlices, AllStepsAreDrawnOnceAndInOrder)
     recording().clock_step = 0.001; // at each look at the clock
     for (const int steps : {0, 1, 2, 7, 100}) {
         std::vector<int> drawn;
-        slice_end_t end = {0, false};
+        slice_progress_t progress;
+        bool finished = false;
         int slices = 0;
-        while (!end.finished && slices < 1000) {
+        while (!finished && slices < 1000) {
             const std::size_t before = drawn.size();
-            slice_begin(end.done, 0.005, [] {});
+            slice_begin(&progress, 0.005, [] {});
             draw_picture(steps, drawn);
-            end = slice_end();
+            finished = slice_end();
             ++slices;
-            EXPECT_TRUE(end.finished || drawn.size() > before); // it always goes on
-            EXPECT_EQ(end.done, drawn.size());
+            EXPECT_TRUE(finished || drawn.size() > before); // it always goes on
+            EXPECT_EQ(progress.steps, drawn.size());
         }
         ASSERT_EQ(drawn.size(), static_cast<std::size_t>(steps));
         for (int i = 0; i < steps; ++i)
@@ -39,14 +40,58 @@ TEST_F(DrawSlices, AllStepsAreDrawnOnceAndInOrder)
     }
 }
 
+// Parts of steps between single steps; each prepares a list of its steps, once.
+TEST_F(DrawSlices, PartsArePreparedOnceAndDrawnLikeSingleSteps)
+{
+    recording().clock_step = 0.001;
+    const std::vector<int> sizes = {3, 0, 40, 1, 25};
+    std::vector<int> drawn, expected;
+    int prepared = 0, asked = 0;
+    const auto draw_parts = [&] {
+        int first = 0;
+        for (const int size : sizes) {
+            if (slice_draws(1000))
+                drawn.push_back(-1);
+            slice_part_t part;
+            if (part.draws()) {
+                ++asked;
+                const std::vector<int> &steps = part.prepared([&] {
+                    ++prepared;
+                    std::vector<int> made;
+                    for (int i = 0; i < size; ++i)
+                        made.push_back(first + i);
+                    return made;
+                });
+                for (const int step : steps)
+                    if (slice_draws(1000))
+                        drawn.push_back(step);
+            }
+            first += size;
+        }
+    };
+    draw_parts(); // at once
+    std::swap(drawn, expected);
+    EXPECT_EQ(expected.size(), 74U);
+    prepared = asked = 0;
+    slice_progress_t progress;
+    for (bool finished = false; !finished; finished = slice_end()) {
+        slice_begin(&progress, 0.005, [] {});
+        draw_parts();
+    }
+    EXPECT_EQ(drawn, expected);
+    EXPECT_EQ(prepared, 5);
+    EXPECT_GT(asked, 10);
+}
+
 TEST_F(DrawSlices, OutsideOfASliceEverythingIsDrawn)
 {
     std::vector<int> drawn;
     draw_picture(50, drawn);
     EXPECT_EQ(drawn.size(), 50U);
-    slice_begin(50, 1, [] {});
+    slice_progress_t progress = {50, {}, {}};
+    slice_begin(&progress, 1, [] {});
     draw_picture(50, drawn);
-    EXPECT_TRUE(slice_end().finished);
+    EXPECT_TRUE(slice_end());
     EXPECT_EQ(drawn.size(), 50U);
 }
 
@@ -54,14 +99,15 @@ TEST_F(DrawSlices, WorkThatTheDriverPutOffCounts)
 {
     recording().clock_step = 0;
     int waits = 0;
-    slice_begin(0, 0.01, [&] {
+    slice_progress_t progress;
+    slice_begin(&progress, 0.01, [&] {
         ++waits;
         recording().clock += 0.004; // what was put off is done now
     });
     int drawn = 0;
     for (int i = 0; i < 20; ++i)
         drawn += slice_draws(slice_step_elements) ? 1 : 0;
-    EXPECT_FALSE(slice_end().finished);
+    EXPECT_FALSE(slice_end());
     EXPECT_EQ(drawn, 3);
     EXPECT_EQ(waits, 3);
 }

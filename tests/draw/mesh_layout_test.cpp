@@ -185,27 +185,61 @@ TEST(DrawBudget, FlatViewsGiveUpTheFillAnd3DTheEdges)
     EXPECT_FALSE(budget.choose(true, false).boxes_only);
 }
 
+// Pictures of a budget's choice, each taking what its detail takes; the last choice.
+layer_choice_t choice_after(draw_budget &budget, int pictures, const std::array<double, 5> &seconds)
+{
+    for (int i = 0; i < pictures; ++i) {
+        const layer_choice_t choice = budget.choose(true, false);
+        if (choice.detail > 0)
+            budget.note_coarse(choice, seconds[static_cast<std::size_t>(choice.detail)] *
+                                           (choice.whole ? 1 : 0.6));
+    }
+    return budget.choose(true, false);
+}
+
 TEST(DrawBudget, TakesTheFinestDetailThatFits)
 {
     draw_budget budget;
     budget.note(draw_layer::fill, 0.6);
     budget.note(draw_layer::edges, 0.6);
-    const detail_shares_t shares = {1, 0.1, 0.05, 0.02, 0.01};
-    layer_choice_t choice = budget.choose(true, false, shares);
-    EXPECT_EQ(choice.detail, 2); // 0.03 s without the edges
-    EXPECT_TRUE(choice.fill);
-    EXPECT_FALSE(choice.edges);
-    EXPECT_EQ(budget.choose(false, false, shares).detail, 0);
-    EXPECT_EQ(budget.choose(true, false, {1, 1, 1, 1, 0.001}).detail, 4);
     EXPECT_TRUE(budget.choose(true, false).boxes_only); // there is no coarser one
-    for (int i = 0; i < 30; ++i) // a device that draws them faster than was thought
-        budget.note_coarse(choice.expected, choice.expected / 3);
-    choice = budget.choose(true, false, shares);
+    budget.take_shares({1, 0.1, 0.05, 0.02, 0.02});
+    EXPECT_EQ(budget.choose(true, false).detail, 3); // before anything was measured
+    EXPECT_EQ(budget.choose(false, false).detail, 0);
+    layer_choice_t choice = choice_after(budget, 5, {1.2, 0.06, 0.03, 0.012, 0});
+    EXPECT_EQ(choice.detail, 2);
+    EXPECT_TRUE(choice.edges);
+    choice = choice_after(budget, 30, {1.2, 0.006, 0.003, 0.001, 0}); // the camera turned away
     EXPECT_EQ(choice.detail, 1);
-    budget.note(draw_layer::rest, 10); // what the first picture of all took beside
-    EXPECT_EQ(budget.choose(true, false, shares).detail, 4);
-    budget.note_coarse(10, 0.004);
-    EXPECT_LT(budget.choose(true, false, shares).detail, 3);
+    budget.take_shares({1, 0.1, 0.05, 0.02, 0.001}); // other versions
+    EXPECT_EQ(budget.choose(true, false).detail, 4);
+}
+
+// Pictures of the coarsest detail that are quicker than all of them was thought to be do not say that a
+// finer one fits.
+TEST(DrawBudget, ADetailThatDidNotFitIsNotTriedAgain)
+{
+    draw_budget budget;
+    budget.note(draw_layer::fill, 0.6);
+    budget.note(draw_layer::edges, 0.3);
+    budget.take_shares({1, 0.17, 0.1, 0.02, 0.02});
+    const std::array<double, 5> seconds = {0.9, 0.16, 0.1, 0.015, 0};
+    int too_slow = 0;
+    for (int i = 0; i < 100; ++i)
+        too_slow += choice_after(budget, 1, seconds).detail < 3 ? 1 : 0;
+    EXPECT_EQ(too_slow, 0);
+}
+
+// The first picture of a view, or one that was held up.
+TEST(DrawBudget, OneSlowPictureIsSoonForgotten)
+{
+    draw_budget budget;
+    budget.note(draw_layer::fill, 0.6);
+    budget.note(draw_layer::edges, 0.6);
+    budget.note(draw_layer::rest, 10);
+    budget.take_shares({1, 0.1, 0.05, 0.02, 0.02});
+    choice_after(budget, 1, {5, 5, 5, 5, 5});
+    EXPECT_EQ(choice_after(budget, 12, {1.2, 0.06, 0.03, 0.012, 0}).detail, 2);
 }
 
 TEST(DrawBudget, GuessesTheCostOfASceneThatIsMuchLargerThanThoseItKnows)
