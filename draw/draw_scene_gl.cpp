@@ -503,6 +503,7 @@ void draw_edges(const scene_t &scene, const edge_options_t &options)
         draw_edge_ranges(batch.ranges);
     }
 }
+
 void draw_line_surfaces(const scene_t &scene, float width)
 {
     const slice_part_t part;
