@@ -78,6 +78,7 @@ private:
     {
         return t.v[0] == p || t.v[1] == p || t.v[2] == p;
     }
+    [[nodiscard]] bool is_beside(const solid_triangle &of, const solid_triangle &other) const;
     bool sides(const solid_triangle &of, const solid_triangle &other, int shared,
                signs_t *out) const;
     [[nodiscard]] std::array<end_t, 2> on_plane(const solid_triangle &t, int plane,
@@ -108,6 +109,22 @@ private:
     std::unordered_map<crossing_key, int, crossing_hash> crossings_;
 };
 
+// Whether all corners but the common ones lie on one side of the other's plane, beyond doubt: most
+// pairs are neighbours on a bent surface.
+bool finder::is_beside(const solid_triangle &of, const solid_triangle &other) const
+{
+    int front = 0, back = 0;
+    for (const int v : of.v) {
+        if (has(other, v))
+            continue;
+        const int side = points_.rough_side(other.plane, other.v[0], v);
+        if (side == 0)
+            return false;
+        ++(side > 0 ? front : back);
+    }
+    return (front == 0) != (back == 0);
+}
+
 // The sides of the triangle's corners to the other's plane; false when nothing but the common
 // corners can meet.
 bool finder::sides(const solid_triangle &of, const solid_triangle &other, int shared,
@@ -127,6 +144,8 @@ bool finder::sides(const solid_triangle &of, const solid_triangle &other, int sh
 void finder::consider(int a, int b, std::vector<touching_pair> &out) const
 {
     const solid_triangle &t = triangles_[a], &u = triangles_[b];
+    if (is_beside(u, t) || is_beside(t, u))
+        return;
     int shared = 0;
     for (const int v : t.v)
         shared += has(u, v) ? 1 : 0;

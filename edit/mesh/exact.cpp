@@ -154,6 +154,23 @@ double exact_points::ahead(const exact_plane &plane, int p, double *wrong) const
     return value;
 }
 
+rough_plane exact_points::rough(const exact_plane &plane)
+{
+    double longest = 0, size = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        longest = std::max(longest, std::fabs(plane.normal[i]));
+        size = std::max(size, plane.size[i]);
+    }
+    if (longest < 1e-200)
+        return {{0, 0, 0}, std::numeric_limits<float>::infinity()};
+    // Of the narrowing, and of the double that was narrowed.
+    constexpr double narrowing = 1e-6, computing = 1e-14;
+    return {{static_cast<float>(plane.normal[0] / longest),
+             static_cast<float>(plane.normal[1] / longest),
+             static_cast<float>(plane.normal[2] / longest)},
+            static_cast<float>(narrowing + computing * std::min(size / longest, 1e40))};
+}
+
 int exact_points::side(const exact_plane &plane, int p) const
 {
     double wrong = 0;

@@ -141,6 +141,7 @@ void solid_meshes::cut_unit(int number, std::vector<solid_triangle> &triangles)
         if (t.axis < 0)
             continue;
         t.facing = points_->turn(t.axis, t.v[0], t.v[1], t.v[2]);
+        t.plane = exact_points::rough(points_->plane(t.v[0], t.v[1], t.v[2]));
         triangles.push_back(t);
     }
     unit.end_triangle = static_cast<int>(triangles.size());
