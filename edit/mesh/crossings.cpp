@@ -79,6 +79,7 @@ private:
         return t.v[0] == p || t.v[1] == p || t.v[2] == p;
     }
     [[nodiscard]] bool is_beside(const solid_triangle &of, const solid_triangle &other) const;
+    [[nodiscard]] bool pass_by(const touching_pair &pair) const;
     bool sides(const solid_triangle &of, const solid_triangle &other, int shared,
                signs_t *out) const;
     [[nodiscard]] std::array<end_t, 2> on_plane(const solid_triangle &t, int plane,
@@ -153,7 +154,7 @@ void finder::consider(int a, int b, std::vector<touching_pair> &out) const
     if (!sides(u, t, shared, &pair.b_sides) || !sides(t, u, shared, &pair.a_sides))
         return;
     const bool flat = pair.a_sides == signs_t{} && pair.b_sides == signs_t{};
-    if (flat && shared == 2 && !overlap(t, u))
+    if ((flat && shared == 2 && !overlap(t, u)) || (shared == 0 && pass_by(pair)))
         return;
     out.push_back(pair);
 }
@@ -223,6 +224,24 @@ std::array<end_t, 2> finder::on_plane(const solid_triangle &t, int plane, const 
     if (count == 1)
         ends[1] = ends[0];
     return ends;
+}
+
+// Whether the stretches of the two in each other's planes lie apart, beyond doubt.
+bool finder::pass_by(const touching_pair &pair) const
+{
+    const solid_triangle &t = triangles_[pair.a], &u = triangles_[pair.b];
+    if (pair.a_sides == signs_t{} || pair.b_sides == signs_t{})
+        return false;
+    const int axis = axis_of_line(plane_of(t), plane_of(u));
+    if (axis < 0)
+        return false;
+    const std::array<end_t, 2> on_t = on_plane(u, pair.a, pair.b_sides, axis);
+    const std::array<end_t, 2> on_u = on_plane(t, pair.b, pair.a_sides, axis);
+    const auto is_before = [](const std::array<end_t, 2> &x, const std::array<end_t, 2> &y) {
+        return std::max(x[0].at + x[0].wrong, x[1].at + x[1].wrong) <
+               std::min(y[0].at - y[0].wrong, y[1].at - y[1].wrong);
+    };
+    return is_before(on_t, on_u) || is_before(on_u, on_t);
 }
 
 int finder::made(end_t &end, int plane)

@@ -237,9 +237,8 @@ bool exact_points::same(int a, int b) const
     return a == b || (order(0, a, b) == 0 && order(1, a, b) == 0 && order(2, a, b) == 0);
 }
 
-int exact_points::best_axis(int a, int b, int c) const
+int exact_points::best_axis(const exact_plane &flat) const
 {
-    const exact_plane flat = plane(a, b, c);
     int best = 0;
     for (int i = 1; i < 3; ++i) {
         if (std::fabs(flat.normal[i]) > std::fabs(flat.normal[best]))
@@ -249,7 +248,7 @@ int exact_points::best_axis(int a, int b, int c) const
         std::fabs(flat.normal[best]) > 1e-200)
         return best;
     for (int i = 0; i < 3; ++i) {
-        if (exact_turn(i, a, b, c) != 0)
+        if (exact_turn(i, flat.a, flat.b, flat.c) != 0)
             return i;
     }
     return -1;

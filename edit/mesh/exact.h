@@ -71,9 +71,8 @@ public:
     // The order of two points along an axis: -1, 0, 1.
     [[nodiscard]] int order(int axis, int a, int b) const;
     [[nodiscard]] bool same(int a, int b) const;
-    // The axis in which the points, input ones that do not lie in one line, are seen best; -1 when
-    // they do lie in one line.
-    [[nodiscard]] int best_axis(int a, int b, int c) const;
+    // The axis in which the three points of the plane are seen best; -1 when they lie in one line.
+    [[nodiscard]] int best_axis(const exact_plane &flat) const;
 
     // An input point is found by those that are made later at its place.
     void enter(int p);

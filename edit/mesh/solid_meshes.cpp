@@ -22,13 +22,17 @@ bool solid_meshes::number_points()
     for (const flat_ptr &mesh : meshes_)
         total += mesh->positions->size();
     places_ = position_index(total);
+    constexpr std::size_t ahead = 16; // so that memory has the time of so many
     std::vector<point3_t> points;
     points.reserve(total);
     vertices_.reserve(total);
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         std::vector<int> &own = point_of_.emplace_back();
         own.reserve(meshes_[m]->positions->size());
-        for (const point3_t &p : *meshes_[m]->positions) {
+        const std::vector<point3_t> &positions = *meshes_[m]->positions;
+        for (std::size_t v = 0; v < positions.size(); ++v) {
+            const point3_t &p = positions[v];
+            places_.bring(positions[std::min(v + ahead, positions.size() - 1)]);
             if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
                 return false;
             const int number = places_.find_or_add(p, static_cast<int>(points.size()));
@@ -139,11 +143,12 @@ void solid_meshes::cut_unit(int number, std::vector<solid_triangle> &triangles)
         }
         t.unit = number;
         t.part = unit.part;
-        t.axis = points_->best_axis(t.v[0], t.v[1], t.v[2]);
+        const exact_plane plane = points_->plane(t.v[0], t.v[1], t.v[2]);
+        t.axis = points_->best_axis(plane);
         if (t.axis < 0)
             continue;
         t.facing = points_->turn(t.axis, t.v[0], t.v[1], t.v[2]);
-        t.plane = exact_points::rough(points_->plane(t.v[0], t.v[1], t.v[2]));
+        t.plane = exact_points::rough(plane);
         triangles.push_back(t);
     }
     unit.end_triangle = static_cast<int>(triangles.size());
