@@ -1,5 +1,6 @@
 #include "edit/mesh/solid_meshes.h"
 
+#include "base/big_vector.h"
 #include "base/worker.h"
 #include "model/ear_cut.h"
 
@@ -83,9 +84,9 @@ void solid_meshes::reserve()
         corners += static_cast<std::size_t>(mesh->num_corners());
         surfaces += static_cast<std::size_t>(mesh->num_surfaces());
     }
-    corners_.reserve(corners);
-    first_corner_.reserve(surfaces + 1);
-    units_.reserve(surfaces);
+    reserve_big(corners_, corners);
+    reserve_big(first_corner_, surfaces + 1);
+    reserve_big(units_, surfaces);
 }
 
 // Blocks of polygons side by side, in order.
@@ -105,7 +106,7 @@ bool solid_meshes::cut_into_triangles(const std::function<bool()> &go_on)
     std::size_t total = 0;
     for (const std::vector<solid_triangle> &some : cut)
         total += some.size();
-    triangles_.reserve(total);
+    reserve_big(triangles_, total);
     for (int i = 0; i < static_cast<int>(cut.size()); ++i) {
         const int first = static_cast<int>(triangles_.size());
         for (int unit = i * block; unit < end_of(i); ++unit) {
