@@ -94,7 +94,8 @@ bool in_parallel(int count, const std::function<void(int)> &work,
                 stopped = true;
         }
     };
-    const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);
+    // Asked once: it is a call of the system.
+    static const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);
     std::vector<worker_t> workers;
     try {
         while (static_cast<int>(workers.size()) + 1 < std::min<int>(static_cast<int>(cores), count))

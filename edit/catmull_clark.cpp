@@ -398,7 +398,7 @@ owned_list commit(std::vector<smooth_mesh> &meshes, bool collect)
     owned_list made;
     freed_batch at_once;
     for (smooth_mesh &mesh : meshes) {
-        vesk_mesh_to_object(&mesh.mesh, mesh.object);
+        mesh_into_object(std::move(mesh.mesh), mesh.object);
         mesh.mesh = {};
         if (!collect)
             continue;

@@ -1,11 +1,12 @@
 #include "edit/edge_mesh.h"
 
+#include "base/big_vector.h"
 #include "base/session_state.h"
 #include "edit/edge_mesh_internal.h"
 #include "edit/mesh/kept_colours.h"
 #include "edit/triangulate.h"
 #include "model/alloc.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/object_internal.h"
@@ -201,6 +202,12 @@ void vesk_mesh_free(vesk_mesh_t *mesh) { std::unique_ptr<vesk_mesh_t>(mesh).rese
 
 namespace {
 
+template <class T>
+flat_array<T> shared(std::vector<T> &&elements)
+{
+    return std::make_shared<const std::vector<T>>(std::move(elements));
+}
+
 // Writes a mesh into the object that it was made of, record by record: a mesh_change would keep
 // everything a second time, which for millions of triangles costs as much as the records.
 class mesh_commit {
@@ -227,14 +234,43 @@ public:
         session().committing = false;
     }
 
+    // Makes the arrays of the mesh, which is `mesh_`, the object's flat mesh; not where the object has
+    // lines, or lost vertices.
+    void hand_over(vesk_mesh_t &&mesh)
+    {
+        if (object_->num_surfaces != mesh.num_faces() || points_.size() != mesh.points.size() ||
+            object_->num_vertices != static_cast<int>(points_.size()))
+            return;
+        auto surfaces = big_vector<flat_surface>(mesh.num_faces());
+        in_parallel_ranges(mesh.num_faces(), [&](int begin, int end) {
+            const surface_t plain = plain_surface();
+            for (int face = begin; face < end; ++face) {
+                const int source = mesh.sources[face];
+                surfaces[face] = source >= 0 ? before_->surface(source) : flat_attributes(plain);
+            }
+        });
+        auto flat = std::make_shared<flat_mesh>();
+        flat->positions = shared(std::move(mesh.points));
+        flat->surfaces = shared(std::move(surfaces));
+        flat->corner_offsets = shared(std::move(mesh.offsets));
+        flat->corners = shared(std::move(mesh.corners));
+        flat->texture_coords = shared(std::move(mesh.uv));
+        flat->vertex_records = shared(std::move(points_));
+        flat->surface_records = shared(std::move(surfaces_));
+        flat->whole = true;
+        state_set_flat(object_, std::move(flat), CHANGED_NORMALS);
+    }
+
 private:
     enum use_t : char { UNTOUCHED, LOST, KEPT };
 
     void move_vertices()
     {
         const std::size_t n = std::min(points_.size(), mesh_.points.size());
-        for (std::size_t v = 0; v < n; ++v)
+        for (std::size_t v = 0; v < n; ++v) {
             points_[v]->position = mesh_.points[v];
+            set_vertex_number(points_[v], static_cast<std::uint32_t>(v));
+        }
     }
 
     void add_vertices()
@@ -245,14 +281,17 @@ private:
             return;
         points_.resize(count);
         const record_chain made = make_records(count - first, [&](int i, record_maker &maker) {
-            return points_[first + i] = maker.make(plain_vertex(mesh_.points[first + i]));
+            vertex *point = maker.make(plain_vertex(mesh_.points[first + i]));
+            set_vertex_number(point, static_cast<std::uint32_t>(first + i));
+            return points_[first + i] = point;
         });
         list_append_chain(&object_->vertices, &object_->num_vertices, made);
     }
 
-    [[nodiscard]] record_chain make_surfaces() const
+    [[nodiscard]] record_chain make_surfaces()
     {
         const surface_t plain = plain_surface();
+        surfaces_ = big_vector<surface_t *>(mesh_.num_faces());
         return make_records(mesh_.num_faces(), [&](int face, record_maker &maker) {
             const int source = mesh_.sources[face];
             surface_t *surface = maker.make(source >= 0 ? *before_->surface_record(source) : plain);
@@ -262,6 +301,7 @@ private:
                 const flat_uv &uv = mesh_.uv[corner++];
                 last = maker.add_corner(surface, last, {points_[v], uv.u, uv.v});
             }
+            surfaces_[face] = surface;
             return surface;
         });
     }
@@ -304,6 +344,7 @@ private:
     object_t *object_;
     flat_ptr before_;
     std::vector<vertex *> points_;
+    std::vector<surface_t *> surfaces_; // those of the faces
     std::vector<use_t> use_;
 };
 
@@ -313,6 +354,15 @@ void vesk_mesh_to_object(const vesk_mesh_t *mesh, object_t *object)
 {
     const kept_colours colours(object);
     mesh_commit(*mesh, object).run();
+    colours.give_back();
+}
+
+void mesh_into_object(vesk_mesh_t &&mesh, object_t *object)
+{
+    const kept_colours colours(object);
+    mesh_commit commit(mesh, object);
+    commit.run();
+    commit.hand_over(std::move(mesh));
     colours.give_back();
 }
 

@@ -36,6 +36,10 @@ struct vesk_mesh {
     const edge_table &edge_list();
 };
 
+// vesk_mesh_to_object with a mesh that is not needed any more: its arrays become the object's flat mesh
+// where they are all that the object has.
+void mesh_into_object(vesk_mesh_t &&mesh, object_t *object);
+
 // Cuts every polygon into triangles: quads along a diagonal that lies inside, the shorter of two;
 // convex polygons into a fan; others by the tessellator.
 void mesh_triangulate(vesk_mesh_t *mesh);

@@ -226,7 +226,7 @@ void selected_objects_reduce(int percent)
         freed_batch at_once;
         for (reduce_work &work : *works) {
             before += work.object->num_vertices;
-            vesk_mesh_to_object(&work.mesh, work.object);
+            mesh_into_object(std::move(work.mesh), work.object);
             after += work.object->num_vertices;
             touched.push_back(work.object);
         }

@@ -338,7 +338,7 @@ void subdivide_selected(const char *what,
     {
         freed_batch at_once;
         for (result_t &result : results) {
-            vesk_mesh_to_object(result.mesh.get(), result.object);
+            mesh_into_object(std::move(*result.mesh), result.object);
             result.mesh.reset();
         }
     }

@@ -13,7 +13,7 @@ struct object_state {
     std::uint64_t stamp = 0;
     unsigned marks = CHANGED_ALL;
     std::uint64_t compared = 0; // foreign_count() when the object was compared last
-    flat_ptr flat;              // null before the first request
+    flat_ptr flat;   // null before the first request; lacks normals only while they are marked
     moved_ptr moved; // with CHANGED_POSITIONS: no other vertices moved; null: any may have
     std::shared_ptr<moved_positions> arrays; // of the motion that the flat mesh follows
     std::uint64_t record_sum = 0;            // of name, texts, frame, flags; when `record_summed`
@@ -28,6 +28,11 @@ void for_each_state(const std::function<void(const object_t *, object_state &)> 
 
 // Compares an object that is suspect and was not compared since; marks the differences.
 void state_resolve(const object_t *object, object_state &state);
+
+// The object's flat mesh as it is now, without normals, to be completed and given to state_set_flat.
+std::shared_ptr<flat_mesh> state_flat_but_normals(object_t *object);
+// This is what the lists hold, but for the aspects `marks`: normals, or nothing.
+void state_set_flat(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned marks);
 
 // Which aspects of the raw lists differ from a flat mesh (geometry only).
 unsigned flat_compare(const object_t *object, const flat_mesh &flat);

@@ -23,12 +23,6 @@ bool same(const flat_uv &a, const svertex &b)
     return std::memcmp(&a.u, &b.u, sizeof a.u) == 0 && std::memcmp(&a.v, &b.v, sizeof a.v) == 0;
 }
 
-flat_surface attributes_of(const surface_t &surface)
-{
-    return {surface.material, surface.type, static_cast<std::uint8_t>(surface.shading != 0),
-            static_cast<std::uint8_t>(surface.twosided != 0), 0};
-}
-
 std::size_t count(int n) { return static_cast<std::size_t>(std::max(n, 0)); }
 
 // One array of one element a vertex (surface), from the list; null when the list is not as long as
@@ -45,32 +39,33 @@ flat_array<T> read_array(const listitem *head, std::size_t n, const Get &get)
     return shared(std::move(elements));
 }
 
-void read_vertices(const object_t *object, flat_mesh *flat)
+void read_vertices(const object_t *object, bool with_normals, flat_mesh *flat)
 {
     const list_pieces list(object->vertices);
     const std::size_t n = list.length();
     auto positions = big_vector<point3_t>(n);
-    auto normals = big_vector<point3_t>(n);
+    auto normals = big_vector<point3_t>(with_normals ? n : 0);
     auto records = big_vector<vertex *>(n);
     list.visit_all<vertex>([&](vertex *point, std::size_t i) {
         set_vertex_number(point, static_cast<std::uint32_t>(i));
         positions[i] = point->position;
-        normals[i] = point->normal;
+        if (with_normals)
+            normals[i] = point->normal;
         records[i] = point;
     });
     flat->positions = shared(std::move(positions));
-    flat->normals = shared(std::move(normals));
+    flat->normals = with_normals ? shared(std::move(normals)) : nullptr;
     flat->vertex_records = shared(std::move(records));
 }
 
 // Reads the surfaces of an object whose vertices are numbered, the pieces of the list side by side.
 class surface_reader {
 public:
-    surface_reader(const object_t *object, const std::vector<vertex *> &points)
-        : points_(points), list_(object->surfaces)
+    surface_reader(const object_t *object, bool with_normals, const std::vector<vertex *> &points)
+        : points_(points), with_normals_(with_normals), list_(object->surfaces)
     {
         const std::size_t n = list_.length();
-        normals_ = big_vector<point3_t>(n);
+        normals_ = big_vector<point3_t>(with_normals ? n : 0);
         surfaces_ = big_vector<flat_surface>(n);
         offsets_ = big_vector<std::int32_t>(n + 1);
         records_ = big_vector<surface_t *>(n);
@@ -88,7 +83,8 @@ public:
         };
         if (!read(said))
             read(real);
-        flat->face_normals = shared(std::move(normals_));
+        flat->face_normals = with_normals_ ? shared(std::move(normals_)) : nullptr;
+        flat->whole = !left_out_;
         flat->surfaces = shared(std::move(surfaces_));
         flat->corner_offsets = shared(std::move(offsets_));
         flat->surface_records = shared(std::move(records_));
@@ -132,16 +128,19 @@ private:
         list_.visit<surface_t>(piece, [&](surface_t *surface, std::size_t i) {
             for (const svertex *reference : each<svertex>(surface->refs)) {
                 const std::uint32_t number = number_of(reference->vertex);
-                if (number == UINT32_MAX)
+                if (number == UINT32_MAX) {
+                    left_out_ = true;
                     continue;
+                }
                 if (at < end) {
                     corners_[at] = static_cast<std::int32_t>(number);
                     texture_coords_[at] = {reference->u, reference->v};
                 }
                 ++at;
             }
-            normals_[i] = surface->normal;
-            surfaces_[i] = attributes_of(*surface);
+            if (with_normals_)
+                normals_[i] = surface->normal;
+            surfaces_[i] = flat_attributes(*surface);
             records_[i] = surface;
             offsets_[i + 1] = static_cast<std::int32_t>(at);
         });
@@ -149,6 +148,8 @@ private:
     }
 
     const std::vector<vertex *> &points_;
+    bool with_normals_;
+    std::atomic<bool> left_out_ = false; // a corner
     list_pieces list_;
     std::vector<point3_t> normals_;
     std::vector<flat_surface> surfaces_;
@@ -158,11 +159,11 @@ private:
     std::vector<flat_uv> texture_coords_;
 };
 
-std::shared_ptr<flat_mesh> read_everything(const object_t *object)
+std::shared_ptr<flat_mesh> read_everything(const object_t *object, bool with_normals)
 {
     auto flat = std::make_shared<flat_mesh>();
-    read_vertices(object, flat.get());
-    surface_reader(object, *flat->vertex_records).run(flat.get());
+    read_vertices(object, with_normals, flat.get());
+    surface_reader(object, with_normals, *flat->vertex_records).run(flat.get());
     return flat;
 }
 
@@ -200,12 +201,13 @@ std::shared_ptr<flat_mesh> read_marked(const object_t *object, const flat_mesh &
     }
     if ((marks & CHANGED_ATTRIBUTES) != 0) {
         flat->surfaces =
-            read_array<flat_surface, surface_t>(object->surfaces, num_surfaces, attributes_of);
+            read_array<flat_surface, surface_t>(object->surfaces, num_surfaces, flat_attributes);
     }
     if ((marks & CHANGED_TEXTURE_COORDS) != 0)
         flat->texture_coords = read_texture_coords(object, old);
-    const bool complete = flat->positions && flat->normals && flat->face_normals &&
-                          flat->surfaces && flat->texture_coords;
+    const bool has_normals =
+        (marks & CHANGED_NORMALS) == 0 || (flat->normals && flat->face_normals);
+    const bool complete = flat->positions && has_normals && flat->surfaces && flat->texture_coords;
     return complete ? flat : nullptr;
 }
 
@@ -238,7 +240,7 @@ unsigned compare_vertices(const object_t *object, const flat_mesh &flat)
             return CHANGED_TOPOLOGY;
         if (!same(flat.position(i), point->position))
             found |= CHANGED_POSITIONS;
-        if (!same(flat.normal(i), point->normal))
+        if (!flat.normals || !same(flat.normal(i), point->normal))
             found |= CHANGED_NORMALS;
         ++i;
     }
@@ -257,9 +259,9 @@ public:
             if (i == flat_.surface_records->size() || flat_.surface_record(i) != surface ||
                 !corners(*surface, i))
                 return CHANGED_TOPOLOGY;
-            if (flat_.surface(i) != attributes_of(*surface))
+            if (flat_.surface(i) != flat_attributes(*surface))
                 found_ |= CHANGED_ATTRIBUTES;
-            if (!same(flat_.face_normal(i), surface->normal))
+            if (!flat_.face_normals || !same(flat_.face_normal(i), surface->normal))
                 found_ |= CHANGED_NORMALS;
             ++i;
         }
@@ -299,6 +301,19 @@ private:
     std::unordered_set<const vertex *> own_; // filled when a corner is in doubt
 };
 
+// What `marks` say to be different from the flat mesh that there is.
+std::shared_ptr<flat_mesh> read_changes(const object_t *object, object_state &state, unsigned marks,
+                                        bool with_normals)
+{
+    if (std::shared_ptr<flat_mesh> flat = read_moved(state, marks))
+        return flat;
+    if (state.flat && (marks & CHANGED_TOPOLOGY) == 0) {
+        if (std::shared_ptr<flat_mesh> flat = read_marked(object, *state.flat, marks))
+            return flat;
+    }
+    return read_everything(object, with_normals);
+}
+
 } // namespace
 
 unsigned flat_compare(const object_t *object, const flat_mesh &flat)
@@ -317,16 +332,30 @@ flat_ptr object_flat(object_t *object)
     if (state.flat && marks == 0)
         return state.flat;
 
-    std::shared_ptr<flat_mesh> flat = read_moved(state, marks);
-    if (!flat && state.flat && (marks & CHANGED_TOPOLOGY) == 0)
-        flat = read_marked(object, *state.flat, marks);
-    if (!flat)
-        flat = read_everything(object);
+    state_set_flat(object, read_changes(object, state, marks, true), 0);
+    return state.flat;
+}
+
+std::shared_ptr<flat_mesh> state_flat_but_normals(object_t *object)
+{
+    object_state &state = state_of(object);
+    state_resolve(object, state);
+    const unsigned marks = state.marks & CHANGED_GEOMETRY & ~static_cast<unsigned>(CHANGED_NORMALS);
+    std::shared_ptr<flat_mesh> flat = state.flat && marks == 0
+                                          ? std::make_shared<flat_mesh>(*state.flat)
+                                          : read_changes(object, state, marks, false);
+    flat->normals = nullptr;
+    flat->face_normals = nullptr;
+    return flat;
+}
+
+void state_set_flat(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned marks)
+{
+    object_state &state = state_of(object);
     flat->stamp = state.stamp;
     state.flat = std::move(flat);
-    state.marks = 0;
+    state.marks = marks;
     state.moved = nullptr;
-    return state.flat;
 }
 
 std::vector<int> flat_loose_vertices(const flat_mesh &flat)
@@ -345,6 +374,12 @@ std::vector<int> flat_loose_vertices(const flat_mesh &flat)
 int flat_loose_points(const flat_mesh &flat)
 {
     return static_cast<int>(flat_loose_vertices(flat).size());
+}
+
+flat_surface flat_attributes(const surface_t &surface)
+{
+    return {surface.material, surface.type, static_cast<std::uint8_t>(surface.shading != 0),
+            static_cast<std::uint8_t>(surface.twosided != 0), 0};
 }
 
 flat_mesh flat_mesh::without_records() const

@@ -51,6 +51,8 @@ struct flat_mesh {
     flat_array<surface_t *> surface_records;
     // of the object when this was built
     std::uint64_t stamp = 0;
+    // No corner of the records was left out.
+    bool whole = false;
 
     [[nodiscard]] int num_vertices() const { return static_cast<int>(positions->size()); }
     [[nodiscard]] int num_surfaces() const { return static_cast<int>(surfaces->size()); }
@@ -82,6 +84,8 @@ using flat_ptr = std::shared_ptr<const flat_mesh>;
 // The object's own geometry (not its children's); never null. Stays valid and unchanged for as
 // long as the pointer is held. An unchanged object costs a look-up.
 flat_ptr object_flat(object_t *object);
+
+flat_surface flat_attributes(const surface_t &surface);
 
 // The vertices that no surface has; how many there are.
 std::vector<int> flat_loose_vertices(const flat_mesh &flat);

@@ -66,10 +66,7 @@ void clone_geometry(object_t *source, object_t *copy)
     auto flat = std::make_shared<flat_mesh>(*from);
     flat->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
     flat->surface_records = std::make_shared<const std::vector<surface_t *>>(std::move(surfaces));
-    object_state &state = state_of(copy);
-    flat->stamp = state.stamp;
-    state.flat = std::move(flat);
-    state.marks = 0;
+    state_set_flat(copy, std::move(flat), 0);
 }
 
 // A copy of the record and its geometry, without parent and children.

@@ -6,7 +6,7 @@
 #include "edit/document/undo.h"
 #include "model/flat_mesh.h"
 #include "model/freed.h"
-#include "model/normals.h"
+#include "model/normals_internal.h"
 
 #include <algorithm>
 #include <iterator>
@@ -162,7 +162,7 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
 void calc_normals_of(const std::vector<object_t *> &objects)
 {
     for (object_t *object : without_descendants(objects))
-        object_calc_normals(object);
+        object_renew_normals(object);
 }
 
 void open_world_undo(const char *label)

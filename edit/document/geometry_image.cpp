@@ -1,22 +1,24 @@
 #include "edit/document/geometry_image.h"
 
+#include "base/big_vector.h"
+#include "base/worker.h"
 #include "edit/document/selection_scan.h"
 #include "model/alloc.h"
 #include "model/change_marks_internal.h"
 #include "model/freed_internal.h"
-#include "model/vector.h"
+#include "model/normals_internal.h"
 
-#include <cmath>
 #include <utility>
 
 namespace {
 
 flat_array<point3_t> normals_from_corners(const flat_mesh &mesh)
 {
-    std::vector<point3_t> normals;
-    normals.reserve(mesh.num_surfaces());
-    for (int i = 0; i < mesh.num_surfaces(); ++i)
-        normals.push_back(normal_of_corners(mesh, i));
+    auto normals = big_vector<point3_t>(mesh.num_surfaces());
+    in_parallel_ranges(mesh.num_surfaces(), [&](int begin, int end) {
+        for (int i = begin; i < end; ++i)
+            normals[i] = normal_of_corners(mesh, i);
+    });
     return std::make_shared<const std::vector<point3_t>>(std::move(normals));
 }
 
@@ -204,23 +206,6 @@ void fill_lists(object_t *object, flat_mesh *image)
 
 } // namespace
 
-point3_t normal_of_corners(const flat_mesh &mesh, int surface)
-{
-    const auto corners = mesh.surface_corners(surface);
-    if (corners.size() < 3)
-        return {0, 0, 0};
-    const point3_t &origin = mesh.position(corners[0]);
-    const point3_t a = point_sub(mesh.position(corners[1]), origin);
-    const point3_t b = point_sub(mesh.position(corners[2]), origin);
-    const double x = static_cast<double>(a.y) * b.z - static_cast<double>(a.z) * b.y;
-    const double y = static_cast<double>(a.z) * b.x - static_cast<double>(a.x) * b.z;
-    const double z = static_cast<double>(a.x) * b.y - static_cast<double>(a.y) * b.x;
-    const double length = std::sqrt(x * x + y * y + z * z);
-    const double divisor = length != 0 ? length : 1;
-    return {static_cast<float>(x / divisor), static_cast<float>(y / divisor),
-            static_cast<float>(z / divisor)};
-}
-
 bool object_write_geometry(object_t *object, const flat_mesh &image)
 {
     auto flat = std::make_shared<flat_mesh>(image);
@@ -236,8 +221,6 @@ bool object_write_geometry(object_t *object, const flat_mesh &image)
         fill_lists(object, flat.get());
     }
     object_mark(object, 0); // a new stamp: copies that others keep of the object are out of date
-    flat->stamp = state.stamp;
-    state.flat = std::move(flat);
-    state.marks &= ~static_cast<unsigned>(CHANGED_GEOMETRY);
+    state_set_flat(object, std::move(flat), 0);
     return stays;
 }

@@ -5,9 +5,6 @@
 
 #include "model/flat_mesh.h"
 
-// The normal that three or more corners give, as surface_calc_normal computes it; 0 0 0 for fewer.
-point3_t normal_of_corners(const flat_mesh &mesh, int surface);
-
 // Makes the object's vertices and surfaces those of the image and sets its flat mesh. Where the
 // lists are known to be the image's, values are written; else the holders of references are
 // notified that all vertices and surfaces are gone, though their records are used again. Returns

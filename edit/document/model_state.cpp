@@ -1,17 +1,20 @@
 #include "edit/document/model_state.h"
 
+#include "base/worker.h"
 #include "edit/document/geometry_image.h"
 #include "edit/document/model_state_internal.h"
 #include "edit/document/selection_image.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/normals_internal.h"
 #include "model/palette.h"
 #include "model/property.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -119,11 +122,14 @@ bool same_bits(const point3_t &a, const point3_t &b)
 
 bool face_normals_follow(const flat_mesh &mesh)
 {
-    for (int i = 0; i < mesh.num_surfaces(); ++i) {
-        if (!same_bits(mesh.face_normal(i), normal_of_corners(mesh, i)))
-            return false;
-    }
-    return true;
+    std::atomic<bool> follow = true;
+    in_parallel_ranges(mesh.num_surfaces(), [&](int begin, int end) {
+        for (int i = begin; i < end && follow; ++i) {
+            if (!same_bits(mesh.face_normal(i), normal_of_corners(mesh, i)))
+                follow = false;
+        }
+    });
+    return follow;
 }
 
 image_ptr image_of(object_t *object, const object_image *before)

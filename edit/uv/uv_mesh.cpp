@@ -1,9 +1,9 @@
 #include "edit/uv/uv_mesh.h"
 
-#include "edit/document/geometry_image.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/identity.h"
+#include "model/normals_internal.h"
 #include "model/object_internal.h"
 
 #include <algorithm>

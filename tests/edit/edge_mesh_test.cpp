@@ -9,8 +9,9 @@
 #include "edit/primitives.h"
 #include "edit/reduce.h"
 #include "fileio/vesk_writer.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/normals.h"
+#include "model/normals_internal.h"
 #include "model/object_tree.h"
 #include "model/vector.h"
 #include "model/world.h"
@@ -143,6 +144,24 @@ TEST_F(EdgeMesh, HasTheObjectsPolygonsAndTheirEdges)
     EXPECT_EQ(cube->num_surfaces, 7) << "the line, five squares, a triangle";
     EXPECT_EQ(cube->num_vertices, 9);
     EXPECT_EQ(object_get_surface_at(cube, 0)->type, SURFACE_LINE);
+}
+
+// The arrays of a mesh that is handed over are what its records say, lines and lost vertices or not.
+TEST_F(EdgeMesh, ArraysHandedOverAreThoseOfTheRecords)
+{
+    for (const bool loses : {false, true}) {
+        object_t *cube = add_cube("cube");
+        const std::unique_ptr<vesk_mesh_t> mesh(vesk_object_to_mesh(cube));
+        const float peak[3] = {0, 0, 5};
+        const int face[3] = {0, 1, vesk_mesh_add_vertices(mesh.get(), peak, 1)};
+        vesk_mesh_add_face(mesh.get(), face, 3, nullptr, 0);
+        if (loses)
+            std::replace(mesh->corners.begin(), mesh->corners.end(), 7, 0);
+        mesh_into_object(std::move(*mesh), cube);
+        EXPECT_EQ(cube->num_vertices, loses ? 8 : 9);
+        object_renew_normals(cube);
+        EXPECT_EQ(flat_compare(cube, *object_flat(cube)), 0U);
+    }
 }
 
 struct cut_case {

@@ -1,14 +1,18 @@
 #include "model/flat_mesh.h"
 
 #include "model/alloc.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/normals.h"
+#include "model/normals_internal.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "model/world_check.h"
+#include "tests/support/random_mesh.h"
 #include "tests/support/scene_test.h"
+
+#include <cstring>
 
 namespace {
 
@@ -128,6 +132,49 @@ TEST_F(FlatMeshOf, LeavesOutCornersThatAreNotTheObjects)
 }
 
 // A thousand copies hold the arrays once, in the history too.
+// Normals by the flat mesh are those by the lists, to the bit, and the flat mesh has them.
+void expect_renewed(object_t *object)
+{
+    object_renew_normals(object);
+    EXPECT_EQ(flat_compare(object, *object_flat(object)), 0U);
+    const flat_mesh renewed = *object_flat(object);
+    object_calc_normals_force(object);
+    const flat_mesh &expected = *object_flat(object);
+    const auto same = [](const flat_array<point3_t> &a, const flat_array<point3_t> &b) {
+        return a->size() == b->size() &&
+               (a->empty() || std::memcmp(a->data(), b->data(), a->size() * sizeof(point3_t)) == 0);
+    };
+    EXPECT_TRUE(same(renewed.normals, expected.normals));
+    EXPECT_TRUE(same(renewed.face_normals, expected.face_normals));
+}
+
+TEST_P(FlatMesh, NormalsAreRenewedAfterAnyChange)
+{
+    object_flat(cube);
+    GetParam().change(cube);
+    object_mark(cube, GetParam().aspect);
+    expect_renewed(cube);
+}
+
+TEST_F(FlatMeshOf, NormalsAreRenewedOnAllCoresAndWithForeignCorners)
+{
+    random_source random(7);
+    object_t *grid = add_random_sheet(random, 400);
+    expect_renewed(grid);
+    surface_t *line = new_surface(); // two corners: its normal stays, and counts
+    surface_add_vertex(line, point(grid, 5), 0, 0);
+    surface_add_vertex(line, point(grid, 159999), 0, 0);
+    vesk_surface_set_normal(line, 0, 0, 3);
+    object_add_surface(grid, line);
+    expect_renewed(grid);
+    EXPECT_EQ(line->normal.z, 3);
+
+    object_t *other = add_cube("other");
+    corner(grid, 0)->vertex = point(other, 0);
+    object_mark(grid, CHANGED_TOPOLOGY);
+    expect_renewed(grid);
+}
+
 TEST_F(FlatMeshOf, ACopySharesTheArraysUntilItChanges)
 {
     object_t *cube = add_cube("cube");
