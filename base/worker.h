@@ -51,4 +51,17 @@ void in_parallel_ranges(int count, const Work &work)
                 [&](int i) { work(i * range, std::min((i + 1) * range, count)); });
 }
 
+// Calls work(begin, end) for the two halves, likewise, or for the whole of a short way: for work that reads
+// everything for each half, so that more parts would not be worth it.
+template <class Work>
+void in_two_parts(int count, const Work &work)
+{
+    constexpr int few = 100000;
+    const int parts = count < few ? 1 : 2;
+    in_parallel(parts, [&](int i) {
+        work(static_cast<int>(static_cast<long>(count) * i / parts),
+             static_cast<int>(static_cast<long>(count) * (i + 1) / parts));
+    });
+}
+
 #endif

@@ -11,6 +11,7 @@
 #include "edit/holes.h"
 #include "edit/optimize.h"
 #include "edit/triangulate.h"
+#include "model/change_marks.h"
 #include "model/each.h"
 #include "model/normals.h"
 #include "program/command_table.h"
@@ -200,6 +201,38 @@ double bare_records(const object_t *object)
     return took;
 }
 
+// The same, one record after the other on one thread.
+double single_records(const object_t *object)
+{
+    const flat_ptr flat = object_flat(const_cast<object_t *>(object));
+    object_t *copy = nullptr;
+    const double took =
+        best_of(1, [&] {
+            copy = new_object(OBJECT_POLY);
+            std::vector<vertex *> points;
+            listitem *last = nullptr;
+            for (const point3_t &at : *flat->positions) {
+                points.push_back(new_vertex_set(at.x, at.y, at.z));
+                last = list_add_item_fast(&copy->vertices, last, points.back());
+            }
+            last = nullptr;
+            for (int s = 0; s < flat->num_surfaces(); ++s) {
+                surface_t *surface = new_surface();
+                listitem *corner = nullptr;
+                for (const int v : flat->surface_corners(s))
+                    corner =
+                        list_add_item_fast(&surface->refs, corner, new_svertex(points[v], 0, 0));
+                surface->num_refs = static_cast<int>(flat->surface_corners(s).size());
+                last = list_add_item_fast(&copy->surfaces, last, surface);
+            }
+            copy->num_vertices = flat->num_vertices();
+            copy->num_surfaces = flat->num_surfaces();
+            object_mark(copy, CHANGED_TOPOLOGY);
+        }).cpu;
+    object_free(copy);
+    return took;
+}
+
 // ---- the operations ----
 
 void weld_alone(object_t *object) { object_optimize(object); }
@@ -293,6 +326,10 @@ void bench(const operation_t &op)
             std::printf("  growth %4.2f", each_vertex / last);
         if (limit > 0)
             std::printf("  %5.2f of %s", took.cpu / limit, op.limit_name);
+        if (op.limit_after == bare_records) {
+            const object_t *result = item_of<object_t>(vesk_get_world()->children);
+            std::printf(", %5.2f of them one by one", took.cpu / single_records(result));
+        }
         std::printf("\n");
         last = each_vertex;
         clear();

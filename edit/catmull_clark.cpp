@@ -134,14 +134,17 @@ public:
                 is_crease_[e] = 1;
         }
         find_face_points();
-        reserve_big(fine_->points, mesh_.points.size() + edges_.size() + mesh_.sources.size());
-        fine_->points.assign(mesh_.points.begin(), mesh_.points.end());
-        add_edge_points(to.creases);
+        sort_edges(to.creases);
+        fine_->points = big_vector<point3_t>(num_points_ + static_cast<int>(count_active(from_)));
+        find_edge_points();
         move_vertices();
         return add_faces(to);
     }
 
 private:
+    // Sharp are borders and edges of more than two polygons.
+    enum class edge_kind : char { outside, smooth, sharp, crease };
+
     [[nodiscard]] bool is_active(int face) const { return from_.active[face] != 0; }
     [[nodiscard]] vec3d point(int v) const { return to_vec3d(mesh_.points[v]); }
 
@@ -161,35 +164,51 @@ private:
         });
     }
 
-    void add_edge_points(std::vector<std::array<int, 2>> &creases)
+    [[nodiscard]] edge_kind kind_of(int e) const
     {
-        rules_.resize(mesh_.points.size());
-        middle_.assign(edges_.size(), -1);
+        const auto uses = edges_.uses(e);
+        const auto active = std::count_if(
+            uses.begin(), uses.end(), [&](const edge_use &use) { return is_active(use.surface); });
+        if (active == 0)
+            return edge_kind::outside;
+        if (uses.size() != 2 || active != 2 || uses[0].surface == uses[1].surface)
+            return edge_kind::sharp;
+        return is_crease_[e] != 0 ? edge_kind::crease : edge_kind::smooth;
+    }
+
+    // What each edge is, and the numbers of the vertices in the middle of those that are divided.
+    void sort_edges(std::vector<std::array<int, 2>> &creases)
+    {
+        kinds_ = big_vector<edge_kind>(edges_.size());
+        in_parallel_ranges(edges_.size(), [this](int begin, int end) {
+            for (int e = begin; e < end; ++e)
+                kinds_[e] = kind_of(e);
+        });
+        middle_ = big_vector<int>(edges_.size());
+        num_points_ = static_cast<int>(mesh_.points.size());
         for (int e = 0; e < edges_.size(); ++e) {
-            const auto uses = edges_.uses(e);
-            const auto active = std::count_if(uses.begin(), uses.end(), [&](const edge_use &use) {
-                return is_active(use.surface);
-            });
-            if (active == 0)
-                continue;
-            const auto [a, b, first] = edges_.edge(e);
-            vec3d p = (point(a) + point(b)) / 2;
-            const bool inner =
-                uses.size() == 2 && active == 2 && uses[0].surface != uses[1].surface;
-            const bool crease = inner && is_crease_[e] != 0;
-            meet(a, b, inner && !crease);
-            meet(b, a, inner && !crease);
-            middle_[e] = static_cast<int>(fine_->points.size());
-            if (crease) {
-                ++rules_[a].creases;
-                ++rules_[b].creases;
-                creases.push_back({a, middle_[e]});
-                creases.push_back({middle_[e], b});
-            } else if (inner) {
-                p = p / 2 + (face_points_[uses[0].surface] + face_points_[uses[1].surface]) / 4;
+            middle_[e] = kinds_[e] != edge_kind::outside ? num_points_++ : -1;
+            if (kinds_[e] == edge_kind::crease) {
+                creases.push_back({edges_.edge(e).a, middle_[e]});
+                creases.push_back({middle_[e], edges_.edge(e).b});
             }
-            fine_->points.push_back(to_point(p));
         }
+    }
+
+    void find_edge_points()
+    {
+        in_parallel_ranges(edges_.size(), [this](int begin, int end) {
+            for (int e = begin; e < end; ++e) {
+                if (kinds_[e] == edge_kind::outside)
+                    continue;
+                vec3d p = (point(edges_.edge(e).a) + point(edges_.edge(e).b)) / 2;
+                if (kinds_[e] == edge_kind::smooth) {
+                    const auto uses = edges_.uses(e);
+                    p = p / 2 + (face_points_[uses[0].surface] + face_points_[uses[1].surface]) / 4;
+                }
+                fine_->points[middle_[e]] = to_point(p);
+            }
+        });
     }
 
     struct vertex_rule {
@@ -200,30 +219,47 @@ private:
         std::int32_t creases = 0; // of the sharp ones
         bool held = false;        // by a face that only follows
     };
-    void meet(int v, int other, bool smooth)
+    void meet(vertex_rule &rule, int other, edge_kind kind) const
     {
-        vertex_rule &rule = rules_[v];
         ++rule.edges;
         rule.ends += point(other);
-        if (!smooth) {
+        if (kind != edge_kind::smooth) {
             ++rule.sharp;
             rule.sharp_ends += point(other);
         }
+        rule.creases += kind == edge_kind::crease ? 1 : 0;
     }
 
+    // Each thread has vertices of its own, which meet all edges and faces in their order: the sums
+    // depend on the order.
     void move_vertices()
     {
-        for (int face = 0; face < mesh_.num_faces(); ++face) {
-            for (const int v : mesh_.face(face)) {
-                vertex_rule &rule = rules_[v];
-                rule.held = rule.held || !is_active(face);
-                rule.faces += face_points_[face];
-                ++rule.corners;
+        in_two_parts(static_cast<int>(mesh_.points.size()), [this](int first, int end) {
+            std::vector<vertex_rule> rules(end - first);
+            const auto is_own = [&](int v) { return v >= first && v < end; };
+            for (int e = 0; e < edges_.size(); ++e) {
+                const auto [a, b, use] = edges_.edge(e);
+                if (kinds_[e] == edge_kind::outside)
+                    continue;
+                if (is_own(a))
+                    meet(rules[a - first], b, kinds_[e]);
+                if (is_own(b))
+                    meet(rules[b - first], a, kinds_[e]);
             }
-        }
-        in_parallel_ranges(static_cast<int>(rules_.size()), [this](int begin, int end) {
-            for (int v = begin; v < end; ++v)
-                move_vertex(v, rules_[v]);
+            for (int face = 0; face < mesh_.num_faces(); ++face) {
+                for (const int v : mesh_.face(face)) {
+                    if (!is_own(v))
+                        continue;
+                    vertex_rule &rule = rules[v - first];
+                    rule.held = rule.held || !is_active(face);
+                    rule.faces += face_points_[face];
+                    ++rule.corners;
+                }
+            }
+            for (int v = first; v < end; ++v) {
+                fine_->points[v] = mesh_.points[v];
+                move_vertex(v, rules[v - first]);
+            }
         });
     }
 
@@ -252,7 +288,7 @@ private:
     {
         std::vector<place_t> places;
         places.reserve(mesh_.num_faces());
-        place_t at = {0, 0, static_cast<int>(fine_->points.size())};
+        place_t at = {0, 0, num_points_};
         for (int face = 0; face < mesh_.num_faces(); ++face) {
             places.push_back(at);
             const auto sides = static_cast<int>(mesh_.face(face).size());
@@ -260,7 +296,6 @@ private:
             at.corner += is_active(face) ? 4 * sides : sides + num_divided(face);
             at.point += is_active(face) ? 1 : 0;
         }
-        fine_->points.resize(at.point);
         fine_->corners = big_vector<int>(at.corner);
         fine_->uv = big_vector<flat_uv>(at.corner);
         fine_->sources = big_vector<int>(at.face);
@@ -369,8 +404,9 @@ private:
     double &done_;
     vesk_mesh_t *fine_ = nullptr;
     std::vector<vec3d> face_points_;
-    std::vector<int> middle_; // the vertex of each edge that is divided, or -1
-    std::vector<vertex_rule> rules_;
+    std::vector<edge_kind> kinds_; // of each edge
+    std::vector<int> middle_;      // the vertex of each edge that is divided, or -1
+    int num_points_ = 0;           // before those of the faces
 };
 
 // False when the user cancelled.

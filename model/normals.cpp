@@ -102,12 +102,8 @@ std::vector<point3_t> renew_surface_normals(const flat_mesh &flat)
 std::vector<point3_t> renew_vertex_normals(const flat_mesh &flat,
                                            const std::vector<point3_t> &surface_normals)
 {
-    constexpr int few = 100000, threads = 2; // more would read the corners too often
-    const int n = flat.num_vertices();
-    auto normals = big_vector<point3_t>(n);
-    const int share = n < few ? std::max(n, 1) : (n + threads - 1) / threads;
-    in_parallel((n + share - 1) / share, [&](int part) {
-        const int first = part * share, end = std::min(first + share, n);
+    auto normals = big_vector<point3_t>(flat.num_vertices());
+    in_two_parts(flat.num_vertices(), [&](int first, int end) {
         for (int s = 0; s < flat.num_surfaces(); ++s) {
             const point3_t &normal = surface_normals[s];
             for (const int v : flat.surface_corners(s)) {

@@ -1,5 +1,8 @@
 #include "edit/mesh/edge_table.h"
 
+#include "base/big_vector.h"
+#include "base/worker.h"
+
 #include <algorithm>
 
 namespace {
@@ -33,7 +36,7 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
     for_each_side([&](int, int, int u, int v) { ++starts[std::min(u, v) + 1]; });
     for (std::size_t i = 1; i < starts.size(); ++i)
         starts[i] += starts[i - 1];
-    std::vector<half_edge> halves(starts.back());
+    auto halves = big_vector<half_edge>(starts.back());
     std::vector<int> next(starts.begin(), starts.end() - 1);
     for_each_side([&](int s, int c, int u, int v) {
         const int low = std::min(u, v);
@@ -44,27 +47,31 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
     const auto begins_edge = [&](int half, int low) {
         return half == starts[low] || halves[half].high != halves[half - 1].high;
     };
-    int num_edges = 0;
-    for (int low = 0; low < num_vertices; ++low) {
-        std::sort(halves.begin() + starts[low], halves.begin() + starts[low + 1],
-                  [](const half_edge &x, const half_edge &y) {
-                      return x.high != y.high ? x.high < y.high : x.use.corner < y.use.corner;
-                  });
-        for (int half = starts[low]; half < starts[low + 1]; ++half)
-            num_edges += begins_edge(half, low) ? 1 : 0;
-    }
-    uses_.reserve(halves.size());
-    edges_.reserve(num_edges);
-    first_edges_.reserve(starts.size());
-    for (int low = 0; low < num_vertices; ++low) {
-        first_edges_.push_back(size());
-        for (int half = starts[low]; half < starts[low + 1]; ++half) {
-            if (begins_edge(half, low))
-                edges_.push_back({low, halves[half].high, half});
-            uses_.push_back(halves[half].use);
+    first_edges_ = big_vector<int>(starts.size());
+    in_parallel_ranges(num_vertices, [&](int begin, int end) {
+        for (int low = begin; low < end; ++low) {
+            std::sort(halves.begin() + starts[low], halves.begin() + starts[low + 1],
+                      [](const half_edge &x, const half_edge &y) {
+                          return x.high != y.high ? x.high < y.high : x.use.corner < y.use.corner;
+                      });
+            for (int half = starts[low]; half < starts[low + 1]; ++half)
+                first_edges_[low + 1] += begins_edge(half, low) ? 1 : 0;
         }
-    }
-    first_edges_.push_back(size());
+    });
+    for (std::size_t i = 1; i < first_edges_.size(); ++i)
+        first_edges_[i] += first_edges_[i - 1];
+    uses_ = big_vector<edge_use>(halves.size());
+    edges_ = big_vector<mesh_edge>(first_edges_.back());
+    in_parallel_ranges(num_vertices, [&](int begin, int end) {
+        for (int low = begin; low < end; ++low) {
+            int edge = first_edges_[low];
+            for (int half = starts[low]; half < starts[low + 1]; ++half) {
+                if (begins_edge(half, low))
+                    edges_[edge++] = {low, halves[half].high, half};
+                uses_[half] = halves[half].use;
+            }
+        }
+    });
 }
 
 edge_table::edge_table(const flat_mesh &mesh)
@@ -92,9 +99,11 @@ int edge_table::find(int u, int v) const
 std::vector<int> edge_table::edges_of_corners(int num_corners) const
 {
     std::vector<int> edges(num_corners, -1);
-    for (int e = 0; e < size(); ++e) {
-        for (const edge_use &use : uses(e))
-            edges[use.corner] = e;
-    }
+    in_parallel_ranges(size(), [&](int begin, int end) {
+        for (int e = begin; e < end; ++e) {
+            for (const edge_use &use : uses(e))
+                edges[use.corner] = e;
+        }
+    });
     return edges;
 }
