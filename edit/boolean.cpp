@@ -52,7 +52,7 @@ surface_t *surface_of(const solids_t &solids, int unit)
 }
 
 // False when all solids are closed; else the ends of their open edges are selected.
-bool refuse_open(const solids_t &solids)
+bool refuse_open(solids_t &solids)
 {
     const std::vector<solid_meshes::open_edge_t> open = solids.meshes.open_edges();
     if (open.empty())

@@ -78,6 +78,8 @@ private:
     {
         return t.v[0] == p || t.v[1] == p || t.v[2] == p;
     }
+    [[nodiscard]] bool is_beside(const solid_triangle &of, const solid_triangle &other) const;
+    [[nodiscard]] bool pass_by(const touching_pair &pair) const;
     bool sides(const solid_triangle &of, const solid_triangle &other, int shared,
                signs_t *out) const;
     [[nodiscard]] std::array<end_t, 2> on_plane(const solid_triangle &t, int plane,
@@ -108,6 +110,22 @@ private:
     std::unordered_map<crossing_key, int, crossing_hash> crossings_;
 };
 
+// Whether all corners but the common ones lie on one side of the other's plane, beyond doubt: most
+// pairs are neighbours on a bent surface.
+bool finder::is_beside(const solid_triangle &of, const solid_triangle &other) const
+{
+    int front = 0, back = 0;
+    for (const int v : of.v) {
+        if (has(other, v))
+            continue;
+        const int side = points_.rough_side(other.plane, other.v[0], v);
+        if (side == 0)
+            return false;
+        ++(side > 0 ? front : back);
+    }
+    return (front == 0) != (back == 0);
+}
+
 // The sides of the triangle's corners to the other's plane; false when nothing but the common
 // corners can meet.
 bool finder::sides(const solid_triangle &of, const solid_triangle &other, int shared,
@@ -127,6 +145,8 @@ bool finder::sides(const solid_triangle &of, const solid_triangle &other, int sh
 void finder::consider(int a, int b, std::vector<touching_pair> &out) const
 {
     const solid_triangle &t = triangles_[a], &u = triangles_[b];
+    if (is_beside(u, t) || is_beside(t, u))
+        return;
     int shared = 0;
     for (const int v : t.v)
         shared += has(u, v) ? 1 : 0;
@@ -134,7 +154,7 @@ void finder::consider(int a, int b, std::vector<touching_pair> &out) const
     if (!sides(u, t, shared, &pair.b_sides) || !sides(t, u, shared, &pair.a_sides))
         return;
     const bool flat = pair.a_sides == signs_t{} && pair.b_sides == signs_t{};
-    if (flat && shared == 2 && !overlap(t, u))
+    if ((flat && shared == 2 && !overlap(t, u)) || (shared == 0 && pass_by(pair)))
         return;
     out.push_back(pair);
 }
@@ -204,6 +224,24 @@ std::array<end_t, 2> finder::on_plane(const solid_triangle &t, int plane, const 
     if (count == 1)
         ends[1] = ends[0];
     return ends;
+}
+
+// Whether the stretches of the two in each other's planes lie apart, beyond doubt.
+bool finder::pass_by(const touching_pair &pair) const
+{
+    const solid_triangle &t = triangles_[pair.a], &u = triangles_[pair.b];
+    if (pair.a_sides == signs_t{} || pair.b_sides == signs_t{})
+        return false;
+    const int axis = axis_of_line(plane_of(t), plane_of(u));
+    if (axis < 0)
+        return false;
+    const std::array<end_t, 2> on_t = on_plane(u, pair.a, pair.b_sides, axis);
+    const std::array<end_t, 2> on_u = on_plane(t, pair.b, pair.a_sides, axis);
+    const auto is_before = [](const std::array<end_t, 2> &x, const std::array<end_t, 2> &y) {
+        return std::max(x[0].at + x[0].wrong, x[1].at + x[1].wrong) <
+               std::min(y[0].at - y[0].wrong, y[1].at - y[1].wrong);
+    };
+    return is_before(on_t, on_u) || is_before(on_u, on_t);
 }
 
 int finder::made(end_t &end, int plane)

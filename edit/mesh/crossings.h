@@ -17,6 +17,7 @@ struct solid_triangle {
     int part;      // the solid
     int axis;      // in which it is seen best
     int facing;    // 1 or -1 along the axis
+    rough_plane plane;
 };
 
 // A line across a triangle, a part of another one's plane.

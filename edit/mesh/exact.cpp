@@ -154,6 +154,23 @@ double exact_points::ahead(const exact_plane &plane, int p, double *wrong) const
     return value;
 }
 
+rough_plane exact_points::rough(const exact_plane &plane)
+{
+    double longest = 0, size = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        longest = std::max(longest, std::fabs(plane.normal[i]));
+        size = std::max(size, plane.size[i]);
+    }
+    if (longest < 1e-200)
+        return {{0, 0, 0}, std::numeric_limits<float>::infinity()};
+    // Of the narrowing, and of the double that was narrowed.
+    constexpr double narrowing = 1e-6, computing = 1e-14;
+    return {{static_cast<float>(plane.normal[0] / longest),
+             static_cast<float>(plane.normal[1] / longest),
+             static_cast<float>(plane.normal[2] / longest)},
+            static_cast<float>(narrowing + computing * std::min(size / longest, 1e40))};
+}
+
 int exact_points::side(const exact_plane &plane, int p) const
 {
     double wrong = 0;
@@ -220,9 +237,8 @@ bool exact_points::same(int a, int b) const
     return a == b || (order(0, a, b) == 0 && order(1, a, b) == 0 && order(2, a, b) == 0);
 }
 
-int exact_points::best_axis(int a, int b, int c) const
+int exact_points::best_axis(const exact_plane &flat) const
 {
-    const exact_plane flat = plane(a, b, c);
     int best = 0;
     for (int i = 1; i < 3; ++i) {
         if (std::fabs(flat.normal[i]) > std::fabs(flat.normal[best]))
@@ -232,7 +248,7 @@ int exact_points::best_axis(int a, int b, int c) const
         std::fabs(flat.normal[best]) > 1e-200)
         return best;
     for (int i = 0; i < 3; ++i) {
-        if (exact_turn(i, a, b, c) != 0)
+        if (exact_turn(i, flat.a, flat.b, flat.c) != 0)
             return i;
     }
     return -1;

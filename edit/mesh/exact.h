@@ -11,6 +11,7 @@
 #include "edit/mesh/wide_int.h"
 
 #include <array>
+#include <cmath>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -23,6 +24,13 @@ struct exact_plane {
     int a, b, c; // ALONG: c is the axis
     double normal[3];
     double size[3]; // bounds of the normal's parts, for the bound of errors
+};
+
+// A plane through three input points, in few bytes: its normal of about length one, and how far each
+// part of that may be wrong; infinite where nothing is known.
+struct rough_plane {
+    float normal[3];
+    float wrong;
 };
 
 class exact_points {
@@ -44,6 +52,17 @@ public:
 
     // How far in front of the plane, times the length of its normal, give or take `wrong`.
     [[nodiscard]] double ahead(const exact_plane &plane, int p, double *wrong) const;
+    [[nodiscard]] static rough_plane rough(const exact_plane &plane);
+    // 1 in front of the plane through `base`, -1 behind it, 0 when that takes an exact plane to
+    // tell. Input points.
+    [[nodiscard]] int rough_side(const rough_plane &plane, int base, int p) const
+    {
+        const auto &from = approximate_[base], &to = approximate_[p];
+        const double x = to[0] - from[0], y = to[1] - from[1], z = to[2] - from[2];
+        const double ahead = plane.normal[0] * x + plane.normal[1] * y + plane.normal[2] * z;
+        const double bound = plane.wrong * (std::fabs(x) + std::fabs(y) + std::fabs(z));
+        return ahead > bound ? 1 : ahead < -bound ? -1 : 0;
+    }
     // 1 in front of the plane, -1 behind it, 0 on it.
     [[nodiscard]] int side(const exact_plane &plane, int p) const;
     // Whether a, b, c turn left (1), right (-1) or lie in one line (0) as seen against the axis (0
@@ -52,9 +71,8 @@ public:
     // The order of two points along an axis: -1, 0, 1.
     [[nodiscard]] int order(int axis, int a, int b) const;
     [[nodiscard]] bool same(int a, int b) const;
-    // The axis in which the points, input ones that do not lie in one line, are seen best; -1 when
-    // they do lie in one line.
-    [[nodiscard]] int best_axis(int a, int b, int c) const;
+    // The axis in which the three points of the plane are seen best; -1 when they lie in one line.
+    [[nodiscard]] int best_axis(const exact_plane &flat) const;
 
     // An input point is found by those that are made later at its place.
     void enter(int p);

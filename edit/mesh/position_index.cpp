@@ -51,6 +51,11 @@ std::size_t position_index::slot_of(const point3_t &at, std::uint32_t hash) cons
     }
 }
 
+void position_index::bring(const point3_t &at) const
+{
+    __builtin_prefetch(&slots_[hash_of(at) & (slots_.size() - 1)]);
+}
+
 int position_index::find(const point3_t &at) const
 {
     const std::uint64_t slot = slots_[slot_of(at, hash_of(at))];

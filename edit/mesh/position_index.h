@@ -16,6 +16,8 @@ public:
     // Holds all of these, under their places.
     explicit position_index(const std::vector<point3_t> &positions);
 
+    // The position will be asked for soon: memory begins to bring what that takes.
+    void bring(const point3_t &at) const;
     // The number of the first one that was added at this place, or -1.
     [[nodiscard]] int find(const point3_t &at) const;
     // The same; when there was none, `number` is it from now on. Numbers are below 2^31.

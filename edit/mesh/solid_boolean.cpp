@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <unordered_map>
 
@@ -53,7 +54,8 @@ private:
     using sides_t = std::map<std::pair<int, int>, int>; // and the triangle of each
 
     void sort_faces();
-    void join(int unit, const std::vector<int> &faces, bool reversed);
+    void join_pieces();
+    void join(int unit, std::span<const int> faces, bool reversed);
     [[nodiscard]] flat_uv uv_at(int triangle, int point) const;
     void add_loop(int unit, const std::vector<std::pair<int, flat_uv>> &loop);
     void drop_needless();
@@ -70,7 +72,7 @@ private:
     int parts_;
     solid_operation operation_;
     solid_result result_;
-    std::vector<std::vector<int>> kept_[2]; // of each unit: faces as they are, and reversed
+    std::vector<int> kept_[2]; // faces as they are, and reversed, in the order of their units
     struct loop_t {
         int unit, first, count;
     };
@@ -84,10 +86,7 @@ private:
 
 void assembler::sort_faces()
 {
-    const std::size_t units = solids_.units().size();
-    kept_[0].resize(units);
-    kept_[1].resize(units);
-    result_.fates.assign(units, solid_result::GONE);
+    result_.fates.assign(solids_.units().size(), solid_result::GONE);
     windings_t behind;
     for (int f = 0; f < static_cast<int>(faces_.faces().size()); ++f) {
         const solid_faces::face_t &face = faces_.faces()[f];
@@ -101,7 +100,27 @@ void assembler::sort_faces()
         if (face.triangle < 0)
             result_.fates[face.unit] = front ? solid_result::REVERSED : solid_result::KEPT;
         else
-            kept_[front ? 1 : 0][face.unit].push_back(f);
+            kept_[front ? 1 : 0].push_back(f);
+    }
+}
+
+void assembler::join_pieces()
+{
+    std::span<const int> rest[2] = {kept_[0], kept_[1]};
+    const auto unit_of = [&](int face) { return faces_.faces()[face].unit; };
+    while (!rest[0].empty() || !rest[1].empty()) {
+        int unit = std::numeric_limits<int>::max();
+        for (const auto &faces : rest)
+            unit = faces.empty() ? unit : std::min(unit, unit_of(faces.front()));
+        for (const bool reversed : {false, true}) {
+            std::span<const int> &faces = rest[reversed ? 1 : 0];
+            std::size_t n = 0;
+            while (n < faces.size() && unit_of(faces[n]) == unit)
+                ++n;
+            if (n > 0)
+                join(unit, faces.first(n), reversed);
+            faces = faces.subspan(n);
+        }
     }
 }
 
@@ -130,7 +149,7 @@ flat_uv assembler::uv_at(int triangle, int point) const
 }
 
 // The faces of one polygon, as few outlines as they make together.
-void assembler::join(int unit, const std::vector<int> &faces, bool reversed)
+void assembler::join(int unit, std::span<const int> faces, bool reversed)
 {
     sides_t border;
     for (const int f : faces) {
@@ -311,12 +330,7 @@ void assembler::round()
 solid_result assembler::make()
 {
     sort_faces();
-    for (int unit = 0; unit < static_cast<int>(solids_.units().size()); ++unit) {
-        for (const bool reversed : {false, true}) {
-            if (const auto &faces = kept_[reversed ? 1 : 0][unit]; !faces.empty())
-                join(unit, faces, reversed);
-        }
-    }
+    join_pieces();
     drop_needless();
     round();
     const auto position = [&](int vertex) {

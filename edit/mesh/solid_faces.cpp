@@ -237,6 +237,32 @@ void solid_faces::find_twins()
     }
 }
 
+// The faces of the polygons that are whole; -1 for the others.
+std::vector<int> solid_faces::whole_faces() const
+{
+    std::vector<int> whole(solids_.units().size(), -1);
+    for (int f = 0; f < static_cast<int>(faces_.size()); ++f) {
+        if (faces_[f].triangle < 0)
+            whole[faces_[f].unit] = f;
+    }
+    return whole;
+}
+
+// Which input points the pieces of polygons have.
+std::vector<bool> solid_faces::points_of_cuts() const
+{
+    std::vector<bool> near_cuts(solids_.points().num_input(), false);
+    for (const face_t &face : faces_) {
+        if (face.triangle < 0)
+            continue;
+        for (const int p : outline(face)) {
+            if (!solids_.points().is_made(p))
+                near_cuts[p] = true;
+        }
+    }
+    return near_cuts;
+}
+
 // Faces next to each other have the same solids around them, when no other face meets at the side
 // between them.
 void solid_faces::join_patches()
@@ -246,13 +272,24 @@ void solid_faces::join_patches()
         bool forward;
     };
     std::vector<use_t> uses;
-    uses.reserve(outlines_.size());
+    union_find patches(static_cast<int>(faces_.size()));
+    const std::vector<int> whole = whole_faces();
+    const std::vector<bool> near_cuts = points_of_cuts();
     for (int f = 0; f < static_cast<int>(faces_.size()); ++f) {
         const face_t &face = faces_[f];
         const int first = face.twin >= 0 ? face.twin : f;
         const auto points = outline(face);
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            const int a = points[i], b = points[i + 1 < points.size() ? i + 1 : 0];
+        for (int i = 0; i < static_cast<int>(points.size()); ++i) {
+            const int a = points[i],
+                      b = points[i + 1 < static_cast<int>(points.size()) ? i + 1 : 0];
+            // A side that no piece can have needs no search.
+            if (face.triangle < 0 && !(near_cuts[a] && near_cuts[b])) {
+                const int mate = solids_.mate(face.unit, i);
+                if (mate >= 0 && whole[mate] >= 0) {
+                    patches.join(f, whole[mate]);
+                    continue;
+                }
+            }
             uses.push_back({std::min(a, b), std::max(a, b), first, (a < b) != face.opposite});
         }
     }
@@ -261,7 +298,6 @@ void solid_faces::join_patches()
             return a.high < b.high;
         return a.face != b.face ? a.face < b.face : a.forward < b.forward;
     });
-    union_find patches(static_cast<int>(faces_.size()));
     std::vector<use_t> here;
     for (std::size_t i = 0; i < uses.size();) {
         const std::size_t begin = i;

@@ -57,6 +57,8 @@ private:
     void meet_lines(const solid_triangle &t, const line_t &a, const line_t &b,
                     std::vector<int> &a_splits, std::vector<int> &b_splits);
     void find_twins();
+    [[nodiscard]] std::vector<int> whole_faces() const;
+    [[nodiscard]] std::vector<bool> points_of_cuts() const;
     void join_patches();
     bool find_windings();
     [[nodiscard]] bool wind(int face, int attempt, windings_t *out);

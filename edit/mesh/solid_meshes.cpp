@@ -1,11 +1,14 @@
 #include "edit/mesh/solid_meshes.h"
 
+#include "base/big_vector.h"
 #include "base/worker.h"
-#include "edit/mesh/edge_order.h"
 #include "model/ear_cut.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
+#include <tuple>
 
 void solid_meshes::add(const flat_ptr &mesh, int part)
 {
@@ -20,13 +23,17 @@ bool solid_meshes::number_points()
     for (const flat_ptr &mesh : meshes_)
         total += mesh->positions->size();
     places_ = position_index(total);
+    constexpr std::size_t ahead = 16; // so that memory has the time of so many
     std::vector<point3_t> points;
     points.reserve(total);
     vertices_.reserve(total);
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         std::vector<int> &own = point_of_.emplace_back();
         own.reserve(meshes_[m]->positions->size());
-        for (const point3_t &p : *meshes_[m]->positions) {
+        const std::vector<point3_t> &positions = *meshes_[m]->positions;
+        for (std::size_t v = 0; v < positions.size(); ++v) {
+            const point3_t &p = positions[v];
+            places_.bring(positions[std::min(v + ahead, positions.size() - 1)]);
             if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z))
                 return false;
             const int number = places_.find_or_add(p, static_cast<int>(points.size()));
@@ -77,9 +84,9 @@ void solid_meshes::reserve()
         corners += static_cast<std::size_t>(mesh->num_corners());
         surfaces += static_cast<std::size_t>(mesh->num_surfaces());
     }
-    corners_.reserve(corners);
-    first_corner_.reserve(surfaces + 1);
-    units_.reserve(surfaces);
+    reserve_big(corners_, corners);
+    reserve_big(first_corner_, surfaces + 1);
+    reserve_big(units_, surfaces);
 }
 
 // Blocks of polygons side by side, in order.
@@ -99,7 +106,7 @@ bool solid_meshes::cut_into_triangles(const std::function<bool()> &go_on)
     std::size_t total = 0;
     for (const std::vector<solid_triangle> &some : cut)
         total += some.size();
-    triangles_.reserve(total);
+    reserve_big(triangles_, total);
     for (int i = 0; i < static_cast<int>(cut.size()); ++i) {
         const int first = static_cast<int>(triangles_.size());
         for (int unit = i * block; unit < end_of(i); ++unit) {
@@ -137,43 +144,100 @@ void solid_meshes::cut_unit(int number, std::vector<solid_triangle> &triangles)
         }
         t.unit = number;
         t.part = unit.part;
-        t.axis = points_->best_axis(t.v[0], t.v[1], t.v[2]);
+        const exact_plane plane = points_->plane(t.v[0], t.v[1], t.v[2]);
+        t.axis = points_->best_axis(plane);
         if (t.axis < 0)
             continue;
         t.facing = points_->turn(t.axis, t.v[0], t.v[1], t.v[2]);
+        t.plane = exact_points::rough(plane);
         triangles.push_back(t);
     }
     unit.end_triangle = static_cast<int>(triangles.size());
 }
 
-std::vector<solid_meshes::open_edge_t> solid_meshes::open_edges() const
+// ---- edges ----
+
+namespace {
+
+struct side_t {
+    int high, part, unit;
+    int corner; // where it begins
+    bool forward;
+};
+
+} // namespace
+
+// Calls visit(low, side) for each side of a polygon whose `low` end is in the range.
+template <class Visit>
+void solid_meshes::for_sides(int begin, int end, const Visit &visit) const
 {
-    struct use_t {
-        int low, high, part, way, unit;
-    };
-    std::vector<use_t> uses;
-    uses.reserve(corners_.size());
     for (int u = 0; u < static_cast<int>(units_.size()); ++u) {
-        const auto corners = outline(u);
-        for (std::size_t i = 0; i < corners.size(); ++i) {
-            const int a = corners[i], b = corners[i + 1 < corners.size() ? i + 1 : 0];
-            if (a != b)
-                uses.push_back({std::min(a, b), std::max(a, b), units_[u].part, a < b ? 1 : -1, u});
+        const int first = first_corner_[u], last = first_corner_[u + 1] - 1;
+        for (int c = first; c <= last; ++c) {
+            const int a = corners_[c], b = corners_[c < last ? c + 1 : first];
+            const int low = std::min(a, b);
+            if (low >= begin && low < end && a != b)
+                visit(low, side_t{std::max(a, b), units_[u].part, u, c, a < b});
         }
     }
-    sort_edge_uses(uses, points_->size(), [](const use_t &a, const use_t &b) {
-        return a.high != b.high ? a.high < b.high : a.part < b.part;
-    });
-    std::vector<open_edge_t> open;
-    for (std::size_t i = 0; i < uses.size();) {
-        const use_t &first = uses[i];
+}
+
+// The sides between the same two points, by their parts.
+template <class Sides>
+void solid_meshes::look_at_edge(int low, const Sides &sides, std::vector<open_edge_t> &open)
+{
+    for (auto side = sides.begin(); side != sides.end();) {
+        const auto first = side;
         int balance = 0;
-        for (; i < uses.size() && uses[i].low == first.low && uses[i].high == first.high &&
-               uses[i].part == first.part;
-             ++i)
-            balance += uses[i].way;
+        for (; side != sides.end() && side->part == first->part; ++side)
+            balance += side->forward ? 1 : -1;
         if (balance != 0)
-            open.push_back({first.low, first.high, first.unit});
+            open.push_back({low, first->high, first->unit});
     }
+    if (sides.size() == 2 && sides[0].forward != sides[1].forward &&
+        sides[0].unit != sides[1].unit) {
+        mates_[sides[0].corner] = sides[1].unit;
+        mates_[sides[1].corner] = sides[0].unit;
+    }
+}
+
+void solid_meshes::pair_sides(int begin, int end, std::vector<open_edge_t> &open)
+{
+    std::vector<int> starts(static_cast<std::size_t>(end - begin) + 1, 0);
+    for_sides(begin, end, [&](int low, const side_t &) { ++starts[low - begin + 1]; });
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    std::vector<int> next(starts.begin(), starts.end() - 1);
+    std::vector<side_t> sides(starts.back());
+    for_sides(begin, end, [&](int low, const side_t &side) { sides[next[low - begin]++] = side; });
+    for (int low = begin; low < end; ++low) {
+        const auto first = sides.begin() + starts[low - begin];
+        const auto last = sides.begin() + starts[low - begin + 1];
+        std::sort(first, last, [](const side_t &a, const side_t &b) {
+            return std::tie(a.high, a.part, a.corner) < std::tie(b.high, b.part, b.corner);
+        });
+        for (auto side = first; side != last;) {
+            const auto edge = side;
+            while (side != last && side->high == edge->high)
+                ++side;
+            look_at_edge(low, std::span(edge, side), open);
+        }
+    }
+}
+
+std::vector<solid_meshes::open_edge_t> solid_meshes::open_edges()
+{
+    // Each piece reads all corners, and keeps those of its points.
+    constexpr int few = 16384, most_pieces = 4;
+    const int count = points_->num_input();
+    const int pieces = count < few ? 1 : most_pieces;
+    mates_.assign(corners_.size(), -1);
+    std::vector<std::vector<open_edge_t>> found(pieces);
+    const auto begin_of = [&](int i) {
+        return static_cast<int>(static_cast<std::int64_t>(count) * i / pieces);
+    };
+    in_parallel(pieces, [&](int i) { pair_sides(begin_of(i), begin_of(i + 1), found[i]); });
+    std::vector<open_edge_t> open;
+    for (const std::vector<open_edge_t> &some : found)
+        open.insert(open.end(), some.begin(), some.end());
     return open;
 }

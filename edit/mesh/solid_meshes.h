@@ -48,13 +48,24 @@ public:
     struct open_edge_t {
         int a, b, unit;
     };
-    [[nodiscard]] std::vector<open_edge_t> open_edges() const;
+    [[nodiscard]] std::vector<open_edge_t> open_edges();
+    // The other polygon at the side from the polygon's corner `i` on: when there is one only, and it
+    // has the side in the other direction. -1: none; before open_edges was asked, too.
+    [[nodiscard]] int mate(int unit, int i) const
+    {
+        return mates_.empty() ? -1 : mates_[first_corner_[unit] + i];
+    }
 
 private:
     bool number_points();
     void reserve();
     bool cut_into_triangles(const std::function<bool()> &go_on);
     void cut_unit(int unit, std::vector<solid_triangle> &triangles);
+    template <class Visit>
+    void for_sides(int begin, int end, const Visit &visit) const;
+    void pair_sides(int begin, int end, std::vector<open_edge_t> &open);
+    template <class Sides>
+    void look_at_edge(int low, const Sides &sides, std::vector<open_edge_t> &open);
 
     std::vector<flat_ptr> meshes_;
     std::vector<int> parts_;
@@ -62,6 +73,7 @@ private:
     std::vector<std::pair<int, int>> vertices_;
     std::vector<unit_t> units_;
     std::vector<int> corners_, first_corner_ = {0};
+    std::vector<int> mates_; // polygons, one a corner
     std::vector<solid_triangle> triangles_;
     position_index places_{0};
     std::unique_ptr<exact_points> points_;

@@ -80,6 +80,40 @@ TEST(ExactPoints, TellNeighbouringFloatsApart)
     }
 }
 
+// Near, far and on the plane of triangles of any shape: the rough plane is silent or right.
+TEST(ExactPoints, RoughPlanesNeverContradictExactOnes)
+{
+    random_source random(7);
+    int told = 0, silent = 0;
+    for (int round = 0; round < 2000; ++round) {
+        const float size = std::ldexp(1.0f, static_cast<int>(random.between(-60, 60)));
+        std::vector<point3_t> input;
+        for (int i = 0; i < 3; ++i)
+            input.push_back(random_point(random, size));
+        const point3_t a = input[0], b = input[1], c = input[2];
+        if (round % 3 == 0) // a sliver
+            input[2] = {a.x + (b.x - a.x) * 0.3f, a.y + (b.y - a.y) * 0.3f,
+                        a.z + (b.z - a.z) * 0.3f};
+        for (int i = 0; i < 8; ++i) { // about in the plane
+            const float u = random.between(-2, 2), v = random.between(-2, 2);
+            input.push_back({a.x + (b.x - a.x) * u + (c.x - a.x) * v,
+                             a.y + (b.y - a.y) * u + (c.y - a.y) * v,
+                             a.z + (b.z - a.z) * u + (c.z - a.z) * v});
+        }
+        input.push_back(random_point(random, size));
+        const exact_points points(input);
+        const exact_plane plane = points.plane(0, 1, 2);
+        const rough_plane rough = exact_points::rough(plane);
+        for (int p = 0; p < points.size(); ++p) {
+            const int side = points.rough_side(rough, 0, p);
+            EXPECT_TRUE(side == 0 || side == points.side(plane, p)) << round << " " << p;
+            ++(side == 0 ? silent : told);
+        }
+    }
+    EXPECT_GT(told, 2000);
+    EXPECT_GT(silent, 2000);
+}
+
 // ---- outlines ----
 
 std::vector<point3_t> ring_of(float x, float y, float size, int n)
