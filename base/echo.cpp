@@ -24,7 +24,7 @@ void echo_command(const std::vector<std::string> &words)
     // Not by tcl_command: a list of elements may be longer than its buffer.
     std::string script = "echo_command";
     for (const std::string &word : words)
-        script += " " + script_word(word);
+        script.append(1, ' ').append(script_word(word));
     bool ok = true;
     ui_port().eval(script.c_str(), &ok);
     if (!ok)
