@@ -1,6 +1,23 @@
 #include "draw/draw_scene_gl.h"
 #include "model/vector.h"
 
+namespace {
+
+// Between each two of the points.
+void draw_thin_lines(const std::vector<point3_t> &ends, const colour_t &colour)
+{
+    if (ends.empty())
+        return;
+    set_colour(colour);
+    draw_set_line_width(1.0f);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glVertexPointer(3, GL_FLOAT, 0, ends.data());
+    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
+    glDisableClientState(GL_VERTEX_ARRAY);
+}
+
+} // namespace
+
 void draw_normals(const scene_t &scene, float length, const colour_t &colour)
 {
     std::vector<point3_t> ends;
@@ -20,14 +37,7 @@ void draw_normals(const scene_t &scene, float length, const colour_t &colour)
             ends.push_back(point_add(middle, point_scale(flat.face_normal(surface), length)));
         }
     }
-    if (ends.empty())
-        return;
-    set_colour(colour);
-    draw_set_line_width(1.0f);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, ends.data());
-    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
-    glDisableClientState(GL_VERTEX_ARRAY);
+    draw_thin_lines(ends, colour);
 }
 
 void draw_bounding_boxes(const scene_t &scene, const colour_t &colour)
@@ -44,12 +54,5 @@ void draw_bounding_boxes(const scene_t &scene, const colour_t &colour)
             ends.push_back({(corner & 1) != 0 ? b.x : a.x, (corner & 2) != 0 ? b.y : a.y,
                             (corner & 4) != 0 ? b.z : a.z});
     }
-    if (ends.empty())
-        return;
-    set_colour(colour);
-    draw_set_line_width(1.0f);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, ends.data());
-    glDrawArrays(GL_LINES, 0, static_cast<GLsizei>(ends.size()));
-    glDisableClientState(GL_VERTEX_ARRAY);
+    draw_thin_lines(ends, colour);
 }

@@ -54,8 +54,8 @@ public:
     void expect(double num_vertices);
 
     // The layers to draw: all at rest, and while moving those that fit, in the finest detail in which
-    // some do; of coarse levels the coarsest first, then finer ones as far as it leaves room. `fill_goes_first` says whether the fill goes before the edges (flat views) or after them
-    // (3D).
+    // some do; of coarse levels the coarsest first, then finer ones as far as it leaves room.
+    // `fill_goes_first` says whether the fill goes before the edges (flat views) or after them (3D).
     [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
 
     [[nodiscard]] double cost(draw_layer layer) const
