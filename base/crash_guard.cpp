@@ -59,6 +59,8 @@ thread_local volatile unsigned fault_code = 0;
 thread_local volatile int fault_errno = 0;
 void (*after_fault)(const fault_t &fault) = nullptr;
 void (*rescue)() = nullptr;
+bool (*repair)(void *address) = nullptr;
+bool installed = false;
 bool in_after_fault = false;
 time_t recent_faults[too_many_faults];
 int fault_count = 0;
@@ -133,6 +135,8 @@ bool survivable(int signal_number, const ucontext_t *context)
 
 void on_fault(int signal_number, siginfo_t *info, void *raw_context)
 {
+    if (signal_number == SIGSEGV && repair != nullptr && repair(info->si_addr))
+        return;
     fault_errno = errno;
     const auto *context = static_cast<const ucontext_t *>(raw_context);
     if (crash_guard::top == nullptr || !survivable(signal_number, context)) {
@@ -247,11 +251,16 @@ void install()
     sigemptyset(&action.sa_mask);
     for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT})
         sigaction(number, &action, nullptr);
+    installed = true;
     main_thread = pthread_self();
     action.sa_sigaction = on_stop;
     action.sa_flags |= SA_RESTART;
     sigaction(SIGUSR2, &action, nullptr);
 }
+
+bool is_installed() { return installed; }
+
+void set_repair(bool (*hook)(void *address)) { repair = hook; }
 
 void ask_to_stop()
 {

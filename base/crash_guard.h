@@ -44,6 +44,10 @@ struct frame_t {
 
 extern thread_local frame_t *top; // innermost active guard
 void install();                   // signal handlers and alternate stack; once, at start
+bool is_installed();
+// A hook that is asked first about a fault of access, in the handler, on whichever thread: true when it
+// has put right what stands at the address, so that the access is to be made again.
+void set_repair(bool (*hook)(void *address));
 // Alternate stack of a further thread, as long as this lives: room for the handler of an overflow.
 class thread_stack_t {
 public:

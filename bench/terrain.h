@@ -3,6 +3,7 @@
 
 // The benchmarks' model: a terrain of quads in one object.
 
+#include "base/crash_guard.h"
 #include "base/prefs.h"
 #include "base/ui_port.h"
 #include "model/alloc_internal.h"
@@ -62,6 +63,7 @@ struct terrain_arrays {
 
 inline void bench_begin()
 {
+    crash_guard::install();
     alloc_use_big_pages();
     record_pages_reserve();
     prefs_set_defaults();

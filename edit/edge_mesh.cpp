@@ -1,14 +1,16 @@
 #include "edit/edge_mesh.h"
 
 #include "base/big_vector.h"
+#include "base/prefs.h"
 #include "base/session_state.h"
 #include "edit/edge_mesh_internal.h"
 #include "edit/mesh/kept_colours.h"
 #include "edit/triangulate.h"
 #include "model/alloc.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
-#include "model/freed.h"
+#include "model/freed_internal.h"
 #include "model/object_internal.h"
 #include "model/record_maker.h"
 #include "model/vector.h"
@@ -241,6 +243,40 @@ public:
         if (object_->num_surfaces != mesh.num_faces() || points_.size() != mesh.points.size() ||
             object_->num_vertices != static_cast<int>(points_.size()))
             return;
+        const std::shared_ptr<flat_mesh> flat = flat_of(std::move(mesh));
+        flat->vertex_records = shared(std::move(points_));
+        flat->surface_records = shared(std::move(surfaces_));
+        flat->whole = true;
+        state_set_flat(object_, flat, CHANGED_NORMALS);
+    }
+
+    // Makes the mesh, which is `mesh_`, all that the object has, without writing records, where it is large
+    // and takes the place of everything: all vertices are anew, and none is held from outside.
+    bool defer(vesk_mesh_t &&mesh)
+    {
+        if (!records_can_be_deferred(static_cast<int>(mesh.points.size()), mesh.num_faces()) ||
+            mesh.points.size() < points_.size() || freed_elements_are_held())
+            return false;
+        find_unused();
+        const auto is_lost = [](use_t use) { return use == LOST; };
+        const auto is_line = [](const flat_surface &surface) { return surface.is_line(); };
+        if (std::any_of(use_.begin(), use_.end(), is_lost) ||
+            std::any_of(before_->surfaces->begin(), before_->surfaces->end(), is_line))
+            return false;
+        const bool are_computed = prefs.recalc_normals != 0; // by the caller, from the flat mesh
+        auto normals = are_computed ? nullptr : normals_as_made();
+        auto face_normals = are_computed ? nullptr : face_normals_as_made();
+        const std::shared_ptr<flat_mesh> flat = flat_of(std::move(mesh));
+        flat->normals = std::move(normals);
+        flat->face_normals = std::move(face_normals);
+        object_set_whole(object_, flat);
+        return true;
+    }
+
+private:
+    // Without normals and records.
+    [[nodiscard]] std::shared_ptr<flat_mesh> flat_of(vesk_mesh_t &&mesh) const
+    {
         auto surfaces = big_vector<flat_surface>(mesh.num_faces());
         in_parallel_ranges(mesh.num_faces(), [&](int begin, int end) {
             const surface_t plain = plain_surface();
@@ -255,13 +291,34 @@ public:
         flat->corner_offsets = shared(std::move(mesh.offsets));
         flat->corners = shared(std::move(mesh.corners));
         flat->texture_coords = shared(std::move(mesh.uv));
-        flat->vertex_records = shared(std::move(points_));
-        flat->surface_records = shared(std::move(surfaces_));
-        flat->whole = true;
-        state_set_flat(object_, std::move(flat), CHANGED_NORMALS);
+        return flat;
     }
 
-private:
+    // Of vertices and surfaces before anything computes them.
+    [[nodiscard]] flat_array<point3_t> normals_as_made() const
+    {
+        const auto known = static_cast<int>(points_.size());
+        auto normals = big_vector<point3_t>(mesh_.points.size());
+        in_parallel_ranges(static_cast<int>(normals.size()), [&](int begin, int end) {
+            const point3_t plain = plain_vertex({0, 0, 0}).normal;
+            for (int v = begin; v < end; ++v)
+                normals[v] = v < known ? before_->normal(v) : plain;
+        });
+        return shared(std::move(normals));
+    }
+    [[nodiscard]] flat_array<point3_t> face_normals_as_made() const
+    {
+        auto normals = big_vector<point3_t>(mesh_.num_faces());
+        in_parallel_ranges(mesh_.num_faces(), [&](int begin, int end) {
+            const point3_t plain = plain_surface().normal;
+            for (int face = begin; face < end; ++face) {
+                const int source = mesh_.sources[face];
+                normals[face] = source >= 0 ? before_->face_normal(source) : plain;
+            }
+        });
+        return shared(std::move(normals));
+    }
+
     enum use_t : char { UNTOUCHED, LOST, KEPT };
 
     void move_vertices()
@@ -361,8 +418,10 @@ void mesh_into_object(vesk_mesh_t &&mesh, object_t *object)
 {
     const kept_colours colours(object);
     mesh_commit commit(mesh, object);
-    commit.run();
-    commit.hand_over(std::move(mesh));
+    if (!commit.defer(std::move(mesh))) {
+        commit.run();
+        commit.hand_over(std::move(mesh));
+    }
     colours.give_back();
 }
 

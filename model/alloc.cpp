@@ -1,5 +1,6 @@
 #include "base/messages.h"
 #include "model/alloc_internal.h"
+#include "model/deferred_pages.h"
 #include "model/list_internal.h"
 #include "model/record_pages.h"
 
@@ -162,7 +163,7 @@ std::size_t alloc_process_bytes()
     std::size_t resident = 0;
     mi_process_info(nullptr, nullptr, nullptr, &resident, nullptr, nullptr, nullptr, nullptr);
     if (resident != 0)
-        return resident + record_pages_bytes();
+        return resident + record_pages_bytes() - deferred_pages::bytes_to_come();
 #endif
     unsigned long size = 0;
     unsigned long pages = 0;

@@ -1,6 +1,6 @@
 #include "model/bounds.h"
 
-#include "model/change_marks.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
 
 int object_bounds(const object_t *object, point3_t *min, point3_t *max)
@@ -8,6 +8,12 @@ int object_bounds(const object_t *object, point3_t *min, point3_t *max)
     bounds_clear(min, max);
     int n = 0;
     for_each_object(const_cast<object_t *>(object), [&](const object_t *part) {
+        if (const flat_ptr flat = untouched_flat(part)) {
+            for (const point3_t &position : *flat->positions)
+                bounds_add(position, min, max);
+            n += flat->num_vertices();
+            return;
+        }
         for (const vertex *point : each<vertex>(part->vertices)) {
             bounds_add(point->position, min, max);
             ++n;

@@ -1,6 +1,7 @@
 #include "base/foreign.h"
 #include "base/messages.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/property.h"
 #include "model/world.h"
@@ -94,11 +95,12 @@ void mark_state(object_state &state, unsigned aspects)
     }
 }
 
-// The aspects in which the object differs from its flat mesh and the sum of its record.
-unsigned differences(const object_t *object, const object_state &state)
+// The aspects in which the object differs from its flat mesh and the sum of its record. Lists that nobody
+// touched are not walked but when `also_untouched`.
+unsigned differences(const object_t *object, const object_state &state, bool also_untouched)
 {
     unsigned found = 0;
-    if (state.flat)
+    if (state.flat && (also_untouched || !untouched_flat(object)))
         found = flat_compare(object, *state.flat) & ~state.marks;
     if (state.record_summed && state.record_sum != record_sum(object))
         found |= CHANGED_RECORD;
@@ -109,7 +111,7 @@ unsigned differences(const object_t *object, const object_state &state)
 // compare with, it is taken as changed.
 unsigned suspected(const object_t *object, const object_state &state)
 {
-    return differences(object, state) | state.marks |
+    return differences(object, state, false) | state.marks |
            (state.flat ? 0U : static_cast<unsigned>(CHANGED_GEOMETRY)) |
            (state.record_summed ? 0U : static_cast<unsigned>(CHANGED_RECORD));
 }
@@ -220,7 +222,7 @@ int marks_check(const char *after)
     for_each_object(vesk_get_world(), [&](object_t *object) {
         object_state &state = state_of(object);
         state_resolve(object, state);
-        const unsigned found = differences(object, state);
+        const unsigned found = differences(object, state, true);
         if (found != 0) {
             console_printf("unmarked change in object '%s': %s, after %s\n", object->name,
                            aspect_names(found), after);

@@ -2,6 +2,7 @@
 
 #include "model/alloc_internal.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/freed_internal.h"
 #include "model/object_internal.h"
 #include "model/property.h"
@@ -29,18 +30,32 @@ void announce(const freed_things &freed)
         listener(freed);
 }
 
+// The object's own elements.
+void add_contents(const object_t *object, freed_things &to)
+{
+    if (const flat_ptr flat = untouched_flat(object)) {
+        const auto &surfaces = *flat->surface_records;
+        const auto &vertices = *flat->vertex_records;
+        to.surfaces.insert(to.surfaces.end(), surfaces.begin(), surfaces.end());
+        to.vertices.insert(to.vertices.end(), vertices.begin(), vertices.end());
+        return;
+    }
+    for (surface_t *surface : each<surface_t>(object->surfaces))
+        to.surfaces.push_back(surface);
+    for (vertex *point : each<vertex>(object->vertices))
+        to.vertices.push_back(point);
+}
+
 void free_object_record(object_t *object)
 {
+    if (!object_free_deferred(object)) {
+        freed_things contents;
+        add_contents(object, contents);
+        free_records(contents.surfaces, contents.vertices);
+        list_free(&object->surfaces);
+        list_free(&object->vertices);
+    }
     state_forget(object);
-    std::vector<surface_t *> surfaces;
-    std::vector<vertex *> vertices;
-    for (surface_t *surface : each<surface_t>(object->surfaces))
-        surfaces.push_back(surface);
-    for (vertex *point : each<vertex>(object->vertices))
-        vertices.push_back(point);
-    free_records(surfaces, vertices);
-    list_free(&object->surfaces);
-    list_free(&object->vertices);
     list_free(&object->children);
     proplist_free(&object->properties);
     myfree(object->name);
@@ -53,12 +68,8 @@ void free_object_record(object_t *object)
 freed_things with_contents(const freed_things &freed)
 {
     freed_things all = freed;
-    for (const object_t *object : freed.objects) {
-        for (surface_t *surface : each<surface_t>(object->surfaces))
-            all.surfaces.push_back(surface);
-        for (vertex *point : each<vertex>(object->vertices))
-            all.vertices.push_back(point);
-    }
+    for (const object_t *object : freed.objects)
+        add_contents(object, all);
     return all;
 }
 
@@ -153,12 +164,17 @@ void freed_announce_geometry(const object_t *object)
     if (record().listeners.empty())
         return;
     freed_things gone;
-    for (surface_t *surface : each<surface_t>(object->surfaces))
-        gone.surfaces.push_back(surface);
-    for (vertex *point : each<vertex>(object->vertices))
-        gone.vertices.push_back(point);
+    add_contents(object, gone);
     if (!gone.empty())
         announce(gone);
+}
+
+bool freed_elements_are_held()
+{
+    freed_things held;
+    for (freed_holder holder : record().holders)
+        holder(held);
+    return !held.surfaces.empty() || !held.vertices.empty();
 }
 
 void freed_reset_after_fault()

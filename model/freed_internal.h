@@ -10,6 +10,9 @@ void freed_announce_left(const std::vector<object_t *> &tops);
 // about to be used for others.
 void freed_announce_geometry(const object_t *object);
 
+// Whether any holder points at a vertex or a surface.
+bool freed_elements_are_held();
+
 // A fault skipped the ends of the batches that were open.
 void freed_reset_after_fault();
 

@@ -3,6 +3,7 @@
 #include "base/big_vector.h"
 #include "base/prefs.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/list_pieces.h"
 #include "model/normals_internal.h"
 #include "model/vector.h"
@@ -83,13 +84,22 @@ void calc_normals_alone(object_t *object)
 
 // ---- by the flat mesh ----
 
-std::vector<point3_t> renew_surface_normals(const flat_mesh &flat)
+// Into the records too, but for deferred ones: what they say now is then in `deferred`.
+std::vector<point3_t> renew_surface_normals(const flat_mesh &flat, const flat_mesh *deferred)
 {
     auto normals = big_vector<point3_t>(flat.num_surfaces());
     in_parallel_ranges(flat.num_surfaces(), [&](int begin, int end) {
         for (int s = begin; s < end; ++s) {
+            const bool has_one = flat.surface_corners(s).size() >= 3;
+            if (deferred != nullptr) {
+                if (has_one)
+                    normals[s] = normal_of_corners(flat, s);
+                else if (deferred->face_normals)
+                    normals[s] = deferred->face_normal(s);
+                continue;
+            }
             surface_t *surface = flat.surface_record(s);
-            if (flat.surface_corners(s).size() >= 3)
+            if (has_one)
                 surface->normal = normal_of_corners(flat, s);
             normals[s] = surface->normal;
         }
@@ -100,7 +110,8 @@ std::vector<point3_t> renew_surface_normals(const flat_mesh &flat)
 // Each thread has vertices of its own, which it gives all corners in the order of the surfaces: the
 // sums depend on the order.
 std::vector<point3_t> renew_vertex_normals(const flat_mesh &flat,
-                                           const std::vector<point3_t> &surface_normals)
+                                           const std::vector<point3_t> &surface_normals,
+                                           bool into_records)
 {
     auto normals = big_vector<point3_t>(flat.num_vertices());
     in_two_parts(flat.num_vertices(), [&](int first, int end) {
@@ -116,6 +127,8 @@ std::vector<point3_t> renew_vertex_normals(const flat_mesh &flat,
         }
         for (int v = first; v < end; ++v) {
             finish_vertex_normal(normals[v]);
+            if (!into_records)
+                continue;
             flat.vertex_record(v)->normal = normals[v];
             flat.vertex_record(v)->surface_count = 0;
         }
@@ -131,11 +144,14 @@ void renew_normals_alone(object_t *object)
         calc_normals_alone(object);
         return;
     }
-    auto surface_normals = renew_surface_normals(*flat);
-    auto normals = renew_vertex_normals(*flat, surface_normals);
+    const flat_ptr deferred = untouched_flat(object);
+    auto surface_normals = renew_surface_normals(*flat, deferred.get());
+    auto normals = renew_vertex_normals(*flat, surface_normals, !deferred);
     flat->face_normals = std::make_shared<const std::vector<point3_t>>(std::move(surface_normals));
     flat->normals = std::make_shared<const std::vector<point3_t>>(std::move(normals));
     object_mark(object, CHANGED_NORMALS);
+    if (deferred)
+        object_defer_normals(object, flat);
     state_set_flat(object, flat, 0);
 }
 

@@ -3,8 +3,9 @@
 #include "base/messages.h"
 #include "model/alloc_internal.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
-#include "model/freed.h"
+#include "model/freed_internal.h"
 #include "model/lights.h"
 #include "model/matrix.h"
 #include "model/object_internal.h"
@@ -298,6 +299,12 @@ void surface_free_record(surface_t *surface)
 
 void object_free_geometry(object_t *object)
 {
+    if (object_is_deferred(object)) {
+        freed_announce_geometry(object);
+        object_free_deferred(object);
+        object_mark(object, CHANGED_TOPOLOGY);
+        return;
+    }
     freed_batch batch;
     for (surface_t *surface : each<surface_t>(object->surfaces))
         batch.add(surface);

@@ -1,6 +1,5 @@
-#include "model/record_pages.h"
-
 #include "model/alloc_internal.h"
+#include "model/record_pages_internal.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,15 +9,6 @@
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
-
-struct record_page {
-    record_page *previous, *next; // in the list that the page is in
-    void *freed; // blocks that were given back; each begins with a pointer to the next
-    std::uint32_t num_freed;
-    std::uint32_t used; // bytes of blocks that were ever handed out
-    std::uint32_t size; // of a block
-    bool has_room;      // whether it is in the list of those that have
-};
 
 namespace {
 
@@ -30,7 +20,7 @@ constexpr bool heap_is_watched = __has_feature(address_sanitizer);
 constexpr bool heap_is_watched = false;
 #endif
 
-constexpr std::size_t page_bytes = std::size_t{2} << 20;
+constexpr std::size_t page_bytes = record_page_bytes;
 constexpr std::size_t num_sizes = 4;
 constexpr int most_kept = 32; // empty pages
 
@@ -109,6 +99,25 @@ record_page *pop(record_page **list)
     return page;
 }
 
+record_page *pop_empty()
+{
+    record_page *page = pop(&pages.empty);
+    if (page != nullptr)
+        --pages.num_empty;
+    return page;
+}
+
+// Without memory.
+record_page *pop_given_back()
+{
+    record_page *page = pop(&pages.given_back);
+    if (page != nullptr)
+        --pages.num_given_back;
+    else if (pages.num_begun < pages.num_pages)
+        page = pages.table + pages.num_begun++;
+    return page;
+}
+
 // A page for a maker; null when all are full.
 record_page *begin_page(std::size_t size)
 {
@@ -116,14 +125,9 @@ record_page *begin_page(std::size_t size)
         page->has_room = false;
         return page;
     }
-    record_page *page = pop(&pages.empty);
-    if (page != nullptr) {
-        --pages.num_empty;
-    } else if ((page = pop(&pages.given_back)) != nullptr) {
-        --pages.num_given_back;
-    } else if (pages.num_begun < pages.num_pages) {
-        page = pages.table + pages.num_begun++;
-    }
+    record_page *page = pop_empty();
+    if (page == nullptr)
+        page = pop_given_back();
     if (page != nullptr)
         *page = {.previous = nullptr,
                  .next = nullptr,
@@ -179,6 +183,36 @@ void record_pages_free(record_page *page, void *block)
     page->freed = block;
     ++page->num_freed;
     settle(page);
+}
+
+// ---- pages whose blocks are handed out at once ----
+
+std::size_t record_page_count() { return pages.num_pages; }
+
+std::size_t record_page_number(const record_page *page) { return page - pages.table; }
+
+char *record_page_memory(const record_page *page) { return memory_of(page); }
+
+record_page *record_page_take(std::size_t size, std::uint32_t used)
+{
+    const std::lock_guard lock(pages.mutex);
+    record_page *page = pop_given_back();
+    if (page == nullptr)
+        page = pop_empty();
+    if (page != nullptr) {
+        *page = {};
+        page->size = static_cast<std::uint32_t>(size);
+        page->used = used;
+    }
+    return page;
+}
+
+void record_page_give_back(record_page *page)
+{
+    const std::lock_guard lock(pages.mutex);
+    *page = {};
+    put_in(&pages.given_back, page);
+    ++pages.num_given_back;
 }
 
 // ---- makers ----

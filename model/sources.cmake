@@ -4,6 +4,8 @@ target_sources(vesk_core PRIVATE
     model/bounds.cpp
     model/change_marks.cpp
     model/child_changes.cpp
+    model/deferred_pages.cpp
+    model/deferred_records.cpp
     model/ear_cut.cpp
     model/flat_mesh.cpp
     model/frame.cpp

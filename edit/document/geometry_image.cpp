@@ -5,6 +5,7 @@
 #include "edit/document/selection_scan.h"
 #include "model/alloc.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/freed_internal.h"
 #include "model/normals_internal.h"
 
@@ -217,6 +218,9 @@ bool object_write_geometry(object_t *object, const flat_mesh &image)
         write_values(state, *flat);
         flat->vertex_records = state.flat->vertex_records;
         flat->surface_records = state.flat->surface_records;
+    } else if (records_can_be_deferred(flat->num_vertices(), flat->num_surfaces())) {
+        object_set_whole(object, std::move(flat));
+        return false;
     } else {
         fill_lists(object, flat.get());
     }

@@ -1,5 +1,6 @@
 target_sources(vesk_tests PRIVATE
     model/alloc_test.cpp
+    model/deferred_records_test.cpp
     model/ear_cut_test.cpp
     model/flat_mesh_test.cpp
     model/frame_test.cpp
