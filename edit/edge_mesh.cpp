@@ -258,12 +258,14 @@ public:
             mesh.points.size() < points_.size() || freed_elements_are_held())
             return false;
         find_unused();
-        const auto is_lost = [](use_t use) { return use == LOST; };
+        const bool are_computed = prefs.recalc_normals != 0; // by the caller, from the flat mesh
+        const bool loses = std::find(use_.begin(), use_.end(), LOST) != use_.end();
         const auto is_line = [](const flat_surface &surface) { return surface.is_line(); };
-        if (std::any_of(use_.begin(), use_.end(), is_lost) ||
+        if ((loses && !are_computed) ||
             std::any_of(before_->surfaces->begin(), before_->surfaces->end(), is_line))
             return false;
-        const bool are_computed = prefs.recalc_normals != 0; // by the caller, from the flat mesh
+        if (loses)
+            close_up(mesh);
         auto normals = are_computed ? nullptr : normals_as_made();
         auto face_normals = are_computed ? nullptr : face_normals_as_made();
         const std::shared_ptr<flat_mesh> flat = flat_of(std::move(mesh));
@@ -292,6 +294,21 @@ private:
         flat->corners = shared(std::move(mesh.corners));
         flat->texture_coords = shared(std::move(mesh.uv));
         return flat;
+    }
+
+    // Without the vertices that are lost.
+    void close_up(vesk_mesh_t &mesh) const
+    {
+        std::vector<int> places(mesh.points.size());
+        int kept = 0;
+        for (std::size_t v = 0; v < places.size(); ++v) {
+            places[v] = kept;
+            mesh.points[kept] = mesh.points[v];
+            kept += v < use_.size() && use_[v] == LOST ? 0 : 1;
+        }
+        mesh.points.resize(kept);
+        for (int &v : mesh.corners)
+            v = places[v];
     }
 
     // Of vertices and surfaces before anything computes them.

@@ -10,6 +10,7 @@
 #include "model/angle.h"
 #include "model/change_marks.h"
 #include "model/matrix.h"
+#include "model/move_vertices.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/vector.h"
@@ -174,9 +175,8 @@ void finish_rotation()
 void translate_object_only(object_t *object, const point3_t *offset)
 {
     object->centre = point_add(object->centre, *offset);
-    for (vertex *v : each<vertex>(object->vertices))
-        v->position = point_add(v->position, *offset);
-    object_mark(object, CHANGED_POSITIONS | CHANGED_RECORD);
+    object_move_vertices(object, [offset](const point3_t &p) { return point_add(p, *offset); });
+    object_mark(object, CHANGED_RECORD);
 }
 
 void translate_object(object_t *object, const point3_t *offset)

@@ -1,6 +1,7 @@
 #include "fileio/finite_numbers.h"
 
 #include "model/change_marks.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/matrix.h"
 
@@ -38,6 +39,16 @@ int make_record_finite(object_t *object)
     return found;
 }
 
+bool is_finite(const flat_mesh &flat)
+{
+    const auto is_point = [](const point3_t &p) {
+        return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+    };
+    const auto is_uv = [](const flat_uv &uv) { return std::isfinite(uv.u) && std::isfinite(uv.v); };
+    return std::all_of(flat.positions->begin(), flat.positions->end(), is_point) &&
+           std::all_of(flat.texture_coords->begin(), flat.texture_coords->end(), is_uv);
+}
+
 } // namespace
 
 int numbers_make_finite(object_t *top)
@@ -45,11 +56,13 @@ int numbers_make_finite(object_t *top)
     int found = 0;
     for_each_object(top, [&](object_t *object) {
         int here = make_record_finite(object);
-        for (vertex *point : each<vertex>(object->vertices))
-            here += make_finite(&point->position);
-        for (const surface_t *surface : each<surface_t>(object->surfaces)) {
-            for (svertex *corner : each<svertex>(surface->refs))
-                here += make_finite({&corner->u, &corner->v});
+        if (const flat_ptr flat = untouched_flat(object); !flat || !is_finite(*flat)) {
+            for (vertex *point : each<vertex>(object->vertices))
+                here += make_finite(&point->position);
+            for (const surface_t *surface : each<surface_t>(object->surfaces)) {
+                for (svertex *corner : each<svertex>(surface->refs))
+                    here += make_finite({&corner->u, &corner->v});
+            }
         }
         if (here > 0)
             object_mark(object, CHANGED_ALL);

@@ -185,6 +185,7 @@ tree_reader::ending tree_reader::read_lines(block &at)
         if (how != ending::END)
             return how;
     }
+    geometry_.settle();
     apply_mat(at);
     return ending::END;
 }
@@ -194,6 +195,8 @@ tree_reader::ending tree_reader::handle_line(block &at, bool blank)
 {
     if (word_.empty())
         return ending::END;
+    if (word_ != "numsurf")
+        geometry_.settle();
     for (const keyword &row : keywords) {
         if (word_ != row.word)
             continue;
@@ -205,6 +208,7 @@ tree_reader::ending tree_reader::handle_line(block &at, bool blank)
         if (blank || !at.object || geometry_.read_surfaces(at.object))
             return ending::END;
         complain("error whilst reading surface at line: %d\n", lines_.number);
+        geometry_.settle();
         apply_mat(at);
         return ending::FAILED;
     }

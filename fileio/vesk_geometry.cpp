@@ -3,7 +3,39 @@
 #include "base/numbers.h"
 #include "fileio/vesk_messages.h"
 #include "model/change_marks.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
+#include "model/object_internal.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace {
+
+template <class T>
+flat_array<T> shared(std::vector<T> &&elements)
+{
+    return std::make_shared<const std::vector<T>>(std::move(elements));
+}
+
+} // namespace
+
+// ---- what is gathered ----
+
+void vesk_geometry::settle()
+{
+    gathered_t all = std::exchange(gathered_, {});
+    if (all.object == nullptr)
+        return;
+    auto flat = std::make_shared<flat_mesh>();
+    flat->positions = shared(std::move(all.positions));
+    flat->surfaces = shared(std::move(all.surfaces));
+    flat->corner_offsets = shared(std::move(all.offsets));
+    flat->corners = shared(std::move(all.corners));
+    flat->texture_coords = shared(std::move(all.uv));
+    object_set_whole(all.object, std::move(flat));
+}
 
 // ---- vertices ----
 
@@ -19,6 +51,11 @@ void vesk_geometry::know_vertices(const object_t *object)
 
 void vesk_geometry::read_vertices(object_t *object)
 {
+    settle();
+    if (object->vertices == nullptr && object->surfaces == nullptr) {
+        gather_vertices(object);
+        return;
+    }
     know_vertices(object);
     listitem *last = object->vertices ? list_end(object->vertices) : nullptr;
     for (int left = lines_.integer(); left > 0;) {
@@ -37,21 +74,47 @@ void vesk_geometry::read_vertices(object_t *object)
     object_mark(object, CHANGED_TOPOLOGY);
 }
 
+void vesk_geometry::gather_vertices(object_t *object)
+{
+    constexpr std::size_t least_bytes = 2; // of a vertex: the others' numbers may be missing
+    gathered_.object = object;
+    gathered_.offsets.push_back(0);
+    int left = lines_.integer();
+    const auto could_be = static_cast<std::size_t>(lines_.end() - lines_.place) / least_bytes;
+    gathered_.positions.reserve(std::min(static_cast<std::size_t>(std::max(left, 0)), could_be));
+    while (left > 0) {
+        const scan_piece &piece = scanner_.vertices(lines_.place, left);
+        const float *xyz = scanner_.batch().xyz.data() + piece.first;
+        for (int i = 0; i < piece.count; ++i, xyz += 3)
+            gathered_.positions.push_back({xyz[0], xyz[1], xyz[2]});
+        lines_.number += piece.count;
+        left = piece.stopped ? 0 : left - piece.count;
+        lines_.place = piece.end;
+    }
+}
+
 // ---- surfaces ----
 
+// Of an object whose vertices were gathered, the pieces in the plain form are; else by lines.
 bool vesk_geometry::read_surfaces(object_t *object)
 {
-    know_vertices(object);
-    object_mark(object, CHANGED_TOPOLOGY);
-    for (int left = lines_.integer(); left > 0;) {
-        if (!lines_.echoed()) { // else every line is echoed
+    int left = lines_.integer();
+    if (gathered_.object != object || lines_.echoed())
+        settle();
+    else
+        reserve_surfaces(left);
+    while (left > 0) {
+        if (gathered_.object != nullptr) {
             const scan_piece &piece = scanner_.surfaces(lines_.place, left);
-            build_surfaces(object, piece);
+            gather_surfaces(piece);
             lines_.place = piece.end;
             left -= piece.count;
             if (!piece.stopped)
                 continue;
+            settle();
         }
+        know_vertices(object);
+        object_mark(object, CHANGED_TOPOLOGY);
         if (!read_surface(object))
             return false;
         --left;
@@ -59,24 +122,39 @@ bool vesk_geometry::read_surfaces(object_t *object)
     return true;
 }
 
-void vesk_geometry::build_surfaces(object_t *object, const scan_piece &piece)
+void vesk_geometry::reserve_surfaces(int claimed)
+{
+    constexpr std::size_t least_bytes = 16, least_of_corner = 6, usual_corners = 4;
+    const auto bytes = static_cast<std::size_t>(lines_.end() - lines_.place);
+    const auto count =
+        std::min(static_cast<std::size_t>(std::max(claimed, 0)), bytes / least_bytes);
+    const std::size_t corners = std::min(count * usual_corners, bytes / least_of_corner);
+    gathered_.surfaces.reserve(gathered_.surfaces.size() + count);
+    gathered_.offsets.reserve(gathered_.offsets.size() + count);
+    gathered_.corners.reserve(gathered_.corners.size() + corners);
+    gathered_.uv.reserve(gathered_.uv.size() + corners);
+}
+
+void vesk_geometry::gather_surfaces(const scan_piece &piece)
 {
     const scan_batch &batch = scanner_.batch();
     const scanned_ref *ref = batch.refs.data() + piece.first_ref;
     const scanned_surface *from = batch.surfaces.data() + piece.first;
-    listitem *last = object->surfaces ? list_end(object->surfaces) : nullptr;
     for (int i = 0; i < piece.count; ++i, ++from) {
-        surface_t *surface = new_surface();
-        last = list_add_item_fast(&object->surfaces, last, surface);
-        vesk_surface_set_flags(surface, from->flags);
+        surface_t surface = plain_surface();
+        vesk_surface_set_flags(&surface, from->flags);
         lines_.number += 2;
-        set_material(surface, from->material);
+        set_material(&surface, from->material);
         ++lines_.number;
-        listitem *last_ref = nullptr;
-        for (int corner = 0; corner < from->num_refs; ++corner)
-            add_reference(surface, &last_ref, *ref++);
+        for (int corner = 0; corner < from->num_refs; ++corner, ++ref) {
+            if (!is_reference(*ref, gathered_.positions.size()))
+                continue;
+            gathered_.corners.push_back(ref->index);
+            gathered_.uv.push_back({ref->u, ref->v});
+        }
+        gathered_.surfaces.push_back(flat_attributes(surface));
+        gathered_.offsets.push_back(static_cast<std::int32_t>(gathered_.corners.size()));
     }
-    object->num_surfaces += piece.count;
 }
 
 // By lines, in any order; false at the end of the file.
@@ -137,15 +215,20 @@ void vesk_geometry::read_references(surface_t *surface, int claimed)
     }
 }
 
-// Counts the reference's line.
-void vesk_geometry::add_reference(surface_t *surface, listitem **last, const scanned_ref &ref)
+bool vesk_geometry::is_reference(const scanned_ref &ref, std::size_t num_vertices)
 {
     ++lines_.number;
-    if (ref.index < 0 || static_cast<std::size_t>(ref.index) >= points_.size()) {
-        complain("ERROR in file line %d - surface's vertex index invalid (%d)\n", lines_.number,
-                 ref.index);
+    if (ref.index >= 0 && static_cast<std::size_t>(ref.index) < num_vertices)
+        return true;
+    complain("ERROR in file line %d - surface's vertex index invalid (%d)\n", lines_.number,
+             ref.index);
+    return false;
+}
+
+void vesk_geometry::add_reference(surface_t *surface, listitem **last, const scanned_ref &ref)
+{
+    if (!is_reference(ref, points_.size()))
         return;
-    }
     *last =
         list_add_item_fast(&surface->refs, *last,
                            new_svertex(points_[static_cast<std::size_t>(ref.index)], ref.u, ref.v));

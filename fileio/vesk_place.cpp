@@ -3,9 +3,9 @@
 #include "edit/transform.h"
 #include "fileio/vesk_scan.h"
 #include "model/change_marks.h"
-#include "model/each.h"
 #include "model/frame.h"
 #include "model/matrix.h"
+#include "model/move_vertices.h"
 
 #include <charconv>
 #include <cstdint>
@@ -32,11 +32,13 @@ void place_object(object_t *object, point3_t location)
     matrix_rotate_point(parent->rotation, &location);
     matrix_multiply(parent->rotation, own, object->rotation);
     if (matrix_is_identity(object->rotation) == 0) {
-        for (vertex *point : each<vertex>(object->vertices))
-            matrix_rotate_point(object->rotation, &point->position);
+        object_move_vertices(object, [object](point3_t p) {
+            matrix_rotate_point(object->rotation, &p);
+            return p;
+        });
     }
     object_translation_local_to_global(object, &location);
     if (location.x != 0 || location.y != 0 || location.z != 0)
         translate_object_only(object, &location);
-    object_mark(object, CHANGED_POSITIONS | CHANGED_RECORD);
+    object_mark(object, CHANGED_RECORD);
 }

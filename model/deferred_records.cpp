@@ -261,7 +261,10 @@ void object_set_whole(object_t *object, std::shared_ptr<flat_mesh> flat)
     object_free_geometry(object);
     // What was written wholly needs no flat mesh any more.
     std::erase_if(all_sets(), [](const set_ptr &set) { return set->are_written(); });
-    if (auto set = std::make_unique<deferred_records>(flat); set->take()) {
+    set_ptr set;
+    if (records_can_be_deferred(flat->num_vertices(), flat->num_surfaces()))
+        set = std::make_unique<deferred_records>(flat);
+    if (set && set->take()) {
         set->link(object, flat.get());
         all_sets().push_back(std::move(set));
     } else {
@@ -282,10 +285,13 @@ flat_ptr untouched_flat(const object_t *object)
     return flat && set->is_untouched(object, *flat) ? flat : nullptr;
 }
 
-void object_defer_normals(const object_t *object, const flat_ptr &flat)
+void object_defer_values(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned aspects)
 {
     if (deferred_records *set = set_of(object); set != nullptr)
         set->set_flat(flat);
+    object_mark(object, aspects);
+    const unsigned marks = state_of(object).marks & ~aspects;
+    state_set_flat(object, std::move(flat), marks);
 }
 
 bool object_is_deferred(const object_t *object)

@@ -11,17 +11,18 @@
 bool records_can_be_deferred(int num_vertices, int num_surfaces);
 
 // Frees the object's lists, announced, and makes them those of a flat mesh that is complete but for its
-// arrays of records, which are set: deferred where there is room for their addresses, else at once. The
-// flat mesh is the object's from now on. It may lack normals: they are what new records have.
+// arrays of records, which are set: deferred where they are many and there is room for their addresses,
+// else at once. The flat mesh is the object's from now on. It may lack normals: they are what new records
+// have.
 void object_set_whole(object_t *object, std::shared_ptr<flat_mesh> flat);
 
 // The object's flat mesh where none of its own records was ever touched: then it is what these will say.
 // Else null.
 flat_ptr untouched_flat(const object_t *object);
 
-// Its records, which nobody touched, will be made of this flat mesh: it has the same arrays but for
-// normals.
-void object_defer_normals(const object_t *object, const flat_ptr &flat);
+// The records of an untouched object will be made of this flat mesh, its own from now on, which differs
+// in values of these aspects alone.
+void object_defer_values(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned aspects);
 
 // Its lists are those that were deferred, touched or not, in their order: object_free_deferred frees them
 // and their records in one go, and announces nothing. It does nothing, and is false, for others.

@@ -149,9 +149,11 @@ void renew_normals_alone(object_t *object)
     auto normals = renew_vertex_normals(*flat, surface_normals, !deferred);
     flat->face_normals = std::make_shared<const std::vector<point3_t>>(std::move(surface_normals));
     flat->normals = std::make_shared<const std::vector<point3_t>>(std::move(normals));
+    if (deferred) {
+        object_defer_values(object, flat, CHANGED_NORMALS);
+        return;
+    }
     object_mark(object, CHANGED_NORMALS);
-    if (deferred)
-        object_defer_normals(object, flat);
     state_set_flat(object, flat, 0);
 }
 
@@ -181,7 +183,15 @@ void surface_calc_normal(surface_t *surface)
     surface->normal = normal_of(points[0]->position, points[1]->position, points[2]->position);
 }
 
-void object_calc_normals_force(object_t *object) { for_each_object(object, calc_normals_alone); }
+void object_calc_normals_force(object_t *object)
+{
+    for_each_object(object, [](object_t *part) {
+        if (untouched_flat(part))
+            renew_normals_alone(part);
+        else
+            calc_normals_alone(part);
+    });
+}
 
 void object_renew_normals(object_t *object)
 {

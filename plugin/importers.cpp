@@ -23,6 +23,7 @@
 #include "fileio/import_vrml.h"
 #include "fileio/vesk_reader.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/freed.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
@@ -60,9 +61,17 @@ void count_import(object_t *top, double seconds)
         report.vertices += object->num_vertices;
         report.surfaces += object->num_surfaces;
         int last = -1;
+        const auto count = [&](int material) {
+            if (material != last)
+                materials.insert(last = material);
+        };
+        if (const flat_ptr flat = untouched_flat(object)) {
+            for (const flat_surface &surface : *flat->surfaces)
+                count(surface.material);
+            return;
+        }
         for (const surface_t *surface : each<surface_t>(object->surfaces))
-            if (surface->material != last)
-                materials.insert(last = surface->material);
+            count(surface->material);
     });
     report.materials = static_cast<int>(materials.size());
     report.seconds = seconds;

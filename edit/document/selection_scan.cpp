@@ -29,8 +29,10 @@ bool is_in(const std::vector<T *> &elements, const T *element)
 template <class T, class Head>
 std::vector<object_t *> owners_of(const std::vector<T *> &elements, Head head_of)
 {
-    number_all(elements);
     std::vector<object_t *> owners(elements.size(), nullptr);
+    if (elements.empty())
+        return owners;
+    number_all(elements);
     for_each_object(vesk_get_world(), [&](object_t *object) {
         for (const T *element : each<T>(head_of(object))) {
             if (is_in(elements, element))
@@ -45,8 +47,10 @@ std::vector<object_t *> owners_of(const std::vector<T *> &elements, Head head_of
 template <class Wanted>
 std::vector<surface_t *> surfaces_where(const std::vector<vertex *> &vertices, Wanted &&wanted)
 {
-    number_all(vertices);
     std::vector<surface_t *> found;
+    if (vertices.empty())
+        return found;
+    number_all(vertices);
     for_each_object(vesk_get_world(), [&](object_t *object) {
         for (surface_t *surface : each<surface_t>(object->surfaces)) {
             int inside = 0;
