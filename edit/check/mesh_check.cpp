@@ -24,23 +24,10 @@ public:
 
     model_findings find()
     {
-        const edge_table edges(*mesh_);
-        if (!go_on_())
-            return {};
         const std::vector<int> first = first_at_place(*mesh_->positions);
-        if (!go_on_())
-            return {};
-        const meant_parts meant = find_meant_parts(*mesh_, edges, first);
-        const auto next = [this](auto &&search) {
-            if (go_on_())
-                search();
-        };
-        next([&] { find_edges(edges, meant); });
-        next([&] { find_t_vertices(edges); });
-        next([&] { find_duplicate_vertices(first, meant); });
+        next([&] { find_by_edges(first); });
         next([&] { find_duplicate_surfaces(); });
         next([&] { find_shapes(); });
-        next([&] { find_flipped(edges); });
         next([&] { find_unused(); });
         next([&] { find_crossings(first); });
         std::stable_sort(
@@ -78,6 +65,26 @@ private:
     }
     [[nodiscard]] const point3_t &position(int v) const { return mesh_->position(v); }
     [[nodiscard]] bool polygon(int s) const { return !mesh_->surface(s).is_line(); }
+
+    template <class Search>
+    void next(const Search &search)
+    {
+        if (go_on_())
+            search();
+    }
+
+    // The edges go before crossings are searched, which need as much memory again.
+    void find_by_edges(const std::vector<int> &first)
+    {
+        const edge_table edges(*mesh_);
+        if (!go_on_())
+            return;
+        const meant_parts meant = find_meant_parts(*mesh_, edges, first);
+        next([&] { find_edges(edges, meant); });
+        next([&] { find_t_vertices(edges); });
+        next([&] { find_duplicate_vertices(first, meant); });
+        next([&] { find_flipped(edges); });
+    }
 
     void find_edges(const edge_table &edges, const meant_parts &meant)
     {
