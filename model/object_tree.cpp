@@ -2,9 +2,9 @@
 
 #include "model/alloc_internal.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/freed_internal.h"
-#include "model/object_internal.h"
 #include "model/property.h"
 #include "model/world.h"
 
@@ -32,43 +32,6 @@ object_t *find_owner(object_t *top, const void *element, ListOf list_of)
     });
 }
 
-// Gives `copy` vertices and surfaces as those of `source`, and a flat mesh that shares its arrays.
-void clone_geometry(object_t *source, object_t *copy)
-{
-    const flat_ptr from = object_flat(source);
-    std::vector<vertex *> vertices;
-    vertices.reserve(from->vertex_records->size());
-    listitem *last = nullptr;
-    for (const vertex *point : *from->vertex_records) {
-        vertices.push_back(vertex_clone(point));
-        last = list_add_item_fast(&copy->vertices, last, vertices.back());
-    }
-    std::vector<surface_t *> surfaces;
-    surfaces.reserve(from->surface_records->size());
-    last = nullptr;
-    for (int i = 0; i < from->num_surfaces(); ++i) {
-        surface_t *twin = new_surface();
-        surface_copy_record(twin, from->surface_record(i));
-        listitem *last_corner = nullptr;
-        int corner = from->first_corner(i);
-        for (const int v : from->surface_corners(i)) {
-            const flat_uv &uv = from->uv(corner++);
-            last_corner =
-                list_add_item_fast(&twin->refs, last_corner, new_svertex(vertices[v], uv.u, uv.v));
-            ++twin->num_refs;
-        }
-        surfaces.push_back(twin);
-        last = list_add_item_fast(&copy->surfaces, last, twin);
-    }
-    copy->num_vertices = from->num_vertices();
-    copy->num_surfaces = from->num_surfaces();
-
-    auto flat = std::make_shared<flat_mesh>(*from);
-    flat->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
-    flat->surface_records = std::make_shared<const std::vector<surface_t *>>(std::move(surfaces));
-    state_set_flat(copy, std::move(flat), 0);
-}
-
 // A copy of the record and its geometry, without parent and children.
 object_t *clone_alone(object_t *source)
 {
@@ -82,9 +45,10 @@ object_t *clone_alone(object_t *source)
     copy->properties = vesk_proplist_duplicate(source->properties);
     copy->parent = nullptr;
     copy->vertices = copy->surfaces = copy->children = nullptr;
-    copy->num_children = 0;
+    copy->num_vertices = copy->num_surfaces = copy->num_children = 0;
 
-    clone_geometry(source, copy);
+    // The arrays are shared.
+    object_set_whole(copy, std::make_shared<flat_mesh>(object_flat(source)->without_records()));
     return copy;
 }
 
