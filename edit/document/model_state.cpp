@@ -265,7 +265,7 @@ public:
     {
         auto state = std::make_shared<model_state>();
         if (!known_.state || known_.world != vesk_get_world() ||
-            known_.tree_count != tree_change_count()) {
+            (known_.tree_count != tree_change_count() && !is_same_tree())) {
             take_tree(state.get());
         } else {
             take_changed(state.get());
@@ -300,6 +300,21 @@ private:
             before->image->geometry.positions->size() != image->geometry.positions->size())
             places_changed_ = true;
         return image;
+    }
+
+    // Most marks of the tree are of a name or a frame: it has the same objects, in the same order and with the
+    // same parents, which is cheaper to see than to look each of them up.
+    [[nodiscard]] bool is_same_tree() const
+    {
+        const auto &objects = known_.objects;
+        std::size_t i = 0;
+        const object_t *other = find_object_where(vesk_get_world(), [&](const object_t *object) {
+            if (i == objects.size() || objects[i].object != object)
+                return true;
+            const int parent = old_->entry(static_cast<int>(i++)).parent;
+            return parent >= 0 && objects[parent].object != object->parent;
+        });
+        return other == nullptr && i == objects.size();
     }
 
     // The same objects as before, in the same places.
