@@ -26,6 +26,10 @@ struct entry_t {
 entry_t *entries; // of record_page_count()
 std::atomic<std::size_t> num_to_come;
 
+// Each may become a mapping of its own, of which the system allows a process some 65,000.
+constexpr std::size_t most_taken = 20000;
+std::size_t num_taken;
+
 #if defined(__SANITIZE_THREAD__)
 constexpr bool faults_are_watched = true;
 #elif defined(__has_feature)
@@ -116,11 +120,17 @@ bool deferred_pages::add_run(std::size_t size, std::size_t count)
     run_t run = {
         size, count, static_cast<unsigned>(std::countr_zero(record_page_bytes / size)), {}};
     const std::size_t in_page = record_page_bytes / size;
-    for (std::size_t first = 0; first < count; first += in_page) {
+    bool complete = true;
+    for (std::size_t first = 0; first < count && complete; first += in_page) {
         const std::size_t used = std::min(in_page, count - first) * size;
-        const record_page *page = record_page_take(size, static_cast<std::uint32_t>(used));
-        if (page == nullptr)
+        const record_page *page = num_taken < most_taken
+                                      ? record_page_take(size, static_cast<std::uint32_t>(used))
+                                      : nullptr;
+        if (page == nullptr) {
+            complete = false;
             break;
+        }
+        ++num_taken;
         char *memory = record_page_memory(page);
         entry_t &entry = entries[record_page_number(page)];
         entry.owner = this;
@@ -129,13 +139,14 @@ bool deferred_pages::add_run(std::size_t size, std::size_t count)
         run.memory.push_back(memory);
         ++num_pages_;
         // Its memory goes, if there is any.
-        if (mmap(memory, record_page_bytes, PROT_NONE,
-                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0) == MAP_FAILED)
-            break;
-        entry.state = DEFERRED;
-        ++num_to_come;
+        complete =
+            mmap(memory, record_page_bytes, PROT_NONE,
+                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0) != MAP_FAILED;
+        if (complete) {
+            entry.state = DEFERRED;
+            ++num_to_come;
+        }
     }
-    const bool complete = run.memory.size() == (count + in_page - 1) / in_page;
     runs_.push_back(std::move(run));
     return complete;
 }
@@ -155,6 +166,7 @@ void deferred_pages::give_back()
             madvise(memory, record_page_bytes, MADV_HUGEPAGE);
 #endif
             record_page_give_back(page);
+            --num_taken;
         }
     }
     runs_.clear();
@@ -177,6 +189,7 @@ bool deferred_pages::repair(void *address)
             entry.owner->write_page(entry.run, entry.number);
             errno = before;
             entry.state = PRESENT;
+            is_first_time(nullptr); // whatever was before is over
             return true;
         }
         sched_yield();
