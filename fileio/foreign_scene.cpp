@@ -87,11 +87,11 @@ object_t *make_object(const plain_scene &scene, const plain_node &node,
     for (size_t i = 0; i < node.flags.size(); ++i)
         attributes.push_back(
             {palette[static_cast<size_t>(node.materials[i])], node.flags[i] & 0x33});
-    vesk_object_add_vertices_from_float_array(object, node.points.data(),
-                                              static_cast<int>(node.points.size() / 3));
-    vesk_object_add_surfaces_from_arrays(object, n, node.offsets.data(), node.corners.data(),
-                                         node.uv.data(), 0);
-    vesk_object_set_surface_attributes(object, 0, n, attributes.data());
+    static_assert(sizeof(point3_t) == 3 * sizeof(float));
+    object_set_mesh(
+        object, {static_cast<int>(node.points.size() / 3), n, static_cast<int>(node.corners.size()),
+                 reinterpret_cast<const point3_t *>(node.points.data()), nullptr, nullptr,
+                 attributes.data(), node.offsets.data(), node.corners.data(), node.uv.data()});
     if (!node.colours.empty())
         vesk_object_set_vertex_colours(object, node.colours.data());
     if (node.picture >= 0)

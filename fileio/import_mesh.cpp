@@ -70,11 +70,11 @@ object_t *import_mesh::make_object(const std::string &name) const
 {
     object_t *object = new_object(OBJECT_POLY);
     object_set_name(object, name.c_str());
-    const int n = static_cast<int>(attributes_.size());
-    vesk_object_add_vertices_from_float_array(object, points_.data(), num_points());
-    vesk_object_add_surfaces_from_arrays(object, n, offsets_.data(), corners_.data(), uv_.data(),
-                                         0);
-    vesk_object_set_surface_attributes(object, 0, n, attributes_.data());
+    static_assert(sizeof(point3_t) == 3 * sizeof(float));
+    object_set_mesh(object, {num_points(), static_cast<int>(attributes_.size()),
+                             static_cast<int>(corners_.size()),
+                             reinterpret_cast<const point3_t *>(points_.data()), nullptr, nullptr,
+                             attributes_.data(), offsets_.data(), corners_.data(), uv_.data()});
     object_calc_normals_force(object);
     return object;
 }

@@ -1,8 +1,13 @@
 #include "model/mesh_arrays.h"
 
+#include "base/big_vector.h"
+#include "base/worker.h"
 #include "model/change_marks.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
-#include "model/flat_mesh.h"
+#include "model/object_internal.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -17,7 +22,59 @@ kept_t &kept()
     return arrays;
 }
 
+template <class T>
+flat_array<T> shared(std::vector<T> &&elements)
+{
+    return std::make_shared<const std::vector<T>>(std::move(elements));
+}
+
+void set_surfaces(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
+{
+    auto surfaces = big_vector<flat_surface>(arrays.num_surfaces);
+    in_parallel_ranges(arrays.num_surfaces, [&](int begin, int end) {
+        for (int i = begin; i < end; ++i) {
+            surface_t surface = plain_surface();
+            surface_set_col(&surface, arrays.surfaces[i].material);
+            vesk_surface_set_flags(&surface, arrays.surfaces[i].flags);
+            surfaces[i] = flat_attributes(surface);
+        }
+    });
+    flat->surfaces = shared(std::move(surfaces));
+}
+
+void set_corners(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
+{
+    std::vector<std::int32_t> offsets, corners;
+    std::vector<flat_uv> uv;
+    reserve_big(offsets, arrays.num_surfaces + std::size_t{1});
+    reserve_big(corners, arrays.num_corners);
+    reserve_big(uv, arrays.num_corners);
+    offsets.push_back(0);
+    for (int i = 0; i < arrays.num_surfaces; ++i) {
+        for (int c = arrays.corner_offsets[i]; c < arrays.corner_offsets[i + 1]; ++c) {
+            if (arrays.corners[c] < 0 || arrays.corners[c] >= arrays.num_vertices)
+                continue;
+            corners.push_back(arrays.corners[c]);
+            const float *at = arrays.uv + 2 * static_cast<std::ptrdiff_t>(c);
+            uv.push_back({at[0], at[1]});
+        }
+        offsets.push_back(static_cast<std::int32_t>(corners.size()));
+    }
+    flat->corner_offsets = shared(std::move(offsets));
+    flat->corners = shared(std::move(corners));
+    flat->texture_coords = shared(std::move(uv));
+}
+
 } // namespace
+
+void object_set_mesh(object_t *object, const vesk_mesh_arrays_t &arrays)
+{
+    auto flat = std::make_shared<flat_mesh>();
+    flat->positions = shared(std::vector(arrays.positions, arrays.positions + arrays.num_vertices));
+    set_surfaces(arrays, flat.get());
+    set_corners(arrays, flat.get());
+    object_set_whole(object, std::move(flat));
+}
 
 vesk_mesh_arrays_t vesk_object_get_mesh_arrays(object_t *object)
 {

@@ -35,4 +35,12 @@ VESK_API void vesk_object_set_surface_attributes(object_t *object, int first, in
 
 VESK_END_DECLS
 
+#ifdef VESK_INTERNAL
+
+// Makes these the object's own geometry, in place of what it has; normals are not read, and are those of
+// new records. Corners of no vertex are left out.
+void object_set_mesh(object_t *object, const vesk_mesh_arrays_t &arrays);
+
+#endif
+
 #endif
