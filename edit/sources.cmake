@@ -84,6 +84,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/knife_cut.cpp
     edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
+    edit/mesh/mesh_change_flat.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/kept_colours.cpp
     edit/mesh/nearest_points.cpp
