@@ -111,6 +111,7 @@ target_sources(vesk_core PRIVATE
     edit/document/edge_selection.cpp
     edit/document/edit_support.cpp
     edit/document/element_text.cpp
+    edit/document/following_normals.cpp
     edit/document/geometry_image.cpp
     edit/document/journal.cpp
     edit/document/model_restore.cpp

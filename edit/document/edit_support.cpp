@@ -1,7 +1,9 @@
 #include "edit/document/edit_support.h"
 
 #include "base/messages.h"
+#include "base/prefs.h"
 #include "base/redraw.h"
+#include "edit/document/following_normals.h"
 #include "edit/document/select_made.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
@@ -161,8 +163,12 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
 
 void calc_normals_of(const std::vector<object_t *> &objects)
 {
-    for (object_t *object : without_descendants(objects))
+    for (object_t *object : without_descendants(objects)) {
         object_renew_normals(object);
+        if (prefs.recalc_normals != 0)
+            for_each_object(object,
+                            [](object_t *part) { normals_were_computed(*object_flat(part)); });
+    }
 }
 
 void open_world_undo(const char *label)
