@@ -13,6 +13,15 @@ flat_array<T> shared(std::vector<T> &&elements)
     return std::make_shared<const std::vector<T>>(std::move(elements));
 }
 
+// It is kept for long in the history: without much room that is not used.
+template <class T>
+std::vector<T> &&tight(std::vector<T> &elements)
+{
+    if (elements.capacity() > elements.size() + elements.size() / 8)
+        elements.shrink_to_fit();
+    return std::move(elements);
+}
+
 std::size_t count_left(std::size_t all, const std::vector<char> &gone)
 {
     return all - static_cast<std::size_t>(std::count(gone.begin(), gone.end(), 1));
@@ -26,7 +35,7 @@ flat_array<T> joined(const flat_array<T> &old, const std::vector<char> &gone, st
         return old;
     const std::size_t left = count_left(old->size(), gone);
     if (left == 0)
-        return shared(std::move(made));
+        return shared(tight(made));
     std::vector<T> all;
     reserve_big(all, left + made.size());
     if (gone.empty())
@@ -46,7 +55,7 @@ std::vector<T> joined_corners(const flat_mesh &old, const std::vector<T> &of_old
 {
     const std::size_t left = count_left(old.surfaces->size(), gone);
     if (left == 0)
-        return std::move(made);
+        return tight(made);
     std::vector<T> all;
     std::size_t corners = gone.empty() ? of_old.size() : 0;
     for (std::size_t s = 0; s < gone.size(); ++s)
@@ -92,12 +101,13 @@ void mesh_change::number_corners(std::vector<std::int32_t> &corners) const
 
 void mesh_change::hand_over_corners(flat_mesh &flat)
 {
-    if (gone_surfaces_.empty() && likes_.empty() && gone_vertices_.empty()) {
+    if (!corners_after_.empty() && gone_surfaces_.empty() && likes_.empty() &&
+        gone_vertices_.empty()) {
         flat.texture_coords = before_->texture_coords;
-        flat.corners =
-            corners_after_.empty() ? before_->corners : shared(std::move(corners_after_));
+        flat.corners = shared(std::move(corners_after_));
         return;
     }
+    // Always an array of its own: who finds the same one takes the vertices for the same, too.
     auto corners = joined_corners(*before_, corners_after(), gone_surfaces_, std::move(corners_));
     number_corners(corners);
     flat.corners = shared(std::move(corners));
@@ -143,8 +153,8 @@ void mesh_change::hand_over_surfaces(flat_mesh &flat)
             offsets.push_back(at + first);
         offsets.push_back(at + static_cast<std::int32_t>(corners_.size()));
     } else {
-        offsets = std::move(first_corners_);
-        offsets.push_back(static_cast<std::int32_t>(corners_.size()));
+        first_corners_.push_back(static_cast<std::int32_t>(corners_.size()));
+        offsets = tight(first_corners_);
     }
     flat.corner_offsets = shared(std::move(offsets));
 }

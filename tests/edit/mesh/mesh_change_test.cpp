@@ -177,6 +177,17 @@ TEST_F(MeshChange, TheFlatMeshOfARandomChangeIsThatOfItsLists)
     }
 }
 
+// Drawing takes the same array of corners for the same vertices.
+TEST_F(MeshChange, NewVerticesWithoutASurfaceBringNewCorners)
+{
+    object_t *object = add_squares(2, 1);
+    mesh_change change(object);
+    change.add_vertex({1, 2, 3});
+    change.commit();
+    EXPECT_NE(object_flat(object)->corners, change.before().corners);
+    EXPECT_EQ(*object_flat(object)->corners, *change.before().corners);
+}
+
 TEST_F(MeshChange, ManyCornersAreRedirectedBesideForeignOnes)
 {
     object_t *object = add_squares(2, 1);
