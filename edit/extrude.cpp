@@ -64,11 +64,17 @@ sweep_outcome extrude_by(const extrusion_t &how, std::size_t &made)
     return outcome;
 }
 
+bool has_whole_surfaces()
+{
+    if (select_mode() == SELECT_SURFACE)
+        return selection().surfaces != nullptr;
+    return static_cast<bool>(owned_list(find_selected_whole_surfaces()));
+}
+
 // As one step of the interface.
 bool extrude_with_undo(extrusion_t how)
 {
-    const owned_list surfaces(find_selected_whole_surfaces());
-    if (!surfaces) {
+    if (!has_whole_surfaces()) {
         display_message("extrude - nothing selected");
         return false;
     }

@@ -5,13 +5,15 @@
 #include "base/progress.h"
 #include "base/redraw.h"
 #include "edit/document/edit_support.h"
+#include "edit/document/select_made.h"
 #include "edit/mesh/mesh_change.h"
 #include "model/matrix.h"
 #include "model/normals.h"
 #include "model/owners.h"
 #include "model/vector.h"
 
-#include <algorithm>
+#include <functional>
+#include <numeric>
 
 namespace {
 
@@ -31,111 +33,155 @@ flat_uv shrunk(const flat_uv &uv, float factor)
     return {(uv.u - 0.5f) * factor + 0.5f, (uv.v - 0.5f) * factor + 0.5f};
 }
 
-// Room for rings round all these surfaces.
-void reserve_rings(mesh_change &change, std::size_t surfaces)
+// ---- holes ----
+
+// Whether the polygon is holed.
+bool can_hole(const flat_mesh &mesh, int surface)
 {
-    const flat_mesh &mesh = change.before();
-    const std::size_t all = std::max<std::size_t>(mesh.surfaces->size(), 1);
-    const std::size_t corners = mesh.corners->size() * std::min(surfaces, all) / all;
-    change.reserve(corners, corners + surfaces, 5 * corners);
+    return mesh.surface(surface).type == SURFACE_POLYGON &&
+           mesh.surface_corners(surface).size() >= 3;
+}
+
+mesh_room hole_room(const flat_mesh &mesh, int surface, bool with_inner)
+{
+    const auto n = static_cast<int>(mesh.surface_corners(surface).size());
+    if (!can_hole(mesh, surface))
+        return {};
+    return {n, with_inner ? n + 1 : n, with_inner ? 5 * n : 4 * n};
 }
 
 // The copies of the outline's vertices, scaled about their mean; they follow each other from the
 // place that is returned.
-int add_scaled(mesh_change &change, const outline_t &outline, float factor)
+int add_scaled(mesh_change::writer &out, const outline_t &outline, float factor)
 {
+    const flat_mesh &mesh = out.before();
     point3_t mean = {0, 0, 0};
     for (const int v : outline.corners)
-        mean = point_add(mean, change.position(v));
+        mean = point_add(mean, mesh.position(v));
     const auto n = static_cast<float>(outline.corners.size());
     mean = {mean.x / n, mean.y / n, mean.z / n};
-    const int first = change.num_vertices();
+    int last = 0;
     for (const int v : outline.corners) {
-        const point3_t away = point_sub(change.position(v), mean);
-        change.add_vertex(point_add(mean, point_scale(away, factor)), v);
+        const point3_t away = point_sub(mesh.position(v), mean);
+        last = out.add_vertex(point_add(mean, point_scale(away, factor)), v);
     }
-    return first;
+    return last + 1 - static_cast<int>(outline.corners.size());
 }
 
-// Whether the polygon was holed; the inner polygon is then the last surface that was added.
-bool hole(int surface, float factor, bool with_inner, mesh_change &change)
+// The inner polygon is the last surface that is added.
+void hole(int surface, float factor, bool with_inner, mesh_change::writer &out)
 {
-    const flat_mesh &mesh = change.before();
-    const outline_t outline = outline_of(mesh, surface);
+    if (!can_hole(out.before(), surface))
+        return;
+    const outline_t outline = outline_of(out.before(), surface);
     const std::size_t n = outline.corners.size();
-    if (mesh.surface(surface).type != SURFACE_POLYGON || n < 3)
-        return false;
-
-    const int copies = add_scaled(change, outline, factor);
+    const int copies = add_scaled(out, outline, factor);
     const auto copy_of = [copies](std::size_t corner) { return copies + static_cast<int>(corner); };
     for (std::size_t i = 0; i < n; ++i) {
-        const std::size_t next = (i + 1) % n;
-        change.add_surface(surface);
-        change.add_corner(outline.corners[i], outline.uv[i]);
-        change.add_corner(outline.corners[next], outline.uv[next]);
-        change.add_corner(copy_of(next), shrunk(outline.uv[next], factor));
-        change.add_corner(copy_of(i), shrunk(outline.uv[i], factor));
+        const std::size_t next = i + 1 < n ? i + 1 : 0;
+        out.add_surface(surface);
+        out.add_corner(outline.corners[i], outline.uv[i]);
+        out.add_corner(outline.corners[next], outline.uv[next]);
+        out.add_corner(copy_of(next), shrunk(outline.uv[next], factor));
+        out.add_corner(copy_of(i), shrunk(outline.uv[i], factor));
         if (factor > 1)
-            change.reverse_corners();
+            out.reverse_corners();
     }
     if (with_inner) {
-        change.add_surface(surface);
+        out.add_surface(surface);
         for (std::size_t i = 1; i <= n; ++i) // begins at the copy of the second corner
-            change.add_corner(copy_of(i % n), shrunk(outline.uv[i % n], factor));
+            out.add_corner(copy_of(i % n), shrunk(outline.uv[i % n], factor));
     }
-    change.remove_surface(surface);
-    return true;
+    out.remove_surface(surface);
+}
+
+// ---- bevels ----
+
+mesh_room bevel_room(const flat_mesh &mesh, int surface)
+{
+    const auto n = static_cast<int>(mesh.surface_corners(surface).size());
+    return {n, 1 + n, 5 * n};
 }
 
 // The cap is the first surface that is added.
-void bevel(int surface, mesh_change &change)
+void bevel(int surface, mesh_change::writer &out)
 {
-    const flat_mesh &mesh = change.before();
+    const flat_mesh &mesh = out.before();
     const outline_t outline = outline_of(mesh, surface);
     const std::size_t n = outline.corners.size();
     const auto size = static_cast<float>(prefs.bevel_size);
     const point3_t lift = point_scale(mesh.face_normal(surface), size);
 
-    const int cap = change.num_vertices();
-    change.add_surface(surface);
+    int raised = 0;
+    out.add_surface(surface);
     for (std::size_t i = 0; i < n; ++i) {
-        const point3_t p = change.position(outline.corners[i]);
-        point3_t to_next = point_sub(change.position(outline.corners[(i + 1) % n]), p);
-        point3_t to_previous = point_sub(change.position(outline.corners[(i + n - 1) % n]), p);
+        const point3_t p = mesh.position(outline.corners[i]);
+        point3_t to_next = point_sub(mesh.position(outline.corners[(i + 1) % n]), p);
+        point3_t to_previous = point_sub(mesh.position(outline.corners[(i + n - 1) % n]), p);
         normalize_point(&to_next);
         normalize_point(&to_previous);
         point3_t bisector = point_add(to_next, to_previous);
         normalize_point(&bisector);
-        const int raised =
-            change.add_vertex(point_add(point_add(p, point_scale(bisector, size)), lift));
-        change.add_corner(raised, {0, 0});
+        raised = out.add_vertex(point_add(point_add(p, point_scale(bisector, size)), lift));
+        out.add_corner(raised, {0, 0});
     }
+    const int cap = raised + 1 - static_cast<int>(n);
     for (std::size_t i = 0; i < n; ++i) {
         const std::size_t next = (i + 1) % n;
-        change.add_surface(surface);
-        change.add_corner(outline.corners[i], outline.uv[i]);
-        change.add_corner(outline.corners[next], outline.uv[next]);
-        change.add_corner(cap + static_cast<int>(next), {0, 0});
-        change.add_corner(cap + static_cast<int>(i), {0, 0});
+        out.add_surface(surface);
+        out.add_corner(outline.corners[i], outline.uv[i]);
+        out.add_corner(outline.corners[next], outline.uv[next]);
+        out.add_corner(cap + static_cast<int>(next), {0, 0});
+        out.add_corner(cap + static_cast<int>(i), {0, 0});
     }
-    change.remove_surface(surface);
+    out.remove_surface(surface);
+}
+
+// ---- of many ----
+
+// What is made of each polygon, and the room that it takes.
+struct ring_t {
+    std::function<mesh_room(const flat_mesh &mesh, int surface)> room;
+    std::function<void(int surface, mesh_change::writer &out)> make;
+};
+
+ring_t ring_of_hole(float factor, bool with_inner)
+{
+    return {
+        [=](const flat_mesh &mesh, int surface) { return hole_room(mesh, surface, with_inner); },
+        [=](int surface, mesh_change::writer &out) { hole(surface, factor, with_inner, out); }};
+}
+
+ring_t ring_of_bevel() { return {bevel_room, bevel}; }
+
+void make_rings(mesh_change &change, std::span<const int> surfaces, const ring_t &ring)
+{
+    change_each(
+        change, surfaces, [&](int surface) { return ring.room(change.before(), surface); },
+        ring.make, [](int /*done*/) { return true; });
+}
+
+void make_all_rings(mesh_change &change, const ring_t &ring)
+{
+    std::vector<int> all(change.before().num_surfaces());
+    std::iota(all.begin(), all.end(), 0);
+    make_rings(change, all, ring);
 }
 
 // The computing half of a command; false when the user cancelled.
-template <class Ring>
 bool compute_rings(const std::vector<owned_elements> &targets, std::vector<mesh_change> &changes,
-                   const Ring &ring)
+                   const ring_t &ring)
 {
     progress_t progress(static_cast<double>(count_elements(targets)));
     double done = 0;
     for (const owned_elements &owned : targets) {
         mesh_change &change = changes.emplace_back(owned.object);
-        reserve_rings(change, owned.indices.size());
-        for (const int surface : owned.indices) {
-            ring(surface, change);
-            if (!progress.step(++done))
-                return false;
-        }
+        const bool finished = change_each(
+            change, owned.indices, [&](int surface) { return ring.room(change.before(), surface); },
+            ring.make, [&](int of_object) { return progress.step(done + of_object); });
+        if (!finished)
+            return false;
+        done += static_cast<double>(owned.indices.size());
     }
     return true;
 }
@@ -146,8 +192,9 @@ surface_t *surface_make_hole(object_t *object, surface_t *surface, float factor,
 {
     mesh_change change(object);
     const int index = change.index_of(surface);
-    if (index < 0 || !hole(index, factor, no_inner == 0, change))
+    if (index < 0 || !can_hole(change.before(), index))
         return nullptr;
+    make_rings(change, {&index, 1}, ring_of_hole(factor, no_inner == 0));
     const mesh_result result = change.commit();
     return no_inner == 0 ? result.surfaces.back() : nullptr;
 }
@@ -156,9 +203,7 @@ void object_make_holes(object_t *object, float factor)
 {
     for_each_object(object, [factor](object_t *part) {
         mesh_change change(part);
-        reserve_rings(change, change.before().surfaces->size());
-        for (int i = 0; i < change.before().num_surfaces(); ++i)
-            hole(i, factor, false, change);
+        make_all_rings(change, ring_of_hole(factor, false));
         change.commit();
     });
 }
@@ -169,7 +214,7 @@ surface_t *surface_bevel(object_t *object, surface_t *surface)
     const int index = change.index_of(surface);
     if (index < 0)
         return nullptr;
-    bevel(index, change);
+    make_rings(change, {&index, 1}, ring_of_bevel());
     const mesh_result result = change.commit();
     return result.surfaces.empty() ? nullptr : result.surfaces.front();
 }
@@ -179,12 +224,9 @@ int object_bevel(object_t *object)
     int count = 0;
     for_each_object(object, [&count](object_t *part) {
         mesh_change change(part);
-        const int n = change.before().num_surfaces();
-        reserve_rings(change, n);
-        for (int i = 0; i < n; ++i)
-            bevel(i, change);
+        make_all_rings(change, ring_of_bevel());
+        count += change.before().num_surfaces();
         change.commit();
-        count += n;
     });
     object_calc_normals_force(object);
     return count;
@@ -213,10 +255,10 @@ void unselect(afterwards end)
         clear_selection();
 }
 
-void select_made(afterwards end, const owned_list &made)
+void select_made(afterwards end, const std::vector<surface_t *> &made)
 {
     if (end == afterwards::results && selection_get_num_objects() == 0)
-        select_surfacelist(made.get());
+        select_made_surfaces(made);
     if (end == afterwards::results)
         find_bounding_box();
 }
@@ -227,6 +269,18 @@ std::vector<object_t *> owners_of(const std::vector<owned_elements> &targets)
     for (const owned_elements &owned : targets)
         owners.push_back(owned.object);
     return owners;
+}
+
+// Deliberate: those of objects are computed also while recalc_normals is off.
+void calc_bevelled(const std::vector<object_t *> &objects,
+                   const std::vector<owned_elements> &targets)
+{
+    if (objects.empty())
+        calc_normals_of(owners_of(targets));
+    else if (prefs.recalc_normals != 0)
+        calc_normals_of(objects);
+    else
+        std::for_each(objects.begin(), objects.end(), object_calc_normals_force);
 }
 
 void make_holes(afterwards end)
@@ -247,20 +301,17 @@ void make_holes(afterwards end)
     }
     const std::vector<owned_elements> targets = target_surfaces();
     std::vector<mesh_change> changes;
-    const bool finished =
-        compute_rings(targets, changes, [factor](int surface, mesh_change &change) {
-            hole(surface, factor, false, change);
-        });
+    const bool finished = compute_rings(targets, changes, ring_of_hole(factor, false));
     if (!finished) {
         display_message("make hole - cancelled");
         return;
     }
     open_world_undo("make hole");
     unselect(end);
-    owned_list rings;
+    std::vector<surface_t *> rings;
     for (const mesh_result &result : commit_all(changes)) {
-        for (surface_t *surface : result.surfaces)
-            rings.add(surface);
+        if (end == afterwards::results)
+            rings.insert(rings.end(), result.surfaces.begin(), result.surfaces.end());
     }
     if (end == afterwards::results)
         calc_normals_of(owners_of(targets));
@@ -272,14 +323,14 @@ void make_holes(afterwards end)
 
 // The raised copies among the surfaces that bevels of these surfaces made.
 void append_caps(const flat_mesh &before, const std::vector<int> &surfaces,
-                 const mesh_result &result, owned_list &caps)
+                 const mesh_result &result, std::vector<surface_t *> &caps)
 {
     std::size_t at = 0;
     for (const int surface : surfaces) {
         const std::size_t corners = before.surface_corners(surface).size();
         if (corners == 0)
             continue; // makes none
-        caps.add(result.surfaces[at]);
+        caps.push_back(result.surfaces[at]);
         at += 1 + corners;
     }
 }
@@ -295,20 +346,17 @@ void bevel_selected(afterwards end)
     const std::vector<owned_elements> targets = target_surfaces();
     const std::vector<object_t *> objects = selected_top_objects();
     std::vector<mesh_change> changes;
-    if (!compute_rings(targets, changes, bevel)) {
+    if (!compute_rings(targets, changes, ring_of_bevel())) {
         display_message("bevel - cancelled");
         return;
     }
     open_world_undo("bevel");
     unselect(end);
     const std::vector<mesh_result> results = commit_all(changes);
-    owned_list caps;
-    for (std::size_t i = 0; i < targets.size(); ++i)
+    std::vector<surface_t *> caps;
+    for (std::size_t i = 0; i < targets.size() && end == afterwards::results; ++i)
         append_caps(changes[i].before(), targets[i].indices, results[i], caps);
-    if (objects.empty())
-        calc_normals_of(owners_of(targets));
-    for (object_t *object : objects) // Deliberate: also while recalc_normals is off
-        object_calc_normals_force(object);
+    calc_bevelled(objects, targets);
     select_made(end, caps);
     redraw_all();
     display_message("surfaces beveled: %d", static_cast<int>(count_elements(targets)));

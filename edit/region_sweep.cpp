@@ -3,6 +3,7 @@
 #include "base/prefs.h"
 #include "base/progress.h"
 #include "edit/document/edit_support.h"
+#include "edit/document/select_made.h"
 #include "edit/mesh/mesh_change.h"
 #include "edit/mesh/mesh_edges.h"
 #include "edit/mesh/polygon_plane.h"
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
+#include <utility>
 
 namespace {
 
@@ -34,7 +37,8 @@ public:
           outer_(outer_edges()),
           fates_(sweep.along_body != nullptr ? fates_of_body(*sweep.along_body)
                                              : fates_of_preferences()),
-          sweep_(sweep), index_(*mesh_.positions), top_(mesh_.num_vertices(), -1)
+          sweep_(sweep), index_(*mesh_.positions, mesh_.positions->size()),
+          top_(mesh_.num_vertices(), -1)
     {
     }
 
@@ -43,8 +47,8 @@ public:
     bool add_caps(progress_t &progress, double &done);
     void change_originals();
     [[nodiscard]] bool has_walls() const { return num_walls_ > 0; }
-    // Appends the caps, or the walls where there are none.
-    mesh_result commit(owned_list &ends);
+    // Appends the caps, or the walls where there are none, to `ends`; null: not.
+    mesh_result commit(std::vector<surface_t *> *ends);
 
 private:
     // Of each edge, whether only one of the surfaces has it.
@@ -58,7 +62,8 @@ private:
     void add_strip(int surface, bool flip, int a, int b);
     int vertex_at(const point3_t &to);
     int moved(int level, int base, int before);
-    int moved_to_end(int at);
+    [[nodiscard]] point3_t end_of_sweep(int at) const;
+    void find_tops();
 
     mesh_change change_;
     const flat_mesh &mesh_;
@@ -174,16 +179,39 @@ int region_sweep::moved(int level, int base, int before)
 }
 
 // Level by level, as the walls go, so that rounding opens no seam.
-int region_sweep::moved_to_end(int at)
+point3_t region_sweep::end_of_sweep(int at) const
 {
-    if (top_[at] < 0) {
-        const point3_t base = change_.position(at);
-        point3_t to = base;
-        for (int k = 1; k <= sweep_.levels; ++k)
-            to = sweep_.place(k, base, to);
-        top_[at] = vertex_at(to);
+    const point3_t base = mesh_.position(at);
+    point3_t to = base;
+    for (int k = 1; k <= sweep_.levels; ++k)
+        to = sweep_.place(k, base, to);
+    return to;
+}
+
+// The vertices of the caps, in the order in which the caps have them.
+void region_sweep::find_tops()
+{
+    std::vector<int> bases;
+    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        if (!fates_[i].cap)
+            continue;
+        for (const int v : mesh_.surface_corners(surfaces_[i])) {
+            if (std::exchange(top_[v], 0) < 0)
+                bases.push_back(v);
+        }
     }
-    return top_[at];
+    constexpr std::size_t ahead = 16;
+    std::vector<point3_t> tops;
+    tops.reserve(bases.size());
+    change_.reserve(bases.size(), 0, 0);
+    for (std::size_t i = 0; i < bases.size() + ahead; ++i) {
+        if (i < bases.size()) {
+            tops.push_back(end_of_sweep(bases[i]));
+            index_.bring(tops.back());
+        }
+        if (i >= ahead)
+            top_[bases[i - ahead]] = vertex_at(tops[i - ahead]);
+    }
 }
 
 // Between the edge from a to b and its copies.
@@ -227,22 +255,33 @@ bool region_sweep::add_walls(progress_t &progress, double &done)
 
 bool region_sweep::add_caps(progress_t &progress, double &done)
 {
-    change_.reserve(mesh_.positions->size(), surfaces_.size(), mesh_.corners->size());
-    for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+    find_tops();
+    std::vector<int> places(surfaces_.size()); // in surfaces_
+    std::iota(places.begin(), places.end(), 0);
+    const auto corners_of_cap = [this](int i) {
+        return fates_[i].cap ? static_cast<int>(mesh_.surface_corners(surfaces_[i]).size()) : 0;
+    };
+    const auto room_of = [&](int i) {
+        const int corners = corners_of_cap(i);
+        return mesh_room{0, corners > 0 ? 1 : 0, corners};
+    };
+    const auto make = [&](int i, mesh_change::writer &out) {
+        if (corners_of_cap(i) == 0)
+            return;
         const int surface = surfaces_[i];
-        const bool empty = mesh_.surface_corners(surface).empty();
-        if (fates_[i].cap && !empty) {
-            change_.add_surface(surface);
-            for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
-                change_.add_corner(moved_to_end(mesh_.corner(c)), mesh_.uv(c));
-            if (fates_[i].flips_walls)
-                change_.reverse_corners();
-            ++num_caps_;
-        }
-        if (!progress.step(++done))
-            return false;
-    }
-    return true;
+        out.add_surface(surface);
+        for (int c = mesh_.first_corner(surface); c < mesh_.end_corner(surface); ++c)
+            out.add_corner(top_[mesh_.corner(c)], mesh_.uv(c));
+        if (fates_[i].flips_walls)
+            out.reverse_corners();
+    };
+    for (const int i : places)
+        num_caps_ += corners_of_cap(i) > 0 ? 1 : 0;
+    const bool finished = change_each(change_, places, room_of, make, [&](int of_object) {
+        return progress.step(done + of_object);
+    });
+    done += static_cast<double>(surfaces_.size());
+    return finished;
 }
 
 void region_sweep::change_originals()
@@ -261,13 +300,13 @@ void region_sweep::change_originals()
     change_.remove_unused();
 }
 
-mesh_result region_sweep::commit(owned_list &ends)
+mesh_result region_sweep::commit(std::vector<surface_t *> *ends)
 {
     mesh_result result = change_.commit();
     const std::size_t first = num_caps_ > 0 ? num_walls_ : 0;
     const std::size_t count = num_caps_ > 0 ? num_caps_ : num_walls_;
-    for (std::size_t i = first; i < std::min(first + count, result.surfaces.size()); ++i)
-        ends.add(result.surfaces[i]);
+    for (std::size_t i = first; ends && i < std::min(first + count, result.surfaces.size()); ++i)
+        ends->push_back(result.surfaces[i]);
     return result;
 }
 
@@ -310,17 +349,17 @@ sweep_outcome sweep_surfaces(const listitem *surfaces, const sweep_t &sweep, std
     if (sweep.selects_ends)
         clear_selection(); // before: the unselected need no search among those that are freed
     std::vector<object_t *> touched;
-    owned_list ends;
+    std::vector<surface_t *> ends;
     {
         freed_batch at_once;
         for (std::size_t i = 0; i < owners.size(); ++i) {
-            made += parts[i]->commit(ends).surfaces.size();
+            made += parts[i]->commit(sweep.selects_ends ? &ends : nullptr).surfaces.size();
             parts[i].reset();
             touched.push_back(owners[i].object);
         }
     }
     calc_normals_of(touched);
     if (sweep.selects_ends)
-        select_surfacelist(ends.get());
+        select_made_surfaces(ends);
     return outcome;
 }

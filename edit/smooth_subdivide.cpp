@@ -1,7 +1,9 @@
 #include "edit/smooth_subdivide.h"
 
+#include "base/big_vector.h"
 #include "base/messages.h"
 #include "base/progress.h"
+#include "base/worker.h"
 #include "edit/document/edit_support.h"
 #include "edit/edge_mesh_internal.h"
 #include "model/angle.h"
@@ -9,7 +11,9 @@
 #include "model/vec3d.h"
 #include "model/vector.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <functional>
 
@@ -25,49 +29,73 @@ bool step(progress_t *progress, int faces)
 
 // ---- Loop ----
 
-// The neighbourhood of each vertex, gathered in one pass over the edges.
+// The neighbourhood of a vertex.
 struct surroundings {
-    std::vector<vec3d> neighbours; // sum of all
-    std::vector<vec3d> along;      // sum of those at the other end of a border edge
-    std::vector<int> count, borders;
+    vec3d neighbours; // sum of all
+    vec3d along;      // sum of those at the other end of a border edge
+    std::int32_t count = 0, borders = 0;
 
-    surroundings(const vesk_mesh_t &mesh, const edge_table &edges)
-        : neighbours(mesh.points.size()), along(mesh.points.size()), count(mesh.points.size()),
-          borders(mesh.points.size())
+    void meet(const point3_t &other, bool border)
     {
-        for (int e = 0; e < edges.size(); ++e) {
-            const auto [a, b, first] = edges.edge(e);
-            const bool border = edges.uses(e).size() != 2;
-            meet(mesh, a, b, border);
-            meet(mesh, b, a, border);
-        }
-    }
-    void meet(const vesk_mesh_t &mesh, int v, int other, bool border)
-    {
-        neighbours[v] += to_vec3d(mesh.points[other]);
-        ++count[v];
+        neighbours += to_vec3d(other);
+        ++count;
         if (border) {
-            along[v] += to_vec3d(mesh.points[other]);
-            ++borders[v];
+            along += to_vec3d(other);
+            ++borders;
         }
     }
 };
 
-point3_t smooth_vertex(const vesk_mesh_t &mesh, const surroundings &round, int v)
+// What each of n neighbours counts for a vertex inside.
+double weight_inside(int n)
 {
-    const point3_t &p = mesh.points[v];
-    const int borders = round.borders[v];
-    const int n = round.count[v];
+    const double middle = 3.0 / 8 + std::cos(2 * pi / n) / 4;
+    return (5.0 / 8 - middle * middle) / n;
+}
+
+// Not inline: g++ 12 leaves out the rounding to float then, where two coordinates go side by side.
+[[gnu::noinline]] point3_t smooth_vertex(const point3_t &p, const surroundings &round,
+                                         const std::vector<double> &weights)
+{
+    const int borders = round.borders;
+    const int n = round.count;
     if (n == 0 || (borders != 0 && borders != 2))
         return p; // a corner of borders stays
-    vec3d sum = borders == 2 ? round.along[v] : round.neighbours[v];
+    vec3d sum = borders == 2 ? round.along : round.neighbours;
     double weight = 1.0 / 8;
-    if (borders == 0) {
-        const double middle = 3.0 / 8 + std::cos(2 * pi / n) / 4;
-        weight = (5.0 / 8 - middle * middle) / n;
-    }
+    if (borders == 0)
+        weight = n < static_cast<int>(weights.size()) ? weights[n] : weight_inside(n);
     sum = sum * weight + to_vec3d(p) * (1 - weight * (borders == 2 ? 2 : n));
     return to_point(sum);
+}
+
+// The vertices of the mesh as they move: the first points of `fine`. Each thread has vertices of its own,
+// which meet all edges in their order: the sums depend on the order.
+void move_vertices(const vesk_mesh_t &mesh, const edge_table &edges, float factor,
+                   std::vector<point3_t> &fine)
+{
+    std::vector<double> weights(1); // of small numbers of neighbours
+    for (int n = 1; n < 64; ++n)
+        weights.push_back(weight_inside(n));
+    in_two_parts(static_cast<int>(mesh.points.size()), [&](int first, int end) {
+        std::vector<surroundings> round(end - first);
+        const auto is_own = [&](int v) { return v >= first && v < end; };
+        for (int e = 0; e < edges.size(); ++e) {
+            const auto [a, b, use] = edges.edge(e);
+            const bool border = edges.uses(e).size() != 2;
+            if (is_own(a))
+                round[a - first].meet(mesh.points[b], border);
+            if (is_own(b))
+                round[b - first].meet(mesh.points[a], border);
+        }
+        for (int v = first; v < end; ++v) {
+            const point3_t &p = mesh.points[v];
+            vec3d blended;
+            blended += to_vec3d(p) * (1.0 - factor);
+            blended += to_vec3d(smooth_vertex(p, round[v - first], weights)) * factor;
+            fine[v] = factor > 0 ? to_point(blended) : p;
+        }
+    });
 }
 
 // The corner of a triangle that an edge does not touch.
@@ -95,55 +123,78 @@ point3_t smooth_middle(const vesk_mesh_t &mesh, const edge_table &edges, int e, 
 
 flat_uv middle(const flat_uv &a, const flat_uv &b) { return {(a.u + b.u) / 2, (a.v + b.v) / 2}; }
 
+// Divides a triangle into four, from face 4 * face and corner 12 * face of the fine mesh on. Vertices in
+// the middle of edges follow the `old` ones.
+void divide_triangle(const vesk_mesh_t &mesh, const std::vector<int> &edge_of, int face,
+                     vesk_mesh_t *fine)
+{
+    const int first = 3 * face, old = static_cast<int>(mesh.points.size());
+    std::array<int, 3> v = {}, m = {};
+    std::array<flat_uv, 3> uv = {}, muv = {};
+    for (std::size_t i = 0; i < 3; ++i) {
+        v[i] = mesh.corners[first + i];
+        uv[i] = mesh.uv[first + i];
+        muv[i] = middle(uv[i], mesh.uv[first + (i + 1) % 3]);
+        // A side from a vertex to itself has no edge: its middle is the vertex.
+        m[i] = edge_of[first + i] < 0 ? v[i] : old + edge_of[first + i];
+    }
+    int at = 12 * face;
+    const auto add = [&](int vertex, const flat_uv &coordinates) {
+        fine->corners[at] = vertex;
+        fine->uv[at++] = coordinates;
+    };
+    for (std::size_t i = 0; i < 3; ++i) {
+        const std::size_t before = (i + 2) % 3;
+        add(v[i], uv[i]);
+        add(m[i], muv[i]);
+        add(m[before], muv[before]);
+    }
+    for (std::size_t i = 0; i < 3; ++i)
+        add(m[i], muv[i]);
+    for (int part = 4 * face; part < 4 * face + 4; ++part) {
+        fine->sources[part] = mesh.sources[face];
+        fine->offsets[part + 1] = 3 * part + 3;
+    }
+}
+
+// False when the user cancelled.
+bool divide_triangles(const vesk_mesh_t &mesh, const edge_table &edges, vesk_mesh_t *fine,
+                      progress_t *progress)
+{
+    constexpr int piece = 16384;
+    const std::vector<int> edge_of = edges.edges_of_corners(mesh.num_corners());
+    const int n = mesh.num_faces();
+    fine->corners = big_vector<int>(12 * static_cast<std::size_t>(n));
+    fine->uv = big_vector<flat_uv>(12 * static_cast<std::size_t>(n));
+    fine->sources = big_vector<int>(4 * static_cast<std::size_t>(n));
+    fine->offsets = big_vector<int>(4 * static_cast<std::size_t>(n) + 1);
+    std::atomic<int> done = 0;
+    return in_parallel((n + piece - 1) / piece,
+                       [&](int i) {
+                           const int begin = i * piece, end = std::min(begin + piece, n);
+                           for (int face = begin; face < end; ++face)
+                               divide_triangle(mesh, edge_of, face, fine);
+                           done += end - begin;
+                       },
+                       [&] { return progress == nullptr || progress->step(done); });
+}
+
 // One step of Loop's scheme; false when the user cancelled (the mesh is then of no use).
 bool loop_step(vesk_mesh_t *mesh, float factor, progress_t *progress)
 {
     mesh_triangulate(mesh);
     const edge_table &edges = mesh->edge_list();
-    const surroundings round(*mesh, edges);
     const auto old = static_cast<int>(mesh->points.size());
-
     vesk_mesh_t fine;
-    fine.points.reserve(old + edges.size());
-    for (int v = 0; v < old; ++v) {
-        vec3d blended;
-        blended += to_vec3d(mesh->points[v]) * (1.0 - factor);
-        blended += to_vec3d(smooth_vertex(*mesh, round, v)) * factor;
-        fine.points.push_back(factor > 0 ? to_point(blended) : mesh->points[v]);
-    }
-    for (int e = 0; e < edges.size(); ++e)
-        fine.points.push_back(smooth_middle(*mesh, edges, e, factor));
-
-    const std::vector<int> edge_of = edges.edges_of_corners(mesh->num_corners());
-    const auto faces = mesh->sources.size();
-    fine.corners.reserve(12 * faces);
-    fine.uv.reserve(12 * faces);
-    fine.sources.reserve(4 * faces);
-    fine.offsets.reserve(4 * faces + 1);
-    for (int face = 0; face < mesh->num_faces(); ++face) {
-        if (!step(progress, face))
-            return false;
-        const int first = 3 * face;
-        std::array<int, 3> v = {}, m = {};
-        std::array<flat_uv, 3> uv = {}, muv = {};
-        for (std::size_t i = 0; i < 3; ++i) {
-            v[i] = mesh->corners[first + i];
-            uv[i] = mesh->uv[first + i];
-            muv[i] = middle(uv[i], mesh->uv[first + (i + 1) % 3]);
-            // A side from a vertex to itself has no edge: its middle is the vertex.
-            m[i] = edge_of[first + i] < 0 ? v[i] : old + edge_of[first + i];
-        }
-        for (std::size_t i = 0; i < 3; ++i) {
-            const std::size_t before = (i + 2) % 3;
-            fine.add_corner(v[i], uv[i]);
-            fine.add_corner(m[i], muv[i]);
-            fine.add_corner(m[before], muv[before]);
-            fine.end_face(mesh->sources[face]);
-        }
-        for (std::size_t i = 0; i < 3; ++i)
-            fine.add_corner(m[i], muv[i]);
-        fine.end_face(mesh->sources[face]);
-    }
+    fine.points =
+        big_vector<point3_t>(mesh->points.size() + static_cast<std::size_t>(edges.size()));
+    move_vertices(*mesh, edges, factor, fine.points);
+    in_parallel_ranges(edges.size(), [&](int begin, int end) {
+        for (int e = begin; e < end; ++e)
+            fine.points[old + e] = smooth_middle(*mesh, edges, e, factor);
+    });
+    if (!divide_triangles(*mesh, edges, &fine, progress))
+        return false;
     *mesh = std::move(fine);
     return true;
 }

@@ -4,6 +4,7 @@
 #include "base/prefs.h"
 #include "base/progress.h"
 #include "base/redraw.h"
+#include "base/worker.h"
 #include "edit/document/edit_support.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
@@ -55,24 +56,32 @@ struct sum_t {
 
 // ---- clusters ----
 
-// Points in cubes a little larger than the distance: the neighbours of a point lie in the cubes
-// around. Seeds are farther apart than the distance, so few look into the same cube.
+// Points in cubes a little larger than twice the distance: the neighbours of a point lie in its own
+// cube and in those at the sides, edges and the corner that are nearer. Seeds are farther apart than the
+// distance, so few look into the same cube.
 class cluster_grid {
 public:
     cluster_grid(const std::vector<point3_t> &points, float distance)
         : points_(points), distance_(distance),
-          size_(distance > 0 ? static_cast<double>(distance) * 1.001 : 1e-60),
+          size_(distance > 0 ? static_cast<double>(distance) * 2.002 : 1e-60),
           first_(std::bit_ceil(2 * points.size() + 1), none), next_(points.size(), none)
     {
+        std::vector<std::uint32_t> places(points.size(), none);
+        in_parallel_ranges(static_cast<int>(points.size()), [&](int begin, int end) {
+            for (int i = begin; i < end; ++i) {
+                if (point_is_finite(points[i]))
+                    places[i] = static_cast<std::uint32_t>(place_of(cell_of(points[i])));
+            }
+        });
         for (std::size_t i = 0; i < points.size(); ++i) {
-            if (!point_is_finite(points[i]))
-                continue;
-            std::uint32_t &first = first_[place_of(cell_of(points[i]))];
-            next_[i] = std::exchange(first, static_cast<std::uint32_t>(i));
+            if (places[i] != none)
+                next_[i] = std::exchange(first_[places[i]], static_cast<std::uint32_t>(i));
         }
     }
     // Takes out the points within the distance of this one, ascending.
     void take(std::uint32_t seed, std::vector<std::uint32_t> &out);
+    // Whether no other point lies within the distance. Asked before anything is taken out.
+    [[nodiscard]] bool is_alone(std::uint32_t point) const;
 
 private:
     using cell = vec3d; // by whole numbers
@@ -94,7 +103,14 @@ private:
     {
         return {std::floor(p.x / size_), std::floor(p.y / size_), std::floor(p.z / size_)};
     }
-    void take_from(const cell &where, const point3_t &seed, std::vector<std::uint32_t> &out);
+    [[nodiscard]] bool is_near(const point3_t &a, const point3_t &b) const
+    {
+        return static_cast<float>(point_length(point_sub(a, b))) <= distance_;
+    }
+    // Calls visit(place) for the cubes round the point until one answers false.
+    template <class Visit>
+    void visit_around(const point3_t &p, const Visit &visit) const;
+    void take_from(std::size_t place, const point3_t &seed, std::vector<std::uint32_t> &out);
 
     const std::vector<point3_t> &points_;
     float distance_;
@@ -102,12 +118,31 @@ private:
     std::vector<std::uint32_t> first_, next_; // points of a place, linked
 };
 
-void cluster_grid::take_from(const cell &where, const point3_t &seed,
+template <class Visit>
+void cluster_grid::visit_around(const point3_t &p, const Visit &visit) const
+{
+    const cell middle = cell_of(p);
+    const auto beside = [&](double at, double cube) {
+        return cube + (at / size_ - cube < 0.5 ? -1 : 1);
+    };
+    const cell side = {beside(p.x, middle.x), beside(p.y, middle.y), beside(p.z, middle.z)};
+    for (int i = 0; i < 8; ++i) {
+        // Far out a step is lost in rounding.
+        if (((i & 1) != 0 && side.x == middle.x) || ((i & 2) != 0 && side.y == middle.y) ||
+            ((i & 4) != 0 && side.z == middle.z))
+            continue;
+        if (!visit(place_of({(i & 1) != 0 ? side.x : middle.x, (i & 2) != 0 ? side.y : middle.y,
+                             (i & 4) != 0 ? side.z : middle.z})))
+            return;
+    }
+}
+
+void cluster_grid::take_from(std::size_t place, const point3_t &seed,
                              std::vector<std::uint32_t> &out)
 {
-    for (std::uint32_t *link = &first_[place_of(where)]; *link != none;) {
+    for (std::uint32_t *link = &first_[place]; *link != none;) {
         const std::uint32_t i = *link;
-        if (points_dist(&points_[i], &seed) <= distance_) {
+        if (is_near(points_[i], seed)) {
             out.push_back(i);
             *link = next_[i];
         } else {
@@ -118,20 +153,35 @@ void cluster_grid::take_from(const cell &where, const point3_t &seed,
 
 void cluster_grid::take(std::uint32_t seed, std::vector<std::uint32_t> &out)
 {
-    const point3_t &p = points_[seed];
-    const cell middle = cell_of(p);
-    for (const double dx : {-1.0, 0.0, 1.0}) {
-        for (const double dy : {-1.0, 0.0, 1.0}) {
-            for (const double dz : {-1.0, 0.0, 1.0}) {
-                const cell near = {middle.x + dx, middle.y + dy, middle.z + dz};
-                // Far out a step is lost in rounding.
-                if ((dx == 0) == (near.x == middle.x) && (dy == 0) == (near.y == middle.y) &&
-                    (dz == 0) == (near.z == middle.z))
-                    take_from(near, p, out);
-            }
-        }
-    }
+    visit_around(points_[seed], [&](std::size_t place) {
+        take_from(place, points_[seed], out);
+        return true;
+    });
     std::sort(out.begin(), out.end());
+}
+
+bool cluster_grid::is_alone(std::uint32_t point) const
+{
+    bool alone = true;
+    visit_around(points_[point], [&](std::size_t place) {
+        for (std::uint32_t i = first_[place]; i != none && alone; i = next_[i])
+            alone = i == point || !is_near(points_[i], points_[point]);
+        return alone;
+    });
+    return alone;
+}
+
+// Of each point whether it is a cluster of its own. False when the user cancelled.
+bool find_alone(const cluster_grid &grid, std::vector<char> &alone, progress_t &progress)
+{
+    constexpr int piece = 16384;
+    const auto n = static_cast<int>(alone.size());
+    return in_parallel((n + piece - 1) / piece,
+                       [&](int i) {
+                           for (int p = i * piece; p < std::min((i + 1) * piece, n); ++p)
+                               alone[p] = grid.is_alone(p) ? 1 : 0;
+                       },
+                       [&] { return progress.look(0); });
 }
 
 struct cluster_result {
@@ -147,6 +197,9 @@ bool find_clusters(const std::vector<point3_t> &points, float distance, std::vec
         return true;
     progress_t progress(static_cast<double>(points.size()));
     cluster_grid grid(points, distance);
+    std::vector<char> alone(points.size());
+    if (!find_alone(grid, alone, progress))
+        return false;
     std::vector<bool> taken(points.size());
     std::vector<std::uint32_t> members;
     for (std::uint32_t i = 0; i < points.size(); ++i) {
@@ -155,7 +208,10 @@ bool find_clusters(const std::vector<point3_t> &points, float distance, std::vec
         if (taken[i] || !point_is_finite(points[i]))
             continue;
         members.clear();
-        grid.take(i, members);
+        if (alone[i] != 0)
+            members.push_back(i);
+        else
+            grid.take(i, members);
         sum_t sum;
         for (const std::uint32_t m : members)
             sum.add(points[m]);

@@ -84,6 +84,7 @@ target_sources(vesk_core PRIVATE
     edit/mesh/knife_cut.cpp
     edit/mesh/knife_pieces.cpp
     edit/mesh/mesh_change.cpp
+    edit/mesh/mesh_change_flat.cpp
     edit/mesh/mesh_edges.cpp
     edit/mesh/kept_colours.cpp
     edit/mesh/nearest_points.cpp
@@ -110,11 +111,13 @@ target_sources(vesk_core PRIVATE
     edit/document/edge_selection.cpp
     edit/document/edit_support.cpp
     edit/document/element_text.cpp
+    edit/document/following_normals.cpp
     edit/document/geometry_image.cpp
     edit/document/journal.cpp
     edit/document/model_restore.cpp
     edit/document/model_state.cpp
     edit/document/modes.cpp
+    edit/document/select_made.cpp
     edit/document/selection.cpp
     edit/document/selection_image.cpp
     edit/document/selection_scan.cpp

@@ -18,6 +18,7 @@
 #include "model/object_tree.h"
 #include "model/vector.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace {
@@ -143,29 +144,53 @@ void move_rest(const vertex_pairs &pairs)
     object_delete_nocleanup(from);
 }
 
+// How many surfaces beside the first one have the vertex.
+int count_copies(const vertex_corners &corners, int v)
+{
+    int surface = -1, copies = -1;
+    for (const std::int32_t corner : corners.of(v)) {
+        const int of = corners.surface_of(corner);
+        copies += of != surface ? 1 : 0;
+        surface = of;
+    }
+    return std::max(copies, 0);
+}
+
 // Copies for one object's vertices. False when the user cancelled.
 bool unshare(const owned_elements &owned, mesh_change &change, progress_t &progress, double &done)
 {
-    const vertex_corners corners(change.before());
-    std::vector<int> copy_at(change.before().num_corners(), -1);
-    for (const int v : owned.indices) {
-        if (!progress.step(++done))
-            return false;
+    const flat_mesh &mesh = change.before();
+    const vertex_corners corners(mesh);
+    std::vector<std::int32_t> now = *mesh.corners;
+    const int old = change.num_vertices();
+    const auto add_copies = [&](int v, mesh_change::writer &out) {
         int surface = -1, copy = v;
         for (const std::int32_t corner : corners.of(v)) {
             const int of = corners.surface_of(corner);
             if (surface >= 0 && of != surface)
-                copy = change.add_vertex(change.position(v), v);
+                copy = out.add_vertex(mesh.position(v), v);
             surface = of;
-            if (copy != v)
-                copy_at[corner] = copy;
+            now[corner] = copy;
         }
-    }
-    for (int corner = 0; corner < change.before().num_corners(); ++corner) {
-        if (copy_at[corner] >= 0)
-            change.redirect_corner(corner, copy_at[corner]);
-    }
-    return true;
+    };
+    const bool finished = change_each(
+        change, owned.indices,
+        [&](int v) {
+            return mesh_room{count_copies(corners, v), 0, 0};
+        },
+        add_copies, [&](int of_object) { return progress.step(done + of_object); });
+    if (finished && change.num_vertices() > old)
+        change.redirect_corners(std::move(now));
+    done += static_cast<double>(owned.indices.size());
+    return finished;
+}
+
+// select_vertices without a list.
+void select_as_well(const std::vector<vertex *> &vertices)
+{
+    selection_add_vertices(vertices);
+    find_bounding_box();
+    selection_changed("select_vertices");
 }
 
 } // namespace
@@ -271,8 +296,8 @@ void allign_objects_using_2_vert(void)
 
 void selected_unshare_vertices(void)
 {
-    const owned_list chosen(list_clone(selection().vertices));
-    if (!chosen) {
+    const std::vector<vertex *> chosen = selected_vertices();
+    if (chosen.empty()) {
         display_message("unshare vertices - nothing selected");
         return;
     }
@@ -280,7 +305,7 @@ void selected_unshare_vertices(void)
     std::vector<object_t *> touched;
     progress_t progress(selection_get_num_vertices());
     double done = 0;
-    for (const owned_elements &owned : vertices_by_owner_in_order(chosen.get())) {
+    for (const owned_elements &owned : vertices_by_owner_in_order(selection().vertices)) {
         touched.push_back(owned.object);
         if (!unshare(owned, changes.emplace_back(owned.object), progress, done)) {
             display_message("unshare vertices - cancelled");
@@ -288,20 +313,17 @@ void selected_unshare_vertices(void)
         }
     }
     open_world_undo("Unshare vertices");
-    owned_list clones;
-    int count = 0;
+    std::vector<vertex *> clones;
     for (mesh_change &change : changes) {
-        for (vertex *point : change.commit().vertices) {
-            clones.add(point);
-            ++count;
-        }
+        const std::vector<vertex *> made = change.commit().vertices;
+        clones.insert(clones.end(), made.begin(), made.end());
     }
     display_message("calculating normals");
     calc_normals_of(touched);
     clear_selection();
-    select_vertices(chosen.get());
-    select_vertices(clones.get());
+    select_as_well(chosen);
+    select_as_well(clones);
     display_status();
-    display_message("new vertices created: %d", count);
+    display_message("new vertices created: %d", static_cast<int>(clones.size()));
     redraw_all();
 }

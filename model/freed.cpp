@@ -4,6 +4,7 @@
 #include "model/change_marks_internal.h"
 #include "model/deferred_records.h"
 #include "model/freed_internal.h"
+#include "model/list_internal.h"
 #include "model/object_internal.h"
 #include "model/property.h"
 #include "model/record_maker.h"
@@ -124,6 +125,22 @@ private:
 };
 
 } // namespace
+
+void free_nodes(const std::vector<listitem *> &nodes)
+{
+    constexpr std::size_t few = 4096;
+    if (nodes.size() < few || !record_pages_in_use()) {
+        for (listitem *node : nodes)
+            myfree(node);
+        return;
+    }
+    list_forget_all();
+    in_parallel_ranges(static_cast<int>(nodes.size()), [&](int begin, int end) {
+        block_freer freer;
+        for (int i = begin; i < end; ++i)
+            freer.free(nodes[i]);
+    });
+}
 
 void freed_add_listener(freed_listener listener) { record().listeners.push_back(listener); }
 

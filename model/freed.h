@@ -8,6 +8,7 @@
 #include "model/alloc.h"
 #include "model/each.h"
 
+#include <algorithm>
 #include <unordered_set>
 #include <vector>
 
@@ -50,12 +51,15 @@ public:
     void add(object_t *object); // with descendants and everything they own
 };
 
+// Frees nodes that are in no list any more.
+void free_nodes(const std::vector<listitem *> &nodes);
+
 // Takes the elements out of the scene's list for which goes(element, place in the list) is true and
 // hands them to the batch. Returns how many went.
 template <class T, class Goes>
 int list_unlink_if(listitem **head, freed_batch &batch, const Goes &goes)
 {
-    int removed = 0;
+    std::vector<listitem *> nodes;
     std::size_t place = 0;
     for (listitem **at = head; *at != nullptr; ++place) {
         listitem *node = *at;
@@ -66,10 +70,25 @@ int list_unlink_if(listitem **head, freed_batch &batch, const Goes &goes)
         }
         *at = node->next;
         batch.add(element);
-        myfree(node);
-        ++removed;
+        nodes.push_back(node);
     }
-    return removed;
+    free_nodes(nodes);
+    return static_cast<int>(nodes.size());
+}
+
+// Whether all elements of the list are among these, in the same order: when all of an object is selected
+// and goes, no table is needed to find that out.
+template <class T>
+bool list_is_within(const listitem *head, const std::vector<T *> &elements)
+{
+    auto at = elements.begin();
+    for (const T *element : each<T>(head)) {
+        at = std::find(at, elements.end(), element);
+        if (at == elements.end())
+            return false;
+        ++at;
+    }
+    return true;
 }
 
 // Takes freed elements out of a holder's list; returns the number of nodes removed. Linear in the
@@ -79,6 +98,11 @@ int list_drop_freed(listitem **head, const std::vector<T *> &freed)
 {
     if (!*head || freed.empty())
         return 0;
+    if (list_is_within(*head, freed)) {
+        const int all = list_count(*head);
+        list_free(head);
+        return all;
+    }
     std::unordered_set<const T *> held;
     for (const T *element : each<T>(*head))
         held.insert(element);

@@ -4,6 +4,7 @@
 #include "model/alloc.h"
 #include "model/each.h"
 #include "model/list_internal.h"
+#include "model/record_maker.h"
 
 #include <algorithm>
 #include <cstring>
@@ -117,6 +118,23 @@ unsigned low_bits(const void *pointer)
 
 // Below this, list_sort exchanges as the original rule says; it is quadratic.
 constexpr int exchange_limit = 256;
+
+// Frees a long list by the shorter way that pages of records have.
+void free_many(listitem *node)
+{
+    const bool by_pages = record_pages_in_use();
+    if (by_pages)
+        list_forget_all();
+    block_freer freer;
+    while (node != nullptr) {
+        listitem *next = node->next;
+        if (by_pages)
+            freer.free(node);
+        else
+            myfree(node);
+        node = next;
+    }
+}
 
 void exchange_sort(listitem *head, list_compare_t compare)
 {
@@ -336,11 +354,15 @@ void list_free(listitem **head)
     if (!head)
         return;
     forget_fast(*head);
-    for (listitem *node = *head; node;) {
+    constexpr int few = 4096;
+    listitem *node = *head;
+    for (int i = 0; node != nullptr && i < few; ++i) {
         listitem *next = node->next;
         myfree(node);
         node = next;
     }
+    if (node != nullptr)
+        free_many(node);
     *head = nullptr;
 }
 
@@ -355,10 +377,10 @@ void list_free_all(listitem **head)
 
 listitem *list_clone(const listitem *head)
 {
-    owned_list copy;
+    std::vector<void *> elements;
     for (void *element : each<void>(head))
-        copy.add(element);
-    return copy.release();
+        elements.push_back(element);
+    return make_nodes(elements).first;
 }
 
 listitem *list_clone_all(const listitem *head, std::uint32_t element_size)

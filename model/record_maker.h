@@ -47,6 +47,7 @@ struct record_chain {
     listitem *first = nullptr, *last = nullptr;
     int count = 0;
 
+    void append(listitem *node) { append({node, node, 1}); }
     void append(const record_chain &other)
     {
         if (other.first == nullptr)
@@ -57,15 +58,34 @@ struct record_chain {
     }
 };
 
+// Joins what make_range(begin, end, maker) returns for ranges that are 0 .. count together; of many
+// elements on several threads at once.
+template <class MakeRange>
+record_chain make_in_ranges(int count, const MakeRange &make_range)
+{
+    constexpr int few = 4096, range = 16384;
+    if (count < few || !record_pages_in_use()) {
+        record_maker maker(false);
+        return make_range(0, count, maker);
+    }
+    std::vector<record_chain> parts((count + range - 1) / range);
+    in_parallel(static_cast<int>(parts.size()), [&](int i) {
+        record_maker maker(true);
+        parts[i] = make_range(i * range, std::min((i + 1) * range, count), maker);
+    });
+    record_chain all;
+    for (const record_chain &part : parts)
+        all.append(part);
+    return all;
+}
+
 // A chain of what make(i, maker) returns for each i below `count`, in this order, without those for
 // which it returns null. `make` is called on several threads at once when there are many: it makes
 // records by its maker alone, and changes nothing that belongs to another i.
 template <class Make>
 record_chain make_records(int count, const Make &make)
 {
-    constexpr int few = 4096, range = 16384;
-    const auto make_range = [&](int begin, int end, bool from_pages) {
-        record_maker maker(from_pages);
+    return make_in_ranges(count, [&](int begin, int end, record_maker &maker) {
         std::vector<void *> elements;
         elements.reserve(std::max(end - begin, 0));
         for (int i = begin; i < end; ++i) {
@@ -73,22 +93,23 @@ record_chain make_records(int count, const Make &make)
                 elements.push_back(element);
         }
         record_chain chain; // its nodes side by side: the list is walked often
-        for (void *element : elements) {
-            listitem *node = maker.make_node(element);
-            chain.append({node, node, 1});
-        }
+        for (void *element : elements)
+            chain.append(maker.make_node(element));
         return chain;
-    };
-    if (count < few || !record_pages_in_use())
-        return make_range(0, count, false);
-    std::vector<record_chain> parts((count + range - 1) / range);
-    in_parallel(static_cast<int>(parts.size()), [&](int i) {
-        parts[i] = make_range(i * range, std::min((i + 1) * range, count), true);
     });
-    record_chain all;
-    for (const record_chain &part : parts)
-        all.append(part);
-    return all;
+}
+
+// A chain of these elements, in their order.
+template <class T>
+record_chain make_nodes(const std::vector<T *> &elements)
+{
+    return make_in_ranges(static_cast<int>(elements.size()),
+                          [&](int begin, int end, record_maker &maker) {
+                              record_chain chain;
+                              for (int i = begin; i < end; ++i)
+                                  chain.append(maker.make_node(elements[i]));
+                              return chain;
+                          });
 }
 
 // Links the chain behind a list, and counts.

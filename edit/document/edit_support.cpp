@@ -1,7 +1,10 @@
 #include "edit/document/edit_support.h"
 
 #include "base/messages.h"
+#include "base/prefs.h"
 #include "base/redraw.h"
+#include "edit/document/following_normals.h"
+#include "edit/document/select_made.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
 #include "model/flat_mesh.h"
@@ -126,7 +129,7 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
     progress_t progress(static_cast<double>(total));
     double done = 0;
     int changed = 0;
-    owned_list results;
+    std::vector<surface_t *> results;
     std::vector<mesh_change> changes;
     for (const owned_elements &owned : targets) {
         surface_work work = {changes.emplace_back(owned.object), owned.indices, progress, done};
@@ -135,8 +138,7 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
             return;
         }
         changed += work.changed;
-        for (surface_t *surface : work.kept)
-            results.add(surface);
+        results.insert(results.end(), work.kept.begin(), work.kept.end());
     }
     if (changed == 0) {
         display_message("%s - nothing selected", what);
@@ -148,21 +150,25 @@ void run_surface_operation(const char *what, bool (*compute)(surface_work &work)
     {
         freed_batch at_once;
         for (std::size_t i = 0; i < changes.size(); ++i) {
-            for (surface_t *surface : changes[i].commit().surfaces)
-                results.add(surface);
+            const std::vector<surface_t *> made = changes[i].commit().surfaces;
+            results.insert(results.end(), made.begin(), made.end());
             touched.push_back(targets[i].object);
         }
     }
     calc_normals_of(touched);
-    select_surfacelist(results.get());
+    select_made_surfaces(results);
     finish_edit();
     display_message("%s - %d surfaces", what, changed);
 }
 
 void calc_normals_of(const std::vector<object_t *> &objects)
 {
-    for (object_t *object : without_descendants(objects))
+    for (object_t *object : without_descendants(objects)) {
         object_renew_normals(object);
+        if (prefs.recalc_normals != 0)
+            for_each_object(object,
+                            [](object_t *part) { normals_were_computed(*object_flat(part)); });
+    }
 }
 
 void open_world_undo(const char *label)

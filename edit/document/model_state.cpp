@@ -1,6 +1,7 @@
 #include "edit/document/model_state.h"
 
 #include "base/worker.h"
+#include "edit/document/following_normals.h"
 #include "edit/document/geometry_image.h"
 #include "edit/document/model_state_internal.h"
 #include "edit/document/selection_image.h"
@@ -122,6 +123,8 @@ bool same_bits(const point3_t &a, const point3_t &b)
 
 bool face_normals_follow(const flat_mesh &mesh)
 {
+    if (normals_are_known_to_follow(mesh))
+        return true;
     std::atomic<bool> follow = true;
     in_parallel_ranges(mesh.num_surfaces(), [&](int begin, int end) {
         for (int i = begin; i < end && follow; ++i) {

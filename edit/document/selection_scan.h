@@ -6,6 +6,7 @@
 
 #include "model/each.h"
 #include "model/object_internal.h"
+#include "model/record_maker.h"
 
 #include <vector>
 
@@ -20,6 +21,7 @@ template <class T>
 std::vector<T *> elements_of(const listitem *head)
 {
     std::vector<T *> elements;
+    elements.reserve(static_cast<std::size_t>(list_count(head)));
     append_elements(head, &elements);
     return elements;
 }
@@ -48,15 +50,17 @@ int add_unique(listitem **head, const std::vector<T *> &elements)
         set_scratch(item_of<T>(node), 1);
         last = node;
     }
-    int added = 0;
+    std::vector<T *> fresh;
+    fresh.reserve(elements.size());
     for (T *element : elements) {
         if (scratch(element) != 0)
             continue;
         set_scratch(element, 1);
-        last = list_add_item_fast(head, last, element);
-        ++added;
+        fresh.push_back(element);
     }
-    return added;
+    const record_chain added = make_nodes(fresh);
+    (*head != nullptr ? last->next : *head) = added.first;
+    return added.count;
 }
 
 std::vector<object_t *> unique_objects(const std::vector<object_t *> &objects);

@@ -32,15 +32,23 @@ void edge_table::build(int num_vertices, const std::vector<int> &offsets,
             }
         }
     };
+    // Each thread has lower vertices of its own, and looks at all sides.
     std::vector<int> starts(num_vertices + 1, 0); // of each lower vertex
-    for_each_side([&](int, int, int u, int v) { ++starts[std::min(u, v) + 1]; });
+    in_two_parts(num_vertices, [&](int first, int end) {
+        for_each_side([&](int, int, int u, int v) {
+            if (const int low = std::min(u, v); low >= first && low < end)
+                ++starts[low + 1];
+        });
+    });
     for (std::size_t i = 1; i < starts.size(); ++i)
         starts[i] += starts[i - 1];
     auto halves = big_vector<half_edge>(starts.back());
     std::vector<int> next(starts.begin(), starts.end() - 1);
-    for_each_side([&](int s, int c, int u, int v) {
-        const int low = std::min(u, v);
-        halves[next[low]++] = {std::max(u, v), {s, c, u == low}};
+    in_two_parts(num_vertices, [&](int first, int end) {
+        for_each_side([&](int s, int c, int u, int v) {
+            if (const int low = std::min(u, v); low >= first && low < end)
+                halves[next[low]++] = {std::max(u, v), {s, c, u == low}};
+        });
     });
 
     // Counted first: of ten million vertices a vector that doubles wastes a quarter of a gigabyte.

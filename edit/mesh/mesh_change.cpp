@@ -1,5 +1,6 @@
 #include "edit/mesh/mesh_change.h"
 
+#include "base/big_vector.h"
 #include "base/console.h"
 #include "base/session_state.h"
 #include "edit/mesh/nearest_points.h"
@@ -16,14 +17,14 @@
 
 namespace {
 
-void set_flag(std::vector<bool> &flags, int index, int count)
+void set_flag(std::vector<char> &flags, int index, int count)
 {
     if (flags.empty())
         flags.resize(count);
-    flags[index] = true;
+    flags[index] = 1;
 }
 
-bool flag(const std::vector<bool> &flags, int index) { return !flags.empty() && flags[index]; }
+bool flag(const std::vector<char> &flags, int index) { return !flags.empty() && flags[index] != 0; }
 
 } // namespace
 
@@ -42,41 +43,80 @@ int mesh_change::index_of(const surface_t *surface)
 
 void mesh_change::reserve(std::size_t vertices, std::size_t surfaces, std::size_t corners)
 {
-    vertices_.reserve(vertices_.size() + vertices);
-    surfaces_.reserve(surfaces_.size() + surfaces);
-    corners_.reserve(corners_.size() + corners);
+    reserve_big(positions_, positions_.size() + vertices);
+    reserve_big(vertex_likes_, positions_.size() + vertices);
+    reserve_big(likes_, likes_.size() + surfaces);
+    reserve_big(first_corners_, likes_.size() + surfaces + 1);
+    reserve_big(corners_, corners_.size() + corners);
+    reserve_big(uv_, corners_.size() + corners);
+}
+
+mesh_room mesh_change::grow(const mesh_room &more)
+{
+    const mesh_room begin = {static_cast<int>(positions_.size()), static_cast<int>(likes_.size()),
+                             static_cast<int>(corners_.size())};
+    mesh_room end = begin;
+    end += more;
+    reserve(more.vertices, more.surfaces, more.corners);
+    positions_.resize(end.vertices);
+    vertex_likes_.resize(end.vertices);
+    likes_.resize(end.surfaces);
+    first_corners_.resize(end.surfaces);
+    corners_.resize(end.corners);
+    uv_.resize(end.corners);
+    gone_surfaces_.resize(before_->num_surfaces());
+    return begin;
 }
 
 int mesh_change::add_vertex(const point3_t &position, int like)
 {
-    vertices_.push_back({position, like});
+    positions_.push_back(position);
+    vertex_likes_.push_back(like);
     return num_vertices() - 1;
 }
 
 point3_t mesh_change::position(int at) const
 {
     const int old = before_->num_vertices();
-    return at < old ? before_->position(at) : vertices_[at - old].position;
+    return at < old ? before_->position(at) : positions_[at - old];
 }
 
-void mesh_change::add_surface(int like) { surfaces_.push_back({like, -1, -1, corners_.size()}); }
+void mesh_change::add_surface(int like)
+{
+    likes_.push_back(like);
+    first_corners_.push_back(static_cast<std::int32_t>(corners_.size()));
+}
 
-void mesh_change::add_corner(int at, flat_uv uv) { corners_.push_back({at, uv}); }
+void mesh_change::add_corner(int at, flat_uv uv)
+{
+    corners_.push_back(at);
+    uv_.push_back(uv);
+}
 
-void mesh_change::set_type(int type) { surfaces_.back().type = type; }
+void mesh_change::set_type(int type)
+{
+    types_.push_back({static_cast<int>(likes_.size()) - 1, type});
+}
 
-void mesh_change::set_material(int material) { surfaces_.back().material = material; }
+void mesh_change::set_material(int material)
+{
+    materials_.push_back({static_cast<int>(likes_.size()) - 1, material});
+}
+
+void mesh_change::reverse(int first, int end)
+{
+    std::reverse(corners_.begin() + first, corners_.begin() + end);
+    std::reverse(uv_.begin() + first, uv_.begin() + end);
+}
 
 void mesh_change::reverse_corners()
 {
-    std::reverse(corners_.begin() + static_cast<std::ptrdiff_t>(surfaces_.back().first_corner),
-                 corners_.end());
+    reverse(first_corners_.back(), static_cast<int>(corners_.size()));
 }
 
 void mesh_change::turn_corners()
 {
-    std::reverse(corners_.begin() + static_cast<std::ptrdiff_t>(surfaces_.back().first_corner) + 1,
-                 corners_.end());
+    reverse(first_corners_.back() + 1, static_cast<int>(corners_.size()));
 }
 
 void mesh_change::redirect_corner(int corner, int at)
@@ -94,6 +134,11 @@ void mesh_change::remove_corner(int corner)
     edits_.push_back({corner_edit::REMOVE, corner, -1, {0, 0}});
 }
 
+void mesh_change::redirect_corners(std::vector<std::int32_t> &&corners)
+{
+    corners_after_ = std::move(corners);
+}
+
 void mesh_change::remove_surface(int surface)
 {
     set_flag(gone_surfaces_, surface, before_->num_surfaces());
@@ -103,6 +148,13 @@ void mesh_change::remove_vertex(int at) { set_flag(gone_vertices_, at, before_->
 
 void mesh_change::apply_to_corners()
 {
+    if (!before_->whole) {
+        // The corners of a record are not those of the flat mesh: it takes one edit after the other.
+        for (int c = 0; c < static_cast<int>(corners_after_.size()); ++c) {
+            if (corners_after_[c] != before_->corner(c))
+                redirect_corner(c, corners_after_[c]);
+        }
+    }
     if (edits_.empty())
         return;
     corners_after_ = *before_->corners;
@@ -160,8 +212,8 @@ void mesh_change::find_unused()
         if (edit.kind == corner_edit::INSERT)
             keep(edit.vertex);
     }
-    for (const made_corner &corner : corners_)
-        keep(corner.vertex);
+    for (const int v : corners_)
+        keep(v);
     for (int v = 0; v < before_->num_vertices(); ++v) {
         if (use[v] == LOST)
             remove_vertex(v);
@@ -228,8 +280,27 @@ void mesh_change::edit_surface(int surface, std::span<const corner_edit> edits,
     record->num_refs = static_cast<int>(nodes.size());
 }
 
+// Where the corners of the records are those of the flat mesh.
+void mesh_change::redirect_records(const mesh_result &result)
+{
+    in_parallel_ranges(before_->num_surfaces(), [&](int begin, int end) {
+        for (int s = begin; s < end; ++s) {
+            const auto first = before_->first_corner(s), last = before_->end_corner(s);
+            if (flag(gone_surfaces_, s) ||
+                std::equal(corners_after_.begin() + first, corners_after_.begin() + last,
+                           before_->corners->begin() + first))
+                continue;
+            auto now = corners_after_.begin() + first;
+            for (svertex *reference : each<svertex>(before_->surface_record(s)->refs))
+                reference->vertex = vertex_at(*now++, result);
+        }
+    });
+}
+
 void mesh_change::edit_corners(const mesh_result &result)
 {
+    if (edits_.empty() && !corners_after_.empty())
+        redirect_records(result);
     if (edits_.empty())
         return;
     const auto earlier = [](const corner_edit &a, const corner_edit &b) {
@@ -257,7 +328,7 @@ void mesh_change::edit_corners(const mesh_result &result)
 void mesh_change::drop_references() const
 {
     const auto goes = [&](const vertex *point) {
-        return is_own(point) && gone_vertices_[vertex_number(point)];
+        return is_own(point) && gone_vertices_[vertex_number(point)] != 0;
     };
     number_vertices(object_);
     for (int i = 0; i < before_->num_surfaces(); ++i) {
@@ -290,59 +361,67 @@ void mesh_change::unlink()
     if (!gone_surfaces_.empty()) {
         object_->num_surfaces -= list_unlink_if<surface_t>(
             &object_->surfaces, batch, [&](const surface_t * /*surface*/, std::size_t i) {
-                return i < gone_surfaces_.size() && gone_surfaces_[i];
+                return i < gone_surfaces_.size() && gone_surfaces_[i] != 0;
             });
     }
     if (!gone_vertices_.empty()) {
         object_->num_vertices -= list_unlink_if<vertex>(
             &object_->vertices, batch, [&](const vertex * /*point*/, std::size_t i) {
-                return i < gone_vertices_.size() && gone_vertices_[i];
+                return i < gone_vertices_.size() && gone_vertices_[i] != 0;
             });
     }
 }
 
-std::size_t mesh_change::end_of(std::size_t made) const
+int mesh_change::end_of(int made) const
 {
-    return made + 1 < surfaces_.size() ? surfaces_[made + 1].first_corner : corners_.size();
+    const auto next = static_cast<std::size_t>(made) + 1;
+    return next < first_corners_.size() ? first_corners_[next] : static_cast<int>(corners_.size());
 }
 
-surface_t *mesh_change::make_surface(std::size_t index, const mesh_result &result,
+surface_t *mesh_change::make_surface(int index, const mesh_result &result,
                                      record_maker &maker) const
 {
-    const made_surface &made = surfaces_[index];
-    if (end_of(index) == made.first_corner)
+    const int first = first_corners_[index], end = end_of(index), like = likes_[index];
+    if (end == first)
         return nullptr;
-    surface_t *surface =
-        maker.make(made.like >= 0 ? *before_->surface_record(made.like) : plain_surface());
-    if (made.type >= 0)
-        surface_set_type(surface, made.type);
-    if (made.material >= 0)
-        surface_set_col(surface, made.material);
+    surface_t *surface = maker.make(like >= 0 ? *before_->surface_record(like) : plain_surface());
     listitem *last = nullptr;
-    for (std::size_t c = made.first_corner; c < end_of(index); ++c) {
-        const auto &[at, uv] = corners_[c];
-        last = maker.add_corner(surface, last, {vertex_at(at, result), uv.u, uv.v});
-    }
+    for (int c = first; c < end; ++c)
+        last =
+            maker.add_corner(surface, last, {vertex_at(corners_[c], result), uv_[c].u, uv_[c].v});
     return surface;
+}
+
+void mesh_change::set_own_values(const mesh_result &result) const
+{
+    for (const auto &[made, value] : types_) {
+        if (surface_t *surface = result.surfaces[made]; surface != nullptr)
+            surface_set_type(surface, value);
+    }
+    for (const auto &[made, value] : materials_) {
+        if (surface_t *surface = result.surfaces[made]; surface != nullptr)
+            surface_set_col(surface, value);
+    }
 }
 
 void mesh_change::link(mesh_result &result)
 {
-    result.vertices.resize(vertices_.size());
+    result.vertices.resize(positions_.size());
     const record_chain points =
-        make_records(static_cast<int>(vertices_.size()), [&](int i, record_maker &maker) {
-            const made_vertex &made = vertices_[i];
-            vertex value = made.like < 0 ? plain_vertex({}) : *before_->vertex_record(made.like);
-            value.position = made.position;
+        make_records(static_cast<int>(positions_.size()), [&](int i, record_maker &maker) {
+            const int like = vertex_likes_[i];
+            vertex value = like < 0 ? plain_vertex({}) : *before_->vertex_record(like);
+            value.position = positions_[i];
             return result.vertices[i] = maker.make(value);
         });
     list_append_chain(&object_->vertices, &object_->num_vertices, points);
 
-    result.surfaces.resize(surfaces_.size());
+    result.surfaces.resize(likes_.size());
     const record_chain made =
-        make_records(static_cast<int>(surfaces_.size()), [&](int i, record_maker &maker) {
+        make_records(static_cast<int>(likes_.size()), [&](int i, record_maker &maker) {
             return result.surfaces[i] = make_surface(i, result, maker);
         });
+    set_own_values(result);
     list_append_chain(&object_->surfaces, &object_->num_surfaces, made);
     if (made.count < static_cast<int>(result.surfaces.size()))
         std::erase(result.surfaces, nullptr);
@@ -369,10 +448,11 @@ void mesh_change::carry_colours(const std::vector<unsigned char> &old) const
             take(v);
     }
     std::optional<nearest_points> nearest;
-    for (const made_vertex &made : vertices_) {
-        if (made.like < 0 && !nearest)
+    for (std::size_t i = 0; i < positions_.size(); ++i) {
+        const int like = vertex_likes_[i];
+        if (like < 0 && !nearest)
             nearest.emplace(*before_->positions);
-        take(made.like >= 0 ? made.like : std::max(nearest->nearest(made.position), 0));
+        take(like >= 0 ? like : std::max(nearest->nearest(positions_[i]), 0));
     }
     vesk_object_set_vertex_colours(object_, rgb.data());
 }
@@ -391,17 +471,21 @@ mesh_result mesh_change::commit()
 {
     mesh_result result;
     apply_to_corners();
-    if (!gone_vertices_.empty())
+    if (std::find(gone_surfaces_.begin(), gone_surfaces_.end(), 1) == gone_surfaces_.end())
+        gone_surfaces_.clear();
+    const bool takes_corners = !gone_vertices_.empty();
+    if (takes_corners)
         remove_small_surfaces();
-    if (remove_unused_ && (!gone_surfaces_.empty() || !edits_.empty()))
+    if (remove_unused_ && (!gone_surfaces_.empty() || edits_corners()))
         find_unused();
     const bool removes = !gone_vertices_.empty() || !gone_surfaces_.empty();
-    if (!removes && vertices_.empty() && surfaces_.empty() && edits_.empty())
+    if (!removes && positions_.empty() && likes_.empty() && !edits_corners())
         return result;
 
-    const bool other_vertices = !gone_vertices_.empty() || !vertices_.empty();
+    const bool other_vertices = !gone_vertices_.empty() || !positions_.empty();
     const std::vector<unsigned char> colours =
         other_vertices ? object_vertex_colours(object_) : std::vector<unsigned char>();
+    const bool hands_over = !takes_corners && can_hand_over();
     session().committing = true;
     link(result); // before the elements it copies from are freed
     edit_corners(result);
@@ -412,6 +496,8 @@ mesh_result mesh_change::commit()
     else if (other_vertices && vesk_object_has_vertex_colours(object_) != 0)
         drop_colours();
     object_mark(object_, CHANGED_TOPOLOGY);
+    if (hands_over && result.surfaces.size() == likes_.size())
+        hand_over(result);
     session().committing = false;
     return result;
 }

@@ -1,5 +1,8 @@
 #include "edit/mesh/mesh_edges.h"
 
+#include "base/big_vector.h"
+#include "base/worker.h"
+
 #include <algorithm>
 #include <numeric>
 #include <span>
@@ -35,19 +38,32 @@ void for_each_edge(const flat_mesh &mesh, int surface, Visit &&visit)
 std::vector<half_edge> sort_into_buckets(const flat_mesh &mesh, const std::vector<int> &surfaces,
                                          std::vector<std::int32_t> &begin)
 {
-    begin.assign(mesh.num_vertices() + 1, 0);
-    for (const int surface : surfaces)
-        for_each_edge(mesh, surface, [&](int, int low, int) { ++begin[low + 1]; });
+    // Each thread has lower vertices of its own, and looks at all edges.
+    const int n = mesh.num_vertices();
+    begin.assign(n + 1, 0);
+    in_two_parts(n, [&](int first, int end) {
+        for (const int surface : surfaces) {
+            for_each_edge(mesh, surface, [&](int, int low, int) {
+                if (low >= first && low < end)
+                    ++begin[low + 1];
+            });
+        }
+    });
     std::partial_sum(begin.begin(), begin.end(), begin.begin());
-    std::vector<half_edge> edges(begin.back());
+    auto edges = big_vector<half_edge>(begin.back());
     std::vector<std::int32_t> at(begin.begin(), begin.end() - 1);
-    for (const int surface : surfaces) {
-        for_each_edge(mesh, surface, [&](int corner, int low, int high) {
-            edges[at[low]++] = {high, corner};
-        });
-    }
-    for (std::size_t v = 0; v + 1 < begin.size(); ++v)
-        std::sort(edges.begin() + begin[v], edges.begin() + begin[v + 1]);
+    in_two_parts(n, [&](int first, int end) {
+        for (const int surface : surfaces) {
+            for_each_edge(mesh, surface, [&](int corner, int low, int high) {
+                if (low >= first && low < end)
+                    edges[at[low]++] = {high, corner};
+            });
+        }
+    });
+    in_parallel_ranges(n, [&](int first, int end) {
+        for (int v = first; v < end; ++v)
+            std::sort(edges.begin() + begin[v], edges.begin() + begin[v + 1]);
+    });
     return edges;
 }
 

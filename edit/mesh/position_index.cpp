@@ -1,9 +1,11 @@
 #include "edit/mesh/position_index.h"
 
+#include "base/big_vector.h"
 #include "model/vector.h"
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
 
 namespace {
 
@@ -25,17 +27,18 @@ std::size_t capacity_for(std::size_t expected)
 
 } // namespace
 
-position_index::position_index(std::size_t expected) : slots_(capacity_for(expected))
+position_index::position_index(std::size_t expected)
 {
+    slots_ = big_vector<std::uint64_t>(capacity_for(expected));
     entries_.reserve(expected);
 }
 
-position_index::position_index(const std::vector<point3_t> &positions)
-    : position_index(positions.size())
+position_index::position_index(const std::vector<point3_t> &positions, std::size_t more)
+    : position_index(positions.size() + more)
 {
-    int number = 0;
-    for (const point3_t &at : positions)
-        find_or_add(at, number++);
+    std::vector<int> numbers(positions.size());
+    std::iota(numbers.begin(), numbers.end(), 0);
+    find_or_add_all(positions, numbers);
 }
 
 // The slot that holds the position, or the empty one for it.
@@ -77,6 +80,16 @@ int position_index::find_or_add(const point3_t &at, int number)
     entries_.push_back({at, number});
     slots_[i] = static_cast<std::uint64_t>(hash) << 32 | entries_.size();
     return number;
+}
+
+void position_index::find_or_add_all(std::span<const point3_t> positions, std::span<int> numbers)
+{
+    constexpr std::size_t ahead = 16;
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        if (i + ahead < positions.size())
+            bring(positions[i + ahead]);
+        numbers[i] = find_or_add(positions[i], numbers[i]);
+    }
 }
 
 void position_index::grow()

@@ -7,14 +7,15 @@
 #include "base/types.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 class position_index {
 public:
     // For about this many positions; grows.
     explicit position_index(std::size_t expected);
-    // Holds all of these, under their places.
-    explicit position_index(const std::vector<point3_t> &positions);
+    // Holds all of these, under their places, with room for about so many more.
+    explicit position_index(const std::vector<point3_t> &positions, std::size_t more = 0);
 
     // The position will be asked for soon: memory begins to bring what that takes.
     void bring(const point3_t &at) const;
@@ -22,6 +23,10 @@ public:
     [[nodiscard]] int find(const point3_t &at) const;
     // The same; when there was none, `number` is it from now on. Numbers are below 2^31.
     int find_or_add(const point3_t &at, int number);
+
+    // The same for many, one after the other: `numbers` are replaced by what is found. Several times as
+    // fast, for the memory is asked for ahead.
+    void find_or_add_all(std::span<const point3_t> positions, std::span<int> numbers);
 
 private:
     struct entry {

@@ -11,6 +11,13 @@ namespace {
 
 constexpr int num_quad_kinds = 1 << 12;
 
+bool is_finite(const point3_t &p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+} // namespace
+
 // The tessellator takes the polygon's longest normal over three corners, drops that normal's
 // largest coordinate, turns the rest so that the outline goes round counterclockwise, and sweeps
 // over it from left to right, lower corners first. All that it asks then is which of two corners
@@ -18,7 +25,7 @@ constexpr int num_quad_kinds = 1 << 12;
 // corners agree on the coordinate to drop and the quad is clearly convex without it, the second
 // question always has the same answer: so the order of the corners, and which lie above each other,
 // decide what it does. Returns that as a number, -1 for all other quads.
-int kind_of_quad(std::span<const point3_t> quad)
+int tessellator_t::kind_of_quad(std::span<const point3_t> quad)
 {
     double p[4][3], cross[4][3];
     for (std::size_t i = 0; i < 4; ++i) {
@@ -58,13 +65,6 @@ int kind_of_quad(std::span<const point3_t> quad)
     }
     return kind;
 }
-
-bool is_finite(const point3_t &p)
-{
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
-} // namespace
 
 // The edge-flag callback makes it report separate triangles only; without a combine callback
 // outlines that cross themselves are errors.

@@ -20,7 +20,14 @@ public:
     // Fills triangles() with places in the outline, three for each. False when the outline is
     // refused (reported on the console), or too flat to give any.
     bool cut(std::span<const point3_t> outline);
-    // The same without the short cut.
+    // A number for what cut() answers for a clearly convex quad, -1 for all others. On any thread.
+    static int kind_of_quad(std::span<const point3_t> quad);
+    // Places in a quad of this kind, three for each of two triangles; null while cut() had none.
+    [[nodiscard]] const std::int8_t *quad_triangles(int kind) const
+    {
+        return quads_[kind].known ? quads_[kind].corners : nullptr;
+    }
+    // cut() without the short cut.
     bool cut_slowly(std::span<const point3_t> outline);
     [[nodiscard]] std::span<const int> triangles() const { return triangles_; }
 

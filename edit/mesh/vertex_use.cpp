@@ -1,5 +1,6 @@
 #include "edit/mesh/vertex_use.h"
 
+#include "base/worker.h"
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/world.h"
@@ -74,9 +75,11 @@ vertex_corners::vertex_corners(const flat_mesh &mesh)
     std::int32_t corner = 0;
     for (const std::int32_t v : *mesh.corners)
         corners_[at[v]++] = corner++;
-    for (int s = 0; s < mesh.num_surfaces(); ++s)
-        std::fill(surface_of_.begin() + mesh.first_corner(s),
-                  surface_of_.begin() + mesh.end_corner(s), s);
+    in_parallel_ranges(mesh.num_surfaces(), [&](int first, int end) {
+        for (int s = first; s < end; ++s)
+            std::fill(surface_of_.begin() + mesh.first_corner(s),
+                      surface_of_.begin() + mesh.end_corner(s), s);
+    });
 }
 
 std::span<const std::int32_t> vertex_corners::of(int v) const

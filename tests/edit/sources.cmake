@@ -36,6 +36,7 @@ target_sources(vesk_tests PRIVATE
     edit/weld_test.cpp
     edit/mesh/exact_test.cpp
     edit/vertex_colours_test.cpp
+    edit/many_surfaces_test.cpp
     edit/mesh/mesh_change_test.cpp
     edit/mesh/surface_blocks_test.cpp
     edit/mesh/tessellator_test.cpp

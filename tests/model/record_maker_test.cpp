@@ -2,6 +2,7 @@
 
 #include "model/alloc_internal.h"
 #include "model/each.h"
+#include "model/freed.h"
 #include "model/list_internal.h"
 #include "tests/support/scene_test.h"
 
@@ -109,6 +110,50 @@ TEST_F(RecordMaker, AListWhoseNodesWereFreedAmongManyIsWalkedAgain)
         surface_add_vertex(next, point_, 0, 0);
     EXPECT_EQ(list_count(next->refs), 100);
     surface_free_record(next);
+}
+
+TEST_F(RecordMaker, ALongListIsCopiedWithTheEmptyPlacesInIt)
+{
+    owned_list list;
+    for (int i = 0; i < many; ++i)
+        list.add(int_element(i % 5));
+    const owned_list copy(list_clone(list.get()));
+    const listitem *node = copy.get();
+    for (int i = 0; i < many; ++i, node = node->next)
+        ASSERT_EQ(int_of(node), i % 5);
+    EXPECT_EQ(node, nullptr);
+}
+
+TEST_F(RecordMaker, WhatIsFreedLeavesAListInWhateverOrder)
+{
+    std::vector<vertex *> points;
+    for (int i = 0; i < 8; ++i)
+        points.push_back(new_vertex());
+    const auto left_of = [&](const std::vector<int> &listed, const std::vector<int> &freed) {
+        owned_list list;
+        for (const int i : listed)
+            list.add(points[i]);
+        std::vector<vertex *> gone;
+        for (const int i : freed)
+            gone.push_back(points[i]);
+        listitem *head = list.release();
+        const int count = list_count(head);
+        const int dropped = list_drop_freed(&head, gone);
+        std::vector<std::ptrdiff_t> left;
+        for (vertex *point : each<vertex>(head))
+            left.push_back(std::find(points.begin(), points.end(), point) - points.begin());
+        list_free(&head);
+        EXPECT_EQ(dropped, count - static_cast<int>(left.size()));
+        return left;
+    };
+    using places = std::vector<std::ptrdiff_t>;
+    EXPECT_EQ(left_of({1, 3, 5}, {0, 1, 2, 3, 4, 5}), places()); // all, in order
+    EXPECT_EQ(left_of({5, 3, 1}, {0, 1, 2, 3, 4, 5}), places());
+    EXPECT_EQ(left_of({1, 3, 5}, {0, 1, 2, 3}), places({5}));
+    EXPECT_EQ(left_of({1, 1, 2}, {1, 2}), places());
+    EXPECT_EQ(left_of({1, 2}, {3, 4}), places({1, 2}));
+    for (vertex *point : points)
+        vertex_free_record(point);
 }
 
 TEST_F(RecordMaker, GuardedBlocksAreMadeOneByOneAndCounted)

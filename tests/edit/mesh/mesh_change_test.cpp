@@ -5,6 +5,7 @@
 #include "edit/document/selection_scan.h"
 #include "edit/mesh/mesh_edges.h"
 #include "edit/mesh/position_index.h"
+#include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/vector.h"
 #include "tests/support/mesh_test.h"
@@ -133,6 +134,78 @@ TEST_F(MeshChange, RandomChangesGiveWhatPlainListsGive)
         EXPECT_EQ(faces_of(soup), kept) << seed;
         expect_sound(soup);
     }
+}
+
+// After the commit nobody reads the lists: what is handed over must be what they hold.
+TEST_F(MeshChange, TheFlatMeshOfARandomChangeIsThatOfItsLists)
+{
+    for (std::uint32_t seed = 0; seed < 200; ++seed) {
+        random_source random(seed);
+        object_t *soup = add_random_soup(random, 40, 40);
+        mesh_change change(soup);
+        const flat_mesh &before = change.before();
+        const auto some_vertex = [&] { return random.below(change.num_vertices()); };
+        for (int i = random.below(4); i > 0; --i)
+            change.add_vertex({1, 2, random.between(0, 1)},
+                              random.below(before.num_vertices() + 1) - 1);
+        const int goes = random.below(4); // of four surfaces
+        for (int s = 0; s < before.num_surfaces(); ++s) {
+            if (random.below(4) < goes || goes == 3)
+                change.remove_surface(s);
+        }
+        for (int i = random.below(6); i > 0; --i) {
+            change.add_surface(random.below(before.num_surfaces() + 1) - 1);
+            if (random.below(3) == 0)
+                change.set_type(SURFACE_LINE);
+            if (random.below(3) == 0)
+                change.set_material(random.below(9));
+            for (int c = 1 + random.below(4); c > 0; --c)
+                change.add_corner(some_vertex(), {random.between(0, 1), 0});
+        }
+        std::vector<std::int32_t> corners = *before.corners;
+        for (std::int32_t &v : corners)
+            v = random.below(5) == 0 ? some_vertex() : v;
+        if (random.below(3) == 0)
+            change.redirect_corners(std::move(corners));
+        else if (random.below(2) == 0 && before.num_corners() > 0)
+            change.redirect_corner(random.below(before.num_corners()), some_vertex());
+        if (random.below(2) == 0)
+            change.remove_unused();
+        change.commit();
+        EXPECT_EQ(flat_compare(soup, *object_flat(soup)), 0U) << seed;
+        expect_sound(soup);
+    }
+}
+
+// Drawing takes the same array of corners for the same vertices.
+TEST_F(MeshChange, NewVerticesWithoutASurfaceBringNewCorners)
+{
+    object_t *object = add_squares(2, 1);
+    mesh_change change(object);
+    change.add_vertex({1, 2, 3});
+    change.commit();
+    EXPECT_NE(object_flat(object)->corners, change.before().corners);
+    EXPECT_EQ(*object_flat(object)->corners, *change.before().corners);
+}
+
+TEST_F(MeshChange, ManyCornersAreRedirectedBesideForeignOnes)
+{
+    object_t *object = add_squares(2, 1);
+    surface_t *surface = object_get_surface_at(object, 1);
+    vertex *foreign = new_vertex_set(9, 9, 9);
+    surface_add_vertex_head(surface, foreign, 0, 0);
+    object_mark(object, CHANGED_TOPOLOGY);
+    mesh_change change(object);
+    std::vector<std::int32_t> corners = *change.before().corners;
+    std::replace(corners.begin(), corners.end(), 1, 0);
+    change.redirect_corners(std::move(corners));
+    change.commit();
+    EXPECT_EQ(faces_of(object)[0], (std::vector<int>{0, 0, 4, 3}));
+    EXPECT_EQ(corners_of(object, surface), (std::vector<int>{-1, 0, 2, 5, 4}));
+    list_remove_item(&surface->refs, item_of<void>(surface->refs));
+    --surface->num_refs;
+    vertex_free_record(foreign);
+    object_mark(object, CHANGED_TOPOLOGY);
 }
 
 // ---- edges ----
