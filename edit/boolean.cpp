@@ -215,6 +215,7 @@ void writer::write()
         }
     }
     change_.remove_unused();
+    change_.renew_records();
     change_.commit();
 }
 

@@ -254,7 +254,7 @@ public:
     // and takes the place of everything: all vertices are anew, and none is held from outside.
     bool defer(vesk_mesh_t &&mesh)
     {
-        if (!records_can_be_deferred(static_cast<int>(mesh.points.size()), mesh.num_faces()) ||
+        if (!records_can_be_renewed(static_cast<int>(mesh.points.size()), mesh.num_faces()) ||
             mesh.points.size() < points_.size() || freed_elements_are_held())
             return false;
         find_unused();

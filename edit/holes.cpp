@@ -176,6 +176,7 @@ bool compute_rings(const std::vector<owned_elements> &targets, std::vector<mesh_
     double done = 0;
     for (const owned_elements &owned : targets) {
         mesh_change &change = changes.emplace_back(owned.object);
+        change.renew_records();
         const bool finished = change_each(
             change, owned.indices, [&](int surface) { return ring.room(change.before(), surface); },
             ring.make, [&](int of_object) { return progress.step(done + of_object); });
@@ -204,6 +205,7 @@ void object_make_holes(object_t *object, float factor)
     for_each_object(object, [factor](object_t *part) {
         mesh_change change(part);
         make_all_rings(change, ring_of_hole(factor, false));
+        change.renew_records();
         change.commit();
     });
 }
@@ -226,6 +228,7 @@ int object_bevel(object_t *object)
         mesh_change change(part);
         make_all_rings(change, ring_of_bevel());
         count += change.before().num_surfaces();
+        change.renew_records();
         change.commit();
     });
     object_calc_normals_force(object);

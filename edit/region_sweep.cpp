@@ -302,6 +302,7 @@ void region_sweep::change_originals()
 
 mesh_result region_sweep::commit(std::vector<surface_t *> *ends)
 {
+    change_.renew_records();
     mesh_result result = change_.commit();
     const std::size_t first = num_caps_ > 0 ? num_walls_ : 0;
     const std::size_t count = num_caps_ > 0 ? num_caps_ : num_walls_;

@@ -215,6 +215,7 @@ listitem *object_triangulate_surfaces(object_t *object)
         std::iota(all.begin(), all.end(), 0);
         double done = 0;
         triangulation(change, tessellator, counts).run(all, nullptr, done);
+        change.renew_records();
         append(triangles, change.commit().surfaces);
     });
     return make_nodes(triangles).first;
@@ -244,8 +245,10 @@ void selected_surface_triangulate(void)
     std::vector<surface_t *> triangles;
     {
         freed_batch at_once;
-        for (mesh_change &change : changes)
+        for (mesh_change &change : changes) {
+            change.renew_records();
             append(triangles, change.commit().surfaces);
+        }
     }
     select_made_surfaces(triangles);
     redraw_all();

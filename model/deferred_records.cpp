@@ -1,6 +1,7 @@
 #include "model/deferred_records.h"
 
 #include "base/big_vector.h"
+#include "base/session_state.h"
 #include "base/worker.h"
 #include "model/change_marks_internal.h"
 #include "model/deferred_pages.h"
@@ -254,6 +255,11 @@ bool records_can_be_deferred(int num_vertices, int num_surfaces)
 {
     return num_vertices > 0 && num_vertices + num_surfaces >= least &&
            deferred_pages::are_possible();
+}
+
+bool records_can_be_renewed(int num_vertices, int num_surfaces)
+{
+    return session().foreign_depth == 0 && records_can_be_deferred(num_vertices, num_surfaces);
 }
 
 void object_set_whole(object_t *object, std::shared_ptr<flat_mesh> flat)

@@ -10,6 +10,9 @@
 // Whether the records of so many are to be deferred: they are many, and it is possible here.
 bool records_can_be_deferred(int num_vertices, int num_surfaces);
 
+// The same for those that take the place of others: no plug-in is on the stack, which could hold these.
+bool records_can_be_renewed(int num_vertices, int num_surfaces);
+
 // Frees the object's lists, announced, and makes them those of a flat mesh that is complete but for its
 // arrays of records, which are set: deferred where they are many and there is room for their addresses,
 // else at once. The flat mesh is the object's from now on. It may lack normals: they are what new records

@@ -87,6 +87,14 @@ void finish(const freed_things &freed)
     free_records(freed.surfaces, freed.vertices);
 }
 
+freed_things all_held()
+{
+    freed_things held;
+    for (freed_holder holder : record().holders)
+        holder(held);
+    return held;
+}
+
 // Held elements that were not met in a walk of the living.
 class missing_things {
 public:
@@ -148,9 +156,7 @@ void freed_add_holder(freed_holder holder) { record().holders.push_back(holder);
 
 void freed_filter_foreign()
 {
-    freed_things held;
-    for (freed_holder holder : record().holders)
-        holder(held);
+    const freed_things held = all_held();
     if (held.empty())
         return;
     missing_things missing(held);
@@ -186,11 +192,11 @@ void freed_announce_geometry(const object_t *object)
         announce(gone);
 }
 
+bool freed_vertices_are_held() { return !all_held().vertices.empty(); }
+
 bool freed_elements_are_held()
 {
-    freed_things held;
-    for (freed_holder holder : record().holders)
-        holder(held);
+    const freed_things held = all_held();
     return !held.surfaces.empty() || !held.vertices.empty();
 }
 

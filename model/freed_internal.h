@@ -10,7 +10,8 @@ void freed_announce_left(const std::vector<object_t *> &tops);
 // about to be used for others.
 void freed_announce_geometry(const object_t *object);
 
-// Whether any holder points at a vertex or a surface.
+// Whether any holder points at a vertex; at a vertex or a surface.
+bool freed_vertices_are_held();
 bool freed_elements_are_held();
 
 // A fault skipped the ends of the batches that were open.

@@ -487,6 +487,11 @@ mesh_result mesh_change::commit()
         other_vertices ? object_vertex_colours(object_) : std::vector<unsigned char>();
     const bool hands_over = !takes_corners && can_hand_over();
     session().committing = true;
+    if (hands_over && can_renew()) {
+        result = renew();
+        session().committing = false;
+        return result;
+    }
     link(result); // before the elements it copies from are freed
     edit_corners(result);
     if (removes)

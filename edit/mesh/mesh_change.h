@@ -124,6 +124,10 @@ public:
     // Vertices whose last surface this change removes are removed with it.
     void remove_unused() { remove_unused_ = true; }
 
+    // Nobody asks for records of before() once this is committed: where the change takes all surfaces away,
+    // those of a large object need not be written (model/deferred_records.h).
+    void renew_records() { renews_ = true; }
+
     // Writes it back: notifies only the holders of freed elements, computes no normals. To be
     // called once.
     mesh_result commit();
@@ -170,7 +174,13 @@ private:
     // What is known of the lists after the commit becomes the object's flat mesh, so that nobody reads them
     // back. Not where single corners of surfaces that stay come and go.
     [[nodiscard]] bool can_hand_over() const;
+    [[nodiscard]] std::shared_ptr<flat_mesh> flat_after();
     void hand_over(const mesh_result &result);
+    [[nodiscard]] int num_made() const { return static_cast<int>(likes_.size()); }
+    [[nodiscard]] bool can_renew() const;
+    [[nodiscard]] flat_array<point3_t> normals_of_vertices() const;
+    [[nodiscard]] flat_array<point3_t> normals_of_surfaces() const;
+    mesh_result renew();
     void hand_over_surfaces(flat_mesh &flat);
     void hand_over_corners(flat_mesh &flat);
     void number_corners(std::vector<std::int32_t> &corners) const;
@@ -192,6 +202,7 @@ private:
     std::vector<char> gone_vertices_, gone_surfaces_; // empty while none is removed
     std::unordered_map<const surface_t *, int> places_;
     bool remove_unused_ = false;
+    bool renews_ = false;
 };
 
 // Calls make(element, writer) for each of these surfaces or vertices of the change's object, side by side,

@@ -3,7 +3,10 @@
 #include "base/big_vector.h"
 #include "edit/mesh/mesh_change.h"
 #include "model/change_marks_internal.h"
+#include "model/deferred_records.h"
+#include "model/freed_internal.h"
 #include "model/object_internal.h"
+#include "model/vertex_colours.h"
 
 namespace {
 
@@ -159,16 +162,72 @@ void mesh_change::hand_over_surfaces(flat_mesh &flat)
     flat.corner_offsets = shared(std::move(offsets));
 }
 
-void mesh_change::hand_over(const mesh_result &result)
+// But for normals and records.
+std::shared_ptr<flat_mesh> mesh_change::flat_after()
 {
     auto flat = std::make_shared<flat_mesh>();
     flat->positions = joined(before_->positions, gone_vertices_, std::move(positions_));
+    hand_over_surfaces(*flat);
+    hand_over_corners(*flat);
+    flat->whole = true;
+    return flat;
+}
+
+void mesh_change::hand_over(const mesh_result &result)
+{
+    const std::shared_ptr<flat_mesh> flat = flat_after();
     flat->vertex_records =
         joined(before_->vertex_records, gone_vertices_, std::vector<vertex *>(result.vertices));
     flat->surface_records =
         joined(before_->surface_records, gone_surfaces_, std::vector<surface_t *>(result.surfaces));
-    hand_over_surfaces(*flat);
-    hand_over_corners(*flat);
-    flat->whole = true;
-    state_set_flat(object_, std::move(flat), CHANGED_NORMALS);
+    state_set_flat(object_, flat, CHANGED_NORMALS);
+}
+
+// ---- without records ----
+
+bool mesh_change::can_renew() const
+{
+    const bool all_go = count_left(before_->surfaces->size(), gone_surfaces_) == 0;
+    if (!renews_ || !all_go || !records_can_be_renewed(num_vertices(), num_made()) ||
+        vesk_object_has_vertex_colours(object_) != 0 || freed_vertices_are_held())
+        return false;
+    for (int i = 0; i < num_made(); ++i) {
+        if (end_of(i) == first_corners_[i])
+            return false; // is not made
+    }
+    return true;
+}
+
+// As those whom they are like have them, else of new ones.
+flat_array<point3_t> mesh_change::normals_of_vertices() const
+{
+    auto made = big_vector<point3_t>(vertex_likes_.size());
+    in_parallel_ranges(static_cast<int>(made.size()), [&](int begin, int end) {
+        const point3_t plain = plain_vertex({0, 0, 0}).normal;
+        for (int i = begin; i < end; ++i)
+            made[i] = vertex_likes_[i] >= 0 ? before_->normal(vertex_likes_[i]) : plain;
+    });
+    return joined(before_->normals, gone_vertices_, std::move(made));
+}
+
+flat_array<point3_t> mesh_change::normals_of_surfaces() const
+{
+    auto made = big_vector<point3_t>(likes_.size());
+    in_parallel_ranges(static_cast<int>(made.size()), [&](int begin, int end) {
+        for (int i = begin; i < end; ++i)
+            made[i] = likes_[i] >= 0 ? before_->face_normal(likes_[i]) : plain_surface().normal;
+    });
+    return shared(std::move(made));
+}
+
+mesh_result mesh_change::renew()
+{
+    const auto num_vertices = static_cast<std::ptrdiff_t>(positions_.size());
+    const auto normals = normals_of_vertices(), face_normals = normals_of_surfaces();
+    const std::shared_ptr<flat_mesh> flat = flat_after();
+    flat->normals = normals;
+    flat->face_normals = face_normals;
+    object_set_whole(object_, flat);
+    return {{flat->vertex_records->end() - num_vertices, flat->vertex_records->end()},
+            *flat->surface_records};
 }
