@@ -26,6 +26,15 @@ void set_flag(std::vector<char> &flags, int index, int count)
 
 bool flag(const std::vector<char> &flags, int index) { return !flags.empty() && flags[index] != 0; }
 
+// A caller that makes room again and again pays for each element a few times at most.
+template <class T>
+void make_room(std::vector<T> &elements, std::size_t more)
+{
+    const std::size_t needed = elements.size() + more;
+    if (needed > elements.capacity())
+        reserve_big(elements, std::max(needed, elements.capacity() / 2 * 3));
+}
+
 } // namespace
 
 mesh_change::mesh_change(object_t *object) : object_(object), before_(object_flat(object)) {}
@@ -43,12 +52,12 @@ int mesh_change::index_of(const surface_t *surface)
 
 void mesh_change::reserve(std::size_t vertices, std::size_t surfaces, std::size_t corners)
 {
-    reserve_big(positions_, positions_.size() + vertices);
-    reserve_big(vertex_likes_, positions_.size() + vertices);
-    reserve_big(likes_, likes_.size() + surfaces);
-    reserve_big(first_corners_, likes_.size() + surfaces + 1);
-    reserve_big(corners_, corners_.size() + corners);
-    reserve_big(uv_, corners_.size() + corners);
+    make_room(positions_, vertices);
+    make_room(vertex_likes_, vertices);
+    make_room(likes_, surfaces);
+    make_room(first_corners_, surfaces + 1);
+    make_room(corners_, corners);
+    make_room(uv_, corners);
 }
 
 mesh_room mesh_change::grow(const mesh_room &more)
