@@ -22,7 +22,6 @@ constexpr std::uint32_t page_slots = 65536;
 constexpr std::uint32_t page_indices = 6 * page_slots;
 constexpr std::uint32_t most_sorted_triangles = 20000;
 
-constexpr std::size_t all_bytes = SIZE_MAX;
 constexpr std::size_t bytes_between_slices = 4 << 20; // some milliseconds, also in a motion
 
 constexpr size_t position_bytes = 3 * sizeof(float);
@@ -49,7 +48,8 @@ struct store_t {
     std::vector<std::unique_ptr<buffer_page_t>> pages;
     std::unordered_set<const object_t *> with_jobs; // for coarse versions, lately
     std::uint64_t sweep = 1;
-    unsigned generation = 0; // of layouts
+    std::size_t num_used = 0; // objects drawn since the last sweep
+    unsigned generation = 0;  // of layouts
 };
 
 store_t &store()
@@ -393,7 +393,10 @@ void draw_indexed(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &bu
 const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, draw_pace pace)
 {
     object_buffers_t &buffers = store().objects[object];
-    buffers.used_in = store().sweep;
+    if (buffers.used_in != store().sweep) {
+        buffers.used_in = store().sweep;
+        ++store().num_used;
+    }
     const bool textured = object_picture(object) != nullptr;
     const bool was_textured = std::exchange(buffers.textured, textured);
     const bool later = pace != draw_pace::at_once && flat->num_vertices() >= least_layout_job;
@@ -408,25 +411,24 @@ const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, d
         check_layout(buffers, {}, pace);
     }
     take_layout(buffers, pace);
-    const bool can_wait = pace == draw_pace::moving && buffers.coarse.mesh != nullptr;
-    coarse_take(buffers.coarse, *flat->positions, can_wait ? bytes_between_slices : all_bytes);
     return buffers;
 }
 
 unsigned buffers_generation() { return store().generation; }
 
-void buffers_ask_for_coarse()
+void buffers_ask_for_coarse(const object_t *object)
 {
-    for (auto &[object, buffers] : store().objects) {
-        coarse_lists_t &coarse = buffers.coarse;
-        if (buffers.page != nullptr && buffers.job == nullptr && !buffers.page->shared &&
-            coarse.job == nullptr && !coarse.given_up &&
-            (coarse.mesh == nullptr || coarse.outdated) &&
-            buffers.num_indices / 3 >= least_coarse_triangles) {
-            coarse.job = coarse_job_start(coarse_source(buffers));
-            store().with_jobs.insert(object);
-        }
-    }
+    const auto found = store().objects.find(object);
+    if (found == store().objects.end())
+        return;
+    object_buffers_t &buffers = found->second;
+    coarse_lists_t &coarse = buffers.coarse;
+    if (buffers.page == nullptr || buffers.job != nullptr || buffers.page->shared ||
+        coarse.job != nullptr || coarse.given_up || (coarse.mesh != nullptr && !coarse.outdated) ||
+        buffers.num_indices / 3 < least_coarse_triangles)
+        return;
+    coarse.job = coarse_job_start(coarse_source(buffers));
+    store().with_jobs.insert(object);
 }
 
 void buffers_take_some_coarse()
@@ -447,7 +449,8 @@ void buffers_take_some_coarse()
 void buffers_sweep()
 {
     store_t &state = store();
-    for (auto entry = state.objects.begin(); entry != state.objects.end();) {
+    const bool all_used = std::exchange(state.num_used, 0) == state.objects.size();
+    for (auto entry = state.objects.begin(); !all_used && entry != state.objects.end();) {
         if (entry->second.used_in == state.sweep) {
             ++entry;
             continue;

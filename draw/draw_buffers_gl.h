@@ -52,10 +52,9 @@ const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh, d
 // Grows when an object gets another layout.
 unsigned buffers_generation();
 
-// Has coarse versions made of the large objects that have none of their present shape.
-void buffers_ask_for_coarse();
-// Takes a part of those that were made, between two slices of a picture. The begin of a picture takes all,
-// in a motion a part as well when there are others already.
+// Has coarse versions made of a large object that has none of its present shape.
+void buffers_ask_for_coarse(const object_t *object);
+// Takes a part of those that were made, before each picture and between two slices of one.
 void buffers_take_some_coarse();
 
 // Frees the buffers of objects that were not drawn since the last sweep.

@@ -7,12 +7,8 @@
 #include "draw/draw_slices.h"
 #include "draw/draw_textures_gl.h"
 #include "draw/selected_parts_gl.h"
-#include "edit/boolean_live.h"
-#include "model/bounds.h"
-#include "model/each.h"
 #include "model/palette.h"
 #include "model/vector.h"
-#include "model/world.h"
 #include "view/overlay.h"
 
 #include <algorithm>
@@ -400,30 +396,6 @@ pending_place_t::~pending_place_t()
 {
     glMatrixMode(GL_MODELVIEW);
     glPopMatrix();
-}
-
-scene_t gather_scene(draw_pace pace)
-{
-    scene_t scene;
-    selection_marks_update();
-    bounds_clear(&scene.min, &scene.max);
-    for_each_object(vesk_get_world(), [&](object_t *object) {
-        const flat_ptr instead = boolean_live_shown(object);
-        const object_buffers_t &buffers =
-            object_buffers(object, instead != nullptr ? instead : object_flat(object), pace);
-        if (buffers.page == nullptr)
-            return;
-        const selected_part_t *part = selected_part(object);
-        if (instead != nullptr && part != nullptr && !part->whole)
-            part = nullptr; // places in the object's own mesh
-        scene.items.push_back({object, &buffers, part, object->visible == 0, object->locked != 0,
-                               boolean_live_is_outline(object), 0});
-        scene.complete = scene.complete && buffers.job == nullptr;
-        bounds_add(buffers.min, &scene.min, &scene.max);
-        bounds_add(buffers.max, &scene.min, &scene.max);
-    });
-    buffers_sweep();
-    return scene;
 }
 
 void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)

@@ -33,6 +33,8 @@ target_sources(vesk PRIVATE
     draw/gpu_buffer_gl.cpp
     draw/offscreen_gl.cpp
     draw/scene_detail_gl.cpp
+    draw/scene_dots_gl.cpp
+    draw/scene_gather_gl.cpp
     draw/selected_parts_gl.cpp
     draw/thumbnail_gl.cpp
 )
