@@ -7,10 +7,13 @@ namespace eval ::vesk::objects {
     variable tree ""
     variable strip ""           ;# the canvas with the two icons
     variable rows {}            ;# id -> {parent type name surfaces visible locked}
-    variable told 0             ;# number of the last answer of "object_rows"
-    variable waiting {}         ;# words of the rows that are still to be made
-    variable waiting_at 0       ;# the first word of these
-    variable fill_state {}      ;# {wanted first_time world top} of the rows that are being made
+    variable told 0             ;# number of the last answer of "object_rows_begin"
+    variable coming 0           ;# how many rows it has
+    variable taken 0            ;# how many of them were taken over
+    variable leaving {}         ;# rows that go before these are made
+    variable gone 0             ;# how many of these went
+    variable above {}           ;# id -> 1, of rows with others below them
+    variable fill_state {}      ;# {wanted first_time world top} while rows are made anew; else they change
     variable to_select {}       ;# id -> 1: rows that are selected as soon as they are made
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
@@ -143,28 +146,41 @@ proc ::vesk::objects::show_focus {on} {
 #   the rows that differ are touched.
 proc ::vesk::objects::refresh {} {
     variable told
-    take [vesk object_rows $told]
+    take [vesk object_rows_begin $told]
 }
 
 # take --
-#   Takes over an answer of "object_rows".
+#   Takes over an answer of "object_rows_begin".
 proc ::vesk::objects::take {answer} {
     variable told
-    variable waiting
+    variable coming
+    variable taken
     variable surfaces
-    if {[llength $waiting] > 0 && ![lindex $answer 1] && [llength $answer] > 5} {
+    if {[is_waiting] && ![lindex $answer 1] && [lindex $answer 5] > 0} {
         # Rows that are still to be made may have changed.
-        set answer [vesk object_rows 0]
+        set answer [vesk object_rows_begin 0]
     }
-    set told [lindex $answer 0]
-    show_count {*}[lrange $answer 2 4]
+    lassign $answer told anew objects hidden locked count
+    show_count $objects $hidden $locked
     set surfaces [lindex [vesk get_counts] 3]
-    if {[lindex $answer 1]} {
-        fill_rows [lrange $answer 5 end]
-    } else {
-        change_rows [lrange $answer 5 end]
+    if {$anew} {
+        fill_rows $count
+    } elseif {$count > 0} {
+        set coming $count
+        set taken 0
+        fit_numbers
+        take_rows
     }
     strip_later
+}
+
+# is_waiting --
+#   Whether rows are still to be made or changed.
+proc ::vesk::objects::is_waiting {} {
+    variable coming
+    variable taken
+    variable leaving
+    return [expr {$taken < $coming || [llength $leaving] > 0}]
 }
 
 # change_rows --
@@ -172,8 +188,6 @@ proc ::vesk::objects::take {answer} {
 proc ::vesk::objects::change_rows {changed} {
     variable rows
     variable tree
-    if {[llength $changed] == 0} {return}
-    fit_numbers
     foreach {id parent type name surfaces visible locked} $changed {
         lassign [dict get $rows $id] old_parent old_type old_name old_surfaces
         dict set rows $id [list $parent $type $name $surfaces $visible $locked]
@@ -204,28 +218,31 @@ proc ::vesk::objects::fit_numbers {} {
 # fill --
 #   Makes all rows anew.
 proc ::vesk::objects::fill {} {
-    take [vesk object_rows 0]
+    take [vesk object_rows_begin 0]
 }
 
 # fill_rows --
-#   Makes all rows anew; open objects stay open.
-#   words  seven for each row, as "object_rows" gives them
-proc ::vesk::objects::fill_rows {words} {
+#   Makes all rows anew, so many; open objects stay open.
+proc ::vesk::objects::fill_rows {count} {
     variable rows
     variable tree
     variable filter
     variable icons
     variable open
     variable filtered
-    variable waiting
-    variable waiting_at 0
+    variable coming
+    variable taken 0
+    variable leaving
+    variable gone
+    variable above
     variable fill_state
     variable marked {}
-    variable syncing 1
     if {!$filtered} note_open
     set top [lindex [$tree yview] 0]
-    $tree delete [$tree children {}]
+    set leaving [$tree children {}]
+    set gone 0
     set rows {}
+    set above {}
     set wanted [string tolower $filter]
     set filtered [expr {$wanted ne ""}]
     fit_numbers
@@ -235,53 +252,95 @@ proc ::vesk::objects::fill_rows {words} {
         $tree tag configure $type-active -image [::vesk::icons::get $icon active]
     }
     set fill_state [list $wanted [expr {[dict size $open] == 0}] [vesk get_world] $top]
-    set waiting $words
-    show_selection
-    fill_slice
+    set coming $count
+    note_selection
+    take_rows
 }
 
-# fill_slice --
-#   Makes the rows that are waiting, for as long as nobody notices.
-proc ::vesk::objects::fill_slice {} {
-    variable waiting
-    variable waiting_at
+# take_rows --
+#   Makes or changes the rows that are waiting, for as long as nobody notices.
+proc ::vesk::objects::take_rows {} {
+    variable told
+    variable coming
+    variable taken
+    variable leaving
+    variable gone
     variable fill_state
     variable at_once
     variable piece
     variable slice
-    variable tree
     variable syncing 1
-    after cancel ::vesk::objects::fill_slice
-    set all [llength $waiting]
-    set until [expr {$all > 7 * $at_once ? [clock milliseconds] + $slice : inf}]
-    while {$waiting_at < $all && [clock milliseconds] < $until} {
-        set next [expr {$waiting_at + 7 * $piece}]
-        insert_rows [lrange $waiting $waiting_at [expr {$next - 1}]] {*}$fill_state
-        set waiting_at $next
+    after cancel ::vesk::objects::take_rows
+    set all [expr {max($coming, [llength $leaving])}]
+    set until [expr {$all > $at_once ? [clock milliseconds] + $slice : inf}]
+    while {[is_waiting] && [clock milliseconds] < $until} {
+        if {[llength $leaving] > 0} {
+            drop_piece
+            continue
+        }
+        set words [vesk object_rows_part $told $taken $piece]
+        if {$words eq ""} {
+            # Somebody else has asked.
+            set coming $taken
+            after 1 ::vesk::objects::fill
+            break
+        }
+        incr taken $piece
+        if {[llength $fill_state] > 0} {
+            insert_rows $words {*}$fill_state
+        } else {
+            change_rows $words
+        }
     }
     # As in show_selection.
     after idle {set ::vesk::objects::syncing 0}
-    if {$waiting_at < $all} {
-        after 1 ::vesk::objects::fill_slice
+    if {[is_waiting]} {
+        after 1 ::vesk::objects::take_rows
         return
     }
-    set waiting {}
+    if {[llength $fill_state] > 0} filled
+    strip_later
+}
+
+# drop_piece --
+#   Takes some of the rows away that are made anew.
+proc ::vesk::objects::drop_piece {} {
+    variable tree
+    variable leaving
+    variable gone
+    variable piece
+    # One that was moved to another place may have gone with that.
+    $tree delete [lmap id [lrange $leaving $gone [expr {$gone + $piece - 1}]] {
+        if {![$tree exists $id]} continue
+        set id
+    }]
+    incr gone $piece
+    if {$gone >= [llength $leaving]} {set leaving {}}
+}
+
+# filled --
+#   Ends what fill_rows began.
+proc ::vesk::objects::filled {} {
+    variable fill_state
+    variable tree
     # Who has scrolled meanwhile stays there.
     if {[lindex [$tree yview] 0] == 0} {$tree yview moveto [lindex $fill_state 3]}
+    set fill_state {}
     show_empty
     show_selection
     see_selected
-    strip_later
 }
 
 proc ::vesk::objects::insert_rows {words wanted first_time world top} {
     variable rows
     variable tree
     variable open
+    variable above
     variable to_select
     set selected {}
     foreach {id parent type name surfaces visible locked} $words {
         dict set rows $id [list $parent $type $name $surfaces $visible $locked]
+        dict set above $parent 1
         if {$wanted ne ""} {
             if {[string first $wanted [string tolower $name]] < 0} {continue}
             set parent {}
@@ -305,13 +364,11 @@ proc ::vesk::objects::insert_rows {words wanted first_time world top} {
 #   Notes which of the rows with children are open.
 proc ::vesk::objects::note_open {} {
     variable tree
-    variable rows
     variable open
-    variable waiting
+    variable above
     # Rows that were never made are as they were noted.
-    if {[llength $waiting] == 0} {set open {}}
-    dict for {id row} $rows {set above([lindex $row 0]) 1}
-    foreach id [array names above] {
+    if {![is_waiting]} {set open {}}
+    foreach id [dict keys $above] {
         if {[$tree exists $id]} {dict set open $id [$tree item $id -open]}
     }
 }
@@ -354,26 +411,43 @@ proc ::vesk::objects::show_selection {} {
     variable asked
     variable shown_rows
     variable syncing
-    variable waiting
-    variable to_select
-    set now [vesk get_selected_objects]
-    if {$now ne $chosen} {set asked {}}
-    set chosen $now
-    set to_select {}
-    if {[llength $waiting] > 0} {
-        foreach id [concat $chosen $asked] {dict set to_select $id 1}
+    variable filtered
+    note_selection
+    if {[llength $asked] == 0 && !$filtered && ![is_waiting]} {
+        set shown_rows $chosen
+    } else {
+        set shown_rows [lsort -unique -integer [present [concat $chosen $asked]]]
     }
-    set shown_rows [lsort -unique -integer [present [concat $chosen $asked]]]
-    if {$shown_rows eq [lsort -integer [$tree selection]]} {
+    set marked [$tree selection]
+    if {[llength $marked] == [llength $shown_rows]
+            && [lsort -integer $marked] eq [lsort -integer $shown_rows]} {
         strip_later
         return
     }
     set syncing 1
-    $tree selection set $shown_rows
+    if {[catch {$tree selection set $shown_rows}]} {
+        # Some came since the rows were made.
+        set shown_rows [present $shown_rows]
+        $tree selection set $shown_rows
+    }
     see_selected
     strip_later
     # The virtual event arrives later; by then the two agree.
     after idle {set ::vesk::objects::syncing 0}
+}
+
+# note_selection --
+#   Asks what is selected; rows that are still to be made are selected then.
+proc ::vesk::objects::note_selection {} {
+    variable chosen
+    variable asked
+    variable to_select {}
+    set now [vesk get_selected_objects]
+    if {$now ne $chosen} {set asked {}}
+    set chosen $now
+    if {[is_waiting]} {
+        foreach id [concat $chosen $asked] {dict set to_select $id 1}
+    }
 }
 
 # see_selected --
@@ -444,8 +518,9 @@ proc ::vesk::objects::selected {} {
     variable asked
     variable syncing
     variable rows
+    variable leaving
     strip_later
-    if {$syncing} {return}
+    if {$syncing || [llength $leaving] > 0} {return}
     set wanted [$tree selection]
     # The user did not deselect the rows that the filter hides.
     if {[lsort $wanted] eq [lsort -unique [present [concat $chosen $asked]]]} {return}
