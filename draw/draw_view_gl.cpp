@@ -21,6 +21,7 @@ namespace {
 constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
 constexpr double slice_seconds = 0.025;
 constexpr double any_time = 1e9;
+constexpr double vertices_of_object = 24; // that cost as much as an object does beside its own
 constexpr float label_x = 8;
 constexpr float label_y = 17;
 
@@ -85,7 +86,8 @@ std::shared_ptr<scene_t> scene_of(view_state_t &state, draw_pace pace)
         is_distrusted(state) ? std::make_shared<scene_t>() : gather_scene(pace, seconds);
     if (scene == nullptr)
         return nullptr;
-    state.budget.expect(scene->num_vertices);
+    state.budget.expect(scene->num_vertices +
+                        vertices_of_object * static_cast<double>(scene->items.size()));
     state.budget.take_shares(detail_shares(*scene));
     return scene;
 }

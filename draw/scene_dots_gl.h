@@ -21,9 +21,8 @@ void draw_thinned(picture_t &picture, Draw &&draw)
     }
     draw_dots(picture.scene);
     scene_t largest = largest_items(picture.scene, picture.layers.share);
-    picture_t rest = {picture.view,   picture.width,  picture.height,
-                      picture.scale,  largest,        picture.layers,
-                      picture.budget, picture.costs,  picture.started};
+    picture_t rest = {picture.view,   picture.width,  picture.height, picture.scale,  largest,
+                      picture.layers, picture.budget, picture.costs,  picture.started};
     draw(rest);
     picture.started = rest.started;
 }

@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr double longest_wait = 0.5; // for a scene that changes again and again
 constexpr std::uint32_t vertices_per_dot = 16;
 constexpr int objects_between_looks = 64; // at the clock
 
@@ -25,7 +24,7 @@ struct gather_t {
     std::vector<std::uint32_t> num_dots;
     std::vector<object_t *> stack; // whose turn comes; empty: the scene is whole
     draw_pace pace = draw_pace::at_once;
-    double waits_since = 0; // 0: not
+    int beginnings = 0; // since there was a whole scene
     // What it shows.
     std::uint64_t changes = 0;
     unsigned layouts = 0;
@@ -96,9 +95,9 @@ void add_object(gather_t &gather, object_t *object)
     if (!item.hidden) // or what is shown again would be thought to cost nothing
         scene.num_vertices += object->num_vertices;
     scene.items.push_back(item);
-    scene.spheres.push_back({point_scale(point_add(buffers.min, buffers.max), 0.5f),
-                             static_cast<float>(
-                                 0.5 * point_length(point_sub(buffers.max, buffers.min)))});
+    scene.spheres.push_back(
+        {point_scale(point_add(buffers.min, buffers.max), 0.5f),
+         static_cast<float>(0.5 * point_length(point_sub(buffers.max, buffers.min)))});
     scene.complete = scene.complete && buffers.job == nullptr;
     bounds_add(buffers.min, &scene.min, &scene.max);
     bounds_add(buffers.max, &scene.min, &scene.max);
@@ -186,18 +185,19 @@ void take_parts(gather_t &gather)
 std::shared_ptr<scene_t> gather_scene(draw_pace pace, double seconds)
 {
     gather_t &gather = gathered;
-    const double now = ui_port().now_seconds();
-    if (!is_current(gather, pace))
+    if (!is_current(gather, pace)) {
         begin(gather, pace);
+        ++gather.beginnings;
+    }
     if (!gather.stack.empty()) {
-        const bool waits = gather.waits_since > 0 && now - gather.waits_since > longest_wait;
-        if (!go_on(gather, now + (waits ? no_limit : seconds))) {
-            gather.waits_since = gather.waits_since > 0 ? gather.waits_since : now;
+        // Twice the time at each new beginning: what changes again and again is shown, too.
+        constexpr int most_doublings = 10;
+        const double time = seconds * (1 << std::min(gather.beginnings - 1, most_doublings));
+        if (!go_on(gather, ui_port().now_seconds() + time))
             return nullptr;
-        }
         buffers_sweep();
     }
-    gather.waits_since = 0;
+    gather.beginnings = 0;
     buffers_take_some_coarse();
     take_parts(gather);
     return gather.scene;

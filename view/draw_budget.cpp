@@ -141,8 +141,9 @@ layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
         }
     }
     // A view that is a little slow is better than dots.
+    constexpr double too_slow = 0.06;
     constexpr double share_of_time = 0.6; // the rest is for the dots
-    if (choice.expected > slow_picture)
+    if (choice.expected > too_slow)
         choice.share = share_of_time * frame_budget / choice.expected;
     return choice;
 }

@@ -12,7 +12,7 @@
 enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
 
 constexpr double frame_budget = 0.033; // seconds
-constexpr double slow_picture = 0.06;  // above it events come before the full picture
+constexpr double slow_picture = 0.04;  // above it events come before the full picture
 constexpr double settle_after = 0.15;  // of the last motion
 
 struct layer_choice_t {

@@ -12,6 +12,7 @@ namespace eval ::vesk::objects {
     variable taken 0            ;# how many of them were taken over
     variable leaving {}         ;# rows that go before these are made
     variable gone 0             ;# how many of these went
+    variable made 0             ;# how many rows were made
     variable above {}           ;# id -> 1, of rows with others below them
     variable fill_state {}      ;# {wanted first_time world top} while rows are made anew; else they change
     variable to_select {}       ;# id -> 1: rows that are selected as soon as they are made
@@ -243,6 +244,7 @@ proc ::vesk::objects::fill_rows {count} {
     set gone 0
     set rows {}
     set above {}
+    variable made 0
     set wanted [string tolower $filter]
     set filtered [expr {$wanted ne ""}]
     fit_numbers
@@ -323,10 +325,20 @@ proc ::vesk::objects::drop_piece {} {
 proc ::vesk::objects::filled {} {
     variable fill_state
     variable tree
+    variable taken
+    variable at_once
     # Who has scrolled meanwhile stays there.
     if {[lindex [$tree yview] 0] == 0} {$tree yview moveto [lindex $fill_state 3]}
     set fill_state {}
     show_empty
+    if {$taken > $at_once} {
+        after 1 ::vesk::objects::show_filled
+    } else {
+        show_filled
+    }
+}
+
+proc ::vesk::objects::show_filled {} {
     show_selection
     see_selected
 }
@@ -336,6 +348,7 @@ proc ::vesk::objects::insert_rows {words wanted first_time world top} {
     variable tree
     variable open
     variable above
+    variable made
     variable to_select
     set selected {}
     foreach {id parent type name surfaces visible locked} $words {
@@ -355,6 +368,7 @@ proc ::vesk::objects::insert_rows {words wanted first_time world top} {
         if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
         $tree insert $parent end -id $id -text $text -tags [list $type] -open $opened \
             -values [list $surfaces]
+        incr made
         if {[dict exists $to_select $id]} {lappend selected $id}
     }
     if {[llength $selected] > 0} {$tree selection add $selected}
@@ -379,7 +393,8 @@ proc ::vesk::objects::show_empty {} {
     variable path
     variable tree
     variable filter
-    if {[llength [$tree children {}]] > 0} {
+    variable made
+    if {$made > 0} {
         place forget $path.empty
         return
     }
