@@ -6,7 +6,7 @@ namespace {
 
 int detail_of(const object_buffers_t &buffers, int level)
 {
-    if (buffers.num_indices == 0 && buffers.job != nullptr)
+    if (buffers.num_indices == 0 && buffers.waits())
         return cloud_detail;
     if (buffers.coarse.mesh != nullptr)
         return std::min(level, num_detail_levels - 1);

@@ -24,7 +24,8 @@ struct gather_t {
     std::vector<std::uint32_t> num_dots;
     std::vector<object_t *> stack; // whose turn comes; empty: the scene is whole
     draw_pace pace = draw_pace::at_once;
-    int beginnings = 0; // since there was a whole scene
+    bool uploads = false; // all was looked at, but not all is handed over
+    int beginnings = 0;   // since there was a whole scene
     // What it shows.
     std::uint64_t changes = 0;
     unsigned layouts = 0;
@@ -34,7 +35,7 @@ gather_t gathered;
 
 bool may_have_details(const object_buffers_t &buffers)
 {
-    return buffers.job != nullptr || buffers.coarse.mesh != nullptr ||
+    return buffers.waits() || buffers.coarse.mesh != nullptr ||
            buffers.num_indices / 3 >= least_coarse_triangles;
 }
 
@@ -98,7 +99,7 @@ void add_object(gather_t &gather, object_t *object)
     scene.spheres.push_back(
         {point_scale(point_add(buffers.min, buffers.max), 0.5f),
          static_cast<float>(0.5 * point_length(point_sub(buffers.max, buffers.min)))});
-    scene.complete = scene.complete && buffers.job == nullptr;
+    scene.complete = scene.complete && !buffers.waits();
     bounds_add(buffers.min, &scene.min, &scene.max);
     bounds_add(buffers.max, &scene.min, &scene.max);
     add_dots(gather, item);
@@ -133,6 +134,7 @@ void begin(gather_t &gather, draw_pace pace)
     gather.num_dots.clear();
     gather.stack.assign(1, vesk_get_world());
     gather.pace = pace;
+    gather.uploads = false;
     gather.marks = ~0u;
 }
 
@@ -141,7 +143,7 @@ bool is_current(const gather_t &gather, draw_pace pace)
 {
     if (gather.scene == nullptr || gather.changes != model_change_count())
         return false;
-    if (!gather.stack.empty())
+    if (!gather.stack.empty() || gather.uploads)
         return gather.pace == pace;
     return gather.layouts == buffers_generation() && gather.scene->complete &&
            !boolean_live_runs() && (gather.pace != draw_pace::moving || pace == draw_pace::moving);
@@ -180,6 +182,19 @@ void take_parts(gather_t &gather)
     }
 }
 
+// True: all of what the scene shows is handed over.
+bool hand_over(gather_t &gather, double deadline)
+{
+    while (!buffers_upload_some())
+        if (ui_port().now_seconds() > deadline)
+            return false;
+    gather.uploads = false;
+    if (gather.layouts == buffers_generation())
+        return true;
+    begin(gather, gather.pace); // objects have got their layouts
+    return false;
+}
+
 } // namespace
 
 std::shared_ptr<scene_t> gather_scene(draw_pace pace, double seconds)
@@ -196,7 +211,10 @@ std::shared_ptr<scene_t> gather_scene(draw_pace pace, double seconds)
         if (!go_on(gather, ui_port().now_seconds() + time))
             return nullptr;
         buffers_sweep();
+        gather.uploads = pace == draw_pace::at_rest;
     }
+    if (gather.uploads && !hand_over(gather, ui_port().now_seconds() + seconds))
+        return nullptr;
     gather.beginnings = 0;
     buffers_take_some_coarse();
     take_parts(gather);

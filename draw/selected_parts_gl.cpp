@@ -106,7 +106,7 @@ std::vector<std::uint32_t> sample_of(std::span<const std::uint32_t> slots, GLenu
 bool has_selected_part(const scene_item_t &item)
 {
     return item.part != nullptr && !item.hidden && item.buffers->page != nullptr &&
-           !item.part->whole;
+           !item.part->whole && item.buffers->layout.num_vertices > 0; // no cloud
 }
 
 void draw_selected_parts(const scene_t &scene, GLenum mode,

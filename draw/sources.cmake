@@ -11,6 +11,7 @@ target_sources(vesk_core PRIVATE
     draw/selection_marks.cpp
 )
 target_sources(vesk PRIVATE
+    draw/buffer_uploads_gl.cpp
     draw/cluster_view_gl.cpp
     draw/coarse_lists_gl.cpp
     draw/crowding_gl.cpp
