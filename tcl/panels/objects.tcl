@@ -240,7 +240,7 @@ proc ::vesk::objects::fill_rows {count} {
     variable marked {}
     if {!$filtered} note_open
     set top [lindex [$tree yview] 0]
-    set leaving [$tree children {}]
+    set leaving [leaves_first]
     set gone 0
     set rows {}
     set above {}
@@ -302,6 +302,18 @@ proc ::vesk::objects::take_rows {} {
     }
     if {[llength $fill_state] > 0} filled
     strip_later
+}
+
+# leaves_first --
+#   All rows that have others below them after these: one that goes takes few along.
+proc ::vesk::objects::leaves_first {} {
+    variable tree
+    variable above
+    set all {}
+    foreach id [lreverse [dict keys $above]] {
+        if {[$tree exists $id]} {lappend all {*}[$tree children $id]}
+    }
+    return [concat $all [$tree children {}]]
 }
 
 # drop_piece --
