@@ -11,7 +11,7 @@ namespace eval ::vesk::ops {
         shell}
     variable due {}             ;# scripts that the next refresh runs whatever changed
     variable waiting {}         ;# scripts of a refresh that are still to be run
-    variable slice 40           ;# milliseconds of them between two events
+    variable slice 20           ;# milliseconds of them between two events
 }
 
 # run --

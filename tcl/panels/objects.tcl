@@ -242,7 +242,7 @@ proc ::vesk::objects::fill_rows {count} {
     set top [lindex [$tree yview] 0]
     set leaving [leaves_first]
     set gone 0
-    set rows {}
+    if {[llength $leaving] == 0} {set rows {}}
     set above {}
     variable made 0
     set wanted [string tolower $filter]
@@ -320,16 +320,17 @@ proc ::vesk::objects::leaves_first {} {
 #   Takes some of the rows away that are made anew.
 proc ::vesk::objects::drop_piece {} {
     variable tree
+    variable rows
     variable leaving
     variable gone
     variable piece
-    # One that was moved to another place may have gone with that.
-    $tree delete [lmap id [lrange $leaving $gone [expr {$gone + $piece - 1}]] {
-        if {![$tree exists $id]} continue
-        set id
-    }]
+    set ids [lrange $leaving $gone [expr {$gone + $piece - 1}]]
+    foreach id $ids {dict unset rows $id}
+    $tree delete [present $ids]
     incr gone $piece
-    if {$gone >= [llength $leaving]} {set leaving {}}
+    if {$gone < [llength $leaving]} {return}
+    set leaving {}
+    set rows {} ;# those that the filter hid
 }
 
 # filled --
@@ -464,15 +465,16 @@ proc ::vesk::objects::show_selection {} {
 }
 
 # note_selection --
-#   Asks what is selected; rows that are still to be made are selected then.
+#   Asks what is selected; rows that are still to be made are selected then, many of them at the end.
 proc ::vesk::objects::note_selection {} {
     variable chosen
     variable asked
+    variable at_once
     variable to_select {}
     set now [vesk get_selected_objects]
     if {$now ne $chosen} {set asked {}}
     set chosen $now
-    if {[is_waiting]} {
+    if {[is_waiting] && [llength $chosen] <= $at_once} {
         foreach id [concat $chosen $asked] {dict set to_select $id 1}
     }
 }
