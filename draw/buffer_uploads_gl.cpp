@@ -39,9 +39,8 @@ void write_texture_coords(const object_buffers_t &buffers, const slot_run_t &run
 {
     std::vector<float> data(2 * run.count);
     layout_texture_coords(buffers.layout, *buffers.flat, run, data.data());
-    buffers.page->texture_coords.write(GL_ARRAY_BUFFER,
-                                       (buffers.first_slot + run.first) * uv_bytes, data.data(),
-                                       data.size() * sizeof(float));
+    buffers.page->texture_coords.write(GL_ARRAY_BUFFER, (buffers.first_slot + run.first) * uv_bytes,
+                                       data.data(), data.size() * sizeof(float));
 }
 
 // From `first` on in the page; the list is given up after its last piece.
