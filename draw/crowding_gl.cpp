@@ -1,6 +1,7 @@
 #include "draw/crowding_gl.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -23,6 +24,8 @@ crowding_t::crowding_t()
                 sum += projection[k * 4 + row] * model[column * 4 + k];
             matrix_[column * 4 + row] = sum;
         }
+    for (int row = 0; row < 4; ++row)
+        lengths_[row] = std::hypot(matrix_[row], matrix_[4 + row], matrix_[8 + row]);
     width_ = viewport[2] / 2.0;
     height_ = viewport[3] / 2.0;
 }
@@ -46,6 +49,21 @@ bool crowding_t::is_crowded(const object_buffers_t &b) const
     }
     const double area = (high[0] - low[0] + 1) * (high[1] - low[1] + 1);
     return area < closest * closest * b.layout.num_vertices;
+}
+
+double crowding_t::radius_of(const item_sphere_t &sphere) const
+{
+    constexpr double everything = 1e9;
+    const double p[3] = {sphere.centre.x, sphere.centre.y, sphere.centre.z};
+    const double r = sphere.radius;
+    const double w = at(p, 3);
+    const double room = w + lengths_[3] * r;
+    if (room <= 0)
+        return 0;
+    for (int axis = 0; axis < 2; ++axis)
+        if (std::fabs(at(p, axis)) > room + lengths_[axis] * r)
+            return 0;
+    return w > lengths_[3] * r ? lengths_[1] * r * height_ / w : everything;
 }
 
 double crowding_t::at(const double p[3], int row) const

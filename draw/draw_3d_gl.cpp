@@ -3,6 +3,7 @@
 #include "base/prefs.h"
 #include "draw/draw_grid_gl.h"
 #include "draw/draw_overlay_gl.h"
+#include "draw/scene_dots_gl.h"
 #include "edit/document/selection_internal.h"
 #include "model/bounds.h"
 #include "model/each.h"
@@ -179,6 +180,31 @@ void draw_model_edges(const picture_t &picture, bool filled)
     draw_selection_edges(picture);
 }
 
+void draw_3d_layers(picture_t &picture)
+{
+    const bool filled = prefs.view3dmode == 0 && picture.layers.fill;
+    if (filled)
+        draw_surfaces(picture);
+    else
+        draw_wireframe(picture);
+    if (slice_draws(few_elements))
+        draw_axes();
+    finish_layer(picture, draw_layer::fill);
+    if (picture.layers.edges)
+        draw_model_edges(picture, filled);
+    finish_layer(picture, draw_layer::edges);
+    if (picture.layers.vertices)
+        draw_vertices(picture.scene,
+                      {view_shows_vertices(VIEW_XYZ), prefs.show_selected_vertices_3d != 0,
+                       select_mode() == SELECT_VERTEX,
+                       static_cast<float>(prefs.vert_size * picture.scale),
+                       prefs.draw_moving_vertices != 0});
+    if (prefs.show_3d_normals != 0 && slice_draws(slice_step_elements))
+        draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
+                     colour_of(normal_colour));
+    finish_layer(picture, draw_layer::vertices);
+}
+
 } // namespace
 
 int draw_set_lights()
@@ -220,27 +246,7 @@ void draw_3d_view(picture_t &picture)
             draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
         return;
     }
-    const bool filled = prefs.view3dmode == 0 && picture.layers.fill;
-    if (filled)
-        draw_surfaces(picture);
-    else
-        draw_wireframe(picture);
-    if (slice_draws(few_elements))
-        draw_axes();
-    finish_layer(picture, draw_layer::fill);
-    if (picture.layers.edges)
-        draw_model_edges(picture, filled);
-    finish_layer(picture, draw_layer::edges);
-    if (picture.layers.vertices)
-        draw_vertices(picture.scene,
-                      {view_shows_vertices(VIEW_XYZ), prefs.show_selected_vertices_3d != 0,
-                       select_mode() == SELECT_VERTEX,
-                       static_cast<float>(prefs.vert_size * picture.scale),
-                       prefs.draw_moving_vertices != 0});
-    if (prefs.show_3d_normals != 0 && slice_draws(slice_step_elements))
-        draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
-                     colour_of(normal_colour));
-    finish_layer(picture, draw_layer::vertices);
+    draw_thinned(picture, draw_3d_layers);
 }
 
 void draw_3d_overlay(const picture_t &picture)

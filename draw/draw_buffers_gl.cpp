@@ -2,8 +2,8 @@
 
 #include "base/messages.h"
 #include "base/prefs.h"
+#include "draw/buffer_uploads_gl.h"
 #include "draw/draw_slices.h"
-#include "draw/gpu_buffer_gl.h"
 #include "model/bounds.h"
 #include "model/textures/textures.h"
 
@@ -22,34 +22,14 @@ constexpr std::uint32_t page_slots = 65536;
 constexpr std::uint32_t page_indices = 6 * page_slots;
 constexpr std::uint32_t most_sorted_triangles = 20000;
 
-constexpr std::size_t all_bytes = SIZE_MAX;
-constexpr std::size_t bytes_between_slices = 4 << 20; // some milliseconds, also in a motion
-
-constexpr size_t position_bytes = 3 * sizeof(float);
-constexpr size_t normal_bytes = 4 * sizeof(std::int16_t);
-constexpr size_t uv_bytes = 2 * sizeof(float);
-constexpr size_t index_bytes = sizeof(std::uint32_t);
-
-} // namespace
-
-struct buffer_page_t {
-    gpu_buffer positions, normals, texture_coords, triangles, edges;
-    std::uint32_t slots = 0, used_slots = 0;
-    std::uint32_t indices = 0, used_indices = 0;
-    std::uint32_t edge_indices = 0, used_edge_indices = 0;
-    int live = 0; // objects in it
-    bool shared = false;
-    bool textured = false;
-};
-
-namespace {
-
 struct store_t {
     std::unordered_map<const object_t *, object_buffers_t> objects;
     std::vector<std::unique_ptr<buffer_page_t>> pages;
-    std::unordered_set<const object_t *> with_jobs; // for coarse versions, lately
+    std::unordered_set<const object_t *> with_jobs;    // for coarse versions, lately
+    std::unordered_set<const object_t *> with_uploads; // lately
     std::uint64_t sweep = 1;
-    unsigned generation = 0; // of layouts
+    std::size_t num_used = 0; // objects drawn since the last sweep
+    unsigned generation = 0;  // of layouts
 };
 
 store_t &store()
@@ -113,41 +93,6 @@ buffer_page_t *page_with_room(std::uint32_t slots, std::uint32_t indices,
     return new_page(page_slots, page_indices, page_indices, true, textured);
 }
 
-void upload_positions(const object_buffers_t &buffers, const slot_run_t &run)
-{
-    std::vector<float> data(3 * run.count);
-    layout_positions(buffers.layout, *buffers.flat, run, data.data());
-    buffers.page->positions.write(GL_ARRAY_BUFFER,
-                                  (buffers.first_slot + run.first) * position_bytes, data.data(),
-                                  data.size() * sizeof(float));
-}
-
-void upload_normals(const object_buffers_t &buffers, const slot_run_t &run)
-{
-    std::vector<std::int16_t> data(4 * run.count);
-    layout_normals(buffers.layout, *buffers.flat, run, data.data());
-    buffers.page->normals.write(GL_ARRAY_BUFFER, (buffers.first_slot + run.first) * normal_bytes,
-                                data.data(), data.size() * sizeof(std::int16_t));
-}
-
-void upload_texture_coords(const object_buffers_t &buffers)
-{
-    std::vector<float> data(2 * buffers.num_slots);
-    layout_texture_coords(buffers.layout, *buffers.flat, data.data());
-    buffers.page->texture_coords.write(GL_ARRAY_BUFFER, buffers.first_slot * uv_bytes, data.data(),
-                                       data.size() * sizeof(float));
-}
-
-void upload_indices(gpu_buffer &buffer, std::uint32_t first, std::vector<std::uint32_t> &indices,
-                    std::uint32_t first_slot)
-{
-    for (std::uint32_t &index : indices)
-        index += first_slot;
-    buffer.write(GL_ELEMENT_ARRAY_BUFFER, first * index_bytes, indices.data(),
-                 indices.size() * index_bytes);
-    std::vector<std::uint32_t>().swap(indices);
-}
-
 void find_bounds(object_buffers_t &buffers)
 {
     bounds_clear(&buffers.min, &buffers.max);
@@ -195,22 +140,22 @@ void take_room(object_buffers_t &buffers, std::uint32_t num_edges)
     page->used_edge_indices += buffers.num_edge_indices;
 }
 
-// With a layout of the mesh, or of one of the same shape.
-void build_with(object_buffers_t &buffers, const flat_ptr &flat, mesh_layout_t made)
+// With a layout of the mesh; what the page gets is still to be written.
+void lay_out(object_buffers_t &buffers, const flat_ptr &flat, mesh_layout_t made)
 {
     leave_page(buffers);
     coarse_drop(buffers.coarse);
-    drop_job(buffers);
     ++store().generation;
     buffers.unchecked.clear();
     buffers.moved.clear();
     buffers.moved_runs.clear();
+    buffers.uploads.clear();
     buffers.flat = flat;
     find_bounds(buffers);
     if (flat->num_vertices() == 0)
         return;
     buffers.layout = std::move(made);
-    mesh_layout_t &layout = buffers.layout;
+    const mesh_layout_t &layout = buffers.layout;
     buffers.num_slots = static_cast<std::uint32_t>(layout.num_slots());
     buffers.num_indices = static_cast<std::uint32_t>(layout.triangles.size());
     buffers.triangles.clear();
@@ -219,32 +164,44 @@ void build_with(object_buffers_t &buffers, const flat_ptr &flat, mesh_layout_t m
     const auto num_edges = static_cast<std::uint32_t>(layout.edges.size());
     buffers.num_edge_indices = num_edges + static_cast<std::uint32_t>(layout.lines.size());
     take_room(buffers, num_edges);
-    upload_positions(buffers, {0, buffers.num_slots});
-    upload_normals(buffers, {0, buffers.num_slots});
-    if (buffers.textured)
-        upload_texture_coords(buffers);
-    buffer_page_t *page = buffers.page;
-    upload_indices(page->triangles, buffers.first_triangle_index, layout.triangles,
-                   buffers.first_slot);
-    upload_indices(page->edges, buffers.edges.first, layout.edges, buffers.first_slot);
-    upload_indices(page->edges, buffers.first_line_index, layout.lines, buffers.first_slot);
+    uploads_add_layout(buffers);
+}
+
+void drop_next(object_buffers_t &buffers)
+{
+    if (buffers.next != nullptr)
+        leave_page(*buffers.next);
+    buffers.next = nullptr;
 }
 
 void build(object_buffers_t &buffers, const flat_ptr &flat)
 {
-    build_with(buffers, flat, layout_mesh(*flat, layout_options(buffers)));
+    drop_job(buffers);
+    drop_next(buffers);
+    lay_out(buffers, flat, layout_mesh(*flat, layout_options(buffers)));
+    uploads_write(buffers, all_bytes);
 }
 
-// The first picture of a large mesh: its points alone, the layout follows.
+// The first picture of a large mesh: some of its points, the layout follows.
 void build_cloud(object_buffers_t &buffers, const flat_ptr &flat)
 {
+    drop_job(buffers);
+    drop_next(buffers);
+    const std::int32_t stride = flat->num_vertices() / static_cast<int>(cloud_points) + 1;
     mesh_layout_t points;
-    points.num_vertices = static_cast<std::uint32_t>(flat->num_vertices());
-    points.slot_face.assign(points.num_vertices, -1);
+    for (std::int32_t v = 0; v < flat->num_vertices(); v += stride)
+        points.extra_vertices.push_back(v);
+    points.slot_face.assign(points.extra_vertices.size(), -1);
     if (buffers.textured)
-        points.corner_of_slot.assign(points.num_vertices, -1);
-    build_with(buffers, flat, std::move(points));
+        points.corner_of_slot.assign(points.extra_vertices.size(), -1);
+    lay_out(buffers, flat, std::move(points));
+    uploads_write(buffers, all_bytes);
     start_job(buffers);
+}
+
+bool is_cloud(const object_buffers_t &buffers)
+{
+    return buffers.layout.num_vertices == 0 && buffers.num_slots > 0;
 }
 
 // Takes a layout that a worker has made; waits for it when it is needed at once.
@@ -256,7 +213,7 @@ void take_layout(object_buffers_t &buffers, draw_pace pace)
     if (failed)
         console_printf("a worker failed at the layout of a large object; it is made again here\n");
     if (failed || (pace == draw_pace::at_once && !buffers.job->ended)) {
-        drop_job(buffers); // or a fault here, too, would come back with every picture
+        // The job goes first: or a fault here, too, would come back with every picture.
         build(buffers, buffers.flat);
         return;
     }
@@ -264,11 +221,14 @@ void take_layout(object_buffers_t &buffers, draw_pace pace)
     if (!buffers.job->ended || waits)
         return;
     const auto job = buffers.job;
-    if (job->fits)
-        drop_job(buffers);
-    else
-        build_with(buffers, buffers.flat, std::move(job->result));
-    buffers.unchecked = changed_positions(*job->flat, *buffers.flat);
+    drop_job(buffers);
+    if (job->fits) {
+        buffers.unchecked = changed_positions(*job->flat, *buffers.flat);
+        return;
+    }
+    buffers.next = std::make_shared<object_buffers_t>();
+    buffers.next->textured = buffers.textured;
+    lay_out(*buffers.next, job->flat, std::move(job->result));
 }
 
 // Sees to it that the layout fits what has moved. False: it was built anew.
@@ -277,7 +237,7 @@ bool check_layout(object_buffers_t &buffers, const changed_t &moved, draw_pace p
     changed_t &unchecked = buffers.unchecked;
     add_changed(unchecked, moved);
     const bool large = buffers.num_slots > small_object;
-    if (unchecked.empty() || buffers.job != nullptr || (large && pace == draw_pace::moving))
+    if (unchecked.empty() || buffers.waits() || (large && pace == draw_pace::moving))
         return true;
     if (pace == draw_pace::at_rest && buffers.flat->num_vertices() >= least_layout_job) {
         start_job(buffers);
@@ -291,16 +251,15 @@ bool check_layout(object_buffers_t &buffers, const changed_t &moved, draw_pace p
     return false;
 }
 
+bool have_same_shape(const flat_mesh &a, const flat_mesh &b)
+{
+    return a.surfaces == b.surfaces && a.corner_offsets == b.corner_offsets &&
+           a.corners == b.corners;
+}
+
 void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat, draw_pace pace)
 {
     const flat_ptr old = std::exchange(buffers.flat, flat);
-    const bool same_shape = old->surfaces == flat->surfaces &&
-                            old->corner_offsets == flat->corner_offsets &&
-                            old->corners == flat->corners;
-    if (!same_shape) {
-        build(buffers, flat);
-        return;
-    }
     const changed_t moved = changed_positions(*old, *flat);
     if (!check_layout(buffers, moved, pace) || buffers.page == nullptr)
         return;
@@ -313,15 +272,67 @@ void bring_up_to_date(object_buffers_t &buffers, const flat_ptr &flat, draw_pace
         buffers.moved_runs = moved_slots(buffers.layout, moved);
         buffers.moved = moved;
     }
-    for (const slot_run_t &run : buffers.moved_runs)
-        upload_positions(buffers, run);
-    for (const slot_run_t &run :
-         turned_slots(buffers.layout, changed_points(*old->normals, *flat->normals),
-                      changed_points(*old->face_normals, *flat->face_normals)))
-        upload_normals(buffers, run);
+    uploads_add(buffers, upload_kind::positions, buffers.moved_runs);
+    uploads_add(buffers, upload_kind::normals,
+                turned_slots(buffers.layout, changed_points(*old->normals, *flat->normals),
+                             changed_points(*old->face_normals, *flat->face_normals)));
     if (buffers.textured && old->texture_coords != flat->texture_coords)
-        upload_texture_coords(buffers);
+        uploads_add(buffers, upload_kind::texture_coords, {{0, buffers.num_slots}});
     coarse_note_moved(buffers.coarse, moved);
+}
+
+// The page with the layout that the worker made is whole; the mesh may have moved meanwhile.
+void take_next(object_buffers_t &buffers, draw_pace pace)
+{
+    const std::shared_ptr<object_buffers_t> next = std::exchange(buffers.next, nullptr);
+    const flat_ptr now = buffers.flat;
+    leave_page(buffers);
+    coarse_drop(buffers.coarse);
+    ++store().generation;
+    next->used_in = buffers.used_in;
+    buffers = std::move(*next);
+    if (buffers.flat != now)
+        bring_up_to_date(buffers, now, pace);
+}
+
+bool has_uploads(const object_buffers_t &buffers)
+{
+    return !buffers.uploads.empty() || buffers.next != nullptr;
+}
+
+// True: nothing is due any more.
+bool upload_some(object_buffers_t &buffers, draw_pace pace, std::size_t most_bytes)
+{
+    if (buffers.next != nullptr) {
+        if (!uploads_write(*buffers.next, most_bytes))
+            return false;
+        take_next(buffers, pace);
+    }
+    return uploads_write(buffers, most_bytes);
+}
+
+// What was there before is drawn until another layout is whole, but nothing half written: a picture at
+// rest waits for that.
+void see_to_uploads(const object_t *object, object_buffers_t &buffers, draw_pace pace)
+{
+    if (!has_uploads(buffers))
+        return;
+    if (pace == draw_pace::at_rest && (buffers.num_slots > small_object || buffers.next)) {
+        store().with_uploads.insert(object);
+        return;
+    }
+    uploads_write(buffers, all_bytes);
+    upload_some(buffers, pace, pace == draw_pace::at_once ? all_bytes : bytes_between_slices);
+    uploads_write(buffers, all_bytes);
+}
+
+// The mesh has another shape.
+void build_anew(object_buffers_t &buffers, const flat_ptr &flat, bool later)
+{
+    if (later)
+        build_cloud(buffers, flat);
+    else
+        build(buffers, flat);
 }
 
 // Of an object with a page of its own, where slots have the same numbers.
@@ -393,14 +404,17 @@ void draw_indexed(GLenum mode, const draw_ranges_t &ranges, const gpu_buffer &bu
 const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, draw_pace pace)
 {
     object_buffers_t &buffers = store().objects[object];
-    buffers.used_in = store().sweep;
+    if (buffers.used_in != store().sweep) {
+        buffers.used_in = store().sweep;
+        ++store().num_used;
+    }
     const bool textured = object_picture(object) != nullptr;
     const bool was_textured = std::exchange(buffers.textured, textured);
     const bool later = pace != draw_pace::at_once && flat->num_vertices() >= least_layout_job;
-    if (buffers.flat == nullptr && later)
-        build_cloud(buffers, flat);
-    else if (buffers.flat == nullptr || textured != was_textured)
-        build(buffers, flat);
+    if (buffers.flat == nullptr || textured != was_textured)
+        build_anew(buffers, flat, later);
+    else if (buffers.flat != flat && (is_cloud(buffers) || !have_same_shape(*buffers.flat, *flat)))
+        build_anew(buffers, flat, later);
     else if (buffers.flat != flat)
         bring_up_to_date(buffers, flat, pace);
     else if (pace != draw_pace::moving && !buffers.unchecked.empty()) {
@@ -408,25 +422,36 @@ const object_buffers_t &object_buffers(object_t *object, const flat_ptr &flat, d
         check_layout(buffers, {}, pace);
     }
     take_layout(buffers, pace);
-    const bool can_wait = pace == draw_pace::moving && buffers.coarse.mesh != nullptr;
-    coarse_take(buffers.coarse, *flat->positions, can_wait ? bytes_between_slices : all_bytes);
+    see_to_uploads(object, buffers, pace);
     return buffers;
 }
 
 unsigned buffers_generation() { return store().generation; }
 
-void buffers_ask_for_coarse()
+bool buffers_upload_some()
 {
-    for (auto &[object, buffers] : store().objects) {
-        coarse_lists_t &coarse = buffers.coarse;
-        if (buffers.page != nullptr && buffers.job == nullptr && !buffers.page->shared &&
-            coarse.job == nullptr && !coarse.given_up &&
-            (coarse.mesh == nullptr || coarse.outdated) &&
-            buffers.num_indices / 3 >= least_coarse_triangles) {
-            coarse.job = coarse_job_start(coarse_source(buffers));
-            store().with_jobs.insert(object);
-        }
-    }
+    store_t &state = store();
+    std::erase_if(state.with_uploads, [&](const object_t *object) {
+        const auto found = state.objects.find(object);
+        return found == state.objects.end() ||
+               upload_some(found->second, draw_pace::at_rest, bytes_between_slices);
+    });
+    return state.with_uploads.empty();
+}
+
+void buffers_ask_for_coarse(const object_t *object)
+{
+    const auto found = store().objects.find(object);
+    if (found == store().objects.end())
+        return;
+    object_buffers_t &buffers = found->second;
+    coarse_lists_t &coarse = buffers.coarse;
+    if (buffers.page == nullptr || buffers.waits() || buffers.page->shared ||
+        coarse.job != nullptr || coarse.given_up || (coarse.mesh != nullptr && !coarse.outdated) ||
+        buffers.num_indices / 3 < least_coarse_triangles)
+        return;
+    coarse.job = coarse_job_start(coarse_source(buffers));
+    store().with_jobs.insert(object);
 }
 
 void buffers_take_some_coarse()
@@ -447,13 +472,15 @@ void buffers_take_some_coarse()
 void buffers_sweep()
 {
     store_t &state = store();
-    for (auto entry = state.objects.begin(); entry != state.objects.end();) {
+    const bool all_used = std::exchange(state.num_used, 0) == state.objects.size();
+    for (auto entry = state.objects.begin(); !all_used && entry != state.objects.end();) {
         if (entry->second.used_in == state.sweep) {
             ++entry;
             continue;
         }
         leave_page(entry->second);
         drop_job(entry->second);
+        drop_next(entry->second);
         coarse_drop(entry->second.coarse);
         entry = state.objects.erase(entry);
     }
@@ -512,8 +539,10 @@ void page_draw_points(const draw_ranges_t &slots)
 
 void page_draw_cloud(const object_buffers_t &buffers, bool with_normals)
 {
-    const std::uint32_t stride = buffers.layout.num_vertices / cloud_points + 1;
-    const std::uint32_t count = buffers.layout.num_vertices / stride;
+    const std::uint32_t points =
+        is_cloud(buffers) ? buffers.num_slots : buffers.layout.num_vertices;
+    const std::uint32_t stride = points / cloud_points + 1;
+    const std::uint32_t count = points / stride;
     if (!slice_draws(count))
         return;
     const buffer_page_t &page = *buffers.page;

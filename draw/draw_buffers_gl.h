@@ -11,10 +11,18 @@
 #include "model/flat_mesh.h"
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 struct buffer_page_t;
+
+enum class upload_kind { positions, normals, texture_coords, triangles, edges, lines };
+
+struct upload_t {
+    upload_kind kind;
+    slot_run_t run; // of slots, or of the indices of one list
+};
 
 struct object_buffers_t {
     buffer_page_t *page = nullptr; // null: nothing to draw
@@ -37,6 +45,12 @@ struct object_buffers_t {
     changed_t moved;                    // in the last step of a motion, with their slots
     std::vector<slot_run_t> moved_runs;
     std::shared_ptr<layout_job_t> job; // makes a layout that fits
+    std::vector<upload_t> uploads;     // what the page does not have yet
+    std::shared_ptr<object_buffers_t>
+        next; // takes the place of this one as soon as its page is whole
+
+    // Its own layout is on its way.
+    [[nodiscard]] bool waits() const { return job != nullptr || next != nullptr; }
 };
 
 // How much is put off for a large object.
@@ -52,10 +66,11 @@ const object_buffers_t &object_buffers(object_t *object, const flat_ptr &mesh, d
 // Grows when an object gets another layout.
 unsigned buffers_generation();
 
-// Has coarse versions made of the large objects that have none of their present shape.
-void buffers_ask_for_coarse();
-// Takes a part of those that were made, between two slices of a picture. The begin of a picture takes all,
-// in a motion a part as well when there are others already.
+// Has coarse versions made of a large object that has none of its present shape.
+void buffers_ask_for_coarse(const object_t *object);
+// Hands over a part of what is due; false: there is more.
+bool buffers_upload_some();
+// Takes a part of those that were made, before each picture and between two slices of one.
 void buffers_take_some_coarse();
 
 // Frees the buffers of objects that were not drawn since the last sweep.

@@ -11,7 +11,7 @@ struct picture_t {
     int view;
     int width, height;
     double scale; // of the interface
-    scene_t scene;
+    scene_t &scene;
     layer_choice_t layers;
     draw_budget *budget;
     layer_costs_t *costs; // what each layer took; null: not measured

@@ -4,6 +4,7 @@
 #include "draw/draw_grid_gl.h"
 #include "draw/draw_overlay_gl.h"
 #include "draw/draw_textures_gl.h"
+#include "draw/scene_dots_gl.h"
 #include "edit/document/selection_internal.h"
 #include "view/overlay.h"
 #include "view/shown_elements.h"
@@ -92,26 +93,8 @@ void draw_model_edges(const picture_t &picture, bool filled)
                         static_cast<float>((filled ? 2.0 : 1.5) * picture.scale));
 }
 
-} // namespace
-
-void draw_orthographic_view(picture_t &picture)
+void draw_orthographic_layers(picture_t &picture)
 {
-    glDisable(GL_DEPTH_TEST);
-    if (slice_draws(few_elements)) {
-        use_pixel_projection(picture.width, picture.height);
-        draw_background_image(picture.view, picture.height);
-        draw_orth_grid(picture.view);
-    }
-    glEnable(GL_DEPTH_TEST);
-    set_projection(picture);
-    set_model_matrix(picture.view, picture.height);
-    finish_layer(picture, draw_layer::rest);
-
-    if (picture.layers.boxes_only) {
-        if (slice_draws(few_elements))
-            draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
-        return;
-    }
     const bool filled = prefs.filled_orth != 0 && picture.layers.fill;
     if (filled) {
         const fill_options_t options = set_lights();
@@ -136,6 +119,29 @@ void draw_orthographic_view(picture_t &picture)
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));
     finish_layer(picture, draw_layer::vertices);
+}
+
+} // namespace
+
+void draw_orthographic_view(picture_t &picture)
+{
+    glDisable(GL_DEPTH_TEST);
+    if (slice_draws(few_elements)) {
+        use_pixel_projection(picture.width, picture.height);
+        draw_background_image(picture.view, picture.height);
+        draw_orth_grid(picture.view);
+    }
+    glEnable(GL_DEPTH_TEST);
+    set_projection(picture);
+    set_model_matrix(picture.view, picture.height);
+    finish_layer(picture, draw_layer::rest);
+
+    if (picture.layers.boxes_only) {
+        if (slice_draws(few_elements))
+            draw_bounding_boxes(picture.scene, colour_of(prefs.col_line));
+        return;
+    }
+    draw_thinned(picture, draw_orthographic_layers);
 }
 
 void draw_orthographic_overlay(const picture_t &picture)

@@ -7,12 +7,8 @@
 #include "draw/draw_slices.h"
 #include "draw/draw_textures_gl.h"
 #include "draw/selected_parts_gl.h"
-#include "edit/boolean_live.h"
-#include "model/bounds.h"
-#include "model/each.h"
 #include "model/palette.h"
 #include "model/vector.h"
-#include "model/world.h"
 #include "view/overlay.h"
 
 #include <algorithm>
@@ -329,25 +325,24 @@ void draw_points_of(const page_ranges_t &ranges)
 void draw_selected_points(const scene_t &scene, const crowding_t &screen, float plain_size)
 {
     constexpr std::size_t few = 100;
-    scene_t rimmed, crowded;
-    for (const scene_item_t &item : scene.items) {
-        const bool many = item.part != nullptr && item.part->vertices.size() > few;
-        const bool covers = many && has_selected_part(item) && screen.is_crowded(*item.buffers);
-        (covers ? crowded : rimmed).items.push_back(item);
-    }
+    const auto is_covered = [&](const scene_item_t &item) {
+        return item.part->vertices.size() > few && screen.is_crowded(*item.buffers);
+    };
     const float size = plain_size + 2;
     const colour_t rim = {0x14 / 255.0f, 0x14 / 255.0f, 0x14 / 255.0f, 0.85f};
     const colour_t colour = colour_of(prefs.col_selvert);
     struct pass_t {
-        const scene_t &scene;
+        bool covered;
         colour_t colour;
         float size;
     };
-    for (const pass_t &pass : {pass_t{crowded, colour, plain_size}, pass_t{rimmed, rim, size + 2},
-                               pass_t{rimmed, colour, size}}) {
+    for (const pass_t &pass : {pass_t{true, colour, plain_size}, pass_t{false, rim, size + 2},
+                               pass_t{false, colour, size}}) {
         set_colour(pass.colour);
         set_point_size(pass.size);
-        draw_selected_parts(pass.scene, GL_POINTS, &part_slots_t::vertices);
+        draw_selected_parts(
+            scene, GL_POINTS, &part_slots_t::vertices,
+            [&](const scene_item_t &item) { return is_covered(item) == pass.covered; });
     }
 }
 
@@ -377,6 +372,52 @@ points_t points_of(const scene_t &scene, const vertex_options_t &options, const 
     return points;
 }
 
+// Vertices of whole objects, and those that are not selected.
+void draw_points(const scene_t &scene, const vertex_options_t &options, const crowding_t &screen)
+{
+    slice_part_t part;
+    if (!part.draws())
+        return;
+    const float strength = options.vertex_mode ? 1.0f : 0.8f;
+    const points_t &points = part.prepared([&] { return points_of(scene, options, screen); });
+    set_point_size(options.vertex_mode ? options.size : options.size - 1);
+    if (options.unselected) {
+        set_colour(colour_of(prefs.col_vert, strength));
+        draw_points_of(points.plain);
+    }
+    if (options.selected) {
+        const pending_place_t place;
+        set_colour(colour_of(prefs.col_selvert, strength));
+        draw_points_of(points.selected);
+    }
+}
+
+// Of selected objects.
+void draw_edges_of_selected(const scene_t &scene, float width)
+{
+    slice_part_t part;
+    if (!part.draws())
+        return;
+    struct edges_t {
+        page_ranges_t whole;
+        page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
+    };
+    const edges_t &edges = part.prepared([&] {
+        const crowding_t screen;
+        edges_t found;
+        for (const scene_item_t &item : scene.items)
+            if (item.part != nullptr && item.part->whole && !item.hidden &&
+                item.buffers->page != nullptr)
+                add_edges(screen.is_crowded(*item.buffers) ? found.crowded : found.whole, item,
+                          true);
+        return found;
+    });
+    draw_set_line_width(width / 2);
+    draw_edge_ranges(edges.crowded);
+    draw_set_line_width(width);
+    draw_edge_ranges(edges.whole);
+}
+
 } // namespace
 
 scene_t items_that_move(const scene_t &scene, bool moving)
@@ -400,30 +441,6 @@ pending_place_t::~pending_place_t()
 {
     glMatrixMode(GL_MODELVIEW);
     glPopMatrix();
-}
-
-scene_t gather_scene(draw_pace pace)
-{
-    scene_t scene;
-    selection_marks_update();
-    bounds_clear(&scene.min, &scene.max);
-    for_each_object(vesk_get_world(), [&](object_t *object) {
-        const flat_ptr instead = boolean_live_shown(object);
-        const object_buffers_t &buffers =
-            object_buffers(object, instead != nullptr ? instead : object_flat(object), pace);
-        if (buffers.page == nullptr)
-            return;
-        const selected_part_t *part = selected_part(object);
-        if (instead != nullptr && part != nullptr && !part->whole)
-            part = nullptr; // places in the object's own mesh
-        scene.items.push_back({object, &buffers, part, object->visible == 0, object->locked != 0,
-                               boolean_live_is_outline(object), 0});
-        scene.complete = scene.complete && buffers.job == nullptr;
-        bounds_add(buffers.min, &scene.min, &scene.max);
-        bounds_add(buffers.max, &scene.min, &scene.max);
-    });
-    buffers_sweep();
-    return scene;
 }
 
 void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
@@ -481,9 +498,6 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
 
 void draw_selection_tint(const scene_t &scene)
 {
-    const slice_part_t part;
-    if (!part.draws())
-        return;
     const pending_place_t place;
     set_colour(colour_of(prefs.col_selline, tint_alpha));
     glDepthMask(GL_FALSE);
@@ -527,52 +541,22 @@ void draw_line_surfaces(const scene_t &scene, float width)
 
 void draw_selected_edges(const scene_t &scene, const colour_t &colour, float width)
 {
-    slice_part_t part;
-    if (!part.draws())
-        return;
     const pending_place_t place;
     set_colour(colour);
-    struct edges_t {
-        page_ranges_t whole;
-        page_ranges_t crowded; // thinner, or nothing of the surfaces would be seen
-    };
-    const edges_t &edges = part.prepared([&] {
-        const crowding_t screen;
-        edges_t found;
-        for (const scene_item_t &item : scene.items)
-            if (item.part != nullptr && item.part->whole && !item.hidden &&
-                item.buffers->page != nullptr)
-                add_edges(screen.is_crowded(*item.buffers) ? found.crowded : found.whole, item,
-                          true);
-        return found;
-    });
-    draw_set_line_width(width / 2);
-    draw_edge_ranges(edges.crowded);
+    draw_edges_of_selected(scene, width);
     draw_set_line_width(width);
-    draw_edge_ranges(edges.whole);
     draw_selected_parts(scene, GL_LINES, &part_slots_t::edges);
 }
 
 void draw_vertices(const scene_t &scene, const vertex_options_t &options)
 {
-    slice_part_t part;
-    if (!part.draws())
-        return;
-    const float strength = options.vertex_mode ? 1.0f : 0.8f;
     const crowding_t screen;
-    const points_t &points = part.prepared([&] { return points_of(scene, options, screen); });
     if (device_caps().samples > 0)
         glEnable(GL_POINT_SPRITE);   // several samples a pixel would make the squares round
     glDepthRange(0.0, nearer_range); // before the edges that end in them
-    set_point_size(options.vertex_mode ? options.size : options.size - 1);
-    if (options.unselected) {
-        set_colour(colour_of(prefs.col_vert, strength));
-        draw_points_of(points.plain);
-    }
+    draw_points(scene, options, screen);
     if (options.selected) {
         const pending_place_t place;
-        set_colour(colour_of(prefs.col_selvert, strength));
-        draw_points_of(points.selected);
         draw_selected_points(scene, screen, options.size);
     }
     glDepthRange(0.0, 1.0);

@@ -8,6 +8,7 @@
 #include "draw/selection_marks.h"
 #include "view/draw_budget.h"
 
+#include <cstddef>
 #include <vector>
 
 struct scene_item_t {
@@ -21,14 +22,23 @@ struct scene_item_t {
 constexpr int cloud_detail =
     num_detail_levels; // of large objects whose coarse lists are not there yet
 
-struct scene_t {
-    std::vector<scene_item_t> items; // objects with geometry
-    point3_t min, max;               // of all of them; min above max when there are none
-    bool complete = true;            // false: layouts are still being made
+// Round an item.
+struct item_sphere_t {
+    point3_t centre;
+    float radius;
 };
 
-// The world's objects with their buffers brought up to date.
-scene_t gather_scene(draw_pace pace);
+struct scene_t {
+    std::vector<scene_item_t> items;         // objects with geometry
+    point3_t min, max;                       // of all of them; min above max when there are none
+    bool complete = true;                    // false: layouts are still being made
+    std::vector<item_sphere_t> spheres = {}; // of the items
+    std::vector<std::size_t> large = {};     // items that may be drawn in another detail than 0
+    double other_edges = 0;                  // of those that are not
+    double num_vertices = 0;                 // of what is not hidden
+    // Some vertices of the items that are not large, in their colours; what is selected as a whole apart.
+    std::vector<coloured_vertex_t> dots = {}, selected_dots = {};
+};
 
 // How many elements the scene has in each level of detail, as shares of all; what has no coarse version
 // counts in full.

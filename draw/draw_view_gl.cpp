@@ -5,6 +5,7 @@
 #include "draw/draw_3d_gl.h"
 #include "draw/draw_orth_gl.h"
 #include "draw/draw_text_gl.h"
+#include "draw/scene_gather_gl.h"
 #include "edit/boolean_live.h"
 #include "model/change_marks.h"
 #include "view/interaction.h"
@@ -13,12 +14,14 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 namespace {
 
 constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
 constexpr double slice_seconds = 0.025;
 constexpr double any_time = 1e9;
+constexpr double vertices_of_object = 24; // that cost as much as an object does beside its own
 constexpr float label_x = 8;
 constexpr float label_y = 17;
 
@@ -27,7 +30,7 @@ struct unfinished_t {
     bool begun = false;
     slice_progress_t progress;
     layer_costs_t costs = {};
-    scene_t scene;
+    std::shared_ptr<scene_t> scene;
     // of the model and the selection that it shows
     std::uint64_t changes = 0;
     unsigned marks = 0;
@@ -57,15 +60,6 @@ colour_t background_of(int view)
     return colour_of(view == VIEW_XYZ ? prefs.col_3dbackground : prefs.col_background);
 }
 
-double scene_vertices(const scene_t &scene)
-{
-    double sum = 0;
-    for (const scene_item_t &item : scene.items)
-        if (!item.hidden) // or what is shown again would be thought to cost nothing
-            sum += item.object->num_vertices;
-    return sum;
-}
-
 // In any view: the others do not take its time.
 bool anything_moves(double seconds)
 {
@@ -78,28 +72,34 @@ bool anything_moves(double seconds)
 // What motions and picks to come need of a model that rests.
 void ask_workers(const scene_t &scene)
 {
-    buffers_ask_for_coarse();
-    if (scene.complete)
+    for (const std::size_t i : scene.large)
+        buffers_ask_for_coarse(scene.items[i].object);
+    if (scene.complete && !scene.large.empty())
         pick_prepare();
 }
 
-// The model as it is now.
-scene_t scene_of(view_state_t &state, draw_pace pace)
+// The model as it is now; null when it needs more time.
+std::shared_ptr<scene_t> scene_of(view_state_t &state, draw_pace pace)
 {
-    scene_t scene = is_distrusted(state) ? scene_t() : gather_scene(pace);
-    state.budget.expect(scene_vertices(scene));
-    state.budget.take_shares(detail_shares(scene));
+    const double seconds = pace == draw_pace::at_rest ? slice_seconds : no_limit;
+    const auto scene =
+        is_distrusted(state) ? std::make_shared<scene_t>() : gather_scene(pace, seconds);
+    if (scene == nullptr)
+        return nullptr;
+    state.budget.expect(scene->num_vertices +
+                        vertices_of_object * static_cast<double>(scene->items.size()));
+    state.budget.take_shares(detail_shares(*scene));
     return scene;
 }
 
 // The layers are chosen by the caller.
-picture_t begin_picture(int view, int width, int height, scene_t scene)
+picture_t begin_picture(int view, int width, int height, scene_t &scene)
 {
     return {view,
             width,
             height,
             view_interface_scale(),
-            std::move(scene),
+            scene,
             {},
             &states[view].budget,
             nullptr,
@@ -113,17 +113,18 @@ bool is_current(const unfinished_t &unfinished)
            unfinished.layouts == buffers_generation();
 }
 
-// Of a picture whose first slice comes next: without a complete scene there is none.
-bool begin_unfinished(view_state_t &state)
+// Of a picture whose first slice comes next, unless the scene needs more time.
+void begin_unfinished(view_state_t &state)
 {
     unfinished_t &unfinished = state.unfinished;
     unfinished = {};
     unfinished.scene = scene_of(state, draw_pace::at_rest);
+    if (unfinished.scene == nullptr)
+        return;
     unfinished.changes = model_change_count();
     unfinished.marks = selection_marks_generation();
     unfinished.layouts = buffers_generation();
-    ask_workers(unfinished.scene);
-    return unfinished.scene.complete;
+    ask_workers(*unfinished.scene);
 }
 
 void draw_layers(picture_t &picture)
@@ -150,6 +151,8 @@ void draw_over(picture_t &picture)
 void learn_from_quick(picture_t &picture, double seconds)
 {
     draw_budget &budget = *picture.budget;
+    if (picture.layers.share < 1)
+        return;
     if (picture.layers.detail > 0) {
         budget.note_coarse(picture.layers, seconds);
         return;
@@ -178,7 +181,7 @@ bool draw_view_blank(int view, int width, int height)
     return true;
 }
 
-void draw_view(int view, int width, int height, double seconds, bool in_full)
+bool draw_view(int view, int width, int height, double seconds, bool in_full)
 {
     view_state_t &state = states[view];
     state.unfinished = {};
@@ -187,13 +190,18 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     const draw_pace pace = anything_moves(seconds) ? draw_pace::moving
                            : in_full               ? draw_pace::at_once
                                                    : draw_pace::at_rest;
-    picture_t picture = begin_picture(view, width, height, scene_of(state, pace));
+    const std::shared_ptr<scene_t> scene = scene_of(state, pace);
+    if (scene == nullptr) {
+        state.partial = true;
+        return false;
+    }
+    picture_t picture = begin_picture(view, width, height, *scene);
     const double started = picture.started;
     const bool quick =
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
     picture.layers = state.budget.choose(quick, is_orthographic(view));
     choose_detail(picture.scene, picture.layers.detail);
-    picture.layers.boxes_only = state.distrusted || (moving && picture.layers.boxes_only);
+    picture.layers.boxes_only = state.distrusted;
     // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
     layer_costs_t costs = {};
@@ -214,6 +222,7 @@ void draw_view(int view, int width, int height, double seconds, bool in_full)
     state.layers = picture.layers;
     if (!anything_moves(seconds))
         ask_workers(picture.scene);
+    return true;
 }
 
 bool draw_view_slice(int view, int width, int height, double seconds)
@@ -222,18 +231,19 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     unfinished_t &unfinished = state.unfinished;
     const bool slow = state.budget.full_cost() > slow_picture;
     if (width != state.width || height != state.height || (slow && anything_moves(seconds)) ||
-        view_is_moving(view, seconds)) {
-        draw_view(view, width, height, seconds, false);
-        return true;
-    }
+        view_is_moving(view, seconds))
+        return draw_view(view, width, height, seconds, false);
     const bool up_to_date = boolean_live_update(false);
     if (is_current(unfinished))
         buffers_take_some_coarse();
-    if (!is_current(unfinished) && !begin_unfinished(state)) {
-        draw_view(view, width, height, seconds, false);
-        return true;
-    }
-    picture_t picture = begin_picture(view, width, height, std::move(unfinished.scene));
+    else
+        begin_unfinished(state);
+    if (unfinished.scene == nullptr)
+        return false;
+    if (!unfinished.scene->complete)
+        return draw_view(view, width, height, seconds, false);
+    choose_detail(*unfinished.scene, 0);
+    picture_t picture = begin_picture(view, width, height, *unfinished.scene);
     picture.costs = &unfinished.costs;
     picture.layers = state.budget.choose(false, is_orthographic(view));
     picture.layers.boxes_only = state.distrusted;
@@ -245,7 +255,6 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     slice_begin(&unfinished.progress, slow ? slice_seconds : any_time, [] { glFinish(); });
     draw_layers(picture);
     if (!slice_end()) {
-        unfinished.scene = std::move(picture.scene);
         frame_pause();
         return false;
     }
@@ -273,6 +282,8 @@ std::string drawn_view_layers(int view)
     constexpr const char *details[] = {"", " coarse", " coarser", " coarsest", " cloud"};
     static_assert(std::size(details) == cloud_detail + 1);
     words += details[layers.detail];
+    if (layers.share < 1)
+        words += " dots";
     if (layers.smoothing)
         words += " smoothing";
     return words;

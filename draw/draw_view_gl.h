@@ -9,8 +9,9 @@
 #include <vector>
 
 // While something moves, layers that do not fit the time are left out; also of a slow picture that
-// need not be `in_full` at once. `seconds` is now.
-void draw_view(int view, int width, int height, double seconds, bool in_full);
+// need not be `in_full` at once. `seconds` is now. False: nothing is drawn yet, for there is much to look
+// at; the next call goes on.
+bool draw_view(int view, int width, int height, double seconds, bool in_full);
 
 // A part of the picture at rest: about as much as fits `slice_seconds`, all of it when it is not slow.
 // True: it is finished and in the back buffer. What was drawn of a picture is given up by draw_view and

@@ -94,6 +94,8 @@ std::vector<slot_run_t> moved_slots(const mesh_layout_t &layout, const changed_t
 {
     if (moved.empty())
         return {};
+    if (moved.size() == layout.num_vertices)
+        return {{0, layout.num_slots()}};
     const std::vector<bool> moving = flags_of(moved, layout.num_vertices);
     return runs_of(layout.num_slots(),
                    [&](std::size_t slot) { return moving[layout.vertex_of(slot)]; });

@@ -305,9 +305,11 @@ void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, const sl
     }
 }
 
-void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out)
+void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat,
+                           const slot_run_t &run, float *out)
 {
-    for (const std::int32_t corner : layout.corner_of_slot) {
+    for (std::size_t slot = run.first; slot < run.first + run.count; ++slot) {
+        const std::int32_t corner = layout.corner_of_slot[slot];
         const flat_uv at = corner >= 0 ? flat.uv(corner) : flat_uv{0, 0};
         *out++ = at.u;
         *out++ = at.v;

@@ -71,8 +71,9 @@ void layout_positions(const mesh_layout_t &layout, const flat_mesh &flat, const 
                       float *out);
 void layout_normals(const mesh_layout_t &layout, const flat_mesh &flat, const slot_run_t &run,
                     std::int16_t *out);
-// Of all slots of a layout with texture coordinates: two floats a slot.
-void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat, float *out);
+// Of a layout with texture coordinates: two floats a slot.
+void layout_texture_coords(const mesh_layout_t &layout, const flat_mesh &flat,
+                           const slot_run_t &run, float *out);
 
 // Unique edges of the polygons among `surfaces` (null: of all), two vertex indices each.
 std::vector<std::uint32_t> unique_edges(const flat_mesh &flat, const std::vector<int> *surfaces);

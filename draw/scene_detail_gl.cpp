@@ -6,7 +6,7 @@ namespace {
 
 int detail_of(const object_buffers_t &buffers, int level)
 {
-    if (buffers.num_indices == 0 && buffers.job != nullptr)
+    if (buffers.num_indices == 0 && buffers.waits())
         return cloud_detail;
     if (buffers.coarse.mesh != nullptr)
         return std::min(level, num_detail_levels - 1);
@@ -18,10 +18,11 @@ int detail_of(const object_buffers_t &buffers, int level)
 
 detail_shares_t detail_shares(const scene_t &scene)
 {
-    detail_shares_t sums = {};
-    for (const scene_item_t &item : scene.items)
+    detail_shares_t sums;
+    sums.fill(scene.other_edges);
+    for (const std::size_t i : scene.large)
         for (std::size_t level = 0; level < sums.size(); ++level) {
-            const object_buffers_t &b = *item.buffers;
+            const object_buffers_t &b = *scene.items[i].buffers;
             const int detail = detail_of(b, static_cast<int>(level));
             sums[level] += detail == 0              ? b.edges.count
                            : detail == cloud_detail ? cloud_points
@@ -34,6 +35,6 @@ detail_shares_t detail_shares(const scene_t &scene)
 
 void choose_detail(scene_t &scene, int level)
 {
-    for (scene_item_t &item : scene.items)
-        item.detail = detail_of(*item.buffers, level);
+    for (const std::size_t i : scene.large)
+        scene.items[i].detail = detail_of(*scene.items[i].buffers, level);
 }

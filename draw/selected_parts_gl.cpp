@@ -1,7 +1,9 @@
 #include "draw/selected_parts_gl.h"
 
+#include "draw/draw_slices.h"
 #include "model/ear_cut.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace {
@@ -104,21 +106,31 @@ std::vector<std::uint32_t> sample_of(std::span<const std::uint32_t> slots, GLenu
 bool has_selected_part(const scene_item_t &item)
 {
     return item.part != nullptr && !item.hidden && item.buffers->page != nullptr &&
-           !item.part->whole;
+           !item.part->whole && item.buffers->layout.num_vertices > 0; // no cloud
 }
 
 void draw_selected_parts(const scene_t &scene, GLenum mode,
-                         std::vector<std::uint32_t> part_slots_t::*list)
+                         std::vector<std::uint32_t> part_slots_t::*list,
+                         const std::function<bool(const scene_item_t &)> &wanted)
 {
-    for (const scene_item_t &item : scene.items) {
-        if (!has_selected_part(item) || (part_slots(item).*list).empty())
-            continue;
-        const std::vector<std::uint32_t> &slots = part_slots(item).*list;
-        page_bind(*item.buffers->page, false);
-        if (item.detail > 0 && slots.size() > 2 * most_in_motion)
-            page_draw_slots(mode, sample_of(slots, mode));
-        else
-            page_draw_slots(mode, slots);
+    constexpr std::size_t items_in_part = 1024;
+    for (std::size_t first = 0; first < scene.items.size(); first += items_in_part) {
+        const slice_part_t part;
+        const std::size_t end =
+            part.draws() ? std::min(first + items_in_part, scene.items.size()) : first;
+        for (std::size_t i = first; i < end; ++i) {
+            const scene_item_t &item = scene.items[i];
+            if (!has_selected_part(item) || !wanted(item))
+                continue;
+            const std::vector<std::uint32_t> &slots = part_slots(item).*list;
+            if (slots.empty())
+                continue;
+            page_bind(*item.buffers->page, false);
+            if (item.detail > 0 && slots.size() > 2 * most_in_motion)
+                page_draw_slots(mode, sample_of(slots, mode));
+            else
+                page_draw_slots(mode, slots);
+        }
     }
     page_unbind();
 }

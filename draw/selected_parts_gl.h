@@ -5,6 +5,8 @@
 
 #include "draw/draw_scene_gl.h"
 
+#include <functional>
+
 struct part_slots_t {
     unsigned generation = ~0u;
     flat_ptr flat;
@@ -15,9 +17,12 @@ struct part_slots_t {
 
 bool has_selected_part(const scene_item_t &item);
 
-// Of every object that is selected in part one list of slots. Of a long list in a coarse picture only
-// some are drawn, and no triangles.
-void draw_selected_parts(const scene_t &scene, GLenum mode,
-                         std::vector<std::uint32_t> part_slots_t::*list);
+// Of every object that is selected in part one list of slots, where `wanted` says so. Of a long list in a
+// coarse picture only some are drawn, and no triangles. Parts of a slice by themselves.
+void draw_selected_parts(
+    const scene_t &scene, GLenum mode, std::vector<std::uint32_t> part_slots_t::*list,
+    const std::function<bool(const scene_item_t &)> &wanted = [](const scene_item_t &) {
+        return true;
+    });
 
 #endif

@@ -7,11 +7,13 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
 struct marks_t {
-    std::unordered_map<object_t *, selected_part_t> parts;
+    std::unordered_set<const object_t *> whole;
+    std::unordered_map<object_t *, selected_part_t> parts; // with elements
     unsigned selection_count = ~0u;
     std::uint64_t tree_count = ~0ull;
     unsigned generation = 0;
@@ -37,9 +39,15 @@ void collect_edges(marks_t &state)
 void collect(marks_t &state)
 {
     state.parts.clear();
+    state.whole.clear();
     const selection_t &now = selection();
-    for (object_t *object : each<object_t>(now.objects))
-        for_each_object(object, [&](object_t *below) { state.parts[below].whole = true; });
+    state.whole.reserve(static_cast<std::size_t>(selection_get_num_objects()));
+    for (object_t *object : each<object_t>(now.objects)) {
+        if (object->children == nullptr)
+            state.whole.insert(object);
+        else
+            for_each_object(object, [&](object_t *below) { state.whole.insert(below); });
+    }
     for (owned_elements &owned : surfaces_by_owner(now.surfaces))
         state.parts[owned.object].surfaces = std::move(owned.indices);
     for (owned_elements &owned : vertices_by_owner(now.vertices))
@@ -47,6 +55,7 @@ void collect(marks_t &state)
     if (select_mode() == SELECT_EDGE)
         collect_edges(state);
     for (auto &[object, part] : state.parts) {
+        part.whole = state.whole.contains(object);
         if (part.surfaces.empty() && part.vertices.empty())
             continue;
         const flat_ptr flat = object_flat(object);
@@ -92,10 +101,18 @@ void selection_marks_update()
 
 const selected_part_t *selected_part(object_t *object)
 {
-    marks_t &state = marks();
-    refresh(state);
-    const auto found = state.parts.find(object);
-    return found != state.parts.end() ? &found->second : nullptr;
+    refresh(marks());
+    return marked_part(object);
+}
+
+const selected_part_t *marked_part(object_t *object)
+{
+    static const selected_part_t whole = {true, {}, {}, {}, {}, {}};
+    const marks_t &state = marks();
+    if (!state.parts.empty())
+        if (const auto found = state.parts.find(object); found != state.parts.end())
+            return &found->second;
+    return !state.whole.empty() && state.whole.contains(object) ? &whole : nullptr;
 }
 
 unsigned selection_marks_generation()

@@ -24,6 +24,8 @@ void selection_marks_update();
 
 // Of an object; null when nothing of it is selected.
 const selected_part_t *selected_part(object_t *object);
+// The same as of the last look at the selection.
+const selected_part_t *marked_part(object_t *object);
 
 // Grows when the answers change.
 unsigned selection_marks_generation();

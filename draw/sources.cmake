@@ -11,6 +11,7 @@ target_sources(vesk_core PRIVATE
     draw/selection_marks.cpp
 )
 target_sources(vesk PRIVATE
+    draw/buffer_uploads_gl.cpp
     draw/cluster_view_gl.cpp
     draw/coarse_lists_gl.cpp
     draw/crowding_gl.cpp
@@ -33,6 +34,8 @@ target_sources(vesk PRIVATE
     draw/gpu_buffer_gl.cpp
     draw/offscreen_gl.cpp
     draw/scene_detail_gl.cpp
+    draw/scene_dots_gl.cpp
+    draw/scene_gather_gl.cpp
     draw/selected_parts_gl.cpp
     draw/thumbnail_gl.cpp
 )

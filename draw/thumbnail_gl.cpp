@@ -8,6 +8,7 @@
 #include "draw/draw_3d_gl.h"
 #include "draw/draw_device_gl.h"
 #include "draw/offscreen_gl.h"
+#include "draw/scene_gather_gl.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -125,7 +126,9 @@ void draw_loose_points(const scene_t &scene, int size)
 
 void draw_model(int size)
 {
-    const scene_t scene = gather_scene(draw_pace::at_once);
+    const std::shared_ptr<scene_t> gathered = gather_scene(draw_pace::at_once, no_limit);
+    scene_t &scene = *gathered;
+    choose_detail(scene, 0);
     frame_begin(VIEW_XYZ, size, size, ground, true);
     if (scene.min.x <= scene.max.x) {
         set_matrices(look_at_model(scene));

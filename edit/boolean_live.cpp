@@ -301,6 +301,8 @@ int part_of(const object_t *object)
 
 } // namespace
 
+bool boolean_live_runs() { return runs(); }
+
 flat_ptr boolean_live_shown(const object_t *object)
 {
     static const flat_ptr nothing = mesh_of({});

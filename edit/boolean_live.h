@@ -21,6 +21,7 @@ void command_boolean_live_cancel();
 // `quick` picture only what computes fast; false when that has to wait.
 bool boolean_live_update(bool quick);
 
+bool boolean_live_runs();
 // What is drawn in the stead of an object; null for the object itself.
 flat_ptr boolean_live_shown(const object_t *object);
 // Whether the object is one of those that only show where they are.

@@ -25,6 +25,7 @@ struct row_t {
 struct told_t {
     int number = 0;
     std::vector<row_t> rows;
+    std::vector<int> changed; // those that differed from the answer before
 };
 told_t &told()
 {
@@ -65,29 +66,74 @@ bool same_places(const std::vector<row_t> &a, const std::vector<row_t> &b)
     });
 }
 
-} // namespace
+struct answer_t {
+    bool anew = false;
+    int hidden = 0, locked = 0;
+    bool differs = false;
 
-void command_object_rows(int since)
+    // "NUMBER ANEW OBJECTS HIDDEN LOCKED"
+    [[nodiscard]] std::string head() const
+    {
+        return std::to_string(told().number) + (anew ? " 1 " : " 0 ") +
+               std::to_string(told().rows.size()) + " " + std::to_string(hidden) + " " +
+               std::to_string(locked);
+    }
+};
+
+// Where nothing differs, the answer before goes on to be the last one.
+answer_t ask(int since)
 {
     std::vector<row_t> now = rows_now();
-    const bool anew = since != told().number || !same_places(now, told().rows);
-    int hidden = 0, locked = 0;
-    std::string text;
+    answer_t answer;
+    answer.anew = since != told().number || !same_places(now, told().rows);
+    std::vector<int> changed;
     for (std::size_t i = 0; i < now.size(); ++i) {
-        const row_t &row = now[i];
-        hidden += row.visible ? 0 : 1;
-        locked += row.locked ? 1 : 0;
-        if (!anew && row == told().rows[i])
-            continue;
+        answer.hidden += now[i].visible ? 0 : 1;
+        answer.locked += now[i].locked ? 1 : 0;
+        if (answer.anew || now[i] != told().rows[i])
+            changed.push_back(static_cast<int>(i));
+    }
+    answer.differs = answer.anew || !changed.empty();
+    if (answer.differs)
+        told() = {told().number + 1, std::move(now), std::move(changed)};
+    return answer;
+}
+
+// Of the rows that differed, each after a blank.
+std::string words_of(std::size_t from, std::size_t count)
+{
+    std::string text;
+    const std::vector<int> &changed = told().changed;
+    for (std::size_t i = from; i < changed.size() && i - from < count; ++i) {
+        const row_t &row = told().rows[static_cast<std::size_t>(changed[i])];
         text += " " + std::to_string(row.id) + " " + std::to_string(row.parent) + " " +
                 object_type_word(row.type) + " " + list_element(row.name) + " " +
                 std::to_string(row.surfaces) + (row.visible ? " 1" : " 0") +
                 (row.locked ? " 1" : " 0");
     }
-    const int number = told().number + 1;
-    const std::string head = std::to_string(number) + (anew ? " 1 " : " 0 ") +
-                             std::to_string(now.size()) + " " + std::to_string(hidden) + " " +
-                             std::to_string(locked);
-    told() = {number, std::move(now)};
-    command_result_set((head + text).c_str());
+    return text;
+}
+
+} // namespace
+
+void command_object_rows(int since)
+{
+    const answer_t answer = ask(since);
+    const std::string words = answer.differs ? words_of(0, told().changed.size()) : "";
+    command_result_set((answer.head() + words).c_str());
+}
+
+void command_object_rows_begin(int since)
+{
+    const answer_t answer = ask(since);
+    const std::size_t count = answer.differs ? told().changed.size() : 0;
+    command_result_set((answer.head() + " " + std::to_string(count)).c_str());
+}
+
+void command_object_rows_part(int number, int from, int count)
+{
+    if (number != told().number || from < 0 || count <= 0)
+        return;
+    command_result_set(
+        words_of(static_cast<std::size_t>(from), static_cast<std::size_t>(count)).c_str());
 }

@@ -115,7 +115,7 @@ bool must_wait_for_events()
 
 enum class draw_how { quick, full, slice };
 
-// False: a picture in slices is not finished.
+// False: it is not finished.
 bool draw_how_wanted(Togl *togl, int view, draw_how how)
 {
     const int width = Togl_Width(togl);
@@ -124,12 +124,12 @@ bool draw_how_wanted(Togl *togl, int view, draw_how how)
     if (draw_view_blank(view, width, height))
         Togl_SwapBuffers(togl);
     const double now = ui_port().now_seconds();
-    if (how == draw_how::slice && !draw_view_slice(view, width, height, now))
-        return false;
-    if (how != draw_how::slice)
-        draw_view(view, width, height, now, how == draw_how::full);
-    Togl_SwapBuffers(togl);
-    return true;
+    const bool finished = how == draw_how::slice
+                              ? draw_view_slice(view, width, height, now)
+                              : draw_view(view, width, height, now, how == draw_how::full);
+    if (finished)
+        Togl_SwapBuffers(togl);
+    return finished;
 }
 
 void draw(int view, draw_how how)
@@ -152,7 +152,7 @@ void draw(int view, draw_how how)
         tell_main_fault(fault);
     }
     if (!finished) {
-        draw_later(view, 0, true);
+        draw_later(view, 0, how == draw_how::slice);
         return;
     }
     widgets.drawn_at[view] = ui_port().now_seconds();

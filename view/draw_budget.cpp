@@ -140,8 +140,10 @@ layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
                 return choice;
         }
     }
-    // A view that is slow but usable is better than boxes.
-    constexpr double boxes_above = 10 * frame_budget;
-    choice.boxes_only = choice.expected > boxes_above;
+    // A view that is a little slow is better than dots.
+    constexpr double too_slow = 0.06;
+    constexpr double share_of_time = 0.6; // the rest is for the dots
+    if (choice.expected > too_slow)
+        choice.share = share_of_time * frame_budget / choice.expected;
     return choice;
 }

@@ -12,7 +12,7 @@
 enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
 
 constexpr double frame_budget = 0.033; // seconds
-constexpr double slow_picture = 0.06;  // above it events come before the full picture
+constexpr double slow_picture = 0.04;  // above it events come before the full picture
 constexpr double settle_after = 0.15;  // of the last motion
 
 struct layer_choice_t {
@@ -20,10 +20,11 @@ struct layer_choice_t {
     bool edges = true;
     bool vertices = true;
     bool smoothing = true;
-    bool boxes_only = false;
-    int detail = 0;      // level of coarse meshes; 0: as they are
-    double expected = 0; // seconds that a picture in coarse detail should take
-    bool whole = true;   // in coarse detail, without any layer left out
+    bool boxes_only = false; // by those who draw, never chosen
+    int detail = 0;          // level of coarse meshes; 0: as they are
+    double expected = 0;     // seconds that a picture in coarse detail should take
+    bool whole = true;       // in coarse detail, without any layer left out
+    double share = 1;        // of the elements that have no coarse detail; below 1 the rest is dots
 };
 
 // How much of a picture's elements is left in each level of detail; in the last one meshes that have no

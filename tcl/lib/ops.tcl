@@ -10,6 +10,8 @@ namespace eval ::vesk::ops {
     variable dragged {slide edge_bevel vertex_bevel inset extrude_each extrude_normals extrude_edges
         shell}
     variable due {}             ;# scripts that the next refresh runs whatever changed
+    variable waiting {}         ;# scripts of a refresh that are still to be run
+    variable slice 20           ;# milliseconds of them between two events
 }
 
 # run --
@@ -69,6 +71,7 @@ proc ::vesk::ops::refresh {} {
     variable last
     variable listeners
     variable due
+    variable waiting
     set state [vesk model_state]
     if {[llength $state] != 4} {return}
     set changed {any}
@@ -83,12 +86,24 @@ proc ::vesk::ops::refresh {} {
             lappend scripts {*}[dict get $listeners $aspect]
         }
     }
-    set done {}
     foreach script $scripts {
-        if {[dict exists $done $script]} {continue}
-        dict set done $script 1
+        if {$script ni $waiting} {lappend waiting $script}
+    }
+    run_waiting
+}
+
+# run_waiting --
+#   Runs the scripts of a refresh; where they take long, events come between them.
+proc ::vesk::ops::run_waiting {} {
+    variable waiting
+    variable slice
+    after cancel ::vesk::ops::run_waiting
+    set until [expr {[clock milliseconds] + $slice}]
+    while {[llength $waiting] > 0 && [clock milliseconds] <= $until} {
+        set waiting [lassign $waiting script]
         {*}$script
     }
+    if {[llength $waiting] > 0} {after 1 ::vesk::ops::run_waiting}
 }
 
 # change_count --

@@ -7,10 +7,14 @@ namespace eval ::vesk::objects {
     variable tree ""
     variable strip ""           ;# the canvas with the two icons
     variable rows {}            ;# id -> {parent type name surfaces visible locked}
-    variable told 0             ;# number of the last answer of "object_rows"
-    variable waiting {}         ;# words of the rows that are still to be made
-    variable waiting_at 0       ;# the first word of these
-    variable fill_state {}      ;# {wanted first_time world top} of the rows that are being made
+    variable told 0             ;# number of the last answer of "object_rows_begin"
+    variable coming 0           ;# how many rows it has
+    variable taken 0            ;# how many of them were taken over
+    variable leaving {}         ;# rows that go before these are made
+    variable gone 0             ;# how many of these went
+    variable made 0             ;# how many rows were made
+    variable above {}           ;# id -> 1, of rows with others below them
+    variable fill_state {}      ;# {wanted first_time world top} while rows are made anew; else they change
     variable to_select {}       ;# id -> 1: rows that are selected as soon as they are made
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
@@ -136,213 +140,6 @@ proc ::vesk::objects::show_focus {on} {
     place $path.f2 -relwidth 1 -width [winfo width $path.strip]
 }
 
-# ---- filling ----
-
-# refresh --
-#   Takes over a changed tree, names or flags. While the same objects stand in the same order only
-#   the rows that differ are touched.
-proc ::vesk::objects::refresh {} {
-    variable told
-    take [vesk object_rows $told]
-}
-
-# take --
-#   Takes over an answer of "object_rows".
-proc ::vesk::objects::take {answer} {
-    variable told
-    variable waiting
-    variable surfaces
-    if {[llength $waiting] > 0 && ![lindex $answer 1] && [llength $answer] > 5} {
-        # Rows that are still to be made may have changed.
-        set answer [vesk object_rows 0]
-    }
-    set told [lindex $answer 0]
-    show_count {*}[lrange $answer 2 4]
-    set surfaces [lindex [vesk get_counts] 3]
-    if {[lindex $answer 1]} {
-        fill_rows [lrange $answer 5 end]
-    } else {
-        change_rows [lrange $answer 5 end]
-    }
-    strip_later
-}
-
-# change_rows --
-#   Takes over other names, numbers and flags.
-proc ::vesk::objects::change_rows {changed} {
-    variable rows
-    variable tree
-    if {[llength $changed] == 0} {return}
-    fit_numbers
-    foreach {id parent type name surfaces visible locked} $changed {
-        lassign [dict get $rows $id] old_parent old_type old_name old_surfaces
-        dict set rows $id [list $parent $type $name $surfaces $visible $locked]
-        # The flags are the strip's.
-        if {($name ne $old_name || $surfaces != $old_surfaces) && [$tree exists $id]} {
-            $tree item $id -text [shown_name $name] \
-                -values [list [::vesk::arith::grouped $surfaces]]
-        }
-    }
-}
-
-# follow_counts --
-#   Renews the numbers after an operation that changed surfaces but not the tree.
-proc ::vesk::objects::follow_counts {} {
-    variable surfaces
-    if {[lindex [vesk get_counts] 3] != $surfaces} refresh
-}
-
-# fit_numbers --
-#   No number is wider than that of all surfaces.
-proc ::vesk::objects::fit_numbers {} {
-    variable tree
-    variable surfaces
-    set widest [font measure TkDefaultFont "[::vesk::arith::grouped $surfaces]0"]
-    $tree column surfaces -width [expr {max([::vesk::theme::px 58], $widest)}]
-}
-
-# fill --
-#   Makes all rows anew.
-proc ::vesk::objects::fill {} {
-    take [vesk object_rows 0]
-}
-
-# fill_rows --
-#   Makes all rows anew; open objects stay open.
-#   words  seven for each row, as "object_rows" gives them
-proc ::vesk::objects::fill_rows {words} {
-    variable rows
-    variable tree
-    variable filter
-    variable icons
-    variable open
-    variable filtered
-    variable waiting
-    variable waiting_at 0
-    variable fill_state
-    variable marked {}
-    variable syncing 1
-    if {!$filtered} note_open
-    set top [lindex [$tree yview] 0]
-    $tree delete [$tree children {}]
-    set rows {}
-    set wanted [string tolower $filter]
-    set filtered [expr {$wanted ne ""}]
-    fit_numbers
-    # The images belong to tags: an image of each row would cost a walk over all rows at a change.
-    foreach {type icon} $icons {
-        $tree tag configure $type -image [::vesk::icons::get $icon dim]
-        $tree tag configure $type-active -image [::vesk::icons::get $icon active]
-    }
-    set fill_state [list $wanted [expr {[dict size $open] == 0}] [vesk get_world] $top]
-    set waiting $words
-    show_selection
-    fill_slice
-}
-
-# fill_slice --
-#   Makes the rows that are waiting, for as long as nobody notices.
-proc ::vesk::objects::fill_slice {} {
-    variable waiting
-    variable waiting_at
-    variable fill_state
-    variable at_once
-    variable piece
-    variable slice
-    variable tree
-    variable syncing 1
-    after cancel ::vesk::objects::fill_slice
-    set all [llength $waiting]
-    set until [expr {$all > 7 * $at_once ? [clock milliseconds] + $slice : inf}]
-    while {$waiting_at < $all && [clock milliseconds] < $until} {
-        set next [expr {$waiting_at + 7 * $piece}]
-        insert_rows [lrange $waiting $waiting_at [expr {$next - 1}]] {*}$fill_state
-        set waiting_at $next
-    }
-    # As in show_selection.
-    after idle {set ::vesk::objects::syncing 0}
-    if {$waiting_at < $all} {
-        after 1 ::vesk::objects::fill_slice
-        return
-    }
-    set waiting {}
-    # Who has scrolled meanwhile stays there.
-    if {[lindex [$tree yview] 0] == 0} {$tree yview moveto [lindex $fill_state 3]}
-    show_empty
-    show_selection
-    see_selected
-    strip_later
-}
-
-proc ::vesk::objects::insert_rows {words wanted first_time world top} {
-    variable rows
-    variable tree
-    variable open
-    variable to_select
-    set selected {}
-    foreach {id parent type name surfaces visible locked} $words {
-        dict set rows $id [list $parent $type $name $surfaces $visible $locked]
-        if {$wanted ne ""} {
-            if {[string first $wanted [string tolower $name]] < 0} {continue}
-            set parent {}
-        } elseif {$parent == $world || ![$tree exists $parent]} {
-            set parent {}
-        }
-        set opened [expr {$first_time && $parent eq {}}]
-        if {[dict exists $open $id]} {set opened [dict get $open $id]}
-        # There may be ten thousand rows: procedures are called only where they change the text.
-        if {$surfaces >= 1000} {set surfaces [::vesk::arith::grouped $surfaces]}
-        set text " $name"
-        if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
-        $tree insert $parent end -id $id -text $text -tags [list $type] -open $opened \
-            -values [list $surfaces]
-        if {[dict exists $to_select $id]} {lappend selected $id}
-    }
-    if {[llength $selected] > 0} {$tree selection add $selected}
-}
-
-# note_open --
-#   Notes which of the rows with children are open.
-proc ::vesk::objects::note_open {} {
-    variable tree
-    variable rows
-    variable open
-    variable waiting
-    # Rows that were never made are as they were noted.
-    if {[llength $waiting] == 0} {set open {}}
-    dict for {id row} $rows {set above([lindex $row 0]) 1}
-    foreach id [array names above] {
-        if {[$tree exists $id]} {dict set open $id [$tree item $id -open]}
-    }
-}
-
-# show_empty --
-#   Shows why the list is empty.
-proc ::vesk::objects::show_empty {} {
-    variable path
-    variable tree
-    variable filter
-    if {[llength [$tree children {}]] > 0} {
-        place forget $path.empty
-        return
-    }
-    $path.empty configure -text [expr {$filter eq "" \
-        ? "No objects yet.\nDraw one with a tool at the left,\nor open a file."
-        : "No object has this in its name."}]
-    place $path.empty -in $tree -relx 0.5 -rely 0.4 -anchor center
-}
-
-proc ::vesk::objects::shown_name {name} {
-    if {$name eq ""} {return " (no name)"}
-    return " [string map {\n " "} $name]"
-}
-
-proc ::vesk::objects::show_count {count hidden locked} {
-    variable path
-    $path.head.count configure -text [::vesk::arith::grouped $count]
-    ::vesk::status::show_badges $hidden $locked
-}
-
 # ---- selection ----
 
 # show_selection --
@@ -354,26 +151,44 @@ proc ::vesk::objects::show_selection {} {
     variable asked
     variable shown_rows
     variable syncing
-    variable waiting
-    variable to_select
-    set now [vesk get_selected_objects]
-    if {$now ne $chosen} {set asked {}}
-    set chosen $now
-    set to_select {}
-    if {[llength $waiting] > 0} {
-        foreach id [concat $chosen $asked] {dict set to_select $id 1}
+    variable filtered
+    note_selection
+    if {[llength $asked] == 0 && !$filtered && ![is_waiting]} {
+        set shown_rows $chosen
+    } else {
+        set shown_rows [lsort -unique -integer [present [concat $chosen $asked]]]
     }
-    set shown_rows [lsort -unique -integer [present [concat $chosen $asked]]]
-    if {$shown_rows eq [lsort -integer [$tree selection]]} {
+    set marked [$tree selection]
+    if {[llength $marked] == [llength $shown_rows]
+            && [lsort -integer $marked] eq [lsort -integer $shown_rows]} {
         strip_later
         return
     }
     set syncing 1
-    $tree selection set $shown_rows
+    if {[catch {$tree selection set $shown_rows}]} {
+        # Some came since the rows were made.
+        set shown_rows [present $shown_rows]
+        $tree selection set $shown_rows
+    }
     see_selected
     strip_later
     # The virtual event arrives later; by then the two agree.
     after idle {set ::vesk::objects::syncing 0}
+}
+
+# note_selection --
+#   Asks what is selected; rows that are still to be made are selected then, many of them at the end.
+proc ::vesk::objects::note_selection {} {
+    variable chosen
+    variable asked
+    variable at_once
+    variable to_select {}
+    set now [vesk get_selected_objects]
+    if {$now ne $chosen} {set asked {}}
+    set chosen $now
+    if {[is_waiting] && [llength $chosen] <= $at_once} {
+        foreach id [concat $chosen $asked] {dict set to_select $id 1}
+    }
 }
 
 # see_selected --
@@ -444,8 +259,9 @@ proc ::vesk::objects::selected {} {
     variable asked
     variable syncing
     variable rows
+    variable leaving
     strip_later
-    if {$syncing} {return}
+    if {$syncing || [llength $leaving] > 0} {return}
     set wanted [$tree selection]
     # The user did not deselect the rows that the filter hides.
     if {[lsort $wanted] eq [lsort -unique [present [concat $chosen $asked]]]} {return}

@@ -176,13 +176,13 @@ TEST(DrawBudget, LeavesLayersOutInTheirOrderWhileMoving)
 TEST(DrawBudget, FlatViewsGiveUpTheFillAnd3DTheEdges)
 {
     draw_budget budget;
-    budget.note(draw_layer::fill, 0.060);
+    budget.note(draw_layer::fill, 0.050);
     budget.note(draw_layer::edges, 0.030);
     EXPECT_FALSE(budget.choose(true, true).fill);
     EXPECT_TRUE(budget.choose(true, true).edges);
     EXPECT_TRUE(budget.choose(true, false).fill);
     EXPECT_FALSE(budget.choose(true, false).edges);
-    EXPECT_FALSE(budget.choose(true, false).boxes_only);
+    EXPECT_EQ(budget.choose(true, false).share, 1);
 }
 
 // Pictures of a budget's choice, each taking what its detail takes; the last choice.
@@ -202,7 +202,7 @@ TEST(DrawBudget, TakesTheFinestDetailThatFits)
     draw_budget budget;
     budget.note(draw_layer::fill, 0.6);
     budget.note(draw_layer::edges, 0.6);
-    EXPECT_TRUE(budget.choose(true, false).boxes_only); // there is no coarser one
+    EXPECT_LT(budget.choose(true, false).share, 0.1); // there is no coarser one
     budget.take_shares({1, 0.1, 0.05, 0.02, 0.02});
     EXPECT_EQ(budget.choose(true, false).detail, 3); // before anything was measured
     EXPECT_EQ(budget.choose(false, false).detail, 0);

@@ -266,6 +266,20 @@ TEST_F(AddedCommands, RowsTellWhatDiffersFromTheLastTime)
     EXPECT_EQ(rest(run("object_rows", before)).substr(0, 2), "1 ");
     object_reparent(last, group);
     EXPECT_EQ(rest(run("object_rows", std::stoi(asked(answer)) + 1)).substr(0, 2), "1 ");
+
+    // In pieces the same rows, until there is another answer.
+    const std::string whole = run("object_rows", 0);
+    answer = run("object_rows_begin", 0);
+    EXPECT_EQ(rest(answer), rest(whole).substr(0, std::string("1 3 1 0").size()) + " 3");
+    const std::string number = asked(answer);
+    EXPECT_EQ(run("object_rows_begin", number), number + " 0 3 1 0 0");
+    EXPECT_EQ("1 3 1 0" + run("object_rows_part", number, 0, 2) +
+                  run("object_rows_part", number, 2, 2),
+              rest(whole));
+    EXPECT_EQ(run("object_rows_part", number, 3, 2), "");
+    object_set_visible(last, 1);
+    EXPECT_EQ(rest(run("object_rows_begin", number)), "0 3 0 0 1");
+    EXPECT_EQ(run("object_rows_part", number, 0, 3), "");
 }
 
 } // namespace

@@ -106,4 +106,24 @@ run {
     check "a move leaves quick pictures" {[string match *unfinished* [vesk view_layers 3]]}
     set ::viewsetting xyz
     check "a view that is alone is drawn in full" {![string match *unfinished* [vesk view_layers 3]]}
+
+    # Many objects: the same scene for all views, and dots while a picture of all of them would take long.
+    set cubes [file join [file dirname [info script]] ../../bench/cubes.tcl]
+    exec tclsh8.6 $cubes 4000 > [work cubes.vesk]
+    vesk clear_all
+    vesk load_file [work cubes.vesk]
+    set ::viewsetting all
+    compare_with_whole "many objects:"
+    set ids [top_objects]
+    vesk objects_select [lrange $ids 0 1999]
+    compare_with_whole "with half of them selected"
+    vesk move 0 0.02 0
+    compare_with_whole "after a move of half of them"
+    vesk set_select_mode vertex
+    vesk select_elements set [lmap id [lrange $ids 0 2999] {string cat $id :0-3}]
+    compare_with_whole "with some vertices of each"
+    vesk set_select_mode surface
+    vesk select_elements set [lmap id [lrange $ids 1000 3999] {string cat $id :1-2}]
+    compare_with_whole "with some surfaces of each"
+    shot large-many
 }
