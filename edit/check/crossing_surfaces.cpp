@@ -109,6 +109,7 @@ std::vector<std::pair<int, int>> crossing_surfaces(const flat_ptr &mesh,
     constexpr double no_depth = 1e-5; // of the size
     solid_meshes solid;
     solid.add(mesh, 0);
+    solid.without_places();
     if (!solid.finish(go_on))
         return {};
     point3_t min, max;

@@ -90,17 +90,30 @@ std::vector<keyed_t> along_curve(const std::vector<box_t> &boxes)
 
 } // namespace
 
-box_tree::box_tree(std::vector<box_t> boxes)
+box_tree::box_tree(std::vector<box_t> boxes) : boxes_(std::move(boxes))
 {
-    order_.reserve(boxes.size());
-    boxes_.reserve(boxes.size());
-    for (const auto &[key, box] : along_curve(boxes)) {
+    order_.reserve(boxes_.size());
+    for (const auto &[key, box] : along_curve(boxes_))
         order_.push_back(box);
-        boxes_.push_back(boxes[box]);
+    put_in_order();
+    nodes_.reserve(boxes_.size());
+    if (!boxes_.empty())
+        build(0, static_cast<int>(boxes_.size()));
+}
+
+// Where they stand: a second array of millions of boxes would be the most that a model check needs.
+void box_tree::put_in_order()
+{
+    std::vector<bool> placed(boxes_.size());
+    for (std::size_t first = 0; first < boxes_.size(); ++first) {
+        const box_t kept = boxes_[first];
+        for (std::size_t at = first; !placed[at];) {
+            placed[at] = true;
+            const auto from = static_cast<std::size_t>(order_[at]);
+            boxes_[at] = from == first ? kept : boxes_[from];
+            at = from;
+        }
     }
-    nodes_.reserve(boxes.size());
-    if (!boxes.empty())
-        build(0, static_cast<int>(boxes.size()));
 }
 
 int box_tree::build(int begin, int end)

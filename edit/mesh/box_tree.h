@@ -63,6 +63,7 @@ private:
     };
     static constexpr int leaf_size = 4;
 
+    void put_in_order();
     int build(int begin, int end);
 
     template <class Visit>

@@ -52,6 +52,8 @@ bool solid_meshes::finish(const std::function<bool()> &go_on)
 {
     if (!number_points())
         return false;
+    if (!keeps_places_)
+        places_ = position_index(0);
     reserve();
     for (int m = 0; m < static_cast<int>(meshes_.size()); ++m) {
         for (int s = 0; s < meshes_[m]->num_surfaces(); ++s) {
