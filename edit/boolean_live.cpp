@@ -12,6 +12,7 @@
 #include "edit/mesh/polygon_plane.h"
 #include "edit/mesh/solid_boolean.h"
 #include "edit/pieces.h"
+#include "model/flat_array.h"
 #include "model/identity.h"
 #include "model/object_tree.h"
 
@@ -94,22 +95,16 @@ struct mesh_arrays {
     std::vector<flat_uv> uvs;
 };
 
-template <class T>
-flat_array<T> shared(std::vector<T> items)
-{
-    return std::make_shared<const std::vector<T>>(std::move(items));
-}
-
 flat_ptr mesh_of(mesh_arrays arrays)
 {
     auto mesh = std::make_shared<flat_mesh>();
-    mesh->positions = shared(std::move(arrays.positions));
-    mesh->surfaces = shared(std::move(arrays.surfaces));
-    mesh->corners = shared(std::move(arrays.corners));
-    mesh->corner_offsets = shared(std::move(arrays.offsets));
-    mesh->texture_coords = shared(std::move(arrays.uvs));
-    mesh->vertex_records = shared(std::vector<vertex *>());
-    mesh->surface_records = shared(std::vector<surface_t *>());
+    mesh->positions = flat_shared(std::move(arrays.positions));
+    mesh->surfaces = flat_shared(std::move(arrays.surfaces));
+    mesh->corners = flat_shared(std::move(arrays.corners));
+    mesh->corner_offsets = flat_shared(std::move(arrays.offsets));
+    mesh->texture_coords = flat_shared(std::move(arrays.uvs));
+    mesh->vertex_records = flat_shared(std::vector<vertex *>());
+    mesh->surface_records = flat_shared(std::vector<surface_t *>());
     std::vector<vec3d> sums(mesh->num_vertices());
     std::vector<point3_t> face_normals, normals;
     for (int s = 0; s < mesh->num_surfaces(); ++s) {
@@ -120,8 +115,8 @@ flat_ptr mesh_of(mesh_arrays arrays)
     }
     for (const vec3d &sum : sums)
         normals.push_back(to_point(unit_of(sum)));
-    mesh->face_normals = shared(std::move(face_normals));
-    mesh->normals = shared(std::move(normals));
+    mesh->face_normals = flat_shared(std::move(face_normals));
+    mesh->normals = flat_shared(std::move(normals));
     return mesh;
 }
 

@@ -10,6 +10,7 @@
 #include "model/change_marks_internal.h"
 #include "model/deferred_records.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 #include "model/freed_internal.h"
 #include "model/object_internal.h"
 #include "model/record_maker.h"
@@ -204,12 +205,6 @@ void vesk_mesh_free(vesk_mesh_t *mesh) { std::unique_ptr<vesk_mesh_t>(mesh).rese
 
 namespace {
 
-template <class T>
-flat_array<T> shared(std::vector<T> &&elements)
-{
-    return std::make_shared<const std::vector<T>>(std::move(elements));
-}
-
 // Writes a mesh into the object that it was made of, record by record: a mesh_change would keep
 // everything a second time, which for millions of triangles costs as much as the records.
 class mesh_commit {
@@ -244,8 +239,8 @@ public:
             object_->num_vertices != static_cast<int>(points_.size()))
             return;
         const std::shared_ptr<flat_mesh> flat = flat_of(std::move(mesh));
-        flat->vertex_records = shared(std::move(points_));
-        flat->surface_records = shared(std::move(surfaces_));
+        flat->vertex_records = flat_shared(std::move(points_));
+        flat->surface_records = flat_shared(std::move(surfaces_));
         flat->whole = true;
         state_set_flat(object_, flat, CHANGED_NORMALS);
     }
@@ -288,11 +283,11 @@ private:
             }
         });
         auto flat = std::make_shared<flat_mesh>();
-        flat->positions = shared(std::move(mesh.points));
-        flat->surfaces = shared(std::move(surfaces));
-        flat->corner_offsets = shared(std::move(mesh.offsets));
-        flat->corners = shared(std::move(mesh.corners));
-        flat->texture_coords = shared(std::move(mesh.uv));
+        flat->positions = flat_shared(std::move(mesh.points));
+        flat->surfaces = flat_shared(std::move(surfaces));
+        flat->corner_offsets = flat_shared(std::move(mesh.offsets));
+        flat->corners = flat_shared(std::move(mesh.corners));
+        flat->texture_coords = flat_shared(std::move(mesh.uv));
         return flat;
     }
 
@@ -321,7 +316,7 @@ private:
             for (int v = begin; v < end; ++v)
                 normals[v] = v < known ? before_->normal(v) : plain;
         });
-        return shared(std::move(normals));
+        return flat_shared(std::move(normals));
     }
     [[nodiscard]] flat_array<point3_t> face_normals_as_made() const
     {
@@ -333,7 +328,7 @@ private:
                 normals[face] = source >= 0 ? before_->face_normal(source) : plain;
             }
         });
-        return shared(std::move(normals));
+        return flat_shared(std::move(normals));
     }
 
     enum use_t : char { UNTOUCHED, LOST, KEPT };

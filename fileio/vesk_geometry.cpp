@@ -5,21 +5,12 @@
 #include "model/change_marks.h"
 #include "model/deferred_records.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 #include "model/object_internal.h"
 
 #include <algorithm>
 #include <memory>
 #include <utility>
-
-namespace {
-
-template <class T>
-flat_array<T> shared(std::vector<T> &&elements)
-{
-    return std::make_shared<const std::vector<T>>(std::move(elements));
-}
-
-} // namespace
 
 // ---- what is gathered ----
 
@@ -29,11 +20,11 @@ void vesk_geometry::settle()
     if (all.object == nullptr)
         return;
     auto flat = std::make_shared<flat_mesh>();
-    flat->positions = shared(std::move(all.positions));
-    flat->surfaces = shared(std::move(all.surfaces));
-    flat->corner_offsets = shared(std::move(all.offsets));
-    flat->corners = shared(std::move(all.corners));
-    flat->texture_coords = shared(std::move(all.uv));
+    flat->positions = flat_shared(std::move(all.positions));
+    flat->surfaces = flat_shared(std::move(all.surfaces));
+    flat->corner_offsets = flat_shared(std::move(all.offsets));
+    flat->corners = flat_shared(std::move(all.corners));
+    flat->texture_coords = flat_shared(std::move(all.uv));
     object_set_whole(all.object, std::move(flat));
 }
 

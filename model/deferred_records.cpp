@@ -5,6 +5,7 @@
 #include "base/worker.h"
 #include "model/change_marks_internal.h"
 #include "model/deferred_pages.h"
+#include "model/flat_array.h"
 #include "model/list_internal.h"
 #include "model/object_internal.h"
 #include "model/record_maker.h"
@@ -122,7 +123,7 @@ private:
             for (int i = begin; i < end; ++i)
                 all[i] = block<T>(run, i);
         });
-        return std::make_shared<const std::vector<T *>>(std::move(all));
+        return flat_shared(std::move(all));
     }
     [[nodiscard]] listitem node(run_t elements, run_t nodes, std::size_t i, std::size_t end) const
     {
@@ -218,12 +219,6 @@ deferred_records *set_of(const object_t *object)
     return nullptr;
 }
 
-template <class T>
-flat_array<T *> made(std::vector<T *> &&records)
-{
-    return std::make_shared<const std::vector<T *>>(std::move(records));
-}
-
 void make_at_once(object_t *object, flat_mesh *flat)
 {
     auto vertices = big_vector<vertex *>(flat->num_vertices());
@@ -245,8 +240,8 @@ void make_at_once(object_t *object, flat_mesh *flat)
                       make_records(flat->num_vertices(), make_vertex));
     list_append_chain(&object->surfaces, &object->num_surfaces,
                       make_records(flat->num_surfaces(), make_surface));
-    flat->vertex_records = made(std::move(vertices));
-    flat->surface_records = made(std::move(surfaces));
+    flat->vertex_records = flat_shared(std::move(vertices));
+    flat->surface_records = flat_shared(std::move(surfaces));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "base/big_vector.h"
 #include "model/change_marks_internal.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 #include "model/list_pieces.h"
 #include "model/object_internal.h"
 
@@ -10,12 +11,6 @@
 #include <unordered_set>
 
 namespace {
-
-template <class T>
-flat_array<T> shared(std::vector<T> &&elements)
-{
-    return std::make_shared<const std::vector<T>>(std::move(elements));
-}
 
 bool same(const point3_t &a, const point3_t &b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 bool same(const flat_uv &a, const svertex &b)
@@ -36,7 +31,7 @@ flat_array<T> read_array(const listitem *head, std::size_t n, const Get &get)
     auto elements = big_vector<T>(n);
     list.visit_all<Record>(
         [&](const Record *element, std::size_t i) { elements[i] = get(*element); });
-    return shared(std::move(elements));
+    return flat_shared(std::move(elements));
 }
 
 void read_vertices(const object_t *object, bool with_normals, flat_mesh *flat)
@@ -53,9 +48,9 @@ void read_vertices(const object_t *object, bool with_normals, flat_mesh *flat)
             normals[i] = point->normal;
         records[i] = point;
     });
-    flat->positions = shared(std::move(positions));
-    flat->normals = with_normals ? shared(std::move(normals)) : nullptr;
-    flat->vertex_records = shared(std::move(records));
+    flat->positions = flat_shared(std::move(positions));
+    flat->normals = with_normals ? flat_shared(std::move(normals)) : nullptr;
+    flat->vertex_records = flat_shared(std::move(records));
 }
 
 // Reads the surfaces of an object whose vertices are numbered, the pieces of the list side by side.
@@ -83,13 +78,13 @@ public:
         };
         if (!read(said))
             read(real);
-        flat->face_normals = with_normals_ ? shared(std::move(normals_)) : nullptr;
+        flat->face_normals = with_normals_ ? flat_shared(std::move(normals_)) : nullptr;
         flat->whole = !left_out_;
-        flat->surfaces = shared(std::move(surfaces_));
-        flat->corner_offsets = shared(std::move(offsets_));
-        flat->surface_records = shared(std::move(records_));
-        flat->corners = shared(std::move(corners_));
-        flat->texture_coords = shared(std::move(texture_coords_));
+        flat->surfaces = flat_shared(std::move(surfaces_));
+        flat->corner_offsets = flat_shared(std::move(offsets_));
+        flat->surface_records = flat_shared(std::move(records_));
+        flat->corners = flat_shared(std::move(corners_));
+        flat->texture_coords = flat_shared(std::move(texture_coords_));
     }
 
 private:
@@ -180,7 +175,7 @@ flat_array<flat_uv> read_texture_coords(const object_t *object, const flat_mesh 
                 texture_coords[corner++] = {reference->u, reference->v};
         }
     }
-    return corner == texture_coords.size() ? shared(std::move(texture_coords)) : nullptr;
+    return corner == texture_coords.size() ? flat_shared(std::move(texture_coords)) : nullptr;
 }
 
 // A copy of `old` with the marked arrays read anew; null when the lists have other lengths.

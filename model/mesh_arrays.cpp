@@ -5,6 +5,7 @@
 #include "model/change_marks.h"
 #include "model/deferred_records.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 #include "model/object_internal.h"
 
 #include <algorithm>
@@ -22,12 +23,6 @@ kept_t &kept()
     return arrays;
 }
 
-template <class T>
-flat_array<T> shared(std::vector<T> &&elements)
-{
-    return std::make_shared<const std::vector<T>>(std::move(elements));
-}
-
 void set_surfaces(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
 {
     auto surfaces = big_vector<flat_surface>(arrays.num_surfaces);
@@ -39,7 +34,7 @@ void set_surfaces(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
             surfaces[i] = flat_attributes(surface);
         }
     });
-    flat->surfaces = shared(std::move(surfaces));
+    flat->surfaces = flat_shared(std::move(surfaces));
 }
 
 void set_corners(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
@@ -60,9 +55,9 @@ void set_corners(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
         }
         offsets.push_back(static_cast<std::int32_t>(corners.size()));
     }
-    flat->corner_offsets = shared(std::move(offsets));
-    flat->corners = shared(std::move(corners));
-    flat->texture_coords = shared(std::move(uv));
+    flat->corner_offsets = flat_shared(std::move(offsets));
+    flat->corners = flat_shared(std::move(corners));
+    flat->texture_coords = flat_shared(std::move(uv));
 }
 
 } // namespace
@@ -70,7 +65,8 @@ void set_corners(const vesk_mesh_arrays_t &arrays, flat_mesh *flat)
 void object_set_mesh(object_t *object, const vesk_mesh_arrays_t &arrays)
 {
     auto flat = std::make_shared<flat_mesh>();
-    flat->positions = shared(std::vector(arrays.positions, arrays.positions + arrays.num_vertices));
+    flat->positions =
+        flat_shared(std::vector(arrays.positions, arrays.positions + arrays.num_vertices));
     set_surfaces(arrays, flat.get());
     set_corners(arrays, flat.get());
     object_set_whole(object, std::move(flat));

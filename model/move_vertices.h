@@ -6,6 +6,7 @@
 #include "model/change_marks.h"
 #include "model/deferred_records.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 
 // Puts each of the object's own vertices at move(its position), and marks the object; records that are
 // deferred stay so. `move` may be called on several threads at once.
@@ -25,7 +26,7 @@ void object_move_vertices(object_t *object, const Move &move)
             positions[v] = move(before->position(v));
     });
     auto flat = std::make_shared<flat_mesh>(*before);
-    flat->positions = std::make_shared<const std::vector<point3_t>>(std::move(positions));
+    flat->positions = flat_shared(std::move(positions));
     object_defer_values(object, std::move(flat), CHANGED_POSITIONS);
 }
 

@@ -4,6 +4,7 @@
 #include "base/prefs.h"
 #include "model/change_marks_internal.h"
 #include "model/deferred_records.h"
+#include "model/flat_array.h"
 #include "model/list_pieces.h"
 #include "model/normals_internal.h"
 #include "model/vector.h"
@@ -147,8 +148,8 @@ void renew_normals_alone(object_t *object)
     const flat_ptr deferred = untouched_flat(object);
     auto surface_normals = renew_surface_normals(*flat, deferred.get());
     auto normals = renew_vertex_normals(*flat, surface_normals, !deferred);
-    flat->face_normals = std::make_shared<const std::vector<point3_t>>(std::move(surface_normals));
-    flat->normals = std::make_shared<const std::vector<point3_t>>(std::move(normals));
+    flat->face_normals = flat_shared(std::move(surface_normals));
+    flat->normals = flat_shared(std::move(normals));
     if (deferred) {
         object_defer_values(object, flat, CHANGED_NORMALS);
         return;

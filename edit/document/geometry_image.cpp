@@ -6,6 +6,7 @@
 #include "model/alloc.h"
 #include "model/change_marks_internal.h"
 #include "model/deferred_records.h"
+#include "model/flat_array.h"
 #include "model/freed_internal.h"
 #include "model/normals_internal.h"
 
@@ -20,7 +21,7 @@ flat_array<point3_t> normals_from_corners(const flat_mesh &mesh)
         for (int i = begin; i < end; ++i)
             normals[i] = normal_of_corners(mesh, i);
     });
-    return std::make_shared<const std::vector<point3_t>>(std::move(normals));
+    return flat_shared(std::move(normals));
 }
 
 // ---- the lists stay, values are written ----
@@ -201,8 +202,8 @@ void fill_lists(object_t *object, flat_mesh *image)
     list_prepare_fast(nullptr, 0); // its short cuts may lead to freed nodes
     std::vector<vertex *> vertices = fill_vertices(object, *image);
     std::vector<surface_t *> surfaces = fill_surfaces(object, *image, vertices);
-    image->vertex_records = std::make_shared<const std::vector<vertex *>>(std::move(vertices));
-    image->surface_records = std::make_shared<const std::vector<surface_t *>>(std::move(surfaces));
+    image->vertex_records = flat_shared(std::move(vertices));
+    image->surface_records = flat_shared(std::move(surfaces));
 }
 
 } // namespace

@@ -4,17 +4,12 @@
 #include "edit/mesh/mesh_change.h"
 #include "model/change_marks_internal.h"
 #include "model/deferred_records.h"
+#include "model/flat_array.h"
 #include "model/freed_internal.h"
 #include "model/object_internal.h"
 #include "model/vertex_colours.h"
 
 namespace {
-
-template <class T>
-flat_array<T> shared(std::vector<T> &&elements)
-{
-    return std::make_shared<const std::vector<T>>(std::move(elements));
-}
 
 // It is kept for long in the history: without much room that is not used.
 template <class T>
@@ -38,7 +33,7 @@ flat_array<T> joined(const flat_array<T> &old, const std::vector<char> &gone, st
         return old;
     const std::size_t left = count_left(old->size(), gone);
     if (left == 0)
-        return shared(tight(made));
+        return flat_shared(tight(made));
     std::vector<T> all;
     reserve_big(all, left + made.size());
     if (gone.empty())
@@ -48,7 +43,7 @@ flat_array<T> joined(const flat_array<T> &old, const std::vector<char> &gone, st
             all.push_back((*old)[i]);
     }
     all.insert(all.end(), made.begin(), made.end());
-    return shared(std::move(all));
+    return flat_shared(std::move(all));
 }
 
 // The same for what every corner has; surfaces go.
@@ -107,15 +102,15 @@ void mesh_change::hand_over_corners(flat_mesh &flat)
     if (!corners_after_.empty() && gone_surfaces_.empty() && likes_.empty() &&
         gone_vertices_.empty()) {
         flat.texture_coords = before_->texture_coords;
-        flat.corners = shared(std::move(corners_after_));
+        flat.corners = flat_shared(std::move(corners_after_));
         return;
     }
     // Always an array of its own: who finds the same one takes the vertices for the same, too.
     auto corners = joined_corners(*before_, corners_after(), gone_surfaces_, std::move(corners_));
     number_corners(corners);
-    flat.corners = shared(std::move(corners));
-    flat.texture_coords =
-        shared(joined_corners(*before_, *before_->texture_coords, gone_surfaces_, std::move(uv_)));
+    flat.corners = flat_shared(std::move(corners));
+    flat.texture_coords = flat_shared(
+        joined_corners(*before_, *before_->texture_coords, gone_surfaces_, std::move(uv_)));
 }
 
 std::vector<flat_surface> mesh_change::attributes_of_new() const
@@ -159,7 +154,7 @@ void mesh_change::hand_over_surfaces(flat_mesh &flat)
         first_corners_.push_back(static_cast<std::int32_t>(corners_.size()));
         offsets = tight(first_corners_);
     }
-    flat.corner_offsets = shared(std::move(offsets));
+    flat.corner_offsets = flat_shared(std::move(offsets));
 }
 
 // But for normals and records.
@@ -217,7 +212,7 @@ flat_array<point3_t> mesh_change::normals_of_surfaces() const
         for (int i = begin; i < end; ++i)
             made[i] = likes_[i] >= 0 ? before_->face_normal(likes_[i]) : plain_surface().normal;
     });
-    return shared(std::move(made));
+    return flat_shared(std::move(made));
 }
 
 mesh_result mesh_change::renew()
