@@ -21,6 +21,10 @@ struct picture_t {
 // Ends a layer: while the picture is measured, waits until it is drawn and adds what it took.
 void finish_layer(picture_t &picture, draw_layer layer);
 
+// Vertices, of which a quick picture without that layer has the selected ones in vertex mode, or some of
+// many: what is selected is never a surprise.
+void draw_vertex_layer(const picture_t &picture, bool unselected, bool selected);
+
 // The surfaces of a layer by `draw`; while something moves, that is left out when it is shown as a
 // wireframe, or stands where the mouse has brought it.
 template <class Draw>

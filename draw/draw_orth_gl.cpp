@@ -109,12 +109,8 @@ void draw_orthographic_layers(picture_t &picture)
     if (picture.layers.edges)
         draw_model_edges(picture, filled);
     finish_layer(picture, draw_layer::edges);
-    if (picture.layers.vertices)
-        draw_vertices(picture.scene,
-                      {view_shows_vertices(picture.view), prefs.show_selected_vertices != 0,
-                       select_mode() == SELECT_VERTEX,
-                       static_cast<float>(prefs.vert_size * picture.scale),
-                       prefs.draw_moving_vertices != 0});
+    draw_vertex_layer(picture, view_shows_vertices(picture.view),
+                      prefs.show_selected_vertices != 0);
     if (prefs.show_normals_orth != 0 && slice_draws(slice_step_elements))
         draw_normals(picture.scene, static_cast<float>(prefs.size_show_normals),
                      colour_of(normal_colour));
