@@ -259,6 +259,7 @@ bool records_can_be_renewed(int num_vertices, int num_surfaces)
 
 void object_set_whole(object_t *object, std::shared_ptr<flat_mesh> flat)
 {
+    const bool before = std::exchange(session().committing, true); // not to be left half done
     object_free_geometry(object);
     // What was written wholly needs no flat mesh any more.
     std::erase_if(all_sets(), [](const set_ptr &set) { return set->are_written(); });
@@ -275,6 +276,7 @@ void object_set_whole(object_t *object, std::shared_ptr<flat_mesh> flat)
     object_mark(object, CHANGED_TOPOLOGY);
     const unsigned missing = flat->normals ? 0U : static_cast<unsigned>(CHANGED_NORMALS);
     state_set_flat(object, std::move(flat), missing);
+    session().committing = before;
 }
 
 flat_ptr untouched_flat(const object_t *object)
