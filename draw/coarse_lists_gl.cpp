@@ -38,7 +38,49 @@ bool write_next(coarse_lists_t &lists, const coarse_mesh_t &mesh, std::size_t mo
     return lists.written == first_bytes + bytes_of(mesh.edges);
 }
 
+// Appends some of `values`, of which `out` has the first already; returns how many bytes that leaves.
+std::size_t append_some(std::vector<std::int32_t> &out, const std::vector<std::int32_t> &values,
+                        std::size_t most_bytes)
+{
+    out.reserve(values.size());
+    const std::size_t count = std::min(values.size() - out.size(), most_bytes / sizeof(out[0]));
+    const auto first = values.begin() + static_cast<std::ptrdiff_t>(out.size());
+    out.insert(out.end(), first, first + static_cast<std::ptrdiff_t>(count));
+    return most_bytes - count * sizeof(out[0]);
+}
+
 } // namespace
+
+void coarse_begin(coarse_lists_t &lists, const mesh_layout_t &layout,
+                  const flat_array<point3_t> &positions)
+{
+    lists.source = std::make_shared<coarse_source_t>();
+    lists.source->positions = positions;
+    lists.source->groups = layout.groups;
+    lists.source->num_vertices = layout.num_vertices;
+}
+
+void coarse_gather(coarse_lists_t &lists, const mesh_layout_t &layout, const gpu_buffer &triangles,
+                   const index_range_t &range, std::size_t most_bytes)
+{
+    coarse_source_t &source = *lists.source;
+    const std::size_t first = source.triangles.size();
+    const std::size_t count = std::min(range.count - first, most_bytes / sizeof(std::uint32_t));
+    const std::size_t bytes = count * sizeof(std::uint32_t);
+    source.triangles.reserve(range.count);
+    source.triangles.resize(first + count);
+    triangles.read(GL_ELEMENT_ARRAY_BUFFER, (range.first + first) * sizeof(std::uint32_t),
+                   source.triangles.data() + first, bytes);
+    const std::size_t left =
+        append_some(source.extra_vertices, layout.extra_vertices, most_bytes - bytes);
+    append_some(source.slot_face, layout.slot_face, left);
+    if (source.triangles.size() < range.count ||
+        source.extra_vertices.size() < layout.extra_vertices.size() ||
+        source.slot_face.size() < layout.slot_face.size())
+        return;
+    lists.job = coarse_job_start(std::move(source));
+    lists.source = nullptr;
+}
 
 void coarse_take(coarse_lists_t &lists, const std::vector<point3_t> &positions,
                  std::size_t most_bytes)

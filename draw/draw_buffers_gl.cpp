@@ -335,18 +335,6 @@ void build_anew(object_buffers_t &buffers, const flat_ptr &flat, bool later)
         build(buffers, flat);
 }
 
-// Of an object with a page of its own, where slots have the same numbers.
-coarse_source_t coarse_source(const object_buffers_t &buffers)
-{
-    const mesh_layout_t &layout = buffers.layout;
-    std::vector<std::uint32_t> triangles(buffers.num_indices);
-    buffers.page->triangles.read(GL_ELEMENT_ARRAY_BUFFER,
-                                 buffers.first_triangle_index * index_bytes, triangles.data(),
-                                 triangles.size() * index_bytes);
-    return {buffers.flat->positions, std::move(triangles), layout.groups,
-            layout.extra_vertices,   layout.slot_face,     layout.num_vertices};
-}
-
 // Calls draw(ranges) for all of them, or for the pieces of them that are in the present slice.
 template <class Draw>
 void in_steps(const draw_ranges_t &ranges, Draw &&draw)
@@ -447,10 +435,10 @@ void buffers_ask_for_coarse(const object_t *object)
     object_buffers_t &buffers = found->second;
     coarse_lists_t &coarse = buffers.coarse;
     if (buffers.page == nullptr || buffers.waits() || buffers.page->shared ||
-        coarse.job != nullptr || coarse.given_up || (coarse.mesh != nullptr && !coarse.outdated) ||
+        coarse.is_being_made() || coarse.given_up || (coarse.mesh != nullptr && !coarse.outdated) ||
         buffers.num_indices / 3 < least_coarse_triangles)
         return;
-    coarse.job = coarse_job_start(coarse_source(buffers));
+    coarse_begin(coarse, buffers.layout, buffers.flat->positions);
     store().with_jobs.insert(object);
 }
 
@@ -459,13 +447,18 @@ void buffers_take_some_coarse()
     store_t &state = store();
     for (auto object = state.with_jobs.begin(); object != state.with_jobs.end();) {
         const auto found = state.objects.find(*object);
-        if (found != state.objects.end() && found->second.coarse.job != nullptr) {
-            object_buffers_t &buffers = found->second;
-            coarse_take(buffers.coarse, *buffers.flat->positions, bytes_between_slices);
-            ++object;
-        } else {
+        if (found == state.objects.end() || !found->second.coarse.is_being_made()) {
             object = state.with_jobs.erase(object);
+            continue;
         }
+        object_buffers_t &buffers = found->second;
+        if (buffers.coarse.source != nullptr)
+            coarse_gather(buffers.coarse, buffers.layout, buffers.page->triangles,
+                          {buffers.first_triangle_index, buffers.num_indices},
+                          bytes_between_slices);
+        else
+            coarse_take(buffers.coarse, *buffers.flat->positions, bytes_between_slices);
+        ++object;
     }
 }
 

@@ -9,8 +9,11 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <map>
+#include <sstream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -170,6 +173,20 @@ bool make_frame_buffer(frame_buffer_t &frame, int width, int height)
     return complete;
 }
 
+bool draws_on_processor()
+{
+    const auto *renderer = reinterpret_cast<const char *>(glGetString(GL_RENDERER));
+    return renderer != nullptr && std::string_view(renderer).starts_with("llvmpipe");
+}
+
+bool has_extension(std::string_view name)
+{
+    const auto *words = reinterpret_cast<const char *>(glGetString(GL_EXTENSIONS));
+    std::istringstream rest(words != nullptr ? words : "");
+    return std::find(std::istream_iterator<std::string>(rest), {}, name) !=
+           std::istream_iterator<std::string>();
+}
+
 void look_up_caps(device_caps_t &caps)
 {
     const auto *text = reinterpret_cast<const char *>(glGetString(GL_VERSION));
@@ -181,6 +198,7 @@ void look_up_caps(device_caps_t &caps)
     std::sscanf(text, "%d.%d", &major, &minor);
     const int version = major * 10 + minor;
     caps.buffers = version >= 15;
+    caps.own_memory = caps.buffers && draws_on_processor() && has_extension("GL_AMD_pinned_memory");
     caps.programs = version >= 30;
     if (version >= 30) {
         GLint most = 0;

@@ -17,9 +17,10 @@
 
 struct device_caps_t {
     bool known = false;
-    bool buffers = false;  // vertex buffer objects (OpenGL 1.5)
-    bool programs = false; // GLSL 1.30 in a compatibility context
-    int samples = 0;       // of a frame with smoothing; 0: lines are smoothed one by one
+    bool buffers = false;    // vertex buffer objects (OpenGL 1.5)
+    bool own_memory = false; // the processor draws, and buffers can be memory of ours
+    bool programs = false;   // GLSL 1.30 in a compatibility context
+    int samples = 0;         // of a frame with smoothing; 0: lines are smoothed one by one
 };
 
 // Of the current context; looked up once.

@@ -19,7 +19,7 @@
 namespace {
 
 constexpr colour_t label_colour = {200 / 255.0f, 200 / 255.0f, 200 / 255.0f, 1};
-constexpr double slice_seconds = 0.025;
+constexpr double slice_seconds = 0.018;
 constexpr double any_time = 1e9;
 constexpr double vertices_of_object = 24; // that cost as much as an object does beside its own
 constexpr float label_x = 8;

@@ -1,10 +1,41 @@
 #include "draw/gpu_buffer_gl.h"
 
 #include <cstring>
+#include <sys/mman.h>
 
 namespace {
+
 std::uint64_t all_bytes = 0;
+
+constexpr std::size_t page_bytes = std::size_t{2} << 20;
+constexpr std::size_t least_in_pages = 2 * page_bytes;
+
 } // namespace
+
+// False: the driver does not take them.
+bool gpu_buffer::reserve_pages(std::size_t bytes)
+{
+    const std::size_t room = (bytes + page_bytes - 1) / page_bytes * page_bytes;
+    void *pages = mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pages == MAP_FAILED)
+        return false;
+#ifdef MADV_HUGEPAGE
+    madvise(pages, room, MADV_HUGEPAGE);
+#endif
+    while (glGetError() != GL_NO_ERROR) // of somebody else
+        continue;
+    glBindBuffer(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, id_);
+    glBufferData(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, static_cast<GLsizeiptr>(bytes), pages,
+                 GL_STATIC_DRAW);
+    glBindBuffer(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, 0);
+    if (glGetError() != GL_NO_ERROR) {
+        munmap(pages, room);
+        return false;
+    }
+    pages_ = pages;
+    num_bytes_ = room;
+    return true;
+}
 
 void gpu_buffer::reserve(GLenum target, std::size_t bytes)
 {
@@ -13,6 +44,8 @@ void gpu_buffer::reserve(GLenum target, std::size_t bytes)
         return;
     }
     glGenBuffers(1, &id_);
+    if (device_caps().own_memory && bytes >= least_in_pages && reserve_pages(bytes))
+        return;
     glBindBuffer(target, id_);
     glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);
     glBindBuffer(target, 0); // or the next small array would be read from it
@@ -60,8 +93,11 @@ void gpu_buffer::release()
 {
     if (id_ != 0)
         glDeleteBuffers(1, &id_);
-    id_ = 0;
-    memory_ = {};
+    if (pages_ != nullptr) {
+        glFinish(); // what is drawn reads them
+        munmap(pages_, num_bytes_);
+    }
+    *this = {};
 }
 
 std::uint64_t gpu_buffer::uploaded_bytes() { return all_bytes; }

@@ -5,7 +5,9 @@
 
 #include <cstddef>
 
-// A buffer object, or memory of our own where there are none.
+// A buffer object, or memory of our own where there are none. Where the processor draws, a large buffer
+// object is memory of our own, too: the driver would clear its own at once, and the first touch of so many
+// pages takes longer than an event may wait; here each page is touched when it is written.
 class gpu_buffer {
 public:
     void reserve(GLenum target, std::size_t bytes);
@@ -19,8 +21,12 @@ public:
     static std::uint64_t uploaded_bytes();
 
 private:
+    bool reserve_pages(std::size_t bytes);
+
     GLuint id_ = 0;
     std::vector<unsigned char> memory_;
+    void *pages_ = nullptr; // of the buffer object
+    std::size_t num_bytes_ = 0;
 };
 
 #endif

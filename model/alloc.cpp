@@ -188,6 +188,11 @@ void alloc_use_big_pages()
     const std::size_t room = memory / block * block;
     if (room == 0)
         return;
+    // What is freed is asked for again soon, picture after picture; the first touch of a page that went
+    // back costs more than the work on it.
+    constexpr long milliseconds = 20000;
+    mi_option_set(mi_option_decommit_delay, milliseconds);
+    mi_option_set(mi_option_segment_decommit_delay, milliseconds);
     void *start =
         mmap(nullptr, room + block, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (start == MAP_FAILED)
