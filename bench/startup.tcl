@@ -18,13 +18,16 @@ proc write {name text} {
 }
 
 # best --
-#   The shortest of several runs, in milliseconds.
+#   The shortest of several runs, in milliseconds: until the script says that its window is drawn, else
+#   until the end.
 proc best {runs args} {
     set shortest 1e9
     for {set i 0} {$i < $runs} {incr i} {
         set from [clock microseconds]
-        exec {*}$args >@stdout 2>/dev/null
-        set shortest [expr {min($shortest, ([clock microseconds] - $from) / 1000.0)}]
+        set said [exec {*}$args 2>/dev/null]
+        set until [clock microseconds]
+        regexp {drawn at (\d+)} $said -> until
+        set shortest [expr {min($shortest, ($until - $from) / 1000.0)}]
     }
     return $shortest
 }
@@ -38,7 +41,7 @@ write veskprefs.txt "VESKPR 12\nshow_startup_tips FALSE\nwindows_show_console FA
 set empty [write empty.tcl ""]
 report "batch, empty script" [best 20 $program -batch $empty] tclsh [best 20 tclsh8.6 $empty] 30
 if {[info exists ::env(DISPLAY)]} {
-    set leave [write leave.tcl "update\nexit\n"]
+    set leave [write leave.tcl "update\nputs \"drawn at \[clock microseconds\]\"\nexit\n"]
     report "window, four views drawn" [best 5 $program -script $leave] \
         wish [best 5 wish8.6 $leave] 250
 }

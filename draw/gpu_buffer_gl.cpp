@@ -8,7 +8,7 @@ namespace {
 std::uint64_t all_bytes = 0;
 
 constexpr std::size_t page_bytes = std::size_t{2} << 20;
-constexpr std::size_t least_in_pages = 2 * page_bytes;
+constexpr std::size_t least_in_own_memory = page_bytes;
 
 } // namespace
 
@@ -44,7 +44,7 @@ void gpu_buffer::reserve(GLenum target, std::size_t bytes)
         return;
     }
     glGenBuffers(1, &id_);
-    if (device_caps().own_memory && bytes >= least_in_pages && reserve_pages(bytes))
+    if (device_caps().own_memory && bytes >= least_in_own_memory && reserve_pages(bytes))
         return;
     glBindBuffer(target, id_);
     glBufferData(target, static_cast<GLsizeiptr>(bytes), nullptr, GL_STATIC_DRAW);

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <future>
 #include <map>
 #include <memory>
 #include <png.h>
@@ -15,11 +16,15 @@ namespace {
 
 constexpr int largest_size = 8192;
 
-// Pixels on the way to the server, then a picture there.
+// Alpha in the top byte, colours multiplied by it.
+using pixels_t = std::vector<std::uint32_t>;
+
+// Pixels on the way to the server, then a picture there. A worker reads them: icons are asked for while the
+// window is built, and drawn later.
 struct sheet_t {
     int width = 0;
     int height = 0;
-    std::vector<std::uint32_t> pixels; // alpha in the top byte, colours multiplied by it
+    std::future<pixels_t> pixels; // none: the file is damaged
     Display *display = nullptr;
     Pixmap pixmap = 0;
     Picture picture = 0;
@@ -63,26 +68,32 @@ std::uint32_t premultiplied(const unsigned char bgra[4])
     return static_cast<std::uint32_t>(bgra[3]) << 24 | part(2) << 16 | part(1) << 8 | part(0);
 }
 
+pixels_t read_pixels(const std::shared_ptr<png_image> &image)
+{
+    std::vector<unsigned char> bytes(PNG_IMAGE_SIZE(*image));
+    if (png_image_finish_read(image.get(), nullptr, bytes.data(), 0, nullptr) == 0)
+        return {};
+    pixels_t pixels(bytes.size() / 4);
+    for (size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = premultiplied(&bytes[4 * i]);
+    return pixels;
+}
+
 sheet_ref_t read_sheet(const char *file)
 {
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_file(&image, file) == 0)
+    const std::shared_ptr<png_image> image(new png_image{}, [](png_image *read) {
+        png_image_free(read);
+        delete read;
+    });
+    image->version = PNG_IMAGE_VERSION;
+    if (png_image_begin_read_from_file(image.get(), file) == 0 || image->width > largest_size ||
+        image->height > largest_size)
         return nullptr;
-    image.format = PNG_FORMAT_BGRA;
-    if (image.width > largest_size || image.height > largest_size) {
-        png_image_free(&image);
-        return nullptr;
-    }
-    std::vector<unsigned char> bytes(PNG_IMAGE_SIZE(image));
-    if (png_image_finish_read(&image, nullptr, bytes.data(), 0, nullptr) == 0)
-        return nullptr;
+    image->format = PNG_FORMAT_BGRA;
     auto sheet = std::make_shared<sheet_t>();
-    sheet->width = static_cast<int>(image.width);
-    sheet->height = static_cast<int>(image.height);
-    sheet->pixels.resize(bytes.size() / 4);
-    for (size_t i = 0; i < sheet->pixels.size(); ++i)
-        sheet->pixels[i] = premultiplied(&bytes[4 * i]);
+    sheet->width = static_cast<int>(image->width);
+    sheet->height = static_cast<int>(image->height);
+    sheet->pixels = std::async(std::launch::async, read_pixels, image);
     return sheet;
 }
 
@@ -97,6 +108,8 @@ sheet_ref_t sheet_of(const char *file)
 
 void upload(sheet_t &sheet, Tk_Window window)
 {
+    pixels_t pixels = sheet.pixels.get();
+    pixels.resize(static_cast<size_t>(sheet.width) * sheet.height); // else transparent
     Display *display = Tk_Display(window);
     sheet.display = display;
     sheet.pixmap =
@@ -108,7 +121,7 @@ void upload(sheet_t &sheet, Tk_Window window)
     image.width = sheet.width;
     image.height = sheet.height;
     image.format = ZPixmap;
-    image.data = reinterpret_cast<char *>(sheet.pixels.data());
+    image.data = reinterpret_cast<char *>(pixels.data());
     image.byte_order = std::endian::native == std::endian::little ? LSBFirst : MSBFirst;
     image.bitmap_unit = image.bitmap_pad = image.depth = image.bits_per_pixel = 32;
     image.bitmap_bit_order = image.byte_order;
@@ -117,7 +130,6 @@ void upload(sheet_t &sheet, Tk_Window window)
     XPutImage(display, sheet.pixmap, gc, &image, 0, 0, 0, 0, static_cast<unsigned>(sheet.width),
               static_cast<unsigned>(sheet.height));
     XFreeGC(display, gc);
-    sheet.pixels = {};
 }
 
 // ---- the image's own command ----
