@@ -74,6 +74,7 @@ private:
 
     void work()
     {
+        work_in_background();
         while (const std::shared_ptr<Job> job = first()) {
             do_job(*job);
             const std::lock_guard lock(mutex_);

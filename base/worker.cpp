@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <sys/resource.h>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -75,6 +77,12 @@ void worker_t::join()
     thread_.join();
     if (*failure_)
         std::rethrow_exception(std::exchange(*failure_, nullptr));
+}
+
+void work_in_background()
+{
+    constexpr int patience = 10;
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), patience); // else it competes with them
 }
 
 bool in_parallel(int count, const std::function<void(int)> &work,

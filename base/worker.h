@@ -35,6 +35,10 @@ private:
     std::shared_ptr<std::exception_ptr> failure_;
 };
 
+// Of a worker: from now on it takes the processor time that others leave, and so do the threads that it
+// starts. For work that nobody waits for: views, which are drawn by threads of the driver, too, go first.
+void work_in_background();
+
 // Calls work(i) for each i below `count`, in any order, on this thread and on others where the machine
 // has more than one core. `go_on`, when there is one, is asked on this thread between its pieces; once
 // it answers false no further piece is begun, and the result is false. Throws what a piece has thrown.

@@ -152,7 +152,10 @@ bool start_worker(const state_ptr &state, const std::string &file)
     };
     try {
         session.worker = worker_t(
-            [&session, state, file] { session.written = write_model_state(*state, file.c_str()); },
+            [&session, state, file] {
+                work_in_background();
+                session.written = write_model_state(*state, file.c_str());
+            },
             ended);
     } catch (const std::system_error &) { // no thread to be had
         ended();

@@ -190,7 +190,7 @@ void alloc_use_big_pages()
         return;
     // What is freed is asked for again soon, picture after picture; the first touch of a page that went
     // back costs more than the work on it.
-    constexpr long milliseconds = 20000;
+    constexpr long milliseconds = 60000;
     mi_option_set(mi_option_decommit_delay, milliseconds);
     mi_option_set(mi_option_segment_decommit_delay, milliseconds);
     void *start =

@@ -132,11 +132,15 @@ bool start_job(std::unique_ptr<job_t> job)
     const auto wake = ui_port().wake;
     job_t &own = *job;
     try {
-        own.worker = worker_t([&own] { work_on(own); },
-                              [&own, wake] {
-                                  own.ended = true;
-                                  wake(tell_end);
-                              });
+        own.worker = worker_t(
+            [&own] {
+                work_in_background();
+                work_on(own);
+            },
+            [&own, wake] {
+                own.ended = true;
+                wake(tell_end);
+            });
     } catch (const std::system_error &) {
         return false;
     }
