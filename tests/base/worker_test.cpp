@@ -5,11 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -95,6 +98,29 @@ TEST(JobQueue, AJobThatFaultsLeavesTheOthers)
         EXPECT_TRUE(jobs[i]->ended);
         EXPECT_EQ(jobs[i]->failed, i % 5 == 1 || i % 5 == 2) << i;
     }
+}
+
+// A priority that is set for the process would slow down the window as well.
+TEST(JobQueue, YieldsTheProcessorAloneAndWithTheThreadsThatItStarts)
+{
+    const auto priority = [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())); };
+    const int before = priority();
+    std::atomic<int> least_in_job = 1000;
+    job_queue<counted_job_t> queue;
+    const auto job = std::make_shared<counted_job_t>();
+    job->work = [&] {
+        in_parallel(64, [&](int) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // for more than one thread
+            least_in_job = std::min<int>(least_in_job, priority());
+        });
+    };
+    queue.add(job);
+    queue.wait(false);
+    EXPECT_GT(least_in_job, before);
+    EXPECT_EQ(priority(), before);
+    int in_worker = -1000;
+    worker_t([&] { in_worker = priority(); }).join();
+    EXPECT_EQ(in_worker, before);
 }
 
 // Not where it writes results, nor in a library: there it is to be asked again.
