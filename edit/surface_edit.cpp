@@ -59,6 +59,8 @@ void run_surface_edit(const char *what, const std::function<bool(surface_edit &)
             display_message("%s - the result would lie too far out", what);
             return;
         }
+        if (edit.kept.empty())
+            edit.change.renew_records();
         changed += edit.changed;
         if (!edit.reason.empty())
             reason = edit.reason;

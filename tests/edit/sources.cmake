@@ -16,6 +16,7 @@ target_sources(vesk_tests PRIVATE
     edit/measure_test.cpp
     edit/mesh_corpus.cpp
     edit/mesh_corpus_test.cpp
+    edit/renewed_records_test.cpp
     edit/mirrored_model_test.cpp
     edit/object_properties_test.cpp
     edit/panel_transform_test.cpp
