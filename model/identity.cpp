@@ -1,7 +1,6 @@
-#include "model/identity_internal.h"
-
 #include "base/messages.h"
 #include "model/freed.h"
+#include "model/identity_internal.h"
 
 #include <unordered_map>
 

@@ -112,7 +112,7 @@ proc ::vesk::objects::bind_tree {} {
     bind $tree <Button-1> {+::vesk::objects::drag_press %x %y}
     # A press that adds to the selection must not become a drag: its release would choose one row.
     foreach event {<Control-Button-1> <Shift-Button-1>} {
-        bind $tree $event {::vesk::objects::drag_press %x %y; set ::vesk::objects::drag ""}
+        bind $tree $event {::vesk::objects::drag_press %x %y 1}
     }
     bind $tree <B1-Motion> {::vesk::objects::drag_motion %x %y}
     bind $tree <ButtonRelease-1> {::vesk::objects::drag_release}

@@ -107,7 +107,10 @@ proc ::vesk::objects::choose_more {} {
 #   Takes over all that are left: the person is about to change the tree's selection.
 proc ::vesk::objects::choose_at_once {} {
     variable chosen_at
+    variable syncing
+    if {$chosen_at eq ""} {return}
     while {$chosen_at ne ""} {choose_until inf}
+    set syncing 0 ;# what comes now is the person's
 }
 
 # choose_until --
