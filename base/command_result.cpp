@@ -2,6 +2,7 @@
 
 #include "base/messages.h"
 
+#include <charconv>
 #include <cstdarg>
 #include <cstdio>
 
@@ -60,5 +61,9 @@ void command_result_append_element(std::string_view text)
 
 void command_result_append_element(int number)
 {
-    command_result_append_element(std::to_string(number));
+    has_result = true;
+    if (!result.empty())
+        result += ' ';
+    char digits[16];
+    result.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
 }

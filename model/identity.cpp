@@ -1,7 +1,6 @@
-#include "model/identity.h"
-
 #include "base/messages.h"
 #include "model/freed.h"
+#include "model/identity_internal.h"
 
 #include <unordered_map>
 
@@ -11,6 +10,7 @@ struct identity_record {
     std::unordered_map<const object_t *, int> ids;
     std::unordered_map<int, object_t *> objects;
     int last = 0;
+    std::uint64_t changes = 0;
     bool listening = false;
 };
 
@@ -26,6 +26,7 @@ void drop(const object_t *object)
     const auto found = identities.ids.find(object);
     if (found == identities.ids.end())
         return;
+    ++identities.changes;
     identities.objects.erase(found->second);
     identities.ids.erase(found);
 }
@@ -48,6 +49,7 @@ void enter(int id, const object_t *object)
         });
     }
     drop(object);
+    ++identities.changes;
     identities.ids[object] = id;
     identities.objects[id] = const_cast<object_t *>(object);
 }
@@ -79,6 +81,8 @@ int identity_known(const object_t *object)
     const auto found = record().ids.find(object);
     return found == record().ids.end() ? 0 : found->second;
 }
+
+std::uint64_t identity_change_count() { return record().changes; }
 
 void identity_assign(int id, const object_t *object)
 {

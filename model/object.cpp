@@ -430,6 +430,8 @@ void object_set_visible(object_t *object, int flag)
     if (flag == 0)
         objects_marks().hidden = 1;
     for_each_object(object, [flag](object_t *part) {
+        if (part->visible == flag) // others need no new state in the history
+            return;
         part->visible = flag;
         object_mark(part, CHANGED_RECORD);
     });
@@ -440,6 +442,8 @@ void object_set_locked(object_t *object, int flag)
     if (flag == 0) // Deliberate: the mark rises on unlocking
         objects_marks().locked = 1;
     for_each_object(object, [flag](object_t *part) {
+        if (part->locked == flag) // others need no new state in the history
+            return;
         part->locked = flag;
         object_mark(part, CHANGED_RECORD);
     });

@@ -10,6 +10,7 @@
 #include "edit/create.h"
 #include "edit/document/current_object.h"
 #include "edit/document/edit_support.h"
+#include "edit/document/scene_counts.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo_internal.h"
 #include "edit/extrude.h"
@@ -103,22 +104,9 @@ void command_model_state()
 // Selected and all objects, surfaces, vertices.
 void command_get_counts()
 {
-    int objects = -1, surfaces = 0, vertices = 0; // the world itself does not count
-    for_each_object(vesk_get_world(), [&](const object_t *object) {
-        ++objects;
-        surfaces += object->num_surfaces;
-        vertices += object->num_vertices;
-    });
-    const selection_t &all = selection();
-    int chosen_surfaces = all.num_surfaces, chosen_vertices = all.num_vertices;
-    for (object_t *top : selected_top_objects()) {
-        for_each_object(top, [&](const object_t *object) {
-            chosen_surfaces += object->num_surfaces;
-            chosen_vertices += object->num_vertices;
-        });
-    }
-    for (const int count :
-         {all.num_objects, objects, chosen_surfaces, surfaces, chosen_vertices, vertices})
+    const scene_counts_t counts = scene_counts();
+    for (const int count : {counts.chosen_objects, counts.objects, counts.chosen_surfaces,
+                            counts.surfaces, counts.chosen_vertices, counts.vertices})
         command_result_append_element(count);
 }
 
@@ -298,6 +286,11 @@ std::span<const own_command_t> model_commands()
         command_row("object_rows_part", command_object_rows_part, query,
                     "<int number of the answer> <int from> <int count>",
                     "returns some of the rows of object_rows_begin"),
+        command_row("selected_objects_part", command_selected_objects_part, query,
+                    "<int from> <int count>", "returns some of the ids of get_selected_objects"),
+        command_row("objects_are_selected", command_objects_are_selected, query,
+                    "<string object_ids>",
+                    "returns 1 or 0 for each object: whether it is selected"),
         command_row("model_state", command_model_state, query, nullptr,
                     "returns counts of changes"),
         command_row("get_counts", command_get_counts, query, nullptr,

@@ -88,22 +88,48 @@ void command_material_counts()
         command_result_append_element(count);
 }
 
+// Counts how often each value comes. Neighbours mostly have the same one: it is looked up once for them.
+class value_counts {
+public:
+    void add(int value)
+    {
+        if (value != value_ || count_ == nullptr) {
+            value_ = value;
+            count_ = &counts_[value];
+        }
+        ++*count_;
+    }
+    [[nodiscard]] const std::map<int, int> &counts() const { return counts_; }
+
+private:
+    std::map<int, int> counts_;
+    int value_ = 0;
+    int *count_ = nullptr; // of that value
+};
+
+void count_materials(object_t *object, value_counts *counts)
+{
+    for (const flat_surface &surface : *object_flat(object)->surfaces)
+        counts->add(surface.material);
+}
+
 // Palette entries of the selected surfaces and objects, the most frequent first.
 void command_selection_materials()
 {
-    std::map<int, int> counts;
-    for (const object_t *top : each<object_t>(selection().objects)) {
-        for_each_object(const_cast<object_t *>(top), [&](object_t *object) {
-            for (const flat_surface &surface : *object_flat(object)->surfaces)
-                ++counts[surface.material];
-        });
+    value_counts materials;
+    for (const object_t *listed : each<object_t>(selection().objects)) {
+        auto *const top = const_cast<object_t *>(listed);
+        if (top->children == nullptr) // most: no walk, which takes memory for its way
+            count_materials(top, &materials);
+        else
+            for_each_object(top, [&](object_t *object) { count_materials(object, &materials); });
     }
     const owned_list surfaces(select_mode() == SELECT_SURFACE ? find_selected_whole_surfaces()
                                                               : nullptr);
     for (const surface_t *surface : each<surface_t>(surfaces.get()))
-        ++counts[surface->material];
+        materials.add(surface->material);
     std::vector<std::pair<int, int>> found; // count negated, entry
-    for (const auto &[entry, count] : counts)
+    for (const auto &[entry, count] : materials.counts())
         found.emplace_back(-count, entry);
     std::sort(found.begin(), found.end());
     command_result_set("");

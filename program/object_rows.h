@@ -8,5 +8,9 @@ void command_object_rows(int since);
 // many rows there are instead of the rows; the second gives some of these, nothing after another answer.
 void command_object_rows_begin(int since);
 void command_object_rows_part(int number, int from, int count);
+// Command "selected_objects_part": so many of the selected objects, the first one being 0.
+void command_selected_objects_part(int from, int count);
+// Command "objects_are_selected": 1 or 0 for each of these objects.
+void command_objects_are_selected(const char *ids);
 
 #endif

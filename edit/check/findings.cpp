@@ -53,15 +53,18 @@ struct kept_findings {
     model_findings findings;
 };
 
-// Objects that the worker goes through. It writes the findings of one after the other and counts
-// them; who reads them waits for its end.
+using findings_by_object = std::unordered_map<const object_t *, kept_findings>;
+
+// Objects that the worker goes through. It enters the findings of one after the other and counts
+// them; who reads them waits for its end. Of a hundred thousand objects the main thread makes no record
+// but what the worker needs.
 struct job_t {
     struct item_t {
-        object_t *object; // no business of the worker's
+        object_t *object; // no business of the worker's but as a key
         flat_ptr mesh;
-        model_findings findings;
     };
     std::vector<item_t> items;
+    findings_by_object found; // of those that are done
     std::atomic<std::size_t> done = 0;
     std::atomic<bool> given_up = false;
     std::atomic<bool> ended = false;
@@ -69,7 +72,7 @@ struct job_t {
 };
 
 struct record_t {
-    std::unordered_map<const object_t *, kept_findings> kept;
+    findings_by_object kept;
     std::unique_ptr<job_t> job;
 };
 record_t &record()
@@ -106,8 +109,11 @@ void take_job()
     } catch (...) {
         failure = std::current_exception();
     }
-    for (std::size_t i = 0; i < job->done; ++i)
-        keep(job->items[i].object, *job->items[i].mesh, std::move(job->items[i].findings));
+    if (!record().kept.empty()) {
+        for (const auto &[object, findings] : job->found)
+            record().kept.erase(object);
+    }
+    record().kept.merge(job->found);
     if (failure)
         std::rethrow_exception(failure);
 }
@@ -115,10 +121,12 @@ void take_job()
 void work_on(job_t &job)
 {
     const auto go_on = [&job] { return !job.given_up; };
-    for (job_t::item_t &item : job.items) {
-        item.findings = mesh_find_problems(item.mesh, problems_shown, go_on);
+    for (const job_t::item_t &item : job.items) {
+        model_findings findings = mesh_find_problems(item.mesh, problems_shown, go_on);
         if (job.given_up)
             return;
+        job.found.emplace(item.object,
+                          kept_findings{mesh_key(*item.mesh), true, std::move(findings)});
         ++job.done;
     }
 }
@@ -188,7 +196,7 @@ bool model_check_begin(object_t *top)
     for_each_object(top, [&](object_t *object) {
         if (known(object) != nullptr)
             return;
-        job->items.push_back({object, object_flat(object), {}});
+        job->items.push_back({object, object_flat(object)});
         size += job->items.back().mesh->positions->size() + job->items.back().mesh->corners->size();
     });
     return size <= at_once || !start_job(std::move(job));

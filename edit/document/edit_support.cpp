@@ -18,15 +18,24 @@
 
 std::vector<object_t *> without_descendants(const std::vector<object_t *> &objects)
 {
-    const std::unordered_set<const object_t *> all(objects.begin(), objects.end());
-    std::vector<object_t *> top;
-    for (object_t *object : unique_objects(objects)) {
-        const object_t *above = object->parent;
-        while (above != nullptr && all.count(above) == 0)
-            above = above->parent;
-        if (above == nullptr)
-            top.push_back(object);
-    }
+    std::vector<object_t *> top = unique_objects(objects); // numbers them
+    const auto is_listed = [&](const object_t *object) {
+        const uint32_t place = scratch(object);
+        return place < objects.size() && objects[place] == object;
+    };
+    // Neighbours mostly have the same parent.
+    const object_t *parent = nullptr;
+    bool is_below = false;
+    std::erase_if(top, [&](const object_t *object) {
+        if (object->parent != parent) {
+            parent = object->parent;
+            const object_t *above = parent;
+            while (above != nullptr && !is_listed(above))
+                above = above->parent;
+            is_below = above != nullptr;
+        }
+        return object->parent != nullptr && is_below;
+    });
     return top;
 }
 

@@ -5,8 +5,6 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 
-#include <unordered_set>
-
 namespace {
 
 // Numbers the elements from 0 by their place; is_in then tells membership whatever stands in the
@@ -103,11 +101,13 @@ void append_surface_vertices(const surface_t *surface, std::vector<vertex *> *ou
 
 std::vector<object_t *> unique_objects(const std::vector<object_t *> &objects)
 {
-    std::unordered_set<const object_t *> seen;
+    for (std::size_t i = objects.size(); i-- > 0;) // the first of those that are repeated stays
+        set_scratch(objects[i], static_cast<uint32_t>(i));
     std::vector<object_t *> once;
-    for (object_t *object : objects) {
-        if (seen.insert(object).second)
-            once.push_back(object);
+    once.reserve(objects.size());
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        if (scratch(objects[i]) == i)
+            once.push_back(objects[i]);
     }
     return once;
 }

@@ -11,7 +11,8 @@ namespace eval ::vesk::ops {
         shell}
     variable due {}             ;# scripts that the next refresh runs whatever changed
     variable waiting {}         ;# scripts of a refresh that are still to be run
-    variable slice 20           ;# milliseconds of them between two events
+    variable slice 8            ;# milliseconds of them between two events
+    variable turn_taken 0       ;# some panel has worked since the last events
 }
 
 # run --
@@ -97,13 +98,30 @@ proc ::vesk::ops::refresh {} {
 proc ::vesk::ops::run_waiting {} {
     variable waiting
     variable slice
-    after cancel ::vesk::ops::run_waiting
+    after cancel ::vesk::ops::run_in_turn
+    take_turn
     set until [expr {[clock milliseconds] + $slice}]
     while {[llength $waiting] > 0 && [clock milliseconds] <= $until} {
         set waiting [lassign $waiting script]
         {*}$script
     }
-    if {[llength $waiting] > 0} {after 1 ::vesk::ops::run_waiting}
+    if {[llength $waiting] > 0} {after 1 ::vesk::ops::run_in_turn}
+}
+
+proc ::vesk::ops::run_in_turn {} {
+    variable turn_taken
+    if {$turn_taken} {after 1 ::vesk::ops::run_in_turn} else run_waiting
+}
+
+# take_turn --
+#   What panels do piece by piece takes turns: only one of them works between two events. Returns 1
+#   when it is the caller's turn; else it asks again in a millisecond.
+proc ::vesk::ops::take_turn {} {
+    variable turn_taken
+    if {$turn_taken} {return 0}
+    set turn_taken 1
+    after 0 {set ::vesk::ops::turn_taken 0}
+    return 1
 }
 
 # change_count --

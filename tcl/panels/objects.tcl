@@ -10,7 +10,9 @@ namespace eval ::vesk::objects {
     variable told 0             ;# number of the last answer of "object_rows_begin"
     variable coming 0           ;# how many rows it has
     variable taken 0            ;# how many of them were taken over
-    variable leaving {}         ;# rows that go before these are made
+    variable clearing {}        ;# parents whose rows go before these are made
+    variable cleared 0          ;# how many of these parents had their turn
+    variable leaving {}         ;# rows of the last one
     variable gone 0             ;# how many of these went
     variable made 0             ;# how many rows were made
     variable above {}           ;# id -> 1, of rows with others below them
@@ -18,7 +20,8 @@ namespace eval ::vesk::objects {
     variable to_select {}       ;# id -> 1: rows that are selected as soon as they are made
     variable filter ""
     variable syncing 0          ;# the tree's selection is being set by us
-    variable chosen {}          ;# ids selected in the model
+    variable chosen {}          ;# ids selected in the model, of many those that the tree has by now
+    variable chosen_at ""       ;# the selection's stamp, while others are still to be taken over
     variable asked {}           ;# rows that stand for what was selected by a click on them: groups
     variable shown_rows {}      ;# rows that show_selection marked
     variable pointed ""         ;# the row that was clicked last
@@ -84,6 +87,11 @@ proc ::vesk::objects::bind_tree {} {
     variable tree
     variable strip
     bind $tree <<TreeviewSelect>> ::vesk::objects::selected
+    # Before the tree itself takes a click or a key, which change the selection that it shows.
+    bindtags $tree [linsert [bindtags $tree] 0 VeskObjects]
+    foreach event {<ButtonPress> <KeyPress>} {
+        bind VeskObjects $event ::vesk::objects::choose_at_once
+    }
     bind $tree <<TreeviewOpen>> ::vesk::objects::strip_later
     bind $tree <<TreeviewClose>> ::vesk::objects::strip_later
     bind $tree <Configure> ::vesk::objects::strip_later
@@ -104,7 +112,7 @@ proc ::vesk::objects::bind_tree {} {
     bind $tree <Button-1> {+::vesk::objects::drag_press %x %y}
     # A press that adds to the selection must not become a drag: its release would choose one row.
     foreach event {<Control-Button-1> <Shift-Button-1>} {
-        bind $tree $event {::vesk::objects::drag_press %x %y; set ::vesk::objects::drag ""}
+        bind $tree $event {::vesk::objects::drag_press %x %y 1}
     }
     bind $tree <B1-Motion> {::vesk::objects::drag_motion %x %y}
     bind $tree <ButtonRelease-1> {::vesk::objects::drag_release}
@@ -138,162 +146,6 @@ proc ::vesk::objects::show_focus {on} {
     place $path.f4 -in $path.strip
     place $path.f1 -relwidth 1 -width [winfo width $path.strip]
     place $path.f2 -relwidth 1 -width [winfo width $path.strip]
-}
-
-# ---- selection ----
-
-# show_selection --
-#   Takes the selection of the model over into the tree. A group that was clicked stays marked with
-#   what its click selected, as long as that is what is selected.
-proc ::vesk::objects::show_selection {} {
-    variable tree
-    variable chosen
-    variable asked
-    variable shown_rows
-    variable syncing
-    variable filtered
-    note_selection
-    if {[llength $asked] == 0 && !$filtered && ![is_waiting]} {
-        set shown_rows $chosen
-    } else {
-        set shown_rows [lsort -unique -integer [present [concat $chosen $asked]]]
-    }
-    set marked [$tree selection]
-    if {[llength $marked] == [llength $shown_rows]
-            && [lsort -integer $marked] eq [lsort -integer $shown_rows]} {
-        strip_later
-        return
-    }
-    set syncing 1
-    if {[catch {$tree selection set $shown_rows}]} {
-        # Some came since the rows were made.
-        set shown_rows [present $shown_rows]
-        $tree selection set $shown_rows
-    }
-    see_selected
-    strip_later
-    # The virtual event arrives later; by then the two agree.
-    after idle {set ::vesk::objects::syncing 0}
-}
-
-# note_selection --
-#   Asks what is selected; rows that are still to be made are selected then, many of them at the end.
-proc ::vesk::objects::note_selection {} {
-    variable chosen
-    variable asked
-    variable at_once
-    variable to_select {}
-    set now [vesk get_selected_objects]
-    if {$now ne $chosen} {set asked {}}
-    set chosen $now
-    if {[is_waiting] && [llength $chosen] <= $at_once} {
-        foreach id [concat $chosen $asked] {dict set to_select $id 1}
-    }
-}
-
-# see_selected --
-#   A single selected row comes into sight, and the keys go on from it.
-proc ::vesk::objects::see_selected {} {
-    variable tree
-    variable shown_rows
-    if {[llength $shown_rows] == 1} {
-        $tree see [lindex $shown_rows 0]
-        $tree focus [lindex $shown_rows 0]
-    }
-}
-
-# meant --
-#   The selected objects as a person sees them: a marked group stands for what is below it.
-proc ::vesk::objects::meant {} {
-    variable asked
-    variable rows
-    set ids [vesk get_selected_objects]
-    if {[llength $asked] == 0} {return $ids}
-    return [lmap id [lsort -unique -integer [concat $asked $ids]] {
-        if {![dict exists $rows $id] || [below_one_of $id $asked]} continue
-        set id
-    }]
-}
-
-# groups_of --
-#   The rows among `ids` that are not in `chosen` but have something of it below them.
-proc ::vesk::objects::groups_of {ids chosen} {
-    variable rows
-    set above {}
-    foreach id $chosen {
-        while {[dict exists $rows $id] && ![dict exists $above $id]} {
-            dict set above $id 1
-            set id [lindex [dict get $rows $id] 0]
-        }
-    }
-    return [lmap id $ids {if {$id in $chosen || ![dict exists $above $id]} continue; set id}]
-}
-
-# below_one_of --
-#   Whether an object lies below one of others.
-proc ::vesk::objects::below_one_of {id others} {
-    variable rows
-    while {[dict exists $rows $id]} {
-        set id [lindex [dict get $rows $id] 0]
-        if {$id in $others} {return 1}
-    }
-    return 0
-}
-
-# present --
-#   The objects among `ids` that have a row.
-proc ::vesk::objects::present {ids} {
-    variable tree
-    return [lmap id $ids {
-        if {![$tree exists $id]} continue
-        set id
-    }]
-}
-
-# selected --
-#   Takes the selection of the tree over into the model. In tree mode only whole top-level objects
-#   can be selected, so a row below them first switches to object mode.
-proc ::vesk::objects::selected {} {
-    variable tree
-    variable chosen
-    variable asked
-    variable syncing
-    variable rows
-    variable leaving
-    strip_later
-    if {$syncing || [llength $leaving] > 0} {return}
-    set wanted [$tree selection]
-    # The user did not deselect the rows that the filter hides.
-    if {[lsort $wanted] eq [lsort -unique [present [concat $chosen $asked]]]} {return}
-    set wanted [without_taken_out $wanted]
-    set world [vesk get_world]
-    if {$::vesk::select_mode eq "tree"} {
-        foreach id $wanted {
-            if {[dict exists $rows $id] && [lindex [dict get $rows $id] 0] != $world} {
-                ::vesk::ops::run set_select_mode object
-                break
-            }
-        }
-    }
-    ::vesk::ops::run objects_select $wanted
-    set chosen [vesk get_selected_objects]
-    set asked [groups_of $wanted $chosen]
-    show_selection
-}
-
-# without_taken_out --
-#   The rows of a selection but those below a group that was taken out, and the groups above a row
-#   that was.
-proc ::vesk::objects::without_taken_out {wanted} {
-    variable asked
-    variable shown_rows
-    if {[llength $asked] == 0} {return $wanted}
-    set out [lmap id $shown_rows {if {$id in $wanted} continue; set id}]
-    return [lmap id $wanted {
-        if {[below_one_of $id [lmap gone $out {if {$gone ni $asked} continue; set gone}]]} continue
-        if {$id in $asked && 1 in [lmap gone $out {below_one_of $gone [list $id]}]} continue
-        set id
-    }]
 }
 
 # double --

@@ -2,8 +2,8 @@
 #   Dragging rows of the objects panel: to another place in the list, or into a group.
 
 # drag_press --
-#   A press on a name may become a drag of the selected rows.
-proc ::vesk::objects::drag_press {x y} {
+#   A press on a name may become a drag of the selected rows, unless it adds or takes out (`picks`).
+proc ::vesk::objects::drag_press {x y {picks 0}} {
     variable tree
     variable filter
     variable drag ""
@@ -16,7 +16,7 @@ proc ::vesk::objects::drag_press {x y} {
         return -code break
     }
     set pointed $row
-    if {$row eq "" || $filter ne ""} {return}
+    if {$picks || $row eq "" || $filter ne ""} {return}
     set drag [list $row $x $y 0 ""]
     # Several selected rows go together: the press must not choose one of them.
     if {$row in [$tree selection] && [llength [$tree selection]] > 1} {

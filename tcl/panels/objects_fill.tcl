@@ -39,8 +39,14 @@ proc ::vesk::objects::take {answer} {
 proc ::vesk::objects::is_waiting {} {
     variable coming
     variable taken
-    variable leaving
-    return [expr {$taken < $coming || [llength $leaving] > 0}]
+    return [expr {$taken < $coming || [is_clearing]}]
+}
+
+# is_clearing --
+#   Whether rows are still to be taken away.
+proc ::vesk::objects::is_clearing {} {
+    variable clearing
+    return [expr {[llength $clearing] > 0}]
 }
 
 # change_rows --
@@ -92,16 +98,16 @@ proc ::vesk::objects::fill_rows {count} {
     variable filtered
     variable coming
     variable taken 0
-    variable leaving
-    variable gone
+    variable clearing
+    variable cleared 0
+    variable leaving {}
+    variable gone 0
     variable above
     variable fill_state
     variable marked {}
     if {!$filtered} note_open
     set top [lindex [$tree yview] 0]
-    set leaving [leaves_first]
-    set gone 0
-    if {[llength $leaving] == 0} {set rows {}}
+    set clearing [parents_upwards]
     set above {}
     variable made 0
     set wanted [string tolower $filter]
@@ -124,18 +130,21 @@ proc ::vesk::objects::take_rows {} {
     variable told
     variable coming
     variable taken
-    variable leaving
-    variable gone
+    variable rows
     variable fill_state
     variable at_once
     variable piece
     variable slice
-    variable syncing 1
     after cancel ::vesk::objects::take_rows
-    set all [expr {max($coming, [llength $leaving])}]
-    set until [expr {$all > $at_once ? [clock milliseconds] + $slice : inf}]
+    set many [expr {max($coming, [is_clearing] ? [dict size $rows] : 0) > $at_once}]
+    if {$many && ![::vesk::ops::take_turn]} {
+        after 1 ::vesk::objects::take_rows
+        return
+    }
+    variable syncing 1
+    set until [expr {$many ? [clock milliseconds] + $slice : inf}]
     while {[is_waiting] && [clock milliseconds] < $until} {
-        if {[llength $leaving] > 0} {
+        if {[is_clearing]} {
             drop_piece
             continue
         }
@@ -163,16 +172,13 @@ proc ::vesk::objects::take_rows {} {
     strip_later
 }
 
-# leaves_first --
-#   All rows that have others below them after these: one that goes takes few along.
-proc ::vesk::objects::leaves_first {} {
+# parents_upwards --
+#   The rows with others below them, each after those below it: one that goes takes none along. Last
+#   the top of the tree.
+proc ::vesk::objects::parents_upwards {} {
     variable tree
     variable above
-    set all {}
-    foreach id [lreverse [dict keys $above]] {
-        if {[$tree exists $id]} {lappend all {*}[$tree children $id]}
-    }
-    return [concat $all [$tree children {}]]
+    return [concat [present [lreverse [dict keys $above]]] [list {}]]
 }
 
 # drop_piece --
@@ -180,16 +186,25 @@ proc ::vesk::objects::leaves_first {} {
 proc ::vesk::objects::drop_piece {} {
     variable tree
     variable rows
+    variable clearing
+    variable cleared
     variable leaving
     variable gone
     variable piece
+    if {$gone >= [llength $leaving]} {
+        set leaving [$tree children [lindex $clearing $cleared]]
+        set gone 0
+        incr cleared
+    }
     set ids [lrange $leaving $gone [expr {$gone + $piece - 1}]]
     foreach id $ids {dict unset rows $id}
     $tree delete [present $ids]
     incr gone $piece
-    if {$gone < [llength $leaving]} {return}
-    set leaving {}
-    set rows {} ;# those that the filter hid
+    if {$cleared == [llength $clearing] && $gone >= [llength $leaving]} {
+        set clearing {}
+        set leaving {}
+        set rows {} ;# those that the filter hid
+    }
 }
 
 # filled --

@@ -32,6 +32,41 @@ proc ::vesk::objects::strip_later {} {
     }
 }
 
+# visible_rows --
+#   The rows that can be seen as a whole: id -> {top bottom}.
+proc ::vesk::objects::visible_rows {} {
+    variable tree
+    variable rows
+    set height [winfo height $tree]
+    set row_height [ttk::style lookup Treeview -rowheight]
+    set found {}
+    for {set y 2} {$y < $height} {incr y $row_height} {
+        set id [$tree identify row 5 $y]
+        if {$id eq "" || ![dict exists $rows $id]} {continue}
+        lassign [$tree bbox $id] x0 y0 w0 h0
+        # The list does not draw a row that is not wholly visible.
+        if {$y0 eq "" || $y0 + $h0 > $height} {continue}
+        dict set found $id [list $y0 [expr {$y0 + $h0}]]
+    }
+    return $found
+}
+
+# marked_among --
+#   Which of these rows the tree shows as selected. Where it has many such, to ask for all of them takes
+#   longer than to ask the executable, and they are those of the model.
+proc ::vesk::objects::marked_among {ids} {
+    variable tree
+    variable chosen
+    variable asked
+    variable at_once
+    variable fill_state
+    if {[llength $asked] > 0 || [llength $fill_state] > 0 || [llength $chosen] <= $at_once} {
+        set marked [$tree selection]
+        return [lmap id $ids {if {$id ni $marked} continue; set id}]
+    }
+    return [lmap id $ids on [vesk objects_are_selected $ids] {if {!$on} continue; set id}]
+}
+
 # draw_strip --
 #   Draws the icons of the visible rows, on the band of the selected ones, and gives these the object's
 #   icon that contrasts with it.
@@ -42,27 +77,21 @@ proc ::vesk::objects::draw_strip {} {
     variable rows
     variable marked
     $strip delete all
-    set chosen [$tree selection]
-    set height [winfo height $tree]
-    set row_height [ttk::style lookup Treeview -rowheight]
     set width [winfo width $strip]
-    for {set y 2} {$y < $height} {incr y $row_height} {
-        set id [$tree identify row 5 $y]
-        if {$id eq "" || ![dict exists $rows $id]} {continue}
-        lassign [$tree bbox $id] x0 y0 w0 h0
-        # The list does not draw a row that is not wholly visible.
-        if {$y0 eq "" || $y0 + $h0 > $height} {continue}
+    set seen [visible_rows]
+    set chosen [marked_among [dict keys $seen]]
+    dict for {id place} $seen {
+        lassign $place y0 y1
         lassign [dict get $rows $id] parent type name surfaces visible locked
-        set on [expr {[lsearch -exact -integer $chosen $id] >= 0}]
+        set on [expr {$id in $chosen}]
         if {$on != [dict exists $marked $id]} {
             $tree item $id -tags [list [expr {$on ? "$type-active" : $type}]]
             if {$on} {dict set marked $id 1} else {dict unset marked $id}
         }
         if {$on} {
-            $strip create rectangle 0 $y0 $width [expr {$y0 + $h0}] -width 0 \
-                -fill [::vesk::theme::colour sel]
+            $strip create rectangle 0 $y0 $width $y1 -width 0 -fill [::vesk::theme::colour sel]
         }
-        set middle [expr {$y0 + $h0 / 2}]
+        set middle [expr {($y0 + $y1) / 2}]
         set variant [expr {$on ? "active" : $visible ? "dim" : "disabled"}]
         $strip create image [::vesk::theme::px 13] $middle \
             -image [::vesk::icons::get [expr {$visible ? "eye" : "eye-off"}] $variant]

@@ -134,7 +134,7 @@ proc ::vesk::transform::refresh {{force 0}} {
     variable drag
     if {$drag ne "" || $path eq "" || (![winfo ismapped $path] && !$force)} {return}
     lassign [vesk get_counts] objects all_objects surfaces all_surfaces vertices all_vertices
-    set any [expr {[llength [vesk get_selected_objects]] > 0 || $surfaces > 0 || $vertices > 0}]
+    set any [expr {$objects > 0 || $surfaces > 0 || $vertices > 0}]
     set state [expr {$any ? "!disabled" : "disabled"}]
     foreach what {position size rotate} {
         foreach axis {x y z} number [numbers $what $any] {
@@ -179,7 +179,7 @@ proc ::vesk::transform::numbers {what any} {
 #   Surfaces and vertices have no frame: theirs count from where they are.
 proc ::vesk::transform::angles {} {
     set frames {}
-    foreach id [lrange [vesk get_selected_objects] 0 99] {
+    foreach id [vesk selected_objects_part 0 100] {
         lappend frames [lmap angle [dict get [vesk object_info $id] angles] {
             ::vesk::arith::shown [expr {abs($angle) < 5e-4 ? 0.0 : $angle}]
         }]
@@ -192,7 +192,7 @@ proc ::vesk::transform::angles {} {
     return $shown
 }
 proc ::vesk::transform::frame {} {
-    set id [lindex [vesk get_selected_objects] 0]
+    set id [vesk selected_objects_part 0 1]
     return [expr {$id eq "" ? "" : [dict get [vesk object_info $id] angles]}]
 }
 
@@ -215,7 +215,7 @@ proc ::vesk::transform::show_texts {force} {
         $path.$key state [expr {[llength $ids] > 0 ? "!disabled" : "disabled"}]
     }
     # Textures belong to the objects with surfaces.
-    ::vesk::textures::refresh [lmap id [lrange [vesk get_selected_objects] 0 99] {
+    ::vesk::textures::refresh [lmap id [vesk selected_objects_part 0 100] {
         vesk object_info $id
     }] $force
     $path.counts configure -text [count_line $ids $infos]
