@@ -129,6 +129,7 @@ target_sources(vesk_core PRIVATE
     edit/uv/uv_islands.cpp
     edit/uv/uv_keep.cpp
     edit/uv/uv_measure.cpp
+    edit/uv/uv_measured.cpp
     edit/uv/uv_mesh.cpp
     edit/uv/uv_pack.cpp
     edit/uv/uv_project.cpp

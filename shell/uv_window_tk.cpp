@@ -7,7 +7,9 @@
 #include "base/ui_port.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_uv_gl.h"
+#include "edit/uv/uv_measured.h"
 #include "shell/interp_tk.h"
+#include "shell/views_tk.h"
 #include "view/uv_drag.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
@@ -20,23 +22,76 @@
 
 namespace {
 
+constexpr int settle_msecs = 160; // after the last change the picture is drawn in full
+constexpr int worker_msecs = 30;  // to look again for a worker's result
+
 struct window_t {
     Togl *togl = nullptr;
     bool drawing = false;
+    Tcl_TimerToken rest = nullptr; // draws a part of the whole picture
 };
 window_t window;
 
-void draw()
+// ---- drawing ----
+
+void draw_part(ClientData);
+
+void draw_part_in(int msecs)
+{
+    if (window.rest != nullptr)
+        Tcl_DeleteTimerHandler(window.rest);
+    window.rest = msecs < 0 ? nullptr : Tcl_CreateTimerHandler(msecs, draw_part, nullptr);
+}
+
+// Calls draw(width, height), which says whether a picture is finished.
+template <class Draw>
+void draw_by(Draw &&draw)
 {
     if (window.togl == nullptr || window.drawing || !Tk_IsMapped(Togl_TkWin(window.togl)))
         return;
     window.drawing = true;
-    guarded_entry([] {
+    guarded_entry([&] {
         Togl_MakeCurrent(window.togl);
-        draw_uv_view(Togl_Width(window.togl), Togl_Height(window.togl));
-        Togl_SwapBuffers(window.togl);
+        if (draw(Togl_Width(window.togl), Togl_Height(window.togl)))
+            Togl_SwapBuffers(window.togl);
     });
     window.drawing = false;
+}
+
+// What was measured for the colours is told in numbers, too.
+void tell_measured(bool measured_before)
+{
+    if (measured_before && !uv_measures())
+        tcl_command("uvedit_measured");
+}
+
+void draw_part(ClientData)
+{
+    window.rest = nullptr;
+    if (!views_tk_other_may_draw()) {
+        draw_part_in(1);
+        return;
+    }
+    const bool measured_before = uv_measures();
+    bool finished = true;
+    draw_by([&](int width, int height) {
+        finished = draw_uv_slice(width, height);
+        return finished;
+    });
+    views_tk_other_drew();
+    if (!finished)
+        draw_part_in(uv_measures() ? worker_msecs : 1);
+    tell_measured(measured_before);
+}
+
+void draw()
+{
+    bool whole = true;
+    draw_by([&](int width, int height) {
+        whole = draw_uv_view(width, height, false);
+        return true;
+    });
+    draw_part_in(whole ? -1 : settle_msecs);
 }
 
 // ---- events ----
@@ -97,6 +152,7 @@ int reshape_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
     guarded_entry([] { uv_drag_cancel(); });
+    draw_part_in(-1);
     window.togl = nullptr;
     draw_uv_forget();
     return TCL_OK;
@@ -139,7 +195,7 @@ void save_picture(const char *name)
     const auto row = static_cast<std::size_t>(width) * 3;
     std::vector<unsigned char> rgb(row * static_cast<std::size_t>(height));
     Togl_MakeCurrent(window.togl);
-    draw_uv_view(width, height);
+    draw_uv_view(width, height, true);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadBuffer(GL_BACK);
     glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, rgb.data());
@@ -155,7 +211,7 @@ void save_picture(const char *name)
     std::fclose(file);
 }
 
-// Milliseconds a picture.
+// Milliseconds a picture while the view moves.
 void benchmark(int frames)
 {
     if (window.togl == nullptr)

@@ -48,6 +48,8 @@ struct widgets_t {
     bool busy = false;               // the watch is shown
     double drawn_at[num_views] = {}; // end of the last picture
     double cost[num_views] = {};     // seconds that it took
+    double other_drawn_at = 0;       // end of a part of another window's picture
+    double part_drawn_at = 0;        // and of one of a view's
 };
 widgets_t widgets;
 
@@ -113,6 +115,13 @@ bool must_wait_for_events()
     return false;
 }
 
+// Whether `drawn_at` lies before the timers' present turn: else events come first.
+bool was_another_turn(double drawn_at)
+{
+    constexpr double same_turn = 0.0005;
+    return ui_port().now_seconds() - drawn_at > same_turn;
+}
+
 enum class draw_how { quick, full, slice };
 
 // False: it is not finished.
@@ -151,6 +160,7 @@ void draw(int view, draw_how how)
         draw_view_distrust(view);
         tell_main_fault(fault);
     }
+    widgets.part_drawn_at = ui_port().now_seconds();
     if (!finished) {
         draw_later(view, 0, how == draw_how::slice);
         return;
@@ -169,7 +179,7 @@ void draw_due(ClientData)
     const auto *first =
         std::min_element(widgets.due, widgets.due + num_views,
                          [](const due_t &a, const due_t &b) { return a.at < b.at; });
-    if (first->at <= ui_port().now_seconds())
+    if (first->at <= ui_port().now_seconds() && was_another_turn(widgets.other_drawn_at))
         draw(static_cast<int>(first - widgets.due),
              first->in_full ? draw_how::slice : draw_how::quick);
     set_timer();
@@ -405,6 +415,10 @@ void views_tk_fill_port(ui_port_t &port)
             pointer_show_tk(window, widgets.busy ? "watch" : cursor);
     };
 }
+
+bool views_tk_other_may_draw() { return was_another_turn(widgets.part_drawn_at); }
+
+void views_tk_other_drew() { widgets.other_drawn_at = ui_port().now_seconds(); }
 
 void views_tk_draw_in_full(int view) { draw(view, draw_how::full); }
 

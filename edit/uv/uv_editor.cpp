@@ -29,11 +29,19 @@ struct editor_t {
     unsigned selection_count = ~0u;
     int select_mode = -1;
     bool emptied = false; // by choosing nothing here: the objects stay shown
+    uv_totals totals;
+    unsigned totals_geometry = ~0u, totals_choice = ~0u; // their versions
 };
 editor_t &editor()
 {
     static auto *const record = new editor_t; // its arrays are not freed at exit
     return *record;
+}
+
+unsigned next_version()
+{
+    static unsigned last = 0;
+    return ++last;
 }
 
 bool is_element_mode(int mode) { return mode == SELECT_SURFACE || mode == SELECT_VERTEX; }
@@ -80,7 +88,7 @@ std::vector<object_t *> shown_objects()
 void count_chosen(uv_state &state)
 {
     state.num_chosen = static_cast<int>(std::count(state.chosen.begin(), state.chosen.end(), 1));
-    ++state.choice_version;
+    state.choice_version = next_version();
 }
 
 std::vector<char> none_of(const uv_mesh &mesh) { return std::vector<char>(mesh.at.size(), 0); }
@@ -276,7 +284,7 @@ void gather()
     const uv_mesh old = std::move(state.mesh);
     state.mesh = uv_mesh_of(shown_objects());
     state.islands = uv_find_islands(state.mesh);
-    ++state.geometry_version;
+    state.geometry_version = next_version();
     if (keep && old.surfaces == state.mesh.surfaces && old.vertices == state.mesh.vertices)
         return;
     state.chosen = corners_of_main_selection(state.mesh);
@@ -379,6 +387,8 @@ std::vector<char> uv_moving_corners(const uv_state &state)
 {
     if (state.num_chosen == 0)
         return std::vector<char>(state.mesh.at.size(), 1);
+    if (state.num_chosen == state.mesh.num_corners())
+        return state.chosen;
     return with_joined(state, state.chosen);
 }
 
@@ -413,6 +423,31 @@ uv_box uv_box_of(const uv_mesh &mesh, const std::vector<char> &corners)
             box.add(mesh.at[c]);
     }
     return box;
+}
+
+const uv_totals &uv_totals_now()
+{
+    const uv_state &state = uv_editor();
+    editor_t &now = editor();
+    if (now.totals_geometry == state.geometry_version && now.totals_choice == state.choice_version)
+        return now.totals;
+    now.totals_geometry = state.geometry_version;
+    now.totals_choice = state.choice_version;
+    uv_totals &totals = now.totals = {};
+    for (std::size_t c = 0; c < state.chosen.size(); ++c) {
+        totals.all.add(state.mesh.at[c]);
+        if (state.chosen[c] != 0)
+            totals.chosen.add(state.mesh.at[c]);
+    }
+    if (state.num_chosen == 0)
+        return totals;
+    std::vector<char> islands(state.islands.num_islands, 0);
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+        totals.chosen_surfaces += is_whole(state.mesh, i, state.chosen) ? 1 : 0;
+        islands[state.islands.island[i]] |= has_any(state.mesh, i, state.chosen) ? 1 : 0;
+    }
+    totals.chosen_islands = static_cast<int>(std::count(islands.begin(), islands.end(), 1));
+    return totals;
 }
 
 object_t *uv_picture_object()
@@ -470,7 +505,7 @@ void uv_preview(const std::vector<flat_uv> &at)
     state.mesh.at = at;
     for (uv_part &part : state.mesh.parts)
         part.flat = object_flat(part.object);
-    ++state.geometry_version;
+    state.geometry_version = next_version();
 }
 
 void uv_editor_reset_for_test() { editor() = {}; }

@@ -120,6 +120,14 @@ uv_islands uv_find_islands(const uv_mesh &mesh)
         joiner.join(begin, end, found.edges);
         begin = end;
     }
+    for (std::size_t i = 0; i < found.edges.size(); ++i) {
+        if (found.edges[i].is_border())
+            found.borders.push_back(static_cast<int>(i));
+        if (found.borders.size() > most_uv_borders) {
+            found.borders = {};
+            break;
+        }
+    }
     found.num_points = corners.number(&found.point);
     found.num_islands = surfaces.number(&found.island);
     return found;

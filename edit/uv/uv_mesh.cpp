@@ -66,11 +66,12 @@ uv_mesh uv_mesh_of(const std::vector<object_t *> &objects)
     return mesh;
 }
 
-uv_mesh uv_mesh_of_flat(const flat_ptr &flat)
+uv_mesh uv_mesh_of_flats(const std::vector<flat_ptr> &flats)
 {
     uv_mesh mesh;
     mesh.first_corner.push_back(0);
-    add_part(mesh, nullptr, flat);
+    for (const flat_ptr &flat : flats)
+        add_part(mesh, nullptr, flat);
     return mesh;
 }
 

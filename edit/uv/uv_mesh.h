@@ -45,8 +45,8 @@ struct uv_mesh {
 // The polygons (of three corners at least) of these objects themselves.
 uv_mesh uv_mesh_of(const std::vector<object_t *> &objects);
 
-// Of a flat mesh that may have outlived its records: for computing, not for writing.
-uv_mesh uv_mesh_of_flat(const flat_ptr &flat);
+// Of flat meshes that may have outlived their records: for computing, not for writing.
+uv_mesh uv_mesh_of_flats(const std::vector<flat_ptr> &flats);
 
 // Whether an object still has the surfaces and corners that the part was made from; its texture
 // coordinates and positions may differ.

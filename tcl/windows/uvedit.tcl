@@ -395,6 +395,7 @@ proc ::vesk::uvedit::colour_frame {} {
 
 proc uvedit_pointer {u v x y} {::vesk::uvedit::pointer $u $v $x $y}
 proc uvedit_drag {text} {::vesk::uvedit::drag $text}
+proc uvedit_measured {} {::vesk::uvedit::show_measure}
 proc uvedit_menu {x y} {::vesk::uvedit::popup $x $y}
 
 ::vesk::ops::listen any ::vesk::uvedit::refresh
