@@ -18,80 +18,111 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 namespace {
 
 constexpr int settle_msecs = 160; // after the last change the picture is drawn in full
-constexpr int worker_msecs = 30;  // to look again for a worker's result
+constexpr int worker_msecs = 20;  // to look again for a worker's result
+
+enum class draw_how { quick, part };
 
 struct window_t {
     Togl *togl = nullptr;
     bool drawing = false;
-    Tcl_TimerToken rest = nullptr; // draws a part of the whole picture
+    bool waits = false; // for the worker that gathers: until then the last picture stays
+    Tcl_TimerToken timer = nullptr;
+    draw_how due = draw_how::quick;
 };
 window_t window;
 
 // ---- drawing ----
 
-void draw_part(ClientData);
+void draw_due(ClientData);
 
-void draw_part_in(int msecs)
+void draw_later(draw_how how, int msecs)
 {
-    if (window.rest != nullptr)
-        Tcl_DeleteTimerHandler(window.rest);
-    window.rest = msecs < 0 ? nullptr : Tcl_CreateTimerHandler(msecs, draw_part, nullptr);
+    if (window.timer != nullptr)
+        Tcl_DeleteTimerHandler(window.timer);
+    window.due = how;
+    window.timer = Tcl_CreateTimerHandler(msecs, draw_due, nullptr);
 }
 
-// Calls draw(width, height), which says whether a picture is finished.
-template <class Draw>
-void draw_by(Draw &&draw)
+void draw_no_more()
+{
+    if (window.timer != nullptr)
+        Tcl_DeleteTimerHandler(window.timer);
+    window.timer = nullptr;
+}
+
+// Returns whether the whole picture stands, or nothing can be drawn.
+bool draw_in_window(draw_how how)
 {
     if (window.togl == nullptr || window.drawing || !Tk_IsMapped(Togl_TkWin(window.togl)))
-        return;
+        return true;
     window.drawing = true;
+    bool whole = true;
     guarded_entry([&] {
         Togl_MakeCurrent(window.togl);
-        if (draw(Togl_Width(window.togl), Togl_Height(window.togl)))
+        const int width = Togl_Width(window.togl), height = Togl_Height(window.togl);
+        const bool quick = how == draw_how::quick;
+        whole = quick ? draw_uv_view(width, height, false) : draw_uv_slice(width, height);
+        if (quick || whole)
             Togl_SwapBuffers(window.togl);
     });
     window.drawing = false;
+    return whole;
 }
 
-// What was measured for the colours is told in numbers, too.
-void tell_measured(bool measured_before)
+bool is_ready()
 {
+    bool ready = true;
+    guarded_entry([&] { ready = uv_editor_is_ready(); });
+    return ready;
+}
+
+void draw(draw_how how)
+{
+    if (!is_ready()) {
+        window.waits = true;
+        draw_later(draw_how::quick, worker_msecs);
+        return;
+    }
+    if (std::exchange(window.waits, false)) {
+        if (!uv_view().placed)
+            uv_view_fit(false);
+        tcl_command("uvedit_gathered");
+        how = draw_how::quick;
+    }
+    const bool measured_before = uv_measures();
+    const bool whole = draw_in_window(how);
+    views_tk_other_drew();
+    if (!whole)
+        draw_later(draw_how::part, how == draw_how::quick ? settle_msecs
+                                   : uv_measures()        ? worker_msecs
+                                                          : 1);
     if (measured_before && !uv_measures())
         tcl_command("uvedit_measured");
 }
 
-void draw_part(ClientData)
+// Parts, and pictures after those of other views, come when events were taken.
+void draw_due(ClientData)
 {
-    window.rest = nullptr;
-    if (!views_tk_other_may_draw()) {
-        draw_part_in(1);
-        return;
-    }
-    const bool measured_before = uv_measures();
-    bool finished = true;
-    draw_by([&](int width, int height) {
-        finished = draw_uv_slice(width, height);
-        return finished;
-    });
-    views_tk_other_drew();
-    if (!finished)
-        draw_part_in(uv_measures() ? worker_msecs : 1);
-    tell_measured(measured_before);
+    window.timer = nullptr;
+    if (views_tk_other_may_draw())
+        draw(window.due);
+    else
+        draw_later(window.due, 1);
 }
 
-void draw()
+void draw_soon()
 {
-    bool whole = true;
-    draw_by([&](int width, int height) {
-        whole = draw_uv_view(width, height, false);
-        return true;
-    });
-    draw_part_in(whole ? -1 : settle_msecs);
+    draw_no_more();
+    if (views_tk_other_may_draw())
+        draw(draw_how::quick);
+    else
+        draw_later(draw_how::quick, 1);
 }
 
 // ---- events ----
@@ -138,7 +169,7 @@ void on_motion(ClientData, XEvent *event)
 
 int display_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
-    draw();
+    draw_soon();
     return TCL_OK;
 }
 
@@ -152,7 +183,7 @@ int reshape_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
     guarded_entry([] { uv_drag_cancel(); });
-    draw_part_in(-1);
+    draw_no_more();
     window.togl = nullptr;
     draw_uv_forget();
     return TCL_OK;
@@ -217,11 +248,11 @@ void benchmark(int frames)
     if (window.togl == nullptr)
         return;
     const int count = std::clamp(frames, 1, 1000);
-    draw();
+    draw(draw_how::quick);
     const double started = ui_port().now_seconds();
     for (int i = 0; i < count; ++i) {
         uv_view_pan(i % 2 == 0 ? 3 : -3, 0);
-        draw();
+        draw(draw_how::quick);
         glFinish();
     }
     command_result_appendf("%.2f", (ui_port().now_seconds() - started) * 1000.0 / count);

@@ -26,6 +26,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -50,6 +51,7 @@ struct widgets_t {
     double cost[num_views] = {};     // seconds that it took
     double other_drawn_at = 0;       // end of a part of another window's picture
     double part_drawn_at = 0;        // and of one of a view's
+    bool other_waits = false;        // for its turn
 };
 widgets_t widgets;
 
@@ -112,7 +114,7 @@ bool must_wait_for_events()
     for (int view = 0; view < num_views; ++view)
         if (now - widgets.drawn_at[view] < just_now && widgets.cost[view] > slow_seconds)
             return true;
-    return false;
+    return now - widgets.other_drawn_at < just_now;
 }
 
 // Whether `drawn_at` lies before the timers' present turn: else events come first.
@@ -179,7 +181,9 @@ void draw_due(ClientData)
     const auto *first =
         std::min_element(widgets.due, widgets.due + num_views,
                          [](const due_t &a, const due_t &b) { return a.at < b.at; });
-    if (first->at <= ui_port().now_seconds() && was_another_turn(widgets.other_drawn_at))
+    const bool others_turn =
+        std::exchange(widgets.other_waits, false) || !was_another_turn(widgets.other_drawn_at);
+    if (first->at <= ui_port().now_seconds() && !others_turn)
         draw(static_cast<int>(first - widgets.due),
              first->in_full ? draw_how::slice : draw_how::quick);
     set_timer();
@@ -416,7 +420,11 @@ void views_tk_fill_port(ui_port_t &port)
     };
 }
 
-bool views_tk_other_may_draw() { return was_another_turn(widgets.part_drawn_at); }
+bool views_tk_other_may_draw()
+{
+    widgets.other_waits = !was_another_turn(widgets.part_drawn_at);
+    return !widgets.other_waits;
+}
 
 void views_tk_other_drew() { widgets.other_drawn_at = ui_port().now_seconds(); }
 

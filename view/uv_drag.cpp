@@ -400,7 +400,8 @@ void uv_drag_press(const pointer_event_t &event)
 void uv_drag_motion(const pointer_event_t &event)
 {
     if (drag.what == doing::NOTHING) {
-        win_set_handle_cursor(texture_coords_view, handle_under(event.x, event.y));
+        if (uv_editor_is_ready())
+            win_set_handle_cursor(texture_coords_view, handle_under(event.x, event.y));
         return;
     }
     if (drag.held)

@@ -244,10 +244,9 @@ void uv_view_resize(int width, int height)
 
 void uv_view_fit(bool chosen_only)
 {
-    const uv_state &state = uv_editor();
     uv_box box;
     if (chosen_only)
-        box = uv_box_of(state.mesh, uv_moving_corners(state));
+        box = uv_box_of(uv_editor().mesh, uv_moving_corners(uv_editor()));
     if (!box.any) {
         box.add({0, 0});
         box.add({1, 1});

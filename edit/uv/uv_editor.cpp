@@ -6,6 +6,7 @@
 #include "edit/document/modes.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/uv/uv_gather.h"
 #include "model/identity.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
@@ -28,7 +29,9 @@ struct editor_t {
     // of the main selection, when it was last looked at
     unsigned selection_count = ~0u;
     int select_mode = -1;
-    bool emptied = false; // by choosing nothing here: the objects stay shown
+    bool emptied = false;    // by choosing nothing here: the objects stay shown
+    bool gather_due = false; // other objects are shown
+    bool choice_due = false; // the main selection is to be looked at
     uv_totals totals;
     unsigned totals_geometry = ~0u, totals_choice = ~0u; // their versions
 };
@@ -276,19 +279,28 @@ bool is_current(const uv_mesh &mesh)
     });
 }
 
-// Anew from the objects; the choice stays where the corners are the same.
-void gather()
+// Anew from the objects; the choice stays where the corners are the same. False: a worker is at it.
+bool gather(bool waits)
 {
     uv_state &state = editor().state;
-    const bool keep = same_topology(state.mesh);
-    const uv_mesh old = std::move(state.mesh);
-    state.mesh = uv_mesh_of(shown_objects());
-    state.islands = uv_find_islands(state.mesh);
+    std::vector<uv_source> sources;
+    for (object_t *object : shown_objects())
+        sources.push_back({object, object_identity(object), object_flat(object)});
+    uv_gathered found;
+    if (!waits)
+        found = uv_gather(sources);
+    else if (!uv_gather_later(sources, &found))
+        return false;
+    const bool keep = same_topology(state.mesh) && state.mesh.surfaces == found.mesh.surfaces &&
+                      state.mesh.vertices == found.mesh.vertices;
+    state.mesh = std::move(found.mesh);
+    state.islands = std::move(found.islands);
     state.geometry_version = next_version();
-    if (keep && old.surfaces == state.mesh.surfaces && old.vertices == state.mesh.vertices)
-        return;
+    if (keep)
+        return true;
     state.chosen = corners_of_main_selection(state.mesh);
     count_chosen(state);
+    return true;
 }
 
 void follow_main_selection()
@@ -306,33 +318,43 @@ void follow_main_selection()
         editor().emptied = false;
         editor().shown = std::move(shown);
     }
-    const std::vector<object_t *> objects = shown_objects();
     std::vector<object_t *> gathered;
     for (const uv_part &part : state.mesh.parts)
         gathered.push_back(part.object);
-    std::vector<object_t *> wanted = objects;
+    std::vector<object_t *> wanted = shown_objects();
     std::erase_if(wanted, [](const object_t *object) { return object->num_surfaces == 0; });
-    if (gathered != wanted || !is_current(state.mesh))
-        gather();
-    if (!main_selection_is_ours(state)) {
-        state.chosen = corners_of_main_selection(state.mesh);
-        count_chosen(state);
+    editor().gather_due = editor().gather_due || gathered != wanted;
+    editor().choice_due = true;
+}
+
+// False: a worker is at it.
+bool bring_up_to_date(bool waits)
+{
+    editor_t &now = editor();
+    if (now.selection_count != selection_change_count() || now.select_mode != select_mode())
+        follow_main_selection();
+    const bool outdated =
+        shown_objects().size() < now.state.mesh.parts.size() || !is_current(now.state.mesh);
+    if ((now.gather_due || outdated) && !gather(waits))
+        return false;
+    now.gather_due = false;
+    if (now.choice_due && !main_selection_is_ours(now.state)) {
+        now.state.chosen = corners_of_main_selection(now.state.mesh);
+        count_chosen(now.state);
     }
+    now.choice_due = false;
+    return true;
 }
 
 } // namespace
 
 const uv_state &uv_editor()
 {
-    editor_t &now = editor();
-    if (now.selection_count != selection_change_count() || now.select_mode != select_mode()) {
-        follow_main_selection();
-    } else if (shown_objects().size() < now.state.mesh.parts.size() ||
-               !is_current(now.state.mesh)) {
-        gather();
-    }
-    return now.state;
+    bring_up_to_date(false);
+    return editor().state;
 }
+
+bool uv_editor_is_ready() { return bring_up_to_date(true); }
 
 bool uv_mode_of(std::string_view name, uv_mode *mode)
 {
@@ -452,12 +474,16 @@ const uv_totals &uv_totals_now()
 
 object_t *uv_picture_object()
 {
-    const uv_mesh &mesh = uv_editor().mesh;
-    for (const uv_part &part : mesh.parts) {
+    uv_editor_is_ready(); // else of those that were shown
+    object_t *first = nullptr;
+    for (const uv_part &part : editor().state.mesh.parts) {
+        if (identity_known(part.object) != part.identity)
+            continue;
         if (object_picture(part.object) != nullptr)
             return part.object;
+        first = first != nullptr ? first : part.object;
     }
-    return mesh.parts.empty() ? nullptr : mesh.parts.front().object;
+    return first;
 }
 
 uv_pixels uv_picture_size()

@@ -26,6 +26,9 @@ struct uv_state {
 // Brought up to date with the model and the main selection.
 const uv_state &uv_editor();
 
+// False: a worker is at it, since it is much; ask again later. uv_editor does not wait for it.
+bool uv_editor_is_ready();
+
 void uv_set_mode(uv_mode mode);
 bool uv_mode_of(std::string_view name, uv_mode *mode);
 const char *uv_mode_name(uv_mode mode);

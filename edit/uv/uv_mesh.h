@@ -17,6 +17,14 @@ struct uv_part {
     int first_vertex;
 };
 
+// An object, which need not be there any more, as it was.
+struct uv_source {
+    object_t *object;
+    int identity;
+    flat_ptr flat;
+    bool operator==(const uv_source &) const = default;
+};
+
 struct uv_mesh {
     std::vector<uv_part> parts;
     // one a polygon
@@ -44,6 +52,8 @@ struct uv_mesh {
 
 // The polygons (of three corners at least) of these objects themselves.
 uv_mesh uv_mesh_of(const std::vector<object_t *> &objects);
+
+uv_mesh uv_mesh_of_sources(const std::vector<uv_source> &sources);
 
 // Of flat meshes that may have outlived their records: for computing, not for writing.
 uv_mesh uv_mesh_of_flats(const std::vector<flat_ptr> &flats);
