@@ -82,11 +82,6 @@ void command_uv_islands()
             std::string_view(box_text(boxes[i]) + (chosen[i] != 0 ? " 1" : " 0")));
 }
 
-void command_uv_waits()
-{
-    command_result_set(!uv_editor_is_ready() ? "gathers" : uv_measures() ? "measures" : "");
-}
-
 // ---- choosing ----
 
 void choose(std::vector<char> corners)
@@ -306,9 +301,6 @@ std::span<const own_command_t> uv_commands()
                     "returns the box of each island (u v of two corners), 1 when it is chosen"),
         command_row("uv_stretch", command_uv_stretch, query, nullptr,
                     "returns how the picture is distorted, as keys and values"),
-        command_row("uv_waits", command_uv_waits, query, nullptr,
-                    "returns what a worker does for the window of texture coordinates: gathers, "
-                    "measures or nothing"),
         command_row("uv_overlaps", command_uv_overlaps, query, nullptr,
                     "returns how many surfaces lie on others in the picture"),
         command_row("uv_select_mode", command_uv_select_mode, view,

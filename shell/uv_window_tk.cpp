@@ -242,6 +242,15 @@ void save_picture(const char *name)
     std::fclose(file);
 }
 
+// What is not there yet: the arrays, the picture, or what its colours tell.
+void tell_waits()
+{
+    command_result_set(!uv_editor_is_ready() ? "gathers"
+                       : uv_measures()       ? "measures"
+                       : window.timer        ? "draws"
+                                             : "");
+}
+
 // Milliseconds a picture while the view moves.
 void benchmark(int frames)
 {
@@ -273,6 +282,9 @@ void register_uv_window()
     Tcl_CreateObjCommand(interp_tk(), "::vesk::uv_bind", bind_command, nullptr, nullptr);
     command_add_own(command_row("uv_view_save_picture", save_picture, command_kind::query,
                                 "<file.ppm>", "save what the window of texture coordinates shows"));
+    command_add_own(command_row("uv_view_waits", tell_waits, command_kind::query, nullptr,
+                                "returns what the window of texture coordinates has still to do: "
+                                "gathers, measures, draws or nothing"));
     command_add_own(command_row("uv_view_benchmark", benchmark, command_kind::query, "<frames>",
                                 "milliseconds a picture of the window of texture coordinates"));
 }

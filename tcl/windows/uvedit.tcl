@@ -276,7 +276,7 @@ proc ::vesk::uvedit::refresh {} {
     variable mode
     variable keep
     variable edits
-    if {![winfo exists .uv.status.counts] || [vesk uv_waits] eq "gathers"} {return}
+    if {![winfo exists .uv.status.counts] || [vesk uv_view_waits] eq "gathers"} {return}
     set before $info
     set info [vesk uv_info]
     set mode [dict get $info mode]

@@ -224,7 +224,7 @@ proc ::vesk::uvedit::popup {x y} {
 proc ::vesk::uvedit::show_measure {} {
     variable option
     set lines {}
-    if {($option(stretch) || $option(overlaps)) && [vesk uv_waits] ne ""} {
+    if {($option(stretch) || $option(overlaps)) && [vesk uv_view_waits] eq "measures"} {
         .uv.panel.measure configure -text "Measuring \u2026"
         return
     }
