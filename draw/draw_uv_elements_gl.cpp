@@ -21,6 +21,9 @@ constexpr colour_t hatching = {0, 0, 0, 0.55f};
 constexpr std::size_t many_points = 5000; // not marked, unless corners are what is chosen
 constexpr std::size_t edges_a_step = slice_step_elements / 2;
 constexpr std::size_t surfaces_a_step = slice_step_elements / 6;
+// Pixels that a step covers: elements may be as large as the window, and many.
+constexpr double pixels_of_lines = 1.5e5, pixels_of_surfaces = 3e6;
+constexpr double pixels_of_quick_lines = 2e6, pixels_of_quick_surfaces = 5e6;
 constexpr std::size_t corners_a_step = 2 * std::size_t{slice_step_elements};
 
 // Calls draw(first, end) for the steps of a pass that are to be drawn now.
@@ -35,13 +38,49 @@ void in_steps(std::size_t count, std::size_t a_step, Draw &&draw)
             draw(first, std::min(first + a_step, count));
 }
 
+// What an element covers of the window, at most: all of it.
+float clipped_length(float a, float b, double scale, int side)
+{
+    const double pixels = std::fabs(double{a} - b) * scale;
+    return pixels < side ? static_cast<float>(pixels) : static_cast<float>(side);
+}
+
+// How many of `count` elements cover about so many pixels, by some of them; at most `most`.
+template <class Pixels>
+std::size_t as_many_as_cover(double pixels, std::size_t count, std::size_t most, Pixels &&pixels_of)
+{
+    constexpr std::size_t samples = 500;
+    const std::size_t stride = count / samples + 1;
+    double sum = 0;
+    std::size_t looked_at = 0;
+    for (std::size_t i = 0; i < count; i += stride, ++looked_at)
+        sum += pixels_of(i);
+    const double fitting = sum > 0 ? pixels * static_cast<double>(looked_at) / sum : 1e9;
+    return static_cast<std::size_t>(std::clamp(fitting, 8.0, static_cast<double>(most)));
+}
+
 vertex2_t shown_at(const uv_mesh &mesh, int corner)
 {
     const flat_uv at = uv_shown_at(uv_view(), mesh, corner);
     return {at.u, at.v};
 }
 
+// Width and height of the box of two corners, in the window.
+vertex2_t covered(const uv_mesh &mesh, int a, int b)
+{
+    const uv_view_t &view = uv_view();
+    const flat_uv &p = mesh.at[a], &q = mesh.at[b];
+    return {clipped_length(p.u, q.u, view.scale, view.width),
+            clipped_length(p.v, q.v, uv_scale_v(), view.height)};
+}
+
 // ---- edges ----
+
+float pixels_of(const uv_mesh &mesh, const uv_edge &edge)
+{
+    const auto [w, h] = covered(mesh, edge.corner, edge.next);
+    return w + h;
+}
 
 bool is_chosen(const uv_state &state, const uv_edge &edge)
 {
@@ -58,7 +97,10 @@ void draw_some_edges(const uv_shown_edges &edges, bool border, bool chosen, floa
         return;
     draw_set_line_width(width);
     std::vector<vertex2_t> lines;
-    in_steps(edges.size(), edges_a_step, [&](std::size_t first, std::size_t end) {
+    const std::size_t a_step =
+        as_many_as_cover(pixels_of_lines, edges.size(), edges_a_step,
+                         [&](std::size_t i) { return pixels_of(state.mesh, edges[i]); });
+    in_steps(edges.size(), a_step, [&](std::size_t first, std::size_t end) {
         lines.clear();
         for (std::size_t i = first; i < end; ++i) {
             const uv_edge &edge = edges[i];
@@ -101,13 +143,14 @@ void for_triangles(const uv_mesh &mesh, int surface, Add &&add)
 struct some_surfaces {
     const uv_mesh &mesh;
     std::size_t stride;
+    std::size_t a_step;
 
     // Calls add(surface) for those of a step, then draw().
     template <class Add, class Draw>
     void pass(Add &&add, Draw &&draw) const
     {
         const std::size_t count = (mesh.surfaces.size() + stride - 1) / stride;
-        in_steps(count, surfaces_a_step, [&](std::size_t first, std::size_t end) {
+        in_steps(count, a_step, [&](std::size_t first, std::size_t end) {
             for (std::size_t i = first; i < end; ++i)
                 add(static_cast<int>(i * stride));
             draw();
@@ -224,6 +267,9 @@ void draw_marked(const uv_state &state, point_mark wanted, float size, const col
 uv_shown_edges::uv_shown_edges(const uv_state &state, std::size_t most) : state_(state)
 {
     const std::size_t count = state.islands.edges.size();
+    most = as_many_as_cover(pixels_of_quick_lines, count, most, [&](std::size_t i) {
+        return pixels_of(state.mesh, state.islands.edges[i]);
+    });
     all_ = count <= most;
     if (all_)
         return;
@@ -252,7 +298,19 @@ void draw_uv_surfaces(const uv_state &state, std::size_t most)
 {
     const uv_options &options = uv_view().options;
     const std::size_t count = state.mesh.surfaces.size();
-    const some_surfaces surfaces = {state.mesh, count <= most ? 1 : count / most + 1};
+    if (options.stretch == uv_shown_stretch::NONE && !options.overlaps)
+        return;
+    const auto as_many = [&](double pixels, std::size_t limit) {
+        return as_many_as_cover(pixels, count, limit, [&](std::size_t i) {
+            const int first = state.mesh.corners_begin(static_cast<int>(i));
+            const auto [w, h] = covered(state.mesh, first, first + 2);
+            return w * h;
+        });
+    };
+    if (most < count)
+        most = as_many(pixels_of_quick_surfaces, most);
+    const some_surfaces surfaces = {state.mesh, most >= count ? 1 : count / most + 1,
+                                    as_many(pixels_of_surfaces, surfaces_a_step)};
     if (options.stretch != uv_shown_stretch::NONE) {
         if (const auto *stretch = uv_stretch_now(uv_patience::waits))
             draw_stretch(surfaces, *stretch, options.stretch);
