@@ -101,4 +101,25 @@ run {
     vesk select_elements set [lmap id [lrange $ids 1000 3999] {string cat $id :1-2}]
     compare_with_whole "with some surfaces of each"
     shot large-many
+
+    # Glass: objects from back to front, the surfaces of each as well; of the terrain half the rows.
+    vesk set_select_mode edge
+    vesk select_all
+    compare_with_whole "with all edges of each"
+    set stream [open [work cubes.vesk]]
+    set text [string map {"trans 0\n" "trans 0.6\n"} [read $stream]]
+    close $stream
+    set stream [open [work glass.vesk] w]
+    puts -nonewline $stream $text
+    close $stream
+    vesk clear_all
+    vesk load_file [work glass.vesk]
+    vesk clear_selection
+    compare_with_whole "glass:"
+    shot large-glass
+    exec tclsh8.6 $terrain 450 0.5 > [work terrain.vesk]
+    vesk load_file [work terrain.vesk]
+    vesk clear_selection
+    compare_with_whole "glass and ground:"
+    shot large-glass-terrain
 }
