@@ -518,7 +518,7 @@ void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &optio
     glDepthMask(GL_FALSE);
     slice_items(kept->progress, kept->items.size(), [&](std::size_t i) {
         const scene_item_t &item = scene.items[kept->items[i]];
-        if (item.buffers->triangles.empty()) {
+        if (item.buffers->triangles.empty() || item.detail > 0) {
             batches_t batches;
             add_groups(batches, item, options, true);
             draw_batches(batches, options);

@@ -118,6 +118,7 @@ run {
     compare_with_whole "glass:"
     shot large-glass
     exec tclsh8.6 $terrain 450 0.5 > [work terrain.vesk]
+    vesk clear_all
     vesk load_file [work terrain.vesk]
     vesk clear_selection
     compare_with_whole "glass and ground:"
