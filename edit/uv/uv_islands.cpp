@@ -21,28 +21,35 @@ bool same(const flat_uv &a, const flat_uv &b)
     return std::fabs(a.u - b.u) <= uv_tolerance && std::fabs(a.v - b.v) <= uv_tolerance;
 }
 
-std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
+// Calls visit(side) for each side of each surface.
+template <class Visit>
+void for_sides(const uv_mesh &mesh, Visit &&visit)
 {
-    std::vector<side_t> sides(mesh.at.size());
-    std::vector<int> first(mesh.positions.size() + 1, 0);
-    std::vector<side_t> unsorted;
-    unsorted.reserve(mesh.at.size());
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
         for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
             const int next = mesh.next_corner(surface, c);
             const int a = mesh.vertices[c], b = mesh.vertices[next];
-            unsorted.push_back(a <= b ? side_t{a, b, c, next, surface}
-                                      : side_t{b, a, next, c, surface});
-            ++first[std::min(a, b) + 1];
+            visit(a <= b ? side_t{a, b, c, next, surface} : side_t{b, a, next, c, surface});
         }
     }
-    std::partial_sum(first.begin(), first.end(), first.begin());
-    std::vector<int> end(first.begin(), first.end() - 1);
-    for (const side_t &side : unsorted)
-        sides[end[side.low]++] = side;
-    for (std::size_t v = 0; v + 1 < first.size(); ++v)
-        std::stable_sort(sides.begin() + first[v], sides.begin() + first[v + 1],
+}
+
+std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
+{
+    std::vector<side_t> sides(mesh.at.size());
+    // Where those of each lower vertex begin; while they are placed, where the next one goes.
+    std::vector<int> next(mesh.positions.size() + 1, 0);
+    for_sides(mesh, [&](const side_t &side) { ++next[side.low + 1]; });
+    std::partial_sum(next.begin(), next.end(), next.begin());
+    for_sides(mesh, [&](const side_t &side) { sides[next[side.low]++] = side; });
+    std::size_t begin = 0;
+    for (std::size_t v = 0; v + 1 < next.size(); ++v) {
+        const auto end = static_cast<std::size_t>(next[v]);
+        std::stable_sort(sides.begin() + static_cast<std::ptrdiff_t>(begin),
+                         sides.begin() + static_cast<std::ptrdiff_t>(end),
                          [](const side_t &a, const side_t &b) { return a.high < b.high; });
+        begin = end;
+    }
     return sides;
 }
 

@@ -64,6 +64,17 @@ bool is_own(const flat_mesh &flat, const vertex *point)
 uv_mesh uv_mesh_of_sources(const std::vector<uv_source> &sources)
 {
     uv_mesh mesh;
+    std::size_t corners = 0, surfaces = 0;
+    for (const uv_source &source : sources) {
+        corners += source.flat->corners->size();
+        surfaces += source.flat->surfaces->size();
+    }
+    mesh.vertices.reserve(corners);
+    mesh.at.reserve(corners);
+    mesh.surfaces.reserve(surfaces);
+    mesh.part.reserve(surfaces);
+    mesh.normals.reserve(surfaces);
+    mesh.first_corner.reserve(surfaces + 1);
     mesh.first_corner.push_back(0);
     for (const uv_source &source : sources)
         add_part(mesh, source);
