@@ -1,12 +1,14 @@
 # terrain.tcl --
-#   Prints a model file: a smooth terrain of n by n quads, 2 n n triangles. Of the share that may follow
-#   (a number from 0 to 1) the rows are glass.
+#   Prints a model file: a smooth terrain of n by n quads, 2 n n triangles. A second argument from 0 to 1 is
+#   the share of its rows that is of glass.
 
 lassign $argv n glass
 if {$glass eq ""} {set glass 0}
 fconfigure stdout -buffersize 1000000
 puts "VESKb\nMATERIAL \"ground\" rgb 0.6 0.7 0.5 amb 0.2 0.2 0.2 emis 0 0 0 spec 0.5 0.5 0.5 shi 10 trans 0"
-puts "MATERIAL \"glass\" rgb 0.4 0.6 0.9 amb 0.2 0.2 0.2 emis 0 0 0 spec 0.5 0.5 0.5 shi 10 trans 0.5"
+if {$glass > 0} {
+    puts "MATERIAL \"glass\" rgb 0.4 0.6 0.9 amb 0.2 0.2 0.2 emis 0 0 0 spec 0.5 0.5 0.5 shi 10 trans 0.5"
+}
 puts "OBJECT world\nkids 1\nOBJECT poly\nname \"terrain\"\nnumvert [expr {($n + 1) * ($n + 1)}]"
 for {set i 0} {$i <= $n} {incr i} {
     set z [expr {4.0 * $i / $n - 2}]
