@@ -34,24 +34,49 @@ void for_sides(const uv_mesh &mesh, Visit &&visit)
     }
 }
 
-std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
-{
-    std::vector<side_t> sides(mesh.at.size());
-    // Where those of each lower vertex begin; while they are placed, where the next one goes.
-    std::vector<int> next(mesh.positions.size() + 1, 0);
-    for_sides(mesh, [&](const side_t &side) { ++next[side.low + 1]; });
-    std::partial_sum(next.begin(), next.end(), next.begin());
-    for_sides(mesh, [&](const side_t &side) { sides[next[side.low]++] = side; });
-    std::size_t begin = 0;
-    for (std::size_t v = 0; v + 1 < next.size(); ++v) {
-        const auto end = static_cast<std::size_t>(next[v]);
-        std::stable_sort(sides.begin() + static_cast<std::ptrdiff_t>(begin),
-                         sides.begin() + static_cast<std::ptrdiff_t>(end),
-                         [](const side_t &a, const side_t &b) { return a.high < b.high; });
-        begin = end;
+// The sides in the order of their vertices, some vertices at a time: all at once they would take more room than
+// what is found.
+class sides_by_edge {
+public:
+    explicit sides_by_edge(const uv_mesh &mesh) : mesh_(mesh), next_(mesh.positions.size() + 1, 0)
+    {
+        for_sides(mesh, [&](const side_t &side) { ++next_[side.low + 1]; });
+        std::partial_sum(next_.begin(), next_.end(), next_.begin());
     }
-    return sides;
-}
+
+    // The next ones, at most so many unless those of one vertex are more. False: there are none.
+    bool take(std::size_t most, std::vector<side_t> &sides)
+    {
+        const std::size_t num_vertices = next_.size() - 1;
+        const std::size_t from = to_, first = begin_of(from);
+        while (to_ < num_vertices && (to_ == from || begin_of(to_ + 1) - first <= most))
+            ++to_;
+        sides.resize(begin_of(to_) - first);
+        for_sides(mesh_, [&](const side_t &side) {
+            const auto low = static_cast<std::size_t>(side.low);
+            if (low >= from && low < to_)
+                sides[static_cast<std::size_t>(next_[low]++) - first] = side;
+        });
+        auto begin = sides.begin();
+        for (std::size_t v = from; v < to_; ++v) { // next_ has their ends now
+            const auto end = sides.begin() + static_cast<std::ptrdiff_t>(begin_of(v) - first);
+            std::stable_sort(begin, end,
+                             [](const side_t &a, const side_t &b) { return a.high < b.high; });
+            begin = end;
+        }
+        return to_ > from;
+    }
+
+private:
+    [[nodiscard]] std::size_t begin_of(std::size_t v) const
+    {
+        return static_cast<std::size_t>(next_[v]);
+    }
+
+    const uv_mesh &mesh_;
+    std::vector<int> next_; // where the next side of each lower vertex goes
+    std::size_t to_ = 0;    // the first vertex whose sides were not taken
+};
 
 // The surfaces of one edge.
 class edge_joiner {
@@ -113,20 +138,24 @@ private:
 
 } // namespace
 
-uv_islands uv_find_islands(const uv_mesh &mesh)
+uv_islands uv_find_islands(const uv_mesh &mesh, std::size_t sides_at_once)
 {
     uv_islands found;
     union_find corners(mesh.num_corners()), surfaces(mesh.num_surfaces());
     edge_joiner joiner(mesh, corners, surfaces);
-    std::vector<side_t> sides = sides_by_edge(mesh);
-    found.edges.reserve(sides.size() / 2);
-    for (auto begin = sides.begin(); begin != sides.end();) {
-        auto end = begin + 1;
-        while (end != sides.end() && end->low == begin->low && end->high == begin->high)
-            ++end;
-        joiner.join(begin, end, found.edges);
-        begin = end;
+    sides_by_edge all(mesh);
+    std::vector<side_t> sides;
+    found.edges.reserve(mesh.at.size()); // what is not needed of it is never touched
+    while (all.take(sides_at_once, sides)) {
+        for (auto begin = sides.begin(); begin != sides.end();) {
+            auto end = begin + 1;
+            while (end != sides.end() && end->low == begin->low && end->high == begin->high)
+                ++end;
+            joiner.join(begin, end, found.edges);
+            begin = end;
+        }
     }
+    sides = {};
     for (std::size_t i = 0; i < found.edges.size(); ++i) {
         if (found.edges[i].is_border())
             found.borders.push_back(static_cast<int>(i));

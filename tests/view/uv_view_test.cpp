@@ -443,6 +443,24 @@ TEST_F(UvViewOfMany, AWorkerReadsTheModelAndCommandsDoNotWaitForIt)
     EXPECT_EQ(uv_editor().mesh.num_surfaces(), 0);
 }
 
+TEST_F(UvViewOfMany, IslandsAreTheSameHoweverManySidesAreLookedAtTogether)
+{
+    run("uv_project", "box", "2");
+    const uv_mesh &mesh = uv_editor().mesh;
+    const uv_islands &whole = uv_editor().islands;
+    for (const std::size_t at_once : {5000, 100000}) {
+        const uv_islands parts = uv_find_islands(mesh, at_once);
+        EXPECT_EQ(parts.point, whole.point);
+        EXPECT_EQ(parts.island, whole.island);
+        EXPECT_EQ(parts.borders, whole.borders);
+        ASSERT_EQ(parts.edges.size(), whole.edges.size());
+        for (std::size_t i = 0; i < whole.edges.size(); ++i) {
+            ASSERT_EQ(parts.edges[i].corner, whole.edges[i].corner);
+            ASSERT_EQ(parts.edges[i].twin, whole.edges[i].twin);
+        }
+    }
+}
+
 TEST_F(UvViewOfMany, AWorkerMeasuresWhatACommandMeasures)
 {
     run("uv_project", "sphere", "2");
