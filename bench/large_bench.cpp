@@ -96,6 +96,12 @@ void run(rows_t *rows, int side, const std::string &file)
     all.measure("check_model", [] { command({"check_model"}); });
     all.measure("delete", [] { command({"select_all"}), command({"delete"}); });
     all.measure("undo it", [] { command({"step_back"}); });
+    // What stands behind the window of texture coordinates.
+    command({"select_all"});
+    all.measure("texture window", [] { command({"uv_info"}); });
+    all.measure("choose all corners", [] { command({"uv_select", "all"}); });
+    all.measure("move them", [] { command({"uv_move", "0.1", "0"}); });
+    all.measure("undo that", [] { command({"step_back"}); });
     all.end();
 }
 

@@ -287,11 +287,12 @@ void frame_pause()
     device.into_frame_buffer = false;
 }
 
-void frame_resume(int view, int width, int height)
+void frame_resume(int view, int width, int height, bool smoothing)
 {
     const frame_buffer_t &frame = device.frames[view];
-    device.into_frame_buffer = device_caps().samples > 0 && frame.frame != 0 && !frame.broken;
-    enter_frame(frame, width, height, true);
+    device.into_frame_buffer =
+        smoothing && device_caps().samples > 0 && frame.frame != 0 && !frame.broken;
+    enter_frame(frame, width, height, smoothing);
 }
 
 void frame_end(int view)

@@ -41,7 +41,7 @@ void frame_begin(int view, int width, int height, const colour_t &background, bo
 void frame_end(int view);
 // Leaves a frame that is drawn in slices as it is, and goes on with it.
 void frame_pause();
-void frame_resume(int view, int width, int height);
+void frame_resume(int view, int width, int height, bool smoothing);
 // The view's window is closed, and with its context everything made in it is gone.
 void frame_forget(int view);
 

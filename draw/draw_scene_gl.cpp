@@ -13,8 +13,11 @@
 
 #include <algorithm>
 #include <compare>
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <tuple>
+#include <utility>
 
 namespace {
 
@@ -208,15 +211,12 @@ void add_groups(batches_t &batches, const scene_item_t &item, const fill_options
     }
 }
 
-// The transparent surfaces of an object, back to front. `towards` the viewer.
-void draw_by_depth(const scene_item_t &item, const fill_options_t &options, const point3_t &towards)
+// The transparent surfaces of an object, back to front.
+void draw_in_order(const scene_item_t &item, const fill_options_t &options,
+                   const depth_order_t &order)
 {
     const object_buffers_t &buffers = *item.buffers;
     const placed_image_t picture = picture_of(item, options);
-    depth_order_t order = order_by_depth(buffers.layout, *buffers.flat, buffers.triangles,
-                                         groups_of(item, picture, true), towards);
-    for (std::uint32_t &slot : order.slots)
-        slot += buffers.first_slot;
     const std::span<const std::uint32_t> slots = order.slots;
     glEnable(GL_LIGHTING);
     for (const depth_run_t &run : order.runs) {
@@ -225,6 +225,17 @@ void draw_by_depth(const scene_item_t &item, const fill_options_t &options, cons
         page_unbind();
     }
     end_surfaces();
+}
+
+depth_order_t order_of_surfaces(const scene_item_t &item, const fill_options_t &options,
+                                const point3_t &towards)
+{
+    const object_buffers_t &buffers = *item.buffers;
+    depth_order_t order = order_by_depth(buffers.layout, *buffers.flat, buffers.triangles,
+                                         groups_of(item, picture_of(item, options), true), towards);
+    for (std::uint32_t &slot : order.slots)
+        slot += buffers.first_slot;
+    return order;
 }
 
 bool is_drawn_filled(const scene_item_t &item)
@@ -242,6 +253,33 @@ void draw_cloud(const scene_item_t &item, const fill_options_t &options)
     begin_surfaces(key_of(item, {flat.surface(0).material, true, true, 0, 0}, {}), options);
     page_draw_cloud(*item.buffers, true);
     end_surfaces();
+}
+
+// What is left from slice to slice of a picture's transparent surfaces.
+struct transparent_t {
+    std::vector<std::size_t> items; // of the scene, from back to front
+    slice_items_t progress;
+    std::size_t in_hand = SIZE_MAX;
+    depth_order_t order; // of the surfaces of the one in hand
+};
+
+transparent_t transparent_items(const scene_t &scene, const fill_options_t &options,
+                                const point3_t &towards)
+{
+    std::vector<std::pair<double, std::size_t>> order;
+    for (std::size_t i = 0; i < scene.items.size(); ++i) {
+        const scene_item_t &item = scene.items[i];
+        if (!is_drawn_filled(item) || groups_of(item, picture_of(item, options), true).empty())
+            continue;
+        const point3_t middle = point_scale(point_add(item.buffers->min, item.buffers->max), 0.5f);
+        order.emplace_back(point_dot(middle, towards), i);
+    }
+    std::sort(order.begin(), order.end(),
+              [](const auto &a, const auto &b) { return a.first < b.first; });
+    transparent_t found;
+    for (const auto &[depth, i] : order)
+        found.items.push_back(i);
+    return found;
 }
 
 // ---- ranges of edges and points by page ----
@@ -467,32 +505,29 @@ void draw_opaque_surfaces(const scene_t &scene, const fill_options_t &options)
 
 void draw_transparent_surfaces(const scene_t &scene, const fill_options_t &options)
 {
-    const slice_part_t part;
+    slice_part_t part;
     if (!part.draws())
         return;
     double m[16];
     glGetDoublev(GL_MODELVIEW_MATRIX, m);
     const point3_t towards = {static_cast<float>(m[2]), static_cast<float>(m[6]),
                               static_cast<float>(m[10])};
-    std::vector<std::pair<double, const scene_item_t *>> order;
-    for (const scene_item_t &item : scene.items) {
-        if (!is_drawn_filled(item) || groups_of(item, picture_of(item, options), true).empty())
-            continue;
-        const point3_t middle = point_scale(point_add(item.buffers->min, item.buffers->max), 0.5f);
-        order.emplace_back(point_dot(middle, towards), &item);
-    }
-    std::sort(order.begin(), order.end(),
-              [](const auto &a, const auto &b) { return a.first < b.first; });
+    const auto &kept = part.prepared([&] {
+        return std::make_shared<transparent_t>(transparent_items(scene, options, towards));
+    });
     glDepthMask(GL_FALSE);
-    for (const auto &[depth, item] : order) {
-        if (!item->buffers->triangles.empty()) {
-            draw_by_depth(*item, options, towards);
-            continue;
+    slice_items(kept->progress, kept->items.size(), [&](std::size_t i) {
+        const scene_item_t &item = scene.items[kept->items[i]];
+        if (item.buffers->triangles.empty() || item.detail > 0) {
+            batches_t batches;
+            add_groups(batches, item, options, true);
+            draw_batches(batches, options);
+            return;
         }
-        batches_t batches;
-        add_groups(batches, *item, options, true);
-        draw_batches(batches, options);
-    }
+        if (std::exchange(kept->in_hand, i) != i)
+            kept->order = order_of_surfaces(item, options, towards);
+        draw_in_order(item, options, kept->order);
+    });
     glDepthMask(GL_TRUE);
 }
 

@@ -90,3 +90,22 @@ slice_part_t::~slice_part_t()
 }
 
 std::any &slice_part_t::kept() { return slice.runs ? slice.progress->prepared : own_; }
+
+void slice_items(slice_items_t &items, std::size_t count,
+                 const std::function<void(std::size_t)> &draw)
+{
+    if (slice.runs)
+        slice.at += items.steps;
+    for (std::size_t i = items.drawn; i < count; ++i) {
+        if (slice.runs && slice.full) {
+            slice.left = true;
+            return;
+        }
+        const std::uint64_t before = slice.at;
+        draw(i);
+        if (slice.runs && slice.left)
+            return;
+        items.drawn = i + 1;
+        items.steps += slice.at - before;
+    }
+}

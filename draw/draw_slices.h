@@ -69,4 +69,15 @@ private:
     std::any own_; // where no slice runs
 };
 
+// How far a part of items got; among what the part prepares.
+struct slice_items_t {
+    std::size_t drawn = 0;   // items
+    std::uint64_t steps = 0; // of those
+};
+
+// Calls draw(i) for `count` items of the part in hand, each of some steps, from the first one that is not
+// drawn yet to the one in which the time is over: what an item needs is done when its turn comes.
+void slice_items(slice_items_t &items, std::size_t count,
+                 const std::function<void(std::size_t)> &draw);
+
 #endif

@@ -3,15 +3,18 @@
 #include "base/prefs.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_overlay_gl.h"
+#include "draw/draw_slices.h"
 #include "draw/draw_text_gl.h"
 #include "draw/draw_textures_gl.h"
-#include "edit/uv/uv_measure.h"
-#include "view/uv_drag.h"
+#include "draw/draw_uv_elements_gl.h"
+#include "edit/uv/uv_measured.h"
+#include "view/interaction.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -19,166 +22,15 @@ constexpr int frame_colour = 0x2A2A2A;
 constexpr int checker_colours[2] = {0x626266, 0x6E6E73};
 constexpr int checker_fields = 16;
 constexpr int axis_colours[2] = {0xF07F76, 0x8CCB6B};
-constexpr colour_t rim_colour = {0x14 / 255.0f, 0x14 / 255.0f, 0x14 / 255.0f, 0.85f};
-// Stretched: the picture is spread too thin (red) or crowded (blue); overlaps are amber.
-constexpr float thin[3] = {0.93f, 0.36f, 0.30f};
-constexpr float crowded[3] = {0.30f, 0.52f, 0.95f};
-constexpr float even[3] = {0.42f, 0.68f, 0.42f};
-constexpr int overlap_colour = 0xE5AC4D;
-constexpr float hatched_from = 0.5f; // of the scale: hatching begins
-// More than these are drawn with less: no marks on corners that are not chosen by themselves, and
-// neither marks nor smoothing while the mouse drags.
-constexpr std::size_t many_points = 5000;
+// With more edges than these a picture is quick first, then drawn in slices; a quick one has no marks on
+// corners and no smoothing.
 constexpr std::size_t many_edges = 12000;
+constexpr std::size_t fewest_quick_edges = 4000;
+constexpr double quick_seconds = 0.02; // what the elements of a quick picture may take
+constexpr double slice_seconds = 0.025;
 
 float narrow(double value) { return static_cast<float>(value); }
 float interface_scale() { return narrow(view_interface_scale()); }
-
-// ---- the drawing, in texture coordinates; made anew when something changed ----
-
-struct fill_t {
-    std::vector<coloured_vertex_t> plain;       // triangles
-    std::vector<vertex2_t> thin, crowded, over; // triangles that are hatched
-};
-
-struct drawing_t {
-    unsigned geometry = ~0u, choice = ~0u;
-    uv_shown_stretch stretch = uv_shown_stretch::NONE;
-    bool overlaps = false;
-    std::vector<vertex2_t> inner, border, chosen_inner, chosen_border;
-    std::vector<vertex2_t> points, chosen_points;
-    fill_t fill;
-};
-drawing_t drawing;
-
-void add_line(std::vector<vertex2_t> &out, const uv_mesh &mesh, const uv_edge &edge)
-{
-    const flat_uv &a = mesh.at[edge.corner], &b = mesh.at[edge.next];
-    out.push_back({a.u, a.v});
-    out.push_back({b.u, b.v});
-}
-
-bool is_chosen(const uv_state &state, const uv_edge &edge)
-{
-    const auto both = [&](int a, int b) { return state.chosen[a] != 0 && state.chosen[b] != 0; };
-    return both(edge.corner, edge.next) || (!edge.is_border() && both(edge.twin, edge.twin_next));
-}
-
-void make_edges(const uv_state &state)
-{
-    for (std::vector<vertex2_t> *lines :
-         {&drawing.inner, &drawing.border, &drawing.chosen_inner, &drawing.chosen_border})
-        lines->clear();
-    for (const uv_edge &edge : state.islands.edges) {
-        const bool chosen = is_chosen(state, edge);
-        std::vector<vertex2_t> &lines =
-            chosen ? (edge.is_border() ? drawing.chosen_border : drawing.chosen_inner)
-                   : (edge.is_border() ? drawing.border : drawing.inner);
-        add_line(lines, state.mesh, edge);
-    }
-}
-
-void make_points(const uv_state &state)
-{
-    drawing.points.clear();
-    drawing.chosen_points.clear();
-    std::vector<char> known(state.islands.num_points, 0);
-    for (std::size_t c = 0; c < state.chosen.size(); ++c) {
-        char &seen = known[state.islands.point[c]];
-        const bool chosen = state.chosen[c] != 0;
-        const vertex2_t at = {state.mesh.at[c].u, state.mesh.at[c].v};
-        if (chosen && seen < 2) {
-            drawing.chosen_points.push_back(at);
-            seen = 2;
-        } else if (seen == 0 && state.mode == uv_mode::CORNER) {
-            drawing.points.push_back(at);
-            seen = 1;
-        }
-    }
-}
-
-// -1 crowded four times or more, 0 even, 1 thin.
-float share_of_stretch(const uv_stretch &stretch)
-{
-    if (!(stretch.area > 0))
-        return 1;
-    const float area = -std::log2(stretch.area) / 2;
-    const float shape = std::log2(std::max(stretch.angle, 1.0f)) / 2;
-    if (drawing.stretch == uv_shown_stretch::AREA)
-        return std::clamp(area, -1.0f, 1.0f);
-    if (drawing.stretch == uv_shown_stretch::SHAPE)
-        return std::clamp(shape, 0.0f, 1.0f);
-    const float worst = std::fabs(area) >= shape ? area : area < -0.05f ? -shape : shape;
-    return std::clamp(worst, -1.0f, 1.0f);
-}
-
-void colour_of_stretch(float share, std::uint8_t rgba[4])
-{
-    const float *to = share < 0 ? crowded : thin;
-    for (int i = 0; i < 3; ++i)
-        rgba[i] = static_cast<std::uint8_t>(
-            std::lround((even[i] + (to[i] - even[i]) * std::fabs(share)) * 255));
-    rgba[3] = 150;
-}
-
-template <class Add>
-void for_triangles(const uv_mesh &mesh, int surface, Add &&add)
-{
-    const int first = mesh.corners_begin(surface);
-    for (int c = first + 1; c + 1 < mesh.corners_end(surface); ++c) {
-        for (const int corner : {first, c, c + 1})
-            add(mesh.at[corner]);
-    }
-}
-
-void make_fill(const uv_state &state)
-{
-    drawing.fill = {};
-    const uv_mesh &mesh = state.mesh;
-    if (drawing.stretch != uv_shown_stretch::NONE) {
-        const std::vector<uv_stretch> stretch =
-            uv_measure_stretch(mesh, uv_picture_size().aspect());
-        for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            const float share = share_of_stretch(stretch[i]);
-            coloured_vertex_t vertex = {};
-            colour_of_stretch(share, vertex.rgba);
-            for_triangles(mesh, i, [&](const flat_uv &p) {
-                vertex.x = p.u;
-                vertex.y = p.v;
-                drawing.fill.plain.push_back(vertex);
-                if (std::fabs(share) >= hatched_from)
-                    (share < 0 ? drawing.fill.crowded : drawing.fill.thin).push_back({p.u, p.v});
-            });
-        }
-    }
-    if (drawing.overlaps) {
-        const std::vector<char> over = uv_find_overlaps(mesh);
-        for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            if (over[i] != 0)
-                for_triangles(mesh, i, [&](const flat_uv &p) {
-                    drawing.fill.over.push_back({p.u, p.v});
-                });
-        }
-    }
-}
-
-void bring_up_to_date(const uv_state &state)
-{
-    const uv_options &options = uv_view().options;
-    const bool geometry = drawing.geometry != state.geometry_version;
-    const bool choice = drawing.choice != state.choice_version;
-    if (geometry || choice) {
-        make_edges(state);
-        make_points(state);
-    }
-    if (geometry || drawing.stretch != options.stretch || drawing.overlaps != options.overlaps) {
-        drawing.stretch = options.stretch;
-        drawing.overlaps = options.overlaps;
-        make_fill(state);
-    }
-    drawing.geometry = state.geometry_version;
-    drawing.choice = state.choice_version;
-}
 
 // ---- the picture ----
 
@@ -281,65 +133,6 @@ void use_texture_coordinates()
 
 void use_pixels() { glLoadIdentity(); }
 
-// Diagonal lines; `rising` as a slash.
-void draw_hatched(const std::vector<vertex2_t> &triangles, bool rising, bool both,
-                  const colour_t &colour)
-{
-    if (triangles.empty())
-        return;
-    GLubyte pattern[128];
-    for (int y = 0; y < 32; ++y) {
-        for (int byte = 0; byte < 4; ++byte) {
-            unsigned bits = 0;
-            for (int bit = 0; bit < 8; ++bit) {
-                const int x = byte * 8 + bit;
-                const bool slash = (x + (rising ? 32 - y : y)) % 8 < 2;
-                const bool other = both && (x + (rising ? y : 32 - y)) % 8 < 2;
-                bits |= slash || other ? 0x80u >> bit : 0u;
-            }
-            pattern[y * 4 + byte] = static_cast<GLubyte>(bits);
-        }
-    }
-    glEnable(GL_POLYGON_STIPPLE);
-    glPolygonStipple(pattern);
-    draw_array(GL_TRIANGLES, triangles, colour);
-    glDisable(GL_POLYGON_STIPPLE);
-}
-
-void draw_fill()
-{
-    const fill_t &fill = drawing.fill;
-    draw_coloured(GL_TRIANGLES, fill.plain);
-    draw_hatched(fill.thin, false, false, {0, 0, 0, 0.55f});
-    draw_hatched(fill.crowded, true, false, {0, 0, 0, 0.55f});
-    draw_array(GL_TRIANGLES, fill.over, colour_of(overlap_colour, 0.35f));
-    draw_hatched(fill.over, true, true, colour_of(overlap_colour, 0.9f));
-}
-
-void draw_lines()
-{
-    const float s = interface_scale();
-    draw_set_line_width(s);
-    draw_array(GL_LINES, drawing.inner, colour_of(prefs.uveditor_edgecol, 0.5f));
-    draw_set_line_width(1.5f * s);
-    draw_array(GL_LINES, drawing.border, colour_of(prefs.uveditor_edgecol));
-    draw_set_line_width(s);
-    draw_array(GL_LINES, drawing.chosen_inner, colour_of(prefs.uveditor_selectedcol, 0.75f));
-    draw_set_line_width(2 * s);
-    draw_array(GL_LINES, drawing.chosen_border, colour_of(prefs.uveditor_selectedcol));
-    draw_set_line_width(1);
-}
-
-void draw_points(const std::vector<vertex2_t> &points, const colour_t &colour)
-{
-    const float size = std::round(3 * interface_scale());
-    glPointSize(size + 2);
-    draw_array(GL_POINTS, points, rim_colour);
-    glPointSize(size);
-    draw_array(GL_POINTS, points, colour);
-    glPointSize(1);
-}
-
 // ---- over the picture ----
 
 void draw_selection_frame()
@@ -390,8 +183,8 @@ void draw_legend(int height)
         }
     }
     draw_coloured(GL_QUADS, bar);
-    const float high = shape ? hatched_from : (1 + hatched_from) / 2;
-    add_quad(hatch_low, x, y, x + (shape ? 0 : w * (1 - hatched_from) / 2), y + h);
+    const float high = shape ? uv_hatched_from : (1 + uv_hatched_from) / 2;
+    add_quad(hatch_low, x, y, x + (shape ? 0 : w * (1 - uv_hatched_from) / 2), y + h);
     add_quad(hatch_high, x + w * high, y, x + w, y + h);
     for (std::vector<vertex2_t> *quad : {&hatch_low, &hatch_high})
         *quad = {(*quad)[0], (*quad)[1], (*quad)[2], (*quad)[0], (*quad)[2], (*quad)[3]};
@@ -433,7 +226,7 @@ void draw_no_coordinates(const uv_state &state, int width)
 {
     if (state.mesh.num_surfaces() == 0)
         return;
-    const uv_box box = uv_box_of(state.mesh, std::vector<char>(state.mesh.at.size(), 1));
+    const uv_box &box = uv_totals_now().all;
     if (box.width() > 0 || box.height() > 0)
         return;
     const float s = interface_scale();
@@ -445,31 +238,39 @@ void draw_no_coordinates(const uv_state &state, int width)
                       colour_of(0xE9EAEB), atlas_font::regular);
 }
 
-} // namespace
+// ---- one picture ----
 
-void draw_uv_view(int width, int height)
+void begin_elements(int width, int height)
 {
-    const uv_state &state = uv_editor();
-    bring_up_to_date(state);
-    const bool hurries = uv_drag_runs() && state.islands.edges.size() > many_edges;
-    frame_begin(texture_coords_view, width, height, colour_of(prefs.uveditor_bgcol),
-                prefs.uveditor_antialias != 0 && !hurries);
     glDisable(GL_DEPTH_TEST);
     use_pixel_projection(width, height);
+}
+
+void draw_under(int width, int height)
+{
+    begin_elements(width, height);
     draw_picture_or_checker(width, height);
+}
+
+void draw_elements(const uv_shown_edges &edges, std::size_t most_surfaces)
+{
     use_texture_coordinates();
-    draw_fill();
-    draw_lines();
+    draw_uv_surfaces(edges.state(), most_surfaces);
+    draw_uv_edges(edges, interface_scale());
     use_pixels();
-    frame_end(texture_coords_view);
+}
+
+void draw_points(const uv_state &state, int width, int height)
+{
     use_pixel_projection(width, height);
-    if (!hurries &&
-        (state.mode == uv_mode::CORNER || drawing.chosen_points.size() <= many_points)) {
-        use_texture_coordinates();
-        draw_points(drawing.points, colour_of(prefs.uveditor_edgecol));
-        draw_points(drawing.chosen_points, colour_of(prefs.uveditor_selectedcol));
-        use_pixels();
-    }
+    use_texture_coordinates();
+    draw_uv_points(state, interface_scale());
+    use_pixels();
+}
+
+void draw_over(const uv_state &state, int width, int height)
+{
+    use_pixel_projection(width, height);
     draw_selection_frame();
     draw_axis_lock(width, height);
     const uv_view_t &view = uv_view();
@@ -480,8 +281,148 @@ void draw_uv_view(int width, int height)
     draw_empty(state, width, height);
 }
 
+constexpr std::size_t all_of_them = SIZE_MAX;
+
+bool is_smooth() { return prefs.uveditor_antialias != 0; }
+
+// Whether a worker is at the colours of the surfaces; `patience` none: it is not waited for.
+bool colours_wait(uv_patience patience)
+{
+    const uv_options &options = uv_view().options;
+    const bool stretch =
+        options.stretch != uv_shown_stretch::NONE && uv_stretch_now(patience) == nullptr;
+    const bool overlaps = options.overlaps && uv_overlaps_now(patience) == nullptr;
+    return stretch || overlaps;
+}
+
+void draw_whole(const uv_state &state, int width, int height)
+{
+    colours_wait(uv_patience::none);
+    frame_begin(texture_coords_view, width, height, colour_of(prefs.uveditor_bgcol), is_smooth());
+    draw_under(width, height);
+    draw_elements(uv_shown_edges(state), all_of_them);
+    frame_end(texture_coords_view);
+    draw_points(state, width, height);
+    draw_uv_points_end();
+    draw_over(state, width, height);
+}
+
+std::size_t quick_edges = 20000; // of late as many as fit the time
+
+void draw_quickly(const uv_state &state, int width, int height)
+{
+    colours_wait(uv_patience::waits);
+    frame_begin(texture_coords_view, width, height, colour_of(prefs.uveditor_bgcol), false);
+    draw_under(width, height);
+    const double started = seconds_until_drawn();
+    draw_elements(uv_shown_edges(state, quick_edges), quick_edges / 4);
+    const double took = std::max(seconds_until_drawn() - started, 1e-4);
+    const double fitting =
+        static_cast<double>(quick_edges) * std::clamp(quick_seconds / took, 0.5, 2.0);
+    quick_edges = std::clamp(static_cast<std::size_t>(fitting), fewest_quick_edges,
+                             std::max(state.islands.edges.size() + 1, fewest_quick_edges));
+    frame_end(texture_coords_view);
+    draw_over(state, width, height);
+}
+
+// ---- a picture in slices ----
+
+struct unfinished_t {
+    bool begun = false, framed = false; // framed: what is smoothed is in the back buffer
+    bool smooth = false;
+    int width = 0, height = 0;
+    unsigned geometry = 0, choice = 0;
+    slice_progress_t elements, points;
+};
+unfinished_t unfinished;
+
+bool is_current(const uv_state &state, int width, int height)
+{
+    return unfinished.begun && unfinished.geometry == state.geometry_version &&
+           unfinished.choice == state.choice_version && unfinished.width == width &&
+           unfinished.height == height;
+}
+
+void give_up()
+{
+    unfinished = {};
+    draw_uv_points_end();
+}
+
+// False: more is left.
+bool draw_more_elements(const uv_state &state, int width, int height)
+{
+    unfinished_t &now = unfinished;
+    const bool begins = !now.begun;
+    if (begins) {
+        give_up();
+        now.begun = true;
+        now.smooth = is_smooth();
+        now.width = width;
+        now.height = height;
+        now.geometry = state.geometry_version;
+        now.choice = state.choice_version;
+        frame_begin(texture_coords_view, width, height, colour_of(prefs.uveditor_bgcol),
+                    now.smooth);
+        draw_under(width, height);
+    } else {
+        frame_resume(texture_coords_view, width, height, now.smooth);
+        begin_elements(width, height);
+    }
+    slice_begin(&now.elements, slice_seconds, [] { glFinish(); });
+    draw_elements(uv_shown_edges(state), all_of_them);
+    if (!slice_end()) {
+        frame_pause();
+        return false;
+    }
+    frame_end(texture_coords_view);
+    now.framed = true;
+    return true;
+}
+
+bool draw_more_points(const uv_state &state, int width, int height)
+{
+    glViewport(0, 0, width, height);
+    slice_begin(&unfinished.points, slice_seconds, [] { glFinish(); });
+    draw_points(state, width, height);
+    return slice_end();
+}
+
+} // namespace
+
+bool draw_uv_view(int width, int height, bool in_full)
+{
+    const uv_state &state = uv_editor();
+    give_up();
+    if (in_full || state.islands.edges.size() <= many_edges) {
+        draw_whole(state, width, height);
+        return true;
+    }
+    draw_quickly(state, width, height);
+    return false;
+}
+
+bool draw_uv_slice(int width, int height)
+{
+    const uv_state &state = uv_editor();
+    if (!is_current(state, width, height))
+        give_up();
+    if (colours_wait(uv_patience::waits))
+        return false;
+    if (!unfinished.framed) {
+        draw_more_elements(state, width, height);
+        return false;
+    }
+    if (!draw_more_points(state, width, height))
+        return false;
+    draw_over(state, width, height);
+    give_up();
+    return true;
+}
+
 void draw_uv_forget()
 {
     frame_forget(texture_coords_view);
-    drawing = {};
+    give_up();
+    uv_measured_forget();
 }

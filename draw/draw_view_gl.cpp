@@ -250,7 +250,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     if (!unfinished.begun)
         frame_begin(view, width, height, background_of(view), true);
     else
-        frame_resume(view, width, height);
+        frame_resume(view, width, height, true);
     unfinished.begun = true;
     slice_begin(&unfinished.progress, slow ? slice_seconds : any_time, [] { glFinish(); });
     draw_layers(picture);

@@ -28,6 +28,7 @@ target_sources(vesk PRIVATE
     draw/draw_scene_lines_gl.cpp
     draw/draw_text_gl.cpp
     draw/draw_textures_gl.cpp
+    draw/draw_uv_elements_gl.cpp
     draw/draw_uv_gl.cpp
     draw/draw_view_gl.cpp
     draw/font_atlas.cpp

@@ -127,9 +127,11 @@ target_sources(vesk_core PRIVATE
     edit/document/undo_kinds.cpp
     edit/uv/uv_edit.cpp
     edit/uv/uv_editor.cpp
+    edit/uv/uv_gather.cpp
     edit/uv/uv_islands.cpp
     edit/uv/uv_keep.cpp
     edit/uv/uv_measure.cpp
+    edit/uv/uv_measured.cpp
     edit/uv/uv_mesh.cpp
     edit/uv/uv_pack.cpp
     edit/uv/uv_project.cpp

@@ -8,6 +8,7 @@
 #include "edit/uv/uv_edit.h"
 #include "edit/uv/uv_keep.h"
 #include "edit/uv/uv_measure.h"
+#include "edit/uv/uv_measured.h"
 #include "edit/uv/uv_pack.h"
 #include "edit/uv/uv_project.h"
 #include "edit/uv/uv_relax.h"
@@ -50,19 +51,16 @@ void command_uv_info()
 {
     const uv_state &state = uv_editor();
     const uv_pixels pixels = uv_picture_size();
-    const int surfaces =
-        state.num_chosen > 0 ? static_cast<int>(uv_chosen_surfaces(state).size()) : 0;
-    const int islands =
-        state.num_chosen > 0 ? static_cast<int>(uv_chosen_islands(state).size()) : 0;
+    const uv_totals &totals = uv_totals_now();
     tell("mode", uv_mode_name(state.mode));
     tell("surfaces", state.mesh.num_surfaces());
     tell("corners", state.mesh.num_corners());
     tell("islands", state.islands.num_islands);
-    tell("chosen_surfaces", surfaces);
+    tell("chosen_surfaces", totals.chosen_surfaces);
     tell("chosen_corners", state.num_chosen);
-    tell("chosen_islands", islands);
-    tell("box", box_text(uv_box_of(state.mesh, state.chosen)));
-    tell("box_all", box_text(uv_box_of(state.mesh, std::vector<char>(state.mesh.at.size(), 1))));
+    tell("chosen_islands", totals.chosen_islands);
+    tell("box", box_text(totals.chosen));
+    tell("box_all", box_text(totals.all));
     tell("pixels", number_text(static_cast<float>(pixels.width)) + " " +
                        number_text(static_cast<float>(pixels.height)));
     const object_t *object = uv_picture_object();
@@ -138,7 +136,7 @@ void command_uv_select(const char *what)
     } else if (std::strcmp(what, "linked") == 0) {
         corners = linked(state);
     } else if (std::strcmp(what, "overlapping") == 0) {
-        corners = corners_of_surfaces(state.mesh, uv_find_overlaps(state.mesh));
+        corners = corners_of_surfaces(state.mesh, *uv_overlaps_now(uv_patience::none));
     } else if (std::strcmp(what, "flipped") == 0) {
         corners = corners_of_surfaces(state.mesh, flipped_surfaces(state.mesh));
     } else {

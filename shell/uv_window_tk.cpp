@@ -7,7 +7,9 @@
 #include "base/ui_port.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_uv_gl.h"
+#include "edit/uv/uv_measured.h"
 #include "shell/interp_tk.h"
+#include "shell/views_tk.h"
 #include "view/uv_drag.h"
 #include "view/uv_view.h"
 #include "view/views_internal.h"
@@ -16,27 +18,111 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 namespace {
 
+constexpr int settle_msecs = 160; // after the last change the picture is drawn in full
+constexpr int worker_msecs = 20;  // to look again for a worker's result
+
+enum class draw_how { quick, part };
+
 struct window_t {
     Togl *togl = nullptr;
     bool drawing = false;
+    bool waits = false; // for the worker that gathers: until then the last picture stays
+    Tcl_TimerToken timer = nullptr;
+    draw_how due = draw_how::quick;
 };
 window_t window;
 
-void draw()
+// ---- drawing ----
+
+void draw_due(ClientData);
+
+void draw_later(draw_how how, int msecs)
+{
+    if (window.timer != nullptr)
+        Tcl_DeleteTimerHandler(window.timer);
+    window.due = how;
+    window.timer = Tcl_CreateTimerHandler(msecs, draw_due, nullptr);
+}
+
+void draw_no_more()
+{
+    if (window.timer != nullptr)
+        Tcl_DeleteTimerHandler(window.timer);
+    window.timer = nullptr;
+}
+
+// Returns whether the whole picture stands, or nothing can be drawn.
+bool draw_in_window(draw_how how)
 {
     if (window.togl == nullptr || window.drawing || !Tk_IsMapped(Togl_TkWin(window.togl)))
-        return;
+        return true;
     window.drawing = true;
-    guarded_entry([] {
+    bool whole = true;
+    guarded_entry([&] {
         Togl_MakeCurrent(window.togl);
-        draw_uv_view(Togl_Width(window.togl), Togl_Height(window.togl));
-        Togl_SwapBuffers(window.togl);
+        const int width = Togl_Width(window.togl), height = Togl_Height(window.togl);
+        const bool quick = how == draw_how::quick;
+        whole = quick ? draw_uv_view(width, height, false) : draw_uv_slice(width, height);
+        if (quick || whole)
+            Togl_SwapBuffers(window.togl);
     });
     window.drawing = false;
+    return whole;
+}
+
+bool is_ready()
+{
+    bool ready = true;
+    guarded_entry([&] { ready = uv_editor_is_ready(); });
+    return ready;
+}
+
+void draw(draw_how how)
+{
+    if (!is_ready()) {
+        window.waits = true;
+        draw_later(draw_how::quick, worker_msecs);
+        return;
+    }
+    if (std::exchange(window.waits, false)) {
+        if (!uv_view().placed)
+            uv_view_fit(false);
+        tcl_command("uvedit_gathered");
+        how = draw_how::quick;
+    }
+    const bool measured_before = uv_measures();
+    const bool whole = draw_in_window(how);
+    views_tk_other_drew();
+    if (!whole)
+        draw_later(draw_how::part, how == draw_how::quick ? settle_msecs
+                                   : uv_measures()        ? worker_msecs
+                                                          : 1);
+    if (measured_before && !uv_measures())
+        tcl_command("uvedit_measured");
+}
+
+// Parts, and pictures after those of other views, come when events were taken.
+void draw_due(ClientData)
+{
+    window.timer = nullptr;
+    if (views_tk_other_may_draw())
+        draw(window.due);
+    else
+        draw_later(window.due, 1);
+}
+
+void draw_soon()
+{
+    draw_no_more();
+    if (views_tk_other_may_draw())
+        draw(draw_how::quick);
+    else
+        draw_later(draw_how::quick, 1);
 }
 
 // ---- events ----
@@ -83,7 +169,7 @@ void on_motion(ClientData, XEvent *event)
 
 int display_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
-    draw();
+    draw_soon();
     return TCL_OK;
 }
 
@@ -97,6 +183,7 @@ int reshape_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
     guarded_entry([] { uv_drag_cancel(); });
+    draw_no_more();
     window.togl = nullptr;
     draw_uv_forget();
     return TCL_OK;
@@ -139,7 +226,7 @@ void save_picture(const char *name)
     const auto row = static_cast<std::size_t>(width) * 3;
     std::vector<unsigned char> rgb(row * static_cast<std::size_t>(height));
     Togl_MakeCurrent(window.togl);
-    draw_uv_view(width, height);
+    draw_uv_view(width, height, true);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadBuffer(GL_BACK);
     glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, rgb.data());
@@ -155,17 +242,26 @@ void save_picture(const char *name)
     std::fclose(file);
 }
 
-// Milliseconds a picture.
+// What is not there yet: the arrays, the picture, or what its colours tell.
+void tell_waits()
+{
+    command_result_set(!uv_editor_is_ready() ? "gathers"
+                       : uv_measures()       ? "measures"
+                       : window.timer        ? "draws"
+                                             : "");
+}
+
+// Milliseconds a picture while the view moves.
 void benchmark(int frames)
 {
     if (window.togl == nullptr)
         return;
     const int count = std::clamp(frames, 1, 1000);
-    draw();
+    draw(draw_how::quick);
     const double started = ui_port().now_seconds();
     for (int i = 0; i < count; ++i) {
         uv_view_pan(i % 2 == 0 ? 3 : -3, 0);
-        draw();
+        draw(draw_how::quick);
         glFinish();
     }
     command_result_appendf("%.2f", (ui_port().now_seconds() - started) * 1000.0 / count);
@@ -186,6 +282,9 @@ void register_uv_window()
     Tcl_CreateObjCommand(interp_tk(), "::vesk::uv_bind", bind_command, nullptr, nullptr);
     command_add_own(command_row("uv_view_save_picture", save_picture, command_kind::query,
                                 "<file.ppm>", "save what the window of texture coordinates shows"));
+    command_add_own(command_row("uv_view_waits", tell_waits, command_kind::query, nullptr,
+                                "returns what the window of texture coordinates has still to do: "
+                                "gathers, measures, draws or nothing"));
     command_add_own(command_row("uv_view_benchmark", benchmark, command_kind::query, "<frames>",
                                 "milliseconds a picture of the window of texture coordinates"));
 }

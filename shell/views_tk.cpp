@@ -26,6 +26,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -48,6 +49,9 @@ struct widgets_t {
     bool busy = false;               // the watch is shown
     double drawn_at[num_views] = {}; // end of the last picture
     double cost[num_views] = {};     // seconds that it took
+    double other_drawn_at = 0;       // end of a part of another window's picture
+    double part_drawn_at = 0;        // and of one of a view's
+    bool other_waits = false;        // for its turn
 };
 widgets_t widgets;
 
@@ -110,7 +114,14 @@ bool must_wait_for_events()
     for (int view = 0; view < num_views; ++view)
         if (now - widgets.drawn_at[view] < just_now && widgets.cost[view] > slow_seconds)
             return true;
-    return false;
+    return now - widgets.other_drawn_at < just_now;
+}
+
+// Whether `drawn_at` lies before the timers' present turn: else events come first.
+bool was_another_turn(double drawn_at)
+{
+    constexpr double same_turn = 0.0005;
+    return ui_port().now_seconds() - drawn_at > same_turn;
 }
 
 enum class draw_how { quick, full, slice };
@@ -151,6 +162,7 @@ void draw(int view, draw_how how)
         draw_view_distrust(view);
         tell_main_fault(fault);
     }
+    widgets.part_drawn_at = ui_port().now_seconds();
     if (!finished) {
         draw_later(view, 0, how == draw_how::slice);
         return;
@@ -169,7 +181,9 @@ void draw_due(ClientData)
     const auto *first =
         std::min_element(widgets.due, widgets.due + num_views,
                          [](const due_t &a, const due_t &b) { return a.at < b.at; });
-    if (first->at <= ui_port().now_seconds())
+    const bool others_turn =
+        std::exchange(widgets.other_waits, false) || !was_another_turn(widgets.other_drawn_at);
+    if (first->at <= ui_port().now_seconds() && !others_turn)
         draw(static_cast<int>(first - widgets.due),
              first->in_full ? draw_how::slice : draw_how::quick);
     set_timer();
@@ -405,6 +419,14 @@ void views_tk_fill_port(ui_port_t &port)
             pointer_show_tk(window, widgets.busy ? "watch" : cursor);
     };
 }
+
+bool views_tk_other_may_draw()
+{
+    widgets.other_waits = !was_another_turn(widgets.part_drawn_at);
+    return !widgets.other_waits;
+}
+
+void views_tk_other_drew() { widgets.other_drawn_at = ui_port().now_seconds(); }
 
 void views_tk_draw_in_full(int view) { draw(view, draw_how::full); }
 

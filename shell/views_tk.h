@@ -15,6 +15,11 @@ void views_tk_fill_port(ui_port_t &port);
 // Draws a view with all its layers, unless it moves.
 void views_tk_draw_in_full(int view);
 
+// Parts of slow pictures are drawn by timers, which all have their turn before an event has. Whether another
+// window may draw in this one, and that it did.
+bool views_tk_other_may_draw();
+void views_tk_other_drew();
+
 // x, y, width, height of a drawing window or of the main window; false when there is none.
 bool views_tk_geometry(int view, int out[4]);
 

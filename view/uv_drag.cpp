@@ -34,7 +34,8 @@ struct drag_t {
     doing what = doing::NOTHING;
     pointer_event_t start = {}, last = {};
     bool moved = false;
-    bool held = false; // the button is up, a number is being typed
+    bool held = false;    // the button is up, a number is being typed
+    bool pending = false; // the model is left as it is until the end
     int handle = HANDLE_NONE;
     std::unique_ptr<step_t> step;
     std::vector<flat_uv> before;
@@ -238,10 +239,17 @@ void begin()
         return;
     const uv_state &state = uv_editor();
     drag.step = std::make_unique<step_t>(step_t::of::drag);
-    drag.before = state.mesh.at;
     drag.moving = uv_moving_corners(state);
     drag.box = uv_box_of(state.mesh, drag.moving);
     uv_view().lock_point = drag.box.middle();
+    drag.pending = state.mesh.at.size() > many_uv_corners;
+    if (!drag.pending) {
+        drag.before = state.mesh.at;
+        return;
+    }
+    uv_view().pending_corners = std::move(drag.moving);
+    uv_view().pending_matrix = {};
+    uv_view().pending = true;
 }
 
 void step(const pointer_event_t &event)
@@ -271,8 +279,13 @@ void step(const pointer_event_t &event)
     case doing::PRESSED:
         break;
     default:
-        uv_preview(uv_transformed(drag.before, drag.moving, matrix_of(event)));
-        redraw_all();
+        if (drag.pending) {
+            view.pending_matrix = matrix_of(event);
+            uv_view_redraw();
+        } else {
+            uv_preview(uv_transformed(drag.before, drag.moving, matrix_of(event)));
+            redraw_all();
+        }
         tcl_command("uvedit_drag \"%s\"", drag.text.c_str());
         return;
     }
@@ -287,6 +300,8 @@ void end()
     uv_view_t &view = uv_view();
     view.band = false;
     view.locked_axis = -1;
+    view.pending = false;
+    view.pending_corners = {};
     if (told)
         tcl_command("uvedit_drag \"\"");
     uv_view_redraw();
@@ -299,7 +314,8 @@ void finish(const pointer_event_t &event)
     const char *const kind = drag.what == doing::MOVE     ? "move"
                              : drag.what == doing::ROTATE ? "rotate"
                                                           : "scale";
-    uv_preview(drag.before);
+    if (!drag.pending)
+        uv_preview(drag.before);
     const std::unique_ptr<step_t> step = std::move(drag.step);
     end();
     std::vector<std::string> words;
@@ -384,7 +400,8 @@ void uv_drag_press(const pointer_event_t &event)
 void uv_drag_motion(const pointer_event_t &event)
 {
     if (drag.what == doing::NOTHING) {
-        win_set_handle_cursor(texture_coords_view, handle_under(event.x, event.y));
+        if (uv_editor_is_ready())
+            win_set_handle_cursor(texture_coords_view, handle_under(event.x, event.y));
         return;
     }
     if (drag.held)
@@ -442,7 +459,8 @@ void uv_drag_cancel()
     drag_t done = std::move(drag);
     end();
     if (changed) {
-        uv_preview(done.before);
+        if (!done.pending)
+            uv_preview(done.before);
         done.step.reset();
     } else {
         uv_view().centre_u = done.centre_u;
@@ -458,6 +476,7 @@ void uv_drag_forget()
     drag = {};
     uv_view().band = false;
     uv_view().locked_axis = -1;
+    uv_view().pending = false;
 }
 
 void uv_drag_install() { vesk_add_selection_changed_callback(selection_changes, nullptr); }

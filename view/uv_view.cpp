@@ -37,6 +37,18 @@ bool same_pixel(const uv_screen_point &p, int x, int y, double range)
     return std::fabs(p.x - x) <= range && std::fabs(p.y - y) <= range;
 }
 
+// During a drag of many the box of the box: turned, it is larger than that of the corners.
+uv_box shown_box(const uv_box &box)
+{
+    if (!view.pending || !box.any)
+        return box;
+    uv_box shown;
+    for (const flat_uv &corner :
+         {flat_uv{box.u0, box.v0}, {box.u1, box.v0}, {box.u0, box.v1}, {box.u1, box.v1}})
+        shown.add(view.pending_matrix.apply(corner));
+    return shown;
+}
+
 // ---- elements under a place ----
 
 // Crossings of a line to the right: odd inside.
@@ -232,10 +244,9 @@ void uv_view_resize(int width, int height)
 
 void uv_view_fit(bool chosen_only)
 {
-    const uv_state &state = uv_editor();
     uv_box box;
     if (chosen_only)
-        box = uv_box_of(state.mesh, uv_moving_corners(state));
+        box = uv_box_of(uv_editor().mesh, uv_moving_corners(uv_editor()));
     if (!box.any) {
         box.add({0, 0});
         box.add({1, 1});
@@ -276,8 +287,7 @@ void uv_view_pan(double dx, double dy)
 handle_box_t uv_handle_box()
 {
     handle_box_t box;
-    const uv_state &state = uv_editor();
-    const uv_box bounds = uv_box_of(state.mesh, state.chosen);
+    const uv_box bounds = shown_box(uv_totals_now().chosen);
     if (!bounds.any)
         return box;
     const uv_screen_point low = uv_to_screen({bounds.u0, bounds.v0});

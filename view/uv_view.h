@@ -35,8 +35,25 @@ struct uv_view_t {
     int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
     int locked_axis = -1; // 0 u, 1 v
     flat_uv lock_point = {0, 0};
+    // A drag of many: the model has their places only at its end.
+    bool pending = false;
+    uv_matrix pending_matrix;
+    std::vector<char> pending_corners;
 };
 uv_view_t &uv_view();
+
+// Above so many shown corners a drag leaves the model as it is until its end.
+constexpr std::size_t many_uv_corners = 200000;
+
+// Where a corner is shown.
+inline flat_uv uv_shown_at(const uv_view_t &view, const uv_mesh &mesh, int corner)
+{
+    const flat_uv &at = mesh.at[corner];
+    const auto c = static_cast<std::size_t>(corner);
+    const bool moves =
+        view.pending && c < view.pending_corners.size() && view.pending_corners[c] != 0;
+    return moves ? view.pending_matrix.apply(at) : at;
+}
 
 struct uv_screen_point {
     double x, y;

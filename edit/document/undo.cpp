@@ -327,6 +327,10 @@ void set_undo_texture_coords(const listitem *surfaces)
         return;
     for (surface_t *surface : each<surface_t>(surfaces)) {
         saved_texture_coords coords = {surface, {}};
+        std::size_t count = 0;
+        for ([[maybe_unused]] const svertex *reference : each<svertex>(surface->refs))
+            ++count;
+        coords.corners.reserve(count);
         for (svertex *reference : each<svertex>(surface->refs))
             coords.corners.push_back({reference, reference->u, reference->v});
         record->texture_coords.push_back(std::move(coords));

@@ -6,6 +6,7 @@
 #include "edit/document/modes.h"
 #include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
+#include "edit/uv/uv_gather.h"
 #include "model/identity.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
@@ -28,12 +29,22 @@ struct editor_t {
     // of the main selection, when it was last looked at
     unsigned selection_count = ~0u;
     int select_mode = -1;
-    bool emptied = false; // by choosing nothing here: the objects stay shown
+    bool emptied = false;    // by choosing nothing here: the objects stay shown
+    bool gather_due = false; // other objects are shown
+    bool choice_due = false; // the main selection is to be looked at
+    uv_totals totals;
+    unsigned totals_geometry = ~0u, totals_choice = ~0u; // their versions
 };
 editor_t &editor()
 {
     static auto *const record = new editor_t; // its arrays are not freed at exit
     return *record;
+}
+
+unsigned next_version()
+{
+    static unsigned last = 0;
+    return ++last;
 }
 
 bool is_element_mode(int mode) { return mode == SELECT_SURFACE || mode == SELECT_VERTEX; }
@@ -80,7 +91,7 @@ std::vector<object_t *> shown_objects()
 void count_chosen(uv_state &state)
 {
     state.num_chosen = static_cast<int>(std::count(state.chosen.begin(), state.chosen.end(), 1));
-    ++state.choice_version;
+    state.choice_version = next_version();
 }
 
 std::vector<char> none_of(const uv_mesh &mesh) { return std::vector<char>(mesh.at.size(), 0); }
@@ -268,19 +279,28 @@ bool is_current(const uv_mesh &mesh)
     });
 }
 
-// Anew from the objects; the choice stays where the corners are the same.
-void gather()
+// Anew from the objects; the choice stays where the corners are the same. False: a worker is at it.
+bool gather(bool waits)
 {
     uv_state &state = editor().state;
-    const bool keep = same_topology(state.mesh);
-    const uv_mesh old = std::move(state.mesh);
-    state.mesh = uv_mesh_of(shown_objects());
-    state.islands = uv_find_islands(state.mesh);
-    ++state.geometry_version;
-    if (keep && old.surfaces == state.mesh.surfaces && old.vertices == state.mesh.vertices)
-        return;
+    std::vector<uv_source> sources;
+    for (object_t *object : shown_objects())
+        sources.push_back({object, object_identity(object), object_flat(object)});
+    uv_gathered found;
+    if (!waits)
+        found = uv_gather(sources);
+    else if (!uv_gather_later(sources, &found))
+        return false;
+    const bool keep = same_topology(state.mesh) && state.mesh.surfaces == found.mesh.surfaces &&
+                      state.mesh.vertices == found.mesh.vertices;
+    state.mesh = std::move(found.mesh);
+    state.islands = std::move(found.islands);
+    state.geometry_version = next_version();
+    if (keep)
+        return true;
     state.chosen = corners_of_main_selection(state.mesh);
     count_chosen(state);
+    return true;
 }
 
 void follow_main_selection()
@@ -298,33 +318,43 @@ void follow_main_selection()
         editor().emptied = false;
         editor().shown = std::move(shown);
     }
-    const std::vector<object_t *> objects = shown_objects();
     std::vector<object_t *> gathered;
     for (const uv_part &part : state.mesh.parts)
         gathered.push_back(part.object);
-    std::vector<object_t *> wanted = objects;
+    std::vector<object_t *> wanted = shown_objects();
     std::erase_if(wanted, [](const object_t *object) { return object->num_surfaces == 0; });
-    if (gathered != wanted || !is_current(state.mesh))
-        gather();
-    if (!main_selection_is_ours(state)) {
-        state.chosen = corners_of_main_selection(state.mesh);
-        count_chosen(state);
+    editor().gather_due = editor().gather_due || gathered != wanted;
+    editor().choice_due = true;
+}
+
+// False: a worker is at it.
+bool bring_up_to_date(bool waits)
+{
+    editor_t &now = editor();
+    if (now.selection_count != selection_change_count() || now.select_mode != select_mode())
+        follow_main_selection();
+    const bool outdated =
+        shown_objects().size() < now.state.mesh.parts.size() || !is_current(now.state.mesh);
+    if ((now.gather_due || outdated) && !gather(waits))
+        return false;
+    now.gather_due = false;
+    if (now.choice_due && !main_selection_is_ours(now.state)) {
+        now.state.chosen = corners_of_main_selection(now.state.mesh);
+        count_chosen(now.state);
     }
+    now.choice_due = false;
+    return true;
 }
 
 } // namespace
 
 const uv_state &uv_editor()
 {
-    editor_t &now = editor();
-    if (now.selection_count != selection_change_count() || now.select_mode != select_mode()) {
-        follow_main_selection();
-    } else if (shown_objects().size() < now.state.mesh.parts.size() ||
-               !is_current(now.state.mesh)) {
-        gather();
-    }
-    return now.state;
+    bring_up_to_date(false);
+    return editor().state;
 }
+
+bool uv_editor_is_ready() { return bring_up_to_date(true); }
 
 bool uv_mode_of(std::string_view name, uv_mode *mode)
 {
@@ -379,6 +409,8 @@ std::vector<char> uv_moving_corners(const uv_state &state)
 {
     if (state.num_chosen == 0)
         return std::vector<char>(state.mesh.at.size(), 1);
+    if (state.num_chosen == state.mesh.num_corners())
+        return state.chosen;
     return with_joined(state, state.chosen);
 }
 
@@ -415,14 +447,43 @@ uv_box uv_box_of(const uv_mesh &mesh, const std::vector<char> &corners)
     return box;
 }
 
+const uv_totals &uv_totals_now()
+{
+    const uv_state &state = uv_editor();
+    editor_t &now = editor();
+    if (now.totals_geometry == state.geometry_version && now.totals_choice == state.choice_version)
+        return now.totals;
+    now.totals_geometry = state.geometry_version;
+    now.totals_choice = state.choice_version;
+    uv_totals &totals = now.totals = {};
+    for (std::size_t c = 0; c < state.chosen.size(); ++c) {
+        totals.all.add(state.mesh.at[c]);
+        if (state.chosen[c] != 0)
+            totals.chosen.add(state.mesh.at[c]);
+    }
+    if (state.num_chosen == 0)
+        return totals;
+    std::vector<char> islands(state.islands.num_islands, 0);
+    for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
+        totals.chosen_surfaces += is_whole(state.mesh, i, state.chosen) ? 1 : 0;
+        islands[state.islands.island[i]] |= has_any(state.mesh, i, state.chosen) ? 1 : 0;
+    }
+    totals.chosen_islands = static_cast<int>(std::count(islands.begin(), islands.end(), 1));
+    return totals;
+}
+
 object_t *uv_picture_object()
 {
-    const uv_mesh &mesh = uv_editor().mesh;
-    for (const uv_part &part : mesh.parts) {
+    uv_editor_is_ready(); // else of those that were shown
+    object_t *first = nullptr;
+    for (const uv_part &part : editor().state.mesh.parts) {
+        if (identity_known(part.object) != part.identity)
+            continue;
         if (object_picture(part.object) != nullptr)
             return part.object;
+        first = first != nullptr ? first : part.object;
     }
-    return mesh.parts.empty() ? nullptr : mesh.parts.front().object;
+    return first;
 }
 
 uv_pixels uv_picture_size()
@@ -470,7 +531,7 @@ void uv_preview(const std::vector<flat_uv> &at)
     state.mesh.at = at;
     for (uv_part &part : state.mesh.parts)
         part.flat = object_flat(part.object);
-    ++state.geometry_version;
+    state.geometry_version = next_version();
 }
 
 void uv_editor_reset_for_test() { editor() = {}; }

@@ -19,12 +19,15 @@ struct uv_state {
     uv_islands islands;
     std::vector<char> chosen; // of each corner
     int num_chosen = 0;
-    unsigned geometry_version = 0; // grow with every change of the above
+    unsigned geometry_version = 0; // others with every change of the above, never the same again
     unsigned choice_version = 0;
 };
 
 // Brought up to date with the model and the main selection.
 const uv_state &uv_editor();
+
+// False: a worker is at it, since it is much; ask again later. uv_editor does not wait for it.
+bool uv_editor_is_ready();
 
 void uv_set_mode(uv_mode mode);
 bool uv_mode_of(std::string_view name, uv_mode *mode);
@@ -43,6 +46,13 @@ std::vector<int> uv_chosen_surfaces(const uv_state &state);
 std::vector<int> uv_chosen_islands(const uv_state &state);
 
 uv_box uv_box_of(const uv_mesh &mesh, const std::vector<char> &corners);
+
+// Of what uv_editor shows; counted once for every change of it.
+struct uv_totals {
+    uv_box chosen, all;
+    int chosen_surfaces = 0, chosen_islands = 0; // 0 when nothing is chosen
+};
+const uv_totals &uv_totals_now();
 
 // Pixels of the picture on the shown objects that the unit square covers; without a picture a
 // square of 512.

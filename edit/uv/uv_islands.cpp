@@ -21,30 +21,62 @@ bool same(const flat_uv &a, const flat_uv &b)
     return std::fabs(a.u - b.u) <= uv_tolerance && std::fabs(a.v - b.v) <= uv_tolerance;
 }
 
-std::vector<side_t> sides_by_edge(const uv_mesh &mesh)
+// Calls visit(side) for each side of each surface.
+template <class Visit>
+void for_sides(const uv_mesh &mesh, Visit &&visit)
 {
-    std::vector<side_t> sides(mesh.at.size());
-    std::vector<int> first(mesh.positions.size() + 1, 0);
-    std::vector<side_t> unsorted;
-    unsorted.reserve(mesh.at.size());
     for (int surface = 0; surface < mesh.num_surfaces(); ++surface) {
         for (int c = mesh.corners_begin(surface); c < mesh.corners_end(surface); ++c) {
             const int next = mesh.next_corner(surface, c);
             const int a = mesh.vertices[c], b = mesh.vertices[next];
-            unsorted.push_back(a <= b ? side_t{a, b, c, next, surface}
-                                      : side_t{b, a, next, c, surface});
-            ++first[std::min(a, b) + 1];
+            visit(a <= b ? side_t{a, b, c, next, surface} : side_t{b, a, next, c, surface});
         }
     }
-    std::partial_sum(first.begin(), first.end(), first.begin());
-    std::vector<int> end(first.begin(), first.end() - 1);
-    for (const side_t &side : unsorted)
-        sides[end[side.low]++] = side;
-    for (std::size_t v = 0; v + 1 < first.size(); ++v)
-        std::stable_sort(sides.begin() + first[v], sides.begin() + first[v + 1],
-                         [](const side_t &a, const side_t &b) { return a.high < b.high; });
-    return sides;
 }
+
+// The sides in the order of their vertices, some vertices at a time: all at once they would take more room than
+// what is found.
+class sides_by_edge {
+public:
+    explicit sides_by_edge(const uv_mesh &mesh) : mesh_(mesh), next_(mesh.positions.size() + 1, 0)
+    {
+        for_sides(mesh, [&](const side_t &side) { ++next_[side.low + 1]; });
+        std::partial_sum(next_.begin(), next_.end(), next_.begin());
+    }
+
+    // The next ones, at most so many unless those of one vertex are more. False: there are none.
+    bool take(std::size_t most, std::vector<side_t> &sides)
+    {
+        const std::size_t num_vertices = next_.size() - 1;
+        const std::size_t from = to_, first = begin_of(from);
+        while (to_ < num_vertices && (to_ == from || begin_of(to_ + 1) - first <= most))
+            ++to_;
+        sides.resize(begin_of(to_) - first);
+        for_sides(mesh_, [&](const side_t &side) {
+            const auto low = static_cast<std::size_t>(side.low);
+            if (low >= from && low < to_)
+                sides[static_cast<std::size_t>(next_[low]++) - first] = side;
+        });
+        auto begin = sides.begin();
+        for (std::size_t v = from; v < to_; ++v) { // next_ has their ends now
+            const auto end = sides.begin() + static_cast<std::ptrdiff_t>(begin_of(v) - first);
+            std::stable_sort(begin, end,
+                             [](const side_t &a, const side_t &b) { return a.high < b.high; });
+            begin = end;
+        }
+        return to_ > from;
+    }
+
+private:
+    [[nodiscard]] std::size_t begin_of(std::size_t v) const
+    {
+        return static_cast<std::size_t>(next_[v]);
+    }
+
+    const uv_mesh &mesh_;
+    std::vector<int> next_; // where the next side of each lower vertex goes
+    std::size_t to_ = 0;    // the first vertex whose sides were not taken
+};
 
 // The surfaces of one edge.
 class edge_joiner {
@@ -106,19 +138,31 @@ private:
 
 } // namespace
 
-uv_islands uv_find_islands(const uv_mesh &mesh)
+uv_islands uv_find_islands(const uv_mesh &mesh, std::size_t sides_at_once)
 {
     uv_islands found;
     union_find corners(mesh.num_corners()), surfaces(mesh.num_surfaces());
     edge_joiner joiner(mesh, corners, surfaces);
-    std::vector<side_t> sides = sides_by_edge(mesh);
-    found.edges.reserve(sides.size() / 2);
-    for (auto begin = sides.begin(); begin != sides.end();) {
-        auto end = begin + 1;
-        while (end != sides.end() && end->low == begin->low && end->high == begin->high)
-            ++end;
-        joiner.join(begin, end, found.edges);
-        begin = end;
+    sides_by_edge all(mesh);
+    std::vector<side_t> sides;
+    found.edges.reserve(mesh.at.size()); // what is not needed of it is never touched
+    while (all.take(sides_at_once, sides)) {
+        for (auto begin = sides.begin(); begin != sides.end();) {
+            auto end = begin + 1;
+            while (end != sides.end() && end->low == begin->low && end->high == begin->high)
+                ++end;
+            joiner.join(begin, end, found.edges);
+            begin = end;
+        }
+    }
+    sides = {};
+    for (std::size_t i = 0; i < found.edges.size(); ++i) {
+        if (found.edges[i].is_border())
+            found.borders.push_back(static_cast<int>(i));
+        if (found.borders.size() > most_uv_borders) {
+            found.borders = {};
+            break;
+        }
     }
     found.num_points = corners.number(&found.point);
     found.num_islands = surfaces.number(&found.island);

@@ -22,10 +22,13 @@ struct uv_islands {
     int num_islands = 0;
     std::vector<int> island;    // of each surface; numbered in the order of their first surfaces
     std::vector<uv_edge> edges; // a joined edge once, borders of each surface
+    std::vector<int> borders;   // of the edges; empty where they are more than most_uv_borders
 };
+constexpr std::size_t most_uv_borders = 100000;
 
 // n log n in the number of corners.
-uv_islands uv_find_islands(const uv_mesh &mesh);
+//   sides_at_once  as many are looked at together, 20 bytes each
+uv_islands uv_find_islands(const uv_mesh &mesh, std::size_t sides_at_once = 8000000);
 
 // The box of each island.
 std::vector<uv_box> uv_island_boxes(const uv_mesh &mesh, const uv_islands &islands);

@@ -83,7 +83,7 @@ std::shared_ptr<const origin_t> origin_of(int identity)
         return nullptr;
     auto origin = std::make_shared<origin_t>();
     origin->image = image->second;
-    origin->mesh = uv_mesh_of_flat(flat_ptr(image->second, &image->second->geometry));
+    origin->mesh = uv_mesh_of_flats({flat_ptr(image->second, &image->second->geometry)});
     origin->islands = uv_find_islands(origin->mesh);
     origin->piece = pieces_of(origin->mesh);
     now.origins[identity] = origin;

@@ -3,6 +3,7 @@
 #include "base/command_result.h"
 #include "base/numbers.h"
 #include "edit/uv/uv_editor.h"
+#include "edit/uv/uv_measured.h"
 #include "model/vector.h"
 
 #include <algorithm>
@@ -293,8 +294,7 @@ std::vector<char> uv_find_overlaps(const uv_mesh &mesh) { return overlap_finder(
 void command_uv_stretch()
 {
     const uv_state &state = uv_editor();
-    const std::vector<uv_stretch> stretch =
-        uv_measure_stretch(state.mesh, uv_picture_size().aspect());
+    const std::vector<uv_stretch> &stretch = *uv_stretch_now(uv_patience::none);
     const std::vector<int> surfaces = uv_chosen_surfaces(state);
     double least = 1e30, most = 0, worst = 1, sum = 0;
     int flipped = 0;
@@ -318,6 +318,6 @@ void command_uv_stretch()
 
 void command_uv_overlaps()
 {
-    const std::vector<char> found = uv_find_overlaps(uv_editor().mesh);
+    const std::vector<char> &found = *uv_overlaps_now(uv_patience::none);
     command_result_append_int(static_cast<int>(std::count(found.begin(), found.end(), 1)));
 }

@@ -13,11 +13,15 @@
 
 namespace {
 
-void add_part(uv_mesh &mesh, object_t *object, const flat_ptr &flat)
+void add_part(uv_mesh &mesh, const uv_source &source)
 {
-    uv_part part = {object, object != nullptr ? object_identity(object) : 0,
-                    flat,   mesh.num_surfaces(),
-                    0,      static_cast<int>(mesh.positions.size())};
+    const flat_ptr &flat = source.flat;
+    uv_part part = {source.object,
+                    source.identity,
+                    flat,
+                    mesh.num_surfaces(),
+                    0,
+                    static_cast<int>(mesh.positions.size())};
     const int number = static_cast<int>(mesh.parts.size());
     for (int i = 0; i < flat->num_surfaces(); ++i) {
         const auto corners = flat->surface_corners(i);
@@ -57,21 +61,40 @@ bool is_own(const flat_mesh &flat, const vertex *point)
 
 } // namespace
 
-uv_mesh uv_mesh_of(const std::vector<object_t *> &objects)
+uv_mesh uv_mesh_of_sources(const std::vector<uv_source> &sources)
 {
     uv_mesh mesh;
+    std::size_t corners = 0, surfaces = 0;
+    for (const uv_source &source : sources) {
+        corners += source.flat->corners->size();
+        surfaces += source.flat->surfaces->size();
+    }
+    mesh.vertices.reserve(corners);
+    mesh.at.reserve(corners);
+    mesh.surfaces.reserve(surfaces);
+    mesh.part.reserve(surfaces);
+    mesh.normals.reserve(surfaces);
+    mesh.first_corner.reserve(surfaces + 1);
     mesh.first_corner.push_back(0);
-    for (object_t *object : objects)
-        add_part(mesh, object, object_flat(object));
+    for (const uv_source &source : sources)
+        add_part(mesh, source);
     return mesh;
 }
 
-uv_mesh uv_mesh_of_flat(const flat_ptr &flat)
+uv_mesh uv_mesh_of(const std::vector<object_t *> &objects)
 {
-    uv_mesh mesh;
-    mesh.first_corner.push_back(0);
-    add_part(mesh, nullptr, flat);
-    return mesh;
+    std::vector<uv_source> sources;
+    for (object_t *object : objects)
+        sources.push_back({object, object_identity(object), object_flat(object)});
+    return uv_mesh_of_sources(sources);
+}
+
+uv_mesh uv_mesh_of_flats(const std::vector<flat_ptr> &flats)
+{
+    std::vector<uv_source> sources;
+    for (const flat_ptr &flat : flats)
+        sources.push_back({nullptr, 0, flat});
+    return uv_mesh_of_sources(sources);
 }
 
 bool uv_part_is_current(const uv_part &part)

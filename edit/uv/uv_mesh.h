@@ -17,6 +17,14 @@ struct uv_part {
     int first_vertex;
 };
 
+// An object, which need not be there any more, as it was.
+struct uv_source {
+    object_t *object;
+    int identity;
+    flat_ptr flat;
+    bool operator==(const uv_source &) const = default;
+};
+
 struct uv_mesh {
     std::vector<uv_part> parts;
     // one a polygon
@@ -45,8 +53,10 @@ struct uv_mesh {
 // The polygons (of three corners at least) of these objects themselves.
 uv_mesh uv_mesh_of(const std::vector<object_t *> &objects);
 
-// Of a flat mesh that may have outlived its records: for computing, not for writing.
-uv_mesh uv_mesh_of_flat(const flat_ptr &flat);
+uv_mesh uv_mesh_of_sources(const std::vector<uv_source> &sources);
+
+// Of flat meshes that may have outlived their records: for computing, not for writing.
+uv_mesh uv_mesh_of_flats(const std::vector<flat_ptr> &flats);
 
 // Whether an object still has the surfaces and corners that the part was made from; its texture
 // coordinates and positions may differ.

@@ -276,7 +276,7 @@ proc ::vesk::uvedit::refresh {} {
     variable mode
     variable keep
     variable edits
-    if {![winfo exists .uv.status.counts]} {return}
+    if {![winfo exists .uv.status.counts] || [vesk uv_view_waits] eq "gathers"} {return}
     set before $info
     set info [vesk uv_info]
     set mode [dict get $info mode]
@@ -395,6 +395,8 @@ proc ::vesk::uvedit::colour_frame {} {
 
 proc uvedit_pointer {u v x y} {::vesk::uvedit::pointer $u $v $x $y}
 proc uvedit_drag {text} {::vesk::uvedit::drag $text}
+proc uvedit_gathered {} {::vesk::uvedit::refresh}
+proc uvedit_measured {} {::vesk::uvedit::show_measure}
 proc uvedit_menu {x y} {::vesk::uvedit::popup $x $y}
 
 ::vesk::ops::listen any ::vesk::uvedit::refresh

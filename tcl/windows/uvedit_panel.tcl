@@ -192,6 +192,7 @@ proc ::vesk::uvedit::set_option {name} {
     set value $option($name)
     if {$name eq "stretch" && $value} {set value [dict get $measures $measured]}
     vesk uv_option $name $value
+    update idletasks
     show_measure
 }
 
@@ -223,6 +224,10 @@ proc ::vesk::uvedit::popup {x y} {
 proc ::vesk::uvedit::show_measure {} {
     variable option
     set lines {}
+    if {($option(stretch) || $option(overlaps)) && [vesk uv_view_waits] eq "measures"} {
+        .uv.panel.measure configure -text "Measuring \u2026"
+        return
+    }
     if {$option(stretch)} {
         set stretch [vesk uv_stretch]
         if {[llength $stretch]} {

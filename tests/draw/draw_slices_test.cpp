@@ -2,6 +2,9 @@
 
 #include "tests/support/scene_test.h"
 
+#include <algorithm>
+#include <memory>
+
 namespace {
 
 using DrawSlices = SceneTest;
@@ -81,6 +84,57 @@ TEST_F(DrawSlices, PartsArePreparedOnceAndDrawnLikeSingleSteps)
     EXPECT_EQ(drawn, expected);
     EXPECT_EQ(prepared, 5);
     EXPECT_GT(asked, 10);
+}
+
+// Items of some steps each: what an item needs is made once, and not before its turn.
+TEST_F(DrawSlices, ItemsAreTakenUpWhereTheSliceBeforeLeftThem)
+{
+    recording().clock_step = 0.001;
+    const std::vector<int> sizes = {1, 12, 0, 3, 20, 0};
+    std::vector<int> drawn, expected;
+    std::vector<int> made(sizes.size(), 0), in_slice;
+    const auto draw_items = [&] {
+        in_slice.clear();
+        slice_part_t part;
+        if (part.draws()) {
+            const auto &items =
+                part.prepared([] { return std::make_shared<std::pair<slice_items_t, int>>(); });
+            slice_items(items->first, sizes.size(), [&](std::size_t i) {
+                in_slice.push_back(static_cast<int>(i));
+                if (items->second != static_cast<int>(i) + 1)
+                    ++made[i];
+                items->second = static_cast<int>(i) + 1;
+                for (int step = 0; step < sizes[i]; ++step)
+                    if (slice_draws(1000))
+                        drawn.push_back(static_cast<int>(i) * 100 + step);
+            });
+        }
+        if (slice_draws(1000))
+            drawn.push_back(-1);
+    };
+    draw_items(); // at once
+    std::swap(drawn, expected);
+    EXPECT_EQ(expected.size(), 37U);
+    made.assign(sizes.size(), 0);
+    slice_progress_t progress;
+    int slices = 0, most_items = 0;
+    for (bool finished = false; !finished && slices < 100; finished = slice_end(), ++slices) {
+        slice_begin(&progress, 0.005, [] {});
+        draw_items();
+        most_items = std::max(most_items, static_cast<int>(in_slice.size()));
+    }
+    EXPECT_EQ(drawn, expected);
+    EXPECT_EQ(made, std::vector<int>(sizes.size(), 1));
+    drawn.clear();
+    slice_progress_t another;
+    slice_begin(&another, 0.005, [] {});
+    draw_items();
+    EXPECT_FALSE(slice_end());
+    drawn.clear();
+    draw_items(); // at once, after a slice that was given up
+    EXPECT_EQ(drawn, expected);
+    EXPECT_GT(slices, 5);
+    EXPECT_LT(most_items, 5);
 }
 
 TEST_F(DrawSlices, OutsideOfASliceEverythingIsDrawn)

@@ -17,35 +17,10 @@ proc at_rest {} {
     }
 }
 
-# on_screen --
-#   What the screen shows of a view, below the button with its name.
-proc on_screen {view} {
-    set w [widget $view]
-    xdo mousemove 5 [expr {[winfo screenheight .] - 1}]
-    exec import -window root -crop \
-        [winfo width $w]x[winfo height $w]+[winfo rootx $w]+[winfo rooty $w] \
-        +repage -depth 8 [work screen.ppm]
-    return [read_ppm [work screen.ppm]]
-}
-
-# The number of pixels below the button and left of the cross that differ at all.
-proc pixels_that_differ {a b} {
-    set width [dict get $a width]
-    set count 0
-    for {set y 90} {$y < [dict get $a height] - 4} {incr y} {
-        set from [expr {3 * ($y * $width + 4)}]
-        set to [expr {3 * ($y * $width + $width - 4) - 1}]
-        set row_a [string range [dict get $a pixels] $from $to]
-        set row_b [string range [dict get $b pixels] $from $to]
-        if {$row_a ne $row_b} {incr count}
-    }
-    return $count
-}
-
 proc compare_with_whole {when} {
     at_rest
     foreach view {xy zy xz xyz} {
-        set shown [on_screen $view]
+        set shown [on_screen [widget $view]]
         check "$when the parts of view $view make the whole picture" {
             [pixels_that_differ $shown [picture $view]] == 0
         }
@@ -126,4 +101,26 @@ run {
     vesk select_elements set [lmap id [lrange $ids 1000 3999] {string cat $id :1-2}]
     compare_with_whole "with some surfaces of each"
     shot large-many
+
+    # Glass: objects from back to front, the surfaces of each as well; of the terrain half the rows.
+    vesk set_select_mode edge
+    vesk select_all
+    compare_with_whole "with all edges of each"
+    set stream [open [work cubes.vesk]]
+    set text [string map {"trans 0\n" "trans 0.6\n"} [read $stream]]
+    close $stream
+    set stream [open [work glass.vesk] w]
+    puts -nonewline $stream $text
+    close $stream
+    vesk clear_all
+    vesk load_file [work glass.vesk]
+    vesk clear_selection
+    compare_with_whole "glass:"
+    shot large-glass
+    exec tclsh8.6 $terrain 450 0.5 > [work terrain.vesk]
+    vesk clear_all
+    vesk load_file [work terrain.vesk]
+    vesk clear_selection
+    compare_with_whole "glass and ground:"
+    shot large-glass-terrain
 }

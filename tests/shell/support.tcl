@@ -433,6 +433,31 @@ proc ::test::shot {name} {
     exec import -window root [file join $::env(VESK_TEST_ARTEFACTS) $name.png]
 }
 
+# on_screen --
+#   What the screen shows of a window, by default after the pointer left it.
+proc ::test::on_screen {w {away 1}} {
+    if {$away} {xdo mousemove 5 [expr {[winfo screenheight .] - 1}]}
+    exec import -window root -crop \
+        [winfo width $w]x[winfo height $w]+[winfo rootx $w]+[winfo rooty $w] \
+        +repage -depth 8 [work screen.ppm]
+    return [read_ppm [work screen.ppm]]
+}
+
+# pixels_that_differ --
+#   The number of rows of two pictures of a view that differ at all, below its button and left of its cross.
+proc ::test::pixels_that_differ {a b} {
+    set width [dict get $a width]
+    set count 0
+    for {set y 90} {$y < [dict get $a height] - 4} {incr y} {
+        set from [expr {3 * ($y * $width + 4)}]
+        set to [expr {3 * ($y * $width + $width - 4) - 1}]
+        set row_a [string range [dict get $a pixels] $from $to]
+        set row_b [string range [dict get $b pixels] $from $to]
+        if {$row_a ne $row_b} {incr count}
+    }
+    return $count
+}
+
 # page_picture --
 #   A picture for the pages of docs/, of the main window, when VESK_TOUR_PICTURES names a folder.
 #   away  1: the pointer is not to be seen at work

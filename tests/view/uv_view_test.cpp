@@ -7,13 +7,17 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/undo.h"
 #include "edit/uv/uv_editor.h"
+#include "edit/uv/uv_measured.h"
 #include "model/change_marks.h"
 #include "model/each.h"
+#include "model/world.h"
 #include "tests/support/mesh_test.h"
 #include "view/uv_drag.h"
 #include "view/views_internal.h"
 
+#include <chrono>
 #include <sstream>
+#include <thread>
 
 namespace {
 
@@ -333,6 +337,143 @@ TEST_F(UvView, PanAndZoomKeepThePlaceUnderThePointer)
     run("uv_view_fit", 0);
     EXPECT_NEAR(uv_to_screen({0.5f, 0.5f}).x, 300, 1e-3);
     EXPECT_NEAR(uv_to_screen({0.5f, 0.5f}).y, 200, 1e-3);
+}
+
+// Above many_uv_corners a drag is drawn by a matrix, and the model changes at its end alone.
+class UvViewOfMany : public SceneTest {
+protected:
+    static constexpr int side = 230; // vertices: 4 x 229 x 229 corners
+
+    void SetUp() override
+    {
+        SceneTest::SetUp();
+        uv_drag_install();
+        uv_view_resize(600, 400);
+        uv_view().scale = 200;
+        object = new_object(OBJECT_POLY);
+        std::vector<float> xyz;
+        std::vector<int> offsets = {0}, indices;
+        for (int i = 0; i < side * side; ++i) {
+            const auto x = static_cast<float>(i % side), y = static_cast<float>(i / side);
+            xyz.insert(xyz.end(), {x, y, 0});
+        }
+        for (int i = 0; i + side < side * side; ++i) {
+            if ((i + 1) % side == 0)
+                continue;
+            indices.insert(indices.end(), {i, i + 1, i + side + 1, i + side});
+            offsets.push_back(static_cast<int>(indices.size()));
+        }
+        vesk_object_add_vertices_from_float_array(object, xyz.data(), side * side);
+        vesk_object_add_surfaces_from_arrays(object, static_cast<int>(offsets.size()) - 1,
+                                             offsets.data(), indices.data(), nullptr, 3);
+        object_add_child(vesk_get_world(), object);
+        run("set_select_mode", "object");
+        select_object(object);
+        run("uv_project", "planar_z", "2");
+        run("uv_select_mode", "island");
+        run("uv_select", "all");
+    }
+
+    static void drag_begins(int dx, int dy)
+    {
+        uv_drag_press({texture_coords_view, 300, 200, 1, 0, 0});
+        uv_drag_motion({texture_coords_view, 310, 200, 0, 0, 0});
+        uv_drag_motion({texture_coords_view, 300 + dx, 200 + dy, 0, 0, 0});
+    }
+
+    object_t *object = nullptr;
+};
+
+TEST_F(UvViewOfMany, ADragIsShownAtOnceAndWrittenAtItsEnd)
+{
+    ASSERT_GT(uv_editor().mesh.at.size(), many_uv_corners);
+    const std::vector<flat_uv> before = uv_editor().mesh.at;
+    const auto where_shown = [] {
+        std::vector<flat_uv> shown;
+        for (int c = 0; c < uv_editor().mesh.num_corners(); ++c)
+            shown.push_back(uv_shown_at(uv_view(), uv_editor().mesh, c));
+        return shown;
+    };
+    drag_begins(40, -20);
+    EXPECT_EQ(uv_editor().mesh.at, before);
+    const std::vector<flat_uv> shown = where_shown();
+    EXPECT_NEAR(shown[0].u, before[0].u + 0.2f, 1e-5);
+    EXPECT_NEAR(shown[0].v, before[0].v + 0.1f, 1e-5);
+    const handle_box_t frame = uv_handle_box();
+
+    uv_drag_release({texture_coords_view, 340, 180, 1, 0, 0});
+    EXPECT_EQ(uv_editor().mesh.at, shown); // bit for bit
+    EXPECT_EQ(where_shown(), shown);
+    EXPECT_EQ(last_undo(), "move texture coordinates");
+    EXPECT_NEAR(uv_handle_box().x0, frame.x0, 1);
+    EXPECT_NEAR(uv_handle_box().y1, frame.y1, 1);
+    run("undo");
+    EXPECT_EQ(uv_editor().mesh.at, before);
+
+    drag_begins(40, -20);
+    uv_drag_cancel();
+    EXPECT_EQ(where_shown(), before);
+    EXPECT_NE(last_undo(), "move texture coordinates");
+}
+
+TEST_F(UvViewOfMany, AWorkerReadsTheModelAndCommandsDoNotWaitForIt)
+{
+    const auto wait = [] {
+        while (!uv_editor_is_ready())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    };
+    run("uv_move", "0.5", "0");
+    EXPECT_FALSE(uv_editor_is_ready());
+    const uv_box moved = uv_totals_now().all; // of a command: at once
+    EXPECT_NEAR(moved.u0, 0.5, 1e-5);
+    EXPECT_TRUE(uv_editor_is_ready());
+
+    run("uv_move", "0.25", "0");
+    wait();
+    EXPECT_NEAR(uv_totals_now().all.u0, 0.75, 1e-5);
+    EXPECT_EQ(uv_totals_now().chosen_surfaces, (side - 1) * (side - 1));
+    EXPECT_EQ(uv_totals_now().chosen_islands, 1);
+
+    // What it reads goes meanwhile.
+    run("uv_move", "0.25", "0");
+    EXPECT_FALSE(uv_editor_is_ready());
+    run("select_all");
+    run("delete");
+    wait();
+    EXPECT_EQ(uv_editor().mesh.num_surfaces(), 0);
+}
+
+TEST_F(UvViewOfMany, IslandsAreTheSameHoweverManySidesAreLookedAtTogether)
+{
+    run("uv_project", "box", "2");
+    const uv_mesh &mesh = uv_editor().mesh;
+    const uv_islands &whole = uv_editor().islands;
+    for (const std::size_t at_once : {5000, 100000}) {
+        const uv_islands parts = uv_find_islands(mesh, at_once);
+        EXPECT_EQ(parts.point, whole.point);
+        EXPECT_EQ(parts.island, whole.island);
+        EXPECT_EQ(parts.borders, whole.borders);
+        ASSERT_EQ(parts.edges.size(), whole.edges.size());
+        for (std::size_t i = 0; i < whole.edges.size(); ++i) {
+            ASSERT_EQ(parts.edges[i].corner, whole.edges[i].corner);
+            ASSERT_EQ(parts.edges[i].twin, whole.edges[i].twin);
+        }
+    }
+}
+
+TEST_F(UvViewOfMany, AWorkerMeasuresWhatACommandMeasures)
+{
+    run("uv_project", "sphere", "2");
+    const std::vector<char> over = uv_find_overlaps(uv_editor().mesh);
+    EXPECT_EQ(uv_overlaps_now(uv_patience::waits), nullptr);
+    while (uv_overlaps_now(uv_patience::waits) == nullptr)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(*uv_overlaps_now(uv_patience::waits), over);
+    run("uv_move", "0.5", "0");
+    EXPECT_EQ(uv_stretch_now(uv_patience::waits), nullptr);
+    ASSERT_NE(uv_stretch_now(uv_patience::none), nullptr);
+    EXPECT_EQ(uv_stretch_now(uv_patience::none)->size(), over.size());
+    EXPECT_FALSE(uv_measures());
 }
 
 } // namespace
