@@ -27,7 +27,7 @@ constexpr int axis_colours[2] = {0xF07F76, 0x8CCB6B};
 constexpr std::size_t many_edges = 12000;
 constexpr std::size_t fewest_quick_edges = 4000;
 constexpr double quick_seconds = 0.02; // what the elements of a quick picture may take
-constexpr double slice_seconds = 0.025;
+constexpr double slice_seconds = 0.018;
 
 float narrow(double value) { return static_cast<float>(value); }
 float interface_scale() { return narrow(view_interface_scale()); }
