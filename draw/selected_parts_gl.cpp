@@ -101,6 +101,43 @@ std::vector<std::uint32_t> sample_of(std::span<const std::uint32_t> slots, GLenu
     return sample;
 }
 
+// Objects that follow each other in a page are drawn in one call: a call each costs drivers more than the
+// few elements of a small object.
+class neighbours_t {
+public:
+    explicit neighbours_t(GLenum mode) : mode_(mode) {}
+
+    void add(const buffer_page_t &page, std::span<const std::uint32_t> slots)
+    {
+        if (page_ != &page || slots.size() > slice_step_elements) {
+            draw();
+            page_ = &page;
+        }
+        if (slots.size() > slice_step_elements)
+            draw(slots);
+        else
+            slots_.insert(slots_.end(), slots.begin(), slots.end());
+    }
+    void draw()
+    {
+        draw(slots_);
+        slots_.clear();
+    }
+
+private:
+    void draw(std::span<const std::uint32_t> slots) const
+    {
+        if (slots.empty())
+            return;
+        page_bind(*page_, false);
+        page_draw_slots(mode_, slots);
+    }
+
+    GLenum mode_;
+    const buffer_page_t *page_ = nullptr;
+    std::vector<std::uint32_t> slots_;
+};
+
 } // namespace
 
 bool has_selected_part(const scene_item_t &item)
@@ -118,19 +155,18 @@ void draw_selected_parts(const scene_t &scene, GLenum mode,
         const slice_part_t part;
         const std::size_t end =
             part.draws() ? std::min(first + items_in_part, scene.items.size()) : first;
+        neighbours_t neighbours(mode);
         for (std::size_t i = first; i < end; ++i) {
             const scene_item_t &item = scene.items[i];
             if (!has_selected_part(item) || !wanted(item))
                 continue;
             const std::vector<std::uint32_t> &slots = part_slots(item).*list;
-            if (slots.empty())
-                continue;
-            page_bind(*item.buffers->page, false);
             if (item.detail > 0 && slots.size() > 2 * most_in_motion)
-                page_draw_slots(mode, sample_of(slots, mode));
+                neighbours.add(*item.buffers->page, sample_of(slots, mode));
             else
-                page_draw_slots(mode, slots);
+                neighbours.add(*item.buffers->page, slots);
         }
+        neighbours.draw();
     }
     page_unbind();
 }
