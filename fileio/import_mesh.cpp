@@ -131,5 +131,7 @@ int import_colour(float r, float g, float b)
     m.diffuse[0] = r;
     m.diffuse[1] = g;
     m.diffuse[2] = b;
-    return vesk_palette_get_new_material_index(&m);
+    const int index = vesk_palette_get_new_material_index(&m);
+    text_set(&m.name, nullptr); // the palette keeps a copy
+    return index;
 }

@@ -16,7 +16,9 @@ inline int palette_index_of(unsigned rgb)
     material_init(&m);
     for (int i = 0; i < 3; ++i)
         m.diffuse[i] = static_cast<float>(rgb >> (16 - 8 * i) & 0xFF) / 255;
-    return vesk_palette_get_new_material_index(&m);
+    const int index = vesk_palette_get_new_material_index(&m);
+    myfree(m.name); // the palette keeps a copy
+    return index;
 }
 
 // The share of an import; the rest is for making the objects.
