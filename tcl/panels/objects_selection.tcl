@@ -28,7 +28,7 @@ proc ::vesk::objects::show_selection {} {
         return
     }
     set syncing 1
-    mark_rows set $shown_rows
+    set shown_rows [mark_rows set $shown_rows] ;# of others the rows are on their way
     see_selected
     strip_later
     # The virtual event arrives later; by then the two agree.
@@ -156,7 +156,7 @@ proc ::vesk::objects::visible_chosen {} {
 proc ::vesk::objects::see_selected {} {
     variable tree
     variable shown_rows
-    if {[llength $shown_rows] == 1} {
+    if {[llength $shown_rows] == 1 && [$tree exists [lindex $shown_rows 0]]} {
         $tree see [lindex $shown_rows 0]
         $tree focus [lindex $shown_rows 0]
     }

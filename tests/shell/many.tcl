@@ -127,6 +127,15 @@ run {
     check "a click selects one" {[vesk get_selected_objects] eq $row}
     check_panel "one by the mouse"
 
+    # The marking goes on before the row of what is selected now is made.
+    stopped {vesk select_all}
+    vesk group
+    go_on
+    ::vesk::objects::choose_more
+    check_panel "a group whose row is not there yet"
+    vesk undo
+    check_panel "and undone"
+
     # Changes of the model meanwhile.
     stopped {vesk select_all}
     vesk object_set_name [lindex $ids 2500] "another name"
