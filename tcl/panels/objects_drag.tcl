@@ -84,6 +84,7 @@ proc ::vesk::objects::drag_release {} {
     lassign $drag row x y started target
     drag_end
     if {!$started && $row in [$tree selection] && [llength [$tree selection]] > 1} {
+        variable asked {} ;# no group is taken out: one row is chosen
         $tree selection set [list $row]
     }
     if {!$started || $target eq ""} {return}

@@ -262,16 +262,22 @@ proc ::vesk::objects::is_shown {wanted} {
 
 # without_taken_out --
 #   The rows of a selection but those below a group that was taken out, and the groups above a row
-#   that was.
+#   that was. One row is taken out at a time; where more went, others were chosen instead.
 proc ::vesk::objects::without_taken_out {wanted} {
     variable asked
     variable shown_rows
     if {[llength $asked] == 0} {return $wanted}
     set out [lmap id $shown_rows {if {$id in $wanted} continue; set id}]
+    set one [expr {[llength $out] == 1}]
     return [lmap id $wanted {
-        if {[below_one_of $id [lmap gone $out {if {$gone ni $asked} continue; set gone}]]} continue
-        if {$id in $asked && 1 in [lmap gone $out {below_one_of $gone [list $id]}]} continue
+        if {$one && $out in $asked && [below_one_of $id $out]} continue
+        if {$id in $asked && [some_below $id $out] && ($one || [some_below $id $wanted])} continue
         set id
     }]
 }
 
+# some_below --
+#   Whether one of these rows lies below a group.
+proc ::vesk::objects::some_below {group ids} {
+    return [expr {1 in [lmap id $ids {below_one_of $id [list $group]}]}]
+}

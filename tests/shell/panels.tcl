@@ -205,6 +205,22 @@ run {
         [lsort [$tree selection]] eq [lsort [list $group $a $b]] && [count objects] == 2
     }
     check "the Object tab names the group" {[$tab.name get] eq [info_of $group name]}
+    # A plain click among marked rows chooses one; only with Control one is taken out.
+    press_row $tree $b
+    check "a click on one of them chooses it" {
+        [$tree selection] eq $b && [vesk get_selected_objects] eq $b
+    }
+    press_row $tree $group
+    with_key ctrl {press_row $tree $a}
+    check "Control and a click take one out, and its group" {
+        [$tree selection] eq $b && [vesk get_selected_objects] eq $b
+    }
+    press_row $tree $group
+    with_key shift {press_row $tree $c}
+    press_row $tree $group
+    check "a click on the group among others chooses it" {
+        [lsort [$tree selection]] eq [lsort [list $group $a $b]] && [count objects] == 2
+    }
     enter $tab.name "legs"
     check "and renames it" {[info_of $group name] eq "legs" && [info_of $a name] ne "legs"}
     shot panels-group
