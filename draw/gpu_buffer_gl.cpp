@@ -22,7 +22,8 @@ bool gpu_buffer::reserve_pages(std::size_t bytes)
 #ifdef MADV_HUGEPAGE
     madvise(pages, room, MADV_HUGEPAGE);
 #endif
-    while (glGetError() != GL_NO_ERROR) // of somebody else
+    constexpr int most_errors = 8; // of somebody else; a lost context tells them for ever
+    for (int i = 0; i < most_errors && glGetError() != GL_NO_ERROR; ++i)
         continue;
     glBindBuffer(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, id_);
     glBufferData(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, static_cast<GLsizeiptr>(bytes), pages,
