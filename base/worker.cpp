@@ -82,7 +82,9 @@ void worker_t::join()
 void work_in_background()
 {
     constexpr int patience = 10;
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), patience); // else it competes with them
+    const auto thread = static_cast<id_t>(gettid());
+    // Else it competes with them. A program that was started with more patience keeps it.
+    setpriority(PRIO_PROCESS, thread, std::max(getpriority(PRIO_PROCESS, thread), patience));
 }
 
 bool in_parallel(int count, const std::function<void(int)> &work,

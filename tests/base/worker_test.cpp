@@ -116,7 +116,7 @@ TEST(JobQueue, YieldsTheProcessorAloneAndWithTheThreadsThatItStarts)
     };
     queue.add(job);
     queue.wait(false);
-    EXPECT_GT(least_in_job, before);
+    EXPECT_EQ(least_in_job, std::max(before, 10)); // the tests may themselves be run with patience
     EXPECT_EQ(priority(), before);
     int in_worker = -1000;
     worker_t([&] { in_worker = priority(); }).join();

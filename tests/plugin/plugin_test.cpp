@@ -105,7 +105,7 @@ TEST_F(Plugins, ImportersAreFoundBySuffix)
     EXPECT_TRUE(run("get_importer_info").ends_with(".own\t\tOwn files\t\t-\n"));
 }
 
-TEST_F(Plugins, AFailedImportTouchesNothing)
+TEST_F(Plugins, AFaultOfAnImporterTouchesNothing)
 {
     vesk_register_file_importer(".bad", "Bad files", load_fault, nullptr);
     object_t *square = add_square(1);

@@ -135,7 +135,7 @@ VESKImage *load_one_pixel(const char *name)
     return nullptr;
 }
 
-TEST_F(TextureTable, LaterLoadersComeFirstAndMayFail)
+TEST_F(TextureTable, LaterLoadersComeFirstAndMayFault)
 {
     EXPECT_STREQ(vesk_get_texture_loader_by_suffix(".rgba")->suffixes, ".rgb .rgba");
     vesk_register_texture_loader(".empty", "No pixels", load_without_pixels);
