@@ -7,6 +7,7 @@
 #include "fileio/scene_stream.h"
 #include "fileio/texture_beside.h"
 #include "model/lights.h"
+#include "model/material_values.h"
 #include "model/mesh_arrays.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
@@ -48,17 +49,15 @@ void write_images(plain_scene &scene, const std::string &filename)
 
 int palette_index(const plain_material &from)
 {
-    material m;
-    material_init(&m);
+    material_values m;
     std::copy_n(from.diffuse, 3, m.diffuse);
     std::copy_n(from.ambient, 3, m.ambient);
     std::copy_n(from.specular, 3, m.specular);
     std::copy_n(from.emissive, 3, m.emissive);
     m.shininess = from.shininess;
     m.transparency = from.transparency;
-    std::string name = from.name;
-    if (!name.empty())
-        m.name = name.data(); // the palette keeps a copy
+    if (!from.name.empty())
+        vesk_material_set_name(&m, from.name.c_str());
     return vesk_palette_get_new_material_index(&m);
 }
 

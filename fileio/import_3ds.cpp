@@ -105,9 +105,8 @@ public:
     scene_3ds(const std::string &filename, const file_3ds &file) : filename_(filename), file_(file)
     {
         for (const material_3ds &from : file.materials) {
-            material m = from.colours;
-            std::string name = from.name;
-            m.name = name.data(); // the palette keeps a copy
+            material_values m = from.colours;
+            vesk_material_set_name(&m, from.name.c_str());
             looks_.emplace(from.name, std::pair(&from, vesk_palette_get_new_material_index(&m)));
         }
         for (std::size_t i = 0; i < file.meshes.size(); ++i)

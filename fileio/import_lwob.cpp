@@ -6,6 +6,7 @@
 #include "base/file_report.h"
 #include "fileio/import_mesh.h"
 #include "model/angle.h"
+#include "model/material_values.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
@@ -172,10 +173,8 @@ void take_picture(std::string_view kind, iff_bytes &part, lwob_picture &picture)
 
 int palette_index(const std::string &surface_name, const lwob_values &values)
 {
-    std::string name = surface_name;
-    material m;
-    material_init(&m);
-    m.name = name.data(); // the palette keeps a copy
+    material_values m;
+    vesk_material_set_name(&m, surface_name.c_str());
     for (std::size_t i = 0; i < 3; ++i) {
         m.diffuse[i] = values.diffuse * values.colour[i];
         m.emissive[i] = values.glow * values.colour[i];

@@ -8,6 +8,7 @@
 #include "fileio/vesk_lines.h"
 #include "model/alloc_internal.h"
 #include "model/each.h"
+#include "model/material_values.h"
 #include "model/normals.h"
 #include "model/palette.h"
 
@@ -126,12 +127,9 @@ void import_fit_names(object_t *top)
 
 int import_colour(float r, float g, float b)
 {
-    material m;
-    material_init(&m);
+    material_values m;
     m.diffuse[0] = r;
     m.diffuse[1] = g;
     m.diffuse[2] = b;
-    const int index = vesk_palette_get_new_material_index(&m);
-    text_set(&m.name, nullptr); // the palette keeps a copy
-    return index;
+    return vesk_palette_get_new_material_index(&m);
 }

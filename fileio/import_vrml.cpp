@@ -9,6 +9,7 @@
 #include "fileio/vrml_tree.h"
 #include "model/each.h"
 #include "model/lights.h"
+#include "model/material_values.h"
 #include "model/object_tree.h"
 #include "model/palette.h"
 #include "model/textures/textures.h"
@@ -72,12 +73,11 @@ std::vector<int> read_materials(const vrml_fields &fields, std::string_view name
     const std::vector<float> emissive = fields.numbers("emissiveColor");
     const std::vector<float> shininess = fields.numbers("shininess");
     const std::vector<float> transparency = fields.numbers("transparency");
-    std::string text(name);
+    const std::string text(name);
     std::vector<int> indices;
     const std::size_t count = std::max<std::size_t>({1, diffuse.size() / 3, emissive.size() / 3});
     for (std::size_t i = 0; i < count; ++i) {
-        material m;
-        material_init(&m);
+        material_values m;
         const float defaults[3][3] = {{0.8f, 0.8f, 0.8f}, {0.2f, 0.2f, 0.2f}, {0, 0, 0}};
         std::copy_n(defaults[0], 3, m.diffuse);
         std::copy_n(defaults[1], 3, m.ambient);
@@ -89,7 +89,7 @@ std::vector<int> read_materials(const vrml_fields &fields, std::string_view name
         m.shininess = std::clamp(value_at(shininess, i, 0.2f), 0.0f, 1.0f) * 128;
         m.transparency = value_at(transparency, i, 0);
         if (!text.empty())
-            m.name = text.data(); // the palette keeps a copy
+            vesk_material_set_name(&m, text.c_str());
         indices.push_back(vesk_palette_get_new_material_index(&m));
     }
     return indices;

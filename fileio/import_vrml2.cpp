@@ -334,7 +334,6 @@ private:
     vrml2_look look_of(const vrml2_fields &shape)
     {
         vrml2_look look;
-        material_init(&look.colours);
         const vrml2_fields appearance = shape.child("appearance");
         take_material(appearance.child("material"), &look);
         const vrml2_fields picture = appearance.child("texture");

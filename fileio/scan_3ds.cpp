@@ -131,7 +131,6 @@ void read_picture(chunk_bytes bytes, material_3ds *m)
 void read_material(chunk_bytes bytes, file_3ds *file)
 {
     material_3ds m;
-    material_init(&m.colours);
     float glow = 0;
     bytes.chunks([&](unsigned id, chunk_bytes part) {
         switch (id) {

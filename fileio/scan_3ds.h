@@ -4,7 +4,7 @@
 // 3D Studio files as plain records, as they stand in the file.
 
 #include "fileio/vrml_frame.h"
-#include "model/material.h"
+#include "model/material_values.h"
 
 #include <array>
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 struct material_3ds {
     std::string name;
-    material colours = {}; // without its name
+    material_values colours;
     bool twosided = false;
     std::string picture; // for the colour
     float repeat[2] = {1, 1}, offset[2] = {0, 0};

@@ -13,6 +13,7 @@
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/lights.h"
+#include "model/material_values.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
 #include "model/palette_internal.h"
@@ -236,8 +237,7 @@ void tree_reader::read_material(block &)
         complain("expected 21 params after \"MATERIAL\" - line %d\n", lines_.number);
         return;
     }
-    material mat;
-    material_init(&mat);
+    material_values mat;
     text_set(&mat.name, lines_.word(1));
     float *const groups[] = {mat.diffuse, mat.ambient, mat.emissive, mat.specular};
     int token = 3;
@@ -249,7 +249,6 @@ void tree_reader::read_material(block &)
     mat.shininess = lines_.real(19);
     mat.transparency = lines_.real(21);
     const int index = vesk_palette_get_new_material_index(&mat);
-    myfree(mat.name);
     debugf("line %d new material (number %d in file, global id is %d)\n", lines_.number,
            static_cast<int>(geometry_.materials.size()), index);
     geometry_.materials.push_back(index);

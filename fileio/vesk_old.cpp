@@ -39,6 +39,7 @@
 #include "model/change_marks.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
+#include "model/material_values.h"
 #include "model/normals.h"
 #include "model/object_internal.h"
 #include "model/object_tree.h"
@@ -376,8 +377,7 @@ void append_object(std::string &out, object_t *object, const local_frame_t &fram
 // Surfaces have a plain colour only: of how many materials the rest is left out.
 int poorer_materials()
 {
-    material plain;
-    material_init(&plain);
+    material_values plain;
     std::set<int> poorer;
     for_each_object(vesk_get_world(), [&](const object_t *object) {
         int last = -1;

@@ -13,6 +13,7 @@
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/list.h"
+#include "model/material_values.h"
 #include "model/palette.h"
 #include "model/textures/texture_search.h"
 #include "model/textures/textures.h"
@@ -70,10 +71,9 @@ std::string palette_text()
             append_material(text, *entry, entry->name);
             continue;
         }
-        material missing; // a surface names an entry that is not there: keep the numbering
-        material_init(&missing);
+        const material_values
+            missing; // a surface names an entry that is not there: keep the numbering
         append_material(text, missing, missing.name);
-        text_set(&missing.name, nullptr);
     }
     return text;
 }

@@ -73,10 +73,10 @@ private:
 
     int entry(const float *rgb)
     {
-        material m = look_.colours;
+        material_values m = look_.colours;
         std::copy_n(rgb, 3, m.diffuse);
         if (!look_.name.empty())
-            m.name = look_.name.data(); // the palette keeps a copy
+            vesk_material_set_name(&m, look_.name.c_str());
         return vesk_palette_get_new_material_index(&m);
     }
 

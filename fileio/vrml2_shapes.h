@@ -6,14 +6,14 @@
 #include "fileio/import_mesh.h"
 #include "fileio/vrml2_fields.h"
 #include "fileio/vrml_frame.h"
-#include "model/material.h"
+#include "model/material_values.h"
 
 #include <array>
 #include <string_view>
 
 // What the surfaces of a shape look like.
 struct vrml2_look {
-    material colours; // without a name
+    material_values colours;
     std::string name;
     std::string picture; // "" for none
     // Of the texture coordinates, row by row: u' = a u + b v + c, v' = d u + e v + f.

@@ -114,4 +114,8 @@
 #include "view/projection.h"
 #include "view/views.h"
 
+#ifdef __cplusplus
+#include "model/material_values.h"
+#endif
+
 #endif

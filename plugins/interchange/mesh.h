@@ -12,13 +12,10 @@
 // Palette index of a plain colour, 0xRRGGBB; the other values are those of a new material.
 inline int palette_index_of(unsigned rgb)
 {
-    material m;
-    material_init(&m);
+    material_values m;
     for (int i = 0; i < 3; ++i)
         m.diffuse[i] = static_cast<float>(rgb >> (16 - 8 * i) & 0xFF) / 255;
-    const int index = vesk_palette_get_new_material_index(&m);
-    myfree(m.name); // the palette keeps a copy
-    return index;
+    return vesk_palette_get_new_material_index(&m);
 }
 
 // The share of an import; the rest is for making the objects.

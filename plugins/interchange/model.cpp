@@ -61,7 +61,6 @@ public:
     taker(job &work, const char *filename, const model_wishes &wishes)
         : work_(work), filename_(filename), wishes_(wishes)
     {
-        material_init(&plain_);
     }
 
     model run()
@@ -310,7 +309,7 @@ private:
     job &work_;
     const std::string filename_;
     const model_wishes wishes_;
-    material plain_;
+    material_values plain_;
     model out_;
     std::vector<waiting_node> waiting_;
     using material_key = std::tuple<int, std::string, bool, std::array<float, 4>>;

@@ -50,7 +50,7 @@ public:
             name_.clear();
             for (std::size_t i = 1; i < words.size(); ++i)
                 name_ += (i > 1 ? " " : "") + words[i];
-            material_init(&values_);
+            values_ = material_values();
             current_ = obj_material();
             open_ = true;
         } else if (key == "Kd") {
@@ -82,7 +82,7 @@ private:
     {
         if (!open_)
             return;
-        values_.name = &name_[0]; // the palette keeps a copy
+        vesk_material_set_name(&values_, name_.c_str());
         current_.palette_index = vesk_palette_get_new_material_index(&values_);
         all_[name_] = current_;
         open_ = false;
@@ -90,7 +90,7 @@ private:
 
     std::map<std::string, obj_material> &all_;
     std::string name_;
-    material values_;
+    material_values values_;
     obj_material current_;
     bool open_ = false;
 };

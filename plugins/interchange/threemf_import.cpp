@@ -218,14 +218,12 @@ private:
         unsigned parts[4] = {255, 255, 255, 255};
         for (std::size_t i = 0; i < 4 && 2 * i + 2 < text.size(); ++i)
             std::from_chars(&text[2 * i + 1], &text[2 * i + 1] + 2, parts[i], 16);
-        material m;
-        material_init(&m);
+        material_values m;
         for (int i = 0; i < 3; ++i)
             m.diffuse[i] = static_cast<float>(parts[i] & 255u) / 255;
         m.transparency = 1 - static_cast<float>(parts[3] & 255u) / 255;
-        std::string name = tags_.text("name");
-        if (!name.empty())
-            m.name = name.data(); // the palette keeps a copy
+        if (const std::string name = tags_.text("name"); !name.empty())
+            vesk_material_set_name(&m, name.c_str());
         return vesk_palette_get_new_material_index(&m);
     }
 
