@@ -92,6 +92,10 @@ bool in_parallel(int count, const std::function<void(int)> &work,
 {
     std::atomic<int> next = 0;
     std::atomic<bool> stopped = false;
+    const auto ask = [&] {
+        if (go_on && !go_on())
+            stopped = true;
+    };
     const auto take_pieces = [&](bool asks) {
         for (int i = next++; i < count && !stopped; i = next++) {
             try {
@@ -100,9 +104,11 @@ bool in_parallel(int count, const std::function<void(int)> &work,
                 stopped = true;
                 throw;
             }
-            if (asks && go_on && !go_on())
-                stopped = true;
+            if (asks)
+                ask();
         }
+        if (asks && !stopped)
+            ask(); // the other threads may have taken every piece
     };
     // Asked once: it is a call of the system.
     static const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);

@@ -40,8 +40,8 @@ private:
 void work_in_background();
 
 // Calls work(i) for each i below `count`, in any order, on this thread and on others where the machine
-// has more than one core. `go_on`, when there is one, is asked on this thread between its pieces; once
-// it answers false no further piece is begun, and the result is false. Throws what a piece has thrown.
+// has more than one core. `go_on`, when there is one, is asked on this thread after its pieces and at the
+// end; when it answers false no piece is begun, and the result is false. Throws what a piece has thrown.
 bool in_parallel(int count, const std::function<void(int)> &work,
                  const std::function<bool()> &go_on = {});
 

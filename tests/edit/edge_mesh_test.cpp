@@ -449,7 +449,7 @@ TEST_F(EdgeMesh, CancelLeavesTheModelAsItWas)
     object_t *grid = add_flat_grid(160);
     select_object(grid);
     const std::string before = scene_text();
-    recording().clock_step = 0.05; // each look at the clock: time for events
+    recording().clock_step = 0.2; // each look at the clock: time for events
     recording().while_pumping = [] { progress_cancel(); };
     for (const std::vector<std::string> &command :
          {std::vector<std::string>{"surface_loop_subdivision", "1"}, {"surface_doosabin"}}) {

@@ -12,6 +12,7 @@
 #include "model/world.h"
 #include "tests/model/textures/image_writer.h"
 #include "tests/support/scene_test.h"
+#include "view/camera_internal.h"
 
 #include <algorithm>
 #include <array>
@@ -137,6 +138,7 @@ protected:
     void SetUp() override
     {
         SceneTest::SetUp();
+        camera_reset_for_test();
         textures_reset_for_test();
         vesk_register_builtin_texture_loaders();
     }

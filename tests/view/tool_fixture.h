@@ -5,6 +5,8 @@
 #include "tests/support/scene_test.h"
 #include "view/camera_internal.h"
 #include "view/interaction.h"
+#include "view/ruler.h"
+#include "view/tool_transform.h"
 #include "view/tools.h"
 #include "view/views_internal.h"
 
@@ -20,6 +22,8 @@ protected:
         camera_reset_for_test();
         interaction_reset_for_test();
         tools_reset_for_test();
+        set_extrusion_sides(extrude_sides::automatic);
+        ruler() = {};
         for (int view = 0; view < 4; ++view) {
             handle_resize(view, 400, 300);
         }
