@@ -91,8 +91,8 @@ bool new_parts_have_numbers(const model_state &now, const model_state &before)
         const object_image &image = *now.entry(i).image;
         if (i < before.num_objects && before.entry(i).image.get() == &image)
             continue;
-        const std::vector<point3_t> &positions = *image.geometry.positions;
-        if (!has_numbers(image.record.centre) ||
+        const std::vector<point3_t> &positions = *image.geometry->positions;
+        if (!has_numbers(image.centre) ||
             !std::all_of(positions.begin(), positions.end(), has_numbers))
             return false;
     }
