@@ -201,6 +201,7 @@ bool draw_view(int view, int width, int height, double seconds, bool in_full)
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
     picture.layers = state.budget.choose(quick, is_orthographic(view));
     choose_detail(picture.scene, picture.layers.detail);
+    picture.scene.in_motion = quick;
     picture.layers.boxes_only = state.distrusted;
     // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
@@ -243,6 +244,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     if (!unfinished.scene->complete)
         return draw_view(view, width, height, seconds, false);
     choose_detail(*unfinished.scene, 0);
+    unfinished.scene->in_motion = false;
     picture_t picture = begin_picture(view, width, height, *unfinished.scene);
     picture.costs = &unfinished.costs;
     picture.layers = state.budget.choose(false, is_orthographic(view));

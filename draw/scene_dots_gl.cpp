@@ -1,6 +1,7 @@
 #include "draw/scene_dots_gl.h"
 
 #include "draw/crowding_gl.h"
+#include "draw/selected_parts_gl.h"
 
 #include <algorithm>
 #include <utility>
@@ -46,5 +47,8 @@ scene_t largest_items(const scene_t &scene, double share)
         found.items.push_back(item);
         room -= item.buffers->edges.count;
     }
+    for (const scene_item_t &item : found.items)
+        found.selected_elements += num_selected_elements(item);
+    found.in_motion = scene.in_motion;
     return found;
 }

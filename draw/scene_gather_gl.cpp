@@ -2,6 +2,7 @@
 
 #include "base/prefs.h"
 #include "base/ui_port.h"
+#include "draw/selected_parts_gl.h"
 #include "edit/boolean_live.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
@@ -161,6 +162,7 @@ void take_parts(gather_t &gather)
     const bool live = boolean_live_runs();
     scene.dots.clear();
     scene.selected_dots.clear();
+    scene.selected_elements = 0;
     const colour_t colour = colour_of(prefs.col_selline);
     auto dot = gather.dots.begin();
     for (std::size_t i = 0; i < scene.items.size(); ++i) {
@@ -169,6 +171,7 @@ void take_parts(gather_t &gather)
         // Places in the object's own mesh, of which another is shown.
         if (live && item.part != nullptr && !item.part->whole && boolean_live_shown(item.object))
             item.part = nullptr;
+        scene.selected_elements += num_selected_elements(item);
         const bool whole = item.part != nullptr && item.part->whole;
         std::vector<coloured_vertex_t> &out = whole ? scene.selected_dots : scene.dots;
         const auto end = dot + gather.num_dots[i];
