@@ -10,10 +10,10 @@ namespace eval ::vesk::objects {
     variable told 0             ;# number of the last answer of "object_rows_begin"
     variable coming 0           ;# how many rows it has
     variable taken 0            ;# how many of them were taken over
-    variable clearing {}        ;# parents whose rows go before these are made
-    variable cleared 0          ;# how many of these parents had their turn
-    variable leaving {}         ;# rows of the last one
-    variable gone 0             ;# how many of these went
+    variable leaving {}         ;# rows that go before these are made
+    variable gone 0             ;# how many of these had their turn
+    variable leaving_above {}   ;# those of them with others below them, which go last
+    variable insert_at {}       ;# parent -> the place of the next row below it, where that is not the last
     variable made 0             ;# how many rows were made
     variable above {}           ;# id -> 1, of rows with others below them
     variable fill_state {}      ;# {wanted first_time world top} while rows are made anew; else they change
