@@ -255,6 +255,12 @@ TEST(DrawBudget, GuessesTheCostOfASceneThatIsMuchLargerThanThoseItKnows)
     }
     budget.expect(1.1e6); // what was measured counts
     EXPECT_LT(budget.full_cost(), slow_picture);
+    const double measured = budget.full_cost();
+    budget.expect(2e6); // everything was doubled
+    EXPECT_NEAR(budget.full_cost(), 2 * measured, 1e-6);
+    budget.expect(2e6);
+    budget.expect(1.5e6); // once
+    EXPECT_NEAR(budget.full_cost(), 2 * measured, 1e-6);
 }
 
 } // namespace
