@@ -29,6 +29,7 @@ namespace eval ::vesk::objects {
     variable filtered 0         ;# only the rows that match the filter are there
     variable surfaces 0         ;# of all objects, as the list shows them
     variable strip_pending 0
+    variable first_box {}       ;# {height of rows, box of the first one in sight}
     variable drag ""            ;# {row x y started target} while rows may be dragged
     variable marked {}          ;# id -> 1: rows with the icon for selected ones
     # More rows than these are made piece by piece, the window lives meanwhile.

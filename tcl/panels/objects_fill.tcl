@@ -112,7 +112,7 @@ proc ::vesk::objects::fill_rows {count} {
         $tree tag configure $type -image [::vesk::icons::get $icon dim]
         $tree tag configure $type-active -image [::vesk::icons::get $icon active]
     }
-    change_all [dict keys $rows] 0 $count {} $wanted
+    change_all [dict keys $rows] 0 $count {} $wanted [lindex [$tree yview] 0]
 }
 
 # edit_rows --
@@ -121,7 +121,7 @@ proc ::vesk::objects::edit_rows {before from count ids others places} {
     variable told
     foreach row $others {change_rows [vesk object_rows_part $told $row 1]}
     note_open
-    change_all $ids $from $count $places ""
+    change_all $ids $from $count $places "" ""
 }
 
 # change_all --
@@ -130,8 +130,8 @@ proc ::vesk::objects::edit_rows {before from count ids others places} {
 #   from    the first that comes, in the executable's answer; `count` of them
 #   places  parents, and the place of the first that comes among the rows below them; none: the last
 #   wanted  what their names are to have, in lower case
-proc ::vesk::objects::change_all {ids from count places wanted} {
-    variable tree
+#   top     where the list stands, as a share; "" where it stays there by itself
+proc ::vesk::objects::change_all {ids from count places wanted top} {
     variable open
     variable coming
     variable taken $from
@@ -141,8 +141,7 @@ proc ::vesk::objects::change_all {ids from count places wanted} {
     variable insert_at $places
     variable fill_state
     fit_numbers
-    set fill_state [list $wanted [expr {[dict size $open] == 0}] [vesk get_world] \
-        [lindex [$tree yview] 0]]
+    set fill_state [list $wanted [expr {[dict size $open] == 0}] [vesk get_world] $top]
     set coming [expr {$from + $count}]
     note_selection
     take_rows
@@ -236,8 +235,9 @@ proc ::vesk::objects::filled {} {
     variable rows
     variable at_once
     variable insert_at {}
-    # Who has scrolled meanwhile stays there.
-    if {[lindex [$tree yview] 0] == 0} {$tree yview moveto [lindex $fill_state 3]}
+    # Who has scrolled meanwhile stays there. The tree counts its rows for the answer.
+    set top [lindex $fill_state 3]
+    if {$top ne "" && [lindex [$tree yview] 0] == 0} {$tree yview moveto $top}
     set fill_state {}
     show_empty
     if {[dict size $rows] > $at_once} {

@@ -39,11 +39,17 @@ proc ::vesk::objects::visible_rows {} {
     variable rows
     set height [winfo height $tree]
     set found {}
+    variable first_box
     set id [$tree identify row 5 2]
     if {$id eq ""} {return {}}
-    # The tree counts from its first row to that of a box, so only one is asked for.
-    lassign [$tree bbox $id] x0 y0 w0 h0
-    if {$y0 eq ""} {return {}}
+    # The tree counts from its first row to that of a box, so one is asked for, while rows are as high.
+    set row_height [ttk::style lookup Treeview -rowheight]
+    if {![dict exists $first_box $row_height]} {
+        set box [$tree bbox $id]
+        if {$box eq ""} {return {}}
+        set first_box [dict create $row_height $box]
+    }
+    lassign [dict get $first_box $row_height] x0 y0 w0 h0
     # The list does not draw a row that is not wholly visible.
     while {$id ne "" && $y0 + $h0 <= $height} {
         if {[dict exists $rows $id]} {dict set found $id [list $y0 [expr {$y0 + $h0}]]}
