@@ -143,6 +143,7 @@ private:
                        [](const auto &at) { return at.object; });
         std::vector<object_t *> changed;
         const bool known = changed_objects_take(&changed);
+        known_.interrupted = true; // until the end
         std::vector<char> marked(size(), known ? 0 : 1);
         for (const object_t *object : changed) {
             if (const int place = known_.place_of(object); place >= 0)
