@@ -68,7 +68,9 @@ void draw_budget::expect(double num_vertices)
     }
     constexpr double much_more = 1.25;
     if (num_vertices > much_more * num_vertices_ && num_vertices <= 2 * num_vertices_) {
-        const double factor = num_vertices / num_vertices_;
+        // The first pictures of more pay for memory that the driver has not used yet.
+        constexpr double first_touch = 2;
+        const double factor = first_touch * num_vertices / num_vertices_;
         for (const draw_layer layer : {draw_layer::fill, draw_layer::edges, draw_layer::vertices})
             costs_[static_cast<std::size_t>(layer)] *= factor;
         scale_taken(factor);
