@@ -36,6 +36,8 @@ struct scene_t {
     std::vector<std::size_t> large = {};     // items that may be drawn in another detail than 0
     double other_edges = 0;                  // of those that are not
     double num_vertices = 0;                 // of what is not hidden
+    std::size_t selected_elements = 0;       // vertices, surfaces and edges of the items' parts
+    bool in_motion = false;                  // of many selected elements some are enough
     // Some vertices of the items that are not large, in their colours; what is selected as a whole apart.
     std::vector<coloured_vertex_t> dots = {}, selected_dots = {};
 };

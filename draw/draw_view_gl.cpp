@@ -79,9 +79,11 @@ void ask_workers(const scene_t &scene)
 }
 
 // The model as it is now; null when it needs more time.
-std::shared_ptr<scene_t> scene_of(view_state_t &state, draw_pace pace)
+std::shared_ptr<scene_t> scene_of(view_state_t &state, draw_pace pace, bool in_full)
 {
-    const double seconds = pace == draw_pace::at_rest ? slice_seconds : no_limit;
+    const double seconds = in_full                      ? no_limit
+                           : pace == draw_pace::at_rest ? slice_seconds
+                                                        : frame_budget;
     const auto scene =
         is_distrusted(state) ? std::make_shared<scene_t>() : gather_scene(pace, seconds);
     if (scene == nullptr)
@@ -118,7 +120,7 @@ void begin_unfinished(view_state_t &state)
 {
     unfinished_t &unfinished = state.unfinished;
     unfinished = {};
-    unfinished.scene = scene_of(state, draw_pace::at_rest);
+    unfinished.scene = scene_of(state, draw_pace::at_rest, false);
     if (unfinished.scene == nullptr)
         return;
     unfinished.changes = model_change_count();
@@ -190,7 +192,7 @@ bool draw_view(int view, int width, int height, double seconds, bool in_full)
     const draw_pace pace = anything_moves(seconds) ? draw_pace::moving
                            : in_full               ? draw_pace::at_once
                                                    : draw_pace::at_rest;
-    const std::shared_ptr<scene_t> scene = scene_of(state, pace);
+    const std::shared_ptr<scene_t> scene = scene_of(state, pace, in_full);
     if (scene == nullptr) {
         state.partial = true;
         return false;
@@ -201,6 +203,7 @@ bool draw_view(int view, int width, int height, double seconds, bool in_full)
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
     picture.layers = state.budget.choose(quick, is_orthographic(view));
     choose_detail(picture.scene, picture.layers.detail);
+    picture.scene.in_motion = quick;
     picture.layers.boxes_only = state.distrusted;
     // The first picture of a size is quick; it is drawn again when the size stays.
     const bool resized = width != state.width || height != state.height;
@@ -243,6 +246,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     if (!unfinished.scene->complete)
         return draw_view(view, width, height, seconds, false);
     choose_detail(*unfinished.scene, 0);
+    unfinished.scene->in_motion = false;
     picture_t picture = begin_picture(view, width, height, *unfinished.scene);
     picture.costs = &unfinished.costs;
     picture.layers = state.budget.choose(false, is_orthographic(view));

@@ -1,6 +1,7 @@
 #include "draw/scene_dots_gl.h"
 
 #include "draw/crowding_gl.h"
+#include "draw/selected_parts_gl.h"
 
 #include <algorithm>
 #include <utility>
@@ -8,15 +9,31 @@
 namespace {
 
 constexpr double smallest = 2; // pixels of radius: less is no more than a dot
+constexpr std::size_t most_dots = 30000;
+
+// Every so many of them, where there are more than a quick picture has time for.
+void draw_some(const std::vector<coloured_vertex_t> &dots, std::size_t stride)
+{
+    if (stride == 1) {
+        draw_coloured(GL_POINTS, dots);
+        return;
+    }
+    std::vector<coloured_vertex_t> some;
+    some.reserve(dots.size() / stride + 1);
+    for (std::size_t i = 0; i < dots.size(); i += stride)
+        some.push_back(dots[i]);
+    draw_coloured(GL_POINTS, some);
+}
 
 } // namespace
 
 void draw_dots(const scene_t &scene)
 {
+    const std::size_t stride = (scene.dots.size() + scene.selected_dots.size()) / most_dots + 1;
     glPointSize(2);
-    draw_coloured(GL_POINTS, scene.dots);
+    draw_some(scene.dots, stride);
     const pending_place_t place;
-    draw_coloured(GL_POINTS, scene.selected_dots);
+    draw_some(scene.selected_dots, stride);
 }
 
 scene_t largest_items(const scene_t &scene, double share)
@@ -46,5 +63,8 @@ scene_t largest_items(const scene_t &scene, double share)
         found.items.push_back(item);
         room -= item.buffers->edges.count;
     }
+    for (const scene_item_t &item : found.items)
+        found.selected_elements += num_selected_elements(item);
+    found.in_motion = scene.in_motion;
     return found;
 }

@@ -2,6 +2,7 @@
 
 #include "base/prefs.h"
 #include "base/ui_port.h"
+#include "draw/selected_parts_gl.h"
 #include "edit/boolean_live.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
@@ -17,6 +18,8 @@ namespace {
 
 constexpr std::uint32_t vertices_per_dot = 16;
 constexpr int objects_between_looks = 64; // at the clock
+// Seconds: the views ask one after the other without an event between.
+constexpr double between_turns = 0.004;
 
 struct gather_t {
     std::shared_ptr<scene_t> scene;
@@ -26,6 +29,7 @@ struct gather_t {
     draw_pace pace = draw_pace::at_once;
     bool uploads = false; // all was looked at, but not all is handed over
     int beginnings = 0;   // since there was a whole scene
+    double turn_ended = 0;
     // What it shows.
     std::uint64_t changes = 0;
     unsigned layouts = 0;
@@ -161,6 +165,7 @@ void take_parts(gather_t &gather)
     const bool live = boolean_live_runs();
     scene.dots.clear();
     scene.selected_dots.clear();
+    scene.selected_elements = 0;
     const colour_t colour = colour_of(prefs.col_selline);
     auto dot = gather.dots.begin();
     for (std::size_t i = 0; i < scene.items.size(); ++i) {
@@ -169,6 +174,7 @@ void take_parts(gather_t &gather)
         // Places in the object's own mesh, of which another is shown.
         if (live && item.part != nullptr && !item.part->whole && boolean_live_shown(item.object))
             item.part = nullptr;
+        scene.selected_elements += num_selected_elements(item);
         const bool whole = item.part != nullptr && item.part->whole;
         std::vector<coloured_vertex_t> &out = whole ? scene.selected_dots : scene.dots;
         const auto end = dot + gather.num_dots[i];
@@ -201,21 +207,30 @@ std::shared_ptr<scene_t> gather_scene(draw_pace pace, double seconds)
 {
     gather_t &gather = gathered;
     if (!is_current(gather, pace)) {
+        const bool changed = gather.scene == nullptr || gather.changes != model_change_count();
         begin(gather, pace);
-        ++gather.beginnings;
+        gather.beginnings = std::max(gather.beginnings + (changed ? 1 : 0), 1);
     }
     if (!gather.stack.empty()) {
-        // Twice the time at each new beginning: what changes again and again is shown, too.
+        // Twice the time at each new beginning: what changes again and again is shown, too. While something
+        // moves the time stays what was found to be enough.
         constexpr int most_doublings = 10;
         const double time = seconds * (1 << std::min(gather.beginnings - 1, most_doublings));
-        if (!go_on(gather, ui_port().now_seconds() + time))
+        const double now = ui_port().now_seconds();
+        const bool in_turns = pace != draw_pace::at_once && seconds < 1;
+        if (in_turns && now >= gather.turn_ended && now < gather.turn_ended + between_turns)
+            return nullptr;
+        const bool whole = go_on(gather, now + time);
+        gather.turn_ended = whole ? 0 : ui_port().now_seconds();
+        if (!whole)
             return nullptr;
         buffers_sweep();
         gather.uploads = pace == draw_pace::at_rest;
     }
     if (gather.uploads && !hand_over(gather, ui_port().now_seconds() + seconds))
         return nullptr;
-    gather.beginnings = 0;
+    if (pace != draw_pace::moving)
+        gather.beginnings = 0;
     buffers_take_some_coarse();
     take_parts(gather);
     return gather.scene;

@@ -138,7 +138,73 @@ private:
     std::vector<std::uint32_t> slots_;
 };
 
+// Of the selected elements of all items together every so many, as their lists have them: nothing is prepared
+// for a picture that comes once. Of triangles none.
+class sample_t {
+public:
+    sample_t(GLenum mode, std::size_t count) : mode_(mode), stride_(count / most_in_motion + 1) {}
+
+    std::span<const std::uint32_t> of(const scene_item_t &item)
+    {
+        slots_.clear();
+        const selected_part_t &part = *item.part;
+        if (mode_ == GL_POINTS && part.edges.empty())
+            next(part.vertices.size(), [&](std::size_t i) { add(item, part.vertices[i]); });
+        if (mode_ == GL_LINES) {
+            next(part.edges.size() / 2,
+                 [&](std::size_t i) { add(item, part.edges[2 * i], part.edges[2 * i + 1]); });
+            next(part.surfaces.size(), [&](std::size_t i) { add_outline(item, part.surfaces[i]); });
+        }
+        return slots_;
+    }
+
+private:
+    template <class Take>
+    void next(std::size_t count, Take &&take)
+    {
+        for (; at_ < count; at_ += stride_)
+            take(at_);
+        at_ -= count;
+    }
+    void add(const scene_item_t &item, int vertex)
+    {
+        if (vertex < item.buffers->flat->num_vertices())
+            slots_.push_back(item.buffers->first_slot + static_cast<std::uint32_t>(vertex));
+    }
+    void add(const scene_item_t &item, int a, int b)
+    {
+        const int count = item.buffers->flat->num_vertices();
+        if (a >= count || b >= count)
+            return;
+        add(item, a);
+        add(item, b);
+    }
+    void add_outline(const scene_item_t &item, int surface)
+    {
+        const flat_mesh &flat = *item.buffers->flat;
+        if (surface >= flat.num_surfaces())
+            return;
+        const std::span<const std::int32_t> corners = flat.surface_corners(surface);
+        const bool closed = flat.surface(surface).type != SURFACE_LINE;
+        for (std::size_t i = 0; i + (closed ? 0 : 1) < corners.size(); ++i)
+            add(item, corners[i], corners[(i + 1) % corners.size()]);
+    }
+
+    GLenum mode_;
+    std::size_t stride_;
+    std::size_t at_ = 0; // of the item's list
+    std::vector<std::uint32_t> slots_;
+};
+
 } // namespace
+
+std::size_t num_selected_elements(const scene_item_t &item)
+{
+    const selected_part_t *part = item.part;
+    return part == nullptr || part->whole
+               ? 0
+               : part->vertices.size() + part->surfaces.size() + part->edges.size() / 2;
+}
 
 bool has_selected_part(const scene_item_t &item)
 {
@@ -151,6 +217,8 @@ void draw_selected_parts(const scene_t &scene, GLenum mode,
                          const std::function<bool(const scene_item_t &)> &wanted)
 {
     constexpr std::size_t items_in_part = 1024;
+    const bool some = scene.in_motion && scene.selected_elements > 2 * most_in_motion;
+    sample_t sample(mode, scene.selected_elements);
     for (std::size_t first = 0; first < scene.items.size(); first += items_in_part) {
         const slice_part_t part;
         const std::size_t end =
@@ -160,6 +228,10 @@ void draw_selected_parts(const scene_t &scene, GLenum mode,
             const scene_item_t &item = scene.items[i];
             if (!has_selected_part(item) || !wanted(item))
                 continue;
+            if (some) {
+                neighbours.add(*item.buffers->page, sample.of(item));
+                continue;
+            }
             const std::vector<std::uint32_t> &slots = part_slots(item).*list;
             if (item.detail > 0 && slots.size() > 2 * most_in_motion)
                 neighbours.add(*item.buffers->page, sample_of(slots, mode));

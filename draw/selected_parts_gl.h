@@ -16,9 +16,11 @@ struct part_slots_t {
 };
 
 bool has_selected_part(const scene_item_t &item);
+// Of one that is not selected as a whole.
+std::size_t num_selected_elements(const scene_item_t &item);
 
-// Of every object that is selected in part one list of slots, where `wanted` says so. Of a long list in a
-// coarse picture only some are drawn, and no triangles. Parts of a slice by themselves.
+// Of every object that is selected in part one list of slots, where `wanted` says so. Where there are many, a
+// coarse or quick picture has only some of them, and no triangles. Parts of a slice by themselves.
 void draw_selected_parts(
     const scene_t &scene, GLenum mode, std::vector<std::uint32_t> part_slots_t::*list,
     const std::function<bool(const scene_item_t &)> &wanted = [](const scene_item_t &) {

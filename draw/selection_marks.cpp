@@ -1,7 +1,7 @@
 #include "draw/selection_marks.h"
 
 #include "edit/document/selection_internal.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/owners.h"
 
@@ -15,7 +15,8 @@ struct marks_t {
     std::unordered_set<const object_t *> whole;
     std::unordered_map<object_t *, selected_part_t> parts; // with elements
     unsigned selection_count = ~0u;
-    std::uint64_t tree_count = ~0ull;
+    std::uint64_t link_count = ~0ull;
+    std::uint64_t model_count = ~0ull; // when the places were last compared
     unsigned generation = 0;
 };
 
@@ -81,10 +82,10 @@ bool is_outdated(const marks_t &state)
 void refresh(marks_t &state, bool outdated = false)
 {
     if (!outdated && state.selection_count == selection_change_count() &&
-        state.tree_count == tree_change_count())
+        state.link_count == tree_link_count())
         return;
     state.selection_count = selection_change_count();
-    state.tree_count = tree_change_count();
+    state.link_count = tree_link_count();
     ++state.generation;
     collect(state);
 }
@@ -95,8 +96,11 @@ void selection_marks_update()
 {
     marks_t &state = marks();
     refresh(state);
+    if (state.model_count == model_change_count())
+        return;
     if (is_outdated(state))
         refresh(state, true);
+    state.model_count = model_change_count();
 }
 
 const selected_part_t *selected_part(object_t *object)

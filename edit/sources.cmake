@@ -117,6 +117,7 @@ target_sources(vesk_core PRIVATE
     edit/document/model_restore.cpp
     edit/document/model_state.cpp
     edit/document/modes.cpp
+    edit/document/object_image.cpp
     edit/document/scene_counts.cpp
     edit/document/select_made.cpp
     edit/document/selection.cpp

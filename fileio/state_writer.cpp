@@ -100,7 +100,7 @@ public:
     local_frame_t frame(int i)
     {
         const int parent = state_.entry(i).parent;
-        const object_t &record = state_.entry(i).image->record;
+        const object_t record = state_.entry(i).image->record();
         if (parent < 0) {
             own_ = {i, frame_of(&record, nullptr).rebuilt};
             return frame_of(&record, nullptr);
@@ -121,11 +121,11 @@ private:
         rebuilt_t frame = {{}, {0, 0, 0}};
         matrix_set_identity(frame.rotation);
         if (state_.entry(i).parent >= 0)
-            frame.centre = state_.entry(i).image->record.centre;
+            frame.centre = state_.entry(i).image->centre;
         for (; state_.entry(i).parent >= 0; i = state_.entry(i).parent) {
-            const object_t &record = state_.entry(i).image->record;
-            if (matrix_is_identity(record.rotation) == 0) {
-                matrix_copy(record.rotation, frame.rotation);
+            const object_image &image = *state_.entry(i).image;
+            if (matrix_is_identity(image.rotation) == 0) {
+                matrix_copy(image.rotation, frame.rotation);
                 break;
             }
         }
@@ -149,9 +149,10 @@ const char *text_of(const std::optional<std::string> &text)
 // A texture that was not found at load is kept as a property.
 const char *texture_of(const object_image &image)
 {
-    if (image.record.has_texture != 0)
-        return text_of(image.texture_file);
-    for (const property_image &prop : image.properties) {
+    const object_details &details = *image.details;
+    if (details.record.has_texture != 0)
+        return text_of(details.texture_file);
+    for (const property_image &prop : details.properties) {
         if (prop.name == missing_texture_property)
             return prop.value.c_str();
     }
@@ -170,12 +171,12 @@ void append_state(Out &out, const model_state &state)
     for (int i = 0; i < state.num_objects; ++i) {
         const state_entry &entry = state.entry(i);
         const object_image &image = *entry.image;
-        const flat_mesh &mesh = image.geometry;
+        const flat_mesh &mesh = *image.geometry;
         const local_frame_t frame = frames.frame(i);
-        append_object_header(
-            out, image.record,
-            {image.name.c_str(), text_of(image.url), text_of(image.data), texture_of(image)},
-            frame);
+        append_object_header(out, image.record(),
+                             {image.name.c_str(), text_of(image.details->url),
+                              text_of(image.details->data), texture_of(image)},
+                             frame);
         if (mesh.num_vertices() != 0) {
             append_count(out, "numvert", mesh.num_vertices());
             append_vertices(out, mesh, frame, 0, mesh.num_vertices());

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -20,8 +21,14 @@ struct marks_record {
     std::uint64_t stamps = 0;
     std::uint64_t model = 0;
     std::uint64_t tree = 0;
+    std::uint64_t links = 0; // of the tree
     std::uint64_t palette = 0;
     int unmarked = 0; // found by marks_check
+    // Objects made or marked since the list was taken; some may be gone.
+    std::vector<const object_t *> changed;
+    std::uint64_t list = 1;         // its number
+    bool list_is_whole = true;      // it did not grow beyond all bounds
+    std::uint64_t list_foreign = 0; // foreign_count() when it was begun
 };
 
 marks_record &record()
@@ -81,9 +88,24 @@ std::uint64_t record_sum(const object_t *object)
     return sum.sum();
 }
 
-void mark_state(object_state &state, unsigned aspects)
+void put_on_list(const object_t *object, object_state &state)
 {
     marks_record &marks = record();
+    if (state.listed == marks.list)
+        return;
+    state.listed = marks.list;
+    // Nobody takes the list where there is no history.
+    constexpr std::size_t some = 1000;
+    if (marks.changed.size() > some + 2 * marks.states.size())
+        marks.list_is_whole = false;
+    if (marks.list_is_whole)
+        marks.changed.push_back(object);
+}
+
+void mark_state(const object_t *object, object_state &state, unsigned aspects)
+{
+    marks_record &marks = record();
+    put_on_list(object, state);
     state.marks |= aspects;
     state.stamp = ++marks.stamps;
     ++marks.model;
@@ -146,6 +168,7 @@ void state_new(object_t *object)
     state.stamp = ++marks.stamps;
     marks.last = object;
     marks.last_state = &state;
+    put_on_list(object, state);
 }
 
 void state_forget(const object_t *object)
@@ -182,14 +205,37 @@ void state_resolve(const object_t *object, object_state &state)
     state.compared = now;
     const unsigned found = suspected(object, state);
     if (found != 0)
-        mark_state(state, found);
+        mark_state(object, state, found);
 }
 
-void object_mark(object_t *object, unsigned aspects) { mark_state(state_of(object), aspects); }
+bool changed_objects_take(std::vector<object_t *> *changed)
+{
+    marks_record &marks = record();
+    const bool known = marks.list_is_whole && marks.list_foreign == foreign_count();
+    for (const object_t *object : marks.changed) {
+        const auto alive = known ? marks.states.find(object) : marks.states.end();
+        // Of two objects that had the address one after the other, the second is there.
+        if (alive != marks.states.end() && std::exchange(alive->second.listed, 0) != 0)
+            changed->push_back(const_cast<object_t *>(object));
+    }
+    marks.changed.clear();
+    ++marks.list;
+    marks.list_is_whole = true;
+    marks.list_foreign = foreign_count();
+    return known;
+}
+
+std::uint64_t tree_link_count() { return record().links + foreign_count(); }
+
+void object_mark(object_t *object, unsigned aspects)
+{
+    mark_state(object, state_of(object), aspects);
+}
 
 void tree_mark()
 {
     ++record().tree;
+    ++record().links;
     ++record().model;
 }
 
@@ -219,19 +265,29 @@ void mark_all_suspect() { foreign_ran(); }
 int marks_check(const char *after)
 {
     int unmarked = 0;
+    static std::uint64_t links = 0, links_sum = 0;
+    checksum tree;
     for_each_object(vesk_get_world(), [&](object_t *object) {
+        tree.value(object);
+        tree.value(object->parent);
         object_state &state = state_of(object);
         state_resolve(object, state);
         const unsigned found = differences(object, state, true);
         if (found != 0) {
             console_printf("unmarked change in object '%s': %s, after %s\n", object->name,
                            aspect_names(found), after);
-            mark_state(state, found);
+            mark_state(object, state, found);
             ++unmarked;
         }
         object_flat(object); // for the next check to compare with
         object_stamp(object);
     });
+    if (links == tree_link_count() && links_sum != tree.sum()) {
+        console_printf("unmarked change of the tree, after %s\n", after);
+        ++unmarked;
+    }
+    links = tree_link_count();
+    links_sum = tree.sum();
     record().unmarked += unmarked;
     return unmarked;
 }

@@ -8,6 +8,7 @@
 #include "model/moved_vertices_internal.h"
 
 #include <functional>
+#include <vector>
 
 struct object_state {
     std::uint64_t stamp = 0;
@@ -18,6 +19,8 @@ struct object_state {
     std::shared_ptr<moved_positions> arrays; // of the motion that the flat mesh follows
     std::uint64_t record_sum = 0;            // of name, texts, frame, flags; when `record_summed`
     bool record_summed = false;
+    int place = -1; // in the newest state of the history, which says whether it is still so
+    std::uint64_t listed = 0; // the list of changed objects that it was put on last
 };
 
 void state_new(object_t *object);          // forgets what an earlier object of this address left
@@ -25,6 +28,12 @@ void state_forget(const object_t *object); // before the record is freed
 bool state_is_alive(const object_t *object);
 object_state &state_of(const object_t *object);
 void for_each_state(const std::function<void(const object_t *, object_state &)> &visit);
+
+// The objects that were made or marked since this was asked last; each once, in no order. False when only a
+// look at all objects tells. One asks: the history.
+bool changed_objects_take(std::vector<object_t *> *changed);
+// Grows when the links of the tree may have changed.
+std::uint64_t tree_link_count();
 
 // Compares an object that is suspect and was not compared since; marks the differences.
 void state_resolve(const object_t *object, object_state &state);

@@ -9,7 +9,7 @@
 template <class T>
 flat_array<T> flat_shared(std::vector<T> &&elements)
 {
-    return std::make_shared<const std::vector<T>>(std::move(elements));
+    return std::make_shared<const flat_vector<T>>(std::move(elements));
 }
 
 #endif

@@ -8,9 +8,11 @@
 
 #include "model/object.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 struct flat_uv {
@@ -32,8 +34,17 @@ struct flat_surface {
     bool operator==(const flat_surface &) const = default;
 };
 
+// The elements of an array; how many images of the history hold it stands beside them, so that the memory of
+// all images is counted without a look-up.
 template <class T>
-using flat_array = std::shared_ptr<const std::vector<T>>;
+struct flat_vector : std::vector<T> {
+    explicit flat_vector(std::vector<T> &&elements) noexcept : std::vector<T>(std::move(elements))
+    {
+    }
+    mutable std::atomic<int> images = 0;
+};
+template <class T>
+using flat_array = std::shared_ptr<const flat_vector<T>>;
 
 struct flat_mesh {
     // one element a vertex, in list order

@@ -52,7 +52,7 @@ const std::vector<std::int32_t> *moved_between(const flat_array<point3_t> &befor
 
 struct moved_positions::give_back_t {
     std::shared_ptr<moved_positions> arrays;
-    void operator()(std::vector<point3_t> *array) const { arrays->give_back(array_t(array)); }
+    void operator()(flat_vector<point3_t> *array) const { arrays->give_back(array_t(array)); }
 };
 
 const moved_positions *moved_positions::of(const flat_array<point3_t> &positions)
@@ -70,10 +70,10 @@ flat_array<point3_t> moved_positions::read(const flat_array<point3_t> &before)
 {
     array_t array = spare();
     if (array == nullptr)
-        array = std::make_unique<std::vector<point3_t>>(*before);
+        array = std::make_unique<flat_vector<point3_t>>(std::vector(*before));
     for (const std::int32_t number : moved_->numbers)
         (*array)[number] = (*moved_->records)[number]->position;
-    return std::shared_ptr<std::vector<point3_t>>(array.release(), give_back_t{shared_from_this()});
+    return flat_array<point3_t>(array.release(), give_back_t{shared_from_this()});
 }
 
 moved_positions::array_t moved_positions::spare()

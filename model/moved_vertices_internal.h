@@ -24,13 +24,13 @@ public:
     static const moved_positions *of(const flat_array<point3_t> &positions);
 
 private:
-    using array_t = std::unique_ptr<std::vector<point3_t>>;
+    using array_t = std::unique_ptr<flat_vector<point3_t>>;
     struct give_back_t;
     array_t spare();
     void give_back(array_t array);
 
     const moved_ptr moved_;
-    const std::weak_ptr<const std::vector<point3_t>> first_;
+    const std::weak_ptr<const flat_vector<point3_t>> first_;
     std::mutex mutex_;
     std::vector<array_t> spares_;
     bool ended_ = false;

@@ -88,11 +88,17 @@ bool has_numbers(const point3_t &p)
 bool new_parts_have_numbers(const model_state &now, const model_state &before)
 {
     for (int i = 0; i < now.num_objects; ++i) {
+        const auto block = static_cast<std::size_t>(i / model_state::block_size);
+        if (i % model_state::block_size == 0 && block < before.blocks.size() &&
+            now.blocks[block] == before.blocks[block]) {
+            i += model_state::block_size - 1;
+            continue;
+        }
         const object_image &image = *now.entry(i).image;
         if (i < before.num_objects && before.entry(i).image.get() == &image)
             continue;
-        const std::vector<point3_t> &positions = *image.geometry.positions;
-        if (!has_numbers(image.record.centre) ||
+        const std::vector<point3_t> &positions = *image.geometry->positions;
+        if (!has_numbers(image.centre) ||
             !std::all_of(positions.begin(), positions.end(), has_numbers))
             return false;
     }

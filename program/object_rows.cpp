@@ -36,6 +36,18 @@ struct row_t {
 
 constexpr std::size_t no_row = static_cast<std::size_t>(-1);
 
+// How rows come from those of the answer before, where most of them stay as they are: some go, some come in
+// one place. `possible` says whether it is so.
+struct edit_t {
+    bool possible = false;
+    int before = 0;                  // the number of that answer
+    std::size_t from = 0, count = 0; // those that come
+    std::vector<int> gone;           // ids
+    std::vector<std::size_t> others; // rows that stay and differ in names, flags or sums
+    std::vector<std::pair<int, int>>
+        at; // parents, and the place among their children of the first that comes
+};
+
 struct told_t {
     int number = 0;
     std::uint64_t identities = 0;   // identity_change_count()
@@ -43,6 +55,7 @@ struct told_t {
     std::vector<std::size_t> above; // the row of each row's parent
     std::vector<int> changed;       // those that differed from the answer before
     int hidden = 0, locked = 0;
+    edit_t edit;
 };
 told_t &told()
 {
@@ -105,12 +118,110 @@ told_t rows_now()
     return now;
 }
 
+bool same_place(const row_t &a, const row_t &b)
+{
+    return a.id == b.id && a.parent_id == b.parent_id && a.type == b.type;
+}
+
+bool same_content(const row_t &a, const row_t &b)
+{
+    return a.surfaces == b.surfaces && a.flags == b.flags && a.name == b.name;
+}
+
 bool same_places(const std::vector<row_t> &a, const std::vector<row_t> &b)
 {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const row_t &x, const row_t &y) {
-        return x.id == y.id && x.parent_id == y.parent_id && x.type == y.type;
-    });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same_place);
 }
+
+// Finds out how one answer comes from another: what both have at the beginning and at the end stays.
+class comparison {
+public:
+    comparison(const told_t &old, const told_t &now) : old_(old), now_(now)
+    {
+        const auto &a = old.rows, &b = now.rows;
+        const auto differ = std::mismatch(a.begin(), a.end(), b.begin(), b.end(), same_place);
+        first_ = static_cast<std::size_t>(differ.first - a.begin());
+        const std::size_t most = std::min(a.size(), b.size()) - first_;
+        while (last_ < most && same_place(a[a.size() - 1 - last_], b[b.size() - 1 - last_]))
+            ++last_;
+    }
+
+    edit_t edit() const
+    {
+        edit_t found;
+        found.before = old_.number;
+        found.from = first_;
+        found.count = now_.rows.size() - last_ - first_;
+        for (std::size_t i = first_; i < old_.rows.size() - last_; ++i)
+            found.gone.push_back(old_.rows[i].id);
+        found.possible =
+            first_ + last_ > 0 && !goes_with_others() && take_others(&found) && take_places(&found);
+        return found;
+    }
+
+private:
+    // Rows that stay below one that goes. They would follow it at once.
+    [[nodiscard]] bool goes_with_others() const
+    {
+        if (last_ == 0)
+            return false;
+        const std::size_t end = old_.rows.size() - last_;
+        std::size_t above = old_.above[end];
+        while (above != no_row && above >= end)
+            above = old_.above[above];
+        return above != no_row && above >= first_;
+    }
+
+    bool take_others(edit_t *found) const
+    {
+        constexpr std::size_t most = 100;
+        const std::size_t end = now_.rows.size() - last_;
+        for (std::size_t i = 0; i < now_.rows.size() && found->others.size() <= most; ++i) {
+            if (i == first_)
+                i = end;
+            if (i == now_.rows.size())
+                break;
+            const std::size_t old = i < first_ ? i : i + old_.rows.size() - now_.rows.size();
+            if (!same_content(now_.rows[i], old_.rows[old]))
+                found->others.push_back(i);
+        }
+        return found->others.size() <= most;
+    }
+
+    // Where the rows that come stand among those of parents that stay. Not for very many: the panel counts to
+    // the place of each.
+    bool take_places(edit_t *found) const
+    {
+        constexpr int most = 1000;
+        const std::size_t end = found->from + found->count;
+        int before_others = 0;
+        for (std::size_t i = found->from; i < end; ++i) {
+            const std::size_t above = now_.above[i];
+            if (above != no_row && above >= found->from)
+                continue; // of one that comes as well
+            const int parent = now_.rows[i].parent_id;
+            if (found->at.empty() || found->at.back().first != parent)
+                found->at.emplace_back(parent, place_below(parent));
+            if (found->at.back().second >= 0 && ++before_others > most)
+                return false;
+        }
+        return true;
+    }
+
+    // -1 for the end.
+    [[nodiscard]] int place_below(int parent) const
+    {
+        const auto is_below = [parent](const row_t &row) { return row.parent_id == parent; };
+        const auto begin = now_.rows.begin(), end = now_.rows.end();
+        if (std::none_of(end - static_cast<std::ptrdiff_t>(last_), end, is_below))
+            return -1;
+        return static_cast<int>(
+            std::count_if(begin, begin + static_cast<std::ptrdiff_t>(first_), is_below));
+    }
+
+    const told_t &old_, &now_;
+    std::size_t first_ = 0, last_ = 0; // rows that are the same at the beginning and at the end
+};
 
 // Whether the objects stand where the rows do that were told. Which rows differ in names and flags
 // alone is found out on the way: most changes are of few objects, and to look each of them up by its
@@ -150,6 +261,7 @@ bool take_changes(const std::vector<std::size_t> &noted)
         row.flags = flags;
         row.name = name_of(row.object);
     }
+    all.edit = {};
     all.changed.clear();
     if (own_changed) {
         const std::vector<int> sums = sums_of(all);
@@ -192,10 +304,11 @@ answer_t ask(int since)
     answer_t answer;
     answer.anew = since != told().number || !same_places(now.rows, told().rows);
     for (std::size_t i = 0; i < now.rows.size(); ++i) {
-        if (answer.anew || now.rows[i].surfaces != told().rows[i].surfaces ||
-            now.rows[i].flags != told().rows[i].flags || now.rows[i].name != told().rows[i].name)
+        if (answer.anew || !same_content(now.rows[i], told().rows[i]))
             now.changed.push_back(static_cast<int>(i));
     }
+    if (answer.anew && since == told().number && since != 0)
+        now.edit = comparison(told(), now).edit();
     answer.differs = answer.anew || !now.changed.empty();
     now.number = told().number + (answer.differs ? 1 : 0);
     if (!answer.differs)
@@ -241,6 +354,25 @@ void command_object_rows_part(int number, int from, int count)
         return;
     command_result_set(
         words_of(static_cast<std::size_t>(from), static_cast<std::size_t>(count)).c_str());
+}
+
+void command_object_rows_edit(int number)
+{
+    command_result_set("");
+    const edit_t &edit = told().edit;
+    if (number != told().number || !edit.possible)
+        return;
+    std::string text = std::to_string(edit.before) + " " + std::to_string(edit.from) + " " +
+                       std::to_string(edit.count) + " {";
+    for (const int id : edit.gone)
+        text += " " + std::to_string(id);
+    text += " } {";
+    for (const std::size_t row : edit.others)
+        text += " " + std::to_string(row);
+    text += " } {";
+    for (const auto &[parent, place] : edit.at)
+        text += " " + std::to_string(parent) + (place < 0 ? " end" : " " + std::to_string(place));
+    command_result_set((text + " }").c_str());
 }
 
 void command_selected_objects_part(int from, int count)

@@ -66,6 +66,17 @@ void draw_budget::expect(double num_vertices)
         }
         costs_[static_cast<std::size_t>(draw_layer::smoothing)] = 0; // its share is not known
     }
+    constexpr double much_more = 1.25;
+    if (num_vertices > much_more * num_vertices_ && num_vertices <= 2 * num_vertices_) {
+        // The first pictures of more pay for memory that the driver has not used yet.
+        constexpr double first_touch = 2;
+        const double factor = first_touch * num_vertices / num_vertices_;
+        for (const draw_layer layer : {draw_layer::fill, draw_layer::edges, draw_layer::vertices})
+            costs_[static_cast<std::size_t>(layer)] *= factor;
+        scale_taken(factor);
+        num_vertices_ = num_vertices;
+        full_elements_ = 0;
+    }
     if (num_vertices > 2 * num_vertices_ || num_vertices < num_vertices_ / 2) {
         num_vertices_ = num_vertices;
         taken_ = {};

@@ -51,7 +51,7 @@ public:
     void take_shares(const detail_shares_t &shares);
 
     // The size of the scene that is drawn next. For one that is much larger than any before it the
-    // costs are guessed until they are measured.
+    // costs are guessed until they are measured; for one that has grown they grow with it.
     void expect(double num_vertices);
 
     // The layers to draw: all at rest, and while moving those that fit, in the finest detail in which

@@ -16,6 +16,7 @@
 #include <system_error>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -49,7 +50,7 @@ private:
 
 struct kept_findings {
     mesh_key key;
-    bool asked_for; // since the last sweep
+    unsigned asked_in; // the sweep before which somebody asked for them last; 0 for nobody
     model_findings findings;
 };
 
@@ -74,6 +75,12 @@ struct job_t {
 struct record_t {
     findings_by_object kept;
     std::unique_ptr<job_t> job;
+    unsigned sweep = 1;
+    std::size_t asked = 0; // how many of the kept were asked for before this sweep
+    // The objects in the order of the last look at all of them, and what is kept of each. Who looks at them again
+    // finds most in this order, which is quicker than to look each of them up.
+    std::vector<std::pair<const object_t *, kept_findings *>> order;
+    std::size_t next = 0; // in `order`
 };
 record_t &record()
 {
@@ -83,17 +90,28 @@ record_t &record()
 
 void keep(const object_t *object, const flat_mesh &mesh, model_findings &&findings)
 {
-    record().kept.insert_or_assign(object,
-                                   kept_findings{mesh_key(mesh), true, std::move(findings)});
+    record().kept.insert_or_assign(object, kept_findings{mesh_key(mesh), 0, std::move(findings)});
+}
+
+kept_findings *entry_of(const object_t *object)
+{
+    record_t &all = record();
+    for (std::size_t i = all.next; i < std::min(all.next + 2, all.order.size());
+         ++i) { // one may be gone
+        if (all.order[i].first == object) {
+            all.next = i + 1;
+            return all.order[i].second;
+        }
+    }
+    const auto found = all.kept.find(object);
+    return found != all.kept.end() ? &found->second : nullptr;
 }
 
 // Null for none that hold any more.
 kept_findings *known(object_t *object)
 {
-    const auto found = record().kept.find(object);
-    return found != record().kept.end() && found->second.key.is_of(*object_flat(object))
-               ? &found->second
-               : nullptr;
+    kept_findings *const entry = entry_of(object);
+    return entry != nullptr && entry->key.is_of(*object_flat(object)) ? entry : nullptr;
 }
 
 // Waits for the worker and keeps what it has found, whatever has become of the objects: what is gone or
@@ -109,11 +127,17 @@ void take_job()
     } catch (...) {
         failure = std::current_exception();
     }
-    if (!record().kept.empty()) {
+    record().order.clear();
+    // What was found last holds.
+    findings_by_object &kept = record().kept;
+    if (job->found.size() < kept.size() / 2) {
         for (const auto &[object, findings] : job->found)
-            record().kept.erase(object);
+            kept.erase(object);
+        kept.merge(job->found);
+    } else {
+        job->found.merge(kept);
+        kept.swap(job->found);
     }
-    record().kept.merge(job->found);
     if (failure)
         std::rethrow_exception(failure);
 }
@@ -125,8 +149,7 @@ void work_on(job_t &job)
         model_findings findings = mesh_find_problems(item.mesh, problems_shown, go_on);
         if (job.given_up)
             return;
-        job.found.emplace(item.object,
-                          kept_findings{mesh_key(*item.mesh), true, std::move(findings)});
+        job.found.emplace(item.object, kept_findings{mesh_key(*item.mesh), 0, std::move(findings)});
         ++job.done;
     }
 }
@@ -171,16 +194,25 @@ const model_findings &findings_of(object_t *object)
         keep(object, *mesh, mesh_find_problems(mesh, problems_shown, [] { return true; }));
         found = &record().kept.at(object);
     }
-    found->asked_for = true;
+    if (std::exchange(found->asked_in, record().sweep) != record().sweep)
+        ++record().asked;
     return found->findings;
 }
 
 void findings_sweep()
 {
-    auto &kept = record().kept;
-    for (auto entry = kept.begin(); entry != kept.end();)
-        entry =
-            std::exchange(entry->second.asked_for, false) ? std::next(entry) : kept.erase(entry);
+    record_t &all = record();
+    if (all.asked < all.kept.size()) {
+        constexpr int most = 20000; // those of others go at the next sweeps
+        int left = most;
+        all.order.clear();
+        std::erase_if(all.kept, [&](const auto &entry) {
+            return entry.second.asked_in != all.sweep && --left >= 0;
+        });
+    }
+    ++all.sweep;
+    all.asked = 0;
+    all.next = 0;
 }
 
 bool model_check_begin(object_t *top)
@@ -193,12 +225,19 @@ bool model_check_begin(object_t *top)
     }
     auto job = std::make_unique<job_t>();
     std::size_t size = 0;
+    record().next = 0;
+    std::vector<std::pair<const object_t *, kept_findings *>> order;
+    order.reserve(record().order.size());
     for_each_object(top, [&](object_t *object) {
-        if (known(object) != nullptr)
+        if (kept_findings *const entry = known(object); entry != nullptr) {
+            order.emplace_back(object, entry);
             return;
+        }
         job->items.push_back({object, object_flat(object)});
         size += job->items.back().mesh->positions->size() + job->items.back().mesh->corners->size();
     });
+    record().order = std::move(order);
+    record().next = 0;
     return size <= at_once || !start_job(std::move(job));
 }
 

@@ -8,7 +8,7 @@
 #include "edit/document/model_state_internal.h"
 #include "edit/document/selection_image.h"
 #include "model/alloc_internal.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/identity.h"
@@ -28,20 +28,13 @@ const char *c_text(const std::optional<std::string> &text)
 
 bool properties_match(const listitem *list, const std::vector<property_image> &images)
 {
-    std::size_t i = 0;
-    for (const vesk_prop_t *prop : each<vesk_prop_t>(list)) {
-        if (i == images.size() || images[i].name != prop->name || images[i].kind != prop->kind ||
-            images[i].value != prop->value)
-            return false;
-        ++i;
-    }
-    return i == images.size();
+    return (list == nullptr && images.empty()) || properties_equal(properties_of(list), images);
 }
 
 // Everything of the record but geometry and links.
 void write_record(object_t *object, const object_image &image)
 {
-    object_t fresh = image.record;
+    object_t fresh = image.record();
     fresh.name = object->name;
     fresh.data = object->data;
     fresh.url = object->url;
@@ -55,11 +48,11 @@ void write_record(object_t *object, const object_image &image)
     fresh.properties = object->properties;
     *object = fresh;
     text_set(&object->name, image.name.c_str());
-    text_set(&object->data, c_text(image.data));
-    text_set(&object->url, c_text(image.url));
-    if (!properties_match(object->properties, image.properties)) {
+    text_set(&object->data, c_text(image.details->data));
+    text_set(&object->url, c_text(image.details->url));
+    if (!properties_match(object->properties, image.details->properties)) {
         proplist_free(&object->properties);
-        for (const property_image &prop : image.properties) {
+        for (const property_image &prop : image.details->properties) {
             list_add_item(&object->properties,
                           vesk_new_prop(prop.name.c_str(), prop.kind.c_str(), prop.value.c_str()));
         }
@@ -98,27 +91,75 @@ public:
     // Whether nothing of the state had to be made anew.
     bool run(const selection_image *selection)
     {
-        find_targets();
-        const bool relink = !tree_is_same();
-        if (relink)
-            free_others();
-        for (int i = 0; i < state_->num_objects; ++i)
-            write_object(i);
-        if (relink)
-            link_tree();
+        if (has_known_tree()) {
+            write_differences();
+        } else {
+            find_targets();
+            const bool relink = !tree_is_same();
+            if (relink)
+                free_others();
+            for (int i = 0; i < state_->num_objects; ++i)
+                write_object(i);
+            if (relink)
+                link_tree();
+            note_objects();
+        }
         if (!known_.state || known_.state->palette != state_->palette ||
             known_.palette_count != palette_change_count())
             write_palette(*state_->palette);
         update_flags();
         note();
         if (selection != nullptr)
-            selection_image_restore(*selection, by_identity_);
+            selection_image_restore(*selection, by_identity());
         return kept_;
     }
 
 private:
     [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(state_->num_objects); }
     object_t *&target(int i) { return targets_[i]; }
+
+    // ---- the tree is that of the newest state, which tells where there is something to write ----
+
+    [[nodiscard]] bool has_known_tree() const
+    {
+        if (!known_.state || known_.interrupted || known_.world != vesk_get_world() ||
+            known_.link_count != tree_link_count() ||
+            known_.state->num_objects != state_->num_objects)
+            return false;
+        const auto same = [](const state_entry &a, const state_entry &b) {
+            return a.parent == b.parent && a.image->identity == b.image->identity;
+        };
+        for (std::size_t i = 0; i < state_->blocks.size(); ++i) {
+            const auto &a = state_->blocks[i], &b = known_.state->blocks[i];
+            if (a != b && !std::equal(a->begin(), a->end(), b->begin(), same))
+                return false;
+        }
+        return true;
+    }
+
+    void write_differences()
+    {
+        std::transform(known_.objects.begin(), known_.objects.end(), targets_.begin(),
+                       [](const auto &at) { return at.object; });
+        std::vector<object_t *> changed;
+        const bool known = changed_objects_take(&changed);
+        known_.interrupted = true; // until the end
+        std::vector<char> marked(size(), known ? 0 : 1);
+        for (const object_t *object : changed) {
+            if (const int place = known_.place_of(object); place >= 0)
+                marked[place] = 1;
+        }
+        for (int i = 0; i < state_->num_objects; ++i) {
+            const auto block = static_cast<std::size_t>(i / model_state::block_size);
+            if (marked[i] == 0 && (state_->blocks[block] == known_.state->blocks[block] ||
+                                   state_->entry(i).image == known_.state->entry(i).image))
+                continue;
+            write_object(i);
+            known_.objects[i].stamp = object_stamp(target(i));
+        }
+    }
+
+    // ---- any tree ----
 
     void find_targets()
     {
@@ -166,11 +207,9 @@ private:
 
     bool equals_image(const object_t *object, std::uint64_t stamp, const image_ptr &image)
     {
-        const auto place = known_.places.find(object);
-        if (!known_.state || place == known_.places.end())
-            return false;
-        return known_.objects[place->second].stamp == stamp &&
-               known_.state->entry(place->second).image == image;
+        const int place = known_.state ? known_.place_of(object) : -1;
+        return place >= 0 && known_.objects[place].stamp == stamp &&
+               known_.state->entry(place).image == image;
     }
 
     void write_object(int i)
@@ -182,13 +221,13 @@ private:
                 return;
         } else {
             kept_ = false;
-            object = new_object(image->record.type);
+            object = new_object(image->details->record.type);
             by_identity_[image->identity] = object;
         }
         if (identity_known(object) != image->identity)
             identity_assign(image->identity, object);
         write_record(object, *image);
-        kept_ &= object_write_geometry(object, image->geometry);
+        kept_ &= object_write_geometry(object, *image->geometry);
     }
 
     void link_tree()
@@ -221,24 +260,37 @@ private:
             ui_port().update_linked("objects_are_locked");
     }
 
+    void note_objects()
+    {
+        std::vector<object_t *> changed; // these are what was written
+        changed_objects_take(&changed);
+        std::vector<tracked_model::tracked_object> objects;
+        objects.reserve(size());
+        for (object_t *object : targets_)
+            objects.push_back({object, object_stamp(object)});
+        known_.set_objects(std::move(objects));
+    }
+
     // The model now equals the state.
     void note()
     {
         known_.state = state_;
-        known_.objects.clear();
-        known_.places.clear();
-        for (int i = 0; i < state_->num_objects; ++i) {
-            known_.objects.push_back({target(i), object_stamp(target(i))});
-            known_.places.emplace(target(i), i);
-        }
-        known_.world = vesk_get_world();
+        known_.interrupted = false;
         known_.model_count = model_change_count();
-        known_.tree_count = tree_change_count();
+        known_.link_count = tree_link_count();
         // Entries that were added since are still there: they are looked at again.
         const bool grown =
             state_->palette->size() < static_cast<std::size_t>(vesk_get_num_palette());
         known_.palette_count = palette_change_count() - (grown ? 1 : 0);
         known_.selection_count = selection_change_count() - 1; // the selection is looked at again
+    }
+
+    const objects_by_identity &by_identity()
+    {
+        const int end = by_identity_.empty() ? state_->num_objects : 0;
+        for (int i = 0; i < end; ++i)
+            by_identity_.emplace(state_->entry(i).image->identity, target(i));
+        return by_identity_;
     }
 
     tracked_model &known_ = tracked();

@@ -1,191 +1,20 @@
 #include "edit/document/model_state.h"
 
-#include "base/worker.h"
-#include "edit/document/following_normals.h"
-#include "edit/document/geometry_image.h"
 #include "edit/document/model_state_internal.h"
 #include "edit/document/selection_image.h"
-#include "model/change_marks.h"
+#include "model/change_marks_internal.h"
 #include "model/each.h"
-#include "model/identity.h"
-#include "model/normals_internal.h"
 #include "model/palette.h"
-#include "model/property.h"
-#include "model/textures/textures.h"
 #include "model/world.h"
 
 #include <algorithm>
-#include <atomic>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <mutex>
+#include <numeric>
+#include <utility>
 
 namespace {
-
-// ---- accounting ----
-
-struct image_accounts {
-    struct held_array {
-        std::size_t bytes;
-        int images;
-    };
-    std::mutex mutex; // a worker may drop the last reference to an image
-    std::unordered_map<const void *, held_array> arrays;
-    std::size_t bytes = 0;
-};
-
-image_accounts &accounts()
-{
-    static auto *const record = new image_accounts; // outlives the states that others keep
-    return *record;
-}
-
-template <class Visit>
-void for_each_array(const flat_mesh &geometry, Visit &&visit)
-{
-    const auto array = [&](const auto &elements) {
-        if (elements && !elements->empty()) {
-            visit(static_cast<const void *>(elements.get()),
-                  elements->size() * sizeof(elements->front()));
-        }
-    };
-    array(geometry.positions);
-    array(geometry.normals);
-    array(geometry.face_normals);
-    array(geometry.surfaces);
-    array(geometry.corner_offsets);
-    array(geometry.corners);
-    array(geometry.texture_coords);
-}
-
-// ---- images ----
-
-std::optional<std::string> optional_text(const char *text)
-{
-    return text ? std::optional<std::string>(text) : std::nullopt;
-}
-
-std::string plain_text(const char *text) { return text ? text : ""; }
-
-std::vector<property_image> properties_of(const listitem *list)
-{
-    std::vector<property_image> images;
-    for (const vesk_prop_t *prop : each<vesk_prop_t>(list))
-        images.push_back({plain_text(prop->name), plain_text(prop->kind), plain_text(prop->value)});
-    return images;
-}
-
-object_t plain_fields(const object_t &object)
-{
-    object_t record = object;
-    record.name = record.data = record.url = nullptr;
-    record.num_vertices = record.num_surfaces = record.num_children = 0;
-    record.vertices = record.surfaces = record.children = record.properties = nullptr;
-    record.parent = nullptr;
-    return record;
-}
-
-void images_hold(const flat_mesh &geometry)
-{
-    image_accounts &all = accounts();
-    const std::lock_guard lock(all.mutex);
-    for_each_array(geometry, [&](const void *array, std::size_t bytes) {
-        if (all.arrays.try_emplace(array, image_accounts::held_array{bytes, 0})
-                .first->second.images++ == 0)
-            all.bytes += bytes;
-    });
-}
-
-void images_release(const flat_mesh &geometry)
-{
-    image_accounts &all = accounts();
-    const std::lock_guard lock(all.mutex);
-    for_each_array(geometry, [&](const void *array, std::size_t) {
-        const auto held = all.arrays.find(array);
-        if (held != all.arrays.end() && --held->second.images == 0) {
-            all.bytes -= held->second.bytes;
-            all.arrays.erase(held);
-        }
-    });
-}
-
-bool same_bits(float a, float b)
-{
-    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
-}
-
-bool same_bits(const point3_t &a, const point3_t &b)
-{
-    return same_bits(a.x, b.x) && same_bits(a.y, b.y) && same_bits(a.z, b.z);
-}
-
-bool face_normals_follow(const flat_mesh &mesh)
-{
-    if (normals_are_known_to_follow(mesh))
-        return true;
-    std::atomic<bool> follow = true;
-    in_parallel_ranges(mesh.num_surfaces(), [&](int begin, int end) {
-        for (int i = begin; i < end && follow; ++i) {
-            if (!same_bits(mesh.face_normal(i), normal_of_corners(mesh, i)))
-                follow = false;
-        }
-    });
-    return follow;
-}
-
-image_ptr image_of(object_t *object, const object_image *before)
-{
-    auto image = std::make_shared<object_image>();
-    image->identity = object_identity(object);
-    image->record = plain_fields(*object);
-    image->name = plain_text(object->name);
-    image->data = optional_text(object->data);
-    image->url = optional_text(object->url);
-    if (object->has_texture != 0 && object->texture < vesk_get_num_textures())
-        image->texture_file = optional_text(texture_id_to_name(object->texture));
-    image->properties = properties_of(object->properties);
-    image->geometry = object_flat(object)->without_records();
-    flat_mesh &mesh = image->geometry;
-    // Derived face normals are not kept a second time. Those of the image before are known.
-    if (before && before->geometry.face_normals != mesh.face_normals && face_normals_follow(mesh))
-        mesh.face_normals = nullptr;
-    images_hold(mesh);
-    return image;
-}
-
-template <class T>
-bool same_array(const flat_array<T> &a, const flat_array<T> &b)
-{
-    return a == b ||
-           (a && b && a->size() == b->size() &&
-            (a->empty() || std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0));
-}
-
-bool images_near(const object_image &a, const object_image &b, float slack = 0);
-
-// Whether an object that was marked as changed is as it was, to the bit: a drag was taken back.
-// `face_normals` are those that `now` was made from.
-bool is_unchanged(const object_image &now, const flat_array<point3_t> &face_normals,
-                  const object_image &before)
-{
-    const flat_mesh &a = now.geometry, &b = before.geometry;
-    const bool same_faces =
-        b.face_normals ? same_array(face_normals, b.face_normals) : !a.face_normals;
-    return same_array(a.positions, b.positions) && same_array(a.normals, b.normals) && same_faces &&
-           std::memcmp(now.record.rotation, before.record.rotation, sizeof now.record.rotation) ==
-               0 &&
-           same_bits(now.record.centre, before.record.centre) && images_near(now, before);
-}
-
-bool properties_equal(const std::vector<property_image> &a, const std::vector<property_image> &b)
-{
-    const auto same = [](const property_image &x, const property_image &y) {
-        return x.name == y.name && x.kind == y.kind && x.value == y.value;
-    };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
-}
 
 bool materials_equal(const material_image &a, const material_image &b)
 {
@@ -196,7 +25,7 @@ bool materials_equal(const material_image &a, const material_image &b)
     const material &y = b.values;
     return same_bytes(x.diffuse, y.diffuse) && same_bytes(x.ambient, y.ambient) &&
            same_bytes(x.emissive, y.emissive) && same_bytes(x.specular, y.specular) &&
-           same_bits(x.shininess, y.shininess) && same_bits(x.transparency, y.transparency) &&
+           same_bytes(x.shininess, y.shininess) && same_bytes(x.transparency, y.transparency) &&
            x.extra_word == y.extra_word && a.name == b.name &&
            properties_equal(a.properties, b.properties);
 }
@@ -267,11 +96,12 @@ public:
     void run()
     {
         auto state = std::make_shared<model_state>();
+        const bool interrupted = std::exchange(known_.interrupted, true); // by a fault
         if (!known_.state || known_.world != vesk_get_world() ||
-            (known_.tree_count != tree_change_count() && !is_same_tree())) {
+            (known_.link_count != tree_link_count() && !is_same_tree())) {
             take_tree(state.get());
         } else {
-            take_changed(state.get());
+            take_changed(state.get(), interrupted);
         }
         if (!old_ || known_.palette_count != palette_change_count()) {
             state->palette = palette_image_take();
@@ -285,9 +115,10 @@ public:
         if (!old_ || *old_ != *state)
             known_.state = std::move(state);
         known_.model_count = model_change_count();
-        known_.tree_count = tree_change_count();
+        known_.link_count = tree_link_count();
         known_.palette_count = palette_change_count();
         known_.selection_count = selection_change_count();
+        known_.interrupted = false;
     }
 
 private:
@@ -296,17 +127,18 @@ private:
     {
         if (before && before_stamp == stamp)
             return before->image;
-        image_ptr image = image_of(object, before ? before->image.get() : nullptr);
+        image_ptr image = image_of(object, before ? before->image.get() : nullptr, alike_.get());
+        alike_ = image;
         if (before && is_unchanged(*image, object_flat(object)->face_normals, *before->image))
             return before->image;
-        if (!before || before->image->geometry.corners != image->geometry.corners ||
-            before->image->geometry.positions->size() != image->geometry.positions->size())
+        if (!before || before->image->geometry->corners != image->geometry->corners ||
+            before->image->geometry->positions->size() != image->geometry->positions->size())
             places_changed_ = true;
         return image;
     }
 
-    // Most marks of the tree are of a name or a frame: it has the same objects, in the same order and with the
-    // same parents, which is cheaper to see than to look each of them up.
+    // What is only suspected of other links has the same objects, in the same order and with the same
+    // parents, which is cheaper to see than to look each of them up.
     [[nodiscard]] bool is_same_tree() const
     {
         const auto &objects = known_.objects;
@@ -320,15 +152,33 @@ private:
         return other == nullptr && i == objects.size();
     }
 
+    // Ascending, each once.
+    std::vector<int> changed_places(bool all)
+    {
+        std::vector<object_t *> changed;
+        std::vector<int> places;
+        if (!changed_objects_take(&changed) || all) {
+            places.resize(known_.objects.size());
+            std::iota(places.begin(), places.end(), 0);
+            return places;
+        }
+        for (const object_t *object : changed) {
+            if (const int place = known_.place_of(object); place >= 0)
+                places.push_back(place);
+        }
+        if (!std::is_sorted(places.begin(), places.end()))
+            std::sort(places.begin(), places.end());
+        return places;
+    }
+
     // The same objects as before, in the same places.
-    void take_changed(model_state *state)
+    void take_changed(model_state *state, bool all)
     {
         state->num_objects = old_->num_objects;
         state->blocks = old_->blocks;
         std::shared_ptr<model_state::block> copy; // of the block that is being changed
-        for (int i = 0; i < old_->num_objects; ++i) {
-            if (i % model_state::block_size == 0)
-                copy = nullptr;
+        std::size_t copied = old_->blocks.size();
+        for (const int i : changed_places(all)) {
             tracked_model::tracked_object &at = known_.objects[i];
             const std::uint64_t stamp = object_stamp(at.object);
             if (stamp == at.stamp)
@@ -339,9 +189,10 @@ private:
             if (image == before.image)
                 continue;
             const auto block = static_cast<std::size_t>(i / model_state::block_size);
-            if (!copy) {
+            if (block != copied) {
                 copy = std::make_shared<model_state::block>(*old_->blocks[block]);
                 state->blocks[block] = copy;
+                copied = block;
             }
             (*copy)[i % model_state::block_size].image = std::move(image);
         }
@@ -349,31 +200,30 @@ private:
 
     void take_tree(model_state *state)
     {
+        std::vector<object_t *> changed; // all are looked at
+        changed_objects_take(&changed);
         places_changed_ = true;
         block_builder blocks(old_);
         std::vector<tracked_model::tracked_object> objects;
-        std::unordered_map<const object_t *, int> places;
+        std::vector<int> parents;
+        objects.reserve(known_.objects.size());
+        parents.reserve(known_.objects.size());
         for_each_object(vesk_get_world(), [&](object_t *object) {
             const std::uint64_t stamp = object_stamp(object);
-            const state_entry *before = nullptr;
-            std::uint64_t before_stamp = 0;
-            const auto place = known_.places.find(object);
-            if (place != known_.places.end()) {
-                before_stamp = known_.objects[place->second].stamp;
-                before = &old_->entry(place->second);
-            }
-            const auto parent = places.find(object->parent);
-            blocks.add({image_for(object, stamp, before, before_stamp),
-                        parent == places.end() ? -1 : parent->second,
-                        list_count(object->children)});
-            places.emplace(object, static_cast<int>(objects.size()));
+            const int place = known_.place_of(object);
+            const state_entry *before = place >= 0 ? &old_->entry(place) : nullptr;
+            // Depth first: the parent is the one before or above it.
+            auto parent = static_cast<int>(objects.size()) - 1;
+            while (parent >= 0 && objects[parent].object != object->parent)
+                parent = parents[parent];
+            blocks.add({image_for(object, stamp, before, before ? known_.objects[place].stamp : 0),
+                        parent, list_count(object->children)});
             objects.push_back({object, stamp});
+            parents.push_back(parent);
         });
         state->num_objects = static_cast<int>(objects.size());
         blocks.finish(state);
-        known_.objects = std::move(objects);
-        known_.places = std::move(places);
-        known_.world = vesk_get_world();
+        known_.set_objects(std::move(objects));
     }
 
     std::shared_ptr<const selection_image> take_selection()
@@ -387,92 +237,26 @@ private:
 
     tracked_model &known_;
     const model_state *old_;
+    image_ptr alike_;             // the last one that was made
     bool places_changed_ = false; // of vertices and surfaces in their lists, of objects in the tree
 };
 
-// ---- comparing ----
-
-// `slack` is the loss allowed at any scale; an infinite one allows every difference.
-bool near(float a, float b, float scale, float slack)
-{
-    if (same_bits(a, b) || std::isinf(slack))
-        return true;
-    return std::fabs(a - b) <= std::max(scale * 1e-5f, slack); // false for no number
-}
-
-float largest(const std::vector<point3_t> &points)
-{
-    float most = 1e-6f;
-    for (const point3_t &p : points)
-        most = std::max({most, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
-    return most;
-}
-
-bool near(const point3_t &a, const point3_t &b, float scale, float slack)
-{
-    return near(a.x, b.x, scale, slack) && near(a.y, b.y, scale, slack) &&
-           near(a.z, b.z, scale, slack);
-}
-
-bool positions_near(const std::vector<point3_t> &a, const std::vector<point3_t> &b, float slack)
-{
-    if (a.size() != b.size())
-        return false;
-    const float scale = std::max(largest(a), largest(b));
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (!near(a[i], b[i], scale, slack))
-            return false;
-    }
-    return true;
-}
-
-template <class T>
-bool arrays_equal(const flat_array<T> &a, const flat_array<T> &b)
-{
-    return a == b || *a == *b;
-}
-
-bool geometry_near(const flat_mesh &a, const flat_mesh &b, float slack)
-{
-    return arrays_equal(a.corner_offsets, b.corner_offsets) && arrays_equal(a.corners, b.corners) &&
-           arrays_equal(a.surfaces, b.surfaces) &&
-           arrays_equal(a.texture_coords, b.texture_coords) &&
-           (a.positions == b.positions || positions_near(*a.positions, *b.positions, slack));
-}
-
-bool frames_near(const object_t &a, const object_t &b, float slack)
-{
-    for (int i = 0; i < 9; ++i) {
-        if (!near(a.rotation[i], b.rotation[i], 1, 0))
-            return false;
-    }
-    const point3_t &p = a.centre;
-    const point3_t &q = b.centre;
-    const float scale = std::max(largest({p, q}), 1.0f);
-    return near(p, q, scale, slack);
-}
-
-bool images_near(const object_image &a, const object_image &b, float slack)
-{
-    const object_t &r = a.record;
-    const object_t &s = b.record;
-    return a.identity == b.identity && a.name == b.name && a.data == b.data && a.url == b.url &&
-           properties_equal(a.properties, b.properties) && r.type == s.type &&
-           r.visible == s.visible && r.locked == s.locked && r.has_texture == s.has_texture &&
-           r.texture == s.texture && r.texture_repeat_x == s.texture_repeat_x &&
-           r.texture_repeat_y == s.texture_repeat_y && r.texture_offset_x == s.texture_offset_x &&
-           r.texture_offset_y == s.texture_offset_y && frames_near(r, s, slack) &&
-           geometry_near(a.geometry, b.geometry, slack);
-}
-
 } // namespace
 
-object_image::~object_image() { images_release(geometry); }
-
-std::size_t model_state_bytes()
+int tracked_model::place_of(const object_t *object) const
 {
-    const std::lock_guard lock(accounts().mutex);
-    return accounts().bytes;
+    const int place = state_of(object).place;
+    const bool valid = place >= 0 && place < static_cast<int>(objects.size());
+    return valid && objects[place].object == object ? place : -1;
+}
+
+void tracked_model::set_objects(std::vector<tracked_object> &&all)
+{
+    objects = std::move(all);
+    int place = 0;
+    for (const tracked_object &at : objects)
+        state_of(at.object).place = place++;
+    world = vesk_get_world();
 }
 
 tracked_model &tracked()
@@ -493,6 +277,8 @@ state_ptr model_state_capture()
     return known.state;
 }
 
+std::size_t model_state_bytes() { return images_bytes(); }
+
 float model_state_reach(const model_state &state)
 {
     float reach = 0;
@@ -503,9 +289,9 @@ float model_state_reach(const model_state &state)
     };
     for (const auto &block : state.blocks) {
         for (const state_entry &entry : *block) {
-            look(entry.image->record.centre);
-            std::for_each(entry.image->geometry.positions->begin(),
-                          entry.image->geometry.positions->end(), look);
+            look(entry.image->centre);
+            const flat_mesh &geometry = *entry.image->geometry;
+            std::for_each(geometry.positions->begin(), geometry.positions->end(), look);
         }
     }
     return reach;
@@ -526,7 +312,7 @@ bool model_state_same(const model_state &a, const model_state &b)
             continue;
         if (x.parent != y.parent || x.num_children != y.num_children ||
             x.image->identity != y.image->identity ||
-            !is_unchanged(*x.image, x.image->geometry.face_normals, *y.image))
+            !is_unchanged(*x.image, x.image->geometry->face_normals, *y.image))
             return false;
     }
     return palettes_same(*a.palette, *b.palette);

@@ -6,35 +6,14 @@
 // one costs the objects that changed since the last, and their unchanged arrays are shared too.
 // Objects are named by their identities, elements of the selection by their places.
 
+#include "edit/document/object_image.h"
 #include "edit/document/selection_internal.h"
-#include "model/flat_mesh.h"
 #include "model/material.h"
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-struct property_image {
-    std::string name, kind, value;
-};
-
-struct object_image {
-    int identity = 0;
-    object_t record = {}; // the plain fields; its pointers and counts are zero
-    std::string name;
-    std::optional<std::string> data, url;
-    std::optional<std::string> texture_file; // of the texture table, when the object has one
-    std::vector<property_image> properties;
-    // Without records. Face normals are null when each follows from its corners.
-    flat_mesh geometry;
-
-    object_image() = default;
-    object_image(const object_image &) = delete;
-    object_image &operator=(const object_image &) = delete;
-    ~object_image();
-};
-using image_ptr = std::shared_ptr<const object_image>;
 
 struct state_entry {
     image_ptr image;

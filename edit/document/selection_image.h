@@ -5,6 +5,8 @@
 
 #include "edit/document/model_state_internal.h"
 
+#include <unordered_map>
+
 std::shared_ptr<const selection_image>
 selection_image_take(const std::vector<tracked_model::tracked_object> &objects);
 using objects_by_identity = std::unordered_map<int, object_t *>;

@@ -83,7 +83,8 @@ std::shared_ptr<const origin_t> origin_of(int identity)
         return nullptr;
     auto origin = std::make_shared<origin_t>();
     origin->image = image->second;
-    origin->mesh = uv_mesh_of_flats({flat_ptr(image->second, &image->second->geometry)});
+    origin->mesh =
+        uv_mesh_of_flats({std::make_shared<flat_mesh>(image->second->geometry->without_records())});
     origin->islands = uv_find_islands(origin->mesh);
     origin->piece = pieces_of(origin->mesh);
     now.origins[identity] = origin;
@@ -291,7 +292,7 @@ void follow(object_t *object, const selected_set &selected, undo_record *record,
         return;
     const flat_ptr flat = object_flat(object);
     const bool followed = keep().followed.count(identity) != 0;
-    if (flat->positions == image->second->geometry.positions && !followed)
+    if (flat->positions == image->second->geometry->positions && !followed)
         return;
     const std::shared_ptr<const origin_t> origin = origin_of(identity);
     const uv_mesh mesh = uv_mesh_of({object});

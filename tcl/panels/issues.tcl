@@ -89,7 +89,7 @@ proc ::vesk::issues::model_changed {} {
     variable checking
     if {$checking} {vesk check_follow}
     after cancel $timer
-    set timer [after [expr {max($rest, 4 * $took)}] {after idle ::vesk::issues::check}]
+    set timer [after [expr {max($rest, 4 * $took)}] {after idle ::vesk::issues::check_in_parts}]
 }
 
 proc ::vesk::issues::visible {} {
@@ -98,25 +98,50 @@ proc ::vesk::issues::visible {} {
 }
 
 # check --
-#   Checks the model now; what takes long goes on by itself, and its end comes here again.
+#   Checks the model now; what takes long goes on by itself, and its end comes to check_in_parts.
 proc ::vesk::issues::check {} {
-    variable took
-    variable counts
-    variable found
+    if {[begin_check]} take_check
+}
+
+# check_in_parts --
+#   The same with events before the result is asked for, unless the model changes by then.
+proc ::vesk::issues::check_in_parts {} {
+    variable timer
+    if {[begin_check]} {
+        set timer [after 1 [list ::vesk::issues::take_unchanged [::vesk::ops::change_count]]]
+    }
+}
+
+# take_unchanged --
+#   Of a model that has changed since, a check is being planned.
+proc ::vesk::issues::take_unchanged {stamp} {
+    variable timer ""
+    if {[::vesk::ops::change_count] eq $stamp} take_check
+}
+
+# begin_check --
+#   Returns 1 when everything is known.
+proc ::vesk::issues::begin_check {} {
     variable checking
-    variable checked_at
-    variable checked_model
     variable timer
     after cancel $timer
     set timer ""
-    set stamp [::vesk::ops::change_count]
     set checking [expr {[vesk check_begin] eq "0"}]
-    if {$checking} {
-        show_checking
-        return
-    }
-    set begun [clock milliseconds]
+    if {$checking} show_checking
+    return [expr {!$checking}]
+}
+
+# take_check --
+#   Asks what the check has found.
+proc ::vesk::issues::take_check {} {
+    variable took
+    variable counts
+    variable found
+    variable checked_at
+    variable checked_model
     variable notes
+    set stamp [::vesk::ops::change_count]
+    set begun [clock milliseconds]
     set counts [vesk check_counts]
     set notes [vesk check_notes]
     set found {}
@@ -137,7 +162,7 @@ proc ::vesk::issues::check {} {
 proc ::vesk::issues::ended {} {
     variable checking
     variable timer
-    if {$checking && $timer eq ""} {after idle ::vesk::issues::check}
+    if {$checking && $timer eq ""} {after idle ::vesk::issues::check_in_parts}
 }
 
 # total, faults --

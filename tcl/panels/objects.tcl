@@ -10,10 +10,10 @@ namespace eval ::vesk::objects {
     variable told 0             ;# number of the last answer of "object_rows_begin"
     variable coming 0           ;# how many rows it has
     variable taken 0            ;# how many of them were taken over
-    variable clearing {}        ;# parents whose rows go before these are made
-    variable cleared 0          ;# how many of these parents had their turn
-    variable leaving {}         ;# rows of the last one
-    variable gone 0             ;# how many of these went
+    variable leaving {}         ;# rows that go before these are made
+    variable gone 0             ;# how many of these had their turn
+    variable leaving_above {}   ;# those of them with others below them, which go last
+    variable insert_at {}       ;# parent -> the place of the next row below it, where that is not the last
     variable made 0             ;# how many rows were made
     variable above {}           ;# id -> 1, of rows with others below them
     variable fill_state {}      ;# {wanted first_time world top} while rows are made anew; else they change
@@ -29,6 +29,7 @@ namespace eval ::vesk::objects {
     variable filtered 0         ;# only the rows that match the filter are there
     variable surfaces 0         ;# of all objects, as the list shows them
     variable strip_pending 0
+    variable first_box {}       ;# {height of rows, box of the first one in sight}
     variable drag ""            ;# {row x y started target} while rows may be dragged
     variable marked {}          ;# id -> 1: rows with the icon for selected ones
     # More rows than these are made piece by piece, the window lives meanwhile.

@@ -16,15 +16,23 @@ proc ::vesk::objects::take {answer} {
     variable coming
     variable taken
     variable surfaces
+    variable filtered
+    variable filter
     if {[is_waiting] && ![lindex $answer 1] && [lindex $answer 5] > 0} {
         # Rows that are still to be made may have changed.
         set answer [vesk object_rows_begin 0]
     }
+    set before [expr {[is_waiting] || $filtered ? "" : $told}]
     lassign $answer told anew objects hidden locked count
     show_count $objects $hidden $locked
     set surfaces [lindex [vesk get_counts] 3]
     if {$anew} {
-        fill_rows $count
+        set edit [vesk object_rows_edit $told]
+        if {$before ne "" && [lindex $edit 0] eq $before && $filter eq ""} {
+            edit_rows {*}$edit
+        } else {
+            fill_rows $count
+        }
     } elseif {$count > 0} {
         set coming $count
         set taken 0
@@ -45,8 +53,8 @@ proc ::vesk::objects::is_waiting {} {
 # is_clearing --
 #   Whether rows are still to be taken away.
 proc ::vesk::objects::is_clearing {} {
-    variable clearing
-    return [expr {[llength $clearing] > 0}]
+    variable leaving
+    return [expr {[llength $leaving] > 0}]
 }
 
 # change_rows --
@@ -91,35 +99,50 @@ proc ::vesk::objects::fill {} {
 #   Makes all rows anew, so many; open objects stay open.
 proc ::vesk::objects::fill_rows {count} {
     variable rows
-    variable tree
     variable filter
     variable icons
-    variable open
     variable filtered
-    variable coming
-    variable taken 0
-    variable clearing
-    variable cleared 0
-    variable leaving {}
-    variable gone 0
-    variable above
-    variable fill_state
-    variable marked {}
-    if {!$filtered} note_open
-    set top [lindex [$tree yview] 0]
-    set clearing [parents_upwards]
-    set above {}
+    variable tree
     variable made 0
+    if {!$filtered} note_open
     set wanted [string tolower $filter]
     set filtered [expr {$wanted ne ""}]
-    fit_numbers
     # The images belong to tags: an image of each row would cost a walk over all rows at a change.
     foreach {type icon} $icons {
         $tree tag configure $type -image [::vesk::icons::get $icon dim]
         $tree tag configure $type-active -image [::vesk::icons::get $icon active]
     }
+    change_all [dict keys $rows] 0 $count {} $wanted [lindex [$tree yview] 0]
+}
+
+# edit_rows --
+#   Takes over rows most of which stay; the arguments are what "object_rows_edit" answers.
+proc ::vesk::objects::edit_rows {before from count ids others places} {
+    variable told
+    foreach row $others {change_rows [vesk object_rows_part $told $row 1]}
+    note_open
+    change_all $ids $from $count $places "" ""
+}
+
+# change_all --
+#   Begins to take some rows away, and then to make others.
+#   ids     rows that go
+#   from    the first that comes, in the executable's answer; `count` of them
+#   places  parents, and the place of the first that comes among the rows below them; none: the last
+#   wanted  what their names are to have, in lower case
+#   top     where the list stands, as a share; "" where it stays there by itself
+proc ::vesk::objects::change_all {ids from count places wanted top} {
+    variable open
+    variable coming
+    variable taken $from
+    variable leaving $ids
+    variable leaving_above {}
+    variable gone 0
+    variable insert_at $places
+    variable fill_state
+    fit_numbers
     set fill_state [list $wanted [expr {[dict size $open] == 0}] [vesk get_world] $top]
-    set coming $count
+    set coming [expr {$from + $count}]
     note_selection
     take_rows
 }
@@ -135,8 +158,9 @@ proc ::vesk::objects::take_rows {} {
     variable at_once
     variable piece
     variable slice
+    variable leaving
     after cancel ::vesk::objects::take_rows
-    set many [expr {max($coming, [is_clearing] ? [dict size $rows] : 0) > $at_once}]
+    set many [expr {max($coming - $taken, [llength $leaving]) > $at_once}]
     if {$many && ![::vesk::ops::take_turn]} {
         after 1 ::vesk::objects::take_rows
         return
@@ -148,14 +172,15 @@ proc ::vesk::objects::take_rows {} {
             drop_piece
             continue
         }
-        set words [vesk object_rows_part $told $taken $piece]
+        set count [expr {min($piece, $coming - $taken)}]
+        set words [vesk object_rows_part $told $taken $count]
         if {$words eq ""} {
             # Somebody else has asked.
             set coming $taken
             after 1 ::vesk::objects::fill
             break
         }
-        incr taken $piece
+        incr taken $count
         if {[llength $fill_state] > 0} {
             insert_rows $words {*}$fill_state
         } else {
@@ -172,39 +197,34 @@ proc ::vesk::objects::take_rows {} {
     strip_later
 }
 
-# parents_upwards --
-#   The rows with others below them, each after those below it: one that goes takes none along. Last
-#   the top of the tree.
-proc ::vesk::objects::parents_upwards {} {
-    variable tree
-    variable above
-    return [concat [present [lreverse [dict keys $above]]] [list {}]]
-}
-
 # drop_piece --
-#   Takes some of the rows away that are made anew.
+#   Takes some of the rows away that go. One that goes takes those below it along, so it comes after them.
 proc ::vesk::objects::drop_piece {} {
     variable tree
     variable rows
-    variable clearing
-    variable cleared
+    variable above
+    variable marked
     variable leaving
+    variable leaving_above
     variable gone
     variable piece
-    if {$gone >= [llength $leaving]} {
-        set leaving [$tree children [lindex $clearing $cleared]]
-        set gone 0
-        incr cleared
+    set ids {}
+    foreach id [lrange $leaving $gone [expr {$gone + $piece - 1}]] {
+        if {[dict exists $above $id]} {
+            lappend leaving_above $id
+            continue
+        }
+        lappend ids $id
+        dict unset rows $id
+        dict unset marked $id
     }
-    set ids [lrange $leaving $gone [expr {$gone + $piece - 1}]]
-    foreach id $ids {dict unset rows $id}
     $tree delete [present $ids]
     incr gone $piece
-    if {$cleared == [llength $clearing] && $gone >= [llength $leaving]} {
-        set clearing {}
-        set leaving {}
-        set rows {} ;# those that the filter hid
-    }
+    if {$gone < [llength $leaving]} {return}
+    foreach id $leaving_above {dict unset above $id}
+    set leaving $leaving_above
+    set leaving_above {}
+    set gone 0
 }
 
 # filled --
@@ -212,13 +232,15 @@ proc ::vesk::objects::drop_piece {} {
 proc ::vesk::objects::filled {} {
     variable fill_state
     variable tree
-    variable taken
+    variable rows
     variable at_once
-    # Who has scrolled meanwhile stays there.
-    if {[lindex [$tree yview] 0] == 0} {$tree yview moveto [lindex $fill_state 3]}
+    variable insert_at {}
+    # Who has scrolled meanwhile stays there. The tree counts its rows for the answer.
+    set top [lindex $fill_state 3]
+    if {$top ne "" && [lindex [$tree yview] 0] == 0} {$tree yview moveto $top}
     set fill_state {}
     show_empty
-    if {$taken > $at_once} {
+    if {[dict size $rows] > $at_once} {
         after 1 ::vesk::objects::show_filled
     } else {
         show_filled
@@ -237,10 +259,16 @@ proc ::vesk::objects::insert_rows {words wanted first_time world top} {
     variable above
     variable made
     variable to_select
+    variable insert_at
     set selected {}
     foreach {id parent type name surfaces visible locked} $words {
         dict set rows $id [list $parent $type $name $surfaces $visible $locked]
         dict set above $parent 1
+        set at end
+        if {[dict exists $insert_at $parent]} {
+            set at [dict get $insert_at $parent]
+            if {$at ne "end"} {dict incr insert_at $parent}
+        }
         if {$wanted ne ""} {
             if {[string first $wanted [string tolower $name]] < 0} {continue}
             set parent {}
@@ -253,7 +281,7 @@ proc ::vesk::objects::insert_rows {words wanted first_time world top} {
         if {$surfaces >= 1000} {set surfaces [::vesk::arith::grouped $surfaces]}
         set text " $name"
         if {$name eq "" || [string first \n $name] >= 0} {set text [shown_name $name]}
-        $tree insert $parent end -id $id -text $text -tags [list $type] -open $opened \
+        $tree insert $parent $at -id $id -text $text -tags [list $type] -open $opened \
             -values [list $surfaces]
         incr made
         if {[dict exists $to_select $id]} {lappend selected $id}
@@ -281,7 +309,8 @@ proc ::vesk::objects::show_empty {} {
     variable tree
     variable filter
     variable made
-    if {$made > 0} {
+    variable rows
+    if {$filter eq "" ? [dict size $rows] > 0 : $made > 0} {
         place forget $path.empty
         return
     }

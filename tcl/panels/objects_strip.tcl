@@ -38,31 +38,55 @@ proc ::vesk::objects::visible_rows {} {
     variable tree
     variable rows
     set height [winfo height $tree]
-    set row_height [ttk::style lookup Treeview -rowheight]
     set found {}
-    for {set y 2} {$y < $height} {incr y $row_height} {
-        set id [$tree identify row 5 $y]
-        if {$id eq "" || ![dict exists $rows $id]} {continue}
-        lassign [$tree bbox $id] x0 y0 w0 h0
-        # The list does not draw a row that is not wholly visible.
-        if {$y0 eq "" || $y0 + $h0 > $height} {continue}
-        dict set found $id [list $y0 [expr {$y0 + $h0}]]
+    variable first_box
+    set id [$tree identify row 5 2]
+    if {$id eq ""} {return {}}
+    # The tree counts from its first row to that of a box, so one is asked for, while rows are as high.
+    set row_height [ttk::style lookup Treeview -rowheight]
+    if {![dict exists $first_box $row_height]} {
+        set box [$tree bbox $id]
+        if {$box eq ""} {return {}}
+        set first_box [dict create $row_height $box]
+    }
+    lassign [dict get $first_box $row_height] x0 y0 w0 h0
+    # The list does not draw a row that is not wholly visible.
+    while {$id ne "" && $y0 + $h0 <= $height} {
+        if {[dict exists $rows $id]} {dict set found $id [list $y0 [expr {$y0 + $h0}]]}
+        incr y0 $h0
+        set id [row_below $id [expr {$y0 + 1}]]
     }
     return $found
 }
 
+# row_below --
+#   The row under one, at this height.
+proc ::vesk::objects::row_below {id y} {
+    variable tree
+    variable above
+    if {[dict exists $above $id] && [$tree item $id -open]} {return [$tree identify row 5 $y]}
+    while {$id ne ""} {
+        set next [$tree next $id]
+        if {$next ne ""} {return $next}
+        set id [$tree parent $id]
+    }
+    return ""
+}
+
 # marked_among --
 #   Which of these rows the tree shows as selected. Where it has many such, to ask for all of them takes
-#   longer than to ask the executable, and they are those of the model.
+#   longer than to ask the executable, and they are those of the model. While rows go, nothing is chosen.
 proc ::vesk::objects::marked_among {ids} {
     variable tree
     variable chosen
     variable asked
     variable at_once
     variable fill_state
+    variable marked
+    if {[is_clearing]} {return [lmap id $ids {if {![dict exists $marked $id]} continue; set id}]}
     if {[llength $asked] > 0 || [llength $fill_state] > 0 || [llength $chosen] <= $at_once} {
-        set marked [$tree selection]
-        return [lmap id $ids {if {$id ni $marked} continue; set id}]
+        set selection [$tree selection]
+        return [lmap id $ids {if {$id ni $selection} continue; set id}]
     }
     return [lmap id $ids on [vesk objects_are_selected $ids] {if {!$on} continue; set id}]
 }

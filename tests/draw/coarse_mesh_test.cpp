@@ -83,7 +83,7 @@ const std::vector<sheet_case> &sheets()
 coarse_source_t sheet_source(const sheet_case &sheet, int n, bool shared)
 {
     coarse_source_t source;
-    auto positions = std::make_shared<std::vector<point3_t>>();
+    auto positions = std::make_shared<flat_vector<point3_t>>(std::vector<point3_t>());
     const auto corner = [&](int x, int y) {
         if (shared)
             return static_cast<std::uint32_t>(y * (n + 1) + x);
@@ -300,7 +300,7 @@ TEST(CoarseMesh, MeshesThatAreHardToTakeAreTaken)
 {
     const std::atomic<bool> go_on = false;
     coarse_source_t empty;
-    empty.positions = std::make_shared<std::vector<point3_t>>();
+    empty.positions = std::make_shared<flat_vector<point3_t>>(std::vector<point3_t>());
     EXPECT_TRUE(make_coarse_mesh(empty, go_on)->clusters.empty());
     for (const float bad : {NAN, INFINITY, -INFINITY, 3e38f, 0.0f}) {
         const sheet_case broken = {
@@ -321,7 +321,7 @@ TEST(CoarseMesh, AnyTrianglesAreTaken)
     std::mt19937 random(7);
     for (int round = 0; round < 300; ++round) {
         coarse_source_t source;
-        auto points = std::make_shared<std::vector<point3_t>>();
+        auto points = std::make_shared<flat_vector<point3_t>>(std::vector<point3_t>());
         const unsigned num_points = 1 + random() % (round % 3 == 0 ? 5 : 300);
         const auto coordinate = [&] {
             switch (random() % 40) {

@@ -255,6 +255,13 @@ TEST(DrawBudget, GuessesTheCostOfASceneThatIsMuchLargerThanThoseItKnows)
     }
     budget.expect(1.1e6); // what was measured counts
     EXPECT_LT(budget.full_cost(), slow_picture);
+    const double measured = budget.full_cost();
+    budget.expect(2e6); // everything was doubled
+    const double expected = budget.full_cost();
+    EXPECT_GE(expected, 2 * measured);
+    budget.expect(2e6);
+    budget.expect(1.5e6); // once
+    EXPECT_EQ(budget.full_cost(), expected);
 }
 
 } // namespace

@@ -42,6 +42,7 @@ target_sources(vesk_tests PRIVATE
     edit/mesh/surface_blocks_test.cpp
     edit/mesh/tessellator_test.cpp
     edit/document/journal_test.cpp
+    edit/document/many_states_test.cpp
     edit/document/selection_test.cpp
     edit/document/session_test.cpp
     edit/document/state_undo_test.cpp

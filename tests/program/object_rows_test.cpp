@@ -60,9 +60,12 @@ class panel_t {
 public:
     void follow()
     {
+        const int before = number_;
         std::istringstream head(run("object_rows_begin", number_));
         int anew = 0, objects = 0, count = 0;
         head >> number_ >> anew >> objects >> hidden >> locked >> count;
+        if (anew != 0 && edit(before))
+            return;
         if (anew != 0)
             rows.clear();
         for (int from = 0; from < count; from += 2)
@@ -70,8 +73,55 @@ public:
     }
     std::vector<std::string> rows;
     int hidden = 0, locked = 0;
+    int edits = 0;
 
 private:
+    // As "object_rows_edit" says; false when it does not.
+    bool edit(int before)
+    {
+        const std::string answer = run("object_rows_edit", number_);
+        if (answer.empty())
+            return false;
+        std::istringstream in(answer);
+        int old = 0, from = 0, count = 0;
+        in >> old >> from >> count;
+        EXPECT_EQ(old, before);
+        const auto words = [&in] {
+            std::vector<std::string> all;
+            std::string word;
+            for (in >> word; in >> word && word != "}";)
+                all.push_back(word);
+            return all;
+        };
+        for (const std::string &id : words())
+            std::erase_if(rows, [&](const std::string &row) { return row.starts_with(id + " "); });
+        const std::vector<std::string> others = words(), places = words();
+        for (std::size_t i = 0; i < places.size(); i += 2)
+            EXPECT_EQ(places[i + 1], place_below(places[i], from)) << answer;
+        std::vector<std::string> kept = std::move(rows);
+        rows.clear();
+        for (int row = from; row < from + count; ++row)
+            take(run("object_rows_part", number_, row, 1), true);
+        rows.insert(rows.begin(), kept.begin(), kept.begin() + from);
+        rows.insert(rows.end(), kept.begin() + from, kept.end());
+        for (const std::string &row : others)
+            take(run("object_rows_part", number_, std::stoi(row), 1), false);
+        ++edits;
+        return true;
+    }
+    // Of the rows that are left: how many of a parent's come before that place; "end" when no others do.
+    [[nodiscard]] std::string place_below(const std::string &parent, int from) const
+    {
+        const auto is_below = [&](const std::string &row) {
+            std::istringstream in(row);
+            std::string id, above;
+            in >> id >> above;
+            return above == parent;
+        };
+        if (std::none_of(rows.begin() + from, rows.end(), is_below))
+            return "end";
+        return std::to_string(std::count_if(rows.begin(), rows.begin() + from, is_below));
+    }
     void take(const std::string &words, bool anew)
     {
         std::istringstream in(words);
@@ -217,6 +267,7 @@ TEST_F(PanelQuestions, FollowEveryChange)
             hidden += object->visible == 0 ? 1 : 0;
         ASSERT_EQ(panel.hidden, hidden);
     }
+    EXPECT_GT(panel.edits, 100);
 }
 
 TEST_F(PanelQuestions, PiecesOfTheSelectionAreTheWhole)

@@ -84,7 +84,7 @@ run {
 
     # Many objects: the same scene for all views, and dots while a picture of all of them would take long.
     set cubes [file join [file dirname [info script]] ../../bench/cubes.tcl]
-    exec tclsh8.6 $cubes 4000 > [work cubes.vesk]
+    exec tclsh8.6 $cubes 5200 > [work cubes.vesk]
     vesk clear_all
     vesk load_file [work cubes.vesk]
     set ::viewsetting all
@@ -101,6 +101,16 @@ run {
     vesk select_elements set [lmap id [lrange $ids 1000 3999] {string cat $id :1-2}]
     compare_with_whole "with some surfaces of each"
     shot large-many
+
+    # Of many selected vertices a picture of motion has some, of each object that is selected a part.
+    vesk set_select_mode vertex
+    vesk select_all
+    update
+    check "many selected vertices leave quick pictures" {[string match *unfinished* [vesk view_layers 3]]}
+    hold [widget xyz] 100 200 140 215
+    check "which have some of them" {[share [on_screen [widget xyz] 0] {0 255 0} 60] > 0.001}
+    release
+    compare_with_whole "with all vertices of each"
 
     # Glass: objects from back to front, the surfaces of each as well; of the terrain half the rows.
     vesk set_select_mode edge

@@ -160,6 +160,38 @@ run {
     vesk undo
     check_panel "as before"
 
+    # What comes or goes changes its own rows: the others are not made anew.
+    set kept [lindex $ids 100]
+    $tree tag add kept $kept
+    vesk objects_select [lindex $ids 1500]
+    vesk delete
+    check_panel "one deleted in the middle"
+    vesk step_back
+    check_panel "and back in its place"
+    vesk objects_select [list [lindex $ids 700] [lindex $ids 702]]
+    vesk group
+    check_panel "two grouped in the middle"
+    vesk objects_place [lindex $ids 690] [vesk get_selected_objects] 0
+    check_panel "one put into the group"
+    vesk step_back
+    vesk step_back
+    check_panel "and both taken back"
+    check "the rows of the others are those of before" {[$tree tag has kept $kept]}
+    vesk objects_place [lindex $ids 20] [lindex $ids 2900] 0
+    check_panel "one put far away"
+    vesk step_back
+    stopped {vesk select_all; vesk duplicate}
+    vesk objects_select [lindex $ids 1501]
+    vesk delete
+    check_panel "one deleted while the rows of copies come"
+    vesk step_back
+    stopped {vesk step_back}
+    vesk objects_select [lindex $ids 1502]
+    vesk duplicate
+    check_panel "one copied while the rows of copies go"
+    vesk step_back
+    check_panel "the copies taken back"
+
     # Of many that the filter leaves the rest stays selected.
     set ::vesk::objects::filter "object 1"
     check "the filter leaves some" {
