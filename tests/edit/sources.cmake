@@ -46,6 +46,7 @@ target_sources(vesk_tests PRIVATE
     edit/document/session_test.cpp
     edit/document/state_undo_test.cpp
     edit/document/undo_test.cpp
+    edit/uv/uv_deferred_test.cpp
     edit/uv/uv_keep_test.cpp
     edit/uv/uv_layout_test.cpp
     edit/uv/uv_test.cpp
