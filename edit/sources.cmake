@@ -127,6 +127,7 @@ target_sources(vesk_core PRIVATE
     edit/document/undo.cpp
     edit/document/undo_kinds.cpp
     edit/document/undo_texture.cpp
+    edit/uv/multigrid.cpp
     edit/uv/uv_edit.cpp
     edit/uv/uv_editor.cpp
     edit/uv/uv_gather.cpp
