@@ -2,6 +2,7 @@
 
 #include "base/prefs.h"
 #include "base/ui_port.h"
+#include "draw/selected_parts_gl.h"
 #include "edit/boolean_live.h"
 #include "model/bounds.h"
 #include "model/change_marks.h"
@@ -169,6 +170,8 @@ void take_parts(gather_t &gather)
         // Places in the object's own mesh, of which another is shown.
         if (live && item.part != nullptr && !item.part->whole && boolean_live_shown(item.object))
             item.part = nullptr;
+        if (item.part != nullptr)
+            scene.complete = selected_part_is_ready(item, gather.pace) && scene.complete;
         const bool whole = item.part != nullptr && item.part->whole;
         std::vector<coloured_vertex_t> &out = whole ? scene.selected_dots : scene.dots;
         const auto end = dot + gather.num_dots[i];

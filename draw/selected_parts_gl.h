@@ -6,16 +6,25 @@
 #include "draw/draw_scene_gl.h"
 
 #include <functional>
+#include <memory>
+
+struct part_job_t;
 
 struct part_slots_t {
     unsigned generation = ~0u;
     flat_ptr flat;
+    std::uint32_t first_slot = 0;
+    std::shared_ptr<part_job_t> job;      // is at them
     std::vector<std::uint32_t> edges;     // lines
     std::vector<std::uint32_t> triangles; // of the selected surfaces
     std::vector<std::uint32_t> vertices;
 };
 
 bool has_selected_part(const scene_item_t &item);
+
+// False: many elements of it are selected, and a worker is at their slots: they are not drawn yet, and the
+// picture is to be drawn again. In a motion those from before it serve.
+bool selected_part_is_ready(const scene_item_t &item, draw_pace pace);
 
 // Of every object that is selected in part one list of slots, where `wanted` says so. Of a long list in a
 // coarse picture only some are drawn, and no triangles. Parts of a slice by themselves.
