@@ -275,8 +275,7 @@ void multigrid::improve(const Eigen::VectorXd &residual, room_t &room, Eigen::Ve
     x = Eigen::Map<Eigen::VectorXf>(top.x.data(), count).cast<double>() * size;
 }
 
-double multigrid::solve(const Eigen::VectorXd &right, double share, double farthest,
-                        Eigen::VectorXd &x) const
+void multigrid::solve(const Eigen::VectorXd &right, double error, Eigen::VectorXd &x) const
 {
     room_t work = room();
     Eigen::VectorXd residual = right - matrix_.transpose() * x;
@@ -285,10 +284,8 @@ double multigrid::solve(const Eigen::VectorXd &right, double share, double farth
     for (int round = 0; round < most_rounds; ++round) {
         improve(residual, work, z);
         const double now = residual.dot(z);
-        if (round == 0)
-            farthest = std::max(farthest, std::sqrt(std::max(now, 0.0)));
-        if (!(now > share * share * farthest * farthest))
-            break;
+        if (!(now > 0) || z.cwiseAbs().maxCoeff() < error)
+            return;
         if (round == 0)
             direction = z;
         else
@@ -299,5 +296,4 @@ double multigrid::solve(const Eigen::VectorXd &right, double share, double farth
         x += step * direction;
         residual -= step * along;
     }
-    return farthest;
 }

@@ -18,11 +18,8 @@ public:
     // False: its coarsest part cannot be solved.
     bool compute(matrix_t &&matrix);
 
-    // Goes on from x until that is no farther from the solution than `share` of `farthest`, or of the way
-    // that it had to go; returns the larger of both. The measure is the root of the squared differences as
-    // the weights weigh them. Safe on several threads.
-    double solve(const Eigen::VectorXd &right, double share, double farthest,
-                 Eigen::VectorXd &x) const;
+    // Goes on from x until the next correction of it is less than `error` everywhere. Safe on several threads.
+    void solve(const Eigen::VectorXd &right, double error, Eigen::VectorXd &x) const;
 
 private:
     // By rows; half the memory of a matrix is half the time.

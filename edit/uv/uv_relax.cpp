@@ -21,8 +21,8 @@ using vector2 = Eigen::Vector2d;
 
 // More unknowns are not factorised: that grows with their power of 1.5.
 int most_factorised = 30000;
-// How exact a step is then, as a share of the way of the longest one.
-constexpr double share_of_way = 1e-6;
+// How exact a step is then, in a picture of size one.
+constexpr double exactness = 1e-6;
 
 // A triangle of the island: its corners as unknowns, its shape laid flat, and the weight of each
 // side (half the cotangent of the angle opposite).
@@ -38,6 +38,10 @@ public:
                double aspect, const std::vector<flat_uv> &at)
         : mesh_(mesh), aspect_(aspect)
     {
+        std::size_t triangles = 0;
+        for (const int i : surfaces)
+            triangles += mesh.corners_end(i) - mesh.corners_begin(i) - 2;
+        cells_.reserve(triangles);
         for (const int i : surfaces)
             add_surface(i, islands, at);
         scale_shapes();
@@ -247,14 +251,14 @@ private:
             if (unknown_[p] >= 0)
                 solved.row(unknown_[p]) = points_[p].transpose();
         }
-        std::array<double, 2> farthest = {};
+        const double extent =
+            (solved.colwise().maxCoeff() - solved.colwise().minCoeff()).maxCoeff();
         in_parallel(2, [&](int i) {
             const Eigen::VectorXd wanted = right.col(i);
             Eigen::VectorXd x = solved.col(i);
-            farthest[i] = large_->solve(wanted, share_of_way, farthest_, x);
+            large_->solve(wanted, exactness * std::max(extent, 1.0), x);
             solved.col(i) = x;
         });
-        farthest_ = std::max(farthest[0], farthest[1]);
         return solved;
     }
 
@@ -301,7 +305,6 @@ private:
     double model_area_ = 0, picture_area_ = 0, scale_ = 0;
     Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>> solver_; // or:
     std::unique_ptr<multigrid> large_;
-    double farthest_ = 0; // that a step had to go, in its measure
 };
 
 } // namespace
