@@ -205,10 +205,15 @@ bool deferred_pages::is_untouched(int run) const
     });
 }
 
-bool deferred_pages::is_written(int run, std::size_t i) const
+bool deferred_pages::any_written(int number, std::size_t first, std::size_t end) const
 {
-    const record_page *page = record_page_of(block(run, i));
-    return entries[record_page_number(page)].state != DEFERRED;
+    const run_t &run = runs_[number];
+    for (std::size_t page = first >> run.shift; first < end && page <= (end - 1) >> run.shift;
+         ++page) {
+        if (entries[record_page_number(record_page_of(run.memory[page]))].state != DEFERRED)
+            return true;
+    }
+    return false;
 }
 
 bool deferred_pages::repair(void *address)

@@ -38,8 +38,8 @@ public:
     static const deferred_pages *owner_of(const void *block);
     // The number in its run of a block, by its address alone; -1 where it is none.
     [[nodiscard]] int index_of(int run, const void *block) const;
-    // Whether somebody could have changed the block.
-    [[nodiscard]] bool is_written(int run, std::size_t i) const;
+    // Whether somebody could have changed one of the blocks first .. end - 1.
+    [[nodiscard]] bool any_written(int run, std::size_t first, std::size_t end) const;
     // Of all: bytes of pages that have no memory yet.
     static std::size_t bytes_to_come();
     [[nodiscard]] bool is_untouched() const { return num_written_ == 0; }

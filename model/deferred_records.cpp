@@ -121,14 +121,16 @@ public:
     [[nodiscard]] bool has_own_corners(int surface) const
     {
         const int first = flat_->first_corner(surface), end = flat_->end_corner(surface);
-        if (pages_.is_written(SURFACES, surface) && first != end &&
+        if (pages_.any_written(SURFACES, surface, surface + 1) && first != end &&
             block<surface_t>(SURFACES, surface)->refs != block<listitem>(CORNER_NODES, first))
             return false;
-        for (int c = first; c < end; ++c) {
-            if (pages_.is_written(CORNER_NODES, c) || pages_.is_written(CORNERS, c))
-                return false;
-        }
-        return true;
+        return !pages_.any_written(CORNER_NODES, first, end) &&
+               !pages_.any_written(CORNERS, first, end);
+    }
+    [[nodiscard]] bool has_own_surfaces() const
+    {
+        return pages_.is_untouched(SURFACES) && pages_.is_untouched(CORNER_NODES) &&
+               pages_.is_untouched(CORNERS);
     }
     void set_flat(const flat_ptr &flat) { flat_ = flat; }
     void give_back() { pages_.give_back(); }
@@ -338,6 +340,8 @@ void object_write_texture_coords(object_t *object, const flat_ptr &flat,
         set = nullptr;
     if (set != nullptr)
         set->set_flat(flat); // for the pages that nobody touched
+    if (set != nullptr && set->has_own_surfaces())
+        return;
     const auto write = [&](int s) {
         if (set != nullptr && set->has_own_corners(s))
             return;
