@@ -149,7 +149,8 @@ struct some_surfaces {
     template <class Add, class Draw>
     void pass(Add &&add, Draw &&draw) const
     {
-        const std::size_t count = (mesh.surfaces.size() + stride - 1) / stride;
+        const std::size_t count =
+            (static_cast<std::size_t>(mesh.num_surfaces()) + stride - 1) / stride;
         in_steps(count, a_step, [&](std::size_t first, std::size_t end) {
             for (std::size_t i = first; i < end; ++i)
                 add(static_cast<int>(i * stride));
@@ -297,7 +298,7 @@ void draw_uv_edges(const uv_shown_edges &edges, float scale)
 void draw_uv_surfaces(const uv_state &state, std::size_t most)
 {
     const uv_options &options = uv_view().options;
-    const std::size_t count = state.mesh.surfaces.size();
+    const auto count = static_cast<std::size_t>(state.mesh.num_surfaces());
     if (options.stretch == uv_shown_stretch::NONE && !options.overlaps)
         return;
     const auto as_many = [&](double pixels, std::size_t limit) {

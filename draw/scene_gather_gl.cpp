@@ -175,6 +175,8 @@ void take_parts(gather_t &gather)
         if (live && item.part != nullptr && !item.part->whole && boolean_live_shown(item.object))
             item.part = nullptr;
         scene.selected_elements += num_selected_elements(item);
+        if (item.part != nullptr)
+            scene.complete = selected_part_is_ready(item, gather.pace) && scene.complete;
         const bool whole = item.part != nullptr && item.part->whole;
         std::vector<coloured_vertex_t> &out = whole ? scene.selected_dots : scene.dots;
         const auto end = dot + gather.num_dots[i];

@@ -1,14 +1,18 @@
 #include "draw/selected_parts_gl.h"
 
+#include "base/job_queue.h"
 #include "draw/draw_slices.h"
 #include "model/ear_cut.h"
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
 constexpr std::size_t most_in_motion = 20000; // lines or points
+// Elements: of more in motion some are drawn, without slots of them.
+constexpr std::size_t most_elements = 2 * most_in_motion;
 
 std::unordered_map<const object_t *, part_slots_t> &part_cache()
 {
@@ -40,30 +44,25 @@ void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint
                                static_cast<std::uint32_t>(corners.front())});
 }
 
-// Vertices that move leave the lists as they are, unless polygons are cut into ears.
-bool are_slots_alike(const flat_ptr &before, const object_buffers_t &now)
+bool have_same_corners(const flat_ptr &a, const flat_ptr &b)
 {
-    if (before == now.flat)
-        return true;
-    return before != nullptr && now.layout.concave.empty() &&
-           before->surfaces == now.flat->surfaces && before->corners == now.flat->corners &&
-           before->corner_offsets == now.flat->corner_offsets;
+    return a == b || (a != nullptr && a->surfaces == b->surfaces && a->corners == b->corners &&
+                      a->corner_offsets == b->corner_offsets);
 }
 
-const part_slots_t &part_slots(const scene_item_t &item)
+// What the lists are made of.
+struct part_source_t {
+    flat_ptr flat;
+    std::uint32_t first_slot = 0;
+    const std::vector<int> &surfaces, &edges, &vertices; // of the part
+};
+
+void make_slots(const part_source_t &source, part_slots_t &slots)
 {
-    part_slots_t &slots = part_cache()[item.object];
-    if (slots.generation == selection_marks_generation() &&
-        are_slots_alike(slots.flat, *item.buffers))
-        return slots;
-    slots.generation = selection_marks_generation();
-    slots.flat = item.buffers->flat;
-    const flat_mesh &flat = *slots.flat;
-    slots.edges.clear();
-    slots.triangles.clear();
-    slots.vertices.clear();
+    const flat_mesh &flat = *source.flat;
     std::vector<int> surfaces;
-    for (const int surface : item.part->surfaces)
+    surfaces.reserve(source.surfaces.size());
+    for (const int surface : source.surfaces)
         if (surface < flat.num_surfaces())
             surfaces.push_back(surface);
     if (!surfaces.empty())
@@ -72,18 +71,97 @@ const part_slots_t &part_slots(const scene_item_t &item)
         add_surface_triangles(flat, surface, slots.triangles);
         add_line_segments(flat, surface, slots.edges);
     }
-    for (std::size_t i = 0; i + 1 < item.part->edges.size(); i += 2) {
-        const int a = item.part->edges[i], b = item.part->edges[i + 1];
+    for (std::size_t i = 0; i + 1 < source.edges.size(); i += 2) {
+        const int a = source.edges[i], b = source.edges[i + 1];
         if (a < flat.num_vertices() && b < flat.num_vertices())
             slots.edges.insert(slots.edges.end(),
                                {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(b)});
     }
-    for (const int vertex : item.part->vertices)
-        if (vertex < flat.num_vertices() && item.part->edges.empty())
+    for (const int vertex : source.vertices)
+        if (vertex < flat.num_vertices() && source.edges.empty())
             slots.vertices.push_back(static_cast<std::uint32_t>(vertex));
     for (std::vector<std::uint32_t> *list : {&slots.edges, &slots.triangles, &slots.vertices})
         for (std::uint32_t &slot : *list)
-            slot += item.buffers->first_slot;
+            slot += source.first_slot;
+}
+
+} // namespace
+
+// By a worker, where they are many.
+struct part_job_t : queued_job_t {
+    flat_ptr flat;
+    std::uint32_t first_slot = 0;
+    selected_part_t part;
+    part_slots_t slots;
+
+    void run() { make_slots({flat, first_slot, part.surfaces, part.edges, part.vertices}, slots); }
+};
+
+namespace {
+
+void start(const std::shared_ptr<part_job_t> &job)
+{
+    static job_queue<part_job_t> queue;
+    queue.add(job);
+}
+
+// Vertices that move leave the lists as they are, unless polygons are cut into ears.
+bool are_slots_alike(const flat_ptr &before, const object_buffers_t &now)
+{
+    return before == now.flat ||
+           (now.layout.concave.empty() && have_same_corners(before, now.flat));
+}
+
+bool is_current(const part_slots_t &slots, const scene_item_t &item)
+{
+    return slots.generation == selection_marks_generation() &&
+           slots.first_slot == item.buffers->first_slot &&
+           are_slots_alike(slots.flat, *item.buffers);
+}
+
+std::size_t num_elements(const selected_part_t &part)
+{
+    return part.vertices.size() + part.surfaces.size() + part.edges.size() / 2;
+}
+
+bool is_large(const selected_part_t &part)
+{
+    return num_elements(part) > most_elements;
+}
+
+void begin_slots(part_slots_t &slots, const scene_item_t &item)
+{
+    if (slots.job != nullptr)
+        slots.job->cancelled = true;
+    slots = {};
+    slots.generation = selection_marks_generation();
+    slots.flat = item.buffers->flat;
+    slots.first_slot = item.buffers->first_slot;
+}
+
+void make_at_once(part_slots_t &slots, const scene_item_t &item)
+{
+    begin_slots(slots, item);
+    make_slots(
+        {slots.flat, slots.first_slot, item.part->surfaces, item.part->edges, item.part->vertices},
+        slots);
+}
+
+void make_later(part_slots_t &slots, const scene_item_t &item)
+{
+    begin_slots(slots, item);
+    slots.job = std::make_shared<part_job_t>();
+    slots.job->flat = slots.flat;
+    slots.job->first_slot = slots.first_slot;
+    slots.job->part = *item.part;
+    start(slots.job);
+}
+
+const part_slots_t &part_slots(const scene_item_t &item)
+{
+    part_slots_t &slots = part_cache()[item.object];
+    if (!is_large(*item.part) && !is_current(slots, item))
+        make_at_once(slots, item);
     return slots;
 }
 
@@ -201,9 +279,7 @@ private:
 std::size_t num_selected_elements(const scene_item_t &item)
 {
     const selected_part_t *part = item.part;
-    return part == nullptr || part->whole
-               ? 0
-               : part->vertices.size() + part->surfaces.size() + part->edges.size() / 2;
+    return part == nullptr || part->whole ? 0 : num_elements(*part);
 }
 
 bool has_selected_part(const scene_item_t &item)
@@ -212,12 +288,38 @@ bool has_selected_part(const scene_item_t &item)
            !item.part->whole && item.buffers->layout.num_vertices > 0; // no cloud
 }
 
+bool selected_part_is_ready(const scene_item_t &item, draw_pace pace)
+{
+    if (pace == draw_pace::moving || !has_selected_part(item) || !is_large(*item.part))
+        return true; // what moves shows some of so many, which needs no slots
+    part_slots_t &slots = part_cache()[item.object];
+    if (!is_current(slots, item)) {
+        if (pace == draw_pace::at_once)
+            make_at_once(slots, item);
+        else
+            make_later(slots, item);
+    }
+    if (slots.job == nullptr)
+        return true;
+    if (pace == draw_pace::at_once || slots.job->failed) {
+        make_at_once(slots, item);
+        return true;
+    }
+    if (!slots.job->ended)
+        return false;
+    const std::shared_ptr<part_job_t> job = std::exchange(slots.job, nullptr);
+    slots.edges = std::move(job->slots.edges);
+    slots.triangles = std::move(job->slots.triangles);
+    slots.vertices = std::move(job->slots.vertices);
+    return true;
+}
+
 void draw_selected_parts(const scene_t &scene, GLenum mode,
                          std::vector<std::uint32_t> part_slots_t::*list,
                          const std::function<bool(const scene_item_t &)> &wanted)
 {
     constexpr std::size_t items_in_part = 1024;
-    const bool some = scene.in_motion && scene.selected_elements > 2 * most_in_motion;
+    const bool some = scene.in_motion && scene.selected_elements > most_elements;
     sample_t sample(mode, scene.selected_elements);
     for (std::size_t first = 0; first < scene.items.size(); first += items_in_part) {
         const slice_part_t part;

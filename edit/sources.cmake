@@ -121,11 +121,14 @@ target_sources(vesk_core PRIVATE
     edit/document/scene_counts.cpp
     edit/document/select_made.cpp
     edit/document/selection.cpp
+    edit/document/selection_box.cpp
     edit/document/selection_image.cpp
     edit/document/selection_scan.cpp
     edit/document/step.cpp
     edit/document/undo.cpp
     edit/document/undo_kinds.cpp
+    edit/document/undo_texture.cpp
+    edit/uv/multigrid.cpp
     edit/uv/uv_edit.cpp
     edit/uv/uv_editor.cpp
     edit/uv/uv_gather.cpp

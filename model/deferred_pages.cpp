@@ -173,6 +173,49 @@ void deferred_pages::give_back()
     num_pages_ = num_written_ = 0;
 }
 
+const deferred_pages *deferred_pages::owner_of(const void *block)
+{
+    const record_page *page = entries != nullptr ? record_page_of(block) : nullptr;
+    return page != nullptr ? entries[record_page_number(page)].owner : nullptr;
+}
+
+int deferred_pages::index_of(int number, const void *block) const
+{
+    const record_page *page = record_page_of(block);
+    if (page == nullptr)
+        return -1;
+    const entry_t &entry = entries[record_page_number(page)];
+    if (entry.owner != this || entry.run != number)
+        return -1;
+    const run_t &run = runs_[number];
+    const char *memory = record_page_memory(page);
+    // An older entry of a page that was given back since.
+    if (entry.number >= run.memory.size() || run.memory[entry.number] != memory)
+        return -1;
+    const auto offset = static_cast<std::size_t>(static_cast<const char *>(block) - memory);
+    const std::size_t i = (static_cast<std::size_t>(entry.number) << run.shift) + offset / run.size;
+    return offset % run.size == 0 && i < run.count ? static_cast<int>(i) : -1;
+}
+
+bool deferred_pages::is_untouched(int run) const
+{
+    const std::vector<char *> &memory = runs_[run].memory;
+    return std::all_of(memory.begin(), memory.end(), [](const char *page) {
+        return entries[record_page_number(record_page_of(page))].state == DEFERRED;
+    });
+}
+
+bool deferred_pages::any_written(int number, std::size_t first, std::size_t end) const
+{
+    const run_t &run = runs_[number];
+    for (std::size_t page = first >> run.shift; first < end && page <= (end - 1) >> run.shift;
+         ++page) {
+        if (entries[record_page_number(record_page_of(run.memory[page]))].state != DEFERRED)
+            return true;
+    }
+    return false;
+}
+
 bool deferred_pages::repair(void *address)
 {
     const record_page *page = record_page_of(address);

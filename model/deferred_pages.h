@@ -34,9 +34,16 @@ public:
         const run_t &in = runs_[run];
         return in.memory[i >> in.shift] + ((i & ((std::size_t{1} << in.shift) - 1)) * in.size);
     }
+    // What handed a block out, as far as it is not of an older page there; null for others.
+    static const deferred_pages *owner_of(const void *block);
+    // The number in its run of a block, by its address alone; -1 where it is none.
+    [[nodiscard]] int index_of(int run, const void *block) const;
+    // Whether somebody could have changed one of the blocks first .. end - 1.
+    [[nodiscard]] bool any_written(int run, std::size_t first, std::size_t end) const;
     // Of all: bytes of pages that have no memory yet.
     static std::size_t bytes_to_come();
     [[nodiscard]] bool is_untouched() const { return num_written_ == 0; }
+    [[nodiscard]] bool is_untouched(int run) const;
     [[nodiscard]] bool are_written() const { return num_written_ == num_pages_; }
     // All pages, written or not; none of their blocks was freed.
     void give_back();

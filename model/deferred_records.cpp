@@ -5,6 +5,7 @@
 #include "base/worker.h"
 #include "model/change_marks_internal.h"
 #include "model/deferred_pages.h"
+#include "model/each.h"
 #include "model/flat_array.h"
 #include "model/list_internal.h"
 #include "model/object_internal.h"
@@ -45,6 +46,8 @@ surface_t surface_of(const flat_mesh &flat, std::size_t s)
     return surface;
 }
 
+} // namespace
+
 // The records of one object, and what they are made of.
 class deferred_records {
 public:
@@ -79,6 +82,15 @@ public:
         object->surfaces = first_of(SURFACE_NODES, object->num_surfaces);
         first_vertex_ = object->vertices;
         first_surface_ = object->surfaces;
+        object_ = object;
+    }
+
+    // The one that they were made for: it may be gone.
+    [[nodiscard]] object_t *object() const { return object_; }
+    [[nodiscard]] bool hands_out(const deferred_pages *pages) const { return &pages_ == pages; }
+    [[nodiscard]] int index_of(int run, const void *element) const
+    {
+        return pages_.index_of(run, element);
     }
 
     [[nodiscard]] bool has_lists_of(const object_t *object) const
@@ -100,12 +112,32 @@ public:
                flat.corners == flat_->corners && flat.corner_offsets == flat_->corner_offsets;
     }
     [[nodiscard]] bool are_written() const { return pages_.are_written(); }
+    [[nodiscard]] bool has_untouched_corners() const
+    {
+        return pages_.is_untouched(VERTICES) && pages_.is_untouched(CORNERS) &&
+               pages_.is_untouched(CORNER_NODES);
+    }
+    // Whether nobody could have changed the corners of a surface, or put others in their place.
+    [[nodiscard]] bool has_own_corners(int surface) const
+    {
+        const int first = flat_->first_corner(surface), end = flat_->end_corner(surface);
+        if (pages_.any_written(SURFACES, surface, surface + 1) && first != end &&
+            block<surface_t>(SURFACES, surface)->refs != block<listitem>(CORNER_NODES, first))
+            return false;
+        return !pages_.any_written(CORNER_NODES, first, end) &&
+               !pages_.any_written(CORNERS, first, end);
+    }
+    [[nodiscard]] bool has_own_surfaces() const
+    {
+        return pages_.is_untouched(SURFACES) && pages_.is_untouched(CORNER_NODES) &&
+               pages_.is_untouched(CORNERS);
+    }
     void set_flat(const flat_ptr &flat) { flat_ = flat; }
     void give_back() { pages_.give_back(); }
 
-private:
     enum run_t { VERTICES, VERTEX_NODES, SURFACES, SURFACE_NODES, CORNERS, CORNER_NODES };
 
+private:
     template <class T>
     [[nodiscard]] T *block(run_t run, std::size_t i) const
     {
@@ -200,7 +232,10 @@ private:
     flat_array<vertex *> vertex_records_;
     flat_array<surface_t *> surface_records_;
     const listitem *first_vertex_ = nullptr, *first_surface_ = nullptr;
+    object_t *object_ = nullptr;
 };
+
+namespace {
 
 using set_ptr = std::unique_ptr<deferred_records>;
 
@@ -297,6 +332,43 @@ void object_defer_values(object_t *object, std::shared_ptr<flat_mesh> flat, unsi
     state_set_flat(object, std::move(flat), marks);
 }
 
+void object_write_texture_coords(object_t *object, const flat_ptr &flat,
+                                 std::span<const int> surfaces)
+{
+    deferred_records *set = set_of(object);
+    if (set != nullptr && !set->are_lists_of(*flat))
+        set = nullptr;
+    if (set != nullptr)
+        set->set_flat(flat); // for the pages that nobody touched
+    if (set != nullptr && set->has_own_surfaces())
+        return;
+    const auto write = [&](int s) {
+        if (set != nullptr && set->has_own_corners(s))
+            return;
+        int corner = flat->first_corner(s);
+        for (svertex *reference : each<svertex>(flat->surface_record(s)->refs)) {
+            reference->u = flat->uv(corner).u;
+            reference->v = flat->uv(corner++).v;
+        }
+    };
+    const bool all = surfaces.empty();
+    in_parallel_ranges(all ? flat->num_surfaces() : static_cast<int>(surfaces.size()),
+                       [&](int begin, int end) {
+                           for (int i = begin; i < end; ++i)
+                               write(all ? i : surfaces[i]);
+                       });
+}
+
+void object_set_texture_coords(object_t *object, const flat_array<flat_uv> &coords,
+                               std::span<const int> surfaces)
+{
+    auto flat = std::make_shared<flat_mesh>(*object_flat(object));
+    flat->texture_coords = coords;
+    object_write_texture_coords(object, flat, surfaces);
+    object_mark(object, CHANGED_TEXTURE_COORDS);
+    state_set_flat(object, std::move(flat), 0);
+}
+
 bool object_is_deferred(const object_t *object)
 {
     const deferred_records *set = set_of(object);
@@ -319,6 +391,48 @@ bool object_free_deferred(object_t *object)
     set->give_back();
     std::erase_if(all_sets(), [&](const set_ptr &other) { return other.get() == set; });
     return true;
+}
+
+deferred_elements::deferred_elements(const object_t *top, bool untouched)
+{
+    for (const set_ptr &set : all_sets()) {
+        object_t *object = set->object();
+        if (!state_is_alive(object) || !set->has_lists_of(object) || !object_is_deferred(object))
+            continue;
+        const object_t *above = object;
+        while (above != nullptr && above != top)
+            above = above->parent;
+        if (above != nullptr && (!untouched || set->has_untouched_corners()))
+            sets_.push_back({set.get(), object, state_of(object).flat.get()});
+    }
+}
+
+deferred_elements::place_t deferred_elements::find(int run, const void *element) const
+{
+    const deferred_pages *owner = sets_.empty() ? nullptr : deferred_pages::owner_of(element);
+    if (owner == nullptr)
+        return {};
+    for (std::size_t i = 0; i < sets_.size(); ++i) {
+        if (!sets_[last_].records->hands_out(owner)) {
+            last_ = (last_ + 1) % sets_.size();
+            continue;
+        }
+        const int index = sets_[last_].records->index_of(run, element);
+        if (index < 0)
+            return {};
+        return {sets_[last_].object, sets_[last_].flat, index};
+    }
+    return {};
+}
+
+deferred_elements::place_t deferred_elements::find(const vertex *point) const
+{
+    return find(deferred_records::VERTICES, point);
+}
+
+deferred_elements::place_t deferred_elements::find(const surface_t *surface) const
+{
+    return find(deferred_records::SURFACES, surface);
 }
 
 int deferred_records_set_least(int value) { return std::exchange(least, value); }

@@ -7,6 +7,12 @@
 
 #include "model/flat_mesh.h"
 
+#include <cstddef>
+#include <span>
+#include <vector>
+
+class deferred_records;
+
 // Whether the records of so many are to be deferred: they are many, and it is possible here.
 bool records_can_be_deferred(int num_vertices, int num_surfaces);
 
@@ -27,10 +33,47 @@ flat_ptr untouched_flat(const object_t *object);
 // in values of these aspects alone.
 void object_defer_values(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned aspects);
 
+// Gives the corners of an object whose flat mesh is whole these coordinates, one a corner, and marks it:
+// those of these surfaces' corners (ascending; none: of all), the others are as they were. Records that are
+// deferred stay so.
+void object_set_texture_coords(object_t *object, const flat_array<flat_uv> &coords,
+                               std::span<const int> surfaces);
+// The same, but the caller marks: `flat`, complete, is what the records say then.
+void object_write_texture_coords(object_t *object, const flat_ptr &flat,
+                                 std::span<const int> surfaces);
+
 // Its lists are those that were deferred, touched or not, in their order: object_free_deferred frees them
 // and their records in one go, and announces nothing. It does nothing, and is false, for others.
 bool object_is_deferred(const object_t *object);
 bool object_free_deferred(object_t *object);
+
+// Elements of the deferred objects under `top`, found by their addresses alone: no record is touched. It
+// serves until anything changes.
+class deferred_elements {
+public:
+    struct place_t {
+        object_t *object = nullptr; // of an element that is not found
+        const flat_mesh *flat; // the object's; where values are marked, not up to date in these
+        int index;             // in its list
+    };
+    //   untouched  only objects none of whose vertices and corners was ever touched: the flat mesh says what
+    //              these say, whatever is marked
+    explicit deferred_elements(const object_t *top, bool untouched = false);
+    [[nodiscard]] place_t find(const vertex *point) const;
+    [[nodiscard]] place_t find(const surface_t *surface) const;
+    [[nodiscard]] bool any() const { return !sets_.empty(); }
+
+private:
+    struct set_t {
+        const deferred_records *records;
+        object_t *object;
+        const flat_mesh *flat;
+    };
+    [[nodiscard]] place_t find(int run, const void *element) const;
+
+    std::vector<set_t> sets_;
+    mutable std::size_t last_ = 0;
+};
 
 // For tests: the number of vertices and surfaces from which on a mesh is large; returns what it was.
 int deferred_records_set_least(int least);

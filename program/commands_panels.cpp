@@ -18,6 +18,7 @@
 #include "edit/panel_transform.h"
 #include "edit/uv/uv_editor.h"
 #include "fileio/clipboard.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/identity.h"
@@ -41,6 +42,7 @@
 #include <cstdio>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -113,6 +115,19 @@ void count_materials(object_t *object, value_counts *counts)
         counts->add(surface.material);
 }
 
+void count_materials_of_selected(value_counts *counts)
+{
+    const deferred_elements deferred(vesk_get_world());
+    const object_t *last = nullptr;
+    flat_ptr flat; // its own
+    for (const surface_t *surface : each<surface_t>(selection().surfaces)) {
+        const auto at = deferred.find(surface);
+        if (at.object != nullptr && std::exchange(last, at.object) != at.object)
+            flat = object_flat(at.object);
+        counts->add(at.object != nullptr ? flat->surface(at.index).material : surface->material);
+    }
+}
+
 // Palette entries of the selected surfaces and objects, the most frequent first.
 void command_selection_materials()
 {
@@ -124,10 +139,8 @@ void command_selection_materials()
         else
             for_each_object(top, [&](object_t *object) { count_materials(object, &materials); });
     }
-    const owned_list surfaces(select_mode() == SELECT_SURFACE ? find_selected_whole_surfaces()
-                                                              : nullptr);
-    for (const surface_t *surface : each<surface_t>(surfaces.get()))
-        materials.add(surface->material);
+    if (select_mode() == SELECT_SURFACE)
+        count_materials_of_selected(&materials);
     std::vector<std::pair<int, int>> found; // count negated, entry
     for (const auto &[entry, count] : materials.counts())
         found.emplace_back(-count, entry);

@@ -178,7 +178,7 @@ std::vector<char> corners_in_band(const uv_state &state, const band_t &band, boo
             corners[c] = band.holds(band.screen.at(mesh.at[c])) ? 1 : 0;
         return corners;
     }
-    std::vector<char> taken(mesh.surfaces.size());
+    std::vector<char> taken(mesh.num_surfaces());
     for (int i = 0; i < mesh.num_surfaces(); ++i)
         taken[i] = surface_in_band(mesh, i, band, touching) ? 1 : 0;
     if (state.mode == uv_mode::ISLAND) {

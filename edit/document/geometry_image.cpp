@@ -10,6 +10,7 @@
 #include "model/freed_internal.h"
 #include "model/normals_internal.h"
 
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -22,6 +23,11 @@ flat_array<point3_t> normals_from_corners(const flat_mesh &mesh)
             normals[i] = normal_of_corners(mesh, i);
     });
     return flat_shared(std::move(normals));
+}
+
+bool same_values(const std::vector<point3_t> &a, const std::vector<point3_t> &b)
+{
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]) == 0;
 }
 
 // ---- the lists stay, values are written ----
@@ -62,9 +68,9 @@ void write_attributes(surface_t *surface, const flat_surface &attributes)
         surface->twosided = attributes.twosided;
 }
 
-void write_values(const object_state &state, const flat_mesh &image)
+void write_values(object_t *object, const object_state &state, const flat_ptr &to)
 {
-    const flat_mesh &now = *state.flat;
+    const flat_mesh &now = *state.flat, &image = *to;
     const std::vector<vertex *> &vertices = *now.vertex_records;
     const std::vector<surface_t *> &surfaces = *now.surface_records;
     if ((state.marks & CHANGED_POSITIONS) != 0 || now.positions != image.positions) {
@@ -83,7 +89,11 @@ void write_values(const object_state &state, const flat_mesh &image)
         for (std::size_t i = 0; i < surfaces.size(); ++i)
             write_attributes(surfaces[i], image.surface(i));
     }
-    if ((state.marks & CHANGED_TEXTURE_COORDS) != 0 || now.texture_coords != image.texture_coords)
+    if ((state.marks & CHANGED_TEXTURE_COORDS) == 0 && now.texture_coords == image.texture_coords)
+        return;
+    if (now.whole)
+        object_write_texture_coords(object, to, {});
+    else
         write_texture_coords(surfaces, vertices, image);
 }
 
@@ -211,14 +221,19 @@ void fill_lists(object_t *object, flat_mesh *image)
 bool object_write_geometry(object_t *object, const flat_mesh &image)
 {
     auto flat = std::make_shared<flat_mesh>(image);
-    if (!flat->face_normals)
-        flat->face_normals = normals_from_corners(image);
     object_state &state = state_of(object);
+    if (!flat->face_normals) {
+        flat->face_normals = normals_from_corners(image);
+        // The records are not touched for what they say already.
+        if (state.flat && state.flat->face_normals &&
+            same_values(*state.flat->face_normals, *flat->face_normals))
+            flat->face_normals = state.flat->face_normals;
+    }
     const bool stays = has_lists_of(state, *flat);
     if (stays) {
-        write_values(state, *flat);
         flat->vertex_records = state.flat->vertex_records;
         flat->surface_records = state.flat->surface_records;
+        write_values(object, state, flat);
     } else if (records_can_be_deferred(flat->num_vertices(), flat->num_surfaces())) {
         object_set_whole(object, std::move(flat));
         return false;

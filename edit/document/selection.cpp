@@ -1,11 +1,9 @@
-#include "base/coor_display.h"
 #include "base/foreign.h"
 #include "base/messages.h"
 #include "base/redraw.h"
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "model/alloc.h"
-#include "model/bounds.h"
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
@@ -261,6 +259,23 @@ void selection_add_surfaces(const std::vector<surface_t *> &surfaces)
     all.num_surfaces += add_unique(&all.surfaces, surfaces);
 }
 
+void selection_set_elements(const std::vector<surface_t *> &surfaces)
+{
+    selection_t &all = selection();
+    list_free(&all.surfaces);
+    all.surfaces = make_nodes(surfaces).first;
+    all.num_surfaces = static_cast<int>(surfaces.size());
+}
+
+void selection_set_elements(const std::vector<vertex *> &vertices)
+{
+    selection_t &all = selection();
+    list_free(&all.vertices);
+    all.vertices = make_nodes(vertices).first;
+    all.num_vertices = static_cast<int>(vertices.size());
+    chosen_edges_forget();
+}
+
 void selection_add_objects(const std::vector<object_t *> &objects)
 {
     selection_t &all = selection();
@@ -476,74 +491,6 @@ void select_part_selected_surfaces(void)
     display_message("Done.");
     display_status();
     display_message("%d surfaces selected", static_cast<int>(touched.size()));
-}
-
-// ---- the box ----
-
-namespace {
-
-// A light has no vertices: the place where it stands counts as one. Returns how many there are.
-int add_lights(const object_t *top, point3_t *min, point3_t *max)
-{
-    int lights = 0;
-    for_each_object(const_cast<object_t *>(top), [&](const object_t *part) {
-        if (part->type != OBJECT_LIGHT || part->vertices != nullptr)
-            return;
-        bounds_add(part->centre, min, max);
-        ++lights;
-    });
-    return lights;
-}
-
-} // namespace
-
-void find_bounding_box(void)
-{
-    selection_t &all = selection();
-    bounds_clear(&all.box_min, &all.box_max);
-    int visited = all.num_vertices;
-    for (const vertex *v : each<vertex>(all.vertices))
-        bounds_add(v->position, &all.box_min, &all.box_max);
-    for (const surface_t *surface : each<surface_t>(all.surfaces)) {
-        for (const svertex *corner : each<svertex>(surface->refs)) {
-            if (corner->vertex == nullptr)
-                continue;
-            bounds_add(corner->vertex->position, &all.box_min, &all.box_max);
-            ++visited;
-        }
-    }
-    for (const object_t *object : each<object_t>(all.objects)) {
-        point3_t low, high;
-        const int n = object_bounds(object, &low, &high);
-        if (n == 0)
-            continue;
-        visited += n;
-        bounds_add(low, &all.box_min, &all.box_max);
-        bounds_add(high, &all.box_min, &all.box_max);
-    }
-    // Beside geometry the lights, which often stand far away, do not count.
-    if (visited == 0) {
-        for (const object_t *object : each<object_t>(all.objects))
-            visited += add_lights(object, &all.box_min, &all.box_max);
-    }
-    // A box of coordinates that are no numbers is none.
-    all.box_valid = visited > 0 && all.box_min.x <= all.box_max.x &&
-                            all.box_min.y <= all.box_max.y && all.box_min.z <= all.box_max.z
-                        ? 1
-                        : 0;
-    recalc_bb_info();
-}
-
-void recalc_bb_info(void)
-{
-    selection_t &all = selection();
-    if (all.box_valid == 0)
-        return;
-    const point3_t &a = all.box_min;
-    const point3_t &b = all.box_max;
-    all.box_size = {b.x - a.x, b.y - a.y, b.z - a.z};
-    all.box_centre = {a.x + all.box_size.x / 2, a.y + all.box_size.y / 2, a.z + all.box_size.z / 2};
-    show_coors_and_dim(&all.box_centre, &a, &b);
 }
 
 // ---- saving ----

@@ -4,9 +4,12 @@
 #include "edit/document/selection_image.h"
 
 #include "edit/document/selection_scan.h"
+#include "model/deferred_records.h"
 #include "model/identity.h"
+#include "model/world.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -25,6 +28,23 @@ public:
     element_places(const tracked_objects &objects, listitem *object_t::*list)
         : objects_(objects), list_(list)
     {
+    }
+
+    // By its address, where its object is deferred.
+    bool find_deferred(const T *element, place *out)
+    {
+        const auto known = deferred_.find(element);
+        if (known.object == nullptr)
+            return false;
+        if (known.object != last_object_) {
+            const auto at = std::find_if(objects_.begin(), objects_.end(), [&](const auto &other) {
+                return other.object == known.object;
+            });
+            last_object_ = known.object;
+            last_owner_ = at == objects_.end() ? nullptr : &*at;
+        }
+        *out = {last_owner_, known.index};
+        return last_owner_ != nullptr;
     }
 
     bool find(const T *element, place *out)
@@ -56,6 +76,9 @@ private:
     listitem *object_t::*list_;
     std::vector<const T *> records_;
     std::vector<std::uint32_t> starts_; // of each object's elements
+    deferred_elements deferred_{vesk_get_world()};
+    const object_t *last_object_ = nullptr; // of the deferred ones
+    const tracked_model::tracked_object *last_owner_ = nullptr;
 };
 
 constexpr std::size_t few_objects = 16; // whose first elements are looked at
@@ -68,29 +91,34 @@ std::vector<selection_run> runs_of(const listitem *selected, const tracked_objec
     std::vector<selection_run> runs;
     element_places<T> known(objects, list);
     const listitem *expected = nullptr; // the node after the last element in its owner's list
+    const tracked_model::tracked_object *last = nullptr;
+    int identity = 0; // its own
     for (const T *element : each<T>(selected)) {
-        if (expected && item_of<T>(expected) == element) {
+        place at = {nullptr, 0};
+        const bool is_deferred = known.find_deferred(element, &at);
+        if (!is_deferred && expected && item_of<T>(expected) == element) {
             ++runs.back().count;
             expected = expected->next;
             continue;
         }
         // Selected whole objects begin with an object's first element.
-        place at = {nullptr, 0};
-        for (std::size_t i = 0; i < objects.size() && objects.size() <= few_objects; ++i) {
+        for (std::size_t i = 0; !is_deferred && i < objects.size() && objects.size() <= few_objects;
+             ++i) {
             const listitem *head = objects[i].object->*list;
             if (head && item_of<T>(head) == element)
                 at.owner = &objects[i];
         }
         if (!at.owner && !known.find(element, &at))
             continue;
-        const int identity = object_identity(at.owner->object);
+        if (std::exchange(last, at.owner) != at.owner)
+            identity = object_identity(at.owner->object);
         if (!runs.empty() && runs.back().identity == identity &&
             runs.back().first + runs.back().count == at.index) {
             ++runs.back().count;
         } else {
             runs.push_back({identity, at.index, 1});
         }
-        expected = at.index == 0 ? (at.owner->object->*list)->next : nullptr;
+        expected = !is_deferred && at.index == 0 ? (at.owner->object->*list)->next : nullptr;
     }
     return runs;
 }
@@ -127,25 +155,35 @@ std::vector<edge_ends> edges_at(const std::vector<selected_edge> &places,
     return edges;
 }
 
-template <class T>
-void append_runs(const std::vector<selection_run> &runs, const objects_by_identity &objects,
-                 listitem *object_t::*list, owned_list *out)
+const std::vector<vertex *> &records_of(const flat_mesh &flat, const vertex *)
 {
-    // Elements by their places, for the objects that runs name.
-    std::unordered_map<int, std::vector<T *>> elements;
+    return *flat.vertex_records;
+}
+const std::vector<surface_t *> &records_of(const flat_mesh &flat, const surface_t *)
+{
+    return *flat.surface_records;
+}
+
+// The list of the elements that the runs name.
+template <class T>
+listitem *list_of_runs(const std::vector<selection_run> &runs, const objects_by_identity &objects)
+{
+    std::vector<T *> elements;
+    int identity = 0;
+    flat_ptr flat; // of the object of that identity
     for (const selection_run &run : runs) {
         const auto object = objects.find(run.identity);
         if (object == objects.end())
             continue;
-        std::vector<T *> &known = elements[run.identity];
-        if (known.empty()) {
-            for (T *element : each<T>(object->second->*list))
-                known.push_back(element);
-        }
+        if (flat == nullptr || identity != run.identity)
+            flat = object_flat(object->second);
+        identity = run.identity;
+        const std::vector<T *> &known = records_of(*flat, static_cast<T *>(nullptr));
         const auto size = static_cast<int>(known.size());
-        for (int i = run.first; i < std::min(run.first + run.count, size); ++i)
-            out->add(known[i]);
+        elements.insert(elements.end(), known.begin() + std::min(run.first, size),
+                        known.begin() + std::min(run.first + run.count, size));
     }
+    return make_nodes(elements).first;
 }
 
 } // namespace
@@ -166,15 +204,14 @@ std::shared_ptr<const selection_image> selection_image_take(const tracked_object
 
 void selection_image_restore(const selection_image &image, const objects_by_identity &objects)
 {
-    owned_list vertices, surfaces, chosen;
-    append_runs<vertex>(image.vertices, objects, &object_t::vertices, &vertices);
-    append_runs<surface_t>(image.surfaces, objects, &object_t::surfaces, &surfaces);
+    owned_list chosen;
     for (const int identity : image.objects) {
         const auto object = objects.find(identity);
         if (object != objects.end())
             chosen.add(object->second);
     }
-    saved_selection_t saved = {vertices.release(), surfaces.release(), chosen.release(),
+    saved_selection_t saved = {list_of_runs<vertex>(image.vertices, objects),
+                               list_of_runs<surface_t>(image.surfaces, objects), chosen.release(),
                                image.mode};
     if (image.edges)
         saved.edges = edges_at(*image.edges, objects);

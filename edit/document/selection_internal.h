@@ -42,6 +42,10 @@ void selection_add_objects(const std::vector<object_t *> &objects);
 void selection_add_surfaces(const std::vector<surface_t *> &surfaces);
 void selection_add_vertices(const std::vector<vertex *> &vertices);
 
+// Makes distinct elements the whole list of their sort, without announcing and without touching them.
+void selection_set_elements(const std::vector<surface_t *> &surfaces);
+void selection_set_elements(const std::vector<vertex *> &vertices);
+
 // The surfaces of the world all of whose vertices are in `vertices`, in tree order.
 std::vector<surface_t *> surfaces_within(const std::vector<vertex *> &vertices);
 

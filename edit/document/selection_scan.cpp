@@ -2,6 +2,7 @@
 
 #include "base/messages.h"
 #include "edit/document/selection_internal.h"
+#include "model/deferred_records.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 
@@ -28,7 +29,14 @@ template <class T, class Head>
 std::vector<object_t *> owners_of(const std::vector<T *> &elements, Head head_of)
 {
     std::vector<object_t *> owners(elements.size(), nullptr);
-    if (elements.empty())
+    const deferred_elements deferred(vesk_get_world());
+    std::size_t known = 0;
+    for (; deferred.any() && known < elements.size(); ++known) {
+        owners[known] = deferred.find(elements[known]).object;
+        if (owners[known] == nullptr)
+            break;
+    }
+    if (known == elements.size())
         return owners;
     number_all(elements);
     for_each_object(vesk_get_world(), [&](object_t *object) {

@@ -325,16 +325,14 @@ void set_undo_texture_coords(const listitem *surfaces)
     undo_record *record = record_for(nullptr);
     if (!record)
         return;
-    for (surface_t *surface : each<surface_t>(surfaces)) {
-        saved_texture_coords coords = {surface, {}};
-        std::size_t count = 0;
-        for ([[maybe_unused]] const svertex *reference : each<svertex>(surface->refs))
-            ++count;
-        coords.corners.reserve(count);
-        for (svertex *reference : each<svertex>(surface->refs))
-            coords.corners.push_back({reference, reference->u, reference->v});
-        record->texture_coords.push_back(std::move(coords));
-    }
+    for (surface_t *surface : each<surface_t>(surfaces))
+        record->texture_coords.save(surface);
+}
+
+void set_undo_object_texture_coords(object_t *object, std::span<const int> places)
+{
+    if (undo_record *record = record_for(nullptr))
+        record->texture_coords.save(object, places);
 }
 
 void set_undo_surface_colour(surface_t *, int) {}
@@ -403,7 +401,7 @@ void UNDO(void)
                 true); // a record that loses elements now cannot reverse its change after a redo
             row->reverse(*record);
             if (row->kind != UNDO_TEXTURE_COORDS)
-                undo_restore_texture_coords(*record); // coordinates that slid along
+                record->texture_coords.restore(); // coordinates that slid along
             undo_set_jumping(false);
         }
         journal_undone(record);

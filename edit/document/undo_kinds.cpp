@@ -44,6 +44,7 @@ living_records &living()
 class freed_sets {
 public:
     explicit freed_sets(const freed_things &freed) : freed_(freed) {}
+    [[nodiscard]] const freed_things &things() const { return freed_; }
     bool has(vertex *v) { return look(v, freed_.vertices, &vertices_); }
     bool has(surface_t *s) { return look(s, freed_.surfaces, &surfaces_); }
     bool has(object_t *o) { return look(o, freed_.objects, &objects_); }
@@ -137,8 +138,8 @@ bool drop_freed(undo_record &record, freed_sets &freed)
     any |= drop<surface_t>(&record.saved.surfaces, freed);
     any |= drop<object_t>(&record.saved.objects, freed);
     any |= drop(record.saved.edges, freed);
-    for (saved_texture_coords &coords : record.texture_coords)
-        any |= drop(&coords.surface, freed);
+    any |= record.texture_coords.drop(freed.things(),
+                                      [&](surface_t *surface) { return freed.has(surface); });
     return std::visit([&](auto &data) { return drop_from(data, freed); }, record.data) || any;
 }
 
@@ -187,10 +188,7 @@ void hold_everything(freed_things &held)
         append_elements(record->saved.vertices, &held.vertices);
         append_elements(record->saved.surfaces, &held.surfaces);
         append_elements(record->saved.objects, &held.objects);
-        for (const saved_texture_coords &coords : record->texture_coords) {
-            if (coords.surface)
-                held.surfaces.push_back(coords.surface);
-        }
+        record->texture_coords.hold(held);
         std::visit([&](const auto &data) { hold(data, held); }, record->data);
     }
 }
@@ -305,7 +303,7 @@ void reverse_positions(undo_record &record)
 
 void reverse_texture_coords(undo_record &record)
 {
-    undo_restore_texture_coords(record);
+    record.texture_coords.restore();
     undo_drop_newest();
     selection_changed("undo");
 }
@@ -418,30 +416,6 @@ void undo_on_saved_selection(const undo_record &record, const std::function<void
     live.mode = mode;
     selection_restore(&live);
     find_bounding_box();
-}
-
-void undo_restore_texture_coords(const undo_record &record)
-{
-    std::vector<surface_t *> surfaces;
-    for (const saved_texture_coords &coords : record.texture_coords) {
-        if (!coords.surface)
-            continue;
-        surfaces.push_back(coords.surface);
-        // The corners may have changed since: those that are still there are in the same order.
-        auto saved = coords.corners.begin();
-        for (svertex *reference : each<svertex>(coords.surface->refs)) {
-            const auto same = std::find_if(saved, coords.corners.end(), [&](const auto &corner) {
-                return corner.reference == reference;
-            });
-            if (same == coords.corners.end())
-                continue;
-            reference->u = same->u;
-            reference->v = same->v;
-            saved = same + 1;
-        }
-    }
-    for (object_t *owner : living_owners(owners_of_surfaces(surfaces)))
-        object_mark(owner, CHANGED_TEXTURE_COORDS);
 }
 
 const undo_kind *undo_kind_of(int kind)

@@ -5,21 +5,13 @@
 
 #include "edit/document/model_state.h"
 #include "edit/document/undo.h"
+#include "edit/document/undo_texture.h"
 
 #include <functional>
 #include <span>
 #include <string>
 #include <variant>
 #include <vector>
-
-struct saved_corner {
-    svertex *reference; // only compared: it is freed with its surface
-    float u, v;
-};
-struct saved_texture_coords {
-    surface_t *surface; // null when it was freed
-    std::vector<saved_corner> corners;
-};
 
 // ---- data that reverse a change: each kind of record has one of these ----
 
@@ -79,7 +71,7 @@ struct undo_record {
     bool broken =
         false; // an undo or a jump through the history freed elements that its reversal needs
     saved_selection_t saved;
-    std::vector<saved_texture_coords> texture_coords; // that changed, or slid along
+    undo_texture_coords texture_coords; // that changed, or slid along
     undo_data data;
 
     undo_record(int new_kind, const char *text);
@@ -111,8 +103,6 @@ undo_data undo_data_of()
 {
     return Data{};
 }
-// Writes back the coordinates that a record holds, of whatever kind it is.
-void undo_restore_texture_coords(const undo_record &record);
 // Null for a code that is not in the table.
 const undo_kind *undo_kind_of(int kind);
 

@@ -17,9 +17,9 @@ namespace {
 float narrow(double value) { return static_cast<float>(value); }
 
 // Commits, and reports the result.
-void finish(const char *label, const std::vector<flat_uv> &at)
+void finish(const char *label, std::vector<flat_uv> at)
 {
-    const int changed = uv_commit(label, at);
+    const int changed = uv_commit(label, std::move(at));
     display_message("%s - %d surfaces", label, changed);
     display_status();
 }
@@ -365,5 +365,5 @@ void command_uv_snap()
         if (moving[c] != 0)
             at[c] = {uv_snapped(at[c].u, pixels.width), uv_snapped(at[c].v, pixels.height)};
     }
-    finish(label, at);
+    finish(label, std::move(at));
 }

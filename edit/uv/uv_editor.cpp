@@ -5,15 +5,18 @@
 #include "edit/document/edit_support.h"
 #include "edit/document/modes.h"
 #include "edit/document/selection_scan.h"
-#include "edit/document/undo.h"
+#include "edit/document/undo_texture.h"
 #include "edit/uv/uv_gather.h"
+#include "model/deferred_records.h"
 #include "model/identity.h"
 #include "model/textures/textures.h"
 #include "model/world.h"
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace {
 
@@ -156,32 +159,70 @@ std::vector<char> by_mode(const uv_state &state, const std::vector<char> &corner
 
 // ---- the main selection ----
 
-vertex *vertex_of(const uv_mesh &mesh, int surface, int corner)
+// Calls found(part, place in its object) for those selected elements that their addresses tell; returns the
+// others.
+template <class T, class Found>
+std::unordered_set<const T *> others_selected(const uv_mesh &mesh, const listitem *selected,
+                                              const Found &found)
 {
-    const uv_part &part = mesh.parts[mesh.part[surface]];
-    return part.flat->vertex_record(mesh.vertices[corner] - part.first_vertex);
+    std::unordered_map<const object_t *, const uv_part *> parts;
+    for (const uv_part &part : mesh.parts)
+        parts.emplace(part.object, &part);
+    std::unordered_set<const T *> others;
+    const deferred_elements deferred(vesk_get_world());
+    const object_t *last = nullptr;
+    const uv_part *part = nullptr; // of that object
+    for (const T *element : each<T>(selected)) {
+        const auto at = deferred.find(element);
+        if (at.object != nullptr && std::exchange(last, at.object) != at.object) {
+            const auto known = parts.find(at.object);
+            part = known == parts.end() ? nullptr : known->second;
+        }
+        if (at.object == nullptr || (part != nullptr && !found(*part, at.index)))
+            others.insert(element);
+    }
+    return others;
+}
+
+void choose_selected_surfaces(const uv_mesh &mesh, std::vector<char> &corners)
+{
+    const auto others =
+        others_selected<surface_t>(mesh, selection().surfaces, [&](const uv_part &part, int index) {
+            if (part.is_all())
+                set_surface(mesh, part.first_surface + index, corners);
+            return part.is_all();
+        });
+    for (int i = 0; i < mesh.num_surfaces() && !others.empty(); ++i) {
+        if (others.count(mesh.surfaces[i]) != 0)
+            set_surface(mesh, i, corners);
+    }
+}
+
+void choose_selected_vertices(const uv_mesh &mesh, std::vector<char> &corners)
+{
+    std::vector<char> chosen(mesh.positions.size(), 0);
+    const auto others =
+        others_selected<vertex>(mesh, selection().vertices, [&](const uv_part &part, int index) {
+            chosen[part.first_vertex + index] = 1;
+            return true;
+        });
+    for (const uv_part &part : mesh.parts) {
+        int v = part.first_vertex;
+        for (const vertex *point : *part.flat->vertex_records)
+            chosen[v++] |= !others.empty() && others.count(point) != 0 ? 1 : 0;
+    }
+    for (std::size_t c = 0; c < corners.size(); ++c)
+        corners[c] = chosen[mesh.vertices[c]];
 }
 
 // The corners that the main selection means.
 std::vector<char> corners_of_main_selection(const uv_mesh &mesh)
 {
     std::vector<char> corners = none_of(mesh);
-    const selection_t &all = selection();
-    if (select_mode() == SELECT_SURFACE) {
-        const auto list = elements_of<surface_t>(all.surfaces);
-        const std::unordered_set<const surface_t *> chosen(list.begin(), list.end());
-        for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            if (chosen.count(mesh.surfaces[i]) != 0)
-                set_surface(mesh, i, corners);
-        }
-    } else if (select_mode() == SELECT_VERTEX) {
-        const auto list = elements_of<vertex>(all.vertices);
-        const std::unordered_set<const vertex *> chosen(list.begin(), list.end());
-        for (int i = 0; i < mesh.num_surfaces(); ++i) {
-            for (int c = mesh.corners_begin(i); c < mesh.corners_end(i); ++c)
-                corners[c] = chosen.count(vertex_of(mesh, i, c)) != 0 ? 1 : 0;
-        }
-    }
+    if (select_mode() == SELECT_SURFACE)
+        choose_selected_surfaces(mesh, corners);
+    else if (select_mode() == SELECT_VERTEX)
+        choose_selected_vertices(mesh, corners);
     return corners;
 }
 
@@ -222,6 +263,23 @@ void take_notice()
     editor().select_mode = select_mode();
 }
 
+// Each once, in the order of their first corners.
+std::vector<vertex *> chosen_vertices(const uv_state &state)
+{
+    std::vector<vertex *> vertices;
+    std::vector<char> is_in(state.mesh.positions.size(), 0);
+    for (const uv_part &part : state.mesh.parts) {
+        const int end = part.first_surface + part.num_surfaces;
+        for (int c = state.mesh.corners_begin(part.first_surface);
+             c < state.mesh.corners_begin(end); ++c) {
+            const int v = state.mesh.vertices[c];
+            if (state.chosen[c] != 0 && std::exchange(is_in[v], 1) == 0)
+                vertices.push_back(part.flat->vertex_record(v - part.first_vertex));
+        }
+    }
+    return vertices;
+}
+
 void carry_over()
 {
     uv_state &state = editor().state;
@@ -242,16 +300,9 @@ void carry_over()
             if (is_whole(state.mesh, i, state.chosen))
                 surfaces.push_back(state.mesh.surfaces[i]);
         }
-        selection_add_surfaces(surfaces);
+        selection_set_elements(surfaces);
     } else {
-        std::vector<vertex *> vertices;
-        for (int i = 0; i < state.mesh.num_surfaces(); ++i) {
-            for (int c = state.mesh.corners_begin(i); c < state.mesh.corners_end(i); ++c) {
-                if (state.chosen[c] != 0)
-                    vertices.push_back(vertex_of(state.mesh, i, c));
-            }
-        }
-        selection_add_vertices(vertices);
+        selection_set_elements(chosen_vertices(state));
     }
     editor().emptied = state.num_chosen == 0;
     find_bounding_box();
@@ -287,6 +338,8 @@ bool gather(bool waits)
     for (object_t *object : shown_objects())
         sources.push_back({object, object_identity(object), object_flat(object)});
     uv_gathered found;
+    if (!waits)
+        state.islands = {}; // room for the new ones
     if (!waits)
         found = uv_gather(sources);
     else if (!uv_gather_later(sources, &found))
@@ -501,10 +554,9 @@ uv_pixels uv_picture_size()
             image->height * repeats(object->texture_repeat_y)};
 }
 
-int uv_commit(const char *label, const std::vector<flat_uv> &wanted)
+int uv_commit(const char *label, std::vector<flat_uv> at)
 {
     const uv_mesh &mesh = uv_editor().mesh;
-    std::vector<flat_uv> at = wanted;
     for (std::size_t c = 0; c < at.size(); ++c) {
         if (!std::isfinite(at[c].u) || !std::isfinite(at[c].v))
             at[c] = mesh.at[c];
@@ -512,22 +564,22 @@ int uv_commit(const char *label, const std::vector<flat_uv> &wanted)
     const std::vector<int> changed = uv_changed_surfaces(mesh, mesh.at, at);
     if (changed.empty())
         return 0;
-    owned_list surfaces;
-    for (const int i : changed)
-        surfaces.add(mesh.surfaces[i]);
     new_undo(UNDO_TEXTURE_COORDS, label);
-    set_undo_texture_coords(surfaces.get());
-    uv_write(mesh, at, changed);
+    for (const uv_surfaces_of_part &some : uv_by_part(mesh, changed))
+        set_undo_object_texture_coords(some.part->object, some.in_flat());
+    uv_write(mesh, std::move(at), changed);
     redraw_all();
     return static_cast<int>(changed.size());
 }
 
-void uv_preview(const std::vector<flat_uv> &at)
+void uv_preview(std::vector<flat_uv> moved)
 {
     uv_state &state = editor().state;
-    if (at.size() != state.mesh.at.size() || !same_topology(state.mesh))
+    if (moved.size() != state.mesh.at.size() || !same_topology(state.mesh))
         return;
-    uv_write(state.mesh, at, uv_changed_surfaces(state.mesh, state.mesh.at, at));
+    const std::vector<int> changed = uv_changed_surfaces(state.mesh, state.mesh.at, moved);
+    const uv_array<flat_uv> at = std::move(moved);
+    uv_write(state.mesh, at, changed);
     state.mesh.at = at;
     for (uv_part &part : state.mesh.parts)
         part.flat = object_flat(part.object);

@@ -68,10 +68,10 @@ object_t *uv_picture_object();
 
 // Makes `at` the coordinates of all shown corners, but for those that are no numbers: one undo
 // record with that label. Returns how many surfaces changed; 0: no record.
-int uv_commit(const char *label, const std::vector<flat_uv> &at);
+int uv_commit(const char *label, std::vector<flat_uv> at);
 
 // The same without a record, for a drag: islands stay as they were numbered at its begin.
-void uv_preview(const std::vector<flat_uv> &at);
+void uv_preview(std::vector<flat_uv> at);
 
 void uv_editor_reset_for_test();
 

@@ -265,7 +265,7 @@ void save_in(undo_record &record, const uv_mesh &mesh, const std::vector<flat_uv
     for (const int i : surfaces) {
         saved_texture_coords saved = {mesh.surfaces[i], {}};
         int corner = mesh.corners_begin(i);
-        const uv_part &part = mesh.parts[mesh.part[i]];
+        const uv_part &part = mesh.part_of(i);
         for (svertex *reference : each<svertex>(saved.surface->refs)) {
             const int at = corner < mesh.corners_end(i) ? mesh.vertices[corner] : -1;
             if (at < 0 || part.flat->vertex_record(at - part.first_vertex) != reference->vertex)
@@ -273,7 +273,7 @@ void save_in(undo_record &record, const uv_mesh &mesh, const std::vector<flat_uv
             saved.corners.push_back({reference, before[corner].u, before[corner].v});
             ++corner;
         }
-        record.texture_coords.push_back(std::move(saved));
+        record.texture_coords.surfaces.push_back(std::move(saved));
     }
 }
 
@@ -296,13 +296,13 @@ void follow(object_t *object, const selected_set &selected, undo_record *record,
         return;
     const std::shared_ptr<const origin_t> origin = origin_of(identity);
     const uv_mesh mesh = uv_mesh_of({object});
-    if (mesh.parts.empty() || mesh.vertices != origin->mesh.vertices ||
+    if (mesh.parts.empty() || !(mesh.vertices == origin->mesh.vertices) ||
         mesh.positions.size() != origin->mesh.positions.size() ||
-        mesh.first_corner != origin->mesh.first_corner)
+        !(mesh.first_corner == origin->mesh.first_corner))
         return;
     if (at_end && !followed && !same_coordinates(mesh.at, origin->mesh.at))
         return;
-    const std::vector<flat_uv> at = slid(*origin, mesh, selected);
+    const uv_array<flat_uv> at = slid(*origin, mesh, selected);
     uv_write(mesh, at, uv_changed_surfaces(mesh, mesh.at, at));
     keep().followed.insert(identity);
     if (record != nullptr)

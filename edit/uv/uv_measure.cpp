@@ -97,7 +97,7 @@ bool parts(const uv_triangle &a, const uv_triangle &b, double slack)
 // among those that are no smaller.
 class overlap_finder {
 public:
-    explicit overlap_finder(const uv_mesh &mesh) : mesh_(mesh), found_(mesh.surfaces.size(), 0) {}
+    explicit overlap_finder(const uv_mesh &mesh) : mesh_(mesh), found_(mesh.num_surfaces(), 0) {}
 
     std::vector<char> run()
     {
@@ -260,7 +260,7 @@ void tell(const char *key, const std::string &value)
 std::vector<uv_stretch> uv_measure_stretch(const uv_mesh &mesh, double aspect)
 {
     std::vector<triangle_sums> sums;
-    sums.reserve(mesh.surfaces.size());
+    sums.reserve(mesh.num_surfaces());
     double model = 0, picture = 0, turned = 0;
     for (int i = 0; i < mesh.num_surfaces(); ++i) {
         sums.push_back(sums_of(mesh, i, aspect));
@@ -268,7 +268,7 @@ std::vector<uv_stretch> uv_measure_stretch(const uv_mesh &mesh, double aspect)
         picture += std::fabs(sums.back().picture);
         turned += sums.back().picture;
     }
-    std::vector<uv_stretch> stretch(mesh.surfaces.size());
+    std::vector<uv_stretch> stretch(mesh.num_surfaces());
     for (std::size_t i = 0; i < stretch.size(); ++i) {
         const triangle_sums &s = sums[i];
         if (!(s.model > 0) || !(picture > 0))

@@ -2,11 +2,14 @@
 #define VESK_EDIT_UV_UV_MESH_H
 
 // The texture coordinates of some objects' polygons as plain arrays: the input of the operations on
-// texture coordinates. Surfaces, corners and vertices of all objects are numbered through.
+// texture coordinates. Surfaces, corners and vertices of all objects are numbered through. The arrays of
+// one object that has nothing but polygons are those of its flat mesh.
 
-#include "model/flat_mesh.h"
+#include "edit/uv/uv_array.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 struct uv_part {
@@ -15,6 +18,8 @@ struct uv_part {
     flat_ptr flat;
     int first_surface, num_surfaces; // of its polygons
     int first_vertex;
+    // Its surfaces are its polygons, numbered alike but for first_surface.
+    [[nodiscard]] bool is_all() const { return num_surfaces == flat->num_surfaces(); }
 };
 
 // An object, which need not be there any more, as it was.
@@ -28,17 +33,20 @@ struct uv_source {
 struct uv_mesh {
     std::vector<uv_part> parts;
     // one a polygon
-    std::vector<surface_t *> surfaces;
-    std::vector<int> part;
-    std::vector<int> first_corner; // num_surfaces() + 1 elements
-    std::vector<point3_t> normals;
+    uv_array<surface_t *> surfaces; // none of flat meshes without records
+    uv_array<int> first_corner;     // num_surfaces() + 1 elements
+    uv_array<point3_t> normals;
     // one a corner
-    std::vector<int> vertices;
-    std::vector<flat_uv> at;
+    uv_array<int> vertices;
+    uv_array<flat_uv> at;
     // one a vertex
-    std::vector<point3_t> positions;
+    uv_array<point3_t> positions;
 
-    [[nodiscard]] int num_surfaces() const { return static_cast<int>(surfaces.size()); }
+    [[nodiscard]] int num_surfaces() const
+    {
+        return static_cast<int>(std::max<std::size_t>(first_corner.size(), 1)) - 1;
+    }
+    [[nodiscard]] const uv_part &part_of(int surface) const;
     [[nodiscard]] int num_corners() const { return static_cast<int>(at.size()); }
     [[nodiscard]] int corners_begin(int surface) const { return first_corner[surface]; }
     [[nodiscard]] int corners_end(int surface) const { return first_corner[surface + 1]; }
@@ -65,10 +73,21 @@ bool uv_part_is_current(const uv_part &part);
 // The surface of each corner.
 std::vector<int> uv_surface_of_corners(const uv_mesh &mesh);
 
-// Writes the coordinates `at` of these surfaces (ascending) into the model and marks the objects.
-// No undo, no redraw.
-void uv_write(const uv_mesh &mesh, const std::vector<flat_uv> &at,
-              const std::vector<int> &surfaces);
+// Those of some surfaces (ascending) that are of one part, by their numbers here and in its flat mesh.
+struct uv_surfaces_of_part {
+    const uv_part *part;
+    std::span<const int> in_mesh;
+    std::vector<int> others; // the numbers there, where they are others
+    [[nodiscard]] std::span<const int> in_flat() const
+    {
+        return others.empty() ? in_mesh : std::span<const int>(others);
+    }
+};
+std::vector<uv_surfaces_of_part> uv_by_part(const uv_mesh &mesh, std::span<const int> surfaces);
+
+// Writes the coordinates `at` of these surfaces (ascending) into the model and marks the objects; those of
+// others are as they were. Records that are deferred stay so. No undo, no redraw.
+void uv_write(const uv_mesh &mesh, const uv_array<flat_uv> &at, const std::vector<int> &surfaces);
 
 // Surfaces with a corner whose coordinates differ, ascending.
 std::vector<int> uv_changed_surfaces(const uv_mesh &mesh, const std::vector<flat_uv> &from,

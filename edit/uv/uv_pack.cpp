@@ -268,7 +268,7 @@ void command_uv_pack(float margin)
         for (int c = state.mesh.corners_begin(i); c < state.mesh.corners_end(i); ++c)
             at[c] = m.apply(at[c]);
     }
-    uv_commit(label, at);
+    uv_commit(label, std::move(at));
     display_message("%s - %d islands", label, static_cast<int>(islands.size()));
     display_status();
 }

@@ -2,6 +2,8 @@
 
 #include "base/messages.h"
 #include "base/redraw.h"
+#include "base/worker.h"
+#include "edit/uv/multigrid.h"
 #include "edit/uv/uv_editor.h"
 #include "model/vector.h"
 
@@ -9,11 +11,18 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
 using vector2 = Eigen::Vector2d;
+
+// More unknowns are not factorised: that grows with their power of 1.5.
+int most_factorised = 30000;
+// How exact a step is then, in a picture of size one.
+constexpr double exactness = 1e-6;
 
 // A triangle of the island: its corners as unknowns, its shape laid flat, and the weight of each
 // side (half the cotangent of the angle opposite).
@@ -29,6 +38,10 @@ public:
                double aspect, const std::vector<flat_uv> &at)
         : mesh_(mesh), aspect_(aspect)
     {
+        std::size_t triangles = 0;
+        for (const int i : surfaces)
+            triangles += mesh.corners_end(i) - mesh.corners_begin(i) - 2;
+        cells_.reserve(triangles);
         for (const int i : surfaces)
             add_surface(i, islands, at);
         scale_shapes();
@@ -154,27 +167,32 @@ private:
     bool factorise()
     {
         std::vector<Eigen::Triplet<double>> entries;
-        entries.reserve(cells_.size() * 12);
+        entries.reserve(cells_.size() * 6 + num_unknowns_);
+        std::vector<double> own(num_unknowns_, 0);
         for (const cell &tri : cells_) {
             for (std::size_t i = 0; i < 3; ++i) {
                 const int a = unknown_[tri.points[i]];
                 const int b = unknown_[tri.points[(i + 1) % 3]];
                 const double w = tri.weights[i];
                 if (a >= 0)
-                    entries.emplace_back(a, a, w);
+                    own[a] += w;
                 if (b >= 0)
-                    entries.emplace_back(b, b, w);
+                    own[b] += w;
                 if (a >= 0 && b >= 0) {
                     entries.emplace_back(a, b, -w);
                     entries.emplace_back(b, a, -w);
                 }
             }
         }
+        for (int i = 0; i < num_unknowns_; ++i)
+            entries.emplace_back(i, i,
+                                 own[i] != 0 ? own[i] : 1); // none: of surfaces without a shape
         Eigen::SparseMatrix<double> matrix(num_unknowns_, num_unknowns_);
         matrix.setFromTriplets(entries.begin(), entries.end());
-        for (int i = 0; i < num_unknowns_; ++i) {
-            if (matrix.coeff(i, i) == 0) // only in surfaces without a shape: it stays
-                matrix.coeffRef(i, i) = 1;
+        entries = {};
+        if (num_unknowns_ > most_factorised) {
+            large_ = std::make_unique<multigrid>();
+            return large_->compute(std::move(matrix));
         }
         solver_.compute(matrix);
         return solver_.info() == Eigen::Success;
@@ -217,11 +235,31 @@ private:
             if (unknown_[p] >= 0 && !has_cell[unknown_[p]])
                 right.row(unknown_[p]) = points_[p].transpose();
         }
-        const Eigen::MatrixX2d solved = solver_.solve(right);
+        const Eigen::MatrixX2d solved =
+            large_ ? solve_large(right) : Eigen::MatrixX2d(solver_.solve(right));
         for (std::size_t p = 0; p < points_.size(); ++p) {
             if (unknown_[p] >= 0)
                 points_[p] = solved.row(unknown_[p]).transpose();
         }
+    }
+
+    // From where the points are, both coordinates side by side.
+    Eigen::MatrixX2d solve_large(const Eigen::MatrixX2d &right)
+    {
+        Eigen::MatrixX2d solved(num_unknowns_, 2);
+        for (std::size_t p = 0; p < points_.size(); ++p) {
+            if (unknown_[p] >= 0)
+                solved.row(unknown_[p]) = points_[p].transpose();
+        }
+        const double extent =
+            (solved.colwise().maxCoeff() - solved.colwise().minCoeff()).maxCoeff();
+        in_parallel(2, [&](int i) {
+            const Eigen::VectorXd wanted = right.col(i);
+            Eigen::VectorXd x = solved.col(i);
+            large_->solve(wanted, exactness * std::max(extent, 1.0), x);
+            solved.col(i) = x;
+        });
+        return solved;
     }
 
     void add_side(int at, int other, double weight, const vector2 &side, Eigen::MatrixX2d &right,
@@ -265,7 +303,8 @@ private:
     std::vector<int> unknown_;
     int num_unknowns_ = 0;
     double model_area_ = 0, picture_area_ = 0, scale_ = 0;
-    Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>> solver_;
+    Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>> solver_; // or:
+    std::unique_ptr<multigrid> large_;
 };
 
 } // namespace
@@ -282,6 +321,8 @@ bool uv_relax(const uv_mesh &mesh, const uv_islands &islands, const std::vector<
     work.write(at);
     return true;
 }
+
+int uv_relax_set_most_factorised(int most) { return std::exchange(most_factorised, most); }
 
 // ---- commands ----
 
@@ -313,7 +354,7 @@ void command_uv_relax(int steps)
         display_message("%s - no island with an area: project first", label);
         return;
     }
-    uv_commit(label, at);
+    uv_commit(label, std::move(at));
     display_message("%s - %d islands", label, relaxed);
     display_status();
 }

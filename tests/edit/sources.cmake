@@ -47,8 +47,10 @@ target_sources(vesk_tests PRIVATE
     edit/document/session_test.cpp
     edit/document/state_undo_test.cpp
     edit/document/undo_test.cpp
+    edit/uv/uv_deferred_test.cpp
     edit/uv/uv_keep_test.cpp
     edit/uv/uv_layout_test.cpp
+    edit/uv/uv_relax_test.cpp
     edit/uv/uv_test.cpp
     edit/check/findings_test.cpp
     edit/check/model_check_test.cpp

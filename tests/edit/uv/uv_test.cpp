@@ -87,7 +87,7 @@ bool joined(const uv_mesh &mesh, int a, int b)
 
 std::vector<int> islands_by_search(const uv_mesh &mesh)
 {
-    std::vector<int> island(mesh.surfaces.size());
+    std::vector<int> island(mesh.num_surfaces());
     std::iota(island.begin(), island.end(), 0);
     for (bool changed = true; changed;) {
         changed = false;
@@ -418,7 +418,7 @@ TEST_F(Uv, OverlapsAreWhatComparingAllPairsFinds)
         }
         set_coordinates(soup, at);
         const uv_mesh mesh = uv_mesh_of({soup});
-        std::vector<char> expected(mesh.surfaces.size(), 0);
+        std::vector<char> expected(mesh.num_surfaces(), 0);
         const auto triangles = [&](int i) {
             std::vector<uv_triangle> cut;
             for (int c = mesh.corners_begin(i) + 1; c + 1 < mesh.corners_end(i); ++c) {
