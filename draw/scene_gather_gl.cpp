@@ -154,7 +154,7 @@ bool is_current(const gather_t &gather, draw_pace pace)
 }
 
 // What is selected of each item, and the dots by that.
-void take_parts(gather_t &gather)
+void take_parts(gather_t &gather, draw_pace pace)
 {
     selection_marks_update();
     const unsigned marks = selection_marks_generation();
@@ -176,7 +176,7 @@ void take_parts(gather_t &gather)
             item.part = nullptr;
         scene.selected_elements += num_selected_elements(item);
         if (item.part != nullptr)
-            scene.complete = selected_part_is_ready(item, gather.pace) && scene.complete;
+            scene.complete = selected_part_is_ready(item, pace) && scene.complete;
         const bool whole = item.part != nullptr && item.part->whole;
         std::vector<coloured_vertex_t> &out = whole ? scene.selected_dots : scene.dots;
         const auto end = dot + gather.num_dots[i];
@@ -234,6 +234,6 @@ std::shared_ptr<scene_t> gather_scene(draw_pace pace, double seconds)
     if (pace != draw_pace::moving)
         gather.beginnings = 0;
     buffers_take_some_coarse();
-    take_parts(gather);
+    take_parts(gather, pace == draw_pace::at_once ? pace : gather.pace);
     return gather.scene;
 }

@@ -5,6 +5,7 @@
 #include "model/change_marks.h"
 #include "model/deferred_records.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -74,12 +75,12 @@ flat_array<flat_uv> with_saved(const flat_mesh &now, const saved_object_coords &
 {
     if (saved.surfaces.empty())
         return saved.lists.texture_coords;
-    auto coords = std::make_shared<std::vector<flat_uv>>(*now.texture_coords);
+    std::vector<flat_uv> coords = *now.texture_coords;
     for (const int s : saved.surfaces) {
         for (int c = now.first_corner(s); c < now.end_corner(s); ++c)
-            (*coords)[c] = saved.lists.uv(c);
+            coords[c] = saved.lists.uv(c);
     }
-    return coords;
+    return flat_shared(std::move(coords));
 }
 
 // Those that are left, of other lists: corners of the same vertices, in the same order.
