@@ -124,10 +124,7 @@ std::size_t num_elements(const selected_part_t &part)
     return part.vertices.size() + part.surfaces.size() + part.edges.size() / 2;
 }
 
-bool is_large(const selected_part_t &part)
-{
-    return num_elements(part) > most_elements;
-}
+bool is_large(const selected_part_t &part) { return num_elements(part) > most_elements; }
 
 void begin_slots(part_slots_t &slots, const scene_item_t &item)
 {
