@@ -13,6 +13,7 @@
 #include "fileio/rescue.h"
 #include "plugin/loader.h"
 #include "program/startup.h"
+#include "shell/driver_load_tk.h"
 #include "shell/icon_image_tk.h"
 #include "shell/interp_tk.h"
 #include "shell/stuck_tk.h"
@@ -324,6 +325,8 @@ int init_tcl_stuff(int, char **)
     if (chdir(vesk_get_vesk_homedir()) != 0)
         debugf("can't change to %s\n", vesk_get_vesk_homedir());
 
+    if (!command_line.batch)
+        driver_load_begin();
     Tcl_Interp *interp = Tcl_CreateInterp();
     if (interp == nullptr) {
         console_printf("unable to create TCL interpreter\n");

@@ -11,6 +11,7 @@
 #include "draw/draw_textures_gl.h"
 #include "draw/draw_view_gl.h"
 #include "shell/bridge_tk.h"
+#include "shell/driver_load_tk.h"
 #include "shell/interp_tk.h"
 #include "shell/pointer_tk.h"
 #include "shell/uv_window_tk.h"
@@ -523,6 +524,7 @@ void create_ui(void)
     register_view_commands();
     register_uv_window();
     check_sharing();
+    driver_load_end();
     constexpr double points_of_pixel = 72.0 / 96.0;
     const std::string scaling = tcl_command("tk scaling");
     view_set_interface_scale(
