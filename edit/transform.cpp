@@ -34,6 +34,7 @@ struct selected_parts_t {
     std::vector<vertex *> of_surfaces;
     std::vector<object_t *> owners; // of all of them: to be marked
     std::vector<object_t *> tops = selected_top_objects();
+    bool have_owners = true; // all of them
 
     selected_parts_t()
     {
@@ -46,7 +47,7 @@ struct selected_parts_t {
         owners = owners_of_vertices(vertices);
         const std::vector<object_t *> more = owners_of_vertices(of_surfaces);
         owners.insert(owners.end(), more.begin(), more.end());
-        std::erase(owners, nullptr);
+        have_owners = std::erase(owners, nullptr) == 0;
         owners = unique_objects(owners);
     }
 
@@ -56,13 +57,21 @@ struct selected_parts_t {
         std::size_t count = 0;
         for (const object_t *owner : owners)
             count += owner->num_vertices;
-        return count == vertices.size() + of_surfaces.size();
+        return have_owners && count == vertices.size() + of_surfaces.size();
     }
 
-    // Changes every point and marks whose it is.
+    // Changes every point and marks whose it is. It may be called on several threads at once.
     template <class Change>
     void change(Change &&change_point) const
     {
+        if (are_whole_objects()) {
+            for (object_t *owner : owners)
+                object_move_vertices(owner, [&](point3_t p) {
+                    change_point(&p);
+                    return p;
+                });
+            return;
+        }
         for (vertex *v : vertices)
             change_point(&v->position);
         for (vertex *v : of_surfaces)
@@ -205,9 +214,11 @@ void object_rotate(object_t *object, const float *m)
         float turned[9];
         matrix_multiply(m, o->rotation, turned);
         matrix_copy(turned, o->rotation);
-        for (vertex *v : each<vertex>(o->vertices))
-            matrix_rotate_point(m, &v->position);
-        object_mark(o, CHANGED_POSITIONS | CHANGED_RECORD);
+        object_move_vertices(o, [m](point3_t p) {
+            matrix_rotate_point(m, &p);
+            return p;
+        });
+        object_mark(o, CHANGED_RECORD);
     });
 }
 
@@ -216,9 +227,11 @@ void object_scale(object_t *object, float sx, float sy, float sz)
     const point3_t factors = {sx, sy, sz};
     for_each_object(object, [&](object_t *o) {
         multiply(&o->centre, factors);
-        for (vertex *v : each<vertex>(o->vertices))
-            multiply(&v->position, factors);
-        object_mark(o, CHANGED_POSITIONS | CHANGED_RECORD);
+        object_move_vertices(o, [&](point3_t p) {
+            multiply(&p, factors);
+            return p;
+        });
+        object_mark(o, CHANGED_RECORD);
     });
 }
 

@@ -93,6 +93,13 @@ public:
         return pages_.index_of(run, element);
     }
 
+    // The address of an element; null behind the last one.
+    [[nodiscard]] const void *block_at(int run, int i) const
+    {
+        const int count = run == VERTICES ? flat_->num_vertices() : flat_->num_surfaces();
+        return i < count ? pages_.block(run, i) : nullptr;
+    }
+
     [[nodiscard]] bool has_lists_of(const object_t *object) const
     {
         return object->vertices == first_vertex_ && object->surfaces == first_surface_;
@@ -112,6 +119,14 @@ public:
                flat.corners == flat_->corners && flat.corner_offsets == flat_->corner_offsets;
     }
     [[nodiscard]] bool are_written() const { return pages_.are_written(); }
+    [[nodiscard]] const std::vector<vertex *> *untouched_vertices() const
+    {
+        return pages_.is_untouched(VERTEX_NODES) ? vertex_records_.get() : nullptr;
+    }
+    [[nodiscard]] const std::vector<surface_t *> *untouched_surfaces() const
+    {
+        return pages_.is_untouched(SURFACE_NODES) ? surface_records_.get() : nullptr;
+    }
     [[nodiscard]] bool has_untouched_corners() const
     {
         return pages_.is_untouched(VERTICES) && pages_.is_untouched(CORNERS) &&
@@ -323,6 +338,18 @@ flat_ptr untouched_flat(const object_t *object)
     return flat && set->is_untouched(object, *flat) ? flat : nullptr;
 }
 
+const std::vector<vertex *> *untouched_vertices(const object_t *object)
+{
+    const deferred_records *set = set_of(object);
+    return set != nullptr ? set->untouched_vertices() : nullptr;
+}
+
+const std::vector<surface_t *> *untouched_surfaces(const object_t *object)
+{
+    const deferred_records *set = set_of(object);
+    return set != nullptr ? set->untouched_surfaces() : nullptr;
+}
+
 void object_defer_values(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned aspects)
 {
     if (deferred_records *set = set_of(object); set != nullptr)
@@ -407,8 +434,18 @@ deferred_elements::deferred_elements(const object_t *top, bool untouched)
     }
 }
 
+void deferred_elements::expect_next(int run) const
+{
+    next_ = sets_[last_].records->block_at(run, found_.index + 1);
+}
+
 deferred_elements::place_t deferred_elements::find(int run, const void *element) const
 {
+    if (element != nullptr && element == next_) {
+        ++found_.index;
+        expect_next(run);
+        return found_;
+    }
     const deferred_pages *owner = sets_.empty() ? nullptr : deferred_pages::owner_of(element);
     if (owner == nullptr)
         return {};
@@ -420,7 +457,9 @@ deferred_elements::place_t deferred_elements::find(int run, const void *element)
         const int index = sets_[last_].records->index_of(run, element);
         if (index < 0)
             return {};
-        return {sets_[last_].object, sets_[last_].flat, index};
+        found_ = {sets_[last_].object, sets_[last_].flat, index};
+        expect_next(run);
+        return found_;
     }
     return {};
 }

@@ -29,6 +29,11 @@ void object_set_whole(object_t *object, std::shared_ptr<flat_mesh> flat);
 // Else null.
 flat_ptr untouched_flat(const object_t *object);
 
+// The object's elements in their order, where nobody could have changed that list since it was deferred,
+// whatever became of the elements. Else null.
+const std::vector<vertex *> *untouched_vertices(const object_t *object);
+const std::vector<surface_t *> *untouched_surfaces(const object_t *object);
+
 // The records of an untouched object will be made of this flat mesh, its own from now on, which differs
 // in values of these aspects alone.
 void object_defer_values(object_t *object, std::shared_ptr<flat_mesh> flat, unsigned aspects);
@@ -53,8 +58,9 @@ class deferred_elements {
 public:
     struct place_t {
         object_t *object = nullptr; // of an element that is not found
-        const flat_mesh *flat; // the object's; where values are marked, not up to date in these
-        int index;             // in its list
+        const flat_mesh *flat =
+            nullptr;   // the object's; where values are marked, not up to date in these
+        int index = 0; // in its list
     };
     //   untouched  only objects none of whose vertices and corners was ever touched: the flat mesh says what
     //              these say, whatever is marked
@@ -70,9 +76,13 @@ private:
         const flat_mesh *flat;
     };
     [[nodiscard]] place_t find(int run, const void *element) const;
+    void expect_next(int run) const;
 
     std::vector<set_t> sets_;
+    // What was found last, and the element after it, which mostly is asked for next.
     mutable std::size_t last_ = 0;
+    mutable place_t found_ = {};
+    mutable const void *next_ = nullptr;
 };
 
 // For tests: the number of vertices and surfaces from which on a mesh is large; returns what it was.

@@ -4,12 +4,14 @@
 #include "edit/document/selection_internal.h"
 #include "edit/document/selection_scan.h"
 #include "model/alloc.h"
+#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 
 #include <cstring>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -66,20 +68,63 @@ void walk_while(object_t *top, Visit &&visit)
     }
 }
 
-void gather_vertices(object_t *top, std::vector<vertex *> *out)
+// Elements of objects. Those of a list that was deferred and that nobody touched are taken without touching
+// it, and are known to be there once.
+template <class T>
+struct gathered_t {
+    std::vector<T *> elements;
+    std::unordered_set<const object_t *> untouched; // where they are from
+    bool all_untouched = true;
+
+    void add(const object_t *object, const std::vector<T *> *known, const listitem *list)
+    {
+        all_untouched = all_untouched &&
+                        (list == nullptr || (known != nullptr && untouched.insert(object).second));
+        if (known != nullptr)
+            elements.insert(elements.end(), known->begin(), known->end());
+        else
+            append_elements(list, &elements);
+    }
+};
+
+void gather_vertices(object_t *top, gathered_t<vertex> *out)
 {
     for_each_object(top, [&](object_t *object) {
         if (selectable(object))
-            append_elements(object->vertices, out);
+            out->add(object, untouched_vertices(object), object->vertices);
     });
 }
 
-void gather_surfaces(object_t *top, std::vector<surface_t *> *out)
+void gather_surfaces(object_t *top, gathered_t<surface_t> *out)
 {
     for_each_object(top, [&](object_t *object) {
         if (selectable(object))
-            append_elements(object->surfaces, out);
+            out->add(object, untouched_surfaces(object), object->surfaces);
     });
+}
+
+template <class T>
+bool holds_just(const listitem *list, const std::vector<T *> &elements)
+{
+    auto at = elements.begin();
+    for (const T *element : each<T>(list)) {
+        if (at == elements.end() || *at++ != element)
+            return false;
+    }
+    return at == elements.end();
+}
+
+// Adds them to the list of their kind.
+template <class T>
+void add(const gathered_t<T> &found, const listitem *list,
+         void (*add_each)(const std::vector<T *> &))
+{
+    if (found.elements.empty() || (found.all_untouched && holds_just(list, found.elements)))
+        return;
+    if (found.all_untouched && list == nullptr)
+        selection_set_elements(found.elements);
+    else
+        add_each(found.elements);
 }
 
 void gather_leaf_objects(object_t *top, std::vector<object_t *> *out)
@@ -284,8 +329,8 @@ void selection_add_objects(const std::vector<object_t *> &objects)
 
 void selection_add_by_rule(const std::vector<object_t *> &objects)
 {
-    std::vector<vertex *> vertices;
-    std::vector<surface_t *> surfaces;
+    gathered_t<vertex> vertices;
+    gathered_t<surface_t> surfaces;
     std::vector<object_t *> found;
     for (object_t *object : objects) {
         if (mode_has_vertices(state.mode)) {
@@ -300,8 +345,8 @@ void selection_add_by_rule(const std::vector<object_t *> &objects)
             found.push_back(object_top_ancestor(object));
         }
     }
-    selection_add_vertices(vertices);
-    selection_add_surfaces(surfaces);
+    add(vertices, selection().vertices, selection_add_vertices);
+    add(surfaces, selection().surfaces, selection_add_surfaces);
     selection_add_objects(found);
 }
 

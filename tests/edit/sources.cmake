@@ -17,6 +17,7 @@ target_sources(vesk_tests PRIVATE
     edit/mesh_corpus.cpp
     edit/mesh_corpus_test.cpp
     edit/renewed_records_test.cpp
+    edit/whole_objects_test.cpp
     edit/mirrored_model_test.cpp
     edit/object_properties_test.cpp
     edit/panel_transform_test.cpp
