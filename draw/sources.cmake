@@ -31,6 +31,7 @@ target_sources(vesk PRIVATE
     draw/draw_uv_elements_gl.cpp
     draw/draw_uv_gl.cpp
     draw/draw_view_gl.cpp
+    draw/driver_load_gl.cpp
     draw/font_atlas.cpp
     draw/gpu_buffer_gl.cpp
     draw/offscreen_gl.cpp

@@ -26,11 +26,10 @@ part_moves::part_moves()
     }
     if (!parts_.empty())
         return;
-    const owned_list of_surfaces(selected_surfaces_get_unique_vertices());
-    for (const listitem *list : {selection().vertices, of_surfaces.get()}) {
-        for (vertex *v : each<vertex>(list))
-            parts_.push_back({nullptr, v, v->position, v->position, {}});
-    }
+    for (vertex *v : each<vertex>(selection().vertices))
+        parts_.push_back({nullptr, v, v->position, v->position, {}});
+    for (vertex *v : vertices_of_selected_surfaces())
+        parts_.push_back({nullptr, v, v->position, v->position, {}});
 }
 
 bool part_moves::any(const char *what) const

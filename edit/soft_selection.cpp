@@ -204,8 +204,8 @@ const std::vector<soft_vertex> &soft_neighbours_shown(bool hold)
         return shown;
     last = now;
     std::vector<vertex *> chosen = elements_of<vertex>(selection().vertices);
-    const owned_list of_surfaces(selected_surfaces_get_unique_vertices());
-    append_elements(of_surfaces.get(), &chosen);
+    const std::vector<vertex *> of_surfaces = vertices_of_selected_surfaces();
+    chosen.insert(chosen.end(), of_surfaces.begin(), of_surfaces.end());
     std::vector<object_t *> owners = owners_of_vertices(chosen);
     std::erase(owners, nullptr);
     shown = soft_neighbours(chosen, unique_objects(owners));

@@ -96,8 +96,8 @@ void add_vertices_across(element_set *set, int *without)
 std::vector<object_t *> selected_owners()
 {
     std::vector<vertex *> vertices = elements_of<vertex>(selection().vertices);
-    const owned_list of_surfaces(selected_surfaces_get_unique_vertices());
-    append_elements(of_surfaces.get(), &vertices);
+    const std::vector<vertex *> of_surfaces = vertices_of_selected_surfaces();
+    vertices.insert(vertices.end(), of_surfaces.begin(), of_surfaces.end());
     std::vector<object_t *> owners = owners_of_vertices(vertices);
     std::erase(owners, nullptr);
     return unique_objects(owners);

@@ -50,8 +50,8 @@ symmetry_scope::of kind_of(const char *command)
 std::vector<vertex *> selected_vertices()
 {
     std::vector<vertex *> found = elements_of<vertex>(selection().vertices);
-    const owned_list of_surfaces(selected_surfaces_get_unique_vertices());
-    append_elements(of_surfaces.get(), &found);
+    const std::vector<vertex *> of_surfaces = vertices_of_selected_surfaces();
+    found.insert(found.end(), of_surfaces.begin(), of_surfaces.end());
     return found;
 }
 

@@ -40,8 +40,7 @@ struct selected_parts_t {
     {
         const selection_t &all = selection();
         append_elements(all.vertices, &vertices);
-        const owned_list unique(selected_surfaces_get_unique_vertices());
-        append_elements(unique.get(), &of_surfaces);
+        of_surfaces = vertices_of_selected_surfaces();
         if (vertices.empty() && of_surfaces.empty())
             return;
         owners = owners_of_vertices(vertices);
@@ -248,12 +247,7 @@ void matrix_set_turn_in_view(float *m, int view, float degrees)
 
 listitem *selected_surfaces_get_unique_vertices(void)
 {
-    std::vector<vertex *> vertices;
-    for (const surface_t *surface : each<surface_t>(selection().surfaces))
-        append_surface_vertices(surface, &vertices);
-    listitem *list = nullptr;
-    add_unique(&list, vertices);
-    return list;
+    return make_nodes(vertices_of_selected_surfaces()).first;
 }
 
 void translate_all_selected(const point3_t *offset)

@@ -9,11 +9,11 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/session_state.h"
+#include "draw/driver_load_gl.h"
 #include "edit/check/model_check.h"
 #include "fileio/rescue.h"
 #include "plugin/loader.h"
 #include "program/startup.h"
-#include "shell/driver_load_tk.h"
 #include "shell/icon_image_tk.h"
 #include "shell/interp_tk.h"
 #include "shell/stuck_tk.h"
@@ -325,8 +325,10 @@ int init_tcl_stuff(int, char **)
     if (chdir(vesk_get_vesk_homedir()) != 0)
         debugf("can't change to %s\n", vesk_get_vesk_homedir());
 
-    if (!command_line.batch)
+    if (!command_line.batch) {
+        Tcl_CreateExitHandler([](ClientData) { driver_load_end(); }, nullptr);
         driver_load_begin();
+    }
     Tcl_Interp *interp = Tcl_CreateInterp();
     if (interp == nullptr) {
         console_printf("unable to create TCL interpreter\n");

@@ -2,7 +2,6 @@
 target_sources(vesk PRIVATE
     shell/bridge_tk.cpp
     shell/clipboard_tk.cpp
-    shell/driver_load_tk.cpp
     shell/icon_image_tk.cpp
     shell/interp_tk.cpp
     shell/main.cpp

@@ -6,6 +6,9 @@
 #include "model/object_tree.h"
 #include "model/world.h"
 
+#include <unordered_map>
+#include <utility>
+
 namespace {
 
 // Numbers the elements from 0 by their place; is_in then tells membership whatever stands in the
@@ -105,6 +108,36 @@ void append_surface_vertices(const surface_t *surface, std::vector<vertex *> *ou
         if (corner->vertex != nullptr)
             out->push_back(corner->vertex);
     }
+}
+
+std::vector<vertex *> vertices_of_selected_surfaces()
+{
+    const deferred_elements untouched(vesk_get_world(), true);
+    std::unordered_map<const object_t *, std::vector<bool>> seen;
+    std::vector<bool> *marks = nullptr; // of the last object
+    const object_t *last = nullptr;
+    std::vector<vertex *> found;
+    bool once = true;
+    for (const surface_t *surface : each<surface_t>(selection().surfaces)) {
+        const auto at = untouched.find(surface);
+        if (at.object == nullptr) {
+            append_surface_vertices(surface, &found);
+            once = false;
+            continue;
+        }
+        if (std::exchange(last, at.object) != at.object) {
+            marks = &seen[at.object];
+            marks->resize(at.flat->num_vertices());
+        }
+        for (const int v : at.flat->surface_corners(at.index)) {
+            if (!(*marks)[v])
+                found.push_back((*at.flat->vertex_records)[v]);
+            (*marks)[v] = true;
+        }
+    }
+    if (!once)
+        make_unique(&found);
+    return found;
 }
 
 std::vector<object_t *> unique_objects(const std::vector<object_t *> &objects)

@@ -28,6 +28,9 @@ std::vector<T *> elements_of(const listitem *head)
 
 void append_surface_vertices(const surface_t *surface, std::vector<vertex *> *out);
 
+// Each vertex of the selected surfaces once, in the order of their corners. Records on demand stay untouched.
+std::vector<vertex *> vertices_of_selected_surfaces();
+
 // The scratch word of each kind of record.
 inline uint32_t scratch(const vertex *v) { return vertex_number(v); }
 inline void set_scratch(vertex *v, uint32_t value) { set_vertex_number(v, value); }
@@ -35,6 +38,19 @@ inline uint32_t scratch(const surface_t *s) { return s->words[2]; }
 inline void set_scratch(surface_t *s, uint32_t value) { s->words[2] = value; }
 inline uint32_t scratch(const object_t *o) { return static_cast<uint32_t>(o->extra_word2); }
 inline void set_scratch(object_t *o, uint32_t value) { o->extra_word2 = static_cast<int>(value); }
+
+// The first of those that are there more than once stays.
+template <class T>
+void make_unique(std::vector<T *> *elements)
+{
+    for (T *element : *elements)
+        set_scratch(element, 0);
+    std::erase_if(*elements, [](T *element) {
+        const bool repeated = scratch(element) != 0;
+        set_scratch(element, 1);
+        return repeated;
+    });
+}
 
 // Appends those elements that the list does not hold yet, each once, in order. Linear. Returns how
 // many were added.

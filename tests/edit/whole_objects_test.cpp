@@ -84,7 +84,7 @@ const std::vector<std::function<void()>> changes = {
 
 TEST_F(WholeObjects, AreSelectedAndTransformedUntouched)
 {
-    for (const int mode : {SELECT_VERTEX, SELECT_OBJECT, SELECT_TREE}) {
+    for (const int mode : {SELECT_VERTEX, SELECT_SURFACE, SELECT_OBJECT, SELECT_TREE}) {
         for (const auto &change : changes) {
             std::string results[3];
             for (const int touched :

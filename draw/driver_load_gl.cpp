@@ -1,7 +1,6 @@
-#include "shell/driver_load_tk.h"
+#include "draw/driver_load_gl.h"
 
 #include <GL/glx.h>
-#include <tcl.h>
 
 #include <system_error>
 #include <thread>
@@ -11,8 +10,7 @@ namespace {
 
 struct {
     std::jthread thread;
-    Display *display =
-        nullptr; // a connection of its own: who closes the last one unloads the driver
+    Display *display = nullptr; // its own connection: who closes the last one unloads the driver
 } state;
 
 void load()
@@ -27,7 +25,6 @@ void load()
 void driver_load_begin()
 {
     XInitThreads();
-    Tcl_CreateExitHandler([](ClientData) { driver_load_end(); }, nullptr);
     try {
         state.thread = std::jthread(load);
     } catch (const std::system_error &) {

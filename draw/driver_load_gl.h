@@ -1,12 +1,12 @@
-#ifndef VESK_SHELL_DRIVER_LOAD_TK_H
-#define VESK_SHELL_DRIVER_LOAD_TK_H
+#ifndef VESK_DRAW_DRIVER_LOAD_GL_H
+#define VESK_DRAW_DRIVER_LOAD_GL_H
 
 // The OpenGL driver is loaded beside the scripts that build the window: with software OpenGL it brings a
 // compiler along, which takes as long as half of these.
 
 void driver_load_begin();
 
-// Waits for it, when the views have taken it over; at the end of the process by itself.
+// Waits for it: when the views have taken it over, or before the process ends.
 void driver_load_end();
 
 #endif
