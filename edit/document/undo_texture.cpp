@@ -135,9 +135,9 @@ bool drop_from(saved_object_coords &saved, const freed_things &freed,
     if (freed.surfaces.empty())
         return false;
     const std::size_t before = saved.freed.size();
-    const auto [first, last] = std::minmax_element(freed.surfaces.begin(), freed.surfaces.end());
+    const auto ends = std::minmax_element(freed.surfaces.begin(), freed.surfaces.end());
     for_each_saved(saved, [&](int s) {
-        if (records[s] >= *first && records[s] <= *last && is_freed(records[s]))
+        if (records[s] >= *ends.first && records[s] <= *ends.second && is_freed(records[s]))
             saved.freed.insert(records[s]);
     });
     return saved.freed.size() > before;
