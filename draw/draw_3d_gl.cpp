@@ -158,10 +158,13 @@ void draw_wireframe(const picture_t &picture)
                 static_cast<float>(prefs.surface_line_width * picture.scale), true, false, true});
 }
 
-// White over a wider black, so that it shows on white.
+// White over a wider black, so that it shows on white. Where edges are dense, the black of one does not hide
+// the white of others.
 void draw_selection_edges(const picture_t &picture)
 {
+    glDepthMask(GL_FALSE);
     draw_selected_edges(picture.scene, {0, 0, 0, 0.5f}, static_cast<float>(3.8 * picture.scale));
+    glDepthMask(GL_TRUE);
     draw_selected_edges(picture.scene, colour_of(prefs.col_selline),
                         static_cast<float>(1.6 * picture.scale));
 }

@@ -314,8 +314,9 @@ proc ::vesk::options::add_field {w row item command} {
         choice {
             set texts [dict keys $default]
             if {$fields($row) ni $texts} {set fields($row) [lindex $texts 0]}
-            ttk::combobox $path -values $texts -state readonly -width 9 -style Panel.TCombobox \
-                {*}$options
+            set width [tcl::mathfunc::max 9 {*}[lmap text $texts {string length $text}]]
+            ttk::combobox $path -values $texts -state readonly -width $width \
+                -style Panel.TCombobox {*}$options
         }
         text - open_file - save_file {ttk::entry $path -width 24 -style Panel.TEntry {*}$options}
         default {
