@@ -110,7 +110,7 @@ deform_t twist(const frame_t &frame, double degrees)
     };
 }
 
-deform_t inflate(const drag_transform_t &transform, const vec3d &pivot, double share)
+deform_t inflate(drag_transform_t &transform, const vec3d &pivot, double share)
 {
     double sum = 0;
     for (const vertex *v : transform.moving())

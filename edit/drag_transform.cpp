@@ -12,6 +12,7 @@
 #include "model/change_marks.h"
 #include "model/identity.h"
 #include "model/matrix.h"
+#include "model/move_vertices.h"
 #include "model/normals.h"
 #include "model/vector.h"
 
@@ -34,7 +35,9 @@ float map_axis(float value, float from_min, float from_max, float to_min, float 
     return to_min + (value - from_min) * ((to_max - to_min) / size);
 }
 
-// Where a change takes points. Its rotation is computed once.
+} // namespace
+
+// Its rotation is computed once.
 class mapping_t {
 public:
     explicit mapping_t(const drag_change_t &change) : change_(change), centre_(change.centre)
@@ -83,6 +86,8 @@ private:
     point3_t centre_;
     float rotation_[9];
 };
+
+namespace {
 
 // The one axis and angle of a rotation.
 float angle_axis_of_rotation(const float *m, point3_t *axis)
@@ -173,13 +178,8 @@ private:
 point3_t middle_of(object_t *top)
 {
     point3_t min, max;
-    bounds_clear(&min, &max);
-    for_each_object(top, [&](const object_t *object) {
-        for (const vertex *v : each<vertex>(object->vertices)) {
-            bounds_add(v->position, &min, &max);
-        }
-    });
-    return min.x > max.x ? top->centre : point_scale(point_add(min, max), 0.5f);
+    return object_bounds(top, &min, &max) == 0 ? top->centre
+                                               : point_scale(point_add(min, max), 0.5f);
 }
 
 } // namespace
@@ -211,36 +211,82 @@ drag_transform_t::drag_transform_t() : box_min(selection().box_min), box_max(sel
 {
     const selection_t &all = selection();
     has_own_centres = all.objects != nullptr && all.vertices == nullptr && all.surfaces == nullptr;
-    std::vector<vertex *> found = elements_of<vertex>(all.vertices);
-    for (const surface_t *surface : each<surface_t>(all.surfaces)) {
-        append_surface_vertices(surface, &found);
+    vertices = elements_of<vertex>(all.vertices);
+    const std::vector<vertex *> of_surfaces = vertices_of_selected_surfaces();
+    vertices.insert(vertices.end(), of_surfaces.begin(), of_surfaces.end());
+    if (all.vertices != nullptr && !of_surfaces.empty())
+        make_unique(&vertices);
+    add_objects();
+    bool have_owners = true; // all vertices
+    if (objects.empty()) {
+        owners = owners_of_vertices(vertices);
+        have_owners = std::erase(owners, nullptr) == 0;
+        owners = unique_objects(owners);
     }
-    for (object_t *top : selected_top_objects()) {
-        const point3_t pivot = top->vertices != nullptr ? top->centre : middle_of(top);
-        for_each_object(top, [&](object_t *object) {
-            moved_object_t moved = {object, object->centre, {}, pivot, found.size(), 0};
-            append_elements(object->vertices, &found);
-            moved.end_vertex = found.size();
-            matrix_copy(object->rotation, moved.rotation);
-            objects.push_back(moved);
-            owners.push_back(object);
-        });
+    if (are_whole(have_owners)) {
+        for (object_t *owner : owners)
+            wholes.push_back({owner, object_flat(owner)->positions});
+        vertices = {};
+        return;
     }
-    listitem *unique = nullptr;
-    add_unique(&unique, found);
-    vertices = elements_of<vertex>(unique);
-    list_free(&unique);
+    for (moved_object_t &moved : objects) {
+        moved.first_vertex = vertices.size();
+        append_elements(moved.object->vertices, &vertices);
+        moved.end_vertex = vertices.size();
+    }
     positions.reserve(vertices.size());
     for (const vertex *v : vertices) {
         positions.push_back(v->position);
     }
     num_moving = vertices.size();
-    if (objects.empty()) {
-        owners = owners_of_vertices(vertices);
-        std::erase(owners, nullptr);
-        owners = unique_objects(owners);
+    if (objects.empty())
         add_further();
+}
+
+void drag_transform_t::add_objects()
+{
+    for (object_t *top : selected_top_objects()) {
+        const point3_t pivot = top->vertices != nullptr ? top->centre : middle_of(top);
+        for_each_object(top, [&](object_t *object) {
+            moved_object_t moved = {object, object->centre, {}, pivot, 0, 0};
+            matrix_copy(object->rotation, moved.rotation);
+            objects.push_back(moved);
+            owners.push_back(object);
+        });
     }
+}
+
+bool drag_transform_t::are_whole(bool have_owners) const
+{
+    std::size_t count = 0;
+    for (const object_t *owner : owners)
+        count += owner->num_vertices;
+    if (count < live_limit)
+        return false;
+    return objects.empty() ? have_owners && count == vertices.size() && !transform_reaches_further()
+                           : vertices.empty();
+}
+
+const std::vector<vertex *> &drag_transform_t::moving()
+{
+    gather();
+    return vertices;
+}
+
+void drag_transform_t::gather()
+{
+    for (std::size_t i = 0; i < wholes.size(); ++i) {
+        const std::size_t first = vertices.size();
+        append_elements(wholes[i].object->vertices, &vertices);
+        positions.insert(positions.end(), wholes[i].positions->begin(), wholes[i].positions->end());
+        if (!objects.empty()) {
+            objects[i].first_vertex = first;
+            objects[i].end_vertex = vertices.size();
+        }
+    }
+    if (!wholes.empty())
+        num_moving = vertices.size();
+    wholes.clear();
 }
 
 // What soft selection takes along, and the counterparts of it all.
@@ -267,13 +313,17 @@ void drag_transform_t::add_further()
 
 void drag_transform_t::mark()
 {
-    if (objects.empty() && parts.empty())
+    if (objects.empty() && wholes.empty() && parts.empty())
         parts = find_moved(owners, vertices);
     for (size_t i = 0; i < owners.size(); ++i) {
+        if (!objects.empty())
+            object_mark(owners[i], CHANGED_RECORD);
+        if (!wholes.empty())
+            continue; // their positions are marked where they moved
         if (objects.empty())
             object_mark_moved(owners[i], parts[i]);
         else
-            object_mark(owners[i], CHANGED_POSITIONS | CHANGED_RECORD);
+            object_mark(owners[i], CHANGED_POSITIONS);
     }
     uv_keep_follow(owners);
 }
@@ -281,7 +331,9 @@ void drag_transform_t::mark()
 void drag_transform_t::apply(const drag_change_t &change)
 {
     mapping_t map(change);
-    if (turns_own(change)) {
+    if (!wholes.empty()) {
+        apply_to_wholes(map, turns_own(change));
+    } else if (turns_own(change)) {
         for (const moved_object_t &moved : objects) {
             map.set_centre(moved.pivot);
             for (size_t i = moved.first_vertex; i < moved.end_vertex; ++i) {
@@ -308,6 +360,17 @@ void drag_transform_t::apply(const drag_change_t &change)
     after_change();
 }
 
+void drag_transform_t::apply_to_wholes(mapping_t &map, bool own_centres)
+{
+    for (size_t i = 0; i < wholes.size(); ++i) {
+        if (own_centres)
+            map.set_centre(objects[i].pivot);
+        object_move_vertices(wholes[i].object, map, wholes[i].positions);
+        if (!objects.empty())
+            objects[i].object->centre = map(objects[i].centre);
+    }
+}
+
 void drag_transform_t::after_change()
 {
     pairs.follow();
@@ -317,6 +380,7 @@ void drag_transform_t::after_change()
 
 void drag_transform_t::deform(const deform_t &to)
 {
+    gather();
     deformer = to;
     for (size_t i = normals.size(); i < num_moving; ++i)
         normals.push_back(vertices[i]->normal);
@@ -362,6 +426,9 @@ void drag_transform_t::take_back()
         find_bounding_box();
         return;
     }
+    for (const whole_object_t &whole : wholes)
+        object_move_vertices(
+            whole.object, [](const point3_t &p) { return p; }, whole.positions);
     for (size_t i = 0; i < vertices.size(); ++i) {
         vertices[i]->position = positions[i];
     }
@@ -418,13 +485,15 @@ void drag_transform_t::finish()
         apply(last);
         open_record();
     }
-    selected_calc_normals();
+    if (wholes.empty() || last.kind != drag_change_t::MOVE) // what moves as a whole keeps them
+        selected_calc_normals();
     find_bounding_box();
 }
 
 // The reversal of a transform knows the selection alone.
 void drag_transform_t::finish_as(const char *label)
 {
+    gather();
     if (label != nullptr) {
         take_back();
         owned_list all;

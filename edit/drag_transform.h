@@ -30,6 +30,8 @@ struct drag_change_t {
     const char *label = "place"; // PLACE: of the undo record
 };
 
+class mapping_t; // a change as a function of points
+
 // Where a deformer takes a point; its normal has the length 1 or 0.
 using deform_t = std::function<vec3d(const vec3d &point, const vec3d &normal)>;
 
@@ -44,17 +46,35 @@ public:
     // Remembers the present selection.
     drag_transform_t();
 
-    // The vertices that move.
-    [[nodiscard]] const std::vector<vertex *> &moving() const { return vertices; }
+    // The vertices that move. Large objects that move as a whole are asked for theirs now.
+    const std::vector<vertex *> &moving();
+    // What owns them, and the objects that move.
+    [[nodiscard]] const std::vector<object_t *> &moving_objects() const { return owners; }
+    // Calls visit(position) for each of them, as it was at the press.
+    template <class Visit>
+    void each_start(const Visit &visit) const
+    {
+        for (const whole_object_t &whole : wholes)
+            for (const point3_t &p : *whole.positions)
+                visit(p);
+        for (const point3_t &p : positions)
+            visit(p);
+    }
 
-    [[nodiscard]] bool empty() const { return vertices.empty() && objects.empty(); }
+    [[nodiscard]] bool empty() const
+    {
+        return vertices.empty() && wholes.empty() && objects.empty();
+    }
     // Whether `change` is to turn objects about their own centres, and can.
     [[nodiscard]] bool turns_own(const drag_change_t &change) const
     {
         return change.kind == drag_change_t::ROTATE && change.own_centres && has_own_centres;
     }
     // Whether steps change the model; else only finish does.
-    [[nodiscard]] bool is_live() const { return reaches_further() || vertices.size() < live_limit; }
+    [[nodiscard]] bool is_live() const
+    {
+        return reaches_further() || (wholes.empty() && vertices.size() < live_limit);
+    }
     // The change so far, from the press on.
     void step(const drag_change_t &change);
     // The same by a deformer.
@@ -76,15 +96,26 @@ private:
         size_t first_vertex; // its own ones among `vertices`
         size_t end_vertex;
     };
+    struct whole_object_t {
+        object_t *object;
+        flat_array<point3_t> positions; // at the press
+    };
     [[nodiscard]] bool reaches_further() const { return shares.size() > 0 || is_symmetric; }
+    void add_objects();
+    [[nodiscard]] bool are_whole(bool have_owners) const;
+    void gather();
     void add_further();
     void apply(const drag_change_t &change);
+    void apply_to_wholes(mapping_t &map, bool own_centres);
     void after_change();
     void open_record() const;
     void show_box(const drag_change_t &change) const;
     void mark();
 
-    std::vector<vertex *> vertices;  // each once
+    // All vertices of all owners move, and they are many: these are not asked for them, and records on demand
+    // stay untouched. In the order of the owners.
+    std::vector<whole_object_t> wholes;
+    std::vector<vertex *> vertices;  // else, each once
     std::vector<point3_t> positions; // at the press
     std::vector<float> shares;       // of the change that each vertex takes; none: all of it
     std::size_t num_moving = 0;      // the vertices behind them are counterparts

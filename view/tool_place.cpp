@@ -39,8 +39,8 @@ void note_own()
 {
     for (object_t *top : selected_top_objects())
         for_each_object(top, [](const object_t *object) { state.own.insert(object); });
-    for (const object_t *owner : owners_of_vertices(state.transform->moving()))
-        state.own.insert(owner);
+    for (const object_t *object : state.transform->moving_objects())
+        state.own.insert(object);
 }
 
 // The surface under the pointer, as its point and its normal towards the viewer.

@@ -166,16 +166,16 @@ point3_t nearest_moving(const pointer_event_t &event)
 {
     point3_t nearest = tool.centre;
     double smallest = -1;
-    for (const vertex *v : tool.transform->moving()) {
+    tool.transform->each_start([&](const point3_t &p) {
         double x = 0, y = 0;
-        if (!window_position(event.view, v->position, &x, &y))
-            continue;
+        if (!window_position(event.view, p, &x, &y))
+            return;
         const double distance = std::hypot(x - event.x, y - event.y);
         if (smallest < 0 || distance < smallest) {
             smallest = distance;
-            nearest = v->position;
+            nearest = p;
         }
-    }
+    });
     return nearest;
 }
 

@@ -3,6 +3,7 @@
 
 #include "edit/document/modes.h"
 #include "edit/document/selection_internal.h"
+#include "edit/drag_transform.h"
 #include "edit/transform.h"
 #include "model/change_marks.h"
 #include "model/deferred_pages.h"
@@ -103,6 +104,73 @@ TEST_F(WholeObjects, AreSelectedAndTransformedUntouched)
             }
             EXPECT_TRUE(results[0] == results[1]) << mode;
             EXPECT_TRUE(results[0] == results[2]) << mode;
+        }
+    }
+}
+
+std::vector<drag_change_t> drags()
+{
+    drag_change_t move, turn, own, resize, place;
+    move.offset = {1, -2, 0.3f};
+    turn.kind = drag_change_t::TURN;
+    turn.angles = {10, 20, 30};
+    turn.centre = {1, 1, 1};
+    own.kind = drag_change_t::ROTATE;
+    own.own_centres = true;
+    own.degrees = 33;
+    own.view = VIEW_XZ;
+    resize.kind = drag_change_t::RESIZE;
+    resize.from_min = {0, 0, 0};
+    resize.from_max = {150, 150, 1};
+    resize.to_min = {-1, 2, 0};
+    resize.to_max = {100, 300, 1};
+    place.kind = drag_change_t::PLACE;
+    place.place = affine_turn({0, 0, 1}, 40);
+    return {move, turn, own, resize, place};
+}
+
+// The same as vertex by vertex, and taken back to the bit.
+TEST_F(WholeObjects, AreDraggedUntouched)
+{
+    for (const int mode : {SELECT_VERTEX, SELECT_SURFACE, SELECT_OBJECT, SELECT_TREE}) {
+        for (const drag_change_t &change : drags()) {
+            SCOPED_TRACE(std::to_string(mode) + " " + std::to_string(change.kind));
+            std::string results[2];
+            for (const bool by_vertices : {false, true}) {
+                run("clear_all");
+                objects = {add_squares(150, 150)};
+                run("set_select_mode", "vertex");
+                const std::string before = bytes();
+                object_set_whole(objects[0], std::make_shared<flat_mesh>(
+                                                 object_flat(objects[0])->without_records()));
+                selection_set_mode(mode);
+                clear_selection();
+                select_all();
+                drag_transform_t drag;
+                if (by_vertices) {
+                    EXPECT_EQ(drag.moving().size(), 151U * 151);
+                }
+                drag.step(change);
+                drag.step(drags()[0]);
+                drag.take_back();
+                EXPECT_EQ(untouched_flat(objects[0]) != nullptr, !by_vertices);
+                if (!by_vertices) {
+                    const flat_ptr flat = object_flat(objects[0]);
+                    EXPECT_EQ(std::memcmp(flat->positions->data(), before.data(), before.size()),
+                              0);
+                }
+                drag.step(change);
+                drag.finish();
+                EXPECT_EQ(untouched_flat(objects[0]) != nullptr, !by_vertices);
+                results[by_vertices] = bytes();
+                const object_t *object = objects[0];
+                results[by_vertices].append(reinterpret_cast<const char *>(&object->centre),
+                                            sizeof(point3_t));
+                results[by_vertices].append(reinterpret_cast<const char *>(object->rotation),
+                                            sizeof object->rotation);
+                EXPECT_NE(results[by_vertices].substr(0, before.size()), before);
+            }
+            EXPECT_TRUE(results[0] == results[1]);
         }
     }
 }
