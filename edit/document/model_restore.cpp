@@ -199,8 +199,10 @@ private:
             object->parent = nullptr;
         }
         for (object_t *object : live_) {
-            if (kept.count(object) == 0)
-                batch.add(object);
+            if (kept.count(object) != 0)
+                continue;
+            by_identity_.erase(identity_known(object)); // the selection may name it
+            batch.add(object);
         }
         tree_mark();
     }

@@ -2,7 +2,9 @@
 
 #include "base/crash_guard.h"
 #include "base/prefs.h"
+#include "edit/document/model_restore.h"
 #include "edit/document/selection_internal.h"
+#include "edit/document/selection_scan.h"
 #include "edit/document/undo.h"
 #include "edit/transform.h"
 #include "fileio/vesk_writer.h"
@@ -268,6 +270,24 @@ TEST_F(Journal, BringsBackObjectsUnderTheirIdentitiesWithTheSelection)
     // The order of the selection is kept.
     EXPECT_EQ(item_of<vertex>(selection().vertices),
               item_of<vertex>(object_by_identity(id)->vertices));
+}
+
+// The selection of another time may name an object that the state does not have.
+TEST_F(Journal, DoesNotSelectWhatGoesOnTheWay)
+{
+    run("set_select_mode", "object");
+    const state_ptr state = model_state_capture();
+    add_cube("c");
+    run("select_all");
+    const selection_image all = *model_state_capture()->selection;
+    ASSERT_EQ(all.objects.size(), 3U);
+    model_state_restore(state, &all);
+    std::vector<object_t *> found;
+    for (object_t *object : each<object_t>(selection().objects))
+        found.push_back(object);
+    EXPECT_EQ(found.size(), 2U);
+    EXPECT_EQ(found, elements_of<object_t>(vesk_get_world()->children));
+    expect_sound_scene();
 }
 
 TEST_F(Journal, BringsBackThePalette)
