@@ -6,11 +6,10 @@
 #include "edit/drag_transform.h"
 #include "edit/transform.h"
 #include "model/change_marks.h"
-#include "model/deferred_pages.h"
-#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/flat_mesh.h"
 #include "model/world.h"
+#include "tests/support/deferred_test.h"
 #include "tests/support/mesh_test.h"
 
 #include <cstring>
@@ -19,24 +18,8 @@
 
 namespace {
 
-constexpr int never = 1000000;
-
-class WholeObjects : public SceneTest {
+class WholeObjects : public DeferredTest {
 protected:
-    void SetUp() override
-    {
-        SceneTest::SetUp();
-        if (!deferred_pages::are_possible())
-            GTEST_SKIP() << "no pages of records in this build";
-        least_ = deferred_records_set_least(1);
-    }
-    void TearDown() override
-    {
-        if (least_ >= 0)
-            deferred_records_set_least(least_);
-        SceneTest::TearDown();
-    }
-
     // Two grids, nothing selected; the second is untouched, and so is the first where `all` says so.
     void add_grids(bool all)
     {
@@ -66,9 +49,6 @@ protected:
     }
 
     std::vector<object_t *> objects;
-
-private:
-    int least_ = -1;
 };
 
 const std::vector<std::function<void()>> changes = {

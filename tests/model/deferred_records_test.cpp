@@ -9,7 +9,7 @@
 #include "model/freed.h"
 #include "model/object_tree.h"
 #include "model/world.h"
-#include "tests/support/scene_test.h"
+#include "tests/support/deferred_test.h"
 
 #include <atomic>
 #include <cstring>
@@ -17,26 +17,7 @@
 
 namespace {
 
-// Every mesh is large.
-class DeferredRecords : public SceneTest {
-protected:
-    void SetUp() override
-    {
-        SceneTest::SetUp();
-        if (!deferred_pages::are_possible())
-            GTEST_SKIP() << "no pages of records in this build";
-        before_ = deferred_records_set_least(1);
-    }
-    void TearDown() override
-    {
-        if (before_ >= 0)
-            deferred_records_set_least(before_);
-        SceneTest::TearDown();
-    }
-
-private:
-    int before_ = -1;
-};
+class DeferredRecords : public DeferredTest {};
 
 // An object under the world of `side` by `side` quads, some one-sided, smooth or of other materials, with
 // texture coordinates, then triangles between its points.

@@ -7,14 +7,13 @@
 #include "edit/document/undo_internal.h"
 #include "edit/uv/uv_edit.h"
 #include "model/change_marks_internal.h"
-#include "model/deferred_pages.h"
-#include "model/deferred_records.h"
 #include "model/each.h"
 #include "model/freed.h"
 #include "model/normals.h"
 #include "model/object_tree.h"
 #include "model/world.h"
 #include "program/command_table.h"
+#include "tests/support/deferred_test.h"
 #include "tests/support/mesh_test.h"
 #include "tests/support/random_mesh.h"
 
@@ -89,25 +88,7 @@ void expect_lists_agree()
     });
 }
 
-class UvDeferred : public SceneTest {
-protected:
-    void SetUp() override
-    {
-        SceneTest::SetUp();
-        if (!deferred_pages::are_possible())
-            GTEST_SKIP() << "no pages of records in this build";
-        before_ = deferred_records_set_least(1);
-    }
-    void TearDown() override
-    {
-        if (before_ >= 0)
-            deferred_records_set_least(before_);
-        SceneTest::TearDown();
-    }
-
-private:
-    int before_ = -1;
-};
+class UvDeferred : public DeferredTest {};
 
 // ---- what somebody does ----
 
