@@ -56,10 +56,11 @@ struct selected_parts_t {
         std::size_t count = 0;
         for (const object_t *owner : owners)
             count += owner->num_vertices;
-        return have_owners && count == vertices.size() + of_surfaces.size();
+        return have_owners && (vertices.empty() || of_surfaces.empty()) &&
+               count == vertices.size() + of_surfaces.size();
     }
 
-    // Changes every point and marks whose it is. It may be called on several threads at once.
+    // Changes every point and marks whose it is; `change_point` may be called on several threads at once.
     template <class Change>
     void change(Change &&change_point) const
     {
