@@ -73,6 +73,20 @@ run {
         [lmap view {xz xyz} shown $dragged {pixels_that_differ $shown [picture $view]}] eq {0 0}
     }
 
+    # Of many selected elements of one object a worker finds what is drawn. A drag of all of them maps the whole object.
+    vesk set_select_mode surface
+    vesk select_elements set [lindex [top_objects] 0]:0-150000
+    compare_with_whole "with many surfaces selected"
+    vesk select_all
+    set before [centre]
+    hold [widget xz] {*}$middle {*}[lmap place $middle {expr {$place + 24}}]
+    release
+    check "a drag of all surfaces moves them" {![near [centre] $before]}
+    compare_with_whole "after a drag of all surfaces"
+    vesk undo
+    check "an undo of it brings them back" {[near [centre] $before]}
+    compare_with_whole "after its undo"
+
     # One view alone: the hidden ones, whose pictures were due, do not keep their turn from it.
     vesk set_select_mode object
     vesk select_all
