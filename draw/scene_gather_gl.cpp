@@ -175,8 +175,7 @@ void take_parts(gather_t &gather, draw_pace pace)
         if (live && item.part != nullptr && !item.part->whole && boolean_live_shown(item.object))
             item.part = nullptr;
         scene.selected_elements += num_selected_elements(item);
-        if (item.part != nullptr)
-            scene.complete = selected_part_is_ready(item, pace) && scene.complete;
+        scene.complete = selected_part_is_ready(item, pace) && scene.complete;
         const bool whole = item.part != nullptr && item.part->whole;
         std::vector<coloured_vertex_t> &out = whole ? scene.selected_dots : scene.dots;
         const auto end = dot + gather.num_dots[i];
@@ -234,6 +233,7 @@ std::shared_ptr<scene_t> gather_scene(draw_pace pace, double seconds)
     if (pace != draw_pace::moving)
         gather.beginnings = 0;
     buffers_take_some_coarse();
+    // By the pace it was gathered for, which may serve a picture at rest after this one of motion.
     take_parts(gather, pace == draw_pace::at_once ? pace : gather.pace);
     return gather.scene;
 }

@@ -44,12 +44,6 @@ void add_line_segments(const flat_mesh &flat, int surface, std::vector<std::uint
                                static_cast<std::uint32_t>(corners.front())});
 }
 
-bool have_same_corners(const flat_ptr &a, const flat_ptr &b)
-{
-    return a == b || (a != nullptr && a->surfaces == b->surfaces && a->corners == b->corners &&
-                      a->corner_offsets == b->corner_offsets);
-}
-
 // What the lists are made of.
 struct part_source_t {
     flat_ptr flat;
@@ -108,8 +102,11 @@ void start(const std::shared_ptr<part_job_t> &job)
 // Vertices that move leave the lists as they are, unless polygons are cut into ears.
 bool are_slots_alike(const flat_ptr &before, const object_buffers_t &now)
 {
-    return before == now.flat ||
-           (now.layout.concave.empty() && have_same_corners(before, now.flat));
+    if (before == now.flat)
+        return true;
+    return before != nullptr && now.layout.concave.empty() &&
+           before->surfaces == now.flat->surfaces && before->corners == now.flat->corners &&
+           before->corner_offsets == now.flat->corner_offsets;
 }
 
 bool is_current(const part_slots_t &slots, const scene_item_t &item)

@@ -35,9 +35,7 @@ float map_axis(float value, float from_min, float from_max, float to_min, float 
     return to_min + (value - from_min) * ((to_max - to_min) / size);
 }
 
-} // namespace
-
-// Its rotation is computed once.
+// Where a change takes points. Its rotation is computed once.
 class mapping_t {
 public:
     explicit mapping_t(const drag_change_t &change) : change_(change), centre_(change.centre)
@@ -86,8 +84,6 @@ private:
     point3_t centre_;
     float rotation_[9];
 };
-
-namespace {
 
 // The one axis and angle of a rotation.
 float angle_axis_of_rotation(const float *m, point3_t *axis)
@@ -331,26 +327,23 @@ void drag_transform_t::mark()
 void drag_transform_t::apply(const drag_change_t &change)
 {
     mapping_t map(change);
-    if (!wholes.empty()) {
-        apply_to_wholes(map, turns_own(change));
-    } else if (turns_own(change)) {
-        for (const moved_object_t &moved : objects) {
-            map.set_centre(moved.pivot);
-            for (size_t i = moved.first_vertex; i < moved.end_vertex; ++i) {
-                vertices[i]->position = map(positions[i]);
-            }
-            moved.object->centre = map(moved.centre);
-        }
-    } else {
-        for (size_t i = 0; i < num_moving; ++i) {
-            vertices[i]->position =
-                shares.empty() ? map(positions[i]) : map.shared(positions[i], shares[i]);
-        }
-        for (const moved_object_t &moved : objects) {
-            moved.object->centre = map(moved.centre);
-        }
+    const bool own = turns_own(change);
+    for (size_t i = 0; i < wholes.size(); ++i) {
+        if (own)
+            map.set_centre(objects[i].pivot);
+        object_move_vertices(wholes[i].object, map, wholes[i].positions);
+    }
+    for (size_t i = 0; i < num_moving && !own; ++i) {
+        vertices[i]->position =
+            shares.empty() ? map(positions[i]) : map.shared(positions[i], shares[i]);
     }
     for (const moved_object_t &moved : objects) {
+        if (own)
+            map.set_centre(moved.pivot);
+        for (size_t i = moved.first_vertex; i < moved.end_vertex && own; ++i) {
+            vertices[i]->position = map(positions[i]);
+        }
+        moved.object->centre = map(moved.centre);
         if (turns(change)) {
             matrix_multiply(map.rotation(), moved.rotation, moved.object->rotation);
         } else {
@@ -358,17 +351,6 @@ void drag_transform_t::apply(const drag_change_t &change)
         }
     }
     after_change();
-}
-
-void drag_transform_t::apply_to_wholes(mapping_t &map, bool own_centres)
-{
-    for (size_t i = 0; i < wholes.size(); ++i) {
-        if (own_centres)
-            map.set_centre(objects[i].pivot);
-        object_move_vertices(wholes[i].object, map, wholes[i].positions);
-        if (!objects.empty())
-            objects[i].object->centre = map(objects[i].centre);
-    }
 }
 
 void drag_transform_t::after_change()

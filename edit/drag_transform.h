@@ -30,8 +30,6 @@ struct drag_change_t {
     const char *label = "place"; // PLACE: of the undo record
 };
 
-class mapping_t; // a change as a function of points
-
 // Where a deformer takes a point; its normal has the length 1 or 0.
 using deform_t = std::function<vec3d(const vec3d &point, const vec3d &normal)>;
 
@@ -106,7 +104,6 @@ private:
     void gather();
     void add_further();
     void apply(const drag_change_t &change);
-    void apply_to_wholes(mapping_t &map, bool own_centres);
     void after_change();
     void open_record() const;
     void show_box(const drag_change_t &change) const;

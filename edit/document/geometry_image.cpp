@@ -10,7 +10,6 @@
 #include "model/freed_internal.h"
 #include "model/normals_internal.h"
 
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -23,11 +22,6 @@ flat_array<point3_t> normals_from_corners(const flat_mesh &mesh)
             normals[i] = normal_of_corners(mesh, i);
     });
     return flat_shared(std::move(normals));
-}
-
-bool same_values(const std::vector<point3_t> &a, const std::vector<point3_t> &b)
-{
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof a[0]) == 0;
 }
 
 // ---- the lists stay, values are written ----
@@ -225,8 +219,7 @@ bool object_write_geometry(object_t *object, const flat_mesh &image)
     if (!flat->face_normals) {
         flat->face_normals = normals_from_corners(image);
         // The records are not touched for what they say already.
-        if (state.flat && state.flat->face_normals &&
-            same_values(*state.flat->face_normals, *flat->face_normals))
+        if (state.flat && flat_identical(state.flat->face_normals, flat->face_normals))
             flat->face_normals = state.flat->face_normals;
     }
     const bool stays = has_lists_of(state, *flat);

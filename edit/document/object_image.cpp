@@ -3,6 +3,7 @@
 #include "base/worker.h"
 #include "edit/document/following_normals.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 #include "model/identity.h"
 #include "model/normals_internal.h"
 #include "model/property.h"
@@ -98,17 +99,10 @@ bool positions_near(const std::vector<point3_t> &a, const std::vector<point3_t> 
     return true;
 }
 
-template <class T>
-bool arrays_equal(const flat_array<T> &a, const flat_array<T> &b)
-{
-    return a == b || *a == *b;
-}
-
 bool geometry_near(const flat_mesh &a, const flat_mesh &b, float slack)
 {
-    return arrays_equal(a.corner_offsets, b.corner_offsets) && arrays_equal(a.corners, b.corners) &&
-           arrays_equal(a.surfaces, b.surfaces) &&
-           arrays_equal(a.texture_coords, b.texture_coords) &&
+    return flat_equal(a.corner_offsets, b.corner_offsets) && flat_equal(a.corners, b.corners) &&
+           flat_equal(a.surfaces, b.surfaces) && flat_equal(a.texture_coords, b.texture_coords) &&
            (a.positions == b.positions || positions_near(*a.positions, *b.positions, slack));
 }
 
@@ -123,14 +117,6 @@ bool frames_near(const object_image &a, const object_image &b, float slack)
     const float scale = std::max({1.0f, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z),
                                   std::fabs(q.x), std::fabs(q.y), std::fabs(q.z)});
     return near(p, q, scale, slack);
-}
-
-template <class T>
-bool same_array(const flat_array<T> &a, const flat_array<T> &b)
-{
-    return a == b ||
-           (a && b && a->size() == b->size() &&
-            (a->empty() || std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0));
 }
 
 bool details_near(const object_details &a, const object_details &b)
@@ -278,9 +264,9 @@ bool is_unchanged(const object_image &now, const flat_array<point3_t> &face_norm
 {
     const flat_mesh &a = *now.geometry, &b = *before.geometry;
     const bool same_faces =
-        b.face_normals ? same_array(face_normals, b.face_normals) : !a.face_normals;
-    return same_array(a.positions, b.positions) && same_array(a.normals, b.normals) && same_faces &&
-           std::memcmp(now.rotation, before.rotation, sizeof now.rotation) == 0 &&
+        b.face_normals ? flat_identical(face_normals, b.face_normals) : !a.face_normals;
+    return flat_identical(a.positions, b.positions) && flat_identical(a.normals, b.normals) &&
+           same_faces && std::memcmp(now.rotation, before.rotation, sizeof now.rotation) == 0 &&
            same_bits(now.centre, before.centre) && images_near(now, before);
 }
 

@@ -37,11 +37,9 @@ public:
         if (known.object == nullptr)
             return false;
         if (known.object != last_object_) {
-            const auto at = std::find_if(objects_.begin(), objects_.end(), [&](const auto &other) {
-                return other.object == known.object;
-            });
+            const int place = tracked().place_of(known.object); // they are its objects
             last_object_ = known.object;
-            last_owner_ = at == objects_.end() ? nullptr : &*at;
+            last_owner_ = place < 0 ? nullptr : &objects_[place];
         }
         *out = {last_owner_, known.index};
         return last_owner_ != nullptr;

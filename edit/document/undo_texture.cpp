@@ -57,18 +57,13 @@ void for_each_saved(const saved_object_coords &saved, const Visit &visit)
         visit(s);
 }
 
-template <class T>
-bool equal(const flat_array<T> &a, const flat_array<T> &b)
-{
-    return a == b || *a == *b;
-}
-
 // Whether the object has the surfaces and corners that it had.
 bool has_same_lists(const flat_mesh &now, const flat_mesh &saved)
 {
-    return now.whole && equal(now.surface_records, saved.surface_records) &&
-           equal(now.vertex_records, saved.vertex_records) && equal(now.corners, saved.corners) &&
-           equal(now.corner_offsets, saved.corner_offsets);
+    return now.whole && flat_equal(now.surface_records, saved.surface_records) &&
+           flat_equal(now.vertex_records, saved.vertex_records) &&
+           flat_equal(now.corners, saved.corners) &&
+           flat_equal(now.corner_offsets, saved.corner_offsets);
 }
 
 flat_array<flat_uv> with_saved(const flat_mesh &now, const saved_object_coords &saved)

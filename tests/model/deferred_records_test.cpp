@@ -6,6 +6,7 @@
 #include "model/change_marks_internal.h"
 #include "model/deferred_pages.h"
 #include "model/each.h"
+#include "model/flat_array.h"
 #include "model/freed.h"
 #include "model/object_tree.h"
 #include "model/world.h"
@@ -64,24 +65,18 @@ object_t *add_deferred_sheet(int side)
     return object;
 }
 
-template <class T>
-bool same(const flat_array<T> &a, const flat_array<T> &b)
-{
-    return a->size() == b->size() && std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) == 0;
-}
-
 // The names of the arrays that differ.
 std::string differences(const flat_mesh &a, const flat_mesh &b)
 {
     std::string names;
     const auto note = [&](bool equal, const char *name) { names += equal ? "" : name; };
-    note(same(a.positions, b.positions), " positions");
-    note(same(a.normals, b.normals), " normals");
-    note(same(a.face_normals, b.face_normals), " face_normals");
-    note(same(a.surfaces, b.surfaces), " surfaces");
-    note(same(a.corner_offsets, b.corner_offsets), " corner_offsets");
-    note(same(a.corners, b.corners), " corners");
-    note(same(a.texture_coords, b.texture_coords), " texture_coords");
+    note(flat_identical(a.positions, b.positions), " positions");
+    note(flat_identical(a.normals, b.normals), " normals");
+    note(flat_identical(a.face_normals, b.face_normals), " face_normals");
+    note(flat_identical(a.surfaces, b.surfaces), " surfaces");
+    note(flat_identical(a.corner_offsets, b.corner_offsets), " corner_offsets");
+    note(flat_identical(a.corners, b.corners), " corners");
+    note(flat_identical(a.texture_coords, b.texture_coords), " texture_coords");
     return names;
 }
 
