@@ -2,6 +2,7 @@
 find_package(TCL REQUIRED)
 find_package(X11 REQUIRED COMPONENTS Xrender xcb)
 find_package(PNG REQUIRED)
+find_package(Fontconfig REQUIRED)
 find_package(Threads REQUIRED)
 set(OpenGL_GL_PREFERENCE GLVND)
 find_package(OpenGL REQUIRED COMPONENTS OpenGL GLX)

@@ -16,7 +16,7 @@ endif()
 add_executable(vesk)
 vesk_warnings(vesk)
 target_link_libraries(vesk PRIVATE vesk_core ${TOGL_LIBRARY} ${TK_LIBRARY} ${TCL_LIBRARY}
-    OpenGL::GL OpenGL::GLU X11::Xrender X11::X11 X11::xcb PNG::PNG ${CMAKE_DL_LIBS})
+    OpenGL::GL OpenGL::GLU Fontconfig::Fontconfig X11::Xrender X11::X11 X11::xcb PNG::PNG ${CMAKE_DL_LIBS})
 target_include_directories(vesk SYSTEM PRIVATE ${TCL_INCLUDE_PATH} ${TK_INCLUDE_PATH}
     ${TOGL_INCLUDE_DIR})
 set_target_properties(vesk PROPERTIES ENABLE_EXPORTS ON

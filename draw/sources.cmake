@@ -22,8 +22,8 @@ target_sources(vesk PRIVATE
     draw/draw_layers_gl.cpp
     draw/draw_marks_gl.cpp
     draw/draw_orth_gl.cpp
-    draw/draw_reach_gl.cpp
     draw/draw_overlay_gl.cpp
+    draw/draw_reach_gl.cpp
     draw/draw_scene_gl.cpp
     draw/draw_scene_lines_gl.cpp
     draw/draw_text_gl.cpp
@@ -31,9 +31,10 @@ target_sources(vesk PRIVATE
     draw/draw_uv_elements_gl.cpp
     draw/draw_uv_gl.cpp
     draw/draw_view_gl.cpp
-    draw/driver_load_gl.cpp
     draw/font_atlas.cpp
+    draw/glx_windows_gl.cpp
     draw/gpu_buffer_gl.cpp
+    draw/load_ahead_gl.cpp
     draw/offscreen_gl.cpp
     draw/scene_detail_gl.cpp
     draw/scene_dots_gl.cpp

@@ -9,7 +9,7 @@
 #include "base/messages.h"
 #include "base/prefs.h"
 #include "base/session_state.h"
-#include "draw/driver_load_gl.h"
+#include "draw/load_ahead_gl.h"
 #include "edit/check/model_check.h"
 #include "fileio/rescue.h"
 #include "plugin/loader.h"
@@ -326,8 +326,8 @@ int init_tcl_stuff(int, char **)
         debugf("can't change to %s\n", vesk_get_vesk_homedir());
 
     if (!command_line.batch) {
-        Tcl_CreateExitHandler([](ClientData) { driver_load_end(); }, nullptr);
-        driver_load_begin();
+        std::atexit(load_ahead_end);
+        load_ahead_begin();
     }
     Tcl_Interp *interp = Tcl_CreateInterp();
     if (interp == nullptr) {
@@ -341,6 +341,8 @@ int init_tcl_stuff(int, char **)
     if (!command_line.batch) {
         if (!init_tk_library(interp))
             return 0;
+        load_ahead_for(Tk_Display(Tk_MainWindow(interp)));
+        Tcl_CreateExitHandler([](ClientData) { load_ahead_end(); }, nullptr); // before Tk's
         interp_tk_set(interp, true);
         place_main_window(interp);
         icon_image_install(interp);

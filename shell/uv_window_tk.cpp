@@ -7,6 +7,7 @@
 #include "base/ui_port.h"
 #include "draw/draw_device_gl.h"
 #include "draw/draw_uv_gl.h"
+#include "draw/glx_windows_gl.h"
 #include "edit/uv/uv_measured.h"
 #include "shell/interp_tk.h"
 #include "shell/views_tk.h"
@@ -184,8 +185,10 @@ int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
 {
     guarded_entry([] { uv_drag_cancel(); });
     draw_no_more();
+    const Tk_Window tk = Togl_TkWin(window.togl);
     window.togl = nullptr;
     draw_uv_forget();
+    glx_window_forget(Tk_Display(tk), Tk_WindowId(tk));
     return TCL_OK;
 }
 

@@ -10,7 +10,8 @@
 #include "draw/draw_device_gl.h"
 #include "draw/draw_textures_gl.h"
 #include "draw/draw_view_gl.h"
-#include "draw/driver_load_gl.h"
+#include "draw/glx_windows_gl.h"
+#include "draw/load_ahead_gl.h"
 #include "shell/bridge_tk.h"
 #include "shell/interp_tk.h"
 #include "shell/pointer_tk.h"
@@ -320,6 +321,7 @@ int destroy_command(ClientData, Tcl_Interp *interp, int argc, Tcl_Obj *const arg
         record->togl = nullptr;
         record->tk_window = nullptr;
         record->bound = 0;
+        glx_window_forget(Tk_Display(Togl_TkWin(togl)), Tk_WindowId(Togl_TkWin(togl)));
     }
     return TCL_OK;
 }
@@ -524,7 +526,7 @@ void create_ui(void)
     register_view_commands();
     register_uv_window();
     check_sharing();
-    driver_load_end();
+    load_ahead_end();
     constexpr double points_of_pixel = 72.0 / 96.0;
     const std::string scaling = tcl_command("tk scaling");
     view_set_interface_scale(

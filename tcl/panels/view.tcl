@@ -58,11 +58,13 @@ proc ::vesk::view::build_cell {name} {
     set cell $area_path.$name
     ::vesk::theme::on [frame $cell] -
     set options {-rgba 1 -depth 1 -stencil 1 -width 300 -height 220}
-    # The first widget owns the objects that the others share; the name is its -ident. One context for all
-    # would start sooner, but then each view waits for what the driver does for another one.
-    lappend options -ident view$name
-    if {$name ne "xy"} {lappend options -sharelist viewxy}
-    lappend options -double [expr {$name eq "xyz" || $::prefs_doublebuffer_orth ? 1 : 0}]
+    # The first widget owns what the others use; the name is its -ident. Views of one kind of buffer
+    # have one context, whose programs are made once; others share its objects.
+    set double [expr {$name eq "xyz" || $::prefs_doublebuffer_orth ? 1 : 0}]
+    lappend options -ident view$name -double $double
+    if {$name ne "xy"} {
+        lappend options [expr {$double == !!$::prefs_doublebuffer_orth ? "-sharecontext" : "-sharelist"}] viewxy
+    }
     togl $cell.togl {*}$options
     pack $cell.togl -fill both -expand 1 -padx [ring] -pady [ring]
     set ::ToglWinName($name) $cell.togl

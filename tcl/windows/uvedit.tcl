@@ -122,7 +122,7 @@ proc ::vesk::uvedit::build_bar {bar} {
 #   The drawing in a frame that is lit while it has the focus, and its chip.
 proc ::vesk::uvedit::build_view {path} {
     ::vesk::theme::on [frame $path] -
-    togl $path.togl -rgba 1 -double 1 -depth 1 -stencil 1 -ident viewuv -sharelist viewxy \
+    togl $path.togl -rgba 1 -double 1 -depth 1 -stencil 1 -ident viewuv -sharecontext viewxyz \
         -width 400 -height 300
     pack $path.togl -fill both -expand 1 -padx [::vesk::view::ring] -pady [::vesk::view::ring]
     ::vesk::uv_bind $path.togl
