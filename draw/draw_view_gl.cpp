@@ -60,6 +60,13 @@ colour_t background_of(int view)
     return colour_of(view == VIEW_XYZ ? prefs.col_3dbackground : prefs.col_background);
 }
 
+// What is left for drawing when the scene was gathered since `called`.
+double left_of(double seconds, double called)
+{
+    constexpr double least = 0.4; // else a picture never ends
+    return std::max(seconds - (ui_port().now_seconds() - called), least * seconds);
+}
+
 // In any view: the others do not take its time.
 bool anything_moves(double seconds)
 {
@@ -192,6 +199,7 @@ bool draw_view(int view, int width, int height, double seconds, bool in_full)
     const draw_pace pace = anything_moves(seconds) ? draw_pace::moving
                            : in_full               ? draw_pace::at_once
                                                    : draw_pace::at_rest;
+    const double called = ui_port().now_seconds();
     const std::shared_ptr<scene_t> scene = scene_of(state, pace, in_full);
     if (scene == nullptr) {
         state.partial = true;
@@ -201,7 +209,8 @@ bool draw_view(int view, int width, int height, double seconds, bool in_full)
     const double started = picture.started;
     const bool quick =
         moving || !picture.scene.complete || (!in_full && state.budget.full_cost() > slow_picture);
-    picture.layers = state.budget.choose(quick, is_orthographic(view));
+    picture.layers =
+        state.budget.choose(quick, is_orthographic(view), left_of(frame_budget, called));
     choose_detail(picture.scene, picture.layers.detail);
     picture.scene.in_motion = quick;
     picture.layers.boxes_only = state.distrusted;
@@ -236,6 +245,7 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     if (width != state.width || height != state.height || (slow && anything_moves(seconds)) ||
         view_is_moving(view, seconds))
         return draw_view(view, width, height, seconds, false);
+    const double called = ui_port().now_seconds();
     const bool up_to_date = boolean_live_update(false);
     if (is_current(unfinished))
         buffers_take_some_coarse();
@@ -256,7 +266,8 @@ bool draw_view_slice(int view, int width, int height, double seconds)
     else
         frame_resume(view, width, height, true);
     unfinished.begun = true;
-    slice_begin(&unfinished.progress, slow ? slice_seconds : any_time, [] { glFinish(); });
+    slice_begin(&unfinished.progress, slow ? left_of(slice_seconds, called) : any_time,
+                [] { glFinish(); });
     draw_layers(picture);
     if (!slice_end()) {
         frame_pause();

@@ -1,7 +1,10 @@
 #include "draw/gpu_buffer_gl.h"
 
+#include "base/job_queue.h"
+
 #include <cstring>
 #include <sys/mman.h>
+#include <utility>
 
 namespace {
 
@@ -12,29 +15,60 @@ constexpr std::size_t least_in_own_memory = page_bytes;
 
 } // namespace
 
+struct own_pages_t : queued_job_t {
+    explicit own_pages_t(std::size_t bytes)
+        : num_bytes((bytes + page_bytes - 1) / page_bytes * page_bytes),
+          start(
+              mmap(nullptr, num_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))
+    {
+#ifdef MADV_HUGEPAGE
+        if (is_there())
+            madvise(start, num_bytes, MADV_HUGEPAGE);
+#endif
+    }
+    ~own_pages_t()
+    {
+        if (is_there())
+            munmap(start, num_bytes);
+    }
+    own_pages_t(const own_pages_t &) = delete;
+    own_pages_t &operator=(const own_pages_t &) = delete;
+
+    [[nodiscard]] bool is_there() const { return start != MAP_FAILED; }
+
+    // Writes a zero in the place of a zero: what was written meanwhile stays.
+    void run()
+    {
+        constexpr std::size_t small_page = 4096;
+        for (std::size_t at = 0; at < num_bytes && !cancelled; at += small_page) {
+            unsigned char zero = 0;
+            __atomic_compare_exchange_n(static_cast<unsigned char *>(start) + at, &zero, 0, false,
+                                        __ATOMIC_RELAXED, __ATOMIC_RELAXED);
+        }
+    }
+
+    std::size_t num_bytes;
+    void *start;
+};
+
 // False: the driver does not take them.
 bool gpu_buffer::reserve_pages(std::size_t bytes)
 {
-    const std::size_t room = (bytes + page_bytes - 1) / page_bytes * page_bytes;
-    void *pages = mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (pages == MAP_FAILED)
+    auto pages = std::make_shared<own_pages_t>(bytes);
+    if (!pages->is_there())
         return false;
-#ifdef MADV_HUGEPAGE
-    madvise(pages, room, MADV_HUGEPAGE);
-#endif
     constexpr int most_errors = 8; // of somebody else; a lost context tells them for ever
     for (int i = 0; i < most_errors && glGetError() != GL_NO_ERROR; ++i)
         continue;
     glBindBuffer(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, id_);
-    glBufferData(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, static_cast<GLsizeiptr>(bytes), pages,
-                 GL_STATIC_DRAW);
+    glBufferData(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, static_cast<GLsizeiptr>(bytes),
+                 pages->start, GL_STATIC_DRAW);
     glBindBuffer(GL_EXTERNAL_VIRTUAL_MEMORY_BUFFER_AMD, 0);
-    if (glGetError() != GL_NO_ERROR) {
-        munmap(pages, room);
+    if (glGetError() != GL_NO_ERROR)
         return false;
-    }
-    pages_ = pages;
-    num_bytes_ = room;
+    static job_queue<own_pages_t> queue;
+    queue.add(pages);
+    pages_ = std::move(pages);
     return true;
 }
 
@@ -96,7 +130,7 @@ void gpu_buffer::release()
         glDeleteBuffers(1, &id_);
     if (pages_ != nullptr) {
         glFinish(); // what is drawn reads them
-        munmap(pages_, num_bytes_);
+        pages_->cancelled = true;
     }
     *this = {};
 }

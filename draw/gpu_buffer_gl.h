@@ -4,10 +4,15 @@
 #include "draw/draw_device_gl.h"
 
 #include <cstddef>
+#include <memory>
+#include <vector>
+
+struct own_pages_t;
 
 // A buffer object, or memory of our own where there are none. Where the processor draws, a large buffer
 // object is memory of our own, too: the driver would clear its own at once, and the first touch of so many
 // pages takes longer than an event may wait; here each page is touched when it is written.
+// A worker brings the pages meanwhile.
 class gpu_buffer {
 public:
     void reserve(GLenum target, std::size_t bytes);
@@ -25,8 +30,7 @@ private:
 
     GLuint id_ = 0;
     std::vector<unsigned char> memory_;
-    void *pages_ = nullptr; // of the buffer object
-    std::size_t num_bytes_ = 0;
+    std::shared_ptr<own_pages_t> pages_; // of the buffer object
 };
 
 #endif

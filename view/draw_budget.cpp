@@ -115,21 +115,21 @@ double draw_budget::expected_of(std::size_t level, bool whole, double without,
     return cost(draw_layer::rest) + elements * size(level, whole);
 }
 
-layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
+layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first, double seconds) const
 {
     layer_choice_t choice;
-    if (!moving || full_cost() <= frame_budget)
+    if (!moving || full_cost() <= seconds)
         return choice;
     choice.vertices = false;
     const double fill = cost(draw_layer::fill);
     const double edges = cost(draw_layer::edges);
     const double rest = cost(draw_layer::rest);
-    if (rest + fill + edges <= frame_budget)
+    if (rest + fill + edges <= seconds)
         return choice;
     choice.smoothing = false;
     // Smoothing is a part of the costs as they were measured.
     const double plain = std::max(rest + fill + edges - cost(draw_layer::smoothing), 0.0);
-    if (plain <= frame_budget)
+    if (plain <= seconds)
         return choice;
     const double sum = std::max(fill + edges, 1e-9);
     const double without = 1 - (fill_goes_first ? fill : edges) / sum;
@@ -147,7 +147,7 @@ layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
             (fill_goes_first ? choice.fill : choice.edges) = choice.whole = whole;
             choice.expected = level > 0 ? expected_of(level, whole, without, elements)
                                         : rest + elements * (whole ? 1 : without);
-            if (choice.expected <= frame_budget)
+            if (choice.expected <= seconds)
                 return choice;
         }
     }
@@ -155,6 +155,6 @@ layer_choice_t draw_budget::choose(bool moving, bool fill_goes_first) const
     constexpr double too_slow = 0.06;
     constexpr double share_of_time = 0.6; // the rest is for the dots
     if (choice.expected > too_slow)
-        choice.share = share_of_time * frame_budget / choice.expected;
+        choice.share = share_of_time * seconds / choice.expected;
     return choice;
 }

@@ -11,7 +11,7 @@
 
 enum class draw_layer { fill, edges, vertices, smoothing, rest, count };
 
-constexpr double frame_budget = 0.033; // seconds
+constexpr double frame_budget = 0.028; // seconds; a thirtieth has room for the event, too
 constexpr double slow_picture = 0.04;  // above it events come before the full picture
 constexpr double settle_after = 0.15;  // of the last motion
 
@@ -56,8 +56,10 @@ public:
 
     // The layers to draw: all at rest, and while moving those that fit, in the finest detail in which
     // some do; of coarse levels the coarsest first, then finer ones as far as it leaves room.
-    // `fill_goes_first` says whether the fill goes before the edges (flat views) or after them (3D).
-    [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first) const;
+    // `fill_goes_first` says whether the fill goes before the edges (flat views) or after them (3D);
+    // `seconds` what a picture may take.
+    [[nodiscard]] layer_choice_t choose(bool moving, bool fill_goes_first,
+                                        double seconds = frame_budget) const;
 
     [[nodiscard]] double cost(draw_layer layer) const
     {

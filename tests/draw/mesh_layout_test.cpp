@@ -206,9 +206,10 @@ TEST(DrawBudget, TakesTheFinestDetailThatFits)
     budget.take_shares({1, 0.1, 0.05, 0.02, 0.02});
     EXPECT_EQ(budget.choose(true, false).detail, 3); // before anything was measured
     EXPECT_EQ(budget.choose(false, false).detail, 0);
-    layer_choice_t choice = choice_after(budget, 5, {1.2, 0.06, 0.03, 0.012, 0});
+    layer_choice_t choice = choice_after(budget, 5, {1.2, 0.055, 0.022, 0.01, 0});
     EXPECT_EQ(choice.detail, 2);
     EXPECT_TRUE(choice.edges);
+    EXPECT_EQ(budget.choose(true, false, 0.006).detail, 3); // the scene took half of the time
     choice = choice_after(budget, 30, {1.2, 0.006, 0.003, 0.001, 0}); // the camera turned away
     EXPECT_EQ(choice.detail, 1);
     budget.take_shares({1, 0.1, 0.05, 0.02, 0.001}); // other versions
