@@ -310,7 +310,11 @@ void frame_end(int view)
     glDisable(GL_DEPTH_TEST);
 }
 
-void frame_forget(int view) { device.frames[view] = {}; }
+void frame_forget(int view)
+{
+    free_frame_buffer(device.frames[view]);
+    device.frames[view] = {};
+}
 
 double seconds_until_drawn()
 {

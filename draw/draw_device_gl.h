@@ -42,7 +42,7 @@ void frame_end(int view);
 // Leaves a frame that is drawn in slices as it is, and goes on with it.
 void frame_pause();
 void frame_resume(int view, int width, int height, bool smoothing);
-// The view's window is closed, and with its context everything made in it is gone.
+// The view's window is closed; its context, in which other views draw on, is current.
 void frame_forget(int view);
 
 // Waits until everything is drawn: for measuring.

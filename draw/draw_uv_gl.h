@@ -10,7 +10,7 @@ bool draw_uv_view(int width, int height, bool in_full);
 // calls for draw_uv_view. Nothing is drawn while a worker is at the colours of the surfaces.
 bool draw_uv_slice(int width, int height);
 
-// Its window is closed.
+// Its window is closed; its context is current.
 void draw_uv_forget();
 
 #endif

@@ -186,8 +186,9 @@ int destroy_command(ClientData, Tcl_Interp *, int, Tcl_Obj *const[])
     guarded_entry([] { uv_drag_cancel(); });
     draw_no_more();
     const Tk_Window tk = Togl_TkWin(window.togl);
-    window.togl = nullptr;
+    Togl_MakeCurrent(window.togl);
     draw_uv_forget();
+    window.togl = nullptr;
     glx_window_forget(Tk_Display(tk), Tk_WindowId(tk));
     return TCL_OK;
 }
