@@ -32,14 +32,32 @@ GLXFBConfig config_of(Display *display, Window window)
     return config;
 }
 
+bool refused = false;
+
+// The X window itself where the server will not make one of GLX: an error that nobody takes ends the program.
+GLXDrawable made_for(Display *display, Window window)
+{
+    GLXFBConfig config = config_of(display, window);
+    if (config == nullptr)
+        return window;
+    XSync(display, False); // what came before is somebody else's
+    refused = false;
+    const auto before = XSetErrorHandler([](Display *, XErrorEvent *) {
+        refused = true;
+        return 0;
+    });
+    const GLXDrawable made = glXCreateWindow(display, config, window, nullptr);
+    XSync(display, False);
+    XSetErrorHandler(before);
+    return refused || made == None ? window : made;
+}
+
 GLXDrawable drawable_of(Display *display, Window window)
 {
-    const auto [place, is_new] = drawables.try_emplace(window, window);
-    if (is_new) {
-        if (GLXFBConfig config = config_of(display, window); config != nullptr)
-            place->second = glXCreateWindow(display, config, window, nullptr);
-    }
-    return place->second;
+    const auto place = drawables.find(window);
+    return place != drawables.end()
+               ? place->second
+               : drawables.emplace(window, made_for(display, window)).first->second;
 }
 
 } // namespace
@@ -65,7 +83,12 @@ extern "C" Bool glXMakeCurrent(Display *display, GLXDrawable window, GLXContext 
     if (window == None || context == nullptr)
         return glXMakeContextCurrent(display, None, None, nullptr);
     const GLXDrawable drawable = drawable_of(display, window);
-    return glXMakeContextCurrent(display, drawable, drawable, context);
+    if (glXMakeContextCurrent(display, drawable, drawable, context) != False)
+        return True;
+    if (drawable == window)
+        return False;
+    drawables[window] = window; // the context does not fit it
+    return glXMakeContextCurrent(display, window, window, context);
 }
 
 extern "C" void glXSwapBuffers(Display *display, GLXDrawable window)
