@@ -10,6 +10,9 @@
 // Has the system bring the memory, where it is large and not there yet. What it holds stays.
 void bring_memory(void *begin, std::size_t bytes);
 
+// The same on this thread, however little it is; others may write there meanwhile.
+void touch_memory(void *begin, std::size_t bytes);
+
 template <class T>
 void reserve_big(std::vector<T> &values, std::size_t n)
 {

@@ -1,5 +1,6 @@
 #include "draw/gpu_buffer_gl.h"
 
+#include "base/big_vector.h"
 #include "base/job_queue.h"
 
 #include <cstring>
@@ -36,15 +37,10 @@ struct own_pages_t : queued_job_t {
 
     [[nodiscard]] bool is_there() const { return start != MAP_FAILED; }
 
-    // Writes a zero in the place of a zero: what was written meanwhile stays.
     void run()
     {
-        constexpr std::size_t small_page = 4096;
-        for (std::size_t at = 0; at < num_bytes && !cancelled; at += small_page) {
-            unsigned char zero = 0;
-            __atomic_compare_exchange_n(static_cast<unsigned char *>(start) + at, &zero, 0, false,
-                                        __ATOMIC_RELAXED, __ATOMIC_RELAXED);
-        }
+        for (std::size_t at = 0; at < num_bytes && !cancelled; at += page_bytes)
+            touch_memory(static_cast<unsigned char *>(start) + at, page_bytes);
     }
 
     std::size_t num_bytes;

@@ -209,7 +209,7 @@ TEST(DrawBudget, TakesTheFinestDetailThatFits)
     layer_choice_t choice = choice_after(budget, 5, {1.2, 0.055, 0.022, 0.01, 0});
     EXPECT_EQ(choice.detail, 2);
     EXPECT_TRUE(choice.edges);
-    EXPECT_EQ(budget.choose(true, false, 0.006).detail, 3); // the scene took half of the time
+    EXPECT_EQ(budget.choose(true, false, 0.006).detail, 3); // the scene took most of the time
     choice = choice_after(budget, 30, {1.2, 0.006, 0.003, 0.001, 0}); // the camera turned away
     EXPECT_EQ(choice.detail, 1);
     budget.take_shares({1, 0.1, 0.05, 0.02, 0.001}); // other versions
